@@ -1,0 +1,80 @@
+# How everything here is compiled, and the few functions with which the folders describe themselves.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/archive")
+# The agent and its interface library live together, apart from what a host loads.
+set(PLUGINCORE_FONT_MANAGER_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/vantorix")
+
+find_package(Threads REQUIRED)
+
+add_library(plugincore-build-options INTERFACE)
+target_compile_options(plugincore-build-options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
+  # Paths in log lines are relative to the repository, whatever folder it was cloned into.
+  "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+target_link_libraries(plugincore-build-options INTERFACE Threads::Threads)
+if(PLUGINCORE_SANITIZE)
+  target_compile_options(plugincore-build-options INTERFACE
+    -fsanitize=${PLUGINCORE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(plugincore-build-options INTERFACE -fsanitize=${PLUGINCORE_SANITIZE})
+endif()
+
+# plugincore_library(NAME STATIC|SHARED SOURCES ... [INCLUDES PUBLIC-FOLDERS] [LINKS ...] [PRIVATE_LINKS ...])
+# A folder's library. What is not named in LINKS or PRIVATE_LINKS cannot be included.
+function(plugincore_library name kind)
+  cmake_parse_arguments(ARG "" "" "SOURCES;INCLUDES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} ${kind} ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${ARG_INCLUDES})
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE plugincore-build-options ${ARG_PRIVATE_LINKS})
+endfunction()
+
+# plugincore_test(NAME SOURCES ... LINKS ... [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
+# One GoogleTest program; ctest runs each of its cases as a process of its own.
+function(plugincore_test name)
+  if(NOT PLUGINCORE_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "LOCK" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  set(properties TIMEOUT 120)
+  if(ARG_LOCK)
+    list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
+  endif()
+  if(ARG_ENVIRONMENT)
+    list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
+  endif()
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+endfunction()
+
+# plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V])
+# Gives a binary the version pairs that platform/VersionResource.h reads back.
+function(plugincore_version target)
+  cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION" "" ${ARGN})
+  set(VERSION_PAIRS "")
+  foreach(pair FileVersion:FILE_VERSION PrivateBuild:PRIVATE_BUILD InternalName:INTERNAL_NAME
+               HostAppMinimumVersion:HOST_APP_MINIMUM_VERSION)
+    string(REPLACE ":" ";" pair ${pair})
+    list(GET pair 0 key)
+    list(GET pair 1 argument)
+    if(DEFINED ARG_${argument})
+      string(APPEND VERSION_PAIRS "    \"${key}=${ARG_${argument}}\\0\"\n")
+    endif()
+  endforeach()
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}-version.c")
+  configure_file("${CMAKE_SOURCE_DIR}/cmake/version-section.c.in" "${source}" @ONLY)
+  target_sources(${target} PRIVATE "${source}")
+endfunction()
