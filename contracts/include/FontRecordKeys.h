@@ -1,0 +1,61 @@
+/*
+ * The font record: one CoreFoundation dictionary per font, exchanged with the font manager and, as JSON
+ * objects with the same members, with the host.
+ */
+#ifndef FONT_RECORD_KEYS_H
+#define FONT_RECORD_KEYS_H
+
+/* X(constant, key string). Strings unless noted. */
+#define FONT_RECORD_KEYS(X)                                                                                 \
+    X(kGS_PostScriptNameKey, "PostScriptName")                                                              \
+    X(kGS_FoundryKey, "Foundry")                                                                            \
+    X(kGS_FontKindKey, "FontKind") /* a name of GFontManagerConstants, or "Postscript" */                   \
+    X(kGS_KerningChecksumKey, "KerningChecksum")                                                            \
+    X(kGS_VersionKey, "Version")                                                                            \
+    X(kGS_GlyphscanChecksumKey, "Glyphscan_1.2_Checksum")                                                   \
+    X(kGS_ChecksumKey, "Checksum") /* SHA-256 of the font file, lower-case hexadecimal */                   \
+    X(kGS_OutlineFileNameKey, "OutlineFileName")                                                            \
+    X(kGS_OutlineFileSizeKey, "OutlineFileSize")   /* number, bytes */                                      \
+    X(kGS_AssignedFamilyIDKey, "AssignedFamilyID") /* number */                                             \
+    X(kGS_FamilyKey, "Family")                                                                              \
+    X(kGS_PrinterFontKey, "PrinterFont")                                                                    \
+    X(kGS_AssignedFamilyNameKey, "AssignedFamilyName")                                                      \
+    X(kGS_PathKey, "Path")         /* where the active font file stands, else where it is kept; UTF-8 */    \
+    X(kGS_KeywordsKey, "Keywords") /* array of strings */                                                   \
+    X(kGS_SubDocumentsWithFontKey, "SubDocumentsWithFont") /* array of strings */                           \
+    X(kGS_SourceDocumentNameKey, "SourceDocumentName")                                                      \
+    X(kGS_DatabaseIDKey, "DatabaseID")                     /* number, 32-bit unsigned; 0 is no font */      \
+    X(kGS_PossibleReplacementsKey, "PossibleReplacements") /* dictionary, PostScript name -> font record */ \
+    X(kGS_ActivationStateKey, "ActivationStatus")          /* number, see FontActivationState */            \
+    X(kGS_MatchedFontKey, "MatchedFont")                   /* dictionary, a font record */                  \
+    X(kGS_WorkgroupNameKey, "WorkgroupName")                                                                \
+    X(kGS_WorkgroupIDKey, "WorkgroupID")     /* number */                                                   \
+    X(kGS_LocationKey, "Location")           /* number: 1 = file on this machine, 0 = only on the server */ \
+    X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number 0 to 12 */
+
+/* A workgroup record holds kGS_WorkgroupIDKey, kGS_WorkgroupNameKey and kGS_WorkgroupTypeKey. */
+
+#define FONT_RECORD_KEY_CONSTANT(constant, text) static const char constant[] = text;
+#ifdef __cplusplus
+#undef FONT_RECORD_KEY_CONSTANT
+#define FONT_RECORD_KEY_CONSTANT(constant, text) inline constexpr char constant[] = text;
+#endif
+FONT_RECORD_KEYS(FONT_RECORD_KEY_CONSTANT)
+#undef FONT_RECORD_KEY_CONSTANT
+
+/*
+ * Values of kGS_ActivationStateKey. 1 to 6 and 9 to 11 count as active, everything else as not active. The
+ * font manager that stands in this repository uses those named here; others may come from other font
+ * managers.
+ */
+enum FontActivationState {
+    kFontActivationState_Unknown = -1,
+    kFontActivationState_Inactive = 0,
+    kFontActivationState_ActivatedByUser = 1,   /* until the user deactivates it */
+    kFontActivationState_ActivatedByPlugin = 2, /* for as long as a plug-in's documents need it */
+    kFontActivationState_SystemFont = 3,        /* always active */
+    kFontActivationState_Missing = 7,           /* its file is gone */
+    kFontActivationState_Damaged = 8
+};
+
+#endif

@@ -1,0 +1,231 @@
+/*
+ * The font manager's plug-in interface: the 86 functions that the library "TarnwickPluginInterfaceX64"
+ * exports and that the core binds by name at run time.
+ *
+ * Conventions
+ * - Every function returns a 32-bit error code, 0 for success. GIPCClient::kServiceUnavailable (0x0300100E)
+ * and GAgentIF::kShutdown (0x0200200D) say that the agent is gone; the caller may start it again, drop the
+ * facade with ResetPluginFacadeInstance and repeat the call. CoreErrorCodes::kNotImplemented (0x08000000) is
+ * the answer of a function that this font manager has no use for. Nothing is thrown, nothing blocks for
+ * longer than the documented time limits of the library.
+ * - Functions that work on the font manager's data take the facade first. The facade is owned by the library:
+ *   fetch it with GetPluginFacadeInstance before every call and never keep it.
+ * - Outputs are pointers; they are untouched on failure. CoreFoundation objects follow the usual rules: what
+ * comes out through a pointer named outNew... is owned by the caller and released by it; mutable arrays and
+ *   dictionaries given by the caller are appended to. Strings are UTF-8 where they are plain C, without limit
+ * of length unless a buffer size in bytes is given.
+ * - Fonts in arrays are font records (FontRecordKeys.h) of which kGS_DatabaseIDKey alone must be there,
+ * unless a function says "names", or "IDs": CFNumbers that hold database IDs.
+ * - Any thread may call; calls of one process are carried out one after the other. The notification callback
+ * runs on the library's own thread.
+ */
+#ifndef TARNWICK_PLUGIN_INTERFACE_H
+#define TARNWICK_PLUGIN_INTERFACE_H
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include "FontRecordKeys.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The connection to the agent, for this process. */
+typedef struct OpaquePluginFacade* PluginFacadeRef;
+/* The calling thread's share of the library: what BeginLogging and Log write through. */
+typedef struct OpaquePluginThreadInstance* PluginThreadInstanceRef;
+
+/* Modes of an activation request. */
+#define kGS_ActivateLocally "ActivateLocally"
+#define kGS_ActivateGlobally "ActivateGlobally"
+
+/*
+ * Kinds of notification, with what pCallbackData points to for the length of the callback.
+ * Types 0 to 3 are states, the rest follow the notification names from the third on.
+ */
+enum PluginNotificationType {
+    kPluginCallback_WentOnline = 0,                      /* null */
+    kPluginCallback_WentOffline = 1,                     /* null */
+    kPluginCallback_LoggedIn = 2,                        /* CFDictionaryRef: "serverType" */
+    kPluginCallback_LoggedOut = 3,                       /* null */
+    kPluginCallback_PanelDataChanged = 4,                /* null */
+    kPluginCallback_WorkgroupsChanged = 5,               /* null */
+    kPluginCallback_AgentShutdown = 6,                   /* null */
+    kPluginCallback_FontActivated = 7,                   /* uint32_t: database ID */
+    kPluginCallback_FontDeactivated = 8,                 /* uint32_t: database ID */
+    kPluginCallback_FontMissing = 9,                     /* uint32_t: database ID */
+    kPluginCallback_DesignActivationNonCompliant = 10,   /* uint32_t: database ID */
+    kPluginCallback_UserPermissionsChanged = 11,         /* null */
+    kPluginCallback_TaskStarted = 12,                    /* CFDictionaryRef */
+    kPluginCallback_TaskProgress = 13,                   /* CFDictionaryRef */
+    kPluginCallback_TaskFinished = 14,                   /* CFDictionaryRef */
+    kPluginCallback_TaskError = 15,                      /* CFDictionaryRef */
+    kPluginCallback_BulkReplicationProgress = 16,        /* CFDictionaryRef */
+    kPluginCallback_BulkReplicationStopped = 17,         /* null */
+    kPluginCallback_IncrementalReplicationProgress = 18, /* CFDictionaryRef */
+    kPluginCallback_IncrementalReplicationStopped = 19,  /* null */
+    kPluginCallback_GoogleReplicationProgress = 20,      /* CFDictionaryRef */
+    kPluginCallback_GoogleReplicationStopped = 21,       /* null */
+    kPluginCallback_FontServerReplicationProgress = 22,  /* CFDictionaryRef */
+    kPluginCallback_FontServerReplicationStopped = 23,   /* null */
+    kPluginCallback_GoogleWebFontsEnabled = 24,          /* bool */
+    kPluginCallback_PreviewPNGsRendered = 25,            /* CFDictionaryRef: ID -> paths */
+    kPluginCallback_SmartListsChanged = 26,              /* null */
+    kPluginCallback_OfflineDownloadFinished = 27,        /* null */
+    kPluginCallback_Enabled = 28                         /* bool */
+};
+
+/* Called on the library's own thread; must only record. */
+typedef void (*PluginNotificationCallback)(int32_t callbackType, const void* pCallbackData);
+
+/* How replication stands (GetCurrentReplicationMode). */
+enum PluginReplicationMode {
+    kReplicationMode_None = 0,
+    kReplicationMode_Bulk = 1,
+    kReplicationMode_Incremental = 2
+};
+
+/* What GetPermission and MotherMayI are asked about. */
+enum PluginPermission {
+    kPermission_ActivateFonts = 1,
+    kPermission_ExportFonts = 2,
+    kPermission_CreateSets = 3,
+    kPermission_CreateSmartLists = 4,
+    kPermission_ShowPostscriptReplacements = 5
+};
+
+/*
+ * The function table, in binding order: X(symbol, parameter list).
+ *
+ * ActivateFonts: activates `fonts` for the document and appends a font record per font that was matched to
+ *   `matchedFonts`; its activation state is the one from before the request. `mode` is kGS_ActivateLocally or
+ *   kGS_ActivateGlobally (null: locally).
+ * ActivateDocumentFontsByPath: finds and activates `requestedFonts` (font records; kGS_PostScriptNameKey,
+ * else kGS_FamilyKey and style) for the document. `matchedFonts` as above. `unmatchedFonts` receives the
+ * requested record of each font that is not in the store. `reportedFonts` receives, per matched font, the
+ * requested record completed by the font's own, with the activation state from after the request and the
+ * record from before it under kGS_MatchedFontKey. Any of the three may be null. DeactivateFonts: lets go of
+ * fonts that were activated for this process, and appends the records of those that became inactive to
+ * `deactivatedFonts` (may be null). Fonts that the user activated stay active. `context` is 0.
+ * GetClientFontActivationStates: for each of `fontIDs`, whether the font is still active on behalf of this
+ * process: sets CFBooleans by CFNumber database ID. GetFontsByPostscriptName, GetFontsByFamilyName: append
+ * font records, best match first. SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the
+ * host's text, may be null. Column identifiers are the numbers under which GetFontInfoByID's record columns
+ * are known to panels.
+ */
+#define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \
+    X(ActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier,             \
+                      CFStringRef mode, CFMutableArrayRef matchedFonts))                                    \
+    X(ActivateDocumentFontsByPath,                                                                          \
+      (PluginFacadeRef facade, CFStringRef documentPath, CFArrayRef requestedFonts,                         \
+       CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts, CFMutableArrayRef reportedFonts))  \
+    X(AddFontsToSets, (PluginFacadeRef facade, CFArrayRef fontIDs, CFArrayRef setIDs))                      \
+    X(BeginLogging, (PluginThreadInstanceRef thread, const char* logFileName))                              \
+    X(CanExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool* outCanExport))                       \
+    X(CreateTopLevelSet,                                                                                    \
+      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, int32_t * outSetID))                  \
+    X(DeactivateFonts,                                                                                      \
+      (PluginFacadeRef facade, CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts))     \
+    X(DestroyThreadInstance, (PluginThreadInstanceRef thread))                                              \
+    X(EnableDesignActivation, (PluginFacadeRef facade, uint32_t fontID, bool wholeFamily, bool enable,      \
+                               CFMutableArrayRef conflictingFonts))                                         \
+    X(ExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef destinationFolder,                \
+                    CFMutableArrayRef exportedPaths))                                                       \
+    X(FindFontsInSameFamilyForActivation,                                                                   \
+      (PluginFacadeRef facade, uint32_t fontID, CFMutableArrayRef fonts))                                   \
+    X(GetActivationStateColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                          \
+    X(GetAllWorkgroupsForUser, (PluginFacadeRef facade, CFMutableArrayRef workgroups))                      \
+    X(GetAreSchemaVersionsInSync, (PluginFacadeRef facade, bool* outInSync))                                \
+    X(RegisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback))              \
+    X(UnregisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback))            \
+    X(GetCanActivateAcrossWorkgroupsColumnID, (PluginFacadeRef facade, int32_t * outColumnID))              \
+    X(GetClientFontActivationStates,                                                                        \
+      (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableDictionaryRef states))                          \
+    X(GetDefaultLibraryName, (PluginFacadeRef facade, CFStringRef * outNewName))                            \
+    X(GetExportFontsColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetFamilyGroupIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
+    X(GetFamilyGroupNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                          \
+    X(GetFamilyNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                               \
+    X(GetFileSizeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                 \
+    X(GetFontFaceIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                               \
+    X(GetFontInfoByID, (PluginFacadeRef facade, uint32_t fontID, CFDictionaryRef * outNewFont))             \
+    X(GetFontIsActivated, (PluginFacadeRef facade, uint32_t fontID, int32_t * outActivationState))          \
+    X(GetFontLocationColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                             \
+    X(GetGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                        \
+    X(GetFontTypeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                 \
+    X(GetFontVaultPath, (PluginFacadeRef facade, CFStringRef * outNewPath))                                 \
+    X(GetFontVersionColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetFontsByPostscriptName,                                                                             \
+      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, CFMutableArrayRef fonts))             \
+    X(GetFontsByFamilyName,                                                                                 \
+      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, CFMutableArrayRef fonts))             \
+    X(GetFoundryNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetIsCoreAgentProcessRunning, (PluginFacadeRef facade, bool* outIsRunning))                           \
+    X(GetIsFontLocalColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetIsLoggedIn, (PluginFacadeRef facade, bool* outIsLoggedIn))                                         \
+    X(GetRunningStandalone, (PluginFacadeRef facade, bool* outIsStandalone))                                \
+    X(GetIsMarquellFileColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
+    X(GetLegacyGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                  \
+    X(GetLocalPathColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                \
+    X(GetPermission, (PluginFacadeRef facade, int32_t permission, int32_t workgroupID, bool* outIsGranted)) \
+    X(GetPluginFacadeInstance, (PluginFacadeRef * outFacade))                                               \
+    X(ResetPluginFacadeInstance, (void))                                                                    \
+    X(GetPostscriptNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
+    X(GetDisplayNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetScannedFoundryColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
+    X(GetSystemWorkgroupID, (PluginFacadeRef facade, int32_t * outWorkgroupID))                             \
+    X(GetWorkgroupIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
+    X(GetWorkgroupNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
+    X(GetWorkgroupTypeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
+    X(InitAppInstance, (PluginFacadeRef facade, const char* hostAppName, const char* pluginVersion))        \
+    X(InitThreadInstance, (PluginThreadInstanceRef * outThread))                                            \
+    X(IsAllWorkgroups, (PluginFacadeRef facade, int32_t workgroupID, bool* outIsAll))                       \
+    X(Log, (PluginThreadInstanceRef thread, const char* text))                                              \
+    X(MotherMayI, (PluginFacadeRef facade, int32_t permission, bool* outIsPermitted))                       \
+    X(OSCreateDirectory, (const char* path))                                                                \
+    X(OSDoesDirectoryExist, (const char* path, bool* outExists))                                            \
+    X(PreviewActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool activate))                      \
+    X(GetGoogleFonts, (PluginFacadeRef facade, CFMutableArrayRef fonts))                                    \
+    X(GetIsReplicationRunning, (PluginFacadeRef facade, bool* outIsRunning))                                \
+    X(GetCurrentReplicationMode, (PluginFacadeRef facade, int32_t * outMode))                               \
+    X(GetIsGoogleWebFontsEnabled, (PluginFacadeRef facade, bool* outIsEnabled))                             \
+    X(SetGoogleWebFontsEnabled, (PluginFacadeRef facade, bool isEnabled))                                   \
+    X(GetRenderedPNGsDirectory, (PluginFacadeRef facade, CFStringRef * outNewPath))                         \
+    X(RenderFontNamePreviewPNGs, (PluginFacadeRef facade, CFArrayRef highPriorityFontIDs,                   \
+                                  CFArrayRef fontIDs, CFMutableDictionaryRef fontPNGs))                     \
+    X(RenameSmartList, (PluginFacadeRef facade, int32_t smartListID, CFStringRef name))                     \
+    X(DeleteSmartList, (PluginFacadeRef facade, int32_t smartListID))                                       \
+    X(QueryForSmartListFonts, (PluginFacadeRef facade, CFStringRef query, CFMutableArrayRef fonts))         \
+    X(GetSmartList, (PluginFacadeRef facade, int32_t smartListID, CFDictionaryRef * outNewSmartList))       \
+    X(GetPanelSmartListTree, (PluginFacadeRef facade, CFArrayRef * outNewTree))                             \
+    X(GetAllSmartLists, (PluginFacadeRef facade, CFMutableArrayRef smartLists))                             \
+    X(CreateSmartList,                                                                                      \
+      (PluginFacadeRef facade, CFStringRef name, CFStringRef query, int32_t * outSmartListID))              \
+    X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFStringRef query))                  \
+    X(GetSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFMutableArrayRef fonts))            \
+    X(CleanUpOnShutdown, (void))                                                                            \
+    X(GetFontConflicts, (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableArrayRef conflictingFonts))   \
+    X(TrackFontPanelClick, (PluginFacadeRef facade, uint32_t fontID))                                       \
+    X(CanAccessGoogleFonts, (PluginFacadeRef facade, bool* outCanAccess))                                   \
+    X(SaveDocumentFonts,                                                                                    \
+      (PluginFacadeRef facade, CFStringRef documentPath, bool replace, CFStringRef fontUsage))              \
+    X(GetFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewFontUsage))      \
+    X(GetAdobeXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))         \
+    X(GetGlyphscanXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))     \
+    X(WriteFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage))            \
+    X(ClearDocumentSlug, (PluginFacadeRef facade, CFStringRef documentPath))
+
+/* The type of each function: PluginFunction_ActivateFonts and so on. */
+#define TARNWICK_PLUGIN_FUNCTION_TYPE(symbol, parameters) \
+    typedef uint32_t(*PluginFunction_##symbol) parameters;
+TARNWICK_PLUGIN_FUNCTIONS(TARNWICK_PLUGIN_FUNCTION_TYPE)
+#undef TARNWICK_PLUGIN_FUNCTION_TYPE
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

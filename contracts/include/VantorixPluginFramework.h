@@ -1,0 +1,74 @@
+// The plug-in framework: preferences, localized strings, message boxes and dialogs.
+//
+// The shared library "TarnwickPluginFramework" stands beside the core, which loads it at run time and calls
+// its factory. All calls come from the host's main thread. Strings are UTF-8. Nothing is thrown across this
+// border; what a function returns is the only truth.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstdint>
+
+/// Kinds of message box.
+enum class MessageBoxButtons : int32_t { kOk = 0, kYesNo = 2 };
+
+class VantorixPluginFramework {
+public:
+    static constexpr uint32_t kInterfaceVersion = 1;
+
+    /// Destroys the object; it was made by CreateVantorixPluginFramework.
+    virtual void Release() = 0;
+
+    // Preferences, kept per host application and plug-in bundle identifier. A key that was never stored reads
+    // as 0, false or the empty string. Setters answer false when the value could not be stored durably.
+    virtual bool GetBoolPreference(const char* key) = 0;
+    virtual int64_t GetIntPreference(const char* key) = 0;
+    /// Owned by the caller; never null.
+    virtual CFStringRef CopyStringPreference(const char* key) = 0;
+    virtual bool SetBoolPreference(const char* key, bool value) = 0;
+    virtual bool SetIntPreference(const char* key, int64_t value) = 0;
+    virtual bool SetStringPreference(const char* key, CFStringRef value) = 0;
+    /// Whether default values were registered for this host application and plug-in at any time.
+    virtual bool AreDefaultsRegistered() = 0;
+    /// Stores the defaults in one step, except for keys that have a value, and remembers that it was done.
+    /// `defaults`: CFString keys, CFBoolean or CFNumber values.
+    virtual bool RegisterDefaults(CFDictionaryRef defaults) = 0;
+    /// False when the preference store cannot be used: no folder to keep it in, or no right to write there.
+    virtual bool IsPreferenceStoreUsable() = 0;
+
+    /// The text with that identifier in the user's language, else in English; null when there is none. Owned
+    /// by the caller.
+    virtual CFStringRef CopyLocalizedString(uint32_t stringID) = 0;
+
+    /// The host's main window, parent of the dialogs; may be null.
+    virtual void SetParentWindowForUi(void* window) = 0;
+    /// Shows a message; answers with the button, counted from 1. Without anyone to ask, the answer is 1 for
+    /// one button and 2 (no) for two.
+    virtual int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) = 0;
+
+    // Dialogs. Each answers whether it was confirmed; without anyone to ask it was not.
+    virtual bool ShowAbout() = 0;
+    virtual bool ShowPreferences() = 0;
+    /// `workgroups`: array of workgroup records. `*workgroupID` goes in as the current one and comes out as
+    /// chosen.
+    virtual bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) = 0;
+    /// `state`: "IsLocalPersonal", "Workgroups", "CurrentWorkgroupID", "ButtonsEnabled", "IsOnline".
+    /// `*command` comes out as the number of the menu command chosen.
+    virtual bool ShowCommandBox(CFDictionaryRef state, int32_t* command) = 0;
+    /// `fonts`: font records with their possible replacements; `resolvedFonts` and `skippedFonts` are
+    /// appended to.
+    virtual bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
+                                  CFMutableArrayRef skippedFonts) = 0;
+    virtual bool ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) = 0;
+
+protected:
+    ~VantorixPluginFramework() = default;
+};
+
+/// Name and type of the factory. `identification` holds "HostApp", "PluginVersion" and
+/// "VantorixPluginInterfaceVersion" (each may be missing). The result is null when `interfaceVersion` is not
+/// the library's own, or when there is no memory.
+inline constexpr char kCreateVantorixPluginFramework[] = "CreateVantorixPluginFramework";
+using CreateVantorixPluginFrameworkFunction = VantorixPluginFramework* (*)(uint32_t interfaceVersion,
+                                                                           const char* pluginBundleIdentifier,
+                                                                           CFDictionaryRef identification);

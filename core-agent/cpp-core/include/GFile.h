@@ -1,0 +1,58 @@
+// Files and paths of the foundation library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ErrorCodes.h"
+#include "platform/Files.h"
+
+/// Names a file by its full path, UTF-8.
+class GFileSystemSpec {
+public:
+    explicit GFileSystemSpec(std::string path) : mPath(std::move(path)) {}
+
+    const std::string& Path() const { return mPath; }
+    /// What follows the last dot of the last path component, as it stands; empty when there is none.
+    std::string Extension() const;
+    /// The last path component.
+    std::string FileName() const;
+
+private:
+    std::string mPath;
+};
+
+/// A file opened for reading. Closes itself.
+class GFile : public error_codes::GFile {
+public:
+    enum OpenMode : unsigned { eRead = 1, eBinary = 2 };
+    enum Origin { eBeginning, eCurrent };
+
+    /// kOpenFailed when there is no such regular file or it may not be read; GFileSystem::kFileNotFound when
+    /// it is not there at all.
+    [[nodiscard]] ErrorCode Open(const GFileSystemSpec& spec, unsigned mode);
+    /// Moves the read position; `offset` in bytes from `origin`.
+    [[nodiscard]] ErrorCode SetFilePosition(Origin origin, uint64_t offset);
+    /// Reads `size` bytes, fewer only at the end of the file, into `bytes`, which takes exactly what was
+    /// read.
+    [[nodiscard]] ErrorCode Read(size_t size, std::vector<uint8_t>& bytes);
+    [[nodiscard]] ErrorCode Close();
+
+private:
+    platform::ReadOnlyFile mFile;
+    uint64_t mPosition = 0;
+};
+
+class GFileSystem : public error_codes::GFileSystem {
+public:
+    /// Size of a regular file in bytes. kFileNotFound, kInvalidPath for what is no regular file.
+    [[nodiscard]] static ErrorCode OSGetFileSize(const GFileSystemSpec& spec, uint64_t& size);
+};
+
+/// File properties that the document events go by.
+class VantorixFileUtils {
+public:
+    /// Seconds since 1970-01-01 UTC; 0 when there is no such file.
+    static int64_t GetFileModificationDate(const std::string& path);
+};

@@ -1,0 +1,38 @@
+// A blocking mutex that notices when the thread that holds it asks for it again, and says so instead of
+// waiting for ever.
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "ErrorCodes.h"
+
+class GMutex : public error_codes::GMutex {
+public:
+    /// Waits for the lock. kMutexDeadlockErr, without waiting, when the calling thread holds it already.
+    [[nodiscard]] ErrorCode Lock();
+    void Unlock();
+
+private:
+    std::mutex mMutex;
+    std::atomic<std::thread::id> mHolder{};
+};
+
+/// Holds a GMutex for a scope, if it could be had: ask Status().
+class GScopedLock : public error_codes::GScopedLock {
+public:
+    explicit GScopedLock(GMutex& mutex) : mMutex(mutex), mStatus(mutex.Lock()) {}
+    ~GScopedLock() {
+        if (mStatus == CoreErrorCodes::kSuccess)
+            mMutex.Unlock();
+    }
+    GScopedLock(const GScopedLock&) = delete;
+    GScopedLock& operator=(const GScopedLock&) = delete;
+
+    ErrorCode Status() const { return mStatus; }
+
+private:
+    GMutex& mMutex;
+    ErrorCode mStatus;
+};

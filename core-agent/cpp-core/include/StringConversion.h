@@ -1,0 +1,25 @@
+// Text between its encodings. Inside, text is UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "ErrorCodes.h"
+
+/// Whether the bytes are well-formed UTF-8 (Unicode 15, table 3-7).
+bool IsValidUtf8(std::string_view text);
+
+/// Well-formed UTF-8 made from whatever the bytes are: each ill-formed sequence becomes U+FFFD.
+std::string ReplaceInvalidUtf8(std::string_view text);
+
+/// UTF-16 code units to UTF-8; a surrogate that stands alone becomes U+FFFD.
+std::string Utf16ToUtf8(std::u16string_view text);
+
+/// kInvalidParam when the text is not well-formed UTF-8.
+[[nodiscard]] ErrorCode Utf8ToUtf16(std::string_view text, std::u16string& converted);
+
+/// Converts between any two encodings that iconv knows by name ("UTF-16BE", "MACINTOSH", "UTF-32LE", ...).
+/// kNotSupported for an unknown encoding, kInvalidParam for bytes that are not text in it; `converted` is
+/// untouched then.
+[[nodiscard]] ErrorCode ConvertEncoding(std::string_view bytes, const char* from, const char* to,
+                                        std::string& converted);

@@ -1,0 +1,60 @@
+// The trace log: what the plug-in core did, line by line, indented by nesting.
+//
+// Lines go to the system's debugger output and, once logging is switched on, to a sink as well (the font
+// manager's own log). There is no lock: the indentation is shared by all threads, so lines of several threads
+// nest into one another.
+#pragma once
+
+#include <utility>
+
+/// Where trace pieces go besides the debugger output. Implementations are called on any thread.
+class TraceSink {
+public:
+    virtual ~TraceSink() = default;
+
+    /// Whether the sink can take text at present.
+    virtual bool IsReady() = 0;
+    /// Starts the sink's log file.
+    virtual void BeginLogging(const char* path) = 0;
+    /// Appends the text as it is.
+    virtual void Log(const char* text) = 0;
+};
+
+/// `sink` is not owned and must live to process end; null takes it away. Main thread.
+void SetTraceSink(TraceSink* sink);
+
+#if defined(__GNUC__)
+#define TRACE_LOG_PRINTF __attribute__((format(printf, 2, 3)))
+#else
+#define TRACE_LOG_PRINTF
+#endif
+
+/// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
+/// else 0. The text is cut at 65535 bytes; a line feed is added when it has none at its end. A null format
+/// writes nothing. Any thread; nothing is allocated.
+void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF;
+
+/// Starts the sink's log file at `path` and writes a banner with the time into it. Main thread, once at
+/// start-up.
+void SetLogFile(const char* path);
+
+/// From now on lines go to the sink as well; cannot be undone.
+void EnableLogging();
+
+/// The text, or "NULL" for a null pointer: how string arguments stand in the trace.
+inline const char* OrNull(const char* text) {
+    return text != nullptr ? text : "NULL";
+}
+
+/// Runs its action when the scope is left, however it is left: the closing line of a traced function.
+template <class Action>
+class ScopeExit {
+public:
+    explicit ScopeExit(Action action) : mAction(std::move(action)) {}
+    ~ScopeExit() { mAction(); }
+    ScopeExit(const ScopeExit&) = delete;
+    ScopeExit& operator=(const ScopeExit&) = delete;
+
+private:
+    Action mAction;
+};

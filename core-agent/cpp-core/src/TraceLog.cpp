@@ -1,0 +1,87 @@
+#include "TraceLog.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "platform/Clock.h"
+#include "platform/DebugOutput.h"
+
+namespace {
+
+constexpr size_t kLineBufferSize = 65536;
+// A text this long may have been cut, so that a line feed would not be its own.
+constexpr size_t kLongestTextToComplete = 65534;
+
+// Relaxed: lines of several threads may nest into one another, and that is all that can happen.
+std::atomic<int> indentation{0};
+std::atomic<bool> loggingEnabled{false};
+std::atomic<TraceSink*> traceSink{nullptr};
+
+TraceSink* ReadySink() {
+    TraceSink* sink = traceSink.load(std::memory_order_acquire);
+    return sink != nullptr && sink->IsReady() ? sink : nullptr;
+}
+
+void WritePiece(const char* piece) {
+    platform::Current<platform::DebugOutput>().Write(piece);
+    if (!loggingEnabled.load(std::memory_order_relaxed))
+        return;
+    if (TraceSink* sink = ReadySink())
+        sink->Log(piece);
+}
+
+bool IsAnyoneListening() {
+    return platform::Current<platform::DebugOutput>().IsListening() ||
+           (loggingEnabled.load(std::memory_order_relaxed) && ReadySink() != nullptr);
+}
+
+void CompleteLine(char* line) {
+    const size_t length = std::strlen(line);
+    if (length < kLongestTextToComplete && (length == 0 || line[length - 1] != '\n'))
+        std::strcpy(line + length, "\n");
+}
+
+}  // namespace
+
+void SetTraceSink(TraceSink* sink) {
+    traceSink.store(sink, std::memory_order_release);
+}
+
+void LogMessage(int indentDelta, const char* format, ...) {
+    if (format == nullptr)
+        return;
+    if (!IsAnyoneListening()) {
+        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
+        return;
+    }
+    char line[kLineBufferSize];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    CompleteLine(line);
+    if (indentDelta < 0)
+        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
+    // The font manager's log takes each blank as a piece of its own.
+    for (int depth = indentation.load(std::memory_order_relaxed); depth > 0; --depth)
+        WritePiece(" ");
+    if (indentDelta >= 0)
+        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
+    WritePiece(line);
+}
+
+void SetLogFile(const char* path) {
+    TraceSink* sink = ReadySink();
+    if (sink == nullptr)
+        return;
+    sink->BeginLogging(path);
+    const std::string time = platform::LocalTimeText(platform::Current<platform::Clock>().Now());
+    sink->Log(("\n=======\n" + time + "=======\n").c_str());
+}
+
+void EnableLogging() {
+    loggingEnabled.store(true, std::memory_order_relaxed);
+}

@@ -1,0 +1,18 @@
+// What surrounds the process: environment variables, terminal, language.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// The variable's value, UTF-8; empty when unset.
+std::string EnvironmentVariable(const char* name);
+
+enum class StandardStream { kInput, kOutput, kError };
+/// True when a person sits at the other end.
+bool IsTerminal(StandardStream stream);
+
+/// The user's language as a two-letter code in lower case ("en", "de"); "en" when none is set.
+std::string UserLanguage();
+
+}  // namespace platform

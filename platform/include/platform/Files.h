@@ -1,0 +1,76 @@
+// Files by UTF-8 path.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/SystemError.h"
+
+namespace platform {
+
+/// '/' or '\\'.
+extern const char kPathSeparator;
+
+/// A file opened for reading; closes itself.
+class ReadOnlyFile {
+public:
+    ReadOnlyFile();
+    ~ReadOnlyFile();
+    ReadOnlyFile(ReadOnlyFile&&) noexcept;
+    ReadOnlyFile& operator=(ReadOnlyFile&&) noexcept;
+
+    /// Opens an existing regular file, shared with readers, writers and deleters. A folder, a pipe or a
+    /// device is refused without waiting for it.
+    SystemError Open(const std::string& path);
+    /// Reads up to `size` bytes at `offset` (bytes from the beginning); `bytesRead` is less only at the end
+    /// of the file.
+    SystemError ReadAt(uint64_t offset, void* buffer, size_t size, size_t& bytesRead);
+    /// Size in bytes.
+    SystemError Size(uint64_t& size);
+    void Close();
+    bool IsOpen() const;
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> mHandle;
+};
+
+/// Size in bytes of the regular file at `path`.
+SystemError FileSize(const std::string& path, uint64_t& size);
+/// Time of last modification in whole seconds since 1970-01-01 UTC.
+SystemError FileModificationTime(const std::string& path, int64_t& seconds);
+/// True when a regular file can be found at `path`.
+bool IsExistingFile(const std::string& path);
+
+/// The whole file. `sizeLimit` in bytes guards against surprises: a larger file is refused.
+SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit);
+/// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
+/// one: temporary name, flush, rename, flush of the folder. The file is for this user only.
+SystemError WriteWholeFile(const std::string& path, std::string_view content);
+/// Makes the folder and those above it; succeeds when it is there already. With `privateToUser` a folder that
+/// is made is closed to others.
+SystemError MakeFolders(const std::string& path, bool privateToUser = false);
+
+/// A lock between processes, held on a file that is made when missing. Let go on destruction and when the
+/// process ends.
+class FileLock {
+public:
+    FileLock();
+    ~FileLock();
+    FileLock(FileLock&&) noexcept;
+    FileLock& operator=(FileLock&&) noexcept;
+
+    /// Waits for the lock; `wait` false answers at once with an error when someone holds it.
+    SystemError Acquire(const std::string& path, bool wait);
+    bool IsHeld() const;
+    void Release();
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> mHandle;
+};
+
+}  // namespace platform

@@ -1,0 +1,30 @@
+// The folders that the system sets aside for applications. Paths are UTF-8, without a trailing separator;
+// they need not exist.
+#pragma once
+
+#include <string>
+
+#include "platform/Service.h"
+
+namespace platform {
+
+enum class KnownFolder {
+    kAllUsersApplicationData,  ///< CSIDL 35 | first entry of XDG_DATA_DIRS (default /usr/local/share)
+    kLocalApplicationData,     ///< CSIDL 28 | XDG_DATA_HOME (default ~/.local/share)
+    kConfiguration,            ///< CSIDL 28 | XDG_CONFIG_HOME (default ~/.config)
+    kRuntime,                  ///< temporary folder of the user | XDG_RUNTIME_DIR (else empty)
+    kTemporary,                ///< GetTempPath | TMPDIR (default /tmp)
+};
+
+class Folders {
+public:
+    virtual ~Folders() = default;
+
+    /// Empty when the system has no such folder.
+    virtual std::string PathOf(KnownFolder folder) = 0;
+};
+
+template <>
+Folders& SystemDefault<Folders>();
+
+}  // namespace platform

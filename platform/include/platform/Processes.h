@@ -1,0 +1,68 @@
+// Looking at processes and starting them.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Service.h"
+#include "platform/SystemError.h"
+
+namespace platform {
+
+using ProcessId = int64_t;
+
+struct ProcessInfo {
+    ProcessId id = 0;
+    std::string executablePath;  ///< full path of the executable, UTF-8
+};
+
+/// A process that this one started. Destroying it leaves the process running; its end is always collected, so
+/// that no zombie stays behind.
+class ChildProcess {
+public:
+    virtual ~ChildProcess() = default;
+
+    virtual ProcessId Id() const = 0;
+    /// Waits until the process is ready for its first request, ends, or the time is over; true when it is
+    /// ready. Linux: ready is what NotifyReadyForInput says in the child. Windows: idle for input.
+    virtual bool WaitUntilIdle(std::chrono::milliseconds limit) = 0;
+    /// The exit status once the process has ended (128 + N when signal N ended it), nothing while it runs.
+    virtual std::optional<int> ExitStatus() = 0;
+};
+
+class Processes {
+public:
+    virtual ~Processes() = default;
+
+    /// Every process that may be inspected, in the system's order. Others are left out silently.
+    virtual SystemError List(std::vector<ProcessInfo>& processes) = 0;
+    /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
+    /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard
+    /// input, and its output goes nowhere. Null and the reason in `error` on failure.
+    virtual std::unique_ptr<ChildProcess> Launch(const std::string& executablePath,
+                                                 const std::string& commandLine, SystemError& error) = 0;
+    /// What this process calls itself (Linux: /proc/self/comm; Windows: base name of the program).
+    virtual std::string CurrentName() = 0;
+    /// Full path of this process's executable, UTF-8.
+    virtual std::string CurrentExecutablePath() = 0;
+};
+
+template <>
+Processes& SystemDefault<Processes>();
+
+/// This process's identifier.
+ProcessId CurrentProcessId();
+/// A number that together with the identifier names one process for as long as the system runs; 0 when there
+/// is no such process (an ended one that nobody has collected counts as gone).
+uint64_t ProcessStartTime(ProcessId id);
+/// Sets what CurrentName and process listings show (Linux: at most 15 bytes are kept).
+void SetCurrentProcessName(const std::string& name);
+/// Tells the process that started this one with Processes::Launch that requests are welcome now. Does nothing
+/// when it was started otherwise.
+void NotifyReadyForInput();
+
+}  // namespace platform

@@ -1,0 +1,21 @@
+// Errors of the operating system: errno on POSIX, the last-error value on Windows.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+struct SystemError {
+    int code = 0;  ///< the system's own number; 0 is success
+
+    explicit operator bool() const { return code != 0; }
+};
+
+/// The calling thread's last error.
+SystemError LastSystemError();
+
+/// The system's text for an error, UTF-8, without a line end. "FormatMessage Failed" when the system has no
+/// text for it, "Null message" when it gives none. Any thread.
+std::string SystemErrorText(SystemError error);
+
+}  // namespace platform

@@ -1,0 +1,238 @@
+#include "platform/Files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <utility>
+
+namespace platform {
+
+const char kPathSeparator = '/';
+
+namespace {
+
+/// A file descriptor that closes itself.
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int descriptor) : mDescriptor(descriptor) {}
+    Descriptor(Descriptor&& other) noexcept : mDescriptor(std::exchange(other.mDescriptor, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(mDescriptor, other.mDescriptor);
+        return *this;
+    }
+    ~Descriptor() {
+        if (mDescriptor >= 0)
+            close(mDescriptor);
+    }
+
+    int Get() const { return mDescriptor; }
+    bool IsValid() const { return mDescriptor >= 0; }
+
+private:
+    int mDescriptor = -1;
+};
+
+SystemError StatRegularFile(const std::string& path, struct stat& info) {
+    if (stat(path.c_str(), &info) != 0)
+        return LastSystemError();
+    if (S_ISDIR(info.st_mode))
+        return SystemError{EISDIR};
+    return S_ISREG(info.st_mode) ? SystemError{} : SystemError{EINVAL};
+}
+
+SystemError WriteAll(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = write(descriptor, content.data(), content.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return LastSystemError();
+        content.remove_prefix(static_cast<size_t>(written));
+    }
+    return fsync(descriptor) == 0 ? SystemError{} : LastSystemError();
+}
+
+std::string FolderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+void FlushFolder(const std::string& folder) {
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.IsValid())
+        fsync(descriptor.Get());
+}
+
+}  // namespace
+
+struct ReadOnlyFile::Handle {
+    Descriptor descriptor;
+};
+
+ReadOnlyFile::ReadOnlyFile() = default;
+ReadOnlyFile::~ReadOnlyFile() = default;
+ReadOnlyFile::ReadOnlyFile(ReadOnlyFile&&) noexcept = default;
+ReadOnlyFile& ReadOnlyFile::operator=(ReadOnlyFile&&) noexcept = default;
+
+SystemError ReadOnlyFile::Open(const std::string& path) {
+    mHandle.reset();
+    // O_NONBLOCK: opening a named pipe must not wait for a writer. It has no effect on regular files.
+    Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor.IsValid())
+        return LastSystemError();
+    struct stat info {};
+    if (fstat(descriptor.Get(), &info) != 0)
+        return LastSystemError();
+    if (!S_ISREG(info.st_mode))
+        return SystemError{S_ISDIR(info.st_mode) ? EISDIR : EINVAL};
+    mHandle = std::make_unique<Handle>(Handle{std::move(descriptor)});
+    return {};
+}
+
+SystemError ReadOnlyFile::ReadAt(uint64_t offset, void* buffer, size_t size, size_t& bytesRead) {
+    bytesRead = 0;
+    if (!mHandle)
+        return SystemError{EBADF};
+    while (bytesRead < size) {
+        const ssize_t count = pread(mHandle->descriptor.Get(), static_cast<char*>(buffer) + bytesRead,
+                                    size - bytesRead, static_cast<off_t>(offset + bytesRead));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return LastSystemError();
+        if (count == 0)
+            break;
+        bytesRead += static_cast<size_t>(count);
+    }
+    return {};
+}
+
+SystemError ReadOnlyFile::Size(uint64_t& size) {
+    struct stat info {};
+    if (!mHandle)
+        return SystemError{EBADF};
+    if (fstat(mHandle->descriptor.Get(), &info) != 0)
+        return LastSystemError();
+    size = static_cast<uint64_t>(info.st_size);
+    return {};
+}
+
+void ReadOnlyFile::Close() {
+    mHandle.reset();
+}
+bool ReadOnlyFile::IsOpen() const {
+    return mHandle != nullptr;
+}
+
+SystemError FileSize(const std::string& path, uint64_t& size) {
+    struct stat info {};
+    const SystemError error = StatRegularFile(path, info);
+    if (!error)
+        size = static_cast<uint64_t>(info.st_size);
+    return error;
+}
+
+SystemError FileModificationTime(const std::string& path, int64_t& seconds) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0)
+        return LastSystemError();
+    seconds = info.st_mtim.tv_sec;
+    return {};
+}
+
+bool IsExistingFile(const std::string& path) {
+    struct stat info {};
+    return !StatRegularFile(path, info);
+}
+
+SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit) {
+    ReadOnlyFile file;
+    if (const SystemError error = file.Open(path))
+        return error;
+    uint64_t size = 0;
+    if (const SystemError error = file.Size(size))
+        return error;
+    if (size > sizeLimit)
+        return SystemError{EFBIG};
+    std::string bytes(static_cast<size_t>(size), '\0');
+    size_t bytesRead = 0;
+    if (const SystemError error = file.ReadAt(0, bytes.data(), bytes.size(), bytesRead))
+        return error;
+    bytes.resize(bytesRead);
+    content = std::move(bytes);
+    return {};
+}
+
+SystemError WriteWholeFile(const std::string& path, std::string_view content) {
+    std::string temporary = path + ".XXXXXX";
+    const Descriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));
+    if (!descriptor.IsValid())
+        return LastSystemError();
+    SystemError error = WriteAll(descriptor.Get(), content);
+    if (!error && rename(temporary.c_str(), path.c_str()) != 0)
+        error = LastSystemError();
+    if (error)
+        unlink(temporary.c_str());
+    else
+        FlushFolder(FolderOf(path));
+    return error;
+}
+
+SystemError MakeFolders(const std::string& path, bool privateToUser) {
+    for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        const std::string folder = path.substr(0, end);
+        if (mkdir(folder.c_str(), privateToUser ? 0700 : 0777) != 0 && errno != EEXIST && errno != EISDIR) {
+            const SystemError error = LastSystemError();
+            struct stat info {};  // an existing folder on a read-only file system answers EROFS
+            if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
+                return error;
+        }
+        if (end == std::string::npos)
+            break;
+    }
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0)
+        return LastSystemError();
+    return S_ISDIR(info.st_mode) ? SystemError{} : SystemError{ENOTDIR};
+}
+
+struct FileLock::Handle {
+    Descriptor descriptor;
+};
+
+FileLock::FileLock() = default;
+FileLock::~FileLock() = default;
+FileLock::FileLock(FileLock&&) noexcept = default;
+FileLock& FileLock::operator=(FileLock&&) noexcept = default;
+
+SystemError FileLock::Acquire(const std::string& path, bool wait) {
+    mHandle.reset();
+    Descriptor descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (!descriptor.IsValid())
+        return LastSystemError();
+    int result = 0;
+    do {
+        result = flock(descriptor.Get(), wait ? LOCK_EX : LOCK_EX | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    if (result != 0)
+        return LastSystemError();
+    mHandle = std::make_unique<Handle>(Handle{std::move(descriptor)});
+    return {};
+}
+
+bool FileLock::IsHeld() const {
+    return mHandle != nullptr;
+}
+void FileLock::Release() {
+    mHandle.reset();
+}
+
+}  // namespace platform

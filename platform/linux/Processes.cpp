@@ -1,0 +1,323 @@
+#include "platform/Processes.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <string_view>
+#include <thread>
+
+#include "platform/Files.h"
+
+namespace platform {
+namespace {
+
+// The child finds the pipe on which it says that it is ready at this descriptor, and is told so by a
+// variable.
+constexpr int kReadyDescriptor = 3;
+constexpr char kReadyVariable[] = "PLUGINCORE_READY_DESCRIPTOR";
+
+class Pipe {
+public:
+    Pipe() {
+        if (pipe2(mEnds, O_CLOEXEC) != 0)
+            mEnds[0] = mEnds[1] = -1;
+    }
+    ~Pipe() {
+        CloseEnd(0);
+        CloseEnd(1);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    bool IsOpen() const { return mEnds[0] >= 0; }
+    int ReadEnd() const { return mEnds[0]; }
+    int WriteEnd() const { return mEnds[1]; }
+    void CloseWriteEnd() { CloseEnd(1); }
+
+private:
+    void CloseEnd(int end) {
+        if (mEnds[end] >= 0)
+            close(mEnds[end]);
+        mEnds[end] = -1;
+    }
+
+    int mEnds[2];
+};
+
+/// Blanks separate, double quotes group; there is no escape character, as in a Windows command line without
+/// one.
+std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
+    std::vector<std::string> words;
+    std::string word;
+    bool quoted = false;
+    bool inWord = false;
+    for (const char character : commandLine) {
+        if (character == '"') {
+            quoted = !quoted;
+            inWord = true;
+        } else if ((character == ' ' || character == '\t') && !quoted) {
+            if (inWord)
+                words.push_back(std::move(word));
+            word.clear();
+            inWord = false;
+        } else {
+            word += character;
+            inWord = true;
+        }
+    }
+    if (inWord)
+        words.push_back(std::move(word));
+    return words;
+}
+
+std::vector<char*> PointersTo(std::vector<std::string>& words) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> ChildEnvironment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        if (std::strncmp(*variable, kReadyVariable, sizeof kReadyVariable - 1) != 0)
+            variables.emplace_back(*variable);
+    }
+    variables.push_back(std::string(kReadyVariable) + "=" + std::to_string(kReadyDescriptor));
+    return variables;
+}
+
+/// What the child starts with: a session of its own, no streams of ours, default signals, the ready pipe.
+class SpawnSettings {
+public:
+    explicit SpawnSettings(int readyDescriptor) {
+        posix_spawn_file_actions_init(&mActions);
+        posix_spawnattr_init(&mAttributes);
+        // First of all: a host without standard streams may have been given one of their numbers for the
+        // pipe.
+        posix_spawn_file_actions_adddup2(&mActions, readyDescriptor, kReadyDescriptor);
+        posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&mActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        // The host's other descriptors are none of the agent's business.
+        posix_spawn_file_actions_addclosefrom_np(&mActions, kReadyDescriptor + 1);
+        posix_spawnattr_setflags(
+            &mAttributes,
+            static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&mAttributes, &signals);
+        sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        posix_spawnattr_setsigdefault(&mAttributes, &signals);
+    }
+    ~SpawnSettings() {
+        posix_spawn_file_actions_destroy(&mActions);
+        posix_spawnattr_destroy(&mAttributes);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    posix_spawn_file_actions_t* Actions() { return &mActions; }
+    posix_spawnattr_t* Attributes() { return &mAttributes; }
+
+private:
+    posix_spawn_file_actions_t mActions{};
+    posix_spawnattr_t mAttributes{};
+};
+
+/// How the child ended, written by the thread that waits for it.
+struct ChildEnd {
+    std::mutex statusLock;
+    std::condition_variable ended;
+    std::optional<int> status;
+};
+
+/// Collects the child when it ends, however long that takes, so that it never stays behind as a zombie.
+void CollectInBackground(pid_t child, const std::shared_ptr<ChildEnd>& end) {
+    std::thread([child, end] {
+        int status = 0;
+        while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+        }
+        const std::lock_guard guard(end->statusLock);
+        end->status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+        end->ended.notify_all();
+    }).detach();
+}
+
+class LinuxChildProcess : public ChildProcess {
+public:
+    LinuxChildProcess(pid_t child, std::unique_ptr<Pipe> ready)
+        : mId(child), mReady(std::move(ready)), mEnd(std::make_shared<ChildEnd>()) {
+        CollectInBackground(child, mEnd);
+    }
+
+    ProcessId Id() const override { return mId; }
+
+    bool WaitUntilIdle(std::chrono::milliseconds limit) override {
+        const auto deadline = std::chrono::steady_clock::now() + limit;
+        pollfd ready{mReady->ReadEnd(), POLLIN, 0};
+        for (;;) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            const int count = poll(&ready, 1, static_cast<int>(std::max<int64_t>(0, left.count())));
+            if (count < 0 && errno == EINTR)
+                continue;
+            char signal = 0;
+            if (count > 0 && read(mReady->ReadEnd(), &signal, 1) == 1)
+                return true;
+            // The pipe closes without a word when the child ends: its status is there in a moment.
+            std::unique_lock guard(mEnd->statusLock);
+            mEnd->ended.wait_until(guard, deadline, [this] { return mEnd->status.has_value(); });
+            return false;
+        }
+    }
+
+    std::optional<int> ExitStatus() override {
+        const std::lock_guard guard(mEnd->statusLock);
+        return mEnd->status;
+    }
+
+private:
+    ProcessId mId;
+    std::unique_ptr<Pipe> mReady;
+    std::shared_ptr<ChildEnd> mEnd;
+};
+
+std::string TargetOfLink(const std::string& link) {
+    std::array<char, PATH_MAX> target{};
+    const ssize_t length = readlink(link.c_str(), target.data(), target.size());
+    return length > 0 ? std::string(target.data(), static_cast<size_t>(length)) : std::string();
+}
+
+/// /proc marks the program of a running process whose file was replaced.
+std::string WithoutDeletedMark(std::string path) {
+    constexpr std::string_view kMark = " (deleted)";
+    if (path.size() > kMark.size() && path.compare(path.size() - kMark.size(), kMark.size(), kMark) == 0)
+        path.resize(path.size() - kMark.size());
+    return path;
+}
+
+std::string ReadSmallProcFile(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return {};
+    std::array<char, 4096> buffer{};
+    const ssize_t length = read(descriptor, buffer.data(), buffer.size());
+    close(descriptor);
+    return length > 0 ? std::string(buffer.data(), static_cast<size_t>(length)) : std::string();
+}
+
+class LinuxProcesses : public Processes {
+public:
+    SystemError List(std::vector<ProcessInfo>& processes) override {
+        const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);
+        if (!proc)
+            return LastSystemError();
+        processes.clear();
+        while (const dirent* entry = readdir(proc.get())) {
+            char* end = nullptr;
+            const long id = std::strtol(entry->d_name, &end, 10);
+            if (id <= 0 || *end != '\0')
+                continue;
+            std::string path = TargetOfLink("/proc/" + std::to_string(id) + "/exe");
+            if (!path.empty())
+                processes.push_back({id, WithoutDeletedMark(std::move(path))});
+        }
+        return {};
+    }
+
+    std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
+                                         SystemError& error) override {
+        auto ready = std::make_unique<Pipe>();
+        if (!ready->IsOpen()) {
+            error = LastSystemError();
+            return nullptr;
+        }
+        std::vector<std::string> arguments = SplitCommandLine(commandLine);
+        std::vector<std::string> environment = ChildEnvironment();
+        SpawnSettings settings(ready->WriteEnd());
+        pid_t child = 0;
+        error.code = posix_spawn(&child, executablePath.c_str(), settings.Actions(), settings.Attributes(),
+                                 PointersTo(arguments).data(), PointersTo(environment).data());
+        if (error)
+            return nullptr;
+        ready->CloseWriteEnd();
+        return std::make_unique<LinuxChildProcess>(child, std::move(ready));
+    }
+
+    std::string CurrentName() override {
+        std::string name = ReadSmallProcFile("/proc/self/comm");
+        while (!name.empty() && name.back() == '\n')
+            name.pop_back();
+        return name;
+    }
+
+    std::string CurrentExecutablePath() override {
+        return WithoutDeletedMark(TargetOfLink("/proc/self/exe"));
+    }
+};
+
+}  // namespace
+
+template <>
+Processes& SystemDefault<Processes>() {
+    static LinuxProcesses processes;
+    return processes;
+}
+
+ProcessId CurrentProcessId() {
+    return getpid();
+}
+
+uint64_t ProcessStartTime(ProcessId id) {
+    const std::string stat = ReadSmallProcFile("/proc/" + std::to_string(id) + "/stat");
+    // proc(5): the name in parentheses may hold anything; after the last one come state (3) and the rest.
+    const size_t nameEnd = stat.rfind(')');
+    if (nameEnd == std::string::npos || nameEnd + 2 >= stat.size() || stat[nameEnd + 2] == 'Z')
+        return 0;
+    constexpr int kFieldsFromStateToStartTime = 22 - 3;
+    size_t position = nameEnd + 2;
+    for (int field = 0; field < kFieldsFromStateToStartTime; ++field) {
+        position = stat.find(' ', position);
+        if (position == std::string::npos)
+            return 0;
+        ++position;
+    }
+    return std::strtoull(stat.c_str() + position, nullptr, 10);
+}
+
+void SetCurrentProcessName(const std::string& name) {
+    prctl(PR_SET_NAME, name.c_str());
+}
+
+void NotifyReadyForInput() {
+    const char* descriptorText = std::getenv(kReadyVariable);
+    if (descriptorText == nullptr)
+        return;
+    const int descriptor = static_cast<int>(std::strtol(descriptorText, nullptr, 10));
+    unsetenv(kReadyVariable);
+    if (descriptor != kReadyDescriptor)
+        return;
+    [[maybe_unused]] const ssize_t written = write(descriptor, "R", 1);
+    close(descriptor);
+}
+
+}  // namespace platform
