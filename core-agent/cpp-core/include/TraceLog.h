@@ -5,6 +5,7 @@
 // nest into one another.
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 /// Where trace pieces go besides the debugger output. Implementations are called on any thread.
@@ -44,6 +45,11 @@ void EnableLogging();
 /// The text, or "NULL" for a null pointer: how string arguments stand in the trace.
 inline const char* OrNull(const char* text) {
     return text != nullptr ? text : "NULL";
+}
+
+/// The low 32 bits of an address: how pointers stand in the trace ("0x%08x").
+inline unsigned TraceAddress(const void* pointer) {
+    return static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer));
 }
 
 /// Runs its action when the scope is left, however it is left: the closing line of a traced function.

@@ -1,0 +1,65 @@
+#include "AllTrackedDocuments.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "FontActivationTracker.h"
+#include "FontManagerAccess.h"
+#include "TraceLog.h"
+
+AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
+    static auto* shared = new AllTrackedDocuments;  // lives to process end
+    return *shared;
+}
+
+void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) {
+    LogMessage(0, "AllTrackedDocuments::AddDocument(pInfo=0x%08x, path='%s')", TraceAddress(pInfo.get()),
+               path.c_str());
+    if (FindTrackedDocumentByPath(path))
+        return;
+    if (!pInfo)
+        pInfo = std::make_shared<OneTrackedDocument>();
+    pInfo->mDocumentFilePath = path;
+    mDocuments.push_back(pInfo);
+}
+
+void AllTrackedDocuments::AddNewDocument(const Document& document) { mDocuments.push_back(document); }
+
+AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByPath(const std::string& path) const {
+    const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
+                                    [&](const Document& each) { return each->DocumentFilePath() == path; });
+    return found != mDocuments.end() ? *found : nullptr;
+}
+
+AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByIdentifier(
+    const std::string& inDocument) const {
+    LogMessage(1, "Entering AllTrackedDocuments::FindTrackedDocumentByIdentifier(inDocument=%s)",
+               inDocument.c_str());
+    const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
+                                    [&](const Document& each) { return each->Identifier() == inDocument; });
+    Document document = found != mDocuments.end() ? *found : nullptr;
+    LogMessage(-1, "AllTrackedDocuments::FindTrackedDocumentByIdentifier() returning 0x%08x",
+               TraceAddress(document.get()));
+    return document;
+}
+
+void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& document, FontActivationTracker* tracker) {
+    constexpr char kName[] = "AllTrackedDocuments::RemoveClosedDocument";
+    const std::string identifier = document.Identifier();
+    LogMessage(1, "Entering %s(%s)", kName, identifier.c_str());
+    const ScopeExit exitLine([&] { LogMessage(-1, "Exiting %s()", kName); });
+    try {
+        const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
+                                        [&](const Document& each) { return each->Identifier() == identifier; });
+        if (found == mDocuments.end())
+            return;
+        if (tracker != nullptr && tracker->Preferences() != nullptr) {
+            const bool deactivate = tracker->Preferences()->GetBoolPreference("CloseFontsOnDocClose");
+            tracker->CloseAllFontsForIdentifier(identifier, deactivate, nullptr);
+        }
+        // Looked up again: what the tracker asked may have changed the list.
+        std::erase_if(mDocuments, [&](const Document& each) { return each->Identifier() == identifier; });
+    } catch (const std::exception&) {
+        LogMessage(0, "Exception thrown in %s()", kName);
+    }
+}

@@ -1,0 +1,321 @@
+#include "FontActivationTracker.h"
+
+#include <cstdlib>
+#include <optional>
+
+#include "FontRecordKeys.h"
+#include "TraceLog.h"
+
+namespace {
+
+FontManagerAccess* RunningFontManager() {
+    FontManagerAccess* fontManager = GetFontManagerAccess();
+    return fontManager != nullptr && fontManager->IsRunning() ? fontManager : nullptr;
+}
+
+ErrorCode RefuseReentry(const char* function) {
+    LogMessage(0, "ERROR: %s() called recursively.", function);
+    return CoreErrorCodes::kUnknownError;
+}
+
+bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t databaseID) {
+    const auto found = states.find(databaseID);
+    return found == states.end() || found->second;
+}
+
+}  // namespace
+
+bool ActivationStateCountsAsActive(int64_t activationState) {
+    return (activationState >= 1 && activationState <= 6) || (activationState >= 9 && activationState <= 11);
+}
+
+FontActivationTracker::FontActivationTracker(PreferenceAccess* preferences) : mPreferences(preferences) {}
+
+std::string FontActivationTracker::GenerateUniqueIdentifier() {
+    std::string identifier(1, static_cast<char>(std::rand()));  // when there is no UUID to be had
+    const auto uuid = CFRef<CFUUIDRef>::Adopt(CFUUIDCreate(kCFAllocatorDefault));
+    const auto text =
+        CFRef<CFStringRef>::Adopt(uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr);
+    char buffer[100];
+    if (text && CFStringGetCString(text.get(), buffer, sizeof buffer, kCFStringEncodingUTF8))
+        identifier = buffer;
+    LogMessage(0, "FontActivationTracker::GenerateUniqueIdentifier() returning '%s'", identifier.c_str());
+    return identifier;
+}
+
+ErrorCode FontActivationTracker::ActivateDocumentFonts(const std::string& documentIdentifier,
+                                                       const std::string& documentPath,
+                                                       CFMutableArrayRef matchedFonts,
+                                                       const DocumentFontLists& lists) {
+    LogMessage(1, "Entering %s(documentPath = \"%s\")", "FontActivationTracker::ActivateDocumentFonts",
+               documentPath.c_str());
+    FontManagerAccess* fontManager = RunningFontManager();
+    if (fontManager == nullptr) {
+        LogMessage(-1, "ActivateDocumentFonts returning kErrorMarquellNotRunning (EARLY RETURN)");
+        return kErrorMarquellNotRunning;
+    }
+    ErrorCode status = CoreErrorCodes::kSuccess;
+    if (fontManager->IsBatchMode()) {
+        status = fontManager->ActivateDocumentFonts(documentPath, lists, matchedFonts);
+        const ErrorCode registered = RegisterMatchedFonts(matchedFonts, documentIdentifier);
+        if (status == CoreErrorCodes::kSuccess)
+            status = registered;
+    }
+    LogMessage(-1, "ActivateDocumentFonts returning %d", static_cast<int>(status));
+    return status;
+}
+
+ErrorCode FontActivationTracker::ActivateFontsByID(const std::string& documentIdentifier, CFArrayRef fonts,
+                                                   uint32_t& outMatchedCount) {
+    LogMessage(1, "Entering ActivateFontsByID(documentIdentifier = \"%s\")", documentIdentifier.c_str());
+    FontManagerAccess* fontManager = RunningFontManager();
+    if (fontManager == nullptr) {
+        LogMessage(-1, "ActivateFontsByID returning kErrorMarquellNotRunning (EARLY RETURN)");
+        return kErrorMarquellNotRunning;
+    }
+    ErrorCode status = CoreErrorCodes::kSuccess;
+    if (fontManager->IsBatchMode()) {
+        const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
+        status = fontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts.get());
+        outMatchedCount = static_cast<uint32_t>(CFArrayGetCount(matchedFonts.get()));
+        const ErrorCode registered = RegisterMatchedFonts(matchedFonts.get(), documentIdentifier);
+        if (status == CoreErrorCodes::kSuccess)
+            status = registered;
+    }
+    LogMessage(-1, "ActivateFontsByID returning %d", static_cast<int>(status));
+    return status;
+}
+
+ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
+                                                      const std::string& documentIdentifier) {
+    ErrorCode status = CoreErrorCodes::kSuccess;
+    for (CFIndex index = 0; index < CFArrayGetCount(matchedFonts); ++index) {
+        const auto font = cf::As<CFDictionaryRef>(CFArrayGetValueAtIndex(matchedFonts, index));
+        const ErrorCode registered = RegisterMatchedFont(font, index, documentIdentifier);
+        if (status == CoreErrorCodes::kSuccess)
+            status = registered;
+    }
+    return status;
+}
+
+ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFIndex index,
+                                                     const std::string& documentIdentifier) {
+    const CFStringRef name = cf::GetString(font, kGS_PostScriptNameKey);
+    const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
+    if (name == nullptr || databaseID == 0) {
+        LogMessage(0, "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
+                   static_cast<int>(index));
+        return CoreErrorCodes::kSuccess;
+    }
+    const std::optional<int64_t> state = cf::GetInt64(font, kGS_ActivationStateKey);
+    LogMessage(0, "kGS_ActivationStateKey '%s', kGS_DatabaseIDKey %d for '%s')",
+               state ? std::to_string(*state).c_str() : "NULL", static_cast<int>(databaseID),
+               cf::ToUtf8(name).c_str());
+    Registration registration;
+    registration.isAlreadyActive = state && ActivationStateCountsAsActive(*state);
+    registration.documentIdentifier = documentIdentifier;
+    if (!documentIdentifier.empty())
+        return RegisterFontWithDocument(font, name, databaseID, registration);
+
+    const CFArrayRef subDocuments = cf::GetArray(font, kGS_SubDocumentsWithFontKey);
+    if (subDocuments == nullptr) {
+        LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey",
+                   static_cast<int>(index), documentIdentifier.c_str());
+        return CoreErrorCodes::kSuccess;
+    }
+    ErrorCode status = CoreErrorCodes::kSuccess;
+    for (CFIndex each = 0; each < CFArrayGetCount(subDocuments); ++each) {
+        registration.documentIdentifier =
+            cf::ToUtf8(cf::As<CFStringRef>(CFArrayGetValueAtIndex(subDocuments, each)));
+        const ErrorCode registered = RegisterFontWithDocument(font, name, databaseID, registration);
+        if (status == CoreErrorCodes::kSuccess)
+            status = registered;
+    }
+    return status;
+}
+
+ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDictionary, CFStringRef postscriptName,
+                                                          uint32_t databaseID, const Registration& registration) {
+    LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
+               cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
+    const ScopeExit exitLine([] { LogMessage(-1, "Exiting RegisterFontWithDocument"); });
+    const GScopedLock lock(mRegistersLock);
+    if (lock.Status() != CoreErrorCodes::kSuccess)
+        return RefuseReentry("FontActivationTracker::RegisterFontWithDocument");
+
+    const auto [position, isNew] = m_mFonts.try_emplace(databaseID);
+    TrackedFont& font = position->second;
+    if (isNew) {
+        font.fontDictionary = CFRef<CFDictionaryRef>::Retain(fontDictionary);
+        font.isAlreadyActive = registration.isAlreadyActive;
+        font.postScriptName = CFRef<CFStringRef>::Retain(postscriptName);
+        font.deactivationContext = registration.deactivationContext;
+    }
+    font.isPluginActivated = true;
+    if (font.referenceCount == 0)
+        font.documentIdentifier = registration.documentIdentifier;
+    ++font.referenceCount;
+    m_mDocuments[registration.documentIdentifier].push_back(databaseID);
+    return CoreErrorCodes::kSuccess;
+}
+
+ErrorCode FontActivationTracker::CloseAllFontsForIdentifier(const std::string& documentIdentifier,
+                                                            bool bDeactivateClosedFonts,
+                                                            CFMutableArrayRef fontsDeactivated) {
+    FontManagerAccess* fontManager = RunningFontManager();
+    if (fontManager == nullptr)
+        return kErrorMarquellNotRunning;
+    LogMessage(1,
+               "Entering FontActivationTracker::CloseAllFontsForIdentifier('%s', bDeactivateClosedFonts=%d, "
+               "fontsDeactivated=0x%08x)",
+               documentIdentifier.c_str(), bDeactivateClosedFonts, TraceAddress(fontsDeactivated));
+    try {
+        const GScopedLock lock(mRegistersLock);
+        const ErrorCode result =
+            lock.Status() == CoreErrorCodes::kSuccess
+                ? CloseDocument(*fontManager, documentIdentifier, bDeactivateClosedFonts, fontsDeactivated)
+                : RefuseReentry("FontActivationTracker::CloseAllFontsForIdentifier");
+        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() returning %d", static_cast<int>(result));
+        return result;
+    } catch (...) {
+        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
+        throw;
+    }
+}
+
+ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager, const std::string& documentIdentifier,
+                                               bool deactivate, CFMutableArrayRef fontsDeactivated) {
+    const auto document = m_mDocuments.find(documentIdentifier);
+    if (document == m_mDocuments.end()) {
+        LogMessage(0, "No entry in FontActivationTracker::m_mDocuments for '%s'", documentIdentifier.c_str());
+        return CoreErrorCodes::kSuccess;
+    }
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    const std::vector<uint32_t>& databaseIDs = document->second;
+    if (databaseIDs.empty()) {
+        LogMessage(0, "No fonts registered for '%s'", documentIdentifier.c_str());
+    } else {
+        const PluginActivationStates states = fontManager.GetPluginActivationStates(databaseIDs);
+        result = fontManager.IsBatchMode()
+                     ? CloseBatch(fontManager, databaseIDs, states, deactivate, fontsDeactivated)
+                     : CloseFontByFont(fontManager, databaseIDs, deactivate, fontsDeactivated);
+    }
+    m_mDocuments.erase(document);
+    return result;
+}
+
+ErrorCode FontActivationTracker::CloseFontByFont(FontManagerAccess& fontManager,
+                                                 const std::vector<uint32_t>& databaseIDs, bool deactivate,
+                                                 CFMutableArrayRef fontsDeactivated) {
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    for (const uint32_t databaseID : databaseIDs) {
+        const auto found = m_mFonts.find(databaseID);
+        if (found == m_mFonts.end())
+            continue;
+        TrackedFont& font = found->second;
+        if (--font.referenceCount != 0 || !deactivate)
+            continue;
+        if (!font.isAlreadyActive) {
+            const int16_t status =
+                fontManager.XTDeactivateFont(font.fontDictionary.get(), font.deactivationContext);
+            if (status == 0) {
+                if (fontsDeactivated != nullptr)
+                    CFArrayAppendValue(fontsDeactivated, font.fontDictionary.get());
+            } else {
+                LogMessage(0, "XTDeactivateFont returned %d", status);
+                result = static_cast<ErrorCode>(status);
+                if (result == kErrorMarquellNotRunning)
+                    break;
+            }
+        }
+        m_mFonts.erase(found);
+    }
+    return result;
+}
+
+ErrorCode FontActivationTracker::CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
+                                            const PluginActivationStates& states, bool deactivate,
+                                            CFMutableArrayRef fontsDeactivated) {
+    const CFRef<CFMutableArrayRef> fontsToDeactivate = cf::MutableArray();
+    for (const uint32_t databaseID : databaseIDs) {
+        const auto found = m_mFonts.find(databaseID);
+        if (found == m_mFonts.end()) {
+            LogMessage(0, "No entry found for nDatabaseID(%d) in FontManagerInterface::m_mFonts",
+                       static_cast<int>(databaseID));
+            continue;
+        }
+        TrackedFont& font = found->second;
+        LogMessage(0, "Considering whether to deactivate databaseID %d", static_cast<int>(databaseID));
+        --font.referenceCount;
+        if (!deactivate)
+            continue;
+        const std::string name = cf::ToUtf8(font.postScriptName.get());
+        if (font.referenceCount > 0)
+            LogMessage(0, "Not deactivating '%s' because its ref count is %d", name.c_str(), font.referenceCount);
+        if (font.referenceCount != 0)
+            continue;
+        if (!IsStillPluginActivated(states, databaseID)) {
+            LogMessage(0, "Not deactivating '%s' because it is no longer plugin activated", name.c_str());
+        } else if (!font.isAlreadyActive) {
+            LogMessage(0, "Adding '%s' to fontsToDeactivate.", name.c_str());
+            CFArrayAppendValue(fontsToDeactivate.get(), font.fontDictionary.get());
+        } else {
+            LogMessage(0, "Not deactivating '%s' because it was already active", name.c_str());
+        }
+        m_mFonts.erase(found);
+    }
+    return fontManager.DeactivateFonts(fontsToDeactivate.get(), 0, fontsDeactivated);
+}
+
+ErrorCode FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts) {
+    FontManagerAccess* fontManager = RunningFontManager();
+    if (fontManager == nullptr)
+        return kErrorMarquellNotRunning;
+    LogMessage(1, "Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=%d)",
+               bDeactivateClosedFonts);
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    if (!m_mFonts.empty()) {
+        const GScopedLock lock(mRegistersLock);
+        if (lock.Status() == CoreErrorCodes::kSuccess) {
+            std::vector<uint32_t> databaseIDs;
+            databaseIDs.reserve(m_mFonts.size());
+            for (const auto& [databaseID, font] : m_mFonts)
+                databaseIDs.push_back(databaseID);
+            const PluginActivationStates states = fontManager->GetPluginActivationStates(databaseIDs);
+            result = fontManager->IsBatchMode() ? CloseEveryFontAtOnce(*fontManager, states, bDeactivateClosedFonts)
+                                                : CloseEveryFontByFont(*fontManager, bDeactivateClosedFonts);
+            m_mFonts.clear();
+        } else {
+            result = RefuseReentry("FontActivationTracker::CloseAllFonts");
+        }
+    }
+    LogMessage(-1, "FontActivationTracker::CloseAllFonts() returning %d", static_cast<int>(result));
+    return result;
+}
+
+ErrorCode FontActivationTracker::CloseEveryFontByFont(FontManagerAccess& fontManager, bool deactivate) {
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    for (auto& [databaseID, font] : m_mFonts) {
+        if (!font.isPluginActivated || font.isAlreadyActive || !deactivate)
+            continue;
+        const int16_t status = fontManager.XTDeactivateFont(font.fontDictionary.get(), font.deactivationContext);
+        if (status == 0)
+            continue;
+        LogMessage(0, "XTDeactivateFont returned %d", status);
+        result = static_cast<ErrorCode>(status);
+        if (result == kErrorMarquellNotRunning)
+            break;
+    }
+    return result;
+}
+
+ErrorCode FontActivationTracker::CloseEveryFontAtOnce(FontManagerAccess& fontManager,
+                                                      const PluginActivationStates& states, bool deactivate) {
+    const CFRef<CFMutableArrayRef> fontsToDeactivate = cf::MutableArray();
+    for (auto& [databaseID, font] : m_mFonts) {
+        if (font.fontDictionary && font.isPluginActivated && !font.isAlreadyActive && deactivate &&
+            IsStillPluginActivated(states, databaseID))
+            CFArrayAppendValue(fontsToDeactivate.get(), font.fontDictionary.get());
+    }
+    return fontManager.DeactivateFonts(fontsToDeactivate.get(), 0, nullptr);
+}

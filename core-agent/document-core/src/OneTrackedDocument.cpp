@@ -1,0 +1,24 @@
+#include "OneTrackedDocument.h"
+
+#include "TraceLog.h"
+
+namespace {
+bool HasElements(const CFRef<CFArrayRef>& array) { return array && CFArrayGetCount(array.get()) > 0; }
+}  // namespace
+
+void OneTrackedDocument::SetDocumentFilePath(const std::string& path) {
+    LogMessage(0, "OneTrackedDocument::SetDocumentFilePath('%s')", path.c_str());
+    mDocumentFilePath = path;
+}
+
+void OneTrackedDocument::SetLastKnownModificationTime(int64_t seconds) {
+    LogMessage(0, "%s(%d)", "OneTrackedDocument::SetLastKnownModificationTime", static_cast<int>(seconds));
+    mLastKnownModificationTime = seconds;
+}
+
+void OneTrackedDocument::SetFontArrays(CFArrayRef arrayA, CFArrayRef arrayB) {
+    mFontArrayA = CFRef<CFArrayRef>::Retain(arrayA);
+    mFontArrayB = CFRef<CFArrayRef>::Retain(arrayB);
+}
+
+bool OneTrackedDocument::HasFonts() const { return HasElements(mFontArrayA) || HasElements(mFontArrayB); }
