@@ -64,6 +64,11 @@ public:
         return FullPath(map->l_name);
     }
 
+    const void* ModuleAt(const void* address) override {
+        Dl_info info{};
+        return dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+    }
+
     std::string PathOfModuleAt(const void* address) override {
         Dl_info info{};
         return dladdr(address, &info) != 0 ? FullPath(info.dli_fname) : std::string();

@@ -90,7 +90,7 @@ ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
                                                       const std::string& documentIdentifier) {
     ErrorCode status = CoreErrorCodes::kSuccess;
     for (CFIndex index = 0; index < CFArrayGetCount(matchedFonts); ++index) {
-        const auto font = cf::As<CFDictionaryRef>(CFArrayGetValueAtIndex(matchedFonts, index));
+        const auto font = cf::Get<CFDictionaryRef>(matchedFonts, index);
         const ErrorCode registered = RegisterMatchedFont(font, index, documentIdentifier);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
@@ -100,7 +100,7 @@ ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
 
 ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFIndex index,
                                                      const std::string& documentIdentifier) {
-    const CFStringRef name = cf::GetString(font, kGS_PostScriptNameKey);
+    const CFStringRef name = cf::Get<CFStringRef>(font, kGS_PostScriptNameKey);
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     if (name == nullptr || databaseID == 0) {
         LogMessage(0, "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
@@ -126,7 +126,7 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
     ErrorCode status = CoreErrorCodes::kSuccess;
     for (CFIndex each = 0; each < CFArrayGetCount(subDocuments); ++each) {
         registration.documentIdentifier =
-            cf::ToUtf8(cf::As<CFStringRef>(CFArrayGetValueAtIndex(subDocuments, each)));
+            cf::ToUtf8(cf::Get<CFStringRef>(subDocuments, each));
         const ErrorCode registered = RegisterFontWithDocument(font, name, databaseID, registration);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;

@@ -30,6 +30,8 @@ public:
     virtual void* FindSymbol(LibraryHandle library, const char* symbol) = 0;
     /// Full path of a loaded library's file; empty when it cannot be told.
     virtual std::string PathOf(LibraryHandle library) = 0;
+    /// The module that holds the address (its base address), or null.
+    virtual const void* ModuleAt(const void* address) = 0;
     /// Full path of the module that holds the address; empty when there is none.
     virtual std::string PathOfModuleAt(const void* address) = 0;
     /// The system's text for the last failed load on this thread, UTF-8; empty when it has none.

@@ -1,0 +1,134 @@
+#include "AgentLauncher.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include "TraceLog.h"
+#include "platform/Files.h"
+#include "platform/Processes.h"
+
+namespace {
+
+constexpr char kLaunchInfoFileName[] = "com.vantorix.Pellwick-LaunchInfo.conf";
+constexpr uint64_t kLaunchInfoSizeLimit = 1 << 20;
+constexpr std::chrono::milliseconds kIdleWaitLimit{2000};
+
+std::string LowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
+    return text;
+}
+
+std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind(platform::kPathSeparator) + 1); }
+std::string BaseName(const std::string& path) { return path.substr(path.rfind(platform::kPathSeparator) + 1); }
+
+std::string LaunchInfoPath(const std::string& folder) {
+    return folder + platform::kPathSeparator + "Vantorix" + platform::kPathSeparator + kLaunchInfoFileName;
+}
+
+/// True when the agent that the file's text names is there.
+bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string& arguments) {
+    std::string content;
+    if (const auto error = platform::ReadWholeFile(infoPath, content, kLaunchInfoSizeLimit)) {
+        LogMessage(0, "Error %d on attempt to open launch info file at: %s", error.code, infoPath.c_str());
+        return false;
+    }
+    LogMessage(0, "Launch config file contents: %s", content.c_str());
+    path = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
+    arguments = AgentLauncher::LaunchInfoValue(content, "pellwick.args");
+    if (!platform::IsExistingFile(path)) {
+        LogMessage(0,
+                   "Pellwick path found in launch config file (%s) but the Pellwick.exe was not found at the "
+                   "specified path (%s)",
+                   infoPath.c_str(), path.c_str());
+        return false;
+    }
+    LogMessage(0, "Pellwick found in launch config file and on disk: %s %s", path.c_str(), arguments.c_str());
+    return true;
+}
+
+/// Starts the agent and waits for it to settle.
+bool Launch(const std::string& path, const std::string& arguments) {
+    const std::string commandLine = "\"" + path + "\" " + arguments;
+    LogMessage(0, "Attempting to launch Pellwick: %s", commandLine.c_str());
+    platform::SystemError error;
+    const auto process = platform::Current<platform::Processes>().Launch(path, commandLine, error);
+    if (!process) {
+        LogMessage(0, "Error %d on call to CreateProcess('%s')", error.code, commandLine.c_str());
+        return false;
+    }
+    process->WaitUntilIdle(kIdleWaitLimit);
+    if (const std::optional<int> status = process->ExitStatus()) {
+        LogMessage(0, "'%s' already exited with error %d", commandLine.c_str(), *status);
+        return false;
+    }
+    LogMessage(0, "Successfully launched Pellwick at: %s %s", path.c_str(), arguments.c_str());
+    return true;
+}
+
+}  // namespace
+
+ErrorCode AgentLauncher::GetPathToRunningProcessExe(const std::string& name, std::string& folder) {
+    LogMessage(1, "Entering GetPathToRunningProcessExe('%s', ...)", name.c_str());
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const std::string wanted = LowerCase(name);
+    const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
+    std::vector<platform::ProcessInfo> processes;
+    if (!platform::Current<platform::Processes>().List(processes)) {
+        for (const platform::ProcessInfo& process : processes) {
+            const std::string baseName = LowerCase(BaseName(process.executablePath));
+            if (baseName == wanted || baseName == wantedProgram) {
+                folder = FolderOf(process.executablePath);
+                result = CoreErrorCodes::kSuccess;
+                break;
+            }
+        }
+    }
+    LogMessage(-1, "GetPathToRunningProcessExe('%s', '%s') returned %d", name.c_str(), folder.c_str(),
+               static_cast<int>(result));
+    return result;
+}
+
+std::string AgentLauncher::LaunchInfoValue(const std::string& content, const std::string& key) {
+    for (size_t begin = 0; begin < content.size();) {
+        const size_t end = std::min(content.find_first_of("\r\n", begin), content.size());
+        const size_t equals = content.find('=', begin);
+        if (equals < end && content.compare(begin, equals - begin, key) == 0)
+            return content.substr(equals + 1, end - equals - 1);
+        begin = end + 1;
+    }
+    return {};
+}
+
+bool AgentLauncher::GetLaunchInfoFileValues(platform::KnownFolder folder, std::string& path,
+                                            std::string& arguments) {
+    constexpr char kName[] = "GetLaunchInfoFileValues";
+    LogMessage(1, "Entering %s", kName);
+    const std::string folderPath = platform::Current<platform::Folders>().PathOf(folder);
+    const bool isFound = !folderPath.empty() && ReadLaunchInfo(LaunchInfoPath(folderPath), path, arguments);
+    LogMessage(-1, "%s returning %s", kName, isFound ? "success" : "fail");
+    return isFound;
+}
+
+ErrorCode AgentLauncher::FindAndLaunchPellwick(std::string* folder) {
+    constexpr char kName[] = "FindAndLaunchPellwick";
+    LogMessage(1, "Entering %s", kName);
+    std::string path;
+    std::string arguments;
+    const bool isFound =
+        GetLaunchInfoFileValues(platform::KnownFolder::kAllUsersApplicationData, path, arguments) ||
+        GetLaunchInfoFileValues(platform::KnownFolder::kLocalApplicationData, path, arguments);
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    if (isFound && Launch(path, arguments)) {
+        if (folder != nullptr)
+            *folder = FolderOf(path);
+    } else {
+        LogMessage(0, "Could not launch Pellwick.exe");
+        result = GZephyrinConfig::kAgentNotFound;
+    }
+    LogMessage(-1, "%s returning %d", kName, static_cast<int>(result));
+    return result;
+}

@@ -1,0 +1,89 @@
+// The gateway to the running font-manager agent. Each operation calls one function of the interface library and copes
+// with the one failure that matters to a plug-in: the agent has gone away.
+//
+// The first loss of the agent within a call is healed silently: the agent is started again and the call repeated. A
+// second loss in the same call disables the plug-in's services, tells the user, and asks before each further try.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ErrorCodes.h"
+#include "FontManagerAccess.h"
+#include "VPILoader.h"
+
+/// One of the user's workgroups.
+struct Workgroup {
+    int32_t id = 0;
+    int32_t type = 0;
+    std::string name;  ///< as shown to the user
+};
+
+/// Main thread; the dialogs that it may show are modal. Codes that are not about a lost agent are the interface
+/// library's own.
+class CoreAgentInterface {
+public:
+    virtual ~CoreAgentInterface() = default;
+
+    /// Starts the interface library for this process. On success plug-in services are enabled and the core counts as
+    /// connected; on failure the user is told and both are off.
+    void InitializeCoreAgent();
+    /// 0, or 2 when no agent was found.
+    int LaunchZephyrinAgentIfNeeded();
+    /// The same, and drops the connection to the agent that is gone.
+    int RelaunchZephyrinAgent();
+
+    [[nodiscard]] ErrorCode ActivateDocumentFontsByPath(const std::string& documentPath,
+                                                        const DocumentFontLists& lists,
+                                                        CFMutableArrayRef matchedFonts);
+    [[nodiscard]] ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
+                                              CFMutableArrayRef matchedFonts);
+    [[nodiscard]] ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts);
+    [[nodiscard]] ErrorCode GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
+                                                          PluginActivationStates& states);
+    [[nodiscard]] ErrorCode SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef fontUsage);
+
+    bool IsLoggedIn();
+    bool IsRunningStandalone();
+    bool CanExportFromWorkgroup(CFArrayRef fonts);
+    bool AreSchemaVersionsInSync();
+
+    /// The user's workgroups with the names to show. The entry for all workgroups together, the system workgroup and
+    /// the Typekit library are left out unless asked for.
+    struct WorkgroupFilter {
+        bool includeAllWorkgroup = false;
+        bool includeSystemWorkgroup = false;
+        bool includeTypekitLibrary = false;
+    };
+    [[nodiscard]] ErrorCode GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
+                                                    std::vector<Workgroup>& workgroups);
+
+    /// Lets the interface library release what it holds for this process. The agent is not started for it.
+    void CleanUpOnShutdown();
+
+private:
+    /// A call to the interface library with a fresh facade.
+    using AgentCall = std::function<ErrorCode(PluginFacadeRef facade)>;
+
+    /// Makes the call, and makes it again for as long as the agent is lost and comes back.
+    ErrorCode CallAgent(const AgentCall& call);
+    ErrorCode CallOnce(const AgentCall& call);
+    bool RelaunchWithUserRetry();
+    void DisableAndNotify();
+
+    /// Calls one function of the table; `arguments` follow the facade.
+    template <class Function, class... Arguments>
+    ErrorCode Call(Function PluginFunctionTable::*function, Arguments... arguments) {
+        return CallAgent([&](PluginFacadeRef facade) -> ErrorCode {
+            const Function bound = VPILoader::GetSharedInstance()->*function;
+            return bound != nullptr ? bound(facade, arguments...) : CoreErrorCodes::kNotImplemented;
+        });
+    }
+    /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
+    bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
+
+    ErrorCode InitializeSdk();
+    void ReportInitializationFailure(ErrorCode code);
+    bool IsAgentProcessRunning();
+};

@@ -1,0 +1,117 @@
+#include "FontManagerInterface.h"
+
+#include "MarquellGlobals.h"
+#include "TraceLog.h"
+#include "VersionsAreCompatible.h"
+
+FontManagerInterface& FontManagerInterface::GetSharedInstance() {
+    static auto* shared = new FontManagerInterface;  // lives to process end
+    return *shared;
+}
+
+bool FontManagerInterface::CompatibleFontManagerIsRunning() {
+    LogMessage(1, "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
+               TraceAddress(sm_pFontManager.get()));
+    bool result = false;
+    const GScopedLock lock(mFontManagerLock);
+    if (lock.Status() == CoreErrorCodes::kSuccess)
+        result = sm_pFontManager ? mIsCompatible : CreateFontManager();
+    LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d", result);
+    return result;
+}
+
+bool FontManagerInterface::CreateFontManager() {
+    std::string path;
+    std::string version;
+    uint32_t missingCount = 0;
+    const bool isLoaded = VPILoader::GetSharedInstance()->IsLoaded(&path, &version, &missingCount);
+    if (!isLoaded || missingCount > 0) {
+        LogMessage(0, "ERROR:  interfaceLoaded(%s) %d function(s) missing from \"%s\"", isLoaded ? "true" : "false",
+                   static_cast<int>(missingCount), path.c_str());
+        return false;
+    }
+    sm_pFontManager = std::make_unique<CoreAgentInterface>();
+    SetFontManagerAccess(this);
+    sm_pFontManager->InitializeCoreAgent();
+    const std::string pluginVersion = MarquellGlobals::GetPluginVersion();
+    LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(), version.c_str(),
+               pluginVersion.c_str());
+    mIsCompatible = VersionsAreCompatible(pluginVersion, version);
+    return mIsCompatible;
+}
+
+void FontManagerInterface::InitializeWorkgroupAtStartup() {
+    // Whatever the checks before found: a workgroup can be chosen from here on.
+    MarquellGlobals::SetPluginFunctionalityEnabled(true);
+}
+
+bool FontManagerInterface::IsWorkgroupAvailable() {
+    std::vector<Workgroup> workgroups;
+    return sm_pFontManager &&
+           sm_pFontManager->GetAllWorkgroupsForUser({}, workgroups) == CoreErrorCodes::kSuccess &&
+           !workgroups.empty();
+}
+
+bool FontManagerInterface::IsUsable() { return sm_pFontManager && MarquellGlobals::IsPluginFunctional(); }
+
+void FontManagerInterface::OnHostAppShuttingDown() {
+    if (!sm_pFontManager) {
+        LogMessage(0, "*** UH-OH, sm_pFontManager is NULL in FontManagerInterface::OnHostAppShuttingDown");
+        return;
+    }
+    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    if (preferences != nullptr && preferences->GetBoolPreference("CloseFontsOnHostAppQuit") && IsLoggedIn())
+        MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
+    const GScopedLock lock(mFontManagerLock);
+    if (lock.Status() != CoreErrorCodes::kSuccess)
+        return;
+    sm_pFontManager->CleanUpOnShutdown();
+    SetFontManagerAccess(nullptr);
+    sm_pFontManager.reset();
+}
+
+bool FontManagerInterface::IsLoggedIn() { return sm_pFontManager && sm_pFontManager->IsLoggedIn(); }
+
+ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documentPath,
+                                                      const DocumentFontLists& lists,
+                                                      CFMutableArrayRef matchedFonts) {
+    return sm_pFontManager ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
+                           : kErrorMarquellNotRunning;
+}
+
+ErrorCode FontManagerInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
+                                                  CFMutableArrayRef matchedFonts) {
+    return sm_pFontManager ? sm_pFontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts)
+                           : kErrorMarquellNotRunning;
+}
+
+PluginActivationStates FontManagerInterface::GetPluginActivationStates(const std::vector<uint32_t>& databaseIDs) {
+    PluginActivationStates states;
+    if (sm_pFontManager) {
+        // What it cannot tell is left out; the tracker counts that as still activated.
+        static_cast<void>(sm_pFontManager->GetClientFontActivationStates(databaseIDs, states));
+        LogMessage(0, "FontManagerInterface::GetClientFontActivationStates returning a map with %d entries",
+                   static_cast<int>(states.size()));
+    }
+    return states;
+}
+
+int16_t FontManagerInterface::XTDeactivateFont(CFDictionaryRef font, uint64_t context) {
+    if (!sm_pFontManager)
+        return static_cast<int16_t>(kErrorMarquellNotRunning);
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    cf::Append(fonts, font);
+    // The 16-bit status has no room for the font manager's codes; any failure is a plain error.
+    return sm_pFontManager->DeactivateFonts(fonts.get(), context, nullptr) == CoreErrorCodes::kSuccess ? 0 : -1;
+}
+
+ErrorCode FontManagerInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
+                                                CFMutableArrayRef deactivatedFonts) {
+    return sm_pFontManager ? sm_pFontManager->DeactivateFonts(fonts, context, deactivatedFonts)
+                           : kErrorMarquellNotRunning;
+}
+
+bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) {
+    return sm_pFontManager &&
+           sm_pFontManager->SaveDocumentFonts(documentPath, replace, hint) == CoreErrorCodes::kSuccess;
+}

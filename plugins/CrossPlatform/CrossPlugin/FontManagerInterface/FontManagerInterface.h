@@ -1,0 +1,52 @@
+// What the rest of the plug-in core sees of the font manager.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "CoreAgentInterface.h"
+#include "FontManagerAccess.h"
+#include "GMutex.h"
+
+/// One process-wide object. Main thread; the creation and the shutting down of the font-manager object are locked.
+class FontManagerInterface : public FontManagerAccess {
+public:
+    static FontManagerInterface& GetSharedInstance();
+
+    /// True when the interface library is fully loaded and of a version that goes with the plug-in's. Makes the
+    /// font-manager object when it is not there yet.
+    bool CompatibleFontManagerIsRunning();
+    /// The font-manager object; null until a font manager was found, and again after the host said that it quits.
+    CoreAgentInterface* GetFontManager() { return sm_pFontManager.get(); }
+
+    /// The start-up step for the current workgroup.
+    void InitializeWorkgroupAtStartup();
+    /// Whether the user has a workgroup to work in.
+    bool IsWorkgroupAvailable();
+    /// Whether fonts may be asked for: a font manager was found and the plug-in is functional.
+    bool IsUsable();
+    /// The host quits: closes the documents' fonts if "CloseFontsOnHostAppQuit" is on and the user is logged in, and
+    /// lets go of the font manager.
+    void OnHostAppShuttingDown();
+
+    bool IsRunning() override { return sm_pFontManager != nullptr; }
+    bool IsBatchMode() override { return true; }
+    bool IsLoggedIn() override;
+    ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists,
+                                    CFMutableArrayRef matchedFonts) override;
+    ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
+                                CFMutableArrayRef matchedFonts) override;
+    PluginActivationStates GetPluginActivationStates(const std::vector<uint32_t>& databaseIDs) override;
+    int16_t XTDeactivateFont(CFDictionaryRef font, uint64_t context) override;
+    ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts) override;
+    bool SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) override;
+
+private:
+    FontManagerInterface() = default;
+
+    bool CreateFontManager();
+
+    GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
+    std::unique_ptr<CoreAgentInterface> sm_pFontManager;
+    bool mIsCompatible = false;
+};

@@ -1,0 +1,132 @@
+#include "HostApplication.h"
+
+#include <array>
+#include <cassert>
+#include <string_view>
+
+#include "TraceLog.h"
+
+namespace {
+
+bool BeginsWith(const std::string& text, std::string_view prefix) {
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+bool Contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
+
+struct NamedKind {
+    const char* prefix;
+    HostKind kind;
+};
+
+constexpr std::array<NamedKind, 5> kNamedKinds{{{"InDesign", HostKind::kInDesign},
+                                                {"InCopy", HostKind::kInCopy},
+                                                {"Illustrator", HostKind::kIllustrator},
+                                                {"Photoshop", HostKind::kPhotoshop},
+                                                {"After", HostKind::kAfterEffects}}};
+
+struct BundleHostApp {
+    const char* bundleID;
+    const char* hostApp;
+};
+
+constexpr std::array<BundleHostApp, 8> kBundleHostApps{
+    {{"com.vantorix.AutoActivationPlugin.AI27", "Illustrator2023"},
+     {"com.vantorix.AutoActivationPlugin.AI28", "Illustrator2024"},
+     {"com.vantorix.AutoActivationPlugin.AI29", "Illustrator2025"},
+     {"com.vantorix.AutoActivationPlugin.AI30", "Illustrator2026"},
+     {"com.vantorix.AutoActivationPlugin.AE230", "AfterEffects2023"},
+     {"com.vantorix.AutoActivationPlugin.AE240", "AfterEffects2024"},
+     {"com.vantorix.AutoActivationPlugin.AE250", "AfterEffects2025"},
+     {"com.vantorix.AutoActivationPlugin.AE260", "AfterEffects2026"}}};
+
+/// The value of the version component at `position`, which is moved past it and its dot. Characters are not checked
+/// for being digits. Unsigned, so that an absurd number wraps around.
+unsigned NextComponent(const std::string& version, size_t& position) {
+    unsigned value = 0;
+    while (position < version.size() && version[position] != '.')
+        value = value * 10 + static_cast<unsigned>(version[position++] - '0');
+    ++position;
+    return value;
+}
+
+}  // namespace
+
+HostKind HostKindFromName(const std::string& hostApp) {
+    for (const NamedKind& each : kNamedKinds) {
+        if (BeginsWith(hostApp, each.prefix))
+            return each.kind;
+    }
+    return HostKind::kOther;
+}
+
+bool IsAfterEffectsName(const std::string& hostApp) {
+    return Contains(hostApp, "AECC") || BeginsWith(hostApp, "After");
+}
+
+bool IsSketchName(const std::string& hostApp) {
+    return Contains(hostApp, "Sketch") || BeginsWith(hostApp, "sketch");
+}
+
+std::string HostShortCode(const std::string& hostApp) {
+    switch (HostKindFromName(hostApp)) {
+        case HostKind::kInCopy:
+        case HostKind::kInDesign:
+            return "id";
+        case HostKind::kPhotoshop:
+            return "ps";
+        case HostKind::kIllustrator:
+            return "ai";
+        default:
+            break;
+    }
+    if (IsAfterEffectsName(hostApp))
+        return "ae";
+    if (IsSketchName(hostApp))
+        return "sk";
+    assert(false);
+    return {};
+}
+
+std::string HostWindowName(const std::string& hostApp) {
+    if (IsAfterEffectsName(hostApp))
+        return "After Effects";
+    switch (HostKindFromName(hostApp)) {
+        case HostKind::kInDesign:
+            return "indesign";
+        case HostKind::kInCopy:
+            return "incopy";
+        case HostKind::kIllustrator:
+            return "illustrator";
+        case HostKind::kPhotoshop:
+            return "Photoshop";
+        default:
+            break;
+    }
+    LogMessage(0,
+               "Host app ('%s') is not After Effects, InDesign, InCopy, Illustrator, Photoshop, or Quark! Setting "
+               "window name to '?\?\?'",
+               hostApp.c_str());
+    return "???";
+}
+
+std::string MapBundleIDtoHostApp(const std::string& bundleID) {
+    for (const BundleHostApp& each : kBundleHostApps) {
+        if (bundleID == each.bundleID)
+            return each.hostApp;
+    }
+    LogMessage(0, "Unknown bundleID in %s(%s)", "MapBundleIDtoHostApp", bundleID.c_str());
+    return {};
+}
+
+int CompareVersions(const std::string& a, const std::string& b) {
+    size_t positionA = 0;
+    size_t positionB = 0;
+    while (positionA < a.size() || positionB < b.size()) {
+        const int valueA = static_cast<int>(NextComponent(a, positionA));
+        const int valueB = static_cast<int>(NextComponent(b, positionB));
+        if (valueA != valueB)
+            return valueA > valueB ? 1 : -1;
+    }
+    return 0;
+}

@@ -1,0 +1,203 @@
+#include "MarquellGlobals.h"
+
+#include "FontManagerAccess.h"
+#include "PluginIdentity.h"
+#include "TraceLog.h"
+
+namespace {
+
+struct State {
+    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> sHostApp;
+    std::optional<std::string> versionPrefixRequired;
+    std::optional<std::string> hostAppMinimumVersion;
+    std::optional<std::string> pluginVersion;
+    std::optional<std::string> pluginInterfaceVersion;
+    std::optional<std::string> pluginPath;
+    std::string hostWindowName;
+
+    bool servicesEnabled = false;
+    bool connectedToCore = false;
+    bool loggedIn = false;
+    bool functionalityEnabled = false;
+    bool bulkReplicationRunning = false;
+    bool incrementalReplicationRunning = false;
+    bool interfaceRecreated = false;
+
+    std::unique_ptr<VPFInterface> vpfInterface;
+    std::unique_ptr<FontActivationTracker> tracker;
+    std::unique_ptr<HostAppInterface> hostApp;
+};
+
+/// Lives to process end: nothing is torn down behind the host's back.
+State& Globals() {
+    static auto* state = new State;
+    return *state;
+}
+
+bool IsRecreationDue() {
+    const State& globals = Globals();
+    return !globals.interfaceRecreated && globals.vpfInterface && !globals.vpfInterface->IsValid() &&
+           globals.sHostApp && globals.pluginVersion && globals.bundleIdentifier &&
+           globals.vpfInterface->GetFrameworkState() == VPFInterface::kIdentityUnknown;
+}
+
+void IdentifyPluginInterfaceVersion(const std::string& version) {
+    LogMessage(0, "IdentifyPluginInterfaceVersion(%s)", version.c_str());
+    Globals().pluginInterfaceVersion = version;
+}
+
+void IdentifyPluginVersion(const std::string& version) {
+    LogMessage(1, "Entering IdentifyPluginVersion('%s')", version.c_str());
+    Globals().pluginVersion = version;
+    LogMessage(-1, "Exiting IdentifyPluginVersion()");
+}
+
+}  // namespace
+
+namespace MarquellGlobals {
+
+void SetUpPluginIdentity(const std::string& identifierOrPath, const std::string& versionPrefixRequired,
+                         const std::function<std::string()>& interfaceVersion) {
+    const PluginIdentity identity = IdentifyPlugin(identifierOrPath);
+    State& globals = Globals();
+    globals.bundleIdentifier = identifierOrPath;
+    IdentifyPluginInterfaceVersion(interfaceVersion());
+    SetHostApp(identity.hostApp);
+    globals.versionPrefixRequired = versionPrefixRequired;
+    globals.hostAppMinimumVersion = identity.hostAppMinimumVersion;
+    IdentifyPluginVersion(identity.pluginVersion);
+    globals.pluginPath = identity.pluginPath;
+}
+
+void SetHostApp(const std::optional<std::string>& name) {
+    State& globals = Globals();
+    globals.sHostApp = name;
+    if (!name && globals.bundleIdentifier)
+        globals.sHostApp = MapBundleIDtoHostApp(*globals.bundleIdentifier);
+    if (globals.sHostApp)
+        globals.hostWindowName = HostWindowName(*globals.sHostApp);
+}
+
+std::string GetPluginBundleIdentifier() { return Globals().bundleIdentifier.value_or(""); }
+std::string GetPluginHostApp() { return Globals().sHostApp.value_or(""); }
+std::string GetVersionPrefixRequired() { return Globals().versionPrefixRequired.value_or(""); }
+std::string GetHostAppMinimumVersion() { return Globals().hostAppMinimumVersion.value_or(""); }
+std::string GetPluginVersion() { return Globals().pluginVersion.value_or(""); }
+std::string GetPluginInterfaceVersion() { return Globals().pluginInterfaceVersion.value_or(""); }
+std::string GetPluginPath() { return Globals().pluginPath.value_or(""); }
+std::string GetHostWindowName() { return Globals().hostWindowName; }
+
+HostKind GetHostKind() { return HostKindFromName(GetPluginHostApp()); }
+bool HostAppIsInDesign() { return GetHostKind() == HostKind::kInDesign; }
+bool HostAppIsInCopy() { return GetHostKind() == HostKind::kInCopy; }
+bool HostAppIsIllustrator() { return GetHostKind() == HostKind::kIllustrator; }
+bool HostAppIsPhotoshop() { return GetHostKind() == HostKind::kPhotoshop; }
+bool HostAppIsAfterEffects() { return IsAfterEffectsName(GetPluginHostApp()); }
+
+bool HostAppIsSketch() {
+    const std::string hostApp = GetPluginHostApp();
+    const bool isSketch = IsSketchName(hostApp);
+    LogMessage(0, "%s() returning %d because GetPluginHostApp() returned '%s'", "MarquellGlobals::HostAppIsSketch",
+               isSketch, hostApp.c_str());
+    return isSketch;
+}
+
+std::string GetHostShortCode() { return HostShortCode(GetPluginHostApp()); }
+
+void SetPluginServicesEnabled(bool enable) {
+    LogMessage(0, "Calling MarquellGlobals::SetPluginServicesEnabled( enable=%d )", enable);
+    Globals().servicesEnabled = enable;
+}
+
+void SetConnectedToCore(bool connected) {
+    LogMessage(0, "Calling MarquellGlobals::SetConnectedToCore(connected=%d)", connected);
+    Globals().connectedToCore = connected;
+}
+
+void SetLoggedIn(bool loggedIn) {
+    LogMessage(0, "Calling MarquellGlobals::SetLoggedIn(loggedIn=%d)", loggedIn);
+    Globals().loggedIn = loggedIn;
+}
+
+void SetPluginFunctionalityEnabled(bool enable) { Globals().functionalityEnabled = enable; }
+
+void SetBulkReplicationRunning(bool isReplicating) {
+    LogMessage(0, "Calling MarquellGlobals::SetBulkReplicationRunning(isReplicating=%d)", isReplicating);
+    Globals().bulkReplicationRunning = isReplicating;
+}
+
+void SetIncrementalReplicationRunning(bool isReplicating) {
+    LogMessage(0, "Calling MarquellGlobals::SetIncrementalReplicationRunning(isReplicating=%d)", isReplicating);
+    Globals().incrementalReplicationRunning = isReplicating;
+}
+
+bool ArePluginServicesEnabled() { return Globals().servicesEnabled; }
+bool IsConnectedToCore() { return Globals().connectedToCore; }
+bool IsLoggedIn() { return Globals().loggedIn; }
+bool IsPluginFunctionalityEnabled() { return Globals().functionalityEnabled; }
+bool IsBulkReplicationRunning() { return Globals().bulkReplicationRunning; }
+bool IsIncrementalReplicationRunning() { return Globals().incrementalReplicationRunning; }
+bool IsPluginFunctional() { return ArePluginServicesEnabled() && IsLoggedIn() && IsPluginFunctionalityEnabled(); }
+
+VPFInterface* GetSharedVPFInterface() {
+    State& globals = Globals();
+    if (IsRecreationDue()) {
+        LogMessage(0, "Recreating VPFInterface after plugin globals became available");
+        globals.tracker.reset();  // holds on to the interface
+        globals.vpfInterface.reset();
+        globals.interfaceRecreated = true;
+    }
+    if (!globals.vpfInterface) {
+        if (!globals.sHostApp)
+            LogMessage(0, "ERROR: sHostApp is NULL in %s()", "MarquellGlobals::GetSharedVPFInterface");
+        globals.vpfInterface = std::make_unique<VPFInterface>(VPFInterface::Identity{
+            globals.sHostApp, globals.pluginVersion, globals.bundleIdentifier, globals.pluginInterfaceVersion});
+    }
+    return globals.vpfInterface.get();
+}
+
+FontActivationTracker* GetSharedFontActivationTracker() {
+    State& globals = Globals();
+    if (!globals.tracker)
+        globals.tracker = std::make_unique<FontActivationTracker>(GetSharedVPFInterface());
+    return globals.tracker.get();
+}
+
+HostAppInterface* GetSharedHostAppInterface() { return Globals().hostApp.get(); }
+void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp) { Globals().hostApp = std::move(hostApp); }
+
+bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint) {
+    constexpr char kName[] = "MarquellGlobals::SaveDocumentFonts";
+    LogMessage(1, "Entering %s (path=%s, hint=0x%08x)", kName, path.c_str(), TraceAddress(hint));
+    if (HostAppInterface* hostApp = GetSharedHostAppInterface())
+        hostApp->ShowProgressHint("...SaveDocumentFonts() hint");
+    VPFInterface* preferences = GetSharedVPFInterface();
+    FontManagerAccess* fontManager = GetFontManagerAccess();
+    if (preferences == nullptr || !IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") ||
+        fontManager == nullptr || !fontManager->IsLoggedIn()) {
+        LogMessage(-1, "Exiting %s not valid, not enabled, or not logged in", kName);
+        return false;
+    }
+    LogMessage(0, "Calling VPI SaveDocumentFonts");
+    const bool success = fontManager->SaveDocumentFonts(path, replace, hint);
+    LogMessage(-1, "Exiting %s success=%d", kName, success);
+    return success;
+}
+
+void RefreshActiveFontList(void (*callback)(void*), void* context) {
+    constexpr char kName[] = "MarquellGlobals::RefreshActiveFontList";
+    LogMessage(1, "Entering %s", kName);
+    if (callback != nullptr) {
+        callback(context);
+        callback(context);  // hosts miss the first one
+    }
+    LogMessage(-1, "Exiting %s", kName);
+}
+
+void ResetForTesting() {
+    Globals().tracker.reset();
+    Globals() = State{};
+}
+
+}  // namespace MarquellGlobals

@@ -1,0 +1,90 @@
+// The process-wide state of the plug-in core: who the calling plug-in is, which host it runs in, the flags that gate
+// what users see, and the shared objects. Main thread throughout; nothing here is locked.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "FontActivationTracker.h"
+#include "HostApplication.h"
+#include "HostAppInterface.h"
+#include "VPFInterface.h"
+
+namespace MarquellGlobals {
+
+// ---- Identity: set once at start-up, lives to process end. Getters answer with an empty text for what is not set.
+
+/// Takes over who the plug-in is from its bundle identifier or path and the version that the host must begin with.
+/// `interfaceVersion` is asked for the version of the font manager's interface library when its turn comes.
+void SetUpPluginIdentity(const std::string& identifierOrPath, const std::string& versionPrefixRequired,
+                         const std::function<std::string()>& interfaceVersion);
+/// Sets the host application and with it the name of its window; no name takes the bundle identifier's instead.
+void SetHostApp(const std::optional<std::string>& name);
+
+std::string GetPluginBundleIdentifier();
+std::string GetPluginHostApp();
+std::string GetVersionPrefixRequired();
+std::string GetHostAppMinimumVersion();
+std::string GetPluginVersion();
+std::string GetPluginInterfaceVersion();
+std::string GetPluginPath();
+std::string GetHostWindowName();
+
+HostKind GetHostKind();
+bool HostAppIsInDesign();
+bool HostAppIsInCopy();
+bool HostAppIsIllustrator();
+bool HostAppIsPhotoshop();
+bool HostAppIsAfterEffects();
+bool HostAppIsSketch();
+std::string GetHostShortCode();
+
+// ---- State flags, all false at load.
+
+void SetPluginServicesEnabled(bool enable);
+void SetConnectedToCore(bool connected);
+void SetLoggedIn(bool loggedIn);
+void SetPluginFunctionalityEnabled(bool enable);
+void SetBulkReplicationRunning(bool isReplicating);
+void SetIncrementalReplicationRunning(bool isReplicating);
+
+bool ArePluginServicesEnabled();
+bool IsConnectedToCore();
+bool IsLoggedIn();
+bool IsPluginFunctionalityEnabled();
+bool IsBulkReplicationRunning();
+bool IsIncrementalReplicationRunning();
+/// Services enabled, logged in and functionality enabled.
+bool IsPluginFunctional();
+
+// ---- Shared objects, made on first use, living to process end.
+
+VPFInterface* GetSharedVPFInterface();
+FontActivationTracker* GetSharedFontActivationTracker();
+/// Null until one was set.
+HostAppInterface* GetSharedHostAppInterface();
+void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp);
+
+// ---- The host.
+
+/// Whether the host process is one that this plug-in serves. Sets `disableDialogs` in a process that is no host.
+bool RunningInCompatibleHostApp(bool& disableDialogs);
+/// The window that dialogs belong to, or null.
+void* GetHostAppMainWindow();
+/// The first top-level window whose title contains `topTitle` and, when `childTitle` is given, that has a window below
+/// it whose title contains this; else null. Titles are UTF-8.
+void* FindWindowWithMatchingTitle(const char* topTitle, const char* childTitle);
+
+// ---- Fonts.
+
+/// Hands the document's font usage to the font manager; true when it took it. `hint` may be null.
+bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint);
+/// Has the host refresh its font list: calls `callback` twice, unless it is null.
+void RefreshActiveFontList(void (*callback)(void*), void* context);
+
+/// Forgets everything, as if the library had just been loaded. For tests.
+void ResetForTesting();
+
+}  // namespace MarquellGlobals

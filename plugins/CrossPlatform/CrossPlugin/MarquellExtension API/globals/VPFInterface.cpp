@@ -1,0 +1,109 @@
+#include "VPFInterface.h"
+
+#include "TraceLog.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
+
+namespace {
+
+const char* OrNull(const std::optional<std::string>& text) { return text ? text->c_str() : "NULL"; }
+
+std::string FolderOfThisModule() {
+    static const char anchor = 0;
+    const std::string path = platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&anchor);
+    return path.substr(0, path.rfind(platform::kPathSeparator) + 1);
+}
+
+}  // namespace
+
+VPFInterface::VPFInterface(const Identity& identity) {
+    Identify(identity);
+    mState = BindFramework(identity);
+}
+
+VPFInterface::VPFInterface(const Identity& identity, VantorixPluginFramework* framework)
+    : mState(framework != nullptr ? kBound : kLibraryNotFound), mFramework(framework) {
+    Identify(identity);
+}
+
+VPFInterface::~VPFInterface() {
+    if (mFramework != nullptr)
+        mFramework->Release();
+}
+
+void VPFInterface::Identify(const Identity& identity) {
+    LogMessage(0,
+               "VPFInterface::VPFInterface(hostApp='%s', pluginVersion='%s', pluginBundleIdentifier='%s', "
+               "vantorixPluginInterfaceVersion='%s')",
+               OrNull(identity.hostApp), OrNull(identity.pluginVersion), OrNull(identity.pluginBundleIdentifier),
+               OrNull(identity.pluginInterfaceVersion));
+    mIdentification = cf::MutableDictionary();
+    if (identity.hostApp)
+        cf::Set(mIdentification, "HostApp", *identity.hostApp);
+    if (identity.pluginVersion)
+        cf::Set(mIdentification, "PluginVersion", *identity.pluginVersion);
+    if (identity.pluginInterfaceVersion)
+        cf::Set(mIdentification, "VantorixPluginInterfaceVersion", *identity.pluginInterfaceVersion);
+}
+
+VPFInterface::FrameworkState VPFInterface::BindFramework(const Identity& identity) {
+    if (!identity.pluginBundleIdentifier)
+        return kIdentityUnknown;
+    auto& libraries = platform::Current<platform::DynamicLibraries>();
+    mFrameworkPath = FolderOfThisModule() + platform::LibraryFileName("TarnwickPluginFramework");
+    platform::SystemError error;
+    const platform::LibraryHandle library = libraries.LoadFromPath(mFrameworkPath, error);
+    if (library == nullptr) {
+        LogMessage(0, "LoadLibraryA('%s') returned error code 0x%08x (%d)", mFrameworkPath.c_str(),
+                   static_cast<unsigned>(error.code), error.code);
+        mFrameworkPath.clear();
+        return kLibraryNotFound;
+    }
+    const auto create = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
+        libraries.FindSymbol(library, kCreateVantorixPluginFramework));
+    if (create != nullptr)
+        mFramework = create(VantorixPluginFramework::kInterfaceVersion, identity.pluginBundleIdentifier->c_str(),
+                            mIdentification.get());
+    if (mFramework == nullptr) {
+        LogMessage(0, "ERROR:  %s in '%s' gave no framework of version %d", kCreateVantorixPluginFramework,
+                   mFrameworkPath.c_str(), static_cast<int>(VantorixPluginFramework::kInterfaceVersion));
+        return kFactoryUnusable;
+    }
+    return mFramework->IsPreferenceStoreUsable() ? kBound : kPreferencesUnusable;
+}
+
+bool VPFInterface::GetBoolPreference(const char* key) {
+    return mFramework != nullptr && mFramework->GetBoolPreference(key);
+}
+
+int64_t VPFInterface::GetIntPreference(const char* key) {
+    return mFramework != nullptr ? mFramework->GetIntPreference(key) : 0;
+}
+
+bool VPFInterface::SetBoolPreference(const char* key, bool value) {
+    return mFramework != nullptr && mFramework->SetBoolPreference(key, value);
+}
+
+bool VPFInterface::SetIntPreference(const char* key, int64_t value) {
+    return mFramework != nullptr && mFramework->SetIntPreference(key, value);
+}
+
+bool VPFInterface::SetStringPreference(const char* key, const std::string& value) {
+    const CFRef<CFStringRef> text = cf::String(value);
+    return mFramework != nullptr && text && mFramework->SetStringPreference(key, text.get());
+}
+
+void VPFInterface::ShowMessageBox(MessageBoxStrings strings) {
+    if (mFramework != nullptr)
+        mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kOk);
+}
+
+bool VPFInterface::AskYesNo(MessageBoxStrings strings) {
+    return mFramework != nullptr &&
+           mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kYesNo) == 1;
+}
+
+void VPFInterface::SetParentWindowForUi(void* window) {
+    if (mFramework != nullptr)
+        mFramework->SetParentWindowForUi(window);
+}

@@ -1,0 +1,71 @@
+// The plug-in framework as the core uses it: preferences, localized strings, message boxes, dialogs.
+//
+// The framework is a library of its own, found beside the core at run time. Without it everything here still answers:
+// preferences read as 0 and empty, and questions get the answer of a user who is not there.
+#pragma once
+
+#include <CoreFoundation++/CFRef.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "FontManagerAccess.h"
+#include "MessageBoxIDs.h"
+#include "VantorixPluginFramework.h"
+
+class VPFInterface : public PreferenceAccess {
+public:
+    enum FrameworkState : int32_t {
+        kBound = 0,
+        kIdentityUnknown = 1,  ///< made before the plug-in said who it is
+        kLibraryNotFound = 2,
+        kFactoryUnusable = 3,  ///< no factory, or one of another version
+        kPreferencesUnusable = 4
+    };
+
+    /// Who the preferences are kept for. A value that is not known is left out.
+    struct Identity {
+        std::optional<std::string> hostApp;
+        std::optional<std::string> pluginVersion;
+        std::optional<std::string> pluginBundleIdentifier;
+        std::optional<std::string> pluginInterfaceVersion;
+    };
+
+    explicit VPFInterface(const Identity& identity);
+    /// For a framework that is bound already; it is released in the end. Null stands for a missing library.
+    VPFInterface(const Identity& identity, VantorixPluginFramework* framework);
+    ~VPFInterface() override;
+    VPFInterface(const VPFInterface&) = delete;
+    VPFInterface& operator=(const VPFInterface&) = delete;
+
+    bool IsValid() const { return true; }
+    FrameworkState GetFrameworkState() const { return mState; }
+    /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known. Not owned.
+    CFDictionaryRef Identification() const { return mIdentification.get(); }
+    /// Null unless the state is kBound or kPreferencesUnusable.
+    VantorixPluginFramework* Framework() const { return mFramework; }
+    /// Full path of the framework's library; empty when there is none.
+    const std::string& FrameworkPath() const { return mFrameworkPath; }
+
+    bool GetBoolPreference(const char* key) override;
+    int64_t GetIntPreference(const char* key);
+    bool SetBoolPreference(const char* key, bool value);
+    bool SetIntPreference(const char* key, int64_t value);
+    bool SetStringPreference(const char* key, const std::string& value);
+
+    /// Shows a message with one button.
+    void ShowMessageBox(MessageBoxStrings strings);
+    /// Shows a message with two buttons; true for the first.
+    bool AskYesNo(MessageBoxStrings strings);
+    void SetParentWindowForUi(void* window);
+
+private:
+    void Identify(const Identity& identity);
+    FrameworkState BindFramework(const Identity& identity);
+
+    FrameworkState mState = kBound;
+    std::string mFrameworkPath;
+    VantorixPluginFramework* mFramework = nullptr;  ///< released in the destructor
+    CFRef<CFMutableDictionaryRef> mIdentification;
+};

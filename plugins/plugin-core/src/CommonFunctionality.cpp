@@ -1,0 +1,63 @@
+#include "CommonFunctionality.h"
+
+#include "FontManagerInterface.h"
+#include "GeneralInterface.h"
+#include "MarquellGlobals.h"
+#include "TraceLog.h"
+
+namespace {
+
+int CountAlreadyActive(CFArrayRef fonts) {
+    int count = 0;
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+        const auto state = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_ActivationStateKey);
+        if (state && ActivationStateCountsAsActive(*state))
+            ++count;
+    }
+    return count;
+}
+
+}  // namespace
+
+ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
+                                                             OneTrackedDocument& record, CFArrayRef fonts) {
+    const auto trace = [&](int indentDelta) {
+        LogMessage(indentDelta, "%s(numFontsActivated=%d, filePath='%s', ...)",
+                   "CommonFunctionality::ActivateDocumentFontsSilently", numFontsActivated, filePath.c_str());
+    };
+    trace(1);
+    const ScopeExit exitLine([&] { trace(-1); });
+    numFontsActivated = 0;
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    if (!fontManager.IsUsable())
+        return CoreErrorCodes::kSuccess;
+
+    const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
+    const CFRef<CFMutableArrayRef> arrayB = cf::MutableArray();
+    const CFRef<CFMutableArrayRef> arrayA = cf::MutableArray();
+    if (!matchedFonts || !arrayB || !arrayA)
+        return CoreErrorCodes::kOutOfMemory;
+    const ErrorCode status = MarquellGlobals::GetSharedFontActivationTracker()->ActivateDocumentFonts(
+        record.Identifier(), filePath, matchedFonts.get(), {arrayB.get(), arrayA.get(), fonts});
+    numFontsActivated = static_cast<int>(cf::Count(matchedFonts.get())) - CountAlreadyActive(matchedFonts.get());
+    if (CoreAgentInterface* agent = fontManager.GetFontManager())
+        record.canExport = agent->CanExportFromWorkgroup(matchedFonts.get());
+    record.SetFontArrays(arrayA.get(), arrayB.get());
+    return status;
+}
+
+GeneralInterface* CommonFunctionality::SharedHostAppInterface() {
+    if (MarquellGlobals::GetSharedHostAppInterface() == nullptr)
+        MarquellGlobals::SetSharedHostAppInterface(std::make_unique<GeneralInterface>());
+    return dynamic_cast<GeneralInterface*>(MarquellGlobals::GetSharedHostAppInterface());
+}
+
+void CommonFunctionality::ShowNoWorkgroupMessage() {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    if (framework == nullptr)
+        return;
+    framework->ShowMessageBox(agent != nullptr && agent->IsRunningStandalone()
+                                  ? message_boxes::kNoWorkgroupStandalone
+                                  : message_boxes::kNoWorkgroup);
+}

@@ -1,0 +1,28 @@
+// What several exports share.
+#pragma once
+
+#include <string>
+
+#include "ErrorCodes.h"
+#include "OneTrackedDocument.h"
+
+class GeneralInterface;
+
+namespace CommonFunctionality {
+
+/// The common start-up, whose work is done on the first call alone. 0 when the host is compatible and the font manager
+/// was reached; all bits set when not, and on later calls; 2 without a preference interface.
+ErrorCode Startup(bool allowDialogs);
+
+/// Has the fonts of a document activated without a word to the user. `numFontsActivated` counts those that were made
+/// active. What the font manager reports is kept in the record.
+ErrorCode ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
+                                        OneTrackedDocument& record, CFArrayRef fonts);
+
+/// The host application's side, made on first use.
+GeneralInterface* SharedHostAppInterface();
+
+/// Tells the user that there is no workgroup to work in.
+void ShowNoWorkgroupMessage();
+
+}  // namespace CommonFunctionality

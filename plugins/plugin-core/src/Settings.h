@@ -1,0 +1,16 @@
+// The preferences as the exports show and take them.
+#pragma once
+
+#include <cstddef>
+
+#include "ErrorCodes.h"
+
+namespace Settings {
+
+/// Stores the default values, unless that was done before for this host application and plug-in.
+void RegisterDefaults();
+
+ErrorCode GetSettings(char* buffer, size_t bufferSize);
+ErrorCode SetPreference(const char* key, const char* value);
+
+}  // namespace Settings
