@@ -15,7 +15,7 @@ using namespace corefoundation;
 namespace {
 
 // One run of the XML parser. The document reaches it in pieces, and what it finds reaches the builder. No
-// tree is made and no entity is ever stored, so there is none to expand.
+// tree is made, and the first entity that is declared ends it, so there is none to expand.
 class Reader {
 public:
     explicit Reader(CFOptionFlags mutability);
@@ -24,7 +24,11 @@ public:
 
 private:
     struct FreeParser {
-        void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+        void operator()(xmlParserCtxt* parser) const {
+            xmlFreeDoc(
+                parser->myDoc);  // the parser made one of its own if it met an entity, and leaves it to us
+            xmlFreeParserCtxt(parser);
+        }
     };
 
     static xmlSAXHandler Handlers();
@@ -116,8 +120,8 @@ CFRef<CFTypeRef> Reader::Read(std::span<const UInt8> document) {
     if (mError.empty()) {
         xmlParseChunk(mParser.get(), nullptr, 0, 1);
     }
-    if (!mError.empty()) {
-        throw PropertyListError(mError);
+    if (!mError.empty() || mParser->wellFormed == 0) {
+        throw PropertyListError(!mError.empty() ? mError : "invalid XML");
     }
     return mBuilder.Finish();
 }
