@@ -32,7 +32,6 @@ private:
     };
 
     static xmlSAXHandler Handlers();
-    static void RefuseEntity(void* reader);
     void Fail(const std::string& message, int line);
     // Runs a step of the builder on behalf of the parser, which no exception may cross.
     template <class Step>
@@ -66,12 +65,6 @@ void Reader::Run(void* reader, Step&& step) {
     }
 }
 
-void Reader::RefuseEntity(void* reader) {
-    Run(reader, [](PropertyListBuilder&) {
-        throw PropertyListError("a property list cannot declare or use entities of its own");
-    });
-}
-
 xmlSAXHandler Reader::Handlers() {
     xmlSAXHandler handlers{};
     handlers.initialized = XML_SAX2_MAGIC;
@@ -88,9 +81,10 @@ xmlSAXHandler Reader::Handlers() {
     handlers.ignorableWhitespace = handlers.characters;
     handlers.cdataBlock = handlers.characters;
     handlers.entityDecl = [](void* reader, const xmlChar*, int, const xmlChar*, const xmlChar*, xmlChar*) {
-        RefuseEntity(reader);
+        Run(reader, [](PropertyListBuilder&) {
+            throw PropertyListError("a property list cannot declare entities of its own");
+        });
     };
-    handlers.reference = [](void* reader, const xmlChar*) { RefuseEntity(reader); };
     // auto, since versions of the library differ in whether the error is const.
     handlers.serror = [](void* reader, auto* error) {
         if (error->level >= XML_ERR_ERROR) {
