@@ -108,8 +108,8 @@ Converted<Target> Convert(double value) {
         if (std::trunc(value) < static_cast<double>(Limits::min())) {
             return {Limits::min(), false};
         }
-        // One above the largest value is a power of two and so exact as a double, unlike the value itself.
-        if (value >= static_cast<double>(Limits::max() / 2 + 1) * 2) {
+        // Either exact, or rounded up to the power of two that is one above the largest value.
+        if (value >= static_cast<double>(Limits::max()) + 1) {
             return {Limits::max(), false};
         }
         return {static_cast<Target>(value), std::trunc(value) == value};

@@ -1,0 +1,108 @@
+#include "CoreFoundation/CFNumber.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "CoreFoundation++/CFRef.h"
+
+namespace {
+
+template <class T>
+struct Reading {
+    bool isExact;
+    T value;
+    bool operator==(const Reading&) const = default;
+};
+
+template <class T>
+Reading<T> Read(const CFRef<CFNumberRef>& number, CFNumberType type) {
+    T value{};
+    const bool isExact = CFNumberGetValue(number.get(), type, &value);
+    return {isExact, value};
+}
+
+constexpr int64_t kLowest = std::numeric_limits<int64_t>::min();
+constexpr int64_t kHighest = std::numeric_limits<int64_t>::max();
+
+template <class T>
+void ExpectRoundTrip(CFNumberType type, CFNumberType stored) {
+    for (const T value : {std::numeric_limits<T>::lowest(), T{0}, std::numeric_limits<T>::max()}) {
+        const auto number = AdoptCF(CFNumberCreate(nullptr, type, &value));
+        EXPECT_EQ(CFNumberGetType(number.get()), stored);
+        EXPECT_EQ(CFNumberGetByteSize(number.get()), static_cast<CFIndex>(sizeof(T)));
+        EXPECT_EQ(Read<T>(number, type), (Reading<T>{true, value})) << type;
+    }
+}
+
+TEST(CFNumber, EveryTypeReturnsWhatItWasGiven) {
+    constexpr auto kLongStored = sizeof(long) == 8 ? kCFNumberSInt64Type : kCFNumberSInt32Type;
+    ExpectRoundTrip<int8_t>(kCFNumberSInt8Type, kCFNumberSInt8Type);
+    ExpectRoundTrip<int16_t>(kCFNumberSInt16Type, kCFNumberSInt16Type);
+    ExpectRoundTrip<int32_t>(kCFNumberSInt32Type, kCFNumberSInt32Type);
+    ExpectRoundTrip<int64_t>(kCFNumberSInt64Type, kCFNumberSInt64Type);
+    ExpectRoundTrip<float>(kCFNumberFloat32Type, kCFNumberFloat32Type);
+    ExpectRoundTrip<double>(kCFNumberFloat64Type, kCFNumberFloat64Type);
+    ExpectRoundTrip<signed char>(kCFNumberCharType, kCFNumberSInt8Type);
+    ExpectRoundTrip<short>(kCFNumberShortType, kCFNumberSInt16Type);
+    ExpectRoundTrip<int>(kCFNumberIntType, kCFNumberSInt32Type);
+    ExpectRoundTrip<long>(kCFNumberLongType, kLongStored);
+    ExpectRoundTrip<long long>(kCFNumberLongLongType, kCFNumberSInt64Type);
+    ExpectRoundTrip<float>(kCFNumberFloatType, kCFNumberFloat32Type);
+    ExpectRoundTrip<double>(kCFNumberDoubleType, kCFNumberFloat64Type);
+    ExpectRoundTrip<CFIndex>(kCFNumberCFIndexType, kCFNumberSInt64Type);
+    ExpectRoundTrip<double>(kCFNumberCGFloatType, kCFNumberFloat64Type);
+}
+
+TEST(CFNumber, LossyReadingsSaySoAndGiveTheNearestValue) {
+    EXPECT_EQ(Read<int8_t>(cf::Number(-129), kCFNumberSInt8Type), (Reading<int8_t>{false, -128}));
+    EXPECT_EQ(Read<int32_t>(cf::Number(kHighest), kCFNumberSInt32Type),
+              (Reading<int32_t>{false, 2147483647}));
+    EXPECT_EQ(Read<int32_t>(cf::RealNumber(-2.75), kCFNumberSInt32Type), (Reading<int32_t>{false, -2}));
+    EXPECT_EQ(Read<int8_t>(cf::RealNumber(-128.5), kCFNumberSInt8Type), (Reading<int8_t>{false, -128}));
+    EXPECT_EQ(Read<int64_t>(cf::RealNumber(std::ldexp(1, 63)), kCFNumberSInt64Type),
+              (Reading<int64_t>{false, kHighest}));
+    EXPECT_EQ(Read<int64_t>(cf::RealNumber(-std::ldexp(1, 63)), kCFNumberSInt64Type),
+              (Reading<int64_t>{true, kLowest}));
+    EXPECT_EQ(Read<int64_t>(cf::RealNumber(-INFINITY), kCFNumberSInt64Type),
+              (Reading<int64_t>{false, kLowest}));
+    EXPECT_EQ(Read<int32_t>(cf::RealNumber(NAN), kCFNumberSInt32Type), (Reading<int32_t>{false, 0}));
+    EXPECT_EQ(Read<double>(cf::Number(kHighest), kCFNumberDoubleType),
+              (Reading<double>{false, std::ldexp(1, 63)}));
+    EXPECT_EQ(Read<double>(cf::Number(int64_t{1} << 53), kCFNumberDoubleType),
+              (Reading<double>{true, 0x1p53}));
+    EXPECT_EQ(Read<float>(cf::RealNumber(-1e300), kCFNumberFloatType),
+              (Reading<float>{false, std::numeric_limits<float>::lowest()}));
+    EXPECT_EQ(Read<float>(cf::RealNumber(0.1), kCFNumberFloatType), (Reading<float>{false, 0.1F}));
+    EXPECT_EQ(Read<float>(cf::RealNumber(INFINITY), kCFNumberFloatType), (Reading<float>{true, INFINITY}));
+}
+
+TEST(CFNumber, OrdersByExactValueAcrossTypes) {
+    const auto compare = [](const CFRef<CFNumberRef>& left, const CFRef<CFNumberRef>& right) {
+        EXPECT_EQ(CFNumberCompare(left.get(), right.get(), nullptr),
+                  -CFNumberCompare(right.get(), left.get(), nullptr));
+        return CFNumberCompare(left.get(), right.get(), nullptr);
+    };
+    EXPECT_EQ(compare(cf::Number(2), cf::RealNumber(2.5)), kCFCompareLessThan);
+    EXPECT_EQ(compare(cf::Number(-2), cf::RealNumber(-2.5)), kCFCompareGreaterThan);
+    EXPECT_EQ(compare(cf::Number(kHighest), cf::RealNumber(std::ldexp(1, 63))), kCFCompareLessThan);
+    EXPECT_EQ(compare(cf::Number(kLowest), cf::RealNumber(-std::ldexp(1, 63))), kCFCompareEqualTo);
+    EXPECT_EQ(compare(cf::Number(0), cf::RealNumber(-INFINITY)), kCFCompareGreaterThan);
+    EXPECT_EQ(compare(cf::RealNumber(NAN), cf::Number(kLowest)), kCFCompareLessThan);
+    EXPECT_EQ(compare(cf::RealNumber(NAN), cf::RealNumber(NAN)), kCFCompareEqualTo);
+
+    const auto whole = cf::Number(3);
+    const auto real = cf::RealNumber(3);
+    EXPECT_TRUE(CFEqual(whole.get(), real.get()));
+    EXPECT_EQ(CFHash(whole.get()), CFHash(real.get()));
+    EXPECT_EQ(CFHash(cf::RealNumber(-0.0).get()), CFHash(cf::Number(0).get()));
+}
+
+TEST(CFBoolean, HasTwoValues) {
+    EXPECT_TRUE(CFBooleanGetValue(kCFBooleanTrue));
+    EXPECT_FALSE(CFBooleanGetValue(kCFBooleanFalse));
+    EXPECT_FALSE(CFEqual(kCFBooleanTrue, kCFBooleanFalse));
+}
+
+}  // namespace

@@ -1,0 +1,231 @@
+#include "CoreFoundation/CFPropertyList.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "CoreFoundation++/CFRef.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+struct Outcome {
+    CFRef<CFTypeRef> list;
+    std::string error;
+};
+
+Outcome ReadDocument(const std::string& xml, CFOptionFlags mutability = kCFPropertyListImmutable) {
+    const auto data = AdoptCF(
+        CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(xml.data()), static_cast<CFIndex>(xml.size())));
+    CFStringRef error = nullptr;
+    auto list = AdoptCF(CFPropertyListCreateFromXMLData(nullptr, data.get(), mutability, &error));
+    return {std::move(list), cf::ToUtf8(AdoptCF(error).get())};
+}
+
+Outcome ReadValue(const std::string& value) {
+    return ReadDocument("<plist version=\"1.0\">\n" + value + "\n</plist>");
+}
+
+std::string Write(CFTypeRef list) {
+    const auto data = AdoptCF(CFPropertyListCreateXMLData(nullptr, list));
+    if (!data) {
+        return "";
+    }
+    return {CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get())};
+}
+
+std::string Repeated(size_t count, const std::string& text) {
+    std::string result;
+    for (size_t i = 0; i < count; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+CFRef<CFMutableDictionaryRef> SampleList() {
+    const auto bytes = AdoptCF(CFDataCreateMutable(nullptr, 0));
+    for (int i = 0; i < 256; ++i) {
+        const auto byte = static_cast<UInt8>(i);
+        CFDataAppendBytes(bytes.get(), &byte, 1);
+    }
+    const auto array = cf::MutableArray();
+    cf::Append(array, INT64_MIN);
+    cf::Append(array, INT64_MAX);
+    cf::Append(array, 0.1);
+    cf::Append(array, -INFINITY);
+    cf::Append(array, cf::MutableDictionary());
+    const auto dictionary = cf::MutableDictionary();
+    cf::Set(dictionary, "text", "a < b && \"c\" > 'd'\r\n\t\u4E2D\U0001F600 ]]>");
+    cf::Set(dictionary, "", "");
+    cf::Set(dictionary, "bytes", bytes);
+    cf::Set(dictionary, "yes", true);
+    cf::Set(dictionary, "no", false);
+    cf::Set(dictionary, "array", array);
+    return dictionary;
+}
+
+TEST(CFPropertyList, WhatIsWrittenReadsBackEqual) {
+    const auto list = SampleList();
+    const std::string xml = Write(list.get());
+    const auto [copy, error] = ReadDocument(xml);
+    ASSERT_TRUE(copy) << error;
+    EXPECT_TRUE(CFEqual(copy.get(), list.get()));
+    EXPECT_EQ(Write(copy.get()), xml);
+}
+
+TEST(CFPropertyList, WritesTheUsualForm) {
+    const auto dictionary = cf::MutableDictionary();
+    const auto array = cf::MutableArray();
+    cf::Append(array, 5);
+    cf::Append(array, AdoptCF(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("ab"), 2)));
+    cf::Set(dictionary, "A&B", array);
+    EXPECT_EQ(Write(dictionary.get()),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+              "<plist version=\"1.0\">\n"
+              "<dict>\n\t<key>A&amp;B</key>\n\t<array>\n\t\t<integer>5</integer>\n"
+              "\t\t<data>\n\t\tYWI=\n\t\t</data>\n\t</array>\n</dict>\n</plist>\n");
+}
+
+TEST(CFPropertyList, ReadsWhatOtherProgramsWrite) {
+    EXPECT_EQ(cf::ToInt64(ReadValue("<integer> -0x1F </integer>").list.get()), -31);
+    EXPECT_EQ(cf::ToInt64(ReadValue("<integer>+7</integer>").list.get()), 7);
+    EXPECT_EQ(cf::ToDouble(ReadValue("<real>+1.5e3</real>").list.get()), 1500);
+    EXPECT_TRUE(std::isnan(*cf::ToDouble(ReadValue("<real>nan</real>").list.get())));
+    const auto text = ReadValue("<!-- c --><string>a<![CDATA[<b>]]>&#x4E2D;<!-- c -->&lt;</string><?pi?>");
+    EXPECT_EQ(cf::ToUtf8(cf::As<CFStringRef>(text.list.get())), "a<b>\u4E2D<") << text.error;
+    const auto data = ReadValue("<data>\n\t\tQU JD\n\tRA==\n</data>");
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(CFCopyDescription(data.list.get())).get()), "<41424344>");
+
+    const auto utf16 = AdoptCF(
+        CFStringCreateWithCString(nullptr, "<plist><string>\u00E9</string></plist>", kCFStringEncodingUTF8));
+    std::string bytes(200, '\0');
+    CFIndex used = 0;
+    CFStringGetBytes(utf16.get(), CFRangeMake(0, CFStringGetLength(utf16.get())), kCFStringEncodingUTF16, 0,
+                     true, reinterpret_cast<UInt8*>(bytes.data()), 200, &used);
+    bytes.resize(static_cast<size_t>(used));
+    EXPECT_EQ(cf::ToUtf8(cf::As<CFStringRef>(ReadDocument(bytes).list.get())), "\u00E9");
+}
+
+TEST(CFPropertyList, LargeDocumentsArriveWhole) {
+    const std::string text(11U << 20, 'x');  // more than the XML parser takes in one piece
+    const auto [list, error] = ReadValue("<array><string>" + text + "</string>" +
+                                         Repeated(50000, "<string>name</string>\n") + "</array>");
+    ASSERT_TRUE(list) << error;
+    EXPECT_EQ(cf::Count(cf::As<CFArrayRef>(list.get())), 50001);
+    EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(cf::As<CFArrayRef>(list.get()), 0)), text);
+    EXPECT_THAT(ReadDocument(std::string((64U << 20) + 1, ' ')).error, HasSubstr("larger than 64 MiB"));
+}
+
+TEST(CFPropertyList, MutabilityIsAsAskedFor) {
+    const std::string xml = "<plist><array><data>QUJD</data></array></plist>";
+    const auto containers = ReadDocument(xml, kCFPropertyListMutableContainers);
+    cf::Append(static_cast<CFMutableArrayRef>(const_cast<void*>(containers.list.get())), 1);
+    EXPECT_EQ(cf::Count(cf::As<CFArrayRef>(containers.list.get())), 2);
+
+    const auto leaves = ReadDocument(xml, kCFPropertyListMutableContainersAndLeaves);
+    const auto data = cf::Get<CFDataRef>(cf::As<CFArrayRef>(leaves.list.get()), 0);
+    CFDataAppendBytes(const_cast<CFMutableDataRef>(data), CFDataGetBytePtr(data), 1);
+    EXPECT_EQ(CFDataGetLength(data), 4);
+
+    const auto fixed = ReadDocument(xml);
+    EXPECT_EQ(AdoptCF(CFArrayCreateCopy(nullptr, cf::As<CFArrayRef>(fixed.list.get()))).get(),
+              fixed.list.get());
+}
+
+TEST(CFPropertyList, ErrorsNameTheLineAndTheFault) {
+    const auto expectError = [](const std::string& value, const std::string& fault) {
+        const auto [list, error] = ReadValue(value);
+        EXPECT_FALSE(list) << value;
+        EXPECT_THAT(error, HasSubstr(fault)) << value;
+        EXPECT_THAT(error, testing::StartsWith("line 2: ")) << value;
+    };
+    expectError("<dict><string/></dict>", "<string> has no <key> before it");
+    expectError("<dict><key>a</key></dict>", "\"a\" has no value");
+    expectError("<dict><key>a</key><key>b</key></dict>", "<key> stands where a value must be");
+    expectError("<array><key>a</key></array>", "<key> stands where a value must be");
+    expectError("<array>loose</array>", "<array> cannot hold text");
+    expectError("<true>1</true>", "<true> cannot hold text");
+    expectError("<string><true/></string>", "<true> cannot stand inside <string>");
+    expectError("<font/>", "<font> is no element of a property list");
+    expectError("<true/><true/>", "more than one value");
+    expectError("<date>2020-01-01T00:00:00Z</date>", "<date> is not supported");
+    expectError("<integer>9223372036854775808</integer>", "no integer of 64 bits");
+    expectError("<integer>1 2</integer>", "no integer of 64 bits");
+    expectError("<integer/>", "no integer of 64 bits");
+    expectError("<real>1,5</real>", "no real number");
+    expectError("<string>\x01</string>", "Char");
+    expectError("<string></array>", "mismatch");
+    for (const char* base64 : {"QUJ", "QU=D", "Q===", "QU*D", "====", "QUJDRA"}) {
+        expectError(std::string("<data>") + base64 + "</data>", "valid base64");
+    }
+}
+
+TEST(CFPropertyList, DocumentsThatAreNoPropertyListsAreRefused) {
+    EXPECT_FALSE(ReadDocument("").list);
+    EXPECT_FALSE(ReadDocument("<plist>").list);
+    EXPECT_FALSE(ReadDocument("<plist><true/></plist>trailing").list);
+    EXPECT_THAT(ReadDocument("<plist/>").error, HasSubstr("holds no value"));
+    EXPECT_THAT(ReadDocument("<dict/>").error, HasSubstr("outermost"));
+    EXPECT_THAT(ReadValue("<plist><true/></plist>").error, HasSubstr("outermost"));
+    EXPECT_THAT(ReadDocument("bplist00\xD0").error, HasSubstr("binary"));
+    const auto good = ReadValue("<true/>");
+    EXPECT_EQ(good.list.get(), kCFBooleanTrue);
+    EXPECT_EQ(good.error, "");
+}
+
+TEST(CFPropertyList, EntitiesAreNeitherExpandedNorFetched) {
+    std::string laughs = "<!DOCTYPE plist [<!ENTITY a \"ha\">";
+    for (char name = 'b'; name < 'm'; ++name) {
+        const std::string inner = std::string("&") + static_cast<char>(name - 1) + ";";
+        laughs += std::string("<!ENTITY ") + name + " \"" + Repeated(10, inner) + "\">";
+    }
+    laughs += "]><plist><string>&l;</string></plist>";
+    EXPECT_THAT(ReadDocument(laughs).error, HasSubstr("entities"));
+
+    const auto file =
+        std::filesystem::temp_directory_path() /
+        cf::ToUtf8(AdoptCF(CFUUIDCreateString(nullptr, AdoptCF(CFUUIDCreate(nullptr)).get())).get());
+    std::ofstream(file) << "secret <!ENTITY e 'secret'>";
+    const std::string url = "\"file://" + file.string() + "\"";
+    for (const std::string& xml :
+         {"<!DOCTYPE plist [<!ENTITY e SYSTEM " + url + ">]><plist><string>&e;</string></plist>",
+          "<!DOCTYPE plist [<!ENTITY % p SYSTEM " + url + "> %p;]><plist><string>&e;</string></plist>",
+          "<!DOCTYPE plist SYSTEM " + url + "><plist><string>&e;</string></plist>",
+          std::string("<plist><string>&e;</string></plist>")}) {
+        const auto [list, error] = ReadDocument(xml);
+        EXPECT_FALSE(list) << xml;
+        EXPECT_THAT(error, testing::Not(HasSubstr("secret"))) << xml;
+    }
+    std::filesystem::remove(file);
+}
+
+TEST(CFPropertyList, NestingIsLimitedAlikeInBothDirections) {
+    const auto nested = [](size_t depth) { return Repeated(depth, "<array>") + Repeated(depth, "</array>"); };
+    const auto deepest = ReadValue(nested(128));
+    ASSERT_TRUE(deepest.list) << deepest.error;
+    EXPECT_NE(Write(deepest.list.get()), "");
+    const auto deeper = cf::MutableArray();
+    cf::Append(deeper, deepest.list);
+    EXPECT_EQ(Write(deeper.get()), "");
+    EXPECT_THAT(ReadValue(nested(129)).error, HasSubstr("nested too deeply"));
+    EXPECT_FALSE(ReadValue(nested(1000000)).list);
+}
+
+TEST(CFPropertyList, OtherObjectsAndCharactersAreNotWritten) {
+    EXPECT_EQ(Write(kCFNull), "");
+    EXPECT_EQ(Write(AdoptCF(CFUUIDCreate(nullptr)).get()), "");
+    EXPECT_EQ(Write(cf::String("bell \a").get()), "");
+    EXPECT_EQ(Write(cf::String("\uFFFE").get()), "");
+    const auto dictionary = cf::MutableDictionary();
+    CFDictionarySetValue(dictionary.get(), cf::Number(1).get(), kCFBooleanTrue);
+    EXPECT_EQ(Write(dictionary.get()), "");
+}
+
+}  // namespace
