@@ -5,10 +5,8 @@
 #include "MarquellGlobals.h"
 #include "TraceLog.h"
 
-namespace {
-
-int CountAlreadyActive(CFArrayRef fonts) {
-    int count = 0;
+CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
+    CFIndex count = 0;
     for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
         const auto state = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_ActivationStateKey);
         if (state && ActivationStateCountsAsActive(*state))
@@ -16,8 +14,6 @@ int CountAlreadyActive(CFArrayRef fonts) {
     }
     return count;
 }
-
-}  // namespace
 
 ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
                                                              OneTrackedDocument& record, CFArrayRef fonts) {
@@ -39,7 +35,7 @@ ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActiva
         return CoreErrorCodes::kOutOfMemory;
     const ErrorCode status = MarquellGlobals::GetSharedFontActivationTracker()->ActivateDocumentFonts(
         record.Identifier(), filePath, matchedFonts.get(), {arrayB.get(), arrayA.get(), fonts});
-    numFontsActivated = static_cast<int>(cf::Count(matchedFonts.get())) - CountAlreadyActive(matchedFonts.get());
+    numFontsActivated = static_cast<int>(cf::Count(matchedFonts.get()) - CountActiveFonts(matchedFonts.get()));
     if (CoreAgentInterface* agent = fontManager.GetFontManager())
         record.canExport = agent->CanExportFromWorkgroup(matchedFonts.get());
     record.SetFontArrays(arrayA.get(), arrayB.get());
@@ -60,4 +56,11 @@ void CommonFunctionality::ShowNoWorkgroupMessage() {
     framework->ShowMessageBox(agent != nullptr && agent->IsRunningStandalone()
                                   ? message_boxes::kNoWorkgroupStandalone
                                   : message_boxes::kNoWorkgroup);
+}
+
+void CommonFunctionality::ShowNotLoggedInMessage() {
+    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface()) {
+        MarquellGlobals::SetLoggedIn(false);
+        framework->ShowMessageBox(message_boxes::kNotLoggedIn);
+    }
 }

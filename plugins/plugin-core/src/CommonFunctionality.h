@@ -19,8 +19,14 @@ ErrorCode Startup(bool allowDialogs);
 ErrorCode ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
                                         OneTrackedDocument& record, CFArrayRef fonts);
 
+/// How many of the font records say that their font is active.
+CFIndex CountActiveFonts(CFArrayRef fonts);
+
 /// The host application's side, made on first use.
 GeneralInterface* SharedHostAppInterface();
+
+/// Tells the user that nobody is logged in, and notes it.
+void ShowNotLoggedInMessage();
 
 /// Tells the user that there is no workgroup to work in.
 void ShowNoWorkgroupMessage();

@@ -8,6 +8,7 @@
 #include "AllTrackedDocuments.h"
 #include "CommonFunctionality.h"
 #include "FontListJSON.h"
+#include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "GFile.h"
 #include "MarquellGlobals.h"
@@ -70,16 +71,6 @@ bool HandOverFonts(const std::string& path, const OneTrackedDocument& record, co
 /// The file was written since the host last told of it.
 bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& record) {
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
-}
-
-/// Counts the font records whose state says that they are active.
-uint32_t CountActive(CFArrayRef fonts) {
-    uint32_t count = 0;
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        const auto state = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_ActivationStateKey);
-        count += state && ActivationStateCountsAsActive(*state) ? 1 : 0;
-    }
-    return count;
 }
 
 }  // namespace
@@ -208,12 +199,12 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     if (!fontsJSON.empty() &&
         AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
         return result = CoreErrorCodes::kInvalidParam;
-    const uint32_t alreadyActive = CountActive(fonts.get());
+    const CFIndex alreadyActive = CommonFunctionality::CountActiveFonts(fonts.get());
     if (record)
         result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(record->Identifier(),
                                                                                      fonts.get(), *outCount);
     if (result == CoreErrorCodes::kUnknownError) {
-        const int64_t missing = int64_t{cf::Count(fonts.get())} - alreadyActive - *outCount;
+        const CFIndex missing = cf::Count(fonts.get()) - alreadyActive - CFIndex{*outCount};
         result = missing > 0 ? CoreErrorCodes::kNotFound : CoreErrorCodes::kSuccess;
     }
     return result;

@@ -1,7 +1,16 @@
+#include "Startup.h"
+
+#include <string>
+
+#include "AgentLauncher.h"
 #include "CommonFunctionality.h"
 #include "FontManagerInterface.h"
 #include "GMutex.h"
+#include "GeneralInterface.h"
 #include "MarquellGlobals.h"
+#include "PluginIdentity.h"
+#include "Settings.h"
+#include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/Windowing.h"
 
@@ -109,7 +118,78 @@ ErrorCode DoStartup(bool allowDialogs) {
     return result;
 }
 
+/// The agent is gone: nothing can be offered until it is back.
+ErrorCode ReportAgentMissing(bool showMessage) {
+    DisableServices();
+    if (showMessage)
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kAgentNotRunning);
+    return CoreErrorCodes::kUnknownError;
+}
+
+/// The agent runs and the user is logged in: everything is available again.
+ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled) {
+    MarquellGlobals::SetLoggedIn(true);
+    MarquellGlobals::SetPluginServicesEnabled(true);
+    MarquellGlobals::SetConnectedToCore(true);
+    if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
+        hostApp->Refresh(true, true);
+    isEnabled = agent.IsRunningStandalone() || FontManagerInterface::GetSharedInstance().IsWorkgroupAvailable();
+    if (isEnabled)
+        return CoreErrorCodes::kSuccess;
+    if (allowDialogs)
+        CommonFunctionality::ShowNoWorkgroupMessage();
+    return CoreErrorCodes::kUnknownError;
+}
+
+/// The version of the font manager's interface library, which is loaded for it.
+std::string LoadedInterfaceVersion() {
+    return cf::ToUtf8(AdoptCF(VPILoader::GetSharedInstance()->VersionStringRef()).get());
+}
+
 }  // namespace
+
+ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* versionPrefixRequired) {
+    constexpr char kOldHostName[] = "AfterEffectsCC2015";
+    constexpr char kItsIdentifier[] = "com.vantorix.AutoActivationPlugin.AE13";
+    const std::string prefix = versionPrefixRequired != nullptr ? versionPrefixRequired : "";
+    std::string identifier = pluginIdentifier != nullptr ? pluginIdentifier : "";
+    const bool allowDialogs =
+        !prefix.empty() || !GetFileVersionString(identifier, "HostAppMinimumVersion").empty();
+    if (identifier == kOldHostName) {
+        LogMessage(0, "Translating '%s' into '%s' to support older plugins.", OrNull(pluginIdentifier),
+                   kItsIdentifier);
+        identifier = kItsIdentifier;
+    }
+    if (pluginIdentifier == nullptr || versionPrefixRequired == nullptr || !IsValidUtf8(identifier) ||
+        !IsValidUtf8(prefix))
+        return CoreErrorCodes::kInvalidParam;
+    MarquellGlobals::SetUpPluginIdentity(identifier, prefix, LoadedInterfaceVersion);
+    Settings::RegisterDefaults();
+    return CommonFunctionality::Startup(allowDialogs);
+}
+
+ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
+    isEnabled = false;
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    if (framework == nullptr || !framework->GetBoolPreference("EnablePlugin"))
+        return CoreErrorCodes::kUnknownError;
+    const bool wasFunctional = MarquellGlobals::IsPluginFunctional();
+    const bool wasLoggedIn = MarquellGlobals::IsLoggedIn();
+    if (wasLoggedIn && wasFunctional) {
+        isEnabled = true;
+        return CoreErrorCodes::kSuccess;
+    }
+    CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    std::string agentFolder;
+    if (agent == nullptr || AgentLauncher::GetPathToRunningProcessExe("Pellwick", agentFolder) != 0)
+        return ReportAgentMissing(allowDialogs && wasFunctional);
+    if (agent->IsLoggedIn())
+        return Reenable(*agent, allowDialogs, isEnabled);
+    MarquellGlobals::SetLoggedIn(false);
+    if (allowDialogs && wasLoggedIn)
+        CommonFunctionality::ShowNotLoggedInMessage();
+    return CoreErrorCodes::kUnknownError;
+}
 
 ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
     static GMutex startupLock;

@@ -1,0 +1,233 @@
+// The exports: thin shells that check pointers, keep exceptions in, and call inward.
+
+#include "PluginCoreInterface.h"
+
+#include <exception>
+#include <new>
+#include <string>
+
+#include "CommonFunctionality.h"
+#include "DocumentEvents.h"
+#include "FontManagerInterface.h"
+#include "GeneralInterface.h"
+#include "MarquellGlobals.h"
+#include "Settings.h"
+#include "Startup.h"
+#include "StringConversion.h"
+#include "TraceLog.h"
+
+static_assert(PLUGINCORE_INVALID_PARAM == CoreErrorCodes::kInvalidParam);
+static_assert(PLUGINCORE_NULL_POINTER == CoreErrorCodes::kNullPointer);
+static_assert(PLUGINCORE_OUT_OF_MEMORY == CoreErrorCodes::kOutOfMemory);
+static_assert(PLUGINCORE_NOT_FOUND == CoreErrorCodes::kNotFound);
+static_assert(PLUGINCORE_NOT_IMPLEMENTED == CoreErrorCodes::kNotImplemented);
+static_assert(PLUGINCORE_INDEX_OUT_OF_RANGE == CoreErrorCodes::kIndexOutOfRange);
+static_assert(PLUGINCORE_NOT_INITIALIZED == CoreErrorCodes::kNotInitialized);
+static_assert(PLUGINCORE_UNKNOWN_ERROR == CoreErrorCodes::kUnknownError);
+
+namespace {
+
+/// Runs an export's body; an exception becomes a code and a log line.
+template <class Body>
+uint32_t Guarded(const char* name, Body&& body) noexcept {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        LogMessage(0, "Exception thrown in %s(): out of memory", name);
+        return CoreErrorCodes::kOutOfMemory;
+    } catch (const std::exception& exception) {
+        LogMessage(0, "Exception thrown in %s(): %s", name, exception.what());
+    } catch (...) {
+        LogMessage(0, "Exception thrown in %s()", name);
+    }
+    return CoreErrorCodes::kUnknownError;
+}
+
+template <class... Pointers>
+bool AnyNull(Pointers... pointers) {
+    return ((pointers == nullptr) || ...);
+}
+
+std::string TextOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+}  // namespace
+
+// ---- Life cycle
+
+uint32_t InitializePluginCoreInterface(const char* pluginIdentifier, const char* versionPrefixRequired) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return InitializeFromIdentifier(pluginIdentifier, versionPrefixRequired);
+    });
+}
+
+uint32_t TerminatePluginCoreInterface() {
+    Guarded(__func__, []() -> uint32_t {
+        DocumentEvents::CloseAllDocuments();
+        FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
+        return 0;
+    });
+    return CoreErrorCodes::kSuccess;
+}
+
+uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersion) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        if (version == nullptr)
+            return CoreErrorCodes::kInvalidParam;
+        *version = PLUGINCORE_INTERFACE_VERSION;
+        if (requestedVersion == 0 || requestedVersion == PLUGINCORE_INTERFACE_VERSION)
+            return CoreErrorCodes::kSuccess;
+        if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
+            framework->ShowMessageBox(message_boxes::kFontManagerUnreachable);
+        return CoreErrorCodes::kNotImplemented;
+    });
+}
+
+uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return isEnabled != nullptr ? CheckPluginIsEnabled(allowDialogs, *isEnabled) : CoreErrorCodes::kInvalidParam;
+    });
+}
+
+uint32_t IdleEvent() { return CoreErrorCodes::kSuccess; }
+
+void ShouldShowLogin(bool* showLogin) {
+    Guarded(__func__, [&]() -> uint32_t {
+        if (showLogin != nullptr)
+            *showLogin = !FontManagerInterface::GetSharedInstance().IsLoggedIn();
+        return 0;
+    });
+}
+
+uint32_t ShowNotLoggedInMessageBox() {
+    Guarded(__func__, []() -> uint32_t {
+        CommonFunctionality::ShowNotLoggedInMessage();
+        return 0;
+    });
+    return CoreErrorCodes::kSuccess;
+}
+
+void SetRebuildWorkgroupsMenuCallback(void (*callback)()) {
+    Guarded(__func__, [&]() -> uint32_t {
+        if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
+            hostApp->SetRebuildWorkgroupsMenuCallback(callback);
+        return 0;
+    });
+}
+
+// ---- Panels
+
+uint32_t GetSocketPort(uint32_t* port) {
+    if (port == nullptr)
+        return CoreErrorCodes::kInvalidParam;
+    *port = 0;  // HTML panels have no socket
+    return CoreErrorCodes::kSuccess;
+}
+
+uint32_t RegisterPlugPlug(void* plugPlug) {
+    return plugPlug != nullptr ? CoreErrorCodes::kNotImplemented : CoreErrorCodes::kNullPointer;
+}
+
+uint32_t TryRegisterPlugPlug(void* plugPlug) {
+    return plugPlug != nullptr ? CoreErrorCodes::kNotInitialized : CoreErrorCodes::kNullPointer;
+}
+
+uint32_t ProcessPanelMessages(bool) { return CoreErrorCodes::kSuccess; }
+
+// ---- Document events
+
+uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        if (AnyNull(idBuffer, idBufferSize))
+            return CoreErrorCodes::kInvalidParam;
+        return DocumentEvents::HandleCreateNewDocument(idBuffer, idBufferSize);
+    });
+}
+
+uint32_t HandleOpenExistingDocument(const char* path, const char* fontsJSON, char* bufferA, size_t* sizeA,
+                                    char* bufferB, size_t* sizeB, int* numFontsActivated) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        if (AnyNull(path, bufferA, sizeA, bufferB, sizeB, numFontsActivated))
+            return CoreErrorCodes::kInvalidParam;
+        return DocumentEvents::HandleOpenExistingDocument(path, TextOrEmpty(fontsJSON), bufferA, sizeA, bufferB,
+                                                          sizeB, numFontsActivated);
+    });
+}
+
+uint32_t HandleSaveDocument(const char* path, const char* hint) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return path != nullptr ? DocumentEvents::HandleSaveDocument(path, TextOrEmpty(hint))
+                               : CoreErrorCodes::kInvalidParam;
+    });
+}
+
+uint32_t HandleCloseDocument(const char* path, const char* hint) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return path != nullptr ? DocumentEvents::HandleCloseDocument(path, TextOrEmpty(hint))
+                               : CoreErrorCodes::kInvalidParam;
+    });
+}
+
+uint32_t SetPathForDocument(const char* path, const char* documentId) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(path, documentId) ? CoreErrorCodes::kInvalidParam
+                                         : DocumentEvents::SetPathForDocument(path, documentId);
+    });
+}
+
+uint32_t GetIDForDocument(const char* path, char* idBuffer, size_t* idBufferSize) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(path, idBuffer, idBufferSize)
+                   ? CoreErrorCodes::kInvalidParam
+                   : DocumentEvents::GetIDForDocument(path, idBuffer, idBufferSize);
+    });
+}
+
+uint32_t UpdateDocumentFontUsage(const char* document, const char* fontUsage) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(document, fontUsage) ? CoreErrorCodes::kInvalidParam
+                                            : DocumentEvents::UpdateDocumentFontUsage(document, fontUsage);
+    });
+}
+
+uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(path, outCount)
+                   ? CoreErrorCodes::kInvalidParam
+                   : DocumentEvents::ActivateChosenFonts(path, TextOrEmpty(fontsJSON), outCount);
+    });
+}
+
+uint32_t InvokeResolveDialog(bool, const char*, char*, size_t*, char*, size_t*) {
+    return CoreErrorCodes::kNotImplemented;
+}
+
+uint32_t InvokeRestrictedFontsDialog(bool, const char*) { return CoreErrorCodes::kNotImplemented; }
+
+// ---- Menus
+
+uint32_t GetMenus(const char*, char*, size_t*) { return CoreErrorCodes::kNotImplemented; }
+
+uint32_t CreateMenusFromJSONBuffer(const char*, PluginCoreMenuItemCallback, void*) {
+    return CoreErrorCodes::kNotImplemented;
+}
+
+uint32_t HandleMenuSelection(const char*, const char*, const char*, const char*) {
+    return CoreErrorCodes::kNotImplemented;
+}
+
+uint32_t InvokeCommandDialog(const char*) { return CoreErrorCodes::kNotImplemented; }
+
+// ---- Settings
+
+uint32_t GetSettings(char* buffer, size_t* bufferSize) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(buffer, bufferSize) ? CoreErrorCodes::kInvalidParam
+                                           : Settings::GetSettings(buffer, *bufferSize);
+    });
+}
+
+uint32_t SetPreference(const char* key, const char* value) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        return AnyNull(key, value) ? CoreErrorCodes::kInvalidParam : Settings::SetPreference(key, value);
+    });
+}
