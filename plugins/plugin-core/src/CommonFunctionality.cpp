@@ -15,7 +15,8 @@ CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
     return count;
 }
 
-ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
+ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated,
+                                                             const std::string& filePath,
                                                              OneTrackedDocument& record, CFArrayRef fonts) {
     const auto trace = [&](int indentDelta) {
         LogMessage(indentDelta, "%s(numFontsActivated=%d, filePath='%s', ...)",
@@ -35,7 +36,8 @@ ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActiva
         return CoreErrorCodes::kOutOfMemory;
     const ErrorCode status = MarquellGlobals::GetSharedFontActivationTracker()->ActivateDocumentFonts(
         record.Identifier(), filePath, matchedFonts.get(), {arrayB.get(), arrayA.get(), fonts});
-    numFontsActivated = static_cast<int>(cf::Count(matchedFonts.get()) - CountActiveFonts(matchedFonts.get()));
+    numFontsActivated =
+        static_cast<int>(cf::Count(matchedFonts.get()) - CountActiveFonts(matchedFonts.get()));
     if (CoreAgentInterface* agent = fontManager.GetFontManager())
         record.canExport = agent->CanExportFromWorkgroup(matchedFonts.get());
     record.SetFontArrays(arrayA.get(), arrayB.get());

@@ -20,9 +20,13 @@ namespace {
 
 using Document = AllTrackedDocuments::Document;
 
-AllTrackedDocuments& Documents() { return AllTrackedDocuments::GetSharedInstance(); }
+AllTrackedDocuments& Documents() {
+    return AllTrackedDocuments::GetSharedInstance();
+}
 
-int64_t Now() { return platform::Current<platform::Clock>().Now(); }
+int64_t Now() {
+    return platform::Current<platform::Clock>().Now();
+}
 
 Document MakeRecord() {
     auto record = std::make_shared<OneTrackedDocument>();
@@ -192,7 +196,8 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     constexpr char kName[] = "PluginCoreInterface::ActivateChosenFonts";
     LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
     ErrorCode result = CoreErrorCodes::kUnknownError;
-    const ScopeExit exitLine([&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
+    const ScopeExit exitLine(
+        [&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
     const Document record = Documents().FindTrackedDocumentByPath(path);
     *outCount = 0;
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
@@ -202,7 +207,7 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     const CFIndex alreadyActive = CommonFunctionality::CountActiveFonts(fonts.get());
     if (record)
         result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(record->Identifier(),
-                                                                                     fonts.get(), *outCount);
+                                                                                      fonts.get(), *outCount);
     if (result == CoreErrorCodes::kUnknownError) {
         const CFIndex missing = cf::Count(fonts.get()) - alreadyActive - CFIndex{*outCount};
         result = missing > 0 ? CoreErrorCodes::kNotFound : CoreErrorCodes::kSuccess;

@@ -1,5 +1,5 @@
-// What happens when the user creates, opens, saves or closes a document. The exports of the same names come here with
-// their pointers checked; sizes, ownership and codes are told in PluginCoreInterface.h.
+// What happens when the user creates, opens, saves or closes a document. The exports of the same names come
+// here with their pointers checked; sizes, ownership and codes are told in PluginCoreInterface.h.
 #pragma once
 
 #include <cstddef>

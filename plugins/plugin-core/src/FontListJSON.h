@@ -12,9 +12,10 @@ enum class FontListForm {
     kArrayOrObject  ///< or an object that holds such an array under "DocumentFonts"
 };
 
-/// Appends the fonts to `fonts`; what is no object among them is passed over. kInvalidParam, with nothing appended, for
-/// text that is not JSON or not of that form.
-[[nodiscard]] ErrorCode AppendFontsFromJSON(const std::string& text, FontListForm form, CFMutableArrayRef fonts);
+/// Appends the fonts to `fonts`; what is no object among them is passed over. kInvalidParam, with nothing
+/// appended, for text that is not JSON or not of that form.
+[[nodiscard]] ErrorCode AppendFontsFromJSON(const std::string& text, FontListForm form,
+                                            CFMutableArrayRef fonts);
 
 /// Compact JSON text of an array of font records.
 [[nodiscard]] ErrorCode FontsToJSON(CFArrayRef fonts, std::string& text);

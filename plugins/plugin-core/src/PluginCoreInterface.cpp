@@ -48,7 +48,9 @@ bool AnyNull(Pointers... pointers) {
     return ((pointers == nullptr) || ...);
 }
 
-std::string TextOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+std::string TextOrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
 
 }  // namespace
 
@@ -84,11 +86,14 @@ uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersion) {
 
 uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled) {
     return Guarded(__func__, [&]() -> uint32_t {
-        return isEnabled != nullptr ? CheckPluginIsEnabled(allowDialogs, *isEnabled) : CoreErrorCodes::kInvalidParam;
+        return isEnabled != nullptr ? CheckPluginIsEnabled(allowDialogs, *isEnabled)
+                                    : CoreErrorCodes::kInvalidParam;
     });
 }
 
-uint32_t IdleEvent() { return CoreErrorCodes::kSuccess; }
+uint32_t IdleEvent() {
+    return CoreErrorCodes::kSuccess;
+}
 
 void ShouldShowLogin(bool* showLogin) {
     Guarded(__func__, [&]() -> uint32_t {
@@ -131,7 +136,9 @@ uint32_t TryRegisterPlugPlug(void* plugPlug) {
     return plugPlug != nullptr ? CoreErrorCodes::kNotInitialized : CoreErrorCodes::kNullPointer;
 }
 
-uint32_t ProcessPanelMessages(bool) { return CoreErrorCodes::kSuccess; }
+uint32_t ProcessPanelMessages(bool) {
+    return CoreErrorCodes::kSuccess;
+}
 
 // ---- Document events
 
@@ -148,8 +155,8 @@ uint32_t HandleOpenExistingDocument(const char* path, const char* fontsJSON, cha
     return Guarded(__func__, [&]() -> uint32_t {
         if (AnyNull(path, bufferA, sizeA, bufferB, sizeB, numFontsActivated))
             return CoreErrorCodes::kInvalidParam;
-        return DocumentEvents::HandleOpenExistingDocument(path, TextOrEmpty(fontsJSON), bufferA, sizeA, bufferB,
-                                                          sizeB, numFontsActivated);
+        return DocumentEvents::HandleOpenExistingDocument(path, TextOrEmpty(fontsJSON), bufferA, sizeA,
+                                                          bufferB, sizeB, numFontsActivated);
     });
 }
 
@@ -201,11 +208,15 @@ uint32_t InvokeResolveDialog(bool, const char*, char*, size_t*, char*, size_t*) 
     return CoreErrorCodes::kNotImplemented;
 }
 
-uint32_t InvokeRestrictedFontsDialog(bool, const char*) { return CoreErrorCodes::kNotImplemented; }
+uint32_t InvokeRestrictedFontsDialog(bool, const char*) {
+    return CoreErrorCodes::kNotImplemented;
+}
 
 // ---- Menus
 
-uint32_t GetMenus(const char*, char*, size_t*) { return CoreErrorCodes::kNotImplemented; }
+uint32_t GetMenus(const char*, char*, size_t*) {
+    return CoreErrorCodes::kNotImplemented;
+}
 
 uint32_t CreateMenusFromJSONBuffer(const char*, PluginCoreMenuItemCallback, void*) {
     return CoreErrorCodes::kNotImplemented;
@@ -215,7 +226,9 @@ uint32_t HandleMenuSelection(const char*, const char*, const char*, const char*)
     return CoreErrorCodes::kNotImplemented;
 }
 
-uint32_t InvokeCommandDialog(const char*) { return CoreErrorCodes::kNotImplemented; }
+uint32_t InvokeCommandDialog(const char*) {
+    return CoreErrorCodes::kNotImplemented;
+}
 
 // ---- Settings
 

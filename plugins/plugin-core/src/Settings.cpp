@@ -70,7 +70,9 @@ bool IsKnownKey(std::string_view key) {
     return std::find(kPreferenceKeys.begin(), kPreferenceKeys.end(), key) != kPreferenceKeys.end();
 }
 
-bool HoldsString(std::string_view key) { return key == "LastCFOFolder" || key == "LastUsername"; }
+bool HoldsString(std::string_view key) {
+    return key == "LastCFOFolder" || key == "LastUsername";
+}
 
 std::optional<int64_t> NumberFromText(std::string_view text) {
     int64_t number = 0;
@@ -140,7 +142,8 @@ ErrorCode Settings::GetSettings(char* buffer, size_t bufferSize) {
     bool isWhole = text.Append("{");
     for (const char* key : kPreferenceKeys) {
         char piece[256];
-        std::snprintf(piece, sizeof piece, "\"%s\":\"%ld\"", key, static_cast<long>(preferences->GetIntPreference(key)));
+        std::snprintf(piece, sizeof piece, "\"%s\":\"%ld\"", key,
+                      static_cast<long>(preferences->GetIntPreference(key)));
         isWhole = isWhole && text.Append(piece);
         if (isWhole && key != kPreferenceKeys.back())
             isWhole = text.Append(",");

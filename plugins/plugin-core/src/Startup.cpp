@@ -28,19 +28,23 @@ void DisableServices() {
     MarquellGlobals::SetConnectedToCore(false);
 }
 
-void DisableFunctionality() { LogMessage(0, "Disabling plugin functionality"); }
+void DisableFunctionality() {
+    LogMessage(0, "Disabling plugin functionality");
+}
 
 ErrorCode CheckHostAndFontManager(bool& allowDialogs, ChosenMessage& message) {
     bool disableDialogs = false;
     const bool isHostCompatible = MarquellGlobals::RunningInCompatibleHostApp(disableDialogs);
     if (disableDialogs)
         allowDialogs = false;
-    const bool isFontManagerReached = FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning();
+    const bool isFontManagerReached =
+        FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning();
     if (isHostCompatible && isFontManagerReached)
         return CoreErrorCodes::kSuccess;
     DisableServices();
     if (allowDialogs)
-        message = isHostCompatible ? &message_boxes::kFontManagerUnreachable : &message_boxes::kIncompatibleHost;
+        message =
+            isHostCompatible ? &message_boxes::kFontManagerUnreachable : &message_boxes::kIncompatibleHost;
     return kStartupFailed;
 }
 
@@ -133,7 +137,8 @@ ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled
     MarquellGlobals::SetConnectedToCore(true);
     if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
         hostApp->Refresh(true, true);
-    isEnabled = agent.IsRunningStandalone() || FontManagerInterface::GetSharedInstance().IsWorkgroupAvailable();
+    isEnabled =
+        agent.IsRunningStandalone() || FontManagerInterface::GetSharedInstance().IsWorkgroupAvailable();
     if (isEnabled)
         return CoreErrorCodes::kSuccess;
     if (allowDialogs)

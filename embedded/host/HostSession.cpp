@@ -1,0 +1,54 @@
+#include "HostSession.h"
+
+#include <array>
+
+#include "Output.h"
+
+std::string PluginIdentifierFor(const std::string& app) {
+    struct Entry {
+        const char* app;
+        const char* suffix;
+    };
+    constexpr std::array<Entry, 8> kIdentifiers{{{"Illustrator2023", "AI27"},
+                                                 {"Illustrator2024", "AI28"},
+                                                 {"Illustrator2025", "AI29"},
+                                                 {"Illustrator2026", "AI30"},
+                                                 {"AfterEffects2023", "AE230"},
+                                                 {"AfterEffects2024", "AE240"},
+                                                 {"AfterEffects2025", "AE250"},
+                                                 {"AfterEffects2026", "AE260"}}};
+    const std::string prefix = "com.vantorix.AutoActivationPlugin.";
+    for (const Entry& entry : kIdentifiers) {
+        if (app == entry.app)
+            return prefix + entry.suffix;
+    }
+    return prefix + app;
+}
+
+HostSession::~HostSession() {
+    if (mIsStarted)
+        mCore.TerminatePluginCoreInterface();
+}
+
+int HostSession::Start(const HostOptions& options) {
+    std::string error;
+    if (!mCore.Load(options.corePath, error)) {
+        PrintError("cannot load the core: " + error + "; name its library with --core");
+        return exit_status::kFailed;
+    }
+    mIsStarted = true;
+    const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
+    if (code == PLUGINCORE_SUCCESS)
+        return exit_status::kDone;
+    bool isEnabled = false;
+    if (code == PLUGINCORE_INVALID_PARAM || code == 2) {
+        PrintError("the core cannot start: " + ResultName(code));
+        return exit_status::kFailed;
+    }
+    mCore.PluginIsEnabled(false, &isEnabled);
+    PrintError(
+        "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick launch-info' "
+        "once so that "
+        "it is started for you (if it runs, check that --app begins with the name of a host application)");
+    return exit_status::kFontManagerUnreachable;
+}

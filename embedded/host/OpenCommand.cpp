@@ -1,0 +1,158 @@
+#include <fmt/core.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "Commands.h"
+#include "FontActivationTracker.h"
+#include "FontRecordKeys.h"
+#include "Output.h"
+#include "VisibleFonts.h"
+#include "platform/Console.h"
+#include "platform/Files.h"
+
+namespace {
+
+using nlohmann::json;
+
+/// Room for the fonts of any document; memory that is not written to costs nothing.
+constexpr size_t kFontListSize = size_t{64} << 20;
+
+struct OpenedDocument {
+    std::string path;
+    uint32_t code = 0;
+    int numFontsActivated = 0;
+    json matched = json::array();
+    json unmatched = json::array();
+};
+
+/// The core answers 1 as well when all went well.
+bool IsSuccess(uint32_t code) {
+    return code == PLUGINCORE_SUCCESS || code == 1;
+}
+
+OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
+    OpenedDocument document;
+    document.path = path;
+    const std::unique_ptr<char[]> matched(new char[kFontListSize]);
+    const std::unique_ptr<char[]> unmatched(new char[kFontListSize]);
+    matched[0] = unmatched[0] = '\0';
+    size_t matchedSize = kFontListSize;
+    size_t unmatchedSize = kFontListSize;
+    document.code =
+        core.HandleOpenExistingDocument(path.c_str(), nullptr, matched.get(), &matchedSize, unmatched.get(),
+                                        &unmatchedSize, &document.numFontsActivated);
+    if (IsSuccess(document.code)) {
+        document.matched = json::parse(matched.get(), nullptr, false);
+        document.unmatched = json::parse(unmatched.get(), nullptr, false);
+    }
+    return document;
+}
+
+std::string StateText(const json& font) {
+    const int64_t state = font.value(kGS_ActivationStateKey, int64_t{kFontActivationState_Unknown});
+    switch (state) {
+        case kFontActivationState_ActivatedByUser:
+            return "active (user)";
+        case kFontActivationState_ActivatedByPlugin:
+            return "active";
+        case kFontActivationState_SystemFont:
+            return "active (system)";
+        default:
+            return ActivationStateCountsAsActive(state) ? "active" : "inactive";
+    }
+}
+
+void PrintFonts(const OpenedDocument& document) {
+    fmt::print("{}\n", document.path);
+    if (document.matched.empty() && document.unmatched.empty()) {
+        fmt::print("  no fonts\n");
+        return;
+    }
+    const std::set<std::string> visible = RefreshVisibleFonts();
+    std::vector<std::vector<std::string>> rows{{"  FONT", "MATCHED", "BEFORE", "AFTER", "VISIBLE", "FILE"}};
+    for (const json& font : document.matched) {
+        const std::string file = font.value(kGS_PathKey, "");
+        const json before = font.value(kGS_MatchedFontKey, json::object());
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"),
+                        before.value(kGS_PostScriptNameKey, "yes"), StateText(before), StateText(font),
+                        visible.count(file) != 0 ? "yes" : "no", file});
+    }
+    for (const json& font : document.unmatched)
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "no", "missing", "missing", "-", "-"});
+    PrintTable(rows);
+}
+
+void PrintAsJSON(const OpenedDocument& document) {
+    const json line{{"file", document.path},
+                    {"code", document.code},
+                    {"codeName", ResultName(document.code)},
+                    {"numFontsActivated", document.numFontsActivated},
+                    {"matched", document.matched},
+                    {"unmatched", document.unmatched}};
+    fmt::print("{}\n", line.dump());
+}
+
+/// Opens one document and shows it; what it means for the program's exit status.
+int OpenAndShow(const CoreLibrary& core, const std::string& path, bool asJSON) {
+    const OpenedDocument document = OpenDocument(core, path);
+    if (asJSON)
+        PrintAsJSON(document);
+    else if (IsSuccess(document.code))
+        PrintFonts(document);
+    if (!IsSuccess(document.code)) {
+        PrintError(path + " was opened, but its fonts are not known: " + ResultName(document.code));
+        return exit_status::kFailed;
+    }
+    return document.unmatched.empty() ? exit_status::kDone : exit_status::kFontsMissing;
+}
+
+void KeepOpen(const OpenOptions& options) {
+    if (options.closeAtOnce)
+        return;
+    std::fflush(stdout);
+    if (options.seconds) {
+        platform::WaitForUser(std::chrono::milliseconds(static_cast<int64_t>(*options.seconds * 1000)),
+                              false);
+        return;
+    }
+    fmt::print(stderr, "Press Enter to close.\n");
+    platform::WaitForUser(std::nullopt, true);
+}
+
+}  // namespace
+
+int RunOpen(const HostOptions& host, const OpenOptions& options) {
+    std::vector<std::string> paths;
+    int status = exit_status::kDone;
+    for (const std::string& file : options.files) {
+        if (platform::IsExistingFile(file)) {
+            paths.push_back(FullPath(file));
+        } else {
+            PrintError(file + " is no file that can be found; give the path of a document");
+            status = exit_status::kFailed;
+        }
+    }
+    if (paths.empty())
+        return status;
+
+    platform::CatchInterrupts();
+    HostSession session;
+    if (const int startStatus = session.Start(host))
+        return startStatus;
+    {
+        ProgressBar progress(paths.size());
+        for (const std::string& path : paths) {
+            if (platform::WasInterrupted())
+                break;
+            progress.Advance(path);
+            const int documentStatus = OpenAndShow(session.Core(), path, options.json);
+            if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
+                status = documentStatus;
+        }
+    }
+    KeepOpen(options);
+    for (const std::string& path : paths)
+        session.Core().HandleCloseDocument(path.c_str(), "");
+    return status;
+}

@@ -1,0 +1,87 @@
+#include "Output.h"
+
+#include <fmt/color.h>
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include "ErrorCodes.h"
+#include "platform/Environment.h"
+
+namespace {
+
+size_t CodePoints(const std::string& text) {
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
+bool UseColour() {
+    return platform::EnvironmentVariable("NO_COLOR").empty() &&
+           platform::IsTerminal(platform::StandardStream::kOutput);
+}
+
+}  // namespace
+
+void PrintError(const std::string& message) {
+    fmt::print(stderr, "plugincore-host: {}\n", message);
+}
+
+std::string ResultName(uint32_t code) {
+    return code == 1 ? "FontsActivated" : ErrorCodeToName(code);
+}
+
+std::string FullPath(const std::string& path) {
+    const std::filesystem::path given(std::u8string(path.begin(), path.end()));
+    std::error_code error;
+    const std::filesystem::path full = std::filesystem::absolute(given, error);
+    const std::u8string text = (error ? given : full).lexically_normal().u8string();
+    return std::string(text.begin(), text.end());
+}
+
+void PrintTable(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], CodePoints(row[column]));
+    }
+    bool isHeading = true;
+    for (const auto& row : rows) {
+        std::string line;
+        for (size_t column = 0; column < row.size(); ++column) {
+            line += row[column];
+            if (column + 1 < row.size())
+                line.append(widths[column] - CodePoints(row[column]) + 2, ' ');
+        }
+        if (isHeading && UseColour())
+            line = fmt::format(fmt::emphasis::bold, "{}", line);
+        fmt::print("{}\n", line);
+        isHeading = false;
+    }
+}
+
+ProgressBar::ProgressBar(size_t steps)
+    : mSteps(steps), mIsShown(steps > 1 && platform::IsTerminal(platform::StandardStream::kError)) {}
+
+ProgressBar::~ProgressBar() {
+    Erase();
+}
+
+void ProgressBar::Erase() {
+    if (mIsShown)
+        fmt::print(stderr, "\r\033[K");
+}
+
+void ProgressBar::Advance(const std::string& what) {
+    ++mDone;
+    if (!mIsShown)
+        return;
+    constexpr size_t kWidth = 30;
+    const size_t filled = kWidth * mDone / mSteps;
+    Erase();
+    fmt::print(stderr, "[{}{}] {}/{} {}", std::string(filled, '#'), std::string(kWidth - filled, '.'), mDone,
+               mSteps, what);
+    std::fflush(stderr);
+}

@@ -1,0 +1,44 @@
+// What the program says, and how it ends.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace exit_status {
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUsage = 2;
+inline constexpr int kFontsMissing = 3;
+inline constexpr int kFontManagerUnreachable = 5;
+}  // namespace exit_status
+
+/// One line on standard error.
+void PrintError(const std::string& message);
+
+/// "CoreErrorCodes::kNotFound" and the like; "FontsActivated" for the 1 that an open answers with.
+std::string ResultName(uint32_t code);
+
+/// A path as it was typed, made full: the core knows documents by full paths.
+std::string FullPath(const std::string& path);
+
+/// Rows below a heading in columns, on standard output. Columns are as wide as their widest cell needs on a
+/// terminal that gives each code point one cell.
+void PrintTable(const std::vector<std::vector<std::string>>& rows);
+
+/// A progress bar on standard error, when that is a terminal and there is more than one step; nothing else.
+class ProgressBar {
+public:
+    explicit ProgressBar(size_t steps);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+    void Advance(const std::string& what);
+
+private:
+    void Erase();
+
+    size_t mSteps;
+    size_t mDone = 0;
+    bool mIsShown;
+};

@@ -1,0 +1,70 @@
+// plugincore-host: drives the core from the command line as a host application would.
+
+#include <CLI/CLI.hpp>
+
+#include "Commands.h"
+#include "Output.h"
+#include "platform/Environment.h"
+#include "platform/Processes.h"
+
+namespace {
+
+constexpr char kExitStatusHelp[] =
+    "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 fonts of a document are missing,\n"
+    "5 the font manager cannot be reached.\n"
+    "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program{
+        "Drives the font auto-activation core from the command line, as a host application would."};
+    program.footer(kExitStatusHelp);
+    program.require_subcommand(1);
+    program.fallthrough();
+
+    HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
+    std::string answers;
+    bool json = false;
+    program.add_option("--app", host.app, "The host application to pass for")->capture_default_str();
+    program.add_option("--core", host.corePath, "The core's library")->capture_default_str();
+    program.add_option("--answers", answers, "A JSON file of answers to the questions that dialogs ask");
+    program.add_flag("--json", json, "Write JSON, one line for each file");
+
+    OpenOptions open;
+    double seconds = 0;
+    CLI::App* openCommand = program.add_subcommand("open", "Open documents and have their fonts activated");
+    openCommand->add_option("FILE", open.files, "The documents")->required();
+    CLI::Option* closeOption = openCommand->add_flag("--close", open.closeAtOnce, "Close them at once");
+    CLI::Option* forOption =
+        openCommand->add_option("--for", seconds, "Close them after so many seconds; else on Enter")
+            ->check(CLI::Range(0.0, 1e6));
+    forOption->excludes(closeOption);
+
+    std::vector<std::string> files;
+    CLI::App* fontsCommand = program.add_subcommand("fonts", "List the font names that documents hold");
+    fontsCommand->add_option("FILE", files, "The documents")->required();
+
+    CLI::App* scriptCommand = program.add_subcommand(
+        "script",
+        "Make the calls that standard input holds, one JSON object a line: {\"call\": …, \"args\": {…}}");
+
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int status = program.exit(error);
+        return status == 0 ? exit_status::kDone : exit_status::kWrongUsage;
+    }
+
+    platform::SetCurrentProcessName(host.app);
+    if (!answers.empty())
+        platform::SetEnvironment("PLUGINCORE_ANSWERS", FullPath(answers));
+    if (*fontsCommand)
+        return RunFonts(files, json);
+    if (*scriptCommand)
+        return RunScript(host);
+    open.json = json;
+    if (*forOption)
+        open.seconds = seconds;
+    return RunOpen(host, open);
+}
