@@ -1,1 +1,45 @@
+#include "GFile.h"
+
 #include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "TemporaryFolder.h"
+
+TEST(GFileSystemSpec, TheExtensionIsWhatFollowsTheLastDotOfTheName) {
+    EXPECT_EQ(GFileSystemSpec("/a.b/name").Extension(), "");
+    EXPECT_EQ(GFileSystemSpec("/a/name.tar.AI").Extension(), "AI");
+    EXPECT_EQ(GFileSystemSpec("/a/.ai").Extension(), "ai");
+    EXPECT_EQ(GFileSystemSpec("/a/name.").Extension(), "");
+    EXPECT_EQ(GFileSystemSpec("name.pdf").FileName(), "name.pdf");
+}
+
+TEST(GFile, ReadsFromAPositionAndStopsAtTheEnd) {
+    const TemporaryFolder folder;
+    const GFileSystemSpec spec(folder.Write("Ελλάδα 字体 🙂/file.bin", "0123456789"));
+    GFile file;
+    std::vector<uint8_t> bytes;
+    ASSERT_EQ(file.Open(spec, GFile::eBinary | GFile::eRead), CoreErrorCodes::kSuccess);
+    ASSERT_EQ(file.SetFilePosition(GFile::eBeginning, 6), CoreErrorCodes::kSuccess);
+    ASSERT_EQ(file.Read(3, bytes), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "678");
+    ASSERT_EQ(file.Read(100, bytes), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "9");
+    ASSERT_EQ(file.Read(100, bytes), CoreErrorCodes::kSuccess);
+    EXPECT_TRUE(bytes.empty());
+    EXPECT_EQ(file.Close(), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(file.Read(1, bytes), GFile::kFileNotOpen);
+    EXPECT_EQ(file.Close(), GFile::kFileNotOpen);
+}
+
+TEST(GFile, WhatIsNoReadableFileIsRefused) {
+    const TemporaryFolder folder;
+    GFile file;
+    uint64_t size = 42;
+    EXPECT_EQ(file.Open(GFileSystemSpec(folder / "missing"), GFile::eRead), GFileSystem::kFileNotFound);
+    EXPECT_EQ(GFileSystem::OSGetFileSize(GFileSystemSpec(folder / "missing"), size), GFileSystem::kFileNotFound);
+    EXPECT_EQ(file.Open(GFileSystemSpec(folder / "."), GFile::eRead), GFile::kOpenFailed);
+    EXPECT_EQ(GFileSystem::OSGetFileSize(GFileSystemSpec(folder / "."), size), GFileSystem::kInvalidPath);
+    EXPECT_EQ(size, 42u);
+    EXPECT_EQ(VantorixFileUtils::GetFileModificationDate(folder / "missing"), 0);
+}

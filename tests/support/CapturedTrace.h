@@ -1,0 +1,30 @@
+// What the trace log and the failure reports write while this object lives.
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "platform/DebugOutput.h"
+
+class CapturedTrace : public platform::DebugOutput {
+public:
+    void Write(const char* text) noexcept override {
+        const std::lock_guard guard(mTextLock);
+        mText += text;
+    }
+    bool IsListening() noexcept override { return true; }
+
+    std::string Text() {
+        const std::lock_guard guard(mTextLock);
+        return mText;
+    }
+    void Clear() {
+        const std::lock_guard guard(mTextLock);
+        mText.clear();
+    }
+
+private:
+    std::mutex mTextLock;
+    std::string mText;
+    platform::ScopedOverride<platform::DebugOutput> mOverride{*this};
+};

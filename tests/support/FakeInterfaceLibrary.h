@@ -1,0 +1,43 @@
+// The 86 functions of an interface library, inside the test. Each answers with success and leaves its outputs
+// alone, unless the test scripts it:
+//
+//     FakeInterfaceLibrary library;
+//     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};   // first call; later calls succeed
+//     FakeLibraries libraries;
+//     libraries.symbols = library.Symbols();
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "ErrorCodes.h"
+#include "TarnwickPluginInterface.h"
+
+class FakeInterfaceLibrary {
+public:
+    FakeInterfaceLibrary();
+    ~FakeInterfaceLibrary();
+    FakeInterfaceLibrary(const FakeInterfaceLibrary&) = delete;
+    FakeInterfaceLibrary& operator=(const FakeInterfaceLibrary&) = delete;
+
+    /// Every exported name with its function.
+    static std::map<std::string, void*> Symbols();
+
+    std::map<std::string, std::deque<ErrorCode>> codes;  ///< answers by symbol, first to last; then success
+    std::vector<std::string> calls;                      ///< symbols in the order in which they were called
+    std::string log;                                     ///< what Log was given
+
+    // Answers of successful calls.
+    bool isLoggedIn = true;
+    bool isStandalone = true;
+    bool isAgentRunning = true;
+    std::vector<std::pair<uint32_t, std::string>>
+        fonts;  ///< what is matched by any request: ID, PostScript name
+    int64_t activationStateBefore = 0;
+    std::map<uint32_t, bool> activationStates;
+
+    int CallsOf(const std::string& symbol) const;
+};

@@ -1,0 +1,135 @@
+// System services that answer as a test says.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Clock.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/Folders.h"
+#include "platform/Processes.h"
+#include "platform/VersionResource.h"
+#include "platform/Windowing.h"
+
+class FakeChildProcess : public platform::ChildProcess {
+public:
+    explicit FakeChildProcess(std::optional<int> exitStatus) : mExitStatus(exitStatus) {}
+    platform::ProcessId Id() const override { return 4711; }
+    bool WaitUntilIdle(std::chrono::milliseconds) override { return !mExitStatus; }
+    std::optional<int> ExitStatus() override { return mExitStatus; }
+
+private:
+    std::optional<int> mExitStatus;
+};
+
+class FakeProcesses : public platform::Processes {
+public:
+    std::vector<platform::ProcessInfo> running;
+    platform::SystemError listError;
+    platform::SystemError launchError;
+    std::optional<int> childExitStatus;
+    std::vector<std::string> launchedCommandLines;
+    std::string currentName = "Illustrator2025";
+
+    platform::SystemError List(std::vector<platform::ProcessInfo>& processes) override {
+        processes = running;
+        return listError;
+    }
+    std::unique_ptr<platform::ChildProcess> Launch(const std::string&, const std::string& commandLine,
+                                                   platform::SystemError& error) override {
+        launchedCommandLines.push_back(commandLine);
+        error = launchError;
+        return error ? nullptr : std::make_unique<FakeChildProcess>(childExitStatus);
+    }
+    std::string CurrentName() override { return currentName; }
+    std::string CurrentExecutablePath() override { return "/host/" + currentName; }
+
+private:
+    platform::ScopedOverride<platform::Processes> mOverride{*this};
+};
+
+class FakeFolders : public platform::Folders {
+public:
+    std::map<platform::KnownFolder, std::string> paths;
+
+    std::string PathOf(platform::KnownFolder folder) override { return paths[folder]; }
+
+private:
+    platform::ScopedOverride<platform::Folders> mOverride{*this};
+};
+
+class FakeVersionResources : public platform::VersionResources {
+public:
+    std::map<std::pair<std::string, std::string>, std::string> values;  ///< by path and key
+
+    std::optional<std::string> FromFile(const std::string& path, const char* key,
+                                        platform::SystemError& error) override {
+        const auto found = values.find({path, key});
+        error.code = 0;
+        return found != values.end() ? std::optional(found->second) : std::nullopt;
+    }
+
+private:
+    platform::ScopedOverride<platform::VersionResources> mOverride{*this};
+};
+
+/// Libraries are the paths and names in `loadable`; symbols are those in `symbols`.
+class FakeLibraries : public platform::DynamicLibraries {
+public:
+    std::vector<std::string> loadable;
+    std::map<std::string, void*> symbols;
+    std::string pathOfLoaded = "/system/library.so";
+    std::string pathOfThisModule = "/plugins/libPluginCore.so";
+
+    platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
+        return Load(path, error);
+    }
+    platform::LibraryHandle LoadByName(const std::string& fileName, platform::SystemError& error) override {
+        return Load(fileName, error);
+    }
+    void* FindSymbol(platform::LibraryHandle, const char* symbol) override {
+        const auto found = symbols.find(symbol);
+        return found != symbols.end() ? found->second : nullptr;
+    }
+    std::string PathOf(platform::LibraryHandle) override { return pathOfLoaded; }
+    const void* ModuleAt(const void* address) override { return address; }
+    std::string PathOfModuleAt(const void*) override { return pathOfThisModule; }
+    std::string LastLoadFailure() override { return "no such library"; }
+
+private:
+    platform::LibraryHandle Load(const std::string& name, platform::SystemError& error) {
+        for (std::string& each : loadable) {
+            if (each == name)
+                return &each;
+        }
+        error.code = 2;
+        return nullptr;
+    }
+    platform::ScopedOverride<platform::DynamicLibraries> mOverride{*this};
+};
+
+class FakeWindowing : public platform::Windowing {
+public:
+    std::map<std::string, platform::WindowHandle> byClass;
+    std::vector<platform::WindowInfo> topLevel;
+    std::map<platform::WindowHandle, std::vector<platform::WindowInfo>> below;
+    std::vector<unsigned> notices;
+
+    platform::WindowHandle FindTopLevelByClass(const std::string& className) override {
+        return byClass[className];
+    }
+    std::vector<platform::WindowInfo> TopLevelWindows() override { return topLevel; }
+    std::vector<platform::WindowInfo> Descendants(platform::WindowHandle window) override {
+        return below[window];
+    }
+    void ShowStringResourceNotice(const std::string&, unsigned stringID) override {
+        notices.push_back(stringID);
+    }
+
+private:
+    platform::ScopedOverride<platform::Windowing> mOverride{*this};
+};

@@ -1,0 +1,23 @@
+// A folder of the test's own, gone with the object.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return mPath; }
+    /// The UTF-8 path of a file in it.
+    std::string operator/(std::string_view name) const;
+    /// Writes a file in it and answers with its path. Folders on the way are made.
+    std::string Write(std::string_view name, std::string_view content) const;
+
+private:
+    std::filesystem::path mPath;
+};
