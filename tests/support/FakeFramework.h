@@ -11,7 +11,7 @@
 
 #include "VantorixPluginFramework.h"
 
-class FakeFramework : public VantorixPluginFramework {
+class FakeFramework final : public VantorixPluginFramework {
 public:
     std::map<std::string, int64_t> numbers;
     std::map<std::string, std::string> texts;

@@ -18,9 +18,9 @@ TEST(ErrorCodes, NamesAndCodesFindEachOther) {
     EXPECT_EQ(ErrorCodeToName(0), "CoreErrorCodes::kSuccess");
     EXPECT_EQ(ErrorCodeToName(0x01000000), "CoreErrorCodes::kError");
     EXPECT_EQ(ErrorNameToCode("GAgentIF::kShutdown"), 0x0200200Du);
-    for (const char* name : {"GFile::kOpenFailed", "GZephyrinDataFacade::kCannotAddCloudFontsToSet",
-                             "GResultSpecVectorXMLParser::kInvalidResultSpecContents",
-                             "GHttpMessageHandler::kJSONException"})
+    for (const char* name :
+         {"GFile::kOpenFailed", "GZephyrinDataFacade::kCannotAddCloudFontsToSet",
+          "GResultSpecVectorXMLParser::kInvalidResultSpecContents", "GHttpMessageHandler::kJSONException"})
         EXPECT_EQ(ErrorCodeToName(ErrorNameToCode(name)), name);
 }
 

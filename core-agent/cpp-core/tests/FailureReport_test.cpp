@@ -15,7 +15,9 @@ namespace {
 
 constexpr char kLogCategory[] = "FailureReportTest";
 
-ErrorCode Answer(ErrorCode code) { return code; }
+ErrorCode Answer(ErrorCode code) {
+    return code;
+}
 
 ErrorCode CheckCall(ErrorCode code) {
     RETURN_IF_FAILED(Answer(code));
@@ -42,8 +44,9 @@ ErrorCode CheckExpected(ErrorCode code) {
 TEST(FailureReport, AFailedCallIsReportedInOneLineAndReturned) {
     CapturedTrace trace;
     EXPECT_EQ(CheckCall(GIPCClient::kServiceUnavailable), GIPCClient::kServiceUnavailable);
-    EXPECT_THAT(trace.Text(), StartsWith("[FailureReportTest]\t[Error]\tError='GIPCClient::kServiceUnavailable'  "
-                                         "File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line="));
+    EXPECT_THAT(trace.Text(),
+                StartsWith("[FailureReportTest]\t[Error]\tError='GIPCClient::kServiceUnavailable'  "
+                           "File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line="));
     EXPECT_THAT(trace.Text(), EndsWith("  Expression='Answer(code)'  Code='50335758'  \n"));
     EXPECT_EQ(CheckCall(0), 0xFFFFFFFFu);
 }
@@ -79,7 +82,8 @@ TEST(FailureReport, AnExpectedFailureIsWrittenAtDebugLevelOnly) {
 
 TEST(FailureReport, ASystemFailureTellsTheSystemsErrorAndPrintsTheCodeSigned) {
     CapturedTrace trace;
-    ReportSystemFailure(kLogCategory, {"open(path)", "File.cpp", 7}, 0xFFFFFFFF, platform::SystemError{ENOENT});
+    ReportSystemFailure(kLogCategory, {"open(path)", "File.cpp", 7}, 0xFFFFFFFF,
+                        platform::SystemError{ENOENT});
     EXPECT_THAT(trace.Text(),
                 EndsWith("Error='Unknown error code'  File='File.cpp'  Line=7  Expression='open(path)'  "
                          "Window's Error=2: 'No such file or directory'  Code='-1'  \n"));

@@ -37,7 +37,8 @@ TEST(GFile, WhatIsNoReadableFileIsRefused) {
     GFile file;
     uint64_t size = 42;
     EXPECT_EQ(file.Open(GFileSystemSpec(folder / "missing"), GFile::eRead), GFileSystem::kFileNotFound);
-    EXPECT_EQ(GFileSystem::OSGetFileSize(GFileSystemSpec(folder / "missing"), size), GFileSystem::kFileNotFound);
+    EXPECT_EQ(GFileSystem::OSGetFileSize(GFileSystemSpec(folder / "missing"), size),
+              GFileSystem::kFileNotFound);
     EXPECT_EQ(file.Open(GFileSystemSpec(folder / "."), GFile::eRead), GFile::kOpenFailed);
     EXPECT_EQ(GFileSystem::OSGetFileSize(GFileSystemSpec(folder / "."), size), GFileSystem::kInvalidPath);
     EXPECT_EQ(size, 42u);

@@ -1,1 +1,89 @@
+#include "AllTrackedDocuments.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+#include "FakeFontManager.h"
+#include "FontActivationTracker.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+AllTrackedDocuments::Document Add(AllTrackedDocuments& documents, const std::string& path) {
+    auto document = std::make_shared<OneTrackedDocument>();
+    document->SetIdentifier("id of " + path);
+    documents.AddDocument(document, path);
+    return document;
+}
+
+}  // namespace
+
+TEST(AllTrackedDocuments, APathOccursOnce) {
+    AllTrackedDocuments documents;
+    const auto first = Add(documents, "/a.ai");
+    AllTrackedDocuments::Document empty;
+    documents.AddDocument(empty, "/a.ai");
+    EXPECT_EQ(empty, nullptr);
+    documents.AddDocument(empty, "/A.ai");
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->DocumentFilePath(), "/A.ai");
+    EXPECT_EQ(documents.Documents().size(), 2u);
+    EXPECT_EQ(documents.FindTrackedDocumentByPath("/a.ai"), first);
+    EXPECT_EQ(documents.FindTrackedDocumentByIdentifier("id of /a.ai"), first);
+    EXPECT_EQ(documents.FindTrackedDocumentByPath("/missing"), nullptr);
+}
+
+TEST(AllTrackedDocuments, AClosedDocumentLetsItsFontsGoAsThePreferenceSays) {
+    for (const bool deactivate : {true, false}) {
+        FakeFontManager fontManager;
+        FakePreferences preferences;
+        preferences.values["CloseFontsOnDocClose"] = deactivate;
+        FontActivationTracker tracker(&preferences);
+        AllTrackedDocuments documents;
+        const auto document = Add(documents, "/a.ai");
+        fontManager.Match(7, "Seven");
+        tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai", cf::MutableArray().get(), {});
+        documents.RemoveClosedDocument(*document, &tracker);
+        EXPECT_EQ(fontManager.deactivated.size(), deactivate ? 1u : 0u);
+        EXPECT_THAT(documents.Documents(), IsEmpty());
+    }
+}
+
+TEST(AllTrackedDocuments, AnExceptionStaysInsideAndIsLogged) {
+    FakeFontManager fontManager;
+    FakePreferences preferences;
+    FontActivationTracker tracker(&preferences);
+    AllTrackedDocuments documents;
+    const auto document = Add(documents, "/a.ai");
+    fontManager.Match(7, "Seven");
+    tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai", cf::MutableArray().get(), {});
+    fontManager.whileDeactivating = [] { throw std::runtime_error("lost"); };
+    CapturedTrace trace;
+    EXPECT_NO_THROW(documents.RemoveClosedDocument(*document, &tracker));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in AllTrackedDocuments::RemoveClosedDocument()\n"));
+    EXPECT_THAT(trace.Text(), testing::EndsWith("Exiting AllTrackedDocuments::RemoveClosedDocument()\n"));
+    fontManager.whileDeactivating = nullptr;
+    EXPECT_EQ(tracker.CloseAllFonts(true), 0u) << "the tracker's lock was let go";
+}
+
+TEST(OneTrackedDocument, HasFontsWhenEitherListHasOne) {
+    OneTrackedDocument document;
+    EXPECT_FALSE(document.HasFonts());
+    const CFRef<CFMutableArrayRef> none = cf::MutableArray();
+    const CFRef<CFMutableArrayRef> one = cf::MutableArray();
+    cf::Append(one, "font");
+    document.SetFontArrays(none.get(), none.get());
+    EXPECT_FALSE(document.HasFonts());
+    document.SetFontArrays(nullptr, one.get());
+    EXPECT_TRUE(document.HasFonts());
+    EXPECT_EQ(CFGetRetainCount(one.get()), 2);
+    document.SetFontArrays(one.get(), nullptr);
+    EXPECT_TRUE(document.HasFonts());
+    EXPECT_EQ(CFGetRetainCount(one.get()), 2);
+}

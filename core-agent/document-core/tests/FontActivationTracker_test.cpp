@@ -1,1 +1,237 @@
+#include "FontActivationTracker.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <regex>
+#include <thread>
+
+#include "CapturedTrace.h"
+#include "FakeFontManager.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+class FontActivationTrackerTest : public testing::Test {
+protected:
+    /// Opens a document that uses the fonts that were matched last.
+    ErrorCode Open(const std::string& identifier) {
+        const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
+        return tracker.ActivateDocumentFonts(identifier, "/doc/" + identifier, matchedFonts.get(), {});
+    }
+    ErrorCode Close(const std::string& identifier, bool deactivate = true) {
+        return tracker.CloseAllFontsForIdentifier(identifier, deactivate, nullptr);
+    }
+
+    CapturedTrace trace;
+    FakeFontManager fontManager;
+    FakePreferences preferences;
+    FontActivationTracker tracker{&preferences};
+};
+
+using FontByFontTest = FontActivationTrackerTest;
+
+}  // namespace
+
+TEST_F(FontActivationTrackerTest, IdentifiersAreFreshUUIDs) {
+    const std::string first = FontActivationTracker::GenerateUniqueIdentifier();
+    EXPECT_TRUE(std::regex_match(first, std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"))) << first;
+    EXPECT_NE(first, FontActivationTracker::GenerateUniqueIdentifier());
+    EXPECT_THAT(trace.Text(), HasSubstr("GenerateUniqueIdentifier() returning '" + first + "'"));
+}
+
+TEST_F(FontActivationTrackerTest, AFontGoesWithTheLastDocumentThatUsesIt) {
+    fontManager.Match(7, "ComicNeue-Bold");
+    Open("A");
+    fontManager.Match(7, "ComicNeue-Bold");
+    Open("B");
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+    EXPECT_THAT(trace.Text(), HasSubstr("Not deactivating 'ComicNeue-Bold' because its ref count is 1\n"));
+    Close("B");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+    EXPECT_THAT(trace.Text(), HasSubstr("Adding 'ComicNeue-Bold' to fontsToDeactivate.\n"));
+    trace.Clear();
+    EXPECT_EQ(Close("B"), 0u);
+    EXPECT_THAT(trace.Text(), HasSubstr("No entry in FontActivationTracker::m_mDocuments for 'B'\n"));
+}
+
+TEST_F(FontActivationTrackerTest, AFontThatWasActiveBeforeIsNeverDeactivated) {
+    for (const int state : {1, 2, 3, 4, 5, 6, 9, 10, 11})
+        fontManager.Match(static_cast<uint32_t>(100 + state), "Active", state);
+    for (const int state : {-1, 0, 7, 8, 12})
+        fontManager.Match(static_cast<uint32_t>(200 + state), "Inactive", state);
+    fontManager.Match(300, "Stateless", std::nullopt);
+    Open("A");
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(199, 200, 207, 208, 212, 300));
+    EXPECT_THAT(trace.Text(), HasSubstr("Not deactivating 'Active' because it was already active\n"));
+    fontManager.Match(1, "Active", 1);
+    Open("B");
+    fontManager.deactivated.clear();
+    tracker.CloseAllFonts(true);
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+}
+
+TEST_F(FontActivationTrackerTest, ClosingWithoutDeactivationLeavesTheFontsForTheEnd) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(8, "Eight");
+    Open("A");
+    Close("A", false);
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+    tracker.CloseAllFonts(true);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7, 8));
+    tracker.CloseAllFonts(true);
+    EXPECT_EQ(fontManager.deactivated.size(), 2u) << "the register was not emptied";
+}
+
+TEST_F(FontActivationTrackerTest, AFontThatSomeoneElseTookOverIsLeftAlone) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(8, "Eight");
+    Open("A");
+    fontManager.states = {{7, false}};  // and nothing known of 8
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(8));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Not deactivating 'Seven' because it is no longer plugin activated\n"));
+}
+
+TEST_F(FontActivationTrackerTest, AFontRegisteredTwiceForADocumentIsLetGoTwice) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(7, "Seven");
+    Open("A");
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+    EXPECT_THAT(trace.Text(), HasSubstr("because its ref count is 1\n"));
+}
+
+TEST_F(FontActivationTrackerTest, WithoutAnIdentifierFontsBelongToTheirSubDocuments) {
+    const CFMutableDictionaryRef font = fontManager.Match(7, "Seven");
+    const CFRef<CFMutableArrayRef> subDocuments = cf::MutableArray();
+    cf::Append(subDocuments, "one");
+    cf::Append(subDocuments, "two");
+    cf::Set(font, kGS_SubDocumentsWithFontKey, subDocuments);
+    fontManager.Match(8, "Eight");
+    Open("");
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("WARNING:  font 1 for document '' has no kGS_SubDocumentsWithFontKey\n"));
+    Close("one");
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+    Close("two");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+}
+
+TEST_F(FontActivationTrackerTest, RecordsWithoutNameOrIDAreLoggedAndPassedOver) {
+    cf::Append(fontManager.matched, "no dictionary");
+    fontManager.Match(0, "NoID");
+    cf::Set(fontManager.Match(5, "x"), kGS_PostScriptNameKey, static_cast<CFStringRef>(nullptr));
+    fontManager.Match(7, "Seven", 0);
+    fontManager.activationStatus = CoreErrorCodes::kError;
+    EXPECT_EQ(Open("A"), CoreErrorCodes::kError) << "the font manager's status comes through";
+    for (const char* index : {"0", "1", "2"})
+        EXPECT_THAT(trace.Text(),
+                    HasSubstr("   ...Error:  PostscriptName and/or DatabaseID not found in matched font "
+                              "dict for i = " +
+                              std::string(index) + "\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("kGS_ActivationStateKey '0', kGS_DatabaseIDKey 7 for 'Seven')\n"));
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+}
+
+TEST_F(FontActivationTrackerTest, WithoutAFontManagerNothingChanges) {
+    fontManager.Match(7, "Seven");
+    Open("A");
+    fontManager.isRunning = false;
+    trace.Clear();
+    uint32_t count = 42;
+    EXPECT_EQ(Close("A"), kErrorMarquellNotRunning);
+    EXPECT_EQ(tracker.CloseAllFonts(true), 1000u);
+    EXPECT_EQ(trace.Text(), "");
+    EXPECT_EQ(Open("B"), kErrorMarquellNotRunning);
+    EXPECT_EQ(tracker.ActivateFontsByID("B", cf::MutableArray().get(), count), kErrorMarquellNotRunning);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("ActivateDocumentFonts returning kErrorMarquellNotRunning (EARLY RETURN)\n"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("ActivateFontsByID returning kErrorMarquellNotRunning (EARLY RETURN)\n"));
+    fontManager.isRunning = true;
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+}
+
+TEST_F(FontActivationTrackerTest, ChosenFontsAreCountedAndRegistered) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(8, "Eight");
+    uint32_t count = 0;
+    EXPECT_EQ(tracker.ActivateFontsByID("A", cf::MutableArray().get(), count), 0u);
+    EXPECT_EQ(count, 2u);
+    const CFRef<CFMutableArrayRef> deactivated = cf::MutableArray();
+    tracker.CloseAllFontsForIdentifier("A", true, deactivated.get());
+    EXPECT_EQ(cf::Count(deactivated.get()), 2);
+}
+
+TEST_F(FontActivationTrackerTest, AHostThatComesBackFromBehindADialogIsRefused) {
+    fontManager.Match(7, "Seven");
+    Open("A");
+    ErrorCode inner = 0;
+    fontManager.whileDeactivating = [&] { inner = Close("B"); };
+    EXPECT_EQ(Close("A"), 0u);
+    EXPECT_EQ(inner, CoreErrorCodes::kUnknownError);
+    EXPECT_THAT(trace.Text(), HasSubstr("called recursively."));
+    EXPECT_EQ(Close("A"), 0u) << "the lock was let go";
+}
+
+TEST_F(FontByFontTest, FailuresAreReportedAndALostFontManagerEndsTheLoop) {
+    for (uint32_t databaseID = 1; databaseID <= 4; ++databaseID)
+        fontManager.Match(databaseID, "Font");
+    Open("A");
+    fontManager.isBatchMode = false;
+    fontManager.statusOfSingleDeactivation = {{2, -5}, {3, 1000}};
+    EXPECT_EQ(Close("A"), 1000u);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(1, 2, 3));
+    EXPECT_THAT(trace.Text(), HasSubstr("XTDeactivateFont returned -5\n"));
+    // 3 stayed as it was and 4 was not reached: both are still held.
+    fontManager.deactivated.clear();
+    fontManager.statusOfSingleDeactivation.clear();
+    EXPECT_EQ(tracker.CloseAllFonts(true), 0u);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(3, 4));
+}
+
+TEST_F(FontByFontTest, AtQuitALostFontManagerEndsTheLoopButEmptiesTheRegister) {
+    for (uint32_t databaseID = 1; databaseID <= 3; ++databaseID)
+        fontManager.Match(databaseID, "Font");
+    Open("A");
+    fontManager.isBatchMode = false;
+    fontManager.statusOfSingleDeactivation = {{2, 1000}};
+    EXPECT_EQ(tracker.CloseAllFonts(true), 1000u);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(1, 2));
+    fontManager.deactivated.clear();
+    EXPECT_EQ(tracker.CloseAllFonts(true), 0u);
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+}
+
+TEST_F(FontByFontTest, NothingIsActivatedOutsideBatchMode) {
+    fontManager.isBatchMode = false;
+    fontManager.Match(7, "Seven");
+    EXPECT_EQ(Open("A"), 0u);
+    EXPECT_THAT(trace.Text(), Not(HasSubstr("RegisterFontWithDocument")));
+}
+
+TEST_F(FontActivationTrackerTest, RegistrationsFromSeveralThreadsAreAllCounted) {
+    const CFMutableDictionaryRef font = fontManager.Match(7, "Seven");
+    const CFRef<CFStringRef> name = cf::String("Seven");
+    const auto registerMany = [&](const char* document) {
+        for (int index = 0; index < 200; ++index)
+            tracker.RegisterFontWithDocument(font, name.get(), 7, {false, document, 0});
+    };
+    std::thread other(registerMany, "A");
+    registerMany("B");
+    other.join();
+    Close("A");
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+    Close("B");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+}

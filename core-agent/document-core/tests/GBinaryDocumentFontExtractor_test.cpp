@@ -1,1 +1,166 @@
+#include "GBinaryDocumentFontExtractor.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+#include "TemporaryFolder.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+class SmallChunkExtractor : public GBinaryDocumentFontExtractor {
+public:
+    SmallChunkExtractor(GFileSystemSpec spec, size_t chunkSize)
+        : GBinaryDocumentFontExtractor(std::move(spec)), mChunkSize(chunkSize) {}
+
+protected:
+    size_t ChunkSize() const override { return mChunkSize; }
+
+private:
+    size_t mChunkSize;
+};
+
+class ExtractorTest : public testing::Test {
+protected:
+    Names Extract(const std::string& fileName, const std::string& content, size_t chunkSize = 0x20000000) {
+        Names names{"cleared at the start"};
+        SmallChunkExtractor extractor(GFileSystemSpec(folder.Write(fileName, content)), chunkSize);
+        EXPECT_EQ(extractor.ExtractFontNames(names), 0u);
+        return names;
+    }
+
+    TemporaryFolder folder;
+};
+
+using IllustratorTest = ExtractorTest;
+using PhotoshopTest = ExtractorTest;
+using AfterEffectsTest = ExtractorTest;
+
+std::string Descriptor(const std::string& name, const std::string& separator = " /") {
+    return "<< /Type /FontDescriptor /FontName" + separator + name + " /Flags 4 >>\n";
+}
+
+/// A name as the text engine writes it: big-endian UTF-16 with its byte-order mark.
+std::string Utf16Name(const std::string& name) {
+    std::string bytes = "\xFE\xFF";
+    for (const char letter : name) {
+        bytes += '\0';
+        bytes += letter;
+    }
+    return bytes;
+}
+
+std::string FontSet(const std::vector<std::string>& names) {
+    std::string text = "/FontSet [ ";
+    for (const std::string& name : names)
+        text += "<< /Name (" + Utf16Name(name) + ") /Script 0 >> ";
+    return text + "] ";
+}
+
+std::string TextLayer(const std::vector<std::string>& names) {
+    std::string text = ">> /0 << /1 << /0 [ ";
+    for (const std::string& name : names)
+        text += "<< /0 << /99 /CoolTypeFont /0 << /0 (" + Utf16Name(name) + ") /2 1 >> >> ";
+    return text + "] >> ";
+}
+
+}  // namespace
+
+TEST_F(IllustratorTest, NamesLoseTheirSubsetTag) {
+    EXPECT_THAT(Extract("a.ai", Descriptor("ABCDEF+ComicNeue-Bold") + Descriptor("Helvetica") +
+                                    Descriptor("GHIJKL+Arial-BoldMT", "/")),
+                ElementsAre("Arial-BoldMT", "ComicNeue-Bold", "Helvetica"));
+}
+
+TEST_F(IllustratorTest, NamesEndAtTheNextSlashAndTheirLastPrintableByte) {
+    EXPECT_THAT(Extract("a.pdf", "/FontName /Times\r\n\t /Flags >> /FontName /Two Words /x >>"),
+                ElementsAre("Times", "Two Words"));
+    EXPECT_THAT(Extract("a.pdf", "/FontName /NoEnd >> /Flags"), IsEmpty());
+    EXPECT_THAT(Extract("a.pdf", std::string("/FontName /Caf\xE9x\0y /F >>", 24)), ElementsAre("Caféxy"));
+}
+
+TEST_F(IllustratorTest, TheDefaultFontAloneIsNoChoice) {
+    EXPECT_THAT(Extract("a.ait", Descriptor("AAAAAA+MyriadPro-Regular")), IsEmpty());
+    EXPECT_THAT(Extract("a.ai", Descriptor("MyriadPro-Regular") + Descriptor("Courier")),
+                ElementsAre("Courier", "MyriadPro-Regular"));
+}
+
+TEST_F(IllustratorTest, EscapedTextIsPassedOver) {
+    CapturedTrace trace;
+    EXPECT_THAT(Extract("a.ai", "xx\\/FontName /Escaped /F >> " + Descriptor("Real")), ElementsAre("Real"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Ignoring match at offset 3 because previous char is 0x005c\n"));
+    // Right at the start the byte before is not looked at.
+    EXPECT_THAT(Extract("a.ai", "\\/FontName /AtOffsetOne /F >>"), ElementsAre("AtOffsetOne"));
+}
+
+TEST_F(PhotoshopTest, TheInvisibleFontEndsTheListItDoesNotOpen) {
+    EXPECT_THAT(Extract("a.psd", FontSet({"AdobeInvisFont", "One", "Two"})), ElementsAre("One", "Two"));
+    EXPECT_THAT(Extract("a.psb", FontSet({"One", "AdobeInvisFont", "Unused"}) + FontSet({"Three"})),
+                ElementsAre("One", "Three"));
+}
+
+TEST_F(AfterEffectsTest, TheDefaultFontCountsWhenTheInvisibleOneFollows) {
+    EXPECT_THAT(Extract("a.aep", TextLayer({"One", "Two"})), ElementsAre("One", "Two"));
+    EXPECT_THAT(Extract("a.aet", TextLayer({"Myriad-Roman", "One"})), ElementsAre("One"));
+    EXPECT_THAT(Extract("a.aepx", TextLayer({"Myriad-Roman", "One", "AdobeInvisFont", "Two"})),
+                ElementsAre("Myriad-Roman", "One"));
+    EXPECT_THAT(Extract("a.aep", TextLayer({"One", "Myriad-Roman", "AdobeInvisFont"})), ElementsAre("One"));
+    EXPECT_THAT(Extract("a.aep", TextLayer({"AdobeInvisFont", "One"}) + TextLayer({"Two"})),
+                ElementsAre("Two"));
+}
+
+TEST_F(ExtractorTest, TheExtensionPicksTheKindExactly) {
+    const std::string content =
+        Descriptor("Illustrator") + FontSet({"Photoshop"}) + TextLayer({"AfterEffects"});
+    EXPECT_THAT(Extract("a.ai", content), ElementsAre("Illustrator"));
+    EXPECT_THAT(Extract("a.psd", content), ElementsAre("Photoshop"));
+    EXPECT_THAT(Extract("a.aep", content), ElementsAre("AfterEffects"));
+    EXPECT_THAT(Extract("a.eps", content), IsEmpty());
+    for (const char* unknown : {"a.AI", "a", "a.ai.bak"})
+        EXPECT_THAT(Extract(unknown, content), ElementsAre("AfterEffects", "Illustrator", "Photoshop"));
+}
+
+TEST_F(ExtractorTest, WhatAChunkCutsIsFoundInTheNext) {
+    std::string illustrator = "%PDF-1.4\n";
+    std::string photoshop = "8BPS";
+    std::string afterEffects = "RIFX";
+    for (const char* name : {"First", "Second-Bold", "Third-Italic"}) {
+        illustrator += std::string(37, '.') + Descriptor(name);
+        photoshop += std::string(41, '.') + FontSet({name});
+        afterEffects += std::string(43, '.') + TextLayer({name});
+    }
+    // Large enough for the longest dictionary, which is what a chunk must hold.
+    for (size_t chunkSize = 160; chunkSize < 320; ++chunkSize) {
+        const auto all = ElementsAre("First", "Second-Bold", "Third-Italic");
+        EXPECT_THAT(Extract("a.ai", illustrator, chunkSize), all) << chunkSize;
+        EXPECT_THAT(Extract("a.psd", photoshop, chunkSize), all) << chunkSize;
+        EXPECT_THAT(Extract("a.aep", afterEffects, chunkSize), all) << chunkSize;
+    }
+}
+
+TEST_F(ExtractorTest, ARangeThatNeverEndsDoesNotHoldTheSearchUp) {
+    const std::string endless = ">> /0 << /1 << /0 [ " + std::string(1000, 'x');
+    EXPECT_THAT(Extract("a.aep", endless, 64), IsEmpty());
+    EXPECT_THAT(Extract("a.psd", "/FontSet [ " + std::string(1000, 'x'), 64), IsEmpty());
+    EXPECT_THAT(Extract("a.ai", "..../FontName /X" + std::string(1000, 'x'), 64), IsEmpty());
+}
+
+TEST_F(ExtractorTest, AFileThatCannotBeReadIsReportedWithWhatFailed) {
+    CapturedTrace trace;
+    Names names;
+    EXPECT_EQ(GBinaryDocumentFontExtractor(GFileSystemSpec(folder / "missing.ai")).ExtractFontNames(names),
+              GFileSystem::kFileNotFound);
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='GFileSystem::OSGetFileSize(mFileSpec, fileSize)'"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='ExtractFromIllustrator(fontNames)'"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("[BinaryDocumentFontExtractor]\t[Error]\tError='GFileSystem::kFileNotFound'"));
+    EXPECT_EQ(GBinaryDocumentFontExtractor(GFileSystemSpec(folder / ".")).ExtractFontNames(names),
+              GFileSystem::kInvalidPath);
+    EXPECT_THAT(Extract("empty.ai", ""), IsEmpty());
+}

@@ -1,1 +1,103 @@
+#include "AgentLauncher.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+#include "FakePlatform.h"
+#include "TemporaryFolder.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr char kInfoFile[] = "Vantorix/com.vantorix.Pellwick-LaunchInfo.conf";
+
+class AgentLauncherTest : public testing::Test {
+protected:
+    AgentLauncherTest() {
+        folders.paths = {{platform::KnownFolder::kAllUsersApplicationData, allUsers / "."},
+                         {platform::KnownFolder::kLocalApplicationData, local / "."}};
+        agent = local.Write("agent 字/Pellwick", "");
+    }
+    void WriteInfo(const TemporaryFolder& folder, const std::string& agentPath,
+                   const std::string& arguments = "") {
+        folder.Write(kInfoFile, "pellwick.path=" + agentPath + "\npellwick.args=" + arguments + "\n");
+    }
+
+    CapturedTrace trace;
+    FakeProcesses processes;
+    FakeFolders folders;
+    TemporaryFolder allUsers;
+    TemporaryFolder local;
+    std::string agent;
+    std::string found;
+};
+
+}  // namespace
+
+TEST_F(AgentLauncherTest, ARunningProcessIsFoundByItsNameInAnyCase) {
+    processes.running = {{1, "/a/PellwickHelper"}, {2, "/b/pellwick.EXE"}, {3, "/c/Pellwick"}};
+    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pellwick", found), 0u);
+    EXPECT_EQ(found, "/b/");
+    EXPECT_EQ(trace.Text(),
+              "Entering GetPathToRunningProcessExe('Pellwick', ...)\n"
+              "GetPathToRunningProcessExe('Pellwick', '/b/') returned 0\n");
+    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("pellwick.exe", found), 0u);
+    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pell.wick", found), CoreErrorCodes::kUnknownError)
+        << "a name with a dot is taken as it is";
+    processes.listError.code = 5;
+    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pellwick", found), CoreErrorCodes::kUnknownError);
+}
+
+TEST_F(AgentLauncherTest, LaunchInfoLinesHaveAKeyAndAValue) {
+    const auto path = [](const std::string& text) {
+        return AgentLauncher::LaunchInfoValue(text, "pellwick.path");
+    };
+    EXPECT_EQ(path("pellwick.args=-x\r\npellwick.path=/a b/P\r\n"), "/a b/P");
+    EXPECT_EQ(path("pellwick.path=/end/of/text"), "/end/of/text");
+    EXPECT_EQ(path("junk\n=\n\rpellwick.path=/a=b\r"), "/a=b");
+    EXPECT_EQ(path("pellwick.path\n=/no"), "");
+    EXPECT_EQ(path("Pellwick.path=/case\n pellwick.path=/blank"), "");
+    EXPECT_EQ(path("pellwick.path=/first\npellwick.path=/second"), "/first");
+    EXPECT_EQ(path(""), "");
+}
+
+TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArguments) {
+    WriteInfo(allUsers, agent, "--quiet");
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
+    EXPECT_EQ(found, local / "agent 字/");
+    EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" --quiet"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Attempting to launch Pellwick: \"" + agent + "\" --quiet\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Successfully launched Pellwick at: " + agent + " --quiet\n"));
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(nullptr), 0u);
+}
+
+TEST_F(AgentLauncherTest, AMissingAgentFallsBackToTheUsersOwnFolder) {
+    WriteInfo(allUsers, "/no/such/Pellwick");
+    WriteInfo(local, agent);
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("but the Pellwick.exe was not found at the specified path (/no/such/Pellwick)\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning fail\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning success\n"));
+}
+
+TEST_F(AgentLauncherTest, EachWayToFailEndsInAgentNotFound) {
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
+    EXPECT_THAT(trace.Text(), HasSubstr("Error 2 on attempt to open launch info file at: "));
+    EXPECT_THAT(processes.launchedCommandLines, IsEmpty());
+    WriteInfo(local, agent);
+    processes.launchError.code = 13;
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
+    EXPECT_THAT(trace.Text(), HasSubstr("Error 13 on call to CreateProcess('\"" + agent + "\" ')\n"));
+    processes.launchError.code = 0;
+    processes.childExitStatus = 9;
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
+    EXPECT_THAT(trace.Text(), HasSubstr("'\"" + agent + "\" ' already exited with error 9\n"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr(" Could not launch Pellwick.exe\nFindAndLaunchPellwick returning 33562629\n"));
+    EXPECT_EQ(found, "");
+}

@@ -1,1 +1,158 @@
+#include "MarquellGlobals.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+#include "FakeFontManager.h"
+#include "FakeFramework.h"
+#include "FakePlatform.h"
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+constexpr char kModule[] = "/plugins/libPluginCore.so";
+
+class MarquellGlobalsTest : public testing::Test {
+protected:
+    ~MarquellGlobalsTest() override { MarquellGlobals::ResetForTesting(); }
+
+    void SetUpIdentity(const std::string& identifier, const std::string& prefix = "") {
+        MarquellGlobals::SetUpPluginIdentity(identifier, prefix, [] { return "8.0.1.0"; });
+    }
+    bool IsCompatible(bool& disableDialogs) {
+        return MarquellGlobals::RunningInCompatibleHostApp(disableDialogs);
+    }
+    void SetHostVersion(const std::string& version) {
+        versions.values[{"/host/" + processes.currentName, "FileVersion"}] = version;
+    }
+
+    CapturedTrace trace;
+    FakeLibraries libraries;
+    FakeVersionResources versions;
+    FakeProcesses processes;
+    FakeWindowing windowing;
+};
+
+}  // namespace
+
+TEST_F(MarquellGlobalsTest, ABundleIdentifierReadsTheLibrarysOwnVersions) {
+    versions.values = {{{kModule, "PrivateBuild"}, "8.0.0.1"},
+                       {{kModule, "InternalName"}, "PluginCore"},
+                       {{kModule, "HostAppMinimumVersion"}, "27.0"}};
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI28", "28.");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "8.0.0.1");
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "Illustrator2024") << "the core's own name is no host";
+    EXPECT_EQ(MarquellGlobals::GetHostAppMinimumVersion(), "27.0");
+    EXPECT_EQ(MarquellGlobals::GetVersionPrefixRequired(), "28.");
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), kModule);
+    EXPECT_EQ(MarquellGlobals::GetPluginInterfaceVersion(), "8.0.1.0");
+    EXPECT_EQ(MarquellGlobals::GetHostWindowName(), "illustrator");
+    EXPECT_THAT(trace.Text(), HasSubstr("Plugin path is '/plugins/libPluginCore.so'.\n"
+                                        "IdentifyPluginInterfaceVersion(8.0.1.0)\n"
+                                        "Entering IdentifyPluginVersion('8.0.0.1')\n"
+                                        "Exiting IdentifyPluginVersion()\n"));
+}
+
+TEST_F(MarquellGlobalsTest, APathReadsThatFilesVersions) {
+    versions.values = {{{"/p/ae.plugin", "PrivateBuild"}, "7.0"},
+                       {{"/p/ae.plugin", "InternalName"}, "AfterEffects2026"}};
+    SetUpIdentity("/p/ae.plugin");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "7.0");
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "AfterEffects2026");
+    EXPECT_TRUE(MarquellGlobals::HostAppIsAfterEffects());
+    EXPECT_EQ(MarquellGlobals::GetHostShortCode(), "ae");
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), "/p/ae.plugin");
+}
+
+TEST_F(MarquellGlobalsTest, WithoutAModuleTheVersionIsUnknown) {
+    libraries.pathOfThisModule = std::string(4096, 'x');
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "x.x.x.x");
+    EXPECT_THAT(trace.Text(), HasSubstr("after GetModuleFileNameW()\n"));
+}
+
+TEST_F(MarquellGlobalsTest, TheFlagsGateThePluginAndLogTheirChanges) {
+    EXPECT_FALSE(MarquellGlobals::IsPluginFunctional());
+    MarquellGlobals::SetPluginServicesEnabled(true);
+    MarquellGlobals::SetLoggedIn(true);
+    EXPECT_FALSE(MarquellGlobals::IsPluginFunctional());
+    MarquellGlobals::SetPluginFunctionalityEnabled(true);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional()) << "being connected is no part of it";
+    MarquellGlobals::SetConnectedToCore(true);
+    MarquellGlobals::SetBulkReplicationRunning(true);
+    MarquellGlobals::SetIncrementalReplicationRunning(false);
+    EXPECT_EQ(trace.Text(),
+              "Calling MarquellGlobals::SetPluginServicesEnabled( enable=1 )\n"
+              "Calling MarquellGlobals::SetLoggedIn(loggedIn=1)\n"
+              "Calling MarquellGlobals::SetConnectedToCore(connected=1)\n"
+              "Calling MarquellGlobals::SetBulkReplicationRunning(isReplicating=1)\n"
+              "Calling MarquellGlobals::SetIncrementalReplicationRunning(isReplicating=0)\n");
+}
+
+TEST_F(MarquellGlobalsTest, AHostOfTheRightVersionIsCompatible) {
+    bool disableDialogs = false;
+    SetHostVersion("18.5.0.64");
+    versions.values[{kModule, "HostAppMinimumVersion"}] = "19.0";
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29", "18.");
+    EXPECT_TRUE(IsCompatible(disableDialogs)) << "a required prefix overrules the minimum version";
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29", "");
+    EXPECT_FALSE(IsCompatible(disableDialogs));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("RunningInCompatibleHostApp: app version (18.5.0.64) incompatible with "
+                          "minimumVersionRequired (19.0)\n"));
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29", "18.6");
+    EXPECT_FALSE(IsCompatible(disableDialogs));
+    EXPECT_THAT(trace.Text(), HasSubstr("incompatible with versionPrefixRequired (18.6)\n"));
+    SetHostVersion("19");
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29", "");
+    EXPECT_TRUE(IsCompatible(disableDialogs));
+    EXPECT_FALSE(disableDialogs);
+}
+
+TEST_F(MarquellGlobalsTest, AProcessThatIsNoHostGetsNoDialogs) {
+    bool disableDialogs = false;
+    processes.currentName = "bash";
+    EXPECT_FALSE(IsCompatible(disableDialogs));
+    EXPECT_TRUE(disableDialogs);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("RunningInCompatibleHostApp: returning 0, and disable dialogs is 1\n"));
+}
+
+TEST_F(MarquellGlobalsTest, TheMainWindowIsFoundByClassThenByTitle) {
+    int a = 0;
+    int b = 0;
+    EXPECT_EQ(MarquellGlobals::GetHostAppMainWindow(), nullptr) << "no host, no window";
+    MarquellGlobals::SetHostApp("Photoshop2024");
+    windowing.topLevel = {{&a, ""}, {&b, "doc.psd - Adobe Photoshop 2024"}};
+    EXPECT_EQ(MarquellGlobals::GetHostAppMainWindow(), &b);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("FindWindowA('Photoshop', NULL) returned NULL\n"
+                          "Entering MarquellGlobals::FindWindowWithMatchingTitle(Adobe Photoshop, NULL)\n"));
+    windowing.byClass["Photoshop"] = &a;
+    EXPECT_EQ(MarquellGlobals::GetHostAppMainWindow(), &a);
+    EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Adobe", "Panel"), nullptr);
+    windowing.below[&b] = {{&a, ""}, {&a, "The Panel"}};
+    EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Adobe", "Panel"), &b);
+    EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Missing", nullptr), nullptr);
+}
+
+TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {
+    FakeFontManager fontManager;
+    EXPECT_FALSE(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Entering MarquellGlobals::SaveDocumentFonts (path=/a.ai, hint=0x00000000)\n"));
+    EXPECT_THAT(trace.Text(),
+                testing::EndsWith("Exiting MarquellGlobals::SaveDocumentFonts not valid, not enabled, or "
+                                  "not logged in\n"));
+}
+
+TEST_F(MarquellGlobalsTest, TheHostsFontListIsRefreshedTwice) {
+    int count = 0;
+    MarquellGlobals::RefreshActiveFontList([](void* context) { ++*static_cast<int*>(context); }, &count);
+    EXPECT_EQ(count, 2);
+    MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
+    EXPECT_THAT(trace.Text(), StartsWith("Entering MarquellGlobals::RefreshActiveFontList\n"));
+}

@@ -1,1 +1,75 @@
+#include "VPFInterface.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+#include "FakeFramework.h"
+#include "FakePlatform.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+FakeFramework* frameworkToCreate = nullptr;
+std::string identifierGiven;
+
+VantorixPluginFramework* Create(uint32_t, const char* identifier, CFDictionaryRef) {
+    identifierGiven = identifier;
+    return frameworkToCreate;
+}
+
+const VPFInterface::Identity kIdentity{"Illustrator2025", "8.0", "com.vantorix.X", "8.1"};
+
+class VPFInterfaceTest : public testing::Test {
+protected:
+    VPFInterfaceTest() { frameworkToCreate = &framework; }
+
+    CapturedTrace trace;
+    FakeLibraries libraries;
+    FakeFramework framework;
+};
+
+}  // namespace
+
+TEST_F(VPFInterfaceTest, BindsTheFrameworkBesideTheCore) {
+    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
+    {
+        VPFInterface interface(kIdentity);
+        EXPECT_EQ(interface.GetFrameworkState(), VPFInterface::kBound);
+        EXPECT_EQ(identifierGiven, "com.vantorix.X");
+        EXPECT_EQ(cf::GetString(interface.Identification(), "HostApp"), "Illustrator2025");
+        EXPECT_EQ(cf::GetString(interface.Identification(), "VantorixPluginInterfaceVersion"), "8.1");
+        framework.numbers["EnablePlugin"] = 1;
+        EXPECT_TRUE(interface.GetBoolPreference("EnablePlugin"));
+        framework.answers = {1, 2};
+        EXPECT_TRUE(interface.AskYesNo(message_boxes::kRelaunchAgent));
+        EXPECT_FALSE(interface.AskYesNo(message_boxes::kRelaunchAgent));
+    }
+    EXPECT_TRUE(framework.isReleased);
+    EXPECT_THAT(
+        trace.Text(),
+        HasSubstr("VPFInterface::VPFInterface(hostApp='Illustrator2025', pluginVersion='8.0', "
+                  "pluginBundleIdentifier='com.vantorix.X', vantorixPluginInterfaceVersion='8.1')\n"));
+}
+
+TEST_F(VPFInterfaceTest, EachWayToFailHasItsState) {
+    EXPECT_EQ(VPFInterface(VPFInterface::Identity{}).GetFrameworkState(), VPFInterface::kIdentityUnknown);
+    EXPECT_THAT(trace.Text(), HasSubstr("(hostApp='NULL', pluginVersion='NULL'"));
+    EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kLibraryNotFound);
+    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
+    libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
+    frameworkToCreate = nullptr;
+    EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
+}
+
+TEST_F(VPFInterfaceTest, WithoutAFrameworkEverythingAnswersAsIfNobodyWereThere) {
+    VPFInterface interface(kIdentity, nullptr);
+    EXPECT_FALSE(interface.GetBoolPreference("EnablePlugin"));
+    EXPECT_EQ(interface.GetIntPreference("CS5PanelWidth"), 0);
+    EXPECT_FALSE(interface.SetIntPreference("CS5PanelWidth", 1));
+    EXPECT_FALSE(interface.AskYesNo(message_boxes::kRelaunchAgent));
+    interface.ShowMessageBox(message_boxes::kNotLoggedIn);
+}
