@@ -1,0 +1,200 @@
+#include "library/TarnwickFramework.h"
+
+#include <CoreFoundation++/CFRef.h>
+
+#include <vector>
+
+#include "TraceLog.h"
+#include "library/DialogQuestions.h"
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "strings/LocalizedStrings.h"
+
+namespace {
+
+/// What `action` answers, or `fallback` and a log line when it throws.
+template <class Result, class Action>
+Result Guarded(const char* function, Result fallback, Action action) noexcept {
+    try {
+        return action();
+    } catch (const std::exception& failure) {
+        LogMessage(0, "ERROR:  %s failed: %s", function, failure.what());
+    } catch (...) {
+        LogMessage(0, "ERROR:  %s failed", function);
+    }
+    return fallback;
+}
+
+std::string PreferencesFolder() {
+    const std::string folder =
+        platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kConfiguration);
+    return folder.empty() ? std::string() : folder + platform::kPathSeparator + "Vantorix";
+}
+
+/// Null for an object that no preference can hold.
+nlohmann::json PreferenceValue(CFTypeRef object) {
+    if (const auto boolean = cf::As<CFBooleanRef>(object))
+        return CFBooleanGetValue(boolean) != 0;
+    if (const auto whole = cf::ToInt64(object))
+        return *whole;
+    if (const auto real = cf::ToDouble(object))
+        return *real;
+    const auto text = cf::As<CFStringRef>(object);
+    return text != nullptr ? nlohmann::json(cf::ToUtf8(text)) : nlohmann::json();
+}
+
+nlohmann::json PreferenceValues(CFDictionaryRef dictionary) {
+    const auto count = static_cast<size_t>(cf::Count(dictionary));
+    std::vector<const void*> keys(count);
+    std::vector<const void*> values(count);
+    if (count > 0)
+        CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
+    nlohmann::json preferences = nlohmann::json::object();
+    for (size_t index = 0; index < count; ++index) {
+        nlohmann::json value = PreferenceValue(values[index]);
+        const auto key = cf::As<CFStringRef>(keys[index]);
+        if (key != nullptr && !value.is_null())
+            preferences[cf::ToUtf8(key)] = std::move(value);
+    }
+    return preferences;
+}
+
+}  // namespace
+
+TarnwickFramework::TarnwickFramework(const Identity& identity, const std::string& preferencesFolder,
+                                     std::string language, std::unique_ptr<Presenter> presenter)
+    : mPluginVersion(identity.pluginVersion),
+      mLanguage(std::move(language)),
+      mPreferences(preferencesFolder, identity.bundleIdentifier, identity.hostApp),
+      mPresenter(std::move(presenter)) {}
+
+VantorixPluginFramework* TarnwickFramework::Create(const char* bundleIdentifier,
+                                                   CFDictionaryRef identification) noexcept {
+    return Guarded<VantorixPluginFramework*>(__func__, nullptr, [=]() {
+        const Identity identity{bundleIdentifier != nullptr ? bundleIdentifier : "",
+                                cf::GetString(identification, "HostApp"),
+                                cf::GetString(identification, "PluginVersion")};
+        const std::string language = platform::UserLanguage();
+        return std::make_unique<TarnwickFramework>(identity, PreferencesFolder(), language,
+                                                   ChoosePresenter(language))
+            .release();
+    });
+}
+
+void TarnwickFramework::Release() {
+    const std::unique_ptr<TarnwickFramework> last(this);
+}
+
+bool TarnwickFramework::GetBoolPreference(const char* key) {
+    return Guarded(__func__, false, [=, this] { return key != nullptr && mPreferences.GetBool(key); });
+}
+
+int64_t TarnwickFramework::GetIntPreference(const char* key) {
+    return Guarded(__func__, int64_t{0}, [=, this] { return key != nullptr ? mPreferences.GetInt(key) : 0; });
+}
+
+CFStringRef TarnwickFramework::CopyStringPreference(const char* key) {
+    const CFStringRef text = Guarded<CFStringRef>(__func__, nullptr, [=, this] {
+        return key != nullptr ? cf::String(mPreferences.GetString(key)).release() : nullptr;
+    });
+    return text != nullptr ? text : static_cast<CFStringRef>(CFRetain(CFSTR("")));
+}
+
+bool TarnwickFramework::Store(const char* key, const nlohmann::json& value) {
+    return key != nullptr && mPreferences.Set(key, value);
+}
+
+bool TarnwickFramework::SetBoolPreference(const char* key, bool value) {
+    return Guarded(__func__, false, [=, this] { return Store(key, value); });
+}
+
+bool TarnwickFramework::SetIntPreference(const char* key, int64_t value) {
+    return Guarded(__func__, false, [=, this] { return Store(key, value); });
+}
+
+bool TarnwickFramework::SetStringPreference(const char* key, CFStringRef value) {
+    return Guarded(__func__, false, [=, this] { return value != nullptr && Store(key, cf::ToUtf8(value)); });
+}
+
+bool TarnwickFramework::AreDefaultsRegistered() {
+    return Guarded(__func__, false, [this] { return mPreferences.AreDefaultsRegistered(); });
+}
+
+bool TarnwickFramework::RegisterDefaults(CFDictionaryRef defaults) {
+    return Guarded(__func__, false, [=, this] {
+        const nlohmann::json values = PreferenceValues(defaults);
+        const bool isUnderstood = values.size() == static_cast<size_t>(cf::Count(defaults));
+        return isUnderstood && mPreferences.RegisterDefaults(values);
+    });
+}
+
+bool TarnwickFramework::IsPreferenceStoreUsable() {
+    return Guarded(__func__, false, [this] { return mPreferences.IsUsable(); });
+}
+
+CFStringRef TarnwickFramework::CopyLocalizedString(uint32_t stringID) {
+    return Guarded<CFStringRef>(__func__, nullptr, [=, this]() -> CFStringRef {
+        const char* text = FindLocalizedString(mLanguage, stringID);
+        return text != nullptr ? cf::String(text).release() : nullptr;
+    });
+}
+
+std::string TarnwickFramework::Text(uint32_t stringID) const {
+    const char* text = FindLocalizedString(mLanguage, stringID);
+    return text != nullptr ? text : "Message " + std::to_string(stringID);
+}
+
+int32_t TarnwickFramework::ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) {
+    MessageBoxQuestion question{titleID, textID, buttons, {}, {}};
+    return Guarded(__func__, DefaultAnswer(question), [&] {
+        question.title = Text(titleID);
+        question.text = Text(textID);
+        return mPresenter->AskMessageBox(question);
+    });
+}
+
+bool TarnwickFramework::Confirm(const DialogQuestion& question) {
+    return IsConfirmed(mPresenter->AskDialog(question));
+}
+
+bool TarnwickFramework::ShowAbout() {
+    return Guarded(__func__, false, [this] { return Confirm(AboutQuestion(mPluginVersion)); });
+}
+
+bool TarnwickFramework::ShowPreferences() {
+    return Guarded(__func__, false, [this] { return Confirm(PreferencesQuestion()); });
+}
+
+bool TarnwickFramework::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) {
+    return Guarded(__func__, false, [=, this] {
+        if (workgroups == nullptr || workgroupID == nullptr)
+            return false;
+        const DialogQuestion question = SelectWorkgroupQuestion(workgroups, *workgroupID);
+        const auto chosen = ChosenWorkgroup(question, mPresenter->AskDialog(question));
+        *workgroupID = chosen.value_or(*workgroupID);
+        return chosen.has_value();
+    });
+}
+
+bool TarnwickFramework::ShowCommandBox(CFDictionaryRef state, int32_t* command) {
+    return Guarded(__func__, false, [=, this] {
+        if (command == nullptr)
+            return false;
+        const auto chosen = ChosenCommand(mPresenter->AskDialog(CommandBoxQuestion(state)));
+        *command = chosen.value_or(*command);
+        return chosen.has_value();
+    });
+}
+
+// Which replacements were chosen cannot be told yet, so nothing is ever resolved here.
+bool TarnwickFramework::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef, CFMutableArrayRef) {
+    return Guarded(__func__, false, [=, this] {
+        mPresenter->AskDialog(ResolveFontsQuestion(fonts));
+        return false;
+    });
+}
+
+bool TarnwickFramework::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
+    return Guarded(__func__, false, [=, this] { return Confirm(RestrictedFontsQuestion(fonts, onlyNew)); });
+}

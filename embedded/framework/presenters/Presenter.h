@@ -1,0 +1,50 @@
+// Who asks the user. The framework puts its questions to one presenter; which one depends on what surrounds
+// the process (see ChoosePresenter).
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "VantorixPluginFramework.h"
+
+struct MessageBoxQuestion {
+    uint32_t titleID = 0;
+    uint32_t textID = 0;
+    MessageBoxButtons buttons = MessageBoxButtons::kOk;
+    std::string title;  ///< in the user's language
+    std::string text;
+};
+
+/// 1 or 2.
+int32_t ButtonCount(const MessageBoxQuestion& question);
+/// The answer when there is nobody to ask: 1 for one button, 2 (no) for two.
+int32_t DefaultAnswer(const MessageBoxQuestion& question);
+
+/// A dialog is a name and what it shows. How each is composed, and what its answer means, is the business of
+/// DialogQuestions.h; presenters only show and answer.
+struct DialogQuestion {
+    std::string dialog;  ///< "About", "Preferences", "SelectWorkgroup", "CommandBox", ...
+    nlohmann::json details;
+};
+
+/// Null or false: the dialog was not confirmed, which is also the default. True: confirmed as it stood. An
+/// object: confirmed with these choices.
+using DialogAnswer = nlohmann::json;
+
+/// Main thread.
+class Presenter {
+public:
+    virtual ~Presenter() = default;
+
+    /// The number of the button, from 1 to ButtonCount.
+    virtual int32_t AskMessageBox(const MessageBoxQuestion& question) = 0;
+    virtual DialogAnswer AskDialog(const DialogQuestion& question) = 0;
+};
+
+/// A scripted presenter when the environment variable PLUGINCORE_ANSWERS names a file of answers; else a
+/// terminal presenter when a person sits at standard input and standard error; else a silent one. With
+/// PLUGINCORE_ANSWERS_LOG every question and its answer is recorded in the file of that name. `language` is a
+/// two-letter code.
+std::unique_ptr<Presenter> ChoosePresenter(const std::string& language);

@@ -1,0 +1,31 @@
+#include "presenters/RecordingPresenter.h"
+
+#include <fstream>
+
+#include "TraceLog.h"
+#include "preferences/Utf8Path.h"
+
+int32_t RecordingPresenter::AskMessageBox(const MessageBoxQuestion& question) {
+    const int32_t answer = mPresenter->AskMessageBox(question);
+    Append({{"titleID", question.titleID},
+            {"textID", question.textID},
+            {"title", question.title},
+            {"text", question.text},
+            {"buttons", ButtonCount(question)},
+            {"answer", answer}});
+    return answer;
+}
+
+DialogAnswer RecordingPresenter::AskDialog(const DialogQuestion& question) {
+    DialogAnswer answer = mPresenter->AskDialog(question);
+    Append({{"dialog", question.dialog}, {"details", question.details}, {"answer", answer}});
+    return answer;
+}
+
+void RecordingPresenter::Append(const nlohmann::ordered_json& line) {
+    const std::string text =
+        line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    std::ofstream file(Utf8Path(mLogFile), std::ios::app | std::ios::binary);
+    if (!(file << text << std::flush))
+        LogMessage(0, "Cannot write to '%s', which PLUGINCORE_ANSWERS_LOG names", mLogFile.c_str());
+}

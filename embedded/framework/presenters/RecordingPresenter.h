@@ -1,0 +1,19 @@
+// Records what another presenter is asked and what it answers: one JSON object per line, appended to a file.
+#pragma once
+
+#include "presenters/Presenter.h"
+
+class RecordingPresenter : public Presenter {
+public:
+    RecordingPresenter(std::unique_ptr<Presenter> presenter, std::string logFile)
+        : mPresenter(std::move(presenter)), mLogFile(std::move(logFile)) {}
+
+    int32_t AskMessageBox(const MessageBoxQuestion& question) override;
+    DialogAnswer AskDialog(const DialogQuestion& question) override;
+
+private:
+    void Append(const nlohmann::ordered_json& line);
+
+    const std::unique_ptr<Presenter> mPresenter;
+    const std::string mLogFile;
+};

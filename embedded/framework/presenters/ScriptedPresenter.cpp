@@ -1,0 +1,76 @@
+#include "presenters/ScriptedPresenter.h"
+
+#include <algorithm>
+
+#include "TraceLog.h"
+#include "platform/Files.h"
+
+namespace {
+
+constexpr uint64_t kLargestAnswersFile = 16 * 1024 * 1024;
+
+bool IsListOfObjects(const nlohmann::json& list) {
+    return list.is_array() &&
+           std::all_of(list.begin(), list.end(), [](const auto& entry) { return entry.is_object(); });
+}
+
+bool HasOther(const nlohmann::json& entry, const char* member, uint32_t id) {
+    return entry.contains(member) && entry[member] != id;
+}
+
+bool FitsMessageBox(const nlohmann::json& entry, const MessageBoxQuestion& question) {
+    return (entry.contains("titleID") || entry.contains("textID")) &&
+           !HasOther(entry, "titleID", question.titleID) && !HasOther(entry, "textID", question.textID);
+}
+
+bool IsButton(const nlohmann::json& answer, const MessageBoxQuestion& question) {
+    return answer.is_number_integer() && answer >= 1 && answer <= ButtonCount(question);
+}
+
+}  // namespace
+
+ScriptedPresenter::ScriptedPresenter(nlohmann::json answers) : mEntries(answers.begin(), answers.end()) {}
+
+// Null when no entry fits.
+template <class Fits>
+DialogAnswer ScriptedPresenter::TakeAnswer(Fits fits) {
+    const auto found = std::find_if(mEntries.begin(), mEntries.end(), fits);
+    if (found == mEntries.end())
+        return nullptr;
+    DialogAnswer answer = found->contains("answer") ? (*found)["answer"] : nlohmann::json();
+    if (!found->contains("repeat") || (*found)["repeat"] != true)
+        mEntries.erase(found);
+    return answer;
+}
+
+int32_t ScriptedPresenter::AskMessageBox(const MessageBoxQuestion& question) {
+    const DialogAnswer answer =
+        TakeAnswer([&question](const nlohmann::json& entry) { return FitsMessageBox(entry, question); });
+    if (IsButton(answer, question))
+        return answer.get<int32_t>();
+    if (!answer.is_null())
+        LogMessage(0, "The scripted answer to message %u/%u is not the number of a button", question.titleID,
+                   question.textID);
+    return mDefault.AskMessageBox(question);
+}
+
+DialogAnswer ScriptedPresenter::AskDialog(const DialogQuestion& question) {
+    const DialogAnswer answer = TakeAnswer([&question](const nlohmann::json& entry) {
+        return entry.contains("dialog") && entry["dialog"] == question.dialog;
+    });
+    return answer.is_null() ? mDefault.AskDialog(question) : answer;
+}
+
+nlohmann::json ReadAnswersFile(const std::string& path) {
+    std::string bytes;
+    if (const platform::SystemError error = platform::ReadWholeFile(path, bytes, kLargestAnswersFile)) {
+        LogMessage(0, "Cannot read '%s', which PLUGINCORE_ANSWERS names: %s", path.c_str(),
+                   platform::SystemErrorText(error).c_str());
+        return nlohmann::json::array();
+    }
+    nlohmann::json answers = nlohmann::json::parse(bytes, nullptr, false);
+    if (IsListOfObjects(answers))
+        return answers;
+    LogMessage(0, "'%s', which PLUGINCORE_ANSWERS names, holds no JSON array of objects", path.c_str());
+    return nlohmann::json::array();
+}

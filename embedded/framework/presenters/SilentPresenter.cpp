@@ -1,0 +1,23 @@
+#include "presenters/SilentPresenter.h"
+
+#include "TraceLog.h"
+
+int32_t ButtonCount(const MessageBoxQuestion& question) {
+    return question.buttons == MessageBoxButtons::kYesNo ? 2 : 1;
+}
+
+int32_t DefaultAnswer(const MessageBoxQuestion& question) {
+    return ButtonCount(question);
+}
+
+int32_t SilentPresenter::AskMessageBox(const MessageBoxQuestion& question) {
+    const int32_t answer = DefaultAnswer(question);
+    LogMessage(0, "Nobody to show message %u/%u to (\"%s: %s\"); answered with button %d", question.titleID,
+               question.textID, question.title.c_str(), question.text.c_str(), answer);
+    return answer;
+}
+
+DialogAnswer SilentPresenter::AskDialog(const DialogQuestion& question) {
+    LogMessage(0, "Nobody to show the dialog %s to; answered as not confirmed", question.dialog.c_str());
+    return nullptr;
+}

@@ -1,0 +1,10 @@
+// Nobody to ask: every question gets its default answer, and a line in the trace log.
+#pragma once
+
+#include "presenters/Presenter.h"
+
+class SilentPresenter : public Presenter {
+public:
+    int32_t AskMessageBox(const MessageBoxQuestion& question) override;
+    DialogAnswer AskDialog(const DialogQuestion& question) override;
+};

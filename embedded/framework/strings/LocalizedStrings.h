@@ -1,0 +1,20 @@
+// The texts of menus, dialogs and message boxes, by number, in the user's language.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+/// Texts are UTF-8. A text may hold printf conversions; then all languages have the same ones in the same
+/// order.
+struct LocalizedString {
+    uint32_t id;
+    const char* text;
+};
+
+/// The table of a language, by its two-letter code, in ascending order of the identifiers; English for a
+/// language that has none. Any thread.
+std::span<const LocalizedString> LocalizedStringTable(std::string_view language);
+
+/// The text in that language, else in English; null when there is none. Lives to process end. Any thread.
+const char* FindLocalizedString(std::string_view language, uint32_t id);

@@ -1,0 +1,94 @@
+// The library as the core finds it: loaded at run time.
+#include <CoreFoundation++/CFRef.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "FrameworkTestSupport.h"
+#include "VantorixPluginFramework.h"
+#include "platform/DynamicLibrary.h"
+
+namespace {
+
+struct Releaser {
+    void operator()(VantorixPluginFramework* framework) const { framework->Release(); }
+};
+using OwnedFramework = std::unique_ptr<VantorixPluginFramework, Releaser>;
+
+class FactoryTest : public testing::Test {
+protected:
+    FactoryTest() {
+        auto& libraries = platform::Current<platform::DynamicLibraries>();
+        platform::SystemError error;
+        const platform::LibraryHandle library = libraries.LoadFromPath(FRAMEWORK_LIBRARY, error);
+        if (library != nullptr)
+            mCreate = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
+                libraries.FindSymbol(library, kCreateVantorixPluginFramework));
+    }
+
+    void SetUp() override { ASSERT_NE(mCreate, nullptr) << FRAMEWORK_LIBRARY; }
+
+    OwnedFramework Create(uint32_t version = VantorixPluginFramework::kInterfaceVersion) const {
+        const auto identification = cf::MutableDictionary();
+        cf::Set(identification, "HostApp", "Illustrator2025");
+        return OwnedFramework(mCreate(version, "com.vantorix.Plugin", identification.get()));
+    }
+
+    CreateVantorixPluginFrameworkFunction mCreate = nullptr;
+    TemporaryFolder mFolder;
+    const std::string mPreferences = mFolder / "Vantorix/Preferences.json";
+    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", mFolder.Path()};
+    ScopedVariable mLanguage{"LC_ALL", "en_US.UTF-8"};
+    ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", std::nullopt};
+    ScopedVariable mAnswersLog{"PLUGINCORE_ANSWERS_LOG", std::nullopt};
+    ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", std::nullopt};
+};
+
+TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {
+    EXPECT_FALSE(Create(0));
+    EXPECT_FALSE(Create(VantorixPluginFramework::kInterfaceVersion + 1));
+    EXPECT_TRUE(Create());
+    EXPECT_TRUE(OwnedFramework(mCreate(VantorixPluginFramework::kInterfaceVersion, nullptr, nullptr)));
+}
+
+TEST_F(FactoryTest, PreferencesStandBelowTheConfigurationFolderOfTheUser) {
+    ASSERT_TRUE(Create()->SetIntPreference("Key", 5));
+    EXPECT_EQ(nlohmann::json::parse(ReadText(mPreferences)),
+              nlohmann::json::parse(R"({"com.vantorix.Plugin": {"Illustrator2025": {"Key": 5}}})"));
+    EXPECT_EQ(Create()->GetIntPreference("Key"), 5);
+    EXPECT_TRUE(Create()->IsPreferenceStoreUsable());
+
+    WriteText(mFolder / "file", "");
+    const ScopedVariable unusable("XDG_CONFIG_HOME", mFolder / "file");
+    const OwnedFramework framework = Create();
+    ASSERT_TRUE(framework);
+    EXPECT_FALSE(framework->IsPreferenceStoreUsable());
+    EXPECT_FALSE(framework->SetIntPreference("Key", 6));
+}
+
+TEST_F(FactoryTest, TheEnvironmentDecidesOnLanguageAndAnswers) {
+    WriteText(mFolder / "answers", R"([{"titleID": 604, "textID": 605, "answer": 1}])");
+    const ScopedVariable language("LC_ALL", "de_DE.UTF-8");
+    const ScopedVariable answers("PLUGINCORE_ANSWERS", mFolder / "answers");
+    const ScopedVariable answersLog("PLUGINCORE_ANSWERS_LOG", mFolder / "log");
+    const OwnedFramework framework = Create();
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(framework->CopyLocalizedString(200)).get()), "Einstellungen...");
+    EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 1);
+    EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 2);
+    EXPECT_THAT(ReadText(mFolder / "log"), testing::HasSubstr("\"answer\":1}\n{"));
+}
+
+TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const OwnedFramework framework = Create();
+    EXPECT_EQ(framework->ShowMessageBox(609, 610, MessageBoxButtons::kYesNo), 2);
+    WriteText(mPreferences, "damaged");
+    EXPECT_EQ(framework->GetIntPreference("Key"), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(ReadText(mPreferences + ".damaged-1"), "damaged");
+}
+
+}  // namespace

@@ -1,0 +1,181 @@
+#include "preferences/PreferenceFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <stdexcept>
+#include <thread>
+
+#include "FrameworkTestSupport.h"
+
+namespace {
+
+using nlohmann::json;
+
+class PreferenceFileTest : public testing::Test {
+protected:
+    TemporaryFolder mTemporary;
+    const std::string mFolder = mTemporary / "Vantorix";
+    const std::string mPath = mFolder + "/Preferences.json";
+    LogCapture mLog;
+};
+
+bool SetMember(PreferenceFile& file, const std::string& name, const json& value) {
+    return file.Change([&](json& root) { root[name] = value; });
+}
+
+json Parsed(const std::string& path) {
+    return json::parse(ReadText(path), nullptr, false);
+}
+
+TEST_F(PreferenceFileTest, TwoInstancesSeeEachOthersChangesAtOnceAndLoseNone) {
+    PreferenceFile one(mFolder), other(mFolder);
+    EXPECT_TRUE(one.Read()->empty());
+    EXPECT_FALSE(std::filesystem::exists(Utf8Path(mFolder))) << "reading makes nothing";
+    for (int round = 0; round < 10; ++round) {  // as long as the one before, and written in the same instant
+        ASSERT_TRUE(SetMember(one, "one", round));
+        EXPECT_EQ((*other.Read())["one"], round);
+        ASSERT_TRUE(SetMember(other, "other", 9 - round));
+        EXPECT_EQ(*one.Read(), json({{"one", round}, {"other", 9 - round}}));
+    }
+    std::filesystem::remove(Utf8Path(mPath));
+    EXPECT_TRUE(one.Read()->empty());
+    EXPECT_EQ(mLog.Text(), "");
+}
+
+TEST_F(PreferenceFileTest, AFileCutAnywhereIsSetAsideWithOneLineAndStoringGoesOn) {
+    PreferenceFile writer(mFolder);
+    ASSERT_TRUE(
+        SetMember(writer, "plug-in", {{"host", {{"text", "ü\n"}, {"number", -1.5}, {"flag", true}}}}));
+    const std::string whole = ReadText(mPath);
+    for (size_t length = 0; length + 1 < whole.size(); ++length) {  // the last byte is a line feed
+        TemporaryFolder own;
+        const std::string path = own / "Preferences.json";
+        WriteText(path, whole.substr(0, length));
+        const size_t linesBefore = mLog.LineCount();
+        PreferenceFile file(own.Path());
+        EXPECT_TRUE(file.Read()->empty()) << length;
+        EXPECT_TRUE(file.Read()->empty()) << length;
+        EXPECT_EQ(mLog.LineCount(), linesBefore + 1) << length;
+        EXPECT_EQ(ReadText(path + ".damaged-1"), whole.substr(0, length));
+        ASSERT_TRUE(SetMember(file, "after", length));
+        EXPECT_EQ(Parsed(path), json({{"after", length}}));
+    }
+}
+
+TEST_F(PreferenceFileTest, WhatIsNoPreferenceFileIsSetAsideUnderTheNextNumberAlsoWhenFoundOnWriting) {
+    std::string deep = "{\"a\":";
+    for (int level = 0; level < 100000; ++level)
+        deep += "[";
+    deep += std::string(100000, ']') + "}";
+    const std::vector<std::string> contents = {"[]", "5", "{\"a\":\"\xFF\"}", deep,
+                                               "{\"a\":\"" + std::string(1 << 20, 'x') + "\"}"};
+    int number = 0;
+    for (const std::string& content : contents) {
+        WriteText(mPath, content);
+        PreferenceFile file(mFolder);
+        ASSERT_TRUE(SetMember(file, "kept", ++number));
+        EXPECT_EQ(Parsed(mPath), json({{"kept", number}}));
+        EXPECT_EQ(ReadText(mPath + ".damaged-" + std::to_string(number)), content);
+        EXPECT_THAT(mLog.Text(), testing::HasSubstr("Preferences.json.damaged-" + std::to_string(number)));
+    }
+}
+
+TEST_F(PreferenceFileTest, ADamagedFileStaysWhereItIsWhileAnotherProcessHoldsTheLock) {
+    WriteText(mPath, "{");
+    platform::FileLock lock;
+    ASSERT_FALSE(lock.Acquire(mPath + ".lock", true));
+    PreferenceFile file(mFolder);
+    EXPECT_TRUE(file.Read()->empty());
+    EXPECT_EQ(ReadText(mPath), "{");
+    lock.Release();
+    EXPECT_TRUE(file.Read()->empty());
+    EXPECT_EQ(ReadText(mPath + ".damaged-1"), "{");
+}
+
+TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSo) {
+    WriteText(mTemporary / "file", "precious");
+    for (const std::string& folder : {mTemporary / "file", mTemporary / "file/below", std::string()}) {
+        PreferenceFile file(folder);
+        EXPECT_FALSE(file.IsUsable()) << folder;
+        EXPECT_FALSE(SetMember(file, "a", 1)) << folder;
+        EXPECT_TRUE(file.Read()->empty()) << folder;
+    }
+    EXPECT_EQ(ReadText(mTemporary / "file"), "precious");
+    EXPECT_NE(mLog.Text(), "");
+
+    std::filesystem::create_directories(Utf8Path(mPath));
+    PreferenceFile file(mFolder);
+    EXPECT_FALSE(file.IsUsable());
+    EXPECT_FALSE(SetMember(file, "a", 1));
+}
+
+TEST_F(PreferenceFileTest, AskingWhetherItIsUsableMakesTheFolderAndLeavesNothingInIt) {
+    PreferenceFile file(mFolder);
+    EXPECT_TRUE(file.IsUsable());
+    EXPECT_TRUE(std::filesystem::is_empty(Utf8Path(mFolder)));
+}
+
+TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {
+    PreferenceFile file(mFolder);
+    ASSERT_TRUE(SetMember(file, "a", 1));
+    EXPECT_THROW(file.Change([](json&) { throw std::runtime_error("no"); }), std::runtime_error);
+    EXPECT_THROW(SetMember(file, "a", "\xFF"), json::exception);
+    EXPECT_FALSE(SetMember(file, "a", std::string(1 << 20, 'x')));
+    EXPECT_EQ(Parsed(mPath), json({{"a", 1}}));
+    EXPECT_EQ(*file.Read(), json({{"a", 1}}));
+    EXPECT_TRUE(SetMember(file, "a", 2));
+}
+
+TEST_F(PreferenceFileTest, ProcessesAndThreadsThatWriteAtOnceLoseNothing) {
+    constexpr int kChanges = 20;
+    const auto addMembers = [this](const std::string& prefix) {
+        PreferenceFile file(mFolder);
+        bool areStored = true;
+        for (int number = 0; number < kChanges; ++number)
+            areStored = SetMember(file, prefix + std::to_string(number), number) && areStored;
+        return areStored;
+    };
+    std::vector<pid_t> children;
+    for (const char* prefix : {"a", "b", "c"})
+        children.push_back(StartChild([&] { return addMembers(prefix); }));
+    for (const pid_t child : children)
+        EXPECT_EQ(WaitForChild(child), 0);
+
+    PreferenceFile shared(mFolder);
+    const auto addToShared = [&shared](const std::string& prefix) {
+        for (int number = 0; number < kChanges; ++number) {
+            EXPECT_TRUE(SetMember(shared, prefix + std::to_string(number), number));
+            EXPECT_FALSE(shared.Read()->empty());
+        }
+    };
+    std::thread thread(addToShared, "d");
+    addToShared("e");
+    thread.join();
+    EXPECT_EQ(PreferenceFile(mFolder).Read()->size(), 5u * kChanges);
+}
+
+TEST_F(PreferenceFileTest, AKilledWriterLeavesAFileThatParsesAndALockThatIsFree) {
+    PreferenceFile reader(mFolder);
+    int last = 0;
+    for (int round = 0; round < 10; ++round) {
+        const pid_t child = StartChild([&] {
+            PreferenceFile writer(mFolder);
+            for (int number = last + 1;; ++number)
+                SetMember(writer, "number", number);
+            return true;
+        });
+        int seen = last;
+        while (seen < last + 1 + round)
+            seen = reader.Read()->value("number", 0);
+        kill(child, SIGKILL);
+        EXPECT_EQ(WaitForChild(child), 128 + SIGKILL);
+        last = Parsed(mPath).value("number", 0);
+        EXPECT_GE(last, seen);
+    }
+    EXPECT_TRUE(SetMember(reader, "number", 0));
+    EXPECT_EQ(mLog.Text(), "");
+}
+
+}  // namespace

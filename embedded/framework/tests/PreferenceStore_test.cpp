@@ -1,0 +1,80 @@
+#include "preferences/PreferenceStore.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "FrameworkTestSupport.h"
+
+namespace {
+
+using nlohmann::json;
+
+class PreferenceStoreTest : public testing::Test {
+protected:
+    json Stored() const { return json::parse(ReadText(mPath)); }
+
+    TemporaryFolder mFolder;
+    const std::string mPath = mFolder / "Preferences.json";
+    PreferenceStore mStore{mFolder.Path(), "com.vantorix.Plugin", "Illustrator2025"};
+};
+
+TEST_F(PreferenceStoreTest, EachPlugInAndHostHasItsOwnValuesAndForeignOnesAreKept) {
+    WriteText(mPath,
+              R"({"com.vantorix.Plugin": {"Other": {"Key": [1, {"kept": null}]}, "Illustrator2025": 7}})");
+    PreferenceStore otherPlugin(mFolder.Path(), "com.vantorix.Other", "Illustrator2025");
+    PreferenceStore unknown(mFolder.Path(), "", "\xFF");
+    EXPECT_TRUE(mStore.Set("Key", 1));
+    EXPECT_TRUE(otherPlugin.Set("Key", 2));
+    EXPECT_TRUE(unknown.Set("Key", 3));
+    EXPECT_EQ(mStore.GetInt("Key"), 1);
+    EXPECT_EQ(otherPlugin.GetInt("Key"), 2);
+    EXPECT_EQ(unknown.GetInt("Key"), 3);
+    EXPECT_EQ(Stored(), json::parse(R"({
+        "com.vantorix.Plugin": {"Other": {"Key": [1, {"kept": null}]}, "Illustrator2025": {"Key": 1}},
+        "com.vantorix.Other": {"Illustrator2025": {"Key": 2}},
+        "Unknown": {"\uFFFD": {"Key": 3}}})"));
+}
+
+TEST_F(PreferenceStoreTest, ReadersAreTolerantOfOtherTypes) {
+    struct Case {
+        json value;
+        bool asBool;
+        int64_t asInt;
+        std::string asString;
+    };
+    const int64_t least = std::numeric_limits<int64_t>::min();
+    for (const Case& each :
+         {Case{true, true, 1, ""}, Case{false, false, 0, ""}, Case{-3, true, -3, ""},
+          Case{least, true, least, ""}, Case{0.5, true, 0, ""}, Case{-2.9, true, -2, ""},
+          Case{1e300, true, 0, ""}, Case{std::numeric_limits<uint64_t>::max(), false, 0, ""},
+          Case{"12", false, 0, "12"}, Case{"ü\n\"", false, 0, "ü\n\""}, Case{nullptr, false, 0, ""},
+          Case{{1, 2}, false, 0, ""}, Case{{{"a", 1}}, false, 0, ""}}) {
+        ASSERT_TRUE(mStore.Set("Key", each.value));
+        EXPECT_EQ(mStore.GetBool("Key"), each.asBool) << each.value;
+        EXPECT_EQ(mStore.GetInt("Key"), each.asInt) << each.value;
+        EXPECT_EQ(mStore.GetString("Key"), each.asString) << each.value;
+    }
+    EXPECT_EQ(mStore.GetInt("Missing"), 0);
+    EXPECT_FALSE(mStore.GetBool("Missing"));
+    EXPECT_EQ(mStore.GetString("Missing"), "");
+}
+
+TEST_F(PreferenceStoreTest, DefaultsAreRegisteredOnceAndAgainWhenTheFileWasLost) {
+    LogCapture log;
+    const json defaults = {{"EnablePlugin", true}, {"Width", 260}};
+    ASSERT_TRUE(mStore.Set("EnablePlugin", false));
+    EXPECT_FALSE(mStore.AreDefaultsRegistered());
+    EXPECT_TRUE(mStore.RegisterDefaults(defaults));
+    EXPECT_TRUE(mStore.AreDefaultsRegistered());
+    EXPECT_FALSE(mStore.GetBool("EnablePlugin")) << "what the user has set stays";
+    EXPECT_EQ(mStore.GetInt("Width"), 260);
+    EXPECT_FALSE(PreferenceStore(mFolder.Path(), "com.vantorix.Plugin", "Other").AreDefaultsRegistered());
+
+    WriteText(mPath, ReadText(mPath).substr(0, 30));
+    EXPECT_FALSE(mStore.AreDefaultsRegistered());
+    EXPECT_TRUE(mStore.RegisterDefaults(defaults));
+    EXPECT_TRUE(mStore.GetBool("EnablePlugin"));
+}
+
+}  // namespace
