@@ -1,0 +1,174 @@
+#include "GPickBestMatch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <vector>
+
+#include "GFontManagerConstants.h"
+#include "GLogger.h"
+
+namespace {
+
+using Kinds = GFontManagerConstants;
+
+BestMatchCandidate Candidate(uint32_t id) {
+    BestMatchCandidate candidate;
+    candidate.ID = id;
+    candidate.kind = Kinds::kFontKind_openTypeTT;
+    candidate.version = "1.0";
+    candidate.mode = 1;
+    return candidate;
+}
+
+bool LeftIsBetter(const BestMatchCandidate& left, const BestMatchCandidate& right,
+                  int32_t requestedKind = Kinds::kFontKind_unknown, const char* preferredText = "",
+                  bool ignoreModeZero = false) {
+    bool leftIsBetter = false;
+    EXPECT_EQ(
+        GPickBestMatch::Compare(left, right, leftIsBetter, ignoreModeZero, preferredText, requestedKind),
+        CoreErrorCodes::kSuccess);
+    return leftIsBetter;
+}
+
+/// Expects `better` to win from either side.
+void ExpectWins(const BestMatchCandidate& better, const BestMatchCandidate& worse,
+                int32_t requestedKind = Kinds::kFontKind_unknown, const char* preferredText = "") {
+    EXPECT_TRUE(LeftIsBetter(better, worse, requestedKind, preferredText));
+    EXPECT_FALSE(LeftIsBetter(worse, better, requestedKind, preferredText));
+}
+
+std::string LogOf(const std::function<void()>& action) {
+    auto stream = std::make_shared<std::ostringstream>();
+    GLogger::GetSharedInstance().AddStream(stream);
+    action();
+    return stream->str();
+}
+
+TEST(GPickBestMatch, RefusesAnInvalidModeOnEitherSide) {
+    BestMatchCandidate invalid = Candidate(1);
+    invalid.mode = -1;
+    bool leftIsBetter = false;
+    const std::string log = LogOf([&] {
+        EXPECT_EQ(GPickBestMatch::Compare(invalid, Candidate(2), leftIsBetter, false, "", 0),
+                  CoreErrorCodes::kInvalidParam);
+        EXPECT_TRUE(leftIsBetter);
+        leftIsBetter = false;
+        EXPECT_EQ(GPickBestMatch::Compare(Candidate(2), invalid, leftIsBetter, false, "", 0),
+                  CoreErrorCodes::kInvalidParam);
+        EXPECT_TRUE(leftIsBetter);
+    });
+    EXPECT_NE(log.find("!(left.mode != kActivationMode_invalid)"), std::string::npos);
+    EXPECT_NE(log.find("!(right.mode != kActivationMode_invalid)"), std::string::npos);
+}
+
+TEST(GPickBestMatch, NeitherSideOfTheSameFontIsBetter) {
+    EXPECT_FALSE(LeftIsBetter(Candidate(5), Candidate(5)));
+    EXPECT_FALSE(LeftIsBetter(Candidate(0), Candidate(0)));  // unknown fonts end at the last rule
+}
+
+TEST(GPickBestMatch, AppliesItsRulesInOrder) {
+    // Each candidate is worse than the next one by its own rule and better by all rules that come later.
+    std::vector<BestMatchCandidate> ladder(9, Candidate(0));
+    for (size_t index = 0; index < ladder.size(); ++index) {
+        BestMatchCandidate& candidate = ladder[index];
+        candidate.ID = static_cast<uint32_t>(index + 1);
+        if (index < 1)
+            candidate.mode = 7;
+        if (index < 2)
+            candidate.status = 4 + static_cast<int32_t>(index);
+        if (index == 2)
+            candidate.mode = 0;
+        if (index == 3)
+            candidate.kind = Kinds::kFontKind_trueType;
+        candidate.preferredIdentity = index >= 5 ? "wanted" : "other";
+        candidate.version = index >= 6 ? "2.0" : index == 5 ? "1.9" : "3.0";
+        if (index >= 7)
+            candidate.status = 3;
+        candidate.orderNumber = index == 8 ? 1 : 2;
+    }
+    for (size_t worse = 0; worse < ladder.size(); ++worse) {
+        for (size_t better = worse + 1; better < ladder.size(); ++better) {
+            SCOPED_TRACE(testing::Message() << worse << " against " << better);
+            ExpectWins(ladder[better], ladder[worse], Kinds::kFontKind_unknown, "wanted");
+        }
+    }
+}
+
+TEST(GPickBestMatch, ModeZeroLosesUnlessIgnored) {
+    BestMatchCandidate zero = Candidate(1);
+    zero.mode = 0;
+    ExpectWins(Candidate(2), zero);
+    EXPECT_TRUE(LeftIsBetter(zero, Candidate(2), Kinds::kFontKind_unknown, "", true));
+}
+
+TEST(GPickBestMatch, PrefersTheFlavourThatWasAskedFor) {
+    BestMatchCandidate trueTypeFlavour = Candidate(1);
+    BestMatchCandidate postScriptFlavour = Candidate(2);
+    postScriptFlavour.kind = Kinds::kFontKind_openTypePS;
+    for (const int32_t kind : {2, 3, 5, 6})
+        ExpectWins(postScriptFlavour, trueTypeFlavour, kind);
+    for (const int32_t kind : {-1, 0, 1, 4, 7, 8, 9})
+        ExpectWins(trueTypeFlavour, postScriptFlavour, kind);
+    BestMatchCandidate collection = Candidate(3);
+    collection.kind = Kinds::kFontKind_trueTypeCollection;
+    BestMatchCandidate postScript = Candidate(4);
+    postScript.kind = Kinds::kFontKind_postScript;
+    ExpectWins(postScript, collection);
+}
+
+TEST(GPickBestMatch, RanksStatusesAmongEqualVersions) {
+    const std::vector<int32_t> bestFirst = {3, 1, 2, 14, 9, 10, 11, 12, 13, 0};
+    for (size_t index = 0; index + 1 < bestFirst.size(); ++index) {
+        BestMatchCandidate better = Candidate(2);
+        BestMatchCandidate worse = Candidate(1);
+        better.status = bestFirst[index];
+        worse.status = bestFirst[index + 1];
+        ExpectWins(better, worse);
+    }
+    BestMatchCandidate outOfTable = Candidate(1);
+    outOfTable.status = 15;
+    ExpectWins(outOfTable, Candidate(2));  // ranks like 0, so the smaller identity decides
+}
+
+TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {
+    const auto read = [](const char* text) {
+        uint32_t major = 99, minor = 99, bug = 99;
+        const ErrorCode code = GPickBestMatch::VersionStringToNumber(text, major, minor, bug);
+        return code == CoreErrorCodes::kSuccess
+                   ? std::to_string(major) + "/" + std::to_string(minor) + "/" + std::to_string(bug)
+                   : std::string(major == 99 ? "unreadable" : "touched");
+    };
+    EXPECT_EQ(read("Version 2.51;hotconv 1.0.109"), "2/51/0");
+    EXPECT_EQ(read("1.002.003.4"), "1/2/3");
+    EXPECT_EQ(read("3."), "3/0/0");
+    EXPECT_EQ(read(""), "unreadable");
+    EXPECT_EQ(read("beta"), "unreadable");
+    EXPECT_EQ(read("1.99999999999"), "unreadable");
+}
+
+TEST(GPickBestMatch, ReportsAndSkipsAVersionThatCannotBeRead) {
+    BestMatchCandidate unreadable = Candidate(1);
+    unreadable.version = "none";
+    BestMatchCandidate newer = Candidate(2);
+    newer.version = "9.0";
+    const std::string log = LogOf([&] {
+        EXPECT_TRUE(LeftIsBetter(unreadable, newer));
+        EXPECT_FALSE(LeftIsBetter(newer, unreadable));
+    });
+    EXPECT_NE(log.find("'VersionStringToNumber(left, leftMajor, leftMinor, leftBug)'"), std::string::npos);
+    EXPECT_NE(log.find("'VersionStringToNumber(right, rightMajor, rightMinor, rightBug)'"),
+              std::string::npos);
+    EXPECT_NE(log.find("Called with duplicate info."), std::string::npos);
+}
+
+TEST(GFontManagerConstants, KnowsItsKindsByNameAndReportsOthers) {
+    for (int32_t kind = 0; kind <= 9; ++kind)
+        EXPECT_EQ(Kinds::FontKindFromName(Kinds::FontKindToName(kind)), kind);
+    EXPECT_STREQ(Kinds::FontKindToName(10), "--");
+    const std::string log = LogOf([] { EXPECT_EQ(Kinds::FontKindFromName("Bitmap"), 0); });
+    EXPECT_NE(log.find("Unsupported font type"), std::string::npos);
+}
+
+}  // namespace

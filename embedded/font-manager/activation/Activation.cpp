@@ -1,0 +1,91 @@
+#include "activation/Activation.h"
+
+#include "FontRecordKeys.h"
+
+namespace pellwick {
+
+Activation::Activation(Database& database, FontStore& fonts, ActivationStore& activations,
+                       const LinkFolder& links)
+    : mFonts(fonts), mActivations(activations), mLinks(links), mTransaction(database) {}
+
+Activation::~Activation() {
+    if (mIsCommitted)
+        return;
+    for (const FontFile& file : mLinked)
+        mLinks.Unlink(file);
+}
+
+bool Activation::Lease(const Font& font, const HostProcess& host, const std::string& document) {
+    if (!Link(font))
+        return false;
+    mActivations.AddLease(host, document, font.id);
+    return true;
+}
+
+bool Activation::ActivateForUser(const Font& font) {
+    if (!Link(font))
+        return false;
+    mActivations.AddUserActivation(font.id);
+    return true;
+}
+
+bool Activation::Link(const Font& font) {
+    const bool wasLinked = mLinks.Has(font.file);
+    const bool isLinked = mLinks.Link(font.file);
+    const bool wasMissing = font.activationState == kFontActivationState_Missing;
+    if (isLinked == wasMissing)
+        mFonts.SetFileMissing(font.file.id, !isLinked);
+    if (!isLinked)
+        return false;
+    if (!wasLinked)
+        mLinked.push_back(font.file);
+    const std::optional<Font> current = mFonts.Find(font.id);
+    if (current && current->activationState == kFontActivationState_Inactive)
+        mChanges.activated.push_back(font.id);
+    return true;
+}
+
+bool Activation::EndLeases(uint32_t fontID, const HostProcess& host) {
+    if (!mActivations.EndLeases(host, fontID))
+        return false;
+    Released(fontID);
+    return true;
+}
+
+bool Activation::DeactivateForUser(uint32_t fontID) {
+    if (!mActivations.RemoveUserActivation(fontID))
+        return false;
+    Released(fontID);
+    return true;
+}
+
+void Activation::RemoveFile(const FontFile& file) {
+    for (const Font& font : mFonts.FontsOfFile(file.id)) {
+        if (font.activationState == kFontActivationState_ActivatedByUser ||
+            font.activationState == kFontActivationState_ActivatedByPlugin)
+            mChanges.deactivated.push_back(font.id);
+    }
+    mFonts.RemoveFile(file.id);
+    mReleased.push_back(file);
+}
+
+void Activation::Released(uint32_t fontID) {
+    const std::optional<Font> font = mFonts.Find(fontID);
+    if (!font)
+        return;
+    if (font->activationState == kFontActivationState_Inactive)
+        mChanges.deactivated.push_back(fontID);
+    mReleased.push_back(font->file);
+}
+
+ActivationChanges Activation::Commit() {
+    mTransaction.Commit();
+    mIsCommitted = true;
+    for (const FontFile& file : mReleased) {
+        if (!mFonts.IsFileActive(file.id))
+            mLinks.Unlink(file);
+    }
+    return std::move(mChanges);
+}
+
+}  // namespace pellwick

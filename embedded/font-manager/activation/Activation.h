@@ -1,0 +1,72 @@
+// Makes fonts active and inactive: the records and the links, together.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "activation/LinkFolder.h"
+#include "store/ActivationStore.h"
+#include "store/Database.h"
+#include "store/FontStore.h"
+
+namespace pellwick {
+
+/// Fonts whose state changed.
+struct ActivationChanges {
+    std::vector<uint32_t> activated;
+    std::vector<uint32_t> deactivated;
+};
+
+/// One command's worth of activations: all of them, or none. Links are made before the records are
+/// committed and removed after, so that a font counts as active only while it can be used; what a death in
+/// between leaves behind, the repair at the next start takes away. Throws DatabaseError.
+class Activation {
+public:
+    Activation(Database& database, FontStore& fonts, ActivationStore& activations, const LinkFolder& links);
+    ~Activation();
+    Activation(const Activation&) = delete;
+    Activation& operator=(const Activation&) = delete;
+
+    /// Leases the font to a host for a document. False when its file is gone, which is noted.
+    bool Lease(const Font& font, const HostProcess& host, const std::string& document);
+    /// The user's own activation. False as above.
+    bool ActivateForUser(const Font& font);
+
+    /// Ends the host's leases on the font; false when it had none.
+    bool EndLeases(uint32_t fontID, const HostProcess& host);
+    /// Ends the user's own activation; false when there was none.
+    bool DeactivateForUser(uint32_t fontID);
+    /// Removes the font's file with all its fonts.
+    void RemoveFile(const FontFile& file);
+
+    ActivationChanges Commit();
+
+private:
+    bool Link(const Font& font);
+    void Released(uint32_t fontID);
+
+    FontStore& mFonts;
+    ActivationStore& mActivations;
+    const LinkFolder& mLinks;
+    std::vector<FontFile> mLinked;    ///< by this command
+    std::vector<FontFile> mReleased;  ///< perhaps no longer needed
+    ActivationChanges mChanges;
+    bool mIsCommitted = false;
+    Transaction mTransaction;
+};
+
+/// Ends the leases of hosts that are no more. `isAlive` tells whether a process still is.
+template <class IsAlive>
+ActivationChanges EndLeasesOfDeadHosts(ActivationStore& activations, Activation& activation,
+                                       IsAlive isAlive) {
+    for (const HostProcess& host : activations.Hosts()) {
+        if (isAlive(host))
+            continue;
+        for (const uint32_t fontID : activations.FontsLeasedBy(host))
+            activation.EndLeases(fontID, host);
+    }
+    return activation.Commit();
+}
+
+}  // namespace pellwick

@@ -1,0 +1,26 @@
+// Which fonts of the store answer to what a document asks for.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "store/FontStore.h"
+
+namespace pellwick {
+
+struct RequestedFont {
+    std::string postScriptName;  ///< goes first
+    std::string family;          ///< used when no font has the PostScript name
+    std::string style;
+    std::string foundry;  ///< preferred among equals; may be empty
+    int32_t kind = 0;     ///< a kind of GFontManagerConstants
+};
+
+/// Fonts that match, best first. Throws DatabaseError.
+std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request);
+
+/// Orders fonts that answer to the same request, best first.
+void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request);
+
+}  // namespace pellwick

@@ -1,0 +1,162 @@
+// Activating fonts, for documents and for the user.
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "FontRecordKeys.h"
+#include "agent/Commands.h"
+#include "agent/FontRecord.h"
+#include "common/Protocol.h"
+
+namespace pellwick {
+namespace {
+
+void RequireLogIn(CommandContext& context) {
+    if (!context.manager.settings.IsLoggedIn())
+        throw CommandError(GZephyrinServerFacade::kNotLoggedIn,
+                           "nobody is logged in; log in with \"Pellwick login NAME\"");
+}
+
+/// The fonts of one request, each activated once however often it was asked for.
+class LeasedFonts {
+public:
+    LeasedFonts(CommandContext& context, std::string document)
+        : mContext(context), mDocument(std::move(document)), mActivation(context.manager.BeginActivation()) {}
+
+    /// False when the font's file is gone.
+    bool Lease(const Font& font) {
+        mContext.audience.KeepAlive();
+        if (mSeen.count(font.id) != 0)
+            return true;
+        if (!mActivation.Lease(font, mContext.client.process, mDocument))
+            return false;
+        mSeen.insert(font.id);
+        mMatched.push_back(FontRecord(mContext.manager, font));  // the state is the one from before
+        return true;
+    }
+
+    Json Commit() {
+        AnnounceChanges(mContext.audience, mActivation.Commit());
+        return std::move(mMatched);
+    }
+
+private:
+    CommandContext& mContext;
+    std::string mDocument;
+    Activation mActivation;
+    std::set<uint32_t> mSeen;
+    Json mMatched = Json::array();
+};
+
+Json ActivateFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    LeasedFonts leases(context, StringMember(arguments, "document"));
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+        if (const auto font = context.manager.fonts.Find(id))
+            leases.Lease(*font);
+    }
+    return {{"matched", leases.Commit()}};
+}
+
+/// The requested record completed by the font's own: what the host said stands, but for the state.
+Json ReportedFont(const Json& requested, const Json& before, const Json& after) {
+    Json reported = after;
+    if (requested.is_object())
+        reported.update(requested);
+    for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
+        reported[key] = after[key];
+    reported[kGS_MatchedFontKey] = before;
+    return reported;
+}
+
+Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    FontManager& manager = context.manager;
+    const Json& requests = ArrayMember(arguments, "fonts");
+    LeasedFonts leases(context, StringMember(arguments, "document"));
+    Json unmatched = Json::array();
+    std::vector<std::pair<size_t, Font>> matches;  // of requests, by their position
+    for (size_t index = 0; index < requests.size(); ++index) {
+        const std::vector<Font> candidates = MatchFonts(manager.fonts, RequestedFontOf(requests[index]));
+        const auto chosen = std::find_if(candidates.begin(), candidates.end(),
+                                         [&](const Font& font) { return leases.Lease(font); });
+        if (chosen == candidates.end())
+            unmatched.push_back(index);
+        else
+            matches.emplace_back(index, *chosen);
+    }
+    Json matched = leases.Commit();
+    Json reported = Json::array();
+    for (const auto& [index, before] : matches)
+        reported.push_back(ReportedFont(requests[index], FontRecord(manager, before),
+                                        FontRecord(manager, *manager.fonts.Find(before.id))));
+    return {{"matched", std::move(matched)},
+            {"unmatched", std::move(unmatched)},
+            {"reported", std::move(reported)}};
+}
+
+Json DeactivateFonts(CommandContext& context, const Json& arguments) {
+    Activation activation = context.manager.BeginActivation();
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+        context.audience.KeepAlive();
+        activation.EndLeases(id, context.client.process);
+    }
+    const ActivationChanges changes = activation.Commit();
+    AnnounceChanges(context.audience, changes);
+    Json deactivated = Json::array();
+    for (const uint32_t id : changes.deactivated)
+        deactivated.push_back(FontRecord(context.manager, *context.manager.fonts.Find(id)));
+    return {{"deactivated", std::move(deactivated)}};
+}
+
+Json GetClientStates(CommandContext& context, const Json& arguments) {
+    Json states = Json::array();
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts")))
+        states.push_back(
+            {{"font", id}, {"isActive", context.manager.activations.HasLease(context.client.process, id)}});
+    return {{"states", std::move(states)}};
+}
+
+Json ActivateForUser(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    Json failed = Json::array();
+    Activation activation = context.manager.BeginActivation();
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+        context.audience.KeepAlive();
+        const auto font = context.manager.fonts.Find(id);
+        if (font && !activation.ActivateForUser(*font))
+            failed.push_back(FontRecord(context.manager, *font));
+    }
+    AnnounceChanges(context.audience, activation.Commit());
+    return {{"failed", std::move(failed)}};
+}
+
+Json DeactivateForUser(CommandContext& context, const Json& arguments) {
+    Json stillActive = Json::array();
+    Activation activation = context.manager.BeginActivation();
+    const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, "fonts"));
+    for (const uint32_t id : ids) {
+        context.audience.KeepAlive();
+        activation.DeactivateForUser(id);
+    }
+    AnnounceChanges(context.audience, activation.Commit());
+    for (const uint32_t id : ids) {
+        const auto font = context.manager.fonts.Find(id);
+        if (font && font->activationState == kFontActivationState_ActivatedByPlugin)
+            stillActive.push_back(FontRecord(context.manager, *font));
+    }
+    return {{"stillActive", std::move(stillActive)}};
+}
+
+}  // namespace
+
+void AddActivationCommands(CommandTable& table) {
+    table[method::kActivateFonts] = ActivateFonts;
+    table[method::kActivateDocumentFonts] = ActivateDocumentFonts;
+    table[method::kDeactivateFonts] = DeactivateFonts;
+    table[method::kGetClientStates] = GetClientStates;
+    table[method::kActivateForUser] = ActivateForUser;
+    table[method::kDeactivateForUser] = DeactivateForUser;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,64 @@
+#include "agent/Agent.h"
+
+#include "agent/FontManager.h"
+#include "agent/Server.h"
+#include "common/LogFile.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/LocalSockets.h"
+#include "platform/Processes.h"
+
+namespace pellwick {
+namespace {
+
+void LogStart(LogFile& log, const Server& server, const LinkFolder::Repairs& repairs) {
+    const int64_t now = platform::Current<platform::Clock>().Now();
+    log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
+              ", " + platform::LocalTimeText(now));
+    if (repairs.linked != 0 || repairs.removed != 0 || !repairs.missing.empty())
+        log.Write("active fonts put right: " + std::to_string(repairs.linked) + " linked, " +
+                  std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
+                  " missing in the vault\n");
+}
+
+int Serve(const Locations& locations, LogFile& log, std::string& problem) {
+    FontManager manager(locations);
+    manager.EndLeasesOfDeadProcesses();
+    const LinkFolder::Repairs repairs = manager.RepairLinks();
+    Server server(manager, log);
+    if (!server.Listen()) {
+        problem = "no folder can take the agent's socket; set XDG_RUNTIME_DIR to one that is yours alone";
+        return 1;
+    }
+    LogStart(log, server, repairs);
+    platform::NotifyReadyForInput();
+    server.Run();
+    log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends\n");
+    return 0;
+}
+
+}  // namespace
+
+int RunAgent(const Locations& locations, std::string& problem) {
+    if (const auto error = platform::MakePrivateFolder(locations.dataFolder)) {
+        problem = "cannot use the data folder " + locations.dataFolder + " (" +
+                  platform::SystemErrorText(error) + "); set XDG_DATA_HOME to a folder of yours";
+        return 1;
+    }
+    platform::FileLock lock;
+    if (lock.Acquire(locations.lockPath, false)) {
+        problem = "an agent runs already for " + locations.dataFolder + "; see \"Pellwick status\"";
+        return 1;
+    }
+    LogFile log;
+    log.Open(locations.logFolder + platform::kPathSeparator + "Pellwick.log");
+    try {
+        return Serve(locations, log, problem);
+    } catch (const std::exception& error) {
+        problem = std::string("the agent cannot go on: ") + error.what();
+        log.Write(problem + "\n");
+        return 1;
+    }
+}
+
+}  // namespace pellwick

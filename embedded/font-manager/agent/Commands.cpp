@@ -1,0 +1,75 @@
+#include "agent/Commands.h"
+
+#include <nlohmann/json.hpp>
+
+#include "TarnwickPluginInterface.h"
+#include "common/Protocol.h"
+
+namespace pellwick {
+namespace {
+
+Json Failure(const char* message) {
+    return {{"message", message}};
+}
+
+ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& request, Json& result) {
+    const auto command = table.find(StringMember(request, "method"));
+    if (command == table.end()) {
+        result = Failure("the agent does not know this command; it may be older than the program that asks");
+        return CoreErrorCodes::kNotImplemented;
+    }
+    try {
+        result = command->second(context, ObjectMember(request, "args"));
+        return CoreErrorCodes::kSuccess;
+    } catch (const CommandError& error) {
+        result = Failure(error.what());
+        return error.Code();
+    } catch (const DatabaseError& error) {
+        result = Failure(error.what());
+        return error.Code();
+    } catch (const std::bad_alloc&) {
+        result = Failure("the agent ran out of memory");
+        return CoreErrorCodes::kOutOfMemory;
+    } catch (const std::exception& error) {
+        result = Failure(error.what());
+        return CoreErrorCodes::kExceptionThrownError;
+    }
+}
+
+std::string AnswerFrame(long long id, ErrorCode code, const Json& result) {
+    std::optional<std::string> frame = EncodeMessage({{"id", id}, {"code", code}, {"result", result}});
+    if (!frame)
+        frame = EncodeMessage({{"id", id},
+                               {"code", error_codes::GIPCReceiver::kMessageTooLarge},
+                               {"result", Failure("the answer is too large; ask for less at a time")}});
+    return *frame;
+}
+
+}  // namespace
+
+CommandTable MakeCommandTable() {
+    CommandTable table;
+    AddSessionCommands(table);
+    AddFontCommands(table);
+    AddLookupCommands(table);
+    AddActivationCommands(table);
+    AddWorkgroupCommands(table);
+    AddDocumentCommands(table);
+    return table;
+}
+
+CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
+                            const Json& request) noexcept {
+    Json result;
+    const ErrorCode code = Run(table, context, request, result);
+    return {code, AnswerFrame(IntegerMember(request, "id"), code, result)};
+}
+
+void AnnounceChanges(Audience& audience, const ActivationChanges& changes) {
+    for (const uint32_t fontID : changes.activated)
+        audience.Announce(kPluginCallback_FontActivated, fontID);
+    for (const uint32_t fontID : changes.deactivated)
+        audience.Announce(kPluginCallback_FontDeactivated, fontID);
+}
+
+}  // namespace pellwick

@@ -1,0 +1,131 @@
+// Adding, removing and listing fonts.
+#include <nlohmann/json.hpp>
+
+#include "TarnwickPluginInterface.h"
+#include "agent/Commands.h"
+#include "agent/FontRecord.h"
+#include "common/Limits.h"
+#include "common/Protocol.h"
+#include "common/Utf8Path.h"
+#include "platform/Files.h"
+
+namespace pellwick {
+namespace {
+
+std::string ReadFontFile(const std::string& path) {
+    uint64_t size = 0;
+    if (const auto error = platform::FileSize(path, size))
+        throw CommandError(GFontActivationManager::kOSFileSystemError, platform::SystemErrorText(error));
+    if (size > kMaxFontFileSize)
+        throw CommandError(CoreErrorCodes::kNotSupported, "larger than any font file");
+    std::string content;
+    if (const auto error = platform::ReadWholeFile(path, content, kMaxFontFileSize))
+        throw CommandError(GFontActivationManager::kOSFileSystemError, platform::SystemErrorText(error));
+    return content;
+}
+
+Workgroup TargetWorkgroup(CommandContext& context, const Json& arguments) {
+    const std::string name = StringMember(arguments, "workgroup");
+    if (name.empty())
+        return context.manager.CurrentWorkgroup();
+    const auto workgroup = context.manager.workgroups.FindByName(name);
+    if (!workgroup)
+        throw CommandError(CoreErrorCodes::kNotFound, "there is no workgroup \"" + name +
+                                                          "\"; make it with \"Pellwick workgroup create\"");
+    return *workgroup;
+}
+
+void AddToWorkgroup(FontManager& manager, const Workgroup& workgroup, const std::vector<Font>& fonts) {
+    for (const Font& font : fonts)
+        manager.workgroups.AddFont(workgroup.id, font.id);
+}
+
+/// A file that is known already only joins the workgroup; its copy in the vault is made good if need be.
+std::vector<Font> AddAgain(FontManager& manager, const FontFile& file, const std::string& content) {
+    if (!manager.vault.Has(file) && !manager.vault.Store(file, content))
+        manager.fonts.SetFileMissing(file.id, false);
+    return manager.fonts.FontsOfFile(file.id);
+}
+
+std::vector<Font> AddNew(CommandContext& context, FontFile& file, const std::string& content) {
+    std::string reason;
+    const std::vector<FontFace> faces = context.manager.scanner.Scan(content, reason);
+    context.audience.KeepAlive();
+    if (faces.empty())
+        throw CommandError(error_codes::GFontToolResults::kNotAFontFile, reason);
+    file.extension = FontFileExtension(file.name, faces);
+    file.size = content.size();
+    if (const auto error = context.manager.vault.Store(file, content))
+        throw CommandError(GFontActivationManager::kOSFileSystemError,
+                           "cannot be copied into the vault: " + platform::SystemErrorText(error));
+    std::vector<Font> fonts;
+    for (const uint32_t id : context.manager.fonts.Add(file, faces))
+        fonts.push_back(*context.manager.fonts.Find(id));
+    return fonts;
+}
+
+Json AddFile(CommandContext& context, const Json& arguments) {
+    FontManager& manager = context.manager;
+    const std::string path = StringMember(arguments, "path");
+    const std::string content = ReadFontFile(path);
+    context.audience.KeepAlive();
+    FontFile file;
+    file.checksum = Sha256(content);
+    file.name = Utf8Text(Utf8Path(path).filename());
+    context.audience.KeepAlive();
+
+    Transaction transaction(manager.database);
+    const Workgroup workgroup = TargetWorkgroup(context, arguments);
+    const auto known = manager.fonts.FindFile(file.checksum);
+    const std::vector<Font> fonts =
+        known ? AddAgain(manager, *known, content) : AddNew(context, file, content);
+    AddToWorkgroup(manager, workgroup, fonts);
+    transaction.Commit();
+    if (!known)
+        context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    return {{"fonts", FontRecords(manager, fonts)}, {"alreadyKnown", known.has_value()}};
+}
+
+Json RemoveFonts(CommandContext& context, const Json& arguments) {
+    FontManager& manager = context.manager;
+    Json removed = Json::array();
+    std::vector<FontFile> files;
+    Activation activation = manager.BeginActivation();
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+        const auto font = manager.fonts.Find(id);
+        if (!font)  // gone with another face of its file
+            continue;
+        for (const Json& record : FontRecords(manager, manager.fonts.FontsOfFile(font->file.id)))
+            removed.push_back(record);
+        activation.RemoveFile(font->file);
+        files.push_back(font->file);
+    }
+    const ActivationChanges changes = activation.Commit();
+    for (const FontFile& file : files)
+        manager.vault.Remove(file);
+    AnnounceChanges(context.audience, changes);
+    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    return {{"removed", removed}};
+}
+
+Json ListFonts(CommandContext& context, const Json& arguments) {
+    const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
+    Json records = Json::array();
+    for (const Font& font : context.manager.fonts.List(after, kListPageSize)) {
+        Json record = FontRecord(context.manager, font);
+        record[kStyleMember] = font.style;
+        record["FullName"] = font.fullName;
+        records.push_back(std::move(record));
+    }
+    return {{"fonts", std::move(records)}};
+}
+
+}  // namespace
+
+void AddFontCommands(CommandTable& table) {
+    table[method::kAddFile] = AddFile;
+    table[method::kRemoveFonts] = RemoveFonts;
+    table[method::kListFonts] = ListFonts;
+}
+
+}  // namespace pellwick

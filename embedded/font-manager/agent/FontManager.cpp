@@ -1,0 +1,50 @@
+#include "agent/FontManager.h"
+
+#include "common/Protocol.h"
+#include "platform/Processes.h"
+#include "store/Schema.h"
+
+namespace pellwick {
+namespace {
+
+bool IsAlive(const HostProcess& host) {
+    return host.process != 0 && platform::ProcessStartTime(host.process) == host.startTime;
+}
+
+}  // namespace
+
+FontManager::FontManager(const Locations& places)
+    : locations(places),
+      database(places.databasePath),
+      fonts(database),
+      activations(database),
+      workgroups(database),
+      documents(database),
+      settings(database),
+      vault(places.vaultFolder),
+      links(places.linkFolder, vault) {
+    PrepareSchema(database);
+}
+
+LinkFolder::Repairs FontManager::RepairLinks() {
+    const LinkFolder::Repairs repairs = links.Repair(fonts.ActiveFiles());
+    for (const FontFile& file : repairs.missing)
+        fonts.SetFileMissing(file.id, true);
+    return repairs;
+}
+
+ActivationChanges FontManager::EndLeasesOfDeadProcesses() {
+    Activation activation = BeginActivation();
+    return EndLeasesOfDeadHosts(activations, activation, IsAlive);
+}
+
+Workgroup FontManager::CurrentWorkgroup() {
+    auto workgroup = workgroups.FindByID(settings.CurrentWorkgroup());
+    return workgroup ? *workgroup : DefaultWorkgroup();
+}
+
+Workgroup FontManager::DefaultWorkgroup() {
+    return workgroups.FirstOfType(kWorkgroupType_Personal).value_or(Workgroup{});
+}
+
+}  // namespace pellwick

@@ -1,0 +1,46 @@
+// Everything that the agent keeps and works with.
+#pragma once
+
+#include "activation/Activation.h"
+#include "activation/FontVault.h"
+#include "activation/LinkFolder.h"
+#include "common/Locations.h"
+#include "scan/FontScanner.h"
+#include "store/ActivationStore.h"
+#include "store/Database.h"
+#include "store/DocumentStore.h"
+#include "store/FontStore.h"
+#include "store/SettingsStore.h"
+#include "store/WorkgroupStore.h"
+
+namespace pellwick {
+
+/// One thread.
+class FontManager {
+public:
+    /// Opens the database, or makes a new one. Throws DatabaseError.
+    explicit FontManager(const Locations& locations);
+
+    Activation BeginActivation() { return {database, fonts, activations, links}; }
+    /// Makes the links on disk agree with the records.
+    LinkFolder::Repairs RepairLinks();
+    /// Ends the leases of processes that are gone.
+    ActivationChanges EndLeasesOfDeadProcesses();
+    /// The workgroup that new fonts go to.
+    Workgroup CurrentWorkgroup();
+    /// The user's first workgroup, which is always there.
+    Workgroup DefaultWorkgroup();
+
+    const Locations locations;
+    Database database;
+    FontStore fonts;
+    ActivationStore activations;
+    WorkgroupStore workgroups;
+    DocumentStore documents;
+    SettingsStore settings;
+    FontVault vault;
+    LinkFolder links;
+    FontScanner scanner;
+};
+
+}  // namespace pellwick

@@ -1,0 +1,87 @@
+#include "agent/FontRecord.h"
+
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "GFontManagerConstants.h"
+
+namespace pellwick {
+namespace {
+
+/// Hosts name kinds more loosely than the table does.
+int32_t RequestedKind(const std::string& name) {
+    using Kinds = GFontManagerConstants;
+    if (name.empty())
+        return Kinds::kFontKind_unknown;
+    if (name == "OpenType")
+        return Kinds::kFontKind_openTypeTT;
+    if (name == "Postscript")
+        return Kinds::kFontKind_postScript;
+    return Kinds::FontKindFromName(name);
+}
+
+bool IsActive(const Font& font) {
+    return font.activationState == kFontActivationState_ActivatedByUser ||
+           font.activationState == kFontActivationState_ActivatedByPlugin;
+}
+
+}  // namespace
+
+Json FontRecord(const FontManager& manager, const Font& font) {
+    const bool isMissing = font.activationState == kFontActivationState_Missing;
+    return {{kGS_DatabaseIDKey, font.id},
+            {kGS_PostScriptNameKey, font.postScriptName},
+            {kGS_FamilyKey, font.family},
+            {kGS_FoundryKey, font.foundry},
+            {kGS_FontKindKey, GFontManagerConstants::FontKindToName(font.kind)},
+            {kGS_VersionKey, font.version},
+            {kGS_ChecksumKey, font.file.checksum},
+            {kGS_OutlineFileNameKey, font.file.name},
+            {kGS_OutlineFileSizeKey, font.file.size},
+            {kGS_PathKey, IsActive(font) ? manager.links.PathOf(font.file) : manager.vault.PathOf(font.file)},
+            {kGS_ActivationStateKey, font.activationState},
+            {kGS_WorkgroupIDKey, font.workgroupID},
+            {kGS_WorkgroupNameKey, font.workgroupName},
+            {kGS_WorkgroupTypeKey, font.workgroupType},
+            {kGS_LocationKey, isMissing ? 0 : 1}};
+}
+
+Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts) {
+    Json records = Json::array();
+    for (const Font& font : fonts)
+        records.push_back(FontRecord(manager, font));
+    return records;
+}
+
+Json WorkgroupRecord(const Workgroup& workgroup) {
+    return {{kGS_WorkgroupIDKey, workgroup.id},
+            {kGS_WorkgroupNameKey, workgroup.name},
+            {kGS_WorkgroupTypeKey, workgroup.type}};
+}
+
+RequestedFont RequestedFontOf(const Json& record) {
+    RequestedFont request;
+    if (record.is_string()) {
+        request.postScriptName = record.get<std::string>();
+        return request;
+    }
+    request.postScriptName = StringMember(record, kGS_PostScriptNameKey);
+    request.family = StringMember(record, kGS_FamilyKey);
+    request.style = StringMember(record, kStyleMember);
+    request.foundry = StringMember(record, kGS_FoundryKey);
+    request.kind = RequestedKind(StringMember(record, kGS_FontKindKey));
+    return request;
+}
+
+std::vector<uint32_t> FontIDsOf(const Json& fonts) {
+    std::vector<uint32_t> ids;
+    for (const Json& font : fonts) {
+        const long long id =
+            font.is_number_integer() ? font.get<long long>() : IntegerMember(font, kGS_DatabaseIDKey);
+        if (id > 0 && id <= UINT32_MAX)
+            ids.push_back(static_cast<uint32_t>(id));
+    }
+    return ids;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,25 @@
+// Font records and workgroup records as they travel, with the members of FontRecordKeys.h.
+#pragma once
+
+#include <vector>
+
+#include "activation/FontMatcher.h"
+#include "agent/FontManager.h"
+#include "ipc/Message.h"
+
+namespace pellwick {
+
+/// A member that requests may have beside those of FontRecordKeys.h.
+inline constexpr char kStyleMember[] = "Style";
+
+Json FontRecord(const FontManager& manager, const Font& font);
+Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
+Json WorkgroupRecord(const Workgroup& workgroup);
+
+/// What a request's font record, or a bare name in its place, asks for.
+RequestedFont RequestedFontOf(const Json& record);
+
+/// The numbers of an array of database IDs or of font records.
+std::vector<uint32_t> FontIDsOf(const Json& fonts);
+
+}  // namespace pellwick

@@ -1,0 +1,101 @@
+// Finding fonts.
+#include <algorithm>
+#include <charconv>
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "agent/Commands.h"
+#include "agent/FontRecord.h"
+#include "common/Protocol.h"
+
+namespace pellwick {
+namespace {
+
+Font FindFont(CommandContext& context, const Json& arguments) {
+    const auto font = context.manager.fonts.Find(static_cast<uint32_t>(IntegerMember(arguments, "font")));
+    if (!font)
+        throw CommandError(CoreErrorCodes::kNotFound, "there is no such font");
+    return *font;
+}
+
+/// Leaves out fonts that are not in the workgroup; 0 and the ID of all workgroups leave all of them in.
+Json RecordsInWorkgroup(CommandContext& context, std::vector<Font> fonts, const Json& arguments) {
+    const auto workgroup = static_cast<int32_t>(IntegerMember(arguments, "workgroup", kAllWorkgroupsID));
+    if (workgroup != kAllWorkgroupsID && workgroup != 0) {
+        const auto isElsewhere = [&](const Font& font) {
+            return !context.manager.workgroups.HasFont(workgroup, font.id);
+        };
+        fonts.erase(std::remove_if(fonts.begin(), fonts.end(), isElsewhere), fonts.end());
+    }
+    return {{"fonts", FontRecords(context.manager, fonts)}};
+}
+
+Json GetFont(CommandContext& context, const Json& arguments) {
+    return FontRecord(context.manager, FindFont(context, arguments));
+}
+
+/// The records of the fonts that are known, in the order of the request.
+Json GetFonts(CommandContext& context, const Json& arguments) {
+    Json records = Json::array();
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+        if (const auto font = context.manager.fonts.Find(id))
+            records.push_back(FontRecord(context.manager, *font));
+    }
+    return {{"fonts", std::move(records)}};
+}
+
+Json FindByPostScriptName(CommandContext& context, const Json& arguments) {
+    RequestedFont request;
+    request.postScriptName = StringMember(arguments, "name");
+    std::vector<Font> fonts = context.manager.fonts.FindByPostScriptName(request.postScriptName);
+    SortByMatch(fonts, request);
+    return RecordsInWorkgroup(context, std::move(fonts), arguments);
+}
+
+Json FindByFamilyName(CommandContext& context, const Json& arguments) {
+    return RecordsInWorkgroup(context, context.manager.fonts.FindByFamily(StringMember(arguments, "name")),
+                              arguments);
+}
+
+Json FindSameFamily(CommandContext& context, const Json& arguments) {
+    const Font font = FindFont(context, arguments);
+    std::vector<Font> family = context.manager.fonts.FindByFamily(font.family);
+    family.erase(std::remove_if(family.begin(), family.end(),
+                                [&](const Font& member) {
+                                    return member.id == font.id ||
+                                           member.postScriptName == font.postScriptName;
+                                }),
+                 family.end());
+    return {{"fonts", FontRecords(context.manager, family)}};
+}
+
+/// What people type: a PostScript name, family and style, a whole family, or a database ID.
+Json FindByAnyName(CommandContext& context, const Json& arguments) {
+    FontStore& store = context.manager.fonts;
+    const std::string name = StringMember(arguments, "name");
+    std::vector<Font> fonts = store.FindByPostScriptName(name);
+    if (fonts.empty())
+        fonts = store.FindByFamily(name);
+    if (fonts.empty())
+        fonts = store.FindByLookupName(name);
+    uint32_t id = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), id);
+    if (fonts.empty() && error == std::errc() && end == name.data() + name.size()) {
+        if (auto font = store.Find(id))
+            fonts.push_back(std::move(*font));
+    }
+    return {{"fonts", FontRecords(context.manager, fonts)}};
+}
+
+}  // namespace
+
+void AddLookupCommands(CommandTable& table) {
+    table[method::kGetFont] = GetFont;
+    table[method::kGetFonts] = GetFonts;
+    table[method::kFindByPostScriptName] = FindByPostScriptName;
+    table[method::kFindByFamilyName] = FindByFamilyName;
+    table[method::kFindSameFamily] = FindSameFamily;
+    table[method::kFindByAnyName] = FindByAnyName;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,98 @@
+// Workgroups.
+#include <nlohmann/json.hpp>
+
+#include "TarnwickPluginInterface.h"
+#include "agent/Commands.h"
+#include "agent/FontRecord.h"
+#include "common/Protocol.h"
+
+namespace pellwick {
+namespace {
+
+std::string RequiredName(const Json& arguments, const char* member) {
+    std::string name = StringMember(arguments, member);
+    if (name.empty())
+        throw CommandError(CoreErrorCodes::kMissingParam, "give the workgroup's name");
+    return name;
+}
+
+Workgroup FindWorkgroup(CommandContext& context, const Json& arguments) {
+    const std::string name = RequiredName(arguments, "name");
+    const auto workgroup = context.manager.workgroups.FindByName(name);
+    if (!workgroup)
+        throw CommandError(GZephyrinSetManager::kWorkgroupNotFound,
+                           "there is no workgroup \"" + name + "\"; see \"Pellwick workgroup list\"");
+    return *workgroup;
+}
+
+/// One that the user may change.
+Workgroup FindOwnWorkgroup(CommandContext& context, const Json& arguments) {
+    const Workgroup workgroup = FindWorkgroup(context, arguments);
+    if (workgroup.type == kWorkgroupType_System || workgroup.id == context.manager.DefaultWorkgroup().id)
+        throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+                           "\"" + workgroup.name + "\" always stays as it is");
+    return workgroup;
+}
+
+void RefuseTakenName(CommandContext& context, const std::string& name) {
+    if (context.manager.workgroups.FindByName(name))
+        throw CommandError(CoreErrorCodes::kItemAlreadyExists,
+                           "there is a workgroup \"" + name + "\" already; choose another name");
+}
+
+Json Changed(CommandContext& context) {
+    context.audience.Announce(kPluginCallback_WorkgroupsChanged, nullptr);
+    return Json::object();
+}
+
+Json ListWorkgroups(CommandContext& context, const Json&) {
+    Json records = Json::array();
+    records.push_back(WorkgroupRecord({kAllWorkgroupsID, "All Fonts", kWorkgroupType_All}));
+    for (const Workgroup& workgroup : context.manager.workgroups.List())
+        records.push_back(WorkgroupRecord(workgroup));
+    return {{"workgroups", std::move(records)}, {"current", context.manager.CurrentWorkgroup().id}};
+}
+
+Json CreateWorkgroup(CommandContext& context, const Json& arguments) {
+    const std::string name = RequiredName(arguments, "name");
+    RefuseTakenName(context, name);
+    context.manager.workgroups.Create(name, kWorkgroupType_Personal);
+    return Changed(context);
+}
+
+Json RenameWorkgroup(CommandContext& context, const Json& arguments) {
+    const Workgroup workgroup = FindOwnWorkgroup(context, arguments);
+    const std::string name = RequiredName(arguments, "newName");
+    RefuseTakenName(context, name);
+    context.manager.workgroups.Rename(workgroup.id, name);
+    return Changed(context);
+}
+
+Json DeleteWorkgroup(CommandContext& context, const Json& arguments) {
+    const Workgroup workgroup = FindOwnWorkgroup(context, arguments);
+    Transaction transaction(context.manager.database);
+    context.manager.workgroups.Delete(workgroup.id, context.manager.DefaultWorkgroup().id);
+    transaction.Commit();
+    return Changed(context);
+}
+
+Json UseWorkgroup(CommandContext& context, const Json& arguments) {
+    const Workgroup workgroup = FindWorkgroup(context, arguments);
+    if (workgroup.type == kWorkgroupType_System)
+        throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+                           "fonts cannot be added to the system's; use another workgroup");
+    context.manager.settings.SetCurrentWorkgroup(workgroup.id);
+    return Json::object();
+}
+
+}  // namespace
+
+void AddWorkgroupCommands(CommandTable& table) {
+    table[method::kListWorkgroups] = ListWorkgroups;
+    table[method::kCreateWorkgroup] = CreateWorkgroup;
+    table[method::kRenameWorkgroup] = RenameWorkgroup;
+    table[method::kDeleteWorkgroup] = DeleteWorkgroup;
+    table[method::kUseWorkgroup] = UseWorkgroup;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,29 @@
+// The commands of the command line. Each returns an exit status or throws Failure.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/Session.h"
+
+namespace pellwick::cli {
+
+ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, const std::string& workgroup);
+ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names);
+ExitStatus ListFonts(Session& session);
+ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names);
+ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& names);
+
+ExitStatus ShowStatus(Session& session);
+ExitStatus LogIn(Session& session, const std::string& name);
+ExitStatus LogOut(Session& session);
+ExitStatus SetStandalone(Session& session, bool isStandalone);
+ExitStatus StopAgent(Session& session);
+ExitStatus WriteLaunchInfo(const Options& options);
+
+ExitStatus ListWorkgroups(Session& session);
+/// The methods that take a workgroup's name, and for a renaming a new one.
+ExitStatus ChangeWorkgroup(Session& session, const char* method, const std::string& name,
+                           const std::string& newName = {});
+
+}  // namespace pellwick::cli

@@ -1,0 +1,237 @@
+// add, remove, list, activate, deactivate.
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "cli/Commands.h"
+#include "common/Protocol.h"
+#include "common/Utf8Path.h"
+#include "platform/Environment.h"
+
+namespace pellwick::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct FoundFile {
+    std::string path;
+    bool isNamed;  ///< by the user, not found in a folder
+};
+
+/// The file, or every file in the folder and those below it, in the order of their names.
+void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& failures) {
+    std::error_code failure;
+    const fs::path start = fs::absolute(Utf8Path(path), failure);
+    if (!fs::is_directory(start, failure)) {
+        files.push_back({Utf8Text(start), true});
+        return;
+    }
+    const size_t first = files.size();
+    fs::recursive_directory_iterator entry(start, fs::directory_options::skip_permission_denied, failure);
+    for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
+        std::error_code ignored;
+        if (entry->is_regular_file(ignored))
+            files.push_back({Utf8Text(entry->path()), false});
+    }
+    if (failure)
+        failures.push_back({{"path", path}, {"reason", failure.message()}});
+    std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end(),
+              [](const FoundFile& left, const FoundFile& right) { return left.path < right.path; });
+}
+
+/// One line that keeps changing, where a person watches.
+class Progress {
+public:
+    explicit Progress(size_t total)
+        : mTotal(total), mIsShown(total > 20 && platform::IsTerminal(platform::StandardStream::kError)) {}
+    ~Progress() {
+        if (mIsShown)
+            std::fputs("\r\033[K", stderr);
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Advance() {
+        ++mDone;
+        if (mIsShown)
+            std::fprintf(stderr, "\r%zu of %zu files", mDone, mTotal);
+    }
+
+private:
+    const size_t mTotal;
+    const bool mIsShown;
+    size_t mDone = 0;
+};
+
+/// Fonts come with licences, read-me files and metrics; what is in a folder and is no font is left alone.
+bool IsOfNoConcern(const FoundFile& file, ErrorCode code, const std::string& reason) {
+    return !file.isNamed && code == error_codes::GFontToolResults::kNotAFontFile &&
+           reason == "not a font file";
+}
+
+struct AddResult {
+    Json added = Json::array();
+    Json known = Json::array();
+    Json failures = Json::array();
+};
+
+void AddFile(Session& session, const FoundFile& file, const std::string& workgroup, AddResult& result) {
+    Json answer;
+    const ErrorCode code =
+        session.Try(method::kAddFile, {{"path", file.path}, {"workgroup", workgroup}}, answer);
+    if (code != CoreErrorCodes::kSuccess) {
+        const std::string reason = FailureText(code, answer);
+        if (!IsOfNoConcern(file, code, reason))
+            result.failures.push_back({{"path", file.path}, {"reason", reason}});
+        return;
+    }
+    Json& list = BoolMember(answer, "alreadyKnown") ? result.known : result.added;
+    for (const Json& font : ArrayMember(answer, "fonts"))
+        list.push_back(font);
+}
+
+void PrintAddResult(const AddResult& result) {
+    for (const Json& font : result.added)
+        PrintLine("added " + StringMember(font, kGS_PostScriptNameKey));
+    if (!result.known.empty())
+        PrintLine(std::to_string(result.known.size()) + " known already");
+}
+
+void PrintFonts(const Json& fonts, const char* action) {
+    for (const Json& font : fonts)
+        PrintLine(std::string(action) + " " + StringMember(font, kGS_PostScriptNameKey));
+}
+
+const char* StateText(long long state) {
+    switch (state) {
+        case kFontActivationState_ActivatedByUser:
+            return "active";
+        case kFontActivationState_ActivatedByPlugin:
+            return "in use";
+        case kFontActivationState_Missing:
+            return "missing";
+        default:
+            return "-";
+    }
+}
+
+void PrintFontRow(const Json& font) {
+    std::printf("%6lld  %-7s  %-40s  %s, %s (%s)\n", IntegerMember(font, kGS_DatabaseIDKey),
+                StateText(IntegerMember(font, kGS_ActivationStateKey)),
+                StringMember(font, kGS_PostScriptNameKey).c_str(), StringMember(font, kGS_FamilyKey).c_str(),
+                StringMember(font, "Style").c_str(), StringMember(font, kGS_FontKindKey).c_str());
+}
+
+/// The fonts that go by these names. A name that no font goes by is reported and makes `isComplete` false.
+Json FindFonts(Session& session, const std::vector<std::string>& names, bool& isComplete) {
+    Json fonts = Json::array();
+    isComplete = true;
+    for (const std::string& name : names) {
+        const Json found = session.Call(method::kFindByAnyName, {{"name", name}});
+        if (ArrayMember(found, "fonts").empty()) {
+            isComplete = false;
+            std::fprintf(stderr, "Pellwick: no font is called \"%s\"; see \"Pellwick list\"\n", name.c_str());
+        }
+        for (const Json& font : ArrayMember(found, "fonts"))
+            fonts.push_back(font);
+    }
+    return fonts;
+}
+
+}  // namespace
+
+ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, const std::string& workgroup) {
+    AddResult result;
+    std::vector<FoundFile> files;
+    for (const std::string& path : paths)
+        FindFiles(path, files, result.failures);
+    session.StartAgentIfNeeded();
+    {
+        Progress progress(files.size());
+        for (const FoundFile& file : files) {
+            AddFile(session, file, workgroup, result);
+            progress.Advance();
+        }
+    }
+    if (session.PrintsJson())
+        PrintJson({{"added", result.added}, {"alreadyKnown", result.known}, {"failed", result.failures}});
+    else
+        PrintAddResult(result);
+    for (const Json& failure : result.failures)
+        std::fprintf(stderr, "Pellwick: %s: %s\n", StringMember(failure, "path").c_str(),
+                     StringMember(failure, "reason").c_str());
+    if (result.added.empty() && result.known.empty() && result.failures.empty())
+        throw Failure(kExit_CouldNot,
+                      "there are no fonts in what was given; name font files or folders of them");
+    return result.failures.empty() ? kExit_Done : kExit_CouldNot;
+}
+
+ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) {
+    session.StartAgentIfNeeded();
+    bool isComplete = false;
+    const Json fonts = FindFonts(session, names, isComplete);
+    const Json answer = session.Call(method::kRemoveFonts, {{"fonts", fonts}});
+    if (session.PrintsJson())
+        PrintJson(answer);
+    else
+        PrintFonts(ArrayMember(answer, "removed"), "removed");
+    return isComplete ? kExit_Done : kExit_CouldNot;
+}
+
+ExitStatus ListFonts(Session& session) {
+    session.StartAgentIfNeeded();
+    Json all = Json::array();
+    long long after = 0;
+    for (;;) {
+        const Json page = session.Call(method::kListFonts, {{"after", after}});
+        const Json& fonts = ArrayMember(page, "fonts");
+        if (fonts.empty())
+            break;
+        after = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
+        for (const Json& font : fonts) {
+            if (session.PrintsJson())
+                all.push_back(font);
+            else
+                PrintFontRow(font);
+        }
+    }
+    if (session.PrintsJson())
+        PrintJson({{"fonts", all}});
+    return kExit_Done;
+}
+
+ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names) {
+    session.StartAgentIfNeeded();
+    bool isComplete = false;
+    const Json fonts = FindFonts(session, names, isComplete);
+    const Json answer = session.Call(method::kActivateForUser, {{"fonts", fonts}});
+    const Json& failed = ArrayMember(answer, "failed");
+    for (const Json& font : failed)
+        std::fprintf(stderr, "Pellwick: the file of %s is gone from the vault; add the font again\n",
+                     StringMember(font, kGS_PostScriptNameKey).c_str());
+    if (session.PrintsJson())
+        PrintJson({{"fonts", fonts}, {"failed", failed}});
+    else if (failed.empty())
+        PrintFonts(fonts, "activated");
+    return isComplete && failed.empty() ? kExit_Done : kExit_CouldNot;
+}
+
+ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& names) {
+    session.StartAgentIfNeeded();
+    bool isComplete = false;
+    const Json fonts = FindFonts(session, names, isComplete);
+    const Json answer = session.Call(method::kDeactivateForUser, {{"fonts", fonts}});
+    const Json& stillActive = ArrayMember(answer, "stillActive");
+    if (session.PrintsJson())
+        PrintJson({{"fonts", fonts}, {"stillActive", stillActive}});
+    else
+        PrintFonts(fonts, "deactivated");
+    for (const Json& font : stillActive)
+        std::fprintf(stderr, "Pellwick: %s stays active while open documents use it\n",
+                     StringMember(font, kGS_PostScriptNameKey).c_str());
+    return isComplete ? kExit_Done : kExit_CouldNot;
+}
+
+}  // namespace pellwick::cli

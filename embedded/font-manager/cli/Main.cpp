@@ -1,0 +1,130 @@
+// Pellwick: the font manager's agent and, with a command, its command line.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+#include "agent/Agent.h"
+#include "cli/Commands.h"
+#include "common/Protocol.h"
+
+namespace pellwick::cli {
+namespace {
+
+/// What the words of the command line were read into.
+struct Arguments {
+    Options options;
+    std::vector<std::string> words;
+    std::string name;
+    std::string newName;
+    std::string workgroup;
+    bool isOn = true;
+};
+
+using Action = std::function<ExitStatus(Session&)>;
+
+ExitStatus Serve() {
+    std::string problem;
+    if (RunAgent(Locations::OfThisUser(), problem) != 0)
+        throw Failure(kExit_CouldNot, problem);
+    return kExit_Done;
+}
+
+CLI::App* AddCommand(CLI::App& app, Action& chosen, const char* name, const char* description,
+                     Action action) {
+    CLI::App* command = app.add_subcommand(name, description)->fallthrough();
+    command->callback([&chosen, action] { chosen = action; });
+    return command;
+}
+
+void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    auto* add = AddCommand(app, chosen, "add", "Add font files, or folders of them", [&](Session& session) {
+        return AddFonts(session, arguments.words, arguments.workgroup);
+    });
+    add->add_option("PATH", arguments.words, "Files and folders")->required();
+    add->add_option("--workgroup", arguments.workgroup, "Where to put the fonts");
+    const auto withNames = [&](const char* name, const char* description, auto run) {
+        AddCommand(app, chosen, name, description,
+                   [&arguments, run](Session& session) { return run(session, arguments.words); })
+            ->add_option("NAME", arguments.words, "PostScript name, family, family and style, or number")
+            ->required();
+    };
+    withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
+    withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
+    withNames("deactivate", "End that", DeactivateFonts);
+    AddCommand(app, chosen, "list", "List the fonts", ListFonts);
+}
+
+void DescribeWorkgroupCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    CLI::App& workgroup =
+        *app.add_subcommand("workgroup", "Workgroups")->require_subcommand(1)->fallthrough();
+    AddCommand(workgroup, chosen, "list", "List the workgroups; * marks the one for new fonts",
+               ListWorkgroups);
+    const auto withName = [&](const char* name, const char* description, const char* method) {
+        auto* command =
+            AddCommand(workgroup, chosen, name, description, [&arguments, method](Session& session) {
+                return ChangeWorkgroup(session, method, arguments.name, arguments.newName);
+            });
+        command->add_option("NAME", arguments.name, "The workgroup's name")->required();
+        return command;
+    };
+    withName("create", "Make a workgroup", method::kCreateWorkgroup);
+    withName("delete", "Delete a workgroup; its fonts stay", method::kDeleteWorkgroup);
+    withName("use", "Put new fonts into a workgroup", method::kUseWorkgroup);
+    withName("rename", "Rename a workgroup", method::kRenameWorkgroup)
+        ->add_option("NEW", arguments.newName, "The new name")
+        ->required();
+}
+
+void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    AddCommand(app, chosen, "status", "Show how the agent stands", ShowStatus);
+    AddCommand(app, chosen, "login", "Log in",
+               [&](Session& session) { return LogIn(session, arguments.name); })
+        ->add_option("NAME", arguments.name, "Who you are")
+        ->required();
+    AddCommand(app, chosen, "logout", "Log out; no fonts are activated until the next login", LogOut);
+    AddCommand(app, chosen, "standalone", "Run without a server (on), or with one (off)",
+               [&](Session& session) { return SetStandalone(session, arguments.name == "on"); })
+        ->add_option("STATE", arguments.name, "on or off")
+        ->required()
+        ->check(CLI::IsMember({"on", "off"}));
+    AddCommand(app, chosen, "stop", "End the agent", StopAgent);
+    AddCommand(app, chosen, "launch-info", "Tell plug-ins how to start this agent",
+               [&](Session&) { return WriteLaunchInfo(arguments.options); });
+}
+
+int Run(int count, char** words) {
+    CLI::App app("Pellwick, the font manager: without a command, its agent.", "Pellwick");
+    Arguments arguments;
+    Action chosen = [](Session&) { return Serve(); };
+    app.add_flag("--json", arguments.options.json, "Print JSON, for programs");
+    app.add_flag("--no-start", arguments.options.noStart, "Do not start an agent when none runs");
+    app.require_subcommand(0, 1);
+    AddCommand(app, chosen, "serve", "Run the agent (as without a command)",
+               [](Session&) { return Serve(); });
+    DescribeFontCommands(app, arguments, chosen);
+    DescribeSettingsCommands(app, arguments, chosen);
+    DescribeWorkgroupCommands(app, arguments, chosen);
+    try {
+        app.parse(count, words);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kExit_Done : kExit_Usage;
+    }
+    Session session(arguments.options);
+    return chosen(session);
+}
+
+}  // namespace
+}  // namespace pellwick::cli
+
+int main(int count, char** words) {
+    try {
+        return pellwick::cli::Run(count, words);
+    } catch (const pellwick::cli::Failure& failure) {
+        std::fprintf(stderr, "Pellwick: %s\n", failure.what());
+        return failure.Status();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "Pellwick: %s\n", error.what());
+        return pellwick::cli::kExit_CouldNot;
+    }
+}

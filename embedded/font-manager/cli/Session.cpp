@@ -1,0 +1,73 @@
+#include "cli/Session.h"
+
+#include <chrono>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "common/Protocol.h"
+#include "platform/Processes.h"
+
+namespace pellwick::cli {
+namespace {
+
+// A person waits rather longer than a host may.
+constexpr std::chrono::seconds kAnswerLimit{30};
+constexpr std::chrono::seconds kStartLimit{10};
+
+bool IsAgentListening() {
+    ClientStream stream;
+    return stream.Connect(Locations::OfThisUser().AgentAddress());
+}
+
+std::string NoAgentText() {
+    return "no agent is running; start it with \"" + ProgramPath() + " serve\"";
+}
+
+}  // namespace
+
+void Session::StartAgentIfNeeded() {
+    if (mOptions.noStart || IsAgentListening())
+        return;
+    platform::SystemError error;
+    const std::string program = ProgramPath();
+    const auto agent =
+        platform::Current<platform::Processes>().Launch(program, "\"" + program + "\" serve", error);
+    // Another command may have started one at the same moment; then it is that one that answers.
+    if (agent && (agent->WaitUntilIdle(kStartLimit) || IsAgentListening()))
+        return;
+    throw Failure(kExit_NoAgent, "the agent does not start; \"" + program + " serve\" says why");
+}
+
+Json Session::Call(const char* method, const Json& arguments) {
+    Json result;
+    const ErrorCode code = Try(method, arguments, result);
+    if (code != CoreErrorCodes::kSuccess)
+        throw Failure(kExit_CouldNot, FailureText(code, result));
+    return result;
+}
+
+ErrorCode Session::Try(const char* method, const Json& arguments, Json& result) {
+    if (!mConnection)
+        mConnection.emplace(kAnswerLimit);
+    const ErrorCode code = mConnection->Call(method, arguments, result);
+    if (code == GIPCClient::kServiceUnavailable)
+        throw Failure(kExit_NoAgent, NoAgentText());
+    if (code == GAgentIF::kShutdown)
+        throw Failure(kExit_NoAgent, "the agent has just ended; " + NoAgentText());
+    return code;
+}
+
+std::string ProgramPath() {
+    return platform::Current<platform::Processes>().CurrentExecutablePath();
+}
+
+void PrintJson(const Json& value) {
+    PrintLine(value.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+void PrintLine(const std::string& line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+}  // namespace pellwick::cli

@@ -1,0 +1,103 @@
+// status, login, logout, standalone, workgroup, stop, launch-info.
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "cli/Commands.h"
+#include "common/Protocol.h"
+#include "common/Utf8Path.h"
+#include "platform/Files.h"
+
+namespace pellwick::cli {
+namespace {
+
+ExitStatus Run(Session& session, const char* method, const Json& arguments) {
+    session.StartAgentIfNeeded();
+    const Json answer = session.Call(method, arguments);
+    if (session.PrintsJson())
+        PrintJson(answer);
+    return kExit_Done;
+}
+
+void PrintStatus(const Json& status) {
+    PrintLine("agent       process " + std::to_string(IntegerMember(status, "process")) +
+              (BoolMember(status, "standalone") ? ", standalone" : ", with a server"));
+    PrintLine("user        " +
+              (BoolMember(status, "loggedIn") ? StringMember(status, "userName") : "(logged out)"));
+    PrintLine("fonts       " + std::to_string(IntegerMember(status, "fonts")) + ", " +
+              std::to_string(IntegerMember(status, "activeFiles")) + " files active");
+    PrintLine("hosts       " + std::to_string(IntegerMember(status, "hosts")) + " with active fonts");
+    PrintLine("workgroup   " + StringMember(status, "workgroup"));
+    PrintLine("data        " + StringMember(status, "dataFolder"));
+    PrintLine("active in   " + StringMember(status, "linkFolder"));
+}
+
+}  // namespace
+
+ExitStatus ShowStatus(Session& session) {
+    const Json status = session.Call(method::kGetStatus, Json::object());
+    if (session.PrintsJson())
+        PrintJson(status);
+    else
+        PrintStatus(status);
+    return kExit_Done;
+}
+
+ExitStatus LogIn(Session& session, const std::string& name) {
+    return Run(session, method::kLogIn, {{"name", name}});
+}
+
+ExitStatus LogOut(Session& session) {
+    return Run(session, method::kLogOut, Json::object());
+}
+
+ExitStatus SetStandalone(Session& session, bool isStandalone) {
+    return Run(session, method::kSetStandalone, {{"on", isStandalone}});
+}
+
+ExitStatus StopAgent(Session& session) {
+    const Json answer = session.Call(method::kStop, Json::object());
+    if (session.PrintsJson())
+        PrintJson(answer);
+    return kExit_Done;
+}
+
+ExitStatus WriteLaunchInfo(const Options& options) {
+    const Locations locations = Locations::OfThisUser();
+    const std::string program = ProgramPath();
+    auto error = platform::MakeFolders(Utf8Text(Utf8Path(locations.launchInfoPath).parent_path()), true);
+    if (!error)
+        error = platform::WriteWholeFile(locations.launchInfoPath,
+                                         "pellwick.path=" + program + "\npellwick.args=serve\n");
+    if (error)
+        throw Failure(kExit_CouldNot, "cannot write " + locations.launchInfoPath + " (" +
+                                          platform::SystemErrorText(error) +
+                                          "); set XDG_DATA_HOME to a folder of yours");
+    if (options.json)
+        PrintJson({{"file", locations.launchInfoPath}, {"agent", program}});
+    else
+        PrintLine(locations.launchInfoPath);
+    return kExit_Done;
+}
+
+ExitStatus ListWorkgroups(Session& session) {
+    session.StartAgentIfNeeded();
+    const Json answer = session.Call(method::kListWorkgroups, Json::object());
+    if (session.PrintsJson()) {
+        PrintJson(answer);
+        return kExit_Done;
+    }
+    for (const Json& workgroup : ArrayMember(answer, "workgroups")) {
+        const long long id = IntegerMember(workgroup, kGS_WorkgroupIDKey);
+        std::printf("%c %4lld  %s\n", id == IntegerMember(answer, "current") ? '*' : ' ', id,
+                    StringMember(workgroup, kGS_WorkgroupNameKey).c_str());
+    }
+    return kExit_Done;
+}
+
+ExitStatus ChangeWorkgroup(Session& session, const char* method, const std::string& name,
+                           const std::string& newName) {
+    return Run(session, method, {{"name", name}, {"newName", newName}});
+}
+
+}  // namespace pellwick::cli

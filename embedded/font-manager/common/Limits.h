@@ -1,0 +1,38 @@
+// The font manager's limits, with the reason for each.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+
+namespace pellwick {
+
+/// A message larger than this is refused on either side: a page of a font list is below 1 MiB.
+constexpr size_t kMaxMessageSize = size_t{16} << 20;
+/// Messages are flat: records in arrays in one object. Deeper ones would only serve to exhaust the stack.
+constexpr int kMaxMessageDepth = 64;
+/// What may wait for a client that does not read; one that lets more pile up is dropped.
+constexpr size_t kMaxQueuedBytes = size_t{32} << 20;
+
+/// How long a caller waits for a sign of life: a host must not hang because its font manager does.
+constexpr std::chrono::milliseconds kAnswerLimit{2000};
+/// The agent gives a sign of life this often while a command takes longer.
+constexpr std::chrono::milliseconds kKeepAliveInterval{400};
+/// How long a stopping agent waits for its goodbyes to be taken.
+constexpr std::chrono::milliseconds kGoodbyeLimit{500};
+
+/// The largest fonts in use, collections of Chinese, Japanese and Korean faces, have about 150 MB.
+constexpr uint64_t kMaxFontFileSize = uint64_t{256} << 20;
+/// Faces in one collection, and named instances in one face.
+constexpr long kMaxFacesPerFile = 256;
+constexpr unsigned kMaxInstancesPerFace = 512;
+/// A name is a few dozen characters; longer ones are cut.
+constexpr size_t kMaxNameSize = 1024;
+
+/// A log that has grown to this size is set aside, once, and begun anew.
+constexpr uint64_t kMaxLogSize = uint64_t{5} << 20;
+
+/// Fonts per page of a list.
+constexpr int kListPageSize = 1000;
+
+}  // namespace pellwick

@@ -1,0 +1,31 @@
+// Where the font manager keeps its things. Agent, command line and interface library agree on these places
+// because they all compute them here, from the user's data folder.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pellwick {
+
+struct Locations {
+    std::string dataFolder;      ///< everything below is this agent's own
+    std::string databasePath;    ///< fonts, workgroups, activations, settings
+    std::string vaultFolder;     ///< the font files, by checksum
+    std::string lockPath;        ///< held by the running agent
+    std::string addressPath;     ///< text file: the address of the running agent's socket
+    std::string linkFolder;      ///< active fonts, where every program of the user finds them
+    std::string logFolder;       ///< logs of the agent and of plug-ins
+    std::string launchInfoPath;  ///< tells plug-ins how to start the agent
+
+    /// The places that follow from the environment of this process.
+    static Locations OfThisUser();
+
+    /// Addresses for the agent's socket, best first: in the folder for sockets of this login, in the data
+    /// folder, and in a private folder of short name when those paths are too long for a socket.
+    std::vector<std::string> SocketPaths() const;
+
+    /// The address that the running agent wrote down; empty when there is none.
+    std::string AgentAddress() const;
+};
+
+}  // namespace pellwick

@@ -1,0 +1,70 @@
+// What agent and clients say to one another.
+//
+// Messages are MessagePack objects in frames: the payload's size in bytes as four bytes, little endian, then
+// the payload. A client sends {"id", "method", "args"}; the agent answers each in turn with {"id", "code",
+// "result"}, where "result" holds {"message"} for a code other than 0. Between the two it may send
+// {"working": true} to say that it is alive. A connection that subscribed also gets {"notification", "data"}.
+// {"goodbye": true} is the last thing an agent says before it ends.
+#pragma once
+
+#include <cstdint>
+
+namespace pellwick {
+
+/// Goes up with every change that an older client or agent would not understand.
+constexpr int kProtocolVersion = 1;
+/// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
+constexpr int kSchemaVersion = 1;
+
+/// Every method: X(constant, name).
+#define PELLWICK_METHODS(X)                            \
+    X(kHello, "Hello")                                 \
+    X(kSubscribe, "Subscribe")                         \
+    X(kGetStatus, "GetStatus")                         \
+    X(kStop, "Stop")                                   \
+    X(kAddFile, "AddFile")                             \
+    X(kRemoveFonts, "RemoveFonts")                     \
+    X(kListFonts, "ListFonts")                         \
+    X(kActivateForUser, "ActivateForUser")             \
+    X(kDeactivateForUser, "DeactivateForUser")         \
+    X(kLogIn, "LogIn")                                 \
+    X(kLogOut, "LogOut")                               \
+    X(kSetStandalone, "SetStandalone")                 \
+    X(kSetGoogleWebFonts, "SetGoogleWebFonts")         \
+    X(kListWorkgroups, "ListWorkgroups")               \
+    X(kCreateWorkgroup, "CreateWorkgroup")             \
+    X(kRenameWorkgroup, "RenameWorkgroup")             \
+    X(kDeleteWorkgroup, "DeleteWorkgroup")             \
+    X(kUseWorkgroup, "UseWorkgroup")                   \
+    X(kActivateFonts, "ActivateFonts")                 \
+    X(kActivateDocumentFonts, "ActivateDocumentFonts") \
+    X(kDeactivateFonts, "DeactivateFonts")             \
+    X(kGetFont, "GetFont")                             \
+    X(kGetFonts, "GetFonts")                           \
+    X(kFindByPostScriptName, "FindByPostScriptName")   \
+    X(kFindByFamilyName, "FindByFamilyName")           \
+    X(kFindSameFamily, "FindSameFamily")               \
+    X(kFindByAnyName, "FindByAnyName")                 \
+    X(kGetClientStates, "GetClientStates")             \
+    X(kSaveDocumentFonts, "SaveDocumentFonts")         \
+    X(kGetFontUsage, "GetFontUsage")                   \
+    X(kWriteFontUsage, "WriteFontUsage")               \
+    X(kClearDocument, "ClearDocument")
+
+namespace method {
+#define PELLWICK_METHOD_CONSTANT(constant, name) inline constexpr char constant[] = name;
+PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
+#undef PELLWICK_METHOD_CONSTANT
+}  // namespace method
+
+/// The workgroup ID that stands for all workgroups together.
+constexpr int32_t kAllWorkgroupsID = -2;
+
+/// Kinds of workgroup, as far as this font manager has them.
+enum WorkgroupType : int32_t {
+    kWorkgroupType_All = 0,       ///< all workgroups together
+    kWorkgroupType_Personal = 1,  ///< the user's own
+    kWorkgroupType_System = 4     ///< the system's fonts
+};
+
+}  // namespace pellwick

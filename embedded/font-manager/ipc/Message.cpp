@@ -1,0 +1,88 @@
+#include "ipc/Message.h"
+
+#include <nlohmann/json.hpp>
+
+#include "common/Limits.h"
+#include "ipc/FrameBuffer.h"
+
+namespace pellwick {
+namespace {
+
+/// Builds the value and gives up where the nesting gets too deep for the parser's recursion.
+class BoundedBuilder : public nlohmann::detail::json_sax_dom_parser<Json> {
+    using Base = nlohmann::detail::json_sax_dom_parser<Json>;
+
+public:
+    explicit BoundedBuilder(Json& value) : Base(value, false) {}
+
+    bool start_object(size_t size) { return ++mDepth <= kMaxMessageDepth && Base::start_object(size); }
+    bool start_array(size_t size) { return ++mDepth <= kMaxMessageDepth && Base::start_array(size); }
+    bool end_object() {
+        --mDepth;
+        return Base::end_object();
+    }
+    bool end_array() {
+        --mDepth;
+        return Base::end_array();
+    }
+
+private:
+    int mDepth = 0;
+};
+
+const Json* Member(const Json& object, const char* key) {
+    if (!object.is_object())
+        return nullptr;
+    const auto found = object.find(key);
+    return found != object.end() ? &*found : nullptr;
+}
+
+}  // namespace
+
+std::optional<std::string> EncodeMessage(const Json& message) {
+    std::string payload;
+    Json::to_msgpack(message, nlohmann::detail::output_adapter<char>(payload));
+    return MakeFrame(payload);
+}
+
+std::optional<Json> DecodeMessage(std::string_view payload) {
+    Json message;
+    BoundedBuilder builder(message);
+    try {
+        if (!Json::sax_parse(payload.begin(), payload.end(), &builder, Json::input_format_t::msgpack) ||
+            !message.is_object())
+            return std::nullopt;
+    } catch (const Json::exception&) {  // an announced size that no container can have
+        return std::nullopt;
+    }
+    return message;
+}
+
+std::string StringMember(const Json& object, const char* key) {
+    const Json* member = Member(object, key);
+    return member != nullptr && member->is_string() ? member->get<std::string>() : std::string();
+}
+
+long long IntegerMember(const Json& object, const char* key, long long missing) {
+    const Json* member = Member(object, key);
+    return member != nullptr && member->is_number_integer() ? member->get<long long>() : missing;
+}
+
+bool BoolMember(const Json& object, const char* key) {
+    const Json* member = Member(object, key);
+    return member != nullptr && member->is_boolean() && member->get<bool>();
+}
+
+const Json& ArrayMember(const Json& object, const char* key) {
+    static const Json* const empty = new Json(Json::array());
+    const Json* member = Member(object, key);
+    return member != nullptr && member->is_array() ? *member : *empty;
+}
+
+const Json& ObjectMember(const Json& object, const char* key) {
+    static const Json* const empty = new Json(Json::object());
+    const Json* member = Member(object, key);
+    return member != nullptr && member->is_object() ? *member : *empty;
+}
+
+}  // namespace pellwick

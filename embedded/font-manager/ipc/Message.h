@@ -1,0 +1,30 @@
+// Messages between JSON values and frames.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pellwick {
+
+using Json = nlohmann::json;
+
+/// The message as a frame; nothing when it is larger than a message may be.
+std::optional<std::string> EncodeMessage(const Json& message);
+
+/// The message in a frame's payload; nothing when the payload is no MessagePack object, goes on after it or
+/// is nested too deeply. Any bytes are safe.
+std::optional<Json> DecodeMessage(std::string_view payload);
+
+// Members that may be missing or of another type, whoever sent them.
+
+std::string StringMember(const Json& object, const char* key);
+long long IntegerMember(const Json& object, const char* key, long long missing = 0);
+bool BoolMember(const Json& object, const char* key);
+/// An empty array when there is none.
+const Json& ArrayMember(const Json& object, const char* key);
+/// An empty object when there is none.
+const Json& ObjectMember(const Json& object, const char* key);
+
+}  // namespace pellwick

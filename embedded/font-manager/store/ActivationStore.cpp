@@ -1,0 +1,67 @@
+#include "store/ActivationStore.h"
+
+#include "store/Database.h"
+
+namespace pellwick {
+namespace {
+
+std::vector<uint32_t> FontIDs(Statement& statement) {
+    std::vector<uint32_t> ids;
+    while (statement.Step())
+        ids.push_back(static_cast<uint32_t>(statement.Integer(0)));
+    return ids;
+}
+
+}  // namespace
+
+void ActivationStore::AddUserActivation(uint32_t fontID) {
+    mDatabase.Prepare("INSERT OR IGNORE INTO user_activations (font_id) VALUES (?)").Bind(fontID).Run();
+}
+
+bool ActivationStore::RemoveUserActivation(uint32_t fontID) {
+    mDatabase.Prepare("DELETE FROM user_activations WHERE font_id = ?").Bind(fontID).Run();
+    return mDatabase.ChangedRows() > 0;
+}
+
+void ActivationStore::AddLease(const HostProcess& host, const std::string& document, uint32_t fontID) {
+    mDatabase
+        .Prepare("INSERT OR IGNORE INTO leases (font_id, process, start_time, document) VALUES (?, ?, ?, ?)")
+        .Bind(fontID, host.process, host.startTime, document)
+        .Run();
+}
+
+bool ActivationStore::EndLeases(const HostProcess& host, uint32_t fontID) {
+    mDatabase.Prepare("DELETE FROM leases WHERE font_id = ? AND process = ? AND start_time = ?")
+        .Bind(fontID, host.process, host.startTime)
+        .Run();
+    return mDatabase.ChangedRows() > 0;
+}
+
+bool ActivationStore::HasLease(const HostProcess& host, uint32_t fontID) {
+    return mDatabase
+        .Prepare("SELECT 1 FROM leases WHERE font_id = ? AND process = ? AND start_time = ? LIMIT 1")
+        .Bind(fontID, host.process, host.startTime)
+        .Step();
+}
+
+std::vector<HostProcess> ActivationStore::Hosts() {
+    Statement query = mDatabase.Prepare("SELECT DISTINCT process, start_time FROM leases");
+    std::vector<HostProcess> hosts;
+    while (query.Step())
+        hosts.push_back({query.Integer(0), static_cast<uint64_t>(query.Integer(1))});
+    return hosts;
+}
+
+std::vector<uint32_t> ActivationStore::FontsLeasedBy(const HostProcess& host) {
+    Statement query =
+        mDatabase.Prepare("SELECT DISTINCT font_id FROM leases WHERE process = ? AND start_time = ?");
+    return FontIDs(query.Bind(host.process, host.startTime));
+}
+
+std::vector<uint32_t> ActivationStore::FontsLeasedFor(const HostProcess& host, const std::string& document) {
+    Statement query =
+        mDatabase.Prepare("SELECT font_id FROM leases WHERE process = ? AND start_time = ? AND document = ?");
+    return FontIDs(query.Bind(host.process, host.startTime, document));
+}
+
+}  // namespace pellwick

@@ -1,0 +1,108 @@
+// The SQLite C interface (https://www.sqlite.org/cintro.html) as owners and calls.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "ErrorCodes.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace pellwick {
+
+/// Thrown by everything here when SQLite refuses.
+class DatabaseError : public std::runtime_error {
+public:
+    DatabaseError(ErrorCode code, const std::string& message) : std::runtime_error(message), mCode(code) {}
+    ErrorCode Code() const { return mCode; }  ///< a GSqliteDatabase code
+
+private:
+    ErrorCode mCode;
+};
+
+/// A prepared statement in use: bind the parameters in order, then step through the rows. Goes back to the
+/// database for the next use when it is destroyed.
+class Statement {
+public:
+    explicit Statement(sqlite3_stmt* statement) : mStatement(statement) {}
+    ~Statement();
+    Statement(Statement&& other) noexcept;
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    template <class... Values>
+    Statement& Bind(const Values&... values) {
+        (BindNext(values), ...);
+        return *this;
+    }
+    /// Moves to the next row; false when there is none.
+    bool Step();
+    /// For statements without rows.
+    void Run();
+
+    int64_t Integer(int column) const;
+    std::string Text(int column) const;
+
+private:
+    void BindNext(int64_t value);
+    void BindNext(std::string_view value);
+    void BindNext(const std::string& value) { BindNext(std::string_view(value)); }
+    void BindNext(const char* value) { BindNext(std::string_view(value)); }
+    template <class Integer>
+    requires std::is_integral_v<Integer>
+    void BindNext(Integer value) { BindNext(static_cast<int64_t>(value)); }
+
+    sqlite3_stmt* mStatement;
+    int mBound = 0;
+};
+
+/// One connection to a database file. One thread.
+class Database {
+public:
+    /// Opens the file, making it when it is missing.
+    explicit Database(const std::string& path);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    /// Runs statements without parameters.
+    void Execute(const char* sql);
+    /// The statement, prepared once and kept. Not to be used again while a former use still lives.
+    Statement Prepare(const char* sql);
+    int64_t LastInsertedID() const;
+    /// Rows that the last statement changed.
+    int ChangedRows() const;
+
+private:
+    struct Closer {
+        void operator()(sqlite3* database) const;
+    };
+    struct Finalizer {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+
+    std::unique_ptr<sqlite3, Closer> mDatabase;
+    std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>, std::less<>> mStatements;
+};
+
+/// All changes of a scope, or none.
+class Transaction {
+public:
+    explicit Transaction(Database& database);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void Commit();
+
+private:
+    Database& mDatabase;
+    bool mIsOpen = true;
+};
+
+}  // namespace pellwick

@@ -1,0 +1,38 @@
+#include "store/DocumentStore.h"
+
+#include "store/Database.h"
+
+namespace pellwick {
+
+std::optional<std::string> DocumentStore::FontUsage(const std::string& path) {
+    Statement query = mDatabase.Prepare("SELECT font_usage FROM documents WHERE path = ?");
+    if (!query.Bind(path).Step())
+        return std::nullopt;
+    return query.Text(0);
+}
+
+void DocumentStore::SetFontUsage(const std::string& path, const std::string& fontUsage) {
+    mDatabase
+        .Prepare(
+            "INSERT INTO documents (path, font_usage) VALUES (?, ?)"
+            " ON CONFLICT (path) DO UPDATE SET font_usage = excluded.font_usage")
+        .Bind(path, fontUsage)
+        .Run();
+}
+
+void DocumentStore::SaveFonts(const std::string& path, const std::vector<uint32_t>& fontIDs, bool replace) {
+    mDatabase.Prepare("INSERT OR IGNORE INTO documents (path, font_usage) VALUES (?, '')").Bind(path).Run();
+    if (replace)
+        mDatabase.Prepare("DELETE FROM document_fonts WHERE path = ?").Bind(path).Run();
+    for (const uint32_t fontID : fontIDs)
+        mDatabase.Prepare("INSERT OR IGNORE INTO document_fonts (path, font_id) VALUES (?, ?)")
+            .Bind(path, fontID)
+            .Run();
+}
+
+bool DocumentStore::Clear(const std::string& path) {
+    mDatabase.Prepare("DELETE FROM documents WHERE path = ?").Bind(path).Run();
+    return mDatabase.ChangedRows() > 0;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,180 @@
+#include "store/FontStore.h"
+
+#include "FontRecordKeys.h"
+#include "store/Database.h"
+
+namespace pellwick {
+namespace {
+
+// A font is in several workgroups at most for the user; its record names the first.
+#define SELECT_FONTS                                                                                        \
+    "SELECT f.id, f.face, f.postscript_name, f.family, f.style, f.full_name, f.foundry, f.version, f.kind," \
+    " files.id, files.checksum, files.name, files.extension, files.size,"                                   \
+    " CASE WHEN files.missing THEN 7"                                                                       \
+    "  WHEN EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id) THEN 1"                        \
+    "  WHEN EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                      \
+    " w.id, w.name, w.type"                                                                                 \
+    " FROM fonts f JOIN files ON files.id = f.file_id"                                                      \
+    " LEFT JOIN workgroups w ON w.id ="                                                                     \
+    "  (SELECT MIN(workgroup_id) FROM workgroup_fonts wf WHERE wf.font_id = f.id) "
+
+static_assert(kFontActivationState_Missing == 7 && kFontActivationState_ActivatedByUser == 1 &&
+              kFontActivationState_ActivatedByPlugin == 2);
+
+constexpr char kIsActive[] =
+    "(EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)"
+    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id))";
+
+Font FontOfRow(const Statement& row) {
+    Font font;
+    font.id = static_cast<uint32_t>(row.Integer(0));
+    font.face = row.Integer(1);
+    font.postScriptName = row.Text(2);
+    font.family = row.Text(3);
+    font.style = row.Text(4);
+    font.fullName = row.Text(5);
+    font.foundry = row.Text(6);
+    font.version = row.Text(7);
+    font.kind = static_cast<int32_t>(row.Integer(8));
+    font.file = {row.Integer(9), row.Text(10), row.Text(11), row.Text(12),
+                 static_cast<uint64_t>(row.Integer(13))};
+    font.activationState = static_cast<int32_t>(row.Integer(14));
+    font.workgroupID = static_cast<int32_t>(row.Integer(15));
+    font.workgroupName = row.Text(16);
+    font.workgroupType = static_cast<int32_t>(row.Integer(17));
+    return font;
+}
+
+std::vector<Font> AllRows(Statement& statement) {
+    std::vector<Font> fonts;
+    while (statement.Step())
+        fonts.push_back(FontOfRow(statement));
+    return fonts;
+}
+
+void AddLookupNames(Database& database, int64_t fontID, const FontFace& face) {
+    for (const std::string& name : face.lookupNames)
+        database.Prepare("INSERT OR IGNORE INTO lookup_names (name, font_id) VALUES (?, ?)")
+            .Bind(SimplifyName(name), fontID)
+            .Run();
+}
+
+uint32_t AddFace(Database& database, int64_t fileID, const FontFace& face) {
+    database
+        .Prepare(
+            "INSERT INTO fonts (file_id, face, postscript_name, family, style, full_name, foundry,"
+            " version, kind) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
+        .Bind(fileID, face.face, face.postScriptName, face.family, face.style, face.fullName, face.foundry,
+              face.version, face.kind)
+        .Run();
+    const int64_t fontID = database.LastInsertedID();
+    AddLookupNames(database, fontID, face);
+    return static_cast<uint32_t>(fontID);
+}
+
+}  // namespace
+
+std::string SimplifyName(std::string_view name) {
+    std::string simple;
+    for (const char character : name) {
+        if (character >= 'A' && character <= 'Z')
+            simple += static_cast<char>(character - 'A' + 'a');
+        else if (character != ' ' && character != '-' && character != '_')
+            simple += character;
+    }
+    return simple;
+}
+
+std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
+    Statement query =
+        mDatabase.Prepare("SELECT id, checksum, name, extension, size FROM files WHERE checksum = ?");
+    if (!query.Bind(checksum).Step())
+        return std::nullopt;
+    return FontFile{query.Integer(0), query.Text(1), query.Text(2), query.Text(3),
+                    static_cast<uint64_t>(query.Integer(4))};
+}
+
+std::vector<uint32_t> FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
+    mDatabase.Prepare("INSERT INTO files (checksum, name, extension, size) VALUES (?, ?, ?, ?)")
+        .Bind(file.checksum, file.name, file.extension, file.size)
+        .Run();
+    const int64_t fileID = mDatabase.LastInsertedID();
+    std::vector<uint32_t> ids;
+    for (const FontFace& face : faces)
+        ids.push_back(AddFace(mDatabase, fileID, face));
+    return ids;
+}
+
+void FontStore::RemoveFile(int64_t fileID) {
+    mDatabase.Prepare("DELETE FROM files WHERE id = ?").Bind(fileID).Run();
+}
+
+void FontStore::SetFileMissing(int64_t fileID, bool isMissing) {
+    mDatabase.Prepare("UPDATE files SET missing = ? WHERE id = ?").Bind(isMissing, fileID).Run();
+}
+
+std::optional<Font> FontStore::Find(uint32_t fontID) {
+    Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.id = ?");
+    if (!query.Bind(fontID).Step())
+        return std::nullopt;
+    return FontOfRow(query);
+}
+
+std::vector<Font> FontStore::FontsOfFile(int64_t fileID) {
+    Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.file_id = ? ORDER BY f.id");
+    return AllRows(query.Bind(fileID));
+}
+
+std::vector<Font> FontStore::Query(const char* sql, std::string_view value) {
+    Statement query = mDatabase.Prepare(sql);
+    return AllRows(query.Bind(value));
+}
+
+std::vector<Font> FontStore::FindByPostScriptName(const std::string& name) {
+    std::vector<Font> exact = Query(SELECT_FONTS "WHERE f.postscript_name = ? ORDER BY f.id", name);
+    if (!exact.empty())
+        return exact;
+    return Query(SELECT_FONTS "WHERE f.postscript_name = ? COLLATE NOCASE ORDER BY f.id", name);
+}
+
+std::vector<Font> FontStore::FindByFamily(const std::string& family) {
+    std::vector<Font> exact = Query(SELECT_FONTS "WHERE f.family = ? ORDER BY f.id", family);
+    if (!exact.empty())
+        return exact;
+    return Query(SELECT_FONTS "WHERE f.family = ? COLLATE NOCASE ORDER BY f.id", family);
+}
+
+std::vector<Font> FontStore::FindByLookupName(const std::string& name) {
+    return Query(SELECT_FONTS "WHERE f.id IN (SELECT font_id FROM lookup_names WHERE name = ?) ORDER BY f.id",
+                 SimplifyName(name));
+}
+
+std::vector<Font> FontStore::List(uint32_t after, int limit) {
+    Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.id > ? ORDER BY f.id LIMIT ?");
+    return AllRows(query.Bind(after, limit));
+}
+
+int64_t FontStore::Count() {
+    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM fonts");
+    return query.Step() ? query.Integer(0) : 0;
+}
+
+std::vector<FontFile> FontStore::ActiveFiles() {
+    Statement query = mDatabase.Prepare(
+        "SELECT id, checksum, name, extension, size FROM files WHERE id IN (SELECT file_id FROM fonts WHERE "
+        "id IN"
+        " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases))");
+    std::vector<FontFile> files;
+    while (query.Step())
+        files.push_back({query.Integer(0), query.Text(1), query.Text(2), query.Text(3),
+                         static_cast<uint64_t>(query.Integer(4))});
+    return files;
+}
+
+bool FontStore::IsFileActive(int64_t fileID) {
+    static const std::string sql =
+        std::string("SELECT 1 FROM fonts f WHERE f.file_id = ? AND ") + kIsActive + " LIMIT 1";
+    return mDatabase.Prepare(sql.c_str()).Bind(fileID).Step();
+}
+
+}  // namespace pellwick

@@ -1,0 +1,84 @@
+// The fonts that the font manager knows, and the files they came in.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pellwick {
+
+class Database;
+class Statement;
+
+/// A file in the vault.
+struct FontFile {
+    int64_t id = 0;
+    std::string checksum;   ///< SHA-256, lower-case hexadecimal
+    std::string name;       ///< the name under which it was added
+    std::string extension;  ///< with its dot, lower case
+    uint64_t size = 0;      ///< bytes
+};
+
+/// What a scan finds out about one face of a file.
+struct FontFace {
+    int64_t face = 0;  ///< FreeType's face index; named instance in bits 16 to 30
+    std::string postScriptName;
+    std::string family;
+    std::string style;
+    std::string fullName;
+    std::string foundry;
+    std::string version;
+    int32_t kind = 0;                      ///< a kind of GFontManagerConstants
+    std::vector<std::string> lookupNames;  ///< further names that documents may use
+};
+
+/// A face in the store.
+struct Font : FontFace {
+    uint32_t id = 0;
+    FontFile file;
+    int32_t activationState = 0;  ///< see FontActivationState
+    int32_t workgroupID = 0;
+    std::string workgroupName;
+    int32_t workgroupType = 0;
+};
+
+/// Names that differ in blanks, hyphens, underscores or the case of the letters A to Z are one name.
+std::string SimplifyName(std::string_view name);
+
+/// Throws DatabaseError.
+class FontStore {
+public:
+    explicit FontStore(Database& database) : mDatabase(database) {}
+
+    /// The file with that checksum.
+    std::optional<FontFile> FindFile(const std::string& checksum);
+    /// Adds a file and its faces; the new fonts' IDs.
+    std::vector<uint32_t> Add(const FontFile& file, const std::vector<FontFace>& faces);
+    /// Removes a file and all its fonts.
+    void RemoveFile(int64_t fileID);
+    /// Notes that the file cannot be found in the vault, or is there again.
+    void SetFileMissing(int64_t fileID, bool isMissing);
+
+    std::optional<Font> Find(uint32_t fontID);
+    std::vector<Font> FontsOfFile(int64_t fileID);
+    /// Exact names; when there are none, names that differ in case.
+    std::vector<Font> FindByPostScriptName(const std::string& name);
+    std::vector<Font> FindByFamily(const std::string& family);
+    /// Fonts that go by a simplified name: family and style together, or the full name.
+    std::vector<Font> FindByLookupName(const std::string& name);
+    /// Up to `limit` fonts with a larger ID than `after`, by ID.
+    std::vector<Font> List(uint32_t after, int limit);
+    int64_t Count();
+    /// Files of fonts that are active.
+    std::vector<FontFile> ActiveFiles();
+    bool IsFileActive(int64_t fileID);
+
+private:
+    std::vector<Font> Query(const char* condition, std::string_view value);
+
+    Database& mDatabase;
+};
+
+}  // namespace pellwick

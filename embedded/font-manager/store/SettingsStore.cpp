@@ -1,0 +1,74 @@
+#include "store/SettingsStore.h"
+
+#include <cstdlib>
+
+#include "platform/Environment.h"
+#include "store/Database.h"
+
+namespace pellwick {
+namespace {
+
+constexpr char kUserName[] = "userName";
+constexpr char kStandalone[] = "standalone";
+constexpr char kGoogleWebFonts[] = "googleWebFonts";
+constexpr char kCurrentWorkgroup[] = "currentWorkgroup";
+constexpr char kYes[] = "1";
+constexpr char kNo[] = "0";
+
+std::string LocalUser() {
+    const std::string name = platform::EnvironmentVariable("USER");
+    return name.empty() ? "local user" : name;
+}
+
+}  // namespace
+
+bool SettingsStore::IsLoggedIn() {
+    return !UserName().empty();
+}
+
+std::string SettingsStore::UserName() {
+    return Get(kUserName, LocalUser());
+}
+
+void SettingsStore::LogIn(const std::string& userName) {
+    Set(kUserName, userName);
+}
+
+void SettingsStore::LogOut() {
+    Set(kUserName, "");
+}
+
+bool SettingsStore::IsStandalone() {
+    return Get(kStandalone, kYes) == kYes;
+}
+
+void SettingsStore::SetStandalone(bool isStandalone) {
+    Set(kStandalone, isStandalone ? kYes : kNo);
+}
+
+bool SettingsStore::AreGoogleWebFontsEnabled() {
+    return Get(kGoogleWebFonts, kNo) == kYes;
+}
+
+void SettingsStore::EnableGoogleWebFonts(bool isEnabled) {
+    Set(kGoogleWebFonts, isEnabled ? kYes : kNo);
+}
+
+int32_t SettingsStore::CurrentWorkgroup() {
+    return static_cast<int32_t>(std::strtol(Get(kCurrentWorkgroup, "0").c_str(), nullptr, 10));
+}
+
+void SettingsStore::SetCurrentWorkgroup(int32_t workgroupID) {
+    Set(kCurrentWorkgroup, std::to_string(workgroupID));
+}
+
+std::string SettingsStore::Get(const char* name, const std::string& missing) {
+    Statement query = mDatabase.Prepare("SELECT value FROM settings WHERE name = ?");
+    return query.Bind(name).Step() ? query.Text(0) : missing;
+}
+
+void SettingsStore::Set(const char* name, const std::string& value) {
+    mDatabase.Prepare("INSERT OR REPLACE INTO settings (name, value) VALUES (?, ?)").Bind(name, value).Run();
+}
+
+}  // namespace pellwick
