@@ -37,6 +37,7 @@ protected:
         MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
         MarquellGlobals::SetPluginServicesEnabled(true);
         MarquellGlobals::SetConnectedToCore(true);
+        MarquellGlobals::GetSharedVPFInterface();
         VPILoader::GetSharedInstance();
         library.calls.clear();
         trace.Clear();
