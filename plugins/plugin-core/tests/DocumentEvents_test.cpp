@@ -1,1 +1,168 @@
-#include <gtest/gtest.h>
+#include "DocumentEvents.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "FakeWorld.h"
+#include "TemporaryFolder.h"
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+class DocumentEventsTest : public FakeWorld {
+protected:
+    DocumentEventsTest() { path = folder.Write("Dokument 字.ai", "no fonts in here"); }
+
+    ErrorCode Open(const std::string& fontsJSON = R"([{"PostScriptName":"Seven"}])", size_t size = 65536) {
+        bufferA.assign(size + 1, '\0');
+        bufferB.assign(size + 1, '\0');
+        size_t sizeA = size;
+        size_t sizeB = size;
+        return DocumentEvents::HandleOpenExistingDocument(path, fontsJSON, bufferA.data(), &sizeA,
+                                                          bufferB.data(), &sizeB, &numFontsActivated);
+    }
+    ErrorCode Close(const std::string& hint = "") { return DocumentEvents::HandleCloseDocument(path, hint); }
+    void ChangeFile() {
+        std::filesystem::last_write_time(
+            path, std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    }
+    std::string Identifier() {
+        char buffer[100] = "";
+        size_t size = sizeof buffer;
+        EXPECT_EQ(DocumentEvents::GetIDForDocument(path, buffer, &size), CoreErrorCodes::kSuccess);
+        return buffer;
+    }
+
+    TemporaryFolder folder;
+    std::string path;
+    std::string bufferA;
+    std::string bufferB;
+    int numFontsActivated = 42;
+};
+
+}  // namespace
+
+TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
+    MakeFunctional();
+    library.fonts = {{7, "Seven"}, {8, "Eight"}};
+    EXPECT_EQ(Open(), 1u);
+    EXPECT_EQ(numFontsActivated, 2);
+    EXPECT_EQ(json::parse(bufferA.c_str()).size(), 2u);
+    EXPECT_STREQ(bufferB.c_str(), "[]");
+    EXPECT_THAT(trace.Text(),
+                testing::StartsWith("Entering PluginCoreInterface::HandleOpenExistingDocument('" + path));
+    EXPECT_THAT(trace.Text(), testing::EndsWith("with result 1\n"));
+    const std::string identifier = Identifier();
+    library.activationStateBefore = 2;
+    EXPECT_EQ(Open(), 0u) << "all were active already";
+    EXPECT_EQ(numFontsActivated, 0);
+    EXPECT_EQ(Identifier(), identifier) << "one record for one path";
+}
+
+TEST_F(DocumentEventsTest, ABufferTooSmallDoesNotUndoTheActivation) {
+    MakeFunctional();
+    library.fonts = {{7, "Seven"}};
+    EXPECT_EQ(Open("", 10), CoreErrorCodes::kIndexOutOfRange);
+    EXPECT_EQ(numFontsActivated, 1);
+    framework.numbers["CloseFontsOnDocClose"] = 1;
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 1);
+}
+
+TEST_F(DocumentEventsTest, WithoutAFontManagerADocumentIsTrackedWithoutFonts) {
+    EXPECT_EQ(Open("not json"), 0u);
+    EXPECT_EQ(numFontsActivated, 0);
+    EXPECT_STREQ(bufferA.c_str(), "");
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(Close(), CoreErrorCodes::kUnknownError);
+}
+
+TEST_F(DocumentEventsTest, AHandOverThatFailedIsTriedAgainAtClose) {
+    MakeFunctional();
+    Open();
+    library.codes["SaveDocumentFonts"] = {CoreErrorCodes::kError};
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "usage"), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 2);
+    library.calls.clear();
+    Open();
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "usage"), 0u);
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 1) << "nothing is left to hand over";
+}
+
+TEST_F(DocumentEventsTest, AFileWrittenBehindTheHostIsHandedOverAtClose) {
+    MakeFunctional();
+    Open();
+    ChangeFile();
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 1);
+}
+
+TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLater) {
+    char buffer[37] = "";
+    size_t size = 36;
+    EXPECT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(AllTrackedDocuments::GetSharedInstance().Documents().size(), 1u)
+        << "it is tracked all the same";
+    size = sizeof buffer;
+    ASSERT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(DocumentEvents::SetPathForDocument(path, buffer), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(Identifier(), buffer);
+    EXPECT_EQ(DocumentEvents::SetPathForDocument(path, "no such document"), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(DocumentEvents::GetIDForDocument("/no/such/path", buffer, &size), CoreErrorCodes::kNotFound);
+}
+
+TEST_F(DocumentEventsTest, FontUsageIsKeptUnderIdentifierOrPath) {
+    Open();
+    for (const std::string& document : {Identifier(), path})
+        EXPECT_EQ(DocumentEvents::UpdateDocumentFontUsage(document, "usage of " + document), 0u);
+    EXPECT_EQ(AllTrackedDocuments::GetSharedInstance().FindTrackedDocumentByPath(path)->fontUsage,
+              "usage of " + path);
+    EXPECT_EQ(DocumentEvents::UpdateDocumentFontUsage("neither", "usage"), CoreErrorCodes::kNotFound);
+}
+
+TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
+    MakeFunctional();
+    uint32_t count = 42;
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7}])", &count),
+              CoreErrorCodes::kNotFound);
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7,"ActivationStatus":1}])", &count),
+              0u);
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, "", &count), 0u);
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, "{}", &count), CoreErrorCodes::kInvalidParam);
+    Open();
+    library.fonts = {{7, "Seven"}};
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7}])", &count), 0u);
+    EXPECT_EQ(count, 1u);
+}
+
+TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFile) {
+    MakeFunctional();
+    folder.Write("Dokument 字.ai", "/FontName /ABCDEF+ComicNeue-Bold /Flags 4 >>");
+    Open("");
+    EXPECT_THAT(trace.Text(), HasSubstr("adding 'ComicNeue-Bold'\n"));
+    trace.Clear();
+    path = folder / "missing.ai";
+    EXPECT_EQ(Open(""), 0u) << "a failed extraction leaves the list empty";
+    EXPECT_THAT(trace.Text(), HasSubstr("Error='GFileSystem::kFileNotFound'"));
+}
+
+TEST_F(DocumentEventsTest, AtTheEndEveryDocumentIsClosed) {
+    MakeFunctional();
+    framework.numbers["CloseFontsOnDocClose"] = 1;
+    library.fonts = {{7, "Seven"}};
+    Open();
+    path = folder.Write("second.ai", "");
+    library.fonts = {{8, "Eight"}};
+    Open();
+    DocumentEvents::CloseAllDocuments();
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 2);
+    EXPECT_TRUE(AllTrackedDocuments::GetSharedInstance().Documents().empty());
+}

@@ -1,1 +1,79 @@
-#include <gtest/gtest.h>
+#include "Settings.h"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "FakeWorld.h"
+
+namespace {
+
+using SettingsTest = FakeWorld;
+
+std::string AllSettings() {
+    char buffer[2048] = "";
+    EXPECT_EQ(Settings::GetSettings(buffer, sizeof buffer), CoreErrorCodes::kSuccess);
+    return buffer;
+}
+
+}  // namespace
+
+TEST_F(SettingsTest, DefaultsAreRegisteredOnce) {
+    MakeFunctional();
+    framework.numbers = {{"CloseFontsOnDocClose", 1}};
+    Settings::RegisterDefaults();
+    const auto settings = nlohmann::json::parse(AllSettings());
+    EXPECT_EQ(settings.size(), 31u);
+    EXPECT_EQ(settings["EnablePlugin"], "1");
+    EXPECT_EQ(settings["CS5PanelWidth"], "260");
+    EXPECT_EQ(settings["CS5PanelHeight"], "350");
+    EXPECT_EQ(settings["CloseFontsOnHostAppQuit"], "1");
+    EXPECT_EQ(settings["CloseFontsOnDocClose"], "1") << "a value that is there is kept";
+    framework.numbers.clear();
+    Settings::RegisterDefaults();
+    EXPECT_EQ(nlohmann::json::parse(AllSettings())["EnablePlugin"], "0");
+}
+
+TEST_F(SettingsTest, SettingsComeInTheirOrderAndFitOrAreCut) {
+    MakeFunctional();
+    const std::string whole = AllSettings();
+    EXPECT_THAT(whole,
+                testing::StartsWith(R"({"EnablePlugin":"1","EnableGlyphscan":"0","PickBestMatch":"0",)"));
+    EXPECT_THAT(whole, testing::EndsWith(R"("LastPort":"0","LastUsername":"0"})"));
+    for (const size_t size : {whole.size(), whole.size() - 1, size_t{20}, size_t{1}}) {
+        std::string buffer(whole.size() + 2, '#');
+        EXPECT_EQ(Settings::GetSettings(buffer.data(), size), CoreErrorCodes::kIndexOutOfRange) << size;
+        EXPECT_EQ(buffer.substr(size), std::string(buffer.size() - size, '#')) << "written beyond the buffer";
+        EXPECT_EQ(buffer.substr(0, size), (whole.substr(0, size - 1) + '\0').substr(0, size));
+    }
+    EXPECT_EQ(Settings::GetSettings(nullptr, 0), CoreErrorCodes::kIndexOutOfRange);
+    std::string buffer(whole.size() + 1, '#');
+    EXPECT_EQ(Settings::GetSettings(buffer.data(), buffer.size()), CoreErrorCodes::kSuccess);
+}
+
+TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesIgnored) {
+    MakeFunctional();
+    EXPECT_EQ(Settings::SetPreference("PickBestMatch", "0"), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", "-12"), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(framework.numbers["CS5PanelWidth"], -12);
+    for (const char* value : {"", "yes", "1x", " 1", "99999999999999999999"})
+        EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", value), CoreErrorCodes::kInvalidParam) << value;
+    EXPECT_EQ(framework.numbers["CS5PanelWidth"], -12);
+    EXPECT_EQ(Settings::SetPreference("NoSuchKey", "1"), CoreErrorCodes::kInvalidParam);
+    EXPECT_FALSE(framework.numbers.contains("NoSuchKey"));
+}
+
+TEST_F(SettingsTest, TextsAreStoredAndRefusedAllTheSame) {
+    MakeFunctional();
+    EXPECT_EQ(Settings::SetPreference("LastUsername", "Zoë"), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(framework.texts["LastUsername"], "Zoë");
+}
+
+TEST_F(SettingsTest, NothingIsToldWhileThePluginIsNotFunctional) {
+    MakeFunctional();
+    MarquellGlobals::SetLoggedIn(false);
+    char buffer[2048] = "untouched";
+    EXPECT_EQ(Settings::GetSettings(buffer, sizeof buffer), CoreErrorCodes::kNotInitialized);
+    EXPECT_STREQ(buffer, "untouched");
+    EXPECT_EQ(Settings::SetPreference("PickBestMatch", "0"), CoreErrorCodes::kNotInitialized);
+}
