@@ -106,6 +106,12 @@ TEST(TerminalPresenter, UnderstandsNumbersAndTheNamesOfTheButtons) {
     for (const char* no : {"2\n", "N\n", "no\n", "\n", "", "  \n", "yes!\n"})
         EXPECT_EQ(AskInTerminal(no, "en"), 2) << no;
     EXPECT_EQ(AskInTerminal("j\n", "de"), 1);
+    std::istringstream input;
+    std::ostringstream output;
+    TerminalPresenter presenter({input, output, false}, "en");
+    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2);
+    input.str("1\n");
+    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 1) << "the end of input is not for ever";
     std::string shown;
     AskInTerminal("huh\n", "en", &shown);
     EXPECT_THAT(shown, HasSubstr("Title\nText\n"));
