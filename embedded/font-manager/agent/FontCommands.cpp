@@ -52,7 +52,9 @@ std::vector<Font> AddNew(CommandContext& context, FontFile& file, const std::str
     const std::vector<FontFace> faces = context.manager.scanner.Scan(content, reason);
     context.audience.KeepAlive();
     if (faces.empty())
-        throw CommandError(error_codes::GFontToolResults::kNotAFontFile, reason);
+        throw CommandError(reason == kReason_Damaged ? error_codes::GFontToolResults::kCorrupt
+                                                     : error_codes::GFontToolResults::kNotAFontFile,
+                           reason);
     file.extension = FontFileExtension(file.name, faces);
     file.size = content.size();
     if (const auto error = context.manager.vault.Store(file, content))

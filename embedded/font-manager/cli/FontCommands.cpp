@@ -65,16 +65,17 @@ private:
     size_t mDone = 0;
 };
 
-/// Fonts come with licences, read-me files and metrics; what is in a folder and is no font is left alone.
-bool IsOfNoConcern(const FoundFile& file, ErrorCode code, const std::string& reason) {
-    return !file.isNamed && code == error_codes::GFontToolResults::kNotAFontFile &&
-           reason == "not a font file";
+/// Fonts come with licences, read-me files and forms for the web; what is in a folder and is no font to use
+/// is left alone.
+bool IsOfNoConcern(const FoundFile& file, ErrorCode code) {
+    return !file.isNamed && code == error_codes::GFontToolResults::kNotAFontFile;
 }
 
 struct AddResult {
     Json added = Json::array();
     Json known = Json::array();
     Json failures = Json::array();
+    int skipped = 0;  ///< files in folders that are no fonts
 };
 
 void AddFile(Session& session, const FoundFile& file, const std::string& workgroup, AddResult& result) {
@@ -83,7 +84,9 @@ void AddFile(Session& session, const FoundFile& file, const std::string& workgro
         session.Try(method::kAddFile, {{"path", file.path}, {"workgroup", workgroup}}, answer);
     if (code != CoreErrorCodes::kSuccess) {
         const std::string reason = FailureText(code, answer);
-        if (!IsOfNoConcern(file, code, reason))
+        if (IsOfNoConcern(file, code))
+            ++result.skipped;
+        else
             result.failures.push_back({{"path", file.path}, {"reason", reason}});
         return;
     }
@@ -97,6 +100,8 @@ void PrintAddResult(const AddResult& result) {
         PrintLine("added " + StringMember(font, kGS_PostScriptNameKey));
     if (!result.known.empty())
         PrintLine(std::to_string(result.known.size()) + " known already");
+    if (result.skipped != 0)
+        PrintLine(std::to_string(result.skipped) + " other files left alone");
 }
 
 void PrintFonts(const Json& fonts, const char* action) {
@@ -156,7 +161,10 @@ ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, con
         }
     }
     if (session.PrintsJson())
-        PrintJson({{"added", result.added}, {"alreadyKnown", result.known}, {"failed", result.failures}});
+        PrintJson({{"added", result.added},
+                   {"alreadyKnown", result.known},
+                   {"failed", result.failures},
+                   {"skipped", result.skipped}});
     else
         PrintAddResult(result);
     for (const Json& failure : result.failures)

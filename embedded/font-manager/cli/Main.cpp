@@ -100,6 +100,9 @@ int Run(int count, char** words) {
     app.add_flag("--json", arguments.options.json, "Print JSON, for programs");
     app.add_flag("--no-start", arguments.options.noStart, "Do not start an agent when none runs");
     app.require_subcommand(0, 1);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("Pellwick: ") + error.what() + "; see \"Pellwick --help\"\n";
+    });
     AddCommand(app, chosen, "serve", "Run the agent (as without a command)",
                [](Session&) { return Serve(); });
     DescribeFontCommands(app, arguments, chosen);

@@ -25,8 +25,8 @@ struct FaceCloser {
 };
 using OwnedFace = std::unique_ptr<FT_FaceRec, FaceCloser>;
 
-constexpr std::array<std::string_view, 9> kFontExtensions = {".ttf", ".otf",  ".ttc",   ".otc",  ".pfb",
-                                                             ".pfa", ".woff", ".woff2", ".dfont"};
+constexpr std::array<std::string_view, 7> kFontExtensions = {".ttf", ".otf", ".ttc",  ".otc",
+                                                             ".pfb", ".pfa", ".dfont"};
 
 OwnedFace OpenFace(FT_Library library, const std::string& content, FT_Long index, FT_Error& error) {
     FT_Face face = nullptr;
@@ -139,7 +139,7 @@ const char* ReasonFor(FT_Error error) {
         return "not a font file";
     if (error == FT_Err_Out_Of_Memory)
         return "not enough memory to read it";
-    return "damaged font file";
+    return kReason_Damaged;
 }
 
 /// FreeType opens a face whose outlines it cannot read; a font of which no glyph loads is of no use.
@@ -147,10 +147,15 @@ bool HasUsableGlyphs(FT_Face face) {
     return face->num_glyphs > 0 && FT_Load_Glyph(face, 0, FT_LOAD_NO_SCALE | FT_LOAD_NO_HINTING) == 0;
 }
 
+/// WOFF and WOFF2 (https://www.w3.org/TR/WOFF2/) are packed for browsers; host applications do not take them.
+bool IsWebFont(std::string_view content) {
+    return content.substr(0, 4) == "wOFF" || content.substr(0, 4) == "wOF2";
+}
+
 const char* ProblemOf(FT_Face face) {
     if (!FT_IS_SCALABLE(face))
         return "a bitmap font, which documents cannot use";
-    return HasUsableGlyphs(face) ? nullptr : "damaged font file";
+    return HasUsableGlyphs(face) ? nullptr : kReason_Damaged;
 }
 
 }  // namespace
@@ -170,6 +175,10 @@ FontScanner::~FontScanner() = default;
 
 std::vector<FontFace> FontScanner::Scan(const std::string& content, std::string& reason) {
     std::vector<FontFace> faces;
+    if (IsWebFont(content)) {
+        reason = "a web font, which documents cannot use";
+        return {};
+    }
     FT_Long faceCount = 1;
     for (FT_Long index = 0; index < faceCount; ++index) {
         FT_Error error = 0;

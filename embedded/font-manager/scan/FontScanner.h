@@ -11,6 +11,9 @@ struct FT_LibraryRec_;
 
 namespace pellwick {
 
+/// The reason given for what looks like a font but cannot be read.
+inline constexpr char kReason_Damaged[] = "damaged font file";
+
 /// One thread.
 class FontScanner {
 public:

@@ -1,0 +1,19 @@
+// CoreFoundation objects to JSON values and back.
+#pragma once
+
+#include "CoreFoundation++/CFRef.h"
+#include "ipc/Message.h"
+
+namespace pellwick {
+
+/// Strings, whole numbers, real numbers, truth values, arrays and dictionaries with string keys. Null for
+/// null and for any other object.
+Json JsonFromCF(CFTypeRef object);
+
+/// Null for JSON's null.
+CFRef<CFTypeRef> CFFromJson(const Json& value);
+
+/// Appends what is in the JSON array; null is no array.
+void AppendJson(CFMutableArrayRef array, const Json& values);
+
+}  // namespace pellwick

@@ -1,0 +1,58 @@
+// What is recorded about documents.
+#include <nlohmann/json.hpp>
+
+#include "common/Protocol.h"
+#include "interface/CFJson.h"
+#include "interface/Exports.h"
+#include "interface/Library.h"
+
+using namespace pellwick;
+
+namespace {
+
+uint32_t CallAboutDocument(PluginFacadeRef facade, const char* method, CFStringRef path, Json arguments,
+                           Json& result) {
+    if (path == nullptr)
+        return CoreErrorCodes::kNullPointer;
+    arguments["path"] = cf::ToUtf8(path);
+    return Library::Get().Call(facade, method, arguments, result);
+}
+
+}  // namespace
+
+uint32_t SaveDocumentFonts(PluginFacadeRef facade, CFStringRef documentPath, bool replace,
+                           CFStringRef fontUsage) {
+    return Guarded([&] {
+        Json ignored;
+        return CallAboutDocument(facade, method::kSaveDocumentFonts, documentPath,
+                                 {{"replace", replace}, {"usage", cf::ToUtf8(fontUsage)}}, ignored);
+    });
+}
+
+uint32_t GetFontUsage(PluginFacadeRef facade, CFStringRef documentPath, CFStringRef* outNewFontUsage) {
+    return Guarded([&]() -> ErrorCode {
+        if (outNewFontUsage == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json result;
+        const ErrorCode code =
+            CallAboutDocument(facade, method::kGetFontUsage, documentPath, Json::object(), result);
+        if (code == CoreErrorCodes::kSuccess)
+            *outNewFontUsage = cf::String(StringMember(result, "usage")).release();
+        return code;
+    });
+}
+
+uint32_t WriteFontUsage(PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage) {
+    return Guarded([&] {
+        Json ignored;
+        return CallAboutDocument(facade, method::kWriteFontUsage, documentPath,
+                                 {{"usage", cf::ToUtf8(fontUsage)}}, ignored);
+    });
+}
+
+uint32_t ClearDocumentSlug(PluginFacadeRef facade, CFStringRef documentPath) {
+    return Guarded([&] {
+        Json ignored;
+        return CallAboutDocument(facade, method::kClearDocument, documentPath, Json::object(), ignored);
+    });
+}

@@ -1,0 +1,197 @@
+// Finding, activating and exporting fonts.
+#include <nlohmann/json.hpp>
+
+#include "common/Protocol.h"
+#include "interface/CFJson.h"
+#include "interface/Exports.h"
+#include "interface/FontExporter.h"
+#include "interface/Library.h"
+
+using namespace pellwick;
+
+namespace {
+
+ErrorCode Call(PluginFacadeRef facade, const char* method, const Json& arguments, Json& result) {
+    return Library::Get().Call(facade, method, arguments, result);
+}
+
+/// A call whose result holds an array that is to be appended.
+uint32_t CallForFonts(PluginFacadeRef facade, const char* method, const Json& arguments, const char* member,
+                      CFMutableArrayRef fonts) {
+    Json result;
+    const ErrorCode code = Call(facade, method, arguments, result);
+    if (code == CoreErrorCodes::kSuccess)
+        AppendJson(fonts, ArrayMember(result, member));
+    return code;
+}
+
+uint32_t FindByName(PluginFacadeRef facade, const char* method, CFStringRef name, int32_t workgroupID,
+                    CFMutableArrayRef fonts) {
+    return Guarded([&] {
+        if (name == nullptr || fonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        return ErrorCode{CallForFonts(
+            facade, method, {{"name", cf::ToUtf8(name)}, {"workgroup", workgroupID}}, "fonts", fonts)};
+    });
+}
+
+ErrorCode GetFont(PluginFacadeRef facade, uint32_t fontID, Json& font) {
+    return Call(facade, method::kGetFont, {{"font", fontID}}, font);
+}
+
+/// Whether there is a file for each of the fonts that were asked for.
+bool AreAllAvailable(const Json& fonts, size_t askedFor) {
+    for (const Json& font : fonts) {
+        if (IntegerMember(font, kGS_LocationKey) == 0)
+            return false;
+    }
+    return fonts.size() == askedFor;
+}
+
+}  // namespace
+
+uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier, CFStringRef,
+                       CFMutableArrayRef matchedFonts) {
+    return Guarded([&] {
+        if (fonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        const Json arguments = {{"fonts", JsonFromCF(fonts)}, {"document", cf::ToUtf8(documentIdentifier)}};
+        return ErrorCode{CallForFonts(facade, method::kActivateFonts, arguments, "matched", matchedFonts)};
+    });
+}
+
+uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documentPath,
+                                     CFArrayRef requestedFonts, CFMutableArrayRef matchedFonts,
+                                     CFMutableArrayRef unmatchedFonts, CFMutableArrayRef reportedFonts) {
+    return Guarded([&] {
+        if (requestedFonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json result;
+        const ErrorCode code =
+            Call(facade, method::kActivateDocumentFonts,
+                 {{"fonts", JsonFromCF(requestedFonts)}, {"document", cf::ToUtf8(documentPath)}}, result);
+        if (code != CoreErrorCodes::kSuccess)
+            return code;
+        AppendJson(matchedFonts, ArrayMember(result, "matched"));
+        AppendJson(reportedFonts, ArrayMember(result, "reported"));
+        if (unmatchedFonts == nullptr)
+            return code;
+        for (const Json& index : ArrayMember(result, "unmatched")) {
+            const auto position = index.get<CFIndex>();
+            if (position >= 0 && position < CFArrayGetCount(requestedFonts))
+                CFArrayAppendValue(unmatchedFonts, CFArrayGetValueAtIndex(requestedFonts, position));
+        }
+        return code;
+    });
+}
+
+uint32_t DeactivateFonts(PluginFacadeRef facade, CFArrayRef fonts, uint64_t,
+                         CFMutableArrayRef deactivatedFonts) {
+    return Guarded([&] {
+        if (fonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        return ErrorCode{CallForFonts(facade, method::kDeactivateFonts, {{"fonts", JsonFromCF(fonts)}},
+                                      "deactivated", deactivatedFonts)};
+    });
+}
+
+uint32_t GetClientFontActivationStates(PluginFacadeRef facade, CFArrayRef fontIDs,
+                                       CFMutableDictionaryRef states) {
+    return Guarded([&] {
+        if (fontIDs == nullptr || states == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json result;
+        const ErrorCode code =
+            Call(facade, method::kGetClientStates, {{"fonts", JsonFromCF(fontIDs)}}, result);
+        if (code != CoreErrorCodes::kSuccess)
+            return code;
+        for (const Json& state : ArrayMember(result, "states"))
+            CFDictionarySetValue(states, cf::Number(IntegerMember(state, "font")).get(),
+                                 cf::Bool(BoolMember(state, "isActive")));
+        return code;
+    });
+}
+
+uint32_t GetFontInfoByID(PluginFacadeRef facade, uint32_t fontID, CFDictionaryRef* outNewFont) {
+    return Guarded([&] {
+        if (outNewFont == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json font;
+        const ErrorCode code = GetFont(facade, fontID, font);
+        if (code == CoreErrorCodes::kSuccess)
+            *outNewFont = static_cast<CFDictionaryRef>(CFFromJson(font).release());
+        return code;
+    });
+}
+
+uint32_t GetFontIsActivated(PluginFacadeRef facade, uint32_t fontID, int32_t* outActivationState) {
+    return Guarded([&] {
+        if (outActivationState == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json font;
+        const ErrorCode code = GetFont(facade, fontID, font);
+        if (code == CoreErrorCodes::kSuccess)
+            *outActivationState = static_cast<int32_t>(IntegerMember(font, kGS_ActivationStateKey));
+        return code;
+    });
+}
+
+uint32_t GetFontsByPostscriptName(PluginFacadeRef facade, CFStringRef name, int32_t workgroupID,
+                                  CFMutableArrayRef fonts) {
+    return FindByName(facade, method::kFindByPostScriptName, name, workgroupID, fonts);
+}
+
+uint32_t GetFontsByFamilyName(PluginFacadeRef facade, CFStringRef name, int32_t workgroupID,
+                              CFMutableArrayRef fonts) {
+    return FindByName(facade, method::kFindByFamilyName, name, workgroupID, fonts);
+}
+
+uint32_t FindFontsInSameFamilyForActivation(PluginFacadeRef facade, uint32_t fontID,
+                                            CFMutableArrayRef fonts) {
+    return Guarded([&] {
+        if (fonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        return ErrorCode{CallForFonts(facade, method::kFindSameFamily, {{"font", fontID}}, "fonts", fonts)};
+    });
+}
+
+uint32_t CanExportFonts(PluginFacadeRef facade, CFArrayRef fonts, bool* outCanExport) {
+    return Guarded([&] {
+        if (fonts == nullptr || outCanExport == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        bool isPermitted = false;
+        ErrorCode code = MotherMayI(facade, kPermission_ExportFonts, &isPermitted);
+        Json result;
+        if (code == CoreErrorCodes::kSuccess)
+            code = Call(facade, method::kGetFonts, {{"fonts", JsonFromCF(fonts)}}, result);
+        if (code == CoreErrorCodes::kSuccess)
+            *outCanExport = isPermitted && AreAllAvailable(ArrayMember(result, "fonts"),
+                                                           static_cast<size_t>(CFArrayGetCount(fonts)));
+        return code;
+    });
+}
+
+uint32_t ExportFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef destinationFolder,
+                     CFMutableArrayRef exportedPaths) {
+    return Guarded([&] {
+        if (fonts == nullptr || destinationFolder == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        bool isPermitted = false;
+        ErrorCode code = MotherMayI(facade, kPermission_ExportFonts, &isPermitted);
+        if (code != CoreErrorCodes::kSuccess)
+            return code;
+        if (!isPermitted)
+            return GZephyrinExportFonts::kNotGrantedPermissionToExportFonts;
+        Json result;
+        code = Call(facade, method::kGetFonts, {{"fonts", JsonFromCF(fonts)}}, result);
+        if (code != CoreErrorCodes::kSuccess)
+            return code;
+        // Copying may take long, so it is not the agent that does it.
+        FontExporter exporter(cf::ToUtf8(destinationFolder));
+        code = exporter.Export(ArrayMember(result, "fonts"));
+        for (const std::string& path : exporter.Paths())
+            if (exportedPaths != nullptr)
+                cf::Append(exportedPaths, path);
+        return code;
+    });
+}

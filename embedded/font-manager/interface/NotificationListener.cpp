@@ -1,0 +1,160 @@
+#include "interface/NotificationListener.h"
+
+#include <algorithm>
+#include <atomic>
+#include <nlohmann/json.hpp>
+
+#include "common/Limits.h"
+#include "common/Protocol.h"
+#include "interface/CFJson.h"
+
+namespace pellwick {
+
+/// One thread's share, which it keeps until its end.
+struct NotificationListener::Listening {
+    AgentConnection connection{kAnswerLimit};
+    std::promise<ErrorCode> subscribed;
+    std::atomic<bool> isStopped{false};
+};
+
+namespace {
+
+/// The data of a notification in the form that the callback expects for the length of its call.
+class CallbackData {
+public:
+    explicit CallbackData(const Json& data) {
+        if (data.is_boolean())
+            mTruth = data.get<bool>();
+        else if (data.is_number_integer())
+            mNumber = data.get<uint32_t>();
+        else
+            mObject = CFFromJson(data);
+        mPointer = data.is_boolean()          ? static_cast<const void*>(&mTruth)
+                   : data.is_number_integer() ? static_cast<const void*>(&mNumber)
+                                              : mObject.get();
+    }
+    CallbackData(const CallbackData&) = delete;
+    CallbackData& operator=(const CallbackData&) = delete;
+
+    const void* Pointer() const { return mPointer; }
+
+private:
+    bool mTruth = false;
+    uint32_t mNumber = 0;
+    CFRef<CFTypeRef> mObject;
+    const void* mPointer = nullptr;
+};
+
+}  // namespace
+
+ErrorCode NotificationListener::Add(PluginNotificationCallback callback) {
+    if (IsOwnThread())
+        return CoreErrorCodes::kNotSupported;
+    const std::lock_guard control(mControlLock);
+    {
+        const std::lock_guard guard(mCallbacksLock);
+        if (std::find(mCallbacks.begin(), mCallbacks.end(), callback) != mCallbacks.end())
+            return CoreErrorCodes::kSuccess;
+        mCallbacks.push_back(callback);
+    }
+    if (mListening && !mListening->isStopped)
+        return CoreErrorCodes::kSuccess;
+    const ErrorCode code = Start().get();
+    if (code != CoreErrorCodes::kSuccess) {
+        Stop();
+        const std::lock_guard guard(mCallbacksLock);
+        mCallbacks.erase(std::remove(mCallbacks.begin(), mCallbacks.end(), callback), mCallbacks.end());
+    }
+    return code;
+}
+
+void NotificationListener::Remove(PluginNotificationCallback callback) {
+    std::unique_lock guard(mCallbacksLock);
+    mCallbacks.erase(std::remove(mCallbacks.begin(), mCallbacks.end(), callback), mCallbacks.end());
+    const bool isLast = mCallbacks.empty();
+    if (IsOwnThread())
+        return;
+    mCallbackReturned.wait(guard, [&] { return mRunningCallback != callback; });
+    guard.unlock();
+    if (isLast) {
+        const std::lock_guard control(mControlLock);
+        Stop();
+    }
+}
+
+void NotificationListener::RemoveAll() {
+    {
+        const std::lock_guard guard(mCallbacksLock);
+        mCallbacks.clear();
+    }
+    if (IsOwnThread())
+        return;
+    const std::lock_guard control(mControlLock);
+    Stop();
+}
+
+void NotificationListener::Reconnect() {
+    if (IsOwnThread())
+        return;
+    const std::lock_guard control(mControlLock);
+    {
+        const std::lock_guard guard(mCallbacksLock);
+        if (mCallbacks.empty())
+            return;
+    }
+    Start();
+}
+
+std::future<ErrorCode> NotificationListener::Start() {
+    Stop();
+    mListening = std::make_shared<Listening>();
+    mThread = std::thread([this, listening = mListening] { Listen(listening); });
+    return mListening->subscribed.get_future();
+}
+
+void NotificationListener::Stop() {
+    if (!mThread.joinable())
+        return;
+    mListening->isStopped = true;
+    mListening->connection.Cancel();
+    mThread.join();
+    mListening.reset();
+}
+
+void NotificationListener::Listen(const std::shared_ptr<Listening>& listening) {
+    Json ignored;
+    const ErrorCode code = listening->connection.Call(method::kSubscribe, Json::object(), ignored);
+    listening->subscribed.set_value(code);
+    if (code == CoreErrorCodes::kSuccess) {
+        int32_t type = 0;
+        Json data;
+        bool hasSaidGoodbye = false;
+        while (listening->connection.WaitForNotification(type, data, hasSaidGoodbye))
+            Deliver(listening, type, data);
+        // Without a goodbye the agent has died, which comes to the same for those who listen.
+        if (!listening->isStopped)
+            Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
+    }
+    listening->isStopped = true;
+}
+
+void NotificationListener::Deliver(const std::shared_ptr<Listening>& listening, int32_t type,
+                                   const Json& data) {
+    const CallbackData callbackData(data);
+    std::unique_lock guard(mCallbacksLock);
+    const auto callbacks = mCallbacks;
+    for (const PluginNotificationCallback callback : callbacks) {
+        // One before it may have taken it away.
+        if (listening->isStopped ||
+            std::find(mCallbacks.begin(), mCallbacks.end(), callback) == mCallbacks.end())
+            continue;
+        mRunningCallback = callback;
+        guard.unlock();
+        callback(type, callbackData.Pointer());
+        guard.lock();
+        mRunningCallback = nullptr;
+        mCallbackReturned.notify_all();
+    }
+}
+
+}  // namespace pellwick
