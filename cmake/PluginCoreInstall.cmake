@@ -1,0 +1,35 @@
+# What `cmake --install` puts into a prefix. Programs and libraries find each other relative to where they stand.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS PluginCore CoreFoundation EXPORT PluginCoreTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+install(TARGETS TarnwickPluginFramework LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS Pellwick TarnwickPluginInterfaceX64
+        RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+install(TARGETS plugincore-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES plugins/plugin-core/include/PluginCoreInterface.h contracts/include/PlugPlug.h
+              contracts/include/FontRecordKeys.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+install(DIRECTORY corefoundation/include/CoreFoundation
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+
+install(EXPORT PluginCoreTargets NAMESPACE PluginCore:: FILE PluginCoreConfig.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/PluginCore)
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/PluginCoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${CMAKE_BINARY_DIR}/PluginCoreConfigVersion.cmake"
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/PluginCore)
+
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/plugincore.pc" @ONLY CONTENT [[
+prefix=${pcfiledir}/../..
+includedir=${prefix}/@CMAKE_INSTALL_INCLUDEDIR@/plugincore
+libdir=${prefix}/@CMAKE_INSTALL_LIBDIR@
+
+Name: PluginCore
+Description: Shared core of a font auto-activation plug-in
+Version: @PROJECT_VERSION@
+Cflags: -I${includedir}
+Libs: -L${libdir} -lPluginCore
+]])
+install(FILES "${CMAKE_BINARY_DIR}/plugincore.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
