@@ -28,7 +28,8 @@ protected:
         FontFace first;
         FontFace second;
         second.face = 1;
-        mIDs = mFonts.Add(mFile, {first, second});
+        for (const Font& font : mFonts.FontsOfFile(mFonts.Add(mFile, {first, second})))
+            mIDs.push_back(font.id);
     }
 
     Font FontAt(size_t index) { return *mFonts.Find(mIDs[index]); }

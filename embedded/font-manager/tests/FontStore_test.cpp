@@ -27,7 +27,9 @@ protected:
         face.version = version;
         face.kind = kind;
         face.lookupNames = {family + style, face.fullName};
-        return mFonts.Add({0, "checksum" + std::to_string(++mFiles), "font.ttf", ".ttf", 10}, {face}).front();
+        const int64_t file =
+            mFonts.Add({0, "checksum" + std::to_string(++mFiles), "font.ttf", ".ttf", 10}, {face});
+        return mFonts.FontsOfFile(file).front().id;
     }
 
     std::string MatchOf(const RequestedFont& request) {

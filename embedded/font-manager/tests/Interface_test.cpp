@@ -75,7 +75,7 @@ TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {
 
     const int64_t id = *cf::GetInt64(RecordAt(matched, 0), kGS_DatabaseIDKey);
     const auto states = cf::MutableDictionary();
-    const auto asked = IDsArray({id, 3});
+    const auto asked = IDsArray({id, 1});
     ASSERT_EQ(mLibrary.GetClientFontActivationStates(mLibrary.Facade(), asked.get(), states.get()), 0u);
     EXPECT_EQ(cf::ToBool(CFDictionaryGetValue(states.get(), CFArrayGetValueAtIndex(asked.get(), 0))), true);
     EXPECT_EQ(cf::ToBool(CFDictionaryGetValue(states.get(), CFArrayGetValueAtIndex(asked.get(), 1))), false);
