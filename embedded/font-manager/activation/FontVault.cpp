@@ -39,7 +39,12 @@ platform::SystemError FontVault::Store(const FontFile& file, const std::string& 
     const std::string path = PathOf(file);
     if (const auto error = platform::MakeFolders(Utf8Text(Utf8Path(path).parent_path()), true))
         return error;
-    return platform::WriteWholeFile(path, content);
+    const auto error = platform::WriteWholeFile(path, content);
+    // Links give other programs the very same file; none of them is to write to it by mistake.
+    std::error_code failure;
+    if (!error)
+        std::filesystem::permissions(Utf8Path(path), std::filesystem::perms::owner_read, failure);
+    return error;
 }
 
 void FontVault::Remove(const FontFile& file) const {

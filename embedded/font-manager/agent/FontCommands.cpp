@@ -35,19 +35,14 @@ Workgroup TargetWorkgroup(CommandContext& context, const Json& arguments) {
     return *workgroup;
 }
 
-void AddToWorkgroup(FontManager& manager, const Workgroup& workgroup, const std::vector<Font>& fonts) {
-    for (const Font& font : fonts)
-        manager.workgroups.AddFont(workgroup.id, font.id);
-}
-
-/// A file that is known already only joins the workgroup; its copy in the vault is made good if need be.
-std::vector<Font> AddAgain(FontManager& manager, const FontFile& file, const std::string& content) {
+/// A file that is known already; its copy in the vault is made good if need be. The file's ID.
+int64_t AddAgain(FontManager& manager, const FontFile& file, const std::string& content) {
     if (!manager.vault.Has(file) && !manager.vault.Store(file, content))
         manager.fonts.SetFileMissing(file.id, false);
-    return manager.fonts.FontsOfFile(file.id);
+    return file.id;
 }
 
-std::vector<Font> AddNew(CommandContext& context, FontFile& file, const std::string& content) {
+int64_t AddNew(CommandContext& context, FontFile& file, const std::string& content) {
     std::string reason;
     const std::vector<FontFace> faces = context.manager.scanner.Scan(content, reason);
     context.audience.KeepAlive();
@@ -60,10 +55,7 @@ std::vector<Font> AddNew(CommandContext& context, FontFile& file, const std::str
     if (const auto error = context.manager.vault.Store(file, content))
         throw CommandError(GFontActivationManager::kOSFileSystemError,
                            "cannot be copied into the vault: " + platform::SystemErrorText(error));
-    std::vector<Font> fonts;
-    for (const uint32_t id : context.manager.fonts.Add(file, faces))
-        fonts.push_back(*context.manager.fonts.Find(id));
-    return fonts;
+    return context.manager.fonts.Add(file, faces);
 }
 
 Json AddFile(CommandContext& context, const Json& arguments) {
@@ -79,13 +71,14 @@ Json AddFile(CommandContext& context, const Json& arguments) {
     Transaction transaction(manager.database);
     const Workgroup workgroup = TargetWorkgroup(context, arguments);
     const auto known = manager.fonts.FindFile(file.checksum);
-    const std::vector<Font> fonts =
-        known ? AddAgain(manager, *known, content) : AddNew(context, file, content);
-    AddToWorkgroup(manager, workgroup, fonts);
+    const int64_t fileID = known ? AddAgain(manager, *known, content) : AddNew(context, file, content);
+    for (const Font& font : manager.fonts.FontsOfFile(fileID))
+        manager.workgroups.AddFont(workgroup.id, font.id);
     transaction.Commit();
     if (!known)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"fonts", FontRecords(manager, fonts)}, {"alreadyKnown", known.has_value()}};
+    return {{"fonts", FontRecords(manager, manager.fonts.FontsOfFile(fileID))},
+            {"alreadyKnown", known.has_value()}};
 }
 
 Json RemoveFonts(CommandContext& context, const Json& arguments) {

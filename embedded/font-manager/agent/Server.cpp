@@ -41,6 +41,8 @@ Server::~Server() {
     if (!mAddress.empty()) {
         std::filesystem::remove(Utf8Path(mManager.locations.addressPath), ignored);
         std::filesystem::remove(Utf8Path(mAddress), ignored);
+        // Refused where there is more in it than our socket.
+        std::filesystem::remove(Utf8Path(mAddress).parent_path(), ignored);
     }
 }
 
@@ -139,6 +141,11 @@ void Server::KeepAlive() {
     const auto sessions = mSessions;
     for (const auto& session : sessions)
         session->Send(frame);
+}
+
+void Server::OnClientTooSlow(const Client& client) {
+    mLog.Write("dropped a client that does not read: process " + std::to_string(client.process.process) +
+               "\n");
 }
 
 void Server::OnClosed(const std::shared_ptr<Session>& session) {

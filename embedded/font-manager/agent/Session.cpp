@@ -56,6 +56,7 @@ void Session::Send(const std::string& frame) {
     if (!IsOpen() || mClosesWhenWritten)
         return;
     if (mQueuedBytes + frame.size() > kMaxQueuedBytes) {
+        mOwner.OnClientTooSlow(mClient);
         Close();
         return;
     }

@@ -19,6 +19,8 @@ public:
 
     /// The frame that answers a request.
     virtual std::string Answer(Client& client, const Json& request) = 0;
+    /// So much waits for the client that the connection is about to be closed.
+    virtual void OnClientTooSlow(const Client& client) = 0;
     /// The connection is closed; the session is not to be used any more.
     virtual void OnClosed(const std::shared_ptr<class Session>& session) = 0;
 };

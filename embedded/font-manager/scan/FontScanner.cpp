@@ -133,13 +133,22 @@ FontFace Describe(FT_Library library, FT_Face face, FT_Long faceIndex) {
     return names;
 }
 
-/// Why FreeType would not have it, in words of the user's.
-const char* ReasonFor(FT_Error error) {
-    if (error == FT_Err_Unknown_File_Format)
-        return "not a font file";
-    if (error == FT_Err_Out_Of_Memory)
-        return "not enough memory to read it";
-    return kReason_Damaged;
+/// Whether the content begins like a font: TrueType, OpenType, a collection, PostScript as text or in
+/// segments.
+bool HasFontSignature(std::string_view content) {
+    using namespace std::literals;
+    constexpr std::array<std::string_view, 8> kSignatures = {"\0\1\0\0"sv,   "true"sv,    "typ1"sv,
+                                                             "OTTO"sv,       "ttcf"sv,    "%!PS-AdobeFont"sv,
+                                                             "%!FontType"sv, "\x80\x01"sv};
+    return std::any_of(kSignatures.begin(), kSignatures.end(), [&](std::string_view signature) {
+        return content.substr(0, signature.size()) == signature;
+    });
+}
+
+/// Why FreeType would not have it, in words of the user's. Its own codes depend on which of its drivers gave
+/// up last.
+const char* ReasonFor(std::string_view content) {
+    return HasFontSignature(content) ? kReason_Damaged : "not a font file";
 }
 
 /// FreeType opens a face whose outlines it cannot read; a font of which no glyph loads is of no use.
@@ -183,7 +192,7 @@ std::vector<FontFace> FontScanner::Scan(const std::string& content, std::string&
     for (FT_Long index = 0; index < faceCount; ++index) {
         FT_Error error = 0;
         const OwnedFace face = OpenFace(mLibrary.get(), content, index, error);
-        const char* problem = face ? ProblemOf(face.get()) : ReasonFor(error);
+        const char* problem = face ? ProblemOf(face.get()) : ReasonFor(content);
         if (problem != nullptr) {
             reason = problem;
             return {};

@@ -59,7 +59,7 @@ void AddLookupNames(Database& database, int64_t fontID, const FontFace& face) {
             .Run();
 }
 
-uint32_t AddFace(Database& database, int64_t fileID, const FontFace& face) {
+void AddFace(Database& database, int64_t fileID, const FontFace& face) {
     database
         .Prepare(
             "INSERT INTO fonts (file_id, face, postscript_name, family, style, full_name, foundry,"
@@ -67,9 +67,7 @@ uint32_t AddFace(Database& database, int64_t fileID, const FontFace& face) {
         .Bind(fileID, face.face, face.postScriptName, face.family, face.style, face.fullName, face.foundry,
               face.version, face.kind)
         .Run();
-    const int64_t fontID = database.LastInsertedID();
-    AddLookupNames(database, fontID, face);
-    return static_cast<uint32_t>(fontID);
+    AddLookupNames(database, database.LastInsertedID(), face);
 }
 
 }  // namespace
@@ -94,15 +92,14 @@ std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
                     static_cast<uint64_t>(query.Integer(4))};
 }
 
-std::vector<uint32_t> FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
+int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
     mDatabase.Prepare("INSERT INTO files (checksum, name, extension, size) VALUES (?, ?, ?, ?)")
         .Bind(file.checksum, file.name, file.extension, file.size)
         .Run();
     const int64_t fileID = mDatabase.LastInsertedID();
-    std::vector<uint32_t> ids;
     for (const FontFace& face : faces)
-        ids.push_back(AddFace(mDatabase, fileID, face));
-    return ids;
+        AddFace(mDatabase, fileID, face);
+    return fileID;
 }
 
 void FontStore::RemoveFile(int64_t fileID) {

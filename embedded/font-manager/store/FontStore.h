@@ -54,8 +54,8 @@ public:
 
     /// The file with that checksum.
     std::optional<FontFile> FindFile(const std::string& checksum);
-    /// Adds a file and its faces; the new fonts' IDs.
-    std::vector<uint32_t> Add(const FontFile& file, const std::vector<FontFace>& faces);
+    /// Adds a file and its faces; the file's new ID.
+    int64_t Add(const FontFile& file, const std::vector<FontFace>& faces);
     /// Removes a file and all its fonts.
     void RemoveFile(int64_t fileID);
     /// Notes that the file cannot be found in the vault, or is there again.

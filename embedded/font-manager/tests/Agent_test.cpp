@@ -1,0 +1,212 @@
+// The agent and its command line, as programs.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <asio/buffer.hpp>
+#include <asio/io_context.hpp>
+#include <asio/local/stream_protocol.hpp>
+#include <asio/read.hpp>
+#include <asio/write.hpp>
+#include <csignal>
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "TestFonts.h"
+#include "common/Locations.h"
+#include "ipc/AgentConnection.h"
+#include "platform/Files.h"
+#include "tests/support/TestWorld.h"
+
+namespace pellwick::test {
+namespace {
+
+std::vector<std::string> NamesOf(const Json& fonts) {
+    std::vector<std::string> names;
+    for (const Json& font : fonts)
+        names.push_back(StringMember(font, kGS_PostScriptNameKey));
+    return names;
+}
+
+TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
+    TestWorld world;
+    world.WriteFont("Sample-Bold");
+    world.Write("fonts/deep/er/collection.ttc", MakeTestFontCollection({{"One", "One"}, {"Two", "Two"}}));
+    world.Write("fonts/LICENCE.txt", "Do as you please.");
+    const std::string damaged = world.Write("fonts/damaged.ttf", MakeTestFont({"X", "X"}).substr(0, 300));
+    const ProgramResult result = world.Run({"add", "--json", world.Path("fonts"), world.Path("absent.ttf")});
+    EXPECT_EQ(result.status, 1);
+    const Json answer = Json::parse(result.output);
+    EXPECT_EQ(NamesOf(answer["added"]), (std::vector<std::string>{"Sample-Bold", "One", "Two"}));
+    EXPECT_EQ(answer["skipped"], 1);
+    ASSERT_EQ(answer["failed"].size(), 2u);
+    EXPECT_EQ(answer["failed"][0], (Json{{"path", damaged}, {"reason", "damaged font file"}}));
+    EXPECT_EQ(answer["failed"][1]["path"], world.Path("absent.ttf"));
+    EXPECT_NE(result.errors.find(damaged + ": damaged font file"), std::string::npos);
+
+    const Json again = world.RunForJson({"add", world.Path("fonts/Sample-Bold-1.0.ttf")});
+    EXPECT_TRUE(again["added"].empty());
+    EXPECT_EQ(NamesOf(again["alreadyKnown"]), std::vector<std::string>{"Sample-Bold"});
+    EXPECT_EQ(world.RunForJson({"list"})["fonts"].size(), 3u);
+}
+
+TEST(CommandLine, ActivatesAndRemovesByAnyName) {
+    TestWorld world;
+    world.WriteFont("Sample-Bold");
+    world.WriteFont("Sample-Italic");
+    world.RunForJson({"add", world.Path("fonts")});
+    EXPECT_EQ(world.RunForJson({"activate", "sample bold"})["fonts"].size(), 1u);
+    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.RunForJson({"activate", "Sample"})["fonts"].size(), 2u);
+    EXPECT_EQ(world.LinkedFiles().size(), 2u);
+    world.RunForJson({"deactivate", "Sample-Italic"});
+    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    const ProgramResult unknown = world.Run({"activate", "Nowhere"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
+    world.RunForJson({"remove", "Sample-Bold"});
+    EXPECT_TRUE(world.LinkedFiles().empty());
+    EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
+}
+
+TEST(CommandLine, SaysWhatToDoWhenThereIsNoAgent) {
+    TestWorld world;
+    const ProgramResult result = world.Run({"status"});
+    EXPECT_EQ(result.status, 5);
+    EXPECT_NE(result.errors.find("no agent is running; start it with"), std::string::npos);
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
+    EXPECT_EQ(world.Run({"list", "--no-start"}).status, 5);
+    EXPECT_EQ(world.Run({"activate"}).status, 2);
+    EXPECT_EQ(world.Run({"dance"}).status, 2);
+    EXPECT_EQ(world.Run({"--help"}).status, 0);
+}
+
+TEST(CommandLine, ManagesWorkgroups) {
+    TestWorld world;
+    world.RunForJson({"workgroup", "create", "Project"});
+    EXPECT_EQ(world.Run({"workgroup", "create", "Project"}).status, 1);
+    world.RunForJson({"workgroup", "use", "Project"});
+    world.WriteFont("Sample-Bold");
+    const Json added = world.RunForJson({"add", world.Path("fonts")});
+    EXPECT_EQ(added["added"][0][kGS_WorkgroupNameKey], "Project");
+    world.RunForJson({"workgroup", "rename", "Project", "Done"});
+    world.RunForJson({"workgroup", "delete", "Done"});
+    EXPECT_EQ(world.RunForJson({"list"})["fonts"][0][kGS_WorkgroupNameKey], "Font Library (LOCALIZE ME)");
+    EXPECT_EQ(world.Run({"workgroup", "delete", "System Fonts"}).status, 1);
+}
+
+TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
+    TestWorld world;
+    const std::string file = world.RunForJson({"launch-info"})["file"];
+    std::string content;
+    ASSERT_FALSE(platform::ReadWholeFile(file, content, 10000));
+    EXPECT_EQ(file, world.Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf"));
+    EXPECT_EQ(content, std::string("pellwick.path=") + PELLWICK_PROGRAM + "\npellwick.args=serve\n");
+}
+
+TEST(Agent, RunsOncePerUserAndEndsOnASignal) {
+    TestWorld world;
+    world.StartAgent();
+    const ProgramResult second = world.Run({"serve"});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_NE(second.errors.find("an agent runs already"), std::string::npos);
+    world.KillAgent(SIGTERM);
+    EXPECT_EQ(world.Run({"status"}).status, 5);
+    EXPECT_TRUE(Locations::OfThisUser().AgentAddress().empty());
+    world.StartAgent();
+}
+
+TEST(Agent, LosesNothingWhenItIsKilled) {
+    TestWorld world;
+    world.StartAgent();
+    world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", world.Path("fonts")});
+    world.RunForJson({"activate", "Sample-Bold"});
+    world.RunForJson({"login", "someone"});
+    const auto links = world.LinkedFiles();
+    world.KillAgent(SIGKILL);
+    world.Write("data/fonts/Vantorix/00/stray.ttf", "stray");
+    world.StartAgent();
+    EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
+    EXPECT_EQ(world.RunForJson({"status"})["userName"], "someone");
+    EXPECT_EQ(world.LinkedFiles(), links);
+}
+
+TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
+    TestWorld world("Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600 " +
+                    std::string(100, 'x'));
+    world.StartAgent();
+    world.WriteFont("Sample-Bold");
+    EXPECT_EQ(NamesOf(world.RunForJson({"add", world.Path("fonts")})["added"]),
+              std::vector<std::string>{"Sample-Bold"});
+    world.RunForJson({"activate", "Sample-Bold"});
+    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    world.KillAgent(SIGTERM);
+}
+
+/// A client that says what it likes.
+class RawClient {
+public:
+    RawClient() {
+        mSocket.connect(asio::local::stream_protocol::endpoint(Locations::OfThisUser().AgentAddress()));
+    }
+
+    void Send(const std::string& bytes) {
+        asio::error_code ignored;
+        asio::write(mSocket, asio::buffer(bytes), ignored);
+    }
+    /// Whether the agent ends the connection without another word.
+    bool IsClosedByAgent() {
+        char byte = 0;
+        asio::error_code failure;
+        return asio::read(mSocket, asio::buffer(&byte, 1), failure) == 0;
+    }
+
+private:
+    asio::io_context mLoop;
+    asio::local::stream_protocol::socket mSocket{mLoop};
+};
+
+TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
+    TestWorld world;
+    world.StartAgent();
+    AgentConnection good(std::chrono::seconds(30));
+    Json result;
+    ASSERT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
+    for (const std::string& nonsense :
+         {std::string("\xFF\xFF\xFF\xFF", 4), std::string("\4\0\0\0junk", 8),
+          std::string("GET / HTTP/1.1\r\n\r\n"), std::string("\1\0\0\0\x90", 5)}) {
+        RawClient bad;
+        bad.Send(nonsense);
+        EXPECT_TRUE(bad.IsClosedByAgent());
+    }
+    RawClient half;
+    half.Send(std::string("\x20\0\0\0ha", 6));  // and then nothing: it may wait for as long as it likes
+    EXPECT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);
+    EXPECT_EQ(good.Call("GetFont", {{"font", "x"}}, result), CoreErrorCodes::kNotFound);
+}
+
+TEST(Agent, DropsASubscriberThatDoesNotRead) {
+    TestWorld world;
+    world.StartAgent();
+    AgentConnection deaf(std::chrono::seconds(30));
+    AgentConnection good(std::chrono::seconds(30));
+    Json result;
+    ASSERT_EQ(deaf.Call("Subscribe", Json::object(), result), CoreErrorCodes::kSuccess);
+    // A long name makes answers of 1 MiB; 64 of them are more than may wait for one client.
+    RawClient greedy;
+    ASSERT_EQ(good.Call("LogIn", {{"name", std::string(1 << 20, 'x')}}, result), CoreErrorCodes::kSuccess);
+    std::string requests;
+    for (int id = 1; id <= 64; ++id)
+        requests += *EncodeMessage({{"id", id}, {"method", "GetStatus"}});
+    greedy.Send(requests);
+    EXPECT_TRUE(Eventually([&] {
+        std::string log;
+        platform::ReadWholeFile(Locations::OfThisUser().logFolder + "/Pellwick.log", log, 1 << 20);
+        return log.find("dropped a client that does not read") != std::string::npos;
+    }));
+    EXPECT_EQ(good.Call("LogIn", {{"name", "me"}}, result), CoreErrorCodes::kSuccess);
+}
+
+}  // namespace
+}  // namespace pellwick::test

@@ -1,0 +1,143 @@
+#include "store/FontStore.h"
+
+#include <gtest/gtest.h>
+
+#include "FontRecordKeys.h"
+#include "activation/FontMatcher.h"
+#include "common/Protocol.h"
+#include "store/ActivationStore.h"
+#include "store/Database.h"
+#include "store/Schema.h"
+#include "store/WorkgroupStore.h"
+
+namespace pellwick {
+namespace {
+
+class FontStoreTest : public testing::Test {
+protected:
+    FontStoreTest() { PrepareSchema(mDatabase); }
+
+    uint32_t Add(const std::string& postScriptName, const std::string& family, const std::string& style,
+                 const std::string& version = "Version 1.0", int32_t kind = 4) {
+        FontFace face;
+        face.postScriptName = postScriptName;
+        face.family = family;
+        face.style = style;
+        face.fullName = family + " " + style;
+        face.version = version;
+        face.kind = kind;
+        face.lookupNames = {family + style, face.fullName};
+        const int64_t file =
+            mFonts.Add({0, "checksum" + std::to_string(++mFiles), "font.ttf", ".ttf", 10}, {face});
+        return mFonts.FontsOfFile(file).front().id;
+    }
+
+    std::string MatchOf(const RequestedFont& request) {
+        std::string ids;
+        for (const Font& font : MatchFonts(mFonts, request))
+            ids += (ids.empty() ? "" : " ") + std::to_string(font.id);
+        return ids;
+    }
+
+    Database mDatabase{":memory:"};
+    FontStore mFonts{mDatabase};
+    int mFiles = 0;
+};
+
+TEST_F(FontStoreTest, MatchesPostScriptNamesExactlyBeforeInAnyCase) {
+    Add("sample-bold", "sample", "bold");  // 1
+    Add("Sample-Bold", "Sample", "Bold");  // 2
+    EXPECT_EQ(MatchOf({"Sample-Bold", "", "", "", 0}), "2");
+    EXPECT_EQ(MatchOf({"sample-bold", "", "", "", 0}), "1");
+    EXPECT_EQ(MatchOf({"SAMPLE-BOLD", "", "", "", 0}), "1 2");
+    EXPECT_EQ(MatchOf({"Sample", "", "", "", 0}), "");
+}
+
+TEST_F(FontStoreTest, MatchesFamilyAndStyleInTheirUsualForms) {
+    Add("SmplSns-Bd", "Sample Sans", "Bold");
+    Add("SmplSns-Rg", "Sample Sans", "Regular");
+    for (const char* name : {"Sample Sans Bold", "Sample Sans-Bold", "SampleSans-Bold", "sample sans bold"})
+        EXPECT_EQ(MatchOf({name, "", "", "", 0}), "1") << name;
+    EXPECT_EQ(MatchOf({"", "Sample Sans", "Bold", "", 0}), "1");
+    EXPECT_EQ(MatchOf({"", "Sample Sans", "", "", 0}), "2");  // a family alone means its regular style
+    EXPECT_EQ(MatchOf({"Unknown-Bold", "Sample Sans", "Bold", "", 0}), "1");
+    EXPECT_EQ(MatchOf({"", "Sample Sans", "Italic", "", 0}), "");
+}
+
+TEST_F(FontStoreTest, PutsTheBestOfSeveralFirst) {
+    Add("Sample", "Sample", "Regular", "Version 1.0");
+    Add("Sample", "Sample", "Regular", "Version 2.0");
+    Add("Sample", "Sample", "Regular", "Version 3.0", 5);
+    Add("Sample", "Sample", "Regular", "unreadable");
+    EXPECT_EQ(MatchOf({"Sample", "", "", "", 4}), "2 1 4 3");
+    EXPECT_EQ(MatchOf({"Sample", "", "", "", 5}).substr(0, 1), "3");
+    mFonts.SetFileMissing(mFonts.Find(2)->file.id, true);
+    EXPECT_EQ(MatchOf({"Sample", "", "", "", 4}).substr(0, 1), "1");
+}
+
+TEST_F(FontStoreTest, KnowsActivationStates) {
+    ActivationStore activations(mDatabase);
+    const uint32_t font = Add("Sample", "Sample", "Regular");
+    const auto state = [&] { return mFonts.Find(font)->activationState; };
+    EXPECT_EQ(state(), kFontActivationState_Inactive);
+    activations.AddLease({10, 20}, "document", font);
+    activations.AddLease({10, 20}, "another", font);
+    activations.AddLease({10, 21}, "document", font);
+    EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
+    activations.AddUserActivation(font);
+    EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
+    EXPECT_TRUE(activations.RemoveUserActivation(font));
+    EXPECT_TRUE(activations.EndLeases({10, 20}, font));
+    EXPECT_FALSE(activations.EndLeases({10, 20}, font));
+    EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);  // the number was given to a new process
+    EXPECT_TRUE(activations.EndLeases({10, 21}, font));
+    EXPECT_EQ(state(), kFontActivationState_Inactive);
+}
+
+TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) {
+    ActivationStore activations(mDatabase);
+    const uint32_t font = Add("Sample", "Sample", "Regular");
+    activations.AddUserActivation(font);
+    mFonts.RemoveFile(mFonts.Find(font)->file.id);
+    EXPECT_FALSE(mFonts.Find(font));
+    EXPECT_TRUE(mFonts.ActiveFiles().empty());
+    EXPECT_EQ(MatchOf({"Sample Regular", "", "", "", 0}), "");
+    EXPECT_GT(Add("Sample", "Sample", "Regular"), font);
+}
+
+TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
+    WorkgroupStore workgroups(mDatabase);
+    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_Personal)->id;
+    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_Personal);
+    const int32_t other = workgroups.Create("Other", kWorkgroupType_Personal);
+    const uint32_t alone = Add("Alone", "Alone", "Regular");
+    const uint32_t shared = Add("Shared", "Shared", "Regular");
+    workgroups.AddFont(deleted, alone);
+    workgroups.AddFont(deleted, shared);
+    workgroups.AddFont(other, shared);
+    workgroups.Delete(deleted, heir);
+    EXPECT_TRUE(workgroups.HasFont(heir, alone));
+    EXPECT_FALSE(workgroups.HasFont(heir, shared));
+    EXPECT_TRUE(workgroups.HasFont(other, shared));
+}
+
+TEST(Database, TakesBackATransactionThatIsNotCommitted) {
+    Database database(":memory:");
+    PrepareSchema(database);
+    WorkgroupStore workgroups(database);
+    {
+        Transaction transaction(database);
+        workgroups.Create("Draft", kWorkgroupType_Personal);
+    }
+    EXPECT_FALSE(workgroups.FindByName("Draft"));
+    EXPECT_THROW(workgroups.Create("System Fonts", 1), DatabaseError);
+}
+
+TEST(Schema, RefusesADatabaseOfANewerVersion) {
+    Database database(":memory:");
+    database.Execute("PRAGMA user_version = 1000");
+    EXPECT_THROW(PrepareSchema(database), DatabaseError);
+}
+
+}  // namespace
+}  // namespace pellwick

@@ -1,0 +1,213 @@
+// Agents and hosts that die, freeze or come back, and the notifications.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "tests/support/TestLibrary.h"
+#include "tests/support/TestWorld.h"
+
+namespace pellwick::test {
+namespace {
+
+class RecoveryTest : public testing::Test {
+protected:
+    void SetUp() override {
+        mWorld.StartAgent();
+        mWorld.WriteFont("Sample-Bold");
+        mWorld.WriteFont("Sample-Italic");
+        mWorld.RunForJson({"add", mWorld.Path("fonts")});
+    }
+    void TearDown() override { mLibrary.CleanUpOnShutdown(); }
+
+    ErrorCode AskWhetherLoggedIn() {
+        bool isLoggedIn = false;
+        return mLibrary.GetIsLoggedIn(mLibrary.Facade(), &isLoggedIn);
+    }
+
+    TestWorld mWorld;
+    TestLibrary mLibrary;
+};
+
+TEST_F(RecoveryTest, AKilledAgentIsUnavailableUntilTheFacadeIsResetAndLosesNothing) {
+    const auto ids = mLibrary.Activate("/document", {"Sample-Bold"});
+    mWorld.KillAgent(SIGKILL);
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
+    bool isRunning = true;
+    EXPECT_EQ(mLibrary.GetIsCoreAgentProcessRunning(mLibrary.Facade(), &isRunning), 0u);
+    EXPECT_FALSE(isRunning);
+    mWorld.StartAgent();
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);  // still the old connection
+    mLibrary.ResetPluginFacadeInstance();
+    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    // This process lives, so what it holds is still held, and it can let go of it.
+    EXPECT_EQ(mLibrary.StateOf(ids[0]), kFontActivationState_ActivatedByPlugin);
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    EXPECT_EQ(mLibrary.Deactivate(ids), 0u);
+    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+}
+
+TEST_F(RecoveryTest, AnAgentThatIsStoppedSaysSo) {
+    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    mWorld.KillAgent(SIGTERM);
+    EXPECT_EQ(AskWhetherLoggedIn(), GAgentIF::kShutdown);
+    EXPECT_EQ(AskWhetherLoggedIn(), GAgentIF::kShutdown);
+    mLibrary.ResetPluginFacadeInstance();
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
+}
+
+TEST_F(RecoveryTest, AFrozenAgentIsGivenUpOn) {
+    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    mWorld.SignalAgent(SIGSTOP);
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
+    mLibrary.ResetPluginFacadeInstance();
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);  // it does not even greet
+    mWorld.SignalAgent(SIGCONT);
+    mLibrary.ResetPluginFacadeInstance();
+    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+}
+
+TEST_F(RecoveryTest, AHostThatDiesLeavesNothingBehind) {
+    TestProcess first({TEST_HOST_PROGRAM, "/first", "Sample-Bold", "Sample-Italic"});
+    ASSERT_EQ(first.ReadLine(), "2");
+    TestProcess second({TEST_HOST_PROGRAM, "/second", "Sample-Bold"});
+    ASSERT_EQ(second.ReadLine(), "1");
+    first.Signal(SIGKILL);
+    first.Finish();
+    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().size() == 1; }));  // which the second shares
+    second.Finish();
+    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+}
+
+TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
+    TestProcess dying({TEST_HOST_PROGRAM, "/first", "Sample-Bold"});
+    TestProcess living({TEST_HOST_PROGRAM, "/second", "Sample-Italic"});
+    ASSERT_EQ(dying.ReadLine() + living.ReadLine(), "11");
+    mWorld.KillAgent(SIGKILL);
+    dying.Finish();
+    mWorld.StartAgent();
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    living.Finish();  // it has no connection to this agent
+    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+}
+
+TEST_F(RecoveryTest, AForkedProcessHasAConnectionOfItsOwn) {
+    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    const PluginFacadeRef parents = mLibrary.Facade();
+    const pid_t child = fork();
+    if (child == 0) {
+        bool isLoggedIn = false;
+        const bool isRight = mLibrary.GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed &&
+                             AskWhetherLoggedIn() == CoreErrorCodes::kSuccess;
+        _exit(isRight ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+}
+
+TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
+    std::vector<std::string> names;
+    for (int number = 0; number < 300; ++number) {
+        names.push_back("Many" + std::to_string(number) + "-Regular");
+        mWorld.WriteFont(names.back());
+    }
+    mWorld.RunForJson({"add", mWorld.Path("fonts")});
+    for (int number = 0; number < 2000; ++number)
+        names.push_back("Absent" + std::to_string(number));
+    const auto ids = mLibrary.Activate("/document", names);
+    EXPECT_EQ(ids.size(), 300u);
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 300u);
+    EXPECT_EQ(mLibrary.Deactivate(ids), 0u);
+    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+}
+
+/// What the callbacks below were told, in order: the type, and the font ID where there is one.
+struct Notes {
+    std::mutex notesLock;
+    std::vector<std::pair<int32_t, uint32_t>> received;
+
+    void Add(int32_t type, const void* data) {
+        const std::lock_guard guard(notesLock);
+        const bool hasFont = type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated;
+        received.emplace_back(type, hasFont ? *static_cast<const uint32_t*>(data) : 0);
+    }
+    bool Has(int32_t type, uint32_t font = 0) {
+        const std::lock_guard guard(notesLock);
+        return std::find(received.begin(), received.end(), std::pair(type, font)) != received.end();
+    }
+};
+Notes notes;
+
+void Note(int32_t type, const void* data) {
+    notes.Add(type, data);
+}
+
+TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    const auto font = static_cast<uint32_t>(mLibrary.Activate("/document", {"Sample-Bold"}).front());
+    mLibrary.Deactivate({font});
+    mWorld.RunForJson({"logout"});
+    mWorld.RunForJson({"login", "somebody"});
+    mWorld.RunForJson({"workgroup", "create", "Project"});
+    mWorld.RunForJson({"standalone", "off"});
+    mWorld.RunForJson({"standalone", "on"});
+    for (const int32_t type :
+         {kPluginCallback_LoggedOut, kPluginCallback_LoggedIn, kPluginCallback_WorkgroupsChanged,
+          kPluginCallback_WentOnline, kPluginCallback_WentOffline})
+        EXPECT_TRUE(Eventually([&] { return notes.Has(type); })) << type;
+    EXPECT_TRUE(notes.Has(kPluginCallback_FontActivated, font));
+    EXPECT_TRUE(notes.Has(kPluginCallback_FontDeactivated, font));
+    EXPECT_EQ(notes.received.size(), 7u);  // each once, though it was registered twice
+    EXPECT_EQ(mLibrary.UnregisterForNotifications(mLibrary.Facade(), Note), 0u);
+    mWorld.RunForJson({"logout"});
+    EXPECT_EQ(notes.received.size(), 7u);
+}
+
+TEST_F(RecoveryTest, TheEndOfTheAgentIsNotifiedAndANewOneIsHeardAfterAReset) {
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    mWorld.KillAgent(SIGKILL);
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_AgentShutdown); }));
+    mWorld.StartAgent();
+    mLibrary.ResetPluginFacadeInstance();
+    mLibrary.Facade();
+    EXPECT_TRUE(Eventually([this] {
+        mWorld.RunForJson({"login", "somebody"});
+        return notes.Has(kPluginCallback_LoggedIn);
+    }));
+    mLibrary.CleanUpOnShutdown();
+    mLibrary.CleanUpOnShutdown();
+}
+
+void UnregisterItself(int32_t type, const void* data) {
+    notes.Add(type, data);
+    static const TestLibrary library;
+    library.UnregisterForNotifications(library.Facade(), UnregisterItself);
+}
+
+TEST_F(RecoveryTest, ACallbackMayUnregisterItself) {
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), UnregisterItself), 0u);
+    mWorld.RunForJson({"logout"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    mWorld.RunForJson({"login", "somebody"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    EXPECT_EQ(notes.received.size(), 2u);
+}
+
+TEST(InterfaceWithoutAgent, IsUnavailable) {
+    TestWorld world;
+    const TestLibrary library;
+    bool isLoggedIn = false;
+    EXPECT_EQ(library.GetIsLoggedIn(library.Facade(), &isLoggedIn), GIPCClient::kServiceUnavailable);
+    EXPECT_EQ(library.RegisterForNotifications(library.Facade(), Note), GIPCClient::kServiceUnavailable);
+}
+
+}  // namespace
+}  // namespace pellwick::test

@@ -1,0 +1,237 @@
+// What a plug-in gets from the interface library while all is well.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+#include "TestFonts.h"
+#include "platform/Files.h"
+#include "tests/support/TestLibrary.h"
+#include "tests/support/TestWorld.h"
+
+namespace pellwick::test {
+namespace {
+
+class InterfaceTest : public testing::Test {
+protected:
+    void SetUp() override {
+        mWorld.StartAgent();
+        for (const char* name : {"Sample-Bold", "Sample-Italic", "Other-Regular"})
+            mWorld.WriteFont(name);
+        mWorld.RunForJson({"add", mWorld.Path("fonts")});
+    }
+    void TearDown() override { mLibrary.CleanUpOnShutdown(); }
+
+    TestWorld mWorld;
+    TestLibrary mLibrary;
+};
+
+CFDictionaryRef RecordAt(const CFRef<CFMutableArrayRef>& array, CFIndex index) {
+    return cf::Get<CFDictionaryRef>(array.get(), index);
+}
+
+TEST(InterfaceLibrary, ExportsTheContractAndNothingElse) {
+    std::set<std::string> expected;
+#define COLLECT(symbol, parameters) expected.insert(#symbol);
+    TARNWICK_PLUGIN_FUNCTIONS(COLLECT)
+#undef COLLECT
+    ASSERT_EQ(expected.size(), 86u);
+    const TestLibrary library;
+#define CHECK_BOUND(symbol, parameters) EXPECT_NE(library.symbol, nullptr) << #symbol;
+    TARNWICK_PLUGIN_FUNCTIONS(CHECK_BOUND)
+#undef CHECK_BOUND
+    std::istringstream symbols(
+        TestProcess({NM_PROGRAM, "-D", "--defined-only", TARNWICK_LIBRARY}).Finish().output);
+    std::set<std::string> exported;
+    for (std::string address, type, name; symbols >> address >> type >> name;)
+        exported.insert(name.substr(0, name.find('@')));
+    EXPECT_EQ(exported, expected);
+}
+
+TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {
+    const auto requested = NamesArray({"Sample-Bold", "Absent-Bold", "Sample Italic", "sample-bold"});
+    const auto matched = cf::MutableArray();
+    const auto unmatched = cf::MutableArray();
+    const auto reported = cf::MutableArray();
+    ASSERT_EQ(
+        mLibrary.ActivateDocumentFontsByPath(mLibrary.Facade(), CFSTR("/document.indd"), requested.get(),
+                                             matched.get(), unmatched.get(), reported.get()),
+        0u);
+    ASSERT_EQ(cf::Count(matched.get()), 2);  // one record per font, however often it was asked for
+    EXPECT_EQ(cf::GetString(RecordAt(matched, 0), kGS_PostScriptNameKey), "Sample-Bold");
+    EXPECT_EQ(cf::GetInt64(RecordAt(matched, 0), kGS_ActivationStateKey), kFontActivationState_Inactive);
+    EXPECT_EQ(cf::GetString(RecordAt(matched, 1), kGS_PostScriptNameKey), "Sample-Italic");
+    ASSERT_EQ(cf::Count(unmatched.get()), 1);
+    EXPECT_EQ(RecordAt(unmatched, 0), RecordAt(requested, 1));  // the very object
+    ASSERT_EQ(cf::Count(reported.get()), 3);
+    const CFDictionaryRef report = RecordAt(reported, 1);
+    EXPECT_EQ(cf::GetString(report, kGS_PostScriptNameKey), "Sample Italic");  // as the host calls it
+    EXPECT_EQ(cf::GetInt64(report, kGS_ActivationStateKey), kFontActivationState_ActivatedByPlugin);
+    EXPECT_EQ(cf::GetInt64(cf::GetDictionary(report, kGS_MatchedFontKey), kGS_ActivationStateKey),
+              kFontActivationState_Inactive);
+    EXPECT_TRUE(platform::IsExistingFile(cf::GetString(report, kGS_PathKey)));
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+
+    const int64_t id = *cf::GetInt64(RecordAt(matched, 0), kGS_DatabaseIDKey);
+    const auto states = cf::MutableDictionary();
+    const auto asked = IDsArray({id, 1});
+    ASSERT_EQ(mLibrary.GetClientFontActivationStates(mLibrary.Facade(), asked.get(), states.get()), 0u);
+    EXPECT_EQ(cf::ToBool(CFDictionaryGetValue(states.get(), CFArrayGetValueAtIndex(asked.get(), 0))), true);
+    EXPECT_EQ(cf::ToBool(CFDictionaryGetValue(states.get(), CFArrayGetValueAtIndex(asked.get(), 1))), false);
+
+    const auto deactivated = cf::MutableArray();
+    ASSERT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
+    EXPECT_EQ(cf::Count(deactivated.get()), 2);
+    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+}
+
+TEST_F(InterfaceTest, TheUsersOwnActivationOutlivesADocument) {
+    mWorld.RunForJson({"activate", "Sample-Bold"});
+    CFRef<CFMutableArrayRef> matched;
+    ASSERT_EQ(mLibrary.Activate("/document", {"Sample-Bold"}, matched), 0u);
+    EXPECT_EQ(cf::GetInt64(RecordAt(matched, 0), kGS_ActivationStateKey),
+              kFontActivationState_ActivatedByUser);
+    const auto deactivated = cf::MutableArray();
+    EXPECT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
+    EXPECT_EQ(cf::Count(deactivated.get()), 0);
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+}
+
+TEST_F(InterfaceTest, FindsFonts) {
+    const auto fonts = cf::MutableArray();
+    EXPECT_EQ(mLibrary.GetFontsByPostscriptName(mLibrary.Facade(), CFSTR("Sample-Bold"), -2, fonts.get()),
+              0u);
+    EXPECT_EQ(cf::Count(fonts.get()), 1);
+    EXPECT_EQ(mLibrary.GetFontsByPostscriptName(mLibrary.Facade(), CFSTR("Sample-Bold"), 2, fonts.get()), 0u);
+    EXPECT_EQ(cf::Count(fonts.get()), 1);  // it is not among the system's fonts
+    EXPECT_EQ(mLibrary.GetFontsByFamilyName(mLibrary.Facade(), CFSTR("Sample"), -2, fonts.get()), 0u);
+    EXPECT_EQ(cf::Count(fonts.get()), 3);
+    const auto id = static_cast<uint32_t>(*cf::GetInt64(RecordAt(fonts, 0), kGS_DatabaseIDKey));
+    const auto family = cf::MutableArray();
+    EXPECT_EQ(mLibrary.FindFontsInSameFamilyForActivation(mLibrary.Facade(), id, family.get()), 0u);
+    ASSERT_EQ(cf::Count(family.get()), 1);
+    EXPECT_EQ(cf::GetString(RecordAt(family, 0), kGS_PostScriptNameKey), "Sample-Italic");
+    CFDictionaryRef font = nullptr;
+    EXPECT_EQ(mLibrary.GetFontInfoByID(mLibrary.Facade(), id, &font), 0u);
+    EXPECT_EQ(cf::GetString(AdoptCF(font).get(), kGS_FamilyKey), "Sample");
+    EXPECT_EQ(mLibrary.GetFontInfoByID(mLibrary.Facade(), 999, &font), CoreErrorCodes::kNotFound);
+}
+
+TEST_F(InterfaceTest, AnswersForAFreshMachine) {
+    const PluginFacadeRef facade = mLibrary.Facade();
+    const auto truth = [&](auto function) {
+        bool answer = false;
+        EXPECT_EQ(function(facade, &answer), 0u);
+        return answer;
+    };
+    EXPECT_TRUE(truth(mLibrary.GetIsLoggedIn));
+    EXPECT_TRUE(truth(mLibrary.GetRunningStandalone));
+    EXPECT_TRUE(truth(mLibrary.GetAreSchemaVersionsInSync));
+    EXPECT_TRUE(truth(mLibrary.GetIsCoreAgentProcessRunning));
+    EXPECT_FALSE(truth(mLibrary.GetIsReplicationRunning));
+    CFStringRef name = nullptr;
+    EXPECT_EQ(mLibrary.GetDefaultLibraryName(facade, &name), 0u);
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(name).get()), "Font Library (LOCALIZE ME)");
+    const auto workgroups = cf::MutableArray();
+    EXPECT_EQ(mLibrary.GetAllWorkgroupsForUser(facade, workgroups.get()), 0u);
+    std::vector<int64_t> types;
+    for (CFIndex index = 0; index < cf::Count(workgroups.get()); ++index)
+        types.push_back(*cf::GetInt64(RecordAt(workgroups, index), kGS_WorkgroupTypeKey));
+    EXPECT_EQ(types, (std::vector<int64_t>{0, 1, 4}));
+    int32_t system = 0;
+    EXPECT_EQ(mLibrary.GetSystemWorkgroupID(facade, &system), 0u);
+    EXPECT_EQ(cf::GetInt64(RecordAt(workgroups, 2), kGS_WorkgroupIDKey), system);
+    bool isAll = false;
+    EXPECT_EQ(
+        mLibrary.IsAllWorkgroups(
+            facade, static_cast<int32_t>(*cf::GetInt64(RecordAt(workgroups, 0), kGS_WorkgroupIDKey)), &isAll),
+        0u);
+    EXPECT_TRUE(isAll);
+}
+
+TEST_F(InterfaceTest, NothingIsActivatedOrPermittedForAUserWhoIsLoggedOut) {
+    mWorld.RunForJson({"logout"});
+    CFRef<CFMutableArrayRef> matched;
+    EXPECT_EQ(mLibrary.Activate("/document", {"Sample-Bold"}, matched), GZephyrinServerFacade::kNotLoggedIn);
+    bool isPermitted = true;
+    EXPECT_EQ(mLibrary.MotherMayI(mLibrary.Facade(), kPermission_ActivateFonts, &isPermitted), 0u);
+    EXPECT_FALSE(isPermitted);
+    mWorld.RunForJson({"login", "tester"});
+    EXPECT_EQ(mLibrary.MotherMayI(mLibrary.Facade(), kPermission_ActivateFonts, &isPermitted), 0u);
+    EXPECT_TRUE(isPermitted);
+}
+
+TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
+    const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "Sample-Italic"});
+    const std::string folder = mWorld.Path("Gesammelte \u5b57\u4f53");
+    const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", "another file");
+    bool canExport = false;
+    EXPECT_EQ(mLibrary.CanExportFonts(mLibrary.Facade(), IDsArray(ids).get(), &canExport), 0u);
+    EXPECT_TRUE(canExport);
+    EXPECT_EQ(mLibrary.CanExportFonts(mLibrary.Facade(), IDsArray({ids[0], 999}).get(), &canExport), 0u);
+    EXPECT_FALSE(canExport);
+    for (int time = 0; time < 2; ++time) {  // the second time finds its own files
+        const auto paths = cf::MutableArray();
+        ASSERT_EQ(mLibrary.ExportFonts(mLibrary.Facade(), IDsArray(ids).get(), cf::String(folder).get(),
+                                       paths.get()),
+                  0u);
+        ASSERT_EQ(cf::Count(paths.get()), 2);
+        EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(paths.get(), 0)), folder + "/Sample-Bold-1.0 2.ttf");
+        EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(paths.get(), 1)), folder + "/Sample-Italic-1.0.ttf");
+    }
+    std::string content;
+    platform::ReadWholeFile(other, content, 1000);
+    EXPECT_EQ(content, "another file");
+    EXPECT_EQ(mLibrary.ExportFonts(mLibrary.Facade(), IDsArray({}).get(), cf::String(folder).get(), nullptr),
+              GZephyrinExportFonts::kNoFontsToExport);
+}
+
+TEST_F(InterfaceTest, RemembersWhatADocumentUses) {
+    const CFStringRef path = CFSTR("/Dokumente/\u0448\u0440\u0438\u0444\u0442.indd");
+    CFStringRef usage = nullptr;
+    EXPECT_EQ(mLibrary.GetFontUsage(mLibrary.Facade(), path, &usage), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(mLibrary.SaveDocumentFonts(mLibrary.Facade(), path, true, CFSTR("{\"pages\":3}")), 0u);
+    EXPECT_EQ(mLibrary.SaveDocumentFonts(mLibrary.Facade(), path, false, nullptr), 0u);
+    ASSERT_EQ(mLibrary.GetFontUsage(mLibrary.Facade(), path, &usage), 0u);
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(usage).get()), "{\"pages\":3}");
+    EXPECT_EQ(mLibrary.ClearDocumentSlug(mLibrary.Facade(), path), 0u);
+    EXPECT_EQ(mLibrary.GetFontUsage(mLibrary.Facade(), path, &usage), CoreErrorCodes::kNotFound);
+}
+
+TEST(InterfaceLog, WritesIntoTheFolderForLogsAndStaysBounded) {
+    TestWorld world;
+    const TestLibrary library;
+    PluginThreadInstanceRef thread = nullptr;
+    ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
+    EXPECT_EQ(library.Log(thread, "early"), CoreErrorCodes::kNotInitialized);
+    ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
+    const std::string piece(1 << 20, 'x');
+    for (int count = 0; count < 13; ++count)
+        EXPECT_EQ(library.Log(thread, piece.c_str()), 0u);
+    EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
+    uint64_t size = 0;
+    EXPECT_FALSE(platform::FileSize(world.Path("data/Vantorix/Logs/Plugin.log"), size));
+    EXPECT_EQ(size, 3u << 20);
+    EXPECT_FALSE(platform::FileSize(world.Path("data/Vantorix/Logs/Plugin.log.1"), size));
+    EXPECT_EQ(size, 5u << 20);
+}
+
+TEST(InterfaceLibrary, AnswersNullAndStaleArgumentsWithCodes) {
+    TestWorld world;
+    const TestLibrary library;
+    bool truth = false;
+    EXPECT_EQ(library.GetIsLoggedIn(nullptr, &truth), GAgentIF::kUninitialized);
+    EXPECT_EQ(library.GetIsLoggedIn(library.Facade(), nullptr), CoreErrorCodes::kNullPointer);
+    EXPECT_EQ(library.ActivateFonts(library.Facade(), nullptr, nullptr, nullptr, nullptr),
+              CoreErrorCodes::kNullPointer);
+    EXPECT_EQ(library.GetPluginFacadeInstance(nullptr), CoreErrorCodes::kNullPointer);
+    EXPECT_EQ(library.RegisterForNotifications(library.Facade(), nullptr), CoreErrorCodes::kNullPointer);
+    const PluginFacadeRef stale = library.Facade();
+    library.ResetPluginFacadeInstance();
+    EXPECT_EQ(library.GetIsLoggedIn(stale, &truth), GAgentIF::kAgentIFDestroyed);
+    EXPECT_EQ(library.GetAllSmartLists(library.Facade(), nullptr), CoreErrorCodes::kNotImplemented);
+}
+
+}  // namespace
+}  // namespace pellwick::test

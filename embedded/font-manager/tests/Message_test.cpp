@@ -1,0 +1,73 @@
+#include "ipc/Message.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "common/Limits.h"
+#include "ipc/FrameBuffer.h"
+
+namespace pellwick {
+namespace {
+
+std::string Payload(const Json& message) {
+    return EncodeMessage(message)->substr(4);
+}
+
+TEST(FrameBuffer, CutsAStreamThatArrivesInPiecesOfAnySize) {
+    const std::string stream = *MakeFrame("first") + *MakeFrame("") + *MakeFrame(std::string(300, 'x'));
+    for (const size_t pieceSize : {size_t{1}, size_t{3}, size_t{7}, stream.size()}) {
+        FrameBuffer buffer;
+        std::vector<std::string> payloads;
+        for (size_t at = 0; at < stream.size(); at += pieceSize) {
+            const std::string piece = stream.substr(at, pieceSize);
+            buffer.Append(piece.data(), piece.size());
+            while (auto payload = buffer.Next())
+                payloads.push_back(*payload);
+        }
+        EXPECT_EQ(payloads, (std::vector<std::string>{"first", "", std::string(300, 'x')})) << pieceSize;
+    }
+}
+
+TEST(FrameBuffer, IsBrokenByAFrameThatIsTooLarge) {
+    FrameBuffer buffer;
+    const std::string good = *MakeFrame("good");
+    buffer.Append(good.data(), good.size());
+    buffer.Append("\x01\x00\x00\x01", 4);  // one byte more than the limit
+    EXPECT_EQ(buffer.Next(), "good");
+    EXPECT_FALSE(buffer.Next());
+    EXPECT_TRUE(buffer.IsBroken());
+    EXPECT_FALSE(MakeFrame(std::string(kMaxMessageSize + 1, 'x')));
+}
+
+TEST(Message, TakesNothingButWholeObjects) {
+    const Json message = {{"id", 7}, {"args", {{"name", "\xD0\xB0"}, {"list", {1, -2, 2.5, true, nullptr}}}}};
+    EXPECT_EQ(DecodeMessage(Payload(message)), message);
+    const std::string payload = Payload(message);
+    for (size_t size = 0; size < payload.size(); ++size)
+        EXPECT_FALSE(DecodeMessage(payload.substr(0, size))) << size;
+    EXPECT_FALSE(DecodeMessage(payload + "x"));
+    EXPECT_FALSE(DecodeMessage(Payload({1, 2})));
+    EXPECT_FALSE(DecodeMessage("GET / HTTP/1.1\r\n\r\n"));
+    EXPECT_FALSE(DecodeMessage("\xDF\xFF\xFF\xFF\xFF"));  // an object of 2^32 - 1 members
+}
+
+TEST(Message, RefusesNestingThatWouldExhaustTheStack) {
+    EXPECT_FALSE(
+        DecodeMessage("\x81\xA1"
+                      "a" +
+                      std::string(1000000, '\x91')));
+}
+
+TEST(Message, MembersOfAnotherTypeCountAsMissing) {
+    const Json message = {{"text", 1}, {"number", "x"}, {"array", {{"a", 1}}}};
+    EXPECT_EQ(StringMember(message, "text"), "");
+    EXPECT_EQ(IntegerMember(message, "number", -5), -5);
+    EXPECT_FALSE(BoolMember(message, "text"));
+    EXPECT_TRUE(ArrayMember(message, "array").empty());
+    EXPECT_TRUE(ObjectMember(message, "absent").empty());
+    EXPECT_EQ(IntegerMember(Json(3), "number"), 0);
+}
+
+}  // namespace
+}  // namespace pellwick

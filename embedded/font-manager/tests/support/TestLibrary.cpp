@@ -1,0 +1,72 @@
+#include "tests/support/TestLibrary.h"
+
+#include <stdexcept>
+
+#include "platform/DynamicLibrary.h"
+
+namespace pellwick::test {
+
+TestLibrary::TestLibrary() {
+    auto& libraries = platform::Current<platform::DynamicLibraries>();
+    platform::SystemError error;
+    const platform::LibraryHandle library = libraries.LoadFromPath(TARNWICK_LIBRARY, error);
+    if (library == nullptr)
+        throw std::runtime_error(libraries.LastLoadFailure());
+#define TEST_LIBRARY_BIND(symbol, parameters) \
+    symbol = reinterpret_cast<PluginFunction_##symbol>(libraries.FindSymbol(library, #symbol));
+    TARNWICK_PLUGIN_FUNCTIONS(TEST_LIBRARY_BIND)
+#undef TEST_LIBRARY_BIND
+}
+
+PluginFacadeRef TestLibrary::Facade() const {
+    PluginFacadeRef facade = nullptr;
+    GetPluginFacadeInstance(&facade);
+    return facade;
+}
+
+ErrorCode TestLibrary::Activate(const std::string& document, const std::vector<std::string>& names,
+                                CFRef<CFMutableArrayRef>& matched) const {
+    matched = cf::MutableArray();
+    return ActivateDocumentFontsByPath(Facade(), cf::String(document).get(), NamesArray(names).get(),
+                                       matched.get(), nullptr, nullptr);
+}
+
+std::vector<int64_t> TestLibrary::Activate(const std::string& document,
+                                           const std::vector<std::string>& names) const {
+    CFRef<CFMutableArrayRef> matched;
+    if (const ErrorCode code = Activate(document, names, matched); code != CoreErrorCodes::kSuccess)
+        throw std::runtime_error("activation: " + ErrorCodeToName(code));
+    std::vector<int64_t> ids;
+    for (CFIndex index = 0; index < cf::Count(matched.get()); ++index)
+        ids.push_back(*cf::GetInt64(cf::Get<CFDictionaryRef>(matched.get(), index), kGS_DatabaseIDKey));
+    return ids;
+}
+
+ErrorCode TestLibrary::Deactivate(const std::vector<int64_t>& fontIDs) const {
+    return DeactivateFonts(Facade(), IDsArray(fontIDs).get(), 0, nullptr);
+}
+
+int32_t TestLibrary::StateOf(int64_t fontID) const {
+    int32_t state = -100;
+    GetFontIsActivated(Facade(), static_cast<uint32_t>(fontID), &state);
+    return state;
+}
+
+CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames) {
+    auto array = cf::MutableArray();
+    for (const std::string& name : postScriptNames) {
+        const auto record = cf::MutableDictionary();
+        cf::Set(record, kGS_PostScriptNameKey, name);
+        cf::Append(array, record);
+    }
+    return array;
+}
+
+CFRef<CFMutableArrayRef> IDsArray(const std::vector<int64_t>& fontIDs) {
+    auto array = cf::MutableArray();
+    for (const int64_t id : fontIDs)
+        cf::Append(array, id);
+    return array;
+}
+
+}  // namespace pellwick::test

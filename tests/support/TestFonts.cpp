@@ -1,0 +1,185 @@
+#include "TestFonts.h"
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace {
+
+/// Big-endian data, as font tables hold it.
+class Bytes {
+public:
+    Bytes& U8(unsigned value) {
+        mText += static_cast<char>(value & 0xFF);
+        return *this;
+    }
+    Bytes& U16(unsigned value) { return U8(value >> 8).U8(value); }
+    Bytes& U32(uint32_t value) { return U16(value >> 16).U16(value & 0xFFFF); }
+    Bytes& Zeros(size_t count) {
+        mText.append(count, '\0');
+        return *this;
+    }
+    Bytes& Text(const std::string& text) {
+        mText += text;
+        return *this;
+    }
+    const std::string& Get() const { return mText; }
+
+private:
+    std::string mText;
+};
+
+constexpr unsigned kGlyphCount = 2;
+constexpr unsigned kUnitsPerEm = 1000;
+constexpr unsigned kAdvance = 600;
+
+std::string Utf16(const std::string& ascii) {
+    Bytes text;
+    for (const char character : ascii)
+        text.U16(static_cast<unsigned char>(character));
+    return text.Get();
+}
+
+/// A square, for both glyphs.
+std::string Glyph() {
+    Bytes glyph;
+    glyph.U16(1).U16(0).U16(0).U16(500).U16(500);  // one contour in its box
+    glyph.U16(3).U16(0);                           // ends at point 3; no instructions
+    glyph.U8(1).U8(1).U8(1).U8(1);                 // four points on the curve
+    glyph.U16(0).U16(500).U16(0).U16(0xFE0C);      // x: 0, 500, 500, 0
+    glyph.U16(0).U16(0).U16(500).U16(0);           // y: 0, 0, 500, 500
+    return glyph.Get();
+}
+
+std::string Glyf() {
+    return Glyph() + Glyph();
+}
+
+std::string Loca() {
+    const auto size = static_cast<uint32_t>(Glyph().size());
+    return Bytes().U32(0).U32(size).U32(2 * size).Get();
+}
+
+std::string Head() {
+    Bytes head;
+    head.U32(0x00010000).U32(0x00010000).U32(0).U32(0x5F0F3CF5).U16(3).U16(kUnitsPerEm).Zeros(16);
+    head.U16(0).U16(0).U16(500).U16(500).U16(0).U16(8).U16(2).U16(1).U16(0);  // 1: long offsets in loca
+    return head.Get();
+}
+
+std::string Hhea() {
+    Bytes hhea;
+    hhea.U32(0x00010000).U16(800).U16(0xFF38).U16(0).U16(kAdvance).U16(0).U16(0).U16(500).U16(1);
+    return hhea.Zeros(14).U16(kGlyphCount).Get();
+}
+
+std::string Hmtx() {
+    return Bytes().U16(kAdvance).U16(0).U16(kAdvance).U16(0).Get();
+}
+
+std::string Maxp() {
+    return Bytes().U32(0x00010000).U16(kGlyphCount).U16(4).U16(1).Zeros(4).U16(1).Zeros(16).Get();
+}
+
+/// The letter A is glyph 1.
+std::string Cmap() {
+    Bytes cmap;
+    cmap.U16(0).U16(1).U16(3).U16(1).U32(12);
+    cmap.U16(4).U16(32).U16(0).U16(4).U16(4).U16(1).U16(0);
+    cmap.U16('A').U16(0xFFFF).U16(0).U16('A').U16(0xFFFF).U16(1 - 'A').U16(1).U16(0).U16(0);
+    return cmap.Get();
+}
+
+std::string Os2() {
+    Bytes os2;
+    os2.U16(4).U16(500).U16(400).U16(5).Zeros(24).Zeros(10).Zeros(16).Text("TEST");
+    return os2.U16(0x40)
+        .U16('A')
+        .U16('A')
+        .U16(800)
+        .U16(0xFF38)
+        .U16(0)
+        .U16(800)
+        .U16(200)
+        .Zeros(8)
+        .U16(500)
+        .U16(500)
+        .U16(0)
+        .U16(32)
+        .U16(1)
+        .Get();
+}
+
+std::string Post() {
+    return Bytes().U32(0x00030000).Zeros(28).Get();
+}
+
+std::string NameTable(const TestFontNames& names) {
+    const std::map<unsigned, std::string> texts = {{1, names.family},
+                                                   {2, names.style},
+                                                   {4, names.family + " " + names.style},
+                                                   {5, "Version " + names.version},
+                                                   {6, names.postScriptName}};
+    Bytes records;
+    std::string strings;
+    for (const auto& [identifier, text] : texts) {
+        const std::string encoded = Utf16(text);
+        records.U16(3).U16(1).U16(0x409).U16(identifier);
+        records.U16(static_cast<unsigned>(encoded.size())).U16(static_cast<unsigned>(strings.size()));
+        strings += encoded;
+    }
+    const auto count = static_cast<unsigned>(texts.size());
+    return Bytes().U16(0).U16(count).U16(6 + 12 * count).Text(records.Get()).Text(strings).Get();
+}
+
+uint32_t Checksum(const std::string& table) {
+    uint32_t sum = 0;
+    for (size_t index = 0; index < table.size(); ++index)
+        sum += static_cast<uint32_t>(static_cast<unsigned char>(table[index])) << (24 - 8 * (index % 4));
+    return sum;
+}
+
+/// The font as it stands at an offset of a file.
+std::string FontAt(uint32_t offset, const TestFontNames& names) {
+    const std::map<std::string, std::string> tables = {
+        {"OS/2", Os2()},  {"cmap", Cmap()}, {"glyf", Glyf()}, {"head", Head()},           {"hhea", Hhea()},
+        {"hmtx", Hmtx()}, {"loca", Loca()}, {"maxp", Maxp()}, {"name", NameTable(names)}, {"post", Post()}};
+    const auto count = static_cast<unsigned>(tables.size());
+    Bytes directory;
+    directory.U32(0x00010000).U16(count).U16(128).U16(3).U16(count * 16 - 128);
+    std::string content;
+    for (const auto& [tag, table] : tables) {
+        const auto position = static_cast<uint32_t>(offset + 12 + 16 * count + content.size());
+        directory.Text(tag).U32(Checksum(table)).U32(position).U32(static_cast<uint32_t>(table.size()));
+        content += table;
+        content.append((4 - content.size() % 4) % 4, '\0');
+    }
+    return directory.Get() + content;
+}
+
+}  // namespace
+
+std::string MakeTestFont(const TestFontNames& names) {
+    return FontAt(0, names);
+}
+
+std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts) {
+    const auto count = static_cast<uint32_t>(fonts.size());
+    auto offset = 12 + 4 * count;
+    Bytes header;
+    header.Text("ttcf").U32(0x00010000).U32(count);
+    std::string content;
+    for (const TestFontNames& names : fonts) {
+        header.U32(offset);
+        const std::string font = FontAt(offset, names);
+        content += font;
+        offset += static_cast<uint32_t>(font.size());
+    }
+    return header.Get() + content;
+}
+
+bool WriteTestFont(const std::string& path, const TestFontNames& names) {
+    std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
+    file << MakeTestFont(names);
+    return static_cast<bool>(file.flush());
+}

@@ -1,0 +1,24 @@
+// Small valid fonts, made on the spot.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// What a test font calls itself.
+struct TestFontNames {
+    std::string postScriptName;
+    std::string family;
+    std::string style = "Regular";
+    std::string version = "1.0";  ///< becomes "Version 1.0"
+};
+
+/// A TrueType font (ISO/IEC 14496-22) of two glyphs, with names in UTF-16. The same names make the same
+/// bytes.
+std::string MakeTestFont(const TestFontNames& names);
+
+/// A TrueType collection of such fonts.
+std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts);
+
+/// Writes the font to a file; false when that fails. `path` is UTF-8.
+bool WriteTestFont(const std::string& path, const TestFontNames& names);
