@@ -90,7 +90,9 @@ function(plugincore_export_only target names_file)
   list(JOIN names ";\n    " names)
   set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
   file(CONFIGURE OUTPUT "${script}" CONTENT "{\n  global:\n    ${names};\n  local:\n    *;\n};\n")
-  target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--no-undefined-version")
+  # A host that unloads the library leaves its code in place: threads and callbacks may still be in it.
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--no-undefined-version"
+    "LINKER:-z,nodelete")
   set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${names_file}")
 endfunction()

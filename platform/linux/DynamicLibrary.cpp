@@ -37,6 +37,7 @@ public:
     LibraryHandle LoadFromPath(const std::string& path, SystemError& error) override {
         if (path.find('/') == std::string::npos) {  // dlopen would search for it
             error.code = ENOENT;
+            lastLoadFailure = path + ": not a full path";
             return nullptr;
         }
         if (access(path.c_str(), R_OK) != 0) {
@@ -50,6 +51,7 @@ public:
     LibraryHandle LoadByName(const std::string& fileName, SystemError& error) override {
         if (fileName.find('/') != std::string::npos) {
             error.code = EINVAL;
+            lastLoadFailure = fileName + ": not a bare file name";
             return nullptr;
         }
         return Load(fileName.c_str(), error);

@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,7 @@
 #include <cstring>
 #include <mutex>
 #include <string_view>
+#include <system_error>
 #include <thread>
 
 #include "platform/Files.h"
@@ -25,28 +27,29 @@
 namespace platform {
 namespace {
 
-// The child finds the pipe on which it says that it is ready at this descriptor, and is told so by a
-// variable.
+// The child finds its end of the ready line at this descriptor, and is told so by a variable.
 constexpr int kReadyDescriptor = 3;
 constexpr char kReadyVariable[] = "PLUGINCORE_READY_DESCRIPTOR";
 
-class Pipe {
+/// The line on which a child says that it is ready. A socket, so that a child that speaks when nobody listens any more
+/// can be spared the signal of a broken pipe.
+class ReadyLine {
 public:
-    Pipe() {
-        if (pipe2(mEnds, O_CLOEXEC) != 0)
+    ReadyLine() {
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, mEnds) != 0)
             mEnds[0] = mEnds[1] = -1;
     }
-    ~Pipe() {
+    ~ReadyLine() {
         CloseEnd(0);
         CloseEnd(1);
     }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
+    ReadyLine(const ReadyLine&) = delete;
+    ReadyLine& operator=(const ReadyLine&) = delete;
 
     bool IsOpen() const { return mEnds[0] >= 0; }
-    int ReadEnd() const { return mEnds[0]; }
-    int WriteEnd() const { return mEnds[1]; }
-    void CloseWriteEnd() { CloseEnd(1); }
+    int OurEnd() const { return mEnds[0]; }
+    int ChildEnd() const { return mEnds[1]; }
+    void CloseChildEnd() { CloseEnd(1); }
 
 private:
     void CloseEnd(int end) {
@@ -103,14 +106,13 @@ std::vector<std::string> ChildEnvironment() {
     return variables;
 }
 
-/// What the child starts with: a session of its own, no streams of ours, default signals, the ready pipe.
+/// What the child starts with: a session of its own, no streams of ours, default signals, the ready line.
 class SpawnSettings {
 public:
     explicit SpawnSettings(int readyDescriptor) {
         posix_spawn_file_actions_init(&mActions);
         posix_spawnattr_init(&mAttributes);
-        // First of all: a host without standard streams may have been given one of their numbers for the
-        // pipe.
+        // First of all: a host without standard streams may have been given one of their numbers for the line.
         posix_spawn_file_actions_adddup2(&mActions, readyDescriptor, kReadyDescriptor);
         posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
@@ -143,37 +145,85 @@ private:
     posix_spawnattr_t mAttributes{};
 };
 
-/// How the child ended, written by the thread that waits for it.
-struct ChildEnd {
-    std::mutex statusLock;
-    std::condition_variable ended;
-    std::optional<int> status;
-};
+/// What became of a child, told by the thread that started it and waits for it.
+class ChildWatch {
+public:
+    /// Starts the child by `spawn` on a thread of its own, which then collects the child when it ends, however long that
+    /// takes, so that it never stays behind as a zombie. The error of the start.
+    template <class Spawn>
+    static SystemError Start(const std::shared_ptr<ChildWatch>& watch, Spawn&& spawn) {
+        // The thread is no place for the host's signal handlers.
+        sigset_t all;
+        sigset_t saved;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &saved);
+        SystemError error;
+        try {
+            std::thread([watch, &spawn] { watch->Run(spawn); }).detach();
+            error = watch->WaitForStart();
+        } catch (const std::system_error& failure) {
+            error.code = failure.code().value();
+        }
+        pthread_sigmask(SIG_SETMASK, &saved, nullptr);
+        return error;
+    }
 
-/// Collects the child when it ends, however long that takes, so that it never stays behind as a zombie.
-void CollectInBackground(pid_t child, const std::shared_ptr<ChildEnd>& end) {
-    std::thread([child, end] {
+    pid_t Id() {
+        const std::lock_guard guard(mStateLock);
+        return mId;
+    }
+    std::optional<int> Status() {
+        const std::lock_guard guard(mStateLock);
+        return mStatus;
+    }
+    void WaitForEnd(std::chrono::steady_clock::time_point deadline) {
+        std::unique_lock guard(mStateLock);
+        mChanged.wait_until(guard, deadline, [this] { return mStatus.has_value(); });
+    }
+
+private:
+    template <class Spawn>
+    void Run(Spawn& spawn) {
+        pid_t child = 0;
+        const int error = spawn(child);
+        {
+            const std::lock_guard guard(mStateLock);
+            mId = child;
+            mStartError = SystemError{error};
+            mChanged.notify_all();  // `spawn` may be gone from here on
+        }
+        if (error != 0)
+            return;
         int status = 0;
         while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
         }
-        const std::lock_guard guard(end->statusLock);
-        end->status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-        end->ended.notify_all();
-    }).detach();
-}
+        const std::lock_guard guard(mStateLock);
+        mStatus = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+        mChanged.notify_all();
+    }
+    SystemError WaitForStart() {
+        std::unique_lock guard(mStateLock);
+        mChanged.wait(guard, [this] { return mStartError.has_value(); });
+        return *mStartError;
+    }
+
+    std::mutex mStateLock;  ///< guards what follows
+    std::condition_variable mChanged;
+    std::optional<SystemError> mStartError;
+    std::optional<int> mStatus;
+    pid_t mId = 0;
+};
 
 class LinuxChildProcess : public ChildProcess {
 public:
-    LinuxChildProcess(pid_t child, std::unique_ptr<Pipe> ready)
-        : mId(child), mReady(std::move(ready)), mEnd(std::make_shared<ChildEnd>()) {
-        CollectInBackground(child, mEnd);
-    }
+    LinuxChildProcess(std::shared_ptr<ChildWatch> watch, std::unique_ptr<ReadyLine> ready)
+        : mWatch(std::move(watch)), mReady(std::move(ready)) {}
 
-    ProcessId Id() const override { return mId; }
+    ProcessId Id() const override { return mWatch->Id(); }
 
     bool WaitUntilIdle(std::chrono::milliseconds limit) override {
         const auto deadline = std::chrono::steady_clock::now() + limit;
-        pollfd ready{mReady->ReadEnd(), POLLIN, 0};
+        pollfd ready{mReady->OurEnd(), POLLIN, 0};
         for (;;) {
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
                 deadline - std::chrono::steady_clock::now());
@@ -181,24 +231,19 @@ public:
             if (count < 0 && errno == EINTR)
                 continue;
             char signal = 0;
-            if (count > 0 && read(mReady->ReadEnd(), &signal, 1) == 1)
+            if (count > 0 && read(mReady->OurEnd(), &signal, 1) == 1)
                 return true;
-            // The pipe closes without a word when the child ends: its status is there in a moment.
-            std::unique_lock guard(mEnd->statusLock);
-            mEnd->ended.wait_until(guard, deadline, [this] { return mEnd->status.has_value(); });
+            // The line closes without a word when the child ends: its status is there in a moment.
+            mWatch->WaitForEnd(deadline);
             return false;
         }
     }
 
-    std::optional<int> ExitStatus() override {
-        const std::lock_guard guard(mEnd->statusLock);
-        return mEnd->status;
-    }
+    std::optional<int> ExitStatus() override { return mWatch->Status(); }
 
 private:
-    ProcessId mId;
-    std::unique_ptr<Pipe> mReady;
-    std::shared_ptr<ChildEnd> mEnd;
+    std::shared_ptr<ChildWatch> mWatch;
+    std::unique_ptr<ReadyLine> mReady;
 };
 
 std::string TargetOfLink(const std::string& link) {
@@ -246,21 +291,23 @@ public:
 
     std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
                                          SystemError& error) override {
-        auto ready = std::make_unique<Pipe>();
+        auto ready = std::make_unique<ReadyLine>();
         if (!ready->IsOpen()) {
             error = LastSystemError();
             return nullptr;
         }
         std::vector<std::string> arguments = SplitCommandLine(commandLine);
         std::vector<std::string> environment = ChildEnvironment();
-        SpawnSettings settings(ready->WriteEnd());
-        pid_t child = 0;
-        error.code = posix_spawn(&child, executablePath.c_str(), settings.Actions(), settings.Attributes(),
-                                 PointersTo(arguments).data(), PointersTo(environment).data());
+        SpawnSettings settings(ready->ChildEnd());
+        const auto watch = std::make_shared<ChildWatch>();
+        error = ChildWatch::Start(watch, [&](pid_t& child) {
+            return posix_spawn(&child, executablePath.c_str(), settings.Actions(), settings.Attributes(),
+                               PointersTo(arguments).data(), PointersTo(environment).data());
+        });
         if (error)
             return nullptr;
-        ready->CloseWriteEnd();
-        return std::make_unique<LinuxChildProcess>(child, std::move(ready));
+        ready->CloseChildEnd();
+        return std::make_unique<LinuxChildProcess>(watch, std::move(ready));
     }
 
     std::string CurrentName() override {
@@ -316,7 +363,7 @@ void NotifyReadyForInput() {
     unsetenv(kReadyVariable);
     if (descriptor != kReadyDescriptor)
         return;
-    [[maybe_unused]] const ssize_t written = write(descriptor, "R", 1);
+    send(descriptor, "R", 1, MSG_NOSIGNAL);
     close(descriptor);
 }
 

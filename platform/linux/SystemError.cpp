@@ -5,17 +5,17 @@
 
 namespace platform {
 
+bool SystemError::IsNotFound() const { return code == ENOENT || code == ENOTDIR; }
+
 SystemError LastSystemError() {
     return SystemError{errno};
 }
 
 std::string SystemErrorText(SystemError error) {
-    char buffer[256] = "";
-    // The GNU form returns the text, which need not stand in the buffer.
-    const char* text = strerror_r(error.code, buffer, sizeof buffer);
-    if (text == nullptr || *text == '\0')
-        return "Null message";
-    return text;
+    const char* text = strerrordesc_np(error.code);
+    if (text == nullptr)
+        return "FormatMessage Failed";
+    return *text != '\0' ? text : "Null message";
 }
 
 }  // namespace platform

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <thread>
 
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
@@ -53,6 +54,26 @@ TEST(Processes, AChildIsIdleWhenItSaysSo) {
     EXPECT_TRUE(child->WaitUntilIdle(10s));
     EXPECT_EQ(child->ExitStatus(), std::nullopt);
     kill(static_cast<pid_t>(child->Id()), SIGKILL);
+}
+
+// Run by the next test as a child of its own.
+TEST(Processes, DISABLED_TellsThatItIsReadyTooLate) {
+    std::this_thread::sleep_for(500ms);
+    platform::NotifyReadyForInput();
+}
+
+TEST(Processes, AChildThatIsReadyTooLateLivesOn) {
+    const TemporaryFolder folder;
+    auto child = Launch("'" + Processes().CurrentExecutablePath() +
+                              "' --gtest_also_run_disabled_tests --gtest_filter=*ReadyTooLate; echo $? > '" +
+                              (folder / "status.part") + "'; mv '" + (folder / "status.part") + "' '" +
+                              (folder / "status") + "'");
+    EXPECT_FALSE(child->WaitUntilIdle(1ms));
+    child.reset();  // nobody listens any more
+    std::string status;
+    while (platform::ReadWholeFile(folder / "status", status, 100))
+        std::this_thread::sleep_for(10ms);
+    EXPECT_EQ(status, "0\n") << "ended by a signal?";
 }
 
 TEST(Processes, WaitingForAnIdleChildHasALimit) {

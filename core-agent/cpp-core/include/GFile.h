@@ -29,13 +29,12 @@ public:
     enum OpenMode : unsigned { eRead = 1, eBinary = 2 };
     enum Origin { eBeginning, eCurrent };
 
-    /// kOpenFailed when there is no such regular file or it may not be read; GFileSystem::kFileNotFound when
-    /// it is not there at all.
+    /// GFileSystem::kFileNotFound when nothing is there; kOpenFailed when it is no regular file or may not be read.
     [[nodiscard]] ErrorCode Open(const GFileSystemSpec& spec, unsigned mode);
     /// Moves the read position; `offset` in bytes from `origin`.
     [[nodiscard]] ErrorCode SetFilePosition(Origin origin, uint64_t offset);
     /// Reads `size` bytes, fewer only at the end of the file, into `bytes`, which takes exactly what was
-    /// read.
+    /// read. kOutOfMemory when there is no room for them.
     [[nodiscard]] ErrorCode Read(size_t size, std::vector<uint8_t>& bytes);
     [[nodiscard]] ErrorCode Close();
 

@@ -1,11 +1,11 @@
 #include "GFile.h"
 
-#include <cerrno>
+#include <new>
 
 namespace {
 
 ErrorCode CodeOf(platform::SystemError error, ErrorCode otherwise) {
-    return error.code == ENOENT || error.code == ENOTDIR ? GFileSystem::kFileNotFound : otherwise;
+    return error.IsNotFound() ? GFileSystem::kFileNotFound : otherwise;
 }
 
 }  // namespace
@@ -38,7 +38,11 @@ ErrorCode GFile::SetFilePosition(Origin origin, uint64_t offset) {
 ErrorCode GFile::Read(size_t size, std::vector<uint8_t>& bytes) {
     if (!mFile.IsOpen())
         return kFileNotOpen;
-    bytes.resize(size);
+    try {
+        bytes.resize(size);
+    } catch (const std::bad_alloc&) {
+        return CoreErrorCodes::kOutOfMemory;
+    }
     size_t bytesRead = 0;
     const platform::SystemError error = mFile.ReadAt(mPosition, bytes.data(), size, bytesRead);
     bytes.resize(bytesRead);

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr size_t kLineBufferSize = 65536;
-// A text this long may have been cut, so that a line feed would not be its own.
+// A longer text leaves no room for a line feed.
 constexpr size_t kLongestTextToComplete = 65534;
 
 // Relaxed: lines of several threads may nest into one another, and that is all that can happen.
@@ -58,6 +58,7 @@ void LogMessage(int indentDelta, const char* format, ...) {
         return;
     }
     char line[kLineBufferSize];
+    line[0] = '\0';
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(line, sizeof line, format, arguments);

@@ -1,15 +1,14 @@
 #include "AllTrackedDocuments.h"
 
 #include <algorithm>
-#include <exception>
 
 #include "FontActivationTracker.h"
 #include "FontManagerAccess.h"
 #include "TraceLog.h"
 
 AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
-    static auto* shared = new AllTrackedDocuments;  // lives to process end
-    return *shared;
+    static AllTrackedDocuments& shared = *std::make_unique<AllTrackedDocuments>().release();  // lives to process end
+    return shared;
 }
 
 void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) {
@@ -23,7 +22,10 @@ void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) 
     mDocuments.push_back(pInfo);
 }
 
-void AllTrackedDocuments::AddNewDocument(const Document& document) { mDocuments.push_back(document); }
+void AllTrackedDocuments::AddNewDocument(const Document& document) {
+    if (document)
+        mDocuments.push_back(document);
+}
 
 AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByPath(const std::string& path) const {
     const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
@@ -45,21 +47,22 @@ AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByIdentifi
 
 void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& document, FontActivationTracker* tracker) {
     constexpr char kName[] = "AllTrackedDocuments::RemoveClosedDocument";
-    const std::string identifier = document.Identifier();
-    LogMessage(1, "Entering %s(%s)", kName, identifier.c_str());
+    LogMessage(1, "Entering %s(%s)", kName, document.Identifier().c_str());
     const ScopeExit exitLine([&] { LogMessage(-1, "Exiting %s()", kName); });
     try {
-        const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
-                                        [&](const Document& each) { return each->Identifier() == identifier; });
+        const auto found = std::find_if(mDocuments.begin(), mDocuments.end(), [&](const Document& each) {
+            return each->Identifier() == document.Identifier();
+        });
         if (found == mDocuments.end())
             return;
+        // Held and looked up again: what the tracker asks may change the list.
+        const Document closed = *found;
         if (tracker != nullptr && tracker->Preferences() != nullptr) {
             const bool deactivate = tracker->Preferences()->GetBoolPreference("CloseFontsOnDocClose");
-            tracker->CloseAllFontsForIdentifier(identifier, deactivate, nullptr);
+            tracker->CloseAllFontsForIdentifier(closed->Identifier(), deactivate, nullptr);
         }
-        // Looked up again: what the tracker asked may have changed the list.
-        std::erase_if(mDocuments, [&](const Document& each) { return each->Identifier() == identifier; });
-    } catch (const std::exception&) {
+        std::erase(mDocuments, closed);
+    } catch (...) {
         LogMessage(0, "Exception thrown in %s()", kName);
     }
 }

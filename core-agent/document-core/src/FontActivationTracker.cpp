@@ -32,13 +32,15 @@ bool ActivationStateCountsAsActive(int64_t activationState) {
 FontActivationTracker::FontActivationTracker(PreferenceAccess* preferences) : mPreferences(preferences) {}
 
 std::string FontActivationTracker::GenerateUniqueIdentifier() {
-    std::string identifier(1, static_cast<char>(std::rand()));  // when there is no UUID to be had
+    std::string identifier;
     const auto uuid = CFRef<CFUUIDRef>::Adopt(CFUUIDCreate(kCFAllocatorDefault));
     const auto text =
         CFRef<CFStringRef>::Adopt(uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr);
     char buffer[100];
     if (text && CFStringGetCString(text.get(), buffer, sizeof buffer, kCFStringEncodingUTF8))
         identifier = buffer;
+    else
+        identifier.assign(1, static_cast<char>(std::rand()));
     LogMessage(0, "FontActivationTracker::GenerateUniqueIdentifier() returning '%s'", identifier.c_str());
     return identifier;
 }
@@ -89,7 +91,7 @@ ErrorCode FontActivationTracker::ActivateFontsByID(const std::string& documentId
 ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
                                                       const std::string& documentIdentifier) {
     ErrorCode status = CoreErrorCodes::kSuccess;
-    for (CFIndex index = 0; index < CFArrayGetCount(matchedFonts); ++index) {
+    for (CFIndex index = 0; index < cf::Count(matchedFonts); ++index) {
         const auto font = cf::Get<CFDictionaryRef>(matchedFonts, index);
         const ErrorCode registered = RegisterMatchedFont(font, index, documentIdentifier);
         if (status == CoreErrorCodes::kSuccess)
@@ -125,8 +127,10 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
     }
     ErrorCode status = CoreErrorCodes::kSuccess;
     for (CFIndex each = 0; each < CFArrayGetCount(subDocuments); ++each) {
-        registration.documentIdentifier =
-            cf::ToUtf8(cf::Get<CFStringRef>(subDocuments, each));
+        const CFStringRef subDocument = cf::Get<CFStringRef>(subDocuments, each);
+        if (subDocument == nullptr)
+            continue;
+        registration.documentIdentifier = cf::ToUtf8(subDocument);
         const ErrorCode registered = RegisterFontWithDocument(font, name, databaseID, registration);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
@@ -138,8 +142,8 @@ ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDi
                                                           uint32_t databaseID, const Registration& registration) {
     LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
                cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting RegisterFontWithDocument"); });
     const GScopedLock lock(mRegistersLock);
+    const ScopeExit exitLine([] { LogMessage(-1, "Exiting RegisterFontWithDocument"); });
     if (lock.Status() != CoreErrorCodes::kSuccess)
         return RefuseReentry("FontActivationTracker::RegisterFontWithDocument");
 

@@ -136,7 +136,7 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromAnyKind(FontNames& fontNames)
 ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeStart, const ChunkSearch& search) {
     uint64_t fileSize = 0;
     RETURN_IF_FAILED(GFileSystem::OSGetFileSize(mFileSpec, fileSize));
-    const size_t ordinaryAdvance = ChunkSize() - rangeStart.size();
+    const size_t ordinaryAdvance = ChunkSize() > rangeStart.size() ? ChunkSize() - rangeStart.size() : 1;
     std::vector<uint8_t> fileChunk;
     uint64_t currentPosition = 0;
     while (currentPosition < fileSize) {

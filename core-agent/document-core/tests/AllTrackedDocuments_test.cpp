@@ -53,6 +53,15 @@ TEST(AllTrackedDocuments, AClosedDocumentLetsItsFontsGoAsThePreferenceSays) {
     }
 }
 
+TEST(AllTrackedDocuments, OfSeveralWithOneIdentifierOnlyTheFirstIsRemoved) {
+    AllTrackedDocuments documents;
+    for (const char* path : {"/a.ai", "/b.ai"})
+        Add(documents, path)->SetIdentifier("same");
+    documents.RemoveClosedDocument(*documents.FindTrackedDocumentByPath("/b.ai"), nullptr);
+    ASSERT_EQ(documents.Documents().size(), 1u);
+    EXPECT_EQ(documents.Documents().front()->DocumentFilePath(), "/b.ai");
+}
+
 TEST(AllTrackedDocuments, AnExceptionStaysInsideAndIsLogged) {
     FakeFontManager fontManager;
     FakePreferences preferences;

@@ -33,6 +33,6 @@ int32_t GFontManagerConstants::FontKindFromName(std::string_view name) {
             return row.code;
     }
     ReportFailure(kLogCategory, CheckLocation{"Unsupported font type", __FILE__, __LINE__},
-                  CoreErrorCodes::kNotSupported);
+                  CoreErrorCodes::kNotSupported, GLogger::kDebug);
     return kFontKind_unknown;
 }

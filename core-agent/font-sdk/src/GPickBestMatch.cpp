@@ -69,9 +69,9 @@ ErrorCode ReadVersions(const std::string& left, const std::string& right,
                        std::tuple<uint32_t, uint32_t, uint32_t>& rightVersion) {
     const auto VersionStringToNumber = GPickBestMatch::VersionStringToNumber;
     auto& [leftMajor, leftMinor, leftBug] = leftVersion;
-    RETURN_IF_FAILED(VersionStringToNumber(left, leftMajor, leftMinor, leftBug));
+    RETURN_IF_FAILED(VersionStringToNumber(left, leftMajor, leftMinor, leftBug), GLogger::kDebug);
     auto& [rightMajor, rightMinor, rightBug] = rightVersion;
-    RETURN_IF_FAILED(VersionStringToNumber(right, rightMajor, rightMinor, rightBug));
+    RETURN_IF_FAILED(VersionStringToNumber(right, rightMajor, rightMinor, rightBug), GLogger::kDebug);
     return CoreErrorCodes::kSuccess;
 }
 

@@ -43,6 +43,12 @@ std::string LogOf(const std::function<void()>& action) {
     auto stream = std::make_shared<std::ostringstream>();
     GLogger::GetSharedInstance().AddStream(stream);
     action();
+    // What is expected in normal use is written at debug level alone.
+    EXPECT_EQ(stream->str().find("VersionStringToNumber"), std::string::npos);
+    EXPECT_EQ(stream->str().find("Unsupported"), std::string::npos);
+    for (const char* category : {"GPickBestMatch", "GFontManagerConstants"})
+        GLogger::GetSharedInstance().SetLevel(category, GLogger::kDebug);
+    action();
     return stream->str();
 }
 

@@ -19,6 +19,17 @@ struct OpaquePluginThreadInstance {
 
 namespace {
 
+/// The log that a thread began last: what threads write to that began none themselves.
+struct ProcessLog {
+    std::mutex logLock;
+    std::shared_ptr<LogFile> log;
+};
+
+ProcessLog& LogOfProcess() {
+    static auto& processLog = *new ProcessLog;
+    return processLog;
+}
+
 /// The log of that path, shared by all threads that write to it.
 std::shared_ptr<LogFile> OpenLog(const std::string& path) {
     static auto& logsLock = *new std::mutex;
@@ -68,7 +79,9 @@ uint32_t BeginLogging(PluginThreadInstanceRef thread, const char* logFileName) {
         std::shared_ptr<LogFile> log = OpenLog(LogPath(logFileName));
         if (!log)
             return error_codes::GFile::kOpenFailed;
-        thread->log = std::move(log);
+        thread->log = log;
+        const std::lock_guard guard(LogOfProcess().logLock);
+        LogOfProcess().log = std::move(log);
         return CoreErrorCodes::kSuccess;
     });
 }
@@ -77,6 +90,10 @@ uint32_t Log(PluginThreadInstanceRef thread, const char* text) {
     return Guarded([&] {
         if (thread == nullptr || text == nullptr)
             return CoreErrorCodes::kNullPointer;
+        if (!thread->log) {
+            const std::lock_guard guard(LogOfProcess().logLock);
+            thread->log = LogOfProcess().log;
+        }
         if (!thread->log)
             return CoreErrorCodes::kNotInitialized;
         thread->log->Write(text);

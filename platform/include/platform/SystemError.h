@@ -9,6 +9,8 @@ struct SystemError {
     int code = 0;  ///< the system's own number; 0 is success
 
     explicit operator bool() const { return code != 0; }
+    /// The file, or a folder on the way to it, is not there.
+    bool IsNotFound() const;
 };
 
 /// The calling thread's last error.

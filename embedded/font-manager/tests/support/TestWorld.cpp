@@ -183,6 +183,11 @@ std::string TestProcess::ReadLine() {
     return line;
 }
 
+void TestProcess::WriteLine(const std::string& line) {
+    const std::string text = line + "\n";
+    ASSERT_EQ(write(mInput, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+}
+
 void TestProcess::CloseInput() {
     Close(mInput);
 }

@@ -68,6 +68,8 @@ public:
     platform::ProcessId Id() const { return mProcess; }
     /// The next line of output, without its end; empty when there is none any more.
     std::string ReadLine();
+    /// Writes a line to its input.
+    void WriteLine(const std::string& line);
     void CloseInput();
     void Signal(int signal) const;
     /// Waits for the end.

@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "TraceLog.h"
@@ -95,9 +96,10 @@ ErrorCode AgentLauncher::GetPathToRunningProcessExe(const std::string& name, std
 std::string AgentLauncher::LaunchInfoValue(const std::string& content, const std::string& key) {
     for (size_t begin = 0; begin < content.size();) {
         const size_t end = std::min(content.find_first_of("\r\n", begin), content.size());
-        const size_t equals = content.find('=', begin);
-        if (equals < end && content.compare(begin, equals - begin, key) == 0)
-            return content.substr(equals + 1, end - equals - 1);
+        const std::string_view line(content.data() + begin, end - begin);
+        const size_t equals = line.find('=');
+        if (equals != std::string_view::npos && line.substr(0, equals) == key)
+            return std::string(line.substr(equals + 1));
         begin = end + 1;
     }
     return {};

@@ -14,7 +14,8 @@
 /// Main thread. Paths are UTF-8; folders that are given out end in a path separator.
 namespace AgentLauncher {
 
-/// The folder of the first running process whose executable is named `name` or `name`.exe, ignoring case.
+/// The folder of the first running process whose executable is named `name`, ignoring case; a name without a dot also
+/// stands for `name`.exe.
 /// CoreErrorCodes::kUnknownError when there is none or the processes cannot be listed.
 [[nodiscard]] ErrorCode GetPathToRunningProcessExe(const std::string& name, std::string& folder);
 

@@ -5,8 +5,9 @@
 #include "VersionsAreCompatible.h"
 
 FontManagerInterface& FontManagerInterface::GetSharedInstance() {
-    static auto* shared = new FontManagerInterface;  // lives to process end
-    return *shared;
+    static FontManagerInterface& shared =
+        *std::unique_ptr<FontManagerInterface>(new FontManagerInterface).release();  // lives to process end
+    return shared;
 }
 
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {

@@ -3,12 +3,14 @@
 #include <memory>
 
 #include "AgentLauncher.h"
+#include "StringConversion.h"
 #include "platform/VersionResource.h"
 
 namespace {
 
 constexpr char kLibraryName[] = "TarnwickPluginInterfaceX64";
 constexpr size_t kLongestModuleFileName = 260;
+constexpr size_t kLongestVersion = 255;
 // Two more than there are functions: the library was never loaded.
 constexpr uint32_t kNeverLoaded = 88;
 // The functions after TrackFontPanelClick came later; older libraries pass the validation without them.
@@ -22,6 +24,24 @@ void ForEachFunction(Table& table, Visitor&& visit) {
 #undef VISIT_PLUGIN_FUNCTION
 }
 
+/// The font manager's own log, reached through the shared loader.
+class FontManagerLog : public TraceSink {
+public:
+    bool IsReady() override { return VPILoader::GetSharedInstance()->pfLog != nullptr; }
+    void BeginLogging(const char* path) override {
+        const VPILoader* loader = VPILoader::GetSharedInstance();
+        if (loader->pfBeginLogging != nullptr)
+            loader->pfBeginLogging(loader->ThreadInstance(), path);
+    }
+    void Log(const char* text) override {
+        const VPILoader* loader = VPILoader::GetSharedInstance();
+        if (loader->pfLog != nullptr)
+            loader->pfLog(loader->ThreadInstance(), text);
+    }
+};
+
+FontManagerLog fontManagerLog;
+
 }  // namespace
 
 VPILoader* VPILoader::sm_pSharedInstance = nullptr;
@@ -30,8 +50,7 @@ VPILoader* VPILoader::GetSharedInstance() {
     if (sm_pSharedInstance != nullptr)
         return sm_pSharedInstance;
     LogMessage(1, "Entering first call to VPILoader::GetSharedInstance()");
-    // Never destroyed: the library calls back until the process ends.
-    sm_pSharedInstance = new VPILoader;
+    sm_pSharedInstance = std::unique_ptr<VPILoader>(new VPILoader).release();  // lives to process end
     sm_pSharedInstance->FindAndLoad();
     LogMessage(-1, "Exiting first call to VPILoader::GetSharedInstance(); sSharedInstance=0x%08x",
                TraceAddress(sm_pSharedInstance));
@@ -49,14 +68,15 @@ VPILoader::~VPILoader() {
 }
 
 void VPILoader::FindAndLoad() {
-    bool isAgentFound = AgentLauncher::GetPathToRunningProcessExe("Pellwick", mLibraryPath) == 0;
+    bool isAgentFound = AgentLauncher::GetPathToRunningProcessExe(platform::ProgramFileName("Pellwick"), mLibraryPath) == 0;
     if (!isAgentFound)
         isAgentFound = AgentLauncher::FindAndLaunchPellwick(&mLibraryPath) == 0;
     const platform::LibraryHandle library = isAgentFound ? LoadLibraryOfAgent() : LoadLibraryByName();
 
     platform::SystemError error;
     auto& versions = platform::Current<platform::VersionResources>();
-    mVersion = versions.FromFile(mLibraryPath, "PrivateBuild", error).value_or("");
+    mVersion = ReplaceInvalidUtf8(
+        versions.FromFile(mLibraryPath, "PrivateBuild", error).value_or("").substr(0, kLongestVersion));
 
     if (library == nullptr) {
         LogMessage(0, "ERROR:  cannot find %s", platform::LibraryFileName(kLibraryName).c_str());
@@ -65,7 +85,7 @@ void VPILoader::FindAndLoad() {
     mMissingCount = 0;
     Bind(library);
     Validate(Expectation::kAllBound);
-    SetTraceSink(this);
+    SetTraceSink(&fontManagerLog);
 }
 
 platform::LibraryHandle VPILoader::LoadLibraryOfAgent() {
@@ -78,7 +98,6 @@ platform::LibraryHandle VPILoader::LoadLibraryOfAgent() {
     } else {
         LogMessage(0, "LoadLibraryA('%s') returned error code 0x%08x (%d)", mLibraryPath.c_str(),
                    static_cast<unsigned>(error.code), error.code);
-        LogMessage(0, "%s", libraries.LastLoadFailure().c_str());
     }
     return library;
 }
@@ -157,20 +176,10 @@ CFStringRef VPILoader::VersionStringRef() const {
 }
 
 PluginThreadInstanceRef VPILoader::ThreadInstance() const {
-    PluginThreadInstanceRef instance = nullptr;
-    if (pfInitThreadInstance != nullptr && pfInitThreadInstance(&instance) != 0)
-        return nullptr;
+    // Instances stay with the library, which gives them up with the process: a thread that ends inside a host may do so
+    // after the library was told to clean up.
+    thread_local PluginThreadInstanceRef instance = nullptr;
+    if (instance == nullptr && pfInitThreadInstance != nullptr && pfInitThreadInstance(&instance) != 0)
+        instance = nullptr;
     return instance;
-}
-
-bool VPILoader::IsReady() { return pfLog != nullptr && pfBeginLogging != nullptr; }
-
-void VPILoader::BeginLogging(const char* path) {
-    if (pfBeginLogging != nullptr)
-        pfBeginLogging(ThreadInstance(), path);
-}
-
-void VPILoader::Log(const char* text) {
-    if (pfLog != nullptr)
-        pfLog(ThreadInstance(), text);
 }

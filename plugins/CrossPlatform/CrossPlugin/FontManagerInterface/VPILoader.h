@@ -21,7 +21,7 @@ struct PluginFunctionTable {
 };
 
 /// Main thread; the table may be read by any thread after the first call of GetSharedInstance.
-class VPILoader : public PluginFunctionTable, private TraceSink {
+class VPILoader : public PluginFunctionTable {
 public:
     /// The one loader, made and loaded on the first call; a load that failed is not tried again. Never null.
     static VPILoader* GetSharedInstance();
@@ -37,7 +37,8 @@ public:
     /// The version of the library, empty when it has none. The caller releases it.
     CFStringRef VersionStringRef() const;
 
-    /// The calling thread's instance of the interface library, or null.
+    /// The calling thread's instance of the interface library, made on the thread's first call and kept; null when
+    /// there is none to be had.
     PluginThreadInstanceRef ThreadInstance() const;
 
 private:
@@ -50,10 +51,6 @@ private:
     platform::LibraryHandle LoadLibraryByName();
     void Bind(platform::LibraryHandle library);
     bool Validate(Expectation expectation) const;
-
-    bool IsReady() override;
-    void BeginLogging(const char* path) override;
-    void Log(const char* text) override;
 
     static VPILoader* sm_pSharedInstance;
 

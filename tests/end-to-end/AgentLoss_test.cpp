@@ -1,0 +1,95 @@
+// The agent goes away at bad moments.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "HostWorld.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+int CountOf(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+}  // namespace
+
+TEST(AgentLoss, AKilledAgentIsStartedAgainOnceAndNothingIsLost) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold", "Sample-Italic"});
+    const std::string first = world.WriteDocument("first.ai", {"Sample-Bold"});
+    const std::string second = world.WriteDocument("second.ai", {"Sample-Italic"});
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 1);
+    host.Open(first);
+    world.KillAgent();
+    EXPECT_EQ(host.Open(second), 1u);
+    EXPECT_EQ(CountOf(world.Trace(), "automatically relaunching agent and retrying command\n"), 1);
+    EXPECT_EQ(CountOf(world.Trace(), "Successfully launched Pellwick at: "), 1);
+    EXPECT_NE(world.Agent(), 0);
+    EXPECT_EQ(world.FontManager().RunForJson({"list"}).at("fonts").size(), 2u);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Italic"))
+        << "the host lives, its leases hold";
+    host.Close(first);
+    host.Close(second);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}
+
+TEST(AgentLoss, AnAgentThatEndsInOrderIsStartedAgainToo) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    host.Start();
+    ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
+    EXPECT_EQ(host.Open(document), 1u);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
+}
+
+TEST(AgentLoss, TheCoreStartsTheAgentWhenNoneRuns) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    const auto result = world.RunHost({"--json", "open", document, "--close"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(json::parse(result.output)["numFontsActivated"], 1);
+    EXPECT_NE(world.Agent(), 0);
+}
+
+TEST(AgentLoss, WithoutAgentAndLaunchInformationTheHostSaysWhatToDo) {
+    HostWorld world;
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    const auto result = world.RunHost({"open", document, "--close"});
+    EXPECT_EQ(result.status, 5);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(CountOf(result.errors, "\n"), 1) << result.errors;
+    EXPECT_THAT(result.errors, HasSubstr("Pellwick"));
+    ScriptedHost host;
+    EXPECT_EQ(host.Call("InitializePluginCoreInterface")["code"], 0xFFFFFFFF);
+    EXPECT_EQ(host.Call("InitializePluginCoreInterface")["code"], 0xFFFFFFFF);
+    EXPECT_THAT(world.Trace(), HasSubstr("because it has been called 2 times\n"));
+}
+
+TEST(AgentLoss, AFrozenAgentDoesNotFreezeTheHost) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    host.Start();
+    const auto agent = static_cast<pid_t>(world.Agent());
+    kill(agent, SIGSTOP);
+    host.Open(document);  // comes back, whatever it answers
+    kill(agent, SIGCONT);
+    EXPECT_EQ(host.Call("IdleEvent")["code"], 0);
+    EXPECT_NE(world.Agent(), 0);
+}

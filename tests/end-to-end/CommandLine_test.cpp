@@ -1,0 +1,120 @@
+// What people do to the programs.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "HostWorld.h"
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST(CommandLine, TextFilesHaveNoFontsAndMissingFilesAreNamed) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string text = world.FontManager().Write("Notizen 字.txt", "no document at all");
+    auto result = world.RunHost({"open", text, "--close"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("no fonts"));
+    result = world.RunHost({"open", world.Path("missing.pdf"), "--close"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("missing.pdf"));
+    // One bad path does not keep the others closed.
+    const std::string document = world.WriteDocument("a.pdf", {"Sample-Bold"});
+    result = world.RunHost({"--json", "open", world.Path("missing.pdf"), document, "--close"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(json::parse(result.output)["numFontsActivated"], 1);
+}
+
+TEST(CommandLine, MissingFontsAreTheExitStatus) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const auto result =
+        world.RunHost({"open", world.WriteDocument("a.ai", {"Sample-Bold", "Gone"}), "--close"});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.output, HasSubstr("Sample-Bold"));
+    EXPECT_THAT(result.output, HasSubstr("Gone"));
+    EXPECT_THAT(result.output, HasSubstr("missing"));
+}
+
+TEST(CommandLine, DamagedFontsAreNamedAndTheRestIsAdded) {
+    HostWorld world;
+    auto& fontManager = world.FontManager();
+    const std::string good = fontManager.WriteFont("Sample-Bold");
+    const std::string damaged =
+        fontManager.Write("fonts/damaged.ttf", std::string("\0\1\0\0\0\xff damaged", 14));
+    auto result = fontManager.Run({"add", damaged, good});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("damaged.ttf"));
+    EXPECT_EQ(fontManager.RunForJson({"list"}).at("fonts").size(), 1u);
+    result = fontManager.Run({"add", world.Path("no such folder")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("no such folder"));
+}
+
+TEST(CommandLine, AnUnreadableFileIsReportedNotOpened) {
+    HostWorld world;
+    const std::string document = world.WriteDocument("secret.pdf", {"Sample-Bold"});
+    chmod(document.c_str(), 0);
+    const auto result = world.RunHost({"--json", "fonts", document, world.Path("."), world.Path("none.ai")});
+    EXPECT_EQ(result.status, 1);
+    std::istringstream lines(result.output);
+    std::string line;
+    std::getline(lines, line);
+    if (getuid() != 0)  // who may read everything
+        EXPECT_EQ(json::parse(line)["error"], "GFile::kOpenFailed");
+    std::getline(lines, line);
+    EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kInvalidPath");
+    std::getline(lines, line);
+    EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kFileNotFound");
+}
+
+TEST(CommandLine, WrongUsageIsStatusTwo) {
+    HostWorld world;
+    EXPECT_EQ(world.RunHost({}).status, 2);
+    EXPECT_EQ(world.RunHost({"open"}).status, 2);
+    EXPECT_EQ(world.RunHost({"open", "x.pdf", "--for", "soon"}).status, 2);
+    const auto help = world.RunHost({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("Exit status"));
+    EXPECT_THAT(help.errors, IsEmpty());
+}
+
+TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
+    HostWorld world;
+    ScriptedHost host;
+    for (const char* name : {"GetAPIVersion",
+                             "PluginIsEnabled",
+                             "IdleEvent",
+                             "ShouldShowLogin",
+                             "ShowNotLoggedInMessageBox",
+                             "SetRebuildWorkgroupsMenuCallback",
+                             "GetSocketPort",
+                             "RegisterPlugPlug",
+                             "TryRegisterPlugPlug",
+                             "ProcessPanelMessages",
+                             "HandleCreateNewDocument",
+                             "HandleOpenExistingDocument",
+                             "HandleSaveDocument",
+                             "HandleCloseDocument",
+                             "SetPathForDocument",
+                             "GetIDForDocument",
+                             "UpdateDocumentFontUsage",
+                             "ActivateChosenFonts",
+                             "InvokeResolveDialog",
+                             "InvokeRestrictedFontsDialog",
+                             "GetMenus",
+                             "CreateMenusFromJSONBuffer",
+                             "HandleMenuSelection",
+                             "InvokeCommandDialog",
+                             "GetSettings",
+                             "SetPreference",
+                             "TerminatePluginCoreInterface",
+                             "InitializePluginCoreInterface"})
+        EXPECT_EQ(host.Call(name)["call"], name);
+    EXPECT_EQ(host.Call("HandleOpenExistingDocument")["codeName"], "CoreErrorCodes::kInvalidParam");
+    EXPECT_EQ(host.Call("GetAPIVersion", {{"requestedVersion", 7}})["codeName"],
+              "CoreErrorCodes::kNotImplemented");
+    EXPECT_EQ(host.Finish().status, 0);
+}

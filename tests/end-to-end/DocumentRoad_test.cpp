@@ -1,0 +1,134 @@
+// The road of a document: opened, its fonts seen by every program; closed, gone.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "HostWorld.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class DocumentRoadTest : public testing::Test {
+protected:
+    DocumentRoadTest() { world.AddFonts({"Sample-Bold", "Sample-Italic", "Sample-Light"}); }
+
+    HostWorld world;
+};
+
+}  // namespace
+
+TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
+    const std::string document =
+        world.WriteDocument("Титул 字 🙂.pdf", {"Sample-Bold", "Sample-Italic", "Missing-Font"});
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 1);
+    const json answer = host.Call("HandleOpenExistingDocument", {{"path", document}});
+    EXPECT_EQ(answer["code"], 1);
+    EXPECT_EQ(answer["out"]["numFontsActivated"], 2);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Italic"));
+
+    const json matched = json::parse(answer["out"]["bufferA"].get<std::string>());
+    const json unmatched = json::parse(answer["out"]["bufferB"].get<std::string>());
+    ASSERT_EQ(matched.size(), 2u);
+    EXPECT_EQ(matched[0]["PostScriptName"], "Sample-Bold");
+    EXPECT_EQ(matched[0]["MatchedFont"]["ActivationStatus"], 0) << "before";
+    EXPECT_EQ(matched[0]["ActivationStatus"], 2) << "after";
+    ASSERT_EQ(unmatched.size(), 1u);
+    EXPECT_EQ(unmatched[0]["PostScriptName"], "Missing-Font");
+
+    EXPECT_EQ(host.Call("HandleSaveDocument", {{"path", document}, {"hint", "Sample-Bold 12pt"}})["code"], 0);
+    EXPECT_EQ(host.Close(document), 0u);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}
+
+TEST_F(DocumentRoadTest, ASharedFontStaysForTheDocumentThatStillNeedsIt) {
+    const std::string first = world.WriteDocument("first.ai", {"Sample-Bold", "Sample-Italic"});
+    const std::string second = world.WriteDocument("second.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 1);
+    EXPECT_EQ(host.Open(first), 1u);
+    EXPECT_EQ(host.Open(second), 0u) << "nothing new became active";
+    host.Close(first);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
+    host.Close(second);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}
+
+TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 0);
+    host.Open(document);
+    host.Close(document);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
+    EXPECT_EQ(host.Call("TerminatePluginCoreInterface")["code"], 0);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+    EXPECT_EQ(host.Finish().status, 0);
+}
+
+TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
+    ASSERT_EQ(world.FontManager().Run({"activate", "Sample-Bold"}).status, 0);
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 1);
+    EXPECT_EQ(host.Call("HandleOpenExistingDocument", {{"path", document}})["out"]["numFontsActivated"], 1);
+    host.Close(document);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
+}
+
+TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthers) {
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
+    const std::string others = world.WriteDocument("others.ai", {"Sample-Light"});
+    ScriptedHost other;
+    other.Start();
+    other.Open(others);
+    {
+        ScriptedHost host;
+        host.Start();
+        host.Open(document);
+        host.Kill();
+    }
+    EXPECT_TRUE(pellwick::test::Eventually(
+        [&] { return world.VisibleFonts() == std::set<std::string>{"Sample-Light"}; }));
+}
+
+TEST_F(DocumentRoadTest, TheRoadCanBeReadInTheTraceWithItsNesting) {
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    host.Start();
+    host.Open(document);
+    const std::string trace = world.Trace();
+    size_t position = 0;
+    for (const std::string line :
+         {"Entering CommonFunctionality::Startup(allowDialogs=0)\n",
+          "Exiting CommonFunctionality::Startup()\n",
+          "Entering PluginCoreInterface::HandleOpenExistingDocument('", " In GBinaryDocumentFontExtractor::",
+          " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=0, filePath='",
+          "  Entering FontActivationTracker::ActivateDocumentFonts(documentPath = \"",
+          "   Entering CoreAgentInterface::ActivateDocumentFontsByPath(..., '",
+          "   kGS_ActivationStateKey '0', kGS_DatabaseIDKey 1 for 'Sample-Bold')\n",
+          "   Entering RegisterFontWithDocument(postscriptName='Sample-Bold', sDocumentIdentifier='",
+          "   Exiting RegisterFontWithDocument\n", "  ActivateDocumentFonts returning 0\n",
+          " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=1, filePath='",
+          "\nExiting PluginCoreInterface::HandleOpenExistingDocument('"}) {
+        position = trace.find(line, position);
+        ASSERT_NE(position, std::string::npos) << "not found in its place: " << line << "\n" << trace;
+    }
+}
+
+TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {
+    const std::string document = world.WriteDocument("document.pdf", {"Sample-Bold", "Missing"});
+    const auto result = pellwick::test::TestProcess({THIN_HOST_PROGRAM, document}).Finish();
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("1 fonts activated\n"));
+    EXPECT_THAT(result.output, HasSubstr("missing: [{\"PostScriptName\":\"Missing\"}]"));
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}

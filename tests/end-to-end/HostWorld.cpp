@@ -1,0 +1,114 @@
+#include "HostWorld.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+using pellwick::test::Eventually;
+using pellwick::test::ProgramResult;
+using pellwick::test::TestProcess;
+
+HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
+    const std::map<std::string, std::string> variables{
+        {"XDG_CONFIG_HOME", Path("config")},  {"XDG_CACHE_HOME", Path("cache")},
+        {"XDG_DATA_DIRS", Path("all users")}, {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
+        {"PLUGINCORE_ANSWERS", ""},           {"LC_ALL", "C.UTF-8"}};
+    for (const auto& [variable, value] : variables) {
+        const char* saved = std::getenv(variable.c_str());
+        mSavedVariables[variable] = saved != nullptr ? saved : "";
+        setenv(variable.c_str(), value.c_str(), 1);
+    }
+}
+
+HostWorld::~HostWorld() {
+    // Also the agents that hosts started again.
+    if (const platform::ProcessId agent = Agent())
+        KillAgent();
+    for (const auto& [variable, value] : mSavedVariables)
+        setenv(variable.c_str(), value.c_str(), 1);
+}
+
+void HostWorld::AddFonts(const std::vector<std::string>& postScriptNames) {
+    std::vector<std::string> command{"add"};
+    for (const std::string& name : postScriptNames)
+        command.push_back(mWorld.WriteFont(name));
+    ASSERT_EQ(mWorld.Run(command).status, 0);
+    ASSERT_EQ(mWorld.Run({"launch-info"}).status, 0);
+}
+
+std::string HostWorld::WriteDocument(const std::string& name,
+                                     const std::vector<std::string>& postScriptNames) {
+    std::string content = "%PDF-1.4\n";
+    for (const std::string& font : postScriptNames)
+        content += "<< /Type /FontDescriptor /FontName /ABCDEF+" + font + " /Flags 4 >>\n";
+    return mWorld.Write(name, content);
+}
+
+ProgramResult HostWorld::RunHost(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), HOST_PROGRAM);
+    return TestProcess(arguments).Finish();
+}
+
+std::set<std::string> HostWorld::VisibleFonts() const {
+    const ProgramResult result = TestProcess({"/usr/bin/fc-list", ":", "postscriptname", "file"}).Finish();
+    std::set<std::string> names;
+    std::istringstream lines(result.output);
+    const std::string mark = "postscriptname=";
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("/fonts/Vantorix/") != std::string::npos)
+            names.insert(line.substr(line.find(mark) + mark.size()));
+    }
+    return names;
+}
+
+platform::ProcessId HostWorld::Agent() const {
+    const ProgramResult result = mWorld.Run({"status", "--no-start", "--json"});
+    return result.status == 0 ? json::parse(result.output).at("process").get<platform::ProcessId>() : 0;
+}
+
+void HostWorld::KillAgent() const {
+    const platform::ProcessId agent = Agent();
+    ASSERT_NE(agent, 0);
+    kill(static_cast<pid_t>(agent), SIGKILL);
+    ASSERT_TRUE(Eventually([&] { return platform::ProcessStartTime(agent) == 0; }));
+}
+
+std::string HostWorld::Trace() const {
+    std::ostringstream text;
+    text << std::ifstream(Path("trace")).rdbuf();
+    return text.str();
+}
+
+ScriptedHost::ScriptedHost() : mProcess({HOST_PROGRAM, "script"}) {}
+
+json ScriptedHost::Call(const std::string& name, const json& arguments) {
+    mProcess.WriteLine(json{{"call", name}, {"args", arguments}}.dump());
+    const json answer = json::parse(mProcess.ReadLine(), nullptr, false);
+    EXPECT_EQ(answer.value("call", ""), name) << answer;
+    return answer;
+}
+
+void ScriptedHost::Start() {
+    ASSERT_EQ(Call("InitializePluginCoreInterface")["code"], 0);
+}
+
+uint32_t ScriptedHost::Open(const std::string& path) {
+    return Call("HandleOpenExistingDocument", {{"path", path}})["code"];
+}
+
+uint32_t ScriptedHost::Close(const std::string& path) {
+    return Call("HandleCloseDocument", {{"path", path}})["code"];
+}
+
+void ScriptedHost::SetPreference(const std::string& key, int value) {
+    ASSERT_EQ(Call("SetPreference", {{"key", key}, {"value", std::to_string(value)}})["code"], 0);
+}
+
+void ScriptedHost::Kill() const {
+    mProcess.Signal(SIGKILL);
+    // The process stays a zombie until this object goes; that counts as gone.
+    ASSERT_TRUE(Eventually([this] { return platform::ProcessStartTime(Id()) == 0; }));
+}

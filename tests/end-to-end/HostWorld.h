@@ -1,0 +1,63 @@
+// A user's world with an agent, in which hosts run.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/support/TestWorld.h"
+
+using nlohmann::json;
+
+/// Folders with names that paths must survive, a font manager, and documents. Every process of a test gets
+/// its folders from the environment.
+class HostWorld {
+public:
+    HostWorld();
+    ~HostWorld();
+
+    pellwick::test::TestWorld& FontManager() { return mWorld; }
+    /// Makes fonts and adds them to the font manager, whose agent is started for it; launch information is
+    /// written.
+    void AddFonts(const std::vector<std::string>& postScriptNames);
+    /// A document that uses the fonts; its path.
+    std::string WriteDocument(const std::string& name, const std::vector<std::string>& postScriptNames);
+    std::string Path(const std::string& name) const { return mWorld.Path(name); }
+
+    /// Runs plugincore-host to its end.
+    pellwick::test::ProgramResult RunHost(std::vector<std::string> arguments) const;
+    /// PostScript names of the font manager's fonts that a program of its own, fc-list, sees.
+    std::set<std::string> VisibleFonts() const;
+    /// The process identifier of the agent; 0 when none runs.
+    platform::ProcessId Agent() const;
+    /// Ends the agent at once and waits until it is gone.
+    void KillAgent() const;
+    /// The trace that the processes of this world wrote so far.
+    std::string Trace() const;
+
+private:
+    pellwick::test::TestWorld mWorld;
+    std::map<std::string, std::string> mSavedVariables;
+};
+
+/// A host that takes calls one by one.
+class ScriptedHost {
+public:
+    ScriptedHost();
+
+    /// Makes one call and answers with the host's line.
+    json Call(const std::string& name, const json& arguments = json::object());
+    uint32_t Open(const std::string& path);
+    uint32_t Close(const std::string& path);
+    void SetPreference(const std::string& key, int value);
+    void Start();
+    platform::ProcessId Id() const { return mProcess.Id(); }
+    void Kill() const;
+    pellwick::test::ProgramResult Finish() { return mProcess.Finish(); }
+
+private:
+    pellwick::test::TestProcess mProcess;
+};
