@@ -54,6 +54,11 @@ int RunAgent(const Locations& locations, std::string& problem) {
     log.Open(locations.logFolder + platform::kPathSeparator + "Pellwick.log");
     try {
         return Serve(locations, log, problem);
+    } catch (const DatabaseError& error) {
+        problem = locations.databasePath + ": " + error.what() +
+                  "; if it cannot be mended, move it away and add the fonts again";
+        log.Write(problem + "\n");
+        return 1;
     } catch (const std::exception& error) {
         problem = std::string("the agent cannot go on: ") + error.what();
         log.Write(problem + "\n");

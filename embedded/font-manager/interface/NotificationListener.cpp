@@ -7,6 +7,7 @@
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "interface/CFJson.h"
+#include "interface/Exports.h"
 
 namespace pellwick {
 
@@ -45,7 +46,13 @@ private:
     const void* mPointer = nullptr;
 };
 
+thread_local bool isListenerThread = false;
+
 }  // namespace
+
+bool NotificationListener::IsOwnThread() {
+    return isListenerThread;
+}
 
 ErrorCode NotificationListener::Add(PluginNotificationCallback callback) {
     if (IsOwnThread())
@@ -108,8 +115,9 @@ void NotificationListener::Reconnect() {
 std::future<ErrorCode> NotificationListener::Start() {
     Stop();
     mListening = std::make_shared<Listening>();
+    std::future<ErrorCode> subscribed = mListening->subscribed.get_future();
     mThread = std::thread([this, listening = mListening] { Listen(listening); });
-    return mListening->subscribed.get_future();
+    return subscribed;
 }
 
 void NotificationListener::Stop() {
@@ -122,20 +130,29 @@ void NotificationListener::Stop() {
 }
 
 void NotificationListener::Listen(const std::shared_ptr<Listening>& listening) {
-    Json ignored;
-    const ErrorCode code = listening->connection.Call(method::kSubscribe, Json::object(), ignored);
+    isListenerThread = true;
+    const ErrorCode code = Guarded([&] {
+        Json ignored;
+        return listening->connection.Call(method::kSubscribe, Json::object(), ignored);
+    });
     listening->subscribed.set_value(code);
     if (code == CoreErrorCodes::kSuccess) {
-        int32_t type = 0;
-        Json data;
-        bool hasSaidGoodbye = false;
-        while (listening->connection.WaitForNotification(type, data, hasSaidGoodbye))
-            Deliver(listening, type, data);
-        // Without a goodbye the agent has died, which comes to the same for those who listen.
-        if (!listening->isStopped)
-            Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
+        (void)Guarded([&] {
+            DeliverAll(listening);
+            return CoreErrorCodes::kSuccess;
+        });
     }
     listening->isStopped = true;
+}
+
+void NotificationListener::DeliverAll(const std::shared_ptr<Listening>& listening) {
+    int32_t type = 0;
+    Json data;
+    while (listening->connection.WaitForNotification(type, data))
+        Deliver(listening, type, data);
+    // With a goodbye or without: for those who listen it comes to the same.
+    if (!listening->isStopped)
+        Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
 }
 
 void NotificationListener::Deliver(const std::shared_ptr<Listening>& listening, int32_t type,

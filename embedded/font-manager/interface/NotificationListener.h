@@ -39,8 +39,10 @@ private:
     std::future<ErrorCode> Start();
     void Stop();
     void Listen(const std::shared_ptr<Listening>& listening);
+    void DeliverAll(const std::shared_ptr<Listening>& listening);
     void Deliver(const std::shared_ptr<Listening>& listening, int32_t type, const Json& data);
-    bool IsOwnThread() const { return mThread.get_id() == std::this_thread::get_id(); }
+    /// Whether the caller is a callback.
+    static bool IsOwnThread();
 
     std::mutex mControlLock;  ///< one Add, Remove or Reconnect at a time
     std::thread mThread;

@@ -68,13 +68,12 @@ ErrorCode AgentConnection::ReceiveAnswer(long long id, Deadline deadline, Json& 
     }
 }
 
-bool AgentConnection::WaitForNotification(int32_t& type, Json& data, bool& hasSaidGoodbye) {
+bool AgentConnection::WaitForNotification(int32_t& type, Json& data) {
     for (;;) {
         Json message;
         if (mStream.Receive(message, Deadline::max()) != ClientStream::Outcome::kMessage)
             return false;
-        hasSaidGoodbye = BoolMember(message, "goodbye");
-        if (hasSaidGoodbye)
+        if (BoolMember(message, "goodbye"))
             return false;
         if (message.contains("notification")) {
             type = static_cast<int32_t>(IntegerMember(message, "notification"));

@@ -22,9 +22,9 @@ public:
     /// time, GAgentIF::kShutdown when it said that it ends; both for every later call as well.
     [[nodiscard]] ErrorCode Call(const char* method, const Json& arguments, Json& result);
 
-    /// After a subscription: waits for what the agent has to tell. False when the connection has ended; then
-    /// `hasSaidGoodbye` tells whether that was announced.
-    bool WaitForNotification(int32_t& type, Json& data, bool& hasSaidGoodbye);
+    /// After a subscription: waits for what the agent has to tell. False when the agent has ended, whether it
+    /// said so or not, or another thread ended the wait.
+    bool WaitForNotification(int32_t& type, Json& data);
     /// Ends the wait of another thread. Any thread.
     void Cancel() { mStream.Cancel(); }
 

@@ -21,6 +21,13 @@ struct ClientStream::Connection {
     std::array<char, 65536> piece;
     std::atomic<bool> isCancelled{false};
 
+    void RunUntil(Clock::time_point deadline) {
+        if (deadline == Clock::time_point::max())
+            loop.run();  // a deadline, however far, would have the loop wake up every second
+        else
+            loop.run_until(deadline);
+    }
+
     /// Starts an operation and runs the loop until it is done. False when it failed, with the reason, or,
     /// without one, when the time was over.
     template <class Start>
@@ -32,13 +39,15 @@ struct ClientStream::Connection {
         });
         loop.restart();
         if (!isCancelled)  // after the restart: a cancellation stops the loop or is seen here
-            loop.run_until(deadline);
+            RunUntil(deadline);
         const bool isTimeOver = !result;
         if (isTimeOver) {  // the operation refers to this frame of the stack
             asio::error_code ignored;
             socket.cancel(ignored);
-            loop.restart();
-            loop.run();
+            while (!result) {  // a cancellation by another thread may stop the loop once more
+                loop.restart();
+                loop.run();
+            }
         }
         failure = isTimeOver && isCancelled ? asio::error::operation_aborted : *result;
         if (isTimeOver && !isCancelled && failure == asio::error::operation_aborted)

@@ -69,8 +69,8 @@ TestWorld::~TestWorld() {
         if (result.status == 0)
             mAgent = IntegerMember(Json::parse(result.output), "process");
     } else {
-        kill(static_cast<pid_t>(mAgent), SIGKILL);
-        waitpid(static_cast<pid_t>(mAgent), nullptr, 0);
+        SignalAgent(SIGCONT);
+        KillAgent(SIGTERM);
     }
     Eventually([this] { return mAgent == 0 || platform::ProcessStartTime(mAgent) == 0; });
     for (const auto& [variable, value] : mSavedVariables)
@@ -106,8 +106,12 @@ void TestWorld::StartAgent() {
 
 void TestWorld::KillAgent(int signal) {
     SignalAgent(signal);
-    waitpid(static_cast<pid_t>(mAgent), nullptr, 0);
+    int status = 0;
+    waitpid(static_cast<pid_t>(mAgent), &status, 0);
     mAgent = 0;
+    if (signal == SIGTERM) {
+        EXPECT_EQ(status, 0) << "the agent did not end in order";
+    }
 }
 
 void TestWorld::SignalAgent(int signal) const {
@@ -130,11 +134,14 @@ Json TestWorld::RunForJson(std::vector<std::string> arguments) const {
 std::vector<std::string> TestWorld::LinkedFiles() const {
     std::vector<std::string> files;
     std::error_code failure;
-    for (const auto& entry : fs::recursive_directory_iterator(Utf8Path(Path("data/fonts")), failure)) {
-        if (entry.is_regular_file())
-            files.push_back(Utf8Text(entry.path()));
+    fs::recursive_directory_iterator entry(Utf8Path(Path("data/fonts")), failure);
+    for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
+        std::error_code ignored;
+        if (entry->is_regular_file(ignored))
+            files.push_back(Utf8Text(entry->path()));
     }
-    return files;
+    const bool isThere = fs::exists(Utf8Path(Path("data/fonts/Vantorix")));
+    return failure && isThere ? LinkedFiles() : files;  // the agent has removed a folder under our feet
 }
 
 TestProcess::TestProcess(const std::vector<std::string>& command) {
