@@ -5,6 +5,7 @@
 #ifndef FONT_RECORD_KEYS_H
 #define FONT_RECORD_KEYS_H
 
+/* clang-format off */
 /* X(constant, key string). Strings unless noted. */
 #define FONT_RECORD_KEYS(X)                                                                                 \
     X(kGS_PostScriptNameKey, "PostScriptName")                                                              \
@@ -31,9 +32,21 @@
     X(kGS_WorkgroupNameKey, "WorkgroupName")                                                                \
     X(kGS_WorkgroupIDKey, "WorkgroupID")     /* number */                                                   \
     X(kGS_LocationKey, "Location")           /* number: 1 = file on this machine, 0 = only on the server */ \
-    X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number 0 to 12 */
+    X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */
+/* clang-format on */
 
 /* A workgroup record holds kGS_WorkgroupIDKey, kGS_WorkgroupNameKey and kGS_WorkgroupTypeKey. */
+
+/* Values of kGS_WorkgroupTypeKey that are told apart; others are shown by the name that the font manager
+ * gives. */
+enum WorkgroupType {
+    kWorkgroupType_PersonalLibrary = 0,
+    kWorkgroupType_FontLibrary = 1,
+    kWorkgroupType_All = 2,    /* stands for all workgroups together */
+    kWorkgroupType_System = 4, /* the system's own fonts */
+    kWorkgroupType_GoogleLibrary = 8,
+    kWorkgroupType_TypekitLibrary = 12
+};
 
 #define FONT_RECORD_KEY_CONSTANT(constant, text) static const char constant[] = text;
 #ifdef __cplusplus

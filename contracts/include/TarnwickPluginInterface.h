@@ -116,6 +116,7 @@ enum PluginPermission {
  * host's text, may be null. Column identifiers are the numbers under which GetFontInfoByID's record columns
  * are known to panels.
  */
+/* clang-format off */
 #define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \
     X(ActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier,             \
                       CFStringRef mode, CFMutableArrayRef matchedFonts))                                    \
@@ -217,6 +218,7 @@ enum PluginPermission {
     X(GetGlyphscanXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))     \
     X(WriteFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage))            \
     X(ClearDocumentSlug, (PluginFacadeRef facade, CFStringRef documentPath))
+/* clang-format on */
 
 /* The type of each function: PluginFunction_ActivateFonts and so on. */
 #define TARNWICK_PLUGIN_FUNCTION_TYPE(symbol, parameters) \

@@ -38,17 +38,20 @@ int HostSession::Start(const HostOptions& options) {
     }
     mIsStarted = true;
     const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
-    if (code == PLUGINCORE_SUCCESS)
-        return exit_status::kDone;
     bool isEnabled = false;
+    if (code == PLUGINCORE_SUCCESS && mCore.PluginIsEnabled(true, &isEnabled) == PLUGINCORE_SUCCESS)
+        return exit_status::kDone;
     if (code == PLUGINCORE_INVALID_PARAM || code == 2) {
         PrintError("the core cannot start: " + ResultName(code));
         return exit_status::kFailed;
     }
-    mCore.PluginIsEnabled(false, &isEnabled);
     PrintError(
-        "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick launch-info' "
-        "once so that "
-        "it is started for you (if it runs, check that --app begins with the name of a host application)");
+        code == PLUGINCORE_SUCCESS
+            ? "the font manager cannot be used; see 'Pellwick status': start it with 'Pellwick serve', or "
+              "log in "
+              "with 'Pellwick login NAME'"
+            : "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
+              "launch-info' once so that it is started for you (if it runs, see that --app begins with the "
+              "name of a host application)");
     return exit_status::kFontManagerUnreachable;
 }

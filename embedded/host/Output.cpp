@@ -9,6 +9,7 @@
 
 #include "ErrorCodes.h"
 #include "platform/Environment.h"
+#include "platform/Utf8Path.h"
 
 namespace {
 
@@ -33,11 +34,10 @@ std::string ResultName(uint32_t code) {
 }
 
 std::string FullPath(const std::string& path) {
-    const std::filesystem::path given(std::u8string(path.begin(), path.end()));
+    const std::filesystem::path given = platform::Utf8Path(path);
     std::error_code error;
     const std::filesystem::path full = std::filesystem::absolute(given, error);
-    const std::u8string text = (error ? given : full).lexically_normal().u8string();
-    return std::string(text.begin(), text.end());
+    return platform::Utf8Text((error ? given : full).lexically_normal());
 }
 
 void PrintTable(const std::vector<std::vector<std::string>>& rows) {

@@ -12,7 +12,9 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-extern "C" void NoteInterrupt(int) { interrupted = 1; }
+extern "C" void NoteInterrupt(int) {
+    interrupted = 1;
+}
 
 }  // namespace
 
@@ -24,7 +26,9 @@ void CatchInterrupts() {
         sigaction(signal, &action, nullptr);
 }
 
-bool WasInterrupted() { return interrupted != 0; }
+bool WasInterrupted() {
+    return interrupted != 0;
+}
 
 void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
     using Clock = std::chrono::steady_clock;
@@ -34,7 +38,8 @@ void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput
     pollfd input{watchInput ? STDIN_FILENO : -1, POLLIN, 0};
     while (!WasInterrupted() && Clock::now() < deadline) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        const int count = poll(&input, 1, static_cast<int>(std::min<int64_t>(left.count() + 1, kStep.count())));
+        const int count =
+            poll(&input, 1, static_cast<int>(std::min<int64_t>(left.count() + 1, kStep.count())));
         if (count > 0 || (count < 0 && errno != EINTR))
             return;
     }

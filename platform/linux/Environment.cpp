@@ -12,7 +12,9 @@ std::string EnvironmentVariable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-void SetEnvironment(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+void SetEnvironment(const char* name, const std::string& value) {
+    setenv(name, value.c_str(), 1);
+}
 
 bool IsTerminal(StandardStream stream) {
     switch (stream) {

@@ -31,8 +31,8 @@ namespace {
 constexpr int kReadyDescriptor = 3;
 constexpr char kReadyVariable[] = "PLUGINCORE_READY_DESCRIPTOR";
 
-/// The line on which a child says that it is ready. A socket, so that a child that speaks when nobody listens any more
-/// can be spared the signal of a broken pipe.
+/// The line on which a child says that it is ready. A socket, so that a child that speaks when nobody listens
+/// any more can be spared the signal of a broken pipe.
 class ReadyLine {
 public:
     ReadyLine() {
@@ -112,7 +112,8 @@ public:
     explicit SpawnSettings(int readyDescriptor) {
         posix_spawn_file_actions_init(&mActions);
         posix_spawnattr_init(&mAttributes);
-        // First of all: a host without standard streams may have been given one of their numbers for the line.
+        // First of all: a host without standard streams may have been given one of their numbers for the
+        // line.
         posix_spawn_file_actions_adddup2(&mActions, readyDescriptor, kReadyDescriptor);
         posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
@@ -148,8 +149,8 @@ private:
 /// What became of a child, told by the thread that started it and waits for it.
 class ChildWatch {
 public:
-    /// Starts the child by `spawn` on a thread of its own, which then collects the child when it ends, however long that
-    /// takes, so that it never stays behind as a zombie. The error of the start.
+    /// Starts the child by `spawn` on a thread of its own, which then collects the child when it ends,
+    /// however long that takes, so that it never stays behind as a zombie. The error of the start.
     template <class Spawn>
     static SystemError Start(const std::shared_ptr<ChildWatch>& watch, Spawn&& spawn) {
         // The thread is no place for the host's signal handlers.

@@ -5,7 +5,9 @@
 
 namespace platform {
 
-bool SystemError::IsNotFound() const { return code == ENOENT || code == ENOTDIR; }
+bool SystemError::IsNotFound() const {
+    return code == ENOENT || code == ENOTDIR;
+}
 
 SystemError LastSystemError() {
     return SystemError{errno};

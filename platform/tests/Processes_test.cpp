@@ -1,13 +1,13 @@
 #include "platform/Processes.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
-#include <thread>
 
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
@@ -16,7 +16,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-platform::Processes& Processes() { return platform::Current<platform::Processes>(); }
+platform::Processes& Processes() {
+    return platform::Current<platform::Processes>();
+}
 
 std::unique_ptr<platform::ChildProcess> Launch(const std::string& script) {
     platform::SystemError error;
@@ -56,24 +58,22 @@ TEST(Processes, AChildIsIdleWhenItSaysSo) {
     kill(static_cast<pid_t>(child->Id()), SIGKILL);
 }
 
-// Run by the next test as a child of its own.
-TEST(Processes, DISABLED_TellsThatItIsReadyTooLate) {
-    std::this_thread::sleep_for(500ms);
-    platform::NotifyReadyForInput();
-}
-
-TEST(Processes, AChildThatIsReadyTooLateLivesOn) {
-    const TemporaryFolder folder;
-    auto child = Launch("'" + Processes().CurrentExecutablePath() +
-                              "' --gtest_also_run_disabled_tests --gtest_filter=*ReadyTooLate; echo $? > '" +
-                              (folder / "status.part") + "'; mv '" + (folder / "status.part") + "' '" +
-                              (folder / "status") + "'");
-    EXPECT_FALSE(child->WaitUntilIdle(1ms));
-    child.reset();  // nobody listens any more
-    std::string status;
-    while (platform::ReadWholeFile(folder / "status", status, 100))
-        std::this_thread::sleep_for(10ms);
-    EXPECT_EQ(status, "0\n") << "ended by a signal?";
+TEST(Processes, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);  // the last one that could listen is the parent
+        dup2(ends[1], 3);
+        setenv("PLUGINCORE_READY_DESCRIPTOR", "3", 1);
+        platform::NotifyReadyForInput();
+        _exit(0);
+    }
+    close(ends[0]);
+    close(ends[1]);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
 }
 
 TEST(Processes, WaitingForAnIdleChildHasALimit) {
@@ -109,7 +109,8 @@ TEST(Processes, AChildHasASessionOfItsOwnAndNoneOfOurDescriptors) {
     close(ends[1]);
     std::string descriptors;
     ASSERT_FALSE(platform::ReadWholeFile(folder / "descriptors", descriptors, 1000));
-    EXPECT_EQ(descriptors.find(std::to_string(std::max(ends[1], 5)) + "\n"), std::string::npos) << descriptors;
+    EXPECT_EQ(descriptors.find(std::to_string(std::max(ends[1], 5)) + "\n"), std::string::npos)
+        << descriptors;
     std::string session;
     ASSERT_FALSE(platform::ReadWholeFile(folder / "session", session, 100));
     EXPECT_EQ(std::stol(session), child->Id());

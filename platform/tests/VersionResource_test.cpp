@@ -11,7 +11,9 @@
 
 namespace {
 
-std::string OwnPath() { return platform::Current<platform::Processes>().CurrentExecutablePath(); }
+std::string OwnPath() {
+    return platform::Current<platform::Processes>().CurrentExecutablePath();
+}
 
 std::optional<std::string> Read(const std::string& path, const char* key, platform::SystemError& error) {
     return platform::Current<platform::VersionResources>().FromFile(path, key, error);
@@ -43,7 +45,8 @@ TEST(VersionResource, ADamagedBinaryIsSafeToRead) {
     const std::string binary = content.str();
     const TemporaryFolder folder;
     platform::SystemError error;
-    for (const size_t length : {size_t{3}, size_t{16}, size_t{63}, size_t{64}, binary.size() / 2, binary.size() - 1})
+    for (const size_t length :
+         {size_t{3}, size_t{16}, size_t{63}, size_t{64}, binary.size() / 2, binary.size() - 1})
         Read(folder.Write("cut", binary.substr(0, length)), "FileVersion", error);
     for (size_t offset = 0; offset < 64; ++offset) {  // the ELF header
         std::string damaged = binary;

@@ -62,8 +62,9 @@ TEST(CommandLine, AnUnreadableFileIsReportedNotOpened) {
     std::istringstream lines(result.output);
     std::string line;
     std::getline(lines, line);
-    if (getuid() != 0)  // who may read everything
+    if (getuid() != 0) {  // who may read everything
         EXPECT_EQ(json::parse(line)["error"], "GFile::kOpenFailed");
+    }
     std::getline(lines, line);
     EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kInvalidPath");
     std::getline(lines, line);

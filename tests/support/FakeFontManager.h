@@ -28,7 +28,8 @@ public:
     std::function<void()> whileDeactivating;
 
     /// One font that the next activation matches; owned by `matched`.
-    CFMutableDictionaryRef Match(uint32_t databaseID, const std::string& name, std::optional<int> stateBefore = 0) {
+    CFMutableDictionaryRef Match(uint32_t databaseID, const std::string& name,
+                                 std::optional<int> stateBefore = 0) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
         cf::Set(font, kGS_DatabaseIDKey, databaseID);
         cf::Set(font, kGS_PostScriptNameKey, name);

@@ -3,18 +3,7 @@
 #include <fstream>
 #include <random>
 
-namespace {
-
-std::filesystem::path FromUtf8(std::string_view text) {
-    return std::u8string(text.begin(), text.end());
-}
-
-std::string ToUtf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return std::string(text.begin(), text.end());
-}
-
-}  // namespace
+#include "platform/Utf8Path.h"
 
 TemporaryFolder::TemporaryFolder() {
     std::random_device random;
@@ -30,12 +19,12 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::operator/(std::string_view name) const {
-    return ToUtf8(mPath / FromUtf8(name));
+    return platform::Utf8Text(mPath / platform::Utf8Path(name));
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view content) const {
-    const std::filesystem::path path = mPath / FromUtf8(name);
+    const std::filesystem::path path = mPath / platform::Utf8Path(name);
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
-    return ToUtf8(path);
+    return platform::Utf8Text(path);
 }

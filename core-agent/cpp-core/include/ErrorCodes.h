@@ -1,8 +1,8 @@
 // Error codes: 32 bits, of which bits 24 to 31 number the error within its namespace, counting from 1, and
 // bits 0 to 23 name the namespace. 0 is success.
 //
-// A namespace that has a class of ours is the class's base, so that `GFile::kFileNotOpen` reads as one expects;
-// of the others, those in use are brought into scope at the end of this header.
+// A namespace that has a class of ours is the class's base, so that `GFile::kFileNotOpen` reads as one
+// expects; of the others, those in use are brought into scope at the end of this header.
 #pragma once
 
 #include <cstdint>

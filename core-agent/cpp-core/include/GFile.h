@@ -29,7 +29,8 @@ public:
     enum OpenMode : unsigned { eRead = 1, eBinary = 2 };
     enum Origin { eBeginning, eCurrent };
 
-    /// GFileSystem::kFileNotFound when nothing is there; kOpenFailed when it is no regular file or may not be read.
+    /// GFileSystem::kFileNotFound when nothing is there; kOpenFailed when it is no regular file or may not be
+    /// read.
     [[nodiscard]] ErrorCode Open(const GFileSystemSpec& spec, unsigned mode);
     /// Moves the read position; `offset` in bytes from `origin`.
     [[nodiscard]] ErrorCode SetFilePosition(Origin origin, uint64_t offset);

@@ -31,8 +31,8 @@ void SetTraceSink(TraceSink* sink);
 #endif
 
 /// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
-/// else 0. The text is cut at 65535 bytes; below 65534 bytes a line feed is added when it has none at its end. A null format
-/// writes nothing. Any thread. Nothing is allocated here; a sink may do so.
+/// else 0. The text is cut at 65535 bytes; below 65534 bytes a line feed is added when it has none at its
+/// end. A null format writes nothing. Any thread. Nothing is allocated here; a sink may do so.
 void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF;
 
 /// Starts the sink's log file at `path` and writes a banner with the time into it. Main thread, once at

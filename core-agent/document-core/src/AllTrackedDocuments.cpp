@@ -7,7 +7,8 @@
 #include "TraceLog.h"
 
 AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
-    static AllTrackedDocuments& shared = *std::make_unique<AllTrackedDocuments>().release();  // lives to process end
+    static AllTrackedDocuments& shared =
+        *std::make_unique<AllTrackedDocuments>().release();  // lives to process end
     return shared;
 }
 
@@ -45,7 +46,8 @@ AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByIdentifi
     return document;
 }
 
-void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& document, FontActivationTracker* tracker) {
+void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& document,
+                                               FontActivationTracker* tracker) {
     constexpr char kName[] = "AllTrackedDocuments::RemoveClosedDocument";
     LogMessage(1, "Entering %s(%s)", kName, document.Identifier().c_str());
     const ScopeExit exitLine([&] { LogMessage(-1, "Exiting %s()", kName); });

@@ -16,8 +16,8 @@ public:
 
     static AllTrackedDocuments& GetSharedInstance();
 
-    /// Appends `pInfo` under `path`, making a new record when it is empty. Does nothing when a document with this
-    /// path is there already.
+    /// Appends `pInfo` under `path`, making a new record when it is empty. Does nothing when a document with
+    /// this path is there already.
     void AddDocument(Document& pInfo, const std::string& path);
     /// Appends a document that has no path yet.
     void AddNewDocument(const Document& document);
@@ -26,8 +26,8 @@ public:
     Document FindTrackedDocumentByPath(const std::string& path) const;
     Document FindTrackedDocumentByIdentifier(const std::string& inDocument) const;
 
-    /// Takes the document off the list and lets go of its fonts; "CloseFontsOnDocClose" decides whether they are
-    /// deactivated. Without a tracker that has preferences the fonts are left alone. Nothing is thrown.
+    /// Takes the document off the list and lets go of its fonts; "CloseFontsOnDocClose" decides whether they
+    /// are deactivated. Without a tracker that has preferences the fonts are left alone. Nothing is thrown.
     void RemoveClosedDocument(const OneTrackedDocument& document, FontActivationTracker* tracker);
 
     const std::vector<Document>& Documents() const { return mDocuments; }

@@ -105,7 +105,8 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
     const CFStringRef name = cf::Get<CFStringRef>(font, kGS_PostScriptNameKey);
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     if (name == nullptr || databaseID == 0) {
-        LogMessage(0, "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
+        LogMessage(0,
+                   "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
                    static_cast<int>(index));
         return CoreErrorCodes::kSuccess;
     }
@@ -138,8 +139,9 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
     return status;
 }
 
-ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDictionary, CFStringRef postscriptName,
-                                                          uint32_t databaseID, const Registration& registration) {
+ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDictionary,
+                                                          CFStringRef postscriptName, uint32_t databaseID,
+                                                          const Registration& registration) {
     LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
                cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
     const GScopedLock lock(mRegistersLock);
@@ -179,7 +181,8 @@ ErrorCode FontActivationTracker::CloseAllFontsForIdentifier(const std::string& d
             lock.Status() == CoreErrorCodes::kSuccess
                 ? CloseDocument(*fontManager, documentIdentifier, bDeactivateClosedFonts, fontsDeactivated)
                 : RefuseReentry("FontActivationTracker::CloseAllFontsForIdentifier");
-        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() returning %d", static_cast<int>(result));
+        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() returning %d",
+                   static_cast<int>(result));
         return result;
     } catch (...) {
         LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
@@ -187,8 +190,9 @@ ErrorCode FontActivationTracker::CloseAllFontsForIdentifier(const std::string& d
     }
 }
 
-ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager, const std::string& documentIdentifier,
-                                               bool deactivate, CFMutableArrayRef fontsDeactivated) {
+ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager,
+                                               const std::string& documentIdentifier, bool deactivate,
+                                               CFMutableArrayRef fontsDeactivated) {
     const auto document = m_mDocuments.find(documentIdentifier);
     if (document == m_mDocuments.end()) {
         LogMessage(0, "No entry in FontActivationTracker::m_mDocuments for '%s'", documentIdentifier.c_str());
@@ -237,7 +241,8 @@ ErrorCode FontActivationTracker::CloseFontByFont(FontManagerAccess& fontManager,
     return result;
 }
 
-ErrorCode FontActivationTracker::CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
+ErrorCode FontActivationTracker::CloseBatch(FontManagerAccess& fontManager,
+                                            const std::vector<uint32_t>& databaseIDs,
                                             const PluginActivationStates& states, bool deactivate,
                                             CFMutableArrayRef fontsDeactivated) {
     const CFRef<CFMutableArrayRef> fontsToDeactivate = cf::MutableArray();
@@ -255,7 +260,8 @@ ErrorCode FontActivationTracker::CloseBatch(FontManagerAccess& fontManager, cons
             continue;
         const std::string name = cf::ToUtf8(font.postScriptName.get());
         if (font.referenceCount > 0)
-            LogMessage(0, "Not deactivating '%s' because its ref count is %d", name.c_str(), font.referenceCount);
+            LogMessage(0, "Not deactivating '%s' because its ref count is %d", name.c_str(),
+                       font.referenceCount);
         if (font.referenceCount != 0)
             continue;
         if (!IsStillPluginActivated(states, databaseID)) {
@@ -286,8 +292,9 @@ ErrorCode FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts) {
             for (const auto& [databaseID, font] : m_mFonts)
                 databaseIDs.push_back(databaseID);
             const PluginActivationStates states = fontManager->GetPluginActivationStates(databaseIDs);
-            result = fontManager->IsBatchMode() ? CloseEveryFontAtOnce(*fontManager, states, bDeactivateClosedFonts)
-                                                : CloseEveryFontByFont(*fontManager, bDeactivateClosedFonts);
+            result = fontManager->IsBatchMode()
+                         ? CloseEveryFontAtOnce(*fontManager, states, bDeactivateClosedFonts)
+                         : CloseEveryFontByFont(*fontManager, bDeactivateClosedFonts);
             m_mFonts.clear();
         } else {
             result = RefuseReentry("FontActivationTracker::CloseAllFonts");
@@ -302,7 +309,8 @@ ErrorCode FontActivationTracker::CloseEveryFontByFont(FontManagerAccess& fontMan
     for (auto& [databaseID, font] : m_mFonts) {
         if (!font.isPluginActivated || font.isAlreadyActive || !deactivate)
             continue;
-        const int16_t status = fontManager.XTDeactivateFont(font.fontDictionary.get(), font.deactivationContext);
+        const int16_t status =
+            fontManager.XTDeactivateFont(font.fontDictionary.get(), font.deactivationContext);
         if (status == 0)
             continue;
         LogMessage(0, "XTDeactivateFont returned %d", status);

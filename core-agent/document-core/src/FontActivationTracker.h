@@ -1,6 +1,6 @@
-// Which fonts the plug-in holds active, and for which documents: a reference count per font across documents, and
-// the list of fonts of each document. A font is deactivated when no document needs it any more, the plug-in itself
-// activated it, and the user wants fonts closed with their documents.
+// Which fonts the plug-in holds active, and for which documents: a reference count per font across documents,
+// and the list of fonts of each document. A font is deactivated when no document needs it any more, the
+// plug-in itself activated it, and the user wants fonts closed with their documents.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>
@@ -19,8 +19,8 @@ constexpr ErrorCode kErrorMarquellNotRunning = 1000;
 /// Whether a font in that activation state counts as active.
 bool ActivationStateCountsAsActive(int64_t activationState);
 
-/// Main thread. The lock guards the registers all the same; a call that comes back on the thread that holds it, from
-/// a host that pumps events behind a dialog, is refused with CoreErrorCodes::kUnknownError.
+/// Main thread. The lock guards the registers all the same; a call that comes back on the thread that holds
+/// it, from a host that pumps events behind a dialog, is refused with CoreErrorCodes::kUnknownError.
 class FontActivationTracker {
 public:
     struct Registration {
@@ -38,18 +38,20 @@ public:
     /// A new identifier for a document: the text form of a fresh UUID.
     static std::string GenerateUniqueIdentifier();
 
-    /// Has the document's fonts activated and registers every matched one. `matchedFonts` receives the font records.
-    /// With an empty identifier each font is registered with the sub-documents that it names instead.
+    /// Has the document's fonts activated and registers every matched one. `matchedFonts` receives the font
+    /// records. With an empty identifier each font is registered with the sub-documents that it names
+    /// instead.
     ErrorCode ActivateDocumentFonts(const std::string& documentIdentifier, const std::string& documentPath,
                                     CFMutableArrayRef matchedFonts, const DocumentFontLists& lists);
     /// Has the given fonts activated for the document; `outMatchedCount` is the number of matched fonts.
-    ErrorCode ActivateFontsByID(const std::string& documentIdentifier, CFArrayRef fonts, uint32_t& outMatchedCount);
+    ErrorCode ActivateFontsByID(const std::string& documentIdentifier, CFArrayRef fonts,
+                                uint32_t& outMatchedCount);
 
     ErrorCode RegisterFontWithDocument(CFDictionaryRef fontDictionary, CFStringRef postscriptName,
                                        uint32_t databaseID, const Registration& registration);
 
-    /// Lets go of a document's fonts. `fontsDeactivated` may be null; receives the records of the fonts that were
-    /// deactivated.
+    /// Lets go of a document's fonts. `fontsDeactivated` may be null; receives the records of the fonts that
+    /// were deactivated.
     ErrorCode CloseAllFontsForIdentifier(const std::string& documentIdentifier, bool bDeactivateClosedFonts,
                                          CFMutableArrayRef fontsDeactivated);
     /// Lets go of every font, whatever documents hold it: the host quits.
@@ -57,7 +59,8 @@ public:
 
 private:
     struct TrackedFont {
-        CFRef<CFDictionaryRef> fontDictionary;  ///< as the font manager returned it; handed back to deactivate
+        CFRef<CFDictionaryRef>
+            fontDictionary;  ///< as the font manager returned it; handed back to deactivate
         bool isAlreadyActive = false;
         CFRef<CFStringRef> postScriptName;
         std::string documentIdentifier;  ///< the document that registered it while nobody else held it
@@ -72,15 +75,16 @@ private:
     ErrorCode CloseFontByFont(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
                               bool deactivate, CFMutableArrayRef fontsDeactivated);
     ErrorCode CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
-                         const PluginActivationStates& states, bool deactivate, CFMutableArrayRef fontsDeactivated);
-    ErrorCode CloseDocument(FontManagerAccess& fontManager, const std::string& documentIdentifier, bool deactivate,
-                            CFMutableArrayRef fontsDeactivated);
+                         const PluginActivationStates& states, bool deactivate,
+                         CFMutableArrayRef fontsDeactivated);
+    ErrorCode CloseDocument(FontManagerAccess& fontManager, const std::string& documentIdentifier,
+                            bool deactivate, CFMutableArrayRef fontsDeactivated);
     ErrorCode CloseEveryFontByFont(FontManagerAccess& fontManager, bool deactivate);
     ErrorCode CloseEveryFontAtOnce(FontManagerAccess& fontManager, const PluginActivationStates& states,
                                    bool deactivate);
 
     PreferenceAccess* mPreferences;
-    GMutex mRegistersLock;  ///< guards m_mFonts and m_mDocuments
-    TrackedFonts m_mFonts;  ///< by database ID
+    GMutex mRegistersLock;                                      ///< guards m_mFonts and m_mDocuments
+    TrackedFonts m_mFonts;                                      ///< by database ID
     std::map<std::string, std::vector<uint32_t>> m_mDocuments;  ///< database IDs, one per registration
 };

@@ -4,5 +4,9 @@ namespace {
 FontManagerAccess* currentFontManager = nullptr;
 }
 
-FontManagerAccess* GetFontManagerAccess() { return currentFontManager; }
-void SetFontManagerAccess(FontManagerAccess* fontManager) { currentFontManager = fontManager; }
+FontManagerAccess* GetFontManagerAccess() {
+    return currentFontManager;
+}
+void SetFontManagerAccess(FontManagerAccess* fontManager) {
+    currentFontManager = fontManager;
+}

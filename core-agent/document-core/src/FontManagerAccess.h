@@ -1,5 +1,5 @@
-// What documents need of the font manager, as seen from below: the tracker and the plug-in's globals call it, the
-// font-manager facade implements it.
+// What documents need of the font manager, as seen from below: the tracker and the plug-in's globals call it,
+// the font-manager facade implements it.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,7 +11,8 @@
 
 #include "ErrorCodes.h"
 
-/// The caller's lists for one document, handed through to the font manager unchanged. Not owned; any may be null.
+/// The caller's lists for one document, handed through to the font manager unchanged. Not owned; any may be
+/// null.
 struct DocumentFontLists {
     CFMutableArrayRef unmatchedFonts = nullptr;  ///< array B: filled with the fonts that have no match
     CFMutableArrayRef reportedFonts = nullptr;   ///< array A: filled with the fonts that were matched
@@ -40,7 +41,8 @@ public:
     /// Deactivates one font: a 16-bit status, 0 for success.
     virtual int16_t XTDeactivateFont(CFDictionaryRef font, uint64_t context) = 0;
     /// `deactivatedFonts` may be null; receives the records of the fonts that were deactivated.
-    virtual ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts) = 0;
+    virtual ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context,
+                                      CFMutableArrayRef deactivatedFonts) = 0;
     /// Hands the fonts of a document over; true when the font manager took them. `hint` may be null.
     virtual bool SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) = 0;
 };

@@ -36,15 +36,18 @@ DocumentKind KindOfExtension(const std::string& extension) {
                                            {"aet", DocumentKind::kAfterEffects},
                                            {"aepx", DocumentKind::kAfterEffects},
                                            {"eps", DocumentKind::kEps}}};
-    const auto found =
-        std::find_if(kKinds.begin(), kKinds.end(), [&](const Entry& each) { return extension == each.extension; });
+    const auto found = std::find_if(kKinds.begin(), kKinds.end(),
+                                    [&](const Entry& each) { return extension == each.extension; });
     return found != kKinds.end() ? found->kind : DocumentKind::kUnknown;
 }
 
 /// As isgraph in the "C" locale, whatever locale the host has set.
-bool IsGraphic(char byte) { return byte > 0x20 && byte < 0x7F; }
+bool IsGraphic(char byte) {
+    return byte > 0x20 && byte < 0x7F;
+}
 
-/// Where the name in [begin, end) really ends: after its last printable byte that is not the end marker's first.
+/// Where the name in [begin, end) really ends: after its last printable byte that is not the end marker's
+/// first.
 size_t TrimmedEnd(std::string_view chunk, size_t begin, size_t end, char endMarker) {
     for (size_t position = end; position > begin; --position) {
         const char byte = chunk[position - 1];
@@ -69,8 +72,8 @@ bool IsDefaultFontAlone(const std::set<std::string>& names) {
     return names.size() == 1 && names.begin()->find(kIllustratorDefaultFont) != std::string::npos;
 }
 
-/// The names of one Photoshop text layer: the invisible font is no font of the user's, and ends the list unless it
-/// opens it.
+/// The names of one Photoshop text layer: the invisible font is no font of the user's, and ends the list
+/// unless it opens it.
 void TakePhotoshopNames(const std::vector<std::string>& names, std::set<std::string>& fontNames) {
     for (size_t index = 0; index < names.size(); ++index) {
         if (names[index] != kInvisibleFont)
@@ -80,8 +83,8 @@ void TakePhotoshopNames(const std::vector<std::string>& names, std::set<std::str
     }
 }
 
-/// The names of one After Effects text layer. Its first list names the default font whether it is used or not; the
-/// invisible font at the end of the lists tells that it is.
+/// The names of one After Effects text layer. Its first list names the default font whether it is used or
+/// not; the invisible font at the end of the lists tells that it is.
 void TakeAfterEffectsNames(const std::vector<std::vector<std::string>>& namesByRange,
                            std::set<std::string>& fontNames) {
     bool defaultFontSeen = false;
@@ -133,7 +136,8 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromAnyKind(FontNames& fontNames)
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeStart, const ChunkSearch& search) {
+ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeStart,
+                                                       const ChunkSearch& search) {
     uint64_t fileSize = 0;
     RETURN_IF_FAILED(GFileSystem::OSGetFileSize(mFileSpec, fileSize));
     const size_t ordinaryAdvance = ChunkSize() > rangeStart.size() ? ChunkSize() - rangeStart.size() : 1;
@@ -155,8 +159,9 @@ ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeSta
     return CoreErrorCodes::kSuccess;
 }
 
-void GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(std::string_view chunk, size_t begin, size_t end,
-                                                              const Markers& markers, FontNames& fontNames,
+void GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(std::string_view chunk, size_t begin,
+                                                              size_t end, const Markers& markers,
+                                                              FontNames& fontNames,
                                                               std::vector<NamesOfRange>& namesByRange,
                                                               size_t& resumeOffset) {
     for (const ByteRange& range :
@@ -167,8 +172,8 @@ void GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(std::string_view c
                 resumeOffset = range.begin;
             continue;
         }
-        for (const ByteRange& occurrence :
-             FindRanges(chunk, range.begin, range.end, {markers.nameStart, markers.nameStart, markers.nameEnd})) {
+        for (const ByteRange& occurrence : FindRanges(
+                 chunk, range.begin, range.end, {markers.nameStart, markers.nameStart, markers.nameEnd})) {
             if (occurrence.IsIncomplete())
                 continue;
             size_t nameBegin = occurrence.begin + markers.nameStart.size();
@@ -195,7 +200,8 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromIllustrator(FontNames& fontNa
         for (const Markers& markers : kPasses) {
             std::vector<NamesOfRange> namesByRange;
             size_t resumeOffset = 0;
-            GetFontNamesFromByteVector(chunk, 0, chunk.size(), markers, runningNames, namesByRange, resumeOffset);
+            GetFontNamesFromByteVector(chunk, 0, chunk.size(), markers, runningNames, namesByRange,
+                                       resumeOffset);
             if (!IsDefaultFontAlone(runningNames))
                 fontNames.insert(runningNames.begin(), runningNames.end());
             if (advance == 0)

@@ -1,8 +1,8 @@
-// The font names that a saved document uses, read straight out of its bytes: the font dictionaries that authoring
-// applications write are found by their markers, without parsing the document's format.
+// The font names that a saved document uses, read straight out of its bytes: the font dictionaries that
+// authoring applications write are found by their markers, without parsing the document's format.
 //
-// The markers are those of PDF font descriptors (ISO 32000-1, 9.8) for Illustrator and PDF, and of the text engine
-// data that Photoshop and After Effects keep with each text layer.
+// The markers are those of PDF font descriptors (ISO 32000-1, 9.8) for Illustrator and PDF, and of the text
+// engine data that Photoshop and After Effects keep with each text layer.
 #pragma once
 
 #include <functional>
@@ -20,9 +20,9 @@ public:
     virtual ~GBinaryDocumentFontExtractor() = default;
 
     /// Replaces `fontNames` by the PostScript names found, UTF-8, as they stand in the file. The file name's
-    /// extension picks the kind of document; an unknown one has all kinds tried, for files below 1 GiB. A document
-    /// without names is no failure. On failure: the status of the file operation, after a report; names found before
-    /// it stay. Any thread, one at a time for each extractor.
+    /// extension picks the kind of document; an unknown one has all kinds tried, for files below 1 GiB. A
+    /// document without names is no failure. On failure: the status of the file operation, after a report;
+    /// names found before it stay. Any thread, one at a time for each extractor.
     [[nodiscard]] ErrorCode ExtractFontNames(std::set<std::string>& fontNames);
 
 protected:
@@ -49,9 +49,9 @@ private:
     ErrorCode ExtractFromAfterEffects(FontNames& fontNames);
     ErrorCode ExtractFromAnyKind(FontNames& fontNames);
     ErrorCode SearchInChunks(std::string_view rangeStart, const ChunkSearch& search);
-    static void GetFontNamesFromByteVector(std::string_view chunk, size_t begin, size_t end, const Markers& markers,
-                                           FontNames& fontNames, std::vector<NamesOfRange>& namesByRange,
-                                           size_t& resumeOffset);
+    static void GetFontNamesFromByteVector(std::string_view chunk, size_t begin, size_t end,
+                                           const Markers& markers, FontNames& fontNames,
+                                           std::vector<NamesOfRange>& namesByRange, size_t& resumeOffset);
 
     GFileSystemSpec mFileSpec;
 };

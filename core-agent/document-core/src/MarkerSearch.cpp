@@ -34,13 +34,14 @@ std::optional<size_t> FindMarker(std::string_view chunk, size_t from, size_t to,
         const bool isGuarded = *match > from + 1;
         if (!isGuarded || static_cast<uint8_t>(chunk[*match - 1]) != *excludedByte)
             return match;
-        LogMessage(0, "Ignoring match at offset %d because previous char is 0x%04x", static_cast<int>(*match - from),
-                   *excludedByte);
+        LogMessage(0, "Ignoring match at offset %d because previous char is 0x%04x",
+                   static_cast<int>(*match - from), *excludedByte);
         position = *match + 1;
     }
 }
 
-std::vector<ByteRange> FindRanges(std::string_view chunk, size_t from, size_t to, const RangeMarkers& markers) {
+std::vector<ByteRange> FindRanges(std::string_view chunk, size_t from, size_t to,
+                                  const RangeMarkers& markers) {
     std::vector<ByteRange> ranges;
     for (size_t position = from;;) {
         const auto start = FindMarker(chunk, position, to, markers.rangeStart, kBackslash);

@@ -3,7 +3,9 @@
 #include "TraceLog.h"
 
 namespace {
-bool HasElements(const CFRef<CFArrayRef>& array) { return array && CFArrayGetCount(array.get()) > 0; }
+bool HasElements(const CFRef<CFArrayRef>& array) {
+    return array && CFArrayGetCount(array.get()) > 0;
+}
 }  // namespace
 
 void OneTrackedDocument::SetDocumentFilePath(const std::string& path) {
@@ -21,4 +23,6 @@ void OneTrackedDocument::SetFontArrays(CFArrayRef arrayA, CFArrayRef arrayB) {
     mFontArrayB = CFRef<CFArrayRef>::Retain(arrayB);
 }
 
-bool OneTrackedDocument::HasFonts() const { return HasElements(mFontArrayA) || HasElements(mFontArrayB); }
+bool OneTrackedDocument::HasFonts() const {
+    return HasElements(mFontArrayA) || HasElements(mFontArrayB);
+}

@@ -5,8 +5,8 @@
 #include <array>
 #include <system_error>
 
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 
@@ -37,19 +37,20 @@ bool FontVault::Has(const FontFile& file) const {
 
 platform::SystemError FontVault::Store(const FontFile& file, const std::string& content) const {
     const std::string path = PathOf(file);
-    if (const auto error = platform::MakeFolders(Utf8Text(Utf8Path(path).parent_path()), true))
+    if (const auto error =
+            platform::MakeFolders(platform::Utf8Text(platform::Utf8Path(path).parent_path()), true))
         return error;
     const auto error = platform::WriteWholeFile(path, content);
     // Links give other programs the very same file; none of them is to write to it by mistake.
     std::error_code failure;
     if (!error)
-        std::filesystem::permissions(Utf8Path(path), std::filesystem::perms::owner_read, failure);
+        std::filesystem::permissions(platform::Utf8Path(path), std::filesystem::perms::owner_read, failure);
     return error;
 }
 
 void FontVault::Remove(const FontFile& file) const {
     std::error_code failure;
-    std::filesystem::remove(Utf8Path(PathOf(file)), failure);
+    std::filesystem::remove(platform::Utf8Path(PathOf(file)), failure);
 }
 
 }  // namespace pellwick

@@ -3,8 +3,8 @@
 #include <set>
 #include <system_error>
 
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
@@ -32,12 +32,12 @@ bool LinkOrCopy(const fs::path& source, const fs::path& target) {
 std::vector<std::string> FilesBelow(const std::string& folder) {
     std::vector<std::string> files;
     std::error_code failure;
-    fs::recursive_directory_iterator entry(Utf8Path(folder), fs::directory_options::skip_permission_denied,
-                                           failure);
+    fs::recursive_directory_iterator entry(platform::Utf8Path(folder),
+                                           fs::directory_options::skip_permission_denied, failure);
     for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
         std::error_code ignored;
         if (entry->is_symlink(ignored) || !entry->is_directory(ignored))
-            files.push_back(Utf8Text(entry->path()));
+            files.push_back(platform::Utf8Text(entry->path()));
     }
     return files;
 }
@@ -54,15 +54,15 @@ bool LinkFolder::Link(const FontFile& file) const {
         return false;
     if (Has(file))
         return true;
-    const fs::path target = Utf8Path(PathOf(file));
+    const fs::path target = platform::Utf8Path(PathOf(file));
     std::error_code failure;
     fs::create_directories(target.parent_path(), failure);
     fs::remove(target, failure);  // one of the wrong size
-    return LinkOrCopy(Utf8Path(mVault.PathOf(file)), target);
+    return LinkOrCopy(platform::Utf8Path(mVault.PathOf(file)), target);
 }
 
 void LinkFolder::Unlink(const FontFile& file) const {
-    const fs::path target = Utf8Path(PathOf(file));
+    const fs::path target = platform::Utf8Path(PathOf(file));
     std::error_code failure;
     fs::remove(target, failure);
     fs::remove(target.parent_path(), failure);  // refused, and rightly, while there is more in it
@@ -81,7 +81,7 @@ LinkFolder::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles)
     }
     for (const std::string& path : FilesBelow(mFolder)) {
         std::error_code failure;
-        if (wanted.count(path) == 0 && fs::remove(Utf8Path(path), failure))
+        if (wanted.count(path) == 0 && fs::remove(platform::Utf8Path(path), failure))
             ++repairs.removed;
     }
     return repairs;

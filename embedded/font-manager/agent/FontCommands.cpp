@@ -6,8 +6,8 @@
 #include "agent/FontRecord.h"
 #include "common/Limits.h"
 #include "common/Protocol.h"
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
@@ -65,7 +65,7 @@ Json AddFile(CommandContext& context, const Json& arguments) {
     context.audience.KeepAlive();
     FontFile file;
     file.checksum = Sha256(content);
-    file.name = Utf8Text(Utf8Path(path).filename());
+    file.name = platform::Utf8Text(platform::Utf8Path(path).filename());
     context.audience.KeepAlive();
 
     Transaction transaction(manager.database);

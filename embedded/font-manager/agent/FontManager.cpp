@@ -44,7 +44,7 @@ Workgroup FontManager::CurrentWorkgroup() {
 }
 
 Workgroup FontManager::DefaultWorkgroup() {
-    return workgroups.FirstOfType(kWorkgroupType_Personal).value_or(Workgroup{});
+    return workgroups.FirstOfType(kWorkgroupType_FontLibrary).value_or(Workgroup{});
 }
 
 }  // namespace pellwick

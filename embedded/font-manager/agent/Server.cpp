@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "common/Limits.h"
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
 #include "platform/LocalSockets.h"
 #include "platform/Processes.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
@@ -39,10 +39,10 @@ Server::Server(FontManager& manager, LogFile& log)
 Server::~Server() {
     std::error_code ignored;
     if (!mAddress.empty()) {
-        std::filesystem::remove(Utf8Path(mManager.locations.addressPath), ignored);
-        std::filesystem::remove(Utf8Path(mAddress), ignored);
+        std::filesystem::remove(platform::Utf8Path(mManager.locations.addressPath), ignored);
+        std::filesystem::remove(platform::Utf8Path(mAddress), ignored);
         // Refused where there is more in it than our socket.
-        std::filesystem::remove(Utf8Path(mAddress).parent_path(), ignored);
+        std::filesystem::remove(platform::Utf8Path(mAddress).parent_path(), ignored);
     }
 }
 
@@ -57,11 +57,11 @@ bool Server::Listen() {
 }
 
 bool Server::ListenAt(const std::string& path) {
-    if (platform::MakePrivateFolder(Utf8Text(Utf8Path(path).parent_path())))
+    if (platform::MakePrivateFolder(platform::Utf8Text(platform::Utf8Path(path).parent_path())))
         return false;
     std::error_code failure;
     // Whoever holds the agent's lock owns the address: what is there was left behind.
-    std::filesystem::remove(Utf8Path(path), failure);
+    std::filesystem::remove(platform::Utf8Path(path), failure);
     mAcceptor.open(asio::local::stream_protocol(), failure);
     if (!failure)
         mAcceptor.bind(asio::local::stream_protocol::endpoint(path), failure);

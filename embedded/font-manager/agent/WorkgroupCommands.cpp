@@ -56,7 +56,7 @@ Json ListWorkgroups(CommandContext& context, const Json&) {
 Json CreateWorkgroup(CommandContext& context, const Json& arguments) {
     const std::string name = RequiredName(arguments, "name");
     RefuseTakenName(context, name);
-    context.manager.workgroups.Create(name, kWorkgroupType_Personal);
+    context.manager.workgroups.Create(name, kWorkgroupType_FontLibrary);
     return Changed(context);
 }
 

@@ -7,8 +7,8 @@
 #include "FontRecordKeys.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
-#include "common/Utf8Path.h"
 #include "platform/Environment.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
 namespace {
@@ -23,9 +23,9 @@ struct FoundFile {
 /// The file, or every file in the folder and those below it, in the order of their names.
 void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& failures) {
     std::error_code failure;
-    const fs::path start = fs::absolute(Utf8Path(path), failure);
+    const fs::path start = fs::absolute(platform::Utf8Path(path), failure);
     if (!fs::is_directory(start, failure)) {
-        files.push_back({Utf8Text(start), true});
+        files.push_back({platform::Utf8Text(start), true});
         return;
     }
     const size_t first = files.size();
@@ -33,7 +33,7 @@ void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& fai
     for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
         std::error_code ignored;
         if (entry->is_regular_file(ignored))
-            files.push_back({Utf8Text(entry->path()), false});
+            files.push_back({platform::Utf8Text(entry->path()), false});
     }
     if (failure)
         failures.push_back({{"path", path}, {"reason", failure.message()}});

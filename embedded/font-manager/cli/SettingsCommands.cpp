@@ -5,8 +5,8 @@
 #include "FontRecordKeys.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
 namespace {
@@ -65,7 +65,8 @@ ExitStatus StopAgent(Session& session) {
 ExitStatus WriteLaunchInfo(const Options& options) {
     const Locations locations = Locations::OfThisUser();
     const std::string program = ProgramPath();
-    auto error = platform::MakeFolders(Utf8Text(Utf8Path(locations.launchInfoPath).parent_path()), true);
+    auto error = platform::MakeFolders(
+        platform::Utf8Text(platform::Utf8Path(locations.launchInfoPath).parent_path()), true);
     if (!error)
         error = platform::WriteWholeFile(locations.launchInfoPath,
                                          "pellwick.path=" + program + "\npellwick.args=serve\n");

@@ -3,8 +3,8 @@
 #include <system_error>
 
 #include "common/Limits.h"
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 
@@ -13,7 +13,7 @@ bool LogFile::Open(const std::string& path) {
     mFile.close();
     mPath = path;
     std::error_code failure;
-    std::filesystem::create_directories(Utf8Path(path).parent_path(), failure);
+    std::filesystem::create_directories(platform::Utf8Path(path).parent_path(), failure);
     OpenForAppending();
     return mFile.is_open();
 }
@@ -34,7 +34,7 @@ void LogFile::Write(std::string_view text) {
 }
 
 void LogFile::OpenForAppending() {
-    mFile = std::ofstream(Utf8Path(mPath), std::ios::binary | std::ios::app);
+    mFile = std::ofstream(platform::Utf8Path(mPath), std::ios::binary | std::ios::app);
     uint64_t size = 0;
     mSize = platform::FileSize(mPath, size) ? 0 : size;
 }
@@ -44,7 +44,7 @@ void LogFile::RotateIfFull() {
         return;
     mFile.close();
     std::error_code failure;
-    std::filesystem::rename(Utf8Path(mPath), Utf8Path(mPath + ".1"), failure);
+    std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(mPath + ".1"), failure);
     OpenForAppending();
     if (failure)  // better a log that goes on than none; the next try comes after as much text again
         mSize = 0;

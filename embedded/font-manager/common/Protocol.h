@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+#include "FontRecordKeys.h"
+
 namespace pellwick {
 
 /// Goes up with every change that an older client or agent would not understand.
@@ -59,12 +61,5 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 
 /// The workgroup ID that stands for all workgroups together.
 constexpr int32_t kAllWorkgroupsID = -2;
-
-/// Kinds of workgroup, as far as this font manager has them.
-enum WorkgroupType : int32_t {
-    kWorkgroupType_All = 0,       ///< all workgroups together
-    kWorkgroupType_Personal = 1,  ///< the user's own
-    kWorkgroupType_System = 4     ///< the system's fonts
-};
 
 }  // namespace pellwick

@@ -6,8 +6,8 @@
 
 #include "FontRecordKeys.h"
 #include "common/Limits.h"
-#include "common/Utf8Path.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
@@ -25,7 +25,7 @@ bool HoldsSameContent(const std::string& left, const std::string& right) {
 fs::path FindTarget(const fs::path& folder, const fs::path& name, const std::string& source) {
     fs::path target = folder / name;
     std::error_code ignored;
-    for (int number = 2; fs::exists(target, ignored) && !HoldsSameContent(source, Utf8Text(target));
+    for (int number = 2; fs::exists(target, ignored) && !HoldsSameContent(source, platform::Utf8Text(target));
          ++number) {
         fs::path numbered = name.stem();
         numbered += " " + std::to_string(number);
@@ -41,8 +41,8 @@ ErrorCode FontExporter::Export(const Json& fonts) {
     if (fonts.empty())
         return GZephyrinExportFonts::kNoFontsToExport;
     std::error_code failure;
-    fs::create_directories(Utf8Path(mFolder), failure);
-    if (!fs::is_directory(Utf8Path(mFolder), failure))
+    fs::create_directories(platform::Utf8Path(mFolder), failure);
+    if (!fs::is_directory(platform::Utf8Path(mFolder), failure))
         return GZephyrinExportFonts::kCouldNotCreateFolder;
     std::set<std::string> checksums;
     for (const Json& font : fonts) {
@@ -59,14 +59,14 @@ ErrorCode FontExporter::ExportFont(const Json& font) {
     const std::string source = StringMember(font, kGS_PathKey);
     if (!platform::IsExistingFile(source))
         return GZephyrinExportFonts::kFontUnavailableToExport;
-    const fs::path name = Utf8Path(StringMember(font, kGS_OutlineFileNameKey)).filename();
-    const fs::path target = FindTarget(Utf8Path(mFolder), name, source);
+    const fs::path name = platform::Utf8Path(StringMember(font, kGS_OutlineFileNameKey)).filename();
+    const fs::path target = FindTarget(platform::Utf8Path(mFolder), name, source);
     std::error_code failure;
     if (!fs::exists(target, failure))
-        fs::copy_file(Utf8Path(source), target, failure);
+        fs::copy_file(platform::Utf8Path(source), target, failure);
     if (failure)
         return GZephyrinExportFonts::kCouldNotCopyFile;
-    mPaths.push_back(Utf8Text(target));
+    mPaths.push_back(platform::Utf8Text(target));
     return CoreErrorCodes::kSuccess;
 }
 

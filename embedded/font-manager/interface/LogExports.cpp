@@ -7,9 +7,9 @@
 
 #include "common/Locations.h"
 #include "common/LogFile.h"
-#include "common/Utf8Path.h"
 #include "interface/Exports.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 using namespace pellwick;
 
@@ -47,7 +47,7 @@ std::shared_ptr<LogFile> OpenLog(const std::string& path) {
 
 /// A bare file name stands for one in the folder for logs.
 std::string LogPath(std::string_view name) {
-    if (Utf8Path(name).has_parent_path())
+    if (platform::Utf8Path(name).has_parent_path())
         return std::string(name);
     return Locations::OfThisUser().logFolder + platform::kPathSeparator + std::string(name);
 }
@@ -117,7 +117,7 @@ uint32_t OSDoesDirectoryExist(const char* path, bool* outExists) {
         if (path == nullptr || outExists == nullptr)
             return CoreErrorCodes::kNullPointer;
         std::error_code failure;
-        *outExists = std::filesystem::is_directory(Utf8Path(path), failure);
+        *outExists = std::filesystem::is_directory(platform::Utf8Path(path), failure);
         return CoreErrorCodes::kSuccess;
     });
 }

@@ -105,7 +105,7 @@ void MakeTables(Database& database) {
     database.Execute(kTables);
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";
     // The name is a mark that those who show it replace by a word of the user's language.
-    database.Prepare(addWorkgroup).Bind("Font Library (LOCALIZE ME)", int{kWorkgroupType_Personal}).Run();
+    database.Prepare(addWorkgroup).Bind("Font Library (LOCALIZE ME)", int{kWorkgroupType_FontLibrary}).Run();
     database.Prepare(addWorkgroup).Bind("System Fonts", int{kWorkgroupType_System}).Run();
     database.Execute(("PRAGMA user_version = " + std::to_string(kSchemaVersion)).c_str());
 }

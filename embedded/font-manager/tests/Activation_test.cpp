@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "FontRecordKeys.h"
-#include "common/Utf8Path.h"
+#include "platform/Utf8Path.h"
 #include "store/Schema.h"
 #include "tests/support/TestWorld.h"
 
@@ -69,7 +69,8 @@ TEST_F(ActivationTest, KeepsAFileLinkedWhileAnyOfItsFontsIsHeldByAnybody) {
     EXPECT_EQ(Lease(0, kHost).activated, std::vector{mIDs[0]});
     EXPECT_TRUE(Lease(0, kOtherHost).activated.empty());
     EXPECT_EQ(Lease(1, kHost).activated, std::vector{mIDs[1]});
-    EXPECT_TRUE(std::filesystem::equivalent(Utf8Path(mLinks.PathOf(mFile)), Utf8Path(mVault.PathOf(mFile))));
+    EXPECT_TRUE(std::filesystem::equivalent(platform::Utf8Path(mLinks.PathOf(mFile)),
+                                            platform::Utf8Path(mVault.PathOf(mFile))));
     EXPECT_TRUE(EndLeases(0, kHost).deactivated.empty());
     EXPECT_EQ(EndLeases(0, kOtherHost).deactivated, std::vector{mIDs[0]});
     EXPECT_TRUE(mLinks.Has(mFile));
@@ -121,20 +122,21 @@ TEST_F(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
 
 TEST_F(ActivationTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
-    std::filesystem::remove(Utf8Path(mLinks.PathOf(mFile)));
+    std::filesystem::remove(platform::Utf8Path(mLinks.PathOf(mFile)));
     mWorld.Write("data/fonts/zz/stray.ttf", "stray");
     LinkFolder::Repairs repairs = mLinks.Repair(mFonts.ActiveFiles());
     EXPECT_EQ(repairs.linked, 1);
     EXPECT_EQ(repairs.removed, 1);
     EXPECT_EQ(mWorld.LinkedFiles(), std::vector{mLinks.PathOf(mFile)});
 
-    std::filesystem::remove(Utf8Path(mLinks.PathOf(mFile)));  // or the vault's file would be cut as well
+    std::filesystem::remove(
+        platform::Utf8Path(mLinks.PathOf(mFile)));  // or the vault's file would be cut as well
     mWorld.Write("data/fonts/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc", "cut");
     mLinks.Repair(mFonts.ActiveFiles());
     EXPECT_TRUE(mLinks.Has(mFile));
 
     mVault.Remove(mFile);
-    std::filesystem::remove(Utf8Path(mLinks.PathOf(mFile)));
+    std::filesystem::remove(platform::Utf8Path(mLinks.PathOf(mFile)));
     EXPECT_EQ(mLinks.Repair(mFonts.ActiveFiles()).missing.size(), 1u);
 }
 

@@ -107,9 +107,9 @@ TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) 
 
 TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
     WorkgroupStore workgroups(mDatabase);
-    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_Personal)->id;
-    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_Personal);
-    const int32_t other = workgroups.Create("Other", kWorkgroupType_Personal);
+    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
+    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_FontLibrary);
+    const int32_t other = workgroups.Create("Other", kWorkgroupType_FontLibrary);
     const uint32_t alone = Add("Alone", "Alone", "Regular");
     const uint32_t shared = Add("Shared", "Shared", "Regular");
     workgroups.AddFont(deleted, alone);
@@ -127,7 +127,7 @@ TEST(Database, TakesBackATransactionThatIsNotCommitted) {
     WorkgroupStore workgroups(database);
     {
         Transaction transaction(database);
-        workgroups.Create("Draft", kWorkgroupType_Personal);
+        workgroups.Create("Draft", kWorkgroupType_FontLibrary);
     }
     EXPECT_FALSE(workgroups.FindByName("Draft"));
     EXPECT_THROW(workgroups.Create("System Fonts", 1), DatabaseError);

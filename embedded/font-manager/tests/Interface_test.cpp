@@ -138,7 +138,7 @@ TEST_F(InterfaceTest, AnswersForAFreshMachine) {
     std::vector<int64_t> types;
     for (CFIndex index = 0; index < cf::Count(workgroups.get()); ++index)
         types.push_back(*cf::GetInt64(RecordAt(workgroups, index), kGS_WorkgroupTypeKey));
-    EXPECT_EQ(types, (std::vector<int64_t>{0, 1, 4}));
+    EXPECT_EQ(types, (std::vector<int64_t>{2, 1, 4}));
     int32_t system = 0;
     EXPECT_EQ(mLibrary.GetSystemWorkgroupID(facade, &system), 0u);
     EXPECT_EQ(cf::GetInt64(RecordAt(workgroups, 2), kGS_WorkgroupIDKey), system);

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "GLogger.h"
-#include "preferences/Utf8Path.h"
+#include "platform/Utf8Path.h"
 
 namespace {
 
@@ -40,7 +40,8 @@ std::optional<nlohmann::json> ParsePreferences(const std::string& bytes) {
 }
 
 bool CanMakeFilesIn(const std::string& folder) {
-    const std::filesystem::path probe = Utf8Path(folder + platform::kPathSeparator + kFileName + ".probe");
+    const std::filesystem::path probe =
+        platform::Utf8Path(folder + platform::kPathSeparator + kFileName + ".probe");
     const bool isMade = std::ofstream(probe).is_open();
     std::error_code ignored;
     std::filesystem::remove(probe, ignored);
@@ -134,9 +135,9 @@ bool PreferenceFile::SetAside() {
     for (int number = 1; number <= kMostDamagedFiles; ++number) {
         const std::string aside = mPath + ".damaged-" + std::to_string(number);
         std::error_code failure;
-        if (std::filesystem::exists(std::filesystem::symlink_status(Utf8Path(aside), failure)))
+        if (std::filesystem::exists(std::filesystem::symlink_status(platform::Utf8Path(aside), failure)))
             continue;
-        std::filesystem::rename(Utf8Path(mPath), Utf8Path(aside), failure);
+        std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(aside), failure);
         ReportOnce(
             "'" + mPath + "' is no preference file and " +
             (failure ? "cannot be set aside: " + failure.message() : "was set aside as '" + aside + "'"));

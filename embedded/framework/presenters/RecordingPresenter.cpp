@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "TraceLog.h"
-#include "preferences/Utf8Path.h"
+#include "platform/Utf8Path.h"
 
 int32_t RecordingPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     const int32_t answer = mPresenter->AskMessageBox(question);
@@ -25,7 +25,7 @@ DialogAnswer RecordingPresenter::AskDialog(const DialogQuestion& question) {
 void RecordingPresenter::Append(const nlohmann::ordered_json& line) {
     const std::string text =
         line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-    std::ofstream file(Utf8Path(mLogFile), std::ios::app | std::ios::binary);
+    std::ofstream file(platform::Utf8Path(mLogFile), std::ios::app | std::ios::binary);
     if (!(file << text << std::flush))
         LogMessage(0, "Cannot write to '%s', which PLUGINCORE_ANSWERS_LOG names", mLogFile.c_str());
 }

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "platform/DebugOutput.h"
-#include "preferences/Utf8Path.h"
+#include "platform/Utf8Path.h"
 
 /// A new folder, with a name that is hard on careless code; taken away with all that is in it.
 class TemporaryFolder {
@@ -28,7 +28,7 @@ public:
     }
     ~TemporaryFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(Utf8Path(mPath), ignored);
+        std::filesystem::remove_all(platform::Utf8Path(mPath), ignored);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -89,12 +89,12 @@ private:
 };
 
 inline void WriteText(const std::string& path, const std::string& text) {
-    std::filesystem::create_directories(Utf8Path(path).parent_path());
-    std::ofstream(Utf8Path(path), std::ios::binary) << text;
+    std::filesystem::create_directories(platform::Utf8Path(path).parent_path());
+    std::ofstream(platform::Utf8Path(path), std::ios::binary) << text;
 }
 
 inline std::string ReadText(const std::string& path) {
-    std::ifstream file(Utf8Path(path), std::ios::binary);
+    std::ifstream file(platform::Utf8Path(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

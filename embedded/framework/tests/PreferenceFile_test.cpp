@@ -32,14 +32,14 @@ json Parsed(const std::string& path) {
 TEST_F(PreferenceFileTest, TwoInstancesSeeEachOthersChangesAtOnceAndLoseNone) {
     PreferenceFile one(mFolder), other(mFolder);
     EXPECT_TRUE(one.Read()->empty());
-    EXPECT_FALSE(std::filesystem::exists(Utf8Path(mFolder))) << "reading makes nothing";
+    EXPECT_FALSE(std::filesystem::exists(platform::Utf8Path(mFolder))) << "reading makes nothing";
     for (int round = 0; round < 10; ++round) {  // as long as the one before, and written in the same instant
         ASSERT_TRUE(SetMember(one, "one", round));
         EXPECT_EQ((*other.Read())["one"], round);
         ASSERT_TRUE(SetMember(other, "other", 9 - round));
         EXPECT_EQ(*one.Read(), json({{"one", round}, {"other", 9 - round}}));
     }
-    std::filesystem::remove(Utf8Path(mPath));
+    std::filesystem::remove(platform::Utf8Path(mPath));
     EXPECT_TRUE(one.Read()->empty());
     EXPECT_EQ(mLog.Text(), "");
 }
@@ -109,7 +109,7 @@ TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSo)
     }
     EXPECT_EQ(ReadText(mTemporary / "file"), "precious");
 
-    std::filesystem::create_directories(Utf8Path(mPath));
+    std::filesystem::create_directories(platform::Utf8Path(mPath));
     PreferenceFile file(mFolder);
     EXPECT_FALSE(file.IsUsable());
     EXPECT_FALSE(SetMember(file, "a", 1));
@@ -118,7 +118,7 @@ TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSo)
 TEST_F(PreferenceFileTest, AskingWhetherItIsUsableMakesTheFolderAndLeavesNothingInIt) {
     PreferenceFile file(mFolder);
     EXPECT_TRUE(file.IsUsable());
-    EXPECT_TRUE(std::filesystem::is_empty(Utf8Path(mFolder)));
+    EXPECT_TRUE(std::filesystem::is_empty(platform::Utf8Path(mFolder)));
 }
 
 TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {

@@ -10,8 +10,8 @@ namespace platform {
 void CatchInterrupts();
 bool WasInterrupted();
 
-/// Waits until a line or the end of standard input can be read, an interrupt comes, or the time is over; no limit
-/// waits for one of the others. With `watchInput` false only the last two count.
+/// Waits until a line or the end of standard input can be read, an interrupt comes, or the time is over; no
+/// limit waits for one of the others. With `watchInput` false only the last two count.
 void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput);
 
 }  // namespace platform

@@ -1,20 +1,22 @@
 /*
  * PluginCore: font auto-activation for creative applications.
  *
- * A thin host plug-in loads the library, forwards the host's events to these functions, and shows what they hand back.
+ * A thin host plug-in loads the library, forwards the host's events to these functions, and shows what they
+ * hand back.
  *
  * Conventions
  * - Strings are UTF-8, zero-terminated. Paths are full paths. Nothing that is passed in is kept or freed.
- * - Every function but three returns a code: 0 is success, others are listed below and with each function. Nothing is
- *   thrown, nothing aborts. A null pointer where a text or a result is expected is answered with a code.
- * - Text results go into buffers of the caller. A buffer comes with a pointer to its size in bytes. Unless a function
- *   says otherwise, the text and its terminating zero are copied only when the text's length is smaller than the
- *   size; else nothing is copied, the length goes to the size and PLUGINCORE_INDEX_OUT_OF_RANGE is returned. A retry
- *   needs that length plus one.
+ * - Every function but three returns a code: 0 is success, others are listed below and with each function.
+ * Nothing is thrown, nothing aborts. A null pointer where a text or a result is expected is answered with a
+ * code.
+ * - Text results go into buffers of the caller. A buffer comes with a pointer to its size in bytes. Unless a
+ * function says otherwise, the text and its terminating zero are copied only when the text's length is
+ * smaller than the size; else nothing is copied, the length goes to the size and
+ * PLUGINCORE_INDEX_OUT_OF_RANGE is returned. A retry needs that length plus one.
  * - Outputs are untouched on failure unless stated.
- * - Main thread: the thread on which InitializePluginCoreInterface was called. All functions are to be called there;
- *   none is safe on two threads at once. A call may show a modal dialog; when the host's event loop then calls back
- *   into this library while it works on a document, the inner call answers PLUGINCORE_UNKNOWN_ERROR.
+ * - Main thread: the thread on which InitializePluginCoreInterface was called. All functions are to be called
+ * there; none is safe on two threads at once. A call may show a modal dialog; when the host's event loop then
+ * calls back into this library while it works on a document, the inner call answers PLUGINCORE_UNKNOWN_ERROR.
  * - Time: apart from dialogs, a call waits for the font manager no longer than its documented limits; see
  *   docs/font-manager.md.
  */
@@ -41,14 +43,14 @@ extern "C" {
 
 /* Result codes. */
 #define PLUGINCORE_SUCCESS 0u
-#define PLUGINCORE_INVALID_PARAM 0x04000000u      /* a required pointer is null, or a text is not what it must be */
+#define PLUGINCORE_INVALID_PARAM 0x04000000u      /* a null pointer, or not what was asked for */
 #define PLUGINCORE_NULL_POINTER 0x05000000u       /* a null host handle */
 #define PLUGINCORE_OUT_OF_MEMORY 0x06000000u      /* a document command did not complete */
 #define PLUGINCORE_NOT_FOUND 0x07000000u          /* no such document or font */
 #define PLUGINCORE_NOT_IMPLEMENTED 0x08000000u    /* a wrong interface version, or not in this version */
 #define PLUGINCORE_INDEX_OUT_OF_RANGE 0x0C000000u /* the text buffer is too small */
 #define PLUGINCORE_NOT_INITIALIZED 0x11000000u    /* the plug-in is not functional */
-#define PLUGINCORE_UNKNOWN_ERROR 0x15000000u      /* the plug-in is disabled, or the font manager cannot be used */
+#define PLUGINCORE_UNKNOWN_ERROR 0x15000000u      /* the plug-in or the font manager cannot be used */
 
 /* ---- Life cycle */
 
@@ -66,14 +68,14 @@ PLUGINCORE_API uint32_t InitializePluginCoreInterface(const char* pluginIdentifi
 PLUGINCORE_API uint32_t TerminatePluginCoreInterface(void);
 
 /*
- * Writes the interface version, 8, to *version. requestedVersion: what the host plug-in was built for, 0 for any.
- * 0, or PLUGINCORE_NOT_IMPLEMENTED for another version; PLUGINCORE_INVALID_PARAM for a null pointer.
+ * Writes the interface version, 8, to *version. requestedVersion: what the host plug-in was built for, 0 for
+ * any. 0, or PLUGINCORE_NOT_IMPLEMENTED for another version; PLUGINCORE_INVALID_PARAM for a null pointer.
  */
 PLUGINCORE_API uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersion);
 
 /*
- * Whether the plug-in can offer its functions now; written to *isEnabled in any case. allowDialogs: tell the user why
- * not. 0 when it can, else PLUGINCORE_UNKNOWN_ERROR; PLUGINCORE_INVALID_PARAM for a null pointer.
+ * Whether the plug-in can offer its functions now; written to *isEnabled in any case. allowDialogs: tell the
+ * user why not. 0 when it can, else PLUGINCORE_UNKNOWN_ERROR; PLUGINCORE_INVALID_PARAM for a null pointer.
  */
 PLUGINCORE_API uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled);
 
@@ -86,12 +88,14 @@ PLUGINCORE_API void ShouldShowLogin(bool* showLogin);
 /* Tells the user that nobody is logged in. Always 0. */
 PLUGINCORE_API uint32_t ShowNotLoggedInMessageBox(void);
 
-/* callback: called without arguments, on the main thread, when the workgroups menu is out of date; null for none. */
+/* callback: called without arguments, on the main thread, when the workgroups menu is out of date; null for
+ * none. */
 PLUGINCORE_API void SetRebuildWorkgroupsMenuCallback(void (*callback)(void));
 
 /* ---- Panels. The handle is a PlugPlugService (PlugPlug.h) that outlives the library's use. */
 
-/* Writes the port on which panels are listened to, 0 for none, to *port. 0; PLUGINCORE_INVALID_PARAM for null. */
+/* Writes the port on which panels are listened to, 0 for none, to *port. 0; PLUGINCORE_INVALID_PARAM for
+ * null. */
 PLUGINCORE_API uint32_t GetSocketPort(uint32_t* port);
 
 /* Registers with the host's panel event service. In this version: PLUGINCORE_NOT_IMPLEMENTED. */
@@ -108,37 +112,39 @@ PLUGINCORE_API uint32_t ProcessPanelMessages(bool closeListeningSocket);
 
 /*
  * The user made a new document. Its identifier goes to idBuffer (37 bytes do).
- * 0, or PLUGINCORE_INVALID_PARAM for a null pointer or a buffer too small; in the latter case the document is tracked
- * all the same.
+ * 0, or PLUGINCORE_INVALID_PARAM for a null pointer or a buffer too small; in the latter case the document is
+ * tracked all the same.
  */
 PLUGINCORE_API uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize);
 
 /*
  * A document was opened: has its fonts found and activated.
  * fontsJSON: the fonts that the document uses, an array of font objects or an object with such an array under
- *   "DocumentFonts"; a font object has the members of a font record (FontRecordKeys.h), "PostScriptName" at least.
- *   Null or empty: the names are read out of the document's file. Text that does not parse counts as no fonts.
- * bufferA, sizeA: receives the matched fonts, a JSON array. Each has the members of the font asked for and of the
- *   font's record, "ActivationStatus" as it is now, and the record from before under "MatchedFont".
+ *   "DocumentFonts"; a font object has the members of a font record (FontRecordKeys.h), "PostScriptName" at
+ * least. Null or empty: the names are read out of the document's file. Text that does not parse counts as no
+ * fonts. bufferA, sizeA: receives the matched fonts, a JSON array. Each has the members of the font asked for
+ * and of the font's record, "ActivationStatus" as it is now, and the record from before under "MatchedFont".
  * bufferB, sizeB: receives the fonts without a match, a JSON array.
  * numFontsActivated: receives the number of fonts that were made active.
- * 1 when fonts became active (the document should be redrawn), 0 when none did, PLUGINCORE_INDEX_OUT_OF_RANGE when a
- * buffer was too small (the fonts are active all the same), PLUGINCORE_INVALID_PARAM for a null pointer.
+ * 1 when fonts became active (the document should be redrawn), 0 when none did, PLUGINCORE_INDEX_OUT_OF_RANGE
+ * when a buffer was too small (the fonts are active all the same), PLUGINCORE_INVALID_PARAM for a null
+ * pointer.
  */
 PLUGINCORE_API uint32_t HandleOpenExistingDocument(const char* path, const char* fontsJSON, char* bufferA,
                                                    size_t* sizeA, char* bufferB, size_t* sizeB,
                                                    int* numFontsActivated);
 
 /*
- * A document was saved: hands its font usage to the font manager. hint: the host's font-usage text; null or empty
- * takes the text of UpdateDocumentFontUsage. 0, PLUGINCORE_UNKNOWN_ERROR when the font manager did not take it (it is
- * tried again at close), PLUGINCORE_INVALID_PARAM for a null path.
+ * A document was saved: hands its font usage to the font manager. hint: the host's font-usage text; null or
+ * empty takes the text of UpdateDocumentFontUsage. 0, PLUGINCORE_UNKNOWN_ERROR when the font manager did not
+ * take it (it is tried again at close), PLUGINCORE_INVALID_PARAM for a null path.
  */
 PLUGINCORE_API uint32_t HandleSaveDocument(const char* path, const char* hint);
 
 /*
- * A document was closed: lets its fonts go. hint as for HandleSaveDocument, used when there is something to hand over
- * yet. 0, PLUGINCORE_UNKNOWN_ERROR for a document that is not tracked, PLUGINCORE_INVALID_PARAM for a null path.
+ * A document was closed: lets its fonts go. hint as for HandleSaveDocument, used when there is something to
+ * hand over yet. 0, PLUGINCORE_UNKNOWN_ERROR for a document that is not tracked, PLUGINCORE_INVALID_PARAM for
+ * a null path.
  */
 PLUGINCORE_API uint32_t HandleCloseDocument(const char* path, const char* hint);
 
@@ -157,8 +163,8 @@ PLUGINCORE_API uint32_t UpdateDocumentFontUsage(const char* document, const char
 /*
  * Activates fonts that the user chose, for a tracked document. fontsJSON: a JSON array of font objects with
  * "DatabaseID". *outCount receives the number of fonts that the font manager matched, 0 to begin with.
- * 0, PLUGINCORE_NOT_FOUND when fonts are missing, PLUGINCORE_INVALID_PARAM for text that is no array or a null
- * pointer, else the font manager's code.
+ * 0, PLUGINCORE_NOT_FOUND when fonts are missing, PLUGINCORE_INVALID_PARAM for text that is no array or a
+ * null pointer, else the font manager's code.
  */
 PLUGINCORE_API uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount);
 
@@ -175,25 +181,25 @@ PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fo
 typedef uint32_t (*PluginCoreMenuItemCallback)(const char* id, const char* label, void* context);
 
 PLUGINCORE_API uint32_t GetMenus(const char* document, char* buffer, size_t* size);
-PLUGINCORE_API uint32_t CreateMenusFromJSONBuffer(const char* menusJSON, PluginCoreMenuItemCallback createItem,
-                                                  void* context);
-PLUGINCORE_API uint32_t HandleMenuSelection(const char* document, const char* menusJSON, const char* selectedID,
-                                            const char* extra);
+PLUGINCORE_API uint32_t CreateMenusFromJSONBuffer(const char* menusJSON,
+                                                  PluginCoreMenuItemCallback createItem, void* context);
+PLUGINCORE_API uint32_t HandleMenuSelection(const char* document, const char* menusJSON,
+                                            const char* selectedID, const char* extra);
 PLUGINCORE_API uint32_t InvokeCommandDialog(const char* document);
 
 /* ---- Settings */
 
 /*
  * Writes all preferences as one JSON object, every value a quoted decimal number, to buffer.
- * *bufferSize: size in bytes; not written to. 2048 bytes do. 0; PLUGINCORE_INDEX_OUT_OF_RANGE when it is too small (the
- * text written so far stays, cut); PLUGINCORE_NOT_INITIALIZED when the plug-in is not functional;
+ * *bufferSize: size in bytes; not written to. 2048 bytes do. 0; PLUGINCORE_INDEX_OUT_OF_RANGE when it is too
+ * small (the text written so far stays, cut); PLUGINCORE_NOT_INITIALIZED when the plug-in is not functional;
  * PLUGINCORE_INVALID_PARAM for a null pointer.
  */
 PLUGINCORE_API uint32_t GetSettings(char* buffer, size_t* bufferSize);
 
 /*
- * Stores one preference. value: a decimal number, or the text of "LastCFOFolder" and "LastUsername" (which are stored
- * and answered with PLUGINCORE_INVALID_PARAM). "CurrentWorkgroup" also takes a workgroup's name.
+ * Stores one preference. value: a decimal number, or the text of "LastCFOFolder" and "LastUsername" (which
+ * are stored and answered with PLUGINCORE_INVALID_PARAM). "CurrentWorkgroup" also takes a workgroup's name.
  * 0; PLUGINCORE_INVALID_PARAM for an unknown key, a value that is no number, or a null pointer;
  * PLUGINCORE_NOT_INITIALIZED when the plug-in is not functional.
  */

@@ -15,7 +15,7 @@
 
 #include "TestFonts.h"
 #include "common/Locations.h"
-#include "common/Utf8Path.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick::test {
 namespace {
@@ -50,7 +50,7 @@ TestWorld::TestWorld(const std::string& name) {
     if (mkdtemp(pattern.data()) == nullptr)
         throw std::runtime_error("no temporary folder");
     mFolder = pattern + "/" + name;
-    fs::create_directories(Utf8Path(mFolder));
+    fs::create_directories(platform::Utf8Path(mFolder));
     const std::map<std::string, std::string> variables = {{"HOME", mFolder},
                                                           {"XDG_DATA_HOME", mFolder + "/data"},
                                                           {"XDG_RUNTIME_DIR", ""},
@@ -76,14 +76,14 @@ TestWorld::~TestWorld() {
     for (const auto& [variable, value] : mSavedVariables)
         setenv(variable.c_str(), value.c_str(), 1);
     std::error_code ignored;
-    fs::remove_all(Utf8Path(mFolder).parent_path(), ignored);
+    fs::remove_all(platform::Utf8Path(mFolder).parent_path(), ignored);
 }
 
 std::string TestWorld::Write(const std::string& path, const std::string& content) const {
-    const fs::path target = Utf8Path(Path(path));
+    const fs::path target = platform::Utf8Path(Path(path));
     fs::create_directories(target.parent_path());
     std::ofstream(target, std::ios::binary) << content;
-    return Utf8Text(target);
+    return platform::Utf8Text(target);
 }
 
 std::string TestWorld::WriteFont(const std::string& postScriptName, const std::string& version) const {
@@ -134,13 +134,13 @@ Json TestWorld::RunForJson(std::vector<std::string> arguments) const {
 std::vector<std::string> TestWorld::LinkedFiles() const {
     std::vector<std::string> files;
     std::error_code failure;
-    fs::recursive_directory_iterator entry(Utf8Path(Path("data/fonts")), failure);
+    fs::recursive_directory_iterator entry(platform::Utf8Path(Path("data/fonts")), failure);
     for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
         std::error_code ignored;
         if (entry->is_regular_file(ignored))
-            files.push_back(Utf8Text(entry->path()));
+            files.push_back(platform::Utf8Text(entry->path()));
     }
-    const bool isThere = fs::exists(Utf8Path(Path("data/fonts/Vantorix")));
+    const bool isThere = fs::exists(platform::Utf8Path(Path("data/fonts/Vantorix")));
     return failure && isThere ? LinkedFiles() : files;  // the agent has removed a folder under our feet
 }
 

@@ -18,13 +18,18 @@ constexpr uint64_t kLaunchInfoSizeLimit = 1 << 20;
 constexpr std::chrono::milliseconds kIdleWaitLimit{2000};
 
 std::string LowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
+    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
+    });
     return text;
 }
 
-std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind(platform::kPathSeparator) + 1); }
-std::string BaseName(const std::string& path) { return path.substr(path.rfind(platform::kPathSeparator) + 1); }
+std::string FolderOf(const std::string& path) {
+    return path.substr(0, path.rfind(platform::kPathSeparator) + 1);
+}
+std::string BaseName(const std::string& path) {
+    return path.substr(path.rfind(platform::kPathSeparator) + 1);
+}
 
 std::string LaunchInfoPath(const std::string& folder) {
     return folder + platform::kPathSeparator + "Vantorix" + platform::kPathSeparator + kLaunchInfoFileName;

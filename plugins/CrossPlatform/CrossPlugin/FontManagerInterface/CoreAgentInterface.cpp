@@ -29,11 +29,6 @@ void ShowMessageBox(MessageBoxStrings strings) {
         framework->ShowMessageBox(strings);
 }
 
-/// Workgroup types.
-constexpr int32_t kAllWorkgroupsType = 2;
-constexpr int32_t kSystemWorkgroupType = 4;
-constexpr int32_t kTypekitLibraryType = 12;
-
 }  // namespace
 
 int CoreAgentInterface::LaunchZephyrinAgentIfNeeded() {
@@ -106,7 +101,8 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
     }
 }
 
-bool CoreAgentInterface::Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise) {
+bool CoreAgentInterface::Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*),
+                             bool otherwise) {
     bool answer = otherwise;
     const ErrorCode code = Call(function, &answer);
     return code == CoreErrorCodes::kSuccess ? answer : otherwise;
@@ -149,7 +145,8 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
         const bool isInvalidVault = code == GZephyrinSdk::kInvalidVault;
         LogMessage(0, "GZephyrinSdk::Initialize FAILED, error code = %d (%s).", static_cast<int>(code),
                    isInvalidVault ? "GZephyrinSdk::kInvalidVault" : "???");
-        ShowMessageBox(isInvalidVault ? message_boxes::kInvalidVault : message_boxes::kAgentFailedToInitialize);
+        ShowMessageBox(isInvalidVault ? message_boxes::kInvalidVault
+                                      : message_boxes::kAgentFailedToInitialize);
     }
     LogMessage(0,
                "Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "
@@ -175,8 +172,9 @@ ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& doc
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
     LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentPath.c_str());
     const CFRef<CFStringRef> path = cf::String(documentPath);
-    const ErrorCode code = Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(),
-                                lists.requestedFonts, matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
+             matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
     LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
 }
@@ -209,7 +207,8 @@ ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<ui
     for (const uint32_t databaseID : databaseIDs)
         cf::Append(ids, databaseID);
     const CFRef<CFMutableDictionaryRef> answers = cf::MutableDictionary();
-    const ErrorCode code = Call(&PluginFunctionTable::pfGetClientFontActivationStates, ids.get(), answers.get());
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfGetClientFontActivationStates, ids.get(), answers.get());
     for (const uint32_t databaseID : databaseIDs) {
         const CFRef<CFNumberRef> key = cf::Number(databaseID);
         if (const auto answer = cf::ToBool(CFDictionaryGetValue(answers.get(), key.get())))
@@ -224,12 +223,17 @@ ErrorCode CoreAgentInterface::SaveDocumentFonts(const std::string& documentPath,
     return Call(&PluginFunctionTable::pfSaveDocumentFonts, path.get(), replace, fontUsage);
 }
 
-bool CoreAgentInterface::IsLoggedIn() { return Ask(&PluginFunctionTable::pfGetIsLoggedIn, false); }
-bool CoreAgentInterface::IsRunningStandalone() { return Ask(&PluginFunctionTable::pfGetRunningStandalone, false); }
+bool CoreAgentInterface::IsLoggedIn() {
+    return Ask(&PluginFunctionTable::pfGetIsLoggedIn, false);
+}
+bool CoreAgentInterface::IsRunningStandalone() {
+    return Ask(&PluginFunctionTable::pfGetRunningStandalone, false);
+}
 
 bool CoreAgentInterface::CanExportFromWorkgroup(CFArrayRef fonts) {
     bool canExport = false;
-    return Call(&PluginFunctionTable::pfCanExportFonts, fonts, &canExport) == CoreErrorCodes::kSuccess && canExport;
+    return Call(&PluginFunctionTable::pfCanExportFonts, fonts, &canExport) == CoreErrorCodes::kSuccess &&
+           canExport;
 }
 
 bool CoreAgentInterface::AreSchemaVersionsInSync() {
@@ -254,9 +258,9 @@ ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& fil
         workgroup.id = static_cast<int32_t>(cf::GetInt64(record, kGS_WorkgroupIDKey).value_or(0));
         workgroup.type = static_cast<int32_t>(cf::GetInt64(record, kGS_WorkgroupTypeKey).value_or(-1));
         workgroup.name = cf::GetString(record, kGS_WorkgroupNameKey);
-        if ((workgroup.type == kAllWorkgroupsType && !filter.includeAllWorkgroup) ||
-            (workgroup.type == kSystemWorkgroupType && !filter.includeSystemWorkgroup) ||
-            (workgroup.type == kTypekitLibraryType && !filter.includeTypekitLibrary))
+        if ((workgroup.type == kWorkgroupType_All && !filter.includeAllWorkgroup) ||
+            (workgroup.type == kWorkgroupType_System && !filter.includeSystemWorkgroup) ||
+            (workgroup.type == kWorkgroupType_TypekitLibrary && !filter.includeTypekitLibrary))
             continue;
         LogMessage(0, "Adding '%s' to user's workgroup list.", workgroup.name.c_str());
         workgroups.push_back(std::move(workgroup));

@@ -1,8 +1,9 @@
-// The gateway to the running font-manager agent. Each operation calls one function of the interface library and copes
-// with the one failure that matters to a plug-in: the agent has gone away.
+// The gateway to the running font-manager agent. Each operation calls one function of the interface library
+// and copes with the one failure that matters to a plug-in: the agent has gone away.
 //
-// The first loss of the agent within a call is healed silently: the agent is started again and the call repeated. A
-// second loss in the same call disables the plug-in's services, tells the user, and asks before each further try.
+// The first loss of the agent within a call is healed silently: the agent is started again and the call
+// repeated. A second loss in the same call disables the plug-in's services, tells the user, and asks before
+// each further try.
 #pragma once
 
 #include <functional>
@@ -20,14 +21,14 @@ struct Workgroup {
     std::string name;  ///< as shown to the user
 };
 
-/// Main thread; the dialogs that it may show are modal. Codes that are not about a lost agent are the interface
-/// library's own.
+/// Main thread; the dialogs that it may show are modal. Codes that are not about a lost agent are the
+/// interface library's own.
 class CoreAgentInterface {
 public:
     virtual ~CoreAgentInterface() = default;
 
-    /// Starts the interface library for this process. On success plug-in services are enabled and the core counts as
-    /// connected; on failure the user is told and both are off.
+    /// Starts the interface library for this process. On success plug-in services are enabled and the core
+    /// counts as connected; on failure the user is told and both are off.
     void InitializeCoreAgent();
     /// 0, or 2 when no agent was found.
     int LaunchZephyrinAgentIfNeeded();
@@ -39,18 +40,20 @@ public:
                                                         CFMutableArrayRef matchedFonts);
     [[nodiscard]] ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                               CFMutableArrayRef matchedFonts);
-    [[nodiscard]] ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts);
+    [[nodiscard]] ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context,
+                                            CFMutableArrayRef deactivatedFonts);
     [[nodiscard]] ErrorCode GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
                                                           PluginActivationStates& states);
-    [[nodiscard]] ErrorCode SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef fontUsage);
+    [[nodiscard]] ErrorCode SaveDocumentFonts(const std::string& documentPath, bool replace,
+                                              CFStringRef fontUsage);
 
     bool IsLoggedIn();
     bool IsRunningStandalone();
     bool CanExportFromWorkgroup(CFArrayRef fonts);
     bool AreSchemaVersionsInSync();
 
-    /// The user's workgroups with the names to show. The entry for all workgroups together, the system workgroup and
-    /// the Typekit library are left out unless asked for.
+    /// The user's workgroups with the names to show. The entry for all workgroups together, the system
+    /// workgroup and the Typekit library are left out unless asked for.
     struct WorkgroupFilter {
         bool includeAllWorkgroup = false;
         bool includeSystemWorkgroup = false;

@@ -11,7 +11,8 @@ FontManagerInterface& FontManagerInterface::GetSharedInstance() {
 }
 
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {
-    LogMessage(1, "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
+    LogMessage(1,
+               "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
                TraceAddress(sm_pFontManager.get()));
     bool result = false;
     const GScopedLock lock(mFontManagerLock);
@@ -27,16 +28,16 @@ bool FontManagerInterface::CreateFontManager() {
     uint32_t missingCount = 0;
     const bool isLoaded = VPILoader::GetSharedInstance()->IsLoaded(&path, &version, &missingCount);
     if (!isLoaded || missingCount > 0) {
-        LogMessage(0, "ERROR:  interfaceLoaded(%s) %d function(s) missing from \"%s\"", isLoaded ? "true" : "false",
-                   static_cast<int>(missingCount), path.c_str());
+        LogMessage(0, "ERROR:  interfaceLoaded(%s) %d function(s) missing from \"%s\"",
+                   isLoaded ? "true" : "false", static_cast<int>(missingCount), path.c_str());
         return false;
     }
     sm_pFontManager = std::make_unique<CoreAgentInterface>();
     SetFontManagerAccess(this);
     sm_pFontManager->InitializeCoreAgent();
     const std::string pluginVersion = MarquellGlobals::GetPluginVersion();
-    LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(), version.c_str(),
-               pluginVersion.c_str());
+    LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
+               version.c_str(), pluginVersion.c_str());
     mIsCompatible = VersionsAreCompatible(pluginVersion, version);
     return mIsCompatible;
 }
@@ -53,7 +54,9 @@ bool FontManagerInterface::IsWorkgroupAvailable() {
            !workgroups.empty();
 }
 
-bool FontManagerInterface::IsUsable() { return sm_pFontManager && MarquellGlobals::IsPluginFunctional(); }
+bool FontManagerInterface::IsUsable() {
+    return sm_pFontManager && MarquellGlobals::IsPluginFunctional();
+}
 
 void FontManagerInterface::OnHostAppShuttingDown() {
     if (!sm_pFontManager) {
@@ -71,7 +74,9 @@ void FontManagerInterface::OnHostAppShuttingDown() {
     sm_pFontManager.reset();
 }
 
-bool FontManagerInterface::IsLoggedIn() { return sm_pFontManager && sm_pFontManager->IsLoggedIn(); }
+bool FontManagerInterface::IsLoggedIn() {
+    return sm_pFontManager && sm_pFontManager->IsLoggedIn();
+}
 
 ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documentPath,
                                                       const DocumentFontLists& lists,
@@ -86,7 +91,8 @@ ErrorCode FontManagerInterface::ActivateFontsByID(CFArrayRef fonts, const std::s
                            : kErrorMarquellNotRunning;
 }
 
-PluginActivationStates FontManagerInterface::GetPluginActivationStates(const std::vector<uint32_t>& databaseIDs) {
+PluginActivationStates FontManagerInterface::GetPluginActivationStates(
+    const std::vector<uint32_t>& databaseIDs) {
     PluginActivationStates states;
     if (sm_pFontManager) {
         // What it cannot tell is left out; the tracker counts that as still activated.
@@ -103,7 +109,8 @@ int16_t FontManagerInterface::XTDeactivateFont(CFDictionaryRef font, uint64_t co
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
     // The 16-bit status has no room for the font manager's codes; any failure is a plain error.
-    return sm_pFontManager->DeactivateFonts(fonts.get(), context, nullptr) == CoreErrorCodes::kSuccess ? 0 : -1;
+    return sm_pFontManager->DeactivateFonts(fonts.get(), context, nullptr) == CoreErrorCodes::kSuccess ? 0
+                                                                                                       : -1;
 }
 
 ErrorCode FontManagerInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
@@ -112,7 +119,8 @@ ErrorCode FontManagerInterface::DeactivateFonts(CFArrayRef fonts, uint64_t conte
                            : kErrorMarquellNotRunning;
 }
 
-bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) {
+bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bool replace,
+                                             CFStringRef hint) {
     return sm_pFontManager &&
            sm_pFontManager->SaveDocumentFonts(documentPath, replace, hint) == CoreErrorCodes::kSuccess;
 }

@@ -8,15 +8,17 @@
 #include "FontManagerAccess.h"
 #include "GMutex.h"
 
-/// One process-wide object. Main thread; the creation and the shutting down of the font-manager object are locked.
+/// One process-wide object. Main thread; the creation and the shutting down of the font-manager object are
+/// locked.
 class FontManagerInterface : public FontManagerAccess {
 public:
     static FontManagerInterface& GetSharedInstance();
 
-    /// True when the interface library is fully loaded and of a version that goes with the plug-in's. Makes the
-    /// font-manager object when it is not there yet.
+    /// True when the interface library is fully loaded and of a version that goes with the plug-in's. Makes
+    /// the font-manager object when it is not there yet.
     bool CompatibleFontManagerIsRunning();
-    /// The font-manager object; null until a font manager was found, and again after the host said that it quits.
+    /// The font-manager object; null until a font manager was found, and again after the host said that it
+    /// quits.
     CoreAgentInterface* GetFontManager() { return sm_pFontManager.get(); }
 
     /// The start-up step for the current workgroup.
@@ -25,8 +27,8 @@ public:
     bool IsWorkgroupAvailable();
     /// Whether fonts may be asked for: a font manager was found and the plug-in is functional.
     bool IsUsable();
-    /// The host quits: closes the documents' fonts if "CloseFontsOnHostAppQuit" is on and the user is logged in, and
-    /// lets go of the font manager.
+    /// The host quits: closes the documents' fonts if "CloseFontsOnHostAppQuit" is on and the user is logged
+    /// in, and lets go of the font manager.
     void OnHostAppShuttingDown();
 
     bool IsRunning() override { return sm_pFontManager != nullptr; }
@@ -38,7 +40,8 @@ public:
                                 CFMutableArrayRef matchedFonts) override;
     PluginActivationStates GetPluginActivationStates(const std::vector<uint32_t>& databaseIDs) override;
     int16_t XTDeactivateFont(CFDictionaryRef font, uint64_t context) override;
-    ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts) override;
+    ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context,
+                              CFMutableArrayRef deactivatedFonts) override;
     bool SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) override;
 
 private:

@@ -68,7 +68,8 @@ VPILoader::~VPILoader() {
 }
 
 void VPILoader::FindAndLoad() {
-    bool isAgentFound = AgentLauncher::GetPathToRunningProcessExe(platform::ProgramFileName("Pellwick"), mLibraryPath) == 0;
+    bool isAgentFound =
+        AgentLauncher::GetPathToRunningProcessExe(platform::ProgramFileName("Pellwick"), mLibraryPath) == 0;
     if (!isAgentFound)
         isAgentFound = AgentLauncher::FindAndLaunchPellwick(&mLibraryPath) == 0;
     const platform::LibraryHandle library = isAgentFound ? LoadLibraryOfAgent() : LoadLibraryByName();
@@ -94,7 +95,8 @@ platform::LibraryHandle VPILoader::LoadLibraryOfAgent() {
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     const platform::LibraryHandle library = libraries.LoadFromPath(mLibraryPath, error);
     if (library != nullptr) {
-        LogMessage(0, "SUCCESS: LoadLibraryA('%s') returned 0x%08x", mLibraryPath.c_str(), TraceAddress(library));
+        LogMessage(0, "SUCCESS: LoadLibraryA('%s') returned 0x%08x", mLibraryPath.c_str(),
+                   TraceAddress(library));
     } else {
         LogMessage(0, "LoadLibraryA('%s') returned error code 0x%08x (%d)", mLibraryPath.c_str(),
                    static_cast<unsigned>(error.code), error.code);
@@ -115,11 +117,12 @@ platform::LibraryHandle VPILoader::LoadLibraryByName() {
     const std::string path = libraries.PathOf(library);
     if (!path.empty() && path.size() < kLongestModuleFileName) {
         mLibraryPath = path;
-        LogMessage(0, "SUCCESS: LoadLibraryA('%s') returned 0x%08x; path='%s'", name.c_str(), TraceAddress(library),
-                   path.c_str());
+        LogMessage(0, "SUCCESS: LoadLibraryA('%s') returned 0x%08x; path='%s'", name.c_str(),
+                   TraceAddress(library), path.c_str());
     } else {
         LogMessage(0, "Failure in GetModuleFileNameA(0x%08x, '%s', ...); GetLastError() returned 0x%08x",
-                   TraceAddress(library), name.c_str(), static_cast<unsigned>(platform::LastSystemError().code));
+                   TraceAddress(library), name.c_str(),
+                   static_cast<unsigned>(platform::LastSystemError().code));
     }
     return library;
 }
@@ -176,8 +179,8 @@ CFStringRef VPILoader::VersionStringRef() const {
 }
 
 PluginThreadInstanceRef VPILoader::ThreadInstance() const {
-    // Instances stay with the library, which gives them up with the process: a thread that ends inside a host may do so
-    // after the library was told to clean up.
+    // Instances stay with the library, which gives them up with the process: a thread that ends inside a host
+    // may do so after the library was told to clean up.
     thread_local PluginThreadInstanceRef instance = nullptr;
     if (instance == nullptr && pfInitThreadInstance != nullptr && pfInitThreadInstance(&instance) != 0)
         instance = nullptr;

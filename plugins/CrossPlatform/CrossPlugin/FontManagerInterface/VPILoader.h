@@ -1,7 +1,7 @@
 // The font manager's plug-in interface library, found beside the agent, loaded and bound by name at run time.
 //
-// Every call into the font manager goes through the function pointers of the shared instance. A pointer may be null,
-// whatever the validation said: test it first.
+// Every call into the font manager goes through the function pointers of the shared instance. A pointer may
+// be null, whatever the validation said: test it first.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>
@@ -31,14 +31,15 @@ public:
     VPILoader(const VPILoader&) = delete;
     VPILoader& operator=(const VPILoader&) = delete;
 
-    /// Copies what was loaded to the caller; true only when every function is bound. Null outputs answer false.
+    /// Copies what was loaded to the caller; true only when every function is bound. Null outputs answer
+    /// false.
     bool IsLoaded(std::string* path, std::string* version, uint32_t* missingCount) const;
 
     /// The version of the library, empty when it has none. The caller releases it.
     CFStringRef VersionStringRef() const;
 
-    /// The calling thread's instance of the interface library, made on the thread's first call and kept; null when
-    /// there is none to be had.
+    /// The calling thread's instance of the interface library, made on the thread's first call and kept; null
+    /// when there is none to be had.
     PluginThreadInstanceRef ThreadInstance() const;
 
 private:

@@ -27,8 +27,8 @@ bool ComponentsAgree(const std::string& a, const std::string& b) {
 bool VersionsAreCompatible(const std::string& pluginVersion, const std::string& interfaceVersion) {
     const bool isEitherOpen = pluginVersion.empty() || interfaceVersion.empty() ||
                               pluginVersion == kDevelopmentVersion || interfaceVersion == kDevelopmentVersion;
-    const bool result = pluginVersion == interfaceVersion || isEitherOpen ||
-                        ComponentsAgree(pluginVersion, interfaceVersion);
+    const bool result =
+        pluginVersion == interfaceVersion || isEitherOpen || ComponentsAgree(pluginVersion, interfaceVersion);
     LogMessage(0, "%s('%s', '%s') returning %d", "VersionsAreCompatible", pluginVersion.c_str(),
                interfaceVersion.c_str(), result);
     return result;

@@ -2,7 +2,9 @@
 
 #include "TraceLog.h"
 
-void GeneralInterface::ShowProgressHint(const char* hint) { LogMessage(0, "%s", hint); }
+void GeneralInterface::ShowProgressHint(const char* hint) {
+    LogMessage(0, "%s", hint);
+}
 
 void GeneralInterface::Refresh(bool menus, bool) {
     if (menus)

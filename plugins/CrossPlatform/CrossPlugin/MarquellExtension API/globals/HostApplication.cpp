@@ -12,7 +12,9 @@ bool BeginsWith(const std::string& text, std::string_view prefix) {
     return text.compare(0, prefix.size(), prefix) == 0;
 }
 
-bool Contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
+bool Contains(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
 
 struct NamedKind {
     const char* prefix;
@@ -40,8 +42,8 @@ constexpr std::array<BundleHostApp, 8> kBundleHostApps{
      {"com.vantorix.AutoActivationPlugin.AE250", "AfterEffects2025"},
      {"com.vantorix.AutoActivationPlugin.AE260", "AfterEffects2026"}}};
 
-/// The value of the version component at `position`, which is moved past it and its dot. Characters are not checked
-/// for being digits. Unsigned, so that an absurd number wraps around.
+/// The value of the version component at `position`, which is moved past it and its dot. Characters are not
+/// checked for being digits. Unsigned, so that an absurd number wraps around.
 unsigned NextComponent(const std::string& version, size_t& position) {
     unsigned value = 0;
     while (position < version.size() && version[position] != '.')
@@ -103,10 +105,11 @@ std::string HostWindowName(const std::string& hostApp) {
         default:
             break;
     }
-    LogMessage(0,
-               "Host app ('%s') is not After Effects, InDesign, InCopy, Illustrator, Photoshop, or Quark! Setting "
-               "window name to '?\?\?'",
-               hostApp.c_str());
+    LogMessage(
+        0,
+        "Host app ('%s') is not After Effects, InDesign, InCopy, Illustrator, Photoshop, or Quark! Setting "
+        "window name to '?\?\?'",
+        hostApp.c_str());
     return "???";
 }
 

@@ -27,6 +27,6 @@ std::string HostWindowName(const std::string& hostApp);
 /// The host application that a plug-in with this bundle identifier serves; empty for an unknown identifier.
 std::string MapBundleIDtoHostApp(const std::string& bundleID);
 
-/// 1 when version `a` is greater, -1 when `b` is, 0 when they are equal. Dot-separated numbers; a missing component
-/// counts as 0.
+/// 1 when version `a` is greater, -1 when `b` is, 0 when they are equal. Dot-separated numbers; a missing
+/// component counts as 0.
 int CompareVersions(const std::string& a, const std::string& b);

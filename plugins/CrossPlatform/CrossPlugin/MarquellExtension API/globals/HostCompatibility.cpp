@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr std::array<const char*, 6> kHostWords{"After", "Illustrator", "InCopy", "InDesign", "Photoshop", "Sketch"};
+constexpr std::array<const char*, 6> kHostWords{"After",    "Illustrator", "InCopy",
+                                                "InDesign", "Photoshop",   "Sketch"};
 
 bool NamesAHost(const std::string& processName) {
     return std::any_of(kHostWords.begin(), kHostWords.end(),
@@ -19,7 +20,8 @@ bool NamesAHost(const std::string& processName) {
 bool MeetsMinimumVersion(const std::string& hostVersion, const std::string& minimum) {
     if (minimum.empty() || CompareVersions(minimum, hostVersion) <= 0)
         return true;
-    LogMessage(0, "RunningInCompatibleHostApp: app version (%s) incompatible with minimumVersionRequired (%s)",
+    LogMessage(0,
+               "RunningInCompatibleHostApp: app version (%s) incompatible with minimumVersionRequired (%s)",
                hostVersion.c_str(), minimum.c_str());
     return false;
 }

@@ -19,7 +19,8 @@ std::vector<WindowInfo>::const_iterator FindByTitle(const std::vector<WindowInfo
 /// The host's own ways of naming its window, where its class does not tell.
 WindowHandle FindBySpecialRule(const std::string& hostWindowName) {
     if (hostWindowName == "Illustrator9") {
-        const WindowHandle window = platform::Current<platform::Windowing>().FindTopLevelByClass("illustrator");
+        const WindowHandle window =
+            platform::Current<platform::Windowing>().FindTopLevelByClass("illustrator");
         if (window != nullptr)
             LogMessage(0, "... but FindWindowA('illustrator', NULL) succeeded");
         return window;

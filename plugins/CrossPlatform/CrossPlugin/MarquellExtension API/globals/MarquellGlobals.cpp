@@ -79,31 +79,61 @@ void SetHostApp(const std::optional<std::string>& name) {
         globals.hostWindowName = HostWindowName(*globals.sHostApp);
 }
 
-std::string GetPluginBundleIdentifier() { return Globals().bundleIdentifier.value_or(""); }
-std::string GetPluginHostApp() { return Globals().sHostApp.value_or(""); }
-std::string GetVersionPrefixRequired() { return Globals().versionPrefixRequired.value_or(""); }
-std::string GetHostAppMinimumVersion() { return Globals().hostAppMinimumVersion.value_or(""); }
-std::string GetPluginVersion() { return Globals().pluginVersion.value_or(""); }
-std::string GetPluginInterfaceVersion() { return Globals().pluginInterfaceVersion.value_or(""); }
-std::string GetPluginPath() { return Globals().pluginPath.value_or(""); }
-std::string GetHostWindowName() { return Globals().hostWindowName; }
+std::string GetPluginBundleIdentifier() {
+    return Globals().bundleIdentifier.value_or("");
+}
+std::string GetPluginHostApp() {
+    return Globals().sHostApp.value_or("");
+}
+std::string GetVersionPrefixRequired() {
+    return Globals().versionPrefixRequired.value_or("");
+}
+std::string GetHostAppMinimumVersion() {
+    return Globals().hostAppMinimumVersion.value_or("");
+}
+std::string GetPluginVersion() {
+    return Globals().pluginVersion.value_or("");
+}
+std::string GetPluginInterfaceVersion() {
+    return Globals().pluginInterfaceVersion.value_or("");
+}
+std::string GetPluginPath() {
+    return Globals().pluginPath.value_or("");
+}
+std::string GetHostWindowName() {
+    return Globals().hostWindowName;
+}
 
-HostKind GetHostKind() { return HostKindFromName(GetPluginHostApp()); }
-bool HostAppIsInDesign() { return GetHostKind() == HostKind::kInDesign; }
-bool HostAppIsInCopy() { return GetHostKind() == HostKind::kInCopy; }
-bool HostAppIsIllustrator() { return GetHostKind() == HostKind::kIllustrator; }
-bool HostAppIsPhotoshop() { return GetHostKind() == HostKind::kPhotoshop; }
-bool HostAppIsAfterEffects() { return IsAfterEffectsName(GetPluginHostApp()); }
+HostKind GetHostKind() {
+    return HostKindFromName(GetPluginHostApp());
+}
+bool HostAppIsInDesign() {
+    return GetHostKind() == HostKind::kInDesign;
+}
+bool HostAppIsInCopy() {
+    return GetHostKind() == HostKind::kInCopy;
+}
+bool HostAppIsIllustrator() {
+    return GetHostKind() == HostKind::kIllustrator;
+}
+bool HostAppIsPhotoshop() {
+    return GetHostKind() == HostKind::kPhotoshop;
+}
+bool HostAppIsAfterEffects() {
+    return IsAfterEffectsName(GetPluginHostApp());
+}
 
 bool HostAppIsSketch() {
     const std::string hostApp = GetPluginHostApp();
     const bool isSketch = IsSketchName(hostApp);
-    LogMessage(0, "%s() returning %d because GetPluginHostApp() returned '%s'", "MarquellGlobals::HostAppIsSketch",
-               isSketch, hostApp.c_str());
+    LogMessage(0, "%s() returning %d because GetPluginHostApp() returned '%s'",
+               "MarquellGlobals::HostAppIsSketch", isSketch, hostApp.c_str());
     return isSketch;
 }
 
-std::string GetHostShortCode() { return HostShortCode(GetPluginHostApp()); }
+std::string GetHostShortCode() {
+    return HostShortCode(GetPluginHostApp());
+}
 
 void SetPluginServicesEnabled(bool enable) {
     LogMessage(0, "Calling MarquellGlobals::SetPluginServicesEnabled( enable=%d )", enable);
@@ -120,7 +150,9 @@ void SetLoggedIn(bool loggedIn) {
     Globals().loggedIn = loggedIn;
 }
 
-void SetPluginFunctionalityEnabled(bool enable) { Globals().functionalityEnabled = enable; }
+void SetPluginFunctionalityEnabled(bool enable) {
+    Globals().functionalityEnabled = enable;
+}
 
 void SetBulkReplicationRunning(bool isReplicating) {
     LogMessage(0, "Calling MarquellGlobals::SetBulkReplicationRunning(isReplicating=%d)", isReplicating);
@@ -128,17 +160,32 @@ void SetBulkReplicationRunning(bool isReplicating) {
 }
 
 void SetIncrementalReplicationRunning(bool isReplicating) {
-    LogMessage(0, "Calling MarquellGlobals::SetIncrementalReplicationRunning(isReplicating=%d)", isReplicating);
+    LogMessage(0, "Calling MarquellGlobals::SetIncrementalReplicationRunning(isReplicating=%d)",
+               isReplicating);
     Globals().incrementalReplicationRunning = isReplicating;
 }
 
-bool ArePluginServicesEnabled() { return Globals().servicesEnabled; }
-bool IsConnectedToCore() { return Globals().connectedToCore; }
-bool IsLoggedIn() { return Globals().loggedIn; }
-bool IsPluginFunctionalityEnabled() { return Globals().functionalityEnabled; }
-bool IsBulkReplicationRunning() { return Globals().bulkReplicationRunning; }
-bool IsIncrementalReplicationRunning() { return Globals().incrementalReplicationRunning; }
-bool IsPluginFunctional() { return ArePluginServicesEnabled() && IsLoggedIn() && IsPluginFunctionalityEnabled(); }
+bool ArePluginServicesEnabled() {
+    return Globals().servicesEnabled;
+}
+bool IsConnectedToCore() {
+    return Globals().connectedToCore;
+}
+bool IsLoggedIn() {
+    return Globals().loggedIn;
+}
+bool IsPluginFunctionalityEnabled() {
+    return Globals().functionalityEnabled;
+}
+bool IsBulkReplicationRunning() {
+    return Globals().bulkReplicationRunning;
+}
+bool IsIncrementalReplicationRunning() {
+    return Globals().incrementalReplicationRunning;
+}
+bool IsPluginFunctional() {
+    return ArePluginServicesEnabled() && IsLoggedIn() && IsPluginFunctionalityEnabled();
+}
 
 VPFInterface* GetSharedVPFInterface() {
     State& globals = Globals();
@@ -151,8 +198,9 @@ VPFInterface* GetSharedVPFInterface() {
     if (!globals.vpfInterface) {
         if (!globals.sHostApp)
             LogMessage(0, "ERROR: sHostApp is NULL in %s()", "MarquellGlobals::GetSharedVPFInterface");
-        globals.vpfInterface = std::make_unique<VPFInterface>(VPFInterface::Identity{
-            globals.sHostApp, globals.pluginVersion, globals.bundleIdentifier, globals.pluginInterfaceVersion});
+        globals.vpfInterface = std::make_unique<VPFInterface>(
+            VPFInterface::Identity{globals.sHostApp, globals.pluginVersion, globals.bundleIdentifier,
+                                   globals.pluginInterfaceVersion});
     }
     return globals.vpfInterface.get();
 }
@@ -164,8 +212,12 @@ FontActivationTracker* GetSharedFontActivationTracker() {
     return globals.tracker.get();
 }
 
-HostAppInterface* GetSharedHostAppInterface() { return Globals().hostApp.get(); }
-void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp) { Globals().hostApp = std::move(hostApp); }
+HostAppInterface* GetSharedHostAppInterface() {
+    return Globals().hostApp.get();
+}
+void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp) {
+    Globals().hostApp = std::move(hostApp);
+}
 
 bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint) {
     constexpr char kName[] = "MarquellGlobals::SaveDocumentFonts";

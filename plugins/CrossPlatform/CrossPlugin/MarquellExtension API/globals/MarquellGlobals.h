@@ -1,5 +1,5 @@
-// The process-wide state of the plug-in core: who the calling plug-in is, which host it runs in, the flags that gate
-// what users see, and the shared objects. Main thread throughout; nothing here is locked.
+// The process-wide state of the plug-in core: who the calling plug-in is, which host it runs in, the flags
+// that gate what users see, and the shared objects. Main thread throughout; nothing here is locked.
 #pragma once
 
 #include <functional>
@@ -8,19 +8,22 @@
 #include <string>
 
 #include "FontActivationTracker.h"
-#include "HostApplication.h"
 #include "HostAppInterface.h"
+#include "HostApplication.h"
 #include "VPFInterface.h"
 
 namespace MarquellGlobals {
 
-// ---- Identity: set once at start-up, lives to process end. Getters answer with an empty text for what is not set.
+// ---- Identity: set once at start-up, lives to process end. Getters answer with an empty text for what is
+// not set.
 
-/// Takes over who the plug-in is from its bundle identifier or path and the version that the host must begin with.
-/// `interfaceVersion` is asked for the version of the font manager's interface library when its turn comes.
+/// Takes over who the plug-in is from its bundle identifier or path and the version that the host must begin
+/// with. `interfaceVersion` is asked for the version of the font manager's interface library when its turn
+/// comes.
 void SetUpPluginIdentity(const std::string& identifierOrPath, const std::string& versionPrefixRequired,
                          const std::function<std::string()>& interfaceVersion);
-/// Sets the host application and with it the name of its window; no name takes the bundle identifier's instead.
+/// Sets the host application and with it the name of its window; no name takes the bundle identifier's
+/// instead.
 void SetHostApp(const std::optional<std::string>& name);
 
 std::string GetPluginBundleIdentifier();
@@ -69,12 +72,13 @@ void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp);
 
 // ---- The host.
 
-/// Whether the host process is one that this plug-in serves. Sets `disableDialogs` in a process that is no host.
+/// Whether the host process is one that this plug-in serves. Sets `disableDialogs` in a process that is no
+/// host.
 bool RunningInCompatibleHostApp(bool& disableDialogs);
 /// The window that dialogs belong to, or null.
 void* GetHostAppMainWindow();
-/// The first top-level window whose title contains `topTitle` and, when `childTitle` is given, that has a window below
-/// it whose title contains this; else null. Titles are UTF-8.
+/// The first top-level window whose title contains `topTitle` and, when `childTitle` is given, that has a
+/// window below it whose title contains this; else null. Titles are UTF-8.
 void* FindWindowWithMatchingTitle(const char* topTitle, const char* childTitle);
 
 // ---- Fonts.

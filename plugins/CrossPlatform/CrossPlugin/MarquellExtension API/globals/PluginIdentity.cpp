@@ -9,12 +9,15 @@ namespace {
 constexpr char kBundleIdentifierPrefix[] = "com.vantorix.";
 constexpr char kUnknownVersion[] = "x.x.x.x";
 constexpr size_t kLongestModulePath = 4096;
-// GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, as they stand in the trace.
+// GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, as they stand in the
+// trace.
 constexpr unsigned kModuleQueryFlags = 0x4 | 0x2;
 
 const char kAddressInThisModule = 0;
 
-bool BeginsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
+bool BeginsWith(const std::string& text, const char* prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
 
 std::optional<std::string> NonEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
@@ -34,7 +37,8 @@ std::string PathOfThisModule() {
     LogMessage(0, "GetModuleHandleEx returned module handle 0x%08x", TraceAddress(module));
     std::string path = libraries.PathOfModuleAt(&kAddressInThisModule);
     if (path.size() >= kLongestModulePath) {
-        LogMessage(0, "GetLastError() returned %d after GetModuleFileNameW()", platform::LastSystemError().code);
+        LogMessage(0, "GetLastError() returned %d after GetModuleFileNameW()",
+                   platform::LastSystemError().code);
         return {};
     }
     LogMessage(0, "Plugin path is '%s'.", path.c_str());

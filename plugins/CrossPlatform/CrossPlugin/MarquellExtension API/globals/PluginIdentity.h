@@ -11,10 +11,10 @@ struct PluginIdentity {
     std::string pluginPath;  ///< UTF-8
 };
 
-/// `identifierOrPath`: a bundle identifier that begins "com.vantorix.", for a plug-in that carries this library, or
-/// the path of the calling plug-in's file.
+/// `identifierOrPath`: a bundle identifier that begins "com.vantorix.", for a plug-in that carries this
+/// library, or the path of the calling plug-in's file.
 PluginIdentity IdentifyPlugin(const std::string& identifierOrPath);
 
-/// The version value ("PrivateBuild", "InternalName", "HostAppMinimumVersion") that the file at `path` carries; empty
-/// when it has none.
+/// The version value ("PrivateBuild", "InternalName", "HostAppMinimumVersion") that the file at `path`
+/// carries; empty when it has none.
 std::string GetFileVersionString(const std::string& path, const char* key);

@@ -6,7 +6,9 @@
 
 namespace {
 
-const char* OrNull(const std::optional<std::string>& text) { return text ? text->c_str() : "NULL"; }
+const char* OrNull(const std::optional<std::string>& text) {
+    return text ? text->c_str() : "NULL";
+}
 
 std::string FolderOfThisModule() {
     static const char anchor = 0;
@@ -35,8 +37,8 @@ void VPFInterface::Identify(const Identity& identity) {
     LogMessage(0,
                "VPFInterface::VPFInterface(hostApp='%s', pluginVersion='%s', pluginBundleIdentifier='%s', "
                "vantorixPluginInterfaceVersion='%s')",
-               OrNull(identity.hostApp), OrNull(identity.pluginVersion), OrNull(identity.pluginBundleIdentifier),
-               OrNull(identity.pluginInterfaceVersion));
+               OrNull(identity.hostApp), OrNull(identity.pluginVersion),
+               OrNull(identity.pluginBundleIdentifier), OrNull(identity.pluginInterfaceVersion));
     mIdentification = cf::MutableDictionary();
     if (identity.hostApp)
         cf::Set(mIdentification, "HostApp", *identity.hostApp);
@@ -62,8 +64,8 @@ VPFInterface::FrameworkState VPFInterface::BindFramework(const Identity& identit
     const auto create = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
         libraries.FindSymbol(library, kCreateVantorixPluginFramework));
     if (create != nullptr)
-        mFramework = create(VantorixPluginFramework::kInterfaceVersion, identity.pluginBundleIdentifier->c_str(),
-                            mIdentification.get());
+        mFramework = create(VantorixPluginFramework::kInterfaceVersion,
+                            identity.pluginBundleIdentifier->c_str(), mIdentification.get());
     if (mFramework == nullptr) {
         LogMessage(0, "ERROR:  %s in '%s' gave no framework of version %d", kCreateVantorixPluginFramework,
                    mFrameworkPath.c_str(), static_cast<int>(VantorixPluginFramework::kInterfaceVersion));

@@ -1,7 +1,7 @@
 // The plug-in framework as the core uses it: preferences, localized strings, message boxes, dialogs.
 //
-// The framework is a library of its own, found beside the core at run time. Without it everything here still answers:
-// preferences read as 0 and empty, and questions get the answer of a user who is not there.
+// The framework is a library of its own, found beside the core at run time. Without it everything here still
+// answers: preferences read as 0 and empty, and questions get the answer of a user who is not there.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>

@@ -1,11 +1,12 @@
-// Paths are UTF-8 text; these are the only two ways into and out of std::filesystem.
+// Paths are UTF-8 text; these are the ways into and out of std::filesystem, whose own conversion from narrow
+// text depends on the system.
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 
-namespace pellwick {
+namespace platform {
 
 inline std::filesystem::path Utf8Path(std::string_view text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
@@ -16,4 +17,4 @@ inline std::string Utf8Text(const std::filesystem::path& path) {
     return {text.begin(), text.end()};
 }
 
-}  // namespace pellwick
+}  // namespace platform
