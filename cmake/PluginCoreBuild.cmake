@@ -23,7 +23,7 @@ find_package(Threads REQUIRED)
 
 add_library(plugincore-build-options INTERFACE)
 target_compile_options(plugincore-build-options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Werror $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
   # Paths in log lines are relative to the repository, whatever folder it was cloned into.
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
 target_link_libraries(plugincore-build-options INTERFACE Threads::Threads)

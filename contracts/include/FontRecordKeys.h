@@ -57,9 +57,8 @@ FONT_RECORD_KEYS(FONT_RECORD_KEY_CONSTANT)
 #undef FONT_RECORD_KEY_CONSTANT
 
 /*
- * Values of kGS_ActivationStateKey. 1 to 6 and 9 to 11 count as active, everything else as not active. The
- * font manager that stands in this repository uses those named here; others may come from other font
- * managers.
+ * Values of kGS_ActivationStateKey. The font manager that stands in this repository uses those named here;
+ * others may come from other font managers.
  */
 enum FontActivationState {
     kFontActivationState_Unknown = -1,
@@ -70,5 +69,10 @@ enum FontActivationState {
     kFontActivationState_Missing = 7,           /* its file is gone */
     kFontActivationState_Damaged = 8
 };
+
+/* Whether a font in that state counts as active. */
+static inline int FontActivationStateCountsAsActive(long long state) {
+    return (state >= 1 && state <= 6) || (state >= 9 && state <= 11);
+}
 
 #endif

@@ -45,13 +45,11 @@ int HostSession::Start(const HostOptions& options) {
         PrintError("the core cannot start: " + ResultName(code));
         return exit_status::kFailed;
     }
-    PrintError(
-        code == PLUGINCORE_SUCCESS
-            ? "the font manager cannot be used; see 'Pellwick status': start it with 'Pellwick serve', or "
-              "log in "
-              "with 'Pellwick login NAME'"
-            : "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
-              "launch-info' once so that it is started for you (if it runs, see that --app begins with the "
-              "name of a host application)");
+    PrintError(code == PLUGINCORE_SUCCESS
+                   ? "the font manager cannot be used; 'Pellwick status' tells why: start it with 'Pellwick "
+                     "serve', or "
+                     "log in with 'Pellwick login NAME'"
+                   : "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
+                     "launch-info' once so that it is started for you");
     return exit_status::kFontManagerUnreachable;
 }

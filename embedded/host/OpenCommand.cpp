@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
-#include "FontActivationTracker.h"
 #include "FontRecordKeys.h"
 #include "Output.h"
 #include "VisibleFonts.h"
@@ -31,6 +30,12 @@ bool IsSuccess(uint32_t code) {
     return code == PLUGINCORE_SUCCESS || code == 1;
 }
 
+/// The core writes no list at all when it could not ask the font manager.
+json FontList(const char* text) {
+    json list = json::parse(text, nullptr, false);
+    return list.is_array() ? list : json::array();
+}
+
 OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
     OpenedDocument document;
     document.path = path;
@@ -43,8 +48,8 @@ OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
         core.HandleOpenExistingDocument(path.c_str(), nullptr, matched.get(), &matchedSize, unmatched.get(),
                                         &unmatchedSize, &document.numFontsActivated);
     if (IsSuccess(document.code)) {
-        document.matched = json::parse(matched.get(), nullptr, false);
-        document.unmatched = json::parse(unmatched.get(), nullptr, false);
+        document.matched = FontList(matched.get());
+        document.unmatched = FontList(unmatched.get());
     }
     return document;
 }
@@ -59,7 +64,7 @@ std::string StateText(const json& font) {
         case kFontActivationState_SystemFont:
             return "active (system)";
         default:
-            return ActivationStateCountsAsActive(state) ? "active" : "inactive";
+            return FontActivationStateCountsAsActive(state) ? "active" : "inactive";
     }
 }
 
@@ -90,7 +95,7 @@ void PrintAsJSON(const OpenedDocument& document) {
                     {"numFontsActivated", document.numFontsActivated},
                     {"matched", document.matched},
                     {"unmatched", document.unmatched}};
-    fmt::print("{}\n", line.dump());
+    fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 /// Opens one document and shows it; what it means for the program's exit status.

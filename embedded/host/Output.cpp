@@ -29,6 +29,13 @@ void PrintError(const std::string& message) {
     fmt::print(stderr, "plugincore-host: {}\n", message);
 }
 
+bool FlushOutput() {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return true;
+    PrintError("standard output cannot be written; not everything was printed");
+    return false;
+}
+
 std::string ResultName(uint32_t code) {
     return code == 1 ? "FontsActivated" : ErrorCodeToName(code);
 }

@@ -16,6 +16,9 @@ inline constexpr int kFontManagerUnreachable = 5;
 /// One line on standard error.
 void PrintError(const std::string& message);
 
+/// Writes out what standard output holds back; false after an error line when something was lost.
+bool FlushOutput();
+
 /// "CoreErrorCodes::kNotFound" and the like; "FontsActivated" for the 1 that an open answers with.
 std::string ResultName(uint32_t code);
 

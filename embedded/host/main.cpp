@@ -14,6 +14,18 @@ constexpr char kExitStatusHelp[] =
     "5 the font manager cannot be reached.\n"
     "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
 
+constexpr char kHostNamesHelp[] =
+    "name a host application: it holds After, Illustrator, InCopy, InDesign, Photoshop or Sketch";
+
+/// The core serves processes with such names alone.
+bool NamesAHost(const std::string& name) {
+    for (const char* word : {"After", "Illustrator", "InCopy", "InDesign", "Photoshop", "Sketch"}) {
+        if (name.find(word) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -26,7 +38,9 @@ int main(int argc, char** argv) {
     HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
     std::string answers;
     bool json = false;
-    program.add_option("--app", host.app, "The host application to pass for")->capture_default_str();
+    program.add_option("--app", host.app, "The host application to pass for")
+        ->capture_default_str()
+        ->check([](const std::string& name) { return NamesAHost(name) ? "" : kHostNamesHelp; });
     program.add_option("--core", host.corePath, "The core's library")->capture_default_str();
     program.add_option("--answers", answers, "A JSON file of answers to the questions that dialogs ask");
     program.add_flag("--json", json, "Write JSON, one line for each file");
@@ -59,12 +73,16 @@ int main(int argc, char** argv) {
     platform::SetCurrentProcessName(host.app);
     if (!answers.empty())
         platform::SetEnvironment("PLUGINCORE_ANSWERS", FullPath(answers));
-    if (*fontsCommand)
-        return RunFonts(files, json);
-    if (*scriptCommand)
-        return RunScript(host);
     open.json = json;
     if (*forOption)
         open.seconds = seconds;
-    return RunOpen(host, open);
+    try {
+        const int status = *fontsCommand    ? RunFonts(files, json)
+                           : *scriptCommand ? RunScript(host)
+                                            : RunOpen(host, open);
+        return FlushOutput() ? status : exit_status::kFailed;
+    } catch (const std::exception& exception) {
+        PrintError(exception.what());
+        return exit_status::kFailed;
+    }
 }

@@ -6,6 +6,7 @@
 #include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -282,6 +283,9 @@ public:
             char* end = nullptr;
             const long id = std::strtol(entry->d_name, &end, 10);
             if (id <= 0 || *end != '\0')
+                continue;
+            struct stat owner {};
+            if (fstatat(dirfd(proc.get()), entry->d_name, &owner, 0) != 0 || owner.st_uid != geteuid())
                 continue;
             std::string path = TargetOfLink("/proc/" + std::to_string(id) + "/exe");
             if (!path.empty())

@@ -25,10 +25,6 @@ bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t datab
 
 }  // namespace
 
-bool ActivationStateCountsAsActive(int64_t activationState) {
-    return (activationState >= 1 && activationState <= 6) || (activationState >= 9 && activationState <= 11);
-}
-
 FontActivationTracker::FontActivationTracker(PreferenceAccess* preferences) : mPreferences(preferences) {}
 
 std::string FontActivationTracker::GenerateUniqueIdentifier() {
@@ -115,7 +111,7 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
                state ? std::to_string(*state).c_str() : "NULL", static_cast<int>(databaseID),
                cf::ToUtf8(name).c_str());
     Registration registration;
-    registration.isAlreadyActive = state && ActivationStateCountsAsActive(*state);
+    registration.isAlreadyActive = state && FontActivationStateCountsAsActive(*state) != 0;
     registration.documentIdentifier = documentIdentifier;
     if (!documentIdentifier.empty())
         return RegisterFontWithDocument(font, name, databaseID, registration);

@@ -16,9 +16,6 @@
 /// Status of a request that found no font manager running.
 constexpr ErrorCode kErrorMarquellNotRunning = 1000;
 
-/// Whether a font in that activation state counts as active.
-bool ActivationStateCountsAsActive(int64_t activationState);
-
 /// Main thread. The lock guards the registers all the same; a call that comes back on the thread that holds
 /// it, from a host that pumps events behind a dialog, is refused with CoreErrorCodes::kUnknownError.
 class FontActivationTracker {

@@ -24,7 +24,7 @@ public:
     bool HasFonts() const;
 
     bool isSavePending = false;  ///< handing the fonts to the font manager failed and is to be tried again
-    bool isNewDocument = false;  ///< created by the host and not yet saved
+    bool isNewDocument = false;  ///< the user made it in the host; it had no file then
     bool canExport = false;      ///< the user may copy the document's fonts out
     int64_t openTime = 0;        ///< seconds since 1970-01-01 UTC
     int64_t lastSaveTime = 0;

@@ -21,9 +21,10 @@ namespace {
 static_assert(kFontActivationState_Missing == 7 && kFontActivationState_ActivatedByUser == 1 &&
               kFontActivationState_ActivatedByPlugin == 2);
 
-constexpr char kIsActive[] =
-    "(EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)"
-    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id))";
+constexpr char kSelectActiveFontOfFile[] =
+    "SELECT 1 FROM fonts f WHERE f.file_id = ?"
+    " AND (EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)"
+    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id)) LIMIT 1";
 
 Font FontOfRow(const Statement& row) {
     Font font;
@@ -169,9 +170,7 @@ std::vector<FontFile> FontStore::ActiveFiles() {
 }
 
 bool FontStore::IsFileActive(int64_t fileID) {
-    static const std::string sql =
-        std::string("SELECT 1 FROM fonts f WHERE f.file_id = ? AND ") + kIsActive + " LIMIT 1";
-    return mDatabase.Prepare(sql.c_str()).Bind(fileID).Step();
+    return mDatabase.Prepare(kSelectActiveFontOfFile).Bind(fileID).Step();
 }
 
 }  // namespace pellwick

@@ -38,7 +38,8 @@ class Processes {
 public:
     virtual ~Processes() = default;
 
-    /// Every process that may be inspected, in the system's order. Others are left out silently.
+    /// Every process of this user that may be inspected, in the system's order. Others are left out silently:
+    /// what they run is not to be trusted.
     virtual SystemError List(std::vector<ProcessInfo>& processes) = 0;
     /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
     /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard

@@ -6,7 +6,7 @@
  *
  * Conventions
  * - Strings are UTF-8, zero-terminated. Paths are full paths. Nothing that is passed in is kept or freed.
- * - Every function but three returns a code: 0 is success, others are listed below and with each function.
+ * - Every function but two returns a code: 0 is success, others are listed below and with each function.
  * Nothing is thrown, nothing aborts. A null pointer where a text or a result is expected is answered with a
  * code.
  * - Text results go into buffers of the caller. A buffer comes with a pointer to its size in bytes. Unless a
@@ -45,7 +45,7 @@ extern "C" {
 #define PLUGINCORE_SUCCESS 0u
 #define PLUGINCORE_INVALID_PARAM 0x04000000u      /* a null pointer, or not what was asked for */
 #define PLUGINCORE_NULL_POINTER 0x05000000u       /* a null host handle */
-#define PLUGINCORE_OUT_OF_MEMORY 0x06000000u      /* a document command did not complete */
+#define PLUGINCORE_OUT_OF_MEMORY 0x06000000u      /* out of memory, or a document command failed */
 #define PLUGINCORE_NOT_FOUND 0x07000000u          /* no such document or font */
 #define PLUGINCORE_NOT_IMPLEMENTED 0x08000000u    /* a wrong interface version, or not in this version */
 #define PLUGINCORE_INDEX_OUT_OF_RANGE 0x0C000000u /* the text buffer is too small */
@@ -79,7 +79,8 @@ PLUGINCORE_API uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersi
  */
 PLUGINCORE_API uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled);
 
-/* To be called from the host's idle loop: processes what the font manager reported. Always 0. */
+/* To be called from the host's idle loop: processes what the font manager reported (in this version:
+ * nothing). Always 0. */
 PLUGINCORE_API uint32_t IdleEvent(void);
 
 /* Writes whether the user has yet to log in to the font manager to *showLogin. */
@@ -105,7 +106,8 @@ PLUGINCORE_API uint32_t RegisterPlugPlug(void* plugPlug);
  * PLUGINCORE_NOT_INITIALIZED while registration fails. */
 PLUGINCORE_API uint32_t TryRegisterPlugPlug(void* plugPlug);
 
-/* To be called from the idle loop: exchanges messages with the panels. 0. */
+/* To be called from the idle loop: exchanges messages with the panels (in this version: there
+ * are none). 0. */
 PLUGINCORE_API uint32_t ProcessPanelMessages(bool closeListeningSocket);
 
 /* ---- Document events. A document is known by its path, or before it has one by its identifier (a UUID). */
@@ -177,7 +179,7 @@ PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fo
 
 /* ---- Menus. In this version all four: PLUGINCORE_NOT_IMPLEMENTED. */
 
-/* Called once per menu item. label: its number as text; title: what is shown. */
+/* Called once per menu item. id: what HandleMenuSelection takes; label: the text shown. */
 typedef uint32_t (*PluginCoreMenuItemCallback)(const char* id, const char* label, void* context);
 
 PLUGINCORE_API uint32_t GetMenus(const char* document, char* buffer, size_t* size);

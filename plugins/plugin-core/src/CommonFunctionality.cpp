@@ -9,7 +9,7 @@ CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
     CFIndex count = 0;
     for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
         const auto state = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_ActivationStateKey);
-        if (state && ActivationStateCountsAsActive(*state))
+        if (state && FontActivationStateCountsAsActive(*state))
             ++count;
     }
     return count;

@@ -77,28 +77,48 @@ bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& 
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
 }
 
+/// The opening and the closing line of an event, the latter however it ends, with its result.
+class TracedEvent {
+public:
+    TracedEvent(const char* name, const std::string& subject) : mName(name) {
+        LogMessage(1, "Entering %s('%s', ...)", mName, subject.c_str());
+    }
+    ~TracedEvent() { LogMessage(-1, "Exiting %s() with result %d", mName, static_cast<int>(result)); }
+    TracedEvent(const TracedEvent&) = delete;
+    TracedEvent& operator=(const TracedEvent&) = delete;
+
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+
+private:
+    const char* mName;
+};
+
 }  // namespace
 
 namespace DocumentEvents {
 
 ErrorCode HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize) {
-    constexpr char kName[] = "PluginCoreInterface::HandleCreateNewDocument";
-    LogMessage(1, "Entering %s(...)", kName);
+    TracedEvent event("PluginCoreInterface::HandleCreateNewDocument", "");
     const Document record = MakeRecord();
     record->SetLastKnownModificationTime(0);
     record->isNewDocument = true;
     Documents().AddNewDocument(record);
-    ErrorCode result = CopyTextToBuffer(record->Identifier(), idBuffer, idBufferSize);
-    if (result == CoreErrorCodes::kIndexOutOfRange)
-        result = CoreErrorCodes::kInvalidParam;
-    LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result));
-    return result;
+    event.result = CopyTextToBuffer(record->Identifier(), idBuffer, idBufferSize);
+    if (event.result == CoreErrorCodes::kIndexOutOfRange)
+        event.result = CoreErrorCodes::kInvalidParam;
+    return event.result;
 }
 
 ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string& fontsJSON, char* bufferA,
                                      size_t* sizeA, char* bufferB, size_t* sizeB, int* numFontsActivated) {
     constexpr char kName[] = "PluginCoreInterface::HandleOpenExistingDocument";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const char* writtenText = "";  // buffer A holds no text of ours until one was copied
     LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
+    const ScopeExit exitLine([&] {
+        LogMessage(-1, "Exiting %s('%s', '%s', %d) with result %d", kName, path.c_str(), writtenText,
+                   static_cast<int>(*sizeA), static_cast<int>(result));
+    });
     const CFRef<CFMutableArrayRef> fonts = FontsOfDocument(path, fontsJSON);
     *numFontsActivated = 0;
     const Document record = FindOrCreateRecord(path);
@@ -107,118 +127,113 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
     // The result speaks of the buffers; what activation came to shows in the lists.
     static_cast<void>(
         CommonFunctionality::ActivateDocumentFontsSilently(*numFontsActivated, path, *record, fonts.get()));
-    ErrorCode result = CopyFontsToBuffer(record->FontArrayA(), bufferA, sizeA);
-    const bool isBufferAWritten = result == CoreErrorCodes::kSuccess && record->FontArrayA() != nullptr;
+    result = CopyFontsToBuffer(record->FontArrayA(), bufferA, sizeA);
+    if (result == CoreErrorCodes::kSuccess && record->FontArrayA() != nullptr)
+        writtenText = bufferA;
     const ErrorCode resultB = CopyFontsToBuffer(record->FontArrayB(), bufferB, sizeB);
     if (result == CoreErrorCodes::kSuccess)
         result = resultB;
     record->openTime = Now();
     if (*numFontsActivated >= 1 && result == CoreErrorCodes::kSuccess)
         result = 1;
-    LogMessage(-1, "Exiting %s('%s', '%s', %d) with result %d", kName, path.c_str(),
-               isBufferAWritten ? bufferA : "", static_cast<int>(*sizeA), static_cast<int>(result));
     return result;
 }
 
 ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
-    constexpr char kName[] = "PluginCoreInterface::HandleSaveDocument";
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    ErrorCode result = CoreErrorCodes::kUnknownError;
+    TracedEvent event("PluginCoreInterface::HandleSaveDocument", path);
     const Document record = FindOrCreateRecord(path);
     if (HandOverFonts(path, *record, hint)) {
         record->lastSaveTime = Now();
         record->isSavePending = false;
-        result = CoreErrorCodes::kSuccess;
+        event.result = CoreErrorCodes::kSuccess;
     } else {
         record->isSavePending = true;
     }
     record->SetLastKnownModificationTime(VantorixFileUtils::GetFileModificationDate(path));
-    LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result));
-    return result;
+    return event.result;
 }
 
 ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) {
-    constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-    if (const Document record = Documents().FindTrackedDocumentByPath(path)) {
-        if (record->isSavePending || WasWrittenBehindTheHost(path, *record)) {
-            HandOverFonts(path, *record, hint);
-            record->isSavePending = false;
-        }
-        Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());
-        result = CoreErrorCodes::kSuccess;
+    TracedEvent event("PluginCoreInterface::HandleCloseDocument", path);
+    const Document record = Documents().FindTrackedDocumentByPath(path);
+    if (!record)
+        return event.result;
+    if (record->isSavePending || WasWrittenBehindTheHost(path, *record)) {
+        HandOverFonts(path, *record, hint);
+        record->isSavePending = false;
     }
-    LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result));
-    return result;
+    Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());
+    return event.result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode SetPathForDocument(const std::string& path, const std::string& documentId) {
-    constexpr char kName[] = "PluginCoreInterface::SetPathForDocument";
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    ErrorCode result = CoreErrorCodes::kNotFound;
-    if (const Document record = Documents().FindTrackedDocumentByIdentifier(documentId)) {
-        record->SetDocumentFilePath(path);
-        result = CoreErrorCodes::kSuccess;
-    }
-    LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result));
-    return result;
+    TracedEvent event("PluginCoreInterface::SetPathForDocument", path);
+    const Document record = Documents().FindTrackedDocumentByIdentifier(documentId);
+    if (!record)
+        return event.result = CoreErrorCodes::kNotFound;
+    record->SetDocumentFilePath(path);
+    return event.result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBufferSize) {
     constexpr char kName[] = "PluginCoreInterface::GetIDForDocument";
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
     ErrorCode result = CoreErrorCodes::kNotFound;
     std::string identifier;
+    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
+    const ScopeExit exitLine([&] {
+        LogMessage(-1, "%s('%s', id=%s, size=%d) returning %d", kName, path.c_str(), identifier.c_str(),
+                   static_cast<int>(*idBufferSize), static_cast<int>(result));
+    });
     if (const Document record = Documents().FindTrackedDocumentByPath(path)) {
         identifier = record->Identifier();
         result = CopyTextToBuffer(identifier, idBuffer, idBufferSize);
     }
-    LogMessage(-1, "%s('%s', id=%s, size=%d) returning %d", kName, path.c_str(), identifier.c_str(),
-               static_cast<int>(*idBufferSize), static_cast<int>(result));
     return result;
 }
 
 ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string& fontUsage) {
-    constexpr char kName[] = "PluginCoreInterface::UpdateDocumentFontUsage";
-    LogMessage(1, "Entering %s('%s', ...)", kName, document.c_str());
+    TracedEvent event("PluginCoreInterface::UpdateDocumentFontUsage", document);
     Document record = Documents().FindTrackedDocumentByIdentifier(document);
     if (!record)
         record = Documents().FindTrackedDocumentByPath(document);
-    if (record)
-        record->fontUsage = fontUsage;
-    const ErrorCode result = record ? CoreErrorCodes::kSuccess : CoreErrorCodes::kNotFound;
-    LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result));
-    return result;
+    if (!record)
+        return event.result = CoreErrorCodes::kNotFound;
+    record->fontUsage = fontUsage;
+    return event.result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJSON, uint32_t* outCount) {
-    constexpr char kName[] = "PluginCoreInterface::ActivateChosenFonts";
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-    const ScopeExit exitLine(
-        [&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
+    TracedEvent event("PluginCoreInterface::ActivateChosenFonts", path);
     const Document record = Documents().FindTrackedDocumentByPath(path);
     *outCount = 0;
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (!fontsJSON.empty() &&
         AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
-        return result = CoreErrorCodes::kInvalidParam;
-    const CFIndex alreadyActive = CommonFunctionality::CountActiveFonts(fonts.get());
+        return event.result = CoreErrorCodes::kInvalidParam;
     if (record)
-        result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(record->Identifier(),
-                                                                                      fonts.get(), *outCount);
-    if (result == CoreErrorCodes::kUnknownError) {
-        const CFIndex missing = cf::Count(fonts.get()) - alreadyActive - CFIndex{*outCount};
-        result = missing > 0 ? CoreErrorCodes::kNotFound : CoreErrorCodes::kSuccess;
+        event.result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(
+            record->Identifier(), fonts.get(), *outCount);
+    if (event.result == CoreErrorCodes::kUnknownError) {
+        const CFIndex missing = cf::Count(fonts.get()) - CommonFunctionality::CountActiveFonts(fonts.get()) -
+                                static_cast<CFIndex>(*outCount);
+        if (missing == 0)
+            event.result = CoreErrorCodes::kSuccess;
+        else if (missing > 0)
+            event.result = CoreErrorCodes::kNotFound;
     }
-    return result;
+    return event.result;
 }
 
 void CloseAllDocuments() {
     const std::vector<Document> documents = Documents().Documents();
-    for (const Document& document : documents)
-        HandleCloseDocument(document->DocumentFilePath(), "");
+    for (const Document& document : documents) {
+        try {
+            HandleCloseDocument(document->DocumentFilePath(), "");
+        } catch (const std::exception& exception) {
+            LogMessage(0, "Exception thrown in %s(): %s", "DocumentEvents::CloseAllDocuments",
+                       exception.what());
+        }
+    }
 }
 
 }  // namespace DocumentEvents

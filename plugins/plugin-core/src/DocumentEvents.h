@@ -21,6 +21,7 @@ ErrorCode SetPathForDocument(const std::string& path, const std::string& documen
 ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBufferSize);
 ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string& fontUsage);
 ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJSON, uint32_t* outCount);
+/// Closes every tracked document; one that fails does not keep the others open.
 void CloseAllDocuments();
 
 }  // namespace DocumentEvents

@@ -48,6 +48,14 @@ bool AnyNull(Pointers... pointers) {
     return ((pointers == nullptr) || ...);
 }
 
+/// The answer to a null pointer, traced like the call that it stops.
+uint32_t RefuseNull(const char* name, const char* firstArgument) {
+    LogMessage(1, "Entering PluginCoreInterface::%s('%s', ...)", name, OrNull(firstArgument));
+    LogMessage(-1, "Exiting PluginCoreInterface::%s() with result %d", name,
+               static_cast<int>(CoreErrorCodes::kInvalidParam));
+    return CoreErrorCodes::kInvalidParam;
+}
+
 std::string TextOrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -63,8 +71,12 @@ uint32_t InitializePluginCoreInterface(const char* pluginIdentifier, const char*
 }
 
 uint32_t TerminatePluginCoreInterface() {
+    // Guarded apart: whatever happens to the documents, the font manager is let go.
     Guarded(__func__, []() -> uint32_t {
         DocumentEvents::CloseAllDocuments();
+        return 0;
+    });
+    Guarded(__func__, []() -> uint32_t {
         FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
         return 0;
     });
@@ -143,63 +155,71 @@ uint32_t ProcessPanelMessages(bool) {
 // ---- Document events
 
 uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         if (AnyNull(idBuffer, idBufferSize))
-            return CoreErrorCodes::kInvalidParam;
+            return RefuseNull(name, idBuffer != nullptr ? "" : nullptr);
         return DocumentEvents::HandleCreateNewDocument(idBuffer, idBufferSize);
     });
 }
 
 uint32_t HandleOpenExistingDocument(const char* path, const char* fontsJSON, char* bufferA, size_t* sizeA,
                                     char* bufferB, size_t* sizeB, int* numFontsActivated) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         if (AnyNull(path, bufferA, sizeA, bufferB, sizeB, numFontsActivated))
-            return CoreErrorCodes::kInvalidParam;
+            return RefuseNull(name, path);
         return DocumentEvents::HandleOpenExistingDocument(path, TextOrEmpty(fontsJSON), bufferA, sizeA,
                                                           bufferB, sizeB, numFontsActivated);
     });
 }
 
 uint32_t HandleSaveDocument(const char* path, const char* hint) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         return path != nullptr ? DocumentEvents::HandleSaveDocument(path, TextOrEmpty(hint))
-                               : CoreErrorCodes::kInvalidParam;
+                               : RefuseNull(name, path);
     });
 }
 
 uint32_t HandleCloseDocument(const char* path, const char* hint) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         return path != nullptr ? DocumentEvents::HandleCloseDocument(path, TextOrEmpty(hint))
-                               : CoreErrorCodes::kInvalidParam;
+                               : RefuseNull(name, path);
     });
 }
 
 uint32_t SetPathForDocument(const char* path, const char* documentId) {
-    return Guarded(__func__, [&]() -> uint32_t {
-        return AnyNull(path, documentId) ? CoreErrorCodes::kInvalidParam
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        return AnyNull(path, documentId) ? RefuseNull(name, path)
                                          : DocumentEvents::SetPathForDocument(path, documentId);
     });
 }
 
 uint32_t GetIDForDocument(const char* path, char* idBuffer, size_t* idBufferSize) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         return AnyNull(path, idBuffer, idBufferSize)
-                   ? CoreErrorCodes::kInvalidParam
+                   ? RefuseNull(name, path)
                    : DocumentEvents::GetIDForDocument(path, idBuffer, idBufferSize);
     });
 }
 
 uint32_t UpdateDocumentFontUsage(const char* document, const char* fontUsage) {
-    return Guarded(__func__, [&]() -> uint32_t {
-        return AnyNull(document, fontUsage) ? CoreErrorCodes::kInvalidParam
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        return AnyNull(document, fontUsage) ? RefuseNull(name, document)
                                             : DocumentEvents::UpdateDocumentFontUsage(document, fontUsage);
     });
 }
 
 uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount) {
-    return Guarded(__func__, [&]() -> uint32_t {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
         return AnyNull(path, outCount)
-                   ? CoreErrorCodes::kInvalidParam
+                   ? RefuseNull(name, path)
                    : DocumentEvents::ActivateChosenFonts(path, TextOrEmpty(fontsJSON), outCount);
     });
 }

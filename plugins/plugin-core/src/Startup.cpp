@@ -28,7 +28,7 @@ void DisableServices() {
     MarquellGlobals::SetConnectedToCore(false);
 }
 
-void DisableFunctionality() {
+void LogDisabling() {
     LogMessage(0, "Disabling plugin functionality");
 }
 
@@ -74,7 +74,7 @@ void CheckLogin(VPFInterface& framework, CoreAgentInterface& agent) {
         return;
     }
     LogMessage(0, "login check at startup:  NOT logged in...");
-    DisableFunctionality();
+    LogDisabling();
     MarquellGlobals::SetLoggedIn(false);
     if (!MarquellGlobals::HostAppIsAfterEffects())
         framework.ShowMessageBox(message_boxes::kNotLoggedIn);
@@ -86,7 +86,7 @@ void CheckWorkgroups(FontManagerInterface& fontManager, bool allowDialogs) {
         MarquellGlobals::SetPluginFunctionalityEnabled(true);
         return;
     }
-    DisableFunctionality();
+    LogDisabling();
     MarquellGlobals::SetPluginFunctionalityEnabled(false);
     if (allowDialogs)
         CommonFunctionality::ShowNoWorkgroupMessage();
@@ -104,6 +104,7 @@ void CheckLoginAndWorkgroups(VPFInterface& framework, bool allowDialogs) {
 }
 
 ErrorCode DoStartup(bool allowDialogs) {
+    CommonFunctionality::SharedHostAppInterface();
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
@@ -118,7 +119,7 @@ ErrorCode DoStartup(bool allowDialogs) {
         result = kNoPreferenceInterface;
         DisableServices();
     }
-    FontManagerInterface::GetSharedInstance().InitializeWorkgroupAtStartup();
+    FontManagerInterface::GetSharedInstance().InitializeDefaultWorkgroup();
     return result;
 }
 

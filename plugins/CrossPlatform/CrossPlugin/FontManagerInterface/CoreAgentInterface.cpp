@@ -126,7 +126,7 @@ void CoreAgentInterface::InitializeCoreAgent() {
 ErrorCode CoreAgentInterface::InitializeSdk() {
     const std::string hostApp = MarquellGlobals::GetPluginHostApp();
     const std::string version = MarquellGlobals::GetPluginVersion();
-    return Call(&PluginFunctionTable::pfInitAppInstance, hostApp.c_str(), version.c_str());
+    return CallOnce(CallOf(&PluginFunctionTable::pfInitAppInstance, hostApp.c_str(), version.c_str()));
 }
 
 void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
@@ -135,8 +135,10 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
         DisableAndNotify();
         return;
     }
-    if (code == GZephyrinConfig::kAgentRunningInWrongMode)
+    if (code == GZephyrinConfig::kAgentRunningInWrongMode) {
         LogMessage(0, "Core Agent process running in wrong mode");
+        return;
+    }
     if (code == GZephyrinSdk::kVaultInUse) {
         LogMessage(0, "GZephyrinSdk::Initialize FAILED, error code = %d (GZephyrinSdk::kVaultInUse).",
                    static_cast<int>(code));
@@ -157,7 +159,7 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
 
 bool CoreAgentInterface::IsAgentProcessRunning() {
     bool isRunning = false;
-    const ErrorCode code = Call(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning);
+    const ErrorCode code = CallOnce(CallOf(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning));
     if (code == CoreErrorCodes::kSuccess && isRunning)
         return true;
     LogMessage(0, "Core Agent process not running; rc=%d, isRunning=%d, sizeof(isRunning)=%d",

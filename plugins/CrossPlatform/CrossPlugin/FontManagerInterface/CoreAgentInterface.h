@@ -75,13 +75,17 @@ private:
     bool RelaunchWithUserRetry();
     void DisableAndNotify();
 
-    /// Calls one function of the table; `arguments` follow the facade.
+    /// A call of one function of the table; `arguments` follow the facade.
     template <class Function, class... Arguments>
-    ErrorCode Call(Function PluginFunctionTable::*function, Arguments... arguments) {
-        return CallAgent([&](PluginFacadeRef facade) -> ErrorCode {
+    static AgentCall CallOf(Function PluginFunctionTable::*function, Arguments... arguments) {
+        return [=](PluginFacadeRef facade) -> ErrorCode {
             const Function bound = VPILoader::GetSharedInstance()->*function;
             return bound != nullptr ? bound(facade, arguments...) : CoreErrorCodes::kNotImplemented;
-        });
+        };
+    }
+    template <class Function, class... Arguments>
+    ErrorCode Call(Function PluginFunctionTable::*function, Arguments... arguments) {
+        return CallAgent(CallOf(function, arguments...));
     }
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);

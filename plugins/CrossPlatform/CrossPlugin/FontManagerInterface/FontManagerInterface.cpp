@@ -3,6 +3,18 @@
 #include "MarquellGlobals.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/VersionResource.h"
+
+std::string FontManagerInterface::StringValueFromVersionResourceCopy(const char* fieldName) {
+    static const char addressInThisModule = 0;
+    LogMessage(0, "Entering StringValueFromVersionResourceCopy(fieldName \"%s\")", fieldName);
+    const std::string path =
+        platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&addressInThisModule);
+    platform::SystemError error;
+    const auto value = platform::Current<platform::VersionResources>().FromFile(path, fieldName, error);
+    return value.value_or("x.x.x.x");
+}
 
 FontManagerInterface& FontManagerInterface::GetSharedInstance() {
     static FontManagerInterface& shared =
@@ -35,16 +47,22 @@ bool FontManagerInterface::CreateFontManager() {
     sm_pFontManager = std::make_unique<CoreAgentInterface>();
     SetFontManagerAccess(this);
     sm_pFontManager->InitializeCoreAgent();
-    const std::string pluginVersion = MarquellGlobals::GetPluginVersion();
+    const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
                version.c_str(), pluginVersion.c_str());
     mIsCompatible = VersionsAreCompatible(pluginVersion, version);
     return mIsCompatible;
 }
 
-void FontManagerInterface::InitializeWorkgroupAtStartup() {
+void FontManagerInterface::InitializeDefaultWorkgroup() {
     // Whatever the checks before found: a workgroup can be chosen from here on.
     MarquellGlobals::SetPluginFunctionalityEnabled(true);
+    if (!sm_pFontManager) {
+        LogMessage(0, "Exiting because FontManager is not running.");
+        return;
+    }
+    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
+        LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
 }
 
 bool FontManagerInterface::IsWorkgroupAvailable() {
@@ -55,17 +73,26 @@ bool FontManagerInterface::IsWorkgroupAvailable() {
 }
 
 bool FontManagerInterface::IsUsable() {
-    return sm_pFontManager && MarquellGlobals::IsPluginFunctional();
+    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    return sm_pFontManager && mIsCompatible && MarquellGlobals::IsPluginFunctional() &&
+           preferences != nullptr && preferences->GetBoolPreference("EnablePlugin");
 }
 
 void FontManagerInterface::OnHostAppShuttingDown() {
+    // Nothing is offered from here on.
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    MarquellGlobals::SetConnectedToCore(false);
     if (!sm_pFontManager) {
         LogMessage(0, "*** UH-OH, sm_pFontManager is NULL in FontManagerInterface::OnHostAppShuttingDown");
         return;
     }
+    const ScopeExit release([this] { ReleaseFontManager(); });
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
     if (preferences != nullptr && preferences->GetBoolPreference("CloseFontsOnHostAppQuit") && IsLoggedIn())
         MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
+}
+
+void FontManagerInterface::ReleaseFontManager() {
     const GScopedLock lock(mFontManagerLock);
     if (lock.Status() != CoreErrorCodes::kSuccess)
         return;

@@ -21,11 +21,14 @@ public:
     /// quits.
     CoreAgentInterface* GetFontManager() { return sm_pFontManager.get(); }
 
+    /// A version value of the core's own module; "x.x.x.x" when it has none.
+    static std::string StringValueFromVersionResourceCopy(const char* fieldName);
     /// The start-up step for the current workgroup.
-    void InitializeWorkgroupAtStartup();
+    void InitializeDefaultWorkgroup();
     /// Whether the user has a workgroup to work in.
     bool IsWorkgroupAvailable();
-    /// Whether fonts may be asked for: a font manager was found and the plug-in is functional.
+    /// Whether fonts may be asked for: a compatible font manager was found, the plug-in is functional, and
+    /// the user has not switched it off.
     bool IsUsable();
     /// The host quits: closes the documents' fonts if "CloseFontsOnHostAppQuit" is on and the user is logged
     /// in, and lets go of the font manager.
@@ -48,6 +51,7 @@ private:
     FontManagerInterface() = default;
 
     bool CreateFontManager();
+    void ReleaseFontManager();
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
     std::unique_ptr<CoreAgentInterface> sm_pFontManager;
