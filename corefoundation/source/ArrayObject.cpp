@@ -37,9 +37,8 @@ const void* CFArray::Retained(const void* value) const {
 }
 
 void CFArray::ReleaseValue(const void* value) const {
-    if (mCallBacks.release != nullptr) {
+    if (mCallBacks.release != nullptr)
         mCallBacks.release(kCFAllocatorDefault, value);
-    }
 }
 
 bool CFArray::AreEqual(const void* value1, const void* value2) const {
@@ -55,9 +54,8 @@ CFIndex CFArray::IndexOf(CFRange range, const void* value) const {
 
 void CFArray::Append(const void* const* values, CFIndex count) {
     // Room first, so that what is retained is sure to be stored.
-    if (mValues.capacity() - mValues.size() < static_cast<size_t>(count)) {
+    if (mValues.capacity() - mValues.size() < static_cast<size_t>(count))
         mValues.reserve(std::max(mValues.size() + static_cast<size_t>(count), 2 * mValues.size()));
-    }
     std::transform(values, values + count, std::back_inserter(mValues),
                    [this](const void* value) { return Retained(value); });
 }
@@ -79,9 +77,8 @@ void CFArray::Remove(CFIndex index) {
 
 void CFArray::Clear() noexcept {
     const std::vector<const void*> removed = std::exchange(mValues, {});
-    for (const void* value : removed) {
+    for (const void* value : removed)
         ReleaseValue(value);
-    }
 }
 
 void CFArray::Sort(CFRange range, CFComparatorFunction comparator, void* context) {
@@ -112,20 +109,17 @@ CFTypeID CFArrayGetTypeID(void) {
 
 CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex count,
                          const CFArrayCallBacks* callBacks) {
-    if (!Require(count == 0 || (count > 0 && values != nullptr), "an array needs its values")) {
+    if (!Require(count == 0 || (count > 0 && values != nullptr), "an array needs its values"))
         return nullptr;
-    }
     return CreateFilled(Mutability::kImmutable, callBacks, values, count);
 }
 
 CFArrayRef CFArrayCreateCopy(CFAllocatorRef, CFArrayRef array) {
     const CFArray* checked = Check<CFArray>(array);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return nullptr;
-    }
-    if (checked->mMutability == Mutability::kImmutable) {
+    if (checked->mMutability == Mutability::kImmutable)
         return static_cast<CFArrayRef>(CFRetain(array));
-    }
     return CreateCopy(Mutability::kImmutable, *checked);
 }
 
@@ -160,26 +154,22 @@ CFIndex CFArrayGetFirstIndexOfValue(CFArrayRef array, CFRange range, const void*
 
 void CFArrayApplyFunction(CFArrayRef array, CFRange range, CFArrayApplierFunction applier, void* context) {
     const CFArray* checked = Check<CFArray>(array);
-    if (checked == nullptr || !RequireRange(range, checked->Count())) {
+    if (checked == nullptr || !RequireRange(range, checked->Count()))
         return;
-    }
-    for (CFIndex i = range.location; i < range.location + range.length; ++i) {
+    for (CFIndex i = range.location; i < range.location + range.length; ++i)
         applier(checked->At(i), context);
-    }
 }
 
 void CFArrayAppendValue(CFMutableArrayRef array, const void* value) {
-    if (CFArray* checked = CheckMutable(array)) {
+    if (CFArray* checked = CheckMutable(array))
         Guarded([&] { checked->Append(&value, 1); });
-    }
 }
 
 void CFArrayAppendArray(CFMutableArrayRef array, CFArrayRef other, CFRange otherRange) {
     CFArray* checked = CheckMutable(array);
     const CFArray* source = Check<CFArray>(other);
-    if (checked == nullptr || source == nullptr || !RequireRange(otherRange, source->Count())) {
+    if (checked == nullptr || source == nullptr || !RequireRange(otherRange, source->Count()))
         return;
-    }
     Guarded([&] {
         const auto* first = source->Values() + otherRange.location;
         const std::vector<const void*> values(first, first + otherRange.length);  // both may be one array
@@ -189,34 +179,29 @@ void CFArrayAppendArray(CFMutableArrayRef array, CFArrayRef other, CFRange other
 
 void CFArrayInsertValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value) {
     CFArray* checked = CheckMutable(array);
-    if (checked != nullptr && RequireIndex(index, checked->Count() + 1)) {
+    if (checked != nullptr && RequireIndex(index, checked->Count() + 1))
         Guarded([&] { checked->Insert(index, value); });
-    }
 }
 
 void CFArraySetValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value) {
     CFArray* checked = CheckMutable(array);
-    if (checked == nullptr || !RequireIndex(index, checked->Count() + 1)) {
+    if (checked == nullptr || !RequireIndex(index, checked->Count() + 1))
         return;
-    }
-    if (index == checked->Count()) {
+    if (index == checked->Count())
         CFArrayAppendValue(array, value);
-    } else {
+    else
         checked->Replace(index, value);
-    }
 }
 
 void CFArrayRemoveValueAtIndex(CFMutableArrayRef array, CFIndex index) {
     CFArray* checked = CheckMutable(array);
-    if (checked != nullptr && RequireIndex(index, checked->Count())) {
+    if (checked != nullptr && RequireIndex(index, checked->Count()))
         checked->Remove(index);
-    }
 }
 
 void CFArrayRemoveAllValues(CFMutableArrayRef array) {
-    if (CFArray* checked = CheckMutable(array)) {
+    if (CFArray* checked = CheckMutable(array))
         checked->Clear();
-    }
 }
 
 void CFArraySortValues(CFMutableArrayRef array, CFRange range, CFComparatorFunction comparator,
@@ -224,7 +209,6 @@ void CFArraySortValues(CFMutableArrayRef array, CFRange range, CFComparatorFunct
     CFArray* checked = CheckMutable(array);
     const bool isValid = checked != nullptr && Require(comparator != nullptr, "sorting needs a comparator") &&
                          RequireRange(range, checked->Count());
-    if (isValid) {
+    if (isValid)
         checked->Sort(range, comparator, context);
-    }
 }

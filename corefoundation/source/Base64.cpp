@@ -36,9 +36,8 @@ std::string EncodeBase64(std::span<const UInt8> bytes) {
 
 std::optional<std::vector<UInt8>> DecodeBase64(std::string_view text) {
     const std::string packed = Packed(text);
-    if (packed.size() % 4 != 0) {
+    if (packed.size() % 4 != 0)
         return std::nullopt;
-    }
     const std::string_view digits = std::string_view(packed).substr(0, packed.size() - PaddingOf(packed));
     std::vector<UInt8> bytes;
     bytes.reserve(packed.size() / 4 * 3);
@@ -46,9 +45,8 @@ std::optional<std::vector<UInt8>> DecodeBase64(std::string_view text) {
     int pendingBits = 0;
     for (const char digit : digits) {
         const size_t value = kAlphabet.find(digit);
-        if (value == std::string_view::npos) {
+        if (value == std::string_view::npos)
             return std::nullopt;
-        }
         pending = (pending << 6 | static_cast<uint32_t>(value)) & 0xFFFF;
         pendingBits += 6;
         if (pendingBits >= 8) {

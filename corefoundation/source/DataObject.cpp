@@ -33,9 +33,8 @@ CFTypeID CFDataGetTypeID(void) {
 }
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
-    if (!RequireBytes(bytes, length)) {
+    if (!RequireBytes(bytes, length))
         return nullptr;
-    }
     return Guarded<CFDataRef>(nullptr, [&] {
         return Create<CFData>(Mutability::kImmutable, std::vector<UInt8>(bytes, bytes + length));
     });
@@ -43,12 +42,10 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
 
 CFDataRef CFDataCreateCopy(CFAllocatorRef allocator, CFDataRef data) {
     const CFData* checked = Check<CFData>(data);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return nullptr;
-    }
-    if (checked->mMutability == Mutability::kImmutable) {
+    if (checked->mMutability == Mutability::kImmutable)
         return static_cast<CFDataRef>(CFRetain(data));
-    }
     return CFDataCreate(allocator, CFDataGetBytePtr(data), CFDataGetLength(data));
 }
 
@@ -58,9 +55,8 @@ CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex) {
 
 CFMutableDataRef CFDataCreateMutableCopy(CFAllocatorRef, CFIndex, CFDataRef data) {
     const CFData* checked = Check<CFData>(data);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return nullptr;
-    }
     return Guarded<CFMutableDataRef>(
         nullptr, [&] { return Create<CFData>(Mutability::kMutable, std::vector<UInt8>(checked->mBytes)); });
 }
@@ -77,14 +73,12 @@ const UInt8* CFDataGetBytePtr(CFDataRef data) {
 
 void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* buffer) {
     const CFData* checked = Check<CFData>(data);
-    if (checked != nullptr && RequireRange(range, static_cast<CFIndex>(checked->mBytes.size()))) {
+    if (checked != nullptr && RequireRange(range, static_cast<CFIndex>(checked->mBytes.size())))
         std::copy_n(checked->mBytes.begin() + range.location, range.length, buffer);
-    }
 }
 
 void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex length) {
     CFData* checked = CheckMutable(data);
-    if (checked != nullptr && RequireBytes(bytes, length)) {
+    if (checked != nullptr && RequireBytes(bytes, length))
         Guarded([&] { checked->mBytes.insert(checked->mBytes.end(), bytes, bytes + length); });
-    }
 }

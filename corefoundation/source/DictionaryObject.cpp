@@ -20,9 +20,8 @@ const void* RetainedBy(const CallBacks& callBacks, const void* value) {
 
 template <class CallBacks>
 void ReleaseBy(const CallBacks& callBacks, const void* value) {
-    if (callBacks.release != nullptr) {
+    if (callBacks.release != nullptr)
         callBacks.release(kCFAllocatorDefault, value);
-    }
 }
 
 CFDictionary* CreateCopy(Mutability mutability, const CFDictionary& source) {
@@ -35,9 +34,8 @@ CFDictionary* CreateCopy(Mutability mutability, const CFDictionary& source) {
 }
 
 void SetChecked(CFMutableDictionaryRef dictionary, const void* key, const void* value, Setting setting) {
-    if (CFDictionary* checked = CheckMutable(dictionary)) {
+    if (CFDictionary* checked = CheckMutable(dictionary))
         Guarded([&] { checked->Set(key, value, setting); });
-    }
 }
 
 }  // namespace
@@ -72,9 +70,8 @@ void CFDictionary::Set(const void* key, const void* value, Setting setting) {
         return (static_cast<int>(setting) & static_cast<int>(part)) != 0;
     };
     if (Entry* entry = Find(key)) {
-        if (allows(Setting::kReplace)) {
+        if (allows(Setting::kReplace))
             ReleaseBy(mValueCallBacks, std::exchange(entry->value, RetainedBy(mValueCallBacks, value)));
-        }
     } else if (allows(Setting::kAdd)) {
         // Room first, so that what is retained is sure to be stored.
         mTable.Reserve(1);
@@ -128,27 +125,23 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
                                    const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks) {
     const bool isValid = count == 0 || (count > 0 && keys != nullptr && values != nullptr);
-    if (!Require(isValid, "a dictionary needs its keys and values")) {
+    if (!Require(isValid, "a dictionary needs its keys and values"))
         return nullptr;
-    }
     return Guarded<CFDictionaryRef>(nullptr, [&] {
         auto dictionary =
             std::make_unique<CFDictionary>(Mutability::kImmutable, keyCallBacks, valueCallBacks);
-        for (CFIndex i = 0; i < count; ++i) {
+        for (CFIndex i = 0; i < count; ++i)
             dictionary->Set(keys[i], values[i], Setting::kAdd);
-        }
         return dictionary.release();
     });
 }
 
 CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef, CFDictionaryRef dictionary) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return nullptr;
-    }
-    if (checked->mMutability == Mutability::kImmutable) {
+    if (checked->mMutability == Mutability::kImmutable)
         return static_cast<CFDictionaryRef>(CFRetain(dictionary));
-    }
     return CreateCopy(Mutability::kImmutable, *checked);
 }
 
@@ -177,9 +170,8 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
     const auto* entry = checked != nullptr ? checked->Find(key) : nullptr;
-    if (entry != nullptr && value != nullptr) {
+    if (entry != nullptr && value != nullptr)
         *value = entry->value;
-    }
     return entry != nullptr;
 }
 
@@ -190,34 +182,29 @@ Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key) {
 Boolean CFDictionaryContainsValue(CFDictionaryRef dictionary, const void* value) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
     bool contains = false;
-    if (checked != nullptr) {
+    if (checked != nullptr)
         checked->ForEach([&](const auto& entry) { contains |= checked->AreEqualValues(entry.value, value); });
-    }
     return contains;
 }
 
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return;
-    }
     size_t index = 0;
     checked->ForEach([&](const auto& entry) {
-        if (keys != nullptr) {
+        if (keys != nullptr)
             keys[index] = entry.key;
-        }
-        if (values != nullptr) {
+        if (values != nullptr)
             values[index] = entry.value;
-        }
         ++index;
     });
 }
 
 void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFunction applier,
                                void* context) {
-    if (const CFDictionary* checked = Check<CFDictionary>(dictionary)) {
+    if (const CFDictionary* checked = Check<CFDictionary>(dictionary))
         checked->ForEach([&](const auto& entry) { applier(entry.key, entry.value, context); });
-    }
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
@@ -233,13 +220,11 @@ void CFDictionaryReplaceValue(CFMutableDictionaryRef dictionary, const void* key
 }
 
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key) {
-    if (CFDictionary* checked = CheckMutable(dictionary)) {
+    if (CFDictionary* checked = CheckMutable(dictionary))
         checked->Remove(key);
-    }
 }
 
 void CFDictionaryRemoveAllValues(CFMutableDictionaryRef dictionary) {
-    if (CFDictionary* checked = CheckMutable(dictionary)) {
+    if (CFDictionary* checked = CheckMutable(dictionary))
         checked->Clear();
-    }
 }

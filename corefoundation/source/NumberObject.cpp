@@ -80,12 +80,10 @@ Converted<Target> Convert(SInt64 value) {
         return {target, target < static_cast<Target>(kTwoTo63) && static_cast<SInt64>(target) == value};
     } else {
         using Limits = std::numeric_limits<Target>;
-        if (value < Limits::min()) {
+        if (value < Limits::min())
             return {Limits::min(), false};
-        }
-        if (value > Limits::max()) {
+        if (value > Limits::max())
             return {Limits::max(), false};
-        }
         return {static_cast<Target>(value), true};
     }
 }
@@ -96,22 +94,18 @@ Converted<Target> Convert(double value) {
     if constexpr (std::is_same_v<Target, double>) {
         return {value, true};
     } else if constexpr (std::is_same_v<Target, float>) {
-        if (std::isfinite(value) && std::abs(value) > Limits::max()) {
+        if (std::isfinite(value) && std::abs(value) > Limits::max())
             return {std::copysign(Limits::max(), static_cast<float>(value > 0 ? 1 : -1)), false};
-        }
         const auto target = static_cast<float>(value);
         return {target, std::isnan(value) || static_cast<double>(target) == value};
     } else {
-        if (std::isnan(value)) {
+        if (std::isnan(value))
             return {0, false};
-        }
-        if (std::trunc(value) < static_cast<double>(Limits::min())) {
+        if (std::trunc(value) < static_cast<double>(Limits::min()))
             return {Limits::min(), false};
-        }
         // Either exact, or rounded up to the power of two that is one above the largest value.
-        if (value >= static_cast<double>(Limits::max()) + 1) {
+        if (value >= static_cast<double>(Limits::max()) + 1)
             return {Limits::max(), false};
-        }
         return {static_cast<Target>(value), std::trunc(value) == value};
     }
 }
@@ -123,19 +117,16 @@ int Order(Value left, Value right) {
 
 // The order of two floating-point values, with not-a-number below all else.
 int OrderFloats(double left, double right) {
-    if (std::isnan(left) || std::isnan(right)) {
+    if (std::isnan(left) || std::isnan(right))
         return static_cast<int>(std::isnan(right)) - static_cast<int>(std::isnan(left));
-    }
     return Order(left, right);
 }
 
 int OrderMixed(SInt64 left, double right) {
-    if (std::isnan(right) || right < -kTwoTo63) {
+    if (std::isnan(right) || right < -kTwoTo63)
         return 1;
-    }
-    if (right >= kTwoTo63) {
+    if (right >= kTwoTo63)
         return -1;
-    }
     const int whole = Order(left, static_cast<SInt64>(right));
     return whole != 0 ? whole : Order(0.0, right - std::trunc(right));
 }
@@ -170,9 +161,8 @@ bool CFNumber::Equals(const Object& other) const {
 CFHashCode CFNumber::Hash() const {
     // Numbers that compare equal hash alike, whatever their types.
     const Converted<SInt64> whole = IsFloat() ? Convert<SInt64>(mFloat) : Converted<SInt64>{mInteger, true};
-    if (whole.exact) {
+    if (whole.exact)
         return std::hash<SInt64>()(whole.value);
-    }
     return std::isnan(mFloat) ? 0 : std::hash<double>()(mFloat);
 }
 
@@ -194,9 +184,8 @@ CFTypeID CFNumberGetTypeID(void) {
 }
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value) {
-    if (!Require(value != nullptr, "a number needs its value")) {
+    if (!Require(value != nullptr, "a number needs its value"))
         return nullptr;
-    }
     return VisitType<CFNumberRef>(type, nullptr, [&](auto typed) {
         std::memcpy(&typed, value, sizeof typed);
         if constexpr (std::is_floating_point_v<decltype(typed)>) {
@@ -215,9 +204,8 @@ CFNumberType CFNumberGetType(CFNumberRef number) {
 
 CFIndex CFNumberGetByteSize(CFNumberRef number) {
     const CFNumber* checked = Check<CFNumber>(number);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return 0;
-    }
     return VisitType<CFIndex>(checked->mType, 0,
                               [](auto typed) { return static_cast<CFIndex>(sizeof typed); });
 }
@@ -229,9 +217,8 @@ Boolean CFNumberIsFloatType(CFNumberRef number) {
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
     const CFNumber* checked = Check<CFNumber>(number);
-    if (checked == nullptr || !Require(value != nullptr, "the number needs a place to go")) {
+    if (checked == nullptr || !Require(value != nullptr, "the number needs a place to go"))
         return FALSE;
-    }
     return VisitType(type, false, [&](auto typed) {
         using Target = decltype(typed);
         const auto converted =

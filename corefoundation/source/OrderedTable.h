@@ -25,14 +25,12 @@ public:
     // isEqual(key) is asked about the keys that have this hash.
     template <class IsEqual>
     Entry* Find(CFHashCode hash, IsEqual&& isEqual) {
-        if (mSlots.empty()) {
+        if (mSlots.empty())
             return nullptr;
-        }
         for (size_t slot = FirstSlot(hash); mSlots[slot] != kFree; slot = NextSlot(slot)) {
             Entry& entry = mEntries[mSlots[slot]];
-            if (!entry.isRemoved && entry.hash == hash && isEqual(entry.key)) {
+            if (!entry.isRemoved && entry.hash == hash && isEqual(entry.key))
                 return &entry;
-            }
         }
         return nullptr;
     }
@@ -40,11 +38,10 @@ public:
     // After this, count calls of Add need no memory. May throw std::bad_alloc and then changes nothing.
     void Reserve(size_t count) {
         const size_t needed = mEntries.size() + count;
-        if (mSlots.size() * 2 < needed * 3) {
+        if (mSlots.size() * 2 < needed * 3)
             LayOut(Size() + count);
-        } else if (mEntries.capacity() < needed) {
+        else if (mEntries.capacity() < needed)
             mEntries.reserve(std::max(needed, 2 * mEntries.capacity()));
-        }
     }
 
     // The key must be missing, and Reserve must have been called.
@@ -60,11 +57,9 @@ public:
 
     template <class Visitor>
     void ForEach(Visitor&& visit) const {
-        for (const Entry& entry : mEntries) {
-            if (!entry.isRemoved) {
+        for (const Entry& entry : mEntries)
+            if (!entry.isRemoved)
                 visit(entry);
-            }
-        }
     }
 
 private:
@@ -81,18 +76,16 @@ private:
 
     static size_t FreeSlot(const std::vector<uint32_t>& slots, CFHashCode hash) noexcept {
         size_t slot = SlotOf(hash, slots.size());
-        while (slots[slot] != kFree) {
+        while (slots[slot] != kFree)
             slot = (slot + 1) & (slots.size() - 1);
-        }
         return slot;
     }
 
     // Closes the gaps and makes room for at least entryCount entries, which take half of the slots at most.
     void LayOut(size_t entryCount) {
         size_t slotCount = kFewestSlots;
-        while (slotCount < entryCount * 2) {
+        while (slotCount < entryCount * 2)
             slotCount *= 2;
-        }
         std::vector<uint32_t> slots(slotCount, kFree);
         std::vector<Entry> entries;
         entries.reserve(slotCount * 2 / 3 + 1);

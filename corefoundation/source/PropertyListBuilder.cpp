@@ -28,9 +28,8 @@ std::string Tag(Kind kind) {
 
 Kind KindOf(std::string_view name) {
     const auto* const found = std::find(kNames.begin(), kNames.end(), name);
-    if (found == kNames.end()) {
+    if (found == kNames.end())
         throw PropertyListError("<" + std::string(name) + "> is no element of a property list");
-    }
     return static_cast<Kind>(found - kNames.begin());
 }
 
@@ -44,9 +43,8 @@ bool HoldsText(Kind kind) {
 
 template <class T>
 CFRef<T> Made(CFRef<T> object) {
-    if (!object) {
+    if (!object)
         throw std::bad_alloc();
-    }
     return object;
 }
 
@@ -72,9 +70,8 @@ CFRef<CFTypeRef> IntegerFrom(std::string_view text) {
     digits.remove_prefix(isHexadecimal ? 2 : 0);
     uint64_t magnitude = 0;
     const uint64_t highest = isNegative ? uint64_t{1} << 63 : INT64_MAX;
-    if (!ParseWhole(digits, magnitude, isHexadecimal ? 16 : 10) || magnitude > highest) {
+    if (!ParseWhole(digits, magnitude, isHexadecimal ? 16 : 10) || magnitude > highest)
         throw PropertyListError("\"" + std::string(text) + "\" is no integer of 64 bits");
-    }
     return Made(cf::Number(static_cast<int64_t>(isNegative ? 0 - magnitude : magnitude)));
 }
 
@@ -82,9 +79,8 @@ CFRef<CFTypeRef> RealFrom(std::string_view text) {
     std::string_view digits = Trimmed(text);
     digits.remove_prefix(digits.starts_with('+') && !digits.starts_with("+-") ? 1 : 0);
     double value = 0;
-    if (!ParseWhole(digits, value)) {
+    if (!ParseWhole(digits, value))
         throw PropertyListError("\"" + std::string(text) + "\" is no real number");
-    }
     return Made(cf::RealNumber(value));
 }
 
@@ -93,9 +89,8 @@ CFRef<CFTypeRef> RealFrom(std::string_view text) {
 void PropertyListBuilder::StartElement(std::string_view name) {
     const Kind kind = KindOf(name);
     RequirePlace(kind);
-    if (IsContainer(kind) && mOpen.size() > kMaximumPropertyListDepth) {
+    if (IsContainer(kind) && mOpen.size() > kMaximumPropertyListDepth)
         throw PropertyListError("the property list is nested too deeply");
-    }
     mOpen.push_back({.kind = kind,
                      .array = kind == Kind::kArray ? Made(cf::MutableArray()) : nullptr,
                      .dictionary = kind == Kind::kDict ? Made(cf::MutableDictionary()) : nullptr,
@@ -104,49 +99,41 @@ void PropertyListBuilder::StartElement(std::string_view name) {
 }
 
 void PropertyListBuilder::RequirePlace(Kind kind) const {
-    if (mOpen.empty() != (kind == Kind::kPlist)) {
+    if (mOpen.empty() != (kind == Kind::kPlist))
         throw PropertyListError("<plist> must be the outermost element, and no other");
-    }
-    if (mOpen.empty()) {
+    if (mOpen.empty())
         return;
-    }
     const Element& parent = mOpen.back();
-    if (!IsContainer(parent.kind)) {
+    if (!IsContainer(parent.kind))
         throw PropertyListError(Tag(kind) + " cannot stand inside " + Tag(parent.kind));
-    }
     const bool wantsKey = parent.kind == Kind::kDict && !parent.key;
     if (wantsKey != (kind == Kind::kKey)) {
         throw PropertyListError(wantsKey ? Tag(kind) + " has no <key> before it"
                                          : "<key> stands where a value must be");
     }
-    if (parent.kind == Kind::kPlist && mRoot) {
+    if (parent.kind == Kind::kPlist && mRoot)
         throw PropertyListError("<plist> holds more than one value");
-    }
 }
 
 void PropertyListBuilder::Text(std::string_view utf8) {
-    if (mOpen.empty()) {
+    if (mOpen.empty())
         return;
-    }
     Element& element = mOpen.back();
-    if (HoldsText(element.kind)) {
+    if (HoldsText(element.kind))
         element.text += utf8;
-    } else if (utf8.find_first_not_of(kBlanks) != std::string_view::npos) {
+    else if (utf8.find_first_not_of(kBlanks) != std::string_view::npos)
         throw PropertyListError(Tag(element.kind) + " cannot hold text");
-    }
 }
 
 void PropertyListBuilder::EndElement() {
     Element element = std::move(mOpen.back());
     mOpen.pop_back();
-    if (element.kind == Kind::kPlist) {
+    if (element.kind == Kind::kPlist)
         return;
-    }
-    if (element.kind == Kind::kKey) {
+    if (element.kind == Kind::kKey)
         mOpen.back().key = Made(cf::String(element.text));
-    } else {
+    else
         Store(ValueOf(element));
-    }
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::ValueOf(Element& element) const {
@@ -172,27 +159,23 @@ CFRef<CFTypeRef> PropertyListBuilder::ValueOf(Element& element) const {
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::FinishedArray(const Element& element) const {
-    if (mMutability == kCFPropertyListImmutable) {
+    if (mMutability == kCFPropertyListImmutable)
         element.array.get()->mMutability = Mutability::kImmutable;
-    }
     return element.array;
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::FinishedDictionary(const Element& element) const {
-    if (element.key) {
+    if (element.key)
         throw PropertyListError("the <key> \"" + cf::ToUtf8(element.key.get()) + "\" has no value");
-    }
-    if (mMutability == kCFPropertyListImmutable) {
+    if (mMutability == kCFPropertyListImmutable)
         element.dictionary.get()->mMutability = Mutability::kImmutable;
-    }
     return element.dictionary;
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::DataFrom(const std::string& text) const {
     auto bytes = DecodeBase64(text);
-    if (!bytes) {
+    if (!bytes)
         throw PropertyListError("<data> does not hold valid base64");
-    }
     const bool isMutable = mMutability == kCFPropertyListMutableContainersAndLeaves;
     const auto mutability = isMutable ? Mutability::kMutable : Mutability::kImmutable;
     return Made(AdoptCF<CFTypeRef>(Create<CFData>(mutability, std::move(*bytes))));
@@ -200,19 +183,17 @@ CFRef<CFTypeRef> PropertyListBuilder::DataFrom(const std::string& text) const {
 
 void PropertyListBuilder::Store(CFRef<CFTypeRef> value) {
     Element& parent = mOpen.back();
-    if (parent.kind == Kind::kArray) {
+    if (parent.kind == Kind::kArray)
         cf::Append(parent.array, value);
-    } else if (parent.kind == Kind::kDict) {
+    else if (parent.kind == Kind::kDict)
         cf::Set(parent.dictionary, std::exchange(parent.key, nullptr), value);
-    } else {
+    else
         mRoot = std::move(value);
-    }
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::Finish() {
-    if (!mRoot) {
+    if (!mRoot)
         throw PropertyListError("the property list holds no value");
-    }
     return std::move(mRoot);
 }
 

@@ -49,9 +49,8 @@ std::string_view View(const xmlChar* text, int length) {
 Reader::Reader(CFOptionFlags mutability) : mBuilder(mutability) {
     xmlSAXHandler handlers = Handlers();
     mParser.reset(xmlCreatePushParserCtxt(&handlers, this, nullptr, 0, nullptr));
-    if (!mParser) {
+    if (!mParser)
         throw std::bad_alloc();
-    }
     xmlCtxtUseOptions(mParser.get(), XML_PARSE_NONET);
 }
 
@@ -87,18 +86,16 @@ xmlSAXHandler Reader::Handlers() {
     };
     // auto, since versions of the library differ in whether the error is const.
     handlers.serror = [](void* reader, auto* error) {
-        if (error->level >= XML_ERR_ERROR) {
+        if (error->level >= XML_ERR_ERROR)
             static_cast<Reader*>(reader)->Fail(error->message != nullptr ? error->message : "invalid XML",
                                                error->line);
-        }
     };
     return handlers;
 }
 
 void Reader::Fail(const std::string& message, int line) {
-    if (mError.empty()) {
+    if (mError.empty())
         mError = "line " + std::to_string(line) + ": " + message.substr(0, message.find('\n'));
-    }
     xmlStopParser(mParser.get());
 }
 
@@ -111,12 +108,10 @@ CFRef<CFTypeRef> Reader::Read(std::span<const UInt8> document) {
         xmlParseChunk(mParser.get(), reinterpret_cast<const char*>(piece.data()),
                       static_cast<int>(piece.size()), 0);
     }
-    if (mError.empty()) {
+    if (mError.empty())
         xmlParseChunk(mParser.get(), nullptr, 0, 1);
-    }
-    if (!mError.empty() || mParser->wellFormed == 0) {
+    if (!mError.empty() || mParser->wellFormed == 0)
         throw PropertyListError(!mError.empty() ? mError : "invalid XML");
-    }
     return mBuilder.Finish();
 }
 
@@ -127,9 +122,8 @@ CFRef<CFTypeRef> ReadPropertyList(std::span<const UInt8> document, CFOptionFlags
                                 std::to_string(kMaximumPropertyListBytes >> 20) + " MiB");
     }
     if (document.size() >= kBinaryMagic.size() &&
-        std::equal(kBinaryMagic.begin(), kBinaryMagic.end(), document.begin())) {
+        std::equal(kBinaryMagic.begin(), kBinaryMagic.end(), document.begin()))
         throw PropertyListError("binary property lists are not supported, only XML ones");
-    }
     return Reader(mutability).Read(document);
 }
 
@@ -148,11 +142,9 @@ CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data
             return nullptr;
         }
     });
-    if (result == nullptr && !error) {
+    if (result == nullptr && !error)
         error = RetainCF(CFSTR("the property list cannot be read"));
-    }
-    if (errorString != nullptr) {
+    if (errorString != nullptr)
         *errorString = error.release();
-    }
     return result;
 }

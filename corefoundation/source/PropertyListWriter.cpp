@@ -59,9 +59,8 @@ std::string Escaped(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {
-        if (IsInexpressible(text.substr(i))) {
+        if (IsInexpressible(text.substr(i)))
             throw std::invalid_argument("XML cannot express this character");
-        }
         switch (text[i]) {
             case '&':
                 escaped += "&amp;";
@@ -83,9 +82,8 @@ std::string Escaped(std::string_view text) {
 }
 
 std::string RealText(double value) {
-    if (std::isinf(value)) {
+    if (std::isinf(value))
         return value > 0 ? "+infinity" : "-infinity";
-    }
     return std::isnan(value) ? "nan" : FormatReal(value);
 }
 
@@ -100,9 +98,8 @@ void Writer::Text(std::string_view element, std::string_view text) {
 
 void Writer::Open(std::string_view tag) {
     Line(tag);
-    if (++mDepth > kMaximumPropertyListDepth) {
+    if (++mDepth > kMaximumPropertyListDepth)
         throw std::invalid_argument("nested too deeply");
-    }
 }
 
 void Writer::Close(std::string_view tag) {
@@ -132,9 +129,8 @@ void Writer::Value(CFTypeRef ref) {
 
 void Writer::Array(const CFArray& array) {
     Open("<array>");
-    for (CFIndex i = 0; i < array.Count(); ++i) {
+    for (CFIndex i = 0; i < array.Count(); ++i)
         Value(array.At(i));
-    }
     Close("</array>");
 }
 
@@ -142,9 +138,8 @@ void Writer::Dictionary(const CFDictionary& dictionary) {
     Open("<dict>");
     dictionary.ForEach([this](const auto& entry) {
         const auto* key = static_cast<const Object*>(entry.key);
-        if (key == nullptr || key->Type() != kStringType) {
+        if (key == nullptr || key->Type() != kStringType)
             throw std::invalid_argument("a key is no string");
-        }
         Text("key", static_cast<const CFString*>(key)->Utf8());
         Value(entry.value);
     });
@@ -155,26 +150,23 @@ void Writer::Data(const CFData& data) {
     constexpr size_t kLineLength = 76;
     const std::string text = EncodeBase64(data.Bytes());
     Line("<data>");
-    for (size_t i = 0; i < text.size(); i += kLineLength) {
+    for (size_t i = 0; i < text.size(); i += kLineLength)
         Line(std::string_view(text).substr(i, kLineLength));
-    }
     Line("</data>");
 }
 
 void Writer::Number(const CFNumber& number) {
-    if (number.IsFloat()) {
+    if (number.IsFloat())
         Text("real", RealText(number.mFloat));
-    } else {
+    else
         Text("integer", std::to_string(number.mInteger));
-    }
 }
 
 }  // namespace
 
 CFDataRef CFPropertyListCreateXMLData(CFAllocatorRef, CFPropertyListRef propertyList) {
-    if (!Require(propertyList != nullptr, "there is no property list to write")) {
+    if (!Require(propertyList != nullptr, "there is no property list to write"))
         return nullptr;
-    }
     return Guarded<CFDataRef>(nullptr, [&] {
         const std::string xml = Writer().Write(propertyList);
         return Create<CFData>(Mutability::kImmutable, std::vector<UInt8>(xml.begin(), xml.end()));

@@ -22,19 +22,16 @@ const CFNullRef kCFNull = &gNull;
 namespace corefoundation {
 
 void Object::Retain() const noexcept {
-    if (RetainCount() != kImmortal) {
+    if (RetainCount() != kImmortal)
         mRetainCount.fetch_add(1, std::memory_order_relaxed);
-    }
 }
 
 void Object::Release() const noexcept {
-    if (RetainCount() == kImmortal) {
+    if (RetainCount() == kImmortal)
         return;
-    }
     // What other owners did to the object happens before its end.
-    if (mRetainCount.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (mRetainCount.fetch_sub(1, std::memory_order_acq_rel) == 1)
         Destroy();
-    }
 }
 
 void ReportMisuse([[maybe_unused]] const char* rule) noexcept {
@@ -51,9 +48,8 @@ std::string DescribePointer(const void* pointer) {
 }
 
 std::string DescribeValue(CFStringRef (*copyDescription)(const void*), const void* value) {
-    if (copyDescription == nullptr || value == nullptr) {
+    if (copyDescription == nullptr || value == nullptr)
         return DescribePointer(value);
-    }
     const Owned<const CFString> description(copyDescription(value));
     return description ? description->Utf8() : DescribePointer(value);
 }
@@ -65,16 +61,14 @@ CFTypeID CFNullGetTypeID(void) {
 }
 
 CFTypeRef CFRetain(CFTypeRef object) {
-    if (const Object* checked = AsObject(object)) {
+    if (const Object* checked = AsObject(object))
         checked->Retain();
-    }
     return object;
 }
 
 void CFRelease(CFTypeRef object) {
-    if (const Object* checked = AsObject(object)) {
+    if (const Object* checked = AsObject(object))
         checked->Release();
-    }
 }
 
 CFIndex CFGetRetainCount(CFTypeRef object) {
@@ -90,9 +84,8 @@ CFTypeID CFGetTypeID(CFTypeRef object) {
 Boolean CFEqual(CFTypeRef object1, CFTypeRef object2) {
     const Object* left = AsObject(object1);
     const Object* right = AsObject(object2);
-    if (left == nullptr || right == nullptr) {
+    if (left == nullptr || right == nullptr)
         return FALSE;
-    }
     return left == right || (left->Type() == right->Type() && left->Equals(*right));
 }
 
@@ -103,8 +96,7 @@ CFHashCode CFHash(CFTypeRef object) {
 
 CFStringRef CFCopyDescription(CFTypeRef object) {
     const Object* checked = AsObject(object);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return nullptr;
-    }
     return Guarded<CFStringRef>(nullptr, [&] { return Create<CFString>(checked->Describe()); });
 }

@@ -73,9 +73,8 @@ void ReportMisuse(const char* rule) noexcept;
 
 // True when the caller kept the rule.
 [[nodiscard]] inline bool Require(bool kept, const char* rule) noexcept {
-    if (!kept) {
+    if (!kept)
         ReportMisuse(rule);
-    }
     return kept;
 }
 

@@ -39,12 +39,10 @@ struct Character {
 
 Character CharacterAt(const CFString& string, CFIndex index, CFIndex end) {
     const char16_t unit = string.At(index);
-    if (unit < 0xD800 || unit > 0xDFFF) {
+    if (unit < 0xD800 || unit > 0xDFFF)
         return {unit, 1, true};
-    }
-    if (unit > 0xDBFF || index + 1 >= end) {
+    if (unit > 0xDBFF || index + 1 >= end)
         return {unit, 1, false};
-    }
     const char32_t low = string.At(index + 1);
     return {(static_cast<char32_t>(unit) << 10) + low - 0x35FDC00, 2, true};
 }
@@ -55,12 +53,10 @@ public:
     ByteSink(UInt8* buffer, CFIndex size) : mBuffer(buffer), mRoom(buffer != nullptr ? size : PTRDIFF_MAX) {}
 
     bool Append(const UInt8* bytes, CFIndex count) {
-        if (count > mRoom - mUsed) {
+        if (count > mRoom - mUsed)
             return false;
-        }
-        if (mBuffer != nullptr) {
+        if (mBuffer != nullptr)
             std::memcpy(mBuffer + mUsed, bytes, static_cast<size_t>(count));
-        }
         mUsed += count;
         return true;
     }
@@ -83,15 +79,12 @@ CFIndex EncodeRange(const CFString& string, CFRange range, CFStringEncoding enco
     while (index < end) {
         const Character character = CharacterAt(string, index, end);
         EncodedCharacter encoded;
-        if (character.isPaired) {
+        if (character.isPaired)
             encoded = Encode(character.value, encoding);
-        }
-        if (encoded.size == 0 && lossByte != 0) {
+        if (encoded.size == 0 && lossByte != 0)
             encoded = Encode(lossByte, encoding);
-        }
-        if (encoded.size == 0 || !sink.Append(encoded)) {
+        if (encoded.size == 0 || !sink.Append(encoded))
             break;
-        }
         index += character.units;
     }
     return index - range.location;
@@ -108,9 +101,8 @@ CFIndex CopyRange(const CFString& string, CFRange range, CFStringEncoding encodi
     }
     const auto storedSize = static_cast<CFIndex>(string.Utf8().size());
     const bool isWhole = range.length == string.Length();
-    if (encoding == kCFStringEncodingUTF8 && isWhole && sink.Append(stored, storedSize)) {
+    if (encoding == kCFStringEncodingUTF8 && isWhole && sink.Append(stored, storedSize))
         return range.length;
-    }
     return EncodeRange(string, range, encoding, lossByte, sink);
 }
 
@@ -119,14 +111,11 @@ char16_t FoldedCase(char16_t unit) {
 }
 
 bool ContainsAt(const CFString& string, CFIndex index, const CFString& part) {
-    if (index < 0 || part.Length() > string.Length() - index) {
+    if (index < 0 || part.Length() > string.Length() - index)
         return false;
-    }
-    for (CFIndex i = 0; i < part.Length(); ++i) {
-        if (string.At(index + i) != part.At(i)) {
+    for (CFIndex i = 0; i < part.Length(); ++i)
+        if (string.At(index + i) != part.At(i))
             return false;
-        }
-    }
     return true;
 }
 
@@ -142,9 +131,8 @@ public:
         {
             const std::shared_lock lock(mStringsLock);
             const auto found = mStrings.find(std::string_view(utf8));
-            if (found != mStrings.end()) {
+            if (found != mStrings.end())
                 return found->second;
-            }
         }
         const CFStringRef created =
             CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
@@ -156,9 +144,8 @@ private:
         Owned<const CFString> owned(created);
         const std::lock_guard lock(mStringsLock);
         const auto [position, isNew] = mStrings.try_emplace(std::string_view(owned->Utf8()), created);
-        if (isNew) {
+        if (isNew)
             owned.release()->MakeImmortal();
-        }
         return position->second;
     }
 
@@ -169,9 +156,8 @@ private:
 }  // namespace
 
 CFString::CFString(std::string utf8) : mUtf8(std::move(utf8)), mHash(std::hash<std::string_view>()(mUtf8)) {
-    if (!IsAsciiText(mUtf8)) {
+    if (!IsAsciiText(mUtf8))
         utf8::utf8to16(mUtf8.begin(), mUtf8.end(), std::back_inserter(mUtf16));
-    }
 }
 
 CFTypeID CFStringGetTypeID(void) {
@@ -179,33 +165,29 @@ CFTypeID CFStringGetTypeID(void) {
 }
 
 CFStringRef CFStringMakeConstantString(const char* utf8) {
-    if (!Require(utf8 != nullptr, "a constant string needs a text")) {
+    if (!Require(utf8 != nullptr, "a constant string needs a text"))
         return nullptr;
-    }
     return Guarded<CFStringRef>(nullptr, [&] { return ConstantStrings::Shared().Get(utf8); });
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* cString, CFStringEncoding encoding) {
-    if (!Require(cString != nullptr, "a string needs a text") || IsUtf16(encoding)) {
+    if (!Require(cString != nullptr, "a string needs a text") || IsUtf16(encoding))
         return nullptr;
-    }
     return CreateDecoded(BytesOf(cString), encoding, ByteOrderMark::kIsText);
 }
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex byteCount,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation) {
-    if (!Require(byteCount == 0 || (byteCount > 0 && bytes != nullptr), "a string needs its bytes")) {
+    if (!Require(byteCount == 0 || (byteCount > 0 && bytes != nullptr), "a string needs its bytes"))
         return nullptr;
-    }
     return CreateDecoded({bytes, static_cast<size_t>(byteCount)}, encoding,
                          isExternalRepresentation ? ByteOrderMark::kObey : ByteOrderMark::kIsText);
 }
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* characters, CFIndex characterCount) {
     const bool isValid = characterCount == 0 || (characterCount > 0 && characters != nullptr);
-    if (!Require(isValid, "a string needs its characters")) {
+    if (!Require(isValid, "a string needs its characters"))
         return nullptr;
-    }
     return Guarded<CFStringRef>(nullptr, [&]() -> CFStringRef {
         auto text = DecodeUtf16({characters, static_cast<size_t>(characterCount)});
         return text ? Create<CFString>(std::move(*text)) : nullptr;
@@ -229,23 +211,19 @@ UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index) {
 
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
     const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr || !RequireRange(range, checked->Length())) {
+    if (checked == nullptr || !RequireRange(range, checked->Length()))
         return;
-    }
-    for (CFIndex i = 0; i < range.length; ++i) {
+    for (CFIndex i = 0; i < range.length; ++i)
         buffer[i] = checked->At(range.location + i);
-    }
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
     const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr || buffer == nullptr || bufferSize <= 0) {
+    if (checked == nullptr || buffer == nullptr || bufferSize <= 0)
         return FALSE;
-    }
     buffer[0] = '\0';
-    if (IsUtf16(encoding) || MaximumBytesPerUnit(encoding) == 0) {
+    if (IsUtf16(encoding) || MaximumBytesPerUnit(encoding) == 0)
         return FALSE;
-    }
     ByteSink sink(reinterpret_cast<UInt8*>(buffer), bufferSize - 1);
     const bool isWhole =
         CopyRange(*checked, CFRangeMake(0, checked->Length()), encoding, 0, sink) == checked->Length();
@@ -255,9 +233,8 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
 
 const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding) {
     const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr || checked->Utf8().find('\0') != std::string::npos) {
+    if (checked == nullptr || checked->Utf8().find('\0') != std::string::npos)
         return nullptr;
-    }
     const bool isStoredForm =
         encoding == kCFStringEncodingUTF8 || (checked->IsAscii() && MaximumBytesPerUnit(encoding) == 1);
     return isStoredForm ? checked->Utf8().c_str() : nullptr;
@@ -265,9 +242,8 @@ const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding)
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
     const CFIndex perUnit = MaximumBytesPerUnit(encoding);
-    if (perUnit == 0 || length < 0 || length > std::numeric_limits<CFIndex>::max() / perUnit) {
+    if (perUnit == 0 || length < 0 || length > std::numeric_limits<CFIndex>::max() / perUnit)
         return kCFNotFound;
-    }
     return length * perUnit;
 }
 
@@ -279,34 +255,29 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
     ByteSink sink(buffer, bufferSize);
     if (checked != nullptr && RequireRange(range, checked->Length()) && MaximumBytesPerUnit(encoding) != 0) {
         const bool wantsMark = isExternalRepresentation && encoding == kCFStringEncodingUTF16;
-        if (!wantsMark || sink.Append(Encode(0xFEFF, encoding))) {
+        if (!wantsMark || sink.Append(Encode(0xFEFF, encoding)))
             converted = CopyRange(*checked, range, encoding, lossByte, sink);
-        }
     }
-    if (usedBytes != nullptr) {
+    if (usedBytes != nullptr)
         *usedBytes = sink.Used();
-    }
     return converted;
 }
 
 CFComparisonResult CFStringCompare(CFStringRef string1, CFStringRef string2, CFStringCompareFlags flags) {
     const CFString* left = Check<CFString>(string1);
     const CFString* right = Check<CFString>(string2);
-    if (left == nullptr || right == nullptr) {
+    if (left == nullptr || right == nullptr)
         return kCFCompareEqualTo;
-    }
     const bool foldsCase = (flags & kCFCompareCaseInsensitive) != 0;
     const CFIndex shorter = std::min(left->Length(), right->Length());
     for (CFIndex i = 0; i < shorter; ++i) {
         const char16_t a = foldsCase ? FoldedCase(left->At(i)) : left->At(i);
         const char16_t b = foldsCase ? FoldedCase(right->At(i)) : right->At(i);
-        if (a != b) {
+        if (a != b)
             return a < b ? kCFCompareLessThan : kCFCompareGreaterThan;
-        }
     }
-    if (left->Length() == right->Length()) {
+    if (left->Length() == right->Length())
         return kCFCompareEqualTo;
-    }
     return left->Length() < right->Length() ? kCFCompareLessThan : kCFCompareGreaterThan;
 }
 
@@ -324,9 +295,8 @@ Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix) {
 
 SInt32 CFStringGetIntValue(CFStringRef string) {
     const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr) {
+    if (checked == nullptr)
         return 0;
-    }
     // strtoll stops at the first character that is no digit and saturates.
     const long long value = std::strtoll(checked->Utf8().c_str(), nullptr, 10);
     constexpr long long kLowest = std::numeric_limits<SInt32>::min();

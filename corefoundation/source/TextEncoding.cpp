@@ -23,46 +23,39 @@ UniChar Swapped(UniChar unit) {
 }
 
 std::optional<std::string> DecodeUtf8(std::span<const UInt8> bytes, ByteOrderMark mark) {
-    if (mark == ByteOrderMark::kObey && utf8::starts_with_bom(bytes.begin(), bytes.end())) {
+    if (mark == ByteOrderMark::kObey && utf8::starts_with_bom(bytes.begin(), bytes.end()))
         bytes = bytes.subspan(3);
-    }
-    if (!utf8::is_valid(bytes.begin(), bytes.end())) {
+    if (!utf8::is_valid(bytes.begin(), bytes.end()))
         return std::nullopt;
-    }
     return std::string(bytes.begin(), bytes.end());
 }
 
 std::optional<std::string> DecodeAscii(std::span<const UInt8> bytes) {
-    if (std::any_of(bytes.begin(), bytes.end(), [](UInt8 byte) { return byte >= 0x80; })) {
+    if (std::any_of(bytes.begin(), bytes.end(), [](UInt8 byte) { return byte >= 0x80; }))
         return std::nullopt;
-    }
     return std::string(bytes.begin(), bytes.end());
 }
 
 std::string DecodeLatin1(std::span<const UInt8> bytes) {
     std::string text;
     text.reserve(bytes.size());
-    for (const UInt8 byte : bytes) {
+    for (const UInt8 byte : bytes)
         utf8::append(static_cast<char32_t>(byte), text);
-    }
     return text;
 }
 
 std::optional<std::string> DecodeUtf16Bytes(std::span<const UInt8> bytes, CFStringEncoding encoding,
                                             ByteOrderMark mark) {
-    if (bytes.size() % 2 != 0) {
+    if (bytes.size() % 2 != 0)
         return std::nullopt;
-    }
     std::vector<UniChar> units(bytes.size() / 2);
     const size_t high = IsBigEndian(encoding) ? 0 : 1;
-    for (size_t i = 0; i < units.size(); ++i) {
+    for (size_t i = 0; i < units.size(); ++i)
         units[i] = static_cast<UniChar>(bytes[2 * i + high] << 8 | bytes[2 * i + 1 - high]);
-    }
     std::span<const UniChar> text(units);
     if (mark == ByteOrderMark::kObey && !units.empty()) {
-        if (units[0] == kSwappedByteOrderMark && encoding == kCFStringEncodingUTF16) {
+        if (units[0] == kSwappedByteOrderMark && encoding == kCFStringEncodingUTF16)
             std::transform(units.begin(), units.end(), units.begin(), Swapped);
-        }
         text = text.subspan(units[0] == kByteOrderMark ? 1 : 0);
     }
     return DecodeUtf16(text);

@@ -30,26 +30,22 @@ std::string FormatUuid(const UuidBytes& bytes) {
 }
 
 int DigitValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
+    if (digit >= '0' && digit <= '9')
         return digit - '0';
-    }
     const char lower = static_cast<char>(digit | 0x20);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
 bool ParseUuid(std::string_view text, UuidBytes& bytes) {
-    if (text.size() != kTextLength) {
+    if (text.size() != kTextLength)
         return false;
-    }
     size_t digitCount = 0;
     for (size_t i = 0; i < kTextLength; ++i) {
-        if (IsHyphen(i) && text[i] == '-') {
+        if (IsHyphen(i) && text[i] == '-')
             continue;
-        }
         const int value = IsHyphen(i) ? -1 : DigitValue(text[i]);
-        if (value < 0) {
+        if (value < 0)
             return false;
-        }
         UInt8& byte = bytes[digitCount++ / 2];
         byte = static_cast<UInt8>(byte << 4 | value);
     }

@@ -11,17 +11,15 @@ namespace {
 
 CFRef<CFMutableArrayRef> Numbers(const std::vector<int>& values) {
     const auto array = cf::MutableArray();
-    for (const int value : values) {
+    for (const int value : values)
         cf::Append(array, value);
-    }
     return array;
 }
 
 std::vector<int64_t> ValuesOf(CFArrayRef array) {
     std::vector<int64_t> values;
-    for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
+    for (CFIndex i = 0; i < CFArrayGetCount(array); ++i)
         values.push_back(cf::ToInt64(CFArrayGetValueAtIndex(array, i)).value());
-    }
     return values;
 }
 

@@ -53,9 +53,8 @@ TEST(CFBase, ManyThreadsMayRetainAndReleaseOneObject) {
             }
         });
     }
-    for (auto& thread : threads) {
+    for (auto& thread : threads)
         thread.join();
-    }
     EXPECT_EQ(CFGetRetainCount(text.get()), 1);
 }
 

@@ -38,9 +38,8 @@ TEST(CFDictionary, SetAddReplaceAndRemoveDoWhatTheirNamesSay) {
 
 TEST(CFDictionary, VisitsKeysInTheOrderOfTheirFirstSetting) {
     const auto dictionary = cf::MutableDictionary();
-    for (const char* key : {"zebra", "apple", "mango", "fig"}) {
+    for (const char* key : {"zebra", "apple", "mango", "fig"})
         cf::Set(dictionary, key, 1);
-    }
     cf::Set(dictionary, "apple", 2);
     CFDictionaryRemoveValue(dictionary.get(), CFSTR("zebra"));
     cf::Set(dictionary, "zebra", 3);
@@ -70,9 +69,8 @@ TEST(CFDictionary, AgreesWithAModelThroughManyRandomChanges) {
         }
     }
     ASSERT_EQ(CFDictionaryGetCount(dictionary.get()), static_cast<CFIndex>(model.size()));
-    for (const auto& [key, value] : model) {
+    for (const auto& [key, value] : model)
         EXPECT_EQ(cf::ToInt64(CFDictionaryGetValue(dictionary.get(), cf::Number(key).get())), value);
-    }
 }
 
 TEST(CFDictionary, KeysWithOneHashAreToldApart) {
@@ -80,9 +78,8 @@ TEST(CFDictionary, KeysWithOneHashAreToldApart) {
     callBacks.hash = [](const void*) { return CFHashCode{42}; };
     const auto dictionary =
         AdoptCF(CFDictionaryCreateMutable(nullptr, 0, &callBacks, &kCFTypeDictionaryValueCallBacks));
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 50; ++i)
         cf::Set(dictionary, std::to_string(i), i);
-    }
     CFDictionaryRemoveValue(dictionary.get(), CFSTR("25"));
     EXPECT_EQ(cf::GetInt64(dictionary.get(), "49"), 49);
     EXPECT_EQ(cf::GetInt64(dictionary.get(), "25"), std::nullopt);

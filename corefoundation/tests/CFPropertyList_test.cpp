@@ -33,17 +33,15 @@ Outcome ReadValue(const std::string& value) {
 
 std::string Write(CFTypeRef list) {
     const auto data = AdoptCF(CFPropertyListCreateXMLData(nullptr, list));
-    if (!data) {
+    if (!data)
         return "";
-    }
     return {CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get())};
 }
 
 std::string Repeated(size_t count, const std::string& text) {
     std::string result;
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count; ++i)
         result += text;
-    }
     return result;
 }
 
@@ -162,9 +160,8 @@ TEST(CFPropertyList, ErrorsNameTheLineAndTheFault) {
     expectError("<real>1,5</real>", "no real number");
     expectError("<string>\x01</string>", "Char");
     expectError("<string></array>", "mismatch");
-    for (const char* base64 : {"QUJ", "QU=D", "Q===", "QU*D", "====", "QUJDRA"}) {
+    for (const char* base64 : {"QUJ", "QU=D", "Q===", "QU*D", "====", "QUJDRA"})
         expectError(std::string("<data>") + base64 + "</data>", "valid base64");
-    }
 }
 
 TEST(CFPropertyList, DocumentsThatAreNoPropertyListsAreRefused) {

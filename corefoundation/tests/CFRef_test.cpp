@@ -60,9 +60,8 @@ TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
 
 TEST(CFRef, SettingNothingRemovesTheKey) {
     const auto dictionary = cf::MutableDictionary();
-    for (const char* key : {"a", "b", "c"}) {
+    for (const char* key : {"a", "b", "c"})
         cf::Set(dictionary, key, 1);
-    }
     cf::Set(dictionary, "a", CFStringRef{nullptr});
     cf::Set(dictionary, "b", "\xFF");
     cf::Set(dictionary, "c", UINT64_MAX);

@@ -51,9 +51,8 @@ TEST(CFString, EveryEncodingReturnsWhatItWasGiven) {
         EXPECT_EQ(cf::ToUtf8(FromBytes(bytes, encoding).get()), kMixedText) << std::hex << encoding;
     }
     std::string latin;
-    for (int byte = 1; byte < 256; ++byte) {
+    for (int byte = 1; byte < 256; ++byte)
         latin += static_cast<char>(byte);
-    }
     EXPECT_EQ(BytesOf(FromBytes(latin, kCFStringEncodingISOLatin1).get(), kCFStringEncodingISOLatin1), latin);
     EXPECT_EQ(BytesOf(cf::String("\U0001F601").get(), kCFStringEncodingUTF16BE), "\xD8\x3D\xDE\x01");
 }
@@ -147,12 +146,10 @@ TEST(CFString, ReadsTheNumberInFront) {
 TEST(CFString, OneTextIsOneConstantOnAllThreads) {
     std::vector<CFStringRef> constants(4);
     std::vector<std::thread> threads;
-    for (CFStringRef& constant : constants) {
+    for (CFStringRef& constant : constants)
         threads.emplace_back([&constant] { constant = CFSTR("made on several threads"); });
-    }
-    for (auto& thread : threads) {
+    for (auto& thread : threads)
         thread.join();
-    }
     EXPECT_EQ(constants, std::vector<CFStringRef>(4, CFSTR("made on several threads")));
     EXPECT_NE(CFSTR("a"), CFSTR("b"));
 }

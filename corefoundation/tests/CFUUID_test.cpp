@@ -44,9 +44,8 @@ TEST(CFUUID, OtherTextsAreRefused) {
     for (const char* text :
          {"", "00112233-4455-6677-8899-aabbccddeef", "00112233-4455-6677-8899-aabbccddeeff0",
           "00112233445566778899aabbccddeeff0000", "0011223-34455-6677-8899-aabbccddeeff",
-          "g0112233-4455-6677-8899-aabbccddeeff", "{0112233-4455-6677-8899-aabbccddeef}"}) {
+          "g0112233-4455-6677-8899-aabbccddeeff", "{0112233-4455-6677-8899-aabbccddeef}"})
         EXPECT_FALSE(FromText(text)) << text;
-    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What the trace log and the failure reports write while this object lives.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 
@@ -17,6 +18,10 @@ public:
     std::string Text() {
         const std::lock_guard guard(mTextLock);
         return mText;
+    }
+    size_t LineCount() {
+        const std::string text = Text();
+        return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
     }
     void Clear() {
         const std::lock_guard guard(mTextLock);

@@ -8,7 +8,8 @@
 TemporaryFolder::TemporaryFolder() {
     std::random_device random;
     do {
-        mPath = std::filesystem::temp_directory_path() / ("plugincore-test-" + std::to_string(random()));
+        mPath = std::filesystem::temp_directory_path() /
+                platform::Utf8Path("plugincore ü 字 😀 " + std::to_string(random()));
     } while (!std::filesystem::create_directory(mPath));
     std::filesystem::permissions(mPath, std::filesystem::perms::owner_all);
 }

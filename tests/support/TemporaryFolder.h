@@ -1,4 +1,4 @@
-// A folder of the test's own, gone with the object.
+// A folder of the test's own, with a name that is hard on careless code, gone with the object.
 #pragma once
 
 #include <filesystem>

@@ -40,9 +40,8 @@ public:
     }
     // Becomes one more owner of an object that is only lent: the result of a Get function. May be null.
     static CFRef Retain(T object) noexcept {
-        if (object != nullptr) {
+        if (object != nullptr)
             CFRetain(object);
-        }
         return Adopt(object);
     }
 
@@ -52,9 +51,8 @@ public:
     // Hands the reference to the caller, who owns it from now on.
     [[nodiscard]] T release() noexcept { return std::exchange(mObject, nullptr); }
     void reset() noexcept {
-        if (const T object = release()) {
+        if (const T object = release())
             CFRelease(object);
-        }
     }
 
 private:
@@ -120,9 +118,8 @@ inline CFRef<CFStringRef> String(std::string_view utf8) {
 
 // Empty for null.
 inline std::string ToUtf8(CFStringRef string) {
-    if (string == nullptr) {
+    if (string == nullptr)
         return {};
-    }
     const CFRange whole = CFRangeMake(0, CFStringGetLength(string));
     const CFIndex size = CFStringGetMaximumSizeForEncoding(whole.length, kCFStringEncodingUTF8);
     std::string text(static_cast<size_t>(size), '\0');
@@ -167,9 +164,8 @@ inline std::optional<bool> ToBool(CFTypeRef object) {
 inline std::optional<double> ToDouble(CFTypeRef object) {
     const auto number = As<CFNumberRef>(object);
     double value = 0;
-    if (number == nullptr) {
+    if (number == nullptr)
         return std::nullopt;
-    }
     CFNumberGetValue(number, kCFNumberFloat64Type, &value);
     return value;
 }
@@ -231,11 +227,10 @@ private:
 template <class Value>
 void Set(CFMutableDictionaryRef dictionary, const Key& key, const Value& value) {
     const CFRef<CFTypeRef> object = Object(value);
-    if (key.get() != nullptr && object) {
+    if (key.get() != nullptr && object)
         CFDictionarySetValue(dictionary, key.get(), object.get());
-    } else if (key.get() != nullptr) {
+    else if (key.get() != nullptr)
         CFDictionaryRemoveValue(dictionary, key.get());
-    }
 }
 template <class Value>
 void Set(const CFRef<CFMutableDictionaryRef>& dictionary, const Key& key, const Value& value) {
@@ -245,9 +240,8 @@ void Set(const CFRef<CFMutableDictionaryRef>& dictionary, const Key& key, const 
 // Appends value, unless it is null.
 template <class Value>
 void Append(CFMutableArrayRef array, const Value& value) {
-    if (const CFRef<CFTypeRef> object = Object(value)) {
+    if (const CFRef<CFTypeRef> object = Object(value))
         CFArrayAppendValue(array, object.get());
-    }
 }
 template <class Value>
 void Append(const CFRef<CFMutableArrayRef>& array, const Value& value) {

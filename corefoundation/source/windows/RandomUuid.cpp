@@ -12,9 +12,8 @@ UuidBytes MakeRandomUuid() noexcept {
     (void)UuidCreate(&uuid);
     UuidBytes bytes;
     const auto store = [&](size_t first, size_t size, unsigned long value) {
-        for (size_t i = 0; i < size; ++i) {
+        for (size_t i = 0; i < size; ++i)
             bytes[first + size - 1 - i] = static_cast<uint8_t>(value >> (8 * i));
-        }
     };
     store(0, 4, uuid.Data1);
     store(4, 2, uuid.Data2);

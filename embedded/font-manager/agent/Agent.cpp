@@ -1,7 +1,11 @@
 #include "agent/Agent.h"
 
+#include <chrono>
+#include <thread>
+
 #include "agent/FontManager.h"
 #include "agent/Server.h"
+#include "common/Limits.h"
 #include "common/LogFile.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -37,6 +41,18 @@ int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     return 0;
 }
 
+/// An agent that said goodbye still holds the lock for the moment that it takes to end, and a plug-in may
+/// start the next one in that moment.
+bool AcquirePatiently(platform::FileLock& lock, const std::string& path) {
+    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+    while (lock.Acquire(path, false)) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
 }  // namespace
 
 int RunAgent(const Locations& locations, std::string& problem) {
@@ -46,7 +62,7 @@ int RunAgent(const Locations& locations, std::string& problem) {
         return 1;
     }
     platform::FileLock lock;
-    if (lock.Acquire(locations.lockPath, false)) {
+    if (!AcquirePatiently(lock, locations.lockPath)) {
         problem = "an agent runs already for " + locations.dataFolder + "; see \"Pellwick status\"";
         return 1;
     }

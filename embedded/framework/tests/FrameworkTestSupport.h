@@ -16,29 +16,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/DebugOutput.h"
+#include "CapturedTrace.h"
+#include "TemporaryFolder.h"
 #include "platform/Utf8Path.h"
-
-/// A new folder, with a name that is hard on careless code; taken away with all that is in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "framework ü 字 😀 XXXXXX").string();
-        mPath = mkdtemp(name.data()) != nullptr ? name : "";
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(platform::Utf8Path(mPath), ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::string& Path() const { return mPath; }
-    std::string operator/(const std::string& name) const { return mPath + "/" + name; }
-
-private:
-    std::string mPath;
-};
 
 /// Sets an environment variable, or unsets it, for the length of a scope.
 class ScopedVariable {
@@ -62,30 +42,6 @@ private:
 
     const char* mName;
     std::optional<std::string> mPrevious;
-};
-
-/// Collects what goes to the debugger output.
-class LogCapture : public platform::DebugOutput {
-public:
-    void Write(const char* text) noexcept override {
-        const std::lock_guard guard(mTextLock);
-        mText += text;
-    }
-    bool IsListening() noexcept override { return true; }
-
-    std::string Text() {
-        const std::lock_guard guard(mTextLock);
-        return mText;
-    }
-    size_t LineCount() {
-        const std::string text = Text();
-        return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
-    }
-
-private:
-    std::mutex mTextLock;
-    std::string mText;
-    platform::ScopedOverride<platform::DebugOutput> mOverride{*this};
 };
 
 inline void WriteText(const std::string& path, const std::string& text) {

@@ -18,7 +18,7 @@ protected:
     TemporaryFolder mTemporary;
     const std::string mFolder = mTemporary / "Vantorix";
     const std::string mPath = mFolder + "/Preferences.json";
-    LogCapture mLog;
+    CapturedTrace mLog;
 };
 
 bool SetMember(PreferenceFile& file, const std::string& name, const json& value) {

@@ -61,7 +61,7 @@ TEST_F(PreferenceStoreTest, ReadersAreTolerantOfOtherTypes) {
 }
 
 TEST_F(PreferenceStoreTest, DefaultsAreRegisteredOnceAndAgainWhenTheFileWasLost) {
-    LogCapture log;
+    CapturedTrace log;
     const json defaults = {{"EnablePlugin", true}, {"Width", 260}};
     ASSERT_TRUE(mStore.Set("EnablePlugin", false));
     EXPECT_FALSE(mStore.AreDefaultsRegistered());

@@ -24,7 +24,7 @@ MessageBoxQuestion Question(uint32_t titleID, uint32_t textID, MessageBoxButtons
 }
 
 TEST(SilentPresenter, GivesTheDefaultAnswerAndLogsIt) {
-    LogCapture log;
+    CapturedTrace log;
     SilentPresenter presenter;
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 605)), 2);
     EXPECT_EQ(presenter.AskMessageBox(Question(600, 601, kOk)), 1);
@@ -54,7 +54,7 @@ TEST(ScriptedPresenter, TakesTheFirstEntryThatFitsAndUsesItUpUnlessItRepeats) {
 }
 
 TEST(ScriptedPresenter, AnAnswerThatIsNoButtonIsReportedAndTheDefaultServes) {
-    LogCapture log;
+    CapturedTrace log;
     for (const json& answer : {json(3), json(0), json("1"), json(1.5), json(true), json(1ull << 32 | 1)}) {
         ScriptedPresenter presenter(json::array({{{"titleID", 609}, {"answer", answer}}}));
         EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2) << answer;
@@ -67,12 +67,12 @@ TEST(ScriptedPresenter, AFileThatIsNoListOfAnswersIsReported) {
     EXPECT_EQ(ReadAnswersFile((WriteText(folder / "good", R"([{"titleID": 1}])"), folder / "good")).size(),
               1u);
     for (const char* content : {"{}", "[", "[1]", ""}) {
-        LogCapture log;
+        CapturedTrace log;
         WriteText(folder / "bad", content);
         EXPECT_TRUE(ReadAnswersFile(folder / "bad").empty());
         EXPECT_EQ(log.LineCount(), 1u) << content;
     }
-    LogCapture log;
+    CapturedTrace log;
     EXPECT_TRUE(ReadAnswersFile(folder / "missing").empty());
     EXPECT_THAT(log.Text(), HasSubstr("missing"));
 }

@@ -32,7 +32,7 @@ protected:
     }
 
     TemporaryFolder mFolder;
-    LogCapture mLog;
+    CapturedTrace mLog;
 };
 
 CFRef<CFMutableArrayRef> TwoWorkgroups() {
