@@ -20,8 +20,8 @@ constexpr std::chrono::milliseconds kAnswerLimit{2000};
 constexpr std::chrono::milliseconds kKeepAliveInterval{400};
 /// How long a stopping agent waits for its goodbyes to be taken.
 constexpr std::chrono::milliseconds kGoodbyeLimit{500};
-/// How long a starting agent waits for the one before it to be gone: longer than a goodbye takes, and less than the two
-/// seconds that plug-ins wait for an agent to be ready.
+/// How long a starting agent waits for the one before it to be gone: longer than a goodbye takes, and less
+/// than the two seconds that plug-ins wait for an agent to be ready.
 constexpr std::chrono::milliseconds kLockPatience{1500};
 
 /// The largest fonts in use, collections of Chinese, Japanese and Korean faces, have about 150 MB.
