@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "HostWorld.h"
 
 using testing::ElementsAre;
@@ -122,6 +125,30 @@ TEST_F(DocumentRoadTest, TheRoadCanBeReadInTheTraceWithItsNesting) {
         position = trace.find(line, position);
         ASSERT_NE(position, std::string::npos) << "not found in its place: " << line << "\n" << trace;
     }
+}
+
+TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    {
+        ScriptedHost host;
+        host.Start();
+        host.SetPreference("EnableLogging", 1);
+        host.Open(document);
+    }
+    const std::string log = world.Path("data/Vantorix/Logs/Illustrator2025.log");
+    std::ostringstream silent;
+    silent << std::ifstream(log).rdbuf();
+    EXPECT_THAT(silent.str(), testing::StartsWith("\n=======\n"));
+    EXPECT_THAT(silent.str(), testing::Not(HasSubstr("Entering"))) << "it counts from the next start on";
+    ScriptedHost host;
+    host.Start();
+    host.Open(document);
+    std::ostringstream text;
+    text << std::ifstream(log).rdbuf();
+    EXPECT_THAT(text.str(),
+                HasSubstr("\nEntering PluginCoreInterface::HandleOpenExistingDocument('" + document));
+    EXPECT_THAT(text.str(), HasSubstr("\n CommonFunctionality::ActivateDocumentFontsSilently("))
+        << "with its nesting";
 }
 
 TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {
