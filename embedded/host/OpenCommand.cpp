@@ -74,7 +74,7 @@ void PrintFonts(const OpenedDocument& document) {
         fmt::print("  no fonts\n");
         return;
     }
-    const std::set<std::string> visible = RefreshVisibleFonts();
+    const std::set<std::string> visible = ReadVisibleFonts();
     std::vector<std::vector<std::string>> rows{{"  FONT", "MATCHED", "BEFORE", "AFTER", "VISIBLE", "FILE"}};
     for (const json& font : document.matched) {
         const std::string file = font.value(kGS_PathKey, "");

@@ -4,5 +4,5 @@
 #include <set>
 #include <string>
 
-/// Has fontconfig look again, and answers with the files that it offers (UTF-8 paths).
-std::set<std::string> RefreshVisibleFonts();
+/// The files that fontconfig offers to a program that looks now (UTF-8 paths).
+std::set<std::string> ReadVisibleFonts();

@@ -32,7 +32,7 @@ TEST(CommandLine, MissingFontsAreTheExitStatus) {
     world.AddFonts({"Sample-Bold"});
     const auto result =
         world.RunHost({"open", world.WriteDocument("a.ai", {"Sample-Bold", "Gone"}), "--close"});
-    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.status, 3) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("Sample-Bold"));
     EXPECT_THAT(result.output, HasSubstr("Gone"));
     EXPECT_THAT(result.output, HasSubstr("missing"));
