@@ -205,6 +205,12 @@ SystemError MakeFolders(const std::string& path, bool privateToUser) {
 }
 
 struct FileLock::Handle {
+    explicit Handle(Descriptor locked) : descriptor(std::move(locked)) {}
+    // Closing alone would leave the lock to a child that was forked meanwhile.
+    ~Handle() { flock(descriptor.Get(), LOCK_UN); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
     Descriptor descriptor;
 };
 
@@ -224,7 +230,7 @@ SystemError FileLock::Acquire(const std::string& path, bool wait) {
     } while (result != 0 && errno == EINTR);
     if (result != 0)
         return LastSystemError();
-    mHandle = std::make_unique<Handle>(Handle{std::move(descriptor)});
+    mHandle = std::make_unique<Handle>(std::move(descriptor));
     return {};
 }
 

@@ -272,6 +272,16 @@ std::string ReadSmallProcFile(const std::string& path) {
     return length > 0 ? std::string(buffer.data(), static_cast<size_t>(length)) : std::string();
 }
 
+/// A process whose first thread has ended shows as a zombie while its other threads live on.
+bool HasOtherThreads(ProcessId id) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> tasks(
+        opendir(("/proc/" + std::to_string(id) + "/task").c_str()), closedir);
+    int count = 0;
+    while (tasks && readdir(tasks.get()) != nullptr)
+        ++count;
+    return count > 3;  // ".", "..", and the first thread
+}
+
 class LinuxProcesses : public Processes {
 public:
     SystemError List(std::vector<ProcessInfo>& processes) override {
@@ -343,7 +353,8 @@ uint64_t ProcessStartTime(ProcessId id) {
     const std::string stat = ReadSmallProcFile("/proc/" + std::to_string(id) + "/stat");
     // proc(5): the name in parentheses may hold anything; after the last one come state (3) and the rest.
     const size_t nameEnd = stat.rfind(')');
-    if (nameEnd == std::string::npos || nameEnd + 2 >= stat.size() || stat[nameEnd + 2] == 'Z')
+    if (nameEnd == std::string::npos || nameEnd + 2 >= stat.size() ||
+        (stat[nameEnd + 2] == 'Z' && !HasOtherThreads(id)))
         return 0;
     constexpr int kFieldsFromStateToStartTime = 22 - 3;
     size_t position = nameEnd + 2;

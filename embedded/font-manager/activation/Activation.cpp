@@ -33,8 +33,9 @@ bool Activation::Link(const Font& font) {
     const bool wasLinked = mLinks.Has(font.file);
     const bool isLinked = mLinks.Link(font.file);
     const bool wasMissing = font.activationState == kFontActivationState_Missing;
-    if (isLinked == wasMissing)
-        mFonts.SetFileMissing(font.file.id, !isLinked);
+    const bool isMissing = !mLinks.IsInVault(font.file);
+    if (isMissing != wasMissing)
+        mFonts.SetFileMissing(font.file.id, isMissing);
     if (!isLinked)
         return false;
     if (!wasLinked)

@@ -28,6 +28,16 @@ bool LinkOrCopy(const fs::path& source, const fs::path& target) {
     return !failure;
 }
 
+/// Whether the folder itself made a file of that name: two hexadecimal digits of a checksum, then the
+/// checksum.
+bool IsLinkName(const fs::path& path) {
+    constexpr size_t kChecksumLength = 64;
+    const std::string name = platform::Utf8Text(path.filename());
+    const std::string shard = platform::Utf8Text(path.parent_path().filename());
+    return name.size() > kChecksumLength && name[kChecksumLength] == '.' &&
+           name.find_first_not_of("0123456789abcdef") == kChecksumLength && shard == name.substr(0, 2);
+}
+
 /// Files below the folder, folders left out. What cannot be read is as good as not there.
 std::vector<std::string> FilesBelow(const std::string& folder) {
     std::vector<std::string> files;
@@ -47,6 +57,10 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
 bool LinkFolder::Has(const FontFile& file) const {
     uint64_t size = 0;
     return !platform::FileSize(PathOf(file), size) && size == file.size;
+}
+
+bool LinkFolder::IsInVault(const FontFile& file) const {
+    return mVault.Has(file);
 }
 
 bool LinkFolder::Link(const FontFile& file) const {
@@ -74,14 +88,17 @@ LinkFolder::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles)
     for (const FontFile& file : activeFiles) {
         wanted.insert(PathOf(file));
         const bool wasThere = Has(file);
-        if (!Link(file))
+        if (!IsInVault(file))
             repairs.missing.push_back(file);
-        else if (!wasThere)
+        else if (Link(file) && !wasThere)
             ++repairs.linked;
     }
+    std::error_code failure;
+    if (fs::is_symlink(platform::Utf8Path(mFolder), failure))
+        return repairs;  // what stands where the user pointed is the user's
     for (const std::string& path : FilesBelow(mFolder)) {
-        std::error_code failure;
-        if (wanted.count(path) == 0 && fs::remove(platform::Utf8Path(path), failure))
+        if (wanted.count(path) == 0 && IsLinkName(platform::Utf8Path(path)) &&
+            fs::remove(platform::Utf8Path(path), failure))
             ++repairs.removed;
     }
     return repairs;

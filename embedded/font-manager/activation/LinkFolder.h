@@ -19,6 +19,8 @@ public:
 
     std::string PathOf(const FontFile& file) const { return ShardedPath(mFolder, file); }
     bool Has(const FontFile& file) const;
+    /// Whether the vault has what a link would point at.
+    bool IsInVault(const FontFile& file) const;
     /// Makes the file active; true at once when it is. False when that cannot be done, for one because the
     /// vault has lost the file.
     bool Link(const FontFile& file) const;

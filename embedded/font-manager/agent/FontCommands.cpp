@@ -30,15 +30,26 @@ Workgroup TargetWorkgroup(CommandContext& context, const Json& arguments) {
         return context.manager.CurrentWorkgroup();
     const auto workgroup = context.manager.workgroups.FindByName(name);
     if (!workgroup)
-        throw CommandError(CoreErrorCodes::kNotFound, "there is no workgroup \"" + name +
-                                                          "\"; make it with \"Pellwick workgroup create\"");
+        throw CommandError(
+            GZephyrinSetManager::kWorkgroupNotFound,
+            "there is no workgroup \"" + name + "\"; make it with \"Pellwick workgroup create\"");
+    if (workgroup->type == kWorkgroupType_System)
+        throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+                           "\"" + name + "\" always stays as it is");
     return *workgroup;
+}
+
+void StoreInVault(FontManager& manager, const FontFile& file, const std::string& content) {
+    if (const auto error = manager.vault.Store(file, content))
+        throw CommandError(GFontActivationManager::kOSFileSystemError,
+                           "cannot be copied into the vault: " + platform::SystemErrorText(error));
 }
 
 /// A file that is known already; its copy in the vault is made good if need be. The file's ID.
 int64_t AddAgain(FontManager& manager, const FontFile& file, const std::string& content) {
-    if (!manager.vault.Has(file) && !manager.vault.Store(file, content))
-        manager.fonts.SetFileMissing(file.id, false);
+    if (!manager.vault.Has(file))
+        StoreInVault(manager, file, content);
+    manager.fonts.SetFileMissing(file.id, false);
     return file.id;
 }
 
@@ -52,9 +63,7 @@ int64_t AddNew(CommandContext& context, FontFile& file, const std::string& conte
                            reason);
     file.extension = FontFileExtension(file.name, faces);
     file.size = content.size();
-    if (const auto error = context.manager.vault.Store(file, content))
-        throw CommandError(GFontActivationManager::kOSFileSystemError,
-                           "cannot be copied into the vault: " + platform::SystemErrorText(error));
+    StoreInVault(context.manager, file, content);
     return context.manager.fonts.Add(file, faces);
 }
 

@@ -8,7 +8,8 @@ namespace pellwick {
 namespace {
 
 bool IsAlive(const HostProcess& host) {
-    return host.process != 0 && platform::ProcessStartTime(host.process) == host.startTime;
+    return host.process != 0 && host.startTime != 0 &&
+           platform::ProcessStartTime(host.process) == host.startTime;
 }
 
 }  // namespace

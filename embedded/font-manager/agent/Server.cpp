@@ -17,6 +17,7 @@ namespace {
 
 // A host whose connection ends is about to end itself, or has only let go of the connection. So it is looked
 // at soon after, then ever less often.
+constexpr std::chrono::milliseconds kAcceptRetryDelay{100};
 constexpr std::chrono::milliseconds kFirstSweepDelay{20};
 constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
 
@@ -33,6 +34,7 @@ Server::Server(FontManager& manager, LogFile& log)
       mLoop(1),
       mAcceptor(mLoop),
       mSignals(mLoop),
+      mAcceptTimer(mLoop),
       mSweepTimer(mLoop),
       mGoodbyeTimer(mLoop) {}
 
@@ -93,9 +95,17 @@ void Server::Accept() {
     mAcceptor.async_accept([this](const asio::error_code& failure, Session::Socket socket) {
         if (!mAcceptor.is_open())
             return;
-        if (!failure)
+        if (!failure) {
             Admit(std::move(socket));
-        Accept();
+            Accept();
+            return;
+        }
+        // No descriptor is free, say: trying again at once would only keep the processor busy.
+        mAcceptTimer.expires_after(kAcceptRetryDelay);
+        mAcceptTimer.async_wait([this](const asio::error_code& cancelled) {
+            if (!cancelled && mAcceptor.is_open())
+                Accept();
+        });
     });
 }
 
@@ -104,6 +114,8 @@ void Server::Admit(Session::Socket socket) {
     if (platform::IdentifyPeer(socket.native_handle(), peer) || !peer.isSameUser)
         return;
     const HostProcess process{peer.process, platform::ProcessStartTime(peer.process)};
+    if (process.startTime == 0)  // gone already: nobody could tell when its leases end
+        return;
     SessionOwner& owner = *this;
     const auto session = std::make_shared<Session>(std::move(socket), owner, process);
     mSessions.insert(session);

@@ -52,6 +52,7 @@ private:
     asio::io_context mLoop;
     asio::local::stream_protocol::acceptor mAcceptor;
     asio::signal_set mSignals;
+    asio::steady_timer mAcceptTimer;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mGoodbyeTimer;
     std::set<std::shared_ptr<Session>> mSessions;

@@ -167,7 +167,10 @@ void NotificationListener::Deliver(const std::shared_ptr<Listening>& listening, 
             continue;
         mRunningCallback = callback;
         guard.unlock();
-        callback(type, callbackData.Pointer());
+        (void)Guarded([&] {
+            callback(type, callbackData.Pointer());
+            return CoreErrorCodes::kSuccess;
+        });
         guard.lock();
         mRunningCallback = nullptr;
         mCallbackReturned.notify_all();

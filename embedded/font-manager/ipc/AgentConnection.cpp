@@ -17,13 +17,12 @@ bool IsConnectionFailure(ErrorCode code) {
 ErrorCode AgentConnection::Call(const char* method, const Json& arguments, Json& result) {
     if (mFailure != CoreErrorCodes::kSuccess)
         return mFailure;
-    const Deadline deadline = ClientStream::Clock::now() + mLimit;
-    ErrorCode code = mIsOpen ? CoreErrorCodes::kSuccess : Open(deadline);
+    ErrorCode code = mIsOpen ? CoreErrorCodes::kSuccess : Open(ClientStream::Clock::now() + mLimit);
     mIsOpen = true;
     if (code != CoreErrorCodes::kSuccess)
         mFailure = code;  // also an agent of another version: it will not change
     else
-        code = Exchange(method, arguments, deadline, result);
+        code = Exchange(method, arguments, ClientStream::Clock::now() + mLimit, result);
     if (IsConnectionFailure(code))
         mFailure = code;
     return code;

@@ -120,10 +120,25 @@ TEST_F(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
     EXPECT_TRUE(mLinks.Has(mFile));
 }
 
+TEST_F(ActivationTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
+    const std::string stray = "ab/ab" + std::string(62, '0') + ".ttf";
+    for (const std::string& name :
+         {std::string("zz/mine.ttf"), std::string("notes.txt"), "cd" + stray.substr(2)})
+        mWorld.Write("data/fonts/" + name, "the user's own");
+    EXPECT_EQ(mLinks.Repair({}).removed, 0);
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 3u);
+    // A folder that the user put in the place of ours is the user's altogether.
+    mWorld.Write("elsewhere/" + stray, "the user's own");
+    std::filesystem::remove_all(platform::Utf8Path(mWorld.Path("data/fonts")));
+    std::filesystem::create_directory_symlink(platform::Utf8Path(mWorld.Path("elsewhere")),
+                                              platform::Utf8Path(mWorld.Path("data/fonts")));
+    EXPECT_EQ(mLinks.Repair({}).removed, 0);
+}
+
 TEST_F(ActivationTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
     std::filesystem::remove(platform::Utf8Path(mLinks.PathOf(mFile)));
-    mWorld.Write("data/fonts/zz/stray.ttf", "stray");
+    mWorld.Write("data/fonts/ab/ab" + std::string(62, '0') + ".ttf", "stray");
     LinkFolder::Repairs repairs = mLinks.Repair(mFonts.ActiveFiles());
     EXPECT_EQ(repairs.linked, 1);
     EXPECT_EQ(repairs.removed, 1);

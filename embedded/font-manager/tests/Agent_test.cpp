@@ -124,7 +124,7 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     world.RunForJson({"login", "someone"});
     const auto links = world.LinkedFiles();
     world.KillAgent(SIGKILL);
-    world.Write("data/fonts/Vantorix/00/stray.ttf", "stray");
+    world.Write("data/fonts/Vantorix/00/" + std::string(64, '0') + ".ttf", "stray");
     world.StartAgent();
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
     EXPECT_EQ(world.RunForJson({"status"})["userName"], "someone");
