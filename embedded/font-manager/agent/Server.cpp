@@ -109,6 +109,17 @@ void Server::Accept() {
     });
 }
 
+void Server::AdmitWaiting() {
+    asio::error_code failure;
+    mAcceptor.non_blocking(true, failure);
+    while (!failure && mAcceptor.is_open()) {
+        Session::Socket socket(mLoop);
+        mAcceptor.accept(socket, failure);
+        if (!failure)
+            Admit(std::move(socket));
+    }
+}
+
 void Server::Admit(Session::Socket socket) {
     platform::PeerIdentity peer;
     if (platform::IdentifyPeer(socket.native_handle(), peer) || !peer.isSameUser)
@@ -149,6 +160,7 @@ void Server::KeepAlive() {
     if (now - mLastSignOfLife < kKeepAliveInterval)
         return;
     mLastSignOfLife = now;
+    AdmitWaiting();
     const std::string frame = FrameOf({{"working", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)

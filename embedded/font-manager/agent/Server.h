@@ -41,6 +41,8 @@ private:
 
     bool ListenAt(const std::string& path);
     void Accept();
+    /// Those who connect during a long command are to see signs of life as well.
+    void AdmitWaiting();
     void Admit(Session::Socket socket);
     void SweepLeasesIn(std::chrono::milliseconds delay);
     void SweepLeases();

@@ -8,6 +8,7 @@
 #include <asio/read.hpp>
 #include <asio/write.hpp>
 #include <csignal>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
@@ -15,6 +16,7 @@
 #include "common/Locations.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 #include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
@@ -129,6 +131,25 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
     EXPECT_EQ(world.RunForJson({"status"})["userName"], "someone");
     EXPECT_EQ(world.LinkedFiles(), links);
+}
+
+TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
+    TestWorld world;
+    world.StartAgent();
+    const std::string font = world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", font});
+    const auto state = [&] { return world.RunForJson({"list"})["fonts"][0]["ActivationStatus"].get<int>(); };
+    const auto vault = platform::Utf8Path(world.Path("data/Vantorix/Pellwick/vault"));
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
+        if (entry.is_regular_file())
+            std::filesystem::remove(entry.path());
+    }
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);
+    EXPECT_EQ(state(), kFontActivationState_Missing);
+    world.RunForJson({"add", font});
+    EXPECT_EQ(state(), kFontActivationState_Inactive);
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+    EXPECT_EQ(world.Run({"add", font, "--workgroup", "System Fonts"}).status, 1);
 }
 
 TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
