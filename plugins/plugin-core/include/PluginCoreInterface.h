@@ -27,12 +27,9 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* For who has to mark the functions, say as imported from a DLL; nothing is needed as a rule. */
 #ifndef PLUGINCORE_API
-#if defined(_WIN32)
-#define PLUGINCORE_API __declspec(dllimport)
-#else
-#define PLUGINCORE_API __attribute__((visibility("default")))
-#endif
+#define PLUGINCORE_API
 #endif
 
 #ifdef __cplusplus
