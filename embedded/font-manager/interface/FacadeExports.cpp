@@ -15,27 +15,27 @@ ErrorCode GetStatus(PluginFacadeRef facade, Json& status) {
     return Library::Get().Call(facade, method::kGetStatus, Json::object(), status);
 }
 
-uint32_t GetStatusFlag(PluginFacadeRef facade, const char* member, bool* out) {
+/// Answers with what `read` takes from the agent's status.
+template <class Value, class Read>
+uint32_t AnswerFromStatus(PluginFacadeRef facade, Value* out, Read read) {
     return Guarded([&] {
         if (out == nullptr)
             return CoreErrorCodes::kNullPointer;
         Json status;
         const ErrorCode code = GetStatus(facade, status);
         if (code == CoreErrorCodes::kSuccess)
-            *out = BoolMember(status, member);
+            *out = read(status);
         return code;
     });
 }
 
+uint32_t GetStatusFlag(PluginFacadeRef facade, const char* member, bool* out) {
+    return AnswerFromStatus(facade, out, [&](const Json& status) { return BoolMember(status, member); });
+}
+
 uint32_t GetStatusText(PluginFacadeRef facade, const char* member, CFStringRef* out) {
-    return Guarded([&] {
-        if (out == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        Json status;
-        const ErrorCode code = GetStatus(facade, status);
-        if (code == CoreErrorCodes::kSuccess)
-            *out = cf::String(StringMember(status, member)).release();
-        return code;
+    return AnswerFromStatus(facade, out, [&](const Json& status) {
+        return static_cast<CFStringRef>(cf::String(StringMember(status, member)).release());
     });
 }
 
