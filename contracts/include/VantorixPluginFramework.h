@@ -14,7 +14,7 @@ enum class MessageBoxButtons : int32_t { kOk = 0, kYesNo = 2 };
 
 class VantorixPluginFramework {
 public:
-    static constexpr uint32_t kInterfaceVersion = 1;
+    static constexpr uint32_t kInterfaceVersion = 2;
 
     /// Destroys the object; it was made by CreateVantorixPluginFramework.
     virtual void Release() = 0;
@@ -46,20 +46,36 @@ public:
     /// one button and 2 (no) for two.
     virtual int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) = 0;
 
-    // Dialogs. Each answers whether it was confirmed; without anyone to ask it was not.
+    /// Shows a message with one button whose text names `subject` where the localized text holds "%s".
+    virtual void ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef subject) = 0;
+    /// Shows how far a long work has come: `done` of `total` steps (total > 0). The first call is with 0; the
+    /// one in which both are equal ends it. False when the user wants the work to stop.
+    virtual bool ShowProgress(uint32_t titleID, int32_t done, int32_t total) = 0;
+
+    // Dialogs. Each answers whether it was confirmed; without anyone to ask it was not. What is not confirmed
+    // leaves its outputs alone.
     virtual bool ShowAbout() = 0;
+    /// Lets the user change preferences, and stores them.
     virtual bool ShowPreferences() = 0;
     /// `workgroups`: array of workgroup records. `*workgroupID` goes in as the current one and comes out as
     /// chosen.
     virtual bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) = 0;
-    /// `state`: "IsLocalPersonal", "Workgroups", "CurrentWorkgroupID", "ButtonsEnabled", "IsOnline".
-    /// `*command` comes out as the number of the menu command chosen.
+    /// `state`: "IsLocalPersonal", "ButtonsEnabled", "IsOnline" (booleans), "Workgroups" (array of workgroup
+    /// records), "CurrentWorkgroupID" (number). `*command` comes out as the label of the menu item chosen: 3
+    /// to 5 for the document commands (with "ButtonsEnabled" alone), 6 preferences, 7 about, 8 and more the
+    /// workgroups in their order.
     virtual bool ShowCommandBox(CFDictionaryRef state, int32_t* command) = 0;
-    /// `fonts`: font records with their possible replacements; `resolvedFonts` and `skippedFonts` are
-    /// appended to.
+    /// `fonts`: font records, those that can be replaced with their candidates under
+    /// kGS_PossibleReplacementsKey. Appended to `resolvedFonts`: the record of each font that got a
+    /// replacement, with the record of this under kGS_MatchedFontKey; to `skippedFonts`: the records of all
+    /// others. When not confirmed, every font is skipped.
     virtual bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                                   CFMutableArrayRef skippedFonts) = 0;
     virtual bool ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) = 0;
+    /// Asks for an existing folder or one to be made. `initialFolder` may be null. `*outNewFolder` is a full
+    /// path, owned by the caller.
+    virtual bool ShowChooseFolder(CFStringRef prompt, CFStringRef initialFolder,
+                                  CFStringRef* outNewFolder) = 0;
 
 protected:
     ~VantorixPluginFramework() = default;

@@ -3,8 +3,11 @@
 
 #include <CoreFoundation++/CFRef.h>
 
+#include <array>
 #include <deque>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +22,18 @@ public:
     std::deque<int32_t> answers;                            ///< to questions; "no" when there is none left
     bool areDefaultsRegistered = false;
     bool isReleased = false;
+    std::vector<std::string> shownDialogs;         ///< by name, in order
+    std::vector<std::string> subjects;             ///< of messages about something
+    std::vector<std::array<int64_t, 3>> progress;  ///< title, done, total
+    int stepsUntilStopped = 0;                     ///< the progress call that asks to stop; 0 for none
+    CFIndex offeredWorkgroups = 0;
+    std::optional<int32_t> chosenWorkgroup;  ///< nothing: the dialog is not confirmed
+    std::function<void()> whileDialogShows;  ///< called from within the Select Workgroup dialog
+    CFRef<CFDictionaryRef> commandBoxState;
+    std::optional<int32_t> chosenCommand;
+    bool isResolving = false;
+    std::string initialFolder;
+    std::optional<std::string> chosenFolder;
 
     void Release() override { isReleased = true; }
     bool GetBoolPreference(const char* key) override { return numbers[key] != 0; }
@@ -63,10 +78,46 @@ public:
             answers.pop_front();
         return answer;
     }
-    bool ShowAbout() override { return false; }
-    bool ShowPreferences() override { return false; }
-    bool ShowSelectWorkgroup(CFArrayRef, int32_t*) override { return false; }
-    bool ShowCommandBox(CFDictionaryRef, int32_t*) override { return false; }
-    bool ShowResolveFonts(CFArrayRef, CFMutableArrayRef, CFMutableArrayRef) override { return false; }
-    bool ShowRestrictedFonts(CFArrayRef, bool) override { return false; }
+    void ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef subject) override {
+        shownBoxes.emplace_back(titleID, textID);
+        subjects.push_back(cf::ToUtf8(subject));
+    }
+    bool ShowProgress(uint32_t titleID, int32_t done, int32_t total) override {
+        progress.push_back({titleID, done, total});
+        return --stepsUntilStopped != 0;
+    }
+    bool ShowAbout() override { return Note("About"); }
+    bool ShowPreferences() override { return Note("Preferences"); }
+    bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) override {
+        offeredWorkgroups = cf::Count(workgroups);
+        *workgroupID = chosenWorkgroup.value_or(*workgroupID);
+        if (whileDialogShows)
+            whileDialogShows();
+        return Note("SelectWorkgroup") && chosenWorkgroup.has_value();
+    }
+    bool ShowCommandBox(CFDictionaryRef state, int32_t* command) override {
+        commandBoxState = RetainCF(state);
+        *command = chosenCommand.value_or(*command);
+        return Note("CommandBox") && chosenCommand.has_value();
+    }
+    bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
+                          CFMutableArrayRef skippedFonts) override {
+        for (CFIndex index = 0; index < cf::Count(fonts); ++index)
+            cf::Append(isResolving ? resolvedFonts : skippedFonts, cf::Get<CFDictionaryRef>(fonts, index));
+        return Note("ResolveFonts") && isResolving;
+    }
+    bool ShowRestrictedFonts(CFArrayRef, bool) override { return Note("RestrictedFonts"); }
+    bool ShowChooseFolder(CFStringRef, CFStringRef folder, CFStringRef* outNewFolder) override {
+        initialFolder = cf::ToUtf8(folder);
+        Note("ChooseFolder");
+        if (chosenFolder)
+            *outNewFolder = cf::String(*chosenFolder).release();
+        return chosenFolder.has_value();
+    }
+
+private:
+    bool Note(const char* dialog) {
+        shownDialogs.emplace_back(dialog);
+        return true;
+    }
 };

@@ -198,3 +198,15 @@ bool TarnwickFramework::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef, CF
 bool TarnwickFramework::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
     return Guarded(__func__, false, [=, this] { return Confirm(RestrictedFontsQuestion(fonts, onlyNew)); });
 }
+
+void TarnwickFramework::ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef) {
+    ShowMessageBox(titleID, textID, MessageBoxButtons::kOk);
+}
+
+bool TarnwickFramework::ShowProgress(uint32_t, int32_t, int32_t) {
+    return true;
+}
+
+bool TarnwickFramework::ShowChooseFolder(CFStringRef, CFStringRef, CFStringRef*) {
+    return false;
+}

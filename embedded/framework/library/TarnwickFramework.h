@@ -43,6 +43,9 @@ public:
     void SetParentWindowForUi(void* window) override { mParentWindow = window; }
     int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) override;
 
+    void ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef subject) override;
+    bool ShowProgress(uint32_t titleID, int32_t done, int32_t total) override;
+
     bool ShowAbout() override;
     bool ShowPreferences() override;
     bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) override;
@@ -50,6 +53,7 @@ public:
     bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                           CFMutableArrayRef skippedFonts) override;
     bool ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) override;
+    bool ShowChooseFolder(CFStringRef prompt, CFStringRef initialFolder, CFStringRef* outNewFolder) override;
 
 private:
     bool Store(const char* key, const nlohmann::json& value);

@@ -24,6 +24,19 @@ inline constexpr MessageBoxStrings kVaultInUse{630, 631};
 inline constexpr MessageBoxStrings kInvalidVault{630, 632};
 inline constexpr MessageBoxStrings kAgentFailedToInitialize{630, 633};
 
+// What the document commands tell. Texts marked with * name a folder, a set or what is missing: "%s".
+inline constexpr MessageBoxStrings kFontsCollected{204, 650};               ///< *
+inline constexpr MessageBoxStrings kFontsCollectedExceptMissing{204, 651};  ///< *
+inline constexpr MessageBoxStrings kNoFontsToCollect{204, 652};             ///< *
+inline constexpr MessageBoxStrings kFontsNotCollected{204, 653};            ///< *
+inline constexpr MessageBoxStrings kCollectingStopped{204, 654};            ///< *
+inline constexpr MessageBoxStrings kAllFontsActive{206, 655};
+inline constexpr MessageBoxStrings kDocumentHasNoFonts{206, 656};
+inline constexpr MessageBoxStrings kFontsNotChecked{206, 657};
+inline constexpr MessageBoxStrings kDocumentSetCreated{205, 658};     ///< *
+inline constexpr MessageBoxStrings kDocumentSetNotCreated{205, 659};  ///< *
+inline constexpr MessageBoxStrings kDocumentNotOpen{199, 660};        ///< *
+
 }  // namespace message_boxes
 
 /// String resource of the framework's module that says that the framework itself cannot be used.
