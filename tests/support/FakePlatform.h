@@ -112,6 +112,18 @@ private:
     platform::ScopedOverride<platform::DynamicLibraries> mOverride{*this};
 };
 
+class FakeClock : public platform::Clock {
+public:
+    uint32_t ticks = 1000;
+    int64_t seconds = 1700000000;
+
+    uint32_t TickCount() override { return ticks; }
+    int64_t Now() override { return seconds; }
+
+private:
+    platform::ScopedOverride<platform::Clock> mOverride{*this};
+};
+
 class FakeWindowing : public platform::Windowing {
 public:
     std::map<std::string, platform::WindowHandle> byClass;
