@@ -72,6 +72,10 @@ public:
         error.code = 0;
         return found != values.end() ? std::optional(found->second) : std::nullopt;
     }
+    std::optional<std::string> FromModuleAt(const void* address, const char* key,
+                                            platform::SystemError& error) override {
+        return FromFile(platform::Current<platform::DynamicLibraries>().PathOfModuleAt(address), key, error);
+    }
 
 private:
     platform::ScopedOverride<platform::VersionResources> mOverride{*this};
@@ -84,6 +88,7 @@ public:
     std::map<std::string, void*> symbols;
     std::string pathOfLoaded = "/system/library.so";
     std::string pathOfThisModule = "/plugins/libPluginCore.so";
+    bool isModuleKnown = true;
 
     platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
         return Load(path, error);
@@ -96,7 +101,7 @@ public:
         return found != symbols.end() ? found->second : nullptr;
     }
     std::string PathOf(platform::LibraryHandle) override { return pathOfLoaded; }
-    const void* ModuleAt(const void* address) override { return address; }
+    const void* ModuleAt(const void* address) override { return isModuleKnown ? address : nullptr; }
     std::string PathOfModuleAt(const void*) override { return pathOfThisModule; }
     std::string LastLoadFailure() override { return "no such library"; }
 

@@ -68,10 +68,22 @@ TEST_F(MarquellGlobalsTest, APathReadsThatFilesVersions) {
 }
 
 TEST_F(MarquellGlobalsTest, WithoutAModuleTheVersionIsUnknown) {
-    libraries.pathOfThisModule = std::string(4096, 'x');
+    libraries.isModuleKnown = false;
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
     EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "x.x.x.x");
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), "");
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "Illustrator2025");
+    EXPECT_THAT(trace.Text(), HasSubstr(" in call to GetModuleHandleEx(0x00000006, 0x"));
+}
+
+TEST_F(MarquellGlobalsTest, AModuleWithTooLongAPathHasItsVersionsAllTheSame) {
+    libraries.pathOfThisModule = std::string(4096, 'x');
+    versions.values[{libraries.pathOfThisModule, "PrivateBuild"}] = std::string(2000, '8');
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), std::string(1023, '8'));
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), "");
     EXPECT_THAT(trace.Text(), HasSubstr("after GetModuleFileNameW()\n"));
+    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Plugin path is")));
 }
 
 TEST_F(MarquellGlobalsTest, TheFlagsGateThePluginAndLogTheirChanges) {
