@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -85,6 +86,7 @@ private:
 class FakeLibraries : public platform::DynamicLibraries {
 public:
     std::vector<std::string> loadable;
+    std::string exhausting;  ///< the library for which there is no memory
     std::map<std::string, void*> symbols;
     std::string pathOfLoaded = "/system/library.so";
     std::string pathOfThisModule = "/plugins/libPluginCore.so";
@@ -107,6 +109,8 @@ public:
 
 private:
     platform::LibraryHandle Load(const std::string& name, platform::SystemError& error) {
+        if (name == exhausting)
+            throw std::bad_alloc();
         for (std::string& each : loadable) {
             if (each == name)
                 return &each;
