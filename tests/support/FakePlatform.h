@@ -66,11 +66,12 @@ private:
 class FakeVersionResources : public platform::VersionResources {
 public:
     std::map<std::pair<std::string, std::string>, std::string> values;  ///< by path and key
+    int errorOfOthers = 0;  ///< what reading a value that is not there fails with
 
     std::optional<std::string> FromFile(const std::string& path, const char* key,
                                         platform::SystemError& error) override {
         const auto found = values.find({path, key});
-        error.code = 0;
+        error.code = found != values.end() ? 0 : errorOfOthers;
         return found != values.end() ? std::optional(found->second) : std::nullopt;
     }
     std::optional<std::string> FromModuleAt(const void* address, const char* key,
