@@ -201,6 +201,10 @@ TEST(HostMenuJSON, HugeAndDeepTextIsTakenOrRefused) {
     PluginCoreInterface::MenuObject item;
     EXPECT_EQ(PluginCoreInterface::GetMenuObjectFromRawJSON(deep, "deep", item), 0u);
     EXPECT_EQ(item.label, "found");
+    EXPECT_EQ(PluginCoreInterface::GetMenuObjectFromRawJSON(
+                  R"({"m":[{"id":"x","label":"first"},{"id":"x","label":"second"}]})", "x", item),
+              0u);
+    EXPECT_EQ(item.label, "first");
 }
 
 // ---- The command box

@@ -335,6 +335,7 @@ TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {
     EXPECT_EQ(FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID(), 8);
     EXPECT_EQ(framework.numbers["CurrentWorkgroup"], 8);
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+    framework.numbers["CurrentWorkgroup"] = 0;
     FontManagerInterface::GetSharedInstance().InitializeDefaultWorkgroup();
     EXPECT_EQ(framework.shownDialogs.size(), 1u) << "chosen already";
 }
