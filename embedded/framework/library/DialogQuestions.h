@@ -1,18 +1,16 @@
 // What each dialog shows, and what the answer to it means: between the framework's CoreFoundation objects and
-// the presenters' JSON. An answer that means nothing is logged and counts as not confirmed.
+// the presenters' JSON. An answer that means nothing is logged and counts as not confirmed. Preferences and
+// ResolveFonts have headers of their own.
 //
-// | dialog          | details                                               | choices in the answer |
-// |-----------------|-------------------------------------------------------|--------------------------------------|
-// | About           | version                                               | none | | Preferences     | see
-// PreferencesDialog.h                               |                                      | |
-// SelectWorkgroup | workgroups: [{workgroupID, name}], workgroupID        | workgroupID, one of the list | |
-// CommandBox      | IsLocalPersonal, ButtonsEnabled, IsOnline,            | command, one of the list | | |
-// CurrentWorkgroupID,                                   |                                      | | |
-// commands: [{command, title, workgroupID for those     |                                      | | | that
-// choose one}]                                     |                                      | | ResolveFonts |
-// see ResolveFontsDialog.h                              |                                      | |
-// RestrictedFonts | fonts: [PostScript name], onlyNew                     | none | | ChooseFolder    |
-// prompt, initialFolder                                 | folder: a path, see platform::FullPath |
+// | dialog          | details                                           | choices in the answer        |
+// |-----------------|---------------------------------------------------|------------------------------|
+// | About           | version                                           | none                         |
+// | SelectWorkgroup | workgroups: [{workgroupID, name}], workgroupID    | workgroupID, one of the list |
+// | CommandBox      | IsLocalPersonal, ButtonsEnabled, IsOnline,        | command, one of the list     |
+// |                 | CurrentWorkgroupID, commands: [{command, title,   |                              |
+// |                 | and workgroupID if it chooses one}]               |                              |
+// | RestrictedFonts | fonts: [PostScript name], onlyNew                 | none                         |
+// | ChooseFolder    | prompt, initialFolder                             | folder, as for FullPath      |
 #pragma once
 
 #include <cstdint>

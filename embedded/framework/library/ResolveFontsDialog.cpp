@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-/// What tells candidates of similar names apart: "Minion Pro, Adobe, OpenType, 2.1".
+/// What tells candidates of similar names apart: "Garamond, Somefoundry, OpenType, 2.1".
 std::string Description(CFDictionaryRef font) {
     std::string description;
     for (const char* key : {kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey, kGS_VersionKey}) {

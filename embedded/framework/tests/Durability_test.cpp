@@ -60,15 +60,6 @@ TEST_F(DurabilityTest, AHostKilledAtAnyMomentLosesNothingThatWasStoredAndHoldsUp
     EXPECT_EQ(ReadText(mFolder / "log"), "");
 }
 
-TEST_F(DurabilityTest, HostsThatStoreAtOnceLoseNothing) {
-    RunningProgram one(Counting("one", 50));
-    RunningProgram other(Counting("other", 50));
-    EXPECT_EQ(one.Wait(), 0);
-    EXPECT_EQ(other.Wait(), 0);
-    EXPECT_EQ(StoredNumber("one"), 50);
-    EXPECT_EQ(StoredNumber("other"), 50);
-}
-
 TEST_F(DurabilityTest, WithAFileCutAnywhereAPlugInStartsAsIfItWereTheFirstTime) {
     const std::string whole =
         R"({"plug-in": {"Unknown": {"DefaultsRegistered": true, "EnablePlugin": false}}})";
