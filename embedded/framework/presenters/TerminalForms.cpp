@@ -37,18 +37,15 @@ Choices SwitchChoices(const Terminal& terminal, const json& switches) {
     return choices;
 }
 
-json ChangedSwitches(const json& before, const json& after) {
-    json changed = json::object();
-    for (size_t index = 0; index < after.size(); ++index) {
-        if (after[index] != before[index])
-            changed[StringIn(after[index], "key")] = after[index].at("isOn");
-    }
-    return changed;
+DialogAnswer SwitchesByKey(const json& switches) {
+    json byKey = json::object();
+    for (const json& each : switches)
+        byKey[StringIn(each, "key")] = each.at("isOn");
+    return byKey;
 }
 
 DialogAnswer AskForPreferences(Terminal& terminal, const json& details) {
-    const json& before = details.at("switches");
-    json switches = before;
+    json switches = details.at("switches");
     for (;;) {
         const Choices choices = SwitchChoices(terminal, switches);
         terminal.PrintTitle(terminal.Text(kPreferencesTitle));
@@ -57,7 +54,7 @@ DialogAnswer AskForPreferences(Terminal& terminal, const json& details) {
         if (!number)
             return false;
         if (*number == 0)
-            return ChangedSwitches(before, switches);
+            return SwitchesByKey(switches);
         json& isOn = switches[static_cast<size_t>(*number) - 1].at("isOn");
         isOn = !isOn.get<bool>();
     }
