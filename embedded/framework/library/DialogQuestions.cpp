@@ -31,7 +31,12 @@ json WorkgroupList(CFArrayRef workgroups) {
     return list;
 }
 
-json DocumentCommands(int64_t currentWorkgroupID, std::string_view language) {
+json NumberOrNull(CFDictionaryRef dictionary, const char* key) {
+    const auto number = cf::GetInt64(dictionary, key);
+    return number ? json(*number) : json();
+}
+
+json DocumentCommands(const json& currentWorkgroupID, std::string_view language) {
     json commands = json::array();
     commands.push_back({{"command", 3}, {"title", LocalizedText(language, kCollectFontsTitle)}});
     if (currentWorkgroupID != kPseudoWorkgroupID)
@@ -45,7 +50,7 @@ void AppendWorkgroupCommands(json& commands, CFArrayRef workgroups) {
         const auto record = cf::Get<CFDictionaryRef>(workgroups, index);
         commands.push_back({{"command", kFirstWorkgroupCommand + index},
                             {"title", cf::GetString(record, kGS_WorkgroupNameKey)},
-                            {"workgroupID", cf::GetInt64(record, kGS_WorkgroupIDKey).value_or(0)}});
+                            {"workgroupID", NumberOrNull(record, kGS_WorkgroupIDKey)}});
     }
 }
 
@@ -106,14 +111,13 @@ DialogQuestion CommandBoxQuestion(CFDictionaryRef state, std::string_view langua
     json details;
     for (const char* flag : {"IsLocalPersonal", "ButtonsEnabled", "IsOnline"})
         details[flag] = cf::GetBool(state, flag).value_or(false);
-    const int64_t currentWorkgroupID = cf::GetInt64(state, "CurrentWorkgroupID").value_or(0);
+    details["CurrentWorkgroupID"] = NumberOrNull(state, "CurrentWorkgroupID");
     json commands = json::array();
     if (details["ButtonsEnabled"].get<bool>())
-        commands = DocumentCommands(currentWorkgroupID, language);
+        commands = DocumentCommands(details["CurrentWorkgroupID"], language);
     commands.push_back({{"command", 6}, {"title", LocalizedText(language, kPreferencesTitle)}});
     commands.push_back({{"command", 7}, {"title", LocalizedText(language, kAboutTitle)}});
     AppendWorkgroupCommands(commands, cf::GetArray(state, "Workgroups"));
-    details["CurrentWorkgroupID"] = currentWorkgroupID;
     details["commands"] = std::move(commands);
     return {"CommandBox", std::move(details)};
 }

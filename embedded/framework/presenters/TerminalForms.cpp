@@ -95,13 +95,14 @@ DialogAnswer AskForWorkgroup(Terminal& terminal, const json& details) {
 
 /// The entries of the command box, those of the menu or the workgroups below it.
 Choices CommandChoices(const json& details, bool areWorkgroups) {
+    const json& current = details.at("CurrentWorkgroupID");
     Choices choices;
     for (const json& command : details.at("commands")) {
         if (command.contains("workgroupID") == areWorkgroups)
             choices.push_back({command.at("command").get<int32_t>(),
                                StringIn(command, "title"),
                                {},
-                               areWorkgroups && command["workgroupID"] == details.at("CurrentWorkgroupID")});
+                               areWorkgroups && !current.is_null() && command["workgroupID"] == current});
     }
     return choices;
 }

@@ -38,11 +38,13 @@ protected:
         EXPECT_TRUE(isConfirmed || chosen == current);
         return isConfirmed ? std::optional(chosen) : std::nullopt;
     }
-    std::optional<int32_t> ChooseCommand(const std::string& typed, bool areButtonsEnabled, int32_t current) {
+    std::optional<int32_t> ChooseCommand(const std::string& typed, bool areButtonsEnabled,
+                                         std::optional<int32_t> current) {
         Type(typed);
         const auto state = cf::MutableDictionary();
         cf::Set(state, "Workgroups", mWorkgroups);
-        cf::Set(state, "CurrentWorkgroupID", current);
+        if (current)
+            cf::Set(state, "CurrentWorkgroupID", *current);
         cf::Set(state, "ButtonsEnabled", areButtonsEnabled);
         cf::Set(state, "IsOnline", true);
         int32_t command = -1;
@@ -79,7 +81,7 @@ protected:
         std::make_unique<TerminalPresenter>(Terminal::Streams{mInput, mOutput, false}, "en")};
     RecordList mWorkgroups =
         Records({WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(-2, "Print"),
-                 WorkgroupRecord(7, "Print 2024\033[2J\302\233"), WorkgroupRecord(8, "2")});
+                 WorkgroupRecord(7, "Print 2024\033[2J\302\233"), WorkgroupRecord(0, "2")});
     RecordList mResolved;
     RecordList mSkipped;
 };
@@ -153,6 +155,8 @@ TEST_F(TerminalFormsTest, TheCommandBoxOffersWhatIsAllowedNow) {
     EXPECT_EQ(ChooseCommand("12\n0\n1\n5\n", true, 30), 5);
     EXPECT_EQ(ChooseCommand("4\n3\n", true, -2), 3) << "no set can be made of that workgroup";
     EXPECT_EQ(ChooseCommand("3\n4\n5\n6\n", false, 30), 6);
+    EXPECT_EQ(ChooseCommand("8\n", true, std::nullopt), 8);
+    EXPECT_THAT(Shown(), AllOf(Not(HasSubstr("Current workgroup")), Not(HasSubstr("*"))));
     for (const char* notConfirmed : {"\n", "q\n", "", "nothing\n"})
         EXPECT_EQ(ChooseCommand(notConfirmed, true, 30), std::nullopt) << notConfirmed;
 }
