@@ -50,6 +50,9 @@ SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_
 /// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
 /// one: temporary name, flush, rename, flush of the folder. The file is for this user only.
 SystemError WriteWholeFile(const std::string& path, std::string_view content);
+/// Removes the temporary files that WriteWholeFile(path) left in processes that were killed. Only where a
+/// lock keeps all others from writing that file meanwhile.
+void RemoveAbandonedWrites(const std::string& path);
 /// Makes the folder and those above it; succeeds when it is there already. With `privateToUser` a folder that
 /// is made is closed to others.
 SystemError MakeFolders(const std::string& path, bool privateToUser = false);
