@@ -30,7 +30,7 @@ HostSession::~HostSession() {
         mCore.TerminatePluginCoreInterface();
 }
 
-int HostSession::Start(const HostOptions& options) {
+int HostSession::Start(const HostOptions& options, Needs needs) {
     std::string error;
     if (!mCore.Load(options.corePath, error)) {
         PrintError("cannot load the core: " + error + "; name its library with --core");
@@ -38,18 +38,32 @@ int HostSession::Start(const HostOptions& options) {
     }
     mIsStarted = true;
     const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
-    bool isEnabled = false;
-    if (code == PLUGINCORE_SUCCESS && mCore.PluginIsEnabled(true, &isEnabled) == PLUGINCORE_SUCCESS)
-        return exit_status::kDone;
     if (code == PLUGINCORE_INVALID_PARAM || code == 2) {
         PrintError("the core cannot start: " + ResultName(code));
         return exit_status::kFailed;
     }
-    PrintError(code == PLUGINCORE_SUCCESS
-                   ? "the font manager cannot be used; 'Pellwick status' tells why: start it with 'Pellwick "
-                     "serve', or "
-                     "log in with 'Pellwick login NAME'"
-                   : "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
-                     "launch-info' once so that it is started for you");
+    if (code != PLUGINCORE_SUCCESS) {
+        PrintError(
+            "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
+            "launch-info' "
+            "once so that it is started for you");
+        return exit_status::kFontManagerUnreachable;
+    }
+    bool isEnabled = false;
+    if (mCore.PluginIsEnabled(true, &isEnabled) == PLUGINCORE_SUCCESS || needs == Needs::kPreferencesAlone)
+        return exit_status::kDone;
+    PrintError(WhyNotEnabled());
     return exit_status::kFontManagerUnreachable;
+}
+
+std::string HostSession::WhyNotEnabled() const {
+    bool showLogin = false;
+    mCore.ShouldShowLogin(&showLogin);
+    if (showLogin)
+        return "nobody is logged in to the font manager; log in with 'Pellwick login NAME'";
+    return "the plug-in cannot be used: it may be switched off ('plugincore-host settings EnablePlugin 1' "
+           "switches it on), "
+           "its framework or its preferences may be out of reach, or there may be no workgroup ('Pellwick "
+           "workgroup list'); "
+           "PLUGINCORE_DEBUG_OUTPUT=- shows which";
 }

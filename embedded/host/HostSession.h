@@ -22,11 +22,16 @@ public:
     HostSession(const HostSession&) = delete;
     HostSession& operator=(const HostSession&) = delete;
 
+    /// What of the core a command works with.
+    enum class Needs { kPlugin, kPreferencesAlone };
+
     /// Loads and starts the core. exit_status::kDone, or what the program ends with after an error line.
-    int Start(const HostOptions& options);
+    int Start(const HostOptions& options, Needs needs = Needs::kPlugin);
     const CoreLibrary& Core() const { return mCore; }
 
 private:
+    std::string WhyNotEnabled() const;
+
     CoreLibrary mCore;
     bool mIsStarted = false;
 };

@@ -82,7 +82,7 @@ int RunMenu(const HostOptions& host, const MenuOptions& options) {
         return exit_status::kFailed;
     }
     HostSession session;
-    if (const int startStatus = session.Start(host))
+    if (const int startStatus = session.Start(host, HostSession::Needs::kPreferencesAlone))
         return startStatus;
     const std::string document = options.document.empty() ? std::string() : FullPath(options.document);
     if (!document.empty())

@@ -58,7 +58,7 @@ int Store(const CoreLibrary& core, const std::string& key, const std::string& va
 
 int RunSettings(const HostOptions& host, const SettingsOptions& options) {
     HostSession session;
-    if (const int startStatus = session.Start(host))
+    if (const int startStatus = session.Start(host, HostSession::Needs::kPreferencesAlone))
         return startStatus;
     Json settings;
     if (!ReadSettings(session.Core(), settings))

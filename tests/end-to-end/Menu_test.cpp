@@ -150,4 +150,12 @@ TEST_F(MenuTest, PreferencesLastAndAreSharedByHostsThatRunAtOnce) {
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("NoSuchKey"));
     EXPECT_EQ(world.RunHost({"settings", "RMF5", "many"}).status, 1);
+
+    EXPECT_EQ(world.RunHost({"settings", "EnablePlugin", "0"}).status, 0);
+    result = world.RunHost({"open", world.WriteDocument("a.ai", {"Sample-Bold"}), "--close"});
+    EXPECT_EQ(result.status, 5);
+    EXPECT_THAT(result.errors, HasSubstr("settings EnablePlugin 1"));
+    EXPECT_EQ(world.RunHost({"menu"}).status, 0) << "the way back to the preferences is open";
+    EXPECT_EQ(world.RunHost({"settings", "EnablePlugin", "1"}).status, 0);
+    EXPECT_EQ(world.RunHost({"open", world.Path("a.ai"), "--close"}).status, 0);
 }

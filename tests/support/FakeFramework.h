@@ -23,13 +23,14 @@ public:
     bool areDefaultsRegistered = false;
     bool isStoreUsable = true;
     bool isReleased = false;
+    void* parentWindow = nullptr;
     std::vector<std::string> shownDialogs;         ///< by name, in order
     std::vector<std::string> subjects;             ///< of messages about something
     std::vector<std::array<int64_t, 3>> progress;  ///< title, done, total
     int stepsUntilStopped = 0;                     ///< the progress call that asks to stop; 0 for none
     CFIndex offeredWorkgroups = 0;
     std::optional<int32_t> chosenWorkgroup;  ///< nothing: the dialog is not confirmed
-    std::function<void()> whileDialogShows;  ///< called from within the Select Workgroup dialog
+    std::function<void()> whileDialogShows;  ///< called from within a dialog
     CFRef<CFDictionaryRef> commandBoxState;
     std::optional<int32_t> chosenCommand;
     bool isResolving = false;
@@ -40,17 +41,16 @@ public:
     bool GetBoolPreference(const char* key) override { return numbers[key] != 0; }
     int64_t GetIntPreference(const char* key) override { return numbers[key]; }
     CFStringRef CopyStringPreference(const char* key) override { return cf::String(texts[key]).release(); }
-    bool SetBoolPreference(const char* key, bool value) override {
-        numbers[key] = value;
-        return true;
-    }
+    bool SetBoolPreference(const char* key, bool value) override { return SetIntPreference(key, value); }
     bool SetIntPreference(const char* key, int64_t value) override {
-        numbers[key] = value;
-        return true;
+        if (isStoreUsable)
+            numbers[key] = value;
+        return isStoreUsable;
     }
     bool SetStringPreference(const char* key, CFStringRef value) override {
-        texts[key] = cf::ToUtf8(value);
-        return true;
+        if (isStoreUsable)
+            texts[key] = cf::ToUtf8(value);
+        return isStoreUsable;
     }
     bool AreDefaultsRegistered() override { return areDefaultsRegistered; }
     bool RegisterDefaults(CFDictionaryRef defaults) override {
@@ -69,7 +69,7 @@ public:
     CFStringRef CopyLocalizedString(uint32_t stringID) override {
         return cf::String("string " + std::to_string(stringID)).release();
     }
-    void SetParentWindowForUi(void*) override {}
+    void SetParentWindowForUi(void* window) override { parentWindow = window; }
     int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) override {
         shownBoxes.emplace_back(titleID, textID);
         if (buttons == MessageBoxButtons::kOk)
@@ -88,7 +88,11 @@ public:
         return --stepsUntilStopped != 0;
     }
     bool ShowAbout() override { return Note("About"); }
-    bool ShowPreferences() override { return Note("Preferences"); }
+    bool ShowPreferences() override {
+        if (whileDialogShows)
+            whileDialogShows();
+        return Note("Preferences");
+    }
     bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) override {
         offeredWorkgroups = cf::Count(workgroups);
         *workgroupID = chosenWorkgroup.value_or(*workgroupID);
@@ -98,6 +102,8 @@ public:
     }
     bool ShowCommandBox(CFDictionaryRef state, int32_t* command) override {
         commandBoxState = RetainCF(state);
+        if (whileDialogShows)
+            whileDialogShows();
         *command = chosenCommand.value_or(*command);
         return Note("CommandBox") && chosenCommand.has_value();
     }

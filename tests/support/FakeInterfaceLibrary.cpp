@@ -72,6 +72,9 @@ void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
 }
+void Perform(Symbol<kIndexOfBeginLogging>, PluginThreadInstanceRef, const char* logFileName) {
+    current->logFile = logFileName;
+}
 void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef,
              CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts,
              CFMutableArrayRef reportedFonts) {

@@ -30,6 +30,7 @@ public:
     std::map<std::string, std::deque<ErrorCode>> codes;  ///< answers by symbol, first to last; then success
     std::vector<std::string> calls;                      ///< symbols in the order in which they were called
     std::string log;                                     ///< what Log was given
+    std::string logFile;                                 ///< what BeginLogging was given
 
     // Answers of successful calls.
     bool isLoggedIn = true;

@@ -52,12 +52,12 @@ extern "C" {
 /* ---- Life cycle */
 
 /*
- * Starts the core; to be called once when the host plug-in loads. A later call returns all bits set. The user
- * may be asked for a workgroup; plug-in services are off until one was chosen or PluginIsEnabled is called.
- * pluginIdentifier: the plug-in's bundle identifier ("com.vantorix.…"), or the path of its file.
- * versionPrefixRequired: what the host application's file version must begin with; may be empty.
- * 0; all bits set when the host is not a compatible one or the font manager cannot be reached;
- * 2 without the plug-in framework; PLUGINCORE_INVALID_PARAM for a null or ill-formed text.
+ * Starts the core; to be called once when the host plug-in loads. A later call with texts that can be taken
+ * returns all bits set. The user may be asked for a workgroup; plug-in services are off until one was chosen
+ * or PluginIsEnabled is called. pluginIdentifier: the plug-in's bundle identifier ("com.vantorix.…"), or the
+ * path of its file. versionPrefixRequired: what the host application's file version must begin with; may be
+ * empty. 0; all bits set when the host is not a compatible one or the font manager cannot be reached; 2
+ * without the plug-in framework; PLUGINCORE_INVALID_PARAM for a null or ill-formed text.
  */
 PLUGINCORE_API uint32_t InitializePluginCoreInterface(const char* pluginIdentifier,
                                                       const char* versionPrefixRequired);
@@ -84,7 +84,8 @@ PLUGINCORE_API uint32_t IdleEvent(void);
 /* Writes whether the user has yet to log in to the font manager to *showLogin. */
 PLUGINCORE_API void ShouldShowLogin(bool* showLogin);
 
-/* Tells the user that nobody is logged in. Always 0. */
+/* Tells the user that nobody is logged in, and counts the user as logged out until PluginIsEnabled finds
+ * otherwise. Always 0. */
 PLUGINCORE_API uint32_t ShowNotLoggedInMessageBox(void);
 
 /* callback: called without arguments, on the main thread, when the workgroups menu is out of date; null for
@@ -198,7 +199,8 @@ typedef uint32_t (*PluginCoreMenuItemCallback)(const char* id, const char* label
 /*
  * Reads the host's own description of its menu and calls createItem for each item, an item before those below
  * it. menusJSON: a JSON object; items are objects with "id" (a text or a number) and "label" (a text) in
- * arrays at any depth below it. context is handed through.
+ * arrays at any depth below it. Several arrays of one object come in the alphabetical order of their names.
+ * context is handed through.
  * 0; the code of createItem that ended it; PLUGINCORE_INVALID_PARAM for what is no JSON object or a null
  * pointer.
  */
@@ -210,7 +212,8 @@ PLUGINCORE_API uint32_t CreateMenusFromJSONBuffer(const char* menusJSON,
  * CreateMenusFromJSONBuffer. Its label is the text of a command, in English or in the user's language, or the
  * name of a workgroup. menusJSON null or empty: the menu that GetMenus described last, by its labels.
  * document: as for GetMenus. extra: the fonts that the document uses now, as fontsJSON of
- * HandleOpenExistingDocument; may be null. Dialogs may show. Always 0; the user is told what went wrong.
+ * HandleOpenExistingDocument; may be null. Dialogs may show, also to tell what came of a command. What is not
+ * in the menu, a null selectedID, and a workgroup that the user does not have change nothing. Always 0.
  */
 PLUGINCORE_API uint32_t HandleMenuSelection(const char* document, const char* menusJSON,
                                             const char* selectedID, const char* extra);
@@ -236,7 +239,8 @@ PLUGINCORE_API uint32_t GetSettings(char* buffer, size_t* bufferSize);
  * Stores one preference. value: a decimal number, or the text of "LastCFOFolder" and "LastUsername" (which
  * are stored and answered with PLUGINCORE_INVALID_PARAM). "CurrentWorkgroup" also takes a workgroup's name.
  * 0; PLUGINCORE_INVALID_PARAM for an unknown key, a value that is no number, or a null pointer;
- * PLUGINCORE_NOT_INITIALIZED when the plug-in is not functional.
+ * PLUGINCORE_UNKNOWN_ERROR when a number could not be stored; PLUGINCORE_NOT_INITIALIZED when the plug-in is
+ * not functional.
  */
 PLUGINCORE_API uint32_t SetPreference(const char* key, const char* value);
 

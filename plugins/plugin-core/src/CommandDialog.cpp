@@ -26,11 +26,12 @@ CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document, VPF
 }
 
 void CarryOut(int32_t command, const std::string& document, const std::vector<Workgroup>& workgroups) {
+    const bool isLoggedIn = FontManagerInterface::GetSharedInstance().IsLoggedIn();
     const int64_t position = int64_t{command} - static_cast<int32_t>(MenuLabel::kFirstWorkgroup);
     if (position < 0)
-        MenuCommands::Run(static_cast<MenuLabel>(command), document, "");
+        MenuCommands::Run(static_cast<MenuLabel>(command), isLoggedIn, document, "");
     else if (position < static_cast<int64_t>(workgroups.size()))
-        MenuCommands::ChooseWorkgroup(workgroups[static_cast<size_t>(position)].name);
+        MenuCommands::ChooseWorkgroup(workgroups[static_cast<size_t>(position)], isLoggedIn);
 }
 
 ErrorCode ShowCommandBox(const std::string& document) {
@@ -47,9 +48,9 @@ ErrorCode ShowCommandBox(const std::string& document) {
 
 }  // namespace
 
-ErrorCode CommandDialog::InvokeCommandDialog(const std::string& document) {
+ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
     static bool isShowing = false;
-    LogMessage(1, "Entering %s('%s', ...)", kName, document.c_str());
+    LogMessage(1, "Entering %s('%s', ...)", kName, OrNull(document));
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const ScopeExit exitLine(
         [&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
@@ -59,5 +60,5 @@ ErrorCode CommandDialog::InvokeCommandDialog(const std::string& document) {
     }
     isShowing = true;
     const ScopeExit closed([] { isShowing = false; });
-    return result = ShowCommandBox(document);
+    return result = ShowCommandBox(document != nullptr ? document : "");
 }

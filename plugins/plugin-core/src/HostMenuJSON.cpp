@@ -50,7 +50,7 @@ ErrorCode VisitItems(const json& menu, Visit visit) {
 /// Nothing for an object that is no item.
 std::optional<std::string> IdentifierOf(const json& object, const char* member) {
     const auto id = object.find(member);
-    if (id == object.end() || id->is_structured() || id->is_null())
+    if (id == object.end() || !(id->is_string() || id->is_number()))
         return std::nullopt;
     return id->is_string() ? id->get<std::string>() : id->dump();
 }

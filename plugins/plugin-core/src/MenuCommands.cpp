@@ -44,10 +44,6 @@ bool IsCommand(MenuLabel label) {
     return label >= MenuLabel::kCollectFonts && label < MenuLabel::kFirstWorkgroup;
 }
 
-bool IsLoggedIn() {
-    return FontManagerInterface::GetSharedInstance().IsLoggedIn();
-}
-
 void ShowPreferences(VPFInterface& framework) {
     if (!framework.ShowPreferences())
         return;
@@ -105,7 +101,7 @@ std::optional<MenuLabel> FromText(const std::string& text) {
     return std::nullopt;
 }
 
-void Run(MenuLabel command, const std::string& document, const std::string& extra) {
+void Run(MenuLabel command, bool isLoggedIn, const std::string& document, const std::string& extra) {
     static bool isRunning = false;
     if (isRunning) {
         LogMessage(0, "ERROR: %s() called recursively.", "MenuCommands::Run");
@@ -113,20 +109,29 @@ void Run(MenuLabel command, const std::string& document, const std::string& extr
     }
     isRunning = true;
     const ScopeExit done([] { isRunning = false; });
-    if (command != MenuLabel::kAbout && !IsLoggedIn())
+    if (command != MenuLabel::kAbout && !isLoggedIn)
         CommonFunctionality::ShowNotLoggedInMessage();
     else
         Carry(command, document, extra);
 }
 
-void ChooseWorkgroup(const std::string& name) {
-    if (!IsLoggedIn()) {
+void ChooseWorkgroup(const std::string& name, bool isLoggedIn) {
+    if (!isLoggedIn) {
         CommonFunctionality::ShowNotLoggedInMessage();
         return;
     }
     LogMessage(0, "Setting current workgroup name to '%s'", name.c_str());
     // A name that no workgroup has was logged, and nothing changes.
     static_cast<void>(FontManagerInterface::GetSharedInstance().SetCurrentWorkgroup(cf::String(name).get()));
+}
+
+void ChooseWorkgroup(const Workgroup& workgroup, bool isLoggedIn) {
+    if (!isLoggedIn) {
+        CommonFunctionality::ShowNotLoggedInMessage();
+        return;
+    }
+    LogMessage(0, "Setting current workgroup name to '%s'", workgroup.name.c_str());
+    FontManagerInterface::GetSharedInstance().SetCurrentWorkgroup(workgroup.id);
 }
 
 }  // namespace MenuCommands

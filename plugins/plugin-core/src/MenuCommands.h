@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "Workgroup.h"
+
 /// The numbers that label the items of the menu.
 enum class MenuLabel : int32_t {
     kSeparator = 0,
@@ -29,9 +31,10 @@ std::optional<MenuLabel> FromText(const std::string& text);
 /// Carries out a command. Without a login every command but the about box only tells the user so. A command
 /// that is chosen from behind the dialog of another one is refused with a log line. `extra`: what the host
 /// knows about the document's fonts, may be empty.
-void Run(MenuLabel command, const std::string& document, const std::string& extra);
+void Run(MenuLabel command, bool isLoggedIn, const std::string& document, const std::string& extra);
 
-/// Works in the workgroup of that name from now on. The same about the login.
-void ChooseWorkgroup(const std::string& name);
+/// Works in the workgroup of that name, or in this one, from now on. The same about the login.
+void ChooseWorkgroup(const std::string& name, bool isLoggedIn);
+void ChooseWorkgroup(const Workgroup& workgroup, bool isLoggedIn);
 
 }  // namespace MenuCommands

@@ -66,19 +66,29 @@ json BuildMenu(const std::string& document) {
     return root;
 }
 
-void CarryOut(const std::string& label, const std::string& document, const std::string& extra) {
+void CarryOut(const std::string& label, bool isLoggedIn, const std::string& document,
+              const std::string& extra) {
     if (const auto command = MenuCommands::FromText(label))
-        MenuCommands::Run(*command, document, extra);
+        MenuCommands::Run(*command, isLoggedIn, document, extra);
     else
-        MenuCommands::ChooseWorkgroup(label);
+        MenuCommands::ChooseWorkgroup(label, isLoggedIn);
+}
+
+/// In the host's menu or, when the host gives none, in the menu that was described last.
+ErrorCode FindItem(const std::string& menusJSON, const std::string& selectedID,
+                   PluginCoreInterface::MenuObject& item) {
+    if (!menusJSON.empty())
+        return PluginCoreInterface::GetMenuObjectFromRawJSON(menusJSON, selectedID, item);
+    return PluginCoreInterface::GetMenuObjectFromRawJSON("{\"menu\":[" + lastMenuBuilt + "]}", selectedID,
+                                                         item, {"label", "title"});
 }
 
 }  // namespace
 
-ErrorCode Menus::GetMenus(const std::string& document, char* buffer, size_t* size) {
+ErrorCode Menus::GetMenus(const char* document, char* buffer, size_t* size) {
     constexpr char kName[] = "PluginCoreInterface::GetMenus";
-    LogMessage(1, "Entering %s('%s', ...)", kName, document.c_str());
-    ErrorCode code = GJSONUtils::Serialise(BuildMenu(document), lastMenuBuilt);
+    LogMessage(1, "Entering %s('%s', ...)", kName, OrNull(document));
+    ErrorCode code = GJSONUtils::Serialise(BuildMenu(document != nullptr ? document : ""), lastMenuBuilt);
     if (code == CoreErrorCodes::kSuccess) {
         if (lastMenuBuilt.size() <= *size)
             std::memcpy(buffer, lastMenuBuilt.c_str(), lastMenuBuilt.size() + 1);
@@ -91,18 +101,17 @@ ErrorCode Menus::GetMenus(const std::string& document, char* buffer, size_t* siz
 }
 
 ErrorCode Menus::HandleMenuSelection(const std::string& document, const std::string& menusJSON,
-                                     const std::string& selectedID, const std::string& extra) {
+                                     const char* selectedID, const std::string& extra) {
     constexpr char kName[] = "PluginCoreInterface::HandleMenuSelection";
-    LogMessage(1, "Entering %s(..., %s)", kName, selectedID.c_str());
-    PluginCoreInterface::MenuObject item;
-    const ErrorCode code =
-        menusJSON.empty() ? PluginCoreInterface::GetMenuObjectFromRawJSON(
-                                "{\"menu\":[" + lastMenuBuilt + "]}", selectedID, item, {"label", "title"})
-                          : PluginCoreInterface::GetMenuObjectFromRawJSON(menusJSON, selectedID, item);
-    if (code == CoreErrorCodes::kSuccess)
-        CarryOut(item.label, document, extra);
     constexpr ErrorCode kResult = CoreErrorCodes::kSuccess;
-    LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, selectedID.c_str(),
-               static_cast<int>(kResult));
+    LogMessage(1, "Entering %s(..., %s)", kName, OrNull(selectedID));
+    const ScopeExit exitLine([&] {
+        LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, OrNull(selectedID),
+                   static_cast<int>(kResult));
+    });
+    const bool isLoggedIn = FontManagerInterface::GetSharedInstance().IsLoggedIn();
+    PluginCoreInterface::MenuObject item;
+    if (selectedID != nullptr && FindItem(menusJSON, selectedID, item) == CoreErrorCodes::kSuccess)
+        CarryOut(item.label, isLoggedIn, document, extra);
     return kResult;
 }

@@ -122,8 +122,10 @@ uint32_t IdleEvent() {
 
 void ShouldShowLogin(bool* showLogin) {
     Guarded(__func__, [&]() -> uint32_t {
-        if (showLogin != nullptr)
-            *showLogin = !FontManagerInterface::GetSharedInstance().IsLoggedIn();
+        if (showLogin == nullptr)
+            return 0;
+        *showLogin = true;
+        *showLogin = !FontManagerInterface::GetSharedInstance().IsLoggedIn();
         return 0;
     });
 }
@@ -269,8 +271,7 @@ uint32_t InvokeRestrictedFontsDialog(bool, const char*) {
 uint32_t GetMenus(const char* document, char* buffer, size_t* size) {
     constexpr auto name = __func__;
     return Guarded(name, [&]() -> uint32_t {
-        return AnyNull(buffer, size) ? RefuseNull(name, document)
-                                     : Menus::GetMenus(TextOrEmpty(document), buffer, size);
+        return AnyNull(buffer, size) ? RefuseNull(name, document) : Menus::GetMenus(document, buffer, size);
     });
 }
 
@@ -287,28 +288,22 @@ uint32_t CreateMenusFromJSONBuffer(const char* menusJSON, PluginCoreMenuItemCall
 uint32_t HandleMenuSelection(const char* document, const char* menusJSON, const char* selectedID,
                              const char* extra) {
     Guarded(__func__, [&]() -> uint32_t {
-        return Menus::HandleMenuSelection(TextOrEmpty(document), TextOrEmpty(menusJSON), OrNull(selectedID),
+        return Menus::HandleMenuSelection(TextOrEmpty(document), TextOrEmpty(menusJSON), selectedID,
                                           TextOrEmpty(extra));
     });
     return CoreErrorCodes::kSuccess;
 }
 
 uint32_t InvokeCommandDialog(const char* document) {
-    return Guarded(__func__,
-                   [&]() -> uint32_t { return CommandDialog::InvokeCommandDialog(TextOrEmpty(document)); });
+    return Guarded(__func__, [&]() -> uint32_t { return CommandDialog::InvokeCommandDialog(document); });
 }
 
 // ---- Settings
 
 uint32_t GetSettings(char* buffer, size_t* bufferSize) {
-    return Guarded(__func__, [&]() -> uint32_t {
-        return AnyNull(buffer, bufferSize) ? CoreErrorCodes::kInvalidParam
-                                           : Settings::GetSettings(buffer, *bufferSize);
-    });
+    return Guarded(__func__, [&]() -> uint32_t { return Settings::GetSettings(buffer, bufferSize); });
 }
 
 uint32_t SetPreference(const char* key, const char* value) {
-    return Guarded(__func__, [&]() -> uint32_t {
-        return AnyNull(key, value) ? CoreErrorCodes::kInvalidParam : Settings::SetPreference(key, value);
-    });
+    return Guarded(__func__, [&]() -> uint32_t { return Settings::SetPreference(key, value); });
 }

@@ -10,6 +10,7 @@
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "TraceLog.h"
 
 namespace {
 
@@ -103,17 +104,17 @@ private:
     size_t mLength = 0;
 };
 
-std::optional<int64_t> WorkgroupIDFromName(const std::string& name) {
-    CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
-    std::vector<Workgroup> workgroups;
-    if (agent == nullptr ||
-        agent->GetAllWorkgroupsForUser({true, true, true}, workgroups) != CoreErrorCodes::kSuccess)
-        return std::nullopt;
-    for (const Workgroup& workgroup : workgroups) {
-        if (workgroup.name == name)
-            return workgroup.id;
-    }
-    return std::nullopt;
+std::optional<int64_t> NumberFromValue(const char* key, const char* value) {
+    const std::optional<int64_t> number = NumberFromText(value);
+    if (!number && std::strcmp(key, "CurrentWorkgroup") == 0)
+        return FontManagerInterface::GetSharedInstance().FindWorkgroupID(value);
+    return number;
+}
+
+/// A value that the framework could not store durably.
+ErrorCode ReportNotStored(const char* key) {
+    LogMessage(0, "ERROR:  the preference '%s' could not be stored", key);
+    return CoreErrorCodes::kUnknownError;
 }
 
 }  // namespace
@@ -129,16 +130,17 @@ void Settings::RegisterDefaults() {
     for (const IntDefault& each : kPanelSizeDefaults)
         cf::Set(defaults, each.key, each.value);
     cf::Set(defaults, kLastDefault.key, kLastDefault.value);
-    framework->RegisterDefaults(defaults.get());
+    if (!framework->RegisterDefaults(defaults.get()))
+        LogMessage(0, "ERROR:  the default preferences could not be stored");
 }
 
-ErrorCode Settings::GetSettings(char* buffer, size_t bufferSize) {
+ErrorCode Settings::GetSettings(char* buffer, const size_t* bufferSize) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr)
+    if (preferences == nullptr || buffer == nullptr || bufferSize == nullptr)
         return CoreErrorCodes::kInvalidParam;
-    BoundedText text(buffer, bufferSize);
+    BoundedText text(buffer, *bufferSize);
     bool isWhole = text.Append("{");
     for (const char* key : kPreferenceKeys) {
         char piece[256];
@@ -158,15 +160,15 @@ ErrorCode Settings::SetPreference(const char* key, const char* value) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr || !IsKnownKey(key))
+    if (preferences == nullptr || key == nullptr || value == nullptr || !IsKnownKey(key))
         return CoreErrorCodes::kInvalidParam;
     if (HoldsString(key)) {
-        preferences->SetStringPreference(key, value);
+        if (!preferences->SetStringPreference(key, value))
+            ReportNotStored(key);
         return CoreErrorCodes::kInvalidParam;  // hosts know this answer
     }
-    std::optional<int64_t> number = NumberFromText(value);
-    if (!number && std::strcmp(key, "CurrentWorkgroup") == 0)
-        number = WorkgroupIDFromName(value);
-    return number && preferences->SetIntPreference(key, *number) ? CoreErrorCodes::kSuccess
-                                                                 : CoreErrorCodes::kInvalidParam;
+    const std::optional<int64_t> number = NumberFromValue(key, value);
+    if (!number)
+        return CoreErrorCodes::kInvalidParam;
+    return preferences->SetIntPreference(key, *number) ? CoreErrorCodes::kSuccess : ReportNotStored(key);
 }

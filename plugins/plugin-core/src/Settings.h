@@ -10,7 +10,8 @@ namespace Settings {
 /// Stores the default values, unless that was done before for this host application and plug-in.
 void RegisterDefaults();
 
-ErrorCode GetSettings(char* buffer, size_t bufferSize);
+/// Null pointers are answered as the exports do.
+ErrorCode GetSettings(char* buffer, const size_t* bufferSize);
 ErrorCode SetPreference(const char* key, const char* value);
 
 }  // namespace Settings

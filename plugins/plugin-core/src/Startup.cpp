@@ -130,12 +130,10 @@ ErrorCode DoStartup(bool allowDialogs) {
     return result;
 }
 
-/// The agent is gone: nothing can be offered until it is back.
-ErrorCode ReportAgentMissing(bool showMessage) {
+/// The agent is gone: nothing can be offered until it is back. Nobody is told, since nothing was on offer.
+ErrorCode ReportAgentMissing() {
     DisableServices();
     TellPanels(false);
-    if (showMessage)
-        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kAgentNotRunning);
     return CoreErrorCodes::kUnknownError;
 }
 
@@ -168,8 +166,8 @@ ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* ver
     constexpr char kItsIdentifier[] = "com.vantorix.AutoActivationPlugin.AE13";
     const std::string prefix = versionPrefixRequired != nullptr ? versionPrefixRequired : "";
     std::string identifier = pluginIdentifier != nullptr ? pluginIdentifier : "";
-    const bool allowDialogs =
-        !prefix.empty() || !GetFileVersionString(identifier, "HostAppMinimumVersion").empty();
+    const bool namesMinimum = !GetFileVersionString(identifier, "HostAppMinimumVersion").empty();
+    const bool allowDialogs = namesMinimum || !prefix.empty();
     if (identifier == kOldHostName) {
         LogMessage(0, "Translating '%s' into '%s' to support older plugins.", OrNull(pluginIdentifier),
                    kItsIdentifier);
@@ -188,16 +186,15 @@ ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     if (framework == nullptr || !framework->GetBoolPreference("EnablePlugin"))
         return CoreErrorCodes::kUnknownError;
-    const bool wasFunctional = MarquellGlobals::IsPluginFunctional();
     const bool wasLoggedIn = MarquellGlobals::IsLoggedIn();
-    if (wasLoggedIn && wasFunctional) {
+    if (MarquellGlobals::IsPluginFunctional()) {  // logged in, too
         isEnabled = true;
         return CoreErrorCodes::kSuccess;
     }
     CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
     std::string agentFolder;
     if (agent == nullptr || AgentLauncher::GetPathToRunningProcessExe("Pellwick", agentFolder) != 0)
-        return ReportAgentMissing(allowDialogs && wasFunctional);
+        return ReportAgentMissing();
     if (agent->IsLoggedIn())
         return Reenable(*agent, allowDialogs, isEnabled);
     MarquellGlobals::SetLoggedIn(false);
@@ -216,7 +213,6 @@ ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
         LogMessage(-1, "Early return from %s() because it has been called %d times", kName, callCount);
         return kStartupFailed;
     }
-    const ErrorCode result = DoStartup(allowDialogs);
-    LogMessage(-1, "Exiting %s()", kName);
-    return result;
+    const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
+    return DoStartup(allowDialogs);
 }

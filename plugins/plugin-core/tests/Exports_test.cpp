@@ -168,6 +168,27 @@ TEST_F(ExportsTest, TheVersionIsAgreedOn) {
     EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(602u, 603u)));
 }
 
+TEST_F(ExportsTest, WhatIsCalledBeforeTheStartDoesNotSpoilIt) {
+    EXPECT_EQ(GetAPIVersion(&number, 7), PLUGINCORE_NOT_IMPLEMENTED);
+    EXPECT_EQ(GetMenus("", text, &size), PLUGINCORE_INDEX_OUT_OF_RANGE);
+    EXPECT_TRUE(framework.shownBoxes.empty()) << "nobody knows yet whose framework it would be";
+    EXPECT_EQ(InitializePluginCoreInterface("com.vantorix.AutoActivationPlugin.AI29", ""), 0u);
+    bool isEnabled = false;
+    EXPECT_EQ(PluginIsEnabled(false, &isEnabled), 0u);
+    EXPECT_TRUE(isEnabled);
+    EXPECT_EQ(SetPreference("RMF4", "1"), 0u);
+}
+
+TEST_F(ExportsTest, TheLoginMessageCountsTheUserAsLoggedOut) {
+    MakeFunctional();
+    EXPECT_EQ(ShowNotLoggedInMessageBox(), 0u);
+    EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(609u, 611u)));
+    EXPECT_EQ(SetPreference("RMF4", "1"), PLUGINCORE_NOT_INITIALIZED);
+    bool isEnabled = false;
+    EXPECT_EQ(PluginIsEnabled(false, &isEnabled), 0u);
+    EXPECT_EQ(SetPreference("RMF4", "1"), 0u);
+}
+
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
     int service = 0;
     EXPECT_EQ(RegisterPlugPlug(&service), PLUGINCORE_NOT_IMPLEMENTED);
@@ -175,6 +196,20 @@ TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
                                         "Expression='PanelManager::GetSharedInstance().RegisterPlugPlug("
                                         "plugPlug)'  Code='134217728'  "));
     EXPECT_EQ(TryRegisterPlugPlug(&service), PLUGINCORE_NOT_INITIALIZED);
+
+    FakePanel* panel = AddPanel();
+    panel->selectCode = panel->popCode = CoreErrorCodes::kNotFound;
+    EXPECT_EQ(ProcessPanelMessages(false), PLUGINCORE_NOT_FOUND);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Line=2037  Expression='PanelManager::GetSharedInstance().SelectSocket("
+                          "closeListeningSocket)'"));
+    panel->selectCode = 0;
+    EXPECT_EQ(ProcessPanelMessages(false), PLUGINCORE_NOT_FOUND);
+    EXPECT_THAT(trace.Text(), HasSubstr("Line=2038  Expression='PanelManager::GetSharedInstance()."
+                                        "PopNotifications()'"));
+    panel->popCode = 0;
+    EXPECT_EQ(ProcessPanelMessages(true), 0u);
+    EXPECT_EQ(panel->selections, (std::vector<bool>{false, false, true}));
 }
 
 TEST_F(ExportsTest, TerminatingClosesEveryDocumentBeforeTheFontManagerGoes) {

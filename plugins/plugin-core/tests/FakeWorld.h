@@ -11,6 +11,7 @@
 #include "FakePlatform.h"
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "PanelManager.h"
 
 class FakeWorld : public testing::Test {
 protected:
@@ -41,6 +42,33 @@ protected:
         ASSERT_TRUE(MarquellGlobals::IsPluginFunctional());
         library.calls.clear();
         trace.Clear();
+    }
+
+    /// A panel of the shared panel manager; lives to process end, and answers with success unless told not
+    /// to.
+    class FakePanel : public MarquellPanel {
+    public:
+        ErrorCode SelectSocket(bool close) override {
+            selections.push_back(close);
+            return selectCode;
+        }
+        uint32_t GetSocketPort() override { return 0; }
+        ErrorCode SetEnabled(bool enabled) override {
+            enabledStates.push_back(enabled);
+            return 0;
+        }
+        ErrorCode PopNotifications() override { return popCode; }
+
+        ErrorCode selectCode = 0;
+        ErrorCode popCode = 0;
+        std::vector<bool> selections;
+        std::vector<bool> enabledStates;
+    };
+    static FakePanel* AddPanel() {
+        auto panel = std::make_unique<FakePanel>();
+        FakePanel* const added = panel.get();
+        PanelManager::GetSharedInstance().AddPanel(std::move(panel));
+        return added;
     }
 
     CapturedTrace trace;

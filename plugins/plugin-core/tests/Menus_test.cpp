@@ -28,7 +28,7 @@ protected:
     static json Menu(const std::string& document) {
         char buffer[4096];
         size_t size = sizeof buffer - 1;
-        EXPECT_EQ(Menus::GetMenus(document, buffer, &size), 0u);
+        EXPECT_EQ(Menus::GetMenus(document.c_str(), buffer, &size), 0u);
         return json::parse(buffer);
     }
     /// "label title" per item, in parentheses when it is not enabled, with a star when it is checked.
@@ -130,6 +130,35 @@ TEST_F(MenusTest, LoggedOutOnlyTheAboutBoxShows) {
     EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
 }
 
+TEST_F(MenusTest, WhatIsChosenFromBehindADialogIsRefused) {
+    framework.whileDialogShows = [this] { Select("About..."); };
+    Select("Preferences...");
+    EXPECT_THAT(framework.shownDialogs, ElementsAre("Preferences"));
+    EXPECT_THAT(trace.Text(), HasSubstr("ERROR: MenuCommands::Run() called recursively.\n"));
+    framework.whileDialogShows = [] {
+        EXPECT_EQ(CommandDialog::InvokeCommandDialog(""), CoreErrorCodes::kUnknownError);
+    };
+    EXPECT_EQ(CommandDialog::InvokeCommandDialog(""), 0u);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("ERROR: PluginCoreInterface::InvokeCommandDialog() called recursively.\n"));
+    framework.whileDialogShows = nullptr;
+    Select("About...");
+    EXPECT_EQ(framework.shownDialogs.back(), "About");
+}
+
+TEST_F(MenusTest, LoggingThatIsSwitchedOnInThePreferencesBeginsAtOnce) {
+    framework.whileDialogShows = [this] { framework.numbers["EnableLogging"] = 1; };
+    Select("Preferences...");
+    EXPECT_THAT(library.log, HasSubstr("Exiting PluginCoreInterface::HandleMenuSelection"));
+}
+
+TEST_F(MenusTest, OfTwoWorkgroupsOfOneNameTheCommandBoxTakesTheOneChosen) {
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "Print"}, {9, kWorkgroupType_FontLibrary, "Print"}};
+    framework.chosenCommand = 9;
+    EXPECT_EQ(CommandDialog::InvokeCommandDialog(""), 0u);
+    EXPECT_EQ(framework.numbers["CurrentWorkgroup"], 9);
+}
+
 TEST_F(MenusTest, WithoutAMenuOfTheHostsTheLastOneDescribedServes) {
     Menu("/d.ai");
     EXPECT_EQ(Menus::HandleMenuSelection("/d.ai", "", "7", ""), 0u);
@@ -145,6 +174,11 @@ TEST_F(MenusTest, WhatIsNotThereIsNotCarriedOut) {
     EXPECT_TRUE(framework.shownDialogs.empty());
     EXPECT_THAT(trace.Text(), HasSubstr("The root element is not an object.\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("How could 'label' not be a string?\n"));
+    EXPECT_EQ(Menus::HandleMenuSelection("/d.ai", R"({"m":[{"id":"NULL","label":"About..."}]})", nullptr, ""),
+              0u);
+    EXPECT_TRUE(framework.shownDialogs.empty());
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Exiting PluginCoreInterface::HandleMenuSelection(..., NULL) with result 0\n"));
     EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Setting current workgroup")));
 }
 

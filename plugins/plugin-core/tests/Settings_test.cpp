@@ -10,9 +10,13 @@ namespace {
 
 using SettingsTest = FakeWorld;
 
+ErrorCode GetSettings(char* buffer, size_t size) {
+    return Settings::GetSettings(buffer, &size);
+}
+
 std::string AllSettings() {
     char buffer[2048] = "";
-    EXPECT_EQ(Settings::GetSettings(buffer, sizeof buffer), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(GetSettings(buffer, sizeof buffer), CoreErrorCodes::kSuccess);
     return buffer;
 }
 
@@ -42,13 +46,15 @@ TEST_F(SettingsTest, SettingsComeInTheirOrderAndFitOrAreCut) {
     EXPECT_THAT(whole, testing::EndsWith(R"("LastPort":"0","LastUsername":"0"})"));
     for (const size_t size : {whole.size(), whole.size() - 1, size_t{20}, size_t{1}}) {
         std::string buffer(whole.size() + 2, '#');
-        EXPECT_EQ(Settings::GetSettings(buffer.data(), size), CoreErrorCodes::kIndexOutOfRange) << size;
+        EXPECT_EQ(GetSettings(buffer.data(), size), CoreErrorCodes::kIndexOutOfRange) << size;
         EXPECT_EQ(buffer.substr(size), std::string(buffer.size() - size, '#')) << "written beyond the buffer";
         EXPECT_EQ(buffer.substr(0, size), (whole.substr(0, size - 1) + '\0').substr(0, size));
     }
-    EXPECT_EQ(Settings::GetSettings(nullptr, 0), CoreErrorCodes::kIndexOutOfRange);
+    char nothing = '#';
+    EXPECT_EQ(GetSettings(&nothing, 0), CoreErrorCodes::kIndexOutOfRange);
+    EXPECT_EQ(nothing, '#');
     std::string buffer(whole.size() + 1, '#');
-    EXPECT_EQ(Settings::GetSettings(buffer.data(), buffer.size()), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(GetSettings(buffer.data(), buffer.size()), CoreErrorCodes::kSuccess);
 }
 
 TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesIgnored) {
@@ -63,6 +69,30 @@ TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesIgnored) {
     EXPECT_FALSE(framework.numbers.contains("NoSuchKey"));
 }
 
+TEST_F(SettingsTest, TheWorkgroupMayBeNamed) {
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "Print"},
+                          {4, kWorkgroupType_System, "System Fonts"}};
+    MakeFunctional();
+    EXPECT_EQ(Settings::SetPreference("CurrentWorkgroup", "Print"), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(framework.numbers["CurrentWorkgroup"], 7);
+    for (const char* name : {"string 213", "System Fonts", "No Such Workgroup", ""})
+        EXPECT_EQ(Settings::SetPreference("CurrentWorkgroup", name), CoreErrorCodes::kInvalidParam)
+            << name << ": not one to work in";
+    EXPECT_EQ(framework.numbers["CurrentWorkgroup"], 7);
+    EXPECT_EQ(Settings::SetPreference("RMF4", "Print"), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(Settings::SetPreference("CurrentWorkgroup", "12"), CoreErrorCodes::kSuccess);
+}
+
+TEST_F(SettingsTest, WhatCouldNotBeStoredIsToldAndLogged) {
+    MakeFunctional();
+    framework.isStoreUsable = false;
+    EXPECT_EQ(Settings::SetPreference("RMF4", "9"), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(Settings::SetPreference("LastUsername", "ana"), CoreErrorCodes::kInvalidParam);
+    EXPECT_THAT(trace.Text(),
+                testing::HasSubstr("ERROR:  the preference 'RMF4' could not be stored\n"
+                                   "ERROR:  the preference 'LastUsername' could not be stored\n"));
+}
+
 TEST_F(SettingsTest, TextsAreStoredAndRefusedAllTheSame) {
     MakeFunctional();
     EXPECT_EQ(Settings::SetPreference("LastUsername", "Zoë"), CoreErrorCodes::kInvalidParam);
@@ -73,7 +103,7 @@ TEST_F(SettingsTest, NothingIsToldWhileThePluginIsNotFunctional) {
     MakeFunctional();
     MarquellGlobals::SetLoggedIn(false);
     char buffer[2048] = "untouched";
-    EXPECT_EQ(Settings::GetSettings(buffer, sizeof buffer), CoreErrorCodes::kNotInitialized);
+    EXPECT_EQ(GetSettings(buffer, sizeof buffer), CoreErrorCodes::kNotInitialized);
     EXPECT_STREQ(buffer, "untouched");
     EXPECT_EQ(Settings::SetPreference("PickBestMatch", "0"), CoreErrorCodes::kNotInitialized);
 }

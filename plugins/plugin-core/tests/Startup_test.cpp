@@ -9,7 +9,6 @@
 #include "CommonFunctionality.h"
 #include "FakeWorld.h"
 #include "GeneralInterface.h"
-#include "PanelManager.h"
 
 using testing::HasSubstr;
 
@@ -266,6 +265,25 @@ TEST_P(StartupBranch, EndsAsDocumented) {
 INSTANTIATE_TEST_SUITE_P(All, StartupBranch, testing::ValuesIn(kBranches),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST_F(StartupTest, WindowPanelsAndLogAreSetUp) {
+    FakePanel* panel = AddPanel();
+    int window = 0;
+    windowing.byClass["illustrator"] = &window;
+    framework.numbers["EnableLogging"] = 1;
+    Start();
+    EXPECT_EQ(framework.parentWindow, &window);
+    EXPECT_EQ(panel->enabledStates, std::vector<bool>{true});
+    EXPECT_EQ(library.logFile, "Illustrator2025.log");
+    EXPECT_THAT(library.log, HasSubstr("login check at startup:  Logged in\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("\nEntering CommonFunctionality::Startup(allowDialogs=1)\n"
+                                        " Calling MarquellGlobals::SetLoggedIn(loggedIn=1)\n"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("\n In `anonymous-namespace'::RunningInCompatibleHostApp(), "
+                          "versionPrefixRequired='29.', minimumVersionRequired='', "
+                          "hostAppVersion='29.1.0.64', hostAppProcessName='Illustrator2025'\n"));
+    EXPECT_THAT(trace.Text(), testing::EndsWith("\nExiting CommonFunctionality::Startup()\n"));
+}
+
 TEST_F(StartupTest, AFailedFrameworkIsToldByTheSystemsOwnNotice) {
     std::erase(libraries.loadable, "/plugins/TarnwickPluginFramework.so");
     Start();
@@ -388,11 +406,13 @@ TEST_F(PluginIsEnabledTest, WhileAllIsWellNobodyIsAsked) {
     EXPECT_TRUE(framework.shownBoxes.empty());
 }
 
-TEST_F(PluginIsEnabledTest, AnAgentThatIsGoneIsToldOnce) {
+TEST_F(PluginIsEnabledTest, AnAgentThatIsGoneSwitchesThePanelsOff) {
+    FakePanel* panel = AddPanel();
     MarquellGlobals::SetLoggedIn(false);  // not functional: look for the agent
     processes.running.clear();
     EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
-    EXPECT_TRUE(framework.shownBoxes.empty()) << "the plug-in was not functional before";
+    EXPECT_TRUE(framework.shownBoxes.empty()) << "nothing was on offer before";
+    EXPECT_EQ(panel->enabledStates, std::vector<bool>{false});
     EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
     EXPECT_FALSE(MarquellGlobals::IsConnectedToCore());
 }

@@ -25,7 +25,7 @@ FontManagerInterface& FontManagerInterface::GetSharedInstance() {
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {
     LogMessage(1,
                "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
-               TraceAddress(sm_pFontManager.get()));
+               TraceAddress(sm_pFontManager));
     bool result = false;
     const GScopedLock lock(mFontManagerLock);
     if (lock.Status() == CoreErrorCodes::kSuccess)
@@ -44,7 +44,7 @@ bool FontManagerInterface::CreateFontManager() {
                    isLoaded ? "true" : "false", static_cast<int>(missingCount), path.c_str());
         return false;
     }
-    sm_pFontManager = std::make_unique<CoreAgentInterface>();
+    sm_pFontManager = mFontManagers.emplace_back(std::make_unique<CoreAgentInterface>()).get();
     SetFontManagerAccess(this);
     sm_pFontManager->InitializeCoreAgent();
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
@@ -77,11 +77,11 @@ void FontManagerInterface::OnHostAppShuttingDown() {
 
 void FontManagerInterface::ReleaseFontManager() {
     const GScopedLock lock(mFontManagerLock);
-    if (lock.Status() != CoreErrorCodes::kSuccess)
+    if (lock.Status() != CoreErrorCodes::kSuccess || sm_pFontManager == nullptr)
         return;
     sm_pFontManager->CleanUpOnShutdown();
     SetFontManagerAccess(nullptr);
-    sm_pFontManager.reset();
+    sm_pFontManager = nullptr;
 }
 
 bool FontManagerInterface::IsLoggedIn() {

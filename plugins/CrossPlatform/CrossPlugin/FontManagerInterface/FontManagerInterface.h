@@ -21,7 +21,7 @@ public:
     bool CompatibleFontManagerIsRunning();
     /// The font-manager object; null until a font manager was found, and again after the host said that it
     /// quits.
-    CoreAgentInterface* GetFontManager() { return sm_pFontManager.get(); }
+    CoreAgentInterface* GetFontManager() { return sm_pFontManager; }
 
     /// A version value of the core's own module; "x.x.x.x" when it has none.
     static std::string StringValueFromVersionResourceCopy(const char* fieldName);
@@ -39,9 +39,12 @@ public:
     /// The workgroup to work in; nothing while none was chosen.
     std::optional<int32_t> GetDefaultWorkgroupID() const { return mDefaultWorkgroupID; }
     void SetDefaultWorkgroupID(int32_t workgroupID);
-    /// Works in the workgroup of that name, as shown to the user, from now on and after the next start.
-    /// kNotFound when the user has none of that name.
+    /// Works in that workgroup from now on, and after the next start.
+    void SetCurrentWorkgroup(int32_t workgroupID);
+    /// The same for a name as shown to the user; kNotFound when the user has no workgroup of that name.
     ErrorCode SetCurrentWorkgroup(CFStringRef name);
+    /// The first workgroup with that name among those to choose from.
+    std::optional<int32_t> FindWorkgroupID(const std::string& name);
     /// What the user can choose from: the own workgroups and the entry for all of them together.
     std::vector<Workgroup> WorkgroupsToChooseFrom();
 
@@ -77,10 +80,11 @@ private:
     void ReleaseFontManager();
     void OpenSelectWorkgroupDialog();
     std::optional<int32_t> ChooseWorkgroup();
-    void UseWorkgroup(int32_t workgroupID);
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
-    std::unique_ptr<CoreAgentInterface> sm_pFontManager;
+    CoreAgentInterface* sm_pFontManager = nullptr;
+    /// Everyone there ever was: a call that waits behind a dialog may still be in one that was let go.
+    std::vector<std::unique_ptr<CoreAgentInterface>> mFontManagers;
     bool mIsCompatible = false;
     std::optional<int32_t> mDefaultWorkgroupID;
     bool mIsSelectWorkgroupDialogShowing = false;

@@ -1,5 +1,6 @@
 // The facade's workgroups: which there are, and which one is worked in.
 #include <algorithm>
+#include <utility>
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
@@ -64,7 +65,7 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
     if (const auto chosen = ChooseWorkgroup()) {
-        UseWorkgroup(*chosen);
+        SetCurrentWorkgroup(*chosen);
         MarquellGlobals::SetPluginServicesEnabled(true);
     }
 }
@@ -74,9 +75,10 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
     const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
     if (framework == nullptr || workgroups.empty())
         return std::nullopt;
-    const auto lastTime = static_cast<int32_t>(framework->GetIntPreference(kCurrentWorkgroup));
-    if (Holds(workgroups, lastTime))
-        return lastTime;
+    const int64_t lastTime = framework->GetIntPreference(kCurrentWorkgroup);
+    if (lastTime != 0 && std::in_range<int32_t>(lastTime) &&
+        Holds(workgroups, static_cast<int32_t>(lastTime)))
+        return static_cast<int32_t>(lastTime);
     const std::vector<Workgroup> own = OwnWorkgroups(workgroups);
     if (own.size() == 1)
         return own.front().id;
@@ -85,7 +87,7 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
                                                                                       : std::nullopt;
 }
 
-void FontManagerInterface::UseWorkgroup(int32_t workgroupID) {
+void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
     if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
         preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
@@ -97,15 +99,20 @@ void FontManagerInterface::SetDefaultWorkgroupID(int32_t workgroupID) {
 }
 
 ErrorCode FontManagerInterface::SetCurrentWorkgroup(CFStringRef name) {
-    const std::string wanted = cf::ToUtf8(name);
+    const auto workgroupID = FindWorkgroupID(cf::ToUtf8(name));
+    if (!workgroupID)
+        return CoreErrorCodes::kNotFound;
+    SetCurrentWorkgroup(*workgroupID);
+    return CoreErrorCodes::kSuccess;
+}
+
+std::optional<int32_t> FontManagerInterface::FindWorkgroupID(const std::string& name) {
     for (const Workgroup& workgroup : WorkgroupsToChooseFrom()) {
-        if (workgroup.name == wanted) {
-            UseWorkgroup(workgroup.id);
-            return CoreErrorCodes::kSuccess;
-        }
+        if (workgroup.name == name)
+            return workgroup.id;
     }
-    LogMessage(0, "There is no workgroup named '%s'", wanted.c_str());
-    return CoreErrorCodes::kNotFound;
+    LogMessage(0, "There is no workgroup named '%s'", name.c_str());
+    return std::nullopt;
 }
 
 std::vector<Workgroup> FontManagerInterface::WorkgroupsToChooseFrom() {

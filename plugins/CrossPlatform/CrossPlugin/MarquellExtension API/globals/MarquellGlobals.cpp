@@ -54,6 +54,17 @@ bool IsRecreationDue() {
            globals.vpfInterface->GetFrameworkState() == VPFInterface::kIdentityUnknown;
 }
 
+/// A host that calls before it has said who it is gets an interface that knows no preferences. It must not
+/// stay.
+void ForgetInterfaceWithoutIdentity() {
+    State& globals = Globals();
+    if (!globals.vpfInterface || globals.vpfInterface->GetFrameworkState() != VPFInterface::kIdentityUnknown)
+        return;
+    LogMessage(0, "The preference interface was made before the plug-in said who it is; it is made anew");
+    globals.tracker.reset();  // holds on to the interface
+    globals.vpfInterface.reset();
+}
+
 void IdentifyPluginInterfaceVersion(const std::string& version) {
     LogMessage(0, "IdentifyPluginInterfaceVersion(%s)", version.c_str());
     Globals().pluginInterfaceVersion = version;
@@ -80,6 +91,7 @@ void SetUpPluginIdentity(const std::string& identifierOrPath, const std::string&
     globals.hostAppMinimumVersion = identity.hostAppMinimumVersion;
     IdentifyPluginVersion(identity.pluginVersion);
     globals.pluginPath = identity.pluginPath;
+    ForgetInterfaceWithoutIdentity();
 }
 
 void SetHostApp(const std::optional<std::string>& name) {

@@ -71,7 +71,10 @@ VPFInterface::FrameworkState VPFInterface::BindFramework(const Identity& identit
                    mFrameworkPath.c_str(), static_cast<int>(VantorixPluginFramework::kInterfaceVersion));
         return kFactoryUnusable;
     }
-    return mFramework->IsPreferenceStoreUsable() ? kBound : kPreferencesUnusable;
+    if (mFramework->IsPreferenceStoreUsable())
+        return kBound;
+    LogMessage(0, "ERROR:  the preference store of '%s' cannot be used", mFrameworkPath.c_str());
+    return kPreferencesUnusable;
 }
 
 bool VPFInterface::GetBoolPreference(const char* key) {

@@ -62,7 +62,7 @@ public:
     void ShowMessageBox(MessageBoxStrings strings);
     /// Shows a message with two buttons; true for the first.
     bool AskYesNo(MessageBoxStrings strings);
-    /// The same for a text that names `subject`.
+    /// Shows a message with one button whose text names `subject`.
     void ShowMessageAbout(MessageBoxStrings strings, const std::string& subject);
     /// Shows that `done` of `total` steps are done, under that title; false when the user wants to stop.
     bool ShowProgress(uint32_t titleID, int done, int total);

@@ -22,6 +22,15 @@ void* MakerOf(FakeFramework& framework) {
         +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return frameworkToMake; });
 }
 
+std::string lastHint;
+
+class HintedHost : public HostAppInterface {
+public:
+    void ShowProgressHint(const char* hint) override { lastHint = hint; }
+    void Refresh(bool, bool) override {}
+    void OnWorkgroupsChanged() override {}
+};
+
 constexpr char kModule[] = "/plugins/libPluginCore.so";
 
 class MarquellGlobalsTest : public testing::Test {
@@ -203,8 +212,10 @@ TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginFunctionalityEnabled(true);
     MarquellGlobals::GetSharedVPFInterface();
+    MarquellGlobals::SetSharedHostAppInterface(std::make_unique<HintedHost>());
     trace.Clear();
     EXPECT_FALSE(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr)) << "switched off";
+    EXPECT_EQ(lastHint, "...SaveDocumentFonts() hint");
     EXPECT_EQ(trace.Text(),
               std::string("Entering MarquellGlobals::SaveDocumentFonts (path=/a.ai, hint=0x00000000)\n") +
                   kRefusal);

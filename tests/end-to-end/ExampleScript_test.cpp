@@ -1,4 +1,4 @@
-// The documented session still goes as the page says.
+// The documented script still goes as the page says.
 
 #include <gtest/gtest.h>
 
@@ -15,33 +15,33 @@ struct Exchange {
     std::vector<std::string> answers;
 };
 
-std::vector<Exchange> ReadSession() {
-    std::ifstream page(EXAMPLE_SESSION);
-    std::vector<Exchange> session;
+std::vector<Exchange> ReadScript() {
+    std::ifstream page(EXAMPLE_SCRIPT);
+    std::vector<Exchange> script;
     bool isInBlock = false;
     for (std::string line; std::getline(page, line);) {
         if (line == "```")
             isInBlock = !isInBlock;
         else if (isInBlock && line.starts_with("> "))
-            session.push_back({line.substr(2), {}});
-        else if (isInBlock && !session.empty())
-            session.back().answers.push_back(line);
+            script.push_back({line.substr(2), {}});
+        else if (isInBlock && !script.empty())
+            script.back().answers.push_back(line);
     }
-    return session;
+    return script;
 }
 
 }  // namespace
 
-TEST(ExampleSession, GoesAsThePageSays) {
+TEST(ExampleScript, GoesAsThePageSays) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
     const std::string answers = world.Path("answers.json");
     std::ofstream(platform::Utf8Path(answers))
         << R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}}])";
-    const std::vector<Exchange> session = ReadSession();
-    ASSERT_GT(session.size(), 10u);
+    const std::vector<Exchange> script = ReadScript();
+    ASSERT_GT(script.size(), 10u);
     pellwick::test::TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});
-    for (const Exchange& exchange : session) {
+    for (const Exchange& exchange : script) {
         host.WriteLine(exchange.request);
         for (const std::string& answer : exchange.answers)
             EXPECT_EQ(json::parse(host.ReadLine()), json::parse(answer)) << exchange.request;
