@@ -42,7 +42,8 @@
 enum WorkgroupType {
     kWorkgroupType_PersonalLibrary = 0,
     kWorkgroupType_FontLibrary = 1,
-    kWorkgroupType_All = 2,    /* stands for all workgroups together */
+    kWorkgroupType_All = 2, /* stands for all workgroups together */
+    kWorkgroupType_CloudLibrary = 3,
     kWorkgroupType_System = 4, /* the system's own fonts */
     kWorkgroupType_GoogleLibrary = 8,
     kWorkgroupType_TypekitLibrary = 12
