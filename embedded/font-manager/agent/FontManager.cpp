@@ -24,7 +24,12 @@ FontManager::FontManager(const Locations& places)
       settings(database),
       vault(places.vaultFolder),
       links(places.linkFolder, vault) {
-    PrepareSchema(database);
+    if (PrepareSchema(database) && vault.IsEmpty())
+        settings.NoteOwnVault();
+}
+
+int FontManager::SweepVault() {
+    return vault.Sweep(fonts.Files(), !settings.OwnsVault());
 }
 
 LinkFolder::Repairs FontManager::RepairLinks() {

@@ -22,6 +22,9 @@ public:
     explicit FontManager(const Locations& locations);
 
     Activation BeginActivation() { return {database, fonts, activations, links}; }
+    /// Removes from the vault what interrupted commands left there; how many files. Fonts of an earlier
+    /// database stay.
+    int SweepVault();
     /// Makes the links on disk agree with the records.
     LinkFolder::Repairs RepairLinks();
     /// Ends the leases of processes that are gone.

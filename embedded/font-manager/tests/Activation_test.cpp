@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "FontRecordKeys.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "store/Schema.h"
 #include "tests/support/TestWorld.h"
@@ -133,6 +134,19 @@ TEST_F(ActivationTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
     std::filesystem::create_directory_symlink(platform::Utf8Path(mWorld.Path("elsewhere")),
                                               platform::Utf8Path(mWorld.Path("data/fonts")));
     EXPECT_EQ(mLinks.Repair({}).removed, 0);
+}
+
+TEST_F(ActivationTest, SweepTakesFromTheVaultWhatNoRecordKnows) {
+    const std::string unknown = "vault/ab/ab" + std::string(62, '0') + ".ttf";
+    const std::string own = "vault/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc";
+    for (const std::string& name : {unknown, own + ".Qw3rTy", std::string("vault/zz/mine.ttf")})
+        mWorld.Write(name, "content");
+    EXPECT_EQ(mVault.Sweep(mFonts.Files(), true), 1);  // half a file, whoever made it
+    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path(unknown)));
+    EXPECT_EQ(mVault.Sweep(mFonts.Files(), false), 1);
+    EXPECT_FALSE(platform::IsExistingFile(mWorld.Path(unknown)));
+    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path("vault/zz/mine.ttf")));
+    EXPECT_TRUE(mVault.Has(mFile));
 }
 
 TEST_F(ActivationTest, RepairMakesTheLinksAgreeWithTheRecords) {

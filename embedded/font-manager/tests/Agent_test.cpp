@@ -1,4 +1,5 @@
 // The agent and its command line, as programs.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -133,6 +134,40 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     EXPECT_EQ(world.LinkedFiles(), links);
 }
 
+std::string AgentLog() {
+    std::string log;
+    platform::ReadWholeFile(Locations::OfThisUser().logFolder + "/Pellwick.log", log, 1 << 20);
+    return log;
+}
+
+TEST(Agent, SweepsTheVaultOfItsDatabaseAndSparesThatOfALostOne) {
+    TestWorld world;
+    world.StartAgent();
+    world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", world.Path("fonts")});
+    world.KillAgent(SIGKILL);
+    const std::string shard = "data/Vantorix/Pellwick/vault/00/";
+    const std::string whole = world.Write(shard + std::string(64, '0') + ".ttf", "added, but not recorded");
+    const std::string half = world.Write(shard + std::string(64, '0') + ".ttf.a1B2c3", "cut off");
+    world.StartAgent();
+    EXPECT_FALSE(platform::IsExistingFile(whole));
+    EXPECT_FALSE(platform::IsExistingFile(half));
+    EXPECT_THAT(AgentLog(), testing::HasSubstr("vault put right: 2 removed"));
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+
+    world.KillAgent(SIGTERM);
+    std::filesystem::remove(platform::Utf8Path(Locations::OfThisUser().databasePath));
+    for (int start = 0; start < 2; ++start) {
+        world.StartAgent();
+        EXPECT_TRUE(world.RunForJson({"list"})["fonts"].empty());
+        world.KillAgent(SIGTERM);
+    }
+    world.StartAgent();
+    const Json added = world.RunForJson({"add", Locations::OfThisUser().vaultFolder});
+    EXPECT_EQ(NamesOf(added["added"]), std::vector<std::string>{"Sample-Bold"});
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+}
+
 TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     TestWorld world;
     world.StartAgent();
@@ -221,11 +256,8 @@ TEST(Agent, DropsASubscriberThatDoesNotRead) {
     for (int id = 1; id <= 64; ++id)
         requests += *EncodeMessage({{"id", id}, {"method", "GetStatus"}});
     greedy.Send(requests);
-    EXPECT_TRUE(Eventually([&] {
-        std::string log;
-        platform::ReadWholeFile(Locations::OfThisUser().logFolder + "/Pellwick.log", log, 1 << 20);
-        return log.find("dropped a client that does not read") != std::string::npos;
-    }));
+    EXPECT_TRUE(Eventually(
+        [&] { return AgentLog().find("dropped a client that does not read") != std::string::npos; }));
     EXPECT_EQ(good.Call("LogIn", {{"name", "me"}}, result), CoreErrorCodes::kSuccess);
 }
 
