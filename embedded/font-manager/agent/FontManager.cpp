@@ -20,6 +20,7 @@ FontManager::FontManager(const Locations& places)
       fonts(database),
       activations(database),
       workgroups(database),
+      sets(database),
       documents(database),
       settings(database),
       vault(places.vaultFolder),

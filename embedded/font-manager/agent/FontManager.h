@@ -10,6 +10,7 @@
 #include "store/Database.h"
 #include "store/DocumentStore.h"
 #include "store/FontStore.h"
+#include "store/SetStore.h"
 #include "store/SettingsStore.h"
 #include "store/WorkgroupStore.h"
 
@@ -39,6 +40,7 @@ public:
     FontStore fonts;
     ActivationStore activations;
     WorkgroupStore workgroups;
+    SetStore sets;
     DocumentStore documents;
     SettingsStore settings;
     FontVault vault;

@@ -97,6 +97,69 @@ TEST(CommandLine, ManagesWorkgroups) {
     EXPECT_EQ(world.Run({"workgroup", "delete", "System Fonts"}).status, 1);
 }
 
+int SetSize(const Json& answer) {
+    return static_cast<int>(IntegerMember(answer["set"], "FontCount"));
+}
+
+TEST(CommandLine, ManagesSets) {
+    TestWorld world;
+    world.WriteFont("Sample-Bold");
+    world.WriteFont("Sample-Italic");
+    world.WriteFont("Other-Regular");
+    world.RunForJson({"add", world.Path("fonts")});
+    EXPECT_EQ(world.RunForJson({"set", "create", "Poster"})["set"][kGS_WorkgroupNameKey],
+              "Font Library (LOCALIZE ME)");
+    world.RunForJson({"workgroup", "create", "Project"});
+    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
+    EXPECT_EQ(world.RunForJson({"set", "add", "Poster", "Sample", "--workgroup", "Project"})["added"], 2);
+    const ProgramResult partly = world.Run(
+        {"set", "add", "Poster", "Sample-Bold", "Nowhere", "Other-Regular", "--workgroup", "Project"});
+    EXPECT_EQ(partly.status, 1);
+    EXPECT_NE(partly.errors.find("no font is called \"Nowhere\""), std::string::npos);
+    const Json shown = world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"});
+    EXPECT_EQ(SetSize(shown), 3);
+    EXPECT_EQ(shown["fonts"].size(), 3u);
+    EXPECT_EQ(world.Run({"set", "list"}).output,
+              "     0 fonts  Poster in Font Library (LOCALIZE ME)\n     3 fonts  Poster in Project\n");
+    EXPECT_EQ(world.RunForJson({"set", "list", "--workgroup", "Project"})["sets"].size(), 1u);
+
+    world.RunForJson({"remove", "Sample-Bold"});
+    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"})), 2);
+    world.RunForJson({"workgroup", "delete", "Project"});
+    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster"})), 0);
+    EXPECT_EQ(world.RunForJson({"list"})["fonts"].size(), 2u);
+    world.RunForJson({"set", "delete", "Poster"});
+    EXPECT_TRUE(world.RunForJson({"set", "list"})["sets"].empty());
+}
+
+TEST(CommandLine, SaysWhatIsWrongAboutASet) {
+    TestWorld world;
+    world.RunForJson({"workgroup", "create", "Project"});
+    world.RunForJson({"set", "create", "Poster"});
+    const auto refusal = [&](const std::vector<std::string>& arguments) {
+        const ProgramResult result = world.Run(arguments);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+        return result.errors;
+    };
+    EXPECT_THAT(refusal({"set", "create", "Poster"}), testing::HasSubstr("already; choose another name"));
+    EXPECT_THAT(refusal({"set", "create", " "}), testing::HasSubstr("give the set's name"));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "Nowhere"}),
+                testing::HasSubstr("no workgroup \"Nowhere\""));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "All Fonts"}),
+                testing::HasSubstr("name one of them"));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "System Fonts"}),
+                testing::HasSubstr("choose another workgroup"));
+    EXPECT_THAT(refusal({"workgroup", "create", "All Fonts"}), testing::HasSubstr("choose another name"));
+    EXPECT_THAT(refusal({"set", "show", "Poster", "--workgroup", "Project"}),
+                testing::HasSubstr("no set \"Poster\""));
+    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
+    EXPECT_THAT(refusal({"set", "delete", "Poster"}), testing::HasSubstr("choose one with --workgroup"));
+    world.RunForJson({"logout"});
+    EXPECT_THAT(refusal({"set", "create", "Flyer"}), testing::HasSubstr("nobody is logged in"));
+    EXPECT_EQ(world.RunForJson({"set", "list"})["sets"].size(), 2u);
+}
+
 TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
     TestWorld world;
     const std::string file = world.RunForJson({"launch-info"})["file"];

@@ -8,6 +8,7 @@
 #include "store/ActivationStore.h"
 #include "store/Database.h"
 #include "store/Schema.h"
+#include "store/SetStore.h"
 #include "store/WorkgroupStore.h"
 
 namespace pellwick {
@@ -119,6 +120,34 @@ TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
     EXPECT_TRUE(workgroups.HasFont(heir, alone));
     EXPECT_FALSE(workgroups.HasFont(heir, shared));
     EXPECT_TRUE(workgroups.HasFont(other, shared));
+}
+
+TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {
+    WorkgroupStore workgroups(mDatabase);
+    SetStore sets(mDatabase);
+    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
+    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_FontLibrary);
+    const uint32_t removed = Add("Removed", "Removed", "Regular");
+    const uint32_t kept = Add("Kept", "Kept", "Regular");
+    const uint32_t elsewhere = Add("Elsewhere", "Elsewhere", "Regular");
+    const int32_t doomed = sets.Create(deleted, "Poster");
+    const int32_t staying = sets.Create(heir, "Poster");
+    for (const uint32_t font : {kept, removed, elsewhere})
+        EXPECT_TRUE(sets.AddFont(doomed, font));
+    EXPECT_TRUE(sets.AddFont(staying, removed));
+    EXPECT_TRUE(sets.AddFont(staying, kept));
+    EXPECT_FALSE(sets.AddFont(staying, kept));
+
+    mFonts.RemoveFile(mFonts.Find(removed)->file.id);
+    workgroups.Delete(deleted, heir);
+    EXPECT_FALSE(sets.Find(doomed));
+    ASSERT_EQ(sets.FindByName("Poster").size(), 1u);
+    EXPECT_EQ(sets.Find(staying)->fontCount, 1);
+    ASSERT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 1u);
+    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10)[0].id, kept);
+    EXPECT_TRUE(mFonts.ListInSet(staying, kept, 10).empty());
+    EXPECT_TRUE(mFonts.Find(elsewhere));
+    EXPECT_THROW(sets.AddFont(doomed, kept), DatabaseError);
 }
 
 TEST(Database, TakesBackATransactionThatIsNotCommitted) {
