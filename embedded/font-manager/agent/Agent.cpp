@@ -75,7 +75,8 @@ int RunAgent(const Locations& locations, std::string& problem) {
         return Serve(locations, log, problem);
     } catch (const DatabaseError& error) {
         problem = locations.databasePath + ": " + error.what() +
-                  "; if it cannot be mended, move it away and add the fonts again";
+                  "; if it cannot be mended, move it away and \"Pellwick add\" the fonts in " +
+                  locations.vaultFolder;
         log.Write(problem + "\n");
         return 1;
     } catch (const std::exception& error) {
