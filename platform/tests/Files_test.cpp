@@ -6,8 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
+#include <thread>
+#include <vector>
 
 #include "TemporaryFolder.h"
 
@@ -74,6 +77,28 @@ TEST(Files, ACopyThatIsCutOffNeverHasItsName) {
     EXPECT_EQ(WTERMSIG(copyWithRoomForHalf(SIG_DFL)), SIGXFSZ);  // killed in the middle
     EXPECT_FALSE(fs::exists(folder / "copy"));
     EXPECT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
+}
+
+TEST(Files, OfSeveralCopiesToOneNameTheFirstStays) {
+    const TemporaryFolder folder;
+    std::atomic<int> copies{0};
+    std::vector<std::thread> threads;
+    for (const char letter : {'a', 'b', 'c', 'd'}) {
+        const std::string source = folder.Write(std::string(1, letter), std::string(3 << 20, letter));
+        threads.emplace_back([&copies, &folder, source] {
+            const auto error = platform::CopyToNewFile(source, folder / "copy");
+            if (!error)
+                ++copies;
+            EXPECT_TRUE(!error || error.IsExisting());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(copies, 1);
+    std::string content;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "copy", content, 3 << 20));
+    EXPECT_TRUE(content == std::string(3 << 20, content.front()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 5);
 }
 
 TEST(Files, OnlyRegularFilesAreOpenedAndNothingBlocks) {
