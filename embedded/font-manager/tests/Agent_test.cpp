@@ -30,6 +30,16 @@ std::vector<std::string> NamesOf(const Json& fonts) {
     return names;
 }
 
+std::vector<std::filesystem::path> FilesInVault() {
+    const auto vault = platform::Utf8Path(Locations::OfThisUser().vaultFolder);
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    }
+    return files;
+}
+
 TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
     TestWorld world;
     world.WriteFont("Sample-Bold");
@@ -63,12 +73,15 @@ TEST(CommandLine, ActivatesAndRemovesByAnyName) {
     EXPECT_EQ(world.LinkedFiles().size(), 2u);
     world.RunForJson({"deactivate", "Sample-Italic"});
     EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.RunForJson({"status"})["activeFiles"], 1);
+    EXPECT_EQ(FilesInVault().size(), 2u);
     const ProgramResult unknown = world.Run({"activate", "Nowhere"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
     world.RunForJson({"remove", "Sample-Bold"});
     EXPECT_TRUE(world.LinkedFiles().empty());
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
+    EXPECT_EQ(FilesInVault().size(), 1u);
 }
 
 TEST(CommandLine, SaysWhatToDoWhenThereIsNoAgent) {
@@ -237,17 +250,21 @@ TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     const std::string font = world.WriteFont("Sample-Bold");
     world.RunForJson({"add", font});
     const auto state = [&] { return world.RunForJson({"list"})["fonts"][0]["ActivationStatus"].get<int>(); };
-    const auto vault = platform::Utf8Path(world.Path("data/Vantorix/Pellwick/vault"));
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
-        if (entry.is_regular_file())
-            std::filesystem::remove(entry.path());
-    }
+    const auto emptyVault = [] {
+        for (const auto& file : FilesInVault())
+            std::filesystem::remove(file);
+    };
+    emptyVault();
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);
     EXPECT_EQ(state(), kFontActivationState_Missing);
     world.RunForJson({"add", font});
     EXPECT_EQ(state(), kFontActivationState_Inactive);
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
     EXPECT_EQ(world.Run({"add", font, "--workgroup", "System Fonts"}).status, 1);
+    world.KillAgent(SIGTERM);
+    emptyVault();
+    world.StartAgent();
+    EXPECT_EQ(state(), kFontActivationState_Missing);
 }
 
 TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
@@ -301,6 +318,7 @@ TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     RawClient half;
     half.Send(std::string("\x20\0\0\0ha", 6));  // and then nothing: it may wait for as long as it likes
     EXPECT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}, result), CoreErrorCodes::kVersionMismatch);
     EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);
     EXPECT_EQ(good.Call("GetFont", {{"font", "x"}}, result), CoreErrorCodes::kNotFound);
 }

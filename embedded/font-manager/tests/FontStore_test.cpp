@@ -7,6 +7,7 @@
 #include "common/Protocol.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
+#include "store/DocumentStore.h"
 #include "store/Schema.h"
 #include "store/SetStore.h"
 #include "store/WorkgroupStore.h"
@@ -87,6 +88,9 @@ TEST_F(FontStoreTest, KnowsActivationStates) {
     EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
     activations.AddUserActivation(font);
     EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
+    EXPECT_TRUE(activations.HasLease({10, 20}, font));
+    EXPECT_FALSE(activations.HasLease({10, 22}, font));
+    EXPECT_FALSE(activations.HasLease({11, 20}, font));
     EXPECT_TRUE(activations.RemoveUserActivation(font));
     EXPECT_TRUE(activations.EndLeases({10, 20}, font));
     EXPECT_FALSE(activations.EndLeases({10, 20}, font));
@@ -137,6 +141,8 @@ TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {
     EXPECT_TRUE(sets.AddFont(staying, removed));
     EXPECT_TRUE(sets.AddFont(staying, kept));
     EXPECT_FALSE(sets.AddFont(staying, kept));
+    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 2u);
+    EXPECT_EQ(mFonts.ListInSet(doomed, 0, 2).size(), 2u);
 
     mFonts.RemoveFile(mFonts.Find(removed)->file.id);
     workgroups.Delete(deleted, heir);
@@ -148,6 +154,23 @@ TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {
     EXPECT_TRUE(mFonts.ListInSet(staying, kept, 10).empty());
     EXPECT_TRUE(mFonts.Find(elsewhere));
     EXPECT_THROW(sets.AddFont(doomed, kept), DatabaseError);
+}
+
+TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
+    DocumentStore documents(mDatabase);
+    const uint32_t first = Add("First", "First", "Regular");
+    const uint32_t second = Add("Second", "Second", "Regular");
+    const auto recorded = [&] {
+        Statement query = mDatabase.Prepare("SELECT SUM(font_id) FROM document_fonts");
+        return query.Step() ? query.Integer(0) : -1;
+    };
+    documents.SaveFonts("/document", {first}, false);
+    documents.SaveFonts("/document", {first, second}, false);
+    EXPECT_EQ(recorded(), first + second);
+    documents.SaveFonts("/document", {second}, true);
+    EXPECT_EQ(recorded(), second);
+    EXPECT_TRUE(documents.Clear("/document"));
+    EXPECT_EQ(recorded(), 0);
 }
 
 TEST(Database, TakesBackATransactionThatIsNotCommitted) {

@@ -225,14 +225,24 @@ private:
     pthread_attr_t mSaved;
 };
 
+std::atomic<int> callsOfAnother{0};
+
+void CountCall(int32_t, const void*) {
+    ++callsOfAnother;
+}
+
 TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
     {
         const NoFurtherThreads noFurtherThreads;
         EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), CountCall), 0u);
     }
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
     mWorld.RunForJson({"logout"});
     EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    mWorld.RunForJson({"login", "somebody"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    EXPECT_EQ(callsOfAnother, 0);
 
     mLibrary.ResetPluginFacadeInstance();
     {
@@ -241,8 +251,8 @@ TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain)
         EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
     }
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    mWorld.RunForJson({"login", "somebody"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    mWorld.RunForJson({"standalone", "off"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_WentOnline); }));
 }
 
 TEST_F(RecoveryTest, TheEndOfTheAgentIsNotifiedAndANewOneIsHeardAfterAReset) {

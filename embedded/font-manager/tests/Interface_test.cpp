@@ -189,7 +189,9 @@ TEST_F(InterfaceTest, NothingIsActivatedOrPermittedForAUserWhoIsLoggedOut) {
 TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
     const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "Sample-Italic"});
     const std::string folder = mWorld.Path("Gesammelte \u5b57\u4f53");
-    const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", "another file");
+    std::string otherContent = MakeTestFont({"Sample-Bold", "Sample", "Bold", "1.0"});
+    otherContent.back() ^= 1;  // another file of the same size
+    const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", otherContent);
     bool canExport = false;
     EXPECT_EQ(mLibrary.CanExportFonts(mLibrary.Facade(), IDsArray(ids).get(), &canExport), 0u);
     EXPECT_TRUE(canExport);
@@ -200,8 +202,8 @@ TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
                   (Exported{0, {folder + "/Sample-Bold-1.0 2.ttf", folder + "/Sample-Italic-1.0.ttf"}}));
     }
     std::string content;
-    platform::ReadWholeFile(other, content, 1000);
-    EXPECT_EQ(content, "another file");
+    platform::ReadWholeFile(other, content, otherContent.size());
+    EXPECT_TRUE(content == otherContent);
     EXPECT_EQ(Export({}, folder).first, GZephyrinExportFonts::kNoFontsToExport);
     EXPECT_EQ(Export(ids, other).first, GZephyrinExportFonts::kCouldNotCreateFolder);
 }
