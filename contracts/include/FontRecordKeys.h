@@ -49,6 +49,9 @@ enum WorkgroupType {
     kWorkgroupType_TypekitLibrary = 12
 };
 
+/* The workgroup ID of kWorkgroupType_All. */
+enum { kWorkgroupID_All = -2 };
+
 #define FONT_RECORD_KEY_CONSTANT(constant, text) static const char constant[] = text;
 #ifdef __cplusplus
 #undef FONT_RECORD_KEY_CONSTANT

@@ -14,11 +14,29 @@ struct OpenOptions {
     std::optional<double> seconds;  ///< how long the documents stay open; else until Enter
 };
 
+struct SettingsOptions {
+    std::string key;                   ///< empty: all of them
+    std::optional<std::string> value;  ///< to be stored; else the value is shown
+    bool json = false;
+};
+
+struct MenuOptions {
+    std::string choice;    ///< the label or the title of an item; empty: the menu is shown
+    std::string document;  ///< opened before; may be empty
+    bool json = false;
+};
+
 /// Opens documents, shows their fonts, keeps them open, closes them.
 int RunOpen(const HostOptions& host, const OpenOptions& options);
 
 /// Lists the font names that the extractor finds in files. The core is not loaded.
 int RunFonts(const std::vector<std::string>& files, bool json);
+
+/// Shows or stores preferences.
+int RunSettings(const HostOptions& host, const SettingsOptions& options);
+
+/// Shows the plug-in menu or carries out a choice from it.
+int RunMenu(const HostOptions& host, const MenuOptions& options);
 
 /// Calls exports as standard input says, one JSON object a line, and answers each with a line.
 int RunScript(const HostOptions& host);

@@ -59,6 +59,16 @@ int main(int argc, char** argv) {
     CLI::App* fontsCommand = program.add_subcommand("fonts", "List the font names that documents hold");
     fontsCommand->add_option("FILE", files, "The documents")->required();
 
+    SettingsOptions settings;
+    CLI::App* settingsCommand = program.add_subcommand("settings", "Show the preferences, or store one");
+    settingsCommand->add_option("KEY", settings.key, "Show this one alone");
+    settingsCommand->add_option("VALUE", settings.value, "Store this value");
+
+    MenuOptions menu;
+    CLI::App* menuCommand = program.add_subcommand("menu", "Show the plug-in menu, or choose from it");
+    menuCommand->add_option("CHOICE", menu.choice, "The number or the text of a menu item");
+    menuCommand->add_option("--document", menu.document, "A document to open before");
+
     CLI::App* scriptCommand = program.add_subcommand(
         "script",
         "Make the calls that standard input holds, one JSON object a line: {\"call\": …, \"args\": {…}}");
@@ -73,13 +83,15 @@ int main(int argc, char** argv) {
     platform::SetCurrentProcessName(host.app);
     if (!answers.empty())
         platform::SetEnvironment("PLUGINCORE_ANSWERS", FullPath(answers));
-    open.json = json;
+    open.json = settings.json = menu.json = json;
     if (*forOption)
         open.seconds = seconds;
     try {
-        const int status = *fontsCommand    ? RunFonts(files, json)
-                           : *scriptCommand ? RunScript(host)
-                                            : RunOpen(host, open);
+        const int status = *fontsCommand      ? RunFonts(files, json)
+                           : *scriptCommand   ? RunScript(host)
+                           : *settingsCommand ? RunSettings(host, settings)
+                           : *menuCommand     ? RunMenu(host, menu)
+                                              : RunOpen(host, open);
         return FlushOutput() ? status : exit_status::kFailed;
     } catch (const std::exception& exception) {
         PrintError(exception.what());

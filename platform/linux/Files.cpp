@@ -13,11 +13,17 @@
 #include <utility>
 #include <vector>
 
+#include "platform/Utf8Path.h"
+
 namespace platform {
 
 const char kPathSeparator = '/';
 
 namespace {
+
+// The mark keeps what a user puts beside the file ("file.backup") from looking like a temporary file.
+constexpr std::string_view kTemporaryMark = ".writing-";
+constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 /// A file descriptor that closes itself.
 class Descriptor {
@@ -220,7 +226,7 @@ SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_
 }
 
 SystemError WriteWholeFile(const std::string& path, std::string_view content) {
-    std::string temporary = path + ".XXXXXX";
+    std::string temporary = path + std::string(kTemporaryMark) + std::string(kTemporaryPattern);
     const Descriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));
     if (!descriptor.IsValid())
         return LastSystemError();
@@ -255,6 +261,18 @@ SystemError CopyToNewFile(const std::string& source, const std::string& target) 
     else
         FlushFolder(folder);
     return error;
+}
+
+void RemoveAbandonedWrites(const std::string& path) {
+    const std::string beginning = Utf8Text(Utf8Path(path).filename()) + std::string(kTemporaryMark);
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(Utf8Path(FolderOf(path)), failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string name = Utf8Text(entry->path().filename());
+        std::error_code ignored;
+        if (name.starts_with(beginning) && name.size() == beginning.size() + kTemporaryPattern.size())
+            std::filesystem::remove(entry->path(), ignored);
+    }
 }
 
 SystemError MakeFolders(const std::string& path, bool privateToUser) {

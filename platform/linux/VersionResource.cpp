@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 
 namespace platform {
@@ -81,6 +82,12 @@ public:
             return std::nullopt;
         }
         return FindValue(pairs, key);
+    }
+
+    // What is mapped into memory does not tell where the section is; its file does.
+    std::optional<std::string> FromModuleAt(const void* address, const char* key,
+                                            SystemError& error) override {
+        return FromFile(Current<DynamicLibraries>().PathOfModuleAt(address), key, error);
     }
 };
 

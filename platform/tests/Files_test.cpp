@@ -101,6 +101,20 @@ TEST(Files, OfSeveralCopiesToOneNameTheFirstStays) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 5);
 }
 
+TEST(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("file.json", "kept");
+    for (const char* kept : {"file.json.backup", "file.json.writing-", "file.json.writing-mine.txt",
+                             "other.json.writing-abc123", "file.json.damaged-1"})
+        folder.Write(kept, "");
+    folder.Write("file.json.writing-abc123", "cut");
+    folder.Write("file.json.writing-XYZxyz", "");
+    platform::RemoveAbandonedWrites(path);
+    EXPECT_FALSE(fs::exists(folder / "file.json.writing-abc123"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 6);
+    platform::RemoveAbandonedWrites(folder / "missing/file");
+}
+
 TEST(Files, OnlyRegularFilesAreOpenedAndNothingBlocks) {
     const TemporaryFolder folder;
     platform::ReadOnlyFile file;

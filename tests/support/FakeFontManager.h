@@ -19,6 +19,8 @@ public:
 
     bool isRunning = true;
     bool isBatchMode = true;
+    bool isLoggedIn = true;
+    bool takesFonts = true;                                 ///< when a document's fonts are handed over
     CFRef<CFMutableArrayRef> matched = cf::MutableArray();  ///< what the next activation matches
     PluginActivationStates states;
     std::map<uint32_t, int16_t> statusOfSingleDeactivation;  ///< by database ID; 0 for others
@@ -41,7 +43,7 @@ public:
 
     bool IsRunning() override { return isRunning; }
     bool IsBatchMode() override { return isBatchMode; }
-    bool IsLoggedIn() override { return true; }
+    bool IsLoggedIn() override { return isLoggedIn; }
     ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists&,
                                     CFMutableArrayRef matchedFonts) override {
         return GiveMatched(matchedFonts);
@@ -67,7 +69,7 @@ public:
         }
         return 0;
     }
-    bool SaveDocumentFonts(const std::string&, bool, CFStringRef) override { return true; }
+    bool SaveDocumentFonts(const std::string&, bool, CFStringRef) override { return takesFonts; }
 
 private:
     ErrorCode GiveMatched(CFMutableArrayRef matchedFonts) {

@@ -21,6 +21,7 @@ public:
     std::vector<std::pair<uint32_t, uint32_t>> shownBoxes;  ///< title and text
     std::deque<int32_t> answers;                            ///< to questions; "no" when there is none left
     bool areDefaultsRegistered = false;
+    bool isStoreUsable = true;
     bool isReleased = false;
     std::vector<std::string> shownDialogs;         ///< by name, in order
     std::vector<std::string> subjects;             ///< of messages about something
@@ -64,7 +65,7 @@ public:
             this);
         return true;
     }
-    bool IsPreferenceStoreUsable() override { return true; }
+    bool IsPreferenceStoreUsable() override { return isStoreUsable; }
     CFStringRef CopyLocalizedString(uint32_t stringID) override {
         return cf::String("string " + std::to_string(stringID)).release();
     }

@@ -3,7 +3,7 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <algorithm>
-#include <tuple>
+#include <type_traits>
 
 namespace {
 
@@ -20,55 +20,99 @@ ErrorCode Answer(const char* symbol) {
     return code;
 }
 
-void AppendFonts(CFMutableArrayRef fonts) {
+void AppendFonts(CFMutableArrayRef fonts, int64_t activationState) {
     for (const auto& [databaseID, name] : current->fonts) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, databaseID);
         cf::Set(font, kGS_PostScriptNameKey, name);
-        cf::Set(font, kGS_ActivationStateKey, current->activationStateBefore);
+        cf::Set(font, kGS_DatabaseIDKey, databaseID);
+        cf::Set(font, kGS_ActivationStateKey, activationState);
         if (fonts != nullptr)
             cf::Append(fonts, font);
     }
 }
 
-/// What a successful call does, by symbol; nothing for most.
-template <class... Arguments>
-void Perform(const char* symbol, Arguments... arguments) {
-    const std::string name = symbol;
-    const auto values = std::make_tuple(arguments...);
-    if constexpr (sizeof...(Arguments) == 2) {
-        using Second = std::tuple_element_t<1, std::tuple<Arguments...>>;
-        if constexpr (std::is_same_v<Second, bool*>) {
-            if (name == "GetIsLoggedIn")
-                *std::get<1>(values) = current->isLoggedIn;
-            if (name == "GetRunningStandalone")
-                *std::get<1>(values) = current->isStandalone;
-            if (name == "GetIsCoreAgentProcessRunning")
-                *std::get<1>(values) = current->isAgentRunning;
+void AppendUnmatchedFonts(CFMutableArrayRef fonts) {
+    for (const std::string& name : current->unmatchedFonts) {
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_PostScriptNameKey, name);
+        if (current->replacementID != 0) {
+            const CFRef<CFMutableDictionaryRef> replacement = cf::MutableDictionary();
+            cf::Set(replacement, kGS_DatabaseIDKey, current->replacementID);
+            const CFRef<CFMutableDictionaryRef> replacements = cf::MutableDictionary();
+            cf::Set(replacements, "Replacement", replacement);
+            cf::Set(font, kGS_PossibleReplacementsKey, replacements);
+            cf::Set(font, kGS_MatchedFontKey, replacement);  // as if the user had chosen it
         }
-        if constexpr (std::is_same_v<Second, const char*>) {
-            if (name == "Log")
-                current->log += std::get<1>(values);
-        }
+        cf::Append(fonts, font);
     }
-    if constexpr (sizeof...(Arguments) == 6) {  // ActivateDocumentFontsByPath
-        AppendFonts(std::get<3>(values));
-        AppendFonts(std::get<5>(values));
+}
+
+enum SymbolIndex {
+#define INDEX_OF(symbol, parameters) kIndexOf##symbol,
+    TARNWICK_PLUGIN_FUNCTIONS(INDEX_OF)
+#undef INDEX_OF
+};
+
+template <int kIndex>
+using Symbol = std::integral_constant<int, kIndex>;
+
+// What a successful call does: nothing, unless there is an overload for its symbol.
+template <int kIndex, class... Arguments>
+void Perform(Symbol<kIndex>, Arguments...) {}
+
+void Perform(Symbol<kIndexOfGetIsLoggedIn>, PluginFacadeRef, bool* outIsLoggedIn) {
+    *outIsLoggedIn = current->isLoggedIn;
+}
+void Perform(Symbol<kIndexOfGetRunningStandalone>, PluginFacadeRef, bool* outIsStandalone) {
+    *outIsStandalone = current->isStandalone;
+}
+void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool* outIsRunning) {
+    *outIsRunning = current->isAgentRunning;
+}
+void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
+    current->log += text;
+}
+void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef,
+             CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts,
+             CFMutableArrayRef reportedFonts) {
+    AppendFonts(matchedFonts, current->activationStateBefore);
+    AppendFonts(reportedFonts, current->activationStateAfter);
+    AppendUnmatchedFonts(unmatchedFonts);
+}
+void Perform(Symbol<kIndexOfActivateFonts>, PluginFacadeRef, CFArrayRef, CFStringRef, CFStringRef,
+             CFMutableArrayRef matchedFonts) {
+    AppendFonts(matchedFonts, current->activationStateBefore);
+}
+void Perform(Symbol<kIndexOfGetClientFontActivationStates>, PluginFacadeRef, CFArrayRef,
+             CFMutableDictionaryRef states) {
+    for (const auto& [databaseID, isActive] : current->activationStates)
+        CFDictionarySetValue(states, cf::Number(databaseID).get(), cf::Bool(isActive));
+}
+void Perform(Symbol<kIndexOfGetAllWorkgroupsForUser>, PluginFacadeRef, CFMutableArrayRef workgroups) {
+    for (const auto& [id, type, name] : current->workgroups) {
+        const CFRef<CFMutableDictionaryRef> workgroup = cf::MutableDictionary();
+        cf::Set(workgroup, kGS_WorkgroupIDKey, id);
+        cf::Set(workgroup, kGS_WorkgroupTypeKey, type);
+        cf::Set(workgroup, kGS_WorkgroupNameKey, name);
+        cf::Append(workgroups, workgroup);
     }
-    if constexpr (sizeof...(Arguments) == 5) {
-        using Last = std::tuple_element_t<4, std::tuple<Arguments...>>;
-        if constexpr (std::is_same_v<Last, CFMutableArrayRef>) {
-            if (name == "ActivateFonts")
-                AppendFonts(std::get<4>(values));
-        }
-    }
-    if constexpr (sizeof...(Arguments) == 3) {
-        using Last = std::tuple_element_t<2, std::tuple<Arguments...>>;
-        if constexpr (std::is_same_v<Last, CFMutableDictionaryRef>) {
-            for (const auto& [databaseID, isActive] : current->activationStates)
-                CFDictionarySetValue(std::get<2>(values), cf::Number(databaseID).get(), cf::Bool(isActive));
-        }
-    }
+}
+void Perform(Symbol<kIndexOfCreateTopLevelSet>, PluginFacadeRef, CFStringRef name, int32_t workgroupID,
+             int32_t* outSetID) {
+    current->sets.emplace_back(workgroupID, cf::ToUtf8(name));
+    *outSetID = static_cast<int32_t>(current->sets.size());
+}
+void Perform(Symbol<kIndexOfAddFontsToSets>, PluginFacadeRef, CFArrayRef fontIDs, CFArrayRef) {
+    for (CFIndex index = 0; index < cf::Count(fontIDs); ++index)
+        current->fontsInSets.push_back(*cf::ToInt64(CFArrayGetValueAtIndex(fontIDs, index)));
+}
+void Perform(Symbol<kIndexOfExportFonts>, PluginFacadeRef, CFArrayRef fonts, CFStringRef destinationFolder,
+             CFMutableArrayRef) {
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index)
+        current->exportedTo.push_back(cf::ToUtf8(destinationFolder));
+}
+void Perform(Symbol<kIndexOfOSCreateDirectory>, const char* path) {
+    current->foldersMade.emplace_back(path);
 }
 
 template <class Function>
@@ -92,15 +136,9 @@ template <int kIndex>
 uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
     const ErrorCode code = Answer(kSymbols[kIndex]);
     if (code == CoreErrorCodes::kSuccess)
-        Perform(kSymbols[kIndex], arguments...);
+        Perform(Symbol<kIndex>(), arguments...);
     return code;
 }
-
-enum SymbolIndex {
-#define INDEX_OF(symbol, parameters) kIndexOf##symbol,
-    TARNWICK_PLUGIN_FUNCTIONS(INDEX_OF)
-#undef INDEX_OF
-};
 
 }  // namespace
 

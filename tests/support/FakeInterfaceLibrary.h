@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ErrorCodes.h"
@@ -35,9 +36,17 @@ public:
     bool isStandalone = true;
     bool isAgentRunning = true;
     std::vector<std::pair<uint32_t, std::string>>
-        fonts;  ///< what is matched by any request: ID, PostScript name
+        fonts;                                ///< what is matched by any request: ID, PostScript name
+    std::vector<std::string> unmatchedFonts;  ///< PostScript names, of any request
+    int64_t replacementID = 0;  ///< database ID of the font that can replace any unmatched one; 0 for none
     int64_t activationStateBefore = 0;
+    int64_t activationStateAfter = kFontActivationState_ActivatedByPlugin;
     std::map<uint32_t, bool> activationStates;
+    std::vector<std::tuple<int32_t, int32_t, std::string>> workgroups;  ///< ID, type, name
+    std::vector<std::pair<int32_t, std::string>> sets;                  ///< those created: workgroup ID, name
+    std::vector<int64_t> fontsInSets;                                   ///< database IDs, as they were added
+    std::vector<std::string> exportedTo;  ///< the folder of each font that was exported
+    std::vector<std::string> foldersMade;
 
     int CallsOf(const std::string& symbol) const;
 };

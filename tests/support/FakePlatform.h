@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,12 +66,17 @@ private:
 class FakeVersionResources : public platform::VersionResources {
 public:
     std::map<std::pair<std::string, std::string>, std::string> values;  ///< by path and key
+    int errorOfOthers = 0;  ///< what reading a value that is not there fails with
 
     std::optional<std::string> FromFile(const std::string& path, const char* key,
                                         platform::SystemError& error) override {
         const auto found = values.find({path, key});
-        error.code = 0;
+        error.code = found != values.end() ? 0 : errorOfOthers;
         return found != values.end() ? std::optional(found->second) : std::nullopt;
+    }
+    std::optional<std::string> FromModuleAt(const void* address, const char* key,
+                                            platform::SystemError& error) override {
+        return FromFile(platform::Current<platform::DynamicLibraries>().PathOfModuleAt(address), key, error);
     }
 
 private:
@@ -81,9 +87,11 @@ private:
 class FakeLibraries : public platform::DynamicLibraries {
 public:
     std::vector<std::string> loadable;
+    std::string exhausting;  ///< the library for which there is no memory
     std::map<std::string, void*> symbols;
     std::string pathOfLoaded = "/system/library.so";
     std::string pathOfThisModule = "/plugins/libPluginCore.so";
+    bool isModuleKnown = true;
 
     platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
         return Load(path, error);
@@ -96,12 +104,14 @@ public:
         return found != symbols.end() ? found->second : nullptr;
     }
     std::string PathOf(platform::LibraryHandle) override { return pathOfLoaded; }
-    const void* ModuleAt(const void* address) override { return address; }
+    const void* ModuleAt(const void* address) override { return isModuleKnown ? address : nullptr; }
     std::string PathOfModuleAt(const void*) override { return pathOfThisModule; }
     std::string LastLoadFailure() override { return "no such library"; }
 
 private:
     platform::LibraryHandle Load(const std::string& name, platform::SystemError& error) {
+        if (name == exhausting)
+            throw std::bad_alloc();
         for (std::string& each : loadable) {
             if (each == name)
                 return &each;
@@ -110,6 +120,18 @@ private:
         return nullptr;
     }
     platform::ScopedOverride<platform::DynamicLibraries> mOverride{*this};
+};
+
+class FakeClock : public platform::Clock {
+public:
+    uint32_t ticks = 1000;
+    int64_t seconds = 1700000000;
+
+    uint32_t TickCount() override { return ticks; }
+    int64_t Now() override { return seconds; }
+
+private:
+    platform::ScopedOverride<platform::Clock> mOverride{*this};
 };
 
 class FakeWindowing : public platform::Windowing {

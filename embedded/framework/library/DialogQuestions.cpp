@@ -2,28 +2,60 @@
 
 #include <CoreFoundation++/CFRef.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "FontRecordKeys.h"
+#include "StringConversion.h"
 #include "TraceLog.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "strings/LocalizedStrings.h"
+#include "strings/StringIDs.h"
 
 namespace {
 
-constexpr char kWorkgroupID[] = "workgroupID";
-constexpr char kWorkgroups[] = "workgroups";
+using nlohmann::json;
 
-nlohmann::json WorkgroupList(CFArrayRef workgroups) {
-    nlohmann::json list = nlohmann::json::array();
+constexpr int32_t kFirstWorkgroupCommand = 8;
+/// Stands for no workgroup of its own, so nothing can be made in it.
+constexpr int32_t kPseudoWorkgroupID = -2;
+
+json WorkgroupList(CFArrayRef workgroups) {
+    json list = json::array();
     for (CFIndex index = 0; index < cf::Count(workgroups); ++index) {
         const auto record = cf::Get<CFDictionaryRef>(workgroups, index);
         if (const auto id = cf::GetInt64(record, kGS_WorkgroupIDKey))
-            list.push_back({{kWorkgroupID, *id}, {"name", cf::GetString(record, kGS_WorkgroupNameKey)}});
+            list.push_back({{"workgroupID", *id}, {"name", cf::GetString(record, kGS_WorkgroupNameKey)}});
     }
     return list;
 }
 
-nlohmann::json FontNames(CFArrayRef fonts) {
-    nlohmann::json names = nlohmann::json::array();
+json NumberOrNull(CFDictionaryRef dictionary, const char* key) {
+    const auto number = cf::GetInt64(dictionary, key);
+    return number ? json(*number) : json();
+}
+
+json DocumentCommands(const json& currentWorkgroupID, std::string_view language) {
+    json commands = json::array();
+    commands.push_back({{"command", 3}, {"title", LocalizedText(language, kCollectFontsTitle)}});
+    if (currentWorkgroupID != kPseudoWorkgroupID)
+        commands.push_back({{"command", 4}, {"title", LocalizedText(language, kCreateDocumentSetTitle)}});
+    commands.push_back({{"command", 5}, {"title", LocalizedText(language, kCheckFontsTitle)}});
+    return commands;
+}
+
+void AppendWorkgroupCommands(json& commands, CFArrayRef workgroups) {
+    for (CFIndex index = 0; index < cf::Count(workgroups); ++index) {
+        const auto record = cf::Get<CFDictionaryRef>(workgroups, index);
+        commands.push_back({{"command", kFirstWorkgroupCommand + index},
+                            {"title", cf::GetString(record, kGS_WorkgroupNameKey)},
+                            {"workgroupID", NumberOrNull(record, kGS_WorkgroupIDKey)}});
+    }
+}
+
+json FontNames(CFArrayRef fonts) {
+    json names = json::array();
     for (CFIndex index = 0; index < cf::Count(fonts); ++index)
         names.push_back(cf::GetString(cf::Get<CFDictionaryRef>(fonts, index), kGS_PostScriptNameKey));
     return names;
@@ -36,60 +68,90 @@ std::optional<int32_t> NumberIn(const DialogAnswer& answer, const char* member) 
     return std::in_range<int32_t>(number) ? std::optional(static_cast<int32_t>(number)) : std::nullopt;
 }
 
-bool IsOffered(const DialogQuestion& question, int32_t workgroupID) {
-    for (const nlohmann::json& workgroup : question.details[kWorkgroups]) {
-        if (workgroup[kWorkgroupID] == workgroupID)
-            return true;
-    }
-    return false;
+bool IsOffered(const json& list, const char* member, int32_t number) {
+    return std::any_of(list.begin(), list.end(),
+                       [=](const json& entry) { return entry.at(member) == number; });
+}
+
+/// `chosen`, if it is in the list; else the answer is reported.
+std::optional<int32_t> ChosenFrom(const char* list, const char* member, std::optional<int32_t> chosen,
+                                  const DialogQuestion& question, const DialogAnswer& answer) {
+    if (chosen && IsOffered(question.details.at(list), member, *chosen))
+        return chosen;
+    ReportWrongAnswer(question, answer);
+    return std::nullopt;
 }
 
 }  // namespace
 
-bool IsConfirmed(const DialogAnswer& answer) {
-    return answer.is_object() || (answer.is_boolean() && answer.get<bool>());
+bool IsConfirmed(const DialogQuestion& question, const DialogAnswer& answer) {
+    if (!IsDeclined(answer) && answer != true && !answer.is_object())
+        ReportWrongAnswer(question, answer);
+    return answer == true || answer.is_object();
+}
+
+bool IsDeclined(const DialogAnswer& answer) {
+    return answer.is_null() || answer == false;
+}
+
+void ReportWrongAnswer(const DialogQuestion& question, const DialogAnswer& answer) {
+    LogMessage(0, "The answer to %s means nothing and counts as not confirmed: %s", question.dialog.c_str(),
+               answer.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
 
 DialogQuestion AboutQuestion(const std::string& version) {
     return {"About", {{"version", version}}};
 }
 
-DialogQuestion PreferencesQuestion() {
-    return {"Preferences", nlohmann::json::object()};
-}
-
 DialogQuestion SelectWorkgroupQuestion(CFArrayRef workgroups, int32_t currentID) {
-    return {"SelectWorkgroup", {{kWorkgroups, WorkgroupList(workgroups)}, {kWorkgroupID, currentID}}};
+    return {"SelectWorkgroup", {{"workgroups", WorkgroupList(workgroups)}, {"workgroupID", currentID}}};
 }
 
-DialogQuestion CommandBoxQuestion(CFDictionaryRef state) {
-    nlohmann::json details = {{kWorkgroups, WorkgroupList(cf::GetArray(state, "Workgroups"))},
-                              {"CurrentWorkgroupID", cf::GetInt64(state, "CurrentWorkgroupID").value_or(0)}};
+DialogQuestion CommandBoxQuestion(CFDictionaryRef state, std::string_view language) {
+    json details;
     for (const char* flag : {"IsLocalPersonal", "ButtonsEnabled", "IsOnline"})
         details[flag] = cf::GetBool(state, flag).value_or(false);
+    details["CurrentWorkgroupID"] = NumberOrNull(state, "CurrentWorkgroupID");
+    json commands = json::array();
+    if (details["ButtonsEnabled"].get<bool>())
+        commands = DocumentCommands(details["CurrentWorkgroupID"], language);
+    commands.push_back({{"command", 6}, {"title", LocalizedText(language, kPreferencesTitle)}});
+    commands.push_back({{"command", 7}, {"title", LocalizedText(language, kAboutTitle)}});
+    AppendWorkgroupCommands(commands, cf::GetArray(state, "Workgroups"));
+    details["commands"] = std::move(commands);
     return {"CommandBox", std::move(details)};
-}
-
-DialogQuestion ResolveFontsQuestion(CFArrayRef fonts) {
-    return {"ResolveFonts", {{"fonts", FontNames(fonts)}}};
 }
 
 DialogQuestion RestrictedFontsQuestion(CFArrayRef fonts, bool onlyNew) {
     return {"RestrictedFonts", {{"fonts", FontNames(fonts)}, {"onlyNew", onlyNew}}};
 }
 
-std::optional<int32_t> ChosenWorkgroup(const DialogQuestion& question, const DialogAnswer& answer) {
-    if (!IsConfirmed(answer))
-        return std::nullopt;
-    const auto current = question.details[kWorkgroupID].get<int32_t>();
-    const std::optional<int32_t> chosen = answer.is_object() ? NumberIn(answer, kWorkgroupID) : current;
-    if (chosen && IsOffered(question, *chosen))
-        return chosen;
-    LogMessage(0, "The answer to %s names no workgroup of its list: %s", question.dialog.c_str(),
-               answer.dump().c_str());
-    return std::nullopt;
+DialogQuestion ChooseFolderQuestion(CFStringRef prompt, CFStringRef initialFolder) {
+    return {"ChooseFolder", {{"prompt", cf::ToUtf8(prompt)}, {"initialFolder", cf::ToUtf8(initialFolder)}}};
 }
 
-std::optional<int32_t> ChosenCommand(const DialogAnswer& answer) {
-    return NumberIn(answer, "command");
+std::optional<int32_t> ChosenWorkgroup(const DialogQuestion& question, const DialogAnswer& answer) {
+    if (IsDeclined(answer))
+        return std::nullopt;
+    const auto chosen =
+        answer == true ? question.details.at("workgroupID").get<int32_t>() : NumberIn(answer, "workgroupID");
+    return ChosenFrom("workgroups", "workgroupID", chosen, question, answer);
+}
+
+std::optional<int32_t> ChosenCommand(const DialogQuestion& question, const DialogAnswer& answer) {
+    if (IsDeclined(answer))
+        return std::nullopt;
+    return ChosenFrom("commands", "command", NumberIn(answer, "command"), question, answer);
+}
+
+std::optional<std::string> ChosenFolder(const DialogQuestion& question, const DialogAnswer& answer) {
+    if (IsDeclined(answer))
+        return std::nullopt;
+    const json typed = answer == true ? question.details.at("initialFolder")
+                                      : (answer.is_object() ? answer.value("folder", json()) : json());
+    const std::string folder = typed.is_string() ? platform::FullPath(typed.get<std::string>()) : "";
+    if (!folder.empty() && IsValidUtf8(folder) && !platform::IsExistingFile(folder))
+        return folder;
+    ReportWrongAnswer(question, answer);
+    return std::nullopt;
 }

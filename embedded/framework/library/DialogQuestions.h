@@ -1,32 +1,41 @@
 // What each dialog shows, and what the answer to it means: between the framework's CoreFoundation objects and
-// the presenters' JSON.
+// the presenters' JSON. An answer that means nothing is logged and counts as not confirmed. Preferences and
+// ResolveFonts have headers of their own.
 //
-// | dialog          | details                                              | choices in the answer         |
-// |-----------------|------------------------------------------------------|-------------------------------|
-// | About           | version                                              | none                          |
-// | Preferences     | none                                                 | none                          |
-// | SelectWorkgroup | workgroups: [{workgroupID, name}], workgroupID       | workgroupID, one of the list  |
-// | CommandBox      | the members of the state, workgroups as above        | command, a number             |
-// | ResolveFonts    | fonts: [PostScript name]                             | none yet: never confirmed     |
-// | RestrictedFonts | fonts: [PostScript name], onlyNew                    | none                          |
+// | dialog          | details                                           | choices in the answer        |
+// |-----------------|---------------------------------------------------|------------------------------|
+// | About           | version                                           | none                         |
+// | SelectWorkgroup | workgroups: [{workgroupID, name}], workgroupID    | workgroupID, one of the list |
+// | CommandBox      | IsLocalPersonal, ButtonsEnabled, IsOnline,        | command, one of the list     |
+// |                 | CurrentWorkgroupID, commands: [{command, title,   |                              |
+// |                 | and workgroupID if it chooses one}]               |                              |
+// | RestrictedFonts | fonts: [PostScript name], onlyNew                 | none                         |
+// | ChooseFolder    | prompt, initialFolder                             | folder, as for FullPath      |
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "presenters/Presenter.h"
 
-/// Whether the dialog was confirmed at all.
-bool IsConfirmed(const DialogAnswer& answer);
+/// The answer to a dialog without choices.
+bool IsConfirmed(const DialogQuestion& question, const DialogAnswer& answer);
+/// Whether the user, or nobody, decided against it: null or false.
+bool IsDeclined(const DialogAnswer& answer);
+/// Logs that the answer to that dialog means nothing.
+void ReportWrongAnswer(const DialogQuestion& question, const DialogAnswer& answer);
 
 DialogQuestion AboutQuestion(const std::string& version);
-DialogQuestion PreferencesQuestion();
 DialogQuestion SelectWorkgroupQuestion(CFArrayRef workgroups, int32_t currentID);
-DialogQuestion CommandBoxQuestion(CFDictionaryRef state);
-DialogQuestion ResolveFontsQuestion(CFArrayRef fonts);
+/// `language` is a two-letter code.
+DialogQuestion CommandBoxQuestion(CFDictionaryRef state, std::string_view language);
 DialogQuestion RestrictedFontsQuestion(CFArrayRef fonts, bool onlyNew);
+DialogQuestion ChooseFolderQuestion(CFStringRef prompt, CFStringRef initialFolder);
 
-/// The workgroup chosen; nothing when the dialog was not confirmed or the choice is not in its list.
+/// Nothing when the dialog was not confirmed, or when what was chosen is not in its list.
 std::optional<int32_t> ChosenWorkgroup(const DialogQuestion& question, const DialogAnswer& answer);
-/// The command chosen; nothing when the dialog was not confirmed or the answer names none.
-std::optional<int32_t> ChosenCommand(const DialogAnswer& answer);
+std::optional<int32_t> ChosenCommand(const DialogQuestion& question, const DialogAnswer& answer);
+/// The full path; nothing when the dialog was not confirmed or a file that is no folder stands there.
+std::optional<std::string> ChosenFolder(const DialogQuestion& question, const DialogAnswer& answer);

@@ -6,10 +6,13 @@
 
 #include "TraceLog.h"
 #include "library/DialogQuestions.h"
+#include "library/PreferencesDialog.h"
+#include "library/ResolveFontsDialog.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "strings/LocalizedStrings.h"
+#include "strings/StringIDs.h"
 
 namespace {
 
@@ -66,6 +69,7 @@ TarnwickFramework::TarnwickFramework(const Identity& identity, const std::string
                                      std::string language, std::unique_ptr<Presenter> presenter)
     : mPluginVersion(identity.pluginVersion),
       mLanguage(std::move(language)),
+      mPreferencesFolder(preferencesFolder),
       mPreferences(preferencesFolder, identity.bundleIdentifier, identity.hostApp),
       mPresenter(std::move(presenter)) {}
 
@@ -141,8 +145,7 @@ CFStringRef TarnwickFramework::CopyLocalizedString(uint32_t stringID) {
 }
 
 std::string TarnwickFramework::Text(uint32_t stringID) const {
-    const char* text = FindLocalizedString(mLanguage, stringID);
-    return text != nullptr ? text : "Message " + std::to_string(stringID);
+    return LocalizedText(mLanguage, stringID);
 }
 
 int32_t TarnwickFramework::ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) {
@@ -154,8 +157,26 @@ int32_t TarnwickFramework::ShowMessageBox(uint32_t titleID, uint32_t textID, Mes
     });
 }
 
+void TarnwickFramework::Tell(uint32_t titleID, uint32_t textID, const std::string& subject) {
+    mPresenter->AskMessageBox(
+        {titleID, textID, MessageBoxButtons::kOk, Text(titleID), FillIn(Text(textID), subject)});
+}
+
+void TarnwickFramework::ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef subject) {
+    Guarded(__func__, false, [=, this] {
+        Tell(titleID, textID, cf::ToUtf8(subject));
+        return true;
+    });
+}
+
+bool TarnwickFramework::ShowProgress(uint32_t titleID, int32_t done, int32_t total) {
+    return Guarded(__func__, true, [=, this] {
+        return total <= 0 || mPresenter->ShowProgress({titleID, Text(titleID), done, total});
+    });
+}
+
 bool TarnwickFramework::Confirm(const DialogQuestion& question) {
-    return IsConfirmed(mPresenter->AskDialog(question));
+    return IsConfirmed(question, mPresenter->AskDialog(question));
 }
 
 bool TarnwickFramework::ShowAbout() {
@@ -163,7 +184,16 @@ bool TarnwickFramework::ShowAbout() {
 }
 
 bool TarnwickFramework::ShowPreferences() {
-    return Guarded(__func__, false, [this] { return Confirm(PreferencesQuestion()); });
+    return Guarded(__func__, false, [this] {
+        const DialogQuestion question = PreferencesQuestion(mPreferences, mLanguage);
+        const auto changed = ChangedPreferences(question, mPresenter->AskDialog(question));
+        if (!changed)
+            return false;
+        const bool areStored = mPreferences.SetAll(*changed);
+        if (!areStored)
+            Tell(kPreferencesTitle, kPreferencesNotStored, mPreferencesFolder);
+        return areStored;
+    });
 }
 
 bool TarnwickFramework::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) {
@@ -181,17 +211,25 @@ bool TarnwickFramework::ShowCommandBox(CFDictionaryRef state, int32_t* command) 
     return Guarded(__func__, false, [=, this] {
         if (command == nullptr)
             return false;
-        const auto chosen = ChosenCommand(mPresenter->AskDialog(CommandBoxQuestion(state)));
+        const DialogQuestion question = CommandBoxQuestion(state, mLanguage);
+        const auto chosen = ChosenCommand(question, mPresenter->AskDialog(question));
         *command = chosen.value_or(*command);
         return chosen.has_value();
     });
 }
 
-// Which replacements were chosen cannot be told yet, so nothing is ever resolved here.
-bool TarnwickFramework::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef, CFMutableArrayRef) {
-    return Guarded(__func__, false, [=, this] {
-        mPresenter->AskDialog(ResolveFontsQuestion(fonts));
+// Whatever happens to the dialog, the host gets back every font that it asked about.
+bool TarnwickFramework::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
+                                         CFMutableArrayRef skippedFonts) {
+    if (fonts == nullptr || resolvedFonts == nullptr || skippedFonts == nullptr)
         return false;
+    const auto chosen = Guarded(__func__, std::optional<Replacements>(), [=, this] {
+        const DialogQuestion question = ResolveFontsQuestion(fonts);
+        return ChosenReplacements(question, mPresenter->AskDialog(question));
+    });
+    return Guarded(__func__, false, [&] {
+        SortOutFonts(fonts, chosen.value_or(Replacements()), resolvedFonts, skippedFonts);
+        return chosen.has_value();
     });
 }
 
@@ -199,14 +237,15 @@ bool TarnwickFramework::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
     return Guarded(__func__, false, [=, this] { return Confirm(RestrictedFontsQuestion(fonts, onlyNew)); });
 }
 
-void TarnwickFramework::ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef) {
-    ShowMessageBox(titleID, textID, MessageBoxButtons::kOk);
-}
-
-bool TarnwickFramework::ShowProgress(uint32_t, int32_t, int32_t) {
-    return true;
-}
-
-bool TarnwickFramework::ShowChooseFolder(CFStringRef, CFStringRef, CFStringRef*) {
-    return false;
+bool TarnwickFramework::ShowChooseFolder(CFStringRef prompt, CFStringRef initialFolder,
+                                         CFStringRef* outNewFolder) {
+    return Guarded(__func__, false, [=, this] {
+        if (outNewFolder == nullptr)
+            return false;
+        const DialogQuestion question = ChooseFolderQuestion(prompt, initialFolder);
+        const auto chosen = ChosenFolder(question, mPresenter->AskDialog(question));
+        if (chosen)
+            *outNewFolder = cf::String(*chosen).release();
+        return chosen.has_value();
+    });
 }

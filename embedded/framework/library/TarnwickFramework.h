@@ -58,10 +58,12 @@ public:
 private:
     bool Store(const char* key, const nlohmann::json& value);
     bool Confirm(const DialogQuestion& question);
+    void Tell(uint32_t titleID, uint32_t textID, const std::string& subject);
     std::string Text(uint32_t stringID) const;
 
     const std::string mPluginVersion;
     const std::string mLanguage;
+    const std::string mPreferencesFolder;
     PreferenceStore mPreferences;
     const std::unique_ptr<Presenter> mPresenter;
     void* mParentWindow = nullptr;  ///< not owned; for presenters that have windows

@@ -73,6 +73,7 @@ bool PreferenceFile::Change(const std::function<void(nlohmann::json&)>& edit) {
     platform::FileLock lock;
     if (mFolder.empty() || !AcquireLock(lock))
         return false;
+    SweepOnce();
     const State state = SetAsideWhenDamaged();
     if (state != State::kGood && state != State::kMissing)
         return false;
@@ -161,6 +162,13 @@ bool PreferenceFile::AcquireLock(platform::FileLock& lock) {
     }
     ReportOnce("cannot lock '" + mPath + "': " + platform::SystemErrorText(error));
     return false;
+}
+
+// With the lock held, when every temporary file is that of a writer that was killed.
+void PreferenceFile::SweepOnce() {
+    if (!mAreAbandonedWritesGone)
+        platform::RemoveAbandonedWrites(mPath);
+    mAreAbandonedWritesGone = true;
 }
 
 bool PreferenceFile::Write(nlohmann::json content) {

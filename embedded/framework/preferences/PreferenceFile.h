@@ -39,6 +39,7 @@ private:
     State SetAsideWhenDamaged();
     bool SetAside();
     bool AcquireLock(platform::FileLock& lock);
+    void SweepOnce();
     bool Write(nlohmann::json content);
     void ReportOnce(const std::string& failure);
 
@@ -47,5 +48,6 @@ private:
     std::mutex mContentLock;  ///< guards what follows
     std::string mBytes;       ///< the file as read last; mContent is what they mean
     Content mContent;
+    bool mAreAbandonedWritesGone = false;
     std::string mReportedFailure;  ///< so that a failure that lasts leaves one log line, not one per call
 };

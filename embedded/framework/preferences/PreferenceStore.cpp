@@ -65,7 +65,15 @@ std::string PreferenceStore::GetString(const std::string& key) {
 }
 
 bool PreferenceStore::Set(const std::string& key, const nlohmann::json& value) {
-    return mFile.Change([&](nlohmann::json& root) { Section(root)[MemberName(key)] = value; });
+    return SetAll({{key, value}});
+}
+
+bool PreferenceStore::SetAll(const nlohmann::json& values) {
+    return values.empty() || mFile.Change([&](nlohmann::json& root) {
+        nlohmann::json& section = Section(root);
+        for (const auto& [key, value] : values.items())
+            section[MemberName(key)] = value;
+    });
 }
 
 bool PreferenceStore::AreDefaultsRegistered() {

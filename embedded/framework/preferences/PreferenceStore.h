@@ -20,6 +20,8 @@ public:
     std::string GetString(const std::string& key);
     /// False when the value is not in the file afterwards.
     bool Set(const std::string& key, const nlohmann::json& value);
+    /// The same for each member of `values`, an object, in one step.
+    bool SetAll(const nlohmann::json& values);
 
     bool AreDefaultsRegistered();
     /// Stores each member of `defaults`, an object, whose key has no value yet, and remembers that it was

@@ -17,7 +17,7 @@ std::unique_ptr<Presenter> ChooseByEnvironment(const std::string& language) {
     if (!answersFile.empty())
         return std::make_unique<ScriptedPresenter>(ReadAnswersFile(answersFile));
     if (HasTerminal())
-        return std::make_unique<TerminalPresenter>(TerminalPresenter::StandardTerminal(), language);
+        return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);
     return std::make_unique<SilentPresenter>();
 }
 

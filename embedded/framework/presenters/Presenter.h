@@ -33,6 +33,15 @@ struct DialogQuestion {
 /// object: confirmed with these choices.
 using DialogAnswer = nlohmann::json;
 
+/// How far a long work has come: the first step has `done` 0, the last one `done` equal to `total`, which is
+/// above 0.
+struct ProgressStep {
+    uint32_t titleID = 0;
+    std::string title;
+    int32_t done = 0;
+    int32_t total = 1;
+};
+
 /// Main thread.
 class Presenter {
 public:
@@ -41,6 +50,8 @@ public:
     /// The number of the button, from 1 to ButtonCount.
     virtual int32_t AskMessageBox(const MessageBoxQuestion& question) = 0;
     virtual DialogAnswer AskDialog(const DialogQuestion& question) = 0;
+    /// Whether the work is to go on.
+    virtual bool ShowProgress(const ProgressStep& step) = 0;
 };
 
 /// A scripted presenter when the environment variable PLUGINCORE_ANSWERS names a file of answers; else a

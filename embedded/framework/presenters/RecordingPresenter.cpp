@@ -22,6 +22,14 @@ DialogAnswer RecordingPresenter::AskDialog(const DialogQuestion& question) {
     return answer;
 }
 
+bool RecordingPresenter::ShowProgress(const ProgressStep& step) {
+    const bool isToGoOn = mPresenter->ShowProgress(step);
+    nlohmann::ordered_json details = {
+        {"titleID", step.titleID}, {"title", step.title}, {"done", step.done}, {"total", step.total}};
+    Append({{"dialog", "Progress"}, {"details", std::move(details)}, {"answer", isToGoOn}});
+    return isToGoOn;
+}
+
 void RecordingPresenter::Append(const nlohmann::ordered_json& line) {
     const std::string text =
         line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";

@@ -10,6 +10,7 @@ public:
 
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
     DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool ShowProgress(const ProgressStep& step) override;
 
 private:
     void Append(const nlohmann::ordered_json& line);

@@ -1,6 +1,7 @@
 #include "presenters/ScriptedPresenter.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "TraceLog.h"
 #include "platform/Files.h"
@@ -25,6 +26,15 @@ bool FitsMessageBox(const nlohmann::json& entry, const MessageBoxQuestion& quest
 
 bool IsButton(const nlohmann::json& answer, const MessageBoxQuestion& question) {
     return answer.is_number_integer() && answer >= 1 && answer <= ButtonCount(question);
+}
+
+int64_t StopAt(const DialogAnswer& answer) {
+    constexpr int64_t kNever = std::numeric_limits<int64_t>::max();
+    if (answer.is_object() && answer.contains("stopAt") && answer["stopAt"].is_number_integer())
+        return answer["stopAt"].get<int64_t>();
+    if (!answer.is_null() && !answer.is_boolean())
+        LogMessage(0, "The scripted answer to Progress names no step to stop at: %s", answer.dump().c_str());
+    return answer == false ? 0 : kNever;
 }
 
 }  // namespace
@@ -55,10 +65,21 @@ int32_t ScriptedPresenter::AskMessageBox(const MessageBoxQuestion& question) {
 }
 
 DialogAnswer ScriptedPresenter::AskDialog(const DialogQuestion& question) {
-    const DialogAnswer answer = TakeAnswer([&question](const nlohmann::json& entry) {
-        return entry.contains("dialog") && entry["dialog"] == question.dialog;
-    });
+    const DialogAnswer answer = TakeDialogAnswer(question.dialog);
     return answer.is_null() ? mDefault.AskDialog(question) : answer;
+}
+
+DialogAnswer ScriptedPresenter::TakeDialogAnswer(const std::string& dialog) {
+    return TakeAnswer([&dialog](const nlohmann::json& entry) {
+        return entry.contains("dialog") && entry["dialog"] == dialog;
+    });
+}
+
+// One entry serves for a whole work.
+bool ScriptedPresenter::ShowProgress(const ProgressStep& step) {
+    if (step.done == 0)
+        mStopAt = StopAt(TakeDialogAnswer("Progress"));
+    return step.done < mStopAt;
 }
 
 nlohmann::json ReadAnswersFile(const std::string& path) {

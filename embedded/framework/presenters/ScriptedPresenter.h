@@ -4,7 +4,8 @@
 //
 //     [{"titleID": 604, "textID": 605, "answer": 1},
 //      {"titleID": 609, "answer": 2, "repeat": true},
-//      {"dialog": "SelectWorkgroup", "answer": {"workgroupID": 3}}]
+//      {"dialog": "SelectWorkgroup", "answer": {"workgroupID": 3}},
+//      {"dialog": "Progress", "answer": {"stopAt": 2}}]
 //
 // A question takes the first entry that fits and is not used up; a message box needs an entry with its
 // titleID or textID (with both when both are given), a dialog one with its name. An entry is used up by one
@@ -22,13 +23,16 @@ public:
 
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
     DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool ShowProgress(const ProgressStep& step) override;
 
 private:
     template <class Fits>
     DialogAnswer TakeAnswer(Fits fits);
+    DialogAnswer TakeDialogAnswer(const std::string& dialog);
 
     std::vector<nlohmann::json> mEntries;  ///< those not used up
     SilentPresenter mDefault;
+    int64_t mStopAt = 0;  ///< the step at which the work that goes on now is stopped
 };
 
 /// The list in the file at `path`, UTF-8; an empty one, after a log line, when the file cannot be read or

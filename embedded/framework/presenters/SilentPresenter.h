@@ -7,4 +7,6 @@ class SilentPresenter : public Presenter {
 public:
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
     DialogAnswer AskDialog(const DialogQuestion& question) override;
+    /// Goes on; not worth a line per step.
+    bool ShowProgress(const ProgressStep&) override { return true; }
 };

@@ -45,3 +45,14 @@ const char* FindLocalizedString(std::string_view language, uint32_t id) {
     const char* text = Find(LocalizedStringTable(language), id);
     return text != nullptr ? text : Find(kEnglish, id);
 }
+
+std::string LocalizedText(std::string_view language, uint32_t id) {
+    const char* text = FindLocalizedString(language, id);
+    return text != nullptr ? text : "Message " + std::to_string(id);
+}
+
+std::string FillIn(std::string text, std::string_view value) {
+    constexpr std::string_view kPlaceholder = "%s";
+    const size_t place = text.find(kPlaceholder);
+    return place != std::string::npos ? text.replace(place, kPlaceholder.size(), value) : text;
+}

@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
-/// Texts are UTF-8. A text may hold printf conversions; then all languages have the same ones in the same
-/// order.
+/// Texts are UTF-8. A text may hold one "%s", then it does in all languages; see FillIn.
 struct LocalizedString {
     uint32_t id;
     const char* text;
@@ -18,3 +18,9 @@ std::span<const LocalizedString> LocalizedStringTable(std::string_view language)
 
 /// The text in that language, else in English; null when there is none. Lives to process end. Any thread.
 const char* FindLocalizedString(std::string_view language, uint32_t id);
+
+/// The same to show: where there is no text, one that names the identifier. Any thread.
+std::string LocalizedText(std::string_view language, uint32_t id);
+
+/// `text` with `value`, whatever that holds, in place of its first "%s". Any thread.
+std::string FillIn(std::string text, std::string_view value);

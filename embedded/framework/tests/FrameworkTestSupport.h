@@ -2,18 +2,23 @@
 // processes.
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CapturedTrace.h"
@@ -70,3 +75,49 @@ inline int WaitForChild(pid_t child) {
         return -1;
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
+
+/// A program whose standard output the test reads. Killed and waited for at the end of its scope.
+class RunningProgram {
+public:
+    explicit RunningProgram(std::vector<std::string> arguments) {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        std::vector<char*> list;
+        for (std::string& argument : arguments)
+            list.push_back(argument.data());
+        list.push_back(nullptr);
+        mProcess = fork();
+        if (mProcess == 0) {
+            dup2(ends[1], STDOUT_FILENO);
+            execv(list[0], list.data());
+            _exit(127);
+        }
+        close(ends[1]);
+        mOutput = fdopen(ends[0], "r");
+    }
+    ~RunningProgram() {
+        Kill();
+        fclose(mOutput);
+    }
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    /// Without the line feed; nothing at the end.
+    std::optional<std::string> ReadLine() {
+        char line[256];
+        if (std::fgets(line, sizeof line, mOutput) == nullptr)
+            return std::nullopt;
+        return std::string(line, std::strcspn(line, "\n"));
+    }
+    /// The exit status, as of WaitForChild.
+    int Wait() { return mProcess > 0 ? WaitForChild(std::exchange(mProcess, -1)) : -1; }
+    void Kill() {
+        if (mProcess > 0)
+            kill(mProcess, SIGKILL);
+        Wait();
+    }
+
+private:
+    pid_t mProcess = -1;
+    std::FILE* mOutput = nullptr;
+};

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <stdexcept>
 #include <thread>
 
@@ -158,28 +157,6 @@ TEST_F(PreferenceFileTest, ProcessesAndThreadsThatWriteAtOnceLoseNothing) {
     addToShared("e");
     thread.join();
     EXPECT_EQ(PreferenceFile(mFolder).Read()->size(), 5u * kChanges);
-}
-
-TEST_F(PreferenceFileTest, AKilledWriterLeavesAFileThatParsesAndALockThatIsFree) {
-    PreferenceFile reader(mFolder);
-    int last = 0;
-    for (int round = 0; round < 10; ++round) {
-        const pid_t child = StartChild([&] {
-            PreferenceFile writer(mFolder);
-            for (int number = last + 1;; ++number)
-                SetMember(writer, "number", number);
-            return true;
-        });
-        int seen = last;
-        while (seen < last + 1 + round)
-            seen = reader.Read()->value("number", 0);
-        kill(child, SIGKILL);
-        EXPECT_EQ(WaitForChild(child), 128 + SIGKILL);
-        last = Parsed(mPath).value("number", 0);
-        EXPECT_GE(last, seen);
-    }
-    EXPECT_TRUE(SetMember(reader, "number", 0));
-    EXPECT_EQ(mLog.Text(), "");
 }
 
 }  // namespace

@@ -62,6 +62,30 @@ TEST(ScriptedPresenter, AnAnswerThatIsNoButtonIsReportedAndTheDefaultServes) {
     EXPECT_THAT(log.Text(), HasSubstr("not the number of a button"));
 }
 
+/// The step at which a work of `total` steps is told to stop; -1 for never.
+int32_t StoppedAt(Presenter& presenter, int32_t total) {
+    for (int32_t done = 0; done <= total; ++done) {
+        if (!presenter.ShowProgress({204, "Collect", done, total}))
+            return done;
+    }
+    return -1;
+}
+
+TEST(ScriptedPresenter, AnEntryStopsOneWorkAtItsStep) {
+    CapturedTrace log;
+    ScriptedPresenter presenter(json::parse(R"([
+        {"dialog": "Progress", "answer": {"stopAt": 2}}, {"dialog": "Progress", "answer": true},
+        {"dialog": "Progress", "answer": false}])"));
+    EXPECT_EQ(StoppedAt(presenter, 5), 2);
+    EXPECT_EQ(StoppedAt(presenter, 5), -1);
+    EXPECT_EQ(StoppedAt(presenter, 5), 0);
+    EXPECT_EQ(StoppedAt(presenter, 5), -1) << "nothing was said about this one";
+    EXPECT_EQ(log.Text(), "");
+    ScriptedPresenter wrong(json::parse(R"([{"dialog": "Progress", "answer": {"stopAt": "2"}}])"));
+    EXPECT_EQ(StoppedAt(wrong, 5), -1);
+    EXPECT_THAT(log.Text(), HasSubstr("names no step to stop at"));
+}
+
 TEST(ScriptedPresenter, AFileThatIsNoListOfAnswersIsReported) {
     TemporaryFolder folder;
     EXPECT_EQ(ReadAnswersFile((WriteText(folder / "good", R"([{"titleID": 1}])"), folder / "good")).size(),
@@ -83,11 +107,14 @@ TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
     RecordingPresenter presenter(std::make_unique<SilentPresenter>(), folder / "log");
     EXPECT_EQ(presenter.AskMessageBox({604, 605, kYesNo, "Über\n", "\xFF"}), 2);
     EXPECT_TRUE(presenter.AskDialog({"About", {{"version", "8"}}}).is_null());
+    EXPECT_TRUE(presenter.ShowProgress({204, "Collect", 1, 3}));
     EXPECT_EQ(ReadText(folder / "log"),
               "before\n"
               "{\"titleID\":604,\"textID\":605,\"title\":\"Über\\n\",\"text\":\"\uFFFD\",\"buttons\":2,"
               "\"answer\":2}\n"
-              "{\"dialog\":\"About\",\"details\":{\"version\":\"8\"},\"answer\":null}\n");
+              "{\"dialog\":\"About\",\"details\":{\"version\":\"8\"},\"answer\":null}\n"
+              "{\"dialog\":\"Progress\",\"details\":{\"titleID\":204,\"title\":\"Collect\",\"done\":1,"
+              "\"total\":3},\"answer\":true}\n");
 }
 
 int32_t AskInTerminal(const std::string& typed, const std::string& language, std::string* shown = nullptr) {
@@ -103,7 +130,7 @@ int32_t AskInTerminal(const std::string& typed, const std::string& language, std
 TEST(TerminalPresenter, UnderstandsNumbersAndTheNamesOfTheButtons) {
     for (const char* yes : {"1\n", "y\n", " YES \r\n", "1", "maybe\n3\nye\n"})
         EXPECT_EQ(AskInTerminal(yes, "en"), 1) << yes;
-    for (const char* no : {"2\n", "N\n", "no\n", "\n", "", "  \n", "yes!\n"})
+    for (const char* no : {"2\n", "N\n", "no\n", "\n", "", "  \n", "yes!\n", "q\n1\n"})
         EXPECT_EQ(AskInTerminal(no, "en"), 2) << no;
     EXPECT_EQ(AskInTerminal("j\n", "de"), 1);
     std::istringstream input;
@@ -115,7 +142,7 @@ TEST(TerminalPresenter, UnderstandsNumbersAndTheNamesOfTheButtons) {
     std::string shown;
     AskInTerminal("huh\n", "en", &shown);
     EXPECT_THAT(shown, HasSubstr("Title\nText\n"));
-    EXPECT_THAT(shown, HasSubstr("1: Yes  2: No  [2] Please type a number from 1 to 2.\n"));
+    EXPECT_THAT(shown, HasSubstr("1: Yes  2: No  [2] That is not one of the choices.\n"));
 }
 
 TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional) {
@@ -127,7 +154,7 @@ TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional)
     EXPECT_EQ(plain.str(), "Title\nText\n");
     EXPECT_THAT(colored.str(), HasSubstr("\033["));
     const ScopedVariable noColor("NO_COLOR", "1");
-    EXPECT_FALSE(TerminalPresenter::StandardTerminal().hasColor);
+    EXPECT_FALSE(Terminal::StandardStreams().hasColor);
 }
 
 /// Asks, in a child process with a terminal of its own, whoever the environment says; answers the child's

@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-#include "FontRecordKeys.h"
+#include "DialogTestSupport.h"
 #include "FrameworkTestSupport.h"
 #include "presenters/ScriptedPresenter.h"
 
@@ -17,6 +17,7 @@ class ThrowingPresenter : public Presenter {
 public:
     int32_t AskMessageBox(const MessageBoxQuestion&) override { throw std::runtime_error("box"); }
     DialogAnswer AskDialog(const DialogQuestion&) override { throw 5; }
+    bool ShowProgress(const ProgressStep&) override { throw 5; }
 };
 
 class TarnwickFrameworkTest : public testing::Test {
@@ -34,17 +35,6 @@ protected:
     TemporaryFolder mFolder;
     CapturedTrace mLog;
 };
-
-CFRef<CFMutableArrayRef> TwoWorkgroups() {
-    auto workgroups = cf::MutableArray();
-    for (const int id : {3, 7}) {
-        const auto record = cf::MutableDictionary();
-        cf::Set(record, kGS_WorkgroupIDKey, id);
-        cf::Set(record, kGS_WorkgroupNameKey, "Name");
-        cf::Append(workgroups, record);
-    }
-    return workgroups;
-}
 
 TEST_F(TarnwickFrameworkTest, PreferencesComeBackAsTheyWereStored) {
     TarnwickFramework framework = WithAnswers(json::array());
@@ -78,15 +68,33 @@ TEST_F(TarnwickFrameworkTest, DefaultsAreTakenAsAWholeOrNotAtAll) {
 
 TEST_F(TarnwickFrameworkTest, NullArgumentsAndExceptionsEndAtTheBorder) {
     TarnwickFramework framework = With(std::make_unique<ThrowingPresenter>());
+    const auto workgroups = Records({WorkgroupRecord(3, "Name")});
+    const auto fonts = MissingFonts();
+    const auto resolved = cf::MutableArray();
+    const auto skipped = cf::MutableArray();
+    CFStringRef folder = nullptr;
     int32_t number = 42;
     EXPECT_EQ(framework.ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 2);
     EXPECT_EQ(framework.ShowMessageBox(600, 601, MessageBoxButtons::kOk), 1);
     EXPECT_FALSE(framework.ShowAbout());
-    EXPECT_FALSE(framework.ShowSelectWorkgroup(TwoWorkgroups().get(), &number));
+    EXPECT_FALSE(framework.ShowSelectWorkgroup(workgroups.get(), &number));
     EXPECT_FALSE(framework.ShowSelectWorkgroup(nullptr, &number));
-    EXPECT_FALSE(framework.ShowSelectWorkgroup(TwoWorkgroups().get(), nullptr));
+    EXPECT_FALSE(framework.ShowSelectWorkgroup(workgroups.get(), nullptr));
     EXPECT_FALSE(framework.ShowCommandBox(nullptr, &number));
-    EXPECT_FALSE(framework.ShowResolveFonts(nullptr, nullptr, nullptr));
+    EXPECT_FALSE(framework.ShowCommandBox(nullptr, nullptr));
+    framework.ShowMessageAbout(204, 650, nullptr);
+    EXPECT_TRUE(framework.ShowProgress(204, 1, 2)) << "the work matters more than its display";
+    EXPECT_FALSE(framework.ShowPreferences());
+    EXPECT_FALSE(framework.ShowRestrictedFonts(nullptr, false));
+    EXPECT_FALSE(framework.ShowChooseFolder(nullptr, nullptr, &folder));
+    EXPECT_FALSE(framework.ShowChooseFolder(nullptr, nullptr, nullptr));
+    EXPECT_EQ(folder, nullptr);
+    EXPECT_FALSE(framework.ShowResolveFonts(nullptr, resolved.get(), skipped.get()));
+    EXPECT_FALSE(framework.ShowResolveFonts(fonts.get(), nullptr, skipped.get()));
+    EXPECT_FALSE(framework.ShowResolveFonts(fonts.get(), resolved.get(), nullptr));
+    EXPECT_FALSE(framework.ShowResolveFonts(fonts.get(), resolved.get(), skipped.get()));
+    EXPECT_EQ(Names(resolved).size(), 0u);
+    EXPECT_EQ(Names(skipped).size(), 3u) << "no font is lost";
     EXPECT_EQ(number, 42);
     EXPECT_FALSE(framework.GetBoolPreference(nullptr));
     EXPECT_EQ(framework.GetIntPreference(nullptr), 0);
@@ -104,41 +112,6 @@ TEST_F(TarnwickFrameworkTest, MessagesAreShownInTheUsersLanguage) {
     EXPECT_NE(mLog.Text().find("Message 1: Message 2"), std::string::npos);
     EXPECT_EQ(cf::ToUtf8(AdoptCF(framework.CopyLocalizedString(208)).get()), "Arbeitsgruppe auswählen");
     EXPECT_EQ(framework.CopyLocalizedString(1), nullptr);
-}
-
-TEST_F(TarnwickFrameworkTest, OnlyAWorkgroupOfTheListCanBeChosen) {
-    struct Case {
-        const char* answer;
-        int32_t current;
-        bool isConfirmed;
-        int32_t chosen;
-    };
-    for (const Case& each :
-         {Case{R"({"workgroupID": 3})", 7, true, 3}, Case{"true", 7, true, 7}, Case{"true", 1, false, 1},
-          Case{R"({"workgroupID": 8})", 7, false, 7}, Case{R"({"workgroupID": "3"})", 7, false, 7},
-          Case{R"({"workgroupID": 4294967299})", 7, false, 7}, Case{"{}", 7, false, 7},
-          Case{"false", 7, false, 7}, Case{"null", 7, false, 7}, Case{"3", 7, false, 7}}) {
-        TarnwickFramework framework =
-            WithAnswers({{{"dialog", "SelectWorkgroup"}, {"answer", json::parse(each.answer)}}});
-        int32_t workgroupID = each.current;
-        EXPECT_EQ(framework.ShowSelectWorkgroup(TwoWorkgroups().get(), &workgroupID), each.isConfirmed)
-            << each.answer;
-        EXPECT_EQ(workgroupID, each.chosen) << each.answer;
-    }
-}
-
-TEST_F(TarnwickFrameworkTest, TheOtherDialogsPassOnWhatWasAnswered) {
-    TarnwickFramework framework = WithAnswers(json::parse(R"([
-        {"dialog": "About", "answer": true}, {"dialog": "CommandBox", "answer": {"command": 5}},
-        {"dialog": "ResolveFonts", "answer": true}])"));
-    int32_t command = 0;
-    EXPECT_TRUE(framework.ShowAbout());
-    EXPECT_TRUE(framework.ShowCommandBox(cf::MutableDictionary().get(), &command));
-    EXPECT_EQ(command, 5);
-    EXPECT_FALSE(framework.ShowCommandBox(cf::MutableDictionary().get(), &command));
-    EXPECT_FALSE(framework.ShowPreferences());
-    EXPECT_FALSE(framework.ShowRestrictedFonts(cf::MutableArray().get(), true));
-    EXPECT_FALSE(framework.ShowResolveFonts(cf::MutableArray().get(), nullptr, nullptr));
 }
 
 }  // namespace

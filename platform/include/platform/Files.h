@@ -54,6 +54,9 @@ SystemError WriteWholeFile(const std::string& path, std::string_view content);
 /// the whole copy or none: temporary name in the same folder, flush, rename, flush of the folder. What stands
 /// at `target` is never replaced: SystemError::IsExisting, at once. The copy has the rights of any new file.
 SystemError CopyToNewFile(const std::string& source, const std::string& target);
+/// Removes the temporary files that WriteWholeFile(path) left in processes that were killed. Only where a
+/// lock keeps all others from writing that file meanwhile.
+void RemoveAbandonedWrites(const std::string& path);
 /// Makes the folder and those above it; succeeds when it is there already. With `privateToUser` a folder that
 /// is made is closed to others.
 SystemError MakeFolders(const std::string& path, bool privateToUser = false);

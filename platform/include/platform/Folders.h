@@ -9,6 +9,7 @@
 namespace platform {
 
 enum class KnownFolder {
+    kHome,                     ///< CSIDL 40 | HOME (else as the system's user list says)
     kAllUsersApplicationData,  ///< CSIDL 35 | first entry of XDG_DATA_DIRS (default /usr/local/share)
     kLocalApplicationData,     ///< CSIDL 28 | XDG_DATA_HOME (default ~/.local/share)
     kConfiguration,            ///< CSIDL 28 | XDG_CONFIG_HOME (default ~/.config)
@@ -26,5 +27,10 @@ public:
 
 template <>
 Folders& SystemDefault<Folders>();
+
+/// The full path of what a user typed: relative to the current folder, or to the home folder after "~" or
+/// "~/". Without a separator at its end and without "." and ".." in between; it need not exist. Empty when
+/// there is none.
+std::string FullPath(const std::string& typed);
 
 }  // namespace platform

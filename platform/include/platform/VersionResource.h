@@ -23,6 +23,9 @@ public:
     /// read.
     virtual std::optional<std::string> FromFile(const std::string& path, const char* key,
                                                 SystemError& error) = 0;
+    /// The same for the loaded module that holds the address.
+    virtual std::optional<std::string> FromModuleAt(const void* address, const char* key,
+                                                    SystemError& error) = 0;
 };
 
 template <>

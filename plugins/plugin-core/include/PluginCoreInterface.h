@@ -52,7 +52,8 @@ extern "C" {
 /* ---- Life cycle */
 
 /*
- * Starts the core; to be called once when the host plug-in loads. A later call returns all bits set.
+ * Starts the core; to be called once when the host plug-in loads. A later call returns all bits set. The user
+ * may be asked for a workgroup; plug-in services are off until one was chosen or PluginIsEnabled is called.
  * pluginIdentifier: the plug-in's bundle identifier ("com.vantorix.…"), or the path of its file.
  * versionPrefixRequired: what the host application's file version must begin with; may be empty.
  * 0; all bits set when the host is not a compatible one or the font manager cannot be reached;
@@ -96,11 +97,13 @@ PLUGINCORE_API void SetRebuildWorkgroupsMenuCallback(void (*callback)(void));
  * null. */
 PLUGINCORE_API uint32_t GetSocketPort(uint32_t* port);
 
-/* Registers with the host's panel event service. In this version: PLUGINCORE_NOT_IMPLEMENTED. */
+/* Registers with the host's panel event service. PLUGINCORE_NULL_POINTER for null; in this version else:
+ * PLUGINCORE_NOT_IMPLEMENTED. */
 PLUGINCORE_API uint32_t RegisterPlugPlug(void* plugPlug);
 
-/* The same from the idle loop, to be called until it succeeds. PLUGINCORE_NULL_POINTER for a null handle,
- * PLUGINCORE_NOT_INITIALIZED while registration fails. */
+/* The same from the idle loop, to be called until it succeeds; most calls only wait for the next attempt, and
+ * after twelve there is none. PLUGINCORE_NULL_POINTER for a null handle, PLUGINCORE_NOT_INITIALIZED while
+ * registration fails. */
 PLUGINCORE_API uint32_t TryRegisterPlugPlug(void* plugPlug);
 
 /* To be called from the idle loop: exchanges messages with the panels (in this version: there
@@ -174,16 +177,49 @@ PLUGINCORE_API uint32_t InvokeResolveDialog(bool onlyIfResolvable, const char* f
 /* Warns of fonts whose use is restricted. In this version: PLUGINCORE_NOT_IMPLEMENTED. */
 PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fontsJSON);
 
-/* ---- Menus. In this version all four: PLUGINCORE_NOT_IMPLEMENTED. */
+/* ---- Menus */
 
-/* Called once per menu item. id: what HandleMenuSelection takes; label: the text shown. */
+/*
+ * Describes the plug-in menu as compact JSON. document: the path or identifier of the document in front; null
+ * or empty when none is open. An item is an object: "label" (its number as text; "0" with an empty title is a
+ * separator), "title" (in the user's language), "checked", "enabled", and where it has a submenu "child", an
+ * array of items; the text is the item of the whole menu, "1".
+ * buffer: takes the text with its terminating zero. *size: the buffer's size without the room for that zero;
+ * becomes the text's length. A length equal to *size fits.
+ * 0; PLUGINCORE_INDEX_OUT_OF_RANGE when it does not fit (nothing is copied); PLUGINCORE_INVALID_PARAM for a
+ * null pointer.
+ */
+PLUGINCORE_API uint32_t GetMenus(const char* document, char* buffer, size_t* size);
+
+/* Called once per menu item. id: what HandleMenuSelection takes; label: the item's text. Both are valid for
+ * the length of the call. A code other than 0 ends the work. */
 typedef uint32_t (*PluginCoreMenuItemCallback)(const char* id, const char* label, void* context);
 
-PLUGINCORE_API uint32_t GetMenus(const char* document, char* buffer, size_t* size);
+/*
+ * Reads the host's own description of its menu and calls createItem for each item, an item before those below
+ * it. menusJSON: a JSON object; items are objects with "id" (a text or a number) and "label" (a text) in
+ * arrays at any depth below it. context is handed through.
+ * 0; the code of createItem that ended it; PLUGINCORE_INVALID_PARAM for what is no JSON object or a null
+ * pointer.
+ */
 PLUGINCORE_API uint32_t CreateMenusFromJSONBuffer(const char* menusJSON,
                                                   PluginCoreMenuItemCallback createItem, void* context);
+
+/*
+ * Carries out what the user chose: the item with the "id" selectedID of the host's menu, as for
+ * CreateMenusFromJSONBuffer. Its label is the text of a command, in English or in the user's language, or the
+ * name of a workgroup. menusJSON null or empty: the menu that GetMenus described last, by its labels.
+ * document: as for GetMenus. extra: the fonts that the document uses now, as fontsJSON of
+ * HandleOpenExistingDocument; may be null. Dialogs may show. Always 0; the user is told what went wrong.
+ */
 PLUGINCORE_API uint32_t HandleMenuSelection(const char* document, const char* menusJSON,
                                             const char* selectedID, const char* extra);
+
+/*
+ * Shows the menu as a dialog and carries out what the user chooses. document: as for GetMenus.
+ * 0, also when nothing was chosen; PLUGINCORE_INVALID_PARAM without the plug-in framework;
+ * PLUGINCORE_UNKNOWN_ERROR while it shows already.
+ */
 PLUGINCORE_API uint32_t InvokeCommandDialog(const char* document);
 
 /* ---- Settings */

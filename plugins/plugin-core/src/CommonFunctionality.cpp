@@ -5,6 +5,12 @@
 #include "MarquellGlobals.h"
 #include "TraceLog.h"
 
+CommonFunctionality::Document CommonFunctionality::FindDocument(const std::string& identifierOrPath) {
+    AllTrackedDocuments& documents = AllTrackedDocuments::GetSharedInstance();
+    const Document document = documents.FindTrackedDocumentByIdentifier(identifierOrPath);
+    return document ? document : documents.FindTrackedDocumentByPath(identifierOrPath);
+}
+
 CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
     CFIndex count = 0;
     for (CFIndex index = 0; index < cf::Count(fonts); ++index) {

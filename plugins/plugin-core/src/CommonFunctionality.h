@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "AllTrackedDocuments.h"
 #include "ErrorCodes.h"
-#include "OneTrackedDocument.h"
 
 class GeneralInterface;
 
@@ -18,6 +18,11 @@ ErrorCode Startup(bool allowDialogs);
 /// were made active. What the font manager reports is kept in the record.
 ErrorCode ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,
                                         OneTrackedDocument& record, CFArrayRef fonts);
+
+using Document = AllTrackedDocuments::Document;
+
+/// The open document with that identifier, else with that path; an empty reference when there is none.
+Document FindDocument(const std::string& identifierOrPath);
 
 /// How many of the font records say that their font is active.
 CFIndex CountActiveFonts(CFArrayRef fonts);

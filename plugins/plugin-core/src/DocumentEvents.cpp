@@ -2,14 +2,12 @@
 
 #include <CoreFoundation++/CFRef.h>
 
-#include <set>
 #include <vector>
 
 #include "AllTrackedDocuments.h"
 #include "CommonFunctionality.h"
+#include "DocumentFonts.h"
 #include "FontListJSON.h"
-#include "FontRecordKeys.h"
-#include "GBinaryDocumentFontExtractor.h"
 #include "GFile.h"
 #include "MarquellGlobals.h"
 #include "TextBuffer.h"
@@ -18,7 +16,7 @@
 
 namespace {
 
-using Document = AllTrackedDocuments::Document;
+using CommonFunctionality::Document;
 
 AllTrackedDocuments& Documents() {
     return AllTrackedDocuments::GetSharedInstance();
@@ -42,28 +40,6 @@ Document FindOrCreateRecord(const std::string& path) {
         Documents().AddDocument(record, path);
     }
     return record;
-}
-
-/// Stands in for a font list that the host does not give: the names that the document's file holds.
-void AppendFontsFromFile(const std::string& path, CFMutableArrayRef fonts) {
-    std::set<std::string> names;
-    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(path)};
-    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
-        return;  // reported where it failed
-    for (const std::string& name : names) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_PostScriptNameKey, name);
-        cf::Append(fonts, font);
-    }
-}
-
-CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::string& fontsJSON) {
-    CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    if (fontsJSON.empty())
-        AppendFontsFromFile(path, fonts.get());
-    else  // text that does not parse counts as no fonts, and was logged
-        static_cast<void>(AppendFontsFromJSON(fontsJSON, FontListForm::kArrayOrObject, fonts.get()));
-    return fonts;
 }
 
 bool HandOverFonts(const std::string& path, const OneTrackedDocument& record, const std::string& hint) {
@@ -193,9 +169,7 @@ ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBu
 
 ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string& fontUsage) {
     TracedEvent event("PluginCoreInterface::UpdateDocumentFontUsage", document);
-    Document record = Documents().FindTrackedDocumentByIdentifier(document);
-    if (!record)
-        record = Documents().FindTrackedDocumentByPath(document);
+    const Document record = CommonFunctionality::FindDocument(document);
     if (!record)
         return event.result = CoreErrorCodes::kNotFound;
     record->fontUsage = fontUsage;

@@ -6,11 +6,16 @@
 #include <new>
 #include <string>
 
+#include "CommandDialog.h"
 #include "CommonFunctionality.h"
 #include "DocumentEvents.h"
+#include "FailureReport.h"
 #include "FontManagerInterface.h"
 #include "GeneralInterface.h"
+#include "HostMenuJSON.h"
 #include "MarquellGlobals.h"
+#include "Menus.h"
+#include "PanelManager.h"
 #include "Settings.h"
 #include "Startup.h"
 #include "StringConversion.h"
@@ -54,6 +59,14 @@ uint32_t RefuseNull(const char* name, const char* firstArgument) {
     LogMessage(-1, "Exiting PluginCoreInterface::%s() with result %d", name,
                static_cast<int>(CoreErrorCodes::kInvalidParam));
     return CoreErrorCodes::kInvalidParam;
+}
+
+/// Reports a panel manager's failure and hands it on. The line is a number that support staff look for in
+/// logs; it stays when this file changes.
+uint32_t Reported(uint32_t code, const char* expression, int line) {
+    if (code != CoreErrorCodes::kSuccess)
+        ReportFailure("PluginInterface", CheckLocation{expression, __FILE__, line}, code);
+    return code;
 }
 
 std::string TextOrEmpty(const char* text) {
@@ -134,22 +147,41 @@ void SetRebuildWorkgroupsMenuCallback(void (*callback)()) {
 // ---- Panels
 
 uint32_t GetSocketPort(uint32_t* port) {
-    if (port == nullptr)
-        return CoreErrorCodes::kInvalidParam;
-    *port = 0;  // HTML panels have no socket
-    return CoreErrorCodes::kSuccess;
+    return Guarded(__func__, [&]() -> uint32_t {
+        if (port == nullptr)
+            return CoreErrorCodes::kInvalidParam;
+        *port = PanelManager::GetSharedInstance().GetSocketPort();
+        return CoreErrorCodes::kSuccess;
+    });
 }
 
 uint32_t RegisterPlugPlug(void* plugPlug) {
-    return plugPlug != nullptr ? CoreErrorCodes::kNotImplemented : CoreErrorCodes::kNullPointer;
+    return Guarded(__func__, [&]() -> uint32_t {
+        return Reported(PanelManager::GetSharedInstance().RegisterPlugPlug(plugPlug),
+                        "PanelManager::GetSharedInstance().RegisterPlugPlug(plugPlug)", 1995);
+    });
 }
 
 uint32_t TryRegisterPlugPlug(void* plugPlug) {
-    return plugPlug != nullptr ? CoreErrorCodes::kNotInitialized : CoreErrorCodes::kNullPointer;
+    return Guarded(__func__, [&]() -> uint32_t {
+        if (plugPlug == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        return PanelManager::GetSharedInstance().TryRegisterPlugPlug(plugPlug)
+                   ? CoreErrorCodes::kSuccess
+                   : CoreErrorCodes::kNotInitialized;
+    });
 }
 
-uint32_t ProcessPanelMessages(bool) {
-    return CoreErrorCodes::kSuccess;
+uint32_t ProcessPanelMessages(bool closeListeningSocket) {
+    return Guarded(__func__, [&]() -> uint32_t {
+        PanelManager& panels = PanelManager::GetSharedInstance();
+        if (const uint32_t code =
+                Reported(panels.SelectSocket(closeListeningSocket),
+                         "PanelManager::GetSharedInstance().SelectSocket(closeListeningSocket)", 2037))
+            return code;
+        return Reported(panels.PopNotifications(), "PanelManager::GetSharedInstance().PopNotifications()",
+                        2038);
+    });
 }
 
 // ---- Document events
@@ -234,20 +266,36 @@ uint32_t InvokeRestrictedFontsDialog(bool, const char*) {
 
 // ---- Menus
 
-uint32_t GetMenus(const char*, char*, size_t*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t GetMenus(const char* document, char* buffer, size_t* size) {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        return AnyNull(buffer, size) ? RefuseNull(name, document)
+                                     : Menus::GetMenus(TextOrEmpty(document), buffer, size);
+    });
 }
 
-uint32_t CreateMenusFromJSONBuffer(const char*, PluginCoreMenuItemCallback, void*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t CreateMenusFromJSONBuffer(const char* menusJSON, PluginCoreMenuItemCallback createItem,
+                                   void* context) {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        if (menusJSON == nullptr || createItem == nullptr)
+            return RefuseNull(name, menusJSON);
+        return PluginCoreInterface::CreateMenusFromJSONBuffer(menusJSON, createItem, context);
+    });
 }
 
-uint32_t HandleMenuSelection(const char*, const char*, const char*, const char*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t HandleMenuSelection(const char* document, const char* menusJSON, const char* selectedID,
+                             const char* extra) {
+    Guarded(__func__, [&]() -> uint32_t {
+        return Menus::HandleMenuSelection(TextOrEmpty(document), TextOrEmpty(menusJSON), OrNull(selectedID),
+                                          TextOrEmpty(extra));
+    });
+    return CoreErrorCodes::kSuccess;
 }
 
-uint32_t InvokeCommandDialog(const char*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t InvokeCommandDialog(const char* document) {
+    return Guarded(__func__,
+                   [&]() -> uint32_t { return CommandDialog::InvokeCommandDialog(TextOrEmpty(document)); });
 }
 
 // ---- Settings

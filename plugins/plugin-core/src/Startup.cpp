@@ -8,6 +8,7 @@
 #include "GMutex.h"
 #include "GeneralInterface.h"
 #include "MarquellGlobals.h"
+#include "PanelManager.h"
 #include "PluginIdentity.h"
 #include "Settings.h"
 #include "StringConversion.h"
@@ -26,6 +27,11 @@ using ChosenMessage = const MessageBoxStrings*;
 void DisableServices() {
     MarquellGlobals::SetPluginServicesEnabled(false);
     MarquellGlobals::SetConnectedToCore(false);
+}
+
+/// A panel that could not be told was reported; start-up goes on without it.
+void TellPanels(bool isAvailable) {
+    static_cast<void>(PanelManager::GetSharedInstance().SetEnabled(isAvailable));
 }
 
 void LogDisabling() {
@@ -109,6 +115,7 @@ ErrorCode DoStartup(bool allowDialogs) {
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
     MarquellGlobals::SetPluginFunctionalityEnabled(true);
+    TellPanels(true);
     ChosenMessage message = nullptr;
     ErrorCode result = CheckHostAndFontManager(allowDialogs, message);
     if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface()) {
@@ -126,6 +133,7 @@ ErrorCode DoStartup(bool allowDialogs) {
 /// The agent is gone: nothing can be offered until it is back.
 ErrorCode ReportAgentMissing(bool showMessage) {
     DisableServices();
+    TellPanels(false);
     if (showMessage)
         MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kAgentNotRunning);
     return CoreErrorCodes::kUnknownError;
@@ -136,6 +144,7 @@ ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
+    TellPanels(true);
     if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
         hostApp->Refresh(true, true);
     isEnabled =
@@ -199,11 +208,11 @@ ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
 
 ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
     static GMutex startupLock;
-    static int callCount = 0;
     LogMessage(1, "Entering %s(allowDialogs=%d)", kName, allowDialogs);
     const GScopedLock lock(startupLock);
+    const int callCount = MarquellGlobals::CountStartup();
     // A lock that this thread holds already: the host called back from behind a start-up dialog.
-    if (++callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
+    if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
         LogMessage(-1, "Early return from %s() because it has been called %d times", kName, callCount);
         return kStartupFailed;
     }

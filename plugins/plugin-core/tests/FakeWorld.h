@@ -21,6 +21,7 @@ protected:
         libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(
             +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return sFramework; });
         sFramework = &framework;
+        library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}};
         framework.numbers["EnablePlugin"] = 1;
     }
     ~FakeWorld() override {
@@ -47,6 +48,7 @@ protected:
     FakeFolders folders;
     FakeLibraries libraries;
     FakeVersionResources versions;
+    FakeWindowing windowing;
     FakeFramework framework;
     FakeInterfaceLibrary library;
 

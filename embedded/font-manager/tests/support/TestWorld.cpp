@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -24,6 +25,12 @@ namespace fs = std::filesystem;
 
 constexpr char kAgentProgram[] = PELLWICK_PROGRAM;
 constexpr std::chrono::seconds kPatience{60};
+
+/// Waits for something to read or the end; false when nothing comes, so that a test fails instead of hanging.
+bool IsReadable(int file) {
+    pollfd wanted{file, POLLIN, 0};
+    return poll(&wanted, 1, static_cast<int>(std::chrono::milliseconds(kPatience).count())) == 1;
+}
 
 std::string ReadToEnd(int descriptor) {
     std::string text;
@@ -185,7 +192,7 @@ TestProcess::~TestProcess() {
 std::string TestProcess::ReadLine() {
     char character = 0;
     std::string line;
-    while (read(mOutput, &character, 1) == 1 && character != '\n')
+    while (IsReadable(mOutput) && read(mOutput, &character, 1) == 1 && character != '\n')
         line += character;
     return line;
 }

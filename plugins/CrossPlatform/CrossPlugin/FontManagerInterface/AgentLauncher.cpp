@@ -75,24 +75,27 @@ bool Launch(const std::string& path, const std::string& arguments) {
     return true;
 }
 
+ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
+    const std::string wanted = LowerCase(name);
+    const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
+    std::vector<platform::ProcessInfo> processes;
+    if (const auto error = platform::Current<platform::Processes>().List(processes))
+        return static_cast<ErrorCode>(error.code);
+    for (const platform::ProcessInfo& process : processes) {
+        const std::string baseName = LowerCase(BaseName(process.executablePath));
+        if (baseName == wanted || baseName == wantedProgram) {
+            folder = FolderOf(process.executablePath);
+            return CoreErrorCodes::kSuccess;
+        }
+    }
+    return CoreErrorCodes::kUnknownError;
+}
+
 }  // namespace
 
 ErrorCode AgentLauncher::GetPathToRunningProcessExe(const std::string& name, std::string& folder) {
     LogMessage(1, "Entering GetPathToRunningProcessExe('%s', ...)", name.c_str());
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-    const std::string wanted = LowerCase(name);
-    const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
-    std::vector<platform::ProcessInfo> processes;
-    if (!platform::Current<platform::Processes>().List(processes)) {
-        for (const platform::ProcessInfo& process : processes) {
-            const std::string baseName = LowerCase(BaseName(process.executablePath));
-            if (baseName == wanted || baseName == wantedProgram) {
-                folder = FolderOf(process.executablePath);
-                result = CoreErrorCodes::kSuccess;
-                break;
-            }
-        }
-    }
+    const ErrorCode result = FindRunningProcess(name, folder);
     LogMessage(-1, "GetPathToRunningProcessExe('%s', '%s') returned %d", name.c_str(), folder.c_str(),
                static_cast<int>(result));
     return result;

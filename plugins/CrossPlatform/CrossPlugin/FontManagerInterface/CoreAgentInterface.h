@@ -13,13 +13,7 @@
 #include "ErrorCodes.h"
 #include "FontManagerAccess.h"
 #include "VPILoader.h"
-
-/// One of the user's workgroups.
-struct Workgroup {
-    int32_t id = 0;
-    int32_t type = 0;
-    std::string name;  ///< as shown to the user
-};
+#include "Workgroup.h"
 
 /// Main thread; the dialogs that it may show are modal. Codes that are not about a lost agent are the
 /// interface library's own.
@@ -47,18 +41,25 @@ public:
     [[nodiscard]] ErrorCode SaveDocumentFonts(const std::string& documentPath, bool replace,
                                               CFStringRef fontUsage);
 
+    /// Told before each font how many of how many are done, and after the last; false stops the collecting.
+    using CollectingProgress = std::function<bool(int done, int total)>;
+    /// Copies the files of the fonts into the folder, which is made if it is missing. What is there already
+    /// under a font's name is never replaced. Fonts whose files are not to be had are passed over and
+    /// answered with kFontUnavailableToExport in the end; kTaskStopped when `progress` said so.
+    [[nodiscard]] ErrorCode CollectFontsUsedByCurrentDocument(const std::string& documentPath,
+                                                              const std::string& destinationFolder,
+                                                              CFArrayRef fonts,
+                                                              const CollectingProgress& progress);
+    [[nodiscard]] ErrorCode CreateTopLevelSet(const std::string& name, int32_t workgroupID, int32_t& setID);
+    /// Adds the fonts of the records to the set.
+    [[nodiscard]] ErrorCode AddFontsToSet(CFArrayRef fonts, int32_t setID);
+
     bool IsLoggedIn();
     bool IsRunningStandalone();
     bool CanExportFromWorkgroup(CFArrayRef fonts);
     bool AreSchemaVersionsInSync();
 
-    /// The user's workgroups with the names to show. The entry for all workgroups together, the system
-    /// workgroup and the Typekit library are left out unless asked for.
-    struct WorkgroupFilter {
-        bool includeAllWorkgroup = false;
-        bool includeSystemWorkgroup = false;
-        bool includeTypekitLibrary = false;
-    };
+    /// Appends the user's workgroups that the filter lets through, with the names to show.
     [[nodiscard]] ErrorCode GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                     std::vector<Workgroup>& workgroups);
 
@@ -90,6 +91,9 @@ private:
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
+    ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
+                           const CollectingProgress& progress);
+    static ErrorCode MakeEmptyFolder(const std::string& path);
     ErrorCode InitializeSdk();
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();

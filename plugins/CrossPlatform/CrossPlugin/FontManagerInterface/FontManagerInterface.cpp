@@ -54,24 +54,6 @@ bool FontManagerInterface::CreateFontManager() {
     return mIsCompatible;
 }
 
-void FontManagerInterface::InitializeDefaultWorkgroup() {
-    // Whatever the checks before found: a workgroup can be chosen from here on.
-    MarquellGlobals::SetPluginFunctionalityEnabled(true);
-    if (!sm_pFontManager) {
-        LogMessage(0, "Exiting because FontManager is not running.");
-        return;
-    }
-    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
-        LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
-}
-
-bool FontManagerInterface::IsWorkgroupAvailable() {
-    std::vector<Workgroup> workgroups;
-    return sm_pFontManager &&
-           sm_pFontManager->GetAllWorkgroupsForUser({}, workgroups) == CoreErrorCodes::kSuccess &&
-           !workgroups.empty();
-}
-
 bool FontManagerInterface::IsUsable() {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
     return sm_pFontManager && mIsCompatible && MarquellGlobals::IsPluginFunctional() &&
@@ -80,6 +62,7 @@ bool FontManagerInterface::IsUsable() {
 
 void FontManagerInterface::OnHostAppShuttingDown() {
     // Nothing is offered from here on.
+    mDefaultWorkgroupID.reset();
     MarquellGlobals::SetPluginServicesEnabled(false);
     MarquellGlobals::SetConnectedToCore(false);
     if (!sm_pFontManager) {
@@ -150,4 +133,24 @@ bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bo
                                              CFStringRef hint) {
     return sm_pFontManager &&
            sm_pFontManager->SaveDocumentFonts(documentPath, replace, hint) == CoreErrorCodes::kSuccess;
+}
+
+bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath) {
+    constexpr char kPrompt[] =
+        "Choose the destination for collecting fonts.  Collected fonts will be placed in a sub-folder there.";
+    LogMessage(1, "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    std::string folder;
+    bool isChosen = framework != nullptr && framework->ChooseFolder(kPrompt, initialPath, folder);
+    if (!isChosen) {
+        LogMessage(0, "SHBrowseForFolder returned NULL.  Hopefully that means the user cancelled.");
+    } else if (folder.empty()) {
+        LogMessage(0, "*** UH-OH, SHGetPathFromIDList returned NULL.");
+        isChosen = false;
+    } else {
+        inOutSavePath = folder;
+    }
+    LogMessage(-1, "Exiting ShowSaveFolderDialog, returning %d, with inOutSavePath = \"%s\"", isChosen,
+               inOutSavePath.c_str());
+    return isChosen;
 }

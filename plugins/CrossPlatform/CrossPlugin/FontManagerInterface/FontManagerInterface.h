@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "CoreAgentInterface.h"
 #include "FontManagerAccess.h"
@@ -23,10 +25,31 @@ public:
 
     /// A version value of the core's own module; "x.x.x.x" when it has none.
     static std::string StringValueFromVersionResourceCopy(const char* fieldName);
-    /// The start-up step for the current workgroup.
+    // ---- Workgroups
+
+    /// Makes sure that there is a workgroup to work in: unless one was chosen in this process, and if the
+    /// plug-in works at all, runs HandleSelectWorkgroup. Whatever comes of it, plug-in functionality is
+    /// enabled.
     void InitializeDefaultWorkgroup();
+    /// Has a workgroup chosen: the one chosen last time while the user still has it, the only one there is,
+    /// else by the Select Workgroup dialog. Plug-in services are disabled until one was chosen.
+    void HandleSelectWorkgroup();
     /// Whether the user has a workgroup to work in.
     bool IsWorkgroupAvailable();
+    /// The workgroup to work in; nothing while none was chosen.
+    std::optional<int32_t> GetDefaultWorkgroupID() const { return mDefaultWorkgroupID; }
+    void SetDefaultWorkgroupID(int32_t workgroupID);
+    /// Works in the workgroup of that name, as shown to the user, from now on and after the next start.
+    /// kNotFound when the user has none of that name.
+    ErrorCode SetCurrentWorkgroup(CFStringRef name);
+    /// What the user can choose from: the own workgroups and the entry for all of them together.
+    std::vector<Workgroup> WorkgroupsToChooseFrom();
+
+    // ---- Others
+
+    /// Asks for the folder to collect fonts in. `inOutSavePath` comes out as a full path; false, and it is
+    /// left alone, when the user chose none.
+    bool ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath);
     /// Whether fonts may be asked for: a compatible font manager was found, the plug-in is functional, and
     /// the user has not switched it off.
     bool IsUsable();
@@ -52,8 +75,13 @@ private:
 
     bool CreateFontManager();
     void ReleaseFontManager();
+    void OpenSelectWorkgroupDialog();
+    std::optional<int32_t> ChooseWorkgroup();
+    void UseWorkgroup(int32_t workgroupID);
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
     std::unique_ptr<CoreAgentInterface> sm_pFontManager;
     bool mIsCompatible = false;
+    std::optional<int32_t> mDefaultWorkgroupID;
+    bool mIsSelectWorkgroupDialogShowing = false;
 };

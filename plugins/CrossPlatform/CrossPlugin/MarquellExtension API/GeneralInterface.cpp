@@ -1,17 +1,22 @@
 #include "GeneralInterface.h"
 
+#include "MarquellGlobals.h"
+#include "PanelManager.h"
 #include "TraceLog.h"
 
 void GeneralInterface::ShowProgressHint(const char* hint) {
     LogMessage(0, "%s", hint);
 }
 
-void GeneralInterface::Refresh(bool menus, bool) {
-    if (menus)
-        OnWorkgroupsChanged();
+void GeneralInterface::Refresh(bool menus, bool panels) {
+    if (menus && mRebuildWorkgroupsMenu != nullptr)
+        mRebuildWorkgroupsMenu();
+    // A panel that could not be told was reported; there is nothing more to do about it here.
+    if (panels)
+        static_cast<void>(
+            PanelManager::GetSharedInstance().SetEnabled(MarquellGlobals::IsPluginFunctional()));
 }
 
 void GeneralInterface::OnWorkgroupsChanged() {
-    if (mRebuildWorkgroupsMenu != nullptr)
-        mRebuildWorkgroupsMenu();
+    Refresh(true, true);
 }

@@ -23,6 +23,7 @@ struct State {
     bool bulkReplicationRunning = false;
     bool incrementalReplicationRunning = false;
     bool interfaceRecreated = false;
+    int32_t startupCount = 0;
 
     std::unique_ptr<VPFInterface> vpfInterface;
     std::unique_ptr<FontActivationTracker> tracker;
@@ -33,6 +34,17 @@ struct State {
 State& Globals() {
     static auto* state = new State;
     return *state;
+}
+
+std::unique_ptr<VPFInterface> MakeInterface(const State& globals) {
+    try {
+        return std::make_unique<VPFInterface>(VPFInterface::Identity{globals.sHostApp, globals.pluginVersion,
+                                                                     globals.bundleIdentifier,
+                                                                     globals.pluginInterfaceVersion});
+    } catch (const std::exception& exception) {
+        LogMessage(0, "ERROR:  the preference interface could not be made: %s", exception.what());
+        return nullptr;
+    }
 }
 
 bool IsRecreationDue() {
@@ -187,6 +199,10 @@ bool IsPluginFunctional() {
     return ArePluginServicesEnabled() && IsLoggedIn() && IsPluginFunctionalityEnabled();
 }
 
+int32_t CountStartup() {
+    return ++Globals().startupCount;
+}
+
 VPFInterface* GetSharedVPFInterface() {
     State& globals = Globals();
     if (IsRecreationDue()) {
@@ -198,9 +214,7 @@ VPFInterface* GetSharedVPFInterface() {
     if (!globals.vpfInterface) {
         if (!globals.sHostApp)
             LogMessage(0, "ERROR: sHostApp is NULL in %s()", "MarquellGlobals::GetSharedVPFInterface");
-        globals.vpfInterface = std::make_unique<VPFInterface>(
-            VPFInterface::Identity{globals.sHostApp, globals.pluginVersion, globals.bundleIdentifier,
-                                   globals.pluginInterfaceVersion});
+        globals.vpfInterface = MakeInterface(globals);
     }
     return globals.vpfInterface.get();
 }

@@ -62,8 +62,12 @@ bool IsIncrementalReplicationRunning();
 /// Services enabled, logged in and functionality enabled.
 bool IsPluginFunctional();
 
+/// Counts a call of the start-up routine; the number of calls so far, this one included.
+int32_t CountStartup();
+
 // ---- Shared objects, made on first use, living to process end.
 
+/// Null when it cannot be made.
 VPFInterface* GetSharedVPFInterface();
 FontActivationTracker* GetSharedFontActivationTracker();
 /// Null until one was set.

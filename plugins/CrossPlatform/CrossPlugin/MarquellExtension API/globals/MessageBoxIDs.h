@@ -33,9 +33,11 @@ inline constexpr MessageBoxStrings kCollectingStopped{204, 654};            ///<
 inline constexpr MessageBoxStrings kAllFontsActive{206, 655};
 inline constexpr MessageBoxStrings kDocumentHasNoFonts{206, 656};
 inline constexpr MessageBoxStrings kFontsNotChecked{206, 657};
-inline constexpr MessageBoxStrings kDocumentSetCreated{205, 658};     ///< *
-inline constexpr MessageBoxStrings kDocumentSetNotCreated{205, 659};  ///< *
-inline constexpr MessageBoxStrings kDocumentNotOpen{199, 660};        ///< *
+inline constexpr MessageBoxStrings kDocumentSetCreated{205, 658};      ///< *
+inline constexpr MessageBoxStrings kDocumentSetNotCreated{205, 659};   ///< *
+inline constexpr MessageBoxStrings kDocumentNotOpen{199, 660};         ///< *
+inline constexpr MessageBoxStrings kCollectingNotPermitted{204, 661};  ///< *
+inline constexpr MessageBoxStrings kFontsMissing{206, 662};            ///< *
 
 }  // namespace message_boxes
 

@@ -18,3 +18,5 @@ PluginIdentity IdentifyPlugin(const std::string& identifierOrPath);
 /// The version value ("PrivateBuild", "InternalName", "HostAppMinimumVersion") that the file at `path`
 /// carries; empty when it has none.
 std::string GetFileVersionString(const std::string& path, const char* key);
+/// The same for the module that this code is part of.
+std::string GetModuleVersionString(const char* key);

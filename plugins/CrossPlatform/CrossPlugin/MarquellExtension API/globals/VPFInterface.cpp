@@ -82,6 +82,11 @@ int64_t VPFInterface::GetIntPreference(const char* key) {
     return mFramework != nullptr ? mFramework->GetIntPreference(key) : 0;
 }
 
+std::string VPFInterface::GetStringPreference(const char* key) {
+    return mFramework != nullptr ? cf::ToUtf8(AdoptCF(mFramework->CopyStringPreference(key)).get())
+                                 : std::string();
+}
+
 bool VPFInterface::SetBoolPreference(const char* key, bool value) {
     return mFramework != nullptr && mFramework->SetBoolPreference(key, value);
 }
@@ -95,6 +100,11 @@ bool VPFInterface::SetStringPreference(const char* key, const std::string& value
     return mFramework != nullptr && text && mFramework->SetStringPreference(key, text.get());
 }
 
+std::string VPFInterface::LocalizedString(uint32_t stringID) {
+    return mFramework != nullptr ? cf::ToUtf8(AdoptCF(mFramework->CopyLocalizedString(stringID)).get())
+                                 : std::string();
+}
+
 void VPFInterface::ShowMessageBox(MessageBoxStrings strings) {
     if (mFramework != nullptr)
         mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kOk);
@@ -105,7 +115,50 @@ bool VPFInterface::AskYesNo(MessageBoxStrings strings) {
            mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kYesNo) == 1;
 }
 
+void VPFInterface::ShowMessageAbout(MessageBoxStrings strings, const std::string& subject) {
+    const CFRef<CFStringRef> text = cf::String(subject);
+    if (mFramework != nullptr)
+        mFramework->ShowMessageAbout(strings.titleID, strings.textID, text.get());
+}
+
+bool VPFInterface::ShowProgress(uint32_t titleID, int done, int total) {
+    return mFramework == nullptr || mFramework->ShowProgress(titleID, done, total);
+}
+
 void VPFInterface::SetParentWindowForUi(void* window) {
     if (mFramework != nullptr)
         mFramework->SetParentWindowForUi(window);
+}
+
+bool VPFInterface::ShowAbout() {
+    return mFramework != nullptr && mFramework->ShowAbout();
+}
+
+bool VPFInterface::ShowPreferences() {
+    return mFramework != nullptr && mFramework->ShowPreferences();
+}
+
+bool VPFInterface::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t& workgroupID) {
+    return mFramework != nullptr && mFramework->ShowSelectWorkgroup(workgroups, &workgroupID);
+}
+
+bool VPFInterface::ShowCommandBox(CFDictionaryRef state, int32_t& command) {
+    return mFramework != nullptr && mFramework->ShowCommandBox(state, &command);
+}
+
+bool VPFInterface::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
+                                    CFMutableArrayRef skippedFonts) {
+    return mFramework != nullptr && mFramework->ShowResolveFonts(fonts, resolvedFonts, skippedFonts);
+}
+
+bool VPFInterface::ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder) {
+    if (mFramework == nullptr)
+        return false;
+    const CFRef<CFStringRef> promptText = cf::String(prompt);
+    const CFRef<CFStringRef> initialText = cf::String(initialFolder);
+    CFStringRef chosen = nullptr;
+    if (!mFramework->ShowChooseFolder(promptText.get(), initialText.get(), &chosen) || chosen == nullptr)
+        return false;
+    folder = cf::ToUtf8(AdoptCF(chosen).get());
+    return true;
 }

@@ -50,15 +50,35 @@ public:
 
     bool GetBoolPreference(const char* key) override;
     int64_t GetIntPreference(const char* key);
+    std::string GetStringPreference(const char* key);
     bool SetBoolPreference(const char* key, bool value);
     bool SetIntPreference(const char* key, int64_t value);
     bool SetStringPreference(const char* key, const std::string& value);
+
+    /// The text with that identifier in the user's language; empty when there is none.
+    std::string LocalizedString(uint32_t stringID);
 
     /// Shows a message with one button.
     void ShowMessageBox(MessageBoxStrings strings);
     /// Shows a message with two buttons; true for the first.
     bool AskYesNo(MessageBoxStrings strings);
+    /// The same for a text that names `subject`.
+    void ShowMessageAbout(MessageBoxStrings strings, const std::string& subject);
+    /// Shows that `done` of `total` steps are done, under that title; false when the user wants to stop.
+    bool ShowProgress(uint32_t titleID, int done, int total);
     void SetParentWindowForUi(void* window);
+
+    // Dialogs. Each answers whether it was confirmed; what is not confirmed leaves its outputs alone.
+    bool ShowAbout();
+    bool ShowPreferences();
+    /// `workgroupID` goes in as the current one of the workgroup records and comes out as chosen.
+    bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t& workgroupID);
+    /// See VantorixPluginFramework::ShowCommandBox.
+    bool ShowCommandBox(CFDictionaryRef state, int32_t& command);
+    /// See VantorixPluginFramework::ShowResolveFonts.
+    bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts, CFMutableArrayRef skippedFonts);
+    /// `folder`: a full path, UTF-8.
+    bool ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder);
 
 private:
     void Identify(const Identity& identity);

@@ -13,6 +13,15 @@ using testing::StartsWith;
 
 namespace {
 
+FakeFramework* frameworkToMake = nullptr;
+
+/// The factory of a framework library that gives out this one.
+void* MakerOf(FakeFramework& framework) {
+    frameworkToMake = &framework;
+    return reinterpret_cast<void*>(
+        +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return frameworkToMake; });
+}
+
 constexpr char kModule[] = "/plugins/libPluginCore.so";
 
 class MarquellGlobalsTest : public testing::Test {
@@ -68,10 +77,22 @@ TEST_F(MarquellGlobalsTest, APathReadsThatFilesVersions) {
 }
 
 TEST_F(MarquellGlobalsTest, WithoutAModuleTheVersionIsUnknown) {
-    libraries.pathOfThisModule = std::string(4096, 'x');
+    libraries.isModuleKnown = false;
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
     EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "x.x.x.x");
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), "");
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "Illustrator2025");
+    EXPECT_THAT(trace.Text(), HasSubstr(" in call to GetModuleHandleEx(0x00000006, 0x"));
+}
+
+TEST_F(MarquellGlobalsTest, AModuleWithTooLongAPathHasItsVersionsAllTheSame) {
+    libraries.pathOfThisModule = std::string(4096, 'x');
+    versions.values[{libraries.pathOfThisModule, "PrivateBuild"}] = std::string(2000, '8');
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), std::string(1023, '8'));
+    EXPECT_EQ(MarquellGlobals::GetPluginPath(), "");
     EXPECT_THAT(trace.Text(), HasSubstr("after GetModuleFileNameW()\n"));
+    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Plugin path is")));
 }
 
 TEST_F(MarquellGlobalsTest, TheFlagsGateThePluginAndLogTheirChanges) {
@@ -139,14 +160,70 @@ TEST_F(MarquellGlobalsTest, TheMainWindowIsFoundByClassThenByTitle) {
     EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Missing", nullptr), nullptr);
 }
 
+TEST_F(MarquellGlobalsTest, AFileWithoutVersionsIsLoggedAndReadsAsEmpty) {
+    versions.errorOfOthers = 61;
+    SetUpIdentity("/p/no.plugin");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "");
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("GetFileVersionInfoA('/p/no.plugin', ...) returned error code 0x0000003d "
+                          "(61)\n"));
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "") << "nor is the path a known identifier";
+    EXPECT_THAT(trace.Text(), HasSubstr("Unknown bundleID in MapBundleIDtoHostApp(/p/no.plugin)\n"));
+}
+
+TEST_F(MarquellGlobalsTest, WithoutAHostTheInterfaceIsMadeAllTheSame) {
+    EXPECT_NE(MarquellGlobals::GetSharedVPFInterface(), nullptr);
+    EXPECT_THAT(trace.Text(),
+                StartsWith("ERROR: sHostApp is NULL in MarquellGlobals::GetSharedVPFInterface()\n"
+                           "VPFInterface::VPFInterface(hostApp='NULL'"));
+    EXPECT_EQ(MarquellGlobals::GetSharedVPFInterface(), MarquellGlobals::GetSharedVPFInterface());
+    EXPECT_EQ(MarquellGlobals::GetHostKind(), HostKind::kOther);
+    EXPECT_EQ(MarquellGlobals::GetHostWindowName(), "");
+}
+
+TEST_F(MarquellGlobalsTest, SketchIsRecognisedAnywhereInTheName) {
+    MarquellGlobals::SetHostApp("MySketch");
+    EXPECT_TRUE(MarquellGlobals::HostAppIsSketch());
+    EXPECT_THAT(trace.Text(), HasSubstr("MarquellGlobals::HostAppIsSketch() returning 1 because "
+                                        "GetPluginHostApp() returned 'MySketch'\n"));
+    EXPECT_EQ(MarquellGlobals::GetHostShortCode(), "sk");
+    MarquellGlobals::SetHostApp("mysketch");
+    EXPECT_FALSE(MarquellGlobals::HostAppIsSketch());
+}
+
 TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {
+    constexpr char kRefusal[] =
+        "Exiting MarquellGlobals::SaveDocumentFonts not valid, not enabled, or not logged in\n";
     FakeFontManager fontManager;
+    FakeFramework framework;
+    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    libraries.symbols["CreateVantorixPluginFramework"] = MakerOf(framework);
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
+    MarquellGlobals::SetPluginServicesEnabled(true);
+    MarquellGlobals::SetLoggedIn(true);
+    MarquellGlobals::SetPluginFunctionalityEnabled(true);
+    MarquellGlobals::GetSharedVPFInterface();
+    trace.Clear();
+    EXPECT_FALSE(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr)) << "switched off";
+    EXPECT_EQ(trace.Text(),
+              std::string("Entering MarquellGlobals::SaveDocumentFonts (path=/a.ai, hint=0x00000000)\n") +
+                  kRefusal);
+    framework.numbers["EnablePlugin"] = 1;
+    fontManager.isLoggedIn = false;
     EXPECT_FALSE(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Entering MarquellGlobals::SaveDocumentFonts (path=/a.ai, hint=0x00000000)\n"));
-    EXPECT_THAT(trace.Text(),
-                testing::EndsWith("Exiting MarquellGlobals::SaveDocumentFonts not valid, not enabled, or "
-                                  "not logged in\n"));
+    fontManager.isLoggedIn = true;
+    for (const bool isTaken : {true, false}) {
+        trace.Clear();
+        fontManager.takesFonts = isTaken;
+        EXPECT_EQ(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr), isTaken);
+        EXPECT_THAT(trace.Text(), HasSubstr(" Calling VPI SaveDocumentFonts\n"));
+        EXPECT_THAT(trace.Text(),
+                    testing::EndsWith(isTaken ? "Exiting MarquellGlobals::SaveDocumentFonts success=1\n"
+                                              : "Exiting MarquellGlobals::SaveDocumentFonts success=0\n"));
+    }
+    MarquellGlobals::SetLoggedIn(false);
+    EXPECT_FALSE(MarquellGlobals::SaveDocumentFonts("/a.ai", true, nullptr));
+    EXPECT_THAT(trace.Text(), testing::EndsWith(kRefusal));
 }
 
 TEST_F(MarquellGlobalsTest, TheHostsFontListIsRefreshedTwice) {

@@ -1,0 +1,58 @@
+// Records for dialogs to show.
+#pragma once
+
+#include <CoreFoundation++/CFRef.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "FontRecordKeys.h"
+
+using Record = CFRef<CFMutableDictionaryRef>;
+using RecordList = CFRef<CFMutableArrayRef>;
+
+inline Record WorkgroupRecord(int id, const char* name) {
+    auto record = cf::MutableDictionary();
+    cf::Set(record, kGS_WorkgroupIDKey, id);
+    cf::Set(record, kGS_WorkgroupNameKey, name);
+    return record;
+}
+
+/// `replacements`: the names of fonts, for a font that is missing.
+inline Record FontRecord(const char* name, std::initializer_list<const char*> replacements = {}) {
+    auto record = cf::MutableDictionary();
+    const auto candidates = cf::MutableDictionary();
+    cf::Set(record, kGS_PostScriptNameKey, name);
+    cf::Set(record, kGS_FamilyKey, "Family");
+    cf::Set(record, kGS_VersionKey, "2.1");
+    for (const char* replacement : replacements)
+        cf::Set(candidates, replacement, FontRecord(replacement));
+    if (replacements.size() > 0)
+        cf::Set(record, kGS_PossibleReplacementsKey, candidates);
+    return record;
+}
+
+inline RecordList Records(std::initializer_list<Record> records) {
+    auto list = cf::MutableArray();
+    for (const Record& record : records)
+        cf::Append(list, record);
+    return list;
+}
+
+inline RecordList MissingFonts() {
+    return Records({FontRecord("Garamond", {"Zapf", "Arial", "Arial-Bold"}), FontRecord("Lost"),
+                    FontRecord("Helvetica", {"Zapf", "Arial-Bold"})});
+}
+
+inline std::vector<std::string> Names(const RecordList& fonts) {
+    std::vector<std::string> names;
+    for (CFIndex index = 0; index < cf::Count(fonts.get()); ++index)
+        names.push_back(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), index), kGS_PostScriptNameKey));
+    return names;
+}
+
+inline std::string ReplacementOf(const RecordList& fonts, CFIndex index) {
+    const auto font = cf::Get<CFDictionaryRef>(fonts.get(), index);
+    return cf::GetString(cf::GetDictionary(font, kGS_MatchedFontKey), kGS_PostScriptNameKey);
+}

@@ -1,0 +1,60 @@
+// Uses the framework as a host does, for tests that kill it or look at its log.
+//
+//   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers; prints each once
+//   stored framework-preferences-program LIBRARY start             what a plug-in does at its start
+#include <CoreFoundation++/CFRef.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "VantorixPluginFramework.h"
+#include "platform/DynamicLibrary.h"
+
+namespace {
+
+VantorixPluginFramework* CreateFramework(const char* path) {
+    auto& libraries = platform::Current<platform::DynamicLibraries>();
+    platform::SystemError error;
+    const platform::LibraryHandle library = libraries.LoadFromPath(path, error);
+    const auto create = library == nullptr
+                            ? nullptr
+                            : reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
+                                  libraries.FindSymbol(library, kCreateVantorixPluginFramework));
+    return create != nullptr ? create(VantorixPluginFramework::kInterfaceVersion, "plug-in", nullptr)
+                             : nullptr;
+}
+
+int Count(VantorixPluginFramework& framework, const char* key, int times) {
+    for (int64_t value = framework.GetIntPreference(key) + 1; times > 0; ++value, --times) {
+        if (!framework.SetIntPreference(key, value))
+            return 1;
+        std::printf("%lld\n", static_cast<long long>(value));
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
+int Start(VantorixPluginFramework& framework) {
+    const auto defaults = cf::MutableDictionary();
+    cf::Set(defaults, "EnablePlugin", true);
+    const bool isUsable = framework.IsPreferenceStoreUsable();
+    const bool wereRegistered = framework.AreDefaultsRegistered();
+    const bool areRegistered =
+        framework.RegisterDefaults(defaults.get()) && framework.AreDefaultsRegistered();
+    std::printf("usable %d, registered %d, then %d, enabled %d\n", isUsable, wereRegistered, areRegistered,
+                framework.GetBoolPreference("EnablePlugin"));
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    VantorixPluginFramework* framework = argc > 2 ? CreateFramework(argv[1]) : nullptr;
+    if (framework == nullptr)
+        return 2;
+    const bool isCounting = argc == 5 && std::string_view(argv[2]) == "count";
+    const int result = isCounting ? Count(*framework, argv[3], std::atoi(argv[4])) : Start(*framework);
+    framework->Release();
+    return result;
+}

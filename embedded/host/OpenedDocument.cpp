@@ -1,0 +1,40 @@
+#include "OpenedDocument.h"
+
+#include <memory>
+
+namespace {
+
+using nlohmann::json;
+
+/// Room for the fonts of any document; memory that is not written to costs nothing.
+constexpr size_t kFontListSize = size_t{64} << 20;
+
+/// The core writes no list at all when it could not ask the font manager.
+json FontList(const char* text) {
+    json list = json::parse(text, nullptr, false);
+    return list.is_array() ? list : json::array();
+}
+
+}  // namespace
+
+bool IsSuccess(uint32_t code) {
+    return code == PLUGINCORE_SUCCESS || code == 1;
+}
+
+OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
+    OpenedDocument document;
+    document.path = path;
+    const std::unique_ptr<char[]> matched(new char[kFontListSize]);
+    const std::unique_ptr<char[]> unmatched(new char[kFontListSize]);
+    matched[0] = unmatched[0] = '\0';
+    size_t matchedSize = kFontListSize;
+    size_t unmatchedSize = kFontListSize;
+    document.code =
+        core.HandleOpenExistingDocument(path.c_str(), nullptr, matched.get(), &matchedSize, unmatched.get(),
+                                        &unmatchedSize, &document.numFontsActivated);
+    if (IsSuccess(document.code)) {
+        document.matched = FontList(matched.get());
+        document.unmatched = FontList(unmatched.get());
+    }
+    return document;
+}

@@ -1,0 +1,166 @@
+// The operations of the core agent interface: each is one call through its wrapper.
+#include "CoreAgentInterface.h"
+#include "TraceLog.h"
+
+ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
+                                                          const DocumentFontLists& lists,
+                                                          CFMutableArrayRef matchedFonts) {
+    constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
+    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentPath.c_str());
+    const CFRef<CFStringRef> path = cf::String(documentPath);
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
+             matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
+    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
+    return code;
+}
+
+ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
+                                                CFMutableArrayRef matchedFonts) {
+    constexpr char kName[] = "CoreAgentInterface::ActivateFontsByID";
+    LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
+               static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
+    const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
+    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfActivateFonts, fonts, identifier.get(), mode.get(), matchedFonts);
+    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
+    return code;
+}
+
+ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
+                                              CFMutableArrayRef deactivatedFonts) {
+    LogMessage(1, "Entering CoreAgentInterface::DeactivateFonts(CFArrayGetCount(fonts)=%d, ...)",
+               static_cast<int>(cf::Count(fonts)));
+    const ErrorCode code = Call(&PluginFunctionTable::pfDeactivateFonts, fonts, context, deactivatedFonts);
+    LogMessage(-1, "CoreAgentInterface::DeactivateFonts() returning %d", static_cast<int>(code));
+    return code;
+}
+
+ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
+                                                            PluginActivationStates& states) {
+    const CFRef<CFMutableArrayRef> ids = cf::MutableArray();
+    for (const uint32_t databaseID : databaseIDs)
+        cf::Append(ids, databaseID);
+    const CFRef<CFMutableDictionaryRef> answers = cf::MutableDictionary();
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfGetClientFontActivationStates, ids.get(), answers.get());
+    for (const uint32_t databaseID : databaseIDs) {
+        const CFRef<CFNumberRef> key = cf::Number(databaseID);
+        if (const auto answer = cf::ToBool(CFDictionaryGetValue(answers.get(), key.get())))
+            states[databaseID] = *answer;
+    }
+    return code;
+}
+
+ErrorCode CoreAgentInterface::SaveDocumentFonts(const std::string& documentPath, bool replace,
+                                                CFStringRef fontUsage) {
+    const CFRef<CFStringRef> path = cf::String(documentPath);
+    return Call(&PluginFunctionTable::pfSaveDocumentFonts, path.get(), replace, fontUsage);
+}
+
+bool CoreAgentInterface::IsLoggedIn() {
+    return Ask(&PluginFunctionTable::pfGetIsLoggedIn, false);
+}
+bool CoreAgentInterface::IsRunningStandalone() {
+    return Ask(&PluginFunctionTable::pfGetRunningStandalone, false);
+}
+
+bool CoreAgentInterface::CanExportFromWorkgroup(CFArrayRef fonts) {
+    bool canExport = false;
+    return Call(&PluginFunctionTable::pfCanExportFonts, fonts, &canExport) == CoreErrorCodes::kSuccess &&
+           canExport;
+}
+
+bool CoreAgentInterface::AreSchemaVersionsInSync() {
+    const bool areInSync = Ask(&PluginFunctionTable::pfGetAreSchemaVersionsInSync, false);
+    if (!areInSync)
+        LogMessage(0, "WARNING:  CoreAgentInterface::AreSchemaVersionsInSync() returning FALSE");
+    return areInSync;
+}
+
+ErrorCode CoreAgentInterface::CollectFontsUsedByCurrentDocument(const std::string& documentPath,
+                                                                const std::string& destinationFolder,
+                                                                CFArrayRef fonts,
+                                                                const CollectingProgress& progress) {
+    const auto count = static_cast<int>(cf::Count(fonts));
+    LogMessage(1,
+               "Entering CoreAgentInterface::CollectFontsUsedByCurrentDocument('%s', '%s', fontInfo array "
+               "length=%d)",
+               documentPath.c_str(), destinationFolder.c_str(), count);
+    const ErrorCode code =
+        count > 0 ? CollectFonts(destinationFolder, fonts, progress) : MakeEmptyFolder(destinationFolder);
+    LogMessage(-1, "CoreAgentInterface::CollectFontsUsedByCurrentDocument() returning %d",
+               static_cast<int>(code));
+    return code;
+}
+
+// Font by font, so that the user sees how far it has come and can stop it.
+ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
+                                           const CollectingProgress& progress) {
+    const CFRef<CFStringRef> folder = cf::String(destinationFolder);
+    const auto count = static_cast<int>(cf::Count(fonts));
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    for (int index = 0; index < count; ++index) {
+        if (!progress(index, count))
+            return GZephyrinExportFonts::kTaskStopped;
+        const CFRef<CFMutableArrayRef> font = cf::MutableArray();
+        cf::Append(font, cf::Get<CFDictionaryRef>(fonts, index));
+        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, font.get(), folder.get(), nullptr);
+        if (result == CoreErrorCodes::kSuccess)
+            result = code;
+        if (code != CoreErrorCodes::kSuccess && code != GZephyrinExportFonts::kFontUnavailableToExport)
+            break;
+    }
+    progress(count, count);
+    return result;
+}
+
+ErrorCode CoreAgentInterface::MakeEmptyFolder(const std::string& path) {
+    LogMessage(0, "No fonts to collect.  Creating empty destination folder, if it does not already exist.");
+    const VPILoader& library = *VPILoader::GetSharedInstance();
+    if (library.pfOSDoesDirectoryExist == nullptr || library.pfOSCreateDirectory == nullptr)
+        return CoreErrorCodes::kNotImplemented;
+    bool exists = false;
+    const ErrorCode code = library.pfOSDoesDirectoryExist(path.c_str(), &exists);
+    return code == CoreErrorCodes::kSuccess && exists ? code : library.pfOSCreateDirectory(path.c_str());
+}
+
+ErrorCode CoreAgentInterface::CreateTopLevelSet(const std::string& name, int32_t workgroupID,
+                                                int32_t& setID) {
+    const CFRef<CFStringRef> text = cf::String(name);
+    return Call(&PluginFunctionTable::pfCreateTopLevelSet, text.get(), workgroupID, &setID);
+}
+
+ErrorCode CoreAgentInterface::AddFontsToSet(CFArrayRef fonts, int32_t setID) {
+    const CFRef<CFMutableArrayRef> fontIDs = cf::MutableArray();
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+        if (const auto id = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_DatabaseIDKey))
+            cf::Append(fontIDs, *id);
+    }
+    const CFRef<CFMutableArrayRef> setIDs = cf::MutableArray();
+    cf::Append(setIDs, setID);
+    return Call(&PluginFunctionTable::pfAddFontsToSets, fontIDs.get(), setIDs.get());
+}
+
+ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
+                                                      std::vector<Workgroup>& workgroups) {
+    LogMessage(1,
+               "Entering CoreAgentInterface::GetAllWorkgroupsForUser(..., includeAllWorkgroup=%d, "
+               "includeSystemWorkgroup=%d, includeTypekitLibrary=%d)",
+               filter.includeAllWorkgroup, filter.includeSystemWorkgroup, filter.includeTypekitLibrary);
+    const CFRef<CFMutableArrayRef> records = cf::MutableArray();
+    const ErrorCode code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
+    LogMessage(0, "%d workgroups found", static_cast<int>(cf::Count(records.get())));
+    for (CFIndex index = 0; index < cf::Count(records.get()); ++index) {
+        Workgroup workgroup = WorkgroupFromRecord(cf::Get<CFDictionaryRef>(records.get(), index));
+        if ((workgroup.type == kWorkgroupType_All && !filter.includeAllWorkgroup) ||
+            (workgroup.type == kWorkgroupType_System && !filter.includeSystemWorkgroup) ||
+            (workgroup.type == kWorkgroupType_TypekitLibrary && !filter.includeTypekitLibrary))
+            continue;
+        LogMessage(0, "Adding '%s' to user's workgroup list.", workgroup.name.c_str());
+        workgroups.push_back(std::move(workgroup));
+    }
+    LogMessage(-1, "CoreAgentInterface::GetAllWorkgroupsForUser() returning %d", static_cast<int>(code));
+    return code;
+}

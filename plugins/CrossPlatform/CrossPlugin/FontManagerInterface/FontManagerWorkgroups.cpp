@@ -1,0 +1,126 @@
+// The facade's workgroups: which there are, and which one is worked in.
+#include <algorithm>
+
+#include "FontManagerInterface.h"
+#include "MarquellGlobals.h"
+#include "TraceLog.h"
+
+namespace {
+
+constexpr char kCurrentWorkgroup[] = "CurrentWorkgroup";
+
+bool Holds(const std::vector<Workgroup>& workgroups, int32_t id) {
+    return std::any_of(workgroups.begin(), workgroups.end(),
+                       [id](const Workgroup& workgroup) { return workgroup.id == id; });
+}
+
+std::vector<Workgroup> OwnWorkgroups(std::vector<Workgroup> workgroups) {
+    std::erase_if(workgroups, [](const Workgroup& each) { return each.id == kWorkgroupID_All; });
+    return workgroups;
+}
+
+}  // namespace
+
+void FontManagerInterface::InitializeDefaultWorkgroup() {
+    // Whatever the checks before found: a workgroup can be chosen from here on.
+    MarquellGlobals::SetPluginFunctionalityEnabled(true);
+    if (!sm_pFontManager) {
+        LogMessage(0, "Exiting because FontManager is not running.");
+        return;
+    }
+    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    if (preferences == nullptr)
+        return;
+    LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
+    if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
+        !preferences->GetBoolPreference("EnablePlugin"))
+        return;
+    if (sm_pFontManager->IsLoggedIn() || sm_pFontManager->IsRunningStandalone())
+        OpenSelectWorkgroupDialog();
+}
+
+void FontManagerInterface::OpenSelectWorkgroupDialog() {
+    if (mIsSelectWorkgroupDialogShowing) {
+        LogMessage(0,
+                   "*** UH-OH, can't display Select Workgroup dialog, because it's already being displayed!");
+        return;
+    }
+    HandleSelectWorkgroup();
+}
+
+void FontManagerInterface::HandleSelectWorkgroup() {
+    if (mIsSelectWorkgroupDialogShowing) {
+        LogMessage(0,
+                   "*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is "
+                   "already being displayed!");
+        return;
+    }
+    LogMessage(1, "Entering FontManagerInterface::HandleSelectWorkgroup");
+    mIsSelectWorkgroupDialogShowing = true;
+    const ScopeExit exitLine([this] {
+        mIsSelectWorkgroupDialogShowing = false;
+        LogMessage(-1, "Exiting FontManagerInterface::HandleSelectWorkgroup");
+    });
+    LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    if (const auto chosen = ChooseWorkgroup()) {
+        UseWorkgroup(*chosen);
+        MarquellGlobals::SetPluginServicesEnabled(true);
+    }
+}
+
+std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
+    if (framework == nullptr || workgroups.empty())
+        return std::nullopt;
+    const auto lastTime = static_cast<int32_t>(framework->GetIntPreference(kCurrentWorkgroup));
+    if (Holds(workgroups, lastTime))
+        return lastTime;
+    const std::vector<Workgroup> own = OwnWorkgroups(workgroups);
+    if (own.size() == 1)
+        return own.front().id;
+    int32_t chosen = own.empty() ? workgroups.front().id : own.front().id;
+    return framework->ShowSelectWorkgroup(WorkgroupRecords(workgroups).get(), chosen) ? std::optional(chosen)
+                                                                                      : std::nullopt;
+}
+
+void FontManagerInterface::UseWorkgroup(int32_t workgroupID) {
+    SetDefaultWorkgroupID(workgroupID);
+    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
+        preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
+}
+
+void FontManagerInterface::SetDefaultWorkgroupID(int32_t workgroupID) {
+    LogMessage(0, "Calling FontManagerInterface::SetDefaultWorkgroupID(workgroupID=%d)", workgroupID);
+    mDefaultWorkgroupID = workgroupID;
+}
+
+ErrorCode FontManagerInterface::SetCurrentWorkgroup(CFStringRef name) {
+    const std::string wanted = cf::ToUtf8(name);
+    for (const Workgroup& workgroup : WorkgroupsToChooseFrom()) {
+        if (workgroup.name == wanted) {
+            UseWorkgroup(workgroup.id);
+            return CoreErrorCodes::kSuccess;
+        }
+    }
+    LogMessage(0, "There is no workgroup named '%s'", wanted.c_str());
+    return CoreErrorCodes::kNotFound;
+}
+
+std::vector<Workgroup> FontManagerInterface::WorkgroupsToChooseFrom() {
+    std::vector<Workgroup> workgroups;
+    WorkgroupFilter filter;
+    filter.includeAllWorkgroup = true;
+    if (!sm_pFontManager ||
+        sm_pFontManager->GetAllWorkgroupsForUser(filter, workgroups) != CoreErrorCodes::kSuccess)
+        return {};
+    return workgroups;
+}
+
+bool FontManagerInterface::IsWorkgroupAvailable() {
+    std::vector<Workgroup> workgroups;
+    return sm_pFontManager &&
+           sm_pFontManager->GetAllWorkgroupsForUser({}, workgroups) == CoreErrorCodes::kSuccess &&
+           !workgroups.empty();
+}

@@ -1,0 +1,34 @@
+#include "GeneralInterface.h"
+
+#include <gtest/gtest.h>
+
+#include "CapturedTrace.h"
+
+namespace {
+
+int rebuilds = 0;
+
+}  // namespace
+
+TEST(GeneralInterface, TheHostRebuildsItsMenuThroughTheLastCallbackGiven) {
+    rebuilds = 0;
+    GeneralInterface hostApp;
+    hostApp.OnWorkgroupsChanged();
+    hostApp.SetRebuildWorkgroupsMenuCallback([] { rebuilds += 100; });
+    hostApp.SetRebuildWorkgroupsMenuCallback([] { ++rebuilds; });
+    hostApp.OnWorkgroupsChanged();
+    EXPECT_EQ(rebuilds, 1);
+    hostApp.Refresh(false, true);
+    EXPECT_EQ(rebuilds, 1) << "panels alone";
+    hostApp.Refresh(true, false);
+    EXPECT_EQ(rebuilds, 2);
+    hostApp.SetRebuildWorkgroupsMenuCallback(nullptr);
+    hostApp.OnWorkgroupsChanged();
+    EXPECT_EQ(rebuilds, 2);
+}
+
+TEST(GeneralInterface, HintsGoToTheTrace) {
+    CapturedTrace trace;
+    GeneralInterface().ShowProgressHint("...100% done");
+    EXPECT_EQ(trace.Text(), "...100% done\n");
+}

@@ -1,0 +1,63 @@
+#include "CommandDialog.h"
+
+#include <CoreFoundation++/CFRef.h>
+
+#include "FontManagerInterface.h"
+#include "MarquellGlobals.h"
+#include "MenuCommands.h"
+#include "TraceLog.h"
+
+namespace {
+
+constexpr char kName[] = "PluginCoreInterface::InvokeCommandDialog";
+
+CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document, VPFInterface& preferences,
+                                                const std::vector<Workgroup>& workgroups) {
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    CoreAgentInterface* agent = fontManager.GetFontManager();
+    CFRef<CFMutableDictionaryRef> state = cf::MutableDictionary();
+    cf::Set(state, "IsLocalPersonal", agent != nullptr && agent->IsRunningStandalone());
+    cf::Set(state, "Workgroups", WorkgroupRecords(workgroups));
+    if (const auto current = fontManager.GetDefaultWorkgroupID())
+        cf::Set(state, "CurrentWorkgroupID", *current);
+    cf::Set(state, "ButtonsEnabled", !document.empty() && preferences.GetBoolPreference("EnablePlugin"));
+    cf::Set(state, "IsOnline", MarquellGlobals::IsConnectedToCore());
+    return state;
+}
+
+void CarryOut(int32_t command, const std::string& document, const std::vector<Workgroup>& workgroups) {
+    const int64_t position = int64_t{command} - static_cast<int32_t>(MenuLabel::kFirstWorkgroup);
+    if (position < 0)
+        MenuCommands::Run(static_cast<MenuLabel>(command), document, "");
+    else if (position < static_cast<int64_t>(workgroups.size()))
+        MenuCommands::ChooseWorkgroup(workgroups[static_cast<size_t>(position)].name);
+}
+
+ErrorCode ShowCommandBox(const std::string& document) {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    if (framework == nullptr || framework->Framework() == nullptr)
+        return CoreErrorCodes::kInvalidParam;
+    const std::vector<Workgroup> workgroups =
+        FontManagerInterface::GetSharedInstance().WorkgroupsToChooseFrom();
+    int32_t command = 0;
+    if (framework->ShowCommandBox(StateOfCommandBox(document, *framework, workgroups).get(), command))
+        CarryOut(command, document, workgroups);
+    return CoreErrorCodes::kSuccess;
+}
+
+}  // namespace
+
+ErrorCode CommandDialog::InvokeCommandDialog(const std::string& document) {
+    static bool isShowing = false;
+    LogMessage(1, "Entering %s('%s', ...)", kName, document.c_str());
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const ScopeExit exitLine(
+        [&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
+    if (isShowing) {
+        LogMessage(0, "ERROR: %s() called recursively.", kName);
+        return result;
+    }
+    isShowing = true;
+    const ScopeExit closed([] { isShowing = false; });
+    return result = ShowCommandBox(document);
+}

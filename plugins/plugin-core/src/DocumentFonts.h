@@ -1,0 +1,10 @@
+// The fonts of a document, as the host tells them or as its file does.
+#pragma once
+
+#include <CoreFoundation++/CFRef.h>
+
+#include <string>
+
+/// Font records. `fontsJSON` is the host's list; text that does not parse counts as no fonts. Empty: the
+/// names that the document's file holds stand in for it.
+CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::string& fontsJSON);

@@ -1,0 +1,132 @@
+#include "MenuCommands.h"
+
+#include <array>
+
+#include "CommonFunctionality.h"
+#include "DocumentCommands.h"
+#include "FontManagerInterface.h"
+#include "GeneralInterface.h"
+#include "LocalizedStringIDs.h"
+#include "MarquellGlobals.h"
+#include "TraceLog.h"
+
+namespace {
+
+struct MenuText {
+    MenuLabel label;
+    uint32_t stringID;
+    const char* text;  ///< in English, the language of hosts that do not translate
+};
+
+constexpr std::array<MenuText, 7> kMenuTexts{
+    {{MenuLabel::kRoot, localized::kProductName, "Quillon Type Client"},
+     {MenuLabel::kWorkgroups, localized::kSelectWorkgroup, "Select Workgroup"},
+     {MenuLabel::kAbout, localized::kAbout, "About..."},
+     {MenuLabel::kPreferences, localized::kPreferences, "Preferences..."},
+     {MenuLabel::kCollectFonts, localized::kCollectFonts, "Collect Fonts for Output..."},
+     {MenuLabel::kCreateDocumentSet, localized::kCreateDocumentSet, "Create Document Set..."},
+     {MenuLabel::kCheckFonts, localized::kCheckFonts, "Check Document's Fonts"}}};
+constexpr MenuText kSelectLibrary{MenuLabel::kWorkgroups, localized::kSelectLibrary, "Select Library"};
+
+std::string Localized(const MenuText& text) {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    const std::string localizedText =
+        framework != nullptr ? framework->LocalizedString(text.stringID) : std::string();
+    return localizedText.empty() ? text.text : localizedText;
+}
+
+bool IsRunningStandalone() {
+    CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    return agent != nullptr && agent->IsRunningStandalone();
+}
+
+bool IsCommand(MenuLabel label) {
+    return label >= MenuLabel::kCollectFonts && label < MenuLabel::kFirstWorkgroup;
+}
+
+bool IsLoggedIn() {
+    return FontManagerInterface::GetSharedInstance().IsLoggedIn();
+}
+
+void ShowPreferences(VPFInterface& framework) {
+    if (!framework.ShowPreferences())
+        return;
+    if (framework.GetBoolPreference("EnableLogging"))
+        EnableLogging();
+    if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
+        hostApp->Refresh(true, true);
+}
+
+void Carry(MenuLabel command, const std::string& document, const std::string& extra) {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    if (framework == nullptr)
+        return;
+    switch (command) {
+        case MenuLabel::kAbout:
+            framework->ShowAbout();
+            break;
+        case MenuLabel::kPreferences:
+            ShowPreferences(*framework);
+            break;
+        // The commands tell the user themselves what comes of them.
+        case MenuLabel::kCollectFonts:
+            DocumentCommands::HandleExportDocumentFonts(document);
+            break;
+        case MenuLabel::kCreateDocumentSet:
+            DocumentCommands::HandleCreateDocumentSet(document);
+            break;
+        case MenuLabel::kCheckFonts:
+            DocumentCommands::HandleCheckDocumentFonts(document, extra);
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
+namespace MenuCommands {
+
+std::string TitleOf(MenuLabel label) {
+    if (label == MenuLabel::kWorkgroups && IsRunningStandalone())
+        return Localized(kSelectLibrary);
+    for (const MenuText& each : kMenuTexts) {
+        if (each.label == label)
+            return Localized(each);
+    }
+    return {};
+}
+
+std::optional<MenuLabel> FromText(const std::string& text) {
+    for (const MenuText& each : kMenuTexts) {
+        if (IsCommand(each.label) && (text == each.text || text == Localized(each)))
+            return each.label;
+    }
+    return std::nullopt;
+}
+
+void Run(MenuLabel command, const std::string& document, const std::string& extra) {
+    static bool isRunning = false;
+    if (isRunning) {
+        LogMessage(0, "ERROR: %s() called recursively.", "MenuCommands::Run");
+        return;
+    }
+    isRunning = true;
+    const ScopeExit done([] { isRunning = false; });
+    if (command != MenuLabel::kAbout && !IsLoggedIn())
+        CommonFunctionality::ShowNotLoggedInMessage();
+    else
+        Carry(command, document, extra);
+}
+
+void ChooseWorkgroup(const std::string& name) {
+    if (!IsLoggedIn()) {
+        CommonFunctionality::ShowNotLoggedInMessage();
+        return;
+    }
+    LogMessage(0, "Setting current workgroup name to '%s'", name.c_str());
+    // A name that no workgroup has was logged, and nothing changes.
+    static_cast<void>(FontManagerInterface::GetSharedInstance().SetCurrentWorkgroup(cf::String(name).get()));
+}
+
+}  // namespace MenuCommands

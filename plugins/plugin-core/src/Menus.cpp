@@ -1,0 +1,108 @@
+#include "Menus.h"
+
+#include <cstring>
+#include <nlohmann/json.hpp>
+
+#include "FontManagerInterface.h"
+#include "GJSONUtils.h"
+#include "HostMenuJSON.h"
+#include "MarquellGlobals.h"
+#include "MenuCommands.h"
+#include "TraceLog.h"
+
+namespace {
+
+using nlohmann::json;
+
+std::string lastMenuBuilt;
+
+json MenuItem(int32_t label, const std::string& title, bool isEnabled, bool isChecked = false) {
+    LogMessage(0, "Adding menu '%s'", title.c_str());
+    return {
+        {"label", std::to_string(label)}, {"title", title}, {"checked", isChecked}, {"enabled", isEnabled}};
+}
+
+json MenuItem(MenuLabel label, bool isEnabled) {
+    return MenuItem(static_cast<int32_t>(label), MenuCommands::TitleOf(label), isEnabled);
+}
+
+json Separator() {
+    return MenuItem(static_cast<int32_t>(MenuLabel::kSeparator), "", false);
+}
+
+json WorkgroupItems() {
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    auto label = static_cast<int32_t>(MenuLabel::kFirstWorkgroup);
+    json items = json::array();
+    for (const Workgroup& workgroup : fontManager.WorkgroupsToChooseFrom()) {
+        if (workgroup.id == kWorkgroupID_All)
+            items.push_back(Separator());
+        const bool isCurrent = fontManager.GetDefaultWorkgroupID() == workgroup.id;
+        items.push_back(MenuItem(label++, workgroup.name, true, isCurrent));
+    }
+    return items;
+}
+
+bool AreCommandsAllowed(const std::string& document) {
+    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    return !document.empty() && preferences != nullptr && preferences->IsValid() &&
+           preferences->GetBoolPreference("EnablePlugin");
+}
+
+json BuildMenu(const std::string& document) {
+    const bool areCommandsAllowed = AreCommandsAllowed(document);
+    const bool isInAllWorkgroups =
+        FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID() == kWorkgroupID_All;
+    json root = MenuItem(MenuLabel::kRoot, true);
+    json& items = root["child"] = json::array();
+    items.push_back(MenuItem(MenuLabel::kWorkgroups, true));
+    items.back()["child"] = WorkgroupItems();
+    items.push_back(MenuItem(MenuLabel::kCollectFonts, areCommandsAllowed));
+    items.push_back(MenuItem(MenuLabel::kCreateDocumentSet, areCommandsAllowed && !isInAllWorkgroups));
+    items.push_back(MenuItem(MenuLabel::kCheckFonts, areCommandsAllowed));
+    items.push_back(Separator());
+    items.push_back(MenuItem(MenuLabel::kPreferences, true));
+    items.push_back(MenuItem(MenuLabel::kAbout, true));
+    return root;
+}
+
+void CarryOut(const std::string& label, const std::string& document, const std::string& extra) {
+    if (const auto command = MenuCommands::FromText(label))
+        MenuCommands::Run(*command, document, extra);
+    else
+        MenuCommands::ChooseWorkgroup(label);
+}
+
+}  // namespace
+
+ErrorCode Menus::GetMenus(const std::string& document, char* buffer, size_t* size) {
+    constexpr char kName[] = "PluginCoreInterface::GetMenus";
+    LogMessage(1, "Entering %s('%s', ...)", kName, document.c_str());
+    ErrorCode code = GJSONUtils::Serialise(BuildMenu(document), lastMenuBuilt);
+    if (code == CoreErrorCodes::kSuccess) {
+        if (lastMenuBuilt.size() <= *size)
+            std::memcpy(buffer, lastMenuBuilt.c_str(), lastMenuBuilt.size() + 1);
+        else
+            code = CoreErrorCodes::kIndexOutOfRange;
+        *size = lastMenuBuilt.size();
+    }
+    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
+    return code;
+}
+
+ErrorCode Menus::HandleMenuSelection(const std::string& document, const std::string& menusJSON,
+                                     const std::string& selectedID, const std::string& extra) {
+    constexpr char kName[] = "PluginCoreInterface::HandleMenuSelection";
+    LogMessage(1, "Entering %s(..., %s)", kName, selectedID.c_str());
+    PluginCoreInterface::MenuObject item;
+    const ErrorCode code =
+        menusJSON.empty() ? PluginCoreInterface::GetMenuObjectFromRawJSON(
+                                "{\"menu\":[" + lastMenuBuilt + "]}", selectedID, item, {"label", "title"})
+                          : PluginCoreInterface::GetMenuObjectFromRawJSON(menusJSON, selectedID, item);
+    if (code == CoreErrorCodes::kSuccess)
+        CarryOut(item.label, document, extra);
+    constexpr ErrorCode kResult = CoreErrorCodes::kSuccess;
+    LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, selectedID.c_str(),
+               static_cast<int>(kResult));
+    return kResult;
+}

@@ -1,0 +1,186 @@
+#include "DocumentCommands.h"
+
+#include <gmock/gmock.h>
+
+#include "CommonFunctionality.h"
+#include "FakeWorld.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+using MessageBox = std::pair<uint32_t, uint32_t>;
+
+class DocumentCommandsTest : public FakeWorld {
+protected:
+    DocumentCommandsTest() {
+        MakeFunctional();
+        FontManagerInterface::GetSharedInstance().SetDefaultWorkgroupID(7);
+        library.fonts = {{11, "Sample-Regular"}, {12, "Sample-Bold"}};
+    }
+    /// As if the host had opened it; its fonts are those of the library.
+    void OpenDocument(const std::string& path = "/jobs/poster.v2.ai") {
+        auto record = std::make_shared<OneTrackedDocument>();
+        record->SetIdentifier("ID");
+        AllTrackedDocuments::GetSharedInstance().AddDocument(record, path);
+        int numFontsActivated = 0;
+        EXPECT_EQ(
+            CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated, path, *record, nullptr),
+            0u);
+        document = path;
+    }
+    std::string document = "/nowhere.ai";
+};
+
+constexpr ErrorCode kNotCompleted = CoreErrorCodes::kOutOfMemory;
+
+}  // namespace
+
+TEST_F(DocumentCommandsTest, FontsAreCollectedOneByOneBelowTheChosenFolder) {
+    OpenDocument();
+    framework.chosenFolder = "/output";
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
+    EXPECT_THAT(library.exportedTo, ElementsAre("/output/poster.v2 Fonts", "/output/poster.v2 Fonts"));
+    EXPECT_EQ(framework.initialFolder, "/jobs/") << "the document's own folder, the first time";
+    EXPECT_EQ(framework.texts["LastCFOFolder"], "/output");
+    using Step = std::array<int64_t, 3>;
+    EXPECT_THAT(framework.progress, ElementsAre(Step{204, 0, 2}, Step{204, 1, 2}, Step{204, 2, 2}));
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 650)));
+    EXPECT_THAT(framework.subjects, ElementsAre("/output/poster.v2 Fonts"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Entering CoreAgentInterface::CollectFontsUsedByCurrentDocument("
+                                        "'/jobs/poster.v2.ai', '/output/poster.v2 Fonts', fontInfo array "
+                                        "length=2)\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Exiting ShowSaveFolderDialog, returning 1, with inOutSavePath = "
+                                        "\"/output\"\n"));
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts("ID"), 0u) << "known by its identifier too";
+    EXPECT_EQ(framework.initialFolder, "/output");
+}
+
+TEST_F(DocumentCommandsTest, WhatCollectingCameToIsTold) {
+    struct Case {
+        const char* name;
+        std::deque<ErrorCode> codes;
+        ErrorCode result;
+        MessageBox box;
+        int exported;
+    };
+    const Case cases[] = {
+        {"a font's file is not to be had",
+         {GZephyrinExportFonts::kFontUnavailableToExport},
+         0,
+         {204, 651},
+         1},
+        {"no room", {0, GZephyrinExportFonts::kCouldNotCopyFile}, kNotCompleted, {204, 653}, 1},
+        {"not permitted",
+         {GZephyrinExportFonts::kNotGrantedPermissionToExportFonts},
+         kNotCompleted,
+         {204, 661},
+         0},
+    };
+    OpenDocument();
+    framework.chosenFolder = "/output/";
+    for (const Case& each : cases) {
+        framework.shownBoxes.clear();
+        library.exportedTo.clear();
+        library.codes["ExportFonts"] = each.codes;
+        EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), each.result) << each.name;
+        EXPECT_THAT(framework.shownBoxes, ElementsAre(each.box)) << each.name;
+        EXPECT_EQ(library.exportedTo.size(), static_cast<size_t>(each.exported)) << each.name;
+        library.codes.clear();
+    }
+    library.exportedTo.clear();
+    framework.shownBoxes.clear();
+    framework.stepsUntilStopped = 2;
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
+    EXPECT_EQ(library.exportedTo.size(), 1u);
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 654)));
+}
+
+TEST_F(DocumentCommandsTest, ADocumentWithoutFontsGetsAnEmptyFolder) {
+    library.fonts.clear();
+    OpenDocument();
+    framework.chosenFolder = "/output";
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
+    EXPECT_THAT(library.foldersMade, ElementsAre("/output/poster.v2 Fonts"));
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 652)));
+    EXPECT_THAT(trace.Text(), HasSubstr("No fonts to collect.  Creating empty destination folder, if it does "
+                                        "not already exist.\n"));
+}
+
+TEST_F(DocumentCommandsTest, WithoutAFolderNothingIsCollected) {
+    OpenDocument();
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
+    EXPECT_TRUE(library.exportedTo.empty());
+    EXPECT_TRUE(framework.shownBoxes.empty()) << "the user knows";
+    EXPECT_EQ(framework.texts["LastCFOFolder"], "");
+    EXPECT_THAT(trace.Text(), HasSubstr("SHBrowseForFolder returned NULL.  Hopefully that means the user "
+                                        "cancelled.\n"));
+}
+
+TEST_F(DocumentCommandsTest, ASetOfTheDocumentsFontsIsMadeUnderAFreeName) {
+    OpenDocument();
+    library.codes["CreateTopLevelSet"] = {CoreErrorCodes::kItemAlreadyExists,
+                                          CoreErrorCodes::kItemAlreadyExists};
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), 0u);
+    EXPECT_THAT(library.sets, ElementsAre(std::pair(7, std::string("poster.v2 3"))));
+    EXPECT_THAT(library.fontsInSets, ElementsAre(11, 12));
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(205, 658)));
+    EXPECT_THAT(framework.subjects, ElementsAre("poster.v2 3"));
+}
+
+TEST_F(DocumentCommandsTest, ASetNeedsOneWorkgroupAndFonts) {
+    OpenDocument();
+    FontManagerInterface::GetSharedInstance().SetDefaultWorkgroupID(kWorkgroupID_All);
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted);
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(205, 659)));
+    library.fonts.clear();
+    OpenDocument("/empty.ai");
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted);
+    EXPECT_EQ(framework.shownBoxes.back(), MessageBox(206, 656));
+    EXPECT_TRUE(library.sets.empty());
+}
+
+TEST_F(DocumentCommandsTest, CheckingActivatesWhatTheDocumentUsesNow) {
+    OpenDocument();
+    library.calls.clear();
+    const char* fonts = R"([{"PostScriptName":"Sample-Regular"}])";
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
+    EXPECT_EQ(library.CallsOf("ActivateDocumentFontsByPath"), 1);
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(206, 655)));
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, "[]"), 0u);
+    EXPECT_EQ(framework.shownBoxes.back(), MessageBox(206, 656)) << "and there is no such file to read";
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), kNotCompleted);
+    EXPECT_EQ(framework.shownBoxes.back(), MessageBox(206, 657));
+}
+
+TEST_F(DocumentCommandsTest, MissingFontsAreNamedAndReplacedAsTheUserChooses) {
+    OpenDocument();
+    library.unmatchedFonts = {"Gone-Roman"};
+    library.activationStateAfter = kFontActivationState_Missing;
+    const char* fonts = R"([{"PostScriptName":"Gone-Roman"}])";
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(206, 662)));
+    EXPECT_THAT(framework.subjects, ElementsAre("Gone-Roman, Sample-Regular, Sample-Bold"));
+    EXPECT_TRUE(framework.shownDialogs.empty()) << "there is nothing to choose from";
+
+    library.replacementID = 12;
+    framework.isResolving = true;
+    library.calls.clear();
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
+    EXPECT_THAT(framework.shownDialogs, ElementsAre("ResolveFonts"));
+    EXPECT_EQ(library.CallsOf("ActivateFonts"), 1);
+    framework.isResolving = false;
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
+    EXPECT_EQ(library.CallsOf("ActivateFonts"), 1);
+}
+
+TEST_F(DocumentCommandsTest, ADocumentThatIsNotOpenIsNamed) {
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted);
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, ""), kNotCompleted);
+    EXPECT_THAT(framework.shownBoxes, testing::Each(MessageBox(199, 660)));
+    EXPECT_THAT(framework.subjects, ElementsAre("/nowhere.ai", "/nowhere.ai", "/nowhere.ai"));
+    EXPECT_THAT(trace.Text(), testing::EndsWith("Exiting PluginCoreInterface::HandleCheckDocumentFonts()\n"));
+}

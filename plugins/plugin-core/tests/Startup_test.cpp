@@ -1,0 +1,432 @@
+#include "Startup.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <regex>
+#include <sstream>
+
+#include "CommonFunctionality.h"
+#include "FakeWorld.h"
+#include "GeneralInterface.h"
+#include "PanelManager.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+using MessageBoxes = std::vector<std::pair<uint32_t, uint32_t>>;
+constexpr ErrorCode kFailed = 0xFFFFFFFF;
+
+/// Starts with dialogs allowed, since a version is required of the host.
+class StartupTest : public FakeWorld {
+public:
+    StartupTest() { SetHost("Illustrator2025", "29.1.0.64"); }
+
+    ErrorCode Start(const char* identifier = "com.vantorix.AutoActivationPlugin.AI29") {
+        return InitializeFromIdentifier(identifier, versionPrefix.c_str());
+    }
+    void SetHost(const std::string& name, const std::string& version) {
+        processes.currentName = name;
+        versions.values[{"/host/" + name, "FileVersion"}] = version;
+    }
+    void LoseAgent() {
+        processes.running.clear();
+        std::erase(libraries.loadable, "/agent/TarnwickPluginInterfaceX64.so");
+    }
+    void ConnectToServer() { library.isStandalone = false; }
+
+    /// What start-up itself says, without the lines of the layers below it that are the same in every row.
+    std::string StartupTrace() {
+        static const std::regex kOfOthers(
+            "VPILoader|GetProcAddress|LoadLibraryA|VPFInterface::|CoreAgentInterface|GZephyrinSdk|"
+            "StringValueFromVersion|VPI at "
+            "location|RunningInCompatibleHostApp\\(\\)|FindWindow|0x[0-9a-f]{8}|"
+            "workgroups found|user's workgroup list");
+        std::istringstream lines(trace.Text());
+        std::string kept;
+        bool hasBegun = false;
+        for (std::string line; std::getline(lines, line);) {
+            hasBegun = hasBegun || line.starts_with("Entering CommonFunctionality::Startup");
+            line.erase(0, line.find_first_not_of(' '));
+            if (hasBegun && !std::regex_search(line, kOfOthers))
+                kept += line + "\n";
+        }
+        return kept;
+    }
+
+    using FakeWorld::framework;
+    using FakeWorld::libraries;
+    using FakeWorld::library;
+    using FakeWorld::processes;
+    using FakeWorld::versions;
+    using FakeWorld::windowing;
+    std::string versionPrefix = "29.";
+};
+
+// Pieces of the traces below.
+#define ENTERING(allowDialogs)                                          \
+    "Entering CommonFunctionality::Startup(allowDialogs=" #allowDialogs \
+    ")\n"                                                               \
+    "Calling MarquellGlobals::SetLoggedIn(loggedIn=1)\n" ENABLED
+#define ENABLED                                                       \
+    "Calling MarquellGlobals::SetPluginServicesEnabled( enable=1 )\n" \
+    "Calling MarquellGlobals::SetConnectedToCore(connected=1)\n"
+#define DISABLED                                                      \
+    "Calling MarquellGlobals::SetPluginServicesEnabled( enable=0 )\n" \
+    "Calling MarquellGlobals::SetConnectedToCore(connected=0)\n"
+#define COMPATIBLE "RunningInCompatibleHostApp: returning 1, and disable dialogs is 0\n"
+// The font manager is found, and its library is initialized.
+#define REACHED                                          \
+    ENABLED                                              \
+    "VersionsAreCompatible('x.x.x.x', '') returning 1\n" \
+    "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 1\n"
+#define NOT_REACHED                                                     \
+    "ERROR:  interfaceLoaded(false) 88 function(s) missing from \"\"\n" \
+    "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 0\n"
+#define LOGGED_IN "login check at startup:  Logged in\n"
+#define NOT_LOGGED_IN                             \
+    "login check at startup:  NOT logged in...\n" \
+    "Disabling plugin functionality\n"            \
+    "Calling MarquellGlobals::SetLoggedIn(loggedIn=0)\n"
+#define SELECTING                                                   \
+    "CloseFontsOnDocClose=0\n"                                      \
+    "Entering FontManagerInterface::HandleSelectWorkgroup\n"        \
+    "HandleSelectWorkgroup:  Setting PluginServicesEnabled false\n" \
+    "Calling MarquellGlobals::SetPluginServicesEnabled( enable=0 )\n"
+#define SELECTED_7                                                         \
+    SELECTING                                                              \
+    "Calling FontManagerInterface::SetDefaultWorkgroupID(workgroupID=7)\n" \
+    "Calling MarquellGlobals::SetPluginServicesEnabled( enable=1 )\n"      \
+    "Exiting FontManagerInterface::HandleSelectWorkgroup\n"
+#define NOT_SELECTED SELECTING "Exiting FontManagerInterface::HandleSelectWorkgroup\n"
+#define NO_FONT_MANAGER "Exiting because FontManager is not running.\n"
+#define EXITING "Exiting CommonFunctionality::Startup()\n"
+
+struct Flags {
+    bool services;
+    bool connected;
+    bool loggedIn;
+    bool functionality = true;  ///< in the end, whatever was found
+};
+
+struct Branch {
+    const char* name;
+    std::function<void(StartupTest&)> arrange;
+    ErrorCode result;
+    Flags flags;
+    MessageBoxes boxes;
+    const char* trace;
+};
+
+void PrintTo(const Branch& branch, std::ostream* out) {
+    *out << branch.name;
+}
+
+class StartupBranch : public StartupTest, public testing::WithParamInterface<Branch> {};
+
+const Branch kBranches[] = {
+    {"AllIsWell",
+     [](StartupTest&) {},
+     0,
+     {true, true, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED LOGGED_IN SELECTED_7 EXITING},
+    {"ConnectedToAServer",
+     [](StartupTest& world) { world.ConnectToServer(); },
+     0,
+     {true, true, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED LOGGED_IN "checking for workgroups at startup\n" SELECTED_7 EXITING},
+    {"AProcessThatIsNoHost",
+     [](StartupTest& world) { world.SetHost("bash", "29.1"); },
+     kFailed,
+     {false, false, true},
+     {},
+     ENTERING(1) "RunningInCompatibleHostApp: returning 0, and disable dialogs is 1\n" REACHED DISABLED
+                 "CloseFontsOnDocClose=0\n" EXITING},
+    {"AHostOfAnotherVersion",
+     [](StartupTest& world) { world.SetHost("Illustrator2024", "28.0"); },
+     kFailed,
+     {false, false, true},
+     {{598, 599}},
+     ENTERING(
+         1) "RunningInCompatibleHostApp: app version (28.0) incompatible with versionPrefixRequired (29.)\n"
+            "RunningInCompatibleHostApp: returning 0, and disable dialogs is 0\n" REACHED DISABLED
+            "CloseFontsOnDocClose=0\n" EXITING},
+    {"AFontManagerOfAnotherVersion",
+     [](StartupTest& world) {
+         world.versions.values[{"/agent/TarnwickPluginInterfaceX64.so", "PrivateBuild"}] = "7.0.0.0";
+         world.versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.0.0.0";
+     },
+     kFailed,
+     {false, false, true},
+     {{602, 603}},
+     ENTERING(1) COMPATIBLE ENABLED
+     "VersionsAreCompatible('8.0.0.0', '7.0.0.0') returning 0\n"
+     "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 0\n" DISABLED
+     "CloseFontsOnDocClose=0\n" EXITING},
+    {"NoFontManager",
+     [](StartupTest& world) { world.LoseAgent(); },
+     kFailed,
+     {false, false, true},
+     {{602, 603}},
+     ENTERING(1) COMPATIBLE NOT_REACHED DISABLED NO_FONT_MANAGER EXITING},
+    {"NoFontManagerAndNoDialogs",
+     [](StartupTest& world) {
+         world.LoseAgent();
+         world.versionPrefix = "";
+     },
+     kFailed,
+     {false, false, true},
+     {},
+     ENTERING(0) COMPATIBLE NOT_REACHED DISABLED NO_FONT_MANAGER EXITING},
+    {"LoggedOut",
+     [](StartupTest& world) { world.library.isLoggedIn = false; },
+     0,
+     {true, true, false},
+     {{609, 611}},
+     ENTERING(1) COMPATIBLE REACHED NOT_LOGGED_IN "CloseFontsOnDocClose=0\n" EXITING},
+    {"LoggedOutInAfterEffects",
+     [](StartupTest& world) {
+         world.library.isLoggedIn = false;
+         world.versions.values[{"/plugins/libPluginCore.so", "InternalName"}] = "AfterEffects2025";
+     },
+     0,
+     {true, true, false},
+     {},
+     ENTERING(1) COMPATIBLE REACHED NOT_LOGGED_IN "CloseFontsOnDocClose=0\n" EXITING},
+    {"NoWorkgroupOnTheServer",
+     [](StartupTest& world) {
+         world.ConnectToServer();
+         world.library.workgroups.clear();
+     },
+     0,
+     {false, true, true},
+     {{620, 621}},
+     ENTERING(1) COMPATIBLE REACHED LOGGED_IN "checking for workgroups at startup\n"
+                                              "Disabling plugin functionality\n" NOT_SELECTED EXITING},
+    {"NoWorkgroupAndNoDialogs",
+     [](StartupTest& world) {
+         world.ConnectToServer();
+         world.library.workgroups.clear();
+         world.versionPrefix = "";
+     },
+     0,
+     {false, true, true},
+     {},
+     ENTERING(0) COMPATIBLE REACHED LOGGED_IN "checking for workgroups at startup\n"
+                                              "Disabling plugin functionality\n" NOT_SELECTED EXITING},
+    {"NoWorkgroupStandalone",
+     [](StartupTest& world) { world.library.workgroups.clear(); },
+     0,
+     {false, true, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED LOGGED_IN NOT_SELECTED EXITING},
+    {"SwitchedOff",
+     [](StartupTest& world) { world.framework.numbers["EnablePlugin"] = 0; },
+     0,
+     {true, true, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED LOGGED_IN "CloseFontsOnDocClose=0\n" EXITING},
+    {"TheFrameworkIsMissing",
+     [](StartupTest& world) { std::erase(world.libraries.loadable, "/plugins/TarnwickPluginFramework.so"); },
+     0,
+     {false, false, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED DISABLED "CloseFontsOnDocClose=0\n" EXITING},
+    {"ThePreferencesCannotBeUsed",
+     [](StartupTest& world) { world.framework.isStoreUsable = false; },
+     0,
+     {false, false, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED DISABLED "CloseFontsOnDocClose=0\n" EXITING},
+    {"NoInterfaceToTheFramework",
+     [](StartupTest& world) { world.libraries.exhausting = "/plugins/TarnwickPluginFramework.so"; },
+     2,
+     {false, false, true},
+     {},
+     ENTERING(1) COMPATIBLE REACHED
+     "ERROR:  the preference interface could not be made: std::bad_alloc\n" DISABLED
+     "ERROR:  the preference interface could not be made: std::bad_alloc\n" EXITING},
+};
+
+TEST_P(StartupBranch, EndsAsDocumented) {
+    const Branch& branch = GetParam();
+    branch.arrange(*this);
+    EXPECT_EQ(Start(), branch.result);
+    EXPECT_EQ(MarquellGlobals::ArePluginServicesEnabled(), branch.flags.services);
+    EXPECT_EQ(MarquellGlobals::IsConnectedToCore(), branch.flags.connected);
+    EXPECT_EQ(MarquellGlobals::IsLoggedIn(), branch.flags.loggedIn);
+    EXPECT_EQ(MarquellGlobals::IsPluginFunctionalityEnabled(), branch.flags.functionality);
+    EXPECT_EQ(framework.shownBoxes, branch.boxes);
+    EXPECT_EQ(StartupTrace(), branch.trace);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, StartupBranch, testing::ValuesIn(kBranches),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(StartupTest, AFailedFrameworkIsToldByTheSystemsOwnNotice) {
+    std::erase(libraries.loadable, "/plugins/TarnwickPluginFramework.so");
+    Start();
+    EXPECT_EQ(windowing.notices, std::vector<unsigned>{105});
+}
+
+TEST_F(StartupTest, ALaterCallOnlyCounts) {
+    EXPECT_EQ(Start(), 0u);
+    const auto boxes = framework.shownBoxes;
+    trace.Clear();
+    EXPECT_EQ(Start(), kFailed);
+    EXPECT_EQ(StartupTrace(),
+              "Entering CommonFunctionality::Startup(allowDialogs=1)\n"
+              "Early return from CommonFunctionality::Startup() because it has been called 2 times\n");
+    EXPECT_EQ(framework.shownBoxes, boxes);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+}
+
+TEST_F(StartupTest, TheOldNameOfAHostIsTranslatedAndNoOther) {
+    versions.values[{"/plugins/libPluginCore.so", "InternalName"}] = "AfterEffectsCC2015";
+    Start("AfterEffectsCC2015");
+    EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "com.vantorix.AutoActivationPlugin.AE13");
+    EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "AfterEffectsCC2015");
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Translating 'AfterEffectsCC2015' into "
+                          "'com.vantorix.AutoActivationPlugin.AE13' to support older plugins.\n"));
+    for (const char* name : {"AfterEffectsCC2015 ", "aftereffectscc2015"}) {
+        Start(name);
+        EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), name);
+    }
+}
+
+TEST_F(StartupTest, DialogsAreAllowedByAMinimumVersionInThePluginsFile) {
+    LoseAgent();
+    versionPrefix = "";
+    versions.values[{"/p/ai.plugin", "HostAppMinimumVersion"}] = "27.0";
+    versions.values[{"/p/ai.plugin", "InternalName"}] = "Illustrator2025";
+    EXPECT_EQ(Start("/p/ai.plugin"), kFailed);
+    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{602, 603}}));
+}
+
+TEST_F(StartupTest, TextsThatCannotBeTakenStopItBeforeItBegins) {
+    EXPECT_EQ(InitializeFromIdentifier(nullptr, ""), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(InitializeFromIdentifier("x", nullptr), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(InitializeFromIdentifier("\xff", ""), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(InitializeFromIdentifier("x", "\xc3"), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "");
+    EXPECT_EQ(Start(), 0u) << "and does not count";
+}
+
+// ---- The workgroup
+
+TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"},
+                          {8, kWorkgroupType_FontLibrary, "Print"}};
+    framework.chosenWorkgroup = 8;
+    framework.whileDialogShows = [] {
+        FontManagerInterface::GetSharedInstance().HandleSelectWorkgroup();
+        FontManagerInterface::GetSharedInstance().InitializeDefaultWorkgroup();
+    };
+    Start();
+    EXPECT_EQ(framework.shownDialogs, std::vector<std::string>{"SelectWorkgroup"});
+    EXPECT_THAT(
+        trace.Text(),
+        HasSubstr("*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is "
+                  "already being displayed!\n"));
+    EXPECT_EQ(FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID(), 8);
+    EXPECT_EQ(framework.numbers["CurrentWorkgroup"], 8);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+    framework.numbers["CurrentWorkgroup"] = 0;
+    FontManagerInterface::GetSharedInstance().InitializeDefaultWorkgroup();
+    EXPECT_EQ(framework.shownDialogs.size(), 1u) << "chosen already";
+}
+
+TEST_F(StartupTest, TheWorkgroupOfLastTimeServesWhileTheUserHasIt) {
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"},
+                          {8, kWorkgroupType_FontLibrary, "Print"}};
+    framework.numbers["CurrentWorkgroup"] = 8;
+    Start();
+    EXPECT_EQ(FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID(), 8);
+    EXPECT_TRUE(framework.shownDialogs.empty());
+}
+
+TEST_F(StartupTest, WithoutAChoiceServicesStayOffUntilTheHostAsks) {
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"},
+                          {8, kWorkgroupType_FontLibrary, "Print"}};
+    framework.numbers["CurrentWorkgroup"] = 9;
+    EXPECT_EQ(Start(), 0u);
+    EXPECT_EQ(framework.shownDialogs.size(), 1u) << "the one of last time is gone";
+    EXPECT_FALSE(MarquellGlobals::IsPluginFunctional());
+    bool isEnabled = false;
+    EXPECT_EQ(CheckPluginIsEnabled(false, isEnabled), 0u);
+    EXPECT_TRUE(isEnabled);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+}
+
+// ---- Whether the plug-in is enabled
+
+class PluginIsEnabledTest : public StartupTest {
+protected:
+    PluginIsEnabledTest() {
+        Start();
+        framework.shownBoxes.clear();
+        CommonFunctionality::SharedHostAppInterface()->SetRebuildWorkgroupsMenuCallback([] { ++sRebuilds; });
+        sRebuilds = 0;
+    }
+    ErrorCode Check(bool allowDialogs = true) { return CheckPluginIsEnabled(allowDialogs, isEnabled); }
+    static inline int sRebuilds = 0;
+    bool isEnabled = true;
+};
+
+TEST_F(PluginIsEnabledTest, WhileAllIsWellNobodyIsAsked) {
+    library.calls.clear();
+    EXPECT_EQ(Check(), 0u);
+    EXPECT_TRUE(isEnabled);
+    EXPECT_TRUE(library.calls.empty());
+    framework.numbers["EnablePlugin"] = 0;
+    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
+    EXPECT_FALSE(isEnabled);
+    EXPECT_TRUE(framework.shownBoxes.empty());
+}
+
+TEST_F(PluginIsEnabledTest, AnAgentThatIsGoneIsToldOnce) {
+    MarquellGlobals::SetLoggedIn(false);  // not functional: look for the agent
+    processes.running.clear();
+    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
+    EXPECT_TRUE(framework.shownBoxes.empty()) << "the plug-in was not functional before";
+    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_FALSE(MarquellGlobals::IsConnectedToCore());
+}
+
+TEST_F(PluginIsEnabledTest, AnAgentThatIsBackMakesEverythingAvailable) {
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    MarquellGlobals::SetLoggedIn(false);
+    EXPECT_EQ(Check(), 0u);
+    EXPECT_TRUE(isEnabled);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+    EXPECT_TRUE(MarquellGlobals::IsConnectedToCore());
+    EXPECT_EQ(sRebuilds, 1);
+}
+
+TEST_F(PluginIsEnabledTest, WithoutAWorkgroupOnTheServerItIsNotEnabled) {
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    ConnectToServer();
+    library.workgroups = {{4, kWorkgroupType_System, "System Fonts"}};
+    EXPECT_EQ(Check(false), CoreErrorCodes::kUnknownError);
+    EXPECT_TRUE(framework.shownBoxes.empty());
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    EXPECT_EQ(Check(true), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{620, 621}}));
+    EXPECT_FALSE(isEnabled);
+}
+
+TEST_F(PluginIsEnabledTest, ALogoutIsToldToWhoWasLoggedIn) {
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    library.isLoggedIn = false;
+    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{609, 611}}));
+    EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
+    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(framework.shownBoxes.size(), 1u);
+}
+
+}  // namespace
