@@ -69,8 +69,8 @@ constexpr int32_t kAllWorkgroupsID = -2;
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 
 // Members of a set's record, beside the workgroup's ID and name.
-inline constexpr char kSetIDMember[] = "SetID";
-inline constexpr char kSetNameMember[] = "SetName";
-inline constexpr char kFontCountMember[] = "FontCount";
+inline constexpr char kSetIDMember[] = "id";
+inline constexpr char kSetNameMember[] = "name";
+inline constexpr char kFontCountMember[] = "fontCount";
 
 }  // namespace pellwick

@@ -111,7 +111,7 @@ TEST(CommandLine, ManagesWorkgroups) {
 }
 
 int SetSize(const Json& answer) {
-    return static_cast<int>(IntegerMember(answer["set"], "FontCount"));
+    return static_cast<int>(IntegerMember(answer["set"], "fontCount"));
 }
 
 TEST(CommandLine, ManagesSets) {
