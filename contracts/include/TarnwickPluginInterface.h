@@ -10,10 +10,10 @@
  * longer than the documented time limits of the library.
  * - Functions that work on the font manager's data take the facade first. The facade is owned by the library:
  *   fetch it with GetPluginFacadeInstance before every call and never keep it.
- * - Outputs are pointers; they are untouched on failure. CoreFoundation objects follow the usual rules: what
- * comes out through a pointer named outNew... is owned by the caller and released by it; mutable arrays and
- *   dictionaries given by the caller are appended to. Strings are UTF-8 where they are plain C, without limit
- * of length unless a buffer size in bytes is given.
+ * - Outputs are pointers; they are untouched on failure unless a function says otherwise. CoreFoundation
+ * objects follow the usual rules: what comes out through a pointer named outNew... is owned by the caller and
+ * released by it; mutable arrays and dictionaries given by the caller are appended to. Strings are UTF-8
+ * where they are plain C, without limit of length unless a buffer size in bytes is given.
  * - Fonts in arrays are font records (FontRecordKeys.h) of which kGS_DatabaseIDKey alone must be there,
  * unless a function says "names", or "IDs": CFNumbers that hold database IDs.
  * - Any thread may call; calls of one process are carried out one after the other. The notification callback
@@ -101,20 +101,52 @@ enum PluginPermission {
  * The function table, in binding order: X(symbol, parameter list).
  *
  * ActivateFonts: activates `fonts` for the document and appends a font record per font that was matched to
- *   `matchedFonts`; its activation state is the one from before the request. `mode` is kGS_ActivateLocally or
- *   kGS_ActivateGlobally (null: locally).
+ * `matchedFonts`; its activation state is the one from before the request. `mode` is kGS_ActivateLocally or
+ * kGS_ActivateGlobally (null: locally).
+ *
  * ActivateDocumentFontsByPath: finds and activates `requestedFonts` (font records; kGS_PostScriptNameKey,
  * else kGS_FamilyKey and style) for the document. `matchedFonts` as above. `unmatchedFonts` receives the
  * requested record of each font that is not in the store. `reportedFonts` receives, per matched font, the
  * requested record completed by the font's own, with the activation state from after the request and the
- * record from before it under kGS_MatchedFontKey. Any of the three may be null. DeactivateFonts: lets go of
- * fonts that were activated for this process, and appends the records of those that became inactive to
- * `deactivatedFonts` (may be null). Fonts that the user activated stay active. `context` is 0.
+ * record from before it under kGS_MatchedFontKey. Any of the three may be null.
+ *
+ * AddFontsToSets: puts each of the fonts `fontIDs` (CFNumbers, database IDs) into each of the sets `setIDs`
+ * (CFNumbers, as CreateTopLevelSet gives them); a font that is in a set already stays in it. All of it or
+ * nothing: CoreErrorCodes::kNotFound when one of the fonts is unknown, GZephyrinSetManager::kSetNotFound when
+ * one of the sets is. The fonts may be in any workgroup.
+ *
+ * CreateTopLevelSet: makes an empty set in a workgroup. `name` is not blank. `outSetID` receives the number
+ * of the set, which is above 0 and never given twice. CoreErrorCodes::kItemAlreadyExists when the workgroup
+ * has a set of that name: choose another; CoreErrorCodes::kMissingParam for a blank name;
+ * GZephyrinSetManager::kWorkGroupIDDoesNotExist for an unknown workgroup,
+ * kCannotCreateSharedSetsInAllFontsWorkgroup for the ID of all workgroups together (IsAllWorkgroups),
+ * kCannotAddSetsToSystemWorkgroup for that of the system's fonts. A set goes with its workgroup. Who may make
+ * sets and add to them says kPermission_CreateSets; GZephyrinServerFacade::kNotLoggedIn while nobody is
+ * logged in.
+ *
+ * DeactivateFonts: lets go of fonts that were activated for this process, and appends the records of those
+ * that became inactive to `deactivatedFonts` (may be null). Fonts that the user activated stay active.
+ * `context` is 0.
+ *
+ * ExportFonts: copies the file of each font, each file once, into `destinationFolder` (UTF-8 path; made when
+ * missing) under the name with which it was added. A file that is there is never replaced: one of the same
+ * content counts as the copy, beside another the copy gets a number. A copy has its name when it is complete,
+ * and not before. `exportedPaths` (may be null) receives the path of each copy, also when the code is not 0:
+ * a font that cannot be copied does not keep the others from it, and the code says of one why it could not
+ * be, GZephyrinExportFonts::kFontUnavailableToExport when it is unknown or its file is missing. It is the
+ * calling thread that copies.
+ *
+ * GetAllWorkgroupsForUser: appends a workgroup record (FontRecordKeys.h) per workgroup, in the order in which
+ * they were made, and last the one that stands for all workgroups together.
+ *
  * GetClientFontActivationStates: for each of `fontIDs`, whether the font is still active on behalf of this
- * process: sets CFBooleans by CFNumber database ID. GetFontsByPostscriptName, GetFontsByFamilyName: append
- * font records, best match first. SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the
- * host's text, may be null. Column identifiers are the numbers under which GetFontInfoByID's record columns
- * are known to panels.
+ * process: sets CFBooleans by CFNumber database ID.
+ *
+ * GetFontsByPostscriptName, GetFontsByFamilyName: append font records, best match first.
+ *
+ * SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the host's text, may be null.
+ *
+ * Column identifiers are the numbers under which GetFontInfoByID's record columns are known to panels.
  */
 /* clang-format off */
 #define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \

@@ -6,9 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <utility>
+#include <vector>
 
 #include "platform/Utf8Path.h"
 
@@ -61,7 +64,52 @@ SystemError WriteAll(int descriptor, std::string_view content) {
             return LastSystemError();
         content.remove_prefix(static_cast<size_t>(written));
     }
+    return {};
+}
+
+SystemError Flush(int descriptor) {
     return fsync(descriptor) == 0 ? SystemError{} : LastSystemError();
+}
+
+SystemError CopyAll(ReadOnlyFile& source, int target) {
+    std::vector<char> piece(size_t{1} << 20);
+    for (uint64_t offset = 0;;) {
+        size_t size = 0;
+        if (const SystemError error = source.ReadAt(offset, piece.data(), piece.size(), size))
+            return error;
+        if (size == 0)
+            return Flush(target);
+        if (const SystemError error = WriteAll(target, {piece.data(), size}))
+            return error;
+        offset += size;
+    }
+}
+
+/// A new file in the folder under a name that is nobody else's, with the rights of any new file.
+Descriptor MakeTemporaryFile(const std::string& folder, std::string& path) {
+    static std::atomic<unsigned> counter{0};
+    for (;;) {
+        path = folder + "/.copy-" + std::to_string(getpid()) + "-" + std::to_string(++counter) + ".part";
+        Descriptor descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (descriptor.IsValid() || errno != EEXIST)
+            return descriptor;
+    }
+}
+
+bool Exists(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0;
+}
+
+SystemError RenameToFreeName(const std::string& from, const std::string& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return {};
+    if (errno != EINVAL && errno != ENOSYS)
+        return LastSystemError();
+    // The file system cannot promise it: looking first is the best that can be done there.
+    if (Exists(to))
+        return SystemError{EEXIST};
+    return rename(from.c_str(), to.c_str()) == 0 ? SystemError{} : LastSystemError();
 }
 
 std::string FolderOf(const std::string& path) {
@@ -183,12 +231,35 @@ SystemError WriteWholeFile(const std::string& path, std::string_view content) {
     if (!descriptor.IsValid())
         return LastSystemError();
     SystemError error = WriteAll(descriptor.Get(), content);
+    if (!error)
+        error = Flush(descriptor.Get());
     if (!error && rename(temporary.c_str(), path.c_str()) != 0)
         error = LastSystemError();
     if (error)
         unlink(temporary.c_str());
     else
         FlushFolder(FolderOf(path));
+    return error;
+}
+
+SystemError CopyToNewFile(const std::string& source, const std::string& target) {
+    if (Exists(target))
+        return SystemError{EEXIST};
+    ReadOnlyFile file;
+    if (const SystemError error = file.Open(source))
+        return error;
+    const std::string folder = FolderOf(target);
+    std::string temporary;
+    const Descriptor descriptor = MakeTemporaryFile(folder, temporary);
+    if (!descriptor.IsValid())
+        return LastSystemError();
+    SystemError error = CopyAll(file, descriptor.Get());
+    if (!error)
+        error = RenameToFreeName(temporary, target);
+    if (error)
+        unlink(temporary.c_str());
+    else
+        FlushFolder(folder);
     return error;
 }
 

@@ -154,11 +154,7 @@ public:
     /// however long that takes, so that it never stays behind as a zombie. The error of the start.
     template <class Spawn>
     static SystemError Start(const std::shared_ptr<ChildWatch>& watch, Spawn&& spawn) {
-        // The thread is no place for the host's signal handlers.
-        sigset_t all;
-        sigset_t saved;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &saved);
+        const ScopedSignalBlock block;
         SystemError error;
         try {
             std::thread([watch, &spawn] { watch->Run(spawn); }).detach();
@@ -166,7 +162,6 @@ public:
         } catch (const std::system_error& failure) {
             error.code = failure.code().value();
         }
-        pthread_sigmask(SIG_SETMASK, &saved, nullptr);
         return error;
     }
 
@@ -343,6 +338,22 @@ template <>
 Processes& SystemDefault<Processes>() {
     static LinuxProcesses processes;
     return processes;
+}
+
+struct ScopedSignalBlock::SavedMask {
+    sigset_t signals;
+};
+
+ScopedSignalBlock::ScopedSignalBlock() : mSaved(std::make_unique<SavedMask>()) {
+    sigset_t blocked;
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+        sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_BLOCK, &blocked, &mSaved->signals);
+}
+
+ScopedSignalBlock::~ScopedSignalBlock() {
+    pthread_sigmask(SIG_SETMASK, &mSaved->signals, nullptr);
 }
 
 ProcessId CurrentProcessId() {

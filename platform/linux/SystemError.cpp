@@ -9,6 +9,18 @@ bool SystemError::IsNotFound() const {
     return code == ENOENT || code == ENOTDIR;
 }
 
+bool SystemError::IsExisting() const {
+    return code == EEXIST;
+}
+
+bool SystemError::IsNotPermitted() const {
+    return code == EACCES || code == EPERM || code == EROFS;
+}
+
+bool SystemError::IsPathTooLong() const {
+    return code == ENAMETOOLONG;
+}
+
 SystemError LastSystemError() {
     return SystemError{errno};
 }

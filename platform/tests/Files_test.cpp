@@ -1,9 +1,16 @@
 #include "platform/Files.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <csignal>
 #include <filesystem>
+#include <thread>
+#include <vector>
 
 #include "TemporaryFolder.h"
 
@@ -26,6 +33,72 @@ TEST(Files, AFailedWriteKeepsTheOldFile) {
     EXPECT_TRUE(platform::WriteWholeFile(folder / "taken", "text"));  // a folder stands there
     EXPECT_TRUE(platform::WriteWholeFile(folder / "missing/file", "text"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
+}
+
+TEST(Files, ACopyIsAFileLikeAnyNewOneAndReplacesNothing) {
+    const TemporaryFolder folder;
+    const std::string content(3 << 20, 'x');
+    const std::string source = folder.Write("source", content);
+    const std::string fresh = folder.Write("any new one", "");
+    fs::permissions(source, fs::perms::owner_read);
+    ASSERT_FALSE(platform::CopyToNewFile(source, folder / "copy 字"));
+    std::string copied;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "copy 字", copied, content.size()));
+    EXPECT_TRUE(copied == content);
+    EXPECT_EQ(fs::status(folder / "copy 字").permissions(), fs::status(fresh).permissions());
+
+    fs::create_symlink("nowhere", folder / "dangling");
+    for (const char* taken : {"any new one", "dangling", "."})
+        EXPECT_TRUE(platform::CopyToNewFile(source, folder / taken).IsExisting()) << taken;
+    EXPECT_EQ(fs::file_size(fresh), 0u);
+    EXPECT_TRUE(platform::CopyToNewFile(folder / "absent", folder / "new").IsNotFound());
+    EXPECT_TRUE(platform::CopyToNewFile(source, folder / "absent/new").IsNotFound());
+    EXPECT_TRUE(platform::CopyToNewFile(source, folder / std::string(256, 'x')).IsPathTooLong());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 4);
+}
+
+TEST(Files, ACopyThatIsCutOffNeverHasItsName) {
+    const TemporaryFolder folder;
+    const std::string source = folder.Write("source", std::string(3 << 20, 'x'));
+    const auto copyWithRoomForHalf = [&](auto onTooLarge) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit limit{1 << 20, 1 << 20};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            signal(SIGXFSZ, onTooLarge);
+            _exit(platform::CopyToNewFile(source, folder / "copy") ? 1 : 0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    };
+    EXPECT_EQ(WEXITSTATUS(copyWithRoomForHalf(SIG_IGN)), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
+    EXPECT_EQ(WTERMSIG(copyWithRoomForHalf(SIG_DFL)), SIGXFSZ);  // killed in the middle
+    EXPECT_FALSE(fs::exists(folder / "copy"));
+    EXPECT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
+}
+
+TEST(Files, OfSeveralCopiesToOneNameTheFirstStays) {
+    const TemporaryFolder folder;
+    std::atomic<int> copies{0};
+    std::vector<std::thread> threads;
+    for (const char letter : {'a', 'b', 'c', 'd'}) {
+        const std::string source = folder.Write(std::string(1, letter), std::string(3 << 20, letter));
+        threads.emplace_back([&copies, &folder, source] {
+            const auto error = platform::CopyToNewFile(source, folder / "copy");
+            if (!error)
+                ++copies;
+            EXPECT_TRUE(!error || error.IsExisting());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(copies, 1);
+    std::string content;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "copy", content, 3 << 20));
+    EXPECT_TRUE(content == std::string(3 << 20, content.front()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 5);
 }
 
 TEST(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <thread>
 
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
@@ -134,4 +135,20 @@ TEST(Processes, AStartTimeTellsProcessesApart) {
 TEST(Processes, TheProcessCanCallItselfOtherwise) {
     platform::SetCurrentProcessName("Illustrator2025");
     EXPECT_EQ(Processes().CurrentName(), "Illustrator2025");
+}
+
+TEST(Processes, AThreadStartedBehindASignalBlockIsSparedTheHostsSignals) {
+    const auto blocked = [](int signal) {
+        sigset_t mask;
+        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        return sigismember(&mask, signal) == 1;
+    };
+    {
+        const platform::ScopedSignalBlock block;
+        std::thread([&] {
+            EXPECT_TRUE(blocked(SIGTERM) && blocked(SIGALRM) && blocked(SIGRTMAX));
+            EXPECT_FALSE(blocked(SIGSEGV) || blocked(SIGABRT));
+        }).join();
+    }
+    EXPECT_FALSE(blocked(SIGTERM) || blocked(SIGALRM) || blocked(SIGRTMAX));
 }

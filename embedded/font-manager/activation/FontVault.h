@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/SystemError.h"
 #include "store/FontStore.h"
@@ -13,6 +14,11 @@ std::string Sha256(const std::string& content);
 
 /// Below a folder: FOLDER/ab/abcd...ef.ttf, so that no single folder gets large.
 std::string ShardedPath(const std::string& folder, const FontFile& file);
+
+/// The files below a folder that stand under names such as ShardedPath gives, or under the temporary names of
+/// such files: no others have been made there. None where the folder is a symbolic link: what stands where
+/// the user pointed is the user's.
+std::vector<std::string> ShardedFiles(const std::string& folder);
 
 class FontVault {
 public:
@@ -26,6 +32,12 @@ public:
     platform::SystemError Store(const FontFile& file, const std::string& content) const;
     /// Removes the file; not being there is fine.
     void Remove(const FontFile& file) const;
+
+    /// Whether there is no font file in it.
+    bool IsEmpty() const;
+    /// Removes what an interrupted Store left, and whole files that are not among `known` unless these are to
+    /// be kept. How many files were removed.
+    int Sweep(const std::vector<FontFile>& known, bool keepUnknown) const;
 
 private:
     std::string mFolder;

@@ -28,30 +28,6 @@ bool LinkOrCopy(const fs::path& source, const fs::path& target) {
     return !failure;
 }
 
-/// Whether the folder itself made a file of that name: two hexadecimal digits of a checksum, then the
-/// checksum.
-bool IsLinkName(const fs::path& path) {
-    constexpr size_t kChecksumLength = 64;
-    const std::string name = platform::Utf8Text(path.filename());
-    const std::string shard = platform::Utf8Text(path.parent_path().filename());
-    return name.size() > kChecksumLength && name[kChecksumLength] == '.' &&
-           name.find_first_not_of("0123456789abcdef") == kChecksumLength && shard == name.substr(0, 2);
-}
-
-/// Files below the folder, folders left out. What cannot be read is as good as not there.
-std::vector<std::string> FilesBelow(const std::string& folder) {
-    std::vector<std::string> files;
-    std::error_code failure;
-    fs::recursive_directory_iterator entry(platform::Utf8Path(folder),
-                                           fs::directory_options::skip_permission_denied, failure);
-    for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
-        std::error_code ignored;
-        if (entry->is_symlink(ignored) || !entry->is_directory(ignored))
-            files.push_back(platform::Utf8Text(entry->path()));
-    }
-    return files;
-}
-
 }  // namespace
 
 bool LinkFolder::Has(const FontFile& file) const {
@@ -94,11 +70,8 @@ LinkFolder::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles)
             ++repairs.linked;
     }
     std::error_code failure;
-    if (fs::is_symlink(platform::Utf8Path(mFolder), failure))
-        return repairs;  // what stands where the user pointed is the user's
-    for (const std::string& path : FilesBelow(mFolder)) {
-        if (wanted.count(path) == 0 && IsLinkName(platform::Utf8Path(path)) &&
-            fs::remove(platform::Utf8Path(path), failure))
+    for (const std::string& path : ShardedFiles(mFolder)) {
+        if (wanted.count(path) == 0 && fs::remove(platform::Utf8Path(path), failure))
             ++repairs.removed;
     }
     return repairs;

@@ -11,12 +11,6 @@
 namespace pellwick {
 namespace {
 
-void RequireLogIn(CommandContext& context) {
-    if (!context.manager.settings.IsLoggedIn())
-        throw CommandError(GZephyrinServerFacade::kNotLoggedIn,
-                           "nobody is logged in; log in with \"Pellwick login NAME\"");
-}
-
 /// The fonts of one request, each activated once however often it was asked for.
 class LeasedFonts {
 public:

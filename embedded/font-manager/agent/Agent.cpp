@@ -15,10 +15,12 @@
 namespace pellwick {
 namespace {
 
-void LogStart(LogFile& log, const Server& server, const LinkFolder::Repairs& repairs) {
+void LogStart(LogFile& log, const Server& server, int swept, const LinkFolder::Repairs& repairs) {
     const int64_t now = platform::Current<platform::Clock>().Now();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
               ", " + platform::LocalTimeText(now));
+    if (swept != 0)
+        log.Write("vault put right: " + std::to_string(swept) + " removed that interrupted commands left\n");
     if (repairs.linked != 0 || repairs.removed != 0 || !repairs.missing.empty())
         log.Write("active fonts put right: " + std::to_string(repairs.linked) + " linked, " +
                   std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
@@ -27,6 +29,7 @@ void LogStart(LogFile& log, const Server& server, const LinkFolder::Repairs& rep
 
 int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     FontManager manager(locations);
+    const int swept = manager.SweepVault();
     manager.EndLeasesOfDeadProcesses();
     const LinkFolder::Repairs repairs = manager.RepairLinks();
     Server server(manager, log);
@@ -34,7 +37,7 @@ int Serve(const Locations& locations, LogFile& log, std::string& problem) {
         problem = "no folder can take the agent's socket; set XDG_RUNTIME_DIR to one that is yours alone";
         return 1;
     }
-    LogStart(log, server, repairs);
+    LogStart(log, server, swept, repairs);
     platform::NotifyReadyForInput();
     server.Run();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends\n");
@@ -72,7 +75,8 @@ int RunAgent(const Locations& locations, std::string& problem) {
         return Serve(locations, log, problem);
     } catch (const DatabaseError& error) {
         problem = locations.databasePath + ": " + error.what() +
-                  "; if it cannot be mended, move it away and add the fonts again";
+                  "; if it cannot be mended, move it away and \"Pellwick add\" the fonts in " +
+                  locations.vaultFolder;
         log.Write(problem + "\n");
         return 1;
     } catch (const std::exception& error) {

@@ -54,6 +54,7 @@ CommandTable MakeCommandTable() {
     AddLookupCommands(table);
     AddActivationCommands(table);
     AddWorkgroupCommands(table);
+    AddSetCommands(table);
     AddDocumentCommands(table);
     return table;
 }
@@ -63,6 +64,25 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
     Json result;
     const ErrorCode code = Run(table, context, request, result);
     return {code, AnswerFrame(IntegerMember(request, "id"), code, result)};
+}
+
+void RequireLogIn(CommandContext& context) {
+    if (!context.manager.settings.IsLoggedIn())
+        throw CommandError(GZephyrinServerFacade::kNotLoggedIn,
+                           "nobody is logged in; log in with \"Pellwick login NAME\"");
+}
+
+Workgroup FindWorkgroup(CommandContext& context, const std::string& name) {
+    const auto workgroup = context.manager.workgroups.FindByName(name);
+    if (!workgroup && name == kAllWorkgroupsName)
+        throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+                           "\"" + name + "\" stands for all workgroups together; name one of them");
+    if (!workgroup)
+        throw CommandError(GZephyrinSetManager::kWorkgroupNotFound,
+                           "there is no workgroup \"" + name +
+                               "\"; see \"Pellwick workgroup list\", or make it with"
+                               " \"Pellwick workgroup create\"");
+    return *workgroup;
 }
 
 void AnnounceChanges(Audience& audience, const ActivationChanges& changes) {

@@ -58,6 +58,7 @@ void AddFontCommands(CommandTable& table);
 void AddLookupCommands(CommandTable& table);
 void AddActivationCommands(CommandTable& table);
 void AddWorkgroupCommands(CommandTable& table);
+void AddSetCommands(CommandTable& table);
 void AddDocumentCommands(CommandTable& table);
 
 struct CommandAnswer {
@@ -67,6 +68,12 @@ struct CommandAnswer {
 
 /// Runs the command that a request asks for and makes the answer to send back. Never throws.
 CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, const Json& request) noexcept;
+
+/// Throws CommandError while nobody is logged in.
+void RequireLogIn(CommandContext& context);
+
+/// The workgroup of that name. Throws CommandError when there is none.
+Workgroup FindWorkgroup(CommandContext& context, const std::string& name);
 
 /// Announces fonts that became active or inactive.
 void AnnounceChanges(Audience& audience, const ActivationChanges& changes);

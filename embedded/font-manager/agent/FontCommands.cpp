@@ -28,15 +28,11 @@ Workgroup TargetWorkgroup(CommandContext& context, const Json& arguments) {
     const std::string name = StringMember(arguments, "workgroup");
     if (name.empty())
         return context.manager.CurrentWorkgroup();
-    const auto workgroup = context.manager.workgroups.FindByName(name);
-    if (!workgroup)
-        throw CommandError(
-            GZephyrinSetManager::kWorkgroupNotFound,
-            "there is no workgroup \"" + name + "\"; make it with \"Pellwick workgroup create\"");
-    if (workgroup->type == kWorkgroupType_System)
+    Workgroup workgroup = FindWorkgroup(context, name);
+    if (workgroup.type == kWorkgroupType_System)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "\"" + name + "\" always stays as it is");
-    return *workgroup;
+    return workgroup;
 }
 
 void StoreInVault(FontManager& manager, const FontFile& file, const std::string& content) {
@@ -113,9 +109,12 @@ Json RemoveFonts(CommandContext& context, const Json& arguments) {
 }
 
 Json ListFonts(CommandContext& context, const Json& arguments) {
+    FontStore& store = context.manager.fonts;
     const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
+    const auto set = static_cast<int32_t>(IntegerMember(arguments, "set"));
     Json records = Json::array();
-    for (const Font& font : context.manager.fonts.List(after, kListPageSize)) {
+    for (const Font& font :
+         set != 0 ? store.ListInSet(set, after, kListPageSize) : store.List(after, kListPageSize)) {
         Json record = FontRecord(context.manager, font);
         record[kStyleMember] = font.style;
         record["FullName"] = font.fullName;

@@ -20,11 +20,17 @@ FontManager::FontManager(const Locations& places)
       fonts(database),
       activations(database),
       workgroups(database),
+      sets(database),
       documents(database),
       settings(database),
       vault(places.vaultFolder),
       links(places.linkFolder, vault) {
-    PrepareSchema(database);
+    if (PrepareSchema(database) && vault.IsEmpty())
+        settings.NoteOwnVault();
+}
+
+int FontManager::SweepVault() {
+    return vault.Sweep(fonts.Files(), !settings.OwnsVault());
 }
 
 LinkFolder::Repairs FontManager::RepairLinks() {

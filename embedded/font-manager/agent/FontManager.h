@@ -10,6 +10,7 @@
 #include "store/Database.h"
 #include "store/DocumentStore.h"
 #include "store/FontStore.h"
+#include "store/SetStore.h"
 #include "store/SettingsStore.h"
 #include "store/WorkgroupStore.h"
 
@@ -22,6 +23,9 @@ public:
     explicit FontManager(const Locations& locations);
 
     Activation BeginActivation() { return {database, fonts, activations, links}; }
+    /// Removes from the vault what interrupted commands left there; how many files. Fonts of an earlier
+    /// database stay.
+    int SweepVault();
     /// Makes the links on disk agree with the records.
     LinkFolder::Repairs RepairLinks();
     /// Ends the leases of processes that are gone.
@@ -36,6 +40,7 @@ public:
     FontStore fonts;
     ActivationStore activations;
     WorkgroupStore workgroups;
+    SetStore sets;
     DocumentStore documents;
     SettingsStore settings;
     FontVault vault;

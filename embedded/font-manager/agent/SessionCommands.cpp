@@ -28,7 +28,7 @@ Json GetStatus(CommandContext& context, const Json&) {
     FontManager& manager = context.manager;
     return {{"process", platform::CurrentProcessId()},
             {"fonts", manager.fonts.Count()},
-            {"activeFiles", manager.fonts.ActiveFiles().size()},
+            {"activeFiles", manager.fonts.CountActiveFiles()},
             {"hosts", manager.activations.Hosts().size()},
             {"loggedIn", manager.settings.IsLoggedIn()},
             {"userName", manager.settings.UserName()},

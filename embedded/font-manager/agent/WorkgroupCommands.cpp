@@ -16,18 +16,9 @@ std::string RequiredName(const Json& arguments, const char* member) {
     return name;
 }
 
-Workgroup FindWorkgroup(CommandContext& context, const Json& arguments) {
-    const std::string name = RequiredName(arguments, "name");
-    const auto workgroup = context.manager.workgroups.FindByName(name);
-    if (!workgroup)
-        throw CommandError(GZephyrinSetManager::kWorkgroupNotFound,
-                           "there is no workgroup \"" + name + "\"; see \"Pellwick workgroup list\"");
-    return *workgroup;
-}
-
 /// One that the user may change.
 Workgroup FindOwnWorkgroup(CommandContext& context, const Json& arguments) {
-    const Workgroup workgroup = FindWorkgroup(context, arguments);
+    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments, "name"));
     if (workgroup.type == kWorkgroupType_System || workgroup.id == context.manager.DefaultWorkgroup().id)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "\"" + workgroup.name + "\" always stays as it is");
@@ -35,7 +26,7 @@ Workgroup FindOwnWorkgroup(CommandContext& context, const Json& arguments) {
 }
 
 void RefuseTakenName(CommandContext& context, const std::string& name) {
-    if (context.manager.workgroups.FindByName(name))
+    if (name == kAllWorkgroupsName || context.manager.workgroups.FindByName(name))
         throw CommandError(CoreErrorCodes::kItemAlreadyExists,
                            "there is a workgroup \"" + name + "\" already; choose another name");
 }
@@ -47,9 +38,9 @@ Json Changed(CommandContext& context) {
 
 Json ListWorkgroups(CommandContext& context, const Json&) {
     Json records = Json::array();
-    records.push_back(WorkgroupRecord({kAllWorkgroupsID, "All Fonts", kWorkgroupType_All}));
     for (const Workgroup& workgroup : context.manager.workgroups.List())
         records.push_back(WorkgroupRecord(workgroup));
+    records.push_back(WorkgroupRecord({kAllWorkgroupsID, kAllWorkgroupsName, kWorkgroupType_All}));
     return {{"workgroups", std::move(records)}, {"current", context.manager.CurrentWorkgroup().id}};
 }
 
@@ -77,12 +68,12 @@ Json DeleteWorkgroup(CommandContext& context, const Json& arguments) {
 }
 
 Json UseWorkgroup(CommandContext& context, const Json& arguments) {
-    const Workgroup workgroup = FindWorkgroup(context, arguments);
+    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments, "name"));
     if (workgroup.type == kWorkgroupType_System)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "fonts cannot be added to the system's; use another workgroup");
     context.manager.settings.SetCurrentWorkgroup(workgroup.id);
-    return Json::object();
+    return Changed(context);
 }
 
 }  // namespace

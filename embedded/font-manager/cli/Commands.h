@@ -26,4 +26,16 @@ ExitStatus ListWorkgroups(Session& session);
 ExitStatus ChangeWorkgroup(Session& session, const char* method, const std::string& name,
                            const std::string& newName = {});
 
+/// A set as the user names it; its workgroup may be left out where one set alone has the name.
+struct SetName {
+    std::string name;
+    std::string workgroup;
+};
+
+ExitStatus ListSets(Session& session, const std::string& workgroup);
+ExitStatus ShowSet(Session& session, const SetName& name);
+ExitStatus CreateSet(Session& session, const SetName& name);
+ExitStatus AddToSet(Session& session, const SetName& name, const std::vector<std::string>& fontNames);
+ExitStatus DeleteSet(Session& session, const SetName& name);
+
 }  // namespace pellwick::cli

@@ -6,6 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "cli/Commands.h"
+#include "cli/Fonts.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
@@ -104,47 +105,6 @@ void PrintAddResult(const AddResult& result) {
         PrintLine(std::to_string(result.skipped) + " other files left alone");
 }
 
-void PrintFonts(const Json& fonts, const char* action) {
-    for (const Json& font : fonts)
-        PrintLine(std::string(action) + " " + StringMember(font, kGS_PostScriptNameKey));
-}
-
-const char* StateText(long long state) {
-    switch (state) {
-        case kFontActivationState_ActivatedByUser:
-            return "active";
-        case kFontActivationState_ActivatedByPlugin:
-            return "in use";
-        case kFontActivationState_Missing:
-            return "missing";
-        default:
-            return "-";
-    }
-}
-
-void PrintFontRow(const Json& font) {
-    std::printf("%6lld  %-7s  %-40s  %s, %s (%s)\n", IntegerMember(font, kGS_DatabaseIDKey),
-                StateText(IntegerMember(font, kGS_ActivationStateKey)),
-                StringMember(font, kGS_PostScriptNameKey).c_str(), StringMember(font, kGS_FamilyKey).c_str(),
-                StringMember(font, "Style").c_str(), StringMember(font, kGS_FontKindKey).c_str());
-}
-
-/// The fonts that go by these names. A name that no font goes by is reported and makes `isComplete` false.
-Json FindFonts(Session& session, const std::vector<std::string>& names, bool& isComplete) {
-    Json fonts = Json::array();
-    isComplete = true;
-    for (const std::string& name : names) {
-        const Json found = session.Call(method::kFindByAnyName, {{"name", name}});
-        if (ArrayMember(found, "fonts").empty()) {
-            isComplete = false;
-            std::fprintf(stderr, "Pellwick: no font is called \"%s\"; see \"Pellwick list\"\n", name.c_str());
-        }
-        for (const Json& font : ArrayMember(found, "fonts"))
-            fonts.push_back(font);
-    }
-    return fonts;
-}
-
 }  // namespace
 
 ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, const std::string& workgroup) {
@@ -190,23 +150,9 @@ ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) 
 
 ExitStatus ListFonts(Session& session) {
     session.StartAgentIfNeeded();
-    Json all = Json::array();
-    long long after = 0;
-    for (;;) {
-        const Json page = session.Call(method::kListFonts, {{"after", after}});
-        const Json& fonts = ArrayMember(page, "fonts");
-        if (fonts.empty())
-            break;
-        after = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
-        for (const Json& font : fonts) {
-            if (session.PrintsJson())
-                all.push_back(font);
-            else
-                PrintFontRow(font);
-        }
-    }
+    const Json fonts = ListFontsBy(session, Json::object());
     if (session.PrintsJson())
-        PrintJson({{"fonts", all}});
+        PrintJson({{"fonts", fonts}});
     return kExit_Done;
 }
 

@@ -69,10 +69,33 @@ void DescribeWorkgroupCommands(CLI::App& app, Arguments& arguments, Action& chos
         return command;
     };
     withName("create", "Make a workgroup", method::kCreateWorkgroup);
-    withName("delete", "Delete a workgroup; its fonts stay", method::kDeleteWorkgroup);
+    withName("delete", "Delete a workgroup and its sets; its fonts stay", method::kDeleteWorkgroup);
     withName("use", "Put new fonts into a workgroup", method::kUseWorkgroup);
     withName("rename", "Rename a workgroup", method::kRenameWorkgroup)
         ->add_option("NEW", arguments.newName, "The new name")
+        ->required();
+}
+
+void DescribeSetCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    CLI::App& set = *app.add_subcommand("set", "Sets of fonts")->require_subcommand(1)->fallthrough();
+    AddCommand(set, chosen, "list", "List the sets", [&](Session& session) {
+        return ListSets(session, arguments.workgroup);
+    })->add_option("--workgroup", arguments.workgroup, "List the sets of this workgroup alone");
+    const auto withName = [&](const char* name, const char* description, const char* workgroup, auto run) {
+        auto* command = AddCommand(set, chosen, name, description, [&arguments, run](Session& session) {
+            return run(session, SetName{arguments.name, arguments.workgroup});
+        });
+        command->add_option("NAME", arguments.name, "The set's name")->required();
+        command->add_option("--workgroup", arguments.workgroup, workgroup);
+        return command;
+    };
+    constexpr char kTellApart[] = "The set's workgroup, where several have a set of the name";
+    withName("show", "List the fonts of a set", kTellApart, ShowSet);
+    withName("create", "Make a set", "Where to make it; else where new fonts go", CreateSet);
+    withName("delete", "Delete a set; its fonts stay", kTellApart, DeleteSet);
+    withName("add", "Add fonts to a set", kTellApart,
+             [&](Session& session, const SetName& name) { return AddToSet(session, name, arguments.words); })
+        ->add_option("FONT", arguments.words, "PostScript name, family, family and style, or number")
         ->required();
 }
 
@@ -108,6 +131,7 @@ int Run(int count, char** words) {
     DescribeFontCommands(app, arguments, chosen);
     DescribeSettingsCommands(app, arguments, chosen);
     DescribeWorkgroupCommands(app, arguments, chosen);
+    DescribeSetCommands(app, arguments, chosen);
     try {
         app.parse(count, words);
     } catch (const CLI::ParseError& error) {

@@ -38,6 +38,11 @@ constexpr int kSchemaVersion = 1;
     X(kRenameWorkgroup, "RenameWorkgroup")             \
     X(kDeleteWorkgroup, "DeleteWorkgroup")             \
     X(kUseWorkgroup, "UseWorkgroup")                   \
+    X(kListSets, "ListSets")                           \
+    X(kFindSet, "FindSet")                             \
+    X(kCreateSet, "CreateSet")                         \
+    X(kDeleteSet, "DeleteSet")                         \
+    X(kAddFontsToSets, "AddFontsToSets")               \
     X(kActivateFonts, "ActivateFonts")                 \
     X(kActivateDocumentFonts, "ActivateDocumentFonts") \
     X(kDeactivateFonts, "DeactivateFonts")             \
@@ -59,7 +64,13 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 #undef PELLWICK_METHOD_CONSTANT
 }  // namespace method
 
-/// The workgroup ID that stands for all workgroups together.
+/// The workgroup ID that stands for all workgroups together, and its name.
 constexpr int32_t kAllWorkgroupsID = -2;
+inline constexpr char kAllWorkgroupsName[] = "All Fonts";
+
+// Members of a set's record, beside the workgroup's ID and name.
+inline constexpr char kSetIDMember[] = "id";
+inline constexpr char kSetNameMember[] = "name";
+inline constexpr char kFontCountMember[] = "fontCount";
 
 }  // namespace pellwick

@@ -2,7 +2,6 @@
 
 #include <nlohmann/json.hpp>
 #include <set>
-#include <system_error>
 
 #include "FontRecordKeys.h"
 #include "common/Limits.h"
@@ -14,25 +13,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool HoldsSameContent(const std::string& left, const std::string& right) {
+bool HoldSameContent(const std::string& left, const std::string& right) {
+    uint64_t leftSize = 0;
+    uint64_t rightSize = 0;
+    if (platform::FileSize(left, leftSize) || platform::FileSize(right, rightSize) || leftSize != rightSize)
+        return false;
     std::string leftContent;
     std::string rightContent;
     return !platform::ReadWholeFile(left, leftContent, kMaxFontFileSize) &&
            !platform::ReadWholeFile(right, rightContent, kMaxFontFileSize) && leftContent == rightContent;
 }
 
-/// FOLDER/NAME.ttf, FOLDER/NAME 2.ttf and so on: the first that is free or holds the same content.
-fs::path FindTarget(const fs::path& folder, const fs::path& name, const std::string& source) {
-    fs::path target = folder / name;
-    std::error_code ignored;
-    for (int number = 2; fs::exists(target, ignored) && !HoldsSameContent(source, platform::Utf8Text(target));
-         ++number) {
-        fs::path numbered = name.stem();
-        numbered += " " + std::to_string(number);
-        numbered += name.extension();
-        target = folder / numbered;
-    }
-    return target;
+/// NAME.ttf, NAME 2.ttf, NAME 3.ttf and so on.
+fs::path NumberedName(const fs::path& name, int number) {
+    if (number == 1)
+        return name;
+    fs::path numbered = name.stem();
+    numbered += " " + std::to_string(number);
+    numbered += name.extension();
+    return numbered;
+}
+
+ErrorCode CodeOf(const platform::SystemError& error) {
+    if (error.IsNotPermitted())
+        return GZephyrinExportFonts::kCannotWriteToDestinationFolder;
+    if (error.IsPathTooLong())
+        return GZephyrinExportFonts::kPathTooLong;
+    return GZephyrinExportFonts::kCouldNotCopyFile;
 }
 
 }  // namespace
@@ -40,34 +47,36 @@ fs::path FindTarget(const fs::path& folder, const fs::path& name, const std::str
 ErrorCode FontExporter::Export(const Json& fonts) {
     if (fonts.empty())
         return GZephyrinExportFonts::kNoFontsToExport;
-    std::error_code failure;
-    fs::create_directories(platform::Utf8Path(mFolder), failure);
-    if (!fs::is_directory(platform::Utf8Path(mFolder), failure))
+    if (platform::MakeFolders(mFolder))
         return GZephyrinExportFonts::kCouldNotCreateFolder;
+    ErrorCode firstFailure = CoreErrorCodes::kSuccess;
     std::set<std::string> checksums;
     for (const Json& font : fonts) {
         if (!checksums.insert(StringMember(font, kGS_ChecksumKey)).second)
             continue;
         const ErrorCode code = ExportFont(font);
-        if (code != CoreErrorCodes::kSuccess)
-            return code;
+        if (firstFailure == CoreErrorCodes::kSuccess)
+            firstFailure = code;
     }
-    return CoreErrorCodes::kSuccess;
+    return firstFailure;
 }
 
 ErrorCode FontExporter::ExportFont(const Json& font) {
     const std::string source = StringMember(font, kGS_PathKey);
     if (!platform::IsExistingFile(source))
         return GZephyrinExportFonts::kFontUnavailableToExport;
+    const fs::path folder = platform::Utf8Path(mFolder);
     const fs::path name = platform::Utf8Path(StringMember(font, kGS_OutlineFileNameKey)).filename();
-    const fs::path target = FindTarget(platform::Utf8Path(mFolder), name, source);
-    std::error_code failure;
-    if (!fs::exists(target, failure))
-        fs::copy_file(platform::Utf8Path(source), target, failure);
-    if (failure)
-        return GZephyrinExportFonts::kCouldNotCopyFile;
-    mPaths.push_back(platform::Utf8Text(target));
-    return CoreErrorCodes::kSuccess;
+    for (int number = 1;; ++number) {
+        const std::string target = platform::Utf8Text(folder / NumberedName(name, number));
+        const platform::SystemError error = platform::CopyToNewFile(source, target);
+        if (error && !error.IsExisting())
+            return CodeOf(error);
+        if (error && !HoldSameContent(source, target))
+            continue;
+        mPaths.push_back(target);
+        return CoreErrorCodes::kSuccess;
+    }
 }
 
 }  // namespace pellwick

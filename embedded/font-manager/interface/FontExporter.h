@@ -14,9 +14,10 @@ public:
     explicit FontExporter(std::string folder) : mFolder(std::move(folder)) {}
 
     /// Copies the file of each font record, each file once; the folder is made when it is missing. A file of
-    /// that name with another content stays, and the copy gets a number. On failure what was copied before
-    /// remains and is in Paths.
+    /// that name with another content stays, and the copy gets a number; one with the same content counts as
+    /// the copy. A font that cannot be copied keeps no other from it: the code is that of the first of them.
     [[nodiscard]] ErrorCode Export(const Json& fonts);
+    /// The copies, one path for each file.
     const std::vector<std::string>& Paths() const { return mPaths; }
 
 private:

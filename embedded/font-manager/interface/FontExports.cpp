@@ -186,9 +186,15 @@ uint32_t ExportFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef desti
         code = Call(facade, method::kGetFonts, {{"fonts", JsonFromCF(fonts)}}, result);
         if (code != CoreErrorCodes::kSuccess)
             return code;
+        const Json& known = ArrayMember(result, "fonts");
+        const auto askedFor = static_cast<size_t>(CFArrayGetCount(fonts));
+        if (known.empty() && askedFor != 0)
+            return GZephyrinExportFonts::kFontUnavailableToExport;
         // Copying may take long, so it is not the agent that does it.
         FontExporter exporter(cf::ToUtf8(destinationFolder));
-        code = exporter.Export(ArrayMember(result, "fonts"));
+        code = exporter.Export(known);
+        if (code == CoreErrorCodes::kSuccess && known.size() != askedFor)
+            code = GZephyrinExportFonts::kFontUnavailableToExport;
         for (const std::string& path : exporter.Paths())
             if (exportedPaths != nullptr)
                 cf::Append(exportedPaths, path);

@@ -8,6 +8,7 @@
 #include "common/Protocol.h"
 #include "interface/CFJson.h"
 #include "interface/Exports.h"
+#include "platform/Processes.h"
 
 namespace pellwick {
 
@@ -60,13 +61,12 @@ ErrorCode NotificationListener::Add(PluginNotificationCallback callback) {
     const std::lock_guard control(mControlLock);
     {
         const std::lock_guard guard(mCallbacksLock);
-        if (std::find(mCallbacks.begin(), mCallbacks.end(), callback) != mCallbacks.end())
-            return CoreErrorCodes::kSuccess;
-        mCallbacks.push_back(callback);
+        if (std::find(mCallbacks.begin(), mCallbacks.end(), callback) == mCallbacks.end())
+            mCallbacks.push_back(callback);
     }
     if (mListening && !mListening->isStopped)
         return CoreErrorCodes::kSuccess;
-    const ErrorCode code = Start().get();
+    const ErrorCode code = Guarded([this] { return Start().get(); });
     if (code != CoreErrorCodes::kSuccess) {
         Stop();
         const std::lock_guard guard(mCallbacksLock);
@@ -109,14 +109,20 @@ void NotificationListener::Reconnect() {
         if (mCallbacks.empty())
             return;
     }
-    Start();
+    // Without a thread the facade is as good as ever; the next Add tries again.
+    (void)Guarded([this] {
+        Start();
+        return CoreErrorCodes::kSuccess;
+    });
 }
 
 std::future<ErrorCode> NotificationListener::Start() {
     Stop();
-    mListening = std::make_shared<Listening>();
-    std::future<ErrorCode> subscribed = mListening->subscribed.get_future();
-    mThread = std::thread([this, listening = mListening] { Listen(listening); });
+    auto listening = std::make_shared<Listening>();
+    std::future<ErrorCode> subscribed = listening->subscribed.get_future();
+    const platform::ScopedSignalBlock block;
+    mThread = std::thread([this, listening] { Listen(listening); });
+    mListening = std::move(listening);  // not before there is a thread that it is about
     return subscribed;
 }
 

@@ -15,7 +15,7 @@
 namespace pellwick {
 
 /// Has a thread and a connection of its own while there are callbacks. Any thread may call; the callbacks run
-/// on the listener's.
+/// on the listener's, which the host's signals do not reach.
 class NotificationListener {
 public:
     NotificationListener() = default;
@@ -24,7 +24,7 @@ public:
     NotificationListener& operator=(const NotificationListener&) = delete;
 
     /// From now on the callback is called. A second time changes nothing. Fails, and forgets the callback,
-    /// when the agent cannot be reached.
+    /// when the agent cannot be reached or no thread can be had.
     [[nodiscard]] ErrorCode Add(PluginNotificationCallback callback);
     /// When this returns the callback does not run any more and will not again; called by the callback
     /// itself, it is the last time.
@@ -36,6 +36,7 @@ public:
 private:
     struct Listening;
 
+    /// What becomes of the subscription. Throws, and changes nothing, when no thread can be had.
     std::future<ErrorCode> Start();
     void Stop();
     void Listen(const std::shared_ptr<Listening>& listening);

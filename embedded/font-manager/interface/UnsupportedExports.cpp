@@ -6,8 +6,6 @@
         return CoreErrorCodes::kNotImplemented; \
     }
 
-UNSUPPORTED(AddFontsToSets, (PluginFacadeRef, CFArrayRef, CFArrayRef))
-UNSUPPORTED(CreateTopLevelSet, (PluginFacadeRef, CFStringRef, int32_t, int32_t*))
 UNSUPPORTED(EnableDesignActivation, (PluginFacadeRef, uint32_t, bool, bool, CFMutableArrayRef))
 UNSUPPORTED(PreviewActivateFonts, (PluginFacadeRef, CFArrayRef, bool))
 UNSUPPORTED(GetGoogleFonts, (PluginFacadeRef, CFMutableArrayRef))

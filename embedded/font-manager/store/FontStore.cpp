@@ -21,6 +21,12 @@ namespace {
 static_assert(kFontActivationState_Missing == 7 && kFontActivationState_ActivatedByUser == 1 &&
               kFontActivationState_ActivatedByPlugin == 2);
 
+#define SELECT_FILES "SELECT id, checksum, name, extension, size FROM files "
+
+#define SELECT_ACTIVE_FILE_IDS                       \
+    "SELECT DISTINCT file_id FROM fonts WHERE id IN" \
+    " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases)"
+
 constexpr char kSelectActiveFontOfFile[] =
     "SELECT 1 FROM fonts f WHERE f.file_id = ?"
     " AND (EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)"
@@ -51,6 +57,17 @@ std::vector<Font> AllRows(Statement& statement) {
     while (statement.Step())
         fonts.push_back(FontOfRow(statement));
     return fonts;
+}
+
+FontFile FileOfRow(const Statement& row) {
+    return {row.Integer(0), row.Text(1), row.Text(2), row.Text(3), static_cast<uint64_t>(row.Integer(4))};
+}
+
+std::vector<FontFile> AllFiles(Statement& statement) {
+    std::vector<FontFile> files;
+    while (statement.Step())
+        files.push_back(FileOfRow(statement));
+    return files;
 }
 
 void AddLookupNames(Database& database, int64_t fontID, const FontFace& face) {
@@ -85,12 +102,10 @@ std::string SimplifyName(std::string_view name) {
 }
 
 std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
-    Statement query =
-        mDatabase.Prepare("SELECT id, checksum, name, extension, size FROM files WHERE checksum = ?");
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE checksum = ?");
     if (!query.Bind(checksum).Step())
         return std::nullopt;
-    return FontFile{query.Integer(0), query.Text(1), query.Text(2), query.Text(3),
-                    static_cast<uint64_t>(query.Integer(4))};
+    return FileOfRow(query);
 }
 
 int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
@@ -152,21 +167,31 @@ std::vector<Font> FontStore::List(uint32_t after, int limit) {
     return AllRows(query.Bind(after, limit));
 }
 
+std::vector<Font> FontStore::ListInSet(int32_t setID, uint32_t after, int limit) {
+    Statement query = mDatabase.Prepare(SELECT_FONTS
+                                        "JOIN set_fonts sf ON sf.font_id = f.id"
+                                        " WHERE sf.set_id = ? AND f.id > ? ORDER BY f.id LIMIT ?");
+    return AllRows(query.Bind(setID, after, limit));
+}
+
 int64_t FontStore::Count() {
     Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM fonts");
     return query.Step() ? query.Integer(0) : 0;
 }
 
 std::vector<FontFile> FontStore::ActiveFiles() {
-    Statement query = mDatabase.Prepare(
-        "SELECT id, checksum, name, extension, size FROM files WHERE id IN (SELECT file_id FROM fonts WHERE "
-        "id IN"
-        " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases))");
-    std::vector<FontFile> files;
-    while (query.Step())
-        files.push_back({query.Integer(0), query.Text(1), query.Text(2), query.Text(3),
-                         static_cast<uint64_t>(query.Integer(4))});
-    return files;
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE id IN (" SELECT_ACTIVE_FILE_IDS ")");
+    return AllFiles(query);
+}
+
+int64_t FontStore::CountActiveFiles() {
+    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM (" SELECT_ACTIVE_FILE_IDS ")");
+    return query.Step() ? query.Integer(0) : 0;
+}
+
+std::vector<FontFile> FontStore::Files() {
+    Statement query = mDatabase.Prepare(SELECT_FILES);
+    return AllFiles(query);
 }
 
 bool FontStore::IsFileActive(int64_t fileID) {

@@ -54,6 +54,8 @@ public:
 
     /// The file with that checksum.
     std::optional<FontFile> FindFile(const std::string& checksum);
+    /// Every file that there should be in the vault.
+    std::vector<FontFile> Files();
     /// Adds a file and its faces; the file's new ID.
     int64_t Add(const FontFile& file, const std::vector<FontFace>& faces);
     /// Removes a file and all its fonts.
@@ -70,9 +72,12 @@ public:
     std::vector<Font> FindByLookupName(const std::string& name);
     /// Up to `limit` fonts with a larger ID than `after`, by ID.
     std::vector<Font> List(uint32_t after, int limit);
+    /// The same of the fonts that are in a set.
+    std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
     int64_t Count();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
+    int64_t CountActiveFiles();
     bool IsFileActive(int64_t fileID);
 
 private:

@@ -117,17 +117,18 @@ int64_t SchemaVersionOf(Database& database) {
 
 }  // namespace
 
-void PrepareSchema(Database& database) {
+bool PrepareSchema(Database& database) {
     database.Execute(kSettings);
     const int64_t version = SchemaVersionOf(database);
     if (version == kSchemaVersion)
-        return;
+        return false;
     if (version != 0)
         throw DatabaseError(CoreErrorCodes::kVersionMismatch,
                             "the font database was made by a newer version of Pellwick");
     Transaction transaction(database);
     MakeTables(database);
     transaction.Commit();
+    return true;
 }
 
 }  // namespace pellwick

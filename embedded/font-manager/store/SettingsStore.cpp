@@ -12,6 +12,7 @@ constexpr char kUserName[] = "userName";
 constexpr char kStandalone[] = "standalone";
 constexpr char kGoogleWebFonts[] = "googleWebFonts";
 constexpr char kCurrentWorkgroup[] = "currentWorkgroup";
+constexpr char kOwnsVault[] = "ownsVault";
 constexpr char kYes[] = "1";
 constexpr char kNo[] = "0";
 
@@ -60,6 +61,14 @@ int32_t SettingsStore::CurrentWorkgroup() {
 
 void SettingsStore::SetCurrentWorkgroup(int32_t workgroupID) {
     Set(kCurrentWorkgroup, std::to_string(workgroupID));
+}
+
+bool SettingsStore::OwnsVault() {
+    return Get(kOwnsVault, kNo) == kYes;
+}
+
+void SettingsStore::NoteOwnVault() {
+    Set(kOwnsVault, kYes);
 }
 
 std::string SettingsStore::Get(const char* name, const std::string& missing) {

@@ -31,6 +31,11 @@ public:
     int32_t CurrentWorkgroup();
     void SetCurrentWorkgroup(int32_t workgroupID);
 
+    /// Whether all in the vault came with this database. Where one was lost and a new one made, fonts that it
+    /// does not know may be the user's only copies.
+    bool OwnsVault();
+    void NoteOwnVault();
+
 private:
     std::string Get(const char* name, const std::string& missing);
     void Set(const char* name, const std::string& value);

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "FontRecordKeys.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "store/Schema.h"
 #include "tests/support/TestWorld.h"
@@ -78,6 +79,12 @@ TEST_F(ActivationTest, KeepsAFileLinkedWhileAnyOfItsFontsIsHeldByAnybody) {
     EXPECT_TRUE(mWorld.LinkedFiles().empty());
 }
 
+TEST_F(ActivationTest, NobodyWritesToAFontByMistake) {
+    Lease(0, kHost);
+    EXPECT_EQ(std::filesystem::status(platform::Utf8Path(mLinks.PathOf(mFile))).permissions(),
+              std::filesystem::perms::owner_read);
+}
+
 TEST_F(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
     Apply([&](Activation& activation) { EXPECT_TRUE(activation.ActivateForUser(FontAt(0))); });
     EXPECT_TRUE(Lease(0, kHost).activated.empty());
@@ -103,6 +110,8 @@ TEST_F(ActivationTest, NotesAFileThatTheVaultHasLost) {
     mVault.Remove(mFile);
     Apply([&](Activation& activation) { EXPECT_FALSE(activation.Lease(FontAt(0), kHost, "document")); });
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
+    ASSERT_FALSE(mVault.Store(mFile, "cut off"));
+    Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
     ASSERT_FALSE(mVault.Store(mFile, mContent));
     EXPECT_EQ(Lease(0, kHost).activated, std::vector{mIDs[0]});
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
@@ -135,6 +144,19 @@ TEST_F(ActivationTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
     EXPECT_EQ(mLinks.Repair({}).removed, 0);
 }
 
+TEST_F(ActivationTest, SweepTakesFromTheVaultWhatNoRecordKnows) {
+    const std::string unknown = "vault/ab/ab" + std::string(62, '0') + ".ttf";
+    const std::string own = "vault/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc";
+    for (const std::string& name : {unknown, own + ".Qw3rTy", std::string("vault/zz/mine.ttf")})
+        mWorld.Write(name, "content");
+    EXPECT_EQ(mVault.Sweep(mFonts.Files(), true), 1);  // half a file, whoever made it
+    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path(unknown)));
+    EXPECT_EQ(mVault.Sweep(mFonts.Files(), false), 1);
+    EXPECT_FALSE(platform::IsExistingFile(mWorld.Path(unknown)));
+    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path("vault/zz/mine.ttf")));
+    EXPECT_TRUE(mVault.Has(mFile));
+}
+
 TEST_F(ActivationTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
     std::filesystem::remove(platform::Utf8Path(mLinks.PathOf(mFile)));
@@ -148,7 +170,8 @@ TEST_F(ActivationTest, RepairMakesTheLinksAgreeWithTheRecords) {
         platform::Utf8Path(mLinks.PathOf(mFile)));  // or the vault's file would be cut as well
     mWorld.Write("data/fonts/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc", "cut");
     mLinks.Repair(mFonts.ActiveFiles());
-    EXPECT_TRUE(mLinks.Has(mFile));
+    EXPECT_TRUE(std::filesystem::equivalent(platform::Utf8Path(mLinks.PathOf(mFile)),
+                                            platform::Utf8Path(mVault.PathOf(mFile))));
 
     mVault.Remove(mFile);
     std::filesystem::remove(platform::Utf8Path(mLinks.PathOf(mFile)));

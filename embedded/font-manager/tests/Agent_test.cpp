@@ -1,4 +1,5 @@
 // The agent and its command line, as programs.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,6 +28,16 @@ std::vector<std::string> NamesOf(const Json& fonts) {
     for (const Json& font : fonts)
         names.push_back(StringMember(font, kGS_PostScriptNameKey));
     return names;
+}
+
+std::vector<std::filesystem::path> FilesInVault() {
+    const auto vault = platform::Utf8Path(Locations::OfThisUser().vaultFolder);
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    }
+    return files;
 }
 
 TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
@@ -62,12 +73,15 @@ TEST(CommandLine, ActivatesAndRemovesByAnyName) {
     EXPECT_EQ(world.LinkedFiles().size(), 2u);
     world.RunForJson({"deactivate", "Sample-Italic"});
     EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.RunForJson({"status"})["activeFiles"], 1);
+    EXPECT_EQ(FilesInVault().size(), 2u);
     const ProgramResult unknown = world.Run({"activate", "Nowhere"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
     world.RunForJson({"remove", "Sample-Bold"});
     EXPECT_TRUE(world.LinkedFiles().empty());
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
+    EXPECT_EQ(FilesInVault().size(), 1u);
 }
 
 TEST(CommandLine, SaysWhatToDoWhenThereIsNoAgent) {
@@ -94,6 +108,69 @@ TEST(CommandLine, ManagesWorkgroups) {
     world.RunForJson({"workgroup", "delete", "Done"});
     EXPECT_EQ(world.RunForJson({"list"})["fonts"][0][kGS_WorkgroupNameKey], "Font Library (LOCALIZE ME)");
     EXPECT_EQ(world.Run({"workgroup", "delete", "System Fonts"}).status, 1);
+}
+
+int SetSize(const Json& answer) {
+    return static_cast<int>(IntegerMember(answer["set"], "fontCount"));
+}
+
+TEST(CommandLine, ManagesSets) {
+    TestWorld world;
+    world.WriteFont("Sample-Bold");
+    world.WriteFont("Sample-Italic");
+    world.WriteFont("Other-Regular");
+    world.RunForJson({"add", world.Path("fonts")});
+    EXPECT_EQ(world.RunForJson({"set", "create", "Poster"})["set"][kGS_WorkgroupNameKey],
+              "Font Library (LOCALIZE ME)");
+    world.RunForJson({"workgroup", "create", "Project"});
+    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
+    EXPECT_EQ(world.RunForJson({"set", "add", "Poster", "Sample", "--workgroup", "Project"})["added"], 2);
+    const ProgramResult partly = world.Run(
+        {"set", "add", "Poster", "Sample-Bold", "Nowhere", "Other-Regular", "--workgroup", "Project"});
+    EXPECT_EQ(partly.status, 1);
+    EXPECT_NE(partly.errors.find("no font is called \"Nowhere\""), std::string::npos);
+    const Json shown = world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"});
+    EXPECT_EQ(SetSize(shown), 3);
+    EXPECT_EQ(shown["fonts"].size(), 3u);
+    EXPECT_EQ(world.Run({"set", "list"}).output,
+              "     0 fonts  Poster in Font Library (LOCALIZE ME)\n     3 fonts  Poster in Project\n");
+    EXPECT_EQ(world.RunForJson({"set", "list", "--workgroup", "Project"})["sets"].size(), 1u);
+
+    world.RunForJson({"remove", "Sample-Bold"});
+    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"})), 2);
+    world.RunForJson({"workgroup", "delete", "Project"});
+    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster"})), 0);
+    EXPECT_EQ(world.RunForJson({"list"})["fonts"].size(), 2u);
+    world.RunForJson({"set", "delete", "Poster"});
+    EXPECT_TRUE(world.RunForJson({"set", "list"})["sets"].empty());
+}
+
+TEST(CommandLine, SaysWhatIsWrongAboutASet) {
+    TestWorld world;
+    world.RunForJson({"workgroup", "create", "Project"});
+    world.RunForJson({"set", "create", "Poster"});
+    const auto refusal = [&](const std::vector<std::string>& arguments) {
+        const ProgramResult result = world.Run(arguments);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+        return result.errors;
+    };
+    EXPECT_THAT(refusal({"set", "create", "Poster"}), testing::HasSubstr("already; choose another name"));
+    EXPECT_THAT(refusal({"set", "create", " "}), testing::HasSubstr("give the set's name"));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "Nowhere"}),
+                testing::HasSubstr("no workgroup \"Nowhere\""));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "All Fonts"}),
+                testing::HasSubstr("name one of them"));
+    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "System Fonts"}),
+                testing::HasSubstr("choose another workgroup"));
+    EXPECT_THAT(refusal({"workgroup", "create", "All Fonts"}), testing::HasSubstr("choose another name"));
+    EXPECT_THAT(refusal({"set", "show", "Poster", "--workgroup", "Project"}),
+                testing::HasSubstr("no set \"Poster\""));
+    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
+    EXPECT_THAT(refusal({"set", "delete", "Poster"}), testing::HasSubstr("choose one with --workgroup"));
+    world.RunForJson({"logout"});
+    EXPECT_THAT(refusal({"set", "create", "Flyer"}), testing::HasSubstr("nobody is logged in"));
+    EXPECT_EQ(world.RunForJson({"set", "list"})["sets"].size(), 2u);
 }
 
 TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
@@ -133,23 +210,61 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     EXPECT_EQ(world.LinkedFiles(), links);
 }
 
+std::string AgentLog() {
+    std::string log;
+    platform::ReadWholeFile(Locations::OfThisUser().logFolder + "/Pellwick.log", log, 1 << 20);
+    return log;
+}
+
+TEST(Agent, SweepsTheVaultOfItsDatabaseAndSparesThatOfALostOne) {
+    TestWorld world;
+    world.StartAgent();
+    world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", world.Path("fonts")});
+    world.KillAgent(SIGKILL);
+    const std::string shard = "data/Vantorix/Pellwick/vault/00/";
+    const std::string whole = world.Write(shard + std::string(64, '0') + ".ttf", "added, but not recorded");
+    const std::string half = world.Write(shard + std::string(64, '0') + ".ttf.a1B2c3", "cut off");
+    world.StartAgent();
+    EXPECT_FALSE(platform::IsExistingFile(whole));
+    EXPECT_FALSE(platform::IsExistingFile(half));
+    EXPECT_THAT(AgentLog(), testing::HasSubstr("vault put right: 2 removed"));
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+
+    world.KillAgent(SIGTERM);
+    std::filesystem::remove(platform::Utf8Path(Locations::OfThisUser().databasePath));
+    for (int start = 0; start < 2; ++start) {
+        world.StartAgent();
+        EXPECT_TRUE(world.RunForJson({"list"})["fonts"].empty());
+        world.KillAgent(SIGTERM);
+    }
+    world.StartAgent();
+    const Json added = world.RunForJson({"add", Locations::OfThisUser().vaultFolder});
+    EXPECT_EQ(NamesOf(added["added"]), std::vector<std::string>{"Sample-Bold"});
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+}
+
 TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     TestWorld world;
     world.StartAgent();
     const std::string font = world.WriteFont("Sample-Bold");
     world.RunForJson({"add", font});
     const auto state = [&] { return world.RunForJson({"list"})["fonts"][0]["ActivationStatus"].get<int>(); };
-    const auto vault = platform::Utf8Path(world.Path("data/Vantorix/Pellwick/vault"));
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
-        if (entry.is_regular_file())
-            std::filesystem::remove(entry.path());
-    }
+    const auto emptyVault = [] {
+        for (const auto& file : FilesInVault())
+            std::filesystem::remove(file);
+    };
+    emptyVault();
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);
     EXPECT_EQ(state(), kFontActivationState_Missing);
     world.RunForJson({"add", font});
     EXPECT_EQ(state(), kFontActivationState_Inactive);
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
     EXPECT_EQ(world.Run({"add", font, "--workgroup", "System Fonts"}).status, 1);
+    world.KillAgent(SIGTERM);
+    emptyVault();
+    world.StartAgent();
+    EXPECT_EQ(state(), kFontActivationState_Missing);
 }
 
 TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
@@ -203,6 +318,7 @@ TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     RawClient half;
     half.Send(std::string("\x20\0\0\0ha", 6));  // and then nothing: it may wait for as long as it likes
     EXPECT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}, result), CoreErrorCodes::kVersionMismatch);
     EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);
     EXPECT_EQ(good.Call("GetFont", {{"font", "x"}}, result), CoreErrorCodes::kNotFound);
 }
@@ -221,11 +337,8 @@ TEST(Agent, DropsASubscriberThatDoesNotRead) {
     for (int id = 1; id <= 64; ++id)
         requests += *EncodeMessage({{"id", id}, {"method", "GetStatus"}});
     greedy.Send(requests);
-    EXPECT_TRUE(Eventually([&] {
-        std::string log;
-        platform::ReadWholeFile(Locations::OfThisUser().logFolder + "/Pellwick.log", log, 1 << 20);
-        return log.find("dropped a client that does not read") != std::string::npos;
-    }));
+    EXPECT_TRUE(Eventually(
+        [&] { return AgentLog().find("dropped a client that does not read") != std::string::npos; }));
     EXPECT_EQ(good.Call("LogIn", {{"name", "me"}}, result), CoreErrorCodes::kSuccess);
 }
 

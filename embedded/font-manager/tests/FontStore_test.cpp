@@ -7,7 +7,9 @@
 #include "common/Protocol.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
+#include "store/DocumentStore.h"
 #include "store/Schema.h"
+#include "store/SetStore.h"
 #include "store/WorkgroupStore.h"
 
 namespace pellwick {
@@ -86,6 +88,9 @@ TEST_F(FontStoreTest, KnowsActivationStates) {
     EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
     activations.AddUserActivation(font);
     EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
+    EXPECT_TRUE(activations.HasLease({10, 20}, font));
+    EXPECT_FALSE(activations.HasLease({10, 22}, font));
+    EXPECT_FALSE(activations.HasLease({11, 20}, font));
     EXPECT_TRUE(activations.RemoveUserActivation(font));
     EXPECT_TRUE(activations.EndLeases({10, 20}, font));
     EXPECT_FALSE(activations.EndLeases({10, 20}, font));
@@ -119,6 +124,53 @@ TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
     EXPECT_TRUE(workgroups.HasFont(heir, alone));
     EXPECT_FALSE(workgroups.HasFont(heir, shared));
     EXPECT_TRUE(workgroups.HasFont(other, shared));
+}
+
+TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {
+    WorkgroupStore workgroups(mDatabase);
+    SetStore sets(mDatabase);
+    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
+    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_FontLibrary);
+    const uint32_t removed = Add("Removed", "Removed", "Regular");
+    const uint32_t kept = Add("Kept", "Kept", "Regular");
+    const uint32_t elsewhere = Add("Elsewhere", "Elsewhere", "Regular");
+    const int32_t doomed = sets.Create(deleted, "Poster");
+    const int32_t staying = sets.Create(heir, "Poster");
+    for (const uint32_t font : {kept, removed, elsewhere})
+        EXPECT_TRUE(sets.AddFont(doomed, font));
+    EXPECT_TRUE(sets.AddFont(staying, removed));
+    EXPECT_TRUE(sets.AddFont(staying, kept));
+    EXPECT_FALSE(sets.AddFont(staying, kept));
+    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 2u);
+    EXPECT_EQ(mFonts.ListInSet(doomed, 0, 2).size(), 2u);
+
+    mFonts.RemoveFile(mFonts.Find(removed)->file.id);
+    workgroups.Delete(deleted, heir);
+    EXPECT_FALSE(sets.Find(doomed));
+    ASSERT_EQ(sets.FindByName("Poster").size(), 1u);
+    EXPECT_EQ(sets.Find(staying)->fontCount, 1);
+    ASSERT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 1u);
+    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10)[0].id, kept);
+    EXPECT_TRUE(mFonts.ListInSet(staying, kept, 10).empty());
+    EXPECT_TRUE(mFonts.Find(elsewhere));
+    EXPECT_THROW(sets.AddFont(doomed, kept), DatabaseError);
+}
+
+TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
+    DocumentStore documents(mDatabase);
+    const uint32_t first = Add("First", "First", "Regular");
+    const uint32_t second = Add("Second", "Second", "Regular");
+    const auto recorded = [&] {
+        Statement query = mDatabase.Prepare("SELECT SUM(font_id) FROM document_fonts");
+        return query.Step() ? query.Integer(0) : -1;
+    };
+    documents.SaveFonts("/document", {first}, false);
+    documents.SaveFonts("/document", {first, second}, false);
+    EXPECT_EQ(recorded(), first + second);
+    documents.SaveFonts("/document", {second}, true);
+    EXPECT_EQ(recorded(), second);
+    EXPECT_TRUE(documents.Clear("/document"));
+    EXPECT_EQ(recorded(), 0);
 }
 
 TEST(Database, TakesBackATransactionThatIsNotCommitted) {

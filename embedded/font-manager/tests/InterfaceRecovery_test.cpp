@@ -1,11 +1,16 @@
 // Agents and hosts that die, freeze or come back, and the notifications.
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
+#include <iterator>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <vector>
 
 #include "tests/support/TestLibrary.h"
@@ -14,9 +19,48 @@
 namespace pellwick::test {
 namespace {
 
+/// What the callbacks below were told, in order: the type, and the font ID or the kind of server where there
+/// is one.
+struct Notes {
+    using Note = std::pair<int32_t, int64_t>;
+
+    std::mutex notesLock;
+    std::vector<Note> received;
+    std::atomic<bool> reachedBySignals{false};
+
+    void Clear() {
+        const std::lock_guard guard(notesLock);
+        received.clear();
+        reachedBySignals = false;
+    }
+    void Add(int32_t type, const void* data) {
+        const std::lock_guard guard(notesLock);
+        int64_t about = 0;
+        if (type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated)
+            about = *static_cast<const uint32_t*>(data);
+        if (type == kPluginCallback_LoggedIn)
+            about = cf::GetInt64(cf::As<CFDictionaryRef>(data), "serverType").value_or(-1);
+        received.emplace_back(type, about);
+        sigset_t blocked;
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        if (!sigismember(&blocked, SIGTERM) || !sigismember(&blocked, SIGALRM))
+            reachedBySignals = true;
+    }
+    bool Has(int32_t type) {
+        const std::lock_guard guard(notesLock);
+        return std::find(received.begin(), received.end(), Note(type, 0)) != received.end();
+    }
+};
+Notes notes;
+
+void Note(int32_t type, const void* data) {
+    notes.Add(type, data);
+}
+
 class RecoveryTest : public testing::Test {
 protected:
     void SetUp() override {
+        notes.Clear();
         mWorld.StartAgent();
         mWorld.WriteFont("Sample-Bold");
         mWorld.WriteFont("Sample-Italic");
@@ -127,47 +171,88 @@ TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
     EXPECT_TRUE(mWorld.LinkedFiles().empty());
 }
 
-/// What the callbacks below were told, in order: the type, and the font ID where there is one.
-struct Notes {
-    std::mutex notesLock;
-    std::vector<std::pair<int32_t, uint32_t>> received;
-
-    void Add(int32_t type, const void* data) {
-        const std::lock_guard guard(notesLock);
-        const bool hasFont = type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated;
-        received.emplace_back(type, hasFont ? *static_cast<const uint32_t*>(data) : 0);
-    }
-    bool Has(int32_t type, uint32_t font = 0) {
-        const std::lock_guard guard(notesLock);
-        return std::find(received.begin(), received.end(), std::pair(type, font)) != received.end();
-    }
-};
-Notes notes;
-
-void Note(int32_t type, const void* data) {
-    notes.Add(type, data);
-}
-
 TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    const auto font = static_cast<uint32_t>(mLibrary.Activate("/document", {"Sample-Bold"}).front());
+    const int64_t font = mLibrary.Activate("/document", {"Sample-Bold"}).front();
     mLibrary.Deactivate({font});
-    mWorld.RunForJson({"logout"});
-    mWorld.RunForJson({"login", "somebody"});
-    mWorld.RunForJson({"workgroup", "create", "Project"});
-    mWorld.RunForJson({"standalone", "off"});
-    mWorld.RunForJson({"standalone", "on"});
-    for (const int32_t type :
-         {kPluginCallback_LoggedOut, kPluginCallback_LoggedIn, kPluginCallback_WorkgroupsChanged,
-          kPluginCallback_WentOnline, kPluginCallback_WentOffline})
-        EXPECT_TRUE(Eventually([&] { return notes.Has(type); })) << type;
-    EXPECT_TRUE(notes.Has(kPluginCallback_FontActivated, font));
-    EXPECT_TRUE(notes.Has(kPluginCallback_FontDeactivated, font));
-    EXPECT_EQ(notes.received.size(), 7u);  // each once, though it was registered twice
+    for (const char* command :
+         {"logout", "login somebody", "workgroup create Project", "workgroup rename Project Done",
+          "workgroup use Done", "workgroup delete Done", "standalone off", "standalone on", "standalone on",
+          "set create Poster", "set add Poster Sample-Bold", "set add Poster Sample-Bold",
+          "set delete Poster", "logout"}) {
+        std::istringstream words(command);
+        mWorld.RunForJson({std::istream_iterator<std::string>(words), {}});
+    }
+    const std::vector<Notes::Note> expected = {
+        {kPluginCallback_FontActivated, font},  {kPluginCallback_FontDeactivated, font},
+        {kPluginCallback_LoggedOut, 0},         {kPluginCallback_LoggedIn, 0},
+        {kPluginCallback_WorkgroupsChanged, 0}, {kPluginCallback_WorkgroupsChanged, 0},
+        {kPluginCallback_WorkgroupsChanged, 0}, {kPluginCallback_WorkgroupsChanged, 0},
+        {kPluginCallback_WentOnline, 0},        {kPluginCallback_WentOffline, 0},
+        {kPluginCallback_PanelDataChanged, 0},  {kPluginCallback_PanelDataChanged, 0},
+        {kPluginCallback_PanelDataChanged, 0},  {kPluginCallback_LoggedOut, 0}};
+    EXPECT_TRUE(Eventually([&] {
+        const std::lock_guard guard(notes.notesLock);
+        return notes.received.size() >= expected.size();
+    }));
     EXPECT_EQ(mLibrary.UnregisterForNotifications(mLibrary.Facade(), Note), 0u);
+    EXPECT_EQ(notes.received, expected);  // each once, though it was registered twice
+    EXPECT_FALSE(notes.reachedBySignals);
+    mWorld.RunForJson({"login", "somebody"});
+    EXPECT_EQ(notes.received, expected);
+}
+
+/// While it lives, this process gets no further threads: none could have a stack of that size.
+class NoFurtherThreads {
+public:
+    NoFurtherThreads() {
+        pthread_getattr_default_np(&mSaved);
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, size_t{1} << 50);
+        pthread_setattr_default_np(&attributes);
+        pthread_attr_destroy(&attributes);
+    }
+    ~NoFurtherThreads() {
+        pthread_setattr_default_np(&mSaved);
+        pthread_attr_destroy(&mSaved);
+    }
+    NoFurtherThreads(const NoFurtherThreads&) = delete;
+    NoFurtherThreads& operator=(const NoFurtherThreads&) = delete;
+
+private:
+    pthread_attr_t mSaved;
+};
+
+std::atomic<int> callsOfAnother{0};
+
+void CountCall(int32_t, const void*) {
+    ++callsOfAnother;
+}
+
+TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
+    {
+        const NoFurtherThreads noFurtherThreads;
+        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), CountCall), 0u);
+    }
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
     mWorld.RunForJson({"logout"});
-    EXPECT_EQ(notes.received.size(), 7u);
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    mWorld.RunForJson({"login", "somebody"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    EXPECT_EQ(callsOfAnother, 0);
+
+    mLibrary.ResetPluginFacadeInstance();
+    {
+        const NoFurtherThreads noFurtherThreads;
+        EXPECT_NE(mLibrary.Facade(), nullptr);
+        EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    }
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    mWorld.RunForJson({"standalone", "off"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_WentOnline); }));
 }
 
 TEST_F(RecoveryTest, TheEndOfTheAgentIsNotifiedAndANewOneIsHeardAfterAReset) {

@@ -1,6 +1,7 @@
 // What a plug-in gets from the interface library while all is well.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -23,9 +24,32 @@ protected:
     }
     void TearDown() override { mLibrary.CleanUpOnShutdown(); }
 
+    using Exported = std::pair<ErrorCode, std::vector<std::string>>;
+
+    /// Exports fonts: the code, and the paths.
+    Exported Export(const std::vector<int64_t>& fontIDs, const std::string& folder) {
+        const auto paths = cf::MutableArray();
+        Exported exported;
+        exported.first = mLibrary.ExportFonts(mLibrary.Facade(), IDsArray(fontIDs).get(),
+                                              cf::String(folder).get(), paths.get());
+        for (CFIndex index = 0; index < cf::Count(paths.get()); ++index)
+            exported.second.push_back(cf::ToUtf8(cf::Get<CFStringRef>(paths.get(), index)));
+        return exported;
+    }
+    /// Where the font's file stands.
+    std::string PathOf(int64_t fontID) {
+        CFDictionaryRef font = nullptr;
+        EXPECT_EQ(mLibrary.GetFontInfoByID(mLibrary.Facade(), static_cast<uint32_t>(fontID), &font), 0u);
+        return cf::GetString(AdoptCF(font).get(), kGS_PathKey);
+    }
+
     TestWorld mWorld;
     TestLibrary mLibrary;
 };
+
+// The workgroups of a fresh machine.
+constexpr int32_t kLibraryID = 1;
+constexpr int32_t kSystemID = 2;
 
 CFDictionaryRef RecordAt(const CFRef<CFMutableArrayRef>& array, CFIndex index) {
     return cf::Get<CFDictionaryRef>(array.get(), index);
@@ -138,14 +162,14 @@ TEST_F(InterfaceTest, AnswersForAFreshMachine) {
     std::vector<int64_t> types;
     for (CFIndex index = 0; index < cf::Count(workgroups.get()); ++index)
         types.push_back(*cf::GetInt64(RecordAt(workgroups, index), kGS_WorkgroupTypeKey));
-    EXPECT_EQ(types, (std::vector<int64_t>{2, 1, 4}));
+    EXPECT_EQ(types, (std::vector<int64_t>{1, 4, 2}));
     int32_t system = 0;
     EXPECT_EQ(mLibrary.GetSystemWorkgroupID(facade, &system), 0u);
-    EXPECT_EQ(cf::GetInt64(RecordAt(workgroups, 2), kGS_WorkgroupIDKey), system);
+    EXPECT_EQ(cf::GetInt64(RecordAt(workgroups, 1), kGS_WorkgroupIDKey), system);
     bool isAll = false;
     EXPECT_EQ(
         mLibrary.IsAllWorkgroups(
-            facade, static_cast<int32_t>(*cf::GetInt64(RecordAt(workgroups, 0), kGS_WorkgroupIDKey)), &isAll),
+            facade, static_cast<int32_t>(*cf::GetInt64(RecordAt(workgroups, 2), kGS_WorkgroupIDKey)), &isAll),
         0u);
     EXPECT_TRUE(isAll);
 }
@@ -165,26 +189,90 @@ TEST_F(InterfaceTest, NothingIsActivatedOrPermittedForAUserWhoIsLoggedOut) {
 TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
     const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "Sample-Italic"});
     const std::string folder = mWorld.Path("Gesammelte \u5b57\u4f53");
-    const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", "another file");
+    std::string otherContent = MakeTestFont({"Sample-Bold", "Sample", "Bold", "1.0"});
+    otherContent.back() ^= 1;  // another file of the same size
+    const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", otherContent);
     bool canExport = false;
     EXPECT_EQ(mLibrary.CanExportFonts(mLibrary.Facade(), IDsArray(ids).get(), &canExport), 0u);
     EXPECT_TRUE(canExport);
     EXPECT_EQ(mLibrary.CanExportFonts(mLibrary.Facade(), IDsArray({ids[0], 999}).get(), &canExport), 0u);
     EXPECT_FALSE(canExport);
     for (int time = 0; time < 2; ++time) {  // the second time finds its own files
-        const auto paths = cf::MutableArray();
-        ASSERT_EQ(mLibrary.ExportFonts(mLibrary.Facade(), IDsArray(ids).get(), cf::String(folder).get(),
-                                       paths.get()),
-                  0u);
-        ASSERT_EQ(cf::Count(paths.get()), 2);
-        EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(paths.get(), 0)), folder + "/Sample-Bold-1.0 2.ttf");
-        EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(paths.get(), 1)), folder + "/Sample-Italic-1.0.ttf");
+        EXPECT_EQ(Export(ids, folder),
+                  (Exported{0, {folder + "/Sample-Bold-1.0 2.ttf", folder + "/Sample-Italic-1.0.ttf"}}));
     }
     std::string content;
-    platform::ReadWholeFile(other, content, 1000);
-    EXPECT_EQ(content, "another file");
-    EXPECT_EQ(mLibrary.ExportFonts(mLibrary.Facade(), IDsArray({}).get(), cf::String(folder).get(), nullptr),
-              GZephyrinExportFonts::kNoFontsToExport);
+    platform::ReadWholeFile(other, content, otherContent.size());
+    EXPECT_TRUE(content == otherContent);
+    EXPECT_EQ(Export({}, folder).first, GZephyrinExportFonts::kNoFontsToExport);
+    EXPECT_EQ(Export(ids, other).first, GZephyrinExportFonts::kCouldNotCreateFolder);
+}
+
+TEST_F(InterfaceTest, ExportsEachFileOnceAndTheOthersWhenOneIsMissing) {
+    mWorld.Write("more/Collection.ttc", MakeTestFontCollection({{"One", "One"}, {"Two", "Two"}}));
+    mWorld.RunForJson({"add", mWorld.Path("more")});
+    const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "One", "Two", "Sample-Italic"});
+    ASSERT_EQ(ids.size(), 4u);
+    std::filesystem::remove(PathOf(ids[0]));
+    const std::string folder = mWorld.Path("exported");
+    const auto [code, paths] = Export({999, ids[0], ids[1], ids[2], ids[3]}, folder);
+    EXPECT_EQ(code, GZephyrinExportFonts::kFontUnavailableToExport);
+    EXPECT_EQ(paths,
+              (std::vector<std::string>{folder + "/Collection.ttc", folder + "/Sample-Italic-1.0.ttf"}));
+    EXPECT_EQ(Export({ids[3], 999}, folder).first, GZephyrinExportFonts::kFontUnavailableToExport);
+    EXPECT_EQ(Export({999}, folder).first, GZephyrinExportFonts::kFontUnavailableToExport);
+    for (const int64_t face : {ids[1], ids[2]})  // one at a time comes to the same
+        EXPECT_EQ(Export({face}, folder), (Exported{0, {folder + "/Collection.ttc"}}));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+}
+
+TEST_F(InterfaceTest, ExportsNothingUnderANameThatWouldBeTooLong) {
+    const std::string name = std::string(251, 'x') + ".ttf";
+    mWorld.Write("long/" + name, MakeTestFont({"Long", "Long"}));
+    mWorld.RunForJson({"add", mWorld.Path("long")});
+    const auto ids = mLibrary.Activate("/document", {"Long"});
+    mWorld.Write("exported/" + name, "another file");
+    EXPECT_EQ(Export(ids, mWorld.Path("exported")), (Exported{GZephyrinExportFonts::kPathTooLong, {}}));
+    EXPECT_EQ(Export(ids, mWorld.Path("elsewhere")), (Exported{0, {mWorld.Path("elsewhere/" + name)}}));
+}
+
+TEST_F(InterfaceTest, PutsFontsTogetherInSets) {
+    const PluginFacadeRef facade = mLibrary.Facade();
+    const auto create = [&](const char* name, int32_t workgroup, int32_t& set) {
+        return mLibrary.CreateTopLevelSet(facade, cf::String(name).get(), workgroup, &set);
+    };
+    const auto add = [&](const std::vector<int64_t>& fonts, const std::vector<int64_t>& sets) {
+        return mLibrary.AddFontsToSets(facade, IDsArray(fonts).get(), IDsArray(sets).get());
+    };
+    const auto size = [&](const char* name) {
+        return mWorld.RunForJson({"set", "show", name})["fonts"].size();
+    };
+    int32_t poster = 0;
+    int32_t flyer = 0;
+    ASSERT_EQ(create("Plakat \u5b57\u4f53", kLibraryID, poster), 0u);
+    ASSERT_EQ(create("Flyer", kLibraryID, flyer), 0u);
+    int32_t untouched = -5;
+    EXPECT_EQ(create("Flyer", kLibraryID, untouched), CoreErrorCodes::kItemAlreadyExists);
+    EXPECT_EQ(create("", kLibraryID, untouched), CoreErrorCodes::kMissingParam);
+    EXPECT_EQ(create("New", -2, untouched), GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup);
+    EXPECT_EQ(create("New", kSystemID, untouched), GZephyrinSetManager::kCannotAddSetsToSystemWorkgroup);
+    EXPECT_EQ(create("New", 999, untouched), GZephyrinSetManager::kWorkGroupIDDoesNotExist);
+    EXPECT_EQ(untouched, -5);
+
+    const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "Sample-Italic"});
+    EXPECT_EQ(add({ids[0], 999}, {poster}), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(add({ids[0], -1}, {poster}), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(add(ids, {poster, 999}), GZephyrinSetManager::kSetNotFound);
+    EXPECT_EQ(add(ids, {poster, (int64_t{1} << 32) + flyer}), GZephyrinSetManager::kSetNotFound);
+    EXPECT_EQ(size("Plakat \u5b57\u4f53"), 0u);
+    EXPECT_EQ(add({ids[0]}, {poster, flyer}), 0u);
+    EXPECT_EQ(add(ids, {poster}), 0u);
+    EXPECT_EQ(size("Plakat \u5b57\u4f53"), 2u);
+    EXPECT_EQ(size("Flyer"), 1u);
+
+    mWorld.RunForJson({"logout"});
+    EXPECT_EQ(create("New", kLibraryID, untouched), GZephyrinServerFacade::kNotLoggedIn);
+    EXPECT_EQ(add(ids, {flyer}), GZephyrinServerFacade::kNotLoggedIn);
 }
 
 TEST_F(InterfaceTest, RemembersWhatADocumentUses) {

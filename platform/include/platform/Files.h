@@ -50,6 +50,10 @@ SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_
 /// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
 /// one: temporary name, flush, rename, flush of the folder. The file is for this user only.
 SystemError WriteWholeFile(const std::string& path, std::string_view content);
+/// Copies the regular file `source` to a name that is free. A reader, or a system that stops half-way, finds
+/// the whole copy or none: temporary name in the same folder, flush, rename, flush of the folder. What stands
+/// at `target` is never replaced: SystemError::IsExisting, at once. The copy has the rights of any new file.
+SystemError CopyToNewFile(const std::string& source, const std::string& target);
 /// Removes the temporary files that WriteWholeFile(path) left in processes that were killed. Only where a
 /// lock keeps all others from writing that file meanwhile.
 void RemoveAbandonedWrites(const std::string& path);

@@ -55,6 +55,21 @@ public:
 template <>
 Processes& SystemDefault<Processes>();
 
+/// Keeps signals away from the calling thread, and from threads that it starts, for as long as it lives:
+/// a thread of ours is no place for a host's handlers. Those by which the system reports a fault of the
+/// thread itself still arrive. Windows: does nothing. To be destroyed by the thread that made it.
+class ScopedSignalBlock {
+public:
+    ScopedSignalBlock();
+    ~ScopedSignalBlock();
+    ScopedSignalBlock(const ScopedSignalBlock&) = delete;
+    ScopedSignalBlock& operator=(const ScopedSignalBlock&) = delete;
+
+private:
+    struct SavedMask;
+    std::unique_ptr<SavedMask> mSaved;
+};
+
 /// This process's identifier.
 ProcessId CurrentProcessId();
 /// A number that together with the identifier names one process for as long as the system runs; 0 when there

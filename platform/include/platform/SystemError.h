@@ -11,6 +11,11 @@ struct SystemError {
     explicit operator bool() const { return code != 0; }
     /// The file, or a folder on the way to it, is not there.
     bool IsNotFound() const;
+    /// Something of that name is there.
+    bool IsExisting() const;
+    /// This user, or nobody, may do that there.
+    bool IsNotPermitted() const;
+    bool IsPathTooLong() const;
 };
 
 /// The calling thread's last error.
