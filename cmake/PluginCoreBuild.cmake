@@ -26,6 +26,8 @@ target_compile_options(plugincore-build-options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Werror $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
   # Paths in log lines are relative to the repository, whatever folder it was cloned into.
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+# Debug builds check the bounds of containers.
+target_compile_definitions(plugincore-build-options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 target_link_libraries(plugincore-build-options INTERFACE Threads::Threads)
 if(PLUGINCORE_SANITIZE)
   target_compile_options(plugincore-build-options INTERFACE

@@ -1,15 +1,20 @@
 // status, login, logout, standalone, workgroup, stop, launch-info.
+#include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "FontRecordKeys.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
+#include "platform/Processes.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
 namespace {
+
+constexpr std::chrono::seconds kPatienceWithEndingAgent{10};
 
 ExitStatus Run(Session& session, const char* method, const Json& arguments) {
     session.StartAgentIfNeeded();
@@ -30,6 +35,17 @@ void PrintStatus(const Json& status) {
     PrintLine("workgroup   " + StringMember(status, "workgroup"));
     PrintLine("data        " + StringMember(status, "dataFolder"));
     PrintLine("active in   " + StringMember(status, "linkFolder"));
+}
+
+/// So that who comes next does not find a process that is about to go.
+void WaitForEndOf(platform::ProcessId agent) {
+    const auto giveUpAt = std::chrono::steady_clock::now() + kPatienceWithEndingAgent;
+    while (platform::ProcessStartTime(agent) != 0) {
+        if (std::chrono::steady_clock::now() > giveUpAt)
+            throw Failure(kExit_CouldNot, "the agent was told to end, but process " + std::to_string(agent) +
+                                              " still runs; see Pellwick.log");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 }  // namespace
@@ -57,6 +73,7 @@ ExitStatus SetStandalone(Session& session, bool isStandalone) {
 
 ExitStatus StopAgent(Session& session) {
     const Json answer = session.Call(method::kStop, Json::object());
+    WaitForEndOf(static_cast<platform::ProcessId>(IntegerMember(answer, "process")));
     if (session.PrintsJson())
         PrintJson(answer);
     return kExit_Done;
