@@ -69,6 +69,12 @@ void Perform(Symbol<kIndexOfGetRunningStandalone>, PluginFacadeRef, bool* outIsS
 void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool* outIsRunning) {
     *outIsRunning = current->isAgentRunning;
 }
+void Perform(Symbol<kIndexOfCanExportFonts>, PluginFacadeRef, CFArrayRef, bool* outCanExport) {
+    *outCanExport = current->canExport;
+}
+void Perform(Symbol<kIndexOfGetAreSchemaVersionsInSync>, PluginFacadeRef, bool* outAreInSync) {
+    *outAreInSync = current->areSchemaVersionsInSync;
+}
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
 }

@@ -36,6 +36,8 @@ public:
     bool isLoggedIn = true;
     bool isStandalone = true;
     bool isAgentRunning = true;
+    bool canExport = false;
+    bool areSchemaVersionsInSync = false;
     std::vector<std::pair<uint32_t, std::string>>
         fonts;                                ///< what is matched by any request: ID, PostScript name
     std::vector<std::string> unmatchedFonts;  ///< PostScript names, of any request

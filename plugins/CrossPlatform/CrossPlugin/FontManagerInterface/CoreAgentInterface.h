@@ -63,6 +63,10 @@ public:
     [[nodiscard]] ErrorCode GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                     std::vector<Workgroup>& workgroups);
 
+    /// Reacts to what the agent reported since the last call; to be called when the host is idle. The status
+    /// of those who were told.
+    ErrorCode ProcessNotifications();
+
     /// Lets the interface library release what it holds for this process. The agent is not started for it.
     void CleanUpOnShutdown();
 
@@ -94,6 +98,8 @@ private:
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);
+    /// Has the agent report to the notification queue. Does nothing when it does so already.
+    void ListenForNotifications();
     ErrorCode InitializeSdk();
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();

@@ -1,6 +1,7 @@
 #include "FontManagerInterface.h"
 
 #include "MarquellGlobals.h"
+#include "NotificationQueue.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
 #include "platform/DynamicLibrary.h"
@@ -46,6 +47,7 @@ bool FontManagerInterface::CreateFontManager() {
     }
     sm_pFontManager = mFontManagers.emplace_back(std::make_unique<CoreAgentInterface>()).get();
     SetFontManagerAccess(this);
+    NotificationQueue::GetSharedInstance().Open();
     sm_pFontManager->InitializeCoreAgent();
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
@@ -80,6 +82,7 @@ void FontManagerInterface::ReleaseFontManager() {
     if (lock.Status() != CoreErrorCodes::kSuccess || sm_pFontManager == nullptr)
         return;
     sm_pFontManager->CleanUpOnShutdown();
+    NotificationQueue::GetSharedInstance().Close();
     SetFontManagerAccess(nullptr);
     sm_pFontManager = nullptr;
 }

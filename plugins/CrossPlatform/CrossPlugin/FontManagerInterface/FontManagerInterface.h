@@ -39,7 +39,9 @@ public:
     /// The workgroup to work in; nothing while none was chosen.
     std::optional<int32_t> GetDefaultWorkgroupID() const { return mDefaultWorkgroupID; }
     void SetDefaultWorkgroupID(int32_t workgroupID);
-    /// Works in that workgroup from now on, and after the next start.
+    /// Works in none when the user does not have the workgroup any more.
+    void ForgetWorkgroupThatIsGone();
+    /// Works in that workgroup from now on, and after the next start; plug-in services are enabled.
     void SetCurrentWorkgroup(int32_t workgroupID);
     /// The same for a name as shown to the user; kNotFound when the user has no workgroup of that name.
     ErrorCode SetCurrentWorkgroup(CFStringRef name);

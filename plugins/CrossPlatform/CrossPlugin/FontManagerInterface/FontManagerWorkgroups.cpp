@@ -64,10 +64,8 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     });
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
-    if (const auto chosen = ChooseWorkgroup()) {
+    if (const auto chosen = ChooseWorkgroup())
         SetCurrentWorkgroup(*chosen);
-        MarquellGlobals::SetPluginServicesEnabled(true);
-    }
 }
 
 std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
@@ -91,11 +89,18 @@ void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
     if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
         preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
+    if (!MarquellGlobals::ArePluginServicesEnabled())  // as they are while there is no workgroup to work in
+        MarquellGlobals::SetPluginServicesEnabled(true);
 }
 
 void FontManagerInterface::SetDefaultWorkgroupID(int32_t workgroupID) {
     LogMessage(0, "Calling FontManagerInterface::SetDefaultWorkgroupID(workgroupID=%d)", workgroupID);
     mDefaultWorkgroupID = workgroupID;
+}
+
+void FontManagerInterface::ForgetWorkgroupThatIsGone() {
+    if (mDefaultWorkgroupID && !Holds(WorkgroupsToChooseFrom(), *mDefaultWorkgroupID))
+        mDefaultWorkgroupID.reset();
 }
 
 ErrorCode FontManagerInterface::SetCurrentWorkgroup(CFStringRef name) {
