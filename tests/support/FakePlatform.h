@@ -81,7 +81,9 @@ public:
         return found != values.end() ? std::optional(found->second) : std::nullopt;
     }
     std::optional<std::string> FromModuleAt(const void* address, const char* key,
-                                            platform::SystemError& error) override {
+                                            platform::SystemError& error, size_t* resourceSize) override {
+        if (resourceSize != nullptr)
+            *resourceSize = values.size();
         return FromFile(platform::Current<platform::DynamicLibraries>().PathOfModuleAt(address), key, error);
     }
 

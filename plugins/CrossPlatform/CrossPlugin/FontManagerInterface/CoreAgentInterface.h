@@ -54,6 +54,14 @@ public:
     /// Adds the fonts of the records to the set.
     [[nodiscard]] ErrorCode AddFontsToSet(CFArrayRef fonts, int32_t setID);
 
+    /// Appends the records of the fonts with that PostScript name in the workgroup, best match first.
+    [[nodiscard]] ErrorCode GetFontsByPostscriptName(const std::string& name, int32_t workgroupID,
+                                                     CFMutableArrayRef fonts);
+    /// The fingerprint of a font as XML; empty when it has none.
+    [[nodiscard]] ErrorCode GetGlyphscanInfo(uint32_t databaseID, std::string& xml);
+    /// The workgroup of the system's own fonts. Asked for once; 0xFFFFFFFF when it cannot be told.
+    int32_t GetSystemWorkgroupID();
+
     bool IsLoggedIn();
     bool IsRunningStandalone();
     bool CanExportFromWorkgroup(CFArrayRef fonts);

@@ -7,13 +7,28 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/VersionResource.h"
 
+namespace {
+
+constexpr size_t kLongestModulePath = 1024;
+
+}  // namespace
+
 std::string FontManagerInterface::StringValueFromVersionResourceCopy(const char* fieldName) {
     static const char addressInThisModule = 0;
     LogMessage(0, "Entering StringValueFromVersionResourceCopy(fieldName \"%s\")", fieldName);
     const std::string path =
         platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&addressInThisModule);
+    const bool isTooLong = path.size() >= kLongestModulePath;
+    if (isTooLong)
+        LogMessage(0, "*** ERROR:  Buffer not large enough for plugin DLL file path!");
+    LogMessage(0, "Plugin DLL file path is \"%s\"%s", path.substr(0, kLongestModulePath - 1).c_str(),
+               isTooLong ? " (TRUNCATED!!!)" : "");
     platform::SystemError error;
-    const auto value = platform::Current<platform::VersionResources>().FromFile(path, fieldName, error);
+    size_t size = 0;
+    const auto value = platform::Current<platform::VersionResources>().FromModuleAt(&addressInThisModule,
+                                                                                    fieldName, error, &size);
+    if (!error)
+        LogMessage(0, "Got version resource info of size %d bytes.", static_cast<int>(size));
     return value.value_or("x.x.x.x");
 }
 

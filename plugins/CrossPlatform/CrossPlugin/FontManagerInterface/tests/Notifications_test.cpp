@@ -1,15 +1,9 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <thread>
 
-#include "CapturedTrace.h"
-#include "FakeFramework.h"
-#include "FakeInterfaceLibrary.h"
-#include "FakePlatform.h"
-#include "FontManagerInterface.h"
-#include "MarquellGlobals.h"
+#include "FacadeTest.h"
 #include "NotificationProcessor.h"
 #include "NotificationQueue.h"
 
@@ -17,8 +11,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-FakeFramework* frameworkToMake = nullptr;
 
 /// Keeps what the panels would get.
 class FakeReceiver : public NotificationReceiver {
@@ -42,48 +34,22 @@ public:
     void OnWorkgroupsChanged() override { ++refreshes; }
 };
 
-class NotificationsTest : public testing::Test {
+class NotificationsTest : public FacadeTest {
 protected:
     NotificationsTest() {
-        frameworkToMake = &framework;
-        processes.running = {{2, "/agent/Pellwick"}};
-        libraries.loadable = {"/agent/TarnwickPluginInterfaceX64.so", "/plugins/TarnwickPluginFramework.so"};
-        libraries.symbols = FakeInterfaceLibrary::Symbols();
-        libraries.symbols["CreateVantorixPluginFramework"] =
-            reinterpret_cast<void*>(+[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* {
-                return frameworkToMake;
-            });
-        framework.numbers["EnablePlugin"] = 1;
-        library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}};
-        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
         MarquellGlobals::SetSharedHostAppInterface(std::make_unique<CountingHost>());
-        EXPECT_TRUE(fontManager.CompatibleFontManagerIsRunning());
-        MarquellGlobals::SetLoggedIn(true);
         fontManager.InitializeDefaultWorkgroup();
         NotificationProcessor::GetSharedInstance().SetReceiver(&receiver);
         refreshes = 0;
         trace.Clear();
     }
-    ~NotificationsTest() override {
-        NotificationProcessor::GetSharedInstance().SetReceiver(nullptr);
-        fontManager.OnHostAppShuttingDown();
-        MarquellGlobals::ResetForTesting();
-        delete VPILoader::GetSharedInstance();
-    }
+    ~NotificationsTest() override { NotificationProcessor::GetSharedInstance().SetReceiver(nullptr); }
     void Report(PluginNotificationType type, const void* data = nullptr) {
         CoreAgentNotificationCallback(type, data);
     }
     ErrorCode Process() { return fontManager.GetFontManager()->ProcessNotifications(); }
 
-    CapturedTrace trace;
-    FakeProcesses processes;
-    FakeFolders folders;
-    FakeLibraries libraries;
-    FakeVersionResources versions;
-    FakeFramework framework;
-    FakeInterfaceLibrary library;
     FakeReceiver receiver;
-    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
 };
 
 }  // namespace
