@@ -168,6 +168,18 @@ TEST_F(NotificationsTest, AFailingPanelDoesNotHoldTheOthersUp) {
     EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Online state changed to 'false'\n"));
 }
 
+TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound) {
+    framework.whileDialogShows = [this] {
+        EXPECT_EQ(Process(), 0u);
+        EXPECT_TRUE(receiver.names.empty()) << "the one that shows the dialog comes first";
+    };
+    Report(kPluginCallback_LoggedOut);
+    Report(kPluginCallback_SmartListsChanged);
+    Process();
+    EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_LoggedInStateChanged",
+                                            "kPluginNotification_SmartListsChanged"));
+}
+
 TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTaken) {
     fontManager.OnHostAppShuttingDown();
     trace.Clear();
