@@ -142,6 +142,7 @@ ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
+    agent.ListenForNotifications();
     TellPanels(true);
     if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
         hostApp->Refresh(true, true);

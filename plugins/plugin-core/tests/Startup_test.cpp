@@ -76,9 +76,8 @@ public:
     "Calling MarquellGlobals::SetConnectedToCore(connected=0)\n"
 #define COMPATIBLE "RunningInCompatibleHostApp: returning 1, and disable dialogs is 0\n"
 // The font manager is found, and its library is initialized.
-#define REACHED                                          \
-    ENABLED                                              \
-    "VersionsAreCompatible('x.x.x.x', '') returning 1\n" \
+#define REACHED                                                  \
+    "VersionsAreCompatible('x.x.x.x', '') returning 1\n" ENABLED \
     "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 1\n"
 #define NOT_REACHED                                                     \
     "ERROR:  interfaceLoaded(false) 88 function(s) missing from \"\"\n" \
@@ -161,7 +160,7 @@ const Branch kBranches[] = {
      kFailed,
      {false, false, true},
      {{602, 603}},
-     ENTERING(1) COMPATIBLE ENABLED
+     ENTERING(1) COMPATIBLE
      "VersionsAreCompatible('8.0.0.0', '7.0.0.0') returning 0\n"
      "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 0\n" DISABLED
      "CloseFontsOnDocClose=0\n" EXITING},

@@ -48,9 +48,9 @@ int CoreAgentInterface::RelaunchZephyrinAgent() {
     const auto reset = VPILoader::GetSharedInstance()->pfResetPluginFacadeInstance;
     if (result == kRelaunchSucceeded && reset != nullptr) {
         reset();
-        // What is known of the end of the agent before concerns nobody any more.
-        NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
         ListenForNotifications();
+        // What was said of the end of the agent before concerns nobody any more.
+        NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
     }
     LogMessage(-1, "Exiting CoreAgentInterface::RelaunchZephyrinAgent, returning %d", result);
     return result;
@@ -92,6 +92,11 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
         if (!IsAgentGone(code))
             return code;
         LogMessage(0, "Agent not running:  error code = %s", AgentGoneName(code));
+        if (mIsRecovering)  // the host called from behind a dialog of the call that is bringing the agent
+                            // back
+            return code;
+        mIsRecovering = true;
+        const ScopeExit recovered([this] { mIsRecovering = false; });
         if (automaticRelaunchesLeft > 0) {
             LogMessage(0, "Agent not running, automatically relaunching agent and retrying command");
             --automaticRelaunchesLeft;
@@ -175,14 +180,18 @@ bool CoreAgentInterface::IsAgentProcessRunning() {
     return false;
 }
 
-// Without reports the plug-in works as before; it only learns of changes later.
 void CoreAgentInterface::ListenForNotifications() {
-    static_cast<void>(
-        CallOnce(CallOf(&PluginFunctionTable::pfRegisterForNotifications, CoreAgentNotificationCallback)));
+    const ErrorCode code =
+        CallOnce(CallOf(&PluginFunctionTable::pfRegisterForNotifications, CoreAgentNotificationCallback));
+    if (code != CoreErrorCodes::kSuccess)
+        LogMessage(0, "WARNING:  changes at the font manager are not heard of; error code = %d",
+                   static_cast<int>(code));
 }
 
 ErrorCode CoreAgentInterface::ProcessNotifications() {
-    return NotificationProcessor::GetSharedInstance().ProcessNotifications();
+    // Behind the question whether to start the agent again, its end is no news.
+    return mIsRecovering ? CoreErrorCodes::kSuccess
+                         : NotificationProcessor::GetSharedInstance().ProcessNotifications();
 }
 
 void CoreAgentInterface::CleanUpOnShutdown() {

@@ -32,6 +32,9 @@ public:
     [[nodiscard]] ErrorCode ActivateDocumentFontsByPath(const std::string& documentPath,
                                                         const DocumentFontLists& lists,
                                                         CFMutableArrayRef matchedFonts);
+    /// Activates the one font of the record.
+    [[nodiscard]] ErrorCode ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
+                                             CFMutableArrayRef matchedFonts);
     [[nodiscard]] ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                               CFMutableArrayRef matchedFonts);
     [[nodiscard]] ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context,
@@ -42,6 +45,7 @@ public:
                                               CFStringRef fontUsage);
 
     /// Told before each font how many of how many are done, and after the last; false stops the collecting.
+    /// Must not be empty.
     using CollectingProgress = std::function<bool(int done, int total)>;
     /// Copies the files of the fonts into the folder, which is made if it is missing. What is there already
     /// under a font's name is never replaced. Fonts whose files are not to be had are passed over and
@@ -71,6 +75,8 @@ public:
     [[nodiscard]] ErrorCode GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                     std::vector<Workgroup>& workgroups);
 
+    /// Has the agent report to the notification queue. Does nothing when it does so already.
+    void ListenForNotifications();
     /// Reacts to what the agent reported since the last call; to be called when the host is idle. The status
     /// of those who were told.
     ErrorCode ProcessNotifications();
@@ -103,11 +109,11 @@ private:
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
+    bool mIsRecovering = false;
+
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);
-    /// Has the agent report to the notification queue. Does nothing when it does so already.
-    void ListenForNotifications();
     ErrorCode InitializeSdk();
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();

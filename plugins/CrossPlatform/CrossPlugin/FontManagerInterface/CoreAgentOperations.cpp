@@ -21,6 +21,20 @@ ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& doc
     return code;
 }
 
+ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
+                                               CFMutableArrayRef matchedFonts) {
+    constexpr char kName[] = "CoreAgentInterface::ActivateFontByID";
+    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentIdentifier.c_str());
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    cf::Append(fonts, font);
+    const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
+    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
+    const ErrorCode code =
+        Call(&PluginFunctionTable::pfActivateFonts, fonts.get(), identifier.get(), mode.get(), matchedFonts);
+    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
+    return code;
+}
+
 ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                                 CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateFontsByID";

@@ -1,5 +1,6 @@
 // The facade's fingerprints: what tells one font from another of the same name.
 #include <algorithm>
+#include <cstdlib>
 
 #include "FontManagerInterface.h"
 #include "GFontManagerConstants.h"
@@ -40,12 +41,18 @@ int ShortChecksum(CFDictionaryRef font) {
     return static_cast<int>(std::strtoul(checksum.substr(0, 8).c_str(), nullptr, 16));
 }
 
+/// Records spell one kind in a way of their own.
+int32_t KindOf(const std::string& name) {
+    return name == "Postscript" ? GFontManagerConstants::kFontKind_postScript
+                                : GFontManagerConstants::FontKindFromName(name);
+}
+
 BestMatchCandidate CandidateOf(CFDictionaryRef font) {
     BestMatchCandidate candidate;
     candidate.ID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     candidate.preferredIdentity = cf::GetString(font, kGS_FoundryKey);
     candidate.orderNumber = candidate.ID;
-    candidate.kind = GFontManagerConstants::FontKindFromName(cf::GetString(font, kGS_FontKindKey));
+    candidate.kind = KindOf(cf::GetString(font, kGS_FontKindKey));
     candidate.version = cf::GetString(font, kGS_VersionKey);
     candidate.status = static_cast<int32_t>(cf::GetInt64(font, kGS_ActivationStateKey).value_or(0));
     candidate.mode = kOrdinaryMode;
@@ -69,10 +76,11 @@ std::vector<FontManagerInterface::Fingerprint> FontManagerInterface::GetGlyphsca
     const ScopeExit exitLine(
         [&] { LogMessage(-1, "%s() returning %d match(es)", kName, static_cast<int>(fingerprints.size())); });
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    if (!sm_pFontManager ||
-        sm_pFontManager->GetFontsByPostscriptName(name, workgroupID, fonts.get()) != CoreErrorCodes::kSuccess)
+    CoreAgentInterface* const agent = sm_pFontManager;  // a dialog may outlast it
+    if (agent == nullptr ||
+        agent->GetFontsByPostscriptName(name, workgroupID, fonts.get()) != CoreErrorCodes::kSuccess)
         return fingerprints;
-    const bool isStandalone = sm_pFontManager->IsRunningStandalone();
+    const bool isStandalone = agent->IsRunningStandalone();
     for (CFIndex index = 0; index < cf::Count(fonts.get()); ++index) {
         const auto font = cf::Get<CFDictionaryRef>(fonts.get(), index);
         if (isStandalone && IsRemote(font)) {
@@ -81,17 +89,17 @@ std::vector<FontManagerInterface::Fingerprint> FontManagerInterface::GetGlyphsca
                        ShortChecksum(font));
             continue;
         }
-        if (CFRef<CFDictionaryRef> data = FingerprintOf(font))
+        if (CFRef<CFDictionaryRef> data = FingerprintOf(*agent, font))
             fingerprints.push_back({RetainCF(font), std::move(data)});
     }
     return fingerprints;
 }
 
-CFRef<CFDictionaryRef> FontManagerInterface::FingerprintOf(CFDictionaryRef font) {
+CFRef<CFDictionaryRef> FontManagerInterface::FingerprintOf(CoreAgentInterface& agent, CFDictionaryRef font) {
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     const std::string name = cf::GetString(font, kGS_PostScriptNameKey);
     std::string xml;
-    const ErrorCode code = sm_pFontManager->GetGlyphscanInfo(databaseID, xml);
+    const ErrorCode code = agent.GetGlyphscanInfo(databaseID, xml);
     if (code == CoreErrorCodes::kSuccess && xml.empty()) {
         LogMessage(0, "...GetGlyphscanInfo returned %d but no Glyphscan info for %s (databaseID %d).",
                    static_cast<int>(code), name.c_str(), static_cast<int>(databaseID));

@@ -42,15 +42,19 @@ bool FontManagerInterface::CompatibleFontManagerIsRunning() {
     LogMessage(1,
                "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
                TraceAddress(sm_pFontManager));
-    bool result = false;
-    const GScopedLock lock(mFontManagerLock);
-    if (lock.Status() == CoreErrorCodes::kSuccess)
-        result = sm_pFontManager ? mIsCompatible : CreateFontManager();
+    const bool isNew = CreateFontManager();
+    const bool result = sm_pFontManager != nullptr && mIsCompatible;
+    // Not under the lock: messages may show, behind which the host may quit.
+    if (isNew && result)
+        sm_pFontManager->InitializeCoreAgent();
     LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d", result);
     return result;
 }
 
 bool FontManagerInterface::CreateFontManager() {
+    const GScopedLock lock(mFontManagerLock);
+    if (lock.Status() != CoreErrorCodes::kSuccess || sm_pFontManager != nullptr)
+        return false;
     std::string path;
     std::string version;
     uint32_t missingCount = 0;
@@ -63,12 +67,11 @@ bool FontManagerInterface::CreateFontManager() {
     sm_pFontManager = mFontManagers.emplace_back(std::make_unique<CoreAgentInterface>()).get();
     SetFontManagerAccess(this);
     NotificationQueue::GetSharedInstance().Open();
-    sm_pFontManager->InitializeCoreAgent();
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
                version.c_str(), pluginVersion.c_str());
     mIsCompatible = VersionsAreCompatible(pluginVersion, version);
-    return mIsCompatible;
+    return true;
 }
 
 bool FontManagerInterface::IsUsable() {

@@ -89,9 +89,11 @@ public:
 private:
     FontManagerInterface() = default;
 
+    /// True when it made the font-manager object.
     bool CreateFontManager();
     void ReleaseFontManager();
     void OpenSelectWorkgroupDialog();
+    ErrorCode ListWorkgroups(std::vector<Workgroup>& workgroups);
     std::optional<int32_t> ChooseWorkgroup();
     static std::string FindWorkgroupIDGetName(int32_t inWorkgroupID,
                                               const std::vector<Workgroup>& workgroups);
@@ -101,7 +103,7 @@ private:
         CFRef<CFDictionaryRef> font;
         CFRef<CFDictionaryRef> data;
     };
-    CFRef<CFDictionaryRef> FingerprintOf(CFDictionaryRef font);
+    static CFRef<CFDictionaryRef> FingerprintOf(CoreAgentInterface& agent, CFDictionaryRef font);
     std::vector<Fingerprint> GetGlyphscanDataForFontName(const std::string& name, int32_t workgroupID);
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager

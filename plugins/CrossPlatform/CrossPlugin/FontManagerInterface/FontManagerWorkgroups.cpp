@@ -36,7 +36,8 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
     if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
         !preferences->GetBoolPreference("EnablePlugin"))
         return;
-    if (sm_pFontManager->IsLoggedIn() || sm_pFontManager->IsRunningStandalone())
+    CoreAgentInterface* const agent = sm_pFontManager;  // a dialog may outlast it
+    if (agent->IsLoggedIn() || agent->IsRunningStandalone())
         OpenSelectWorkgroupDialog();
 }
 
@@ -89,7 +90,9 @@ void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
     if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
         preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
-    if (!MarquellGlobals::ArePluginServicesEnabled())  // as they are while there is no workgroup to work in
+    // They are off while there is no workgroup to work in; for other reasons they stay off.
+    if (!MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore() &&
+        MarquellGlobals::IsLoggedIn())
         MarquellGlobals::SetPluginServicesEnabled(true);
 }
 
@@ -99,7 +102,9 @@ void FontManagerInterface::SetDefaultWorkgroupID(int32_t workgroupID) {
 }
 
 void FontManagerInterface::ForgetWorkgroupThatIsGone() {
-    if (mDefaultWorkgroupID && !Holds(WorkgroupsToChooseFrom(), *mDefaultWorkgroupID))
+    std::vector<Workgroup> workgroups;
+    if (mDefaultWorkgroupID && ListWorkgroups(workgroups) == CoreErrorCodes::kSuccess &&
+        !Holds(workgroups, *mDefaultWorkgroupID))
         mDefaultWorkgroupID.reset();
 }
 
@@ -122,12 +127,14 @@ std::optional<int32_t> FontManagerInterface::FindWorkgroupID(const std::string& 
 
 std::vector<Workgroup> FontManagerInterface::WorkgroupsToChooseFrom() {
     std::vector<Workgroup> workgroups;
+    return ListWorkgroups(workgroups) == CoreErrorCodes::kSuccess ? workgroups : std::vector<Workgroup>();
+}
+
+ErrorCode FontManagerInterface::ListWorkgroups(std::vector<Workgroup>& workgroups) {
     WorkgroupFilter filter;
     filter.includeAllWorkgroup = true;
-    if (!sm_pFontManager ||
-        sm_pFontManager->GetAllWorkgroupsForUser(filter, workgroups) != CoreErrorCodes::kSuccess)
-        return {};
-    return workgroups;
+    return sm_pFontManager != nullptr ? sm_pFontManager->GetAllWorkgroupsForUser(filter, workgroups)
+                                      : kErrorMarquellNotRunning;
 }
 
 bool FontManagerInterface::IsWorkgroupAvailable() {
@@ -160,7 +167,7 @@ std::string FontManagerInterface::GetWorkgroupNameFromID(int32_t inWorkgroupID) 
     constexpr char kName[] = "FontManagerInterface::GetWorkgroupNameFromID";
     LogMessage(1, "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
     const std::string name = FindWorkgroupIDGetName(inWorkgroupID, WorkgroupsToChooseFrom());
-    LogMessage(-1, "%s returning '%s'", kName, name.c_str());
+    LogMessage(-1, "%s returning %d", kName, !name.empty());
     return name;
 }
 

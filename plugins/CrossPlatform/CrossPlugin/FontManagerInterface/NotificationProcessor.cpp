@@ -40,10 +40,13 @@ void OnLoggedInStateChanged(const PluginNotification& notification) {
     MarquellGlobals::SetLoggedIn(isLoggedIn);
     MarquellGlobals::SetPluginServicesEnabled(isLoggedIn);
     MarquellGlobals::SetConnectedToCore(true);
-    if (isLoggedIn)
-        FontManagerInterface::GetSharedInstance().HandleSelectWorkgroup();
-    else  // nothing to choose from
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    if (isLoggedIn) {
+        fontManager.ForgetWorkgroupThatIsGone();  // it may have been somebody else's
+        fontManager.HandleSelectWorkgroup();
+    } else {  // nothing to choose from
         ShowMessageBox(message_boxes::kNotLoggedIn);
+    }
     RefreshWorkgroups();
 }
 
@@ -131,12 +134,13 @@ ErrorCode NotificationProcessor::ProcessNotifications() {
     mIsProcessing = true;
     const ScopeExit done([this] { mIsProcessing = false; });
     ErrorCode result = CoreErrorCodes::kSuccess;
-    for (PluginNotification& notification : NotificationQueue::GetSharedInstance().TakeAll())
-        mPending.push_back(std::move(notification));
-    while (!mPending.empty()) {
-        const PluginNotification notification = std::move(mPending.front());
-        mPending.pop_front();  // a reaction that throws does not take those behind it along
-        if (const ErrorCode code = Process(notification))
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    // One by one: a reaction may bring the agent back, and what waits of its end is dropped then.
+    for (size_t left = queue.Count(); left > 0; --left) {
+        const auto notification = queue.TakeNext();
+        if (!notification)
+            break;
+        if (const ErrorCode code = Process(*notification))
             result = code;
     }
     return result;

@@ -1,8 +1,6 @@
 // What the core does about the agent's reports, on the host's main thread.
 #pragma once
 
-#include <deque>
-
 #include "ErrorCodes.h"
 #include "PluginNotifications.h"
 
@@ -31,6 +29,5 @@ private:
     ErrorCode Process(const PluginNotification& notification);
 
     NotificationReceiver* mReceiver = nullptr;
-    std::deque<PluginNotification> mPending;  ///< taken from the queue
     bool mIsProcessing = false;
 };

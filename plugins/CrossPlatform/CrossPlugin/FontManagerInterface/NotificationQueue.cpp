@@ -135,9 +135,18 @@ void NotificationQueue::Post(PluginNotification notification) {
         mPending.push_back(std::move(notification));
 }
 
-std::deque<PluginNotification> NotificationQueue::TakeAll() {
+size_t NotificationQueue::Count() const {
     const std::lock_guard guard(mPendingLock);
-    return std::exchange(mPending, {});
+    return mPending.size();
+}
+
+std::optional<PluginNotification> NotificationQueue::TakeNext() {
+    const std::lock_guard guard(mPendingLock);
+    if (mPending.empty())
+        return std::nullopt;
+    PluginNotification next = std::move(mPending.front());
+    mPending.pop_front();
+    return next;
 }
 
 void NotificationQueue::Drop(std::string_view name) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 
 #include "ErrorCodes.h"
 #include "PluginNotifications.h"
@@ -21,8 +22,9 @@ public:
     bool IsOpen() const;
 
     void Post(PluginNotification notification);
-    /// Everything that waits, in the order in which it came.
-    std::deque<PluginNotification> TakeAll();
+    size_t Count() const;
+    /// The one that has waited longest; nothing when none waits.
+    std::optional<PluginNotification> TakeNext();
     /// Drops what waits under that name.
     void Drop(std::string_view name);
 

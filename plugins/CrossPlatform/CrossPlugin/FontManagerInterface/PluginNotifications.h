@@ -45,10 +45,19 @@ PLUGIN_NOTIFICATIONS(DECLARE_NOTIFICATION_NAME)
 inline constexpr char kPluginNotification_FontActivation_Font_ID[] =
     "kPluginNotification_FontActivation_Font_ID";                                       ///< number
 inline constexpr char kPluginNotification_FontPNGs[] = "kPluginNotification_FontPNGs";  ///< dictionary
-inline constexpr char kNotificationIsOnlineKey[] = "isOnline";                          ///< boolean
-inline constexpr char kNotificationIsLoggedInKey[] = "isLoggedIn";                      ///< boolean
-inline constexpr char kNotificationServerTypeKey[] = "serverType";                      ///< number
-inline constexpr char kNotificationIsEnabledKey[] = "isEnabled";                        ///< boolean
+// In the font manager's own dictionaries about tasks and replication: numbers.
+inline constexpr char kPluginNotification_TaskProgress_FontID[] = "kPluginNotification_TaskProgress_FontID";
+inline constexpr char kPluginNotification_TaskProgress_ProgressCount[] =
+    "kPluginNotification_TaskProgress_ProgressCount";
+inline constexpr char kPluginNotification_TaskProgress_ProgressMax[] =
+    "kPluginNotification_TaskProgress_ProgressMax";
+inline constexpr char kPluginNotification_TaskError_ErrorFontID[] =
+    "kPluginNotification_TaskError_ErrorFontID";
+inline constexpr char kPluginNotification_NumFonts[] = "kPluginNotification_NumFonts";
+inline constexpr char kNotificationIsOnlineKey[] = "isOnline";      ///< boolean
+inline constexpr char kNotificationIsLoggedInKey[] = "isLoggedIn";  ///< boolean
+inline constexpr char kNotificationServerTypeKey[] = "serverType";  ///< number
+inline constexpr char kNotificationIsEnabledKey[] = "isEnabled";    ///< boolean
 
 struct PluginNotification {
     std::string_view name;           ///< one of the constants above

@@ -25,6 +25,8 @@ uint32_t StringIDFor(int32_t type, const std::string& agentName) {
         if (each.type == type)
             return each.stringID;
     }
+    if (type < 0 || type > kWorkgroupType_TypekitLibrary)
+        return 0;  // not known: shown as the font manager has it
     if (agentName == "Font Library (LOCALIZE ME)")
         return localized::kFontLibrary;
     return agentName == "Google Library (LOCALIZE ME)" ? localized::kGoogleLibrary : 0;

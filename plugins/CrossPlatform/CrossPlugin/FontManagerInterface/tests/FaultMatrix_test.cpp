@@ -29,6 +29,20 @@ const Operation kOperations[] = {
      [](CoreAgentInterface& agent) { return agent.ActivateDocumentFontsByPath("/d.ai", {}, nullptr) == 0; }},
     {"ActivateFonts",
      [](CoreAgentInterface& agent) { return agent.ActivateFontsByID(OneFont().get(), "id", nullptr) == 0; }},
+    {"ActivateFonts",
+     [](CoreAgentInterface& agent) {
+         const CFRef<CFMutableArrayRef> fonts = OneFont();
+         return agent.ActivateFontByID(cf::Get<CFDictionaryRef>(fonts.get(), 0), "id", nullptr) == 0;
+     }},
+    {"GetFontsByPostscriptName",
+     [](CoreAgentInterface& agent) {
+         return agent.GetFontsByPostscriptName("Sample", 1, cf::MutableArray().get()) == 0;
+     }},
+    {"GetGlyphscanXMPData",
+     [](CoreAgentInterface& agent) {
+         std::string xml;
+         return agent.GetGlyphscanInfo(1, xml) == 0;
+     }},
     {"DeactivateFonts",
      [](CoreAgentInterface& agent) { return agent.DeactivateFonts(OneFont().get(), 0, nullptr) == 0; }},
     {"GetClientFontActivationStates",

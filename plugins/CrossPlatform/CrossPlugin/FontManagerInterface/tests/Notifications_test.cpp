@@ -1,11 +1,12 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <atomic>
 #include <thread>
 
 #include "FacadeTest.h"
 #include "NotificationProcessor.h"
 #include "NotificationQueue.h"
+#include "TemporaryFolder.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -74,16 +75,38 @@ TEST_F(NotificationsTest, EveryTypeHasItsNameAndOthersAreIgnored) {
         CoreAgentNotificationCallback(type, nullptr);
     for (const int32_t type : {-1, 29, INT32_MAX, INT32_MIN})
         CoreAgentNotificationCallback(type, nullptr);
-    const auto posted = NotificationQueue::GetSharedInstance().TakeAll();
+    std::vector<PluginNotification> posted;
+    while (auto next = NotificationQueue::GetSharedInstance().TakeNext())
+        posted.push_back(std::move(*next));
     ASSERT_EQ(posted.size(), 25u);
-    const std::vector<std::pair<size_t, const char*>> places{
-        {0, "kPluginNotification_PanelDataChanged"},
-        {3, "kPluginNotification_FontActivated"},
-        {12, "kPluginNotification_BulkReplicationProgress"},
-        {21, "kPluginNotification_PreviewPNGsRendered"},
-        {24, "kPluginNotification_Enabled"}};
-    for (const auto& [index, name] : places)
-        EXPECT_EQ(posted[index].name, name);
+    // As the font manager's contract numbers them, from 4 on.
+    constexpr const char* kNames[] = {"PanelDataChanged",
+                                      "WorkgroupsChanged",
+                                      "AgentShutdown",
+                                      "FontActivated",
+                                      "FontDeactivated",
+                                      "FontMissing",
+                                      "DesignActivationNonCompliant",
+                                      "UserPermissionsChanged",
+                                      "TaskStarted",
+                                      "TaskProgress",
+                                      "TaskFinished",
+                                      "TaskError",
+                                      "BulkReplicationProgress",
+                                      "BulkReplicationStopped",
+                                      "IncrementalReplicationProgress",
+                                      "IncrementalReplicationStopped",
+                                      "GoogleReplicationProgress",
+                                      "GoogleReplicationStopped",
+                                      "FontServerReplicationProgress",
+                                      "FontServerReplicationStopped",
+                                      "GoogleWebFontsEnabled",
+                                      "PreviewPNGsRendered",
+                                      "SmartListsChanged",
+                                      "OfflineDownloadFinished",
+                                      "Enabled"};
+    for (size_t index = 0; index < posted.size(); ++index)
+        EXPECT_EQ(posted[index].name, std::string("kPluginNotification_") + kNames[index]);
     for (const PluginNotification& each : posted)
         EXPECT_TRUE(each.payload) << each.name;
 }
@@ -180,13 +203,47 @@ TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound)
                                             "kPluginNotification_SmartListsChanged"));
 }
 
+TEST_F(NotificationsTest, AWorkgroupIsKeptWhileItCannotBeTold) {
+    library.codes["GetAllWorkgroupsForUser"] = {GIPCClient::kReplyTimeout};
+    Report(kPluginCallback_WorkgroupsChanged);
+    Process();
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+}
+
+TEST_F(NotificationsTest, AReactionThatBringsTheAgentBackUndoesItsEnd) {
+    TemporaryFolder folder;
+    const std::string agentPath = folder.Write("agent/Pellwick", "");
+    folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
+    folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agentPath + "\n");
+    Report(kPluginCallback_WorkgroupsChanged);
+    Report(kPluginCallback_AgentShutdown);
+    library.codes["GetAllWorkgroupsForUser"] = {GAgentIF::kShutdown};
+    Process();
+    EXPECT_EQ(processes.launchedCommandLines.size(), 1u);
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+    EXPECT_TRUE(framework.shownBoxes.empty());
+}
+
+TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProcessedOrAskedAgain) {
+    library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
+    Report(kPluginCallback_AgentShutdown);
+    framework.whileDialogShows = [this] {
+        library.codes["GetRunningStandalone"] = {GAgentIF::kShutdown};
+        EXPECT_EQ(Process(), 0u);
+        EXPECT_FALSE(fontManager.GetFontManager()->IsRunningStandalone());
+    };
+    EXPECT_FALSE(fontManager.IsLoggedIn()) << "there is no agent to start";
+    EXPECT_EQ(framework.shownBoxes.size(), 1u) << "one question";
+}
+
 TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTaken) {
     fontManager.OnHostAppShuttingDown();
     trace.Clear();
     Report(kPluginCallback_SmartListsChanged);
     EXPECT_THAT(trace.Text(),
                 testing::StartsWith("WARNING:  CoreAgentInterface::GetFontManager() returned NULL.\n"));
-    EXPECT_TRUE(NotificationQueue::GetSharedInstance().TakeAll().empty());
+    EXPECT_EQ(NotificationQueue::GetSharedInstance().Count(), 0u);
 }
 
 TEST_F(NotificationsTest, TenThousandFromAnotherThreadArriveInOrderOnThisOne) {
@@ -195,9 +252,14 @@ TEST_F(NotificationsTest, TenThousandFromAnotherThreadArriveInOrderOnThisOne) {
         for (uint32_t fontID = 1; fontID <= kCount; ++fontID)
             CoreAgentNotificationCallback(kPluginCallback_FontActivated, &fontID);
     });
-    while (receiver.payloads.size() < kCount)
+    std::atomic<bool> isDone = false;
+    std::thread waiter([&] {
+        agent.join();
+        isDone = true;
+    });
+    while (!isDone)
         Process();
-    agent.join();
+    waiter.join();
     Process();
     ASSERT_EQ(receiver.payloads.size(), kCount);
     for (uint32_t index = 0; index < kCount; ++index)
