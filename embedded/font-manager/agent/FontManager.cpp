@@ -21,6 +21,7 @@ FontManager::FontManager(const Locations& places)
       activations(database),
       workgroups(database),
       sets(database),
+      smartLists(database),
       documents(database),
       settings(database),
       vault(places.vaultFolder),

@@ -12,6 +12,7 @@
 #include "store/FontStore.h"
 #include "store/SetStore.h"
 #include "store/SettingsStore.h"
+#include "store/SmartListStore.h"
 #include "store/WorkgroupStore.h"
 
 namespace pellwick {
@@ -41,6 +42,7 @@ public:
     ActivationStore activations;
     WorkgroupStore workgroups;
     SetStore sets;
+    SmartListStore smartLists;
     DocumentStore documents;
     SettingsStore settings;
     FontVault vault;
