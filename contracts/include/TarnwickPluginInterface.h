@@ -57,6 +57,10 @@ typedef struct OpaquePluginThreadInstance* PluginThreadInstanceRef;
 #define kGS_SetNameKey "setName"
 #define kGS_SmartListsKey "smartLists"
 
+/* Members of a font's dictionary in what RenderFontNamePreviewPNGs gives: full paths, UTF-8. */
+#define kGS_PNGFilenameKey "pngFilename"
+#define kGS_2xPNGFilenameKey "2xPNGFilename"
+
 /*
  * Kinds of notification, with what pCallbackData points to for the length of the callback.
  * Types 0 to 3 are states, the rest follow the notification names from the third on.
@@ -87,7 +91,7 @@ enum PluginNotificationType {
     kPluginCallback_FontServerReplicationProgress = 22,  /* CFDictionaryRef */
     kPluginCallback_FontServerReplicationStopped = 23,   /* null */
     kPluginCallback_GoogleWebFontsEnabled = 24,          /* bool */
-    kPluginCallback_PreviewPNGsRendered = 25,            /* CFDictionaryRef: ID -> paths */
+    kPluginCallback_PreviewPNGsRendered = 25,            /* CFDictionaryRef, see below */
     kPluginCallback_SmartListsChanged = 26,              /* null */
     kPluginCallback_OfflineDownloadFinished = 27,        /* null */
     kPluginCallback_Enabled = 28                         /* bool */
@@ -180,11 +184,19 @@ enum PluginPermission {
  *
  * GetFontsByPostscriptName, GetFontsByFamilyName: append font records, best match first.
  *
+ * GetAdobeXMPData: the first XMP packet (ISO 16684-1) in the document's file, with its markers. Of files
+ * above 64 MiB the first and the last 32 are searched. CoreErrorCodes::kNotFound when there is none in UTF-8
+ * of up to 4 MiB; GFileSystem::kFileNotFound when the file cannot be read. It is the calling thread that
+ * reads.
+ *
  * GetAllSmartLists: appends a dictionary with kGS_SmartListIDKey and kGS_SmartListNameKey per smart list, by
  * name.
  *
  * GetSmartList: one list's dictionary, with the IDs of its query in ascending order and
  * kGS_ListDefinitionKey.
+ *
+ * GetGoogleFonts: appends the records of the Google fonts in the library, which has none as long as
+ * CanAccessGoogleFonts says no.
  *
  * GetPanelSmartListTree: what smart lists can be made of. A dictionary of kGS_WorkgroupsKey, an array of
  * workgroup records without the one for all workgroups, each with kGS_SetsKey, an array of dictionaries with
@@ -201,6 +213,17 @@ enum PluginPermission {
  * the fonts of that query for the list; until SetSmartListQuery for the list, another trial, the end of the
  * connection or of the agent. It takes no time itself, nothing is announced, and no one else sees anything of
  * it. The list 0 stands for one that is not made yet.
+ *
+ * GetRenderedPNGsDirectory: the folder below which the images of RenderFontNamePreviewPNGs stand. It need not
+ * exist before the first of them.
+ *
+ * RenderFontNamePreviewPNGs: makes images of the fonts' full names, each in its own face, black on a
+ * transparent ground, 32 pixels high and up to 640 wide, and the same in double size. Images that were made
+ * before are not made again. First come `highPriorityFontIDs` (may be null), then the rest of `fontIDs`.
+ * `fontPNGs` (may be null) receives, by CFNumber database ID, a dictionary with kGS_PNGFilenameKey and
+ * kGS_2xPNGFilenameKey per font. kPluginCallback_PreviewPNGsRendered brings the same for some fonts at a
+ * time, as they are done, to whoever is registered. A font that is unknown or cannot be shown is left out.
+ * Returns when all is done, a few milliseconds per image that has to be made.
  *
  * SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the host's text, may be null.
  *

@@ -45,12 +45,14 @@ public:
     /// Removes the font's file with all its fonts.
     void RemoveFile(const FontFile& file);
 
+    /// Notes that the vault has lost the file.
+    void NoteMissing(const FontFile& file);
+
     ActivationChanges Commit();
 
 private:
     bool Link(const Font& font);
     void Released(uint32_t fontID);
-    void NoteMissing(const FontFile& file);
 
     FontStore& mFonts;
     ActivationStore& mActivations;

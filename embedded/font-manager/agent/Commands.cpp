@@ -58,6 +58,7 @@ CommandTable MakeCommandTable() {
     AddSetCommands(table);
     AddSmartListCommands(table);
     AddDocumentCommands(table);
+    AddPreviewCommands(table);
     return table;
 }
 

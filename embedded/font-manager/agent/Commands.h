@@ -64,6 +64,7 @@ void AddWorkgroupCommands(CommandTable& table);
 void AddSetCommands(CommandTable& table);
 void AddSmartListCommands(CommandTable& table);
 void AddDocumentCommands(CommandTable& table);
+void AddPreviewCommands(CommandTable& table);
 
 struct CommandAnswer {
     ErrorCode code;

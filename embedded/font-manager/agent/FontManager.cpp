@@ -25,7 +25,8 @@ FontManager::FontManager(const Locations& places)
       documents(database),
       settings(database),
       vault(places.vaultFolder),
-      links(places.linkFolder, vault) {
+      links(places.linkFolder, vault),
+      previews(places.previewFolder, vault) {
     if (PrepareSchema(database) && vault.IsEmpty())
         settings.NoteOwnVault();
 }

@@ -5,6 +5,7 @@
 #include "activation/FontVault.h"
 #include "activation/LinkFolder.h"
 #include "common/Locations.h"
+#include "preview/PreviewFolder.h"
 #include "scan/FontScanner.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
@@ -47,6 +48,7 @@ public:
     SettingsStore settings;
     FontVault vault;
     LinkFolder links;
+    PreviewFolder previews;
     FontScanner scanner;
 };
 

@@ -57,6 +57,7 @@ constexpr int kSchemaVersion = 2;
     X(kGetFontConflicts, "GetFontConflicts")             \
     X(kEnableDesignActivation, "EnableDesignActivation") \
     X(kPreviewActivateFonts, "PreviewActivateFonts")     \
+    X(kRenderPreviews, "RenderPreviews")                 \
     X(kGetFont, "GetFont")                               \
     X(kGetFonts, "GetFonts")                             \
     X(kFindByPostScriptName, "FindByPostScriptName")     \
@@ -78,6 +79,9 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 /// The workgroup ID that stands for all workgroups together, and its name.
 constexpr int32_t kAllWorkgroupsID = -2;
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
+
+/// The font's ID in the record of its images, beside their paths.
+inline constexpr char kPreviewFontMember[] = "font";
 
 // Members of a set's record, beside the workgroup's ID and name.
 inline constexpr char kSetIDMember[] = "id";

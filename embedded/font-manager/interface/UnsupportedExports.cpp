@@ -1,14 +1,10 @@
-// What this font manager has no use for yet. docs/font-manager.md lists these functions.
+// What this font manager has no use for. docs/font-manager.md lists these functions, with the reasons.
 #include "interface/Exports.h"
 
-#define UNSUPPORTED(symbol, parameters)         \
-    uint32_t symbol parameters {                \
-        return CoreErrorCodes::kNotImplemented; \
-    }
+uint32_t TrackFontPanelClick(PluginFacadeRef, uint32_t) {
+    return CoreErrorCodes::kNotImplemented;
+}
 
-UNSUPPORTED(GetGoogleFonts, (PluginFacadeRef, CFMutableArrayRef))
-UNSUPPORTED(GetRenderedPNGsDirectory, (PluginFacadeRef, CFStringRef*))
-UNSUPPORTED(RenderFontNamePreviewPNGs, (PluginFacadeRef, CFArrayRef, CFArrayRef, CFMutableDictionaryRef))
-UNSUPPORTED(TrackFontPanelClick, (PluginFacadeRef, uint32_t))
-UNSUPPORTED(GetAdobeXMPData, (PluginFacadeRef, CFStringRef, CFStringRef*))
-UNSUPPORTED(GetGlyphscanXMPData, (PluginFacadeRef, CFStringRef, CFStringRef*))
+uint32_t GetGlyphscanXMPData(PluginFacadeRef, CFStringRef, CFStringRef*) {
+    return CoreErrorCodes::kNotImplemented;
+}
