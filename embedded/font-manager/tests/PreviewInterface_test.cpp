@@ -111,12 +111,13 @@ TEST_F(PreviewTest, ALibraryWithoutGoogleFontsListsNone) {
 TEST_F(PreviewTest, TheMetadataOfADocumentIsItsFirstWholePacket) {
     const std::string packet =
         "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0\"?><x>\u5b57\u4f53</x><?xpacket end=\"w\"?>";
+    const std::string later = "<?xpacket begin=''?>later<?xpacket end='w'?>";
     const std::string filler(1 << 20, '\xFE');
     std::string text;
     // The marker stands at the beginning, across two pieces, and behind a packet that is cut off or damaged.
     for (const std::string& before :
          {std::string(), filler.substr(7), filler + "<?xpacket begin=''?>\xFF<?xpacket end='r'?>"}) {
-        EXPECT_EQ(ReadXmp(mWorld.Write("document", before + packet + filler + packet), text), 0u);
+        EXPECT_EQ(ReadXmp(mWorld.Write("document", before + packet + filler + later), text), 0u);
         EXPECT_EQ(text, packet);
     }
     for (const std::string& content :
