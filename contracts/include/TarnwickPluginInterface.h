@@ -228,6 +228,9 @@ enum PluginPermission {
  * SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the host's text, may be null.
  *
  * Column identifiers are the numbers under which GetFontInfoByID's record columns are known to panels.
+ *
+ * GetGlyphscanXMPData: the fingerprint of a font as an XML property list, a dictionary; null when the font
+ * has none.
  */
 /* clang-format off */
 #define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \
@@ -330,7 +333,7 @@ enum PluginPermission {
       (PluginFacadeRef facade, CFStringRef documentPath, bool replace, CFStringRef fontUsage))              \
     X(GetFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewFontUsage))      \
     X(GetAdobeXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))         \
-    X(GetGlyphscanXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))     \
+    X(GetGlyphscanXMPData, (PluginFacadeRef facade, uint32_t fontID, CFStringRef * outNewXML))               \
     X(WriteFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage))            \
     X(ClearDocumentSlug, (PluginFacadeRef facade, CFStringRef documentPath))
 /* clang-format on */

@@ -72,22 +72,30 @@ class LinuxVersionResources : public VersionResources {
 public:
     std::optional<std::string> FromFile(const std::string& path, const char* key,
                                         SystemError& error) override {
+        const auto pairs = ReadPairs(path, error);
+        return pairs ? FindValue(*pairs, key) : std::nullopt;
+    }
+
+    // What is mapped into memory does not tell where the section is; its file does.
+    std::optional<std::string> FromModuleAt(const void* address, const char* key, SystemError& error,
+                                            size_t* resourceSize) override {
+        const auto pairs = ReadPairs(Current<DynamicLibraries>().PathOfModuleAt(address), error);
+        if (resourceSize != nullptr)
+            *resourceSize = pairs ? pairs->size() : 0;
+        return pairs ? FindValue(*pairs, key) : std::nullopt;
+    }
+
+private:
+    static std::optional<std::string> ReadPairs(const std::string& path, SystemError& error) {
         ReadOnlyFile file;
         error = file.Open(path);
         if (error)
             return std::nullopt;
         std::string pairs;
-        if (!ReadVersionSection(file, pairs)) {
-            error.code = ENODATA;
-            return std::nullopt;
-        }
-        return FindValue(pairs, key);
-    }
-
-    // What is mapped into memory does not tell where the section is; its file does.
-    std::optional<std::string> FromModuleAt(const void* address, const char* key,
-                                            SystemError& error) override {
-        return FromFile(Current<DynamicLibraries>().PathOfModuleAt(address), key, error);
+        if (ReadVersionSection(file, pairs))
+            return pairs;
+        error.code = ENODATA;
+        return std::nullopt;
     }
 };
 

@@ -72,6 +72,8 @@ public:
     void SetParentWindowForUi(void* window) override { parentWindow = window; }
     int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) override {
         shownBoxes.emplace_back(titleID, textID);
+        if (whileDialogShows)
+            whileDialogShows();
         if (buttons == MessageBoxButtons::kOk)
             return 1;
         const int32_t answer = answers.empty() ? 2 : answers.front();

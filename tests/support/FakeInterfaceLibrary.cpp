@@ -26,6 +26,10 @@ void AppendFonts(CFMutableArrayRef fonts, int64_t activationState) {
         cf::Set(font, kGS_PostScriptNameKey, name);
         cf::Set(font, kGS_DatabaseIDKey, databaseID);
         cf::Set(font, kGS_ActivationStateKey, activationState);
+        cf::Set(font, kGS_FontKindKey, "OpenType - TT");
+        cf::Set(font, kGS_LocationKey, current->remoteFonts.contains(databaseID) ? 0 : 1);
+        if (current->fontVersions.contains(databaseID))
+            cf::Set(font, kGS_VersionKey, current->fontVersions[databaseID]);
         if (fonts != nullptr)
             cf::Append(fonts, font);
     }
@@ -69,6 +73,12 @@ void Perform(Symbol<kIndexOfGetRunningStandalone>, PluginFacadeRef, bool* outIsS
 void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool* outIsRunning) {
     *outIsRunning = current->isAgentRunning;
 }
+void Perform(Symbol<kIndexOfCanExportFonts>, PluginFacadeRef, CFArrayRef, bool* outCanExport) {
+    *outCanExport = current->canExport;
+}
+void Perform(Symbol<kIndexOfGetAreSchemaVersionsInSync>, PluginFacadeRef, bool* outAreInSync) {
+    *outAreInSync = current->areSchemaVersionsInSync;
+}
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
 }
@@ -85,6 +95,14 @@ void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStr
 void Perform(Symbol<kIndexOfActivateFonts>, PluginFacadeRef, CFArrayRef, CFStringRef, CFStringRef,
              CFMutableArrayRef matchedFonts) {
     AppendFonts(matchedFonts, current->activationStateBefore);
+}
+void Perform(Symbol<kIndexOfGetFontsByPostscriptName>, PluginFacadeRef, CFStringRef, int32_t,
+             CFMutableArrayRef fonts) {
+    AppendFonts(fonts, current->activationStateBefore);
+}
+void Perform(Symbol<kIndexOfGetGlyphscanXMPData>, PluginFacadeRef, uint32_t fontID, CFStringRef* outNewXML) {
+    if (current->fingerprints.contains(fontID))
+        *outNewXML = cf::String(current->fingerprints[fontID]).release();
 }
 void Perform(Symbol<kIndexOfGetClientFontActivationStates>, PluginFacadeRef, CFArrayRef,
              CFMutableDictionaryRef states) {

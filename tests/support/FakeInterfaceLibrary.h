@@ -10,6 +10,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -36,9 +37,14 @@ public:
     bool isLoggedIn = true;
     bool isStandalone = true;
     bool isAgentRunning = true;
+    bool canExport = false;
+    bool areSchemaVersionsInSync = false;
     std::vector<std::pair<uint32_t, std::string>>
-        fonts;                                ///< what is matched by any request: ID, PostScript name
-    std::vector<std::string> unmatchedFonts;  ///< PostScript names, of any request
+        fonts;                                     ///< what is matched by any request: ID, PostScript name
+    std::map<uint32_t, std::string> fontVersions;  ///< by database ID
+    std::set<uint32_t> remoteFonts;                ///< database IDs of fonts that are on the server alone
+    std::map<uint32_t, std::string> fingerprints;  ///< XML by database ID
+    std::vector<std::string> unmatchedFonts;       ///< PostScript names, of any request
     int64_t replacementID = 0;  ///< database ID of the font that can replace any unmatched one; 0 for none
     int64_t activationStateBefore = 0;
     int64_t activationStateAfter = kFontActivationState_ActivatedByPlugin;

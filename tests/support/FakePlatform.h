@@ -1,6 +1,7 @@
 // System services that answer as a test says.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -32,6 +33,7 @@ public:
     std::vector<platform::ProcessInfo> running;
     platform::SystemError listError;
     platform::SystemError launchError;
+    std::deque<int> launchErrors;  ///< of the first launches; those after them fail with launchError
     std::optional<int> childExitStatus;
     std::vector<std::string> launchedCommandLines;
     std::string currentName = "Illustrator2025";
@@ -44,6 +46,10 @@ public:
                                                    platform::SystemError& error) override {
         launchedCommandLines.push_back(commandLine);
         error = launchError;
+        if (!launchErrors.empty()) {
+            error.code = launchErrors.front();
+            launchErrors.pop_front();
+        }
         return error ? nullptr : std::make_unique<FakeChildProcess>(childExitStatus);
     }
     std::string CurrentName() override { return currentName; }
@@ -75,7 +81,9 @@ public:
         return found != values.end() ? std::optional(found->second) : std::nullopt;
     }
     std::optional<std::string> FromModuleAt(const void* address, const char* key,
-                                            platform::SystemError& error) override {
+                                            platform::SystemError& error, size_t* resourceSize) override {
+        if (resourceSize != nullptr)
+            *resourceSize = values.size();
         return FromFile(platform::Current<platform::DynamicLibraries>().PathOfModuleAt(address), key, error);
     }
 

@@ -5,6 +5,6 @@ uint32_t TrackFontPanelClick(PluginFacadeRef, uint32_t) {
     return CoreErrorCodes::kNotImplemented;
 }
 
-uint32_t GetGlyphscanXMPData(PluginFacadeRef, CFStringRef, CFStringRef*) {
+uint32_t GetGlyphscanXMPData(PluginFacadeRef, uint32_t, CFStringRef*) {
     return CoreErrorCodes::kNotImplemented;
 }

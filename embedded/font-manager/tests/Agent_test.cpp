@@ -3,11 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <asio/buffer.hpp>
-#include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
-#include <asio/read.hpp>
-#include <asio/write.hpp>
 #include <csignal>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -18,6 +13,7 @@
 #include "ipc/AgentConnection.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
+#include "tests/support/RawClient.h"
 #include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
@@ -316,29 +312,6 @@ TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
     EXPECT_EQ(world.LinkedFiles().size(), 1u);
     world.KillAgent(SIGTERM);
 }
-
-/// A client that says what it likes.
-class RawClient {
-public:
-    RawClient() {
-        mSocket.connect(asio::local::stream_protocol::endpoint(Locations::OfThisUser().AgentAddress()));
-    }
-
-    void Send(const std::string& bytes) {
-        asio::error_code ignored;
-        asio::write(mSocket, asio::buffer(bytes), ignored);
-    }
-    /// Whether the agent ends the connection without another word.
-    bool IsClosedByAgent() {
-        char byte = 0;
-        asio::error_code failure;
-        return asio::read(mSocket, asio::buffer(&byte, 1), failure) == 0;
-    }
-
-private:
-    asio::io_context mLoop;
-    asio::local::stream_protocol::socket mSocket{mLoop};
-};
 
 TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     TestWorld world;

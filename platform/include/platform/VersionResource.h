@@ -23,9 +23,10 @@ public:
     /// read.
     virtual std::optional<std::string> FromFile(const std::string& path, const char* key,
                                                 SystemError& error) = 0;
-    /// The same for the loaded module that holds the address.
-    virtual std::optional<std::string> FromModuleAt(const void* address, const char* key,
-                                                    SystemError& error) = 0;
+    /// The same for the loaded module that holds the address. `resourceSize` may be null; receives the size
+    /// of all version information in bytes.
+    virtual std::optional<std::string> FromModuleAt(const void* address, const char* key, SystemError& error,
+                                                    size_t* resourceSize = nullptr) = 0;
 };
 
 template <>

@@ -77,8 +77,8 @@ PLUGINCORE_API uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersi
  */
 PLUGINCORE_API uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled);
 
-/* To be called from the host's idle loop: processes what the font manager reported (in this version:
- * nothing). Always 0. */
+/* To be called from the host's idle loop: reacts to what the font manager reported, a logout or a change of
+ * the workgroups for example. Messages may show. Always 0. */
 PLUGINCORE_API uint32_t IdleEvent(void);
 
 /* Writes whether the user has yet to log in to the font manager to *showLogin. */

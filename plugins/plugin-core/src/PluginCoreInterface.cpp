@@ -117,6 +117,10 @@ uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled) {
 }
 
 uint32_t IdleEvent() {
+    Guarded(__func__, []() -> uint32_t {
+        CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+        return agent != nullptr ? agent->ProcessNotifications() : CoreErrorCodes::kSuccess;
+    });
     return CoreErrorCodes::kSuccess;
 }
 

@@ -41,7 +41,7 @@ public:
             "VPILoader|GetProcAddress|LoadLibraryA|VPFInterface::|CoreAgentInterface|GZephyrinSdk|"
             "StringValueFromVersion|VPI at "
             "location|RunningInCompatibleHostApp\\(\\)|FindWindow|0x[0-9a-f]{8}|"
-            "workgroups found|user's workgroup list");
+            "version resource info|DLL file path|workgroups found|user's workgroup list");
         std::istringstream lines(trace.Text());
         std::string kept;
         bool hasBegun = false;

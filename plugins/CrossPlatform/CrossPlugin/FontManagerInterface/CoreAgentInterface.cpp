@@ -2,6 +2,8 @@
 
 #include "AgentLauncher.h"
 #include "MarquellGlobals.h"
+#include "NotificationProcessor.h"
+#include "NotificationQueue.h"
 #include "TraceLog.h"
 
 namespace {
@@ -44,8 +46,12 @@ int CoreAgentInterface::RelaunchZephyrinAgent() {
     LogMessage(1, "Entering CoreAgentInterface::RelaunchZephyrinAgent");
     const int result = LaunchZephyrinAgentIfNeeded();
     const auto reset = VPILoader::GetSharedInstance()->pfResetPluginFacadeInstance;
-    if (result == kRelaunchSucceeded && reset != nullptr)
+    if (result == kRelaunchSucceeded && reset != nullptr) {
         reset();
+        // What is known of the end of the agent before concerns nobody any more.
+        NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
+        ListenForNotifications();
+    }
     LogMessage(-1, "Exiting CoreAgentInterface::RelaunchZephyrinAgent, returning %d", result);
     return result;
 }
@@ -116,6 +122,7 @@ void CoreAgentInterface::InitializeCoreAgent() {
     const ErrorCode code = InitializeSdk();
     if (code == CoreErrorCodes::kSuccess) {
         LogMessage(0, "GZephyrinSdk::Initialize SUCCEEDED.");
+        ListenForNotifications();
         MarquellGlobals::SetPluginServicesEnabled(true);
         MarquellGlobals::SetConnectedToCore(true);
     } else {
@@ -166,6 +173,16 @@ bool CoreAgentInterface::IsAgentProcessRunning() {
                static_cast<int>(code), isRunning, static_cast<int>(sizeof isRunning));
     DisableAndNotify();
     return false;
+}
+
+// Without reports the plug-in works as before; it only learns of changes later.
+void CoreAgentInterface::ListenForNotifications() {
+    static_cast<void>(
+        CallOnce(CallOf(&PluginFunctionTable::pfRegisterForNotifications, CoreAgentNotificationCallback)));
+}
+
+ErrorCode CoreAgentInterface::ProcessNotifications() {
+    return NotificationProcessor::GetSharedInstance().ProcessNotifications();
 }
 
 void CoreAgentInterface::CleanUpOnShutdown() {

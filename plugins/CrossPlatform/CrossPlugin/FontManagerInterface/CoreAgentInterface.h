@@ -54,6 +54,14 @@ public:
     /// Adds the fonts of the records to the set.
     [[nodiscard]] ErrorCode AddFontsToSet(CFArrayRef fonts, int32_t setID);
 
+    /// Appends the records of the fonts with that PostScript name in the workgroup, best match first.
+    [[nodiscard]] ErrorCode GetFontsByPostscriptName(const std::string& name, int32_t workgroupID,
+                                                     CFMutableArrayRef fonts);
+    /// The fingerprint of a font as XML; empty when it has none.
+    [[nodiscard]] ErrorCode GetGlyphscanInfo(uint32_t databaseID, std::string& xml);
+    /// The workgroup of the system's own fonts. Asked for once; 0xFFFFFFFF when it cannot be told.
+    int32_t GetSystemWorkgroupID();
+
     bool IsLoggedIn();
     bool IsRunningStandalone();
     bool CanExportFromWorkgroup(CFArrayRef fonts);
@@ -62,6 +70,10 @@ public:
     /// Appends the user's workgroups that the filter lets through, with the names to show.
     [[nodiscard]] ErrorCode GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                     std::vector<Workgroup>& workgroups);
+
+    /// Reacts to what the agent reported since the last call; to be called when the host is idle. The status
+    /// of those who were told.
+    ErrorCode ProcessNotifications();
 
     /// Lets the interface library release what it holds for this process. The agent is not started for it.
     void CleanUpOnShutdown();
@@ -94,6 +106,8 @@ private:
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);
+    /// Has the agent report to the notification queue. Does nothing when it does so already.
+    void ListenForNotifications();
     ErrorCode InitializeSdk();
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();

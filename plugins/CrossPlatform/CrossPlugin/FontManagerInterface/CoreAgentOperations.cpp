@@ -2,6 +2,12 @@
 #include "CoreAgentInterface.h"
 #include "TraceLog.h"
 
+namespace {
+
+constexpr int32_t kUnknownWorkgroupID = -1;
+
+}  // namespace
+
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
                                                           const DocumentFontLists& lists,
                                                           CFMutableArrayRef matchedFonts) {
@@ -141,6 +147,39 @@ ErrorCode CoreAgentInterface::AddFontsToSet(CFArrayRef fonts, int32_t setID) {
     const CFRef<CFMutableArrayRef> setIDs = cf::MutableArray();
     cf::Append(setIDs, setID);
     return Call(&PluginFunctionTable::pfAddFontsToSets, fontIDs.get(), setIDs.get());
+}
+
+ErrorCode CoreAgentInterface::GetFontsByPostscriptName(const std::string& name, int32_t workgroupID,
+                                                       CFMutableArrayRef fonts) {
+    const CFRef<CFStringRef> text = cf::String(name);
+    return Call(&PluginFunctionTable::pfGetFontsByPostscriptName, text.get(), workgroupID, fonts);
+}
+
+ErrorCode CoreAgentInterface::GetGlyphscanInfo(uint32_t databaseID, std::string& xml) {
+    CFStringRef text = nullptr;
+    const ErrorCode code = Call(&PluginFunctionTable::pfGetGlyphscanXMPData, databaseID, &text);
+    xml = cf::ToUtf8(AdoptCF(text).get());
+    return code;
+}
+
+int32_t CoreAgentInterface::GetSystemWorkgroupID() {
+    static int32_t systemWorkgroupID = kUnknownWorkgroupID;  // one for the life of the process
+    if (systemWorkgroupID != kUnknownWorkgroupID) {
+        LogMessage(0,
+                   "CoreAgentInterface::GetSystemWorkgroupID : Returning cached System workgroup ID of %d.",
+                   systemWorkgroupID);
+        return systemWorkgroupID;
+    }
+    WorkgroupFilter filter;
+    filter.includeSystemWorkgroup = true;
+    std::vector<Workgroup> workgroups;
+    if (GetAllWorkgroupsForUser(filter, workgroups) != CoreErrorCodes::kSuccess)
+        return kUnknownWorkgroupID;
+    for (const Workgroup& workgroup : workgroups) {
+        if (workgroup.type == kWorkgroupType_System)
+            systemWorkgroupID = workgroup.id;
+    }
+    return systemWorkgroupID;
 }
 
 ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& filter,

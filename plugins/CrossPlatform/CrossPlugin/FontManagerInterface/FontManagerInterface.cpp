@@ -1,18 +1,34 @@
 #include "FontManagerInterface.h"
 
 #include "MarquellGlobals.h"
+#include "NotificationQueue.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/VersionResource.h"
+
+namespace {
+
+constexpr size_t kLongestModulePath = 1024;
+
+}  // namespace
 
 std::string FontManagerInterface::StringValueFromVersionResourceCopy(const char* fieldName) {
     static const char addressInThisModule = 0;
     LogMessage(0, "Entering StringValueFromVersionResourceCopy(fieldName \"%s\")", fieldName);
     const std::string path =
         platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&addressInThisModule);
+    const bool isTooLong = path.size() >= kLongestModulePath;
+    if (isTooLong)
+        LogMessage(0, "*** ERROR:  Buffer not large enough for plugin DLL file path!");
+    LogMessage(0, "Plugin DLL file path is \"%s\"%s", path.substr(0, kLongestModulePath - 1).c_str(),
+               isTooLong ? " (TRUNCATED!!!)" : "");
     platform::SystemError error;
-    const auto value = platform::Current<platform::VersionResources>().FromFile(path, fieldName, error);
+    size_t size = 0;
+    const auto value = platform::Current<platform::VersionResources>().FromModuleAt(&addressInThisModule,
+                                                                                    fieldName, error, &size);
+    if (!error)
+        LogMessage(0, "Got version resource info of size %d bytes.", static_cast<int>(size));
     return value.value_or("x.x.x.x");
 }
 
@@ -46,6 +62,7 @@ bool FontManagerInterface::CreateFontManager() {
     }
     sm_pFontManager = mFontManagers.emplace_back(std::make_unique<CoreAgentInterface>()).get();
     SetFontManagerAccess(this);
+    NotificationQueue::GetSharedInstance().Open();
     sm_pFontManager->InitializeCoreAgent();
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
@@ -80,6 +97,7 @@ void FontManagerInterface::ReleaseFontManager() {
     if (lock.Status() != CoreErrorCodes::kSuccess || sm_pFontManager == nullptr)
         return;
     sm_pFontManager->CleanUpOnShutdown();
+    NotificationQueue::GetSharedInstance().Close();
     SetFontManagerAccess(nullptr);
     sm_pFontManager = nullptr;
 }

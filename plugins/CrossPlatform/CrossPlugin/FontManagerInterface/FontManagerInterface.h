@@ -39,7 +39,9 @@ public:
     /// The workgroup to work in; nothing while none was chosen.
     std::optional<int32_t> GetDefaultWorkgroupID() const { return mDefaultWorkgroupID; }
     void SetDefaultWorkgroupID(int32_t workgroupID);
-    /// Works in that workgroup from now on, and after the next start.
+    /// Works in none when the user does not have the workgroup any more.
+    void ForgetWorkgroupThatIsGone();
+    /// Works in that workgroup from now on, and after the next start; plug-in services are enabled.
     void SetCurrentWorkgroup(int32_t workgroupID);
     /// The same for a name as shown to the user; kNotFound when the user has no workgroup of that name.
     ErrorCode SetCurrentWorkgroup(CFStringRef name);
@@ -47,6 +49,17 @@ public:
     std::optional<int32_t> FindWorkgroupID(const std::string& name);
     /// What the user can choose from: the own workgroups and the entry for all of them together.
     std::vector<Workgroup> WorkgroupsToChooseFrom();
+
+    /// The name to show for a workgroup; empty when the user does not have it.
+    std::string GetWorkgroupNameFromID(int32_t inWorkgroupID);
+    bool IsValidWorkgroupForUser(int32_t workgroupID);
+    /// Gives each font record that names a workgroup the name to show for it.
+    void AddWorkgroupNamesToFonts(CFMutableArrayRef fonts);
+
+    // ---- Fingerprints
+
+    /// The fingerprints (dictionaries) of the fonts with that PostScript name, best match first.
+    CFRef<CFArrayRef> GetGlyphscanData(const std::string& name, int32_t workgroupID);
 
     // ---- Others
 
@@ -80,6 +93,16 @@ private:
     void ReleaseFontManager();
     void OpenSelectWorkgroupDialog();
     std::optional<int32_t> ChooseWorkgroup();
+    static std::string FindWorkgroupIDGetName(int32_t inWorkgroupID,
+                                              const std::vector<Workgroup>& workgroups);
+
+    /// A font's record and its fingerprint.
+    struct Fingerprint {
+        CFRef<CFDictionaryRef> font;
+        CFRef<CFDictionaryRef> data;
+    };
+    CFRef<CFDictionaryRef> FingerprintOf(CFDictionaryRef font);
+    std::vector<Fingerprint> GetGlyphscanDataForFontName(const std::string& name, int32_t workgroupID);
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
     CoreAgentInterface* sm_pFontManager = nullptr;

@@ -64,10 +64,8 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     });
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
-    if (const auto chosen = ChooseWorkgroup()) {
+    if (const auto chosen = ChooseWorkgroup())
         SetCurrentWorkgroup(*chosen);
-        MarquellGlobals::SetPluginServicesEnabled(true);
-    }
 }
 
 std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
@@ -91,11 +89,18 @@ void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
     if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
         preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
+    if (!MarquellGlobals::ArePluginServicesEnabled())  // as they are while there is no workgroup to work in
+        MarquellGlobals::SetPluginServicesEnabled(true);
 }
 
 void FontManagerInterface::SetDefaultWorkgroupID(int32_t workgroupID) {
     LogMessage(0, "Calling FontManagerInterface::SetDefaultWorkgroupID(workgroupID=%d)", workgroupID);
     mDefaultWorkgroupID = workgroupID;
+}
+
+void FontManagerInterface::ForgetWorkgroupThatIsGone() {
+    if (mDefaultWorkgroupID && !Holds(WorkgroupsToChooseFrom(), *mDefaultWorkgroupID))
+        mDefaultWorkgroupID.reset();
 }
 
 ErrorCode FontManagerInterface::SetCurrentWorkgroup(CFStringRef name) {
@@ -130,4 +135,52 @@ bool FontManagerInterface::IsWorkgroupAvailable() {
     return sm_pFontManager &&
            sm_pFontManager->GetAllWorkgroupsForUser({}, workgroups) == CoreErrorCodes::kSuccess &&
            !workgroups.empty();
+}
+
+bool FontManagerInterface::IsValidWorkgroupForUser(int32_t workgroupID) {
+    constexpr char kName[] = "FontManagerInterface::IsValidWorkgroupForUser";
+    LogMessage(1, "Entering %s(workgroupID=%d)", kName, workgroupID);
+    const bool isValid = Holds(WorkgroupsToChooseFrom(), workgroupID);
+    LogMessage(-1, "%s returning %d", kName, isValid);
+    return isValid;
+}
+
+std::string FontManagerInterface::FindWorkgroupIDGetName(int32_t inWorkgroupID,
+                                                         const std::vector<Workgroup>& workgroups) {
+    constexpr char kName[] = "FontManagerInterface::FindWorkgroupIDGetName";
+    LogMessage(1, "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
+    const auto found = std::find_if(workgroups.begin(), workgroups.end(),
+                                    [=](const Workgroup& each) { return each.id == inWorkgroupID; });
+    const bool isFound = found != workgroups.end();
+    LogMessage(-1, "%s returning %d", kName, isFound);
+    return isFound ? found->name : std::string();
+}
+
+std::string FontManagerInterface::GetWorkgroupNameFromID(int32_t inWorkgroupID) {
+    constexpr char kName[] = "FontManagerInterface::GetWorkgroupNameFromID";
+    LogMessage(1, "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
+    const std::string name = FindWorkgroupIDGetName(inWorkgroupID, WorkgroupsToChooseFrom());
+    LogMessage(-1, "%s returning '%s'", kName, name.c_str());
+    return name;
+}
+
+void FontManagerInterface::AddWorkgroupNamesToFonts(CFMutableArrayRef fonts) {
+    constexpr char kName[] = "FontManagerInterface::AddWorkgroupNamesToFonts";
+    LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d)", kName, static_cast<int>(cf::Count(fonts)));
+    const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
+    int named = 0;
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+        const auto font = cf::Get<CFDictionaryRef>(fonts, index);
+        const auto workgroupID = cf::GetInt64(font, kGS_WorkgroupIDKey);
+        if (!workgroupID || !std::in_range<int32_t>(*workgroupID))
+            continue;
+        const std::string name = FindWorkgroupIDGetName(static_cast<int32_t>(*workgroupID), workgroups);
+        if (name.empty())
+            continue;
+        const auto copy = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, font));
+        cf::Set(copy, kGS_WorkgroupNameKey, name);
+        CFArraySetValueAtIndex(fonts, index, copy.get());
+        ++named;
+    }
+    LogMessage(-1, "%s returning %d", kName, named);
 }

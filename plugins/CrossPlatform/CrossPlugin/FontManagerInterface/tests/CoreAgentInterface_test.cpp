@@ -1,70 +1,14 @@
 #include "CoreAgentInterface.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "CapturedTrace.h"
-#include "FakeFramework.h"
-#include "FakeInterfaceLibrary.h"
-#include "FakePlatform.h"
-#include "MarquellGlobals.h"
-#include "TemporaryFolder.h"
+#include "CoreAgentInterfaceTest.h"
+#include "NotificationQueue.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-
-namespace {
-
-FakeFramework* frameworkToCreate = nullptr;
-VantorixPluginFramework* CreateFramework(uint32_t, const char*, CFDictionaryRef) {
-    return frameworkToCreate;
-}
-
-class CoreAgentInterfaceTest : public testing::Test {
-protected:
-    CoreAgentInterfaceTest() {
-        agentPath = folder.Write("agent/Pellwick", "");
-        folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
-        folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agentPath + "\n");
-        processes.running = {{2, agentPath}};
-        libraries.loadable = {folder / "agent/TarnwickPluginInterfaceX64.so",
-                              "/plugins/TarnwickPluginFramework.so"};
-        libraries.symbols = FakeInterfaceLibrary::Symbols();
-        frameworkToCreate = &framework;
-        libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(CreateFramework);
-        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
-        MarquellGlobals::SetPluginServicesEnabled(true);
-        MarquellGlobals::SetConnectedToCore(true);
-        MarquellGlobals::GetSharedVPFInterface();
-        VPILoader::GetSharedInstance();
-        library.calls.clear();
-        trace.Clear();
-    }
-    ~CoreAgentInterfaceTest() override {
-        MarquellGlobals::ResetForTesting();
-        delete VPILoader::GetSharedInstance();
-    }
-
-    int Launches() const { return static_cast<int>(processes.launchedCommandLines.size()); }
-    bool AreServicesOn() const {
-        return MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore();
-    }
-
-    TemporaryFolder folder;
-    std::string agentPath;
-    CapturedTrace trace;
-    FakeProcesses processes;
-    FakeFolders folders;
-    FakeLibraries libraries;
-    FakeVersionResources versions;
-    FakeFramework framework;
-    FakeInterfaceLibrary library;
-    CoreAgentInterface agent;
-};
-
-}  // namespace
 
 TEST_F(CoreAgentInterfaceTest, AFacadeIsFetchedForEveryCall) {
     EXPECT_TRUE(agent.IsLoggedIn());
@@ -172,4 +116,18 @@ TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
     EXPECT_THAT(trace.Text(),
                 HasSubstr("Core Agent process not running; rc=0, isRunning=0, sizeof(isRunning)=1\n"));
     EXPECT_EQ(framework.shownBoxes.back(), std::pair(600u, 601u));
+}
+
+TEST_F(CoreAgentInterfaceTest, TheEndOfAnAgentThatWasReplacedIsNoNewsAnyMore) {
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    queue.Open();
+    CoreAgentNotificationCallback(5, nullptr);
+    CoreAgentNotificationCallback(6, nullptr);  // the agent says goodbye
+    library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
+    EXPECT_TRUE(agent.IsLoggedIn());
+    EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1) << "the new one is listened to";
+    const auto pending = queue.TakeAll();
+    queue.Close();
+    ASSERT_EQ(pending.size(), 1u);
+    EXPECT_EQ(pending[0].name, "kPluginNotification_WorkgroupsChanged");
 }

@@ -1,6 +1,8 @@
 #include "FontManagerInterface.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include "FacadeTest.h"
 
 #include "VersionsAreCompatible.h"
 
@@ -17,4 +19,101 @@ TEST(VersionsAreCompatible, TheFirstThreeComponentsMustAgree) {
     EXPECT_TRUE(VersionsAreCompatible("", "9.9"));
     EXPECT_TRUE(VersionsAreCompatible("x.x.x.x", "x.x.x.x"));
     EXPECT_FALSE(VersionsAreCompatible("x.x.x.x", "8.0.0.0"));
+}
+
+using testing::HasSubstr;
+
+TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
+    library.workgroups = {{1, 0, "a"},     {2, 3, "b"},   {3, 4, "c"},
+                          {4, 8, "d"},     {5, 12, "e"},  {6, 1, "Google Library (LOCALIZE ME)"},
+                          {7, 1, "Print"}, {8, 99, "Odd"}};
+    std::vector<Workgroup> workgroups;
+    ASSERT_EQ(fontManager.GetFontManager()->GetAllWorkgroupsForUser({true, true, true}, workgroups), 0u);
+    std::vector<std::string> names;
+    for (const Workgroup& workgroup : workgroups)
+        names.push_back(workgroup.name);
+    EXPECT_THAT(names, testing::ElementsAre("string 214", "string 211", "string 213", "string 219",
+                                            "string 222", "string 219", "Print", "Odd"));
+    workgroups.clear();
+    ASSERT_EQ(fontManager.GetFontManager()->GetAllWorkgroupsForUser({}, workgroups), 0u);
+    EXPECT_EQ(workgroups.size(), 6u) << "neither the system's nor the Typekit library";
+    EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3);
+    library.workgroups.clear();
+    EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3);
+    EXPECT_THAT(trace.Text(),
+                testing::EndsWith("CoreAgentInterface::GetSystemWorkgroupID : Returning cached System "
+                                  "workgroup ID of 3.\n"));
+}
+
+TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroups) {
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    for (const int64_t workgroupID : {int64_t{7}, int64_t{8}, int64_t{1} << 40}) {
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_WorkgroupIDKey, workgroupID);
+        cf::Append(fonts, font);
+    }
+    fontManager.AddWorkgroupNamesToFonts(fonts.get());
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 0), kGS_WorkgroupNameKey), "Library");
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 1), kGS_WorkgroupNameKey), "");
+    EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(7));
+    EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
+    EXPECT_EQ(fontManager.GetWorkgroupNameFromID(7), "Library");
+    EXPECT_EQ(fontManager.GetWorkgroupNameFromID(8), "");
+    EXPECT_THAT(trace.Text(),
+                testing::EndsWith("FontManagerInterface::GetWorkgroupNameFromID returning ''\n"));
+}
+
+TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
+    const auto fingerprint = [](const std::string& version) {
+        return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>V</key><string>" + version +
+               "</string></dict></plist>";
+    };
+    library.fonts = {{1, "Sample"}, {2, "Sample"}, {3, "Sample"}, {4, "Sample"}, {5, "Sample"}};
+    library.fontVersions = {{1, "1.9"}, {2, "2.0"}, {3, "3.0"}, {4, "4.0"}, {5, "5.0"}};
+    library.remoteFonts = {3};
+    library.fingerprints = {
+        {1, fingerprint("1.9")}, {2, fingerprint("2.0")}, {3, fingerprint("3.0")}, {5, "<no xml"}};
+    const CFRef<CFArrayRef> data = fontManager.GetGlyphscanData("Sample", 7);
+    ASSERT_EQ(cf::Count(data.get()), 2);
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(data.get(), 0), "V"), "2.0");
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(data.get(), 1), "V"), "1.9");
+    for (const char* line :
+         {"Entering FontManagerInterface::GetGlyphscanDataForFontName('Sample', workgroupID=7, ...)\n",
+          "...GetGlyphscanInfo returned 0 for Sample (databaseID 1).\n",
+          "...GetGlyphscanInfo returned 0 but no Glyphscan info for Sample (databaseID 4).\n",
+          "Excluding version with checksum 0 because it's remote and we're running standalone.\n",
+          "...CFPropertyListCreateFromXMLData failed on \"<no xml\".  OS message is:\n   \"",
+          "...Sorting a 2-element array of Glyphscan data for 'Sample'.\n",
+          "Exiting GetGlyphscanData with data for 2 match(es).\n"})
+        EXPECT_THAT(trace.Text(), HasSubstr(line));
+    library.isStandalone = false;
+    EXPECT_EQ(cf::Count(fontManager.GetGlyphscanData("Sample", 7).get()), 3)
+        << "with a server, what is remote counts";
+}
+
+TEST_F(FacadeTest, TheOwnVersionIsReadWithItsSize) {
+    versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.1";
+    EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "8.1");
+    EXPECT_THAT(trace.Text(), HasSubstr("Got version resource info of size 1 bytes.\n"));
+    libraries.pathOfThisModule = std::string(2000, 'x');
+    EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "x.x.x.x");
+    EXPECT_THAT(trace.Text(), HasSubstr("*** ERROR:  Buffer not large enough for plugin DLL file path!\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr(" (TRUNCATED!!!)\n"));
+}
+
+TEST_F(FacadeTest, AFolderThatIsNoPathIsNone) {
+    framework.chosenFolder = "";
+    std::string path = "kept";
+    EXPECT_FALSE(fontManager.ShowSaveFolderDialog("/start", path));
+    EXPECT_EQ(path, "kept");
+    EXPECT_THAT(trace.Text(), HasSubstr("*** UH-OH, SHGetPathFromIDList returned NULL.\n"));
+}
+
+TEST_F(FacadeTest, TheHostShutsDownOnce) {
+    fontManager.OnHostAppShuttingDown();
+    EXPECT_EQ(fontManager.GetFontManager(), nullptr);
+    fontManager.OnHostAppShuttingDown();
+    EXPECT_THAT(trace.Text(), testing::EndsWith("*** UH-OH, sm_pFontManager is NULL in "
+                                                "FontManagerInterface::OnHostAppShuttingDown\n"));
+    EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
 }

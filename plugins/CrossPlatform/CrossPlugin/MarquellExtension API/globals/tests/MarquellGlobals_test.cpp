@@ -52,6 +52,7 @@ protected:
     FakeVersionResources versions;
     FakeProcesses processes;
     FakeWindowing windowing;
+    FakeFramework framework;
 };
 
 }  // namespace
@@ -204,7 +205,6 @@ TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {
     constexpr char kRefusal[] =
         "Exiting MarquellGlobals::SaveDocumentFonts not valid, not enabled, or not logged in\n";
     FakeFontManager fontManager;
-    FakeFramework framework;
     libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
     libraries.symbols["CreateVantorixPluginFramework"] = MakerOf(framework);
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");

@@ -1,0 +1,152 @@
+#include "NotificationProcessor.h"
+
+#include <array>
+#include <memory>
+
+#include "FontManagerInterface.h"
+#include "MarquellGlobals.h"
+#include "NotificationQueue.h"
+#include "TraceLog.h"
+
+namespace {
+
+bool Flag(const PluginNotification& notification, const char* key) {
+    return cf::GetBool(notification.payload.get(), key).value_or(false);
+}
+
+int FontID(const PluginNotification& notification) {
+    return static_cast<int>(
+        cf::GetInt64(notification.payload.get(), kPluginNotification_FontActivation_Font_ID).value_or(0));
+}
+
+void ShowMessageBox(MessageBoxStrings strings) {
+    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
+        framework->ShowMessageBox(strings);
+}
+
+void RefreshWorkgroups() {
+    if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
+        hostApp->OnWorkgroupsChanged();
+}
+
+void OnOnlineStateChanged(const PluginNotification& notification) {
+    LogMessage(0, ">>> notification: Online state changed to '%s'",
+               Flag(notification, kNotificationIsOnlineKey) ? "true" : "false");
+}
+
+void OnLoggedInStateChanged(const PluginNotification& notification) {
+    const bool isLoggedIn = Flag(notification, kNotificationIsLoggedInKey);
+    LogMessage(0, ">>> notification: Logged-in state changed to '%s'", isLoggedIn ? "true" : "false");
+    MarquellGlobals::SetLoggedIn(isLoggedIn);
+    MarquellGlobals::SetPluginServicesEnabled(isLoggedIn);
+    MarquellGlobals::SetConnectedToCore(true);
+    if (isLoggedIn)
+        FontManagerInterface::GetSharedInstance().HandleSelectWorkgroup();
+    else  // nothing to choose from
+        ShowMessageBox(message_boxes::kNotLoggedIn);
+    RefreshWorkgroups();
+}
+
+void OnPanelDataChanged(const PluginNotification&) {
+    LogMessage(0, ">>> notification: Data changed");
+}
+
+void OnWorkgroupsChanged(const PluginNotification&) {
+    LogMessage(0, ">>> notification: Workgroups changed");
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    fontManager.ForgetWorkgroupThatIsGone();
+    fontManager.InitializeDefaultWorkgroup();
+    RefreshWorkgroups();
+}
+
+void OnAgentShutdown(const PluginNotification&) {
+    LogMessage(0, ">>> notification: Agent shut down");
+    LogMessage(0, "Disabling plugin functionality");
+    MarquellGlobals::SetPluginServicesEnabled(false);
+    MarquellGlobals::SetConnectedToCore(false);
+    LogMessage(0, "Informing user that plugin functionality will be disabled...");
+    ShowMessageBox(message_boxes::kAgentNotRunning);
+}
+
+void OnFontActivated(const PluginNotification& notification) {
+    LogMessage(0, ">>> notification: font %d activated", FontID(notification));
+}
+
+void OnFontDeactivated(const PluginNotification& notification) {
+    LogMessage(0, ">>> notification: font %d deactivated", FontID(notification));
+}
+
+void OnBulkReplicationProgress(const PluginNotification&) {
+    MarquellGlobals::SetBulkReplicationRunning(true);
+}
+
+void OnBulkReplicationStopped(const PluginNotification&) {
+    MarquellGlobals::SetBulkReplicationRunning(false);
+    RefreshWorkgroups();
+}
+
+void OnIncrementalReplicationProgress(const PluginNotification&) {
+    MarquellGlobals::SetIncrementalReplicationRunning(true);
+}
+
+void OnIncrementalReplicationStopped(const PluginNotification&) {
+    MarquellGlobals::SetIncrementalReplicationRunning(false);
+    RefreshWorkgroups();
+}
+
+struct Reaction {
+    std::string_view name;
+    void (*react)(const PluginNotification& notification);
+};
+
+// Names that are not here concern the panels alone.
+constexpr std::array<Reaction, 11> kReactions{
+    {{kPluginNotification_OnlineStateChanged, OnOnlineStateChanged},
+     {kPluginNotification_LoggedInStateChanged, OnLoggedInStateChanged},
+     {kPluginNotification_PanelDataChanged, OnPanelDataChanged},
+     {kPluginNotification_WorkgroupsChanged, OnWorkgroupsChanged},
+     {kPluginNotification_AgentShutdown, OnAgentShutdown},
+     {kPluginNotification_FontActivated, OnFontActivated},
+     {kPluginNotification_FontDeactivated, OnFontDeactivated},
+     {kPluginNotification_BulkReplicationProgress, OnBulkReplicationProgress},
+     {kPluginNotification_BulkReplicationStopped, OnBulkReplicationStopped},
+     {kPluginNotification_IncrementalReplicationProgress, OnIncrementalReplicationProgress},
+     {kPluginNotification_IncrementalReplicationStopped, OnIncrementalReplicationStopped}}};
+
+/// The font manager's own affairs, which panels hear of in other ways.
+bool ConcernsPanels(std::string_view name) {
+    return name != kPluginNotification_WorkgroupsChanged && name != kPluginNotification_AgentShutdown;
+}
+
+}  // namespace
+
+NotificationProcessor& NotificationProcessor::GetSharedInstance() {
+    static NotificationProcessor& shared = *std::make_unique<NotificationProcessor>().release();
+    return shared;
+}
+
+ErrorCode NotificationProcessor::ProcessNotifications() {
+    if (mIsProcessing)
+        return CoreErrorCodes::kSuccess;
+    mIsProcessing = true;
+    const ScopeExit done([this] { mIsProcessing = false; });
+    ErrorCode result = CoreErrorCodes::kSuccess;
+    for (PluginNotification& notification : NotificationQueue::GetSharedInstance().TakeAll())
+        mPending.push_back(std::move(notification));
+    while (!mPending.empty()) {
+        const PluginNotification notification = std::move(mPending.front());
+        mPending.pop_front();  // a reaction that throws does not take those behind it along
+        if (const ErrorCode code = Process(notification))
+            result = code;
+    }
+    return result;
+}
+
+ErrorCode NotificationProcessor::Process(const PluginNotification& notification) {
+    for (const Reaction& reaction : kReactions) {
+        if (reaction.name == notification.name)
+            reaction.react(notification);
+    }
+    return mReceiver != nullptr && ConcernsPanels(notification.name) ? mReceiver->Receive(notification)
+                                                                     : CoreErrorCodes::kSuccess;
+}

@@ -1,0 +1,36 @@
+// What the core does about the agent's reports, on the host's main thread.
+#pragma once
+
+#include <deque>
+
+#include "ErrorCodes.h"
+#include "PluginNotifications.h"
+
+/// Who else hears of notifications: the panels.
+class NotificationReceiver {
+public:
+    virtual ~NotificationReceiver() = default;
+    virtual ErrorCode Receive(const PluginNotification& notification) = 0;
+};
+
+/// Main thread.
+class NotificationProcessor {
+public:
+    /// Lives to process end.
+    static NotificationProcessor& GetSharedInstance();
+
+    /// Not owned; null for none.
+    void SetReceiver(NotificationReceiver* receiver) { mReceiver = receiver; }
+
+    /// Reacts to what waits in the shared queue, in the order in which it came; what comes meanwhile waits
+    /// for the next call. A call from behind a dialog that a reaction shows does nothing. 0, or the last code
+    /// with which the receiver failed.
+    ErrorCode ProcessNotifications();
+
+private:
+    ErrorCode Process(const PluginNotification& notification);
+
+    NotificationReceiver* mReceiver = nullptr;
+    std::deque<PluginNotification> mPending;  ///< taken from the queue
+    bool mIsProcessing = false;
+};

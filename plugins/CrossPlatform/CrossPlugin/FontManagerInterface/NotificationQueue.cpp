@@ -1,0 +1,157 @@
+#include "NotificationQueue.h"
+
+#include <array>
+#include <memory>
+
+#include "TarnwickPluginInterface.h"
+#include "TraceLog.h"
+
+namespace {
+
+/// What a callback's data is, and under which key it goes into the payload.
+enum class DataKind { kNone, kTrue, kFalse, kTruth, kFontID, kPayload, kDictionary };
+
+struct CallbackKind {
+    const char* name;
+    DataKind data = DataKind::kNone;
+    const char* key = nullptr;
+};
+
+constexpr const char* kNames[] = {
+#define NOTIFICATION_NAME(name) name,
+    PLUGIN_NOTIFICATIONS(NOTIFICATION_NAME)
+#undef NOTIFICATION_NAME
+};
+constexpr int32_t kFirstNamedType = kPluginCallback_PanelDataChanged;
+constexpr int32_t kFirstNamedName = 2;
+constexpr int32_t kTypeCount = kPluginCallback_Enabled + 1;
+static_assert(std::size(kNames) == kTypeCount - kFirstNamedType + kFirstNamedName);
+
+CallbackKind KindOf(int32_t callbackType) {
+    switch (callbackType) {
+        case kPluginCallback_WentOnline:
+            return {kPluginNotification_OnlineStateChanged, DataKind::kTrue, kNotificationIsOnlineKey};
+        case kPluginCallback_WentOffline:
+            return {kPluginNotification_OnlineStateChanged, DataKind::kFalse, kNotificationIsOnlineKey};
+        case kPluginCallback_LoggedIn:
+            return {kPluginNotification_LoggedInStateChanged, DataKind::kTrue, kNotificationIsLoggedInKey};
+        case kPluginCallback_LoggedOut:
+            return {kPluginNotification_LoggedInStateChanged, DataKind::kFalse, kNotificationIsLoggedInKey};
+        default:
+            break;
+    }
+    const char* name = kNames[callbackType - kFirstNamedType + kFirstNamedName];
+    switch (callbackType) {
+        case kPluginCallback_FontActivated:
+        case kPluginCallback_FontDeactivated:
+        case kPluginCallback_FontMissing:
+        case kPluginCallback_DesignActivationNonCompliant:
+            return {name, DataKind::kFontID, kPluginNotification_FontActivation_Font_ID};
+        case kPluginCallback_GoogleWebFontsEnabled:
+        case kPluginCallback_Enabled:
+            return {name, DataKind::kTruth, kNotificationIsEnabledKey};
+        case kPluginCallback_PreviewPNGsRendered:
+            return {name, DataKind::kDictionary, kPluginNotification_FontPNGs};
+        case kPluginCallback_TaskStarted:
+        case kPluginCallback_TaskProgress:
+        case kPluginCallback_TaskFinished:
+        case kPluginCallback_TaskError:
+        case kPluginCallback_BulkReplicationProgress:
+        case kPluginCallback_IncrementalReplicationProgress:
+        case kPluginCallback_GoogleReplicationProgress:
+        case kPluginCallback_FontServerReplicationProgress:
+            return {name, DataKind::kPayload};
+        default:
+            return {name};
+    }
+}
+
+CFDictionaryRef Dictionary(const void* data) {
+    return cf::As<CFDictionaryRef>(static_cast<CFTypeRef>(data));
+}
+
+/// The data outlives the call only as a copy.
+CFRef<CFMutableDictionaryRef> CopyOf(CFDictionaryRef dictionary) {
+    return dictionary != nullptr ? AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, dictionary))
+                                 : cf::MutableDictionary();
+}
+
+CFRef<CFDictionaryRef> PayloadOf(const CallbackKind& kind, int32_t callbackType, const void* data) {
+    if (kind.data == DataKind::kPayload)
+        return CopyOf(data != nullptr ? Dictionary(data) : nullptr);
+    CFRef<CFMutableDictionaryRef> payload = cf::MutableDictionary();
+    if (callbackType == kPluginCallback_LoggedIn && data != nullptr)
+        payload = CopyOf(Dictionary(data));  // "serverType"
+    if (kind.data == DataKind::kTrue || kind.data == DataKind::kFalse)
+        cf::Set(payload, kind.key, kind.data == DataKind::kTrue);
+    if (data == nullptr)
+        return payload;
+    if (kind.data == DataKind::kTruth)
+        cf::Set(payload, kind.key, *static_cast<const bool*>(data));
+    if (kind.data == DataKind::kFontID)
+        cf::Set(payload, kind.key, *static_cast<const uint32_t*>(data));
+    if (kind.data == DataKind::kDictionary)
+        cf::Set(payload, kind.key, CopyOf(Dictionary(data)));
+    return payload;
+}
+
+ErrorCode Post(int32_t callbackType, const void* pCallbackData) {
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    if (!queue.IsOpen())
+        LogMessage(0, "WARNING:  CoreAgentInterface::GetFontManager() returned NULL.");
+    if (callbackType < 0 || callbackType >= kTypeCount)
+        return CoreErrorCodes::kInvalidParam;
+    const CallbackKind kind = KindOf(callbackType);
+    queue.Post({kind.name, PayloadOf(kind, callbackType, pCallbackData)});
+    return CoreErrorCodes::kSuccess;
+}
+
+}  // namespace
+
+NotificationQueue& NotificationQueue::GetSharedInstance() {
+    static NotificationQueue& shared = *std::make_unique<NotificationQueue>().release();
+    return shared;
+}
+
+void NotificationQueue::Open() {
+    const std::lock_guard guard(mPendingLock);
+    mIsOpen = true;
+}
+
+void NotificationQueue::Close() {
+    const std::lock_guard guard(mPendingLock);
+    mIsOpen = false;
+    mPending.clear();
+}
+
+bool NotificationQueue::IsOpen() const {
+    const std::lock_guard guard(mPendingLock);
+    return mIsOpen;
+}
+
+void NotificationQueue::Post(PluginNotification notification) {
+    const std::lock_guard guard(mPendingLock);
+    if (mIsOpen)
+        mPending.push_back(std::move(notification));
+}
+
+std::deque<PluginNotification> NotificationQueue::TakeAll() {
+    const std::lock_guard guard(mPendingLock);
+    return std::exchange(mPending, {});
+}
+
+void NotificationQueue::Drop(std::string_view name) {
+    const std::lock_guard guard(mPendingLock);
+    std::erase_if(mPending, [name](const PluginNotification& each) { return each.name == name; });
+}
+
+void CoreAgentNotificationCallback(int32_t callbackType, const void* pCallbackData) {
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    try {
+        code = Post(callbackType, pCallbackData);
+    } catch (const std::exception&) {
+        code = CoreErrorCodes::kOutOfMemory;
+    }
+    LogMessage(0, "CoreAgentNotificationCallback(callbackType=%d, pCallbackData=0x%08x) returning %d",
+               callbackType, TraceAddress(pCallbackData), static_cast<int>(code));
+}

@@ -1,0 +1,206 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "FacadeTest.h"
+#include "NotificationProcessor.h"
+#include "NotificationQueue.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+/// Keeps what the panels would get.
+class FakeReceiver : public NotificationReceiver {
+public:
+    ErrorCode Receive(const PluginNotification& notification) override {
+        names.emplace_back(notification.name);
+        payloads.push_back(notification.payload);
+        return code;
+    }
+    std::vector<std::string> names;
+    std::vector<CFRef<CFDictionaryRef>> payloads;
+    ErrorCode code = 0;
+};
+
+int refreshes = 0;
+
+class CountingHost : public HostAppInterface {
+public:
+    void ShowProgressHint(const char*) override {}
+    void Refresh(bool, bool) override {}
+    void OnWorkgroupsChanged() override { ++refreshes; }
+};
+
+class NotificationsTest : public FacadeTest {
+protected:
+    NotificationsTest() {
+        MarquellGlobals::SetSharedHostAppInterface(std::make_unique<CountingHost>());
+        fontManager.InitializeDefaultWorkgroup();
+        NotificationProcessor::GetSharedInstance().SetReceiver(&receiver);
+        refreshes = 0;
+        trace.Clear();
+    }
+    ~NotificationsTest() override { NotificationProcessor::GetSharedInstance().SetReceiver(nullptr); }
+    void Report(PluginNotificationType type, const void* data = nullptr) {
+        CoreAgentNotificationCallback(type, data);
+    }
+    ErrorCode Process() { return fontManager.GetFontManager()->ProcessNotifications(); }
+
+    FakeReceiver receiver;
+};
+
+}  // namespace
+
+TEST_F(NotificationsTest, TheCallbackOnlyRecords) {
+    EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1);
+    const uint32_t fontID = 12;
+    Report(kPluginCallback_FontActivated, &fontID);
+    EXPECT_THAT(trace.Text(), testing::MatchesRegex("CoreAgentNotificationCallback\\(callbackType=7, "
+                                                    "pCallbackData=0x[0-9a-f]{8}\\) returning 0\n"));
+    EXPECT_TRUE(receiver.names.empty());
+    EXPECT_EQ(Process(), 0u);
+    EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_FontActivated"));
+    EXPECT_EQ(cf::GetInt64(receiver.payloads[0].get(), "kPluginNotification_FontActivation_Font_ID"), 12);
+    EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: font 12 activated\n"));
+    EXPECT_EQ(Process(), 0u);
+    EXPECT_EQ(receiver.names.size(), 1u) << "processed once";
+}
+
+TEST_F(NotificationsTest, EveryTypeHasItsNameAndOthersAreIgnored) {
+    for (int32_t type = 4; type <= 28; ++type)
+        CoreAgentNotificationCallback(type, nullptr);
+    for (const int32_t type : {-1, 29, INT32_MAX, INT32_MIN})
+        CoreAgentNotificationCallback(type, nullptr);
+    const auto posted = NotificationQueue::GetSharedInstance().TakeAll();
+    ASSERT_EQ(posted.size(), 25u);
+    const std::vector<std::pair<size_t, const char*>> places{
+        {0, "kPluginNotification_PanelDataChanged"},
+        {3, "kPluginNotification_FontActivated"},
+        {12, "kPluginNotification_BulkReplicationProgress"},
+        {21, "kPluginNotification_PreviewPNGsRendered"},
+        {24, "kPluginNotification_Enabled"}};
+    for (const auto& [index, name] : places)
+        EXPECT_EQ(posted[index].name, name);
+    for (const PluginNotification& each : posted)
+        EXPECT_TRUE(each.payload) << each.name;
+}
+
+TEST_F(NotificationsTest, PayloadsOutliveTheCall) {
+    const CFRef<CFMutableDictionaryRef> details = cf::MutableDictionary();
+    cf::Set(details, "numFonts", 3);
+    Report(kPluginCallback_BulkReplicationProgress, details.get());
+    Report(kPluginCallback_PreviewPNGsRendered, details.get());
+    cf::Set(details, "numFonts", 4);
+    const bool isEnabled = true;
+    Report(kPluginCallback_GoogleWebFontsEnabled, &isEnabled);
+    Process();
+    ASSERT_EQ(receiver.payloads.size(), 3u);
+    EXPECT_EQ(cf::GetInt64(receiver.payloads[0].get(), "numFonts"), 3);
+    EXPECT_EQ(cf::GetInt64(cf::GetDictionary(receiver.payloads[1].get(), "kPluginNotification_FontPNGs"),
+                           "numFonts"),
+              3);
+    EXPECT_EQ(cf::GetBool(receiver.payloads[2].get(), "isEnabled"), true);
+}
+
+TEST_F(NotificationsTest, ALogoutSwitchesThePluginOffAndALoginOnAgain) {
+    Report(kPluginCallback_LoggedOut);
+    Process();
+    EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
+    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_TRUE(MarquellGlobals::IsConnectedToCore());
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(std::pair(609u, 611u)));
+    EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Logged-in state changed to 'false'\n"));
+    Report(kPluginCallback_LoggedIn);
+    Process();
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
+    EXPECT_EQ(framework.shownBoxes.size(), 1u);
+    EXPECT_EQ(refreshes, 2);
+    EXPECT_THAT(receiver.names, testing::Each("kPluginNotification_LoggedInStateChanged"));
+}
+
+TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7);
+    library.workgroups = {{9, kWorkgroupType_FontLibrary, "Other"}};
+    Report(kPluginCallback_WorkgroupsChanged);
+    Process();
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 9);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_TRUE(receiver.names.empty());
+    EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Workgroups changed\n"));
+}
+
+TEST_F(NotificationsTest, TheEndOfTheAgentIsTold) {
+    Report(kPluginCallback_AgentShutdown);
+    Process();
+    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_FALSE(MarquellGlobals::IsConnectedToCore());
+    EXPECT_THAT(framework.shownBoxes, ElementsAre(std::pair(600u, 601u)));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr(">>> notification: Agent shut down\nDisabling plugin functionality\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Informing user that plugin functionality will be disabled...\n"));
+}
+
+TEST_F(NotificationsTest, ReplicationIsRemembered) {
+    Report(kPluginCallback_BulkReplicationProgress);
+    Report(kPluginCallback_IncrementalReplicationProgress);
+    Process();
+    EXPECT_TRUE(MarquellGlobals::IsBulkReplicationRunning());
+    EXPECT_TRUE(MarquellGlobals::IsIncrementalReplicationRunning());
+    EXPECT_EQ(refreshes, 0);
+    Report(kPluginCallback_BulkReplicationStopped);
+    Report(kPluginCallback_IncrementalReplicationStopped);
+    Process();
+    EXPECT_FALSE(MarquellGlobals::IsBulkReplicationRunning());
+    EXPECT_FALSE(MarquellGlobals::IsIncrementalReplicationRunning());
+    EXPECT_EQ(refreshes, 2);
+    EXPECT_EQ(receiver.names.size(), 4u);
+}
+
+TEST_F(NotificationsTest, AFailingPanelDoesNotHoldTheOthersUp) {
+    receiver.code = CoreErrorCodes::kNotFound;
+    Report(kPluginCallback_SmartListsChanged);
+    Report(kPluginCallback_WentOffline);
+    EXPECT_EQ(Process(), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(receiver.names.size(), 2u);
+    EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Online state changed to 'false'\n"));
+}
+
+TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound) {
+    framework.whileDialogShows = [this] {
+        EXPECT_EQ(Process(), 0u);
+        EXPECT_TRUE(receiver.names.empty()) << "the one that shows the dialog comes first";
+    };
+    Report(kPluginCallback_LoggedOut);
+    Report(kPluginCallback_SmartListsChanged);
+    Process();
+    EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_LoggedInStateChanged",
+                                            "kPluginNotification_SmartListsChanged"));
+}
+
+TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTaken) {
+    fontManager.OnHostAppShuttingDown();
+    trace.Clear();
+    Report(kPluginCallback_SmartListsChanged);
+    EXPECT_THAT(trace.Text(),
+                testing::StartsWith("WARNING:  CoreAgentInterface::GetFontManager() returned NULL.\n"));
+    EXPECT_TRUE(NotificationQueue::GetSharedInstance().TakeAll().empty());
+}
+
+TEST_F(NotificationsTest, TenThousandFromAnotherThreadArriveInOrderOnThisOne) {
+    constexpr uint32_t kCount = 10'000;
+    std::thread agent([] {
+        for (uint32_t fontID = 1; fontID <= kCount; ++fontID)
+            CoreAgentNotificationCallback(kPluginCallback_FontActivated, &fontID);
+    });
+    while (receiver.payloads.size() < kCount)
+        Process();
+    agent.join();
+    Process();
+    ASSERT_EQ(receiver.payloads.size(), kCount);
+    for (uint32_t index = 0; index < kCount; ++index)
+        ASSERT_EQ(cf::GetInt64(receiver.payloads[index].get(), kPluginNotification_FontActivation_Font_ID),
+                  index + 1);
+}

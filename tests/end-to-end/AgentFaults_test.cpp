@@ -1,0 +1,117 @@
+// Real calls of a host while a real agent dies: before the call, and in the middle of it.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <functional>
+#include <thread>
+
+#include "HostWorld.h"
+
+namespace {
+
+/// A call that needs the agent, and what it answers when all is well.
+struct HostCall {
+    const char* name;
+    std::function<json(const HostWorld& world)> arguments;
+    std::function<bool(const json& answer)> isRight;
+};
+
+std::string DocumentOf(const HostWorld& world) {
+    return world.Path("open.ai");
+}
+
+bool IsSuccess(const json& answer) {
+    return answer["code"] == 0;
+}
+
+const HostCall kCalls[] = {
+    {"HandleOpenExistingDocument",
+     [](const HostWorld& world) {
+         return json{{"path", world.Path("other.ai")}};
+     },
+     [](const json& answer) { return answer["code"] == 1 && answer["out"]["numFontsActivated"] == 1; }},
+    {"HandleSaveDocument",
+     [](const HostWorld& world) {
+         return json{{"path", DocumentOf(world)}, {"hint", "12pt"}};
+     },
+     IsSuccess},
+    {"HandleCloseDocument",
+     [](const HostWorld& world) {
+         return json{{"path", DocumentOf(world)}};
+     },
+     IsSuccess},
+    {"ActivateChosenFonts",
+     [](const HostWorld& world) {
+         return json{{"path", DocumentOf(world)},
+                     {"fontsJSON", R"([{"DatabaseID":2,"ActivationStatus":0}])"}};
+     },
+     [](const json& answer) { return answer["code"] == 0 && answer["out"]["outCount"] == 1; }},
+    {"GetMenus",
+     [](const HostWorld&) {
+         return json{{"document", ""}};
+     },
+     [](const json& answer) {
+         return answer["out"]["buffer"].get<std::string>().find("Font Library") != std::string::npos;
+     }},
+    {"ShouldShowLogin", [](const HostWorld&) { return json::object(); },
+     [](const json& answer) { return answer["out"]["showLogin"] == false; }},
+};
+
+/// Ends the agent at its moment.
+struct Death {
+    const char* name;
+    std::function<std::thread(platform::ProcessId agent)> strike;
+};
+
+void Signal(platform::ProcessId process, int signal) {
+    kill(static_cast<pid_t>(process), signal);
+}
+
+const Death kDeaths[] = {
+    {"before the call",
+     [](platform::ProcessId agent) {
+         Signal(agent, SIGKILL);
+         pellwick::test::Eventually([agent] { return platform::ProcessStartTime(agent) == 0; });
+         return std::thread();
+     }},
+    {"during the call",
+     [](platform::ProcessId agent) {
+         Signal(agent, SIGSTOP);  // the call is taken by nobody until
+         return std::thread([agent] {
+             std::this_thread::sleep_for(std::chrono::milliseconds(200));
+             Signal(agent, SIGKILL);
+         });
+     }},
+};
+
+}  // namespace
+
+TEST(AgentFaults, NoCallOfAHostNoticesThatTheAgentDied) {
+    int count = 0;
+    for (const HostCall& call : kCalls) {
+        for (const Death& death : kDeaths) {
+            SCOPED_TRACE(std::string(call.name) + ", " + death.name);
+            HostWorld world;
+            world.AddFonts({"Sample-Bold", "Sample-Italic"});
+            world.WriteDocument("open.ai", {"Sample-Bold"});
+            world.WriteDocument("other.ai", {"Sample-Italic"});
+            ScriptedHost host;
+            host.Start();
+            host.SetPreference("CloseFontsOnDocClose", 1);
+            ASSERT_EQ(host.Open(DocumentOf(world)), 1u);
+            const platform::ProcessId agent = world.Agent();
+            std::thread striking = death.strike(agent);
+            const json answer = host.Call(call.name, call.arguments(world));
+            if (striking.joinable())
+                striking.join();
+            EXPECT_TRUE(call.isRight(answer)) << answer;
+            EXPECT_NE(world.Agent(), agent);
+            EXPECT_EQ(host.Call("PluginIsEnabled")["out"]["isEnabled"], true);
+            ++count;
+        }
+    }
+    std::printf("%zu calls x %zu deaths = %d cases\n", std::size(kCalls), std::size(kDeaths), count);
+}
