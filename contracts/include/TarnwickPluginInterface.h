@@ -42,6 +42,25 @@ typedef struct OpaquePluginThreadInstance* PluginThreadInstanceRef;
 #define kGS_ActivateLocally "ActivateLocally"
 #define kGS_ActivateGlobally "ActivateGlobally"
 
+/* Members of a smart list's dictionary. The IDs are arrays of CFNumbers. */
+#define kGS_SmartListIDKey "smartListID"
+#define kGS_SmartListNameKey "smartListName"
+#define kGS_WorkgroupIDsKey "workgroupIDs"
+#define kGS_SetIDsKey "setIDs"
+#define kGS_SmartSetIDsKey "smartSetIDs"
+#define kGS_ListDefinitionKey "listDefinition" /* string: all of the above as a JSON object, in UTF-8 */
+
+/* Members of what GetPanelSmartListTree gives, beside those and those of a workgroup's record. */
+#define kGS_WorkgroupsKey "workgroups"
+#define kGS_SetsKey "sets"
+#define kGS_SetIDKey "setID"
+#define kGS_SetNameKey "setName"
+#define kGS_SmartListsKey "smartLists"
+
+/* Members of a font's dictionary in what RenderFontNamePreviewPNGs gives: full paths, UTF-8. */
+#define kGS_PNGFilenameKey "pngFilename"
+#define kGS_2xPNGFilenameKey "2xPNGFilename"
+
 /*
  * Kinds of notification, with what pCallbackData points to for the length of the callback.
  * Types 0 to 3 are states, the rest follow the notification names from the third on.
@@ -72,7 +91,7 @@ enum PluginNotificationType {
     kPluginCallback_FontServerReplicationProgress = 22,  /* CFDictionaryRef */
     kPluginCallback_FontServerReplicationStopped = 23,   /* null */
     kPluginCallback_GoogleWebFontsEnabled = 24,          /* bool */
-    kPluginCallback_PreviewPNGsRendered = 25,            /* CFDictionaryRef: ID -> paths */
+    kPluginCallback_PreviewPNGsRendered = 25,            /* CFDictionaryRef, see below */
     kPluginCallback_SmartListsChanged = 26,              /* null */
     kPluginCallback_OfflineDownloadFinished = 27,        /* null */
     kPluginCallback_Enabled = 28                         /* bool */
@@ -115,6 +134,17 @@ enum PluginPermission {
  * nothing: CoreErrorCodes::kNotFound when one of the fonts is unknown, GZephyrinSetManager::kSetNotFound when
  * one of the sets is. The fonts may be in any workgroup.
  *
+ * CreateSmartList: makes a smart list, which is a name and a query. Its fonts are those that are, when they
+ * are asked for, in any of the workgroups, sets or other smart lists of the query (arrays of CFNumbers; null
+ * is an empty one); with nothing in the three arrays, all fonts. Lists may name one another in a circle. The
+ * ID of what is deleted may stay in a query, where it matches nothing; kWorkgroupID_All among the workgroups
+ * stands for all fonts. `outSmartListID` receives the number of the list, which is above 0 and never given
+ * twice. CoreErrorCodes::kItemAlreadyExists when another list has the name, kMissingParam for a blank one,
+ * kInvalidParam for what is no ID. Who may make and change smart lists says kPermission_CreateSmartLists;
+ * GZephyrinServerFacade::kNotLoggedIn while nobody is logged in. SetSmartListQuery gives a list another
+ * query, RenameSmartList another name, and DeleteSmartList deletes it; GZephyrinSetManager::kSetNotFound for
+ * an unknown list, there and everywhere.
+ *
  * CreateTopLevelSet: makes an empty set in a workgroup. `name` is not blank. `outSetID` receives the number
  * of the set, which is above 0 and never given twice. CoreErrorCodes::kItemAlreadyExists when the workgroup
  * has a set of that name: choose another; CoreErrorCodes::kMissingParam for a blank name;
@@ -127,6 +157,13 @@ enum PluginPermission {
  * DeactivateFonts: lets go of fonts that were activated for this process, and appends the records of those
  * that became inactive to `deactivatedFonts` (may be null). Fonts that the user activated stay active.
  * `context` is 0.
+ *
+ * EnableDesignActivation: activates a font for the user to design with, and with `wholeFamily` the other
+ * fonts of its family, until it is called with `enable` false or this process ends; DeactivateFonts and the
+ * end of documents do not touch it. `conflictingFonts` (may be null) receives what GetFontConflicts would
+ * have answered before: conflicts do not keep a font from becoming active. CoreErrorCodes::kNotFound for an
+ * unknown font, GZephyrinAssetManager::kFontMissing when its file is gone; fonts of the family whose files
+ * are gone are passed over.
  *
  * ExportFonts: copies the file of each font, each file once, into `destinationFolder` (UTF-8 path; made when
  * missing) under the name with which it was added. A file that is there is never replaced: one of the same
@@ -142,7 +179,51 @@ enum PluginPermission {
  * GetClientFontActivationStates: for each of `fontIDs`, whether the font is still active on behalf of this
  * process: sets CFBooleans by CFNumber database ID.
  *
+ * GetFontConflicts: appends the record of each active font that has the PostScript name of one of `fontIDs`
+ * (CFNumbers) and comes in another file: a host may take the one for the other. Each once.
+ *
  * GetFontsByPostscriptName, GetFontsByFamilyName: append font records, best match first.
+ *
+ * GetAdobeXMPData: the first XMP packet (ISO 16684-1) in the document's file, with its markers. Of files
+ * above 64 MiB the first and the last 32 are searched. CoreErrorCodes::kNotFound when there is none in UTF-8
+ * of up to 4 MiB; GFileSystem::kFileNotFound when the file cannot be read. It is the calling thread that
+ * reads.
+ *
+ * GetAllSmartLists: appends a dictionary with kGS_SmartListIDKey and kGS_SmartListNameKey per smart list, by
+ * name.
+ *
+ * GetSmartList: one list's dictionary, with the IDs of its query in ascending order and
+ * kGS_ListDefinitionKey.
+ *
+ * GetGoogleFonts: appends the records of the Google fonts in the library, which has none as long as
+ * CanAccessGoogleFonts says no.
+ *
+ * GetPanelSmartListTree: what smart lists can be made of. A dictionary of kGS_WorkgroupsKey, an array of
+ * workgroup records without the one for all workgroups, each with kGS_SetsKey, an array of dictionaries with
+ * kGS_SetIDKey and kGS_SetNameKey; and of kGS_SmartListsKey, the lists as GetAllSmartLists gives them.
+ *
+ * GetSmartListFonts: appends the record of each font of the list, in the order of their IDs.
+ *
+ * PreviewActivateFonts: activates fonts so that this process can show them, until it is called with
+ * `activate` false or the process ends; whatever else holds them is not touched. Unknown fonts, and those
+ * whose files are gone, are passed over; CoreErrorCodes::kNotFound when that leaves none of those to
+ * activate.
+ *
+ * QueryForSmartListFonts: tries a query without saving it. From then on GetSmartListFonts gives this process
+ * the fonts of that query for the list; until SetSmartListQuery for the list, another trial, the end of the
+ * connection or of the agent. It takes no time itself, nothing is announced, and no one else sees anything of
+ * it. The list 0 stands for one that is not made yet.
+ *
+ * GetRenderedPNGsDirectory: the folder below which the images of RenderFontNamePreviewPNGs stand. It need not
+ * exist before the first of them.
+ *
+ * RenderFontNamePreviewPNGs: makes images of the fonts' full names, each in its own face, black on a
+ * transparent ground, 32 pixels high and up to 640 wide, and the same in double size. Images that were made
+ * before are not made again. First come `highPriorityFontIDs` (may be null), then the rest of `fontIDs`.
+ * `fontPNGs` (may be null) receives, by CFNumber database ID, a dictionary with kGS_PNGFilenameKey and
+ * kGS_2xPNGFilenameKey per font. kPluginCallback_PreviewPNGsRendered brings the same for some fonts at a
+ * time, as they are done, to whoever is registered. A font that is unknown or cannot be shown is left out.
+ * Returns when all is done, a few milliseconds per image that has to be made.
  *
  * SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the host's text, may be null.
  *
@@ -234,13 +315,15 @@ enum PluginPermission {
                                   CFArrayRef fontIDs, CFMutableDictionaryRef fontPNGs))                     \
     X(RenameSmartList, (PluginFacadeRef facade, int32_t smartListID, CFStringRef name))                     \
     X(DeleteSmartList, (PluginFacadeRef facade, int32_t smartListID))                                       \
-    X(QueryForSmartListFonts, (PluginFacadeRef facade, CFStringRef query, CFMutableArrayRef fonts))         \
+    X(QueryForSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,        \
+                               CFArrayRef setIDs, CFArrayRef smartSetIDs))                                  \
     X(GetSmartList, (PluginFacadeRef facade, int32_t smartListID, CFDictionaryRef * outNewSmartList))       \
-    X(GetPanelSmartListTree, (PluginFacadeRef facade, CFArrayRef * outNewTree))                             \
+    X(GetPanelSmartListTree, (PluginFacadeRef facade, CFDictionaryRef * outNewTree))                        \
     X(GetAllSmartLists, (PluginFacadeRef facade, CFMutableArrayRef smartLists))                             \
-    X(CreateSmartList,                                                                                      \
-      (PluginFacadeRef facade, CFStringRef name, CFStringRef query, int32_t * outSmartListID))              \
-    X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFStringRef query))                  \
+    X(CreateSmartList, (PluginFacadeRef facade, CFStringRef name, CFArrayRef workgroupIDs,                  \
+                        CFArrayRef setIDs, CFArrayRef smartSetIDs, int32_t * outSmartListID))               \
+    X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,             \
+                          CFArrayRef setIDs, CFArrayRef smartSetIDs))                                       \
     X(GetSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFMutableArrayRef fonts))            \
     X(CleanUpOnShutdown, (void))                                                                            \
     X(GetFontConflicts, (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableArrayRef conflictingFonts))   \

@@ -63,6 +63,8 @@ public:
                 return BelowHome("XDG_DATA_HOME", "/.local/share");
             case KnownFolder::kConfiguration:
                 return BelowHome("XDG_CONFIG_HOME", "/.config");
+            case KnownFolder::kCache:
+                return BelowHome("XDG_CACHE_HOME", "/.cache");
             case KnownFolder::kRuntime:
                 return FromVariable("XDG_RUNTIME_DIR");
             case KnownFolder::kTemporary: {

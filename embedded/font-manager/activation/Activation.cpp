@@ -15,10 +15,11 @@ Activation::~Activation() {
         mLinks.Unlink(file);
 }
 
-bool Activation::Lease(const Font& font, const HostProcess& host, const std::string& document) {
+bool Activation::Lease(const Font& font, const HostProcess& host, LeasePurpose purpose,
+                       const std::string& document) {
     if (!Link(font))
         return false;
-    mActivations.AddLease(host, document, font.id);
+    mActivations.AddLease(host, purpose, document, font.id);
     return true;
 }
 
@@ -32,10 +33,10 @@ bool Activation::ActivateForUser(const Font& font) {
 bool Activation::Link(const Font& font) {
     const bool wasLinked = mLinks.Has(font.file);
     const bool isLinked = mLinks.Link(font.file);
-    const bool wasMissing = font.activationState == kFontActivationState_Missing;
-    const bool isMissing = !mLinks.IsInVault(font.file);
-    if (isMissing != wasMissing)
-        mFonts.SetFileMissing(font.file.id, isMissing);
+    if (!mLinks.IsInVault(font.file))
+        NoteMissing(font.file);
+    else if (font.activationState == kFontActivationState_Missing)
+        mFonts.SetFileMissing(font.file.id, false);
     if (!isLinked)
         return false;
     if (!wasLinked)
@@ -46,8 +47,23 @@ bool Activation::Link(const Font& font) {
     return true;
 }
 
-bool Activation::EndLeases(uint32_t fontID, const HostProcess& host) {
-    if (!mActivations.EndLeases(host, fontID))
+void Activation::NoteMissing(const FontFile& file) {
+    for (const Font& font : mFonts.FontsOfFile(file.id)) {
+        if (font.activationState != kFontActivationState_Missing)
+            mChanges.missing.push_back(font.id);
+    }
+    mFonts.SetFileMissing(file.id, true);
+}
+
+bool Activation::EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose) {
+    if (!mActivations.EndLeases(host, purpose, fontID))
+        return false;
+    Released(fontID);
+    return true;
+}
+
+bool Activation::EndAllLeases(uint32_t fontID, const HostProcess& host) {
+    if (!mActivations.EndAllLeases(host, fontID))
         return false;
     Released(fontID);
     return true;

@@ -16,6 +16,7 @@ namespace pellwick {
 struct ActivationChanges {
     std::vector<uint32_t> activated;
     std::vector<uint32_t> deactivated;
+    std::vector<uint32_t> missing;  ///< their file turned out to be gone
 };
 
 /// One command's worth of activations: all of them, or none. Links are made before the records are
@@ -28,17 +29,24 @@ public:
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
 
-    /// Leases the font to a host for a document. False when its file is gone, which is noted.
-    bool Lease(const Font& font, const HostProcess& host, const std::string& document);
+    /// Leases the font to a host, for a document where that is what it is for. False when its file is gone,
+    /// which is noted.
+    bool Lease(const Font& font, const HostProcess& host, LeasePurpose purpose,
+               const std::string& document = {});
     /// The user's own activation. False as above.
     bool ActivateForUser(const Font& font);
 
-    /// Ends the host's leases on the font; false when it had none.
-    bool EndLeases(uint32_t fontID, const HostProcess& host);
+    /// Ends the host's leases on the font for that purpose; false when it had none.
+    bool EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose);
+    /// Ends those for every purpose.
+    bool EndAllLeases(uint32_t fontID, const HostProcess& host);
     /// Ends the user's own activation; false when there was none.
     bool DeactivateForUser(uint32_t fontID);
     /// Removes the font's file with all its fonts.
     void RemoveFile(const FontFile& file);
+
+    /// Notes that the vault has lost the file.
+    void NoteMissing(const FontFile& file);
 
     ActivationChanges Commit();
 
@@ -64,7 +72,7 @@ ActivationChanges EndLeasesOfDeadHosts(ActivationStore& activations, Activation&
         if (isAlive(host))
             continue;
         for (const uint32_t fontID : activations.FontsLeasedBy(host))
-            activation.EndLeases(fontID, host);
+            activation.EndAllLeases(fontID, host);
     }
     return activation.Commit();
 }

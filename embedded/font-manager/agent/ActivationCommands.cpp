@@ -22,7 +22,7 @@ public:
         mContext.audience.KeepAlive();
         if (mSeen.count(font.id) != 0)
             return true;
-        if (!mActivation.Lease(font, mContext.client.process, mDocument))
+        if (!mActivation.Lease(font, mContext.client.process, LeasePurpose::kDocument, mDocument))
             return false;
         mSeen.insert(font.id);
         mMatched.push_back(FontRecord(mContext.manager, font));  // the state is the one from before
@@ -93,7 +93,7 @@ Json DeactivateFonts(CommandContext& context, const Json& arguments) {
     Activation activation = context.manager.BeginActivation();
     for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
         context.audience.KeepAlive();
-        activation.EndLeases(id, context.client.process);
+        activation.EndLeases(id, context.client.process, LeasePurpose::kDocument);
     }
     const ActivationChanges changes = activation.Commit();
     AnnounceChanges(context.audience, changes);

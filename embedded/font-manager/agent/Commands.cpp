@@ -53,9 +53,12 @@ CommandTable MakeCommandTable() {
     AddFontCommands(table);
     AddLookupCommands(table);
     AddActivationCommands(table);
+    AddDesignCommands(table);
     AddWorkgroupCommands(table);
     AddSetCommands(table);
+    AddSmartListCommands(table);
     AddDocumentCommands(table);
+    AddPreviewCommands(table);
     return table;
 }
 
@@ -70,6 +73,10 @@ void RequireLogIn(CommandContext& context) {
     if (!context.manager.settings.IsLoggedIn())
         throw CommandError(GZephyrinServerFacade::kNotLoggedIn,
                            "nobody is logged in; log in with \"Pellwick login NAME\"");
+}
+
+int32_t IDOf(long long number) {
+    return number > 0 && number <= INT32_MAX ? static_cast<int32_t>(number) : 0;
 }
 
 Workgroup FindWorkgroup(CommandContext& context, const std::string& name) {
@@ -90,6 +97,8 @@ void AnnounceChanges(Audience& audience, const ActivationChanges& changes) {
         audience.Announce(kPluginCallback_FontActivated, fontID);
     for (const uint32_t fontID : changes.deactivated)
         audience.Announce(kPluginCallback_FontDeactivated, fontID);
+    for (const uint32_t fontID : changes.missing)
+        audience.Announce(kPluginCallback_FontMissing, fontID);
 }
 
 }  // namespace pellwick

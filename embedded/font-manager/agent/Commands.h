@@ -25,6 +25,8 @@ private:
 struct Client {
     HostProcess process;
     bool isSubscribed = false;  ///< to notifications
+    /// Queries that were not saved, by smart list; 0 for a list that is not made yet.
+    std::map<int32_t, SmartListQuery> triedQueries;
 };
 
 /// What a command says to others than the one who asked.
@@ -57,9 +59,12 @@ void AddSessionCommands(CommandTable& table);
 void AddFontCommands(CommandTable& table);
 void AddLookupCommands(CommandTable& table);
 void AddActivationCommands(CommandTable& table);
+void AddDesignCommands(CommandTable& table);
 void AddWorkgroupCommands(CommandTable& table);
 void AddSetCommands(CommandTable& table);
+void AddSmartListCommands(CommandTable& table);
 void AddDocumentCommands(CommandTable& table);
+void AddPreviewCommands(CommandTable& table);
 
 struct CommandAnswer {
     ErrorCode code;
@@ -72,10 +77,23 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, 
 /// Throws CommandError while nobody is logged in.
 void RequireLogIn(CommandContext& context);
 
+/// A number as an ID; 0, which is none, where it is too large for one.
+int32_t IDOf(long long number);
+
+/// Where the fonts of a smart list come from, by the query that the client tries, else by the list's own.
+/// Throws CommandError when there is no such list.
+FontSources SourcesOfSmartList(CommandContext& context, long long listID);
+
+/// The font that a request names. Throws CommandError when there is none.
+Font FindFont(CommandContext& context, const Json& arguments);
+
+/// The other fonts of the font's family, without further versions of the font itself.
+std::vector<Font> RestOfFamily(FontStore& fonts, const Font& font);
+
 /// The workgroup of that name. Throws CommandError when there is none.
 Workgroup FindWorkgroup(CommandContext& context, const std::string& name);
 
-/// Announces fonts that became active or inactive.
+/// Announces fonts that became active or inactive, or whose files are gone.
 void AnnounceChanges(Audience& audience, const ActivationChanges& changes);
 
 }  // namespace pellwick

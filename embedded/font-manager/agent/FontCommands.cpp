@@ -108,13 +108,21 @@ Json RemoveFonts(CommandContext& context, const Json& arguments) {
     return {{"removed", removed}};
 }
 
-Json ListFonts(CommandContext& context, const Json& arguments) {
+/// The next of all fonts, or of those in the set or the smart list that the request gives.
+std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
     FontStore& store = context.manager.fonts;
     const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
-    const auto set = static_cast<int32_t>(IntegerMember(arguments, "set"));
+    if (arguments.contains("set"))
+        return store.ListInSet(IDOf(IntegerMember(arguments, "set")), after, kListPageSize);
+    if (arguments.contains("smartList"))
+        return store.ListFrom(SourcesOfSmartList(context, IntegerMember(arguments, "smartList")), after,
+                              kListPageSize);
+    return store.List(after, kListPageSize);
+}
+
+Json ListFonts(CommandContext& context, const Json& arguments) {
     Json records = Json::array();
-    for (const Font& font :
-         set != 0 ? store.ListInSet(set, after, kListPageSize) : store.List(after, kListPageSize)) {
+    for (const Font& font : NextPage(context, arguments)) {
         Json record = FontRecord(context.manager, font);
         record[kStyleMember] = font.style;
         record["FullName"] = font.fullName;

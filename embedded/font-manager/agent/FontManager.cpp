@@ -21,10 +21,12 @@ FontManager::FontManager(const Locations& places)
       activations(database),
       workgroups(database),
       sets(database),
+      smartLists(database),
       documents(database),
       settings(database),
       vault(places.vaultFolder),
-      links(places.linkFolder, vault) {
+      links(places.linkFolder, vault),
+      previews(places.previewFolder, vault) {
     if (PrepareSchema(database) && vault.IsEmpty())
         settings.NoteOwnVault();
 }

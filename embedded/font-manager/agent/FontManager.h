@@ -5,6 +5,7 @@
 #include "activation/FontVault.h"
 #include "activation/LinkFolder.h"
 #include "common/Locations.h"
+#include "preview/PreviewFolder.h"
 #include "scan/FontScanner.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
@@ -12,6 +13,7 @@
 #include "store/FontStore.h"
 #include "store/SetStore.h"
 #include "store/SettingsStore.h"
+#include "store/SmartListStore.h"
 #include "store/WorkgroupStore.h"
 
 namespace pellwick {
@@ -41,10 +43,12 @@ public:
     ActivationStore activations;
     WorkgroupStore workgroups;
     SetStore sets;
+    SmartListStore smartLists;
     DocumentStore documents;
     SettingsStore settings;
     FontVault vault;
     LinkFolder links;
+    PreviewFolder previews;
     FontScanner scanner;
 };
 

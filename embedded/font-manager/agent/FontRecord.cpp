@@ -20,12 +20,12 @@ int32_t RequestedKind(const std::string& name) {
     return Kinds::FontKindFromName(name);
 }
 
+}  // namespace
+
 bool IsActive(const Font& font) {
     return font.activationState == kFontActivationState_ActivatedByUser ||
            font.activationState == kFontActivationState_ActivatedByPlugin;
 }
-
-}  // namespace
 
 Json FontRecord(const FontManager& manager, const Font& font) {
     const bool isMissing = font.activationState == kFontActivationState_Missing;

@@ -16,6 +16,9 @@ Json FontRecord(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);
 
+/// Whether the user or a plug-in holds the font active.
+bool IsActive(const Font& font);
+
 /// What a request's font record, or a bare name in its place, asks for.
 RequestedFont RequestedFontOf(const Json& record);
 

@@ -11,13 +11,6 @@
 namespace pellwick {
 namespace {
 
-Font FindFont(CommandContext& context, const Json& arguments) {
-    const auto font = context.manager.fonts.Find(static_cast<uint32_t>(IntegerMember(arguments, "font")));
-    if (!font)
-        throw CommandError(CoreErrorCodes::kNotFound, "there is no such font");
-    return *font;
-}
-
 /// Leaves out fonts that are not in the workgroup; 0 and the ID of all workgroups leave all of them in.
 Json RecordsInWorkgroup(CommandContext& context, std::vector<Font> fonts, const Json& arguments) {
     const auto workgroup = static_cast<int32_t>(IntegerMember(arguments, "workgroup", kAllWorkgroupsID));
@@ -58,14 +51,7 @@ Json FindByFamilyName(CommandContext& context, const Json& arguments) {
 }
 
 Json FindSameFamily(CommandContext& context, const Json& arguments) {
-    const Font font = FindFont(context, arguments);
-    std::vector<Font> family = context.manager.fonts.FindByFamily(font.family);
-    family.erase(std::remove_if(family.begin(), family.end(),
-                                [&](const Font& member) {
-                                    return member.id == font.id ||
-                                           member.postScriptName == font.postScriptName;
-                                }),
-                 family.end());
+    const std::vector<Font> family = RestOfFamily(context.manager.fonts, FindFont(context, arguments));
     return {{"fonts", FontRecords(context.manager, family)}};
 }
 
@@ -88,6 +74,24 @@ Json FindByAnyName(CommandContext& context, const Json& arguments) {
 }
 
 }  // namespace
+
+Font FindFont(CommandContext& context, const Json& arguments) {
+    const auto font = context.manager.fonts.Find(static_cast<uint32_t>(IntegerMember(arguments, "font")));
+    if (!font)
+        throw CommandError(CoreErrorCodes::kNotFound, "there is no such font");
+    return *font;
+}
+
+std::vector<Font> RestOfFamily(FontStore& fonts, const Font& font) {
+    std::vector<Font> family = fonts.FindByFamily(font.family);
+    family.erase(std::remove_if(family.begin(), family.end(),
+                                [&](const Font& member) {
+                                    return member.id == font.id ||
+                                           member.postScriptName == font.postScriptName;
+                                }),
+                 family.end());
+    return family;
+}
 
 void AddLookupCommands(CommandTable& table) {
     table[method::kGetFont] = GetFont;

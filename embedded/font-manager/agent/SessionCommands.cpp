@@ -39,6 +39,7 @@ Json GetStatus(CommandContext& context, const Json&) {
             {"defaultWorkgroup", manager.DefaultWorkgroup().name},
             {"vault", manager.vault.Folder()},
             {"dataFolder", manager.locations.dataFolder},
+            {"previewFolder", manager.previews.Folder()},
             {"linkFolder", manager.locations.linkFolder}};
 }
 

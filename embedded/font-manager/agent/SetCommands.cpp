@@ -50,11 +50,6 @@ Json FindSet(CommandContext& context, const Json& arguments) {
     return SetRecord(sets.front());
 }
 
-/// A number as an ID; 0, which is none, where it is too large for one.
-int32_t IDOf(long long number) {
-    return number > 0 && number <= INT32_MAX ? static_cast<int32_t>(number) : 0;
-}
-
 Workgroup WorkgroupByID(CommandContext& context, long long id) {
     if (id == kAllWorkgroupsID)
         throw CommandError(GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup,

@@ -38,4 +38,17 @@ ExitStatus CreateSet(Session& session, const SetName& name);
 ExitStatus AddToSet(Session& session, const SetName& name, const std::vector<std::string>& fontNames);
 ExitStatus DeleteSet(Session& session, const SetName& name);
 
+/// The names of what a smart list takes its fonts from.
+struct SmartListParts {
+    std::vector<std::string> workgroups;
+    std::vector<std::string> sets;
+    std::vector<std::string> smartLists;
+};
+
+ExitStatus ListSmartLists(Session& session);
+ExitStatus ShowSmartList(Session& session, const std::string& name);
+ExitStatus CreateSmartList(Session& session, const std::string& name, const SmartListParts& parts);
+ExitStatus RenameSmartList(Session& session, const std::string& name, const std::string& newName);
+ExitStatus DeleteSmartList(Session& session, const std::string& name);
+
 }  // namespace pellwick::cli

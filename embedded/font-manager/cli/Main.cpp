@@ -18,6 +18,7 @@ struct Arguments {
     std::string name;
     std::string newName;
     std::string workgroup;
+    SmartListParts parts;
     bool isOn = true;
 };
 
@@ -99,6 +100,39 @@ void DescribeSetCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
         ->required();
 }
 
+void DescribeSmartListCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    CLI::App& lists =
+        *app.add_subcommand("smartlist", "Lists that follow workgroups, sets and other such lists")
+             ->require_subcommand(1)
+             ->fallthrough();
+    AddCommand(lists, chosen, "list", "List the smart lists", ListSmartLists);
+    const auto withName = [&](const char* name, const char* description, auto run) {
+        auto* command = AddCommand(lists, chosen, name, description, [&arguments, run](Session& session) {
+            return run(session, arguments.name);
+        });
+        command->add_option("NAME", arguments.name, "The smart list's name")->required();
+        return command;
+    };
+    withName("fonts", "List the fonts of a smart list", ShowSmartList);
+    withName("delete", "Delete a smart list; its fonts stay", DeleteSmartList);
+    withName("rename", "Rename a smart list",
+             [&](Session& session, const std::string& name) {
+                 return RenameSmartList(session, name, arguments.newName);
+             })
+        ->add_option("NEW", arguments.newName, "The new name")
+        ->required();
+    auto* create = withName("create", "Make a smart list; of all fonts when nothing is named",
+                            [&](Session& session, const std::string& name) {
+                                return CreateSmartList(session, name, arguments.parts);
+                            });
+    const auto addParts = [create](const char* option, std::vector<std::string>& names, const char* meaning) {
+        create->add_option(option, names, meaning)->allow_extra_args(false);
+    };
+    addParts("--workgroup", arguments.parts.workgroups, "Take the fonts of this workgroup; may be repeated");
+    addParts("--set", arguments.parts.sets, "Take the fonts of this set; may be repeated");
+    addParts("--smartlist", arguments.parts.smartLists, "Take the fonts of that smart list; may be repeated");
+}
+
 void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     AddCommand(app, chosen, "status", "Show how the agent stands", ShowStatus);
     AddCommand(app, chosen, "login", "Log in",
@@ -132,6 +166,7 @@ int Run(int count, char** words) {
     DescribeSettingsCommands(app, arguments, chosen);
     DescribeWorkgroupCommands(app, arguments, chosen);
     DescribeSetCommands(app, arguments, chosen);
+    DescribeSmartListCommands(app, arguments, chosen);
     try {
         app.parse(count, words);
     } catch (const CLI::ParseError& error) {

@@ -32,6 +32,17 @@ constexpr unsigned kMaxInstancesPerFace = 512;
 /// A name is a few dozen characters; longer ones are cut.
 constexpr size_t kMaxNameSize = 1024;
 
+/// Images of fonts' names, in pixels at normal size.
+constexpr int kPreviewHeight = 32;
+constexpr int kMaxPreviewWidth = 640;
+/// Fonts per request for them: a few tenths of a second's work.
+constexpr size_t kPreviewBatchSize = 32;
+
+/// How much of a document is searched for metadata, and how large these may be: a packet has a few thousand
+/// bytes, with thumbnails some hundred thousand.
+constexpr uint64_t kMaxXmpSearch = uint64_t{64} << 20;
+constexpr size_t kMaxXmpPacket = size_t{4} << 20;
+
 /// A log that has grown to this size is set aside, once, and begun anew.
 constexpr uint64_t kMaxLogSize = uint64_t{5} << 20;
 

@@ -44,6 +44,8 @@ Locations Locations::OfThisUser() {
     locations.lockPath = Join(locations.dataFolder, "agent.lock");
     locations.addressPath = Join(locations.dataFolder, "agent.address");
     locations.linkFolder = Join(Join(userData, "fonts"), "Vantorix");
+    locations.previewFolder =
+        Join(Join(Join(KnownPath(platform::KnownFolder::kCache), "Vantorix"), "Pellwick"), "previews");
     locations.logFolder = Join(vantorix, "Logs");
     locations.launchInfoPath = Join(vantorix, "com.vantorix.Pellwick-LaunchInfo.conf");
     return locations;

@@ -14,6 +14,7 @@ struct Locations {
     std::string lockPath;        ///< held by the running agent
     std::string addressPath;     ///< text file: the address of the running agent's socket
     std::string linkFolder;      ///< active fonts, where every program of the user finds them
+    std::string previewFolder;   ///< images of fonts' names, which can be made anew
     std::string logFolder;       ///< logs of the agent and of plug-ins
     std::string launchInfoPath;  ///< tells plug-ins how to start the agent
 

@@ -16,46 +16,58 @@ namespace pellwick {
 /// Goes up with every change that an older client or agent would not understand.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 /// Every method: X(constant, name).
-#define PELLWICK_METHODS(X)                            \
-    X(kHello, "Hello")                                 \
-    X(kSubscribe, "Subscribe")                         \
-    X(kGetStatus, "GetStatus")                         \
-    X(kStop, "Stop")                                   \
-    X(kAddFile, "AddFile")                             \
-    X(kRemoveFonts, "RemoveFonts")                     \
-    X(kListFonts, "ListFonts")                         \
-    X(kActivateForUser, "ActivateForUser")             \
-    X(kDeactivateForUser, "DeactivateForUser")         \
-    X(kLogIn, "LogIn")                                 \
-    X(kLogOut, "LogOut")                               \
-    X(kSetStandalone, "SetStandalone")                 \
-    X(kSetGoogleWebFonts, "SetGoogleWebFonts")         \
-    X(kListWorkgroups, "ListWorkgroups")               \
-    X(kCreateWorkgroup, "CreateWorkgroup")             \
-    X(kRenameWorkgroup, "RenameWorkgroup")             \
-    X(kDeleteWorkgroup, "DeleteWorkgroup")             \
-    X(kUseWorkgroup, "UseWorkgroup")                   \
-    X(kListSets, "ListSets")                           \
-    X(kFindSet, "FindSet")                             \
-    X(kCreateSet, "CreateSet")                         \
-    X(kDeleteSet, "DeleteSet")                         \
-    X(kAddFontsToSets, "AddFontsToSets")               \
-    X(kActivateFonts, "ActivateFonts")                 \
-    X(kActivateDocumentFonts, "ActivateDocumentFonts") \
-    X(kDeactivateFonts, "DeactivateFonts")             \
-    X(kGetFont, "GetFont")                             \
-    X(kGetFonts, "GetFonts")                           \
-    X(kFindByPostScriptName, "FindByPostScriptName")   \
-    X(kFindByFamilyName, "FindByFamilyName")           \
-    X(kFindSameFamily, "FindSameFamily")               \
-    X(kFindByAnyName, "FindByAnyName")                 \
-    X(kGetClientStates, "GetClientStates")             \
-    X(kSaveDocumentFonts, "SaveDocumentFonts")         \
-    X(kGetFontUsage, "GetFontUsage")                   \
-    X(kWriteFontUsage, "WriteFontUsage")               \
+#define PELLWICK_METHODS(X)                              \
+    X(kHello, "Hello")                                   \
+    X(kSubscribe, "Subscribe")                           \
+    X(kGetStatus, "GetStatus")                           \
+    X(kStop, "Stop")                                     \
+    X(kAddFile, "AddFile")                               \
+    X(kRemoveFonts, "RemoveFonts")                       \
+    X(kListFonts, "ListFonts")                           \
+    X(kActivateForUser, "ActivateForUser")               \
+    X(kDeactivateForUser, "DeactivateForUser")           \
+    X(kLogIn, "LogIn")                                   \
+    X(kLogOut, "LogOut")                                 \
+    X(kSetStandalone, "SetStandalone")                   \
+    X(kSetGoogleWebFonts, "SetGoogleWebFonts")           \
+    X(kListWorkgroups, "ListWorkgroups")                 \
+    X(kCreateWorkgroup, "CreateWorkgroup")               \
+    X(kRenameWorkgroup, "RenameWorkgroup")               \
+    X(kDeleteWorkgroup, "DeleteWorkgroup")               \
+    X(kUseWorkgroup, "UseWorkgroup")                     \
+    X(kListSets, "ListSets")                             \
+    X(kFindSet, "FindSet")                               \
+    X(kCreateSet, "CreateSet")                           \
+    X(kDeleteSet, "DeleteSet")                           \
+    X(kAddFontsToSets, "AddFontsToSets")                 \
+    X(kListSmartLists, "ListSmartLists")                 \
+    X(kFindSmartList, "FindSmartList")                   \
+    X(kGetSmartList, "GetSmartList")                     \
+    X(kCreateSmartList, "CreateSmartList")               \
+    X(kRenameSmartList, "RenameSmartList")               \
+    X(kDeleteSmartList, "DeleteSmartList")               \
+    X(kSetSmartListQuery, "SetSmartListQuery")           \
+    X(kTrySmartListQuery, "TrySmartListQuery")           \
+    X(kActivateFonts, "ActivateFonts")                   \
+    X(kActivateDocumentFonts, "ActivateDocumentFonts")   \
+    X(kDeactivateFonts, "DeactivateFonts")               \
+    X(kGetFontConflicts, "GetFontConflicts")             \
+    X(kEnableDesignActivation, "EnableDesignActivation") \
+    X(kPreviewActivateFonts, "PreviewActivateFonts")     \
+    X(kRenderPreviews, "RenderPreviews")                 \
+    X(kGetFont, "GetFont")                               \
+    X(kGetFonts, "GetFonts")                             \
+    X(kFindByPostScriptName, "FindByPostScriptName")     \
+    X(kFindByFamilyName, "FindByFamilyName")             \
+    X(kFindSameFamily, "FindSameFamily")                 \
+    X(kFindByAnyName, "FindByAnyName")                   \
+    X(kGetClientStates, "GetClientStates")               \
+    X(kSaveDocumentFonts, "SaveDocumentFonts")           \
+    X(kGetFontUsage, "GetFontUsage")                     \
+    X(kWriteFontUsage, "WriteFontUsage")                 \
     X(kClearDocument, "ClearDocument")
 
 namespace method {
@@ -67,6 +79,9 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 /// The workgroup ID that stands for all workgroups together, and its name.
 constexpr int32_t kAllWorkgroupsID = -2;
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
+
+/// The font's ID in the record of its images, beside their paths.
+inline constexpr char kPreviewFontMember[] = "font";
 
 // Members of a set's record, beside the workgroup's ID and name.
 inline constexpr char kSetIDMember[] = "id";

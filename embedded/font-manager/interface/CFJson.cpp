@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "StringConversion.h"
+#include "TarnwickPluginInterface.h"
 #include "common/Limits.h"
+#include "common/Protocol.h"
 
 namespace pellwick {
 namespace {
@@ -90,6 +92,16 @@ CFRef<CFTypeRef> CFFromJson(const Json& value) {
             return DictionaryFrom(value);
         default:
             return nullptr;
+    }
+}
+
+void AddPreviews(CFMutableDictionaryRef dictionary, const Json& previews) {
+    for (const Json& preview : previews) {
+        const auto paths = cf::MutableDictionary();
+        for (const char* key : {kGS_PNGFilenameKey, kGS_2xPNGFilenameKey})
+            cf::Set(paths, key, StringMember(preview, key));
+        CFDictionarySetValue(dictionary, cf::Number(IntegerMember(preview, kPreviewFontMember)).get(),
+                             paths.get());
     }
 }
 

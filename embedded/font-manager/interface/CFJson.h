@@ -16,4 +16,7 @@ CFRef<CFTypeRef> CFFromJson(const Json& value);
 /// Appends what is in the JSON array; null is no array.
 void AppendJson(CFMutableArrayRef array, const Json& values);
 
+/// Adds the images of fonts' names to a dictionary: by the font's ID, their paths.
+void AddPreviews(CFMutableDictionaryRef dictionary, const Json& previews);
+
 }  // namespace pellwick

@@ -5,6 +5,7 @@
 #include "interface/CFJson.h"
 #include "interface/Exports.h"
 #include "interface/Library.h"
+#include "interface/XmpPacket.h"
 
 using namespace pellwick;
 
@@ -38,6 +39,20 @@ uint32_t GetFontUsage(PluginFacadeRef facade, CFStringRef documentPath, CFString
             CallAboutDocument(facade, method::kGetFontUsage, documentPath, Json::object(), result);
         if (code == CoreErrorCodes::kSuccess)
             *outNewFontUsage = cf::String(StringMember(result, "usage")).release();
+        return code;
+    });
+}
+
+uint32_t GetAdobeXMPData(PluginFacadeRef facade, CFStringRef documentPath, CFStringRef* outNewXMP) {
+    return Guarded([&] {
+        if (documentPath == nullptr || outNewXMP == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        std::string packet;
+        ErrorCode code = Library::Get().CheckFacade(facade);
+        if (code == CoreErrorCodes::kSuccess)
+            code = ReadXmpPacket(cf::ToUtf8(documentPath), packet);
+        if (code == CoreErrorCodes::kSuccess)
+            *outNewXMP = cf::String(packet).release();
         return code;
     });
 }

@@ -141,6 +141,13 @@ uint32_t SetGoogleWebFontsEnabled(PluginFacadeRef facade, bool isEnabled) {
     });
 }
 
+uint32_t GetGoogleFonts(PluginFacadeRef facade, CFMutableArrayRef fonts) {
+    return Guarded([&] {
+        // None have come into the library yet, so there is nothing to append.
+        return fonts == nullptr ? CoreErrorCodes::kNullPointer : Library::Get().CheckFacade(facade);
+    });
+}
+
 uint32_t CanAccessGoogleFonts(PluginFacadeRef facade, bool* outCanAccess) {
     return Answer(facade, outCanAccess, false);
 }
@@ -151,6 +158,10 @@ uint32_t GetDefaultLibraryName(PluginFacadeRef facade, CFStringRef* outNewName) 
 
 uint32_t GetFontVaultPath(PluginFacadeRef facade, CFStringRef* outNewPath) {
     return GetStatusText(facade, "vault", outNewPath);
+}
+
+uint32_t GetRenderedPNGsDirectory(PluginFacadeRef facade, CFStringRef* outNewPath) {
+    return GetStatusText(facade, "previewFolder", outNewPath);
 }
 
 uint32_t GetAreSchemaVersionsInSync(PluginFacadeRef facade, bool* outInSync) {

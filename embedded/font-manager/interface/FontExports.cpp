@@ -95,6 +95,34 @@ uint32_t DeactivateFonts(PluginFacadeRef facade, CFArrayRef fonts, uint64_t,
     });
 }
 
+uint32_t EnableDesignActivation(PluginFacadeRef facade, uint32_t fontID, bool wholeFamily, bool enable,
+                                CFMutableArrayRef conflictingFonts) {
+    return Guarded([&] {
+        return ErrorCode{CallForFonts(facade, method::kEnableDesignActivation,
+                                      {{"font", fontID}, {"wholeFamily", wholeFamily}, {"enable", enable}},
+                                      "conflicts", conflictingFonts)};
+    });
+}
+
+uint32_t PreviewActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, bool activate) {
+    return Guarded([&] {
+        if (fonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json ignored;
+        return Call(facade, method::kPreviewActivateFonts,
+                    {{"fonts", JsonFromCF(fonts)}, {"activate", activate}}, ignored);
+    });
+}
+
+uint32_t GetFontConflicts(PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableArrayRef conflictingFonts) {
+    return Guarded([&] {
+        if (fontIDs == nullptr || conflictingFonts == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        return ErrorCode{CallForFonts(facade, method::kGetFontConflicts, {{"fonts", JsonFromCF(fontIDs)}},
+                                      "conflicts", conflictingFonts)};
+    });
+}
+
 uint32_t GetClientFontActivationStates(PluginFacadeRef facade, CFArrayRef fontIDs,
                                        CFMutableDictionaryRef states) {
     return Guarded([&] {

@@ -24,8 +24,10 @@ namespace {
 /// The data of a notification in the form that the callback expects for the length of its call.
 class CallbackData {
 public:
-    explicit CallbackData(const Json& data) {
-        if (data.is_boolean())
+    CallbackData(int32_t type, const Json& data) {
+        if (type == kPluginCallback_PreviewPNGsRendered)
+            mObject = PreviewsOf(data);
+        else if (data.is_boolean())
             mTruth = data.get<bool>();
         else if (data.is_number_integer())
             mNumber = data.get<uint32_t>();
@@ -41,6 +43,12 @@ public:
     const void* Pointer() const { return mPointer; }
 
 private:
+    static CFRef<CFTypeRef> PreviewsOf(const Json& data) {
+        const auto previews = cf::MutableDictionary();
+        AddPreviews(previews.get(), data);
+        return previews;
+    }
+
     bool mTruth = false;
     uint32_t mNumber = 0;
     CFRef<CFTypeRef> mObject;
@@ -163,7 +171,7 @@ void NotificationListener::DeliverAll(const std::shared_ptr<Listening>& listenin
 
 void NotificationListener::Deliver(const std::shared_ptr<Listening>& listening, int32_t type,
                                    const Json& data) {
-    const CallbackData callbackData(data);
+    const CallbackData callbackData(type, data);
     std::unique_lock guard(mCallbacksLock);
     const auto callbacks = mCallbacks;
     for (const PluginNotificationCallback callback : callbacks) {

@@ -1,7 +1,7 @@
 #include "scan/FontScanner.h"
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
+#include "scan/FreeTypeFace.h"
+
 #include FT_FONT_FORMATS_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_TRUETYPE_TABLES_H
@@ -20,20 +20,8 @@ namespace {
 
 using Kinds = GFontManagerConstants;
 
-struct FaceCloser {
-    void operator()(FT_Face face) const { FT_Done_Face(face); }
-};
-using OwnedFace = std::unique_ptr<FT_FaceRec, FaceCloser>;
-
 constexpr std::array<std::string_view, 7> kFontExtensions = {".ttf", ".otf", ".ttc",  ".otc",
                                                              ".pfb", ".pfa", ".dfont"};
-
-OwnedFace OpenFace(FT_Library library, const std::string& content, FT_Long index, FT_Error& error) {
-    FT_Face face = nullptr;
-    error = FT_New_Memory_Face(library, reinterpret_cast<const FT_Byte*>(content.data()),
-                               static_cast<FT_Long>(content.size()), index, &face);
-    return OwnedFace(error == 0 ? face : nullptr);
-}
 
 bool HasTable(FT_Face face, FT_ULong tag) {
     FT_ULong size = 0;

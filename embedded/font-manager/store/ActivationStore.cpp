@@ -23,14 +23,25 @@ bool ActivationStore::RemoveUserActivation(uint32_t fontID) {
     return mDatabase.ChangedRows() > 0;
 }
 
-void ActivationStore::AddLease(const HostProcess& host, const std::string& document, uint32_t fontID) {
+void ActivationStore::AddLease(const HostProcess& host, LeasePurpose purpose, const std::string& document,
+                               uint32_t fontID) {
     mDatabase
-        .Prepare("INSERT OR IGNORE INTO leases (font_id, process, start_time, document) VALUES (?, ?, ?, ?)")
-        .Bind(fontID, host.process, host.startTime, document)
+        .Prepare(
+            "INSERT OR IGNORE INTO leases (font_id, process, start_time, purpose, document)"
+            " VALUES (?, ?, ?, ?, ?)")
+        .Bind(fontID, host.process, host.startTime, static_cast<int>(purpose), document)
         .Run();
 }
 
-bool ActivationStore::EndLeases(const HostProcess& host, uint32_t fontID) {
+bool ActivationStore::EndLeases(const HostProcess& host, LeasePurpose purpose, uint32_t fontID) {
+    mDatabase
+        .Prepare("DELETE FROM leases WHERE font_id = ? AND process = ? AND start_time = ? AND purpose = ?")
+        .Bind(fontID, host.process, host.startTime, static_cast<int>(purpose))
+        .Run();
+    return mDatabase.ChangedRows() > 0;
+}
+
+bool ActivationStore::EndAllLeases(const HostProcess& host, uint32_t fontID) {
     mDatabase.Prepare("DELETE FROM leases WHERE font_id = ? AND process = ? AND start_time = ?")
         .Bind(fontID, host.process, host.startTime)
         .Run();
@@ -59,9 +70,10 @@ std::vector<uint32_t> ActivationStore::FontsLeasedBy(const HostProcess& host) {
 }
 
 std::vector<uint32_t> ActivationStore::FontsLeasedFor(const HostProcess& host, const std::string& document) {
-    Statement query =
-        mDatabase.Prepare("SELECT font_id FROM leases WHERE process = ? AND start_time = ? AND document = ?");
-    return FontIDs(query.Bind(host.process, host.startTime, document));
+    Statement query = mDatabase.Prepare(
+        "SELECT font_id FROM leases WHERE process = ? AND start_time = ? AND purpose = ? AND document = ?");
+    return FontIDs(
+        query.Bind(host.process, host.startTime, static_cast<int>(LeasePurpose::kDocument), document));
 }
 
 }  // namespace pellwick

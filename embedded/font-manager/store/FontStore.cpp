@@ -2,6 +2,7 @@
 
 #include "FontRecordKeys.h"
 #include "store/Database.h"
+#include "store/SmartListStore.h"
 
 namespace pellwick {
 namespace {
@@ -57,6 +58,14 @@ std::vector<Font> AllRows(Statement& statement) {
     while (statement.Step())
         fonts.push_back(FontOfRow(statement));
     return fonts;
+}
+
+/// For json_each, which makes rows of it.
+std::string JsonArray(const std::vector<int32_t>& numbers) {
+    std::string text;
+    for (const int32_t number : numbers)
+        text += (text.empty() ? "" : ",") + std::to_string(number);
+    return "[" + text + "]";
 }
 
 FontFile FileOfRow(const Statement& row) {
@@ -172,6 +181,18 @@ std::vector<Font> FontStore::ListInSet(int32_t setID, uint32_t after, int limit)
                                         "JOIN set_fonts sf ON sf.font_id = f.id"
                                         " WHERE sf.set_id = ? AND f.id > ? ORDER BY f.id LIMIT ?");
     return AllRows(query.Bind(setID, after, limit));
+}
+
+std::vector<Font> FontStore::ListFrom(const FontSources& sources, uint32_t after, int limit) {
+    if (sources.isEverything)
+        return List(after, limit);
+    Statement query = mDatabase.Prepare(
+        SELECT_FONTS
+        "WHERE f.id IN"
+        " (SELECT font_id FROM workgroup_fonts WHERE workgroup_id IN (SELECT value FROM json_each(?))"
+        " UNION SELECT font_id FROM set_fonts WHERE set_id IN (SELECT value FROM json_each(?)))"
+        " AND f.id > ? ORDER BY f.id LIMIT ?");
+    return AllRows(query.Bind(JsonArray(sources.workgroupIDs), JsonArray(sources.setIDs), after, limit));
 }
 
 int64_t FontStore::Count() {

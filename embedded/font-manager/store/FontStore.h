@@ -11,6 +11,7 @@ namespace pellwick {
 
 class Database;
 class Statement;
+struct FontSources;
 
 /// A file in the vault.
 struct FontFile {
@@ -74,6 +75,8 @@ public:
     std::vector<Font> List(uint32_t after, int limit);
     /// The same of the fonts that are in a set.
     std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
+    /// The same of the fonts that come from any of the sources.
+    std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
     int64_t Count();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();

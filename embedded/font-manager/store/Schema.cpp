@@ -1,5 +1,6 @@
 #include "store/Schema.h"
 
+#include <array>
 #include <string>
 
 #include "common/Protocol.h"
@@ -15,7 +16,9 @@ PRAGMA synchronous = NORMAL;
 PRAGMA foreign_keys = ON;
 )sql";
 
-constexpr char kTables[] = R"sql(
+// The layouts in the order of their versions, each as the steps from the one before it. What a version has
+// once been released with stays as it is: databases of it are out there.
+constexpr char kVersion1[] = R"sql(
 CREATE TABLE files (
     id INTEGER PRIMARY KEY,
     checksum TEXT NOT NULL UNIQUE,
@@ -101,13 +104,47 @@ CREATE TABLE settings (
 ) WITHOUT ROWID;
 )sql";
 
-void MakeTables(Database& database) {
-    database.Execute(kTables);
+// No smart list was ever made in version 1. A lease now has a purpose (LeasePurpose), which is part of its
+// key.
+constexpr char kVersion2[] = R"sql(
+DROP TABLE smart_lists;
+CREATE TABLE smart_lists (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    name TEXT NOT NULL UNIQUE
+);
+CREATE TABLE smart_list_members (
+    smart_list_id INTEGER NOT NULL REFERENCES smart_lists ON DELETE CASCADE,
+    kind INTEGER NOT NULL,            -- see MemberKind
+    member_id INTEGER NOT NULL,       -- perhaps of what has been deleted since
+    PRIMARY KEY (smart_list_id, kind, member_id)
+) WITHOUT ROWID;
+ALTER TABLE leases RENAME TO leases_of_version_1;
+CREATE TABLE leases (
+    font_id INTEGER NOT NULL REFERENCES fonts ON DELETE CASCADE,
+    process INTEGER NOT NULL,
+    start_time INTEGER NOT NULL,
+    purpose INTEGER NOT NULL,
+    document TEXT NOT NULL,
+    PRIMARY KEY (font_id, process, start_time, purpose, document)
+) WITHOUT ROWID;
+INSERT INTO leases SELECT font_id, process, start_time, 0, document FROM leases_of_version_1;
+DROP TABLE leases_of_version_1;
+CREATE INDEX leases_by_host ON leases (process, start_time);
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2};
+
+void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";
     // The name is a mark that those who show it replace by a word of the user's language.
     database.Prepare(addWorkgroup).Bind("Font Library (LOCALIZE ME)", int{kWorkgroupType_FontLibrary}).Run();
     database.Prepare(addWorkgroup).Bind("System Fonts", int{kWorkgroupType_System}).Run();
-    database.Execute(("PRAGMA user_version = " + std::to_string(kSchemaVersion)).c_str());
+}
+
+void Upgrade(Database& database, int64_t version, int target) {
+    for (; version < target; ++version)
+        database.Execute(kVersions[static_cast<size_t>(version)]);
+    database.Execute(("PRAGMA user_version = " + std::to_string(target)).c_str());
 }
 
 int64_t SchemaVersionOf(Database& database) {
@@ -117,18 +154,20 @@ int64_t SchemaVersionOf(Database& database) {
 
 }  // namespace
 
-bool PrepareSchema(Database& database) {
+bool PrepareSchema(Database& database, int target) {
     database.Execute(kSettings);
     const int64_t version = SchemaVersionOf(database);
-    if (version == kSchemaVersion)
-        return false;
-    if (version != 0)
+    if (version > target)
         throw DatabaseError(CoreErrorCodes::kVersionMismatch,
                             "the font database was made by a newer version of Pellwick");
+    if (version == target)
+        return false;
     Transaction transaction(database);
-    MakeTables(database);
+    Upgrade(database, version, target);
+    if (version == 0)
+        AddFirstWorkgroups(database);
     transaction.Commit();
-    return true;
+    return version == 0;
 }
 
 }  // namespace pellwick

@@ -1,12 +1,15 @@
 // The tables of the font manager's database.
 #pragma once
 
+#include "common/Protocol.h"
+
 namespace pellwick {
 
 class Database;
 
 /// Makes the tables of a new database and the rows that a fresh font manager starts with; true when it was
-/// new. Throws DatabaseError, also for a database that a newer version made.
-bool PrepareSchema(Database& database);
+/// new. A database of an older version is brought to the current one, or stays as it was. Throws
+/// DatabaseError, also for a database that a newer version made. Another `target` is for tests of that.
+bool PrepareSchema(Database& database, int target = kSchemaVersion);
 
 }  // namespace pellwick

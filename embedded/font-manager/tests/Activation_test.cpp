@@ -42,13 +42,15 @@ protected:
         return activation.Commit();
     }
 
-    ActivationChanges Lease(size_t index, const HostProcess& host) {
+    ActivationChanges Lease(size_t index, const HostProcess& host,
+                            LeasePurpose purpose = LeasePurpose::kDocument) {
         return Apply(
-            [&](Activation& activation) { EXPECT_TRUE(activation.Lease(FontAt(index), host, "document")); });
+            [&](Activation& activation) { EXPECT_TRUE(activation.Lease(FontAt(index), host, purpose)); });
     }
 
-    ActivationChanges EndLeases(size_t index, const HostProcess& host) {
-        return Apply([&](Activation& activation) { activation.EndLeases(mIDs[index], host); });
+    ActivationChanges EndLeases(size_t index, const HostProcess& host,
+                                LeasePurpose purpose = LeasePurpose::kDocument) {
+        return Apply([&](Activation& activation) { activation.EndLeases(mIDs[index], host, purpose); });
     }
 
     test::TestWorld mWorld{"Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600"};
@@ -99,7 +101,7 @@ TEST_F(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
 TEST_F(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
     {
         Activation activation(mDatabase, mFonts, mActivations, mLinks);
-        EXPECT_TRUE(activation.Lease(FontAt(0), kHost, "document"));
+        EXPECT_TRUE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDocument, "document"));
         EXPECT_TRUE(mLinks.Has(mFile));
     }
     EXPECT_FALSE(mLinks.Has(mFile));
@@ -108,7 +110,14 @@ TEST_F(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
 
 TEST_F(ActivationTest, NotesAFileThatTheVaultHasLost) {
     mVault.Remove(mFile);
-    Apply([&](Activation& activation) { EXPECT_FALSE(activation.Lease(FontAt(0), kHost, "document")); });
+    const ActivationChanges changes = Apply([&](Activation& activation) {
+        EXPECT_FALSE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDesign));
+        EXPECT_FALSE(activation.Lease(FontAt(1), kHost, LeasePurpose::kDesign));
+    });
+    EXPECT_EQ(changes.missing, mIDs);  // each once
+    Apply([&](Activation& activation) {
+        EXPECT_FALSE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDocument, "document"));
+    });
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
     ASSERT_FALSE(mVault.Store(mFile, "cut off"));
     Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
@@ -117,10 +126,18 @@ TEST_F(ActivationTest, NotesAFileThatTheVaultHasLost) {
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
 }
 
+TEST_F(ActivationTest, TellsLeasesOfOneHostApartByTheirPurpose) {
+    Lease(0, kHost);
+    Lease(0, kHost, LeasePurpose::kDesign);
+    EXPECT_TRUE(EndLeases(0, kHost).deactivated.empty());
+    EXPECT_TRUE(EndLeases(0, kHost, LeasePurpose::kPreview).deactivated.empty());
+    EXPECT_EQ(EndLeases(0, kHost, LeasePurpose::kDesign).deactivated, std::vector{mIDs[0]});
+}
+
 TEST_F(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
     Lease(0, kHost);
     Lease(0, kOtherHost);
-    Lease(1, kOtherHost);
+    Lease(1, kOtherHost, LeasePurpose::kPreview);
     Activation activation(mDatabase, mFonts, mActivations, mLinks);
     const ActivationChanges changes =
         EndLeasesOfDeadHosts(mActivations, activation, [](const HostProcess& host) { return host == kHost; });

@@ -169,6 +169,44 @@ TEST(CommandLine, SaysWhatIsWrongAboutASet) {
     EXPECT_EQ(world.RunForJson({"set", "list"})["sets"].size(), 2u);
 }
 
+TEST(CommandLine, ManagesSmartLists) {
+    TestWorld world;
+    for (const char* name : {"Alpha-Regular", "Beta-Regular", "Gamma-Regular"})
+        world.WriteFont(name);
+    world.RunForJson({"add", world.Path("fonts")});
+    world.RunForJson({"workgroup", "create", "Project"});
+    world.RunForJson({"add", world.Path("fonts/Alpha-Regular-1.0.ttf"), "--workgroup", "Project"});
+    world.RunForJson({"set", "create", "Poster"});
+    world.RunForJson({"set", "add", "Poster", "Beta"});
+    world.RunForJson({"smartlist", "create", "Posters", "--set", "Poster"});
+    world.RunForJson({"smartlist", "create", "--workgroup", "Project", "Work", "--smartlist", "Posters"});
+    world.RunForJson({"smartlist", "create", "Everything"});
+    const auto fonts = [&](const char* list) {
+        return NamesOf(world.RunForJson({"smartlist", "fonts", list})["fonts"]);
+    };
+    EXPECT_EQ(fonts("Posters"), std::vector<std::string>{"Beta-Regular"});
+    EXPECT_EQ(fonts("Work"), (std::vector<std::string>{"Alpha-Regular", "Beta-Regular"}));
+    EXPECT_EQ(fonts("Everything").size(), 3u);
+    world.RunForJson({"set", "add", "Poster", "Gamma"});
+    EXPECT_EQ(fonts("Work").size(), 3u);
+
+    const auto refusal = [&](const std::vector<std::string>& arguments) {
+        const ProgramResult result = world.Run(arguments);
+        EXPECT_EQ(result.status, 1);
+        return result.errors;
+    };
+    EXPECT_THAT(refusal({"smartlist", "rename", "Work", "Posters"}),
+                testing::HasSubstr("choose another name"));
+    EXPECT_THAT(refusal({"smartlist", "create", "New", "--set", "Nowhere"}), testing::HasSubstr("no set"));
+    EXPECT_THAT(refusal({"smartlist", "create", "New", "--workgroup", "Nowhere"}),
+                testing::HasSubstr("no workgroup"));
+    EXPECT_THAT(refusal({"smartlist", "fonts", "Nowhere"}), testing::HasSubstr("no smart list \"Nowhere\""));
+    world.RunForJson({"smartlist", "rename", "Work", "Project"});
+    world.RunForJson({"smartlist", "delete", "Posters"});
+    EXPECT_EQ(world.Run({"smartlist", "list"}).output, "Everything\nProject\n");
+    EXPECT_EQ(fonts("Project"), std::vector<std::string>{"Alpha-Regular"});
+}
+
 TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
     TestWorld world;
     const std::string file = world.RunForJson({"launch-info"})["file"];

@@ -10,6 +10,7 @@
 #include "store/DocumentStore.h"
 #include "store/Schema.h"
 #include "store/SetStore.h"
+#include "store/SmartListStore.h"
 #include "store/WorkgroupStore.h"
 
 namespace pellwick {
@@ -82,9 +83,9 @@ TEST_F(FontStoreTest, KnowsActivationStates) {
     const uint32_t font = Add("Sample", "Sample", "Regular");
     const auto state = [&] { return mFonts.Find(font)->activationState; };
     EXPECT_EQ(state(), kFontActivationState_Inactive);
-    activations.AddLease({10, 20}, "document", font);
-    activations.AddLease({10, 20}, "another", font);
-    activations.AddLease({10, 21}, "document", font);
+    activations.AddLease({10, 20}, LeasePurpose::kDocument, "document", font);
+    activations.AddLease({10, 20}, LeasePurpose::kDocument, "another", font);
+    activations.AddLease({10, 21}, LeasePurpose::kPreview, "", font);
     EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
     activations.AddUserActivation(font);
     EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
@@ -92,10 +93,10 @@ TEST_F(FontStoreTest, KnowsActivationStates) {
     EXPECT_FALSE(activations.HasLease({10, 22}, font));
     EXPECT_FALSE(activations.HasLease({11, 20}, font));
     EXPECT_TRUE(activations.RemoveUserActivation(font));
-    EXPECT_TRUE(activations.EndLeases({10, 20}, font));
-    EXPECT_FALSE(activations.EndLeases({10, 20}, font));
+    EXPECT_TRUE(activations.EndLeases({10, 20}, LeasePurpose::kDocument, font));
+    EXPECT_FALSE(activations.EndLeases({10, 20}, LeasePurpose::kDocument, font));
     EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);  // the number was given to a new process
-    EXPECT_TRUE(activations.EndLeases({10, 21}, font));
+    EXPECT_TRUE(activations.EndAllLeases({10, 21}, font));
     EXPECT_EQ(state(), kFontActivationState_Inactive);
 }
 
@@ -183,6 +184,34 @@ TEST(Database, TakesBackATransactionThatIsNotCommitted) {
     }
     EXPECT_FALSE(workgroups.FindByName("Draft"));
     EXPECT_THROW(workgroups.Create("System Fonts", 1), DatabaseError);
+}
+
+TEST(Schema, UpgradesADatabaseOfTheFirstVersion) {
+    Database database(":memory:");
+    EXPECT_TRUE(PrepareSchema(database, 1));
+    database.Execute(
+        "INSERT INTO files VALUES (7, 'checksum', 'font.ttf', '.ttf', 10, 0);"
+        "INSERT INTO fonts VALUES (9, 7, 0, 'Sample', 'Sample', 'Regular', 'Sample', '', '1', 4);"
+        "INSERT INTO leases VALUES (9, 10, 20, '/document');"
+        "INSERT INTO workgroups (name, type) VALUES ('Project', 1)");
+    EXPECT_FALSE(PrepareSchema(database));
+    EXPECT_FALSE(PrepareSchema(database));
+    EXPECT_EQ(ActivationStore(database).FontsLeasedFor({10, 20}, "/document"), std::vector{uint32_t{9}});
+    EXPECT_EQ(WorkgroupStore(database).List().size(), 3u);
+    EXPECT_GT(SmartListStore(database).Create("All", {}), 0);
+    FontStore(database).RemoveFile(7);
+    EXPECT_TRUE(ActivationStore(database).Hosts().empty());
+    EXPECT_THROW(PrepareSchema(database, 1), DatabaseError);
+}
+
+TEST(Schema, LeavesADatabaseThatCannotBeUpgradedAsItWas) {
+    Database database(":memory:");
+    PrepareSchema(database, 1);
+    database.Execute("CREATE TABLE smart_list_members (whose INTEGER)");
+    EXPECT_THROW(PrepareSchema(database), DatabaseError);
+    database.Execute("DROP TABLE smart_list_members; INSERT INTO smart_lists (name, query) VALUES ('', '')");
+    EXPECT_FALSE(PrepareSchema(database));
+    EXPECT_TRUE(SmartListStore(database).List().empty());
 }
 
 TEST(Schema, RefusesADatabaseOfANewerVersion) {

@@ -7,12 +7,15 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <iterator>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <vector>
 
+#include "common/Locations.h"
+#include "platform/Utf8Path.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
 
@@ -36,7 +39,8 @@ struct Notes {
     void Add(int32_t type, const void* data) {
         const std::lock_guard guard(notesLock);
         int64_t about = 0;
-        if (type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated)
+        if (type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated ||
+            type == kPluginCallback_FontMissing)
             about = *static_cast<const uint32_t*>(data);
         if (type == kPluginCallback_LoggedIn)
             about = cf::GetInt64(cf::As<CFDictionaryRef>(data), "serverType").value_or(-1);
@@ -139,6 +143,21 @@ TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
     EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
 }
 
+TEST_F(RecoveryTest, WhatAHostHeldForDesignGoesWithIt) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isHeld =
+            mLibrary.EnableDesignActivation(mLibrary.Facade(), 1, false, true, nullptr) == 0 &&
+            mLibrary.PreviewActivateFonts(mLibrary.Facade(), IDsArray({2}).get(), true) == 0 &&
+            mWorld.LinkedFiles().size() == 2;
+        _exit(isHeld ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+}
+
 TEST_F(RecoveryTest, AForkedProcessHasAConnectionOfItsOwn) {
     ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
     const PluginFacadeRef parents = mLibrary.Facade();
@@ -171,6 +190,18 @@ TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
     EXPECT_TRUE(mWorld.LinkedFiles().empty());
 }
 
+TEST_F(RecoveryTest, AFontWhoseFileIsGoneIsNotified) {
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    std::filesystem::remove_all(platform::Utf8Path(Locations::OfThisUser().vaultFolder));
+    EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
+    EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
+    mWorld.RunForJson({"logout"});
+    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    EXPECT_EQ(mLibrary.UnregisterForNotifications(mLibrary.Facade(), Note), 0u);
+    EXPECT_EQ(notes.received,
+              (std::vector<Notes::Note>{{kPluginCallback_FontMissing, 1}, {kPluginCallback_LoggedOut, 0}}));
+}
+
 TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
@@ -180,7 +211,8 @@ TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
          {"logout", "login somebody", "workgroup create Project", "workgroup rename Project Done",
           "workgroup use Done", "workgroup delete Done", "standalone off", "standalone on", "standalone on",
           "set create Poster", "set add Poster Sample-Bold", "set add Poster Sample-Bold",
-          "set delete Poster", "logout"}) {
+          "set delete Poster", "smartlist create Posters", "smartlist rename Posters Bills",
+          "smartlist delete Bills", "logout"}) {
         std::istringstream words(command);
         mWorld.RunForJson({std::istream_iterator<std::string>(words), {}});
     }
@@ -191,7 +223,9 @@ TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
         {kPluginCallback_WorkgroupsChanged, 0}, {kPluginCallback_WorkgroupsChanged, 0},
         {kPluginCallback_WentOnline, 0},        {kPluginCallback_WentOffline, 0},
         {kPluginCallback_PanelDataChanged, 0},  {kPluginCallback_PanelDataChanged, 0},
-        {kPluginCallback_PanelDataChanged, 0},  {kPluginCallback_LoggedOut, 0}};
+        {kPluginCallback_PanelDataChanged, 0},  {kPluginCallback_SmartListsChanged, 0},
+        {kPluginCallback_SmartListsChanged, 0}, {kPluginCallback_SmartListsChanged, 0},
+        {kPluginCallback_LoggedOut, 0}};
     EXPECT_TRUE(Eventually([&] {
         const std::lock_guard guard(notes.notesLock);
         return notes.received.size() >= expected.size();

@@ -318,7 +318,7 @@ TEST(InterfaceLibrary, AnswersNullAndStaleArgumentsWithCodes) {
     const PluginFacadeRef stale = library.Facade();
     library.ResetPluginFacadeInstance();
     EXPECT_EQ(library.GetIsLoggedIn(stale, &truth), GAgentIF::kAgentIFDestroyed);
-    EXPECT_EQ(library.GetAllSmartLists(library.Facade(), nullptr), CoreErrorCodes::kNotImplemented);
+    EXPECT_EQ(library.GetGlyphscanXMPData(library.Facade(), 1, nullptr), CoreErrorCodes::kNotImplemented);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ enum class KnownFolder {
     kAllUsersApplicationData,  ///< CSIDL 35 | first entry of XDG_DATA_DIRS (default /usr/local/share)
     kLocalApplicationData,     ///< CSIDL 28 | XDG_DATA_HOME (default ~/.local/share)
     kConfiguration,            ///< CSIDL 28 | XDG_CONFIG_HOME (default ~/.config)
+    kCache,                    ///< CSIDL 28 | XDG_CACHE_HOME (default ~/.cache)
     kRuntime,                  ///< temporary folder of the user | XDG_RUNTIME_DIR (else empty)
     kTemporary,                ///< GetTempPath | TMPDIR (default /tmp)
 };

@@ -58,11 +58,9 @@ TestWorld::TestWorld(const std::string& name) {
         throw std::runtime_error("no temporary folder");
     mFolder = pattern + "/" + name;
     fs::create_directories(platform::Utf8Path(mFolder));
-    const std::map<std::string, std::string> variables = {{"HOME", mFolder},
-                                                          {"XDG_DATA_HOME", mFolder + "/data"},
-                                                          {"XDG_RUNTIME_DIR", ""},
-                                                          {"TMPDIR", mFolder + "/tmp"},
-                                                          {"USER", "tester"}};
+    const std::map<std::string, std::string> variables = {
+        {"HOME", mFolder},       {"XDG_DATA_HOME", mFolder + "/data"}, {"XDG_CACHE_HOME", mFolder + "/cache"},
+        {"XDG_RUNTIME_DIR", ""}, {"TMPDIR", mFolder + "/tmp"},         {"USER", "tester"}};
     for (const auto& [variable, value] : variables) {
         const char* saved = std::getenv(variable.c_str());
         mSavedVariables[variable] = saved != nullptr ? saved : "";
