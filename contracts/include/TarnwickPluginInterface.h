@@ -229,8 +229,8 @@ enum PluginPermission {
  *
  * Column identifiers are the numbers under which GetFontInfoByID's record columns are known to panels.
  *
- * GetGlyphscanXMPData: the fingerprint of a font as an XML property list, a dictionary; null when the font
- * has none.
+ * GetGlyphscanXMPData: the fingerprint of a font as an XML property list: a dictionary of what tells it from
+ * others of its name; null when it has none.
  */
 /* clang-format off */
 #define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \

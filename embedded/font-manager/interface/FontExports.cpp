@@ -35,6 +35,22 @@ uint32_t FindByName(PluginFacadeRef facade, const char* method, CFStringRef name
     });
 }
 
+/// What of a font's record tells it from others of its name, as an XML property list.
+CFRef<CFStringRef> FingerprintXML(const Json& font) {
+    Json fingerprint = Json::object();
+    for (const char* key : {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey,
+                            kGS_VersionKey, kGS_ChecksumKey, kGS_OutlineFileSizeKey}) {
+        if (font.contains(key))
+            fingerprint[key] = font[key];
+    }
+    const CFRef<CFTypeRef> list = CFFromJson(fingerprint);
+    const auto data = AdoptCF(CFPropertyListCreateXMLData(kCFAllocatorDefault, list.get()));
+    if (!data)
+        return nullptr;
+    return cf::String({reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
+                       static_cast<size_t>(CFDataGetLength(data.get()))});
+}
+
 ErrorCode GetFont(PluginFacadeRef facade, uint32_t fontID, Json& font) {
     return Call(facade, method::kGetFont, {{"font", fontID}}, font);
 }
@@ -148,6 +164,18 @@ uint32_t GetFontInfoByID(PluginFacadeRef facade, uint32_t fontID, CFDictionaryRe
         const ErrorCode code = GetFont(facade, fontID, font);
         if (code == CoreErrorCodes::kSuccess)
             *outNewFont = static_cast<CFDictionaryRef>(CFFromJson(font).release());
+        return code;
+    });
+}
+
+uint32_t GetGlyphscanXMPData(PluginFacadeRef facade, uint32_t fontID, CFStringRef* outNewXML) {
+    return Guarded([&] {
+        if (outNewXML == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json font;
+        const ErrorCode code = GetFont(facade, fontID, font);
+        if (code == CoreErrorCodes::kSuccess)
+            *outNewXML = FingerprintXML(font).release();
         return code;
     });
 }

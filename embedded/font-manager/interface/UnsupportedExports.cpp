@@ -4,7 +4,3 @@
 uint32_t TrackFontPanelClick(PluginFacadeRef, uint32_t) {
     return CoreErrorCodes::kNotImplemented;
 }
-
-uint32_t GetGlyphscanXMPData(PluginFacadeRef, uint32_t, CFStringRef*) {
-    return CoreErrorCodes::kNotImplemented;
-}

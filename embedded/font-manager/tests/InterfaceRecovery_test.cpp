@@ -44,6 +44,8 @@ struct Notes {
             about = *static_cast<const uint32_t*>(data);
         if (type == kPluginCallback_LoggedIn)
             about = cf::GetInt64(cf::As<CFDictionaryRef>(data), "serverType").value_or(-1);
+        if (type == kPluginCallback_GoogleWebFontsEnabled)
+            about = *static_cast<const bool*>(data);
         received.emplace_back(type, about);
         sigset_t blocked;
         pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
@@ -263,6 +265,20 @@ std::atomic<int> callsOfAnother{0};
 
 void CountCall(int32_t, const void*) {
     ++callsOfAnother;
+}
+
+TEST_F(RecoveryTest, TenThousandNotificationsArriveInOrder) {
+    constexpr int kCount = 10'000;
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    for (int index = 0; index < kCount; ++index)
+        ASSERT_EQ(mLibrary.SetGoogleWebFontsEnabled(mLibrary.Facade(), index % 2 == 0), 0u);
+    mWorld.RunForJson({"logout"});
+    ASSERT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    mLibrary.UnregisterForNotifications(mLibrary.Facade(), Note);
+    ASSERT_EQ(notes.received.size(), kCount + 1u);
+    for (int index = 0; index < kCount; ++index)
+        ASSERT_EQ(notes.received[static_cast<size_t>(index)],
+                  Notes::Note(kPluginCallback_GoogleWebFontsEnabled, index % 2 == 0));
 }
 
 TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {

@@ -142,6 +142,23 @@ TEST_F(InterfaceTest, FindsFonts) {
     EXPECT_EQ(mLibrary.GetFontInfoByID(mLibrary.Facade(), 999, &font), CoreErrorCodes::kNotFound);
 }
 
+TEST_F(InterfaceTest, TellsFontsApartByTheirFingerprints) {
+    CFStringRef text = nullptr;
+    ASSERT_EQ(mLibrary.GetGlyphscanXMPData(mLibrary.Facade(), 1, &text), 0u);
+    const std::string xml = cf::ToUtf8(AdoptCF(text).get());
+    text = nullptr;
+    EXPECT_EQ(mLibrary.GetGlyphscanXMPData(mLibrary.Facade(), 4711, &text), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(text, nullptr);
+    const auto data = AdoptCF(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(xml.data()),
+                                           static_cast<CFIndex>(xml.size())));
+    const auto list = AdoptCF(
+        CFPropertyListCreateFromXMLData(kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr));
+    const auto fingerprint = cf::As<CFDictionaryRef>(list.get());
+    EXPECT_EQ(cf::GetString(fingerprint, kGS_ChecksumKey).size(), 64u);
+    EXPECT_NE(cf::GetString(fingerprint, kGS_PostScriptNameKey), "");
+    EXPECT_EQ(cf::GetString(fingerprint, kGS_PathKey), "") << "where it stands does not tell it apart";
+}
+
 TEST_F(InterfaceTest, AnswersForAFreshMachine) {
     const PluginFacadeRef facade = mLibrary.Facade();
     const auto truth = [&](auto function) {
@@ -318,7 +335,8 @@ TEST(InterfaceLibrary, AnswersNullAndStaleArgumentsWithCodes) {
     const PluginFacadeRef stale = library.Facade();
     library.ResetPluginFacadeInstance();
     EXPECT_EQ(library.GetIsLoggedIn(stale, &truth), GAgentIF::kAgentIFDestroyed);
-    EXPECT_EQ(library.GetGlyphscanXMPData(library.Facade(), 1, nullptr), CoreErrorCodes::kNotImplemented);
+    EXPECT_EQ(library.GetGlyphscanXMPData(library.Facade(), 1, nullptr), CoreErrorCodes::kNullPointer);
+    EXPECT_EQ(library.TrackFontPanelClick(library.Facade(), 1), CoreErrorCodes::kNotImplemented);
 }
 
 }  // namespace
