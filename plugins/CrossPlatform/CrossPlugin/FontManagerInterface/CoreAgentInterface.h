@@ -109,12 +109,12 @@ private:
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
-    bool mIsRecovering = false;
-
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);
     ErrorCode InitializeSdk();
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();
+
+    bool mIsRecovering = false;  ///< a lost agent is being brought back; dialogs may show
 };

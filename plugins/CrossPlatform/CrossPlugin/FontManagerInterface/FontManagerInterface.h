@@ -25,6 +25,7 @@ public:
 
     /// A version value of the core's own module; "x.x.x.x" when it has none.
     static std::string StringValueFromVersionResourceCopy(const char* fieldName);
+
     // ---- Workgroups
 
     /// Makes sure that there is a workgroup to work in: unless one was chosen in this process, and if the
@@ -41,7 +42,8 @@ public:
     void SetDefaultWorkgroupID(int32_t workgroupID);
     /// Works in none when the user does not have the workgroup any more.
     void ForgetWorkgroupThatIsGone();
-    /// Works in that workgroup from now on, and after the next start; plug-in services are enabled.
+    /// Works in that workgroup from now on, and after the next start. Plug-in services are enabled, if the
+    /// agent is reached and the user logged in.
     void SetCurrentWorkgroup(int32_t workgroupID);
     /// The same for a name as shown to the user; kNotFound when the user has no workgroup of that name.
     ErrorCode SetCurrentWorkgroup(CFStringRef name);
