@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kName[] = "PluginCoreInterface::InvokeCommandDialog";
 
-CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document, VPFInterface& preferences,
+CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document,
                                                 const std::vector<Workgroup>& workgroups) {
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     CoreAgentInterface* agent = fontManager.GetFontManager();
@@ -20,7 +20,7 @@ CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document, VPF
     cf::Set(state, "Workgroups", WorkgroupRecords(workgroups));
     if (const auto current = fontManager.GetDefaultWorkgroupID())
         cf::Set(state, "CurrentWorkgroupID", *current);
-    cf::Set(state, "ButtonsEnabled", !document.empty() && preferences.GetBoolPreference("EnablePlugin"));
+    cf::Set(state, "ButtonsEnabled", MenuCommands::AreAllowed(document));
     cf::Set(state, "IsOnline", MarquellGlobals::IsConnectedToCore());
     return state;
 }
@@ -41,7 +41,7 @@ ErrorCode ShowCommandBox(const std::string& document) {
     const std::vector<Workgroup> workgroups =
         FontManagerInterface::GetSharedInstance().WorkgroupsToChooseFrom();
     int32_t command = 0;
-    if (framework->ShowCommandBox(StateOfCommandBox(document, *framework, workgroups).get(), command))
+    if (framework->ShowCommandBox(StateOfCommandBox(document, workgroups).get(), command))
         CarryOut(command, document, workgroups);
     return CoreErrorCodes::kSuccess;
 }

@@ -44,6 +44,13 @@ bool IsCommand(MenuLabel label) {
     return label >= MenuLabel::kCollectFonts && label < MenuLabel::kFirstWorkgroup;
 }
 
+/// Tells a user who is not logged in so.
+bool MayWork(bool isLoggedIn) {
+    if (!isLoggedIn)
+        CommonFunctionality::ShowNotLoggedInMessage();
+    return isLoggedIn;
+}
+
 void ShowPreferences(VPFInterface& framework) {
     if (!framework.ShowPreferences())
         return;
@@ -109,29 +116,29 @@ void Run(MenuLabel command, bool isLoggedIn, const std::string& document, const 
     }
     isRunning = true;
     const ScopeExit done([] { isRunning = false; });
-    if (command != MenuLabel::kAbout && !isLoggedIn)
-        CommonFunctionality::ShowNotLoggedInMessage();
-    else
+    if (command == MenuLabel::kAbout || MayWork(isLoggedIn))
         Carry(command, document, extra);
 }
 
 void ChooseWorkgroup(const std::string& name, bool isLoggedIn) {
-    if (!isLoggedIn) {
-        CommonFunctionality::ShowNotLoggedInMessage();
+    if (!MayWork(isLoggedIn))
         return;
-    }
     LogMessage(0, "Setting current workgroup name to '%s'", name.c_str());
     // A name that no workgroup has was logged, and nothing changes.
     static_cast<void>(FontManagerInterface::GetSharedInstance().SetCurrentWorkgroup(cf::String(name).get()));
 }
 
 void ChooseWorkgroup(const Workgroup& workgroup, bool isLoggedIn) {
-    if (!isLoggedIn) {
-        CommonFunctionality::ShowNotLoggedInMessage();
+    if (!MayWork(isLoggedIn))
         return;
-    }
     LogMessage(0, "Setting current workgroup name to '%s'", workgroup.name.c_str());
     FontManagerInterface::GetSharedInstance().SetCurrentWorkgroup(workgroup.id);
+}
+
+bool AreAllowed(const std::string& document) {
+    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    return !document.empty() && preferences != nullptr && preferences->IsValid() &&
+           preferences->GetBoolPreference("EnablePlugin");
 }
 
 }  // namespace MenuCommands

@@ -28,6 +28,9 @@ std::string TitleOf(MenuLabel label);
 /// The command with that text, in English or in the user's language; nothing for any other text.
 std::optional<MenuLabel> FromText(const std::string& text);
 
+/// Whether the commands that work on a document are on offer: one is open, and the plug-in is switched on.
+bool AreAllowed(const std::string& document);
+
 /// Carries out a command. Without a login every command but the about box only tells the user so. A command
 /// that is chosen from behind the dialog of another one is refused with a log line. `extra`: what the host
 /// knows about the document's fonts, may be empty.

@@ -6,7 +6,6 @@
 #include "FontManagerInterface.h"
 #include "GJSONUtils.h"
 #include "HostMenuJSON.h"
-#include "MarquellGlobals.h"
 #include "MenuCommands.h"
 #include "TraceLog.h"
 
@@ -43,14 +42,8 @@ json WorkgroupItems() {
     return items;
 }
 
-bool AreCommandsAllowed(const std::string& document) {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return !document.empty() && preferences != nullptr && preferences->IsValid() &&
-           preferences->GetBoolPreference("EnablePlugin");
-}
-
 json BuildMenu(const std::string& document) {
-    const bool areCommandsAllowed = AreCommandsAllowed(document);
+    const bool areCommandsAllowed = MenuCommands::AreAllowed(document);
     const bool isInAllWorkgroups =
         FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID() == kWorkgroupID_All;
     json root = MenuItem(MenuLabel::kRoot, true);

@@ -2,35 +2,16 @@
 // the plug-in is functional.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "AllTrackedDocuments.h"
-#include "CapturedTrace.h"
-#include "FakeFramework.h"
-#include "FakeInterfaceLibrary.h"
-#include "FakePlatform.h"
-#include "FontManagerInterface.h"
-#include "MarquellGlobals.h"
+#include "FontManagerWorld.h"
 #include "PanelManager.h"
 
-class FakeWorld : public testing::Test {
+class FakeWorld : public FontManagerWorld {
 protected:
-    FakeWorld() {
-        processes.running = {{2, "/agent/Pellwick"}};
-        libraries.loadable = {"/agent/TarnwickPluginInterfaceX64.so", "/plugins/TarnwickPluginFramework.so"};
-        libraries.symbols = FakeInterfaceLibrary::Symbols();
-        libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(
-            +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return sFramework; });
-        sFramework = &framework;
-        library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}};
-        framework.numbers["EnablePlugin"] = 1;
-    }
     ~FakeWorld() override {
         FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
         for (const auto& document : std::vector(AllTrackedDocuments::GetSharedInstance().Documents()))
             AllTrackedDocuments::GetSharedInstance().RemoveClosedDocument(*document, nullptr);
-        MarquellGlobals::ResetForTesting();
-        delete VPILoader::GetSharedInstance();
     }
 
     /// Makes the plug-in functional without the start-up routine, which a process runs only once.
@@ -70,16 +51,4 @@ protected:
         PanelManager::GetSharedInstance().AddPanel(std::move(panel));
         return added;
     }
-
-    CapturedTrace trace;
-    FakeProcesses processes;
-    FakeFolders folders;
-    FakeLibraries libraries;
-    FakeVersionResources versions;
-    FakeWindowing windowing;
-    FakeFramework framework;
-    FakeInterfaceLibrary library;
-
-private:
-    static inline FakeFramework* sFramework = nullptr;
 };

@@ -109,6 +109,8 @@ private:
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
+    ErrorCode ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
+                              CFMutableArrayRef matchedFonts);
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);

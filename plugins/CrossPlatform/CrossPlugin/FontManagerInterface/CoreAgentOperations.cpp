@@ -27,10 +27,7 @@ ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::
     LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentIdentifier.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
-    const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
-    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
-    const ErrorCode code =
-        Call(&PluginFunctionTable::pfActivateFonts, fonts.get(), identifier.get(), mode.get(), matchedFonts);
+    const ErrorCode code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
     LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
 }
@@ -40,12 +37,16 @@ ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::str
     constexpr char kName[] = "CoreAgentInterface::ActivateFontsByID";
     LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
                static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
-    const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
-    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
-    const ErrorCode code =
-        Call(&PluginFunctionTable::pfActivateFonts, fonts, identifier.get(), mode.get(), matchedFonts);
+    const ErrorCode code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
     LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
+}
+
+ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
+                                              CFMutableArrayRef matchedFonts) {
+    const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
+    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
+    return Call(&PluginFunctionTable::pfActivateFonts, fonts, identifier.get(), mode.get(), matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
