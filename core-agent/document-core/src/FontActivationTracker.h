@@ -34,6 +34,8 @@ public:
 
     /// A new identifier for a document: the text form of a fresh UUID.
     static std::string GenerateUniqueIdentifier();
+    /// The identifier with that text; a single random byte when there is none, or one that is too long.
+    static std::string IdentifierFromText(CFStringRef text);
 
     /// Has the document's fonts activated and registers every matched one. `matchedFonts` receives the font
     /// records. With an empty identifier each font is registered with the sub-documents that it names
@@ -60,7 +62,6 @@ private:
             fontDictionary;  ///< as the font manager returned it; handed back to deactivate
         bool isAlreadyActive = false;
         CFRef<CFStringRef> postScriptName;
-        std::string documentIdentifier;  ///< the document that registered it while nobody else held it
         bool isPluginActivated = false;
         int32_t referenceCount = 0;
         uint64_t deactivationContext = 0;
@@ -68,7 +69,8 @@ private:
     using TrackedFonts = std::map<uint32_t, TrackedFont>;
 
     ErrorCode RegisterMatchedFonts(CFArrayRef matchedFonts, const std::string& documentIdentifier);
-    ErrorCode RegisterMatchedFont(CFDictionaryRef font, CFIndex index, const std::string& documentIdentifier);
+    /// `registration` names the document; the rest of it is filled in here.
+    ErrorCode RegisterMatchedFont(CFDictionaryRef font, CFIndex index, Registration& registration);
     ErrorCode CloseFontByFont(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
                               bool deactivate, CFMutableArrayRef fontsDeactivated);
     ErrorCode CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
