@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "FastestRun.h"
 #include "FontActivationTracker.h"
+#include "ProcessorTime.h"
 
 namespace {
 
@@ -100,13 +100,7 @@ public:
     void Register(const Workload& workload) {
         for (const Document& document : workload.documents) {
             for (const uint32_t databaseID : document.databaseIDs) {
-                const auto [position, isNew] = mFonts.try_emplace(databaseID);
-                if (isNew) {
-                    const Font& font = workload.FontOf(databaseID);
-                    position->second.record = font.record.get();
-                    position->second.postScriptName = font.postScriptName.get();
-                }
-                ++position->second.referenceCount;
+                ++mFonts.try_emplace(databaseID, workload.FontOf(databaseID)).first->second.referenceCount;
                 mDocuments[document.identifier].push_back(databaseID);
             }
         }
@@ -125,18 +119,21 @@ public:
 
 private:
     struct Record {
-        CFDictionaryRef record = nullptr;
+        explicit Record(const Font& font)
+            : record(font.record.get()), postScriptName(font.postScriptName.get()) {}
+
+        CFDictionaryRef record;
+        CFStringRef postScriptName;
+        uint64_t deactivationContext = 0;
         bool isAlreadyActive = false;
-        CFStringRef postScriptName = nullptr;
         bool isPluginActivated = true;
         int32_t referenceCount = 0;
-        uint64_t deactivationContext = 0;
     };
     std::map<uint32_t, Record> mFonts;
     std::map<std::string, std::vector<uint32_t>> mDocuments;
 };
 
-void Compare(benchmark::State& state, const FastestRun& tracker, const FastestRun& maps) {
+void Compare(benchmark::State& state, const ProcessorTime& tracker, const ProcessorTime& maps) {
     const auto registrationCount = static_cast<size_t>(state.range(0));
     state.counters["ns_per_font"] = tracker.NanosecondsPer(registrationCount);
     state.counters["maps_ns_per_font"] = maps.NanosecondsPer(registrationCount);
@@ -146,13 +143,13 @@ void Compare(benchmark::State& state, const FastestRun& tracker, const FastestRu
 void RegisterFonts(benchmark::State& state) {
     const Workload workload(static_cast<size_t>(state.range(0)));
     const SleepingThread sleepingThread;
-    FastestRun ofTracker;
-    FastestRun ofMaps;
+    ProcessorTime ofTracker;
+    ProcessorTime ofMaps;
     for (auto _ : state) {
         FontActivationTracker tracker(nullptr);
-        state.SetIterationTime(ofTracker.Time([&] { Register(tracker, workload); }));
+        state.SetIterationTime(ofTracker.Add([&] { Register(tracker, workload); }));
         PlainMaps maps;
-        ofMaps.Time([&] { maps.Register(workload); });
+        ofMaps.Add([&] { maps.Register(workload); });
     }
     Compare(state, ofTracker, ofMaps);
 }
@@ -161,16 +158,16 @@ void RegisterAndCloseFonts(benchmark::State& state) {
     const Workload workload(static_cast<size_t>(state.range(0)));
     const SleepingThread sleepingThread;
     const SilentFontManager fontManager;
-    FastestRun ofTracker;
-    FastestRun ofMaps;
+    ProcessorTime ofTracker;
+    ProcessorTime ofMaps;
     for (auto _ : state) {
         FontActivationTracker tracker(nullptr);
-        state.SetIterationTime(ofTracker.Time([&] {
+        state.SetIterationTime(ofTracker.Add([&] {
             Register(tracker, workload);
             Close(tracker, workload);
         }));
         PlainMaps maps;
-        ofMaps.Time([&] {
+        ofMaps.Add([&] {
             maps.Register(workload);
             maps.Close(workload);
         });

@@ -155,14 +155,8 @@ ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDi
     if (lock.Status() != CoreErrorCodes::kSuccess)
         return RefuseReentry("FontActivationTracker::RegisterFontWithDocument");
 
-    const auto [position, isNew] = m_mFonts.try_emplace(databaseID);
-    TrackedFont& font = position->second;
-    if (isNew) {
-        font.fontDictionary = CFRef<CFDictionaryRef>::Retain(fontDictionary);
-        font.isAlreadyActive = registration.isAlreadyActive;
-        font.postScriptName = CFRef<CFStringRef>::Retain(postscriptName);
-        font.deactivationContext = registration.deactivationContext;
-    }
+    TrackedFont& font =
+        m_mFonts.try_emplace(databaseID, fontDictionary, postscriptName, registration).first->second;
     font.isPluginActivated = true;
     ++font.referenceCount;
     m_mDocuments[registration.documentIdentifier].push_back(databaseID);

@@ -58,13 +58,19 @@ public:
 
 private:
     struct TrackedFont {
-        CFRef<CFDictionaryRef>
-            fontDictionary;  ///< as the font manager returned it; handed back to deactivate
-        bool isAlreadyActive = false;
+        TrackedFont(CFDictionaryRef dictionary, CFStringRef name, const Registration& first)
+            : fontDictionary(RetainCF(dictionary)),
+              postScriptName(RetainCF(name)),
+              deactivationContext(first.deactivationContext),
+              isAlreadyActive(first.isAlreadyActive) {}
+
+        /// As the font manager returned it; handed back to deactivate.
+        CFRef<CFDictionaryRef> fontDictionary;
         CFRef<CFStringRef> postScriptName;
+        uint64_t deactivationContext;
+        bool isAlreadyActive;
         bool isPluginActivated = false;
         int32_t referenceCount = 0;
-        uint64_t deactivationContext = 0;
     };
     using TrackedFonts = std::map<uint32_t, TrackedFont>;
 
