@@ -53,11 +53,15 @@ TEST(CommandLine, DamagedFontsAreNamedAndTheRestIsAdded) {
     EXPECT_THAT(result.errors, HasSubstr("no such folder"));
 }
 
-TEST(CommandLine, AnUnreadableFileIsReportedNotOpened) {
+TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     HostWorld world;
     const std::string document = world.WriteDocument("secret.pdf", {"Sample-Bold"});
     chmod(document.c_str(), 0);
-    const auto result = world.RunHost({"--json", "fonts", document, world.Path("."), world.Path("none.ai")});
+    const std::string pipe = world.Path("pipe.ai");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string empty = world.FontManager().Write("empty.psd", "");
+    const auto result =
+        world.RunHost({"fonts", "--json", document, world.Path("."), world.Path("none.ai"), pipe, empty});
     EXPECT_EQ(result.status, 1);
     std::istringstream lines(result.output);
     std::string line;
@@ -65,10 +69,18 @@ TEST(CommandLine, AnUnreadableFileIsReportedNotOpened) {
     if (getuid() != 0) {  // who may read everything
         EXPECT_EQ(json::parse(line)["error"], "GFile::kOpenFailed");
     }
+    for (const char* error :
+         {"GFileSystem::kInvalidPath", "GFileSystem::kFileNotFound", "GFileSystem::kInvalidPath"}) {
+        std::getline(lines, line);
+        EXPECT_EQ(json::parse(line)["error"], error);
+        EXPECT_GT(json::parse(line)["code"], 0);
+    }
     std::getline(lines, line);
-    EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kInvalidPath");
-    std::getline(lines, line);
-    EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kFileNotFound");
+    EXPECT_EQ(json::parse(line), (json{{"file", empty}, {"fonts", json::array()}}));
+    // The core opens such a document all the same, without fonts.
+    const auto opened = world.RunHost({"--json", "open", empty, "--close"});
+    EXPECT_EQ(opened.status, 0) << opened.errors;
+    EXPECT_EQ(json::parse(opened.output)["matched"], json::array());
 }
 
 TEST(CommandLine, WrongUsageIsStatusTwo) {

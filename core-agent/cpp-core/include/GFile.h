@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "ErrorCodes.h"
 #include "platform/Files.h"
@@ -34,9 +33,9 @@ public:
     [[nodiscard]] ErrorCode Open(const GFileSystemSpec& spec, unsigned mode);
     /// Moves the read position; `offset` in bytes from `origin`.
     [[nodiscard]] ErrorCode SetFilePosition(Origin origin, uint64_t offset);
-    /// Reads `size` bytes, fewer only at the end of the file, into `bytes`, which takes exactly what was
-    /// read. kOutOfMemory when there is no room for them.
-    [[nodiscard]] ErrorCode Read(size_t size, std::vector<uint8_t>& bytes);
+    /// Reads `size` bytes into `buffer`, all or none that count: CoreErrorCodes::kError when the file ends
+    /// before them or cannot be read.
+    [[nodiscard]] ErrorCode Read(size_t size, void* buffer);
     [[nodiscard]] ErrorCode Close();
 
 private:

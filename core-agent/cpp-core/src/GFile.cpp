@@ -1,7 +1,5 @@
 #include "GFile.h"
 
-#include <new>
-
 namespace {
 
 ErrorCode CodeOf(platform::SystemError error, ErrorCode otherwise) {
@@ -35,19 +33,14 @@ ErrorCode GFile::SetFilePosition(Origin origin, uint64_t offset) {
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode GFile::Read(size_t size, std::vector<uint8_t>& bytes) {
+ErrorCode GFile::Read(size_t size, void* buffer) {
     if (!mFile.IsOpen())
         return kFileNotOpen;
-    try {
-        bytes.resize(size);
-    } catch (const std::bad_alloc&) {
-        return CoreErrorCodes::kOutOfMemory;
-    }
     size_t bytesRead = 0;
-    const platform::SystemError error = mFile.ReadAt(mPosition, bytes.data(), size, bytesRead);
-    bytes.resize(bytesRead);
-    mPosition += bytesRead;
-    return error ? CoreErrorCodes::kError : CoreErrorCodes::kSuccess;
+    if (mFile.ReadAt(mPosition, buffer, size, bytesRead) || bytesRead < size)
+        return CoreErrorCodes::kError;
+    mPosition += size;
+    return CoreErrorCodes::kSuccess;
 }
 
 ErrorCode GFile::Close() {

@@ -14,21 +14,20 @@ TEST(GFileSystemSpec, TheExtensionIsWhatFollowsTheLastDotOfTheName) {
     EXPECT_EQ(GFileSystemSpec("name.pdf").FileName(), "name.pdf");
 }
 
-TEST(GFile, ReadsFromAPositionAndStopsAtTheEnd) {
+TEST(GFile, ReadsFromAPositionWhatWasAskedForOrNothing) {
     const TemporaryFolder folder;
     const GFileSystemSpec spec(folder.Write("Ελλάδα 字体 🙂/file.bin", "0123456789"));
     GFile file;
-    std::vector<uint8_t> bytes;
+    std::string bytes(3, ' ');
     ASSERT_EQ(file.Open(spec, GFile::eBinary | GFile::eRead), CoreErrorCodes::kSuccess);
     ASSERT_EQ(file.SetFilePosition(GFile::eBeginning, 6), CoreErrorCodes::kSuccess);
-    ASSERT_EQ(file.Read(3, bytes), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "678");
-    ASSERT_EQ(file.Read(100, bytes), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "9");
-    ASSERT_EQ(file.Read(100, bytes), CoreErrorCodes::kSuccess);
-    EXPECT_TRUE(bytes.empty());
+    ASSERT_EQ(file.Read(3, bytes.data()), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(bytes, "678");
+    EXPECT_EQ(file.Read(2, bytes.data()), CoreErrorCodes::kError);
+    ASSERT_EQ(file.Read(1, bytes.data()), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(bytes[0], '9');
     EXPECT_EQ(file.Close(), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(file.Read(1, bytes), GFile::kFileNotOpen);
+    EXPECT_EQ(file.Read(1, bytes.data()), GFile::kFileNotOpen);
     EXPECT_EQ(file.Close(), GFile::kFileNotOpen);
 }
 

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "FailureReport.h"
-#include "MarkerSearch.h"
 #include "StringConversion.h"
 #include "TraceLog.h"
 
@@ -16,6 +15,11 @@ constexpr char kLogCategory[] = "BinaryDocumentFontExtractor";
 constexpr uint64_t kUnknownKindSizeLimit = 0x40000000;
 
 constexpr std::string_view kByteOrderMark = "\xFE\xFF";
+// Writers differ in the blank before the name.
+constexpr std::array<std::string_view, 2> kIllustratorNameStarts{"/FontName /", "/FontName/"};
+constexpr std::array<std::string_view, 1> kPhotoshopNameStarts{"/Name ("};
+constexpr std::array<std::string_view, 1> kAfterEffectsNameStarts{"/0 ("};
+
 constexpr char kInvisibleFont[] = "AdobeInvisFont";
 constexpr char kAfterEffectsDefaultFont[] = "Myriad-Roman";
 constexpr char kIllustratorDefaultFont[] = "MyriadPro-Regular";
@@ -46,15 +50,13 @@ bool IsGraphic(char byte) {
     return byte > 0x20 && byte < 0x7F;
 }
 
-/// Where the name in [begin, end) really ends: after its last printable byte that is not the end marker's
-/// first.
-size_t TrimmedEnd(std::string_view chunk, size_t begin, size_t end, char endMarker) {
-    for (size_t position = end; position > begin; --position) {
-        const char byte = chunk[position - 1];
-        if (IsGraphic(byte) && byte != endMarker)
-            return position;
+/// `name` up to its last printable byte that is not the end marker's first; all of it when there is none.
+std::string_view WithoutTail(std::string_view name, char endMarker) {
+    for (size_t length = name.size(); length > 0; --length) {
+        if (IsGraphic(name[length - 1]) && name[length - 1] != endMarker)
+            return name.substr(0, length);
     }
-    return end;
+    return name;
 }
 
 /// Big-endian UTF-16 text reads as its low bytes: zero bytes are passed over, the others are code units.
@@ -140,107 +142,95 @@ ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeSta
                                                        const ChunkSearch& search) {
     uint64_t fileSize = 0;
     RETURN_IF_FAILED(GFileSystem::OSGetFileSize(mFileSpec, fileSize));
-    const size_t ordinaryAdvance = ChunkSize() > rangeStart.size() ? ChunkSize() - rangeStart.size() : 1;
-    std::vector<uint8_t> fileChunk;
+    const size_t chunkSize = ChunkSize();
+    mWindow.resize(static_cast<size_t>(std::min<uint64_t>(fileSize, WindowSize())));
+    // A marker that the chunk's end cuts is found again at the start of the next chunk.
+    const size_t ordinaryAdvance = chunkSize > rangeStart.size() ? chunkSize - rangeStart.size() : 1;
     uint64_t currentPosition = 0;
     while (currentPosition < fileSize) {
         const auto numBytesToRead =
-            static_cast<size_t>(std::min<uint64_t>(fileSize - currentPosition, ChunkSize()));
+            static_cast<size_t>(std::min<uint64_t>(fileSize - currentPosition, chunkSize));
         GFile file;
         RETURN_IF_FAILED(file.Open(mFileSpec, GFile::eBinary | GFile::eRead));
         RETURN_IF_FAILED(file.SetFilePosition(GFile::eBeginning, currentPosition));
-        RETURN_IF_FAILED(file.Read(numBytesToRead, fileChunk));
+        FileChunk fileChunk(file, currentPosition, numBytesToRead, mWindow);
+        const size_t resumeOffset = search(fileChunk);
+        if (fileChunk.Status() != CoreErrorCodes::kSuccess) {
+            ReportFailure(kLogCategory, {"file.Read(numBytesToRead, fileChunk)", __FILE__, __LINE__},
+                          fileChunk.Status());
+            return fileChunk.Status();
+        }
         RETURN_IF_FAILED(file.Close());
-        const size_t resumeOffset =
-            search(std::string_view(reinterpret_cast<const char*>(fileChunk.data()), fileChunk.size()));
-        // A marker that the chunk's end cuts is found again at the start of the next chunk.
         currentPosition += resumeOffset != 0 ? resumeOffset : ordinaryAdvance;
     }
     return CoreErrorCodes::kSuccess;
 }
 
-void GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(std::string_view chunk, size_t begin,
-                                                              size_t end, const Markers& markers,
-                                                              FontNames& fontNames,
-                                                              std::vector<NamesOfRange>& namesByRange,
-                                                              size_t& resumeOffset) {
-    for (const ByteRange& range :
-         FindRanges(chunk, begin, end, {markers.rangeStart, markers.nameStart, markers.rangeEnd})) {
-        NamesOfRange& names = namesByRange.emplace_back();
-        if (range.IsIncomplete()) {
-            if (range.begin != 0)
-                resumeOffset = range.begin;
-            continue;
-        }
-        for (const ByteRange& occurrence : FindRanges(
-                 chunk, range.begin, range.end, {markers.nameStart, markers.nameStart, markers.nameEnd})) {
-            if (occurrence.IsIncomplete())
+std::string GBinaryDocumentFontExtractor::ReadName(FileChunk& chunk, ByteRange name, const Markers& markers) {
+    if (const auto separator = chunk.Find(name.begin, name.end, markers.prefixSeparator))
+        name.begin = *separator + markers.prefixSeparator.size();
+    return NameFromBytes(WithoutTail(chunk.Bytes(name.begin, name.end), markers.nameEnd.front()));
+}
+
+std::optional<size_t> GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(FileChunk& chunk,
+                                                                               ByteRange span,
+                                                                               const Markers& markers,
+                                                                               const NamesTaker& take) {
+    return ForEachRange(chunk, span, markers.rangeStart, markers.rangeEnd, [&](ByteRange range) {
+        for (const std::string_view nameStart : markers.nameStarts) {
+            const auto firstName = FindStartMarker(chunk, range, nameStart);
+            if (!firstName)
                 continue;
-            size_t nameBegin = occurrence.begin + markers.nameStart.size();
-            if (const auto separator = FindMarker(chunk, nameBegin, occurrence.end, markers.prefixSeparator))
-                nameBegin = *separator + markers.prefixSeparator.size();
-            const size_t nameEnd = TrimmedEnd(chunk, nameBegin, occurrence.end, markers.nameEnd[0]);
-            std::string name = NameFromBytes(chunk.substr(nameBegin, nameEnd - nameBegin));
-            LogMessage(0, "In %s(), adding '%s'", "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector",
-                       name.c_str());
-            fontNames.insert(name);
-            names.push_back(std::move(name));
+            NamesOfRange names;
+            ForEachRange(chunk, {*firstName, range.end}, nameStart, markers.nameEnd, [&](ByteRange each) {
+                names.push_back(ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers));
+                LogMessage(0, "In %s(), adding '%s'",
+                           "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", names.back().c_str());
+            });
+            take(names);
         }
-    }
+    });
 }
 
 ErrorCode GBinaryDocumentFontExtractor::ExtractFromIllustrator(FontNames& fontNames) {
-    constexpr std::string_view kRangeStart = "/FontName";
-    // Writers differ in the blank before the name.
-    constexpr std::array<Markers, 2> kPasses{
-        {{kRangeStart, "/FontName /", "+", "/", ">>"}, {kRangeStart, "/FontName/", "+", "/", ">>"}}};
+    constexpr Markers kMarkers{"/FontName", kIllustratorNameStarts, "+", "/", ">>"};
     FontNames runningNames;
-    return SearchInChunks(kRangeStart, [&](std::string_view chunk) {
-        size_t advance = 0;
-        for (const Markers& markers : kPasses) {
-            std::vector<NamesOfRange> namesByRange;
-            size_t resumeOffset = 0;
-            GetFontNamesFromByteVector(chunk, 0, chunk.size(), markers, runningNames, namesByRange,
-                                       resumeOffset);
-            if (!IsDefaultFontAlone(runningNames))
-                fontNames.insert(runningNames.begin(), runningNames.end());
-            if (advance == 0)
-                advance = resumeOffset;
-        }
-        return advance;
+    return SearchInChunks(kMarkers.rangeStart, [&](FileChunk& chunk) {
+        const auto cutRange = GetFontNamesFromByteVector(
+            chunk, {0, chunk.Size()}, kMarkers,
+            [&](const NamesOfRange& names) { runningNames.insert(names.begin(), names.end()); });
+        if (!IsDefaultFontAlone(runningNames))
+            fontNames.insert(runningNames.begin(), runningNames.end());
+        return cutRange.value_or(0);
     });
 }
 
 ErrorCode GBinaryDocumentFontExtractor::ExtractFromPhotoshop(FontNames& fontNames) {
-    constexpr Markers kMarkers{"/FontSet [", "/Name (", kByteOrderMark, ")", "]"};
-    return SearchInChunks(kMarkers.rangeStart, [&](std::string_view chunk) {
-        FontNames allNames;
-        std::vector<NamesOfRange> namesByRange;
-        size_t resumeOffset = 0;
-        GetFontNamesFromByteVector(chunk, 0, chunk.size(), kMarkers, allNames, namesByRange, resumeOffset);
-        for (const NamesOfRange& names : namesByRange)
-            TakePhotoshopNames(names, fontNames);
-        return resumeOffset;
+    constexpr Markers kMarkers{"/FontSet [", kPhotoshopNameStarts, kByteOrderMark, ")", "]"};
+    return SearchInChunks(kMarkers.rangeStart, [&](FileChunk& chunk) {
+        const auto cutRange = GetFontNamesFromByteVector(
+            chunk, {0, chunk.Size()}, kMarkers,
+            [&](const NamesOfRange& names) { TakePhotoshopNames(names, fontNames); });
+        return cutRange.value_or(0);
     });
 }
 
 ErrorCode GBinaryDocumentFontExtractor::ExtractFromAfterEffects(FontNames& fontNames) {
-    constexpr Markers kMarkers{"<< /99 /CoolTypeFont /0", "/0 (", kByteOrderMark, ") ", ">>"};
-    constexpr RangeMarkers kLayerMarkers{">> /0 << /1 << /0 [", kMarkers.rangeStart, "] >>"};
-    return SearchInChunks(kLayerMarkers.rangeStart, [&](std::string_view chunk) {
-        size_t advance = 0;
-        for (const ByteRange& layer : FindRanges(chunk, 0, chunk.size(), kLayerMarkers)) {
-            if (layer.IsIncomplete()) {
-                advance = layer.begin;
-                continue;
-            }
-            FontNames allNames;
-            std::vector<NamesOfRange> namesByRange;
-            size_t unusedResumeOffset = 0;
-            GetFontNamesFromByteVector(chunk, layer.begin, layer.end, kMarkers, allNames, namesByRange,
-                                       unusedResumeOffset);
-            TakeAfterEffectsNames(namesByRange, fontNames);
-        }
-        return advance;
+    constexpr std::string_view kLayerStart = ">> /0 << /1 << /0 [";
+    constexpr std::string_view kLayerEnd = "] >>";
+    constexpr Markers kMarkers{"<< /99 /CoolTypeFont /0", kAfterEffectsNameStarts, kByteOrderMark, ") ",
+                               ">>"};
+    return SearchInChunks(kLayerStart, [&](FileChunk& chunk) {
+        const auto cutLayer =
+            ForEachRange(chunk, {0, chunk.Size()}, kLayerStart, kLayerEnd, [&](ByteRange layer) {
+                const auto firstFont = FindStartMarker(chunk, layer, kMarkers.rangeStart);
+                if (!firstFont)
+                    return;
+                std::vector<NamesOfRange> namesByRange;
+                GetFontNamesFromByteVector(chunk, {*firstFont, layer.end}, kMarkers,
+                                           [&](const NamesOfRange& names) { namesByRange.push_back(names); });
+                TakeAfterEffectsNames(namesByRange, fontNames);
+            });
+        return cutLayer.value_or(0);
     });
 }

@@ -6,13 +6,16 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "ErrorCodes.h"
 #include "GFile.h"
+#include "MarkerSearch.h"
 
 class GBinaryDocumentFontExtractor {
 public:
@@ -26,32 +29,39 @@ public:
     [[nodiscard]] ErrorCode ExtractFontNames(std::set<std::string>& fontNames);
 
 protected:
-    /// How much of the file is read at once, in bytes.
+    /// How much of the file is searched at once, in bytes: the longest range of markers that is found whole.
     virtual size_t ChunkSize() const { return 0x20000000; }
+    /// How much of a chunk is read at once, in bytes: enough to make the calls to the system cheap, little
+    /// enough to stay in the processor's cache.
+    virtual size_t WindowSize() const { return size_t{256} << 10; }
 
 private:
     using FontNames = std::set<std::string>;
     using NamesOfRange = std::vector<std::string>;
+    using NamesTaker = std::function<void(const NamesOfRange& names)>;
 
     struct Markers {
         std::string_view rangeStart;
-        std::string_view nameStart;
-        std::string_view prefixSeparator;  ///< what stands before it is no part of the name
+        std::span<const std::string_view> nameStarts;  ///< writers differ
+        std::string_view prefixSeparator;              ///< what stands before it is no part of the name
         std::string_view nameEnd;
         std::string_view rangeEnd;
     };
 
     /// Searches one chunk and answers with the offset to go on from; 0 leaves it to the ordinary advance.
-    using ChunkSearch = std::function<size_t(std::string_view chunk)>;
+    using ChunkSearch = std::function<size_t(FileChunk& chunk)>;
 
     ErrorCode ExtractFromIllustrator(FontNames& fontNames);
     ErrorCode ExtractFromPhotoshop(FontNames& fontNames);
     ErrorCode ExtractFromAfterEffects(FontNames& fontNames);
     ErrorCode ExtractFromAnyKind(FontNames& fontNames);
     ErrorCode SearchInChunks(std::string_view rangeStart, const ChunkSearch& search);
-    static void GetFontNamesFromByteVector(std::string_view chunk, size_t begin, size_t end,
-                                           const Markers& markers, FontNames& fontNames,
-                                           std::vector<NamesOfRange>& namesByRange, size_t& resumeOffset);
+    /// Calls `take` with the names of each range that has a name start, in order. The result is the offset of
+    /// a range that the span cuts, if any.
+    static std::optional<size_t> GetFontNamesFromByteVector(FileChunk& chunk, ByteRange span,
+                                                            const Markers& markers, const NamesTaker& take);
+    static std::string ReadName(FileChunk& chunk, ByteRange name, const Markers& markers);
 
     GFileSystemSpec mFileSpec;
+    std::vector<char> mWindow;  ///< what the chunks are read into
 };

@@ -3,8 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <random>
+
 #include "CapturedTrace.h"
+#include "PlainFontExtractor.h"
+#include "RandomDocument.h"
+#include "SmallChunkExtractor.h"
 #include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -14,23 +21,12 @@ namespace {
 
 using Names = std::set<std::string>;
 
-class SmallChunkExtractor : public GBinaryDocumentFontExtractor {
-public:
-    SmallChunkExtractor(GFileSystemSpec spec, size_t chunkSize)
-        : GBinaryDocumentFontExtractor(std::move(spec)), mChunkSize(chunkSize) {}
-
-protected:
-    size_t ChunkSize() const override { return mChunkSize; }
-
-private:
-    size_t mChunkSize;
-};
-
 class ExtractorTest : public testing::Test {
 protected:
-    Names Extract(const std::string& fileName, const std::string& content, size_t chunkSize = 0x20000000) {
+    Names Extract(const std::string& fileName, const std::string& content, size_t chunkSize = 0x20000000,
+                  size_t windowSize = 256) {
         Names names{"cleared at the start"};
-        SmallChunkExtractor extractor(GFileSystemSpec(folder.Write(fileName, content)), chunkSize);
+        SmallChunkExtractor extractor(folder.Write(fileName, content), chunkSize, windowSize);
         EXPECT_EQ(extractor.ExtractFontNames(names), 0u);
         return names;
     }
@@ -163,4 +159,51 @@ TEST_F(ExtractorTest, AFileThatCannotBeReadIsReportedWithWhatFailed) {
     EXPECT_EQ(GBinaryDocumentFontExtractor(GFileSystemSpec(folder / ".")).ExtractFontNames(names),
               GFileSystem::kInvalidPath);
     EXPECT_THAT(Extract("empty.ai", ""), IsEmpty());
+}
+
+TEST_F(ExtractorTest, AFileThatShrinksWhileItIsReadIsAFailedRead) {
+    /// Cuts the file off between the look at its size and the first read.
+    class Shrinking : public SmallChunkExtractor {
+    public:
+        using SmallChunkExtractor::SmallChunkExtractor;
+        std::string path;
+
+    private:
+        size_t WindowSize() const override {
+            std::filesystem::resize_file(platform::Utf8Path(path), 1200);
+            return SmallChunkExtractor::WindowSize();
+        }
+    };
+    CapturedTrace trace;
+    const std::string path =
+        folder.Write("a.ai", Descriptor("Early") + std::string(2000, '.') + Descriptor("Late"));
+    Shrinking extractor(path, 0x20000000, 1000);
+    extractor.path = path;
+    Names names;
+    EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kError);
+    EXPECT_THAT(names, ElementsAre("Early"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='file.Read(numBytesToRead, fileChunk)'"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='ExtractFromIllustrator(fontNames)'"));
+}
+
+TEST_F(ExtractorTest, FindsWhatThePlainSearchFinds) {
+    const auto seed = std::random_device{}();
+    std::mt19937_64 random(seed);
+    for (int index = 0; index < 2000; ++index) {
+        const RandomDocument document = MakeRandomDocument(random);
+        ASSERT_EQ(
+            Extract("a." + document.extension, document.content, document.chunkSize, document.windowSize),
+            PlainFontNames(document.extension, document.content, document.chunkSize))
+            << "seed " << seed << ", document " << index;
+    }
+}
+
+TEST_F(ExtractorTest, NamesAndRangesLongerThanAWindowAreWhole) {
+    const std::string longName(3000, 'n');
+    const std::string padding(5000, '.');
+    EXPECT_THAT(Extract("a.ai", "<< /FontName /" + longName + "/x " + padding + ">>" + Descriptor("Next")),
+                ElementsAre("Next", longName));
+    EXPECT_THAT(
+        Extract("a.psd", "/FontSet [ " + padding + " /Name (" + Utf16Name("One") + ")" + padding + "]"),
+        ElementsAre("One"));
 }
