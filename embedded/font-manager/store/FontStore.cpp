@@ -195,6 +195,14 @@ std::vector<Font> FontStore::ListFrom(const FontSources& sources, uint32_t after
     return AllRows(query.Bind(JsonArray(sources.workgroupIDs), JsonArray(sources.setIDs), after, limit));
 }
 
+std::vector<FontNames> FontStore::ListNames() {
+    Statement query = mDatabase.Prepare("SELECT postscript_name, family, style FROM fonts");
+    std::vector<FontNames> names;
+    while (query.Step())
+        names.push_back({query.Text(0), query.Text(1), query.Text(2)});
+    return names;
+}
+
 int64_t FontStore::Count() {
     Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM fonts");
     return query.Step() ? query.Integer(0) : 0;
