@@ -68,7 +68,8 @@ bool AreAllAvailable(const Json& fonts, size_t askedFor) {
 /// stays one.
 CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
     const auto record = cf::As<CFDictionaryRef>(requested);
-    if (record == nullptr)
+    const bool hasStaleReplacements = cf::Get(record, kGS_PossibleReplacementsKey) != nullptr;
+    if (record == nullptr || (replacements.empty() && !hasStaleReplacements))
         return RetainCF(requested);
     auto unmatched = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record));
     cf::Set(unmatched, kGS_PossibleReplacementsKey,
