@@ -52,6 +52,12 @@ TEST_F(ReplacementFinderTest, NamesThatAreOnlySpelledDifferentlyComeFirst) {
         << "without capitals a family's words cannot be told apart";
 }
 
+TEST_F(ReplacementFinderTest, ThePostScriptNameCountsForMoreThanTheStyleThatAFontClaims) {
+    Add("Sample-Bold", "Sample", "Regular");
+    Add("Sample-Semibold", "Sample", "Semibold");
+    EXPECT_THAT(Find("SAMPLE BOLD"), ElementsAre("Sample-Bold", "Sample-Semibold"));
+}
+
 TEST_F(ReplacementFinderTest, InTheFamilyTheNearestStylesAreOffered) {
     Add("Fam-1", "Sample", "Regular");
     Add("Fam-2", "Sample", "Italic");
