@@ -25,9 +25,13 @@ void Enter(std::unordered_map<std::string, std::vector<uint32_t>>& index, const 
 
 }  // namespace
 
-ReplacementFinder::ReplacementFinder(FontStore& fonts) : mFonts(fonts) {
-    for (const FontNames& names : fonts.ListNames())
+void ReplacementFinder::MakeIndex() {
+    mNames.clear();
+    for (Index* index : {&mByPlainName, &mByWholeName, &mByFamily})
+        index->clear();
+    for (const FontNames& names : mFonts.ListNames())
         Add(names);
+    mRevision = mFonts.Revision();
 }
 
 void ReplacementFinder::Add(const FontNames& names) {
@@ -72,6 +76,8 @@ void ReplacementFinder::AppendBestOf(const std::string& postScriptName, const Re
 }
 
 std::vector<Font> ReplacementFinder::Find(const RequestedFont& request) {
+    if (mRevision != mFonts.Revision())
+        MakeIndex();
     Distances distances;
     Measure(ParsePostScriptName(request.postScriptName), distances);
     Measure(ParseFamilyAndStyle(request.family, request.style), distances);

@@ -12,11 +12,10 @@
 
 namespace pellwick {
 
-/// An index of the names in the store as it is when the index is made; for the length of one command.
+/// Keeps an index of the names in the store, which is made anew when fonts have come or gone.
 class ReplacementFinder {
 public:
-    /// Throws DatabaseError.
-    explicit ReplacementFinder(FontStore& fonts);
+    explicit ReplacementFinder(FontStore& fonts) : mFonts(fonts) {}
 
     /// Fonts that come near, best first, up to kMaxReplacements; of those with the same PostScript name the
     /// best. None whose file is missing; none at all when nothing comes near. Throws DatabaseError.
@@ -34,6 +33,7 @@ private:
         FontStyle style;
     };
 
+    void MakeIndex();
     void Add(const FontNames& names);
     void Measure(const FontNameParts& wanted, Distances& distances) const;
     /// The best of the fonts with that PostScript name, or none.
@@ -41,6 +41,7 @@ private:
                       std::vector<Font>& replacements);
 
     FontStore& mFonts;
+    uint64_t mRevision = 0;  ///< of the store, when the index was made
     std::vector<NamedFont> mNames;
     Index mByPlainName;
     Index mByWholeName;

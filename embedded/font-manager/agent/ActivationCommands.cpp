@@ -4,7 +4,6 @@
 #include <set>
 
 #include "FontRecordKeys.h"
-#include "activation/ReplacementFinder.h"
 #include "agent/Commands.h"
 #include "agent/FontRecord.h"
 #include "common/Limits.h"
@@ -69,15 +68,13 @@ Json ReportedFont(const Json& requested, const Json& before, const Json& after) 
 /// PostScript name.
 Json ReplacementsFor(CommandContext& context, const Json& requests, const Json& unmatched) {
     Json replacements = Json::array();
-    if (unmatched.empty())
-        return replacements;
-    ReplacementFinder finder(context.manager.fonts);
     for (const Json& index : unmatched) {
         if (replacements.size() == kMaxFontsWithReplacements)
             break;
         context.audience.KeepAlive();
         Json records = Json::object();
-        for (const Font& font : finder.Find(RequestedFontOf(requests[index.get<size_t>()])))
+        for (const Font& font :
+             context.manager.replacements.Find(RequestedFontOf(requests[index.get<size_t>()])))
             records[font.postScriptName] = FontRecord(context.manager, font);
         replacements.push_back(std::move(records));
     }

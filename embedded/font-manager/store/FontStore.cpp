@@ -118,6 +118,7 @@ std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
 }
 
 int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
+    ++mRevision;
     mDatabase.Prepare("INSERT INTO files (checksum, name, extension, size) VALUES (?, ?, ?, ?)")
         .Bind(file.checksum, file.name, file.extension, file.size)
         .Run();
@@ -128,6 +129,7 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
 }
 
 void FontStore::RemoveFile(int64_t fileID) {
+    ++mRevision;
     mDatabase.Prepare("DELETE FROM files WHERE id = ?").Bind(fileID).Run();
 }
 

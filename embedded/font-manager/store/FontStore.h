@@ -86,6 +86,8 @@ public:
     std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
     /// The names of all fonts.
     std::vector<FontNames> ListNames();
+    /// Another number after each change to which fonts there are.
+    uint64_t Revision() const { return mRevision; }
     int64_t Count();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
@@ -96,6 +98,7 @@ private:
     std::vector<Font> Query(const char* condition, std::string_view value);
 
     Database& mDatabase;
+    uint64_t mRevision = 1;
 };
 
 }  // namespace pellwick

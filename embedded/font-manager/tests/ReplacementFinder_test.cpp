@@ -29,7 +29,7 @@ protected:
     }
     std::vector<std::string> Find(const RequestedFont& request) {
         std::vector<std::string> names;
-        for (const Font& font : ReplacementFinder(mFonts).Find(request))
+        for (const Font& font : mFinder.Find(request))
             names.push_back(font.postScriptName);
         return names;
     }
@@ -37,6 +37,7 @@ protected:
 
     Database mDatabase{":memory:"};
     FontStore mFonts{mDatabase};
+    ReplacementFinder mFinder{mFonts};
     int mFiles = 0;
 };
 
@@ -73,6 +74,15 @@ TEST_F(ReplacementFinderTest, InTheFamilyTheNearestStylesAreOffered) {
     EXPECT_THAT(Find({"", "sample", "", "", 0}).front(), "Fam-1");
 }
 
+TEST_F(ReplacementFinderTest, FontsThatCameOrWentSinceAreKnown) {
+    Add("Sample-Bold", "Sample", "Bold");
+    EXPECT_THAT(Find("Sample-Black"), ElementsAre("Sample-Bold"));
+    const uint32_t nearer = Add("Sample-Heavy", "Sample", "Heavy");
+    EXPECT_THAT(Find("Sample-Black"), ElementsAre("Sample-Heavy", "Sample-Bold"));
+    mFonts.RemoveFile(mFonts.Find(nearer)->file.id);
+    EXPECT_THAT(Find("Sample-Black"), ElementsAre("Sample-Bold"));
+}
+
 TEST_F(ReplacementFinderTest, WhatIsNotNearIsNotOffered) {
     Add("Sample-Bold", "Sample", "Bold");
     Add("Bold", "Bold", "Regular");
@@ -88,7 +98,7 @@ TEST_F(ReplacementFinderTest, OfOneNameTheBestFontThatIsThereIsOffered) {
     const uint32_t alone = Add("Sample-Thin", "Sample", "Thin");
     for (const uint32_t font : {missing, alone})
         mFonts.SetFileMissing(mFonts.Find(font)->file.id, true);
-    const std::vector<Font> found = ReplacementFinder(mFonts).Find({"Sample-Heavy", "", "", "", 0});
+    const std::vector<Font> found = mFinder.Find({"Sample-Heavy", "", "", "", 0});
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found.front().id, newer);
 }
