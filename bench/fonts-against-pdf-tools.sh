@@ -32,12 +32,11 @@ awk -F, -v count="$count" 'NR > 1 { time[NR] = $(NF - 4) }
   }' "$work/times.csv"
 
 # Names without their subset tags; the tools cut names off or leave fonts without a name out, which shows here too.
-without_tags() { sed -E 's/^[A-Z]{6}\+//' | grep -v '^\[none\]$' | LC_ALL=C sort -u; }
-missing=0 extra=0
+without_tags() { LC_ALL=C sed -E 's/^[A-Z]{6}\+//' | grep -av '^\[none\]$' | LC_ALL=C sort -u; }
 while IFS= read -r file; do
   "$host" fonts "$file" 2>/dev/null | LC_ALL=C sort -u >"$work/ours" || true
-  pdffonts "$file" 2>/dev/null | tail -n +3 | awk '{ print $1 }' | without_tags >"$work/pdffonts" || true
-  mutool info -F "$file" 2>/dev/null | sed -nE "s/.*Type[0-9C]* '([^']*)'.*/\1/p; s/.*TrueType '([^']*)'.*/\1/p" |
+  pdffonts "$file" 2>/dev/null | tail -n +3 | LC_ALL=C awk '{ print $1 }' | without_tags >"$work/pdffonts" || true
+  mutool info -F "$file" 2>/dev/null | LC_ALL=C sed -nE "s/.*Type[0-9C]* '([^']*)'.*/\1/p; s/.*TrueType '([^']*)'.*/\1/p" |
     without_tags >"$work/mutool" || true
   for tool in pdffonts mutool; do
     only_ours=$(LC_ALL=C comm -23 "$work/ours" "$work/$tool" | paste -sd ' ')
