@@ -9,6 +9,7 @@
 #include "VisibleFonts.h"
 #include "platform/Console.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 namespace {
 
@@ -58,15 +59,14 @@ void PrintAsJSON(const OpenedDocument& document) {
     fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
-/// Opens one document and shows it; what it means for the program's exit status.
-int OpenAndShow(const CoreLibrary& core, const std::string& path, bool asJSON) {
-    const OpenedDocument document = OpenDocument(core, path);
+/// Shows an opened document; what it means for the program's exit status.
+int Show(const OpenedDocument& document, bool asJSON) {
     if (asJSON)
         PrintAsJSON(document);
     else if (IsSuccess(document.code))
         PrintFonts(document);
     if (!IsSuccess(document.code)) {
-        PrintError(path + " was opened, but its fonts are not known: " + ResultName(document.code));
+        PrintError(document.path + " was opened, but its fonts are not known: " + ResultName(document.code));
         return exit_status::kFailed;
     }
     return document.unmatched.empty() ? exit_status::kDone : exit_status::kFontsMissing;
@@ -110,8 +110,10 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
         for (const std::string& path : paths) {
             if (platform::WasInterrupted())
                 break;
-            progress.Advance(path);
-            const int documentStatus = OpenAndShow(session.Core(), path, options.json);
+            progress.Advance(platform::Utf8Text(platform::Utf8Path(path).filename()));
+            const OpenedDocument document = OpenDocument(session.Core(), path);
+            progress.Hide();
+            const int documentStatus = Show(document, options.json);
             if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
                 status = documentStatus;
         }

@@ -18,6 +18,19 @@ size_t CodePoints(const std::string& text) {
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
+// With the bar before it, this fits on a line of 80 characters.
+constexpr size_t kLongestStepName = 36;
+
+/// The beginning of the text, of at most so many code points.
+std::string FirstCodePoints(const std::string& text, size_t count) {
+    size_t length = 0;
+    for (; length < text.size(); ++length) {
+        if ((text[length] & 0xC0) != 0x80 && count-- == 0)
+            break;
+    }
+    return text.substr(0, length);
+}
+
 bool UseColour() {
     return platform::EnvironmentVariable("NO_COLOR").empty() &&
            platform::IsTerminal(platform::StandardStream::kOutput);
@@ -73,22 +86,24 @@ ProgressBar::ProgressBar(size_t steps)
     : mSteps(steps), mIsShown(steps > 1 && platform::IsTerminal(platform::StandardStream::kError)) {}
 
 ProgressBar::~ProgressBar() {
-    Erase();
+    Hide();
 }
 
-void ProgressBar::Erase() {
-    if (mIsShown)
-        fmt::print(stderr, "\r\033[K");
+void ProgressBar::Hide() {
+    if (!mIsShown)
+        return;
+    fmt::print(stderr, "\r\033[K");
+    std::fflush(stderr);
 }
 
 void ProgressBar::Advance(const std::string& what) {
-    ++mDone;
+    const size_t done = mBegun++;
     if (!mIsShown)
         return;
     constexpr size_t kWidth = 30;
-    const size_t filled = kWidth * mDone / mSteps;
-    Erase();
-    fmt::print(stderr, "[{}{}] {}/{} {}", std::string(filled, '#'), std::string(kWidth - filled, '.'), mDone,
-               mSteps, what);
+    const size_t filled = kWidth * done / mSteps;
+    Hide();
+    fmt::print(stderr, "[{}{}] {}/{} {}", std::string(filled, '#'), std::string(kWidth - filled, '.'), mBegun,
+               mSteps, FirstCodePoints(what, kLongestStepName));
     std::fflush(stderr);
 }

@@ -36,12 +36,13 @@ public:
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
+    /// The next step begins; `what` names it in a few words.
     void Advance(const std::string& what);
+    /// Clears its line for other output; it is back with the next step.
+    void Hide();
 
 private:
-    void Erase();
-
     size_t mSteps;
-    size_t mDone = 0;
+    size_t mBegun = 0;
     bool mIsShown;
 };
