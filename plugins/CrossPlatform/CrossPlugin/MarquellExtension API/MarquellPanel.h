@@ -1,21 +1,153 @@
-// One panel that the plug-in shows inside the host.
+// One panel that the plug-in shows inside the host: it answers the panel's requests and tells it what changes
+// in the font manager. How messages travel is left to the class that derives from it.
+//
+// Main thread. Every message is a JSON object (see PanelMessages.h); failures are reported where they arise.
 #pragma once
 
+#include <CoreFoundation++/CFRef.h>
+
 #include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "ErrorCodes.h"
+#include "FontListFiles.h"
+#include "GJSONUtils.h"
+#include "VPILoader.h"
 
-/// Main thread.
 class MarquellPanel {
 public:
     virtual ~MarquellPanel() = default;
+
+    /// Answers one request. A code tells that the message was none; what becomes of a request does not reach
+    /// the caller.
+    virtual ErrorCode CallMethodForMessage(const std::string& message);
+    /// The plug-in became available, or is not any more; told at once.
+    virtual ErrorCode SetEnabled(bool enabled);
+
+    /// Sends what was pushed since the last call, a message for each kind of notification. What could not be
+    /// sent, and everything while the font manager is not connected, waits for the next call.
+    virtual ErrorCode PopNotifications();
+
+    // What is to be told at the next PopNotifications. Always 0. Font events and switches of the web fonts
+    // are dropped while the font manager is not connected. `details` stays with the caller.
+    virtual ErrorCode PushLoggedInStateChangedNotification(int32_t serverType);
+    virtual ErrorCode PushOnlineStateChangedNotification(bool isOnline);
+    virtual ErrorCode PushGoogleWebFontsEnabledNotificaton(bool enabled);
+    virtual ErrorCode PushFontActivatedNotification(uint32_t fontID);
+    virtual ErrorCode PushFontDeactivatedNotification(uint32_t fontID);
+    virtual ErrorCode PushFontMissingNotification(uint32_t fontID);
+    virtual ErrorCode PushFontNonCompliantNotification(uint32_t fontID);
+    virtual ErrorCode PushBulkReplicationProgressNotification(CFDictionaryRef details);
+    virtual ErrorCode PushBulkReplicationStoppedNotification();
+    virtual ErrorCode PushIncrementalReplicationProgressNotification(CFDictionaryRef details);
+    virtual ErrorCode PushIncrementalReplicationStoppedNotification();
+    virtual ErrorCode PushGoogleReplicationProgressNotification(CFDictionaryRef details);
+    virtual ErrorCode PushGoogleReplicationStoppedNotification();
+    virtual ErrorCode PushFontServerReplicationProgressNotification(CFDictionaryRef details);
+    virtual ErrorCode PushFontServerReplicationStoppedNotification();
+    virtual ErrorCode PushDataChangedNotification();
+    virtual ErrorCode PushSmartListsChangedNotification();
+    virtual ErrorCode PushOfflineDownloadFinishedNotification();
+    virtual ErrorCode PushServicesEnabledNotification(bool enabled);
+
+    // ---- Transport
 
     /// Serves the panel's socket, if it has one; closes what it listens on when told to.
     virtual ErrorCode SelectSocket(bool closeListeningSocket) = 0;
     /// The port that the panel listens on, 0 for none.
     virtual uint32_t GetSocketPort() = 0;
-    /// The plug-in became available, or is not any more.
-    virtual ErrorCode SetEnabled(bool enabled) = 0;
-    /// Delivers what was pushed since the last call.
-    virtual ErrorCode PopNotifications() = 0;
+    /// Sends one JSON text to the panel.
+    virtual ErrorCode SendMessage(const std::string& message) = 0;
+    /// Sends where the images of fonts are: by CFNumber font ID, a dictionary with kGS_PNGFilenameKey and
+    /// kGS_2xPNGFilenameKey.
+    virtual ErrorCode SendFontImages(CFDictionaryRef fontPNGs) = 0;
+
+    /// Removes the files that the panel was given and has not let go of.
+    virtual void RemoveFontListFiles() { mFontListFiles.ReleaseAll(); }
+
+    // ---- Reports that belong to no request
+
+    /// How far a long piece of work has come, under the message ID of that work.
+    ErrorCode SendProgress(int messageID, const std::string& text, int stepIndex, int numSteps);
+    /// A font could not be activated; `conflictID` is the font that is in its way, 0 when that is not the
+    /// reason.
+    ErrorCode FontActivationError(uint32_t fontID, uint32_t conflictID);
+
+protected:
+    /// An empty JSON object in `document`.
+    static JSONValue NewMessage(JSONObject& document);
+    static ErrorCode GetMessageFromJSONValue(const JSONValue& root, std::string& message);
+    static ErrorCode GetJSONValueFromMessage(const std::string& message, JSONObject& document,
+                                             JSONValue& jsonValue);
+
+private:
+    using Handler = ErrorCode (MarquellPanel::*)(const std::string& message);
+
+    /// What a smart list is made of, as messages and the font manager's functions carry it.
+    struct SmartListQuery {
+        std::vector<int32_t> workgroupIDs;
+        std::vector<int32_t> setIDs;
+        std::vector<int32_t> smartSetIDs;
+    };
+
+    static Handler HandlerOf(int64_t operatorID);
+    ErrorCode SendReply(const JSONValue& root);
+    ErrorCode SendReturnCode(int messageID, ErrorCode returnCode);
+
+    // Requests about the panel and the web fonts.
+    ErrorCode IgnoreMessage(const std::string& message);
+    ErrorCode StartPanelInfo(const std::string& message);
+    ErrorCode IsWindows(const std::string& message);
+    ErrorCode GetDimensions(const std::string& message);
+    ErrorCode SetDimensions(const std::string& message);
+    ErrorCode SetDropDownSelection(const std::string& message);
+    ErrorCode GetDropDownSelection(const std::string& message);
+    ErrorCode SendHostAppKeyPress(const std::string& message);
+    ErrorCode CanAccessGoogleFonts(const std::string& message);
+    ErrorCode GoogleEnableWebFonts(const std::string& message);
+    ErrorCode IsGoogleWebFontsEnabled(const std::string& message);
+
+    // Requests about fonts.
+    ErrorCode DesignActivateFamilyForFont(const std::string& message);
+    ErrorCode ActivateFamilyForDesign(uint32_t fontID);
+    ErrorCode GetFontPNGs(const std::string& message);
+    ErrorCode SetFontVersion(const std::string& message);
+
+    // Requests about smart lists.
+    ErrorCode RenameSmartList(const std::string& message);
+    ErrorCode RenameSmartListByName(const std::string& message);
+    ErrorCode DeleteSmartList(const std::string& message);
+    ErrorCode QuerySmartListFonts(const std::string& message);
+    ErrorCode SetSmartListQuery(const std::string& message);
+    ErrorCode CreateSmartList(const std::string& message);
+    ErrorCode GetSmartList(const std::string& message);
+    ErrorCode GetPanelSmartListTree(const std::string& message);
+    ErrorCode GetAllSmartLists(const std::string& message);
+    ErrorCode RequestSmartListFonts(const std::string& message);
+    ErrorCode ReleaseFontListFile(const std::string& message);
+    ErrorCode GetSmartListFonts(int32_t smartListID);
+    ErrorCode SendFontList(CFArrayRef fonts);
+    using SmartListQueryFunction = uint32_t (*PluginFunctionTable::*)(PluginFacadeRef, int32_t, CFArrayRef,
+                                                                      CFArrayRef, CFArrayRef);
+    /// Calls the function with the smart list and the query that the message holds.
+    static ErrorCode CallWithQuery(const std::string& message, SmartListQueryFunction function);
+    static ErrorCode GetQuery(const JSONValue& jsonValue, SmartListQuery& query);
+    static ErrorCode ReadSmartList(const std::string& message, int32_t& smartListID,
+                                   CFRef<CFDictionaryRef>& smartList);
+    static ErrorCode AddIDs(const char* key, CFArrayRef ids, JSONValue& root);
+
+    // Notifications.
+    ErrorCode Queue(int notificationID);
+    ErrorCode QueueFontEvent(uint32_t fontID, int notificationID);
+    std::set<uint32_t>* FontIDsOf(int notificationID);
+    ErrorCode SendNotification(int notificationID);
+
+    FontListFiles mFontListFiles;
+    std::set<int> mPendingNotifications;
+    std::set<uint32_t> mActivatedFonts;
+    std::set<uint32_t> mDeactivatedFonts;
+    std::set<uint32_t> mMissingFonts;
+    std::set<uint32_t> mNonCompliantFonts;
 };

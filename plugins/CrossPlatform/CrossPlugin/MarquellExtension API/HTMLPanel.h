@@ -1,0 +1,36 @@
+// The panel as an HTML extension of the host: messages travel as events of the host's panel event service.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "MarquellPanel.h"
+#include "PlugPlug.h"
+
+class HTMLPanel : public MarquellPanel {
+public:
+    /// `plugPlug` is not owned and outlives the panel.
+    explicit HTMLPanel(PlugPlugService* plugPlug) : mPlugPlug(plugPlug) {}
+
+    /// Has the panel's requests brought here from now on. Once. kNotInitialized when the service refuses.
+    ErrorCode RegisterHandler();
+
+    /// There is no socket: 0.
+    ErrorCode SelectSocket(bool closeListeningSocket) override;
+    uint32_t GetSocketPort() override;
+    ErrorCode SendMessage(const std::string& message) override;
+    ErrorCode SendFontImages(CFDictionaryRef fontPNGs) override;
+
+private:
+    struct FontImage {
+        uint32_t fontID;
+        std::string location;  ///< URL, empty for none
+        std::string doubleResolutionLocation;
+    };
+
+    static void EventCallback(const PlugPlugEvent* event, void* context);
+    void QueueFontImages(CFDictionaryRef fontPNGs);
+
+    PlugPlugService* mPlugPlug;
+    std::vector<FontImage> mPendingFontImages;
+};
