@@ -35,6 +35,10 @@ void SetTraceSink(TraceSink* sink);
 /// end. A null format writes nothing. Any thread. Nothing is allocated here; a sink may do so.
 void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF;
 
+/// Whether a line written now would reach anyone; if not, its arguments need not be composed. Any thread;
+/// takes no lock.
+bool IsTraceHeard();
+
 /// Starts the sink's log file at `path` and writes a banner with the time into it. Main thread, once at
 /// start-up.
 void SetLogFile(const char* path);

@@ -33,36 +33,17 @@ void WritePiece(const char* piece) {
         sink->Log(piece);
 }
 
-bool IsAnyoneListening() {
-    return platform::Current<platform::DebugOutput>().IsListening() ||
-           (loggingEnabled.load(std::memory_order_relaxed) && ReadySink() != nullptr);
-}
-
 void CompleteLine(char* line) {
     const size_t length = std::strlen(line);
     if (length < kLongestTextToComplete && (length == 0 || line[length - 1] != '\n'))
         std::strcpy(line + length, "\n");
 }
 
-}  // namespace
-
-void SetTraceSink(TraceSink* sink) {
-    traceSink.store(sink, std::memory_order_release);
-}
-
-void LogMessage(int indentDelta, const char* format, ...) {
-    if (format == nullptr)
-        return;
-    if (!IsAnyoneListening()) {
-        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
-        return;
-    }
+// Apart from LogMessage, which costs next to nothing while nobody listens.
+void WriteLine(int indentDelta, const char* format, va_list arguments) {
     char line[kLineBufferSize];
     line[0] = '\0';
-    va_list arguments;
-    va_start(arguments, format);
     std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
     CompleteLine(line);
     if (indentDelta < 0)
         indentation.fetch_add(indentDelta, std::memory_order_relaxed);
@@ -72,6 +53,31 @@ void LogMessage(int indentDelta, const char* format, ...) {
     if (indentDelta >= 0)
         indentation.fetch_add(indentDelta, std::memory_order_relaxed);
     WritePiece(line);
+}
+
+}  // namespace
+
+void SetTraceSink(TraceSink* sink) {
+    traceSink.store(sink, std::memory_order_release);
+}
+
+bool IsTraceHeard() {
+    return platform::Current<platform::DebugOutput>().IsListening() ||
+           (loggingEnabled.load(std::memory_order_relaxed) && ReadySink() != nullptr);
+}
+
+void LogMessage(int indentDelta, const char* format, ...) {
+    if (format == nullptr)
+        return;
+    if (!IsTraceHeard()) {
+        if (indentDelta != 0)
+            indentation.fetch_add(indentDelta, std::memory_order_relaxed);
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    WriteLine(indentDelta, format, arguments);
+    va_end(arguments);
 }
 
 void SetLogFile(const char* path) {

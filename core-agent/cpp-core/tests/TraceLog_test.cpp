@@ -23,6 +23,12 @@ public:
     ~RecordingSink() override { SetTraceSink(nullptr); }
 };
 
+class DeafDebugOutput : public platform::DebugOutput {
+public:
+    void Write(const char*) noexcept override {}
+    bool IsListening() noexcept override { return false; }
+};
+
 }  // namespace
 
 TEST(TraceLog, LinesNestBetweenTheirOpeningAndClosingLine) {
@@ -66,6 +72,19 @@ TEST(TraceLog, TheSinkGetsEveryPieceOnceLoggingIsOn) {
     LogMessage(-1, "Exiting");
     EXPECT_EQ(sink.pieces.size(), 5u);
     EXPECT_EQ(trace.Text(), "before\nEntering\n Entering\n Exiting\nExiting\n");
+}
+
+TEST(TraceLog, ItIsHeardWhileAnyoneListens) {
+    DeafDebugOutput deaf;
+    const platform::ScopedOverride<platform::DebugOutput> override(deaf);
+    EXPECT_FALSE(IsTraceHeard());
+    RecordingSink sink;
+    EnableLogging();
+    EXPECT_TRUE(IsTraceHeard());
+    sink.isReady = false;
+    EXPECT_FALSE(IsTraceHeard());
+    const CapturedTrace trace;
+    EXPECT_TRUE(IsTraceHeard());
 }
 
 TEST(TraceLog, TheLogFileBeginsWithABannerThatOnlyTheSinkSees) {

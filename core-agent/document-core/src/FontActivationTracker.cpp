@@ -18,6 +18,11 @@ ErrorCode RefuseReentry(const char* function) {
     return CoreErrorCodes::kUnknownError;
 }
 
+/// The text for a trace line; empty, and nothing is converted, while nobody hears the trace.
+std::string TraceText(CFStringRef string) {
+    return IsTraceHeard() ? cf::ToUtf8(string) : std::string();
+}
+
 bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t databaseID) {
     const auto found = states.find(databaseID);
     return found == states.end() || found->second;
@@ -28,17 +33,19 @@ bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t datab
 FontActivationTracker::FontActivationTracker(PreferenceAccess* preferences) : mPreferences(preferences) {}
 
 std::string FontActivationTracker::GenerateUniqueIdentifier() {
-    std::string identifier;
     const auto uuid = CFRef<CFUUIDRef>::Adopt(CFUUIDCreate(kCFAllocatorDefault));
     const auto text =
         CFRef<CFStringRef>::Adopt(uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr);
-    char buffer[100];
-    if (text && CFStringGetCString(text.get(), buffer, sizeof buffer, kCFStringEncodingUTF8))
-        identifier = buffer;
-    else
-        identifier.assign(1, static_cast<char>(std::rand()));
+    const std::string identifier = IdentifierFromText(text.get());
     LogMessage(0, "FontActivationTracker::GenerateUniqueIdentifier() returning '%s'", identifier.c_str());
     return identifier;
+}
+
+std::string FontActivationTracker::IdentifierFromText(CFStringRef text) {
+    char buffer[100];
+    if (text != nullptr && CFStringGetCString(text, buffer, sizeof buffer, kCFStringEncodingUTF8))
+        return buffer;
+    return std::string(1, static_cast<char>(std::rand()));
 }
 
 ErrorCode FontActivationTracker::ActivateDocumentFonts(const std::string& documentIdentifier,
@@ -87,9 +94,10 @@ ErrorCode FontActivationTracker::ActivateFontsByID(const std::string& documentId
 ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
                                                       const std::string& documentIdentifier) {
     ErrorCode status = CoreErrorCodes::kSuccess;
+    Registration registration{false, documentIdentifier, 0};
     for (CFIndex index = 0; index < cf::Count(matchedFonts); ++index) {
         const auto font = cf::Get<CFDictionaryRef>(matchedFonts, index);
-        const ErrorCode registered = RegisterMatchedFont(font, index, documentIdentifier);
+        const ErrorCode registered = RegisterMatchedFont(font, index, registration);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
     }
@@ -97,7 +105,7 @@ ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
 }
 
 ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFIndex index,
-                                                     const std::string& documentIdentifier) {
+                                                     Registration& registration) {
     const CFStringRef name = cf::Get<CFStringRef>(font, kGS_PostScriptNameKey);
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     if (name == nullptr || databaseID == 0) {
@@ -109,26 +117,22 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
     const std::optional<int64_t> state = cf::GetInt64(font, kGS_ActivationStateKey);
     LogMessage(0, "kGS_ActivationStateKey '%s', kGS_DatabaseIDKey %d for '%s')",
                state ? std::to_string(*state).c_str() : "NULL", static_cast<int>(databaseID),
-               cf::ToUtf8(name).c_str());
-    Registration registration;
+               TraceText(name).c_str());
     registration.isAlreadyActive = state && FontActivationStateCountsAsActive(*state) != 0;
-    registration.documentIdentifier = documentIdentifier;
-    if (!documentIdentifier.empty())
+    if (!registration.documentIdentifier.empty())
         return RegisterFontWithDocument(font, name, databaseID, registration);
 
     const CFArrayRef subDocuments = cf::GetArray(font, kGS_SubDocumentsWithFontKey);
-    if (subDocuments == nullptr) {
+    if (subDocuments == nullptr)
         LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey",
-                   static_cast<int>(index), documentIdentifier.c_str());
-        return CoreErrorCodes::kSuccess;
-    }
+                   static_cast<int>(index), registration.documentIdentifier.c_str());
     ErrorCode status = CoreErrorCodes::kSuccess;
-    for (CFIndex each = 0; each < CFArrayGetCount(subDocuments); ++each) {
+    for (CFIndex each = 0; each < cf::Count(subDocuments); ++each) {
         const CFStringRef subDocument = cf::Get<CFStringRef>(subDocuments, each);
         if (subDocument == nullptr)
             continue;
-        registration.documentIdentifier = cf::ToUtf8(subDocument);
-        const ErrorCode registered = RegisterFontWithDocument(font, name, databaseID, registration);
+        const ErrorCode registered = RegisterFontWithDocument(
+            font, name, databaseID, {registration.isAlreadyActive, cf::ToUtf8(subDocument), 0});
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
     }
@@ -138,24 +142,22 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
 ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDictionary,
                                                           CFStringRef postscriptName, uint32_t databaseID,
                                                           const Registration& registration) {
-    LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
-               cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
+    // Documents have thousands of fonts: asked once for both lines.
+    const bool isTraceHeard = IsTraceHeard();
+    if (isTraceHeard)
+        LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
+                   cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
     const GScopedLock lock(mRegistersLock);
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting RegisterFontWithDocument"); });
+    const ScopeExit exitLine([isTraceHeard] {
+        if (isTraceHeard)
+            LogMessage(-1, "Exiting RegisterFontWithDocument");
+    });
     if (lock.Status() != CoreErrorCodes::kSuccess)
         return RefuseReentry("FontActivationTracker::RegisterFontWithDocument");
 
-    const auto [position, isNew] = m_mFonts.try_emplace(databaseID);
-    TrackedFont& font = position->second;
-    if (isNew) {
-        font.fontDictionary = CFRef<CFDictionaryRef>::Retain(fontDictionary);
-        font.isAlreadyActive = registration.isAlreadyActive;
-        font.postScriptName = CFRef<CFStringRef>::Retain(postscriptName);
-        font.deactivationContext = registration.deactivationContext;
-    }
+    TrackedFont& font =
+        m_mFonts.try_emplace(databaseID, fontDictionary, postscriptName, registration).first->second;
     font.isPluginActivated = true;
-    if (font.referenceCount == 0)
-        font.documentIdentifier = registration.documentIdentifier;
     ++font.referenceCount;
     m_mDocuments[registration.documentIdentifier].push_back(databaseID);
     return CoreErrorCodes::kSuccess;
@@ -194,6 +196,8 @@ ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager,
         LogMessage(0, "No entry in FontActivationTracker::m_mDocuments for '%s'", documentIdentifier.c_str());
         return CoreErrorCodes::kSuccess;
     }
+    // Gone whatever comes, so that no font is let go twice.
+    const ScopeExit erase([&] { m_mDocuments.erase(document); });
     ErrorCode result = CoreErrorCodes::kSuccess;
     const std::vector<uint32_t>& databaseIDs = document->second;
     if (databaseIDs.empty()) {
@@ -204,7 +208,6 @@ ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager,
                      ? CloseBatch(fontManager, databaseIDs, states, deactivate, fontsDeactivated)
                      : CloseFontByFont(fontManager, databaseIDs, deactivate, fontsDeactivated);
     }
-    m_mDocuments.erase(document);
     return result;
 }
 
@@ -254,7 +257,7 @@ ErrorCode FontActivationTracker::CloseBatch(FontManagerAccess& fontManager,
         --font.referenceCount;
         if (!deactivate)
             continue;
-        const std::string name = cf::ToUtf8(font.postScriptName.get());
+        const std::string name = TraceText(font.postScriptName.get());
         if (font.referenceCount > 0)
             LogMessage(0, "Not deactivating '%s' because its ref count is %d", name.c_str(),
                        font.referenceCount);

@@ -34,6 +34,8 @@ public:
 
     /// A new identifier for a document: the text form of a fresh UUID.
     static std::string GenerateUniqueIdentifier();
+    /// The identifier with that text; a single random byte when there is none, or one that is too long.
+    static std::string IdentifierFromText(CFStringRef text);
 
     /// Has the document's fonts activated and registers every matched one. `matchedFonts` receives the font
     /// records. With an empty identifier each font is registered with the sub-documents that it names
@@ -56,19 +58,25 @@ public:
 
 private:
     struct TrackedFont {
-        CFRef<CFDictionaryRef>
-            fontDictionary;  ///< as the font manager returned it; handed back to deactivate
-        bool isAlreadyActive = false;
+        TrackedFont(CFDictionaryRef dictionary, CFStringRef name, const Registration& first)
+            : fontDictionary(RetainCF(dictionary)),
+              postScriptName(RetainCF(name)),
+              deactivationContext(first.deactivationContext),
+              isAlreadyActive(first.isAlreadyActive) {}
+
+        /// As the font manager returned it; handed back to deactivate.
+        CFRef<CFDictionaryRef> fontDictionary;
         CFRef<CFStringRef> postScriptName;
-        std::string documentIdentifier;  ///< the document that registered it while nobody else held it
+        uint64_t deactivationContext;
+        bool isAlreadyActive;
         bool isPluginActivated = false;
         int32_t referenceCount = 0;
-        uint64_t deactivationContext = 0;
     };
     using TrackedFonts = std::map<uint32_t, TrackedFont>;
 
     ErrorCode RegisterMatchedFonts(CFArrayRef matchedFonts, const std::string& documentIdentifier);
-    ErrorCode RegisterMatchedFont(CFDictionaryRef font, CFIndex index, const std::string& documentIdentifier);
+    /// `registration` names the document; the rest of it is filled in here.
+    ErrorCode RegisterMatchedFont(CFDictionaryRef font, CFIndex index, Registration& registration);
     ErrorCode CloseFontByFont(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
                               bool deactivate, CFMutableArrayRef fontsDeactivated);
     ErrorCode CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,

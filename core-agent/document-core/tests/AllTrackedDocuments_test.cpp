@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "CapturedTrace.h"
 #include "FakeFontManager.h"
 #include "FontActivationTracker.h"
+#include "TraceLog.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -60,6 +63,27 @@ TEST(AllTrackedDocuments, OfSeveralWithOneIdentifierOnlyTheFirstIsRemoved) {
     documents.RemoveClosedDocument(*documents.FindTrackedDocumentByPath("/b.ai"), nullptr);
     ASSERT_EQ(documents.Documents().size(), 1u);
     EXPECT_EQ(documents.Documents().front()->DocumentFilePath(), "/b.ai");
+}
+
+TEST(AllTrackedDocuments, WhatIsAskedOfThemStandsInTheLog) {
+    AllTrackedDocuments documents;
+    const auto document = Add(documents, "/a.ai");
+    char address[16];
+    std::snprintf(address, sizeof address, "0x%08x", TraceAddress(document.get()));
+    CapturedTrace trace;
+    auto same = document;
+    documents.AddDocument(same, "/a.ai");
+    documents.FindTrackedDocumentByIdentifier("id of /a.ai");
+    documents.FindTrackedDocumentByIdentifier("other");
+    documents.RemoveClosedDocument(OneTrackedDocument(), nullptr);
+    constexpr char kFind[] = "AllTrackedDocuments::FindTrackedDocumentByIdentifier(";
+    EXPECT_EQ(trace.Text(), "AllTrackedDocuments::AddDocument(pInfo=" + std::string(address) +
+                                ", path='/a.ai')\nEntering " + kFind + "inDocument=id of /a.ai)\n" + kFind +
+                                ") returning " + address + "\nEntering " + kFind + "inDocument=other)\n" +
+                                kFind + ") returning 0x00000000\n" +
+                                "Entering AllTrackedDocuments::RemoveClosedDocument()\n" +
+                                "Exiting AllTrackedDocuments::RemoveClosedDocument()\n");
+    EXPECT_EQ(documents.Documents().size(), 1u);
 }
 
 TEST(AllTrackedDocuments, AnExceptionStaysInsideAndIsLogged) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <regex>
 #include <thread>
 
@@ -42,6 +43,41 @@ TEST_F(FontActivationTrackerTest, IdentifiersAreFreshUUIDs) {
     EXPECT_TRUE(std::regex_match(first, std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"))) << first;
     EXPECT_NE(first, FontActivationTracker::GenerateUniqueIdentifier());
     EXPECT_THAT(trace.Text(), HasSubstr("GenerateUniqueIdentifier() returning '" + first + "'"));
+}
+
+TEST(FontActivationTracker, WithoutAUUIDAnIdentifierIsASingleByte) {
+    EXPECT_EQ(FontActivationTracker::IdentifierFromText(cf::String("x").get()), "x");
+    EXPECT_EQ(FontActivationTracker::IdentifierFromText(cf::String(std::string(99, 'x')).get()).size(), 99u);
+    EXPECT_EQ(FontActivationTracker::IdentifierFromText(cf::String(std::string(100, 'x')).get()).size(), 1u);
+    std::srand(1);
+    const auto expected = static_cast<char>(std::rand());
+    std::srand(1);
+    EXPECT_EQ(FontActivationTracker::IdentifierFromText(nullptr), std::string(1, expected));
+}
+
+TEST_F(FontActivationTrackerTest, ADocumentsRoadReadsLikeThisInTheLog) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(8, "Eight", std::nullopt);
+    Open("A");
+    Close("A");
+    tracker.CloseAllFonts(false);
+    EXPECT_EQ(trace.Text(), R"(Entering FontActivationTracker::ActivateDocumentFonts(documentPath = "/doc/A")
+ kGS_ActivationStateKey '0', kGS_DatabaseIDKey 7 for 'Seven')
+ Entering RegisterFontWithDocument(postscriptName='Seven', sDocumentIdentifier='A')
+ Exiting RegisterFontWithDocument
+ kGS_ActivationStateKey 'NULL', kGS_DatabaseIDKey 8 for 'Eight')
+ Entering RegisterFontWithDocument(postscriptName='Eight', sDocumentIdentifier='A')
+ Exiting RegisterFontWithDocument
+ActivateDocumentFonts returning 0
+Entering FontActivationTracker::CloseAllFontsForIdentifier('A', bDeactivateClosedFonts=1, fontsDeactivated=0x00000000)
+ Considering whether to deactivate databaseID 7
+ Adding 'Seven' to fontsToDeactivate.
+ Considering whether to deactivate databaseID 8
+ Adding 'Eight' to fontsToDeactivate.
+FontActivationTracker::CloseAllFontsForIdentifier() returning 0
+Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=0)
+FontActivationTracker::CloseAllFonts() returning 0
+)");
 }
 
 TEST_F(FontActivationTrackerTest, AFontGoesWithTheLastDocumentThatUsesIt) {
@@ -98,6 +134,52 @@ TEST_F(FontActivationTrackerTest, AFontThatSomeoneElseTookOverIsLeftAlone) {
     EXPECT_THAT(fontManager.deactivated, ElementsAre(8));
     EXPECT_THAT(trace.Text(),
                 HasSubstr("Not deactivating 'Seven' because it is no longer plugin activated\n"));
+}
+
+TEST_F(FontActivationTrackerTest, AtQuitAFontThatSomeoneElseTookOverIsLeftAlone) {
+    fontManager.Match(7, "Seven");
+    fontManager.Match(8, "Eight");
+    Open("A");
+    fontManager.states = {{7, false}, {8, true}};
+    tracker.CloseAllFonts(true);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(8));
+}
+
+TEST_F(FontActivationTrackerTest, AQuitWithoutDeactivationForgetsTheFonts) {
+    fontManager.Match(7, "Seven");
+    Open("A");
+    tracker.CloseAllFonts(false);
+    trace.Clear();
+    EXPECT_EQ(Close("A"), 0u) << "the document is still known";
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("No entry found for nDatabaseID(7) in FontManagerInterface::m_mFonts\n"));
+    EXPECT_THAT(fontManager.deactivated, IsEmpty());
+}
+
+TEST_F(FontActivationTrackerTest, TheFirstRegistrationDecidesAboutAFont) {
+    const CFRef<CFDictionaryRef> first = RetainCF<CFDictionaryRef>(fontManager.Match(7, "Seven", 0));
+    Open("A");
+    fontManager.Match(7, "Seven again", 1);  // active, for A
+    Open("B");
+    const CFRef<CFMutableArrayRef> deactivated = cf::MutableArray();
+    Close("A");
+    tracker.CloseAllFontsForIdentifier("B", true, deactivated.get());
+    ASSERT_EQ(cf::Count(deactivated.get()), 1);
+    EXPECT_EQ(CFArrayGetValueAtIndex(deactivated.get(), 0), first.get());
+}
+
+TEST_F(FontActivationTrackerTest, ACloseThatBreaksOffCountsOnce) {
+    fontManager.Match(7, "Seven");
+    Open("A");
+    fontManager.Match(7, "Seven");
+    Open("B");
+    fontManager.whileDeactivating = [] { throw std::runtime_error("lost"); };
+    EXPECT_THROW(Close("A"), std::runtime_error);
+    fontManager.whileDeactivating = nullptr;
+    EXPECT_EQ(Close("A"), 0u);
+    EXPECT_THAT(fontManager.deactivated, IsEmpty()) << "B still holds it";
+    Close("B");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
 }
 
 TEST_F(FontActivationTrackerTest, AFontRegisteredTwiceForADocumentIsLetGoTwice) {
@@ -198,6 +280,29 @@ TEST_F(FontByFontTest, FailuresAreReportedAndALostFontManagerEndsTheLoop) {
     fontManager.statusOfSingleDeactivation.clear();
     EXPECT_EQ(tracker.CloseAllFonts(true), 0u);
     EXPECT_THAT(fontManager.deactivated, ElementsAre(3, 4));
+}
+
+TEST_F(FontByFontTest, OnlyWhatWasDeactivatedIsReported) {
+    fontManager.Match(1, "Ours");
+    fontManager.Match(2, "Failing");
+    fontManager.Match(3, "Active before", 1);
+    fontManager.Match(4, "Taken over");
+    fontManager.Match(5, "Shared");
+    Open("A");
+    fontManager.Match(5, "Shared");
+    Open("B");
+    fontManager.isBatchMode = false;
+    fontManager.states = {{4, false}};  // not looked at
+    fontManager.statusOfSingleDeactivation = {{2, -5}};
+    const CFRef<CFMutableArrayRef> deactivated = cf::MutableArray();
+    EXPECT_EQ(tracker.CloseAllFontsForIdentifier("A", true, deactivated.get()), static_cast<ErrorCode>(-5));
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(1, 2, 4));
+    EXPECT_EQ(cf::Count(deactivated.get()), 2);
+    EXPECT_EQ(fontManager.deactivationCalls, 0);
+    tracker.CloseAllFontsForIdentifier("B", false, deactivated.get());
+    EXPECT_EQ(cf::Count(deactivated.get()), 2);
+    tracker.CloseAllFonts(true);
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(1, 2, 4, 5)) << "no record but that of 5 was left";
 }
 
 TEST_F(FontByFontTest, AtQuitALostFontManagerEndsTheLoopButEmptiesTheRegister) {

@@ -36,7 +36,28 @@ TEST(FontListJSON, OtherFormsAreRefused) {
     EXPECT_EQ(RoundTrip("[]", FontListForm::kArray), "[]");
 }
 
+TEST(FontListJSON, NumbersKeepWhatACFNumberCanHold) {
+    const std::string fonts =
+        R"([{"highest":9223372036854775807,"lowest":-9223372036854775808,"whole":2.0}])";
+    EXPECT_EQ(RoundTrip(fonts), fonts);
+    EXPECT_EQ(RoundTrip(R"([{"x":9223372036854775808}])"), R"([{"x":9.223372036854776e+18}])");
+    EXPECT_EQ(RoundTrip(R"([{"x":1e400}])"), "error");
+}
+
+TEST(FontListJSON, TextsAreUnescapedAndMembersSorted) {
+    EXPECT_EQ(RoundTrip(R"([{"b":"\u00e4\ud83d\ude42\/\n\u0000","a":1}])"),
+              R"([{"a":1,"b":"ä🙂/\n\u0000"}])");
+    EXPECT_EQ(RoundTrip(R"([{"a":1,"b":{"x":1},"a":"last"}])"), R"([{"a":"last","b":{"x":1}}])");
+    for (const char* broken : {"[{\"a\":\"\xff\"}]", R"([{"a":"\ud800"}])", "[{\"\xc3\":1}]"})
+        EXPECT_EQ(RoundTrip(broken), "error") << broken;
+}
+
 TEST(FontListJSON, EndlessNestingIsCut) {
-    const std::string text = "[{\"x\":" + std::string(100000, '[') + std::string(100000, ']') + "}]";
-    EXPECT_LT(RoundTrip(text).size(), 200u);
+    const auto nested = [](size_t depth) {
+        return "[{\"x\":" + std::string(depth, '[') + std::string(depth, ']') + "}]";
+    };
+    EXPECT_EQ(RoundTrip(nested(31)), nested(31));
+    EXPECT_NE(RoundTrip(nested(40)), nested(40));
+    EXPECT_EQ(RoundTrip(nested(40)), RoundTrip(nested(41)));
+    EXPECT_LT(RoundTrip(nested(100000)).size(), 200u);
 }

@@ -21,6 +21,8 @@ public:
     uint32_t GetSocketPort() override { return mPort; }
     ErrorCode SetEnabled(bool enabled) override { return Note(enabled ? "enable" : "disable"); }
     ErrorCode PopNotifications() override { return Note("pop"); }
+    ErrorCode SendMessage(const std::string&) override { return Note("send"); }
+    ErrorCode SendFontImages(CFDictionaryRef) override { return Note("images"); }
 
 private:
     ErrorCode Note(const char* call) {

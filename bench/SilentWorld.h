@@ -1,0 +1,50 @@
+// A host in which the plug-in is functional and nobody listens to the trace, with an interface library that
+// answers at once.
+#pragma once
+
+#include "FakeFramework.h"
+#include "FakeInterfaceLibrary.h"
+#include "FakePlatform.h"
+#include "FontManagerInterface.h"
+#include "MarquellGlobals.h"
+
+class SilentWorld {
+public:
+    SilentWorld() {
+        processes.running = {{2, "/agent/Pellwick"}};
+        libraries.loadable = {"/agent/TarnwickPluginInterfaceX64.so", "/plugins/TarnwickPluginFramework.so"};
+        libraries.symbols = FakeInterfaceLibrary::Symbols();
+        libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(
+            +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return sFramework; });
+        sFramework = &framework;
+        library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}};
+        framework.numbers = {{"EnablePlugin", 1}, {"CloseFontsOnDocClose", 1}};
+    }
+    ~SilentWorld() {
+        FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
+        MarquellGlobals::ResetForTesting();
+        delete VPILoader::GetSharedInstance();
+    }
+    SilentWorld(const SilentWorld&) = delete;
+    SilentWorld& operator=(const SilentWorld&) = delete;
+
+    /// Whether fonts may be asked for from now on.
+    bool MakeFunctional() {
+        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
+        const bool isCompatible = FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning();
+        MarquellGlobals::SetLoggedIn(true);
+        MarquellGlobals::SetPluginFunctionalityEnabled(true);
+        return isCompatible && FontManagerInterface::GetSharedInstance().IsUsable();
+    }
+
+    FakeProcesses processes;
+    FakeFolders folders;
+    FakeLibraries libraries;
+    FakeVersionResources versions;
+    FakeWindowing windowing;
+    FakeFramework framework;
+    FakeInterfaceLibrary library;
+
+private:
+    static inline FakeFramework* sFramework = nullptr;
+};
