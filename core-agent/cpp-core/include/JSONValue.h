@@ -85,6 +85,9 @@ public:
     /// panels acknowledge, holds no tree either but does not throw.
     void load(const std::string& text);
 
+    /// Replaces the tree by an empty object.
+    void load_map();
+
     /// The node named "root". Throws when no tree is held.
     JSONValue root() const;
 

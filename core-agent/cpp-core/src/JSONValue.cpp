@@ -386,6 +386,12 @@ void JSONObject::load(const std::string& text) {
         throw std::runtime_error(std::string("JSON parse error:\n") + parseError);
 }
 
+void JSONObject::load_map() {
+    mTree.reset(NewNode(yajl_t_object).release());
+    if (!mTree)
+        throw std::bad_alloc();
+}
+
 JSONValue JSONObject::root() const {
     if (!mTree)
         throw std::runtime_error("No JSON loaded in parser");

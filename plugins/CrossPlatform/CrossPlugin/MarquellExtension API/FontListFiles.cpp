@@ -10,6 +10,7 @@ namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
 constexpr std::string_view kURLPrefix = "file:///";
+constexpr size_t kMostFiles = 100;
 
 /// Three slashes, whether or not the path begins with one of them.
 std::string URLOf(std::string path) {
@@ -27,14 +28,21 @@ FontListFiles::~FontListFiles() {
 ErrorCode FontListFiles::Create(const std::string& content, std::string& url) {
     const std::string folder =
         platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kTemporary);
+    RETURN_UNLESS(!folder.empty());
     std::string path;
     if (const platform::SystemError error =
             platform::WriteTemporaryFile(folder, "font-list-", ".txt", content, path)) {
-        ReportSystemFailure(kLogCategory, {"WriteTemporaryFile(folder, content, path)", __FILE__, __LINE__},
+        ReportSystemFailure(kLogCategory,
+                            {"WriteTemporaryFile(folder, \"font-list-\", \".txt\", content, path)", __FILE__,
+                             __LINE__},
                             CoreErrorCodes::kError, error);
         return CoreErrorCodes::kError;
     }
-    mPaths.insert(path);
+    mPaths.push_back(path);
+    if (mPaths.size() > kMostFiles) {
+        platform::RemoveFile(mPaths.front());
+        mPaths.pop_front();
+    }
     url = URLOf(path);
     return CoreErrorCodes::kSuccess;
 }

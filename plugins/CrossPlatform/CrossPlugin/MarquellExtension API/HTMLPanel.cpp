@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "FailureReport.h"
+#include "FontID.h"
 #include "PanelMessages.h"
 #include "TarnwickPluginInterface.h"
 #include "TraceLog.h"
@@ -19,6 +20,9 @@ constexpr char kPanelToPlugin[] = "com.vantorix.PanelToPlugin";
 constexpr char kPluginToPanel[] = "com.vantorix.PluginToPanel";
 constexpr int32_t kApplicationScope = 1;
 constexpr int32_t kEventErrorCode_Success = 0;
+// A panel and a host that deliver at once can keep each other busy for ever, on the thread that the user
+// waits for. Panels send a handful of requests for one reply.
+constexpr size_t kMostRequestsInTurn = 1000;
 
 /// The location of an image as panels take it, with two slashes whatever the path begins with; empty for
 /// none.
@@ -32,7 +36,13 @@ std::string ImageLocation(std::string path) {
 
 }  // namespace
 
+std::unique_ptr<HTMLPanel> HTMLPanel::Create(PlugPlugService* plugPlug) {
+    const bool isUsable = plugPlug->AddEventListener != nullptr && plugPlug->DispatchEvent != nullptr;
+    return isUsable ? std::make_unique<HTMLPanel>(plugPlug) : nullptr;
+}
+
 ErrorCode HTMLPanel::RegisterHandler() {
+    RETURN_IF_NULL(mPlugPlug);
     const int32_t status = mPlugPlug->AddEventListener(mPlugPlug, kPanelToPlugin, EventCallback, this);
     if (status == kEventErrorCode_Success)
         return CoreErrorCodes::kSuccess;
@@ -48,10 +58,34 @@ void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
     auto* panel = static_cast<HTMLPanel*>(context);
     if (panel == nullptr || event == nullptr || event->data == nullptr)
         return;
-    try {
-        static_cast<void>(panel->CallMethodForMessage(event->data));
-    } catch (const std::exception& exception) {  // nothing is thrown into the host
-        LogMessage(0, "Exception thrown in %s(): %s", "HTMLPanel::EventCallback", exception.what());
+    constexpr char kName[] = "HTMLPanel::EventCallback";
+    try {  // nothing is thrown into the host
+        panel->HandleInTurn(event->data);
+    } catch (const std::exception& exception) {
+        LogMessage(0, "Exception thrown in %s(): %s", kName, exception.what());
+    } catch (...) {
+        LogMessage(0, "Exception thrown in %s()", kName);
+    }
+}
+
+void HTMLPanel::HandleInTurn(std::string message) {
+    mRequests.push_back(std::move(message));
+    if (mIsHandling)
+        return;
+    mIsHandling = true;
+    const ScopeExit done([this] {
+        mIsHandling = false;
+        mRequests.clear();
+    });
+    for (size_t count = 0; !mRequests.empty(); ++count) {
+        if (count == kMostRequestsInTurn) {
+            LogMessage(0, "Dropping %zu requests of a panel that answers every reply with more of them",
+                       mRequests.size());
+            return;
+        }
+        const std::string request = std::move(mRequests.front());
+        mRequests.pop_front();
+        static_cast<void>(CallMethodForMessage(request));
     }
 }
 
@@ -74,11 +108,11 @@ ErrorCode HTMLPanel::SendMessage(const std::string& message) {
 void HTMLPanel::QueueFontImages(CFDictionaryRef fontPNGs) {
     mPendingFontImages.clear();
     const auto queue = [](const void* key, const void* value, void* context) {
-        const auto fontID = cf::ToInt64(static_cast<CFTypeRef>(key));
+        const auto fontID = FontIDFrom(static_cast<CFTypeRef>(key));
         const auto paths = cf::As<CFDictionaryRef>(static_cast<CFTypeRef>(value));
         if (fontID)
             static_cast<HTMLPanel*>(context)->mPendingFontImages.push_back(
-                {static_cast<uint32_t>(*fontID), ImageLocation(cf::GetString(paths, kGS_PNGFilenameKey)),
+                {*fontID, ImageLocation(cf::GetString(paths, kGS_PNGFilenameKey)),
                  ImageLocation(cf::GetString(paths, kGS_2xPNGFilenameKey))});
     };
     if (fontPNGs != nullptr)

@@ -1,6 +1,8 @@
 // The panel as an HTML extension of the host: messages travel as events of the host's panel event service.
 #pragma once
 
+#include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,7 +11,9 @@
 
 class HTMLPanel : public MarquellPanel {
 public:
-    /// `plugPlug` is not owned and outlives the panel.
+    /// `plugPlug` is not owned and outlives the panel. Null when it lacks one of its operations.
+    static std::unique_ptr<HTMLPanel> Create(PlugPlugService* plugPlug);
+    /// The same for a service that has them all. Null stands for none: nothing can be sent then.
     explicit HTMLPanel(PlugPlugService* plugPlug) : mPlugPlug(plugPlug) {}
 
     /// Has the panel's requests brought here from now on. Once. kNotInitialized when the service refuses.
@@ -29,8 +33,13 @@ private:
     };
 
     static void EventCallback(const PlugPlugEvent* event, void* context);
+    /// Handles the message, after those that are being handled: a host may deliver what a panel answers from
+    /// within the sending to it.
+    void HandleInTurn(std::string message);
     void QueueFontImages(CFDictionaryRef fontPNGs);
 
     PlugPlugService* mPlugPlug;
+    std::deque<std::string> mRequests;
+    bool mIsHandling = false;
     std::vector<FontImage> mPendingFontImages;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cinttypes>
 
 #include "FailureReport.h"
 #include "PanelMessages.h"
@@ -40,7 +41,7 @@ MarquellPanel::Handler MarquellPanel::HandlerOf(int64_t operatorID) {
          {kSetSmartListQuery, &MarquellPanel::SetSmartListQuery},
          {kRenameSmartListByName, &MarquellPanel::RenameSmartListByName},
          {kSetFontVersion, &MarquellPanel::SetFontVersion},
-         {48, &MarquellPanel::IgnoreMessage},
+         {48, &MarquellPanel::IgnoreMessage},  // what older panels still send
          {49, &MarquellPanel::IgnoreMessage},
          {51, &MarquellPanel::IgnoreMessage},
          {kCanAccessGoogleFonts, &MarquellPanel::CanAccessGoogleFonts},
@@ -56,23 +57,23 @@ ErrorCode MarquellPanel::CallMethodForMessage(const std::string& message) {
     static constexpr char kName[] = "MarquellPanel::CallMethodForMessage";
     LogMessage(1, "Entering %s()", kName);
     const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
-    JSONObject root;
-    JSONValue jsonObject;
+    JSONObject jsonObject;
+    JSONValue root;
     RETURN_IF_FAILED(GetJSONValueFromMessage(message, root, jsonObject));
     int64_t operatorID = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonObject, kMessageIDKey, operatorID));
+    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(root, kMessageIDKey, operatorID));
     const Handler handler = HandlerOf(operatorID);
     if (handler == nullptr) {
-        LogMessage(0, "Unknown operator ID from panel '%d'.", static_cast<int>(operatorID));
+        LogMessage(0, "Unknown operator ID from panel '%" PRId64 "'.", operatorID);
         return CoreErrorCodes::kSuccess;
     }
     // What becomes of the request was reported where it arose, and told to the panel where its reply says so.
-    static_cast<void>((this->*handler)(message));
+    static_cast<void>((this->*handler)(root));
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSONObject& document,
-                                                 JSONValue& jsonValue) {
+ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSONValue& jsonValue,
+                                                 JSONObject& document) {
     RETURN_IF_FAILED(GJSONUtils::Parse(document, message, jsonValue));
     if (!jsonValue.is_map()) {
         ReportFailure(kLogCategory, {"!jsonValue.is_map()", __FILE__, __LINE__}, CoreErrorCodes::kError);
@@ -82,7 +83,7 @@ ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSO
 }
 
 JSONValue MarquellPanel::NewMessage(JSONObject& document) {
-    document.load("{}");
+    document.load_map();
     return document.root();
 }
 
@@ -149,6 +150,6 @@ ErrorCode MarquellPanel::FontActivationError(uint32_t fontID, uint32_t conflictI
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::IgnoreMessage(const std::string&) {
+ErrorCode MarquellPanel::IgnoreMessage(const JSONValue&) {
     return CoreErrorCodes::kSuccess;
 }

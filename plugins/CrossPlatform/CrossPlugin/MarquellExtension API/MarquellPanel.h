@@ -27,7 +27,8 @@ public:
     virtual ErrorCode SetEnabled(bool enabled);
 
     /// Sends what was pushed since the last call, a message for each kind of notification. What could not be
-    /// sent, and everything while the font manager is not connected, waits for the next call.
+    /// sent, and everything while the font manager is not connected, waits for the next call; so does what is
+    /// pushed from within the sending. A call from there sends nothing.
     virtual ErrorCode PopNotifications();
 
     // What is to be told at the next PopNotifications. Always 0. Font events and switches of the web fonts
@@ -79,11 +80,11 @@ protected:
     /// An empty JSON object in `document`.
     static JSONValue NewMessage(JSONObject& document);
     static ErrorCode GetMessageFromJSONValue(const JSONValue& root, std::string& message);
-    static ErrorCode GetJSONValueFromMessage(const std::string& message, JSONObject& document,
-                                             JSONValue& jsonValue);
+    static ErrorCode GetJSONValueFromMessage(const std::string& message, JSONValue& jsonValue,
+                                             JSONObject& document);
 
 private:
-    using Handler = ErrorCode (MarquellPanel::*)(const std::string& message);
+    using Handler = ErrorCode (MarquellPanel::*)(const JSONValue& jsonValue);
 
     /// What a smart list is made of, as messages and the font manager's functions carry it.
     struct SmartListQuery {
@@ -97,44 +98,44 @@ private:
     ErrorCode SendReturnCode(int messageID, ErrorCode returnCode);
 
     // Requests about the panel and the web fonts.
-    ErrorCode IgnoreMessage(const std::string& message);
-    ErrorCode StartPanelInfo(const std::string& message);
-    ErrorCode IsWindows(const std::string& message);
-    ErrorCode GetDimensions(const std::string& message);
-    ErrorCode SetDimensions(const std::string& message);
-    ErrorCode SetDropDownSelection(const std::string& message);
-    ErrorCode GetDropDownSelection(const std::string& message);
-    ErrorCode SendHostAppKeyPress(const std::string& message);
-    ErrorCode CanAccessGoogleFonts(const std::string& message);
-    ErrorCode GoogleEnableWebFonts(const std::string& message);
-    ErrorCode IsGoogleWebFontsEnabled(const std::string& message);
+    ErrorCode IgnoreMessage(const JSONValue& jsonValue);
+    ErrorCode StartPanelInfo(const JSONValue& jsonValue);
+    ErrorCode IsWindows(const JSONValue& jsonValue);
+    ErrorCode GetDimensions(const JSONValue& jsonValue);
+    ErrorCode SetDimensions(const JSONValue& jsonValue);
+    ErrorCode SetDropDownSelection(const JSONValue& jsonValue);
+    ErrorCode GetDropDownSelection(const JSONValue& jsonValue);
+    ErrorCode SendHostAppKeyPress(const JSONValue& jsonValue);
+    ErrorCode CanAccessGoogleFonts(const JSONValue& jsonValue);
+    ErrorCode GoogleEnableWebFonts(const JSONValue& jsonValue);
+    ErrorCode IsGoogleWebFontsEnabled(const JSONValue& jsonValue);
 
     // Requests about fonts.
-    ErrorCode DesignActivateFamilyForFont(const std::string& message);
-    ErrorCode ActivateFamilyForDesign(uint32_t fontID);
-    ErrorCode GetFontPNGs(const std::string& message);
-    ErrorCode SetFontVersion(const std::string& message);
+    ErrorCode DesignActivateFamilyForFont(const JSONValue& jsonValue);
+    ErrorCode GetFontPNGs(const JSONValue& jsonValue);
+    ErrorCode SetFontVersion(const JSONValue& jsonValue);
 
     // Requests about smart lists.
-    ErrorCode RenameSmartList(const std::string& message);
-    ErrorCode RenameSmartListByName(const std::string& message);
-    ErrorCode DeleteSmartList(const std::string& message);
-    ErrorCode QuerySmartListFonts(const std::string& message);
-    ErrorCode SetSmartListQuery(const std::string& message);
-    ErrorCode CreateSmartList(const std::string& message);
-    ErrorCode GetSmartList(const std::string& message);
-    ErrorCode GetPanelSmartListTree(const std::string& message);
-    ErrorCode GetAllSmartLists(const std::string& message);
-    ErrorCode RequestSmartListFonts(const std::string& message);
-    ErrorCode ReleaseFontListFile(const std::string& message);
+    ErrorCode RenameSmartList(const JSONValue& jsonValue);
+    ErrorCode RenameSmartListByName(const JSONValue& jsonValue);
+    ErrorCode DeleteSmartList(const JSONValue& jsonValue);
+    ErrorCode QuerySmartListFonts(const JSONValue& jsonValue);
+    ErrorCode SetSmartListQuery(const JSONValue& jsonValue);
+    ErrorCode CreateSmartList(const JSONValue& jsonValue);
+    ErrorCode SendCreatedSmartList(int32_t smartListID, const std::string& smartListName);
+    ErrorCode GetSmartList(const JSONValue& request);
+    ErrorCode GetPanelSmartListTree(const JSONValue& request);
+    ErrorCode GetAllSmartLists(const JSONValue& jsonValue);
+    ErrorCode RequestSmartListFonts(const JSONValue& jsonValue);
+    ErrorCode ReleaseFontListFile(const JSONValue& jsonValue);
     ErrorCode GetSmartListFonts(int32_t smartListID);
     ErrorCode SendFontList(CFArrayRef fonts);
     using SmartListQueryFunction = uint32_t (*PluginFunctionTable::*)(PluginFacadeRef, int32_t, CFArrayRef,
                                                                       CFArrayRef, CFArrayRef);
-    /// Calls the function with the smart list and the query that the message holds.
-    static ErrorCode CallWithQuery(const std::string& message, SmartListQueryFunction function);
+    /// Calls the function with the smart list and the query that the request holds.
+    static ErrorCode CallWithQuery(const JSONValue& jsonValue, SmartListQueryFunction function);
     static ErrorCode GetQuery(const JSONValue& jsonValue, SmartListQuery& query);
-    static ErrorCode ReadSmartList(const std::string& message, int32_t& smartListID,
+    static ErrorCode ReadSmartList(const JSONValue& jsonValue, int32_t& smartListID,
                                    CFRef<CFDictionaryRef>& smartList);
     static ErrorCode AddIDs(const char* key, CFArrayRef ids, JSONValue& root);
 
@@ -145,6 +146,7 @@ private:
     ErrorCode SendNotification(int notificationID);
 
     FontListFiles mFontListFiles;
+    bool mIsPopping = false;
     std::set<int> mPendingNotifications;
     std::set<uint32_t> mActivatedFonts;
     std::set<uint32_t> mDeactivatedFonts;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "FailureReport.h"
+#include "FontID.h"
 #include "HTMLPanel.h"
 #include "PluginNotifications.h"
 #include "TraceLog.h"
@@ -16,11 +17,6 @@ constexpr char kLogCategory[] = "Miscellaneous";
 constexpr int32_t kMostAttempts = 12;
 constexpr uint32_t kFirstWait = 500;  // milliseconds; doubled with every attempt, at most this often:
 constexpr int32_t kMostDoublings = 4;
-
-uint32_t FontID(CFDictionaryRef payload) {
-    return static_cast<uint32_t>(
-        cf::GetInt64(payload, kPluginNotification_FontActivation_Font_ID).value_or(0));
-}
 
 bool Flag(CFDictionaryRef payload, const char* key) {
     return cf::GetBool(payload, key).value_or(false);
@@ -42,7 +38,8 @@ ErrorCode ForwardTo(PanelManager& panels, CFDictionaryRef payload) {
 
 template <auto Push>
 ErrorCode ForwardFont(PanelManager& panels, CFDictionaryRef payload) {
-    return (panels.*Push)(FontID(payload));
+    const auto fontID = FontIDIn(payload, kPluginNotification_FontActivation_Font_ID);
+    return fontID ? (panels.*Push)(*fontID) : CoreErrorCodes::kSuccess;
 }
 
 ErrorCode ForwardOnlineState(PanelManager& panels, CFDictionaryRef payload) {
@@ -112,10 +109,14 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
     RETURN_IF_NULL(plugPlug);
     if (mRegistered)
         return CoreErrorCodes::kSuccess;
-    auto htmlPanel = std::make_unique<HTMLPanel>(static_cast<PlugPlugService*>(plugPlug));
+    bool isRegistered = false;
+    mRegistered = true;  // for a service that comes back here from within, too
+    const ScopeExit settle([&] { mRegistered = isRegistered; });
+    auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
+    RETURN_IF_NULL(htmlPanel);
     RETURN_IF_FAILED(htmlPanel->RegisterHandler());
     AddPanel(std::move(htmlPanel));
-    mRegistered = true;
+    isRegistered = true;
     return CoreErrorCodes::kSuccess;
 }
 
@@ -148,8 +149,9 @@ void PanelManager::AddPanel(std::unique_ptr<MarquellPanel> panel) {
 
 template <class Call>
 ErrorCode PanelManager::TellPanels(const char* expression, int line, Call call) {
-    for (const auto& panel : mPanels) {
-        const ErrorCode code = call(*panel);
+    // By index: a panel that calls the host may bring another one about.
+    for (size_t index = 0; index < mPanels.size(); ++index) {
+        const ErrorCode code = call(*mPanels[index]);
         if (code != CoreErrorCodes::kSuccess) {
             ReportFailure(kLogCategory, CheckLocation{expression, __FILE__, line}, code);
             return code;

@@ -134,11 +134,11 @@ ErrorCode MarquellPanel::SendNotification(int notificationID) {
     RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(kFontIDsKey, root, jsonArray));
     for (const uint32_t fontID : *fontIDs)
         RETURN_IF_FAILED(GJSONUtils::AddValueToArray(jsonArray, fontID, jsonValue));
-    // The host may push more from within the sending.
-    std::set<uint32_t> sent = std::exchange(*fontIDs, {});
+    std::set<uint32_t> unsent = std::exchange(*fontIDs, {});
+    const ScopeExit keepUnsent([&] { fontIDs->merge(unsent); });
     const ErrorCode code = SendReply(root);
-    if (code != CoreErrorCodes::kSuccess)
-        fontIDs->merge(sent);
+    if (code == CoreErrorCodes::kSuccess)
+        unsent.clear();
     return code;
 }
 
@@ -147,8 +147,16 @@ ErrorCode MarquellPanel::PopNotifications() {
         LogMessage(0, "PopNotifications() -- ERROR ConnectedToCore == false");
         return CoreErrorCodes::kSuccess;
     }
+    // The host may deliver a message at once, and its panel answer it at once: what comes of that, another
+    // call of this included, must not nest.
+    if (mIsPopping)
+        return CoreErrorCodes::kSuccess;
+    mIsPopping = true;
     std::set<int> unsent = std::exchange(mPendingNotifications, {});
-    const ScopeExit keepUnsent([&] { mPendingNotifications.merge(unsent); });
+    const ScopeExit keepUnsent([&] {
+        mPendingNotifications.merge(unsent);
+        mIsPopping = false;
+    });
     bool haveFontsGone = false;
     while (!unsent.empty()) {
         const int notificationID = *unsent.begin();

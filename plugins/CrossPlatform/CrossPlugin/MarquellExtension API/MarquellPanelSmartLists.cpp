@@ -24,7 +24,7 @@ CFRef<CFMutableArrayRef> NumberArray(const std::vector<int32_t>& numbers) {
 /// Text that keeps its line of the font list file one line, and its column one column.
 std::string Column(std::string text) {
     for (char& each : text) {
-        if (each == '\t' || each == '\n' || each == '\r')
+        if (static_cast<unsigned char>(each) < ' ')
             each = ' ';
     }
     return text;
@@ -58,27 +58,22 @@ std::string FontListLine(CFDictionaryRef font) {
 
 }  // namespace
 
-ErrorCode MarquellPanel::RenameSmartList(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::RenameSmartList(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     std::string smartListName;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListNameKey, smartListName));
     const CFRef<CFStringRef> name = cf::String(smartListName);
+    RETURN_IF_NULL(name.get());  // no UTF-8
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfRenameSmartList, smartListID, name.get()));
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::RenameSmartListByName(const std::string& message) {
-    return RenameSmartList(message);
+ErrorCode MarquellPanel::RenameSmartListByName(const JSONValue& jsonValue) {
+    return RenameSmartList(jsonValue);
 }
 
-ErrorCode MarquellPanel::DeleteSmartList(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::DeleteSmartList(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfDeleteSmartList, smartListID));
@@ -92,10 +87,7 @@ ErrorCode MarquellPanel::GetQuery(const JSONValue& jsonValue, SmartListQuery& qu
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::CallWithQuery(const std::string& message, SmartListQueryFunction function) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::CallWithQuery(const JSONValue& jsonValue, SmartListQueryFunction function) {
     int32_t smartListID = 0;
     SmartListQuery query;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
@@ -108,31 +100,34 @@ ErrorCode MarquellPanel::CallWithQuery(const std::string& message, SmartListQuer
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::QuerySmartListFonts(const std::string& message) {
-    return CallWithQuery(message, &PluginFunctionTable::pfQueryForSmartListFonts);
+ErrorCode MarquellPanel::QuerySmartListFonts(const JSONValue& jsonValue) {
+    return CallWithQuery(jsonValue, &PluginFunctionTable::pfQueryForSmartListFonts);
 }
 
-ErrorCode MarquellPanel::SetSmartListQuery(const std::string& message) {
-    return CallWithQuery(message, &PluginFunctionTable::pfSetSmartListQuery);
+ErrorCode MarquellPanel::SetSmartListQuery(const JSONValue& jsonValue) {
+    return CallWithQuery(jsonValue, &PluginFunctionTable::pfSetSmartListQuery);
 }
 
-ErrorCode MarquellPanel::CreateSmartList(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::CreateSmartList(const JSONValue& jsonValue) {
     std::string smartListName;
     SmartListQuery query;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListNameKey, smartListName));
     RETURN_IF_FAILED(GetQuery(jsonValue, query));
     const CFRef<CFStringRef> name = cf::String(smartListName);
+    RETURN_IF_NULL(name.get());  // no UTF-8
     const CFRef<CFArrayRef> workgroupIDs = NumberArray(query.workgroupIDs);
     const CFRef<CFArrayRef> setIDs = NumberArray(query.setIDs);
     const CFRef<CFArrayRef> smartSetIDs = NumberArray(query.smartSetIDs);
     int32_t smartListID = 0;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCreateSmartList, name.get(), workgroupIDs.get(),
                                      setIDs.get(), smartSetIDs.get(), &smartListID));
+    return SendCreatedSmartList(smartListID, smartListName);
+}
+
+ErrorCode MarquellPanel::SendCreatedSmartList(int32_t smartListID, const std::string& smartListName) {
     JSONObject document;
     JSONValue root = NewMessage(document);
+    JSONValue jsonValue;
     JSONValue smartList;
     RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kCreateSmartList, kMessageIDKey, root, jsonValue));
     RETURN_IF_FAILED(GJSONUtils::AddMapForKey(kSmartListKey, root, smartList));
@@ -141,7 +136,7 @@ ErrorCode MarquellPanel::CreateSmartList(const std::string& message) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::GetAllSmartLists(const std::string&) {
+ErrorCode MarquellPanel::GetAllSmartLists(const JSONValue&) {
     const CFRef<CFMutableArrayRef> smartLists = cf::MutableArray();
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetAllSmartLists, smartLists.get()));
     JSONObject document;
@@ -162,11 +157,8 @@ ErrorCode MarquellPanel::GetAllSmartLists(const std::string&) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::ReadSmartList(const std::string& message, int32_t& smartListID,
+ErrorCode MarquellPanel::ReadSmartList(const JSONValue& jsonValue, int32_t& smartListID,
                                        CFRef<CFDictionaryRef>& smartList) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
     CFDictionaryRef newSmartList = nullptr;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetSmartList, smartListID, &newSmartList));
@@ -184,10 +176,10 @@ ErrorCode MarquellPanel::AddIDs(const char* key, CFArrayRef ids, JSONValue& root
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::GetSmartList(const std::string& message) {
+ErrorCode MarquellPanel::GetSmartList(const JSONValue& request) {
     int32_t smartListID = 0;
     CFRef<CFDictionaryRef> list;
-    RETURN_IF_FAILED(ReadSmartList(message, smartListID, list));
+    RETURN_IF_FAILED(ReadSmartList(request, smartListID, list));
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
@@ -201,10 +193,10 @@ ErrorCode MarquellPanel::GetSmartList(const std::string& message) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::GetPanelSmartListTree(const std::string& message) {
+ErrorCode MarquellPanel::GetPanelSmartListTree(const JSONValue& request) {
     int32_t smartListID = 0;
     CFRef<CFDictionaryRef> list;
-    RETURN_IF_FAILED(ReadSmartList(message, smartListID, list));
+    RETURN_IF_FAILED(ReadSmartList(request, smartListID, list));
     std::string listDefinition = Base64Lines(cf::GetString(list.get(), kGS_ListDefinitionKey));
     if (!listDefinition.empty())
         listDefinition.pop_back();  // the line feed at its end
@@ -217,10 +209,7 @@ ErrorCode MarquellPanel::GetPanelSmartListTree(const std::string& message) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::RequestSmartListFonts(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::RequestSmartListFonts(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
     return GetSmartListFonts(smartListID);
@@ -237,7 +226,7 @@ ErrorCode MarquellPanel::SendFontList(CFArrayRef fonts) {
     for (CFIndex index = 0; index < cf::Count(fonts); ++index)
         lines += FontListLine(cf::Get<CFDictionaryRef>(fonts, index));
     std::string url;
-    const ErrorCode created = mFontListFiles.Create(lines, url);
+    const ErrorCode created = mFontListFiles.Create(lines, url);  // reported there
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
@@ -250,10 +239,7 @@ ErrorCode MarquellPanel::SendFontList(CFArrayRef fonts) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::ReleaseFontListFile(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::ReleaseFontListFile(const JSONValue& jsonValue) {
     std::string filename;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFilenameKey, filename));
     RETURN_IF_FAILED(mFontListFiles.Release(filename));

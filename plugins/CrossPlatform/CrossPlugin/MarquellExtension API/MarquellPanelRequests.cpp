@@ -3,6 +3,7 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include "FailureReport.h"
+#include "FontID.h"
 #include "FontManagerCall.h"
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
@@ -43,6 +44,51 @@ void StoreBool(const char* key, bool value) {
         static_cast<void>(preferences->SetBoolPreference(key, value));
 }
 
+ErrorCode EnableWebFonts() {
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfSetGoogleWebFontsEnabled, true));
+    StoreBool(kWebFontsEverEnabledPreference, true);
+    return CoreErrorCodes::kSuccess;
+}
+
+struct WebFontsState {
+    bool isEnabled = false;
+    bool isReplicating = false;
+    int32_t replicationMode = 0;
+};
+
+ErrorCode GetWebFontsState(WebFontsState& state) {
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetIsGoogleWebFontsEnabled, &state.isEnabled));
+    // They may have been enabled by other means than this panel.
+    if (state.isEnabled && !BoolPreference(kWebFontsEverEnabledPreference))
+        StoreBool(kWebFontsEverEnabledPreference, true);
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetIsReplicationRunning, &state.isReplicating));
+    RETURN_IF_FAILED(
+        CallFontManager(&PluginFunctionTable::pfGetCurrentReplicationMode, &state.replicationMode));
+    return CoreErrorCodes::kSuccess;
+}
+
+/// Activates the font's family until the user lets it go; `conflictID` is a font that is in its way, 0 for
+/// none.
+ErrorCode ActivateFamilyForDesign(uint32_t fontID, uint32_t& conflictID) {
+    CFDictionaryRef fontInfo = nullptr;
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetFontInfoByID, fontID, &fontInfo));
+    const auto released = CFRef<CFDictionaryRef>::Adopt(fontInfo);
+    const CFRef<CFMutableArrayRef> conflicts = cf::MutableArray();
+    if (CoreAgentInterface* fontManager = FontManagerInterface::GetSharedInstance().GetFontManager()) {
+        const ErrorCode code = fontManager->GetFontConflicts({fontID}, conflicts.get());
+        if (code != CoreErrorCodes::kSuccess)  // no reason not to try
+            ReportFailure(kLogCategory,
+                          {"fontManager->GetFontConflicts({static_cast<UInt32>(outFontInfo.databaseID)}, "
+                           "conflicts)",
+                           __FILE__, __LINE__},
+                          code);
+    }
+    conflictID = FontIDIn(cf::Get<CFDictionaryRef>(conflicts.get(), 0), kGS_DatabaseIDKey).value_or(0);
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfEnableDesignActivation, fontID, true, true,
+                                     static_cast<CFMutableArrayRef>(nullptr)));
+    return CoreErrorCodes::kSuccess;
+}
+
 CFRef<CFMutableArrayRef> NumberArray(const std::vector<uint32_t>& numbers) {
     CFRef<CFMutableArrayRef> array = cf::MutableArray();
     for (const uint32_t number : numbers)
@@ -52,7 +98,7 @@ CFRef<CFMutableArrayRef> NumberArray(const std::vector<uint32_t>& numbers) {
 
 }  // namespace
 
-ErrorCode MarquellPanel::StartPanelInfo(const std::string&) {
+ErrorCode MarquellPanel::StartPanelInfo(const JSONValue&) {
     bool isStandalone = false;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetRunningStandalone, &isStandalone));
     JSONObject document;
@@ -63,7 +109,7 @@ ErrorCode MarquellPanel::StartPanelInfo(const std::string&) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::IsWindows(const std::string&) {
+ErrorCode MarquellPanel::IsWindows(const JSONValue&) {
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
@@ -73,7 +119,7 @@ ErrorCode MarquellPanel::IsWindows(const std::string&) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::GetDimensions(const std::string&) {
+ErrorCode MarquellPanel::GetDimensions(const JSONValue&) {
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
@@ -85,10 +131,7 @@ ErrorCode MarquellPanel::GetDimensions(const std::string&) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::SetDimensions(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::SetDimensions(const JSONValue& jsonValue) {
     int32_t windowWidth = 0;
     int32_t windowHeight = 0;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kWindowWidthKey, windowWidth));
@@ -98,10 +141,7 @@ ErrorCode MarquellPanel::SetDimensions(const std::string& message) {
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::SetDropDownSelection(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::SetDropDownSelection(const JSONValue& jsonValue) {
     int32_t selection = 0;
     bool savesSmartList = false;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSelectionKey, selection));
@@ -111,7 +151,7 @@ ErrorCode MarquellPanel::SetDropDownSelection(const std::string& message) {
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::GetDropDownSelection(const std::string&) {
+ErrorCode MarquellPanel::GetDropDownSelection(const JSONValue&) {
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
@@ -123,12 +163,9 @@ ErrorCode MarquellPanel::GetDropDownSelection(const std::string&) {
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::SendHostAppKeyPress(const std::string& message) {
+ErrorCode MarquellPanel::SendHostAppKeyPress(const JSONValue& jsonValue) {
     LogMessage(0, "kSendHostAppKeyPress -- Start");
     const ScopeExit endLine([] { LogMessage(0, "kSendHostAppKeyPress -- End"); });
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
     HostAppInterface::KeyPress keyPress;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kIsCtrlPressedKey, keyPress.isCtrlPressed));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kIsShiftPressedKey, keyPress.isShiftPressed));
@@ -139,53 +176,38 @@ ErrorCode MarquellPanel::SendHostAppKeyPress(const std::string& message) {
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::CanAccessGoogleFonts(const std::string&) {
+ErrorCode MarquellPanel::CanAccessGoogleFonts(const JSONValue&) {
     bool canAccessGoogleFonts = false;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCanAccessGoogleFonts, &canAccessGoogleFonts));
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
     RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(panel_messages::kCanAccessGoogleFonts, kMessageIDKey, root, jsonValue));
+        GJSONUtils::SetValueForKey(kCanAccessGoogleFonts, kMessageIDKey, root, jsonValue));
     RETURN_IF_FAILED(
         GJSONUtils::SetValueForKey(canAccessGoogleFonts, kCanAccessGoogleFontsKey, root, jsonValue));
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::GoogleEnableWebFonts(const std::string&) {
-    const ErrorCode returnCode = CallFontManager(&PluginFunctionTable::pfSetGoogleWebFontsEnabled, true);
-    if (returnCode == CoreErrorCodes::kSuccess)
-        StoreBool(kWebFontsEverEnabledPreference, true);
-    return SendReturnCode(kEnableGoogleFonts, returnCode);
+ErrorCode MarquellPanel::GoogleEnableWebFonts(const JSONValue&) {
+    return SendReturnCode(kEnableGoogleFonts, EnableWebFonts());
 }
 
-ErrorCode MarquellPanel::IsGoogleWebFontsEnabled(const std::string&) {
-    bool isEnabled = false;
-    bool isReplicating = false;
-    int32_t replicationMode = 0;
-    ErrorCode returnCode = CallFontManager(&PluginFunctionTable::pfGetIsGoogleWebFontsEnabled, &isEnabled);
-    if (returnCode == CoreErrorCodes::kSuccess)
-        returnCode = CallFontManager(&PluginFunctionTable::pfGetIsReplicationRunning, &isReplicating);
-    if (returnCode == CoreErrorCodes::kSuccess)
-        returnCode = CallFontManager(&PluginFunctionTable::pfGetCurrentReplicationMode, &replicationMode);
-    // They may have been enabled by other means than this panel.
-    if (isEnabled && !BoolPreference(kWebFontsEverEnabledPreference))
-        StoreBool(kWebFontsEverEnabledPreference, true);
+ErrorCode MarquellPanel::IsGoogleWebFontsEnabled(const JSONValue&) {
+    WebFontsState state;
+    const ErrorCode returnCode = GetWebFontsState(state);
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
     RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kAreGoogleFontsEnabled, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(isEnabled, kIsEnabledKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(isReplicating, kIsReplicatingKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(replicationMode, kReplicationModeKey, root, jsonValue));
+    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.isEnabled, kIsEnabledKey, root, jsonValue));
+    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.isReplicating, kIsReplicatingKey, root, jsonValue));
+    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.replicationMode, kReplicationModeKey, root, jsonValue));
     RETURN_IF_FAILED(GJSONUtils::SetValueForKey(returnCode, kReturnCodeKey, root, jsonValue));
     return SendReply(root);
 }
 
-ErrorCode MarquellPanel::DesignActivateFamilyForFont(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::DesignActivateFamilyForFont(const JSONValue& jsonValue) {
     uint32_t fontID = 0;
     std::string postscriptName;
     std::string displayName;
@@ -193,44 +215,25 @@ ErrorCode MarquellPanel::DesignActivateFamilyForFont(const std::string& message)
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kPostscriptNameKey, postscriptName));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kDisplayNameKey, displayName));
     LogMessage(0, "Activating the family of '%s' (%s)", displayName.c_str(), postscriptName.c_str());
-    return SendReturnCode(kDesignActivateFamilyForFont, ActivateFamilyForDesign(fontID));
+    uint32_t conflictID = 0;
+    const ErrorCode returnCode = ActivateFamilyForDesign(fontID, conflictID);
+    if (returnCode != CoreErrorCodes::kSuccess || conflictID != 0)
+        RETURN_IF_FAILED(FontActivationError(fontID, conflictID));
+    return SendReturnCode(kDesignActivateFamilyForFont, returnCode);
 }
 
-ErrorCode MarquellPanel::ActivateFamilyForDesign(uint32_t fontID) {
-    CFDictionaryRef fontInfo = nullptr;
-    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetFontInfoByID, fontID, &fontInfo));
-    const auto released = CFRef<CFDictionaryRef>::Adopt(fontInfo);
-    const CFRef<CFMutableArrayRef> conflicts = cf::MutableArray();
-    if (CoreAgentInterface* fontManager = FontManagerInterface::GetSharedInstance().GetFontManager()) {
-        const ErrorCode code = fontManager->GetFontConflicts({fontID}, conflicts.get());
-        if (code != CoreErrorCodes::kSuccess)
-            ReportFailure(kLogCategory,
-                          {"fontManager->GetFontConflicts({static_cast<UInt32>(outFontInfo.databaseID)}, "
-                           "conflicts)",
-                           __FILE__, __LINE__},
-                          code);
-    }
-    const ErrorCode code = CallFontManager(&PluginFunctionTable::pfEnableDesignActivation, fontID, true, true,
-                                           static_cast<CFMutableArrayRef>(nullptr));
-    const auto conflictID = static_cast<uint32_t>(
-        cf::GetInt64(cf::Get<CFDictionaryRef>(conflicts.get(), 0), kGS_DatabaseIDKey).value_or(0));
-    if (code != CoreErrorCodes::kSuccess || conflictID != 0)
-        static_cast<void>(FontActivationError(fontID, conflictID));
-    return code;
-}
-
-ErrorCode MarquellPanel::GetFontPNGs(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
     std::vector<uint32_t> highPriorityFonts;
     std::vector<uint32_t> allFonts;
     int32_t smartListID = 0;  // tells the panel's own requests apart; the images are the same for all lists
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kHighPriorityFontIDsKey, highPriorityFonts));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFontIDsKey, allFonts));
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
-    if (allFonts.empty())
-        return CoreErrorCodes::kSuccess;
+    if (allFonts.empty()) {
+        ReportFailure(kLogCategory, {"allFonts.empty()", __FILE__, __LINE__}, CoreErrorCodes::kInvalidParam,
+                      GLogger::kDebug);
+        return CoreErrorCodes::kInvalidParam;
+    }
     const auto highPriority = NumberArray(highPriorityFonts);
     const auto fonts = NumberArray(allFonts);
     LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
@@ -242,10 +245,7 @@ ErrorCode MarquellPanel::GetFontPNGs(const std::string& message) {
     return code;
 }
 
-ErrorCode MarquellPanel::SetFontVersion(const std::string& message) {
-    JSONObject jsonObject;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GetJSONValueFromMessage(message, jsonObject, jsonValue));
+ErrorCode MarquellPanel::SetFontVersion(const JSONValue& jsonValue) {
     uint32_t fontID = 0;
     std::string version;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFontIDKey, fontID));
