@@ -38,6 +38,8 @@ TEST(JSONObject, HoldsOneTreeAtATime) {
     document.load("OK");
     EXPECT_EQ(Thrown([&] { document.get({"a"}); }), "No JSON loaded in parser");
     EXPECT_THAT(Thrown([&] { document.load("OK "); }), StartsWith("JSON parse error:\n"));
+    document.load_map();
+    EXPECT_EQ(document.root().to_json(), "{}");
 }
 
 TEST(JSONObject, PathsLeadThroughObjects) {
