@@ -79,8 +79,8 @@ void HTMLPanel::HandleInTurn(std::string message) {
     });
     for (size_t count = 0; !mRequests.empty(); ++count) {
         if (count == kMostRequestsInTurn) {
-            LogMessage(0, "Dropping %zu requests of a panel that answers every reply with more of them",
-                       mRequests.size());
+            LogMessage(0, "Dropping %d requests of a panel that answers every reply with more of them",
+                       static_cast<int>(mRequests.size()));
             return;
         }
         const std::string request = std::move(mRequests.front());

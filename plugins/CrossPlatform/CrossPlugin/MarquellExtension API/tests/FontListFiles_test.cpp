@@ -58,7 +58,9 @@ TEST_F(FontListFilesTest, AFileIsThereForThisUserAloneUntilItIsReleased) {
     EXPECT_EQ(files.Release(url), 0u);
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_EQ(files.Release(url), CoreErrorCodes::kNotFound) << "once";
-    EXPECT_EQ(files.Release(platform::Utf8Text(PathOf(other))), 0u) << "by path as well";
+    const std::string otherPath = platform::Utf8Text(PathOf(other));
+    EXPECT_EQ(files.Release("http://elsewhere" + otherPath), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(files.Release(otherPath), 0u) << "by path as well";
     EXPECT_EQ(FileCount(), 0u);
 }
 

@@ -1,12 +1,8 @@
 #include <gmock/gmock.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "PanelTest.h"
-#include "TemporaryFolder.h"
-#include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -23,7 +19,7 @@ struct Request {
     Texts replies;  ///< to the byte
 };
 
-const std::string kDefinition = "{\"id\":3}";
+constexpr char kDefinition[] = R"({"id":3})";
 
 const Request kCatalogue[] = {
     {R"({"messageID":8,"fontID":4294967295,"postscriptName":"S-Bold","displayName":"S Bold"})",
@@ -82,21 +78,12 @@ const Request kCatalogue[] = {
 class PanelRequestsTest : public PanelTest {
 protected:
     PanelRequestsTest() {
-        folders.paths[platform::KnownFolder::kTemporary] = folder / "";
         framework.numbers["CS5PanelWidth"] = 300;
         framework.numbers["CS5PanelHeight"] = 400;
         library.areWebFontsEnabled = library.canAccessWebFonts = library.isReplicationRunning = true;
         library.replicationMode = 2;
         library.smartLists = {{3, "Drei", {7}, {2, 1}, {}, kDefinition}, {4, "", {}, {}, {}, ""}};
     }
-
-    /// The replies to one request.
-    Texts Send(const std::string& message) {
-        service.Deliver(message);
-        return service.TakeMessages();
-    }
-
-    TemporaryFolder folder;
 };
 
 class KeyboardHost : public HostAppInterface {
@@ -324,83 +311,6 @@ TEST_F(PanelRequestsTest, AListDefinitionIsWrappedWithoutALineFeedAtItsEnd) {
     EXPECT_THAT(replies[0], testing::EndsWith(R"(YWFh\nYQ=="})"));
     EXPECT_THAT(Send(R"({"messageID":37,"smartListID":4})"),
                 ElementsAre(R"({"messageID":37,"smartListID":4,"listDefinition":""})"));
-}
-
-// ---- Lists of fonts
-
-namespace {
-
-class FontListTest : public PanelRequestsTest {
-protected:
-    void AddFont(int64_t id, const std::string& postScriptName, const std::string& displayName, int state,
-                 int workgroupType) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, id);
-        cf::Set(font, kGS_PostScriptNameKey, postScriptName);
-        cf::Set(font, kGS_DisplayNameKey, displayName);
-        cf::Set(font, kGS_ActivationStateKey, state);
-        cf::Set(font, kGS_WorkgroupTypeKey, workgroupType);
-        cf::Set(font, kGS_WorkgroupIDKey, id % 10);
-        library.smartListFonts.push_back(font);
-    }
-    /// Asks for a list; what stands in its file.
-    std::string FontList() {
-        const Texts replies = Send(R"({"messageID":40,"smartListID":3})");
-        if (replies.size() != 1 || !replies[0].starts_with(R"({"messageID":41,"filename":"file:///)"))
-            return "no list";
-        url = nlohmann::json::parse(replies[0])["filename"];
-        std::stringstream content;
-        content << std::ifstream(platform::Utf8Path(url.substr(7)), std::ios::binary).rdbuf();
-        return content.str();
-    }
-    bool IsFileThere() const { return std::filesystem::exists(platform::Utf8Path(url.substr(7))); }
-
-    std::string url;
-};
-
-}  // namespace
-
-TEST_F(FontListTest, AListIsAFileWithALineForEachFont) {
-    EXPECT_EQ(FontList(), "");
-    AddFont(4294967295, "S-Bold", "S Bold", kFontActivationState_ActivatedByPlugin,
-            kWorkgroupType_FontLibrary);
-    AddFont(12, "Tab\tbed", "Two\nlines\r\x01\x1F.", kFontActivationState_Inactive, kWorkgroupType_System);
-    AddFont(13, "ü", "", kFontActivationState_SystemFont, kWorkgroupType_GoogleLibrary);
-    AddFont(14, "", "字", kFontActivationState_Missing, kWorkgroupType_TypekitLibrary);
-    library.smartListFonts.push_back(cf::MutableDictionary());
-    EXPECT_EQ(FontList(),
-              "4294967295\tS-Bold\tS Bold\t1\tdesktop\t5\n"
-              "12\tTab bed\tTwo lines   .\t0\tsystem\t2\n"
-              "13\tü\t\t1\tgoogle\t3\n"
-              "14\t\t字\t0\ttypekit\t4\n"
-              "0\t\t\t0\tdesktop\t0\n");
-    EXPECT_THAT(library.panelCalls, ElementsAre("GetSmartListFonts(3)", "GetSmartListFonts(3)"));
-}
-
-TEST_F(FontListTest, TheFileStaysUntilThePanelOrTheHostIsDone) {
-    FontList();
-    EXPECT_TRUE(IsFileThere());
-    Send(R"({"messageID":13,"filename":"file:///etc/passwd"})");
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='mFontListFiles.Release(filename)'"));
-    EXPECT_TRUE(IsFileThere());
-    Send(nlohmann::json{{"messageID", 13}, {"filename", url}}.dump());
-    EXPECT_FALSE(IsFileThere());
-    FontList();
-    panel.RemoveFontListFiles();
-    EXPECT_FALSE(IsFileThere());
-}
-
-TEST_F(FontListTest, AFileThatCannotBeMadeIsToldToThePanel) {
-    folders.paths[platform::KnownFolder::kTemporary] = folder / "missing";
-    EXPECT_THAT(Send(R"({"messageID":40,"smartListID":3})"), ElementsAre(R"({"messageID":19})"));
-}
-
-TEST_F(FontListTest, TenThousandFontsAreAllThere) {
-    for (int id = 1; id <= 10000; ++id)
-        AddFont(id, "Sample-" + std::to_string(id), "Sample", 0, kWorkgroupType_FontLibrary);
-    const std::string list = FontList();
-    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 10000);
-    EXPECT_THAT(list, testing::EndsWith("\n10000\tSample-10000\tSample\t0\tdesktop\t0\n"));
 }
 
 TEST_F(PanelRequestsTest, ReportsThatBelongToNoRequestAreSentAtOnce) {

@@ -15,6 +15,11 @@ protected:
         Forget();
     }
 
+    /// The replies to one request.
+    std::vector<std::string> Send(const std::string& message) {
+        service.Deliver(message);
+        return service.TakeMessages();
+    }
     /// Forgets what was called, sent and logged.
     void Forget() {
         library.panelCalls.clear();
