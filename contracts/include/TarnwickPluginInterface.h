@@ -50,6 +50,10 @@ typedef struct OpaquePluginThreadInstance* PluginThreadInstanceRef;
 #define kGS_SmartSetIDsKey "smartSetIDs"
 #define kGS_ListDefinitionKey "listDefinition" /* string: all of the above as a JSON object, in UTF-8 */
 
+/* Member of the records that GetSmartListFonts gives, beside those of any font record: the full name, for
+ * people to read. */
+#define kGS_DisplayNameKey "displayName"
+
 /* Members of what GetPanelSmartListTree gives, beside those and those of a workgroup's record. */
 #define kGS_WorkgroupsKey "workgroups"
 #define kGS_SetsKey "sets"
@@ -203,7 +207,8 @@ enum PluginPermission {
  * workgroup records without the one for all workgroups, each with kGS_SetsKey, an array of dictionaries with
  * kGS_SetIDKey and kGS_SetNameKey; and of kGS_SmartListsKey, the lists as GetAllSmartLists gives them.
  *
- * GetSmartListFonts: appends the record of each font of the list, in the order of their IDs.
+ * GetSmartListFonts: appends the record of each font of the list, with kGS_DisplayNameKey, in the order of
+ * their IDs.
  *
  * PreviewActivateFonts: activates fonts so that this process can show them, until it is called with
  * `activate` false or the process ends; whatever else holds them is not touched. Unknown fonts, and those

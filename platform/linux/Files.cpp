@@ -242,6 +242,24 @@ SystemError WriteWholeFile(const std::string& path, std::string_view content) {
     return error;
 }
 
+SystemError WriteTemporaryFile(const std::string& folder, const std::string& prefix,
+                               const std::string& suffix, std::string_view content, std::string& path) {
+    std::string name = folder + "/" + prefix + "XXXXXX" + suffix;
+    const Descriptor file(mkostemps(name.data(), static_cast<int>(suffix.size()), O_CLOEXEC));
+    if (!file.IsValid())
+        return LastSystemError();
+    if (const SystemError error = WriteAll(file.Get(), content)) {
+        unlink(name.c_str());
+        return error;
+    }
+    path = name;
+    return {};
+}
+
+SystemError RemoveFile(const std::string& path) {
+    return unlink(path.c_str()) == 0 || errno == ENOENT ? SystemError{} : LastSystemError();
+}
+
 SystemError CopyToNewFile(const std::string& source, const std::string& target) {
     if (Exists(target))
         return SystemError{EEXIST};

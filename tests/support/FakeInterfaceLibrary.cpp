@@ -138,6 +138,125 @@ void Perform(Symbol<kIndexOfOSCreateDirectory>, const char* path) {
     current->foldersMade.emplace_back(path);
 }
 
+// ---- What panels ask for
+
+std::string Text(int64_t number) {
+    return std::to_string(number);
+}
+std::string Text(CFStringRef string) {
+    return "'" + cf::ToUtf8(string) + "'";
+}
+std::string Text(CFArrayRef numbers) {
+    std::string text;
+    for (CFIndex index = 0; index < cf::Count(numbers); ++index)
+        text +=
+            (index > 0 ? "," : "") + Text(cf::ToInt64(CFArrayGetValueAtIndex(numbers, index)).value_or(-1));
+    return "[" + text + "]";
+}
+
+template <class First, class... Others>
+void NotePanelCall(const char* symbol, First first, Others... others) {
+    std::string text = std::string(symbol) + "(" + Text(first);
+    ((text += ", " + Text(others)), ...);
+    current->panelCalls.push_back(text + ")");
+}
+
+CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
+    CFRef<CFMutableArrayRef> array = cf::MutableArray();
+    for (const int32_t number : numbers)
+        cf::Append(array, number);
+    return array;
+}
+
+void Perform(Symbol<kIndexOfGetIsGoogleWebFontsEnabled>, PluginFacadeRef, bool* outIsEnabled) {
+    *outIsEnabled = current->areWebFontsEnabled;
+}
+void Perform(Symbol<kIndexOfSetGoogleWebFontsEnabled>, PluginFacadeRef, bool isEnabled) {
+    NotePanelCall("SetGoogleWebFontsEnabled", isEnabled);
+    current->areWebFontsEnabled = isEnabled;
+}
+void Perform(Symbol<kIndexOfGetIsReplicationRunning>, PluginFacadeRef, bool* outIsRunning) {
+    *outIsRunning = current->isReplicationRunning;
+}
+void Perform(Symbol<kIndexOfGetCurrentReplicationMode>, PluginFacadeRef, int32_t* outMode) {
+    *outMode = current->replicationMode;
+}
+void Perform(Symbol<kIndexOfCanAccessGoogleFonts>, PluginFacadeRef, bool* outCanAccess) {
+    *outCanAccess = current->canAccessWebFonts;
+}
+void Perform(Symbol<kIndexOfGetFontInfoByID>, PluginFacadeRef, uint32_t fontID, CFDictionaryRef* outNewFont) {
+    NotePanelCall("GetFontInfoByID", fontID);
+    const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+    cf::Set(font, kGS_DatabaseIDKey, fontID);
+    *outNewFont = CFRef<CFDictionaryRef>(font).release();
+}
+void Perform(Symbol<kIndexOfGetFontConflicts>, PluginFacadeRef, CFArrayRef fontIDs,
+             CFMutableArrayRef conflictingFonts) {
+    NotePanelCall("GetFontConflicts", fontIDs);
+    for (const int64_t databaseID : current->conflictingFonts) {
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_DatabaseIDKey, databaseID);
+        cf::Append(conflictingFonts, font);
+    }
+}
+void Perform(Symbol<kIndexOfEnableDesignActivation>, PluginFacadeRef, uint32_t fontID, bool wholeFamily,
+             bool enable, CFMutableArrayRef) {
+    NotePanelCall("EnableDesignActivation", fontID, wholeFamily, enable);
+}
+void Perform(Symbol<kIndexOfRenderFontNamePreviewPNGs>, PluginFacadeRef, CFArrayRef highPriorityFontIDs,
+             CFArrayRef fontIDs, CFMutableDictionaryRef) {
+    NotePanelCall("RenderFontNamePreviewPNGs", highPriorityFontIDs, fontIDs);
+}
+void Perform(Symbol<kIndexOfRenameSmartList>, PluginFacadeRef, int32_t smartListID, CFStringRef name) {
+    NotePanelCall("RenameSmartList", smartListID, name);
+}
+void Perform(Symbol<kIndexOfDeleteSmartList>, PluginFacadeRef, int32_t smartListID) {
+    NotePanelCall("DeleteSmartList", smartListID);
+}
+void Perform(Symbol<kIndexOfQueryForSmartListFonts>, PluginFacadeRef, int32_t smartListID,
+             CFArrayRef workgroupIDs, CFArrayRef setIDs, CFArrayRef smartSetIDs) {
+    NotePanelCall("QueryForSmartListFonts", smartListID, workgroupIDs, setIDs, smartSetIDs);
+}
+void Perform(Symbol<kIndexOfSetSmartListQuery>, PluginFacadeRef, int32_t smartListID, CFArrayRef workgroupIDs,
+             CFArrayRef setIDs, CFArrayRef smartSetIDs) {
+    NotePanelCall("SetSmartListQuery", smartListID, workgroupIDs, setIDs, smartSetIDs);
+}
+void Perform(Symbol<kIndexOfCreateSmartList>, PluginFacadeRef, CFStringRef name, CFArrayRef workgroupIDs,
+             CFArrayRef setIDs, CFArrayRef smartSetIDs, int32_t* outSmartListID) {
+    NotePanelCall("CreateSmartList", name, workgroupIDs, setIDs, smartSetIDs);
+    *outSmartListID = 77;
+}
+void Perform(Symbol<kIndexOfGetSmartList>, PluginFacadeRef, int32_t smartListID,
+             CFDictionaryRef* outNewSmartList) {
+    NotePanelCall("GetSmartList", smartListID);
+    for (const auto& list : current->smartLists) {
+        if (list.id != smartListID)
+            continue;
+        const CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
+        cf::Set(record, kGS_SmartListIDKey, list.id);
+        cf::Set(record, kGS_SmartListNameKey, list.name);
+        cf::Set(record, kGS_WorkgroupIDsKey, Numbers(list.workgroupIDs));
+        cf::Set(record, kGS_SetIDsKey, Numbers(list.setIDs));
+        cf::Set(record, kGS_SmartSetIDsKey, Numbers(list.smartSetIDs));
+        cf::Set(record, kGS_ListDefinitionKey, list.definition);
+        *outNewSmartList = CFRef<CFDictionaryRef>(record).release();
+    }
+}
+void Perform(Symbol<kIndexOfGetAllSmartLists>, PluginFacadeRef, CFMutableArrayRef smartLists) {
+    for (const auto& list : current->smartLists) {
+        const CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
+        cf::Set(record, kGS_SmartListIDKey, list.id);
+        cf::Set(record, kGS_SmartListNameKey, list.name);
+        cf::Append(smartLists, record);
+    }
+}
+void Perform(Symbol<kIndexOfGetSmartListFonts>, PluginFacadeRef, int32_t smartListID,
+             CFMutableArrayRef fonts) {
+    NotePanelCall("GetSmartListFonts", smartListID);
+    for (const auto& font : current->smartListFonts)
+        cf::Append(fonts, font);
+}
+
 template <class Function>
 struct FakeOf;
 

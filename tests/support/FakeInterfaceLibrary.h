@@ -7,6 +7,8 @@
 //     libraries.symbols = library.Symbols();
 #pragma once
 
+#include <CoreFoundation++/CFRef.h>
+
 #include <deque>
 #include <functional>
 #include <map>
@@ -56,6 +58,24 @@ public:
     std::vector<int64_t> fontsInSets;                                   ///< database IDs, as they were added
     std::vector<std::string> exportedTo;  ///< the folder of each font that was exported
     std::vector<std::string> foldersMade;
+
+    // What panels ask for.
+    struct SmartList {
+        int32_t id;
+        std::string name;
+        std::vector<int32_t> workgroupIDs;
+        std::vector<int32_t> setIDs;
+        std::vector<int32_t> smartSetIDs;
+        std::string definition;
+    };
+    std::vector<SmartList> smartLists;
+    std::vector<CFRef<CFDictionaryRef>> smartListFonts;  ///< of any smart list
+    std::vector<int64_t> conflictingFonts;               ///< with any font
+    bool areWebFontsEnabled = false;
+    bool canAccessWebFonts = false;
+    bool isReplicationRunning = false;
+    int32_t replicationMode = 0;
+    std::vector<std::string> panelCalls;  ///< calls of these functions as text, with their arguments
 
     int CallsOf(const std::string& symbol) const;
 };

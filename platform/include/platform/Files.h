@@ -54,6 +54,12 @@ SystemError WriteWholeFile(const std::string& path, std::string_view content);
 /// the whole copy or none: temporary name in the same folder, flush, rename, flush of the folder. What stands
 /// at `target` is never replaced: SystemError::IsExisting, at once. The copy has the rights of any new file.
 SystemError CopyToNewFile(const std::string& source, const std::string& target);
+/// Makes a new file of that content in the folder, for this user only and under a name that nobody can
+/// foresee between `prefix` and `suffix`; nothing is left when it fails. `path`: its full path.
+SystemError WriteTemporaryFile(const std::string& folder, const std::string& prefix,
+                               const std::string& suffix, std::string_view content, std::string& path);
+/// Removes the file; what is not there is no failure.
+SystemError RemoveFile(const std::string& path);
 /// Removes the temporary files that WriteWholeFile(path) left in processes that were killed. Only where a
 /// lock keeps all others from writing that file meanwhile.
 void RemoveAbandonedWrites(const std::string& path);

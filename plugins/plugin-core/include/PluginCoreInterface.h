@@ -98,8 +98,9 @@ PLUGINCORE_API void SetRebuildWorkgroupsMenuCallback(void (*callback)(void));
  * null. */
 PLUGINCORE_API uint32_t GetSocketPort(uint32_t* port);
 
-/* Registers with the host's panel event service. PLUGINCORE_NULL_POINTER for null; in this version else:
- * PLUGINCORE_NOT_IMPLEMENTED. */
+/* Registers with the host's panel event service: requests of panels are listened to and answered from now on.
+ * 0, also when that was done before; PLUGINCORE_NULL_POINTER for null and for a service that lacks one of its
+ * functions, PLUGINCORE_NOT_INITIALIZED when the service refuses. */
 PLUGINCORE_API uint32_t RegisterPlugPlug(void* plugPlug);
 
 /* The same from the idle loop, to be called until it succeeds; most calls only wait for the next attempt, and
@@ -107,8 +108,9 @@ PLUGINCORE_API uint32_t RegisterPlugPlug(void* plugPlug);
  * registration fails. */
 PLUGINCORE_API uint32_t TryRegisterPlugPlug(void* plugPlug);
 
-/* To be called from the idle loop: exchanges messages with the panels (in this version: there
- * are none). 0. */
+/* To be called from the idle loop: tells the panels what has changed in the font manager since the last call.
+ * 0, or the code of what could not be sent, which waits for the next call. closeListeningSocket: true when
+ * the host quits. */
 PLUGINCORE_API uint32_t ProcessPanelMessages(bool closeListeningSocket);
 
 /* ---- Document events. A document is known by its path, or before it has one by its identifier (a UUID). */

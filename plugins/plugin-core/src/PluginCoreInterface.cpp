@@ -94,6 +94,10 @@ uint32_t TerminatePluginCoreInterface() {
         FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
         return 0;
     });
+    Guarded(__func__, []() -> uint32_t {
+        PanelManager::GetSharedInstance().RemoveFontListFiles();
+        return 0;
+    });
     return CoreErrorCodes::kSuccess;
 }
 

@@ -8,6 +8,7 @@
 #include "GMutex.h"
 #include "GeneralInterface.h"
 #include "MarquellGlobals.h"
+#include "NotificationProcessor.h"
 #include "PanelManager.h"
 #include "PluginIdentity.h"
 #include "Settings.h"
@@ -111,6 +112,7 @@ void CheckLoginAndWorkgroups(VPFInterface& framework, bool allowDialogs) {
 
 ErrorCode DoStartup(bool allowDialogs) {
     CommonFunctionality::SharedHostAppInterface();
+    NotificationProcessor::GetSharedInstance().SetReceiver(&PanelManager::GetSharedInstance());
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);

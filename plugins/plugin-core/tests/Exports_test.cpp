@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "FakePlugPlug.h"
 #include "FakeWorld.h"
 #include "PluginCoreInterface.h"
 
@@ -209,11 +210,12 @@ TEST_F(ExportsTest, TheLoginMessageCountsTheUserAsLoggedOut) {
 }
 
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
-    int service = 0;
-    EXPECT_EQ(RegisterPlugPlug(&service), PLUGINCORE_NOT_IMPLEMENTED);
+    FakePlugPlug service;
+    service.answerToListeners = 1;
+    EXPECT_EQ(RegisterPlugPlug(&service), PLUGINCORE_NOT_INITIALIZED);
     EXPECT_THAT(trace.Text(), HasSubstr("PluginCoreInterface.cpp'  Line=1995  "
                                         "Expression='PanelManager::GetSharedInstance().RegisterPlugPlug("
-                                        "plugPlug)'  Code='134217728'  "));
+                                        "plugPlug)'  Code='285212672'  "));
     EXPECT_EQ(TryRegisterPlugPlug(&service), PLUGINCORE_NOT_INITIALIZED);
 
     FakePanel* panel = AddPanel();

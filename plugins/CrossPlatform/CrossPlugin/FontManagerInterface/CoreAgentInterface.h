@@ -63,6 +63,9 @@ public:
                                                      CFMutableArrayRef fonts);
     /// The fingerprint of a font as XML; empty when it has none.
     [[nodiscard]] ErrorCode GetGlyphscanInfo(uint32_t databaseID, std::string& xml);
+    /// Appends the records of the active fonts that a host may take for one of these.
+    [[nodiscard]] ErrorCode GetFontConflicts(const std::vector<uint32_t>& databaseIDs,
+                                             CFMutableArrayRef conflicts);
     /// The workgroup of the system's own fonts. Asked for once; 0xFFFFFFFF when it cannot be told.
     int32_t GetSystemWorkgroupID();
 

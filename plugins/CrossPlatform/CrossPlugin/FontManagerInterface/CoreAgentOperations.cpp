@@ -6,6 +6,13 @@ namespace {
 
 constexpr int32_t kUnknownWorkgroupID = -1;
 
+CFRef<CFMutableArrayRef> NumberArray(const std::vector<uint32_t>& numbers) {
+    CFRef<CFMutableArrayRef> array = cf::MutableArray();
+    for (const uint32_t number : numbers)
+        cf::Append(array, number);
+    return array;
+}
+
 }  // namespace
 
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
@@ -60,9 +67,7 @@ ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context
 
 ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
                                                             PluginActivationStates& states) {
-    const CFRef<CFMutableArrayRef> ids = cf::MutableArray();
-    for (const uint32_t databaseID : databaseIDs)
-        cf::Append(ids, databaseID);
+    const CFRef<CFMutableArrayRef> ids = NumberArray(databaseIDs);
     const CFRef<CFMutableDictionaryRef> answers = cf::MutableDictionary();
     const ErrorCode code =
         Call(&PluginFunctionTable::pfGetClientFontActivationStates, ids.get(), answers.get());
@@ -182,6 +187,12 @@ ErrorCode CoreAgentInterface::GetGlyphscanInfo(uint32_t databaseID, std::string&
     const ErrorCode code = Call(&PluginFunctionTable::pfGetGlyphscanXMPData, databaseID, &text);
     xml = cf::ToUtf8(AdoptCF(text).get());
     return code;
+}
+
+ErrorCode CoreAgentInterface::GetFontConflicts(const std::vector<uint32_t>& databaseIDs,
+                                               CFMutableArrayRef conflicts) {
+    const CFRef<CFMutableArrayRef> ids = NumberArray(databaseIDs);
+    return Call(&PluginFunctionTable::pfGetFontConflicts, ids.get(), conflicts);
 }
 
 int32_t CoreAgentInterface::GetSystemWorkgroupID() {

@@ -20,3 +20,9 @@ void GeneralInterface::Refresh(bool menus, bool panels) {
 void GeneralInterface::OnWorkgroupsChanged() {
     Refresh(true, true);
 }
+
+void GeneralInterface::SendKeyPress(const KeyPress& keyPress) {
+    // Hosts without windows of their own take no keys.
+    LogMessage(0, "Key %d pressed in a panel (ctrl=%d, shift=%d, alt=%d)", keyPress.keyCode,
+               keyPress.isCtrlPressed, keyPress.isShiftPressed, keyPress.isAltPressed);
+}

@@ -11,6 +11,7 @@ public:
     void ShowProgressHint(const char* hint) override;
     void Refresh(bool menus, bool panels) override;
     void OnWorkgroupsChanged() override;
+    void SendKeyPress(const KeyPress& keyPress) override;
 
 private:
     void (*mRebuildWorkgroupsMenu)() = nullptr;

@@ -1,8 +1,13 @@
 #include "PanelManager.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 #include "FailureReport.h"
+#include "FontID.h"
+#include "HTMLPanel.h"
+#include "PluginNotifications.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
 
@@ -13,6 +18,86 @@ constexpr int32_t kMostAttempts = 12;
 constexpr uint32_t kFirstWait = 500;  // milliseconds; doubled with every attempt, at most this often:
 constexpr int32_t kMostDoublings = 4;
 
+bool Flag(CFDictionaryRef payload, const char* key) {
+    return cf::GetBool(payload, key).value_or(false);
+}
+
+struct Forward {
+    std::string_view name;
+    ErrorCode (*forward)(PanelManager& panels, CFDictionaryRef payload);
+};
+
+/// A push that takes the payload or nothing.
+template <auto Push>
+ErrorCode ForwardTo(PanelManager& panels, CFDictionaryRef payload) {
+    if constexpr (std::is_invocable_v<decltype(Push), PanelManager&, CFDictionaryRef>)
+        return (panels.*Push)(payload);
+    else
+        return (panels.*Push)();
+}
+
+template <auto Push>
+ErrorCode ForwardFont(PanelManager& panels, CFDictionaryRef payload) {
+    const auto fontID = FontIDIn(payload, kPluginNotification_FontActivation_Font_ID);
+    return fontID ? (panels.*Push)(*fontID) : CoreErrorCodes::kSuccess;
+}
+
+ErrorCode ForwardOnlineState(PanelManager& panels, CFDictionaryRef payload) {
+    return panels.PushOnlineStateChangedNotification(Flag(payload, kNotificationIsOnlineKey));
+}
+
+ErrorCode ForwardLoggedInState(PanelManager& panels, CFDictionaryRef payload) {
+    return panels.PushLoggedInStateChangedNotification(
+        static_cast<int32_t>(cf::GetInt64(payload, kNotificationServerTypeKey).value_or(0)));
+}
+
+ErrorCode ForwardWebFontsEnabled(PanelManager& panels, CFDictionaryRef payload) {
+    return panels.PushGoogleWebFontsEnabledNotificaton(Flag(payload, kNotificationIsEnabledKey));
+}
+
+ErrorCode ForwardEnabled(PanelManager& panels, CFDictionaryRef payload) {
+    return panels.SetEnabled(Flag(payload, kNotificationIsEnabledKey));
+}
+
+ErrorCode ForwardFontImages(PanelManager& panels, CFDictionaryRef payload) {
+    return panels.SendFontImages(cf::GetDictionary(payload, kPluginNotification_FontPNGs));
+}
+
+using Panels = PanelManager;
+
+// The tasks of the font manager are nothing that panels show.
+constexpr std::array<Forward, 21> kForwards{
+    {{kPluginNotification_OnlineStateChanged, ForwardOnlineState},
+     {kPluginNotification_LoggedInStateChanged, ForwardLoggedInState},
+     {kPluginNotification_PanelDataChanged, ForwardTo<&Panels::PushDataChangedNotification>},
+     {kPluginNotification_UserPermissionsChanged, ForwardTo<&Panels::PushDataChangedNotification>},
+     {kPluginNotification_FontActivated, ForwardFont<&Panels::PushFontActivatedNotification>},
+     {kPluginNotification_FontDeactivated, ForwardFont<&Panels::PushFontDeactivatedNotification>},
+     {kPluginNotification_FontMissing, ForwardFont<&Panels::PushFontMissingNotification>},
+     {kPluginNotification_DesignActivationNonCompliant,
+      ForwardFont<&Panels::PushFontNonCompliantNotification>},
+     {kPluginNotification_BulkReplicationProgress,
+      ForwardTo<&Panels::PushBulkReplicationProgressNotification>},
+     {kPluginNotification_BulkReplicationStopped, ForwardTo<&Panels::PushBulkReplicationStoppedNotification>},
+     {kPluginNotification_IncrementalReplicationProgress,
+      ForwardTo<&Panels::PushIncrementalReplicationProgressNotification>},
+     {kPluginNotification_IncrementalReplicationStopped,
+      ForwardTo<&Panels::PushIncrementalReplicationStoppedNotification>},
+     {kPluginNotification_GoogleReplicationProgress,
+      ForwardTo<&Panels::PushGoogleReplicationProgressNotification>},
+     {kPluginNotification_GoogleReplicationStopped,
+      ForwardTo<&Panels::PushGoogleReplicationStoppedNotification>},
+     {kPluginNotification_FontServerReplicationProgress,
+      ForwardTo<&Panels::PushFontServerReplicationProgressNotification>},
+     {kPluginNotification_FontServerReplicationStopped,
+      ForwardTo<&Panels::PushFontServerReplicationStoppedNotification>},
+     {kPluginNotification_GoogleWebFontsEnabled, ForwardWebFontsEnabled},
+     {kPluginNotification_PreviewPNGsRendered, ForwardFontImages},
+     {kPluginNotification_SmartListsChanged, ForwardTo<&Panels::PushSmartListsChangedNotification>},
+     {kPluginNotification_OfflineDownloadFinished,
+      ForwardTo<&Panels::PushOfflineDownloadFinishedNotification>},
+     {kPluginNotification_Enabled, ForwardEnabled}}};
+
 }  // namespace
 
 PanelManager& PanelManager::GetSharedInstance() {
@@ -22,7 +107,17 @@ PanelManager& PanelManager::GetSharedInstance() {
 
 ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
     RETURN_IF_NULL(plugPlug);
-    return mRegistered ? CoreErrorCodes::kSuccess : CoreErrorCodes::kNotImplemented;
+    if (mRegistered)
+        return CoreErrorCodes::kSuccess;
+    bool isRegistered = false;
+    mRegistered = true;  // for a service that comes back here from within, too
+    const ScopeExit settle([&] { mRegistered = isRegistered; });
+    auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
+    RETURN_IF_NULL(htmlPanel);
+    RETURN_IF_FAILED(htmlPanel->RegisterHandler());
+    AddPanel(std::move(htmlPanel));
+    isRegistered = true;
+    return CoreErrorCodes::kSuccess;
 }
 
 bool PanelManager::TryRegisterPlugPlug(void* plugPlug) {
@@ -54,8 +149,9 @@ void PanelManager::AddPanel(std::unique_ptr<MarquellPanel> panel) {
 
 template <class Call>
 ErrorCode PanelManager::TellPanels(const char* expression, int line, Call call) {
-    for (const auto& panel : mPanels) {
-        const ErrorCode code = call(*panel);
+    // By index: a panel that calls the host may bring another one about.
+    for (size_t index = 0; index < mPanels.size(); ++index) {
+        const ErrorCode code = call(*mPanels[index]);
         if (code != CoreErrorCodes::kSuccess) {
             ReportFailure(kLogCategory, CheckLocation{expression, __FILE__, line}, code);
             return code;
@@ -64,20 +160,99 @@ ErrorCode PanelManager::TellPanels(const char* expression, int line, Call call) 
     return CoreErrorCodes::kSuccess;
 }
 
+/// Makes the call to every panel; its text stands in the report of the first that fails.
+#define TELL_PANELS(call) \
+    TellPanels("(*it)->" #call, __LINE__, [&](MarquellPanel& panel) { return panel.call; })
+
 ErrorCode PanelManager::SelectSocket(bool closeListeningSocket) {
-    return TellPanels("(*it)->SelectSocket(closeListeningSocket)", __LINE__,
-                      [=](MarquellPanel& panel) { return panel.SelectSocket(closeListeningSocket); });
+    return TELL_PANELS(SelectSocket(closeListeningSocket));
 }
 
 ErrorCode PanelManager::SetEnabled(bool enabled) {
-    return TellPanels("(*it)->SetEnabled(enabled)", __LINE__,
-                      [=](MarquellPanel& panel) { return panel.SetEnabled(enabled); });
+    return TELL_PANELS(SetEnabled(enabled));
 }
 
 ErrorCode PanelManager::PopNotifications() {
-    return TellPanels("(*it)->PopNotifications()", __LINE__,
-                      [](MarquellPanel& panel) { return panel.PopNotifications(); });
+    return TELL_PANELS(PopNotifications());
 }
+
+ErrorCode PanelManager::PushLoggedInStateChangedNotification(int32_t serverType) {
+    return TELL_PANELS(PushLoggedInStateChangedNotification(serverType));
+}
+
+ErrorCode PanelManager::PushOnlineStateChangedNotification(bool isOnline) {
+    return TELL_PANELS(PushOnlineStateChangedNotification(isOnline));
+}
+
+ErrorCode PanelManager::PushGoogleWebFontsEnabledNotificaton(bool enabled) {
+    return TELL_PANELS(PushGoogleWebFontsEnabledNotificaton(enabled));
+}
+
+ErrorCode PanelManager::PushFontActivatedNotification(uint32_t fontID) {
+    return TELL_PANELS(PushFontActivatedNotification(fontID));
+}
+
+ErrorCode PanelManager::PushFontDeactivatedNotification(uint32_t fontID) {
+    return TELL_PANELS(PushFontDeactivatedNotification(fontID));
+}
+
+ErrorCode PanelManager::PushFontMissingNotification(uint32_t fontID) {
+    return TELL_PANELS(PushFontMissingNotification(fontID));
+}
+
+ErrorCode PanelManager::PushFontNonCompliantNotification(uint32_t fontID) {
+    return TELL_PANELS(PushFontNonCompliantNotification(fontID));
+}
+
+ErrorCode PanelManager::PushBulkReplicationProgressNotification(CFDictionaryRef details) {
+    return TELL_PANELS(PushBulkReplicationProgressNotification(details));
+}
+
+ErrorCode PanelManager::PushBulkReplicationStoppedNotification() {
+    return TELL_PANELS(PushBulkReplicationStoppedNotification());
+}
+
+ErrorCode PanelManager::PushIncrementalReplicationProgressNotification(CFDictionaryRef details) {
+    return TELL_PANELS(PushIncrementalReplicationProgressNotification(details));
+}
+
+ErrorCode PanelManager::PushIncrementalReplicationStoppedNotification() {
+    return TELL_PANELS(PushIncrementalReplicationStoppedNotification());
+}
+
+ErrorCode PanelManager::PushGoogleReplicationProgressNotification(CFDictionaryRef details) {
+    return TELL_PANELS(PushGoogleReplicationProgressNotification(details));
+}
+
+ErrorCode PanelManager::PushGoogleReplicationStoppedNotification() {
+    return TELL_PANELS(PushGoogleReplicationStoppedNotification());
+}
+
+ErrorCode PanelManager::PushFontServerReplicationProgressNotification(CFDictionaryRef details) {
+    return TELL_PANELS(PushFontServerReplicationProgressNotification(details));
+}
+
+ErrorCode PanelManager::PushFontServerReplicationStoppedNotification() {
+    return TELL_PANELS(PushFontServerReplicationStoppedNotification());
+}
+
+ErrorCode PanelManager::PushDataChangedNotification() {
+    return TELL_PANELS(PushDataChangedNotification());
+}
+
+ErrorCode PanelManager::PushSmartListsChangedNotification() {
+    return TELL_PANELS(PushSmartListsChangedNotification());
+}
+
+ErrorCode PanelManager::PushOfflineDownloadFinishedNotification() {
+    return TELL_PANELS(PushOfflineDownloadFinishedNotification());
+}
+
+ErrorCode PanelManager::SendFontImages(CFDictionaryRef fontPNGs) {
+    return TELL_PANELS(SendFontImages(fontPNGs));
+}
+
+#undef TELL_PANELS
 
 uint32_t PanelManager::GetSocketPort() {
     for (const auto& panel : mPanels) {
@@ -85,4 +260,16 @@ uint32_t PanelManager::GetSocketPort() {
             return port;
     }
     return 0;
+}
+
+ErrorCode PanelManager::Receive(const PluginNotification& notification) {
+    const auto found = std::find_if(kForwards.begin(), kForwards.end(),
+                                    [&](const Forward& each) { return each.name == notification.name; });
+    return found != kForwards.end() ? found->forward(*this, notification.payload.get())
+                                    : CoreErrorCodes::kSuccess;
+}
+
+void PanelManager::RemoveFontListFiles() {
+    for (const auto& panel : mPanels)
+        panel->RemoveFontListFiles();
 }

@@ -10,8 +10,9 @@
 
 #include "ErrorCodes.h"
 #include "MarquellPanel.h"
+#include "NotificationProcessor.h"
 
-class PanelManager {
+class PanelManager : public NotificationReceiver {
 public:
     /// Made on first use, lives to process end. Any thread.
     static PanelManager& GetSharedInstance();
@@ -20,8 +21,9 @@ public:
     PanelManager(const PanelManager&) = delete;
     PanelManager& operator=(const PanelManager&) = delete;
 
-    /// Registers the HTML panels with the host's service. 0 also when that was done before; kNullPointer for
-    /// null. In this version there are no HTML panels: kNotImplemented.
+    /// Makes the HTML panel and registers it with the host's service, a PlugPlugService that outlives the
+    /// library. 0 also when that was done before; kNullPointer for null, kNotInitialized when the service
+    /// refuses.
     ErrorCode RegisterPlugPlug(void* plugPlug);
     /// The same from the host's idle loop, whose service may take a while to be ready: attempts are made at
     /// growing intervals, and no more after the twelfth failure. Whether the panels are registered.
@@ -33,6 +35,33 @@ public:
     ErrorCode SelectSocket(bool closeListeningSocket);
     ErrorCode SetEnabled(bool enabled);
     ErrorCode PopNotifications();
+
+    ErrorCode PushLoggedInStateChangedNotification(int32_t serverType);
+    ErrorCode PushOnlineStateChangedNotification(bool isOnline);
+    ErrorCode PushGoogleWebFontsEnabledNotificaton(bool enabled);
+    ErrorCode PushFontActivatedNotification(uint32_t fontID);
+    ErrorCode PushFontDeactivatedNotification(uint32_t fontID);
+    ErrorCode PushFontMissingNotification(uint32_t fontID);
+    ErrorCode PushFontNonCompliantNotification(uint32_t fontID);
+    ErrorCode PushBulkReplicationProgressNotification(CFDictionaryRef details);
+    ErrorCode PushBulkReplicationStoppedNotification();
+    ErrorCode PushIncrementalReplicationProgressNotification(CFDictionaryRef details);
+    ErrorCode PushIncrementalReplicationStoppedNotification();
+    ErrorCode PushGoogleReplicationProgressNotification(CFDictionaryRef details);
+    ErrorCode PushGoogleReplicationStoppedNotification();
+    ErrorCode PushFontServerReplicationProgressNotification(CFDictionaryRef details);
+    ErrorCode PushFontServerReplicationStoppedNotification();
+    ErrorCode PushDataChangedNotification();
+    ErrorCode PushSmartListsChangedNotification();
+    ErrorCode PushOfflineDownloadFinishedNotification();
+    ErrorCode SendFontImages(CFDictionaryRef fontPNGs);
+
+    /// Tells the panels what the font manager's agent reported.
+    ErrorCode Receive(const PluginNotification& notification) override;
+
+    /// Removes the files that panels were given and have not let go of: the host quits. The panels stay, since
+    /// the host's service may still call them.
+    void RemoveFontListFiles();
 
     /// The port of the first panel that has one, else 0.
     uint32_t GetSocketPort();

@@ -32,3 +32,9 @@ TEST(GeneralInterface, HintsGoToTheTrace) {
     GeneralInterface().ShowProgressHint("...100% done");
     EXPECT_EQ(trace.Text(), "...100% done\n");
 }
+
+TEST(GeneralInterface, KeysAreNotedInTheTrace) {
+    CapturedTrace trace;
+    GeneralInterface().SendKeyPress({.isCtrlPressed = true, .isAltPressed = true, .keyCode = 65});
+    EXPECT_EQ(trace.Text(), "Key 65 pressed in a panel (ctrl=1, shift=0, alt=1)\n");
+}

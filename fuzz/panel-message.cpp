@@ -1,0 +1,63 @@
+// What panels send, of any content. Every reply is a JSON object with a number, and the panel sends each
+// reply back as its next request, as a panel that misunderstands everything would.
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "FakePlugPlug.h"
+#include "GJSONUtils.h"
+#include "HTMLPanel.h"
+#include "SilentWorld.h"
+
+namespace {
+
+struct PanelWorld : SilentWorld {
+    PanelWorld() {
+        folders.paths[platform::KnownFolder::kTemporary] = std::filesystem::temp_directory_path().string();
+        library.smartLists = {{3, "Three", {7}, {2, 1}, {}, std::string(100, 'x')}};
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_DatabaseIDKey, 5);
+        cf::Set(font, kGS_PostScriptNameKey, "Tab\tbed");
+        library.smartListFonts = {font};
+        library.conflictingFonts = {9};
+        if (!MakeFunctional() || panel.RegisterHandler() != 0)
+            std::abort();
+        MarquellGlobals::SetConnectedToCore(true);
+        service.whileDispatching = [this](const std::string& data) { OnMessage(data); };
+    }
+
+    void OnMessage(const std::string& data) {
+        JSONObject document;
+        JSONValue root;
+        int messageID = 0;
+        if (GJSONUtils::Parse(document, data, root) != 0 ||
+            GJSONUtils::GetValueForKey(root, "messageID", messageID) != 0)
+            std::abort();
+        service.events.clear();
+        // Two that would go on for ever: replies that are requests again.
+        if (repliesLeft-- > 0)
+            service.Deliver(data);
+    }
+
+    void Receive(const std::string& message) {
+        repliesLeft = 3;
+        service.Deliver(message);
+        library.calls.clear();
+        library.panelCalls.clear();
+        panel.RemoveFontListFiles();
+    }
+
+    FakePlugPlug service;
+    HTMLPanel panel{&service};
+    int repliesLeft = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static PanelWorld world;
+    world.Receive(std::string(reinterpret_cast<const char*>(data), size));
+    return 0;
+}

@@ -1,0 +1,141 @@
+#include "HTMLPanel.h"
+
+#include <CoreFoundation++/CFRef.h>
+
+#include <algorithm>
+
+#include "FailureReport.h"
+#include "FontID.h"
+#include "PanelMessages.h"
+#include "TarnwickPluginInterface.h"
+#include "TraceLog.h"
+#include "platform/Files.h"
+
+using namespace panel_messages;
+
+namespace {
+
+constexpr char kLogCategory[] = "Miscellaneous";
+constexpr char kPanelToPlugin[] = "com.vantorix.PanelToPlugin";
+constexpr char kPluginToPanel[] = "com.vantorix.PluginToPanel";
+constexpr int32_t kApplicationScope = 1;
+constexpr int32_t kEventErrorCode_Success = 0;
+// A panel and a host that deliver at once can keep each other busy for ever, on the thread that the user
+// waits for. Panels send a handful of requests for one reply.
+constexpr size_t kMostRequestsInTurn = 1000;
+
+/// The location of an image as panels take it, with two slashes whatever the path begins with; empty for
+/// none.
+std::string ImageLocation(std::string path) {
+    if (path.empty())
+        return path;
+    if (platform::kPathSeparator == '\\')
+        std::replace(path.begin(), path.end(), '\\', '/');
+    return "file://" + path;
+}
+
+}  // namespace
+
+std::unique_ptr<HTMLPanel> HTMLPanel::Create(PlugPlugService* plugPlug) {
+    const bool isUsable = plugPlug->AddEventListener != nullptr && plugPlug->DispatchEvent != nullptr;
+    return isUsable ? std::make_unique<HTMLPanel>(plugPlug) : nullptr;
+}
+
+ErrorCode HTMLPanel::RegisterHandler() {
+    RETURN_IF_NULL(mPlugPlug);
+    const int32_t status = mPlugPlug->AddEventListener(mPlugPlug, kPanelToPlugin, EventCallback, this);
+    if (status == kEventErrorCode_Success)
+        return CoreErrorCodes::kSuccess;
+    ReportFailure(kLogCategory,
+                  {"mPlugPlug->AddEventListener(\"com.vantorix.PanelToPlugin\", EventCallback, this) != "
+                   "csxs::event::kEventErrorCode_Success",
+                   __FILE__, __LINE__},
+                  CoreErrorCodes::kNotInitialized);
+    return CoreErrorCodes::kNotInitialized;
+}
+
+void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
+    auto* panel = static_cast<HTMLPanel*>(context);
+    if (panel == nullptr || event == nullptr || event->data == nullptr)
+        return;
+    constexpr char kName[] = "HTMLPanel::EventCallback";
+    try {  // nothing is thrown into the host
+        panel->HandleInTurn(event->data);
+    } catch (const std::exception& exception) {
+        LogMessage(0, "Exception thrown in %s(): %s", kName, exception.what());
+    } catch (...) {
+        LogMessage(0, "Exception thrown in %s()", kName);
+    }
+}
+
+void HTMLPanel::HandleInTurn(std::string message) {
+    mRequests.push_back(std::move(message));
+    if (mIsHandling)
+        return;
+    mIsHandling = true;
+    const ScopeExit done([this] {
+        mIsHandling = false;
+        mRequests.clear();
+    });
+    for (size_t count = 0; !mRequests.empty(); ++count) {
+        if (count == kMostRequestsInTurn) {
+            LogMessage(0, "Dropping %d requests of a panel that answers every reply with more of them",
+                       static_cast<int>(mRequests.size()));
+            return;
+        }
+        const std::string request = std::move(mRequests.front());
+        mRequests.pop_front();
+        static_cast<void>(CallMethodForMessage(request));
+    }
+}
+
+ErrorCode HTMLPanel::SelectSocket(bool) {
+    return CoreErrorCodes::kSuccess;
+}
+
+uint32_t HTMLPanel::GetSocketPort() {
+    return 0;
+}
+
+ErrorCode HTMLPanel::SendMessage(const std::string& message) {
+    RETURN_IF_NULL(mPlugPlug);
+    const PlugPlugEvent event{kPluginToPanel, kApplicationScope, "HTML", nullptr, message.c_str()};
+    // Nobody can tell whether it arrives.
+    mPlugPlug->DispatchEvent(mPlugPlug, &event);
+    return CoreErrorCodes::kSuccess;
+}
+
+void HTMLPanel::QueueFontImages(CFDictionaryRef fontPNGs) {
+    mPendingFontImages.clear();
+    const auto queue = [](const void* key, const void* value, void* context) {
+        const auto fontID = FontIDFrom(static_cast<CFTypeRef>(key));
+        const auto paths = cf::As<CFDictionaryRef>(static_cast<CFTypeRef>(value));
+        if (fontID)
+            static_cast<HTMLPanel*>(context)->mPendingFontImages.push_back(
+                {*fontID, ImageLocation(cf::GetString(paths, kGS_PNGFilenameKey)),
+                 ImageLocation(cf::GetString(paths, kGS_2xPNGFilenameKey))});
+    };
+    if (fontPNGs != nullptr)
+        CFDictionaryApplyFunction(fontPNGs, queue, this);
+}
+
+ErrorCode HTMLPanel::SendFontImages(CFDictionaryRef fontPNGs) {
+    JSONObject document;
+    JSONValue root = NewMessage(document);
+    JSONValue jsonValue;
+    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetFontPNG, kMessageIDKey, root, jsonValue));
+    QueueFontImages(fontPNGs);
+    JSONValue jsonArray;
+    RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(kFontsKey, root, jsonArray));
+    for (const FontImage& image : mPendingFontImages) {
+        JSONValue fontURLMap;
+        RETURN_IF_FAILED(GJSONUtils::AddMapToArray(jsonArray, fontURLMap));
+        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.fontID, kFontIDKey, fontURLMap, jsonValue));
+        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.location, kPngFilenameKey, fontURLMap, jsonValue));
+        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.doubleResolutionLocation, k2xPngFilenameKey,
+                                                    fontURLMap, jsonValue));
+    }
+    std::string responseMessage;
+    RETURN_IF_FAILED(GetMessageFromJSONValue(root, responseMessage));
+    return SendMessage(responseMessage);
+}

@@ -1,0 +1,109 @@
+#include "FontListFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "CapturedTrace.h"
+#include "FakePlatform.h"
+#include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class FontListFilesTest : public testing::Test {
+protected:
+    FontListFilesTest() { folders.paths[platform::KnownFolder::kTemporary] = folder / ""; }
+
+    std::string Create(const std::string& content) {
+        std::string url;
+        EXPECT_EQ(files.Create(content, url), 0u);
+        return url;
+    }
+    static std::filesystem::path PathOf(const std::string& url) {
+        return platform::Utf8Path(url.substr(std::string("file://").size()));
+    }
+    size_t FileCount() const {
+        size_t count = 0;
+        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+            ++count;
+        return count;
+    }
+
+    CapturedTrace trace;
+    TemporaryFolder folder;
+    FakeFolders folders;
+    FontListFiles files;
+};
+
+}  // namespace
+
+TEST_F(FontListFilesTest, AFileIsThereForThisUserAloneUntilItIsReleased) {
+    const std::string url = Create("1\tSample\n");
+    EXPECT_THAT(url, StartsWith("file:///"));
+    const std::filesystem::path path = PathOf(url);
+    std::stringstream content;
+    content << std::ifstream(path).rdbuf();
+    EXPECT_EQ(content.str(), "1\tSample\n");
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(path).permissions(), perms::owner_read | perms::owner_write);
+    const std::string other = Create("");
+    EXPECT_NE(other, url);
+    EXPECT_EQ(files.Release(url), 0u);
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_EQ(files.Release(url), CoreErrorCodes::kNotFound) << "once";
+    const std::string otherPath = platform::Utf8Text(PathOf(other));
+    EXPECT_EQ(files.Release("http://elsewhere" + otherPath), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(files.Release(otherPath), 0u) << "by path as well";
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(FontListFilesTest, WhatOthersMadeIsNotTouched) {
+    const std::string document = folder.Write("font-list-mine.txt", "precious");
+    FontListFiles othersFiles;
+    std::string othersURL;
+    EXPECT_EQ(othersFiles.Create("theirs", othersURL), 0u);
+    for (const std::string& name : {document, "file://" + document, othersURL, std::string()})
+        EXPECT_EQ(files.Release(name), CoreErrorCodes::kNotFound) << name;
+    files.ReleaseAll();
+    EXPECT_EQ(FileCount(), 2u);
+}
+
+TEST_F(FontListFilesTest, NothingIsLeftInTheEnd) {
+    {
+        FontListFiles ofOnePanel;
+        std::string url;
+        EXPECT_EQ(ofOnePanel.Create("x", url), 0u);
+        EXPECT_EQ(FileCount(), 1u);
+    }
+    EXPECT_EQ(FileCount(), 0u);
+    const std::string url = Create("x");
+    std::filesystem::remove(PathOf(url));
+    EXPECT_EQ(files.Release(url), 0u) << "somebody tidied up before";
+}
+
+TEST_F(FontListFilesTest, APanelThatReleasesNothingDoesNotFillTheDisk) {
+    const std::string first = Create("");
+    for (int count = 1; count < 250; ++count)
+        Create("");
+    EXPECT_EQ(FileCount(), 100u);
+    EXPECT_EQ(files.Release(first), CoreErrorCodes::kNotFound) << "the oldest went first";
+    const std::string last = Create("");
+    EXPECT_TRUE(std::filesystem::exists(PathOf(last)));
+}
+
+TEST_F(FontListFilesTest, AFolderThatCannotBeWrittenToIsReported) {
+    std::string url = "untouched";
+    for (const std::string& unusable : {folder / "missing", folder.Write("file", ""), std::string()}) {
+        folders.paths[platform::KnownFolder::kTemporary] = unusable;
+        EXPECT_NE(files.Create("x", url), 0u) << unusable;
+    }
+    EXPECT_EQ(url, "untouched");
+    EXPECT_THAT(trace.Text(), HasSubstr("WriteTemporaryFile("));
+}

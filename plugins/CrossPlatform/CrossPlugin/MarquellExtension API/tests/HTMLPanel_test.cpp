@@ -1,0 +1,176 @@
+#include "HTMLPanel.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+#include "PanelTest.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+using HTMLPanelTest = PanelTest;
+
+/// What the font manager says of one font's images; an empty path is left out.
+void AddImages(const CFRef<CFMutableDictionaryRef>& fontPNGs, int64_t fontID, const std::string& path,
+               const std::string& doubleResolutionPath) {
+    const CFRef<CFMutableDictionaryRef> paths = cf::MutableDictionary();
+    if (!path.empty())
+        cf::Set(paths, kGS_PNGFilenameKey, path);
+    if (!doubleResolutionPath.empty())
+        cf::Set(paths, kGS_2xPNGFilenameKey, doubleResolutionPath);
+    CFDictionarySetValue(fontPNGs.get(), cf::Number(fontID).get(), paths.get());
+}
+
+}  // namespace
+
+TEST_F(HTMLPanelTest, RequestsComeInOnOneEventAndRepliesLeaveOnAnother) {
+    EXPECT_THAT(service.listenedTo, ElementsAre("com.vantorix.PanelToPlugin"));
+    service.Deliver(R"({"messageID":16})");
+    ASSERT_EQ(service.events.size(), 1u);
+    const FakePlugPlug::Event& event = service.events[0];
+    EXPECT_EQ(event.type, "com.vantorix.PluginToPanel");
+    EXPECT_EQ(event.scope, 1);
+    EXPECT_EQ(event.appId, "HTML");
+    EXPECT_EQ(event.extensionId, std::nullopt);
+    EXPECT_THAT(event.data, testing::StartsWith(R"({"messageID":16,"isWindows":)"));
+}
+
+TEST_F(HTMLPanelTest, EventsThatAreNoMessageAreDropped) {
+    service.Deliver("no JSON");
+    EXPECT_THAT(trace.Text(), HasSubstr("Failed to parse JSON: JSON parse error:\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='GetJSONValueFromMessage(message, root, jsonObject)'"));
+    for (const char* each : {"", "OK", "{", "\xff", "null", R"({"messageID":16} trailing)"})
+        service.Deliver(each);
+    trace.Clear();
+    service.Deliver(static_cast<const char*>(nullptr));
+    service.Listener()(nullptr, service.Context());
+    const PlugPlugEvent event{"com.vantorix.PanelToPlugin", 1, "HTML", nullptr, R"({"messageID":16})"};
+    service.Listener()(&event, nullptr);
+    EXPECT_EQ(trace.Text(), "");
+    EXPECT_TRUE(service.events.empty());
+}
+
+TEST_F(HTMLPanelTest, AServiceThatRefusesIsReported) {
+    service.answerToListeners = 7;
+    EXPECT_EQ(panel.RegisterHandler(), CoreErrorCodes::kNotInitialized);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Expression='mPlugPlug->AddEventListener(\"com.vantorix.PanelToPlugin\", "
+                          "EventCallback, this) != csxs::event::kEventErrorCode_Success'"));
+    HTMLPanel withoutService(nullptr);
+    EXPECT_EQ(withoutService.SendMessage("{}"), CoreErrorCodes::kNullPointer);
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='(mPlugPlug) == nullptr'"));
+    EXPECT_EQ(withoutService.RegisterHandler(), CoreErrorCodes::kNullPointer);
+    EXPECT_EQ(withoutService.SetEnabled(true), CoreErrorCodes::kNullPointer);
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='SendMessageW(responseMessage)'"));
+}
+
+TEST_F(HTMLPanelTest, ThereIsNoSocket) {
+    EXPECT_EQ(panel.SelectSocket(true), 0u);
+    EXPECT_EQ(panel.GetSocketPort(), 0u);
+}
+
+TEST_F(HTMLPanelTest, ImagesAreSentWithTheirLocations) {
+    EXPECT_EQ(panel.SendFontImages(cf::MutableDictionary().get()), 0u);
+    EXPECT_EQ(panel.SendFontImages(nullptr), 0u);
+    EXPECT_THAT(service.TakeMessages(),
+                ElementsAre(R"({"messageID":32,"fonts":[]})", R"({"messageID":32,"fonts":[]})"));
+
+    const CFRef<CFMutableDictionaryRef> fontPNGs = cf::MutableDictionary();
+    AddImages(fontPNGs, 4294967295, "/tmp/ü \"1\".png", "/tmp/1@2x.png");
+    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
+    EXPECT_THAT(
+        service.TakeMessages(),
+        ElementsAre(
+            R"({"messageID":32,"fonts":[{"fontID":4294967295,"pngFilename":"file:///tmp/ü \"1\".png",)"
+            R"("2xPNGFilename":"file:///tmp/1@2x.png"}]})"));
+
+    CFDictionaryRemoveAllValues(fontPNGs.get());
+    AddImages(fontPNGs, 8, "/tmp/8.png", "");
+    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
+    CFDictionaryRemoveAllValues(fontPNGs.get());
+    AddImages(fontPNGs, 9, "", "C:/9@2x.png");
+    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
+    EXPECT_THAT(
+        service.TakeMessages(),
+        ElementsAre(
+            R"({"messageID":32,"fonts":[{"fontID":8,"pngFilename":"file:///tmp/8.png","2xPNGFilename":""}]})",
+            R"({"messageID":32,"fonts":[{"fontID":9,"pngFilename":"","2xPNGFilename":"file://C:/9@2x.png"}]})"))
+        << "what was sent before does not come again";
+}
+
+TEST_F(HTMLPanelTest, ImagesOfNoFontAreLeftOut) {
+    const CFRef<CFMutableDictionaryRef> fontPNGs = cf::MutableDictionary();
+    AddImages(fontPNGs, 4294967296, "/tmp/1.png", "");
+    AddImages(fontPNGs, -1, "/tmp/1.png", "");
+    CFDictionarySetValue(fontPNGs.get(), cf::String("5").get(), cf::MutableDictionary().get());
+    CFDictionarySetValue(fontPNGs.get(), cf::Number(6).get(), cf::String("no dictionary").get());
+    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
+    EXPECT_THAT(
+        service.TakeMessages(),
+        ElementsAre(R"({"messageID":32,"fonts":[{"fontID":6,"pngFilename":"","2xPNGFilename":""}]})"));
+}
+
+TEST_F(HTMLPanelTest, WhatAPanelAnswersAtOnceIsHandledInTurn) {
+    int depth = 0;
+    int deepest = 0;
+    int left = 3;
+    service.whileDispatching = [&](const std::string&) {
+        deepest = std::max(deepest, ++depth);
+        if (left-- > 0) {
+            service.Deliver(R"({"messageID":18})");
+            service.Deliver(R"({"messageID":11})");
+        }
+        --depth;
+    };
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_EQ(deepest, 1) << "no reply is sent from within the sending of another";
+    std::vector<std::string> ids;
+    for (const std::string& message : service.TakeMessages())
+        ids.push_back(message.substr(0, 15));
+    const std::string reply16 = R"({"messageID":16)";
+    const std::string reply18 = R"({"messageID":18)";
+    const std::string reply11 = R"({"messageID":11)";
+    EXPECT_THAT(ids, ElementsAre(reply16, reply18, reply11, reply18, reply11, reply18, reply11));
+}
+
+TEST_F(HTMLPanelTest, APanelCannotKeepTheHostBusyForEver) {
+    service.whileDispatching = [&](const std::string&) {
+        service.Deliver(R"({"messageID":16})");
+        service.Deliver(R"({"messageID":16})");
+    };
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_EQ(service.events.size(), 1000u);
+    EXPECT_THAT(trace.Text(), HasSubstr("Dropping 1001 requests of a panel"));
+    service.whileDispatching = nullptr;
+    service.events.clear();
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_EQ(service.events.size(), 1u) << "and it is served again";
+}
+
+TEST_F(HTMLPanelTest, NothingIsThrownIntoTheHost) {
+    service.whileDispatching = [](const std::string&) { throw std::runtime_error("lost"); };
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in HTMLPanel::EventCallback(): lost\n"));
+    service.whileDispatching = [](const std::string&) { throw 5; };
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in HTMLPanel::EventCallback()\n"));
+    service.whileDispatching = nullptr;
+    service.events.clear();
+    service.Deliver(R"({"messageID":16})");
+    EXPECT_EQ(service.events.size(), 1u);
+}
+
+TEST_F(HTMLPanelTest, LargeMessagesAndManyOfThemAreServed) {
+    const std::string huge =
+        R"({"messageID":16,"padding":")" + std::string(size_t{64} << 20, 'x') + R"(","list":[1,2,3]})";
+    service.Deliver(huge);
+    EXPECT_EQ(service.TakeMessages().size(), 1u);
+    for (int count = 0; count < 5000; ++count) {
+        service.Deliver(R"({"messageID":18})");
+        trace.Clear();
+    }
+    EXPECT_EQ(service.events.size(), 5000u);
+}

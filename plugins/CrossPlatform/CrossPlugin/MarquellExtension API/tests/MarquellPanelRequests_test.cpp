@@ -1,0 +1,327 @@
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "PanelTest.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+struct Request {
+    const char* message;
+    Texts calls;    ///< into the interface library
+    Texts replies;  ///< to the byte
+};
+
+constexpr char kDefinition[] = R"({"id":3})";
+
+const Request kCatalogue[] = {
+    {R"({"messageID":8,"fontID":4294967295,"postscriptName":"S-Bold","displayName":"S Bold"})",
+     {"GetFontInfoByID(4294967295)", "GetFontConflicts([4294967295])",
+      "EnableDesignActivation(4294967295, 1, 1)"},
+     {R"({"messageID":8,"returnCode":0})"}},
+    {R"({"messageID":9})", {"SetGoogleWebFontsEnabled(1)"}, {R"({"messageID":9,"returnCode":0})"}},
+    {R"({"messageID":10})",
+     {},
+     {R"({"messageID":10,"isEnabled":true,"isReplicating":true,"replicationMode":2,"returnCode":0})"}},
+    {R"({"messageID":11})", {}, {R"({"messageID":11,"height":400,"width":300})"}},
+    {R"({"messageID":12,"windowWidth":640,"windowHeight":480})", {}, {}},
+    {R"({"messageID":13,"filename":"file:///nobody's"})", {}, {}},
+    {R"({"messageID":17,"selection":4,"savesSmartList":true})", {}, {}},
+    {R"({"messageID":18})",
+     {},
+     {R"({"messageID":18,"selection":4,"savesSmartList":true})"}},  // as chosen above
+    {R"({"messageID":32,"highPriorityFontIDs":[7],"fontIDs":[5,4294967295,7],"smartListID":3})",
+     {"RenderFontNamePreviewPNGs([7], [5,4294967295,7])"},
+     {}},
+    {R"({"messageID":33,"smartListID":3,"smartListName":"Neü \"x\""})",
+     {"RenameSmartList(3, 'Neü \"x\"')"},
+     {}},
+    {R"({"messageID":34,"smartListID":-3})", {"DeleteSmartList(-3)"}, {}},
+    {R"({"messageID":35,"smartListID":3,"workgroupIDs":[1],"setIDs":[2,-3],"smartSetIDs":[]})",
+     {"QueryForSmartListFonts(3, [1], [2,-3], [])"},
+     {}},
+    {R"({"messageID":36,"smartListID":3})",
+     {"GetSmartList(3)"},
+     {R"({"messageID":36,"smartListID":3,"smartListName":"Drei","workgroupIDs":[7],"setIDs":[2,1],"smartSetIDs":[]})"}},
+    {R"({"messageID":37,"smartListID":3})",
+     {"GetSmartList(3)"},
+     {R"({"messageID":37,"smartListID":3,"listDefinition":"eyJpZCI6M30="})"}},
+    {R"({"messageID":38})",
+     {},
+     {R"({"messageID":38,"smartLists":[{"smartListID":3,"smartListName":"Drei"},{"smartListID":4,"smartListName":""}]})"}},
+    {R"({"messageID":39,"smartListName":"Ünique","workgroupIDs":[1,2],"setIDs":[],"smartSetIDs":[3]})",
+     {"CreateSmartList('Ünique', [1,2], [], [3])"},
+     {R"({"messageID":39,"smartList":{"smartListID":77,"smartListName":"Ünique"}})"}},
+    {R"({"messageID":42,"smartListID":3,"workgroupIDs":[1],"setIDs":[2],"smartSetIDs":[3]})",
+     {"SetSmartListQuery(3, [1], [2], [3])"},
+     {}},
+    {R"({"messageID":44,"smartListName":"Neu","smartListID":3})", {"RenameSmartList(3, 'Neu')"}, {}},
+    {R"({"messageID":47,"fontID":5,"version":"1.000"})", {}, {}},
+    {R"({"messageID":48})", {}, {}},
+    {R"({"messageID":49})", {}, {}},
+    {R"({"messageID":51})", {}, {}},
+    {R"({"messageID":59})", {}, {}},
+    {R"({"messageID":58})", {}, {R"({"messageID":58,"canAccessGoogleFonts":true})"}},
+    {R"({"messageID":66})", {}, {R"({"messageID":20,"isStandalone":true})"}},
+    {R"({"messageID":67,"isCtrlPressed":true,"isShiftPressed":false,"isAltPressed":true,"keyCode":65})",
+     {},
+     {}},
+};
+
+class PanelRequestsTest : public PanelTest {
+protected:
+    PanelRequestsTest() {
+        framework.numbers["CS5PanelWidth"] = 300;
+        framework.numbers["CS5PanelHeight"] = 400;
+        library.areWebFontsEnabled = library.canAccessWebFonts = library.isReplicationRunning = true;
+        library.replicationMode = 2;
+        library.smartLists = {{3, "Drei", {7}, {2, 1}, {}, kDefinition}, {4, "", {}, {}, {}, ""}};
+    }
+};
+
+class KeyboardHost : public HostAppInterface {
+public:
+    explicit KeyboardHost(Texts& keys) : mKeys(keys) {}
+    void ShowProgressHint(const char*) override {}
+    void Refresh(bool, bool) override {}
+    void OnWorkgroupsChanged() override {}
+    void SendKeyPress(const KeyPress& key) override {
+        mKeys.push_back(std::to_string(key.keyCode) + (key.isCtrlPressed ? " ctrl" : "") +
+                        (key.isShiftPressed ? " shift" : "") + (key.isAltPressed ? " alt" : ""));
+    }
+
+private:
+    Texts& mKeys;
+};
+
+}  // namespace
+
+TEST_F(PanelRequestsTest, EveryRequestMakesItsCallsAndGetsItsReply) {
+    for (const Request& request : kCatalogue) {
+        Forget();
+        EXPECT_EQ(Send(request.message), request.replies) << request.message;
+        EXPECT_EQ(library.panelCalls, request.calls) << request.message;
+        EXPECT_THAT(trace.Text(), StartsWith("Entering MarquellPanel::CallMethodForMessage()\n"));
+        EXPECT_THAT(trace.Text(), testing::EndsWith("Exiting MarquellPanel::CallMethodForMessage()\n"));
+        EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Unknown"))) << request.message;
+    }
+}
+
+TEST_F(PanelRequestsTest, ARequestWithAMissingOrMistypedKeyIsReportedAndDropped) {
+    for (const Request& request : kCatalogue) {
+        const auto whole = nlohmann::ordered_json::parse(request.message);
+        for (const auto& [key, value] : whole.items()) {
+            const bool isID = key == "messageID";
+            const std::string expression = isID ? "Expression='GJSONUtils::GetValueForKey(root, kMessageIDKey"
+                                                : "Expression='GJSONUtils::GetValueForKey(jsonValue, k";
+            auto changed = whole;
+            changed.erase(key);
+            const auto send = [&](const char* error) {
+                Forget();
+                EXPECT_THAT(Send(changed.dump()), IsEmpty()) << changed;
+                EXPECT_THAT(library.panelCalls, IsEmpty()) << changed;
+                EXPECT_THAT(trace.Text(), HasSubstr(expression)) << changed;
+                EXPECT_THAT(trace.Text(), HasSubstr(error)) << changed;
+            };
+            send("Error='CoreErrorCodes::kNotFound'");
+            changed = whole;
+            for (const char* wrong : {"null", "{}", "1.5"}) {
+                changed[key] = nlohmann::ordered_json::parse(wrong);
+                send("Error='CoreErrorCodes::kError'");
+            }
+            if (value.is_number() && !isID) {
+                changed[key] = int64_t{1} << 40;
+                send("Error='CoreErrorCodes::kError'");
+            }
+        }
+    }
+}
+
+TEST_F(PanelRequestsTest, FailedChecksStandInTheLogAsWritten) {
+    Send(R"({"messageID":34})");
+    EXPECT_THAT(trace.Text(), HasSubstr("[Miscellaneous]\t[Error]\tError='CoreErrorCodes::kNotFound'"));
+    EXPECT_THAT(
+        trace.Text(),
+        HasSubstr("Expression='GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID)'"));
+    EXPECT_THAT(trace.Text(), HasSubstr("MarquellPanel"));
+}
+
+TEST_F(PanelRequestsTest, UnknownNumbersAreLoggedAndNothingElse) {
+    for (const char* id : {"7", "68", "15", "0", "-1", "43", "99", "4294967312", "-9223372036854775807"}) {
+        Forget();
+        EXPECT_EQ(panel.CallMethodForMessage(std::string(R"({"messageID":)") + id + "}"), 0u);
+        EXPECT_EQ(trace.Text(), std::string("Entering MarquellPanel::CallMethodForMessage()\n") +
+                                    " Unknown operator ID from panel '" + id + "'.\n" +
+                                    "Exiting MarquellPanel::CallMethodForMessage()\n");
+        EXPECT_THAT(service.events, IsEmpty());
+    }
+    Forget();
+    EXPECT_EQ(panel.CallMethodForMessage(R"({"messageID":48})"), 0u);
+    EXPECT_EQ(trace.LineCount(), 2u) << "accepted silently";
+}
+
+TEST_F(PanelRequestsTest, OnlyObjectsAreRequests) {
+    for (const char* root : {"[]", R"([{"messageID":16}])", "16", R"("messageID")", "true", "null"}) {
+        Forget();
+        EXPECT_EQ(panel.CallMethodForMessage(root), CoreErrorCodes::kError) << root;
+        EXPECT_THAT(trace.Text(), HasSubstr("Expression='!jsonValue.is_map()'")) << root;
+        EXPECT_THAT(trace.Text(),
+                    HasSubstr("Expression='GetJSONValueFromMessage(message, root, jsonObject)'"));
+    }
+    EXPECT_EQ(panel.CallMethodForMessage("{"), CoreErrorCodes::kInvalidParam);
+    EXPECT_EQ(panel.CallMethodForMessage("{}"), CoreErrorCodes::kNotFound);
+    EXPECT_THAT(service.events, IsEmpty());
+}
+
+TEST_F(PanelRequestsTest, WhatThePanelChoosesIsKeptInThePreferences) {
+    Send(R"({"messageID":12,"windowWidth":640,"windowHeight":480})");
+    EXPECT_THAT(Send(R"({"messageID":11})"), ElementsAre(R"({"messageID":11,"height":480,"width":640})"));
+    EXPECT_EQ(framework.numbers["CS5PanelWidth"], 640);
+    Send(R"({"messageID":17,"selection":-1,"savesSmartList":true})");
+    EXPECT_THAT(Send(R"({"messageID":18})"),
+                ElementsAre(R"({"messageID":18,"selection":-1,"savesSmartList":true})"));
+    EXPECT_EQ(framework.numbers["DropDownSelectionSavesSmartLists"], 1);
+    framework.numbers["CS5PanelWidth"] = int64_t{1} << 53;
+    EXPECT_THAT(Send(R"({"messageID":11})"),
+                ElementsAre(R"({"messageID":11,"height":480,"width":9007199254740992})"));
+}
+
+TEST_F(PanelRequestsTest, KeysGoToTheHost) {
+    Texts keys;
+    MarquellGlobals::SetSharedHostAppInterface(std::make_unique<KeyboardHost>(keys));
+    Send(R"({"messageID":67,"isCtrlPressed":true,"isShiftPressed":false,"isAltPressed":true,"keyCode":65})");
+    Send(R"({"messageID":67,"isCtrlPressed":false,"isShiftPressed":true,"isAltPressed":false,"keyCode":9})");
+    EXPECT_THAT(keys, ElementsAre("65 ctrl alt", "9 shift"));
+    Forget();
+    Send(R"({"messageID":67})");
+    EXPECT_THAT(trace.Text(), HasSubstr(" kSendHostAppKeyPress -- Start\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr(" kSendHostAppKeyPress -- End\n")) << "whatever becomes of it";
+}
+
+TEST_F(PanelRequestsTest, AConflictIsToldBeforeTheResult) {
+    library.conflictingFonts = {9, 10};
+    constexpr char kMessage[] = R"({"messageID":8,"fontID":5,"postscriptName":"P","displayName":"D"})";
+    EXPECT_THAT(Send(kMessage),
+                ElementsAre(R"({"messageID":46,"fontID":5,"isConflictError":true,"conflictID":9})",
+                            R"({"messageID":8,"returnCode":0})"));
+    library.conflictingFonts.clear();
+    library.codes["EnableDesignActivation"] = {CoreErrorCodes::kNotFound};
+    EXPECT_THAT(Send(kMessage), ElementsAre(R"({"messageID":46,"fontID":5,"isConflictError":false})",
+                                            R"({"messageID":8,"returnCode":117440512})"));
+    library.codes["GetFontConflicts"] = {CoreErrorCodes::kNotFound};
+    Forget();
+    EXPECT_THAT(Send(kMessage), ElementsAre(R"({"messageID":8,"returnCode":0})")) << "activated all the same";
+    EXPECT_THAT(
+        trace.Text(),
+        HasSubstr("Expression='fontManager->GetFontConflicts({static_cast<UInt32>(outFontInfo.databaseID)}"
+                  ", conflicts)'"));
+    library.codes["GetFontInfoByID"] = {CoreErrorCodes::kNotFound};
+    Forget();
+    EXPECT_THAT(Send(kMessage), testing::Contains(R"({"messageID":8,"returnCode":117440512})"));
+    EXPECT_THAT(library.panelCalls, IsEmpty()) << "a font that is not there";
+}
+
+TEST_F(PanelRequestsTest, RepliesWithAReturnCodeTellOfFailures) {
+    for (const char* symbol :
+         {"GetIsGoogleWebFontsEnabled", "GetIsReplicationRunning", "GetCurrentReplicationMode"}) {
+        library.codes[symbol] = {CoreErrorCodes::kNotFound};
+        EXPECT_THAT(Send(R"({"messageID":10})"),
+                    ElementsAre(testing::EndsWith(R"("returnCode":117440512})")));
+    }
+    framework.numbers["GWFHaveEverBeenEnabled"] = 0;
+    library.codes["SetGoogleWebFontsEnabled"] = {CoreErrorCodes::kNotFound};
+    EXPECT_THAT(Send(R"({"messageID":9})"), ElementsAre(R"({"messageID":9,"returnCode":117440512})"));
+    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 0);
+    Send(R"({"messageID":9})");
+    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 1);
+    library.areWebFontsEnabled = false;
+    framework.numbers["GWFHaveEverBeenEnabled"] = 0;
+    Send(R"({"messageID":10})");
+    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 0);
+    library.areWebFontsEnabled = true;
+    Send(R"({"messageID":10})");
+    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 1) << "enabled by other means";
+}
+
+TEST_F(PanelRequestsTest, AFontManagerThatFailsLeavesOtherRequestsWithoutReply) {
+    const std::pair<const char*, const char*> requests[] = {
+        {"CanAccessGoogleFonts", R"({"messageID":58})"},
+        {"GetRunningStandalone", R"({"messageID":66})"},
+        {"GetAllSmartLists", R"({"messageID":38})"},
+        {"GetSmartList", R"({"messageID":36,"smartListID":3})"},
+        {"GetSmartList", R"({"messageID":37,"smartListID":3})"},
+        {"GetSmartListFonts", R"({"messageID":40,"smartListID":3})"},
+        {"CreateSmartList",
+         R"({"messageID":39,"smartListName":"","workgroupIDs":[],"setIDs":[],"smartSetIDs":[]})"},
+    };
+    for (const auto& [symbol, message] : requests) {
+        Forget();
+        library.codes[symbol] = {CoreErrorCodes::kNotFound};
+        EXPECT_THAT(Send(message), IsEmpty()) << message;
+        EXPECT_THAT(trace.Text(), HasSubstr(std::string("pf") + symbol)) << message;
+    }
+}
+
+TEST_F(PanelRequestsTest, AnInterfaceLibraryThatLacksAFunctionFailsTheRequest) {
+    delete VPILoader::GetSharedInstance();
+    libraries.symbols.erase("SetGoogleWebFontsEnabled");
+    libraries.symbols.erase("GetAllSmartLists");
+    EXPECT_THAT(Send(R"({"messageID":9})"), ElementsAre(R"({"messageID":9,"returnCode":134217728})"));
+    EXPECT_THAT(Send(R"({"messageID":38})"), IsEmpty());
+    EXPECT_THAT(Send(R"({"messageID":58})"), ElementsAre(StartsWith(R"({"messageID":58,)")));
+}
+
+TEST_F(PanelRequestsTest, NamesThatAreNoUtf8ReachNobody) {
+    // JSON's own check lets overlong forms and surrogates pass.
+    for (const char* name : {"\xc0\xaf", "\xed\xa0\x80"}) {
+        Send(std::string(R"({"messageID":33,"smartListID":3,"smartListName":")") + name + "\"}");
+        Send(std::string(
+                 R"({"messageID":39,"workgroupIDs":[],"setIDs":[],"smartSetIDs":[],"smartListName":")") +
+             name + "\"}");
+    }
+    EXPECT_THAT(library.panelCalls, IsEmpty());
+    EXPECT_THAT(service.events, IsEmpty());
+}
+
+TEST_F(PanelRequestsTest, NothingIsRenderedForNoFonts) {
+    EXPECT_THAT(Send(R"({"messageID":32,"highPriorityFontIDs":[7],"fontIDs":[],"smartListID":3})"),
+                IsEmpty());
+    EXPECT_THAT(library.panelCalls, IsEmpty());
+    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("RenderFontNamePreviewPNGs")));
+    Send(R"({"messageID":32,"highPriorityFontIDs":[],"fontIDs":[1],"smartListID":3})");
+    EXPECT_THAT(trace.Text(),
+                HasSubstr(" CALLING: RenderFontNamePreviewPNGs\n END: RenderFontNamePreviewPNGs\n"));
+    Forget();
+    EXPECT_THAT(Send(R"({"messageID":32,"highPriorityFontIDs":[],"fontIDs":[4294967296],"smartListID":3})"),
+                IsEmpty());
+    EXPECT_THAT(library.panelCalls, IsEmpty()) << "cut to 32 bits it would be another font";
+}
+
+TEST_F(PanelRequestsTest, AListDefinitionIsWrappedWithoutALineFeedAtItsEnd) {
+    library.smartLists = {{3, "", {}, {}, {}, std::string(58, 'a')}, {4, "", {}, {}, {}, ""}};
+    const Texts replies = Send(R"({"messageID":37,"smartListID":3})");
+    ASSERT_EQ(replies.size(), 1u);
+    EXPECT_THAT(replies[0], testing::EndsWith(R"(YWFh\nYQ=="})"));
+    EXPECT_THAT(Send(R"({"messageID":37,"smartListID":4})"),
+                ElementsAre(R"({"messageID":37,"smartListID":4,"listDefinition":""})"));
+}
+
+TEST_F(PanelRequestsTest, ReportsThatBelongToNoRequestAreSentAtOnce) {
+    EXPECT_EQ(panel.SetEnabled(true), 0u);
+    EXPECT_EQ(panel.SendProgress(32, "Schrift \"ü\"", 2, 9), 0u);
+    EXPECT_EQ(panel.FontActivationError(4294967295, 0), 0u);
+    EXPECT_THAT(service.TakeMessages(),
+                ElementsAre(R"({"messageID":30,"isEnabled":true})",
+                            R"({"messageID":32,"text":"Schrift \"ü\"","stepIndex":2,"numSteps":9})",
+                            R"({"messageID":46,"fontID":4294967295,"isConflictError":false})"));
+    EXPECT_NE(panel.SendProgress(32, "\xff", 0, 0), 0u) << "no UTF-8";
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='GetMessageFromJSONValue(root, responseMessage)'"));
+    EXPECT_THAT(service.events, IsEmpty());
+}

@@ -1,0 +1,99 @@
+// The lists of fonts that panels get as files. What becomes of smart lists themselves stands with the
+// requests.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "PanelTest.h"
+#include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+class FontListTest : public PanelTest {
+protected:
+    FontListTest() { folders.paths[platform::KnownFolder::kTemporary] = folder / ""; }
+
+    void AddFont(int64_t id, const std::string& postScriptName, const std::string& displayName, int state,
+                 int workgroupType) {
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_DatabaseIDKey, id);
+        cf::Set(font, kGS_PostScriptNameKey, postScriptName);
+        cf::Set(font, kGS_DisplayNameKey, displayName);
+        cf::Set(font, kGS_ActivationStateKey, state);
+        cf::Set(font, kGS_WorkgroupTypeKey, workgroupType);
+        cf::Set(font, kGS_WorkgroupIDKey, id % 10);
+        library.smartListFonts.push_back(font);
+    }
+    /// Asks for a list; what stands in its file.
+    std::string FontList() {
+        const std::vector<std::string> replies = Send(R"({"messageID":40,"smartListID":3})");
+        if (replies.size() != 1 || !replies[0].starts_with(R"({"messageID":41,"filename":"file:///)"))
+            return "no list";
+        url = nlohmann::json::parse(replies[0])["filename"];
+        std::stringstream content;
+        content << std::ifstream(platform::Utf8Path(url.substr(7)), std::ios::binary).rdbuf();
+        return content.str();
+    }
+    bool IsFileThere() const { return std::filesystem::exists(platform::Utf8Path(url.substr(7))); }
+
+    TemporaryFolder folder;
+    std::string url;
+};
+
+}  // namespace
+
+TEST_F(FontListTest, AListIsAFileWithALineForEachFont) {
+    EXPECT_EQ(FontList(), "");
+    AddFont(4294967295, "S-Bold", "S Bold", kFontActivationState_ActivatedByPlugin,
+            kWorkgroupType_FontLibrary);
+    AddFont(12, "Tab\tbed", "Two\nlines\r\x01\x1F.", kFontActivationState_Inactive, kWorkgroupType_System);
+    AddFont(13, "ü", "", kFontActivationState_SystemFont, kWorkgroupType_GoogleLibrary);
+    AddFont(14, "", "字", kFontActivationState_Missing, kWorkgroupType_TypekitLibrary);
+    library.smartListFonts.push_back(cf::MutableDictionary());
+    EXPECT_EQ(FontList(),
+              "4294967295\tS-Bold\tS Bold\t1\tdesktop\t5\n"
+              "12\tTab bed\tTwo lines   .\t0\tsystem\t2\n"
+              "13\tü\t\t1\tgoogle\t3\n"
+              "14\t\t字\t0\ttypekit\t4\n"
+              "0\t\t\t0\tdesktop\t0\n");
+    EXPECT_THAT(library.panelCalls, ElementsAre("GetSmartListFonts(3)", "GetSmartListFonts(3)"));
+}
+
+TEST_F(FontListTest, TheFileStaysUntilThePanelOrTheHostIsDone) {
+    FontList();
+    EXPECT_TRUE(IsFileThere());
+    Send(R"({"messageID":13,"filename":"file:///etc/passwd"})");
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='mFontListFiles.Release(filename)'"));
+    EXPECT_TRUE(IsFileThere());
+    Send(nlohmann::json{{"messageID", 13}, {"filename", url}}.dump());
+    EXPECT_FALSE(IsFileThere());
+    FontList();
+    panel.RemoveFontListFiles();
+    EXPECT_FALSE(IsFileThere());
+}
+
+TEST_F(FontListTest, AFileThatCannotBeMadeIsToldToThePanel) {
+    folders.paths[platform::KnownFolder::kTemporary] = folder / "missing";
+    EXPECT_THAT(Send(R"({"messageID":40,"smartListID":3})"), ElementsAre(R"({"messageID":19})"));
+}
+
+TEST_F(FontListTest, AListThatIsNotNamedIsNotFetched) {
+    for (const char* request : {R"({"messageID":40})", R"({"messageID":40,"smartListID":4294967299})"})
+        EXPECT_TRUE(Send(request).empty()) << request;
+    EXPECT_TRUE(library.panelCalls.empty());
+}
+
+TEST_F(FontListTest, TenThousandFontsAreAllThere) {
+    for (int id = 1; id <= 10000; ++id)
+        AddFont(id, "Sample-" + std::to_string(id), "Sample", 0, kWorkgroupType_FontLibrary);
+    const std::string list = FontList();
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 10000);
+    EXPECT_THAT(list, testing::EndsWith("\n10000\tSample-10000\tSample\t0\tdesktop\t0\n"));
+}

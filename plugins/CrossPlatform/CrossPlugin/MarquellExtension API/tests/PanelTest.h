@@ -1,0 +1,32 @@
+// A panel that is registered with a host's service, and connected to a font manager that does as it is told.
+#pragma once
+
+#include "FakePlugPlug.h"
+#include "FontManagerWorld.h"
+#include "HTMLPanel.h"
+
+class PanelTest : public FontManagerWorld {
+protected:
+    PanelTest() {
+        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
+        EXPECT_TRUE(FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning());
+        MarquellGlobals::SetConnectedToCore(true);
+        EXPECT_EQ(panel.RegisterHandler(), 0u);
+        Forget();
+    }
+
+    /// The replies to one request.
+    std::vector<std::string> Send(const std::string& message) {
+        service.Deliver(message);
+        return service.TakeMessages();
+    }
+    /// Forgets what was called, sent and logged.
+    void Forget() {
+        library.panelCalls.clear();
+        service.events.clear();
+        trace.Clear();
+    }
+
+    FakePlugPlug service;
+    HTMLPanel panel{&service};
+};
