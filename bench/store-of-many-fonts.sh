@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# store-of-many-fonts.sh [SMALL [LARGE]]: how adding, listing and matching 500 names grow with the number of fonts in the
-# font manager's store (default from 1000 to 10000). In folders of its own.
+# store-of-many-fonts.sh [SMALL [LARGE]]: how adding, listing, matching 500 names, and finding replacements for 500 names
+# that are not there grow with the number of fonts in the font manager's store (default from 1000 to 10000). In folders
+# of its own.
 set -euo pipefail
 sizes=("${1:-1000}" "${2:-10000}")
 build=$(cd "$(dirname -- "$0")/.." && pwd)/build/bench
@@ -26,11 +27,14 @@ for size in "${sizes[@]}"; do
   took[list$size]=$(seconds "$pellwick" --json list)
   "$build/bin/plugincore-host" --json open "$world/document.pdf" --close >/dev/null  # fills fontconfig's cache
   took[match$size]=$(seconds "$build/bin/plugincore-host" --json open "$world/document.pdf" --close)
+  sed 's/-Regular/-Bold/' "$world/document.pdf" >"$world/missing.pdf"
+  took[replace$size]=$(seconds "$build/bin/plugincore-host" --json open "$world/missing.pdf" --close) ||
+    [[ $? == 3 ]]  # all of them are missing
   "$pellwick" stop >/dev/null
 done
 
 printf '%-10s %12s %12s %8s\n' '' "${sizes[0]} fonts" "${sizes[1]} fonts" growth
-for step in add list match; do
+for step in add list match replace; do
   awk -v s="$step" -v a="${took[$step${sizes[0]}]}" -v b="${took[$step${sizes[1]}]}" 'BEGIN {
     printf "%-10s %10.3f s %10.3f s %8.2f\n", s, a, b, b / a }'
 done

@@ -129,7 +129,8 @@ enum PluginPermission {
  *
  * ActivateDocumentFontsByPath: finds and activates `requestedFonts` (font records; kGS_PostScriptNameKey,
  * else kGS_FamilyKey and style) for the document. `matchedFonts` as above. `unmatchedFonts` receives the
- * requested record of each font that is not in the store. `reportedFonts` receives, per matched font, the
+ * requested record of each font that is not in the store, with the records of fonts that could replace it, if
+ * there are any, under kGS_PossibleReplacementsKey. `reportedFonts` receives, per matched font, the
  * requested record completed by the font's own, with the activation state from after the request and the
  * record from before it under kGS_MatchedFontKey. Any of the three may be null.
  *

@@ -37,7 +37,8 @@ TEST(ExampleScript, GoesAsThePageSays) {
     world.AddFonts({"Sample-Bold"});
     const std::string answers = world.Path("answers.json");
     std::ofstream(platform::Utf8Path(answers))
-        << R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}}])";
+        << R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}},)"
+           R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])";
     const std::vector<Exchange> script = ReadScript();
     ASSERT_GT(script.size(), 10u);
     pellwick::test::TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "FontRecordKeys.h"
 #include "VantorixPluginFramework.h"
 
 class FakeFramework final : public VantorixPluginFramework {
@@ -33,7 +34,10 @@ public:
     std::function<void()> whileDialogShows;  ///< called from within a dialog
     CFRef<CFDictionaryRef> commandBoxState;
     std::optional<int32_t> chosenCommand;
-    bool isResolving = false;
+    /// Names of candidates by the names of the fonts that they replace.
+    using Replacements = std::map<std::string, std::string>;
+    std::optional<Replacements> replacements;  ///< nothing: the dialog is not confirmed
+    std::vector<bool> onlyNewFlags;            ///< of the warnings of restricted fonts
     std::string initialFolder;
     std::optional<std::string> chosenFolder;
 
@@ -111,11 +115,18 @@ public:
     }
     bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                           CFMutableArrayRef skippedFonts) override {
+        if (whileDialogShows)
+            whileDialogShows();
         for (CFIndex index = 0; index < cf::Count(fonts); ++index)
-            cf::Append(isResolving ? resolvedFonts : skippedFonts, cf::Get<CFDictionaryRef>(fonts, index));
-        return Note("ResolveFonts") && isResolving;
+            SortOut(cf::Get<CFDictionaryRef>(fonts, index), resolvedFonts, skippedFonts);
+        return Note("ResolveFonts") && replacements.has_value();
     }
-    bool ShowRestrictedFonts(CFArrayRef, bool) override { return Note("RestrictedFonts"); }
+    bool ShowRestrictedFonts(CFArrayRef, bool onlyNew) override {
+        onlyNewFlags.push_back(onlyNew);
+        if (whileDialogShows)
+            whileDialogShows();
+        return Note("RestrictedFonts");
+    }
     bool ShowChooseFolder(CFStringRef, CFStringRef folder, CFStringRef* outNewFolder) override {
         initialFolder = cf::ToUtf8(folder);
         Note("ChooseFolder");
@@ -125,6 +136,17 @@ public:
     }
 
 private:
+    void SortOut(CFDictionaryRef font, CFMutableArrayRef resolvedFonts, CFMutableArrayRef skippedFonts) {
+        const std::string name = cf::GetString(font, kGS_PostScriptNameKey);
+        if (!replacements || !replacements->contains(name)) {
+            cf::Append(skippedFonts, font);
+            return;
+        }
+        const auto resolved = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, font));
+        const auto candidates = cf::GetDictionary(font, kGS_PossibleReplacementsKey);
+        cf::Set(resolved, kGS_MatchedFontKey, cf::GetDictionary(candidates, replacements->at(name)));
+        cf::Append(resolvedFonts, resolved);
+    }
     bool Note(const char* dialog) {
         shownDialogs.emplace_back(dialog);
         return true;

@@ -45,7 +45,6 @@ void AppendUnmatchedFonts(CFMutableArrayRef fonts) {
             const CFRef<CFMutableDictionaryRef> replacements = cf::MutableDictionary();
             cf::Set(replacements, "Replacement", replacement);
             cf::Set(font, kGS_PossibleReplacementsKey, replacements);
-            cf::Set(font, kGS_MatchedFontKey, replacement);  // as if the user had chosen it
         }
         cf::Append(fonts, font);
     }
@@ -75,6 +74,9 @@ void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool
 }
 void Perform(Symbol<kIndexOfCanExportFonts>, PluginFacadeRef, CFArrayRef, bool* outCanExport) {
     *outCanExport = current->canExport;
+}
+void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bool* outIsPermitted) {
+    *outIsPermitted = current->permissions.contains(permission);
 }
 void Perform(Symbol<kIndexOfGetAreSchemaVersionsInSync>, PluginFacadeRef, bool* outAreInSync) {
     *outAreInSync = current->areSchemaVersionsInSync;

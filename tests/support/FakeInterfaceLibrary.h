@@ -39,13 +39,15 @@ public:
     bool isAgentRunning = true;
     bool canExport = false;
     bool areSchemaVersionsInSync = false;
+    std::set<int32_t> permissions;  ///< what MotherMayI grants
     std::vector<std::pair<uint32_t, std::string>>
         fonts;                                     ///< what is matched by any request: ID, PostScript name
     std::map<uint32_t, std::string> fontVersions;  ///< by database ID
     std::set<uint32_t> remoteFonts;                ///< database IDs of fonts that are on the server alone
     std::map<uint32_t, std::string> fingerprints;  ///< XML by database ID
     std::vector<std::string> unmatchedFonts;       ///< PostScript names, of any request
-    int64_t replacementID = 0;  ///< database ID of the font that can replace any unmatched one; 0 for none
+    int64_t replacementID =
+        0;  ///< database ID of "Replacement", which can replace any unmatched font; 0: none
     int64_t activationStateBefore = 0;
     int64_t activationStateAfter = kFontActivationState_ActivatedByPlugin;
     std::map<uint32_t, bool> activationStates;

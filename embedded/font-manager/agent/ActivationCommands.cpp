@@ -6,6 +6,7 @@
 #include "FontRecordKeys.h"
 #include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "common/Limits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -63,6 +64,23 @@ Json ReportedFont(const Json& requested, const Json& before, const Json& after) 
     return reported;
 }
 
+/// What could replace the requests that were not matched, in their order: objects of font records by
+/// PostScript name.
+Json ReplacementsFor(CommandContext& context, const Json& requests, const Json& unmatched) {
+    Json replacements = Json::array();
+    for (const Json& index : unmatched) {
+        if (replacements.size() == kMaxFontsWithReplacements)
+            break;
+        context.audience.KeepAlive();
+        Json records = Json::object();
+        for (const Font& font :
+             context.manager.replacements.Find(RequestedFontOf(requests[index.get<size_t>()])))
+            records[font.postScriptName] = FontRecord(context.manager, font);
+        replacements.push_back(std::move(records));
+    }
+    return replacements;
+}
+
 Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     FontManager& manager = context.manager;
@@ -84,8 +102,10 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     for (const auto& [index, before] : matches)
         reported.push_back(ReportedFont(requests[index], FontRecord(manager, before),
                                         FontRecord(manager, *manager.fonts.Find(before.id))));
+    Json replacements = ReplacementsFor(context, requests, unmatched);
     return {{"matched", std::move(matched)},
             {"unmatched", std::move(unmatched)},
+            {"replacements", std::move(replacements)},
             {"reported", std::move(reported)}};
 }
 

@@ -18,6 +18,7 @@ FontManager::FontManager(const Locations& places)
     : locations(places),
       database(places.databasePath),
       fonts(database),
+      replacements(fonts),
       activations(database),
       workgroups(database),
       sets(database),

@@ -4,6 +4,7 @@
 #include "activation/Activation.h"
 #include "activation/FontVault.h"
 #include "activation/LinkFolder.h"
+#include "activation/ReplacementFinder.h"
 #include "common/Locations.h"
 #include "preview/PreviewFolder.h"
 #include "scan/FontScanner.h"
@@ -40,6 +41,7 @@ public:
     const Locations locations;
     Database database;
     FontStore fonts;
+    ReplacementFinder replacements;
     ActivationStore activations;
     WorkgroupStore workgroups;
     SetStore sets;

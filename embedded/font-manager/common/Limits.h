@@ -46,6 +46,11 @@ constexpr size_t kMaxXmpPacket = size_t{4} << 20;
 /// A log that has grown to this size is set aside, once, and begun anew.
 constexpr uint64_t kMaxLogSize = uint64_t{5} << 20;
 
+/// Fonts that are offered in place of one that is missing: more is no help in choosing. For so many missing
+/// fonts of one request, since nobody chooses for more by hand, and the answer must fit a message.
+constexpr size_t kMaxReplacements = 5;
+constexpr size_t kMaxFontsWithReplacements = 1000;
+
 /// Fonts per page of a list.
 constexpr int kListPageSize = 1000;
 

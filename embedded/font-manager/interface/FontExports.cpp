@@ -64,6 +64,31 @@ bool AreAllAvailable(const Json& fonts, size_t askedFor) {
     return fonts.size() == askedFor;
 }
 
+/// The requested record with the candidates in place of those that it may hold from another time. A bare name
+/// stays one.
+CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
+    const auto record = cf::As<CFDictionaryRef>(requested);
+    const bool hasStaleReplacements = cf::Get(record, kGS_PossibleReplacementsKey) != nullptr;
+    if (record == nullptr || (replacements.empty() && !hasStaleReplacements))
+        return RetainCF(requested);
+    auto unmatched = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record));
+    cf::Set(unmatched, kGS_PossibleReplacementsKey,
+            replacements.empty() ? nullptr : CFFromJson(replacements));
+    return unmatched;
+}
+
+void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts, const Json& result) {
+    const Json& indices = ArrayMember(result, "unmatched");
+    const Json& replacements = ArrayMember(result, "replacements");
+    for (size_t index = 0; index < indices.size(); ++index) {
+        const auto position = indices[index].get<CFIndex>();
+        if (position >= 0 && position < CFArrayGetCount(requestedFonts))
+            cf::Append(unmatchedFonts,
+                       UnmatchedFont(CFArrayGetValueAtIndex(requestedFonts, position),
+                                     index < replacements.size() ? replacements[index] : Json::object()));
+    }
+}
+
 }  // namespace
 
 uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier, CFStringRef,
@@ -90,13 +115,8 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
             return code;
         AppendJson(matchedFonts, ArrayMember(result, "matched"));
         AppendJson(reportedFonts, ArrayMember(result, "reported"));
-        if (unmatchedFonts == nullptr)
-            return code;
-        for (const Json& index : ArrayMember(result, "unmatched")) {
-            const auto position = index.get<CFIndex>();
-            if (position >= 0 && position < CFArrayGetCount(requestedFonts))
-                CFArrayAppendValue(unmatchedFonts, CFArrayGetValueAtIndex(requestedFonts, position));
-        }
+        if (unmatchedFonts != nullptr)
+            AppendUnmatched(unmatchedFonts, requestedFonts, result);
         return code;
     });
 }

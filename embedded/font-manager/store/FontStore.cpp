@@ -118,6 +118,7 @@ std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
 }
 
 int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
+    ++mRevision;
     mDatabase.Prepare("INSERT INTO files (checksum, name, extension, size) VALUES (?, ?, ?, ?)")
         .Bind(file.checksum, file.name, file.extension, file.size)
         .Run();
@@ -128,6 +129,7 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
 }
 
 void FontStore::RemoveFile(int64_t fileID) {
+    ++mRevision;
     mDatabase.Prepare("DELETE FROM files WHERE id = ?").Bind(fileID).Run();
 }
 
@@ -193,6 +195,14 @@ std::vector<Font> FontStore::ListFrom(const FontSources& sources, uint32_t after
         " UNION SELECT font_id FROM set_fonts WHERE set_id IN (SELECT value FROM json_each(?)))"
         " AND f.id > ? ORDER BY f.id LIMIT ?");
     return AllRows(query.Bind(JsonArray(sources.workgroupIDs), JsonArray(sources.setIDs), after, limit));
+}
+
+std::vector<FontNames> FontStore::ListNames() {
+    Statement query = mDatabase.Prepare("SELECT postscript_name, family, style FROM fonts");
+    std::vector<FontNames> names;
+    while (query.Step())
+        names.push_back({query.Text(0), query.Text(1), query.Text(2)});
+    return names;
 }
 
 int64_t FontStore::Count() {

@@ -45,6 +45,13 @@ struct Font : FontFace {
     int32_t workgroupType = 0;
 };
 
+/// What a font is called.
+struct FontNames {
+    std::string postScriptName;
+    std::string family;
+    std::string style;
+};
+
 /// Names that differ in blanks, hyphens, underscores or the case of the letters A to Z are one name.
 std::string SimplifyName(std::string_view name);
 
@@ -77,6 +84,10 @@ public:
     std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
     /// The same of the fonts that come from any of the sources.
     std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
+    /// The names of all fonts.
+    std::vector<FontNames> ListNames();
+    /// Another number after each change to which fonts there are.
+    uint64_t Revision() const { return mRevision; }
     int64_t Count();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
@@ -87,6 +98,7 @@ private:
     std::vector<Font> Query(const char* condition, std::string_view value);
 
     Database& mDatabase;
+    uint64_t mRevision = 1;
 };
 
 }  // namespace pellwick

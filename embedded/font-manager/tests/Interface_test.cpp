@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "TestFonts.h"
+#include "common/Limits.h"
 #include "platform/Files.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
@@ -108,6 +109,53 @@ TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     ASSERT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
     EXPECT_EQ(cf::Count(deactivated.get()), 2);
     EXPECT_TRUE(mWorld.LinkedFiles().empty());
+}
+
+TEST_F(InterfaceTest, FontsThatAreNotThereComeWithThoseThatAreNear) {
+    const auto requested = cf::MutableArray();
+    const auto stale = cf::MutableDictionary();
+    cf::Set(stale, "Stale", cf::MutableDictionary());
+    for (const char* name : {"Sample-Black", "Gone-Black"}) {
+        const auto font = cf::MutableDictionary();
+        cf::Set(font, kGS_PostScriptNameKey, name);
+        cf::Set(font, kGS_PossibleReplacementsKey, stale);
+        cf::Append(requested, font);
+    }
+    cf::Append(requested, "Sample-Thin");
+    const auto unmatched = cf::MutableArray();
+    ASSERT_EQ(mLibrary.ActivateDocumentFontsByPath(mLibrary.Facade(), CFSTR("/document.indd"),
+                                                   requested.get(), nullptr, unmatched.get(), nullptr),
+              0u);
+    ASSERT_EQ(cf::Count(unmatched.get()), 3);
+    const auto replacements = cf::GetDictionary(RecordAt(unmatched, 0), kGS_PossibleReplacementsKey);
+    EXPECT_EQ(cf::Count(replacements), 2);
+    const auto bold = cf::GetDictionary(replacements, "Sample-Bold");
+    EXPECT_EQ(cf::GetString(bold, kGS_FamilyKey), "Sample");
+    EXPECT_GT(cf::GetInt64(bold, kGS_DatabaseIDKey), 0);
+    EXPECT_EQ(cf::GetInt64(bold, kGS_ActivationStateKey), kFontActivationState_Inactive);
+    EXPECT_NE(cf::GetDictionary(replacements, "Sample-Italic"), nullptr);
+    EXPECT_EQ(cf::GetString(RecordAt(unmatched, 1), kGS_PostScriptNameKey), "Gone-Black");
+    EXPECT_EQ(cf::Get(RecordAt(unmatched, 1), kGS_PossibleReplacementsKey), nullptr);
+    EXPECT_EQ(CFArrayGetValueAtIndex(unmatched.get(), 2), CFArrayGetValueAtIndex(requested.get(), 2))
+        << "a bare name stays one";
+    EXPECT_TRUE(mWorld.LinkedFiles().empty()) << "nothing is activated unasked";
+}
+
+TEST_F(InterfaceTest, OnlySoManyMissingFontsComeWithReplacements) {
+    const auto requested = cf::MutableArray();
+    for (size_t index = 0; index <= kMaxFontsWithReplacements; ++index) {
+        const auto font = cf::MutableDictionary();
+        cf::Set(font, kGS_PostScriptNameKey, "Sample-Black");
+        cf::Append(requested, font);
+    }
+    const auto unmatched = cf::MutableArray();
+    ASSERT_EQ(mLibrary.ActivateDocumentFontsByPath(mLibrary.Facade(), CFSTR("/document.indd"),
+                                                   requested.get(), nullptr, unmatched.get(), nullptr),
+              0u);
+    const CFIndex last = cf::Count(unmatched.get()) - 1;
+    ASSERT_EQ(last, static_cast<CFIndex>(kMaxFontsWithReplacements));
+    EXPECT_NE(cf::Get(RecordAt(unmatched, last - 1), kGS_PossibleReplacementsKey), nullptr);
+    EXPECT_EQ(cf::Get(RecordAt(unmatched, last), kGS_PossibleReplacementsKey), nullptr);
 }
 
 TEST_F(InterfaceTest, TheUsersOwnActivationOutlivesADocument) {

@@ -127,7 +127,8 @@ PLUGINCORE_API uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBuffer
  * least. Null or empty: the names are read out of the document's file. Text that does not parse counts as no
  * fonts. bufferA, sizeA: receives the matched fonts, a JSON array. Each has the members of the font asked for
  * and of the font's record, "ActivationStatus" as it is now, and the record from before under "MatchedFont".
- * bufferB, sizeB: receives the fonts without a match, a JSON array.
+ * bufferB, sizeB: receives the fonts without a match, a JSON array. Fonts that come near stand under
+ * "PossibleReplacements", by their PostScript names; see InvokeResolveDialog.
  * numFontsActivated: receives the number of fonts that were made active.
  * 1 when fonts became active (the document should be redrawn), 0 when none did, PLUGINCORE_INDEX_OUT_OF_RANGE
  * when a buffer was too small (the fonts are active all the same), PLUGINCORE_INVALID_PARAM for a null
@@ -171,11 +172,36 @@ PLUGINCORE_API uint32_t UpdateDocumentFontUsage(const char* document, const char
  */
 PLUGINCORE_API uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount);
 
-/* Lets the user choose replacements for missing fonts. In this version: PLUGINCORE_NOT_IMPLEMENTED. */
+/*
+ * Lets the user choose replacements for fonts that a document lacks. Nothing is activated: hand the records
+ * under "MatchedFont" to ActivateChosenFonts.
+ * onlyIfResolvable: true shows the dialog only when at least one font has something to choose from; false
+ *   shows it in any case, provided that the font manager permits it (else every font counts as skipped).
+ * fontsJSON: a JSON array of font objects, as bufferB of HandleOpenExistingDocument holds them. What a font
+ *   can be replaced with stands under "PossibleReplacements": an object of font objects by their PostScript
+ *   names.
+ * resultBuffer, resultSize: receives the fonts for which a replacement was chosen, a JSON array of the
+ *   objects given, each with the chosen font object under "MatchedFont".
+ * skippedBuffer, skippedSize: receives all other fonts, a JSON array of the objects given; every font when
+ *   the dialog was cancelled. Each is in one of the two. For the skipped ones the host has to show its own
+ *   dialog. Written only when the result was.
+ * Twice the length of fontsJSON, in compact form, and 32 bytes per font suffice for each buffer; a retry
+ * after PLUGINCORE_INDEX_OUT_OF_RANGE asks the user again.
+ * 0, also when the dialog was cancelled; PLUGINCORE_NOT_FOUND with onlyIfResolvable when no font has anything
+ * to choose from; PLUGINCORE_INVALID_PARAM for text that is no array of fonts, an empty one, or a null
+ * pointer; PLUGINCORE_UNKNOWN_ERROR without the plug-in framework or while the dialog shows already;
+ * PLUGINCORE_INDEX_OUT_OF_RANGE when a buffer was too small. Main thread; blocks while the dialog shows.
+ */
 PLUGINCORE_API uint32_t InvokeResolveDialog(bool onlyIfResolvable, const char* fontsJSON, char* resultBuffer,
                                             size_t* resultSize, char* skippedBuffer, size_t* skippedSize);
 
-/* Warns of fonts whose use is restricted. In this version: PLUGINCORE_NOT_IMPLEMENTED. */
+/*
+ * Warns the user of fonts whose use is restricted. onlyNew: says of the fonts that they are new in the
+ * document. fontsJSON: a JSON array of font objects with "PostScriptName"; with none in it nothing is shown.
+ * 0, whatever the user answered; PLUGINCORE_INVALID_PARAM for text that is no array or a null pointer;
+ * PLUGINCORE_UNKNOWN_ERROR without the plug-in framework or while the warning shows already. Main thread;
+ * blocks while the dialog shows.
+ */
 PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fontsJSON);
 
 /* ---- Menus */

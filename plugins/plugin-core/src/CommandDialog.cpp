@@ -2,10 +2,10 @@
 
 #include <CoreFoundation++/CFRef.h>
 
+#include "CallScopes.h"
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "MenuCommands.h"
-#include "TraceLog.h"
 
 namespace {
 
@@ -50,15 +50,8 @@ ErrorCode ShowCommandBox(const std::string& document) {
 
 ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
     static bool isShowing = false;
-    LogMessage(1, "Entering %s('%s', ...)", kName, OrNull(document));
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-    const ScopeExit exitLine(
-        [&] { LogMessage(-1, "Exiting %s() with result %d", kName, static_cast<int>(result)); });
-    if (isShowing) {
-        LogMessage(0, "ERROR: %s() called recursively.", kName);
-        return result;
-    }
-    isShowing = true;
-    const ScopeExit closed([] { isShowing = false; });
-    return result = ShowCommandBox(document != nullptr ? document : "");
+    TracedCall call(kName, OrNull(document));
+    if (const DialogTurn turn(isShowing, kName); turn)
+        call.result = ShowCommandBox(document != nullptr ? document : "");
+    return call.result;
 }

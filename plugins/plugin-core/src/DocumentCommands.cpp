@@ -4,6 +4,7 @@
 
 #include "CommonFunctionality.h"
 #include "DocumentFonts.h"
+#include "FontDialogs.h"
 #include "FontManagerInterface.h"
 #include "GFile.h"
 #include "LocalizedStringIDs.h"
@@ -15,6 +16,7 @@ namespace {
 using CommonFunctionality::Document;
 
 constexpr ErrorCode kNotCompleted = CoreErrorCodes::kOutOfMemory;
+constexpr char kCheckName[] = "PluginCoreInterface::HandleCheckDocumentFonts";
 constexpr char kLastFolder[] = "LastCFOFolder";
 constexpr int kMostSetsOfOneName = 99;
 
@@ -166,21 +168,14 @@ std::string NamesOf(CFArrayRef fonts) {
     return names;
 }
 
-bool AnyIsResolvable(CFArrayRef fonts) {
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(fonts, index);
-        if (cf::Count(cf::GetDictionary(font, kGS_PossibleReplacementsKey)) > 0)
-            return true;
-    }
-    return false;
-}
-
 /// Lets the user choose replacements, and activates them for the document.
 ErrorCode ResolveFonts(const OneTrackedDocument& document, CFArrayRef missingFonts) {
     const CFRef<CFMutableArrayRef> resolved = cf::MutableArray();
     const CFRef<CFMutableArrayRef> skipped = cf::MutableArray();
-    if (!Framework().ShowResolveFonts(missingFonts, resolved.get(), skipped.get()))
-        return CoreErrorCodes::kSuccess;
+    const ErrorCode code =
+        FontDialogs::ShowResolveFonts(kCheckName, missingFonts, resolved.get(), skipped.get());
+    if (code != CoreErrorCodes::kSuccess)
+        return code;
     const CFRef<CFMutableArrayRef> replacements = cf::MutableArray();
     for (CFIndex index = 0; index < cf::Count(resolved.get()); ++index)
         cf::Append(replacements,
@@ -199,7 +194,8 @@ ErrorCode TellMissingFonts(const OneTrackedDocument& document) {
         return CoreErrorCodes::kSuccess;
     }
     Framework().ShowMessageAbout(message_boxes::kFontsMissing, NamesOf(missing.get()));
-    return AnyIsResolvable(missing.get()) ? ResolveFonts(document, missing.get()) : CoreErrorCodes::kSuccess;
+    return FontDialogs::CountResolvable(missing.get()) > 0 ? ResolveFonts(document, missing.get())
+                                                           : CoreErrorCodes::kSuccess;
 }
 
 }  // namespace
@@ -242,7 +238,7 @@ ErrorCode HandleCreateDocumentSet(const std::string& document) {
 }
 
 ErrorCode HandleCheckDocumentFonts(const std::string& document, const std::string& fontsJSON) {
-    const TracedCommand trace("PluginCoreInterface::HandleCheckDocumentFonts", document);
+    const TracedCommand trace(kCheckName, document);
     const CommandTarget target = FindTarget(document);
     if (!target.document)
         return kNotCompleted;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "AllTrackedDocuments.h"
+#include "CallScopes.h"
 #include "CommonFunctionality.h"
 #include "DocumentFonts.h"
 #include "FontListJSON.h"
@@ -53,28 +54,12 @@ bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& 
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
 }
 
-/// The opening and the closing line of an event, the latter however it ends, with its result.
-class TracedEvent {
-public:
-    TracedEvent(const char* name, const std::string& subject) : mName(name) {
-        LogMessage(1, "Entering %s('%s', ...)", mName, subject.c_str());
-    }
-    ~TracedEvent() { LogMessage(-1, "Exiting %s() with result %d", mName, static_cast<int>(result)); }
-    TracedEvent(const TracedEvent&) = delete;
-    TracedEvent& operator=(const TracedEvent&) = delete;
-
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-
-private:
-    const char* mName;
-};
-
 }  // namespace
 
 namespace DocumentEvents {
 
 ErrorCode HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize) {
-    TracedEvent event("PluginCoreInterface::HandleCreateNewDocument", "");
+    TracedCall event("PluginCoreInterface::HandleCreateNewDocument", "");
     const Document record = MakeRecord();
     record->SetLastKnownModificationTime(0);
     record->isNewDocument = true;
@@ -116,7 +101,7 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
 }
 
 ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
-    TracedEvent event("PluginCoreInterface::HandleSaveDocument", path);
+    TracedCall event("PluginCoreInterface::HandleSaveDocument", path);
     const Document record = FindOrCreateRecord(path);
     if (HandOverFonts(path, *record, hint)) {
         record->lastSaveTime = Now();
@@ -130,7 +115,7 @@ ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
 }
 
 ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) {
-    TracedEvent event("PluginCoreInterface::HandleCloseDocument", path);
+    TracedCall event("PluginCoreInterface::HandleCloseDocument", path);
     const Document record = Documents().FindTrackedDocumentByPath(path);
     if (!record)
         return event.result;
@@ -143,7 +128,7 @@ ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) 
 }
 
 ErrorCode SetPathForDocument(const std::string& path, const std::string& documentId) {
-    TracedEvent event("PluginCoreInterface::SetPathForDocument", path);
+    TracedCall event("PluginCoreInterface::SetPathForDocument", path);
     const Document record = Documents().FindTrackedDocumentByIdentifier(documentId);
     if (!record)
         return event.result = CoreErrorCodes::kNotFound;
@@ -168,7 +153,7 @@ ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBu
 }
 
 ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string& fontUsage) {
-    TracedEvent event("PluginCoreInterface::UpdateDocumentFontUsage", document);
+    TracedCall event("PluginCoreInterface::UpdateDocumentFontUsage", document);
     const Document record = CommonFunctionality::FindDocument(document);
     if (!record)
         return event.result = CoreErrorCodes::kNotFound;
@@ -177,7 +162,7 @@ ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string
 }
 
 ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJSON, uint32_t* outCount) {
-    TracedEvent event("PluginCoreInterface::ActivateChosenFonts", path);
+    TracedCall event("PluginCoreInterface::ActivateChosenFonts", path);
     const Document record = Documents().FindTrackedDocumentByPath(path);
     *outCount = 0;
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();

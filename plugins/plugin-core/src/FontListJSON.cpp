@@ -123,5 +123,6 @@ ErrorCode AppendFontsFromJSON(const std::string& text, FontListForm form, CFMuta
 }
 
 ErrorCode FontsToJSON(CFArrayRef fonts, std::string& text) {
-    return GJSONUtils::Serialise(JSONFromArray(fonts, 0), text);
+    constexpr int kListDepth = -1;  // each font is the root of its record
+    return GJSONUtils::Serialise(JSONFromArray(fonts, kListDepth), text);
 }

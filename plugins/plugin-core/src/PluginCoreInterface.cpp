@@ -10,6 +10,7 @@
 #include "CommonFunctionality.h"
 #include "DocumentEvents.h"
 #include "FailureReport.h"
+#include "FontDialogs.h"
 #include "FontManagerInterface.h"
 #include "GeneralInterface.h"
 #include "HostMenuJSON.h"
@@ -266,12 +267,23 @@ uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* 
     });
 }
 
-uint32_t InvokeResolveDialog(bool, const char*, char*, size_t*, char*, size_t*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t InvokeResolveDialog(bool onlyIfResolvable, const char* fontsJSON, char* resultBuffer,
+                             size_t* resultSize, char* skippedBuffer, size_t* skippedSize) {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        if (AnyNull(fontsJSON, resultBuffer, resultSize, skippedBuffer, skippedSize))
+            return RefuseNull(name, fontsJSON);
+        return FontDialogs::InvokeResolveDialog(onlyIfResolvable, fontsJSON, resultBuffer, resultSize,
+                                                skippedBuffer, skippedSize);
+    });
 }
 
-uint32_t InvokeRestrictedFontsDialog(bool, const char*) {
-    return CoreErrorCodes::kNotImplemented;
+uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fontsJSON) {
+    constexpr auto name = __func__;
+    return Guarded(name, [&]() -> uint32_t {
+        return fontsJSON != nullptr ? FontDialogs::InvokeRestrictedFontsDialog(onlyNew, fontsJSON)
+                                    : RefuseNull(name, fontsJSON);
+    });
 }
 
 // ---- Menus

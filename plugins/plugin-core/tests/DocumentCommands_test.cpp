@@ -166,12 +166,12 @@ TEST_F(DocumentCommandsTest, MissingFontsAreNamedAndReplacedAsTheUserChooses) {
     EXPECT_TRUE(framework.shownDialogs.empty()) << "there is nothing to choose from";
 
     library.replacementID = 12;
-    framework.isResolving = true;
+    framework.replacements = FakeFramework::Replacements{{"Gone-Roman", "Replacement"}};
     library.calls.clear();
     EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
     EXPECT_THAT(framework.shownDialogs, ElementsAre("ResolveFonts"));
     EXPECT_EQ(library.CallsOf("ActivateFonts"), 1);
-    framework.isResolving = false;
+    framework.replacements.reset();
     EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
     EXPECT_EQ(library.CallsOf("ActivateFonts"), 1);
 }

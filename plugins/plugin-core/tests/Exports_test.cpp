@@ -77,6 +77,18 @@ TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
          [&] { return ActivateChosenFonts(nullptr, "[]", &number); }},
         {"chosen, count", PLUGINCORE_INVALID_PARAM, [] { return ActivateChosenFonts("/d", "[]", nullptr); }},
         {"chosen, fonts", 0, [&] { return ActivateChosenFonts("/d", nullptr, &number); }},
+        {"resolve, fonts", PLUGINCORE_INVALID_PARAM,
+         [&] { return InvokeResolveDialog(false, nullptr, text, &size, other, &otherSize); }},
+        {"resolve, result", PLUGINCORE_INVALID_PARAM,
+         [&] { return InvokeResolveDialog(false, "[{}]", nullptr, &size, other, &otherSize); }},
+        {"resolve, result size", PLUGINCORE_INVALID_PARAM,
+         [&] { return InvokeResolveDialog(false, "[{}]", text, nullptr, other, &otherSize); }},
+        {"resolve, skipped", PLUGINCORE_INVALID_PARAM,
+         [&] { return InvokeResolveDialog(false, "[{}]", text, &size, nullptr, &otherSize); }},
+        {"resolve, skipped size", PLUGINCORE_INVALID_PARAM,
+         [&] { return InvokeResolveDialog(false, "[{}]", text, &size, other, nullptr); }},
+        {"restricted, fonts", PLUGINCORE_INVALID_PARAM,
+         [] { return InvokeRestrictedFontsDialog(true, nullptr); }},
         {"menus, document", PLUGINCORE_INDEX_OUT_OF_RANGE, [&] { return GetMenus(nullptr, text, &size); }},
         {"menus, buffer", PLUGINCORE_INVALID_PARAM, [&] { return GetMenus("", nullptr, &size); }},
         {"menus, size", PLUGINCORE_INVALID_PARAM, [&] { return GetMenus("", text, nullptr); }},
@@ -117,6 +129,10 @@ TEST_F(ExportsTest, BeforeItIsStartedNothingIsOffered) {
               PLUGINCORE_SUCCESS);
     EXPECT_EQ(fontCount, 0);
     EXPECT_EQ(InvokeCommandDialog(""), PLUGINCORE_INVALID_PARAM) << "no framework to show it";
+    const char* resolvable = R"([{"PossibleReplacements":{"a":{}}}])";
+    EXPECT_EQ(InvokeResolveDialog(true, resolvable, text, &size, other, &otherSize),
+              PLUGINCORE_UNKNOWN_ERROR);
+    EXPECT_EQ(InvokeRestrictedFontsDialog(false, resolvable), PLUGINCORE_UNKNOWN_ERROR);
     EXPECT_EQ(HandleMenuSelection("/d.ai", R"({"m":[{"id":"x","label":"About..."}]})", "x", ""), 0u);
     EXPECT_EQ(IdleEvent(), 0u);
     EXPECT_EQ(ProcessPanelMessages(true), 0u);
@@ -150,6 +166,9 @@ TEST_F(ExportsTest, TextThatIsNotUtf8IsAnsweredWithACode) {
         EXPECT_EQ(
             HandleMenuSelection(bad, R"({"m":[{"id":"x","label":"Check Document's Fonts"}]})", "x", bad), 0u);
         EXPECT_EQ(InvokeCommandDialog(bad), 0u);
+        EXPECT_EQ(InvokeResolveDialog(true, badJSON.c_str(), text, &size, other, &otherSize),
+                  PLUGINCORE_INVALID_PARAM);
+        EXPECT_EQ(InvokeRestrictedFontsDialog(true, badJSON.c_str()), PLUGINCORE_INVALID_PARAM);
     }
     EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 5);
 }

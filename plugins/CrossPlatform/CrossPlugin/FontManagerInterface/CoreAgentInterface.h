@@ -72,6 +72,8 @@ public:
     bool IsLoggedIn();
     bool IsRunningStandalone();
     bool CanExportFromWorkgroup(CFArrayRef fonts);
+    /// Whether the user may be shown missing fonts to choose replacements for.
+    bool canShowPostscriptReplacements();
     bool AreSchemaVersionsInSync();
 
     /// Appends the user's workgroups that the filter lets through, with the names to show.

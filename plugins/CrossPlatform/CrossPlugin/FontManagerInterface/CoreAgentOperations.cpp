@@ -98,6 +98,13 @@ bool CoreAgentInterface::CanExportFromWorkgroup(CFArrayRef fonts) {
            canExport;
 }
 
+bool CoreAgentInterface::canShowPostscriptReplacements() {
+    constexpr int32_t kPermission = kPermission_ShowPostscriptReplacements;
+    bool isPermitted = false;
+    return Call(&PluginFunctionTable::pfMotherMayI, kPermission, &isPermitted) == CoreErrorCodes::kSuccess &&
+           isPermitted;
+}
+
 bool CoreAgentInterface::AreSchemaVersionsInSync() {
     const bool areInSync = Ask(&PluginFunctionTable::pfGetAreSchemaVersionsInSync, false);
     if (!areInSync)

@@ -68,6 +68,7 @@ const Operation kOperations[] = {
     {"GetRunningStandalone", [](CoreAgentInterface& agent) { return agent.IsRunningStandalone(); }},
     {"CanExportFonts",
      [](CoreAgentInterface& agent) { return agent.CanExportFromWorkgroup(OneFont().get()); }},
+    {"MotherMayI", [](CoreAgentInterface& agent) { return agent.canShowPostscriptReplacements(); }},
     {"GetAreSchemaVersionsInSync", [](CoreAgentInterface& agent) { return agent.AreSchemaVersionsInSync(); }},
     {"GetAllWorkgroupsForUser",
      [](CoreAgentInterface& agent) {
@@ -157,6 +158,7 @@ private:
 
 TEST_F(FaultMatrix, EveryOperationHealsOrGivesUpAsDocumented) {
     library.canExport = library.areSchemaVersionsInSync = true;
+    library.permissions = {kPermission_ShowPostscriptReplacements};
     int count = 0;
     for (const Operation& operation : kOperations) {
         for (const Loss& loss : kLosses) {

@@ -154,6 +154,10 @@ bool VPFInterface::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolved
     return mFramework != nullptr && mFramework->ShowResolveFonts(fonts, resolvedFonts, skippedFonts);
 }
 
+bool VPFInterface::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
+    return mFramework != nullptr && mFramework->ShowRestrictedFonts(fonts, onlyNew);
+}
+
 bool VPFInterface::ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder) {
     if (mFramework == nullptr)
         return false;

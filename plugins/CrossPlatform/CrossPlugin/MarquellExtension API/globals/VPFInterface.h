@@ -77,6 +77,8 @@ public:
     bool ShowCommandBox(CFDictionaryRef state, int32_t& command);
     /// See VantorixPluginFramework::ShowResolveFonts.
     bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts, CFMutableArrayRef skippedFonts);
+    /// See VantorixPluginFramework::ShowRestrictedFonts.
+    bool ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew);
     /// `folder`: a full path, UTF-8.
     bool ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder);
 

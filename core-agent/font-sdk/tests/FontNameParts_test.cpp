@@ -1,0 +1,80 @@
+#include "FontNameParts.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string Describe(const FontNameParts& parts) {
+    const FontStyle& style = parts.style;
+    return parts.familyName + " " + std::to_string(style.weight) + " " + std::to_string(style.width) +
+           (style.isSlanted ? " slanted" : "") + (style.others.empty() ? "" : " " + style.others);
+}
+
+}  // namespace
+
+TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"Sample", "sample 400 5"},
+        {"Sample-Regular", "sample 400 5"},
+        {"TimesNewRomanPS-BoldItalicMT", "timesnew 700 5 slanted"},
+        {"TimesNewRomanPSMT", "timesnew 400 5"},
+        {"ArialMT", "arial 400 5"},
+        {"Arial-Black", "arial 900 5"},
+        {"ArialNarrow-Bold", "arial 700 3"},
+        {"ABCDEF+Arial,BoldItalic", "arial 700 5 slanted"},
+        {"HelveticaNeueLTStd-BdCn", "helveticaneue 700 3"},
+        {"HelveticaNeueLTStd-LtIt", "helveticaneue 300 5 slanted"},
+        {"HelveticaNeueLT-75Bold", "helveticaneue 700 5"},
+        {"MinionPro-SemiboldIt", "minion 600 5 slanted"},
+        {"MinionPro-BoldCapt", "minion 700 5 capt"},
+        {"DINPro-ExtraLight", "din 200 5"},
+        {"Open-Sans", "opensans 400 5"},
+        {"SampleSans-Variable", "samplesans 400 5"},
+        {"Sample-BoldItallic", "sample 700 5 slanted"},
+        {"Bold-Italic", "bold 400 5 slanted"},
+        {"Univers-UltraCondensedThin", "univers 100 1"},
+        {"\xC3\x9C"
+         "berschrift-Fett",
+         "\xC3\x9C"
+         "berschriftfett 400 5"},
+        {"-", " 400 5"},
+        {"", " 400 5"},
+    };
+    for (const auto& [name, expected] : cases)
+        EXPECT_EQ(Describe(ParsePostScriptName(name)), expected) << name;
+}
+
+TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
+    const std::pair<std::pair<const char*, const char*>, const char*> cases[] = {
+        {{"Helvetica Neue LT Std", "77 Bold Condensed"}, "HelveticaNeueLTStd-BdCn"},
+        {{"Helvetica Neue LT Std Light", "Italic"}, "HelveticaNeueLTStd-LtIt"},
+        {{"Arial Black", "Regular"}, "Arial-Black"},
+        {{"Times New Roman", "Bold Italic"}, "TimesNewRomanPS-BoldItalicMT"},
+        {{"Sample", ""}, "Sample-Regular"},
+    };
+    for (const auto& [names, postScriptName] : cases)
+        EXPECT_EQ(Describe(ParseFamilyAndStyle(names.first, names.second)),
+                  Describe(ParsePostScriptName(postScriptName)));
+}
+
+TEST(FontNameParts, WholeNamesAreTheSameHoweverTheyAreSpelled) {
+    for (const char* name : {"Sample Sans Bold", "SAMPLE-SANS_BOLD", "ABCDEF+SampleSans-Bold",
+                             "SampleSansStd-Bold", "SampleSansPS-BoldMT", "SampleSansLT-Bold"})
+        EXPECT_EQ(ParsePostScriptName(name).wholeName, "samplesansbold") << name;
+    EXPECT_EQ(ParsePostScriptName("samplestd bold").plainName,
+              ParsePostScriptName("SampleStd-Bold").plainName);
+    EXPECT_EQ(ParsePostScriptName("ABC+Sample").wholeName, "abcsample") << "that is no subset tag";
+    EXPECT_EQ(ParsePostScriptName("Pro").wholeName, "pro") << "a mark is never the whole name";
+}
+
+TEST(FontNameParts, StylesAreNearerTheLessTheyLookDifferent) {
+    const char* nearestFirst[] = {"S-Bold",       "S-BoldCapt",   "S-Black",
+                                  "S-BoldItalic", "S-BoldNarrow", "S-LightCondensedItalic"};
+    const FontStyle wanted = ParsePostScriptName("S-Bold").style;
+    int last = -1;
+    for (const char* name : nearestFirst) {
+        const int distance = StyleDistance(wanted, ParsePostScriptName(name).style);
+        EXPECT_GT(distance, last) << name;
+        last = distance;
+    }
+}

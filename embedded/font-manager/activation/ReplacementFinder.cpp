@@ -1,0 +1,99 @@
+#include "activation/ReplacementFinder.h"
+
+#include <algorithm>
+#include <set>
+
+#include "FontRecordKeys.h"
+#include "common/Limits.h"
+
+namespace pellwick {
+namespace {
+
+// A name that is only spelled differently is nearer than any other font of the family.
+constexpr int kSamePlainName = 0;
+constexpr int kSameWholeName = 1;
+constexpr int kSameFamily = 2;
+
+void Enter(std::unordered_map<std::string, std::vector<uint32_t>>& index, const std::string& name,
+           uint32_t position) {
+    if (name.empty())
+        return;
+    std::vector<uint32_t>& positions = index[name];
+    if (positions.empty() || positions.back() != position)
+        positions.push_back(position);
+}
+
+}  // namespace
+
+void ReplacementFinder::MakeIndex() {
+    mNames.clear();
+    for (Index* index : {&mByPlainName, &mByWholeName, &mByFamily})
+        index->clear();
+    for (const FontNames& names : mFonts.ListNames())
+        Add(names);
+    mRevision = mFonts.Revision();
+}
+
+void ReplacementFinder::Add(const FontNames& names) {
+    const auto position = static_cast<uint32_t>(mNames.size());
+    const FontNameParts byPostScript = ParsePostScriptName(names.postScriptName);
+    const FontNameParts byFamily = ParseFamilyAndStyle(names.family, names.style);
+    for (const FontNameParts& parts : {byPostScript, byFamily}) {
+        Enter(mByPlainName, parts.plainName, position);
+        Enter(mByWholeName, parts.wholeName, position);
+        Enter(mByFamily, parts.familyName, position);
+    }
+    mNames.push_back({names.postScriptName, byFamily.style});
+}
+
+void ReplacementFinder::Measure(const FontNameParts& wanted, Distances& distances) const {
+    const auto note = [&](const Index& index, const std::string& name, const auto& distanceOf) {
+        const auto found = index.find(name);
+        if (found == index.end())
+            return;
+        for (const uint32_t position : found->second) {
+            const int distance = distanceOf(mNames[position]);
+            const auto [known, isNew] = distances.emplace(position, distance);
+            known->second = std::min(known->second, distance);
+        }
+    };
+    note(mByPlainName, wanted.plainName, [](const NamedFont&) { return kSamePlainName; });
+    note(mByWholeName, wanted.wholeName, [](const NamedFont&) { return kSameWholeName; });
+    note(mByFamily, wanted.familyName,
+         [&](const NamedFont& font) { return kSameFamily + StyleDistance(wanted.style, font.style); });
+}
+
+void ReplacementFinder::AppendBestOf(const std::string& postScriptName, const RequestedFont& request,
+                                     std::vector<Font>& replacements) {
+    std::vector<Font> fonts = mFonts.FindByPostScriptName(postScriptName);
+    fonts.erase(
+        std::remove_if(fonts.begin(), fonts.end(),
+                       [](const Font& font) { return font.activationState == kFontActivationState_Missing; }),
+        fonts.end());
+    SortByMatch(fonts, request);
+    if (!fonts.empty())
+        replacements.push_back(std::move(fonts.front()));
+}
+
+std::vector<Font> ReplacementFinder::Find(const RequestedFont& request) {
+    if (mRevision != mFonts.Revision())
+        MakeIndex();
+    Distances distances;
+    Measure(ParsePostScriptName(request.postScriptName), distances);
+    Measure(ParseFamilyAndStyle(request.family, request.style), distances);
+    std::set<std::pair<int, std::string>> nearest;
+    for (const auto& [position, distance] : distances)
+        nearest.emplace(distance, mNames[position].postScriptName);
+
+    std::vector<Font> replacements;
+    std::set<std::string> seen;
+    for (const auto& [distance, postScriptName] : nearest) {
+        if (seen.insert(postScriptName).second)
+            AppendBestOf(postScriptName, request, replacements);
+        if (replacements.size() == kMaxReplacements)
+            break;
+    }
+    return replacements;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,116 @@
+#include "FontDialogs.h"
+
+#include <CoreFoundation++/CFRef.h>
+
+#include "CallScopes.h"
+#include "FontListJSON.h"
+#include "FontManagerInterface.h"
+#include "MarquellGlobals.h"
+#include "TextBuffer.h"
+
+namespace {
+
+/// Null without the framework's library, too: nobody would see the dialog.
+VPFInterface* FrameworkWithDialogs() {
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    return framework != nullptr && framework->Framework() != nullptr ? framework : nullptr;
+}
+
+/// Whether fonts may be shown for which there is perhaps nothing to choose.
+bool MayShowFontsWithoutReplacements() {
+    CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    return agent != nullptr && agent->canShowPostscriptReplacements();
+}
+
+void LogSkippedFonts(CFArrayRef fonts) {
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+        const std::string name = cf::GetString(cf::Get<CFDictionaryRef>(fonts, index), kGS_PostScriptNameKey);
+        LogMessage(0, "This font was skipped:  '%s' -- host app's Find Fonts dialog will be displayed",
+                   name.c_str());
+    }
+}
+
+/// What became of the fonts of a list: each is in one of the two.
+struct SortedFonts {
+    CFRef<CFMutableArrayRef> resolved = cf::MutableArray();
+    CFRef<CFMutableArrayRef> skipped = cf::MutableArray();
+};
+
+/// Fonts that the user may not be shown are skipped unseen.
+ErrorCode ResolveFonts(const char* caller, bool onlyIfResolvable, CFArrayRef fonts,
+                       const SortedFonts& sorted) {
+    if (onlyIfResolvable || MayShowFontsWithoutReplacements())
+        return FontDialogs::ShowResolveFonts(caller, fonts, sorted.resolved.get(), sorted.skipped.get());
+    CFArrayAppendArray(sorted.skipped.get(), fonts, CFRangeMake(0, CFArrayGetCount(fonts)));
+    return CoreErrorCodes::kSuccess;
+}
+
+}  // namespace
+
+namespace FontDialogs {
+
+CFIndex CountResolvable(CFArrayRef fonts) {
+    CFIndex count = 0;
+    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+        const auto font = cf::Get<CFDictionaryRef>(fonts, index);
+        if (cf::Count(cf::GetDictionary(font, kGS_PossibleReplacementsKey)) > 0)
+            ++count;
+    }
+    return count;
+}
+
+ErrorCode ShowResolveFonts(const char* caller, CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
+                           CFMutableArrayRef skippedFonts) {
+    static bool isShowing = false;
+    const DialogTurn turn(isShowing, caller);
+    VPFInterface* framework = FrameworkWithDialogs();
+    if (!turn || framework == nullptr)
+        return CoreErrorCodes::kUnknownError;
+    framework->ShowResolveFonts(fonts, resolvedFonts, skippedFonts);  // unconfirmed, it skips every font
+    return CoreErrorCodes::kSuccess;
+}
+
+ErrorCode InvokeResolveDialog(bool onlyIfResolvable, const std::string& fontsJSON, char* resultBuffer,
+                              size_t* resultSize, char* skippedBuffer, size_t* skippedSize) {
+    constexpr char kName[] = "PluginCoreInterface::InvokeResolveDialog";
+    TracedCall call(kName, fontsJSON);
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    if (AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
+        return call.result = CoreErrorCodes::kInvalidParam;
+    if (cf::Count(fonts.get()) == 0) {
+        LogMessage(0, "WARNING: nothing to resolve in %s", kName);
+        return call.result = CoreErrorCodes::kInvalidParam;
+    }
+    if (onlyIfResolvable && CountResolvable(fonts.get()) == 0)
+        return call.result = CoreErrorCodes::kNotFound;
+    const SortedFonts sorted;
+    call.result = ResolveFonts(kName, onlyIfResolvable, fonts.get(), sorted);
+    if (call.result != CoreErrorCodes::kSuccess)
+        return call.result;
+    LogSkippedFonts(sorted.skipped.get());
+    call.result = CopyFontsToBuffer(sorted.resolved.get(), resultBuffer, resultSize);
+    if (call.result == CoreErrorCodes::kSuccess)
+        call.result = CopyFontsToBuffer(sorted.skipped.get(), skippedBuffer, skippedSize);
+    return call.result;
+}
+
+ErrorCode InvokeRestrictedFontsDialog(bool onlyNew, const std::string& fontsJSON) {
+    constexpr char kName[] = "PluginCoreInterface::InvokeRestrictedFontsDialog";
+    static bool isShowing = false;
+    TracedCall call(kName, fontsJSON);
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    if (AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
+        return call.result = CoreErrorCodes::kInvalidParam;
+    if (cf::Count(fonts.get()) == 0) {
+        LogMessage(0, "WARNING: nothing to warn about in %s", kName);
+        return call.result = CoreErrorCodes::kSuccess;
+    }
+    const DialogTurn turn(isShowing, kName);
+    VPFInterface* framework = FrameworkWithDialogs();
+    if (!turn || framework == nullptr)
+        return call.result;
+    framework->ShowRestrictedFonts(fonts.get(), onlyNew);
+    return call.result = CoreErrorCodes::kSuccess;
+}
+
+}  // namespace FontDialogs
