@@ -33,6 +33,7 @@ public:
     void ShowProgressHint(const char*) override {}
     void Refresh(bool, bool) override {}
     void OnWorkgroupsChanged() override { ++refreshes; }
+    void SendKeyPress(const KeyPress&) override {}
 };
 
 class NotificationsTest : public FacadeTest {

@@ -29,6 +29,7 @@ public:
     void ShowProgressHint(const char* hint) override { lastHint = hint; }
     void Refresh(bool, bool) override {}
     void OnWorkgroupsChanged() override {}
+    void SendKeyPress(const KeyPress&) override {}
 };
 
 constexpr char kModule[] = "/plugins/libPluginCore.so";
