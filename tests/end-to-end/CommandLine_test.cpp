@@ -55,6 +55,7 @@ TEST(CommandLine, DamagedFontsAreNamedAndTheRestIsAdded) {
 
 TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     HostWorld world;
+    world.AddFonts({"Sample-Bold"});
     const std::string document = world.WriteDocument("secret.pdf", {"Sample-Bold"});
     chmod(document.c_str(), 0);
     const std::string pipe = world.Path("pipe.ai");
