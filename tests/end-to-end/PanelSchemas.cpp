@@ -62,16 +62,17 @@ Match Find(Direction direction, const json& message) {
     if (!message.is_object())
         return {"", message.dump() + " is no JSON object"};
     const json& definitions = SchemaOf(direction).at("definitions");
-    std::string allFaults;
+    std::string fewestFaults;  // of those that have its number
     for (const std::string& name : Names(direction)) {
         if (!HasNumberOf(definitions, name, message))
             continue;
         const std::string faults = Faults(definitions, definitions.at(name), message);
         if (faults.empty())
             return {name, ""};
-        allFaults += "\nno " + name + ":" + faults;
+        if (fewestFaults.empty() || faults.size() < fewestFaults.size())
+            fewestFaults = faults;
     }
-    return {"", message.dump() + " stands in no schema" + allFaults};
+    return {"", message.dump() + " stands in no schema" + fewestFaults};
 }
 
 }  // namespace panel_schemas
