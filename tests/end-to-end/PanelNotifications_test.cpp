@@ -24,6 +24,8 @@ TEST_F(PanelTest, HearsOfFontsThatAreActivatedElsewhere) {
                                                            {{"messageID", 25}, {"fontIDs", {2}}}}))
         << "one message of a kind, in the order of their numbers";
     EXPECT_THAT(Idle(), IsEmpty());
+    ASSERT_EQ(Pellwick({"activate", "Other-Regular"}), 0);
+    EXPECT_EQ(WaitFor(24)["fontIDs"], json({3})) << "the others were told";
 }
 
 TEST_F(PanelTest, HearsWhatBecomesOfTheFontManager) {
