@@ -39,6 +39,8 @@ protected:
             return 0;
         }
         ErrorCode PopNotifications() override { return popCode; }
+        ErrorCode SendMessage(const std::string&) override { return 0; }
+        ErrorCode SendFontImages(CFDictionaryRef) override { return 0; }
 
         ErrorCode selectCode = 0;
         ErrorCode popCode = 0;
