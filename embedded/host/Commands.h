@@ -26,6 +26,10 @@ struct MenuOptions {
     bool json = false;
 };
 
+struct EventsOptions {
+    std::optional<double> seconds;  ///< how long to go on; else until Enter
+};
+
 /// Opens documents, shows their fonts, keeps them open, closes them.
 int RunOpen(const HostOptions& host, const OpenOptions& options);
 
@@ -38,5 +42,8 @@ int RunSettings(const HostOptions& host, const SettingsOptions& options);
 /// Shows the plug-in menu or carries out a choice from it.
 int RunMenu(const HostOptions& host, const MenuOptions& options);
 
-/// Calls exports as standard input says, one JSON object a line, and answers each with a line.
+/// Is idle as hosts are, and prints what goes to the panel, a line for each event.
+int RunEvents(const HostOptions& host, const EventsOptions& options);
+
+/// Does what standard input says, one JSON object a line: calls exports and sends messages of panels.
 int RunScript(const HostOptions& host);

@@ -9,7 +9,7 @@
 
 #include "Commands.h"
 #include "Output.h"
-#include "PlugPlug.h"
+#include "PanelEventService.h"
 
 namespace {
 
@@ -53,13 +53,14 @@ private:
     std::unique_ptr<char[]> mBytes;
 };
 
-void PrintLine(const json& line) {
+template <class Line>
+void PrintLine(const Line& line) {
     fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
     std::fflush(stdout);
 }
 
 void ReportRebuildWorkgroupsMenu() {
-    PrintLine({{"callback", "RebuildWorkgroupsMenu"}});
+    PrintLine(json{{"callback", "RebuildWorkgroupsMenu"}});
 }
 
 uint32_t CollectMenuItem(const char* id, const char* label, void* context) {
@@ -67,18 +68,30 @@ uint32_t CollectMenuItem(const char* id, const char* label, void* context) {
     return PLUGINCORE_SUCCESS;
 }
 
-/// A panel event service without panels: it takes listeners and drops events.
-PlugPlugService* ServiceWithoutPanels() {
-    static PlugPlugService service{
-        [](PlugPlugService*, const char*, PlugPlugEventListener, void*) -> int32_t { return 0; },
-        [](PlugPlugService*, const PlugPlugEvent*) -> int32_t { return 0; }};
-    return &service;
+/// What the core tells panels, with the members of the message in their order.
+void PrintEvent(const PlugPlugEvent& event) {
+    using Json = nlohmann::ordered_json;
+    Json line{{"event", event.type}};
+    const Json message = Json::parse(event.data, nullptr, false);
+    if (message.is_discarded())
+        line["data"] = event.data;
+    else
+        line["message"] = message;
+    PrintLine(line);
 }
+
+/// The host of the script: the core and the panels.
+struct ScriptHost {
+    const HostOptions& options;
+    PanelEventService panels{PrintEvent};
+    CoreLibrary core{};
+};
 
 /// One call of the script.
 struct Call {
     const CoreLibrary& core;
     const HostOptions& host;
+    PanelEventService& panels;
     Arguments arguments;
     json out = json::object();
 
@@ -238,9 +251,9 @@ const std::map<std::string, Caller>& OtherCallers() {
              return code;
          }},
         {"RegisterPlugPlug",
-         [](Call& call) -> Code { return call.core.RegisterPlugPlug(ServiceWithoutPanels()); }},
+         [](Call& call) -> Code { return call.core.RegisterPlugPlug(call.panels.Handle()); }},
         {"TryRegisterPlugPlug",
-         [](Call& call) -> Code { return call.core.TryRegisterPlugPlug(ServiceWithoutPanels()); }},
+         [](Call& call) -> Code { return call.core.TryRegisterPlugPlug(call.panels.Handle()); }},
         {"ProcessPanelMessages",
          [](Call& call) -> Code {
              return call.core.ProcessPanelMessages(call.arguments.Flag("closeListeningSocket"));
@@ -276,13 +289,12 @@ Caller FindCaller(const std::string& name) {
     return nullptr;
 }
 
-json Answer(const CoreLibrary& core, const HostOptions& host, const std::string& line) {
-    const json request = json::parse(line);
+json MakeCall(ScriptHost& host, const json& request) {
     const std::string name = request.at("call").get<std::string>();
     const Caller caller = FindCaller(name);
     if (caller == nullptr)
         throw std::invalid_argument("there is no call named " + name);
-    Call call{core, host, Arguments(request.value("args", json::object()))};
+    Call call{host.core, host.options, host.panels, Arguments(request.value("args", json::object()))};
     const Code code = caller(call);
     json answer{{"call", name}, {"out", std::move(call.out)}};
     if (code) {
@@ -292,12 +304,40 @@ json Answer(const CoreLibrary& core, const HostOptions& host, const std::string&
     return answer;
 }
 
+/// A string is sent as it is, so that a script can send what is no JSON.
+json SendPanelMessage(ScriptHost& host, const json& message) {
+    const std::string text = message.is_string() ? message.get<std::string>() : message.dump();
+    if (!host.panels.Send(kPanelToPluginEvent, text))
+        throw std::logic_error(std::string("nothing listens for ") + kPanelToPluginEvent +
+                               "; have TryRegisterPlugPlug or RegisterPlugPlug succeed before");
+    return {{"panel", "delivered"}};
+}
+
+json ChangeService(ScriptHost& host, const json& change) {
+    const json& refusals = change.at("refuse");
+    if (!refusals.is_number_unsigned())
+        throw std::invalid_argument("\"refuse\" takes the number of registrations to refuse");
+    host.panels.RefuseNext(refusals.get<uint32_t>());
+    return {{"plugPlug", change}};
+}
+
+json Answer(ScriptHost& host, const std::string& line) {
+    const json request = json::parse(line);
+    if (request.contains("panel"))
+        return SendPanelMessage(host, request["panel"]);
+    if (request.contains("plugPlug"))
+        return ChangeService(host, request["plugPlug"]);
+    if (request.contains("call"))
+        return MakeCall(host, request);
+    throw std::invalid_argument("a line is a JSON object with \"call\", \"panel\" or \"plugPlug\"");
+}
+
 }  // namespace
 
-int RunScript(const HostOptions& host) {
-    CoreLibrary core;
+int RunScript(const HostOptions& options) {
+    ScriptHost host{options};
     std::string error;
-    if (!core.Load(host.corePath, error)) {
+    if (!host.core.Load(options.corePath, error)) {
         PrintError("cannot load the core: " + error + "; name its library with --core");
         return exit_status::kFailed;
     }
@@ -306,13 +346,13 @@ int RunScript(const HostOptions& host) {
         if (line.find_first_not_of(" \t\r") == std::string::npos)
             continue;
         try {
-            PrintLine(Answer(core, host, line));
+            PrintLine(Answer(host, line));
         } catch (const std::exception& exception) {
-            PrintLine({{"error", exception.what()}, {"line", line}});
+            PrintLine(json{{"error", exception.what()}, {"line", line}});
             status = exit_status::kFailed;
         }
     }
     // A host that ends quits the core properly, also when the script did not say so.
-    core.TerminatePluginCoreInterface();
+    host.core.TerminatePluginCoreInterface();
     return status;
 }

@@ -69,9 +69,17 @@ int main(int argc, char** argv) {
     menuCommand->add_option("CHOICE", menu.choice, "The number or the text of a menu item");
     menuCommand->add_option("--document", menu.document, "A document to open before");
 
+    double eventsSeconds = 0;
+    CLI::App* eventsCommand =
+        program.add_subcommand("events", "Print what the core tells panels, one JSON object a line");
+    CLI::Option* eventsForOption =
+        eventsCommand->add_option("--for", eventsSeconds, "End after so many seconds; else on Enter")
+            ->check(CLI::Range(0.0, 1e6));
+
     CLI::App* scriptCommand = program.add_subcommand(
         "script",
-        "Make the calls that standard input holds, one JSON object a line: {\"call\": …, \"args\": {…}}");
+        "Do what standard input says, one JSON object a line: {\"call\": …, \"args\": {…}} makes a call,\n"
+        "{\"panel\": {\"messageID\": …}} sends a message as a panel does");
 
     try {
         program.parse(argc, argv);
@@ -86,11 +94,15 @@ int main(int argc, char** argv) {
     open.json = settings.json = menu.json = json;
     if (*forOption)
         open.seconds = seconds;
+    EventsOptions events;
+    if (*eventsForOption)
+        events.seconds = eventsSeconds;
     try {
         const int status = *fontsCommand      ? RunFonts(files, json)
                            : *scriptCommand   ? RunScript(host)
                            : *settingsCommand ? RunSettings(host, settings)
                            : *menuCommand     ? RunMenu(host, menu)
+                           : *eventsCommand   ? RunEvents(host, events)
                                               : RunOpen(host, open);
         return FlushOutput() ? status : exit_status::kFailed;
     } catch (const std::exception& exception) {

@@ -30,7 +30,7 @@ bool WasInterrupted() {
     return interrupted != 0;
 }
 
-void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
+bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
     using Clock = std::chrono::steady_clock;
     // An interrupt between the check and the poll would go unnoticed without a limit to the poll.
     constexpr std::chrono::milliseconds kStep{200};
@@ -41,8 +41,9 @@ void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput
         const int count =
             poll(&input, 1, static_cast<int>(std::min<int64_t>(left.count() + 1, kStep.count())));
         if (count > 0 || (count < 0 && errno != EINTR))
-            return;
+            return count > 0;
     }
+    return false;
 }
 
 }  // namespace platform

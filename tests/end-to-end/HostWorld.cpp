@@ -7,6 +7,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "PanelSchemas.h"
+
 using pellwick::test::Eventually;
 using pellwick::test::ProgramResult;
 using pellwick::test::TestProcess;
@@ -84,11 +86,32 @@ std::string HostWorld::Trace() const {
 
 ScriptedHost::ScriptedHost() : mProcess({HOST_PROGRAM, "script"}) {}
 
+json ScriptedHost::Exchange(const json& line) {
+    mProcess.WriteLine(line.dump());
+    for (;;) {
+        json answer = json::parse(mProcess.ReadLine(), nullptr, false);
+        if (!answer.contains("event"))
+            return answer;
+        EXPECT_EQ(answer["event"], "com.vantorix.PluginToPanel");
+        EXPECT_EQ(panel_schemas::Find(panel_schemas::Direction::kToPanel, answer["message"]).faults, "");
+        mPanelMessages.push_back(answer["message"]);
+    }
+}
+
 json ScriptedHost::Call(const std::string& name, const json& arguments) {
-    mProcess.WriteLine(json{{"call", name}, {"args", arguments}}.dump());
-    const json answer = json::parse(mProcess.ReadLine(), nullptr, false);
+    const json answer = Exchange({{"call", name}, {"args", arguments}});
     EXPECT_EQ(answer.value("call", ""), name) << answer;
     return answer;
+}
+
+std::vector<json> ScriptedHost::Panel(const json& message) {
+    if (message.is_object()) {
+        EXPECT_EQ(panel_schemas::Find(panel_schemas::Direction::kToPlugin, message).faults, "");
+    }
+    std::vector<json> earlier = TakePanelMessages();
+    const json answer = Exchange({{"panel", message}});
+    EXPECT_EQ(answer, (json{{"panel", "delivered"}}));
+    return std::exchange(mPanelMessages, std::move(earlier));
 }
 
 void ScriptedHost::Start() {

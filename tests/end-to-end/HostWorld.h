@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/TestWorld.h"
@@ -43,13 +44,20 @@ private:
     std::map<std::string, std::string> mSavedVariables;
 };
 
-/// A host that takes calls one by one.
+/// A host that takes calls one by one, and has a panel.
 class ScriptedHost {
 public:
     ScriptedHost();
 
+    /// Writes a line of a script; what it is answered with, beside the messages to the panel.
+    json Exchange(const json& line);
     /// Makes one call and answers with the host's line.
     json Call(const std::string& name, const json& arguments = json::object());
+    /// Sends a message as the panel does, or a text in its place; the messages that it is answered with at
+    /// once. Messages in both directions are held against the schemas.
+    std::vector<json> Panel(const json& message);
+    /// Takes what the panel was told by calls.
+    std::vector<json> TakePanelMessages() { return std::exchange(mPanelMessages, {}); }
     uint32_t Open(const std::string& path);
     uint32_t Close(const std::string& path);
     void SetPreference(const std::string& key, int value);
@@ -60,4 +68,5 @@ public:
 
 private:
     pellwick::test::TestProcess mProcess;
+    std::vector<json> mPanelMessages;
 };

@@ -125,7 +125,7 @@ Json ListFonts(CommandContext& context, const Json& arguments) {
     for (const Font& font : NextPage(context, arguments)) {
         Json record = FontRecord(context.manager, font);
         record[kStyleMember] = font.style;
-        record["FullName"] = font.fullName;
+        record[kFullNameMember] = font.fullName;
         records.push_back(std::move(record));
     }
     return {{"fonts", std::move(records)}};

@@ -80,6 +80,9 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 constexpr int32_t kAllWorkgroupsID = -2;
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 
+/// The full name of a font of a list, in its record: as the font has it, else family and style.
+inline constexpr char kFullNameMember[] = "FullName";
+
 /// The font's ID in the record of its images, beside their paths.
 inline constexpr char kPreviewFontMember[] = "font";
 

@@ -70,7 +70,10 @@ ErrorCode CollectFonts(PluginFacadeRef facade, int32_t smartListID, Json& fonts)
         if (code != CoreErrorCodes::kSuccess || more.empty())
             return code;
         last = IntegerMember(more.back(), kGS_DatabaseIDKey);
-        fonts.insert(fonts.end(), more.begin(), more.end());
+        for (Json font : more) {
+            font[kGS_DisplayNameKey] = StringMember(font, kFullNameMember);
+            fonts.push_back(std::move(font));
+        }
     }
 }
 

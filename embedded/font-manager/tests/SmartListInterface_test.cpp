@@ -97,6 +97,12 @@ TEST_F(SmartListTest, IsMadeChangedAndDeleted) {
     EXPECT_EQ(mLibrary.DeleteSmartList(facade, posters), GZephyrinServerFacade::kNotLoggedIn);
 }
 
+TEST_F(SmartListTest, FontsCarryTheNameThatPeopleRead) {
+    const auto fonts = cf::MutableArray();
+    ASSERT_EQ(mLibrary.GetSmartListFonts(mLibrary.Facade(), Created("Posters", {mSet}), fonts.get()), 0u);
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 0), kGS_DisplayNameKey), "Beta Regular");
+}
+
 TEST_F(SmartListTest, AQueryIsTriedForTheOneWhoTriesItAndNotSaved) {
     const PluginFacadeRef facade = mLibrary.Facade();
     const auto attempt = [&](int32_t list, CFArrayRef sets) {

@@ -11,7 +11,8 @@ void CatchInterrupts();
 bool WasInterrupted();
 
 /// Waits until a line or the end of standard input can be read, an interrupt comes, or the time is over; no
-/// limit waits for one of the others. With `watchInput` false only the last two count.
-void WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput);
+/// limit waits for one of the others. With `watchInput` false only the last two count. True when input can be
+/// read.
+bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput);
 
 }  // namespace platform

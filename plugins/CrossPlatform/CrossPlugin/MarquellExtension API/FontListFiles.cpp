@@ -32,10 +32,10 @@ ErrorCode FontListFiles::Create(const std::string& content, std::string& url) {
     std::string path;
     if (const platform::SystemError error =
             platform::WriteTemporaryFile(folder, "font-list-", ".txt", content, path)) {
-        ReportSystemFailure(kLogCategory,
-                            {"WriteTemporaryFile(folder, \"font-list-\", \".txt\", content, path)", __FILE__,
-                             __LINE__},
-                            CoreErrorCodes::kError, error);
+        ReportSystemFailure(
+            kLogCategory,
+            {"WriteTemporaryFile(folder, \"font-list-\", \".txt\", content, path)", __FILE__, __LINE__},
+            CoreErrorCodes::kError, error);
         return CoreErrorCodes::kError;
     }
     mPaths.push_back(path);

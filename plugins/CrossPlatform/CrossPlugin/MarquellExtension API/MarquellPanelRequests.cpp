@@ -182,8 +182,7 @@ ErrorCode MarquellPanel::CanAccessGoogleFonts(const JSONValue&) {
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;
-    RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(kCanAccessGoogleFonts, kMessageIDKey, root, jsonValue));
+    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kCanAccessGoogleFonts, kMessageIDKey, root, jsonValue));
     RETURN_IF_FAILED(
         GJSONUtils::SetValueForKey(canAccessGoogleFonts, kCanAccessGoogleFontsKey, root, jsonValue));
     return SendReply(root);

@@ -59,8 +59,8 @@ public:
     /// Tells the panels what the font manager's agent reported.
     ErrorCode Receive(const PluginNotification& notification) override;
 
-    /// Removes the files that panels were given and have not let go of: the host quits. The panels stay, since
-    /// the host's service may still call them.
+    /// Removes the files that panels were given and have not let go of: the host quits. The panels stay,
+    /// since the host's service may still call them.
     void RemoveFontListFiles();
 
     /// The port of the first panel that has one, else 0.

@@ -1,0 +1,78 @@
+#include "PanelSchemas.h"
+
+#include <fstream>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validation_results.hpp>
+#include <valijson/validator.hpp>
+#include <vector>
+
+namespace panel_schemas {
+namespace {
+
+using nlohmann::json;
+using valijson::adapters::NlohmannJsonAdapter;
+
+constexpr char kReferencePrefix[] = "#/definitions/";
+
+/// The whole schema of one direction.
+const json& SchemaOf(Direction direction) {
+    static const auto read = [](const char* name) {
+        std::ifstream file(std::string(PANEL_SCHEMAS) + "/" + name);
+        return json::parse(file);
+    };
+    static const json toPlugin = read("panel-to-plugin.json");
+    static const json toPanel = read("plugin-to-panel.json");
+    return direction == Direction::kToPlugin ? toPlugin : toPanel;
+}
+
+/// What is wrong with the value by a schema that may refer to the definitions; empty for nothing.
+std::string Faults(const json& definitions, const json& schemaText, const json& value) {
+    const json document{{"definitions", definitions}, {"allOf", {schemaText}}};
+    valijson::Schema schema;
+    valijson::SchemaParser(valijson::SchemaParser::kDraft7)
+        .populateSchema(NlohmannJsonAdapter(document), schema);
+    valijson::ValidationResults results;
+    const NlohmannJsonAdapter adapter(value);
+    if (valijson::Validator(valijson::Validator::kStrongTypes).validate(schema, adapter, &results))
+        return "";
+    std::string faults;
+    for (valijson::ValidationResults::Error error; results.popError(error);)
+        faults += "\n  " + error.description;
+    return faults;
+}
+
+/// Whether the message's number, if not the rest of it, is that of the definition.
+bool HasNumberOf(const json& definitions, const std::string& name, const json& message) {
+    const json& numberSchema = definitions.at(name).at("properties").at("messageID");
+    return Faults(definitions, numberSchema, message.value("messageID", json())).empty();
+}
+
+}  // namespace
+
+std::set<std::string> Names(Direction direction) {
+    std::set<std::string> names;
+    for (const json& each : SchemaOf(direction).at("oneOf"))
+        names.insert(each.at("$ref").get<std::string>().substr(sizeof kReferencePrefix - 1));
+    return names;
+}
+
+Match Find(Direction direction, const json& message) {
+    if (!message.is_object())
+        return {"", message.dump() + " is no JSON object"};
+    const json& definitions = SchemaOf(direction).at("definitions");
+    std::string fewestFaults;  // of those that have its number
+    for (const std::string& name : Names(direction)) {
+        if (!HasNumberOf(definitions, name, message))
+            continue;
+        const std::string faults = Faults(definitions, definitions.at(name), message);
+        if (faults.empty())
+            return {name, ""};
+        if (fewestFaults.empty() || faults.size() < fewestFaults.size())
+            fewestFaults = faults;
+    }
+    return {"", message.dump() + " stands in no schema" + fewestFaults};
+}
+
+}  // namespace panel_schemas
