@@ -15,7 +15,7 @@ void PrintNames(const std::string& file, const std::set<std::string>& names, boo
     for (const std::string& name : names) {
         if (showFile)
             fmt::print("{}: ", file);
-        fmt::print("{}\n", name);
+        fmt::print("{}\n", Printable(name));
     }
 }
 

@@ -40,12 +40,13 @@ void PrintFonts(const OpenedDocument& document) {
     for (const json& font : document.matched) {
         const std::string file = font.value(kGS_PathKey, "");
         const json before = font.value(kGS_MatchedFontKey, json::object());
-        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"),
+        rows.push_back({"  " + Printable(font.value(kGS_PostScriptNameKey, "?")),
                         before.value(kGS_PostScriptNameKey, "yes"), StateText(before), StateText(font),
                         visible.count(file) != 0 ? "yes" : "no", file});
     }
     for (const json& font : document.unmatched)
-        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "no", "missing", "missing", "-", "-"});
+        rows.push_back(
+            {"  " + Printable(font.value(kGS_PostScriptNameKey, "?")), "no", "missing", "missing", "-", "-"});
     PrintTable(rows);
 }
 

@@ -24,8 +24,8 @@ bool IsSuccess(uint32_t code) {
 OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
     OpenedDocument document;
     document.path = path;
-    const std::unique_ptr<char[]> matched(new char[kFontListSize]);
-    const std::unique_ptr<char[]> unmatched(new char[kFontListSize]);
+    const auto matched = std::make_unique_for_overwrite<char[]>(kFontListSize);
+    const auto unmatched = std::make_unique_for_overwrite<char[]>(kFontListSize);
     matched[0] = unmatched[0] = '\0';
     size_t matchedSize = kFontListSize;
     size_t unmatchedSize = kFontListSize;

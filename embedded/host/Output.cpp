@@ -60,6 +60,18 @@ std::string FullPath(const std::string& path) {
     return platform::Utf8Text((error ? given : full).lexically_normal());
 }
 
+std::string Printable(const std::string& text) {
+    std::string printable;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7F)
+            printable += fmt::format("\\x{:02X}", byte);
+        else
+            printable += character;
+    }
+    return printable;
+}
+
 void PrintTable(const std::vector<std::vector<std::string>>& rows) {
     std::vector<size_t> widths;
     for (const auto& row : rows) {

@@ -25,6 +25,9 @@ std::string ResultName(uint32_t code);
 /// A path as it was typed, made full: the core knows documents by full paths.
 std::string FullPath(const std::string& path);
 
+/// The text as one line that does nothing to a terminal: control characters stand as \xNN.
+std::string Printable(const std::string& text);
+
 /// Rows below a heading in columns, on standard output. Columns are as wide as their widest cell needs on a
 /// terminal that gives each code point one cell.
 void PrintTable(const std::vector<std::vector<std::string>>& rows);

@@ -72,9 +72,10 @@ uint32_t CollectMenuItem(const char* id, const char* label, void* context) {
 void PrintEvent(const PlugPlugEvent& event) {
     using Json = nlohmann::ordered_json;
     Json line{{"event", event.type}};
-    const Json message = Json::parse(event.data, nullptr, false);
+    const std::string data = event.data != nullptr ? event.data : "";
+    const Json message = Json::parse(data, nullptr, false);
     if (message.is_discarded())
-        line["data"] = event.data;
+        line["data"] = data;
     else
         line["message"] = message;
     PrintLine(line);

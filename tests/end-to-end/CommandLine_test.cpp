@@ -78,6 +78,8 @@ TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     }
     std::getline(lines, line);
     EXPECT_EQ(json::parse(line), (json{{"file", empty}, {"fonts", json::array()}}));
+    const std::string evil = world.FontManager().Write("evil.ai", "/FontName /Red\033[31m\nTwo /F >>");
+    EXPECT_EQ(world.RunHost({"fonts", evil}).output, "Red\\x1B[31m\\x0ATwo\n");
     // The core opens such a document all the same, without fonts.
     const auto opened = world.RunHost({"--json", "open", empty, "--close"});
     EXPECT_EQ(opened.status, 0) << opened.errors;

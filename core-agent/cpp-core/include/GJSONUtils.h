@@ -28,7 +28,7 @@ namespace GJSONUtils {
 // ---- Trees. A JSONValue that is made or found is a handle into the tree that it was made or found in.
 
 template <class Value>
-concept Integer = std::integral<Value> && !std::same_as<Value, bool>;
+concept Integer = std::integral<Value> && !std::same_as<Value, bool> && !std::same_as<Value, uint64_t>;
 
 /// Loads `text` into `document` and answers with its root. kInvalidParam, with `root` untouched, for what is
 /// not JSON, for the bare acknowledgement "OK" too.

@@ -25,7 +25,8 @@ public:
     const std::string& name() const { return mName; }
 
     bool is_string() const;
-    /// A number that was written as an integer of at most 64 bits. 3.0 is none.
+    /// A number that was written as an integer of at most 64 bits. 3.0 is none, and the least of them, -2^63,
+    /// is read as a double.
     bool is_int() const;
     /// A number that a double can hold, integers among them.
     bool is_double() const;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <locale>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 
@@ -92,7 +94,9 @@ bool Grow(Element*& elements, size_t count) {
     return true;
 }
 
-bool IsNestedTooDeep(const std::string& text) {
+/// Why a text is not even shown to YAJL; null when nothing speaks against it. YAJL would take comments, which
+/// JSON does not have, and brackets in which could not be told from others here.
+const char* ReasonToRefuse(const std::string& text) {
     int depth = 0;
     bool isInString = false;
     for (size_t at = 0; at < text.size(); ++at) {
@@ -106,12 +110,14 @@ bool IsNestedTooDeep(const std::string& text) {
             isInString = true;
         } else if (byte == '[' || byte == '{') {
             if (++depth > kDeepestNesting)
-                return true;
+                return "nested too deep\n";
         } else if (byte == ']' || byte == '}') {
             --depth;
+        } else if (byte == '/') {
+            return "a comment or a stray slash\n";
         }
     }
-    return false;
+    return nullptr;
 }
 
 std::string FoundText(yajl_val node) {
@@ -379,11 +385,14 @@ void JSONObject::TreeDeleter::operator()(yajl_val_s* node) const {
 
 void JSONObject::load(const std::string& text) {
     mTree.reset();
-    char parseError[kParseErrorSize] = "nested too deep\n";
-    if (!IsNestedTooDeep(text))
+    char parseError[kParseErrorSize] = "";
+    const char* reason = ReasonToRefuse(text);
+    if (reason == nullptr) {
         mTree.reset(yajl_tree_parse(text.c_str(), parseError, sizeof parseError));
+        reason = parseError;
+    }
     if (!mTree && text != "OK")
-        throw std::runtime_error(std::string("JSON parse error:\n") + parseError);
+        throw std::runtime_error(std::string("JSON parse error:\n") + reason);
 }
 
 void JSONObject::load_map() {

@@ -60,6 +60,12 @@ TEST(JSONObject, WhatIsNestedTooDeepIsNoDocument) {
     EXPECT_EQ(Thrown([&] { document.load(std::string(10'000'000, '[')); }),
               "JSON parse error:\nnested too deep\n");
     EXPECT_TRUE(Load(document, R"(["[[[\"[[["])").is_array()) << "brackets in texts do not count";
+    // Comments would hide brackets.
+    for (const std::string comment : {"/*\"*/", "/*]]]]*/", "//\"\n"})
+        EXPECT_THAT(Thrown([&] { document.load(comment + nested(300000)); }),
+                    StartsWith("JSON parse error:\n"));
+    EXPECT_THAT(Thrown([&] { document.load("{}//x"); }), StartsWith("JSON parse error:\n"));
+    EXPECT_TRUE(Load(document, R"(["http://x"])").is_array()) << "slashes in texts do not count";
     document.load(nested(200));
     EXPECT_EQ(Thrown([&] { document.root().to_json(); }), "YAJL's maximum generation depth was exceeded");
 }

@@ -158,8 +158,8 @@ ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDi
     TrackedFont& font =
         m_mFonts.try_emplace(databaseID, fontDictionary, postscriptName, registration).first->second;
     font.isPluginActivated = true;
-    ++font.referenceCount;
     m_mDocuments[registration.documentIdentifier].push_back(databaseID);
+    ++font.referenceCount;
     return CoreErrorCodes::kSuccess;
 }
 

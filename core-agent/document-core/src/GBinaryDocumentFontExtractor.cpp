@@ -61,49 +61,71 @@ std::string_view WithoutTail(std::string_view name, char endMarker) {
 
 /// Big-endian UTF-16 text reads as its low bytes: zero bytes are passed over, the others are code units.
 std::string NameFromBytes(std::string_view bytes) {
-    std::u16string units;
-    units.reserve(bytes.size());
-    for (const char byte : bytes) {
-        if (byte != '\0')
-            units.push_back(static_cast<unsigned char>(byte));
+    constexpr size_t kPieceSize = 4096;  // a name as long as a document is not copied as a whole
+    std::string name;
+    while (!bytes.empty()) {
+        std::u16string units;
+        for (const char byte : bytes.substr(0, kPieceSize)) {
+            if (byte != '\0')
+                units.push_back(static_cast<unsigned char>(byte));
+        }
+        name += Utf16ToUtf8(units);
+        bytes.remove_prefix(std::min(bytes.size(), kPieceSize));
     }
-    return Utf16ToUtf8(units);
+    return name;
 }
 
 bool IsDefaultFontAlone(const std::set<std::string>& names) {
     return names.size() == 1 && names.begin()->find(kIllustratorDefaultFont) != std::string::npos;
 }
 
-/// The names of one Photoshop text layer: the invisible font is no font of the user's, and ends the list
-/// unless it opens it.
-void TakePhotoshopNames(const std::vector<std::string>& names, std::set<std::string>& fontNames) {
-    for (size_t index = 0; index < names.size(); ++index) {
-        if (names[index] != kInvisibleFont)
-            fontNames.insert(names[index]);
-        else if (index > 0)
-            return;
-    }
-}
+/// Takes the names of a Photoshop text layer, the first of which has index 0: the invisible font is no font
+/// of the user's, and ends the list unless it opens it.
+class PhotoshopNames {
+public:
+    explicit PhotoshopNames(std::set<std::string>& fontNames) : mFontNames(fontNames) {}
 
-/// The names of one After Effects text layer. Its first list names the default font whether it is used or
-/// not; the invisible font at the end of the lists tells that it is.
-void TakeAfterEffectsNames(const std::vector<std::vector<std::string>>& namesByRange,
-                           std::set<std::string>& fontNames) {
-    bool defaultFontSeen = false;
-    for (size_t range = 0; range < namesByRange.size(); ++range) {
-        for (const std::string& name : namesByRange[range]) {
-            if (name == kAfterEffectsDefaultFont) {
-                defaultFontSeen = defaultFontSeen || range == 0;
-            } else if (name == kInvisibleFont) {
-                if (defaultFontSeen)
-                    fontNames.insert(kAfterEffectsDefaultFont);
-                return;
-            } else {
-                fontNames.insert(name);
-            }
+    void Take(size_t index, std::string&& name) {
+        if (index == 0)
+            mHasEnded = false;
+        if (mHasEnded)
+            return;
+        if (name != kInvisibleFont)
+            mFontNames.insert(std::move(name));
+        else if (index > 0)
+            mHasEnded = true;
+    }
+
+private:
+    std::set<std::string>& mFontNames;
+    bool mHasEnded = false;
+};
+
+/// Takes the names of one After Effects text layer. Its first list names the default font whether it is used
+/// or not; the invisible font at the end of the lists tells that it is.
+class AfterEffectsNames {
+public:
+    explicit AfterEffectsNames(std::set<std::string>& fontNames) : mFontNames(fontNames) {}
+
+    void Take(size_t range, std::string&& name) {
+        if (mHasEnded)
+            return;
+        if (name == kAfterEffectsDefaultFont) {
+            mIsDefaultFontSeen = mIsDefaultFontSeen || range == 0;
+        } else if (name == kInvisibleFont) {
+            mHasEnded = true;
+            if (mIsDefaultFontSeen)
+                mFontNames.insert(kAfterEffectsDefaultFont);
+        } else {
+            mFontNames.insert(std::move(name));
         }
     }
-}
+
+private:
+    std::set<std::string>& mFontNames;
+    bool mIsDefaultFontSeen = false;
+    bool mHasEnded = false;
+};
 
 }  // namespace
 
@@ -175,19 +197,23 @@ std::string GBinaryDocumentFontExtractor::ReadName(FileChunk& chunk, ByteRange n
 std::optional<size_t> GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(FileChunk& chunk,
                                                                                ByteRange span,
                                                                                const Markers& markers,
-                                                                               const NamesTaker& take) {
+                                                                               const NameTaker& take) {
+    size_t rangeCount = 0;
     return ForEachRange(chunk, span, markers.rangeStart, markers.rangeEnd, [&](ByteRange range) {
         for (const std::string_view nameStart : markers.nameStarts) {
             const auto firstName = FindStartMarker(chunk, range, nameStart);
             if (!firstName)
                 continue;
-            NamesOfRange names;
+            FoundName found{rangeCount++, 0, {}};
             ForEachRange(chunk, {*firstName, range.end}, nameStart, markers.nameEnd, [&](ByteRange each) {
-                names.push_back(ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers));
+                found.name = ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers);
+                if (chunk.Status() != CoreErrorCodes::kSuccess)
+                    return;
                 LogMessage(0, "In %s(), adding '%s'",
-                           "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", names.back().c_str());
+                           "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", found.name.c_str());
+                take(std::move(found));
+                ++found.index;
             });
-            take(names);
         }
     });
 }
@@ -198,7 +224,7 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromIllustrator(FontNames& fontNa
     return SearchInChunks(kMarkers.rangeStart, [&](FileChunk& chunk) {
         const auto cutRange = GetFontNamesFromByteVector(
             chunk, {0, chunk.Size()}, kMarkers,
-            [&](const NamesOfRange& names) { runningNames.insert(names.begin(), names.end()); });
+            [&](FoundName&& found) { runningNames.insert(std::move(found.name)); });
         if (!IsDefaultFontAlone(runningNames))
             fontNames.insert(runningNames.begin(), runningNames.end());
         return cutRange.value_or(0);
@@ -207,10 +233,11 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromIllustrator(FontNames& fontNa
 
 ErrorCode GBinaryDocumentFontExtractor::ExtractFromPhotoshop(FontNames& fontNames) {
     constexpr Markers kMarkers{"/FontSet [", kPhotoshopNameStarts, kByteOrderMark, ")", "]"};
+    PhotoshopNames names(fontNames);
     return SearchInChunks(kMarkers.rangeStart, [&](FileChunk& chunk) {
         const auto cutRange = GetFontNamesFromByteVector(
             chunk, {0, chunk.Size()}, kMarkers,
-            [&](const NamesOfRange& names) { TakePhotoshopNames(names, fontNames); });
+            [&](FoundName&& found) { names.Take(found.index, std::move(found.name)); });
         return cutRange.value_or(0);
     });
 }
@@ -226,10 +253,10 @@ ErrorCode GBinaryDocumentFontExtractor::ExtractFromAfterEffects(FontNames& fontN
                 const auto firstFont = FindStartMarker(chunk, layer, kMarkers.rangeStart);
                 if (!firstFont)
                     return;
-                std::vector<NamesOfRange> namesByRange;
-                GetFontNamesFromByteVector(chunk, {*firstFont, layer.end}, kMarkers,
-                                           [&](const NamesOfRange& names) { namesByRange.push_back(names); });
-                TakeAfterEffectsNames(namesByRange, fontNames);
+                AfterEffectsNames names(fontNames);
+                GetFontNamesFromByteVector(chunk, {*firstFont, layer.end}, kMarkers, [&](FoundName&& found) {
+                    names.Take(found.range, std::move(found.name));
+                });
             });
         return cutLayer.value_or(0);
     });

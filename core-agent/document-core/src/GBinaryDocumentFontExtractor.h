@@ -25,7 +25,8 @@ public:
     /// Replaces `fontNames` by the PostScript names found, UTF-8, as they stand in the file. The file name's
     /// extension picks the kind of document; an unknown one has all kinds tried, for files below 1 GiB. A
     /// document without names is no failure. On failure: the status of the file operation, after a report;
-    /// names found before it stay. Any thread, one at a time for each extractor.
+    /// names found before it stay, in a chunk that was read in part too. Any thread, one at a time for each
+    /// extractor.
     [[nodiscard]] ErrorCode ExtractFontNames(std::set<std::string>& fontNames);
 
 protected:
@@ -37,8 +38,13 @@ protected:
 
 private:
     using FontNames = std::set<std::string>;
-    using NamesOfRange = std::vector<std::string>;
-    using NamesTaker = std::function<void(const NamesOfRange& names)>;
+    /// A name and where it stood: the how many-th of which range with a name start, both from 0 on.
+    struct FoundName {
+        size_t range;
+        size_t index;
+        std::string name;
+    };
+    using NameTaker = std::function<void(FoundName&& found)>;
 
     struct Markers {
         std::string_view rangeStart;
@@ -56,10 +62,9 @@ private:
     ErrorCode ExtractFromAfterEffects(FontNames& fontNames);
     ErrorCode ExtractFromAnyKind(FontNames& fontNames);
     ErrorCode SearchInChunks(std::string_view rangeStart, const ChunkSearch& search);
-    /// Calls `take` with the names of each range that has a name start, in order. The result is the offset of
-    /// a range that the span cuts, if any.
+    /// Calls `take` with each name, in order. The result is the offset of a range that the span cuts, if any.
     static std::optional<size_t> GetFontNamesFromByteVector(FileChunk& chunk, ByteRange span,
-                                                            const Markers& markers, const NamesTaker& take);
+                                                            const Markers& markers, const NameTaker& take);
     static std::string ReadName(FileChunk& chunk, ByteRange name, const Markers& markers);
 
     GFileSystemSpec mFileSpec;

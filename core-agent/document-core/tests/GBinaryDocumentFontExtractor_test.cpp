@@ -120,6 +120,13 @@ TEST_F(ExtractorTest, TheExtensionPicksTheKindExactly) {
     EXPECT_THAT(Extract("a.eps", content), IsEmpty());
     for (const char* unknown : {"a.AI", "a", "a.ai.bak"})
         EXPECT_THAT(Extract(unknown, content), ElementsAre("AfterEffects", "Illustrator", "Photoshop"));
+    // Of 1 GiB and more, those of no known kind are not searched.
+    const std::string large = folder.Write("large", content);
+    std::filesystem::resize_file(platform::Utf8Path(large), 0x40000000);
+    Names names;
+    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(large)};
+    EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kSuccess);
+    EXPECT_THAT(names, IsEmpty());
 }
 
 TEST_F(ExtractorTest, WhatAChunkCutsIsFoundInTheNext) {

@@ -169,8 +169,8 @@ PLUGINCORE_API uint32_t UpdateDocumentFontUsage(const char* document, const char
 /*
  * Activates fonts that the user chose, for a tracked document. fontsJSON: a JSON array of font objects with
  * "DatabaseID". *outCount receives the number of fonts that the font manager matched, 0 to begin with.
- * 0, PLUGINCORE_NOT_FOUND when fonts are missing, PLUGINCORE_INVALID_PARAM for text that is no array or a
- * null pointer, else the font manager's code.
+ * 0, PLUGINCORE_NOT_FOUND when fonts are missing, PLUGINCORE_INVALID_PARAM for text that is no array and for
+ * a null path or outCount, else the font manager's code. Null or empty fontsJSON: no fonts.
  */
 PLUGINCORE_API uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount);
 

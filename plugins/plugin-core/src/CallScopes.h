@@ -23,11 +23,11 @@ private:
     const char* mName;
 };
 
-/// The turn of a modal dialog, from behind which a host that pumps events may call again. False, and told in
-/// the trace, while an earlier turn lasts.
+/// The turn of a modal dialog, or of a call that may show one, from behind which a host that pumps events may
+/// call again. False, and told in the trace, while an earlier turn lasts.
 class DialogTurn {
 public:
-    /// `isTaken` is shared by all turns of the dialog and outlives them.
+    /// `isTaken` is shared by all turns of the kind and outlives them.
     DialogTurn(bool& isTaken, const char* caller) : mIsTaken(isTaken), mIsOurs(!isTaken) {
         mIsTaken = true;
         if (!mIsOurs)

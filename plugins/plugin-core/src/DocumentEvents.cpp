@@ -54,6 +54,10 @@ bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& 
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
 }
 
+/// Taken by the events that move fonts in or out, any of which may show the dialogs of a lost agent: from
+/// behind these, no other one may.
+bool isMovingFonts = false;
+
 }  // namespace
 
 namespace DocumentEvents {
@@ -80,8 +84,11 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
         LogMessage(-1, "Exiting %s('%s', '%s', %d) with result %d", kName, path.c_str(), writtenText,
                    static_cast<int>(*sizeA), static_cast<int>(result));
     });
-    const CFRef<CFMutableArrayRef> fonts = FontsOfDocument(path, fontsJSON);
     *numFontsActivated = 0;
+    const DialogTurn turn(isMovingFonts, kName);
+    if (!turn)
+        return result;
+    const CFRef<CFMutableArrayRef> fonts = FontsOfDocument(path, fontsJSON);
     const Document record = FindOrCreateRecord(path);
     record->SetLastKnownModificationTime(VantorixFileUtils::GetFileModificationDate(path));
     record->isSavePending = false;
@@ -115,7 +122,11 @@ ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
 }
 
 ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) {
-    TracedCall event("PluginCoreInterface::HandleCloseDocument", path);
+    constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
+    TracedCall event(kName, path);
+    const DialogTurn turn(isMovingFonts, kName);
+    if (!turn)
+        return event.result;
     const Document record = Documents().FindTrackedDocumentByPath(path);
     if (!record)
         return event.result;
@@ -162,9 +173,13 @@ ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string
 }
 
 ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJSON, uint32_t* outCount) {
-    TracedCall event("PluginCoreInterface::ActivateChosenFonts", path);
-    const Document record = Documents().FindTrackedDocumentByPath(path);
+    constexpr char kName[] = "PluginCoreInterface::ActivateChosenFonts";
+    TracedCall event(kName, path);
     *outCount = 0;
+    const DialogTurn turn(isMovingFonts, kName);
+    if (!turn)
+        return event.result;
+    const Document record = Documents().FindTrackedDocumentByPath(path);
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (!fontsJSON.empty() &&
         AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
@@ -191,6 +206,8 @@ void CloseAllDocuments() {
         } catch (const std::exception& exception) {
             LogMessage(0, "Exception thrown in %s(): %s", "DocumentEvents::CloseAllDocuments",
                        exception.what());
+        } catch (...) {
+            LogMessage(0, "Exception thrown in %s()", "DocumentEvents::CloseAllDocuments");
         }
     }
 }

@@ -95,7 +95,7 @@ uint32_t TerminatePluginCoreInterface() {
         return 0;
     });
     Guarded(__func__, []() -> uint32_t {
-        PanelManager::GetSharedInstance().RemoveFontListFiles();
+        PanelManager::GetSharedInstance().Close();
         return 0;
     });
     return CoreErrorCodes::kSuccess;

@@ -166,3 +166,26 @@ TEST_F(DocumentEventsTest, AtTheEndEveryDocumentIsClosed) {
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 2);
     EXPECT_TRUE(AllTrackedDocuments::GetSharedInstance().Documents().empty());
 }
+
+TEST_F(DocumentEventsTest, FromBehindADialogNoOtherEventMovesFonts) {
+    MakeFunctional();
+    library.fonts = {{7, "Seven"}};
+    framework.numbers["CloseFontsOnDocClose"] = 1;
+    Open();
+    library.codes["DeactivateFonts"] = {GAgentIF::kShutdown, GAgentIF::kShutdown, GAgentIF::kShutdown};
+    std::vector<ErrorCode> refused;
+    uint32_t count = 7;
+    framework.whileDialogShows = [&] {
+        framework.whileDialogShows = nullptr;
+        refused = {Open(), Close(), DocumentEvents::ActivateChosenFonts(path, "[]", &count)};
+    };
+    const int activations = library.CallsOf("ActivateDocumentFontsByPath");
+    EXPECT_EQ(Close(), CoreErrorCodes::kSuccess);  // the agent is lost twice: the user is told
+    EXPECT_THAT(refused, ElementsAre(CoreErrorCodes::kUnknownError, CoreErrorCodes::kUnknownError,
+                                     CoreErrorCodes::kUnknownError));
+    EXPECT_EQ(library.CallsOf("ActivateDocumentFontsByPath"), activations);
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("ERROR: PluginCoreInterface::HandleOpenExistingDocument() called recursively.\n"));
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(Close(), CoreErrorCodes::kUnknownError) << "the outer close did its work";
+}

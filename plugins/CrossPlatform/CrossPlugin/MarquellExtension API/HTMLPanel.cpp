@@ -69,6 +69,10 @@ void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
 }
 
 void HTMLPanel::HandleInTurn(std::string message) {
+    if (mRequests.size() == kMostRequestsInTurn) {
+        LogMessage(0, "Dropping a request of a panel that sends more than can be answered");
+        return;
+    }
     mRequests.push_back(std::move(message));
     if (mIsHandling)
         return;

@@ -41,11 +41,11 @@ MarquellPanel::Handler MarquellPanel::HandlerOf(int64_t operatorID) {
          {kSetSmartListQuery, &MarquellPanel::SetSmartListQuery},
          {kRenameSmartListByName, &MarquellPanel::RenameSmartListByName},
          {kSetFontVersion, &MarquellPanel::SetFontVersion},
-         {48, &MarquellPanel::IgnoreMessage},  // what older panels still send
-         {49, &MarquellPanel::IgnoreMessage},
-         {51, &MarquellPanel::IgnoreMessage},
+         {kIgnored48, &MarquellPanel::IgnoreMessage},
+         {kIgnored49, &MarquellPanel::IgnoreMessage},
+         {kIgnored51, &MarquellPanel::IgnoreMessage},
          {kCanAccessGoogleFonts, &MarquellPanel::CanAccessGoogleFonts},
-         {59, &MarquellPanel::IgnoreMessage},
+         {kIgnored59, &MarquellPanel::IgnoreMessage},
          {kStartPanelInfo, &MarquellPanel::StartPanelInfo},
          {kSendHostAppKeyPress, &MarquellPanel::SendHostAppKeyPress}}};
     const auto found = std::find_if(kRequests.begin(), kRequests.end(),
@@ -53,10 +53,19 @@ MarquellPanel::Handler MarquellPanel::HandlerOf(int64_t operatorID) {
     return found != kRequests.end() ? found->handler : nullptr;
 }
 
+void MarquellPanel::Close() {
+    mIsClosed = true;
+    mFontListFiles.ReleaseAll();
+}
+
 ErrorCode MarquellPanel::CallMethodForMessage(const std::string& message) {
     static constexpr char kName[] = "MarquellPanel::CallMethodForMessage";
     LogMessage(1, "Entering %s()", kName);
     const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
+    if (mIsClosed) {
+        LogMessage(0, "Dropping a request of a panel: the host has quit");
+        return CoreErrorCodes::kNotInitialized;
+    }
     JSONObject jsonObject;
     JSONValue root;
     RETURN_IF_FAILED(GetJSONValueFromMessage(message, root, jsonObject));

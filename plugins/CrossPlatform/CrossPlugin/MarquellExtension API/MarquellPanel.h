@@ -65,8 +65,9 @@ public:
     /// kGS_2xPNGFilenameKey.
     virtual ErrorCode SendFontImages(CFDictionaryRef fontPNGs) = 0;
 
-    /// Removes the files that the panel was given and has not let go of.
-    virtual void RemoveFontListFiles() { mFontListFiles.ReleaseAll(); }
+    /// The host quits: from now on requests are dropped and nothing is sent. The files that the panel was
+    /// given are removed.
+    virtual void Close();
 
     // ---- Reports that belong to no request
 
@@ -145,6 +146,7 @@ private:
     std::set<uint32_t>* FontIDsOf(int notificationID);
     ErrorCode SendNotification(int notificationID);
 
+    bool mIsClosed = false;
     FontListFiles mFontListFiles;
     bool mIsPopping = false;
     std::set<int> mPendingNotifications;

@@ -149,15 +149,17 @@ ErrorCode MarquellPanel::PopNotifications() {
     }
     // The host may deliver a message at once, and its panel answer it at once: what comes of that, another
     // call of this included, must not nest.
-    if (mIsPopping)
+    if (mIsPopping || mIsClosed)
         return CoreErrorCodes::kSuccess;
     mIsPopping = true;
     std::set<int> unsent = std::exchange(mPendingNotifications, {});
-    const ScopeExit keepUnsent([&] {
+    bool haveFontsGone = false;
+    const ScopeExit settle([&] {
         mPendingNotifications.merge(unsent);
         mIsPopping = false;
+        if (haveFontsGone)  // also when a later message failed: those of the fonts were sent
+            MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
     });
-    bool haveFontsGone = false;
     while (!unsent.empty()) {
         const int notificationID = *unsent.begin();
         RETURN_IF_FAILED(SendNotification(notificationID));
@@ -166,7 +168,5 @@ ErrorCode MarquellPanel::PopNotifications() {
                         notificationID == kFontMissingNotification ||
                         notificationID == kFontNonCompliantNotification;
     }
-    if (haveFontsGone)
-        MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
     return CoreErrorCodes::kSuccess;
 }

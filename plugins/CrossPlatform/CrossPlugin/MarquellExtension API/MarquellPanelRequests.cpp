@@ -67,7 +67,7 @@ ErrorCode GetWebFontsState(WebFontsState& state) {
     return CoreErrorCodes::kSuccess;
 }
 
-/// Activates the font's family until the user lets it go; `conflictID` is a font that is in its way, 0 for
+/// Activates the font's family until the host quits; `conflictID` is a font that is in its way, 0 for
 /// none.
 ErrorCode ActivateFamilyForDesign(uint32_t fontID, uint32_t& conflictID) {
     CFDictionaryRef fontInfo = nullptr;
@@ -216,6 +216,8 @@ ErrorCode MarquellPanel::DesignActivateFamilyForFont(const JSONValue& jsonValue)
     LogMessage(0, "Activating the family of '%s' (%s)", displayName.c_str(), postscriptName.c_str());
     uint32_t conflictID = 0;
     const ErrorCode returnCode = ActivateFamilyForDesign(fontID, conflictID);
+    if (returnCode != CoreErrorCodes::kSuccess)
+        conflictID = 0;  // what is not active is in nobody's way
     if (returnCode != CoreErrorCodes::kSuccess || conflictID != 0)
         RETURN_IF_FAILED(FontActivationError(fontID, conflictID));
     return SendReturnCode(kDesignActivateFamilyForFont, returnCode);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <type_traits>
 
 #include "FailureReport.h"
 #include "FontID.h"
@@ -114,6 +115,7 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
     const ScopeExit settle([&] { mRegistered = isRegistered; });
     auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
     RETURN_IF_NULL(htmlPanel);
+    mPanels.reserve(mPanels.size() + 1);  // once it is registered, nothing may keep the panel from staying
     RETURN_IF_FAILED(htmlPanel->RegisterHandler());
     AddPanel(std::move(htmlPanel));
     isRegistered = true;
@@ -269,7 +271,7 @@ ErrorCode PanelManager::Receive(const PluginNotification& notification) {
                                     : CoreErrorCodes::kSuccess;
 }
 
-void PanelManager::RemoveFontListFiles() {
+void PanelManager::Close() {
     for (const auto& panel : mPanels)
-        panel->RemoveFontListFiles();
+        panel->Close();
 }

@@ -59,9 +59,9 @@ public:
     /// Tells the panels what the font manager's agent reported.
     ErrorCode Receive(const PluginNotification& notification) override;
 
-    /// Removes the files that panels were given and have not let go of: the host quits. The panels stay,
-    /// since the host's service may still call them.
-    void RemoveFontListFiles();
+    /// The host quits: panels are not served any more, and the files that they were given are removed. The
+    /// panels themselves stay, since the host's service may still call them.
+    void Close();
 
     /// The port of the first panel that has one, else 0.
     uint32_t GetSocketPort();

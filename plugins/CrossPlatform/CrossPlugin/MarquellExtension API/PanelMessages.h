@@ -26,6 +26,11 @@ inline constexpr int kRequestSmartListFonts = 40;  ///< answered by kFontList or
 inline constexpr int kSetSmartListQuery = 42;
 inline constexpr int kRenameSmartListByName = 44;
 inline constexpr int kSetFontVersion = 47;
+// What panels may still send and nobody acts upon.
+inline constexpr int kIgnored48 = 48;
+inline constexpr int kIgnored49 = 49;
+inline constexpr int kIgnored51 = 51;
+inline constexpr int kIgnored59 = 59;
 inline constexpr int kCanAccessGoogleFonts = 58;
 inline constexpr int kStartPanelInfo = 66;  ///< answered by kConnectionComplete
 inline constexpr int kSendHostAppKeyPress = 67;

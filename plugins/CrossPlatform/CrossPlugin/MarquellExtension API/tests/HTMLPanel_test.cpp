@@ -143,7 +143,7 @@ TEST_F(HTMLPanelTest, APanelCannotKeepTheHostBusyForEver) {
     };
     service.Deliver(R"({"messageID":16})");
     EXPECT_EQ(service.events.size(), 1000u);
-    EXPECT_THAT(trace.Text(), HasSubstr("Dropping 1001 requests of a panel"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Dropping 1000 requests of a panel"));
     service.whileDispatching = nullptr;
     service.events.clear();
     service.Deliver(R"({"messageID":16})");

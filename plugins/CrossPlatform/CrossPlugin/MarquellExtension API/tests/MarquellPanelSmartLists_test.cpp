@@ -75,8 +75,11 @@ TEST_F(FontListTest, TheFileStaysUntilThePanelOrTheHostIsDone) {
     Send(nlohmann::json{{"messageID", 13}, {"filename", url}}.dump());
     EXPECT_FALSE(IsFileThere());
     FontList();
-    panel.RemoveFontListFiles();
+    panel.Close();
     EXPECT_FALSE(IsFileThere());
+    library.panelCalls.clear();
+    EXPECT_TRUE(Send(R"({"messageID":40,"smartListID":3})").empty()) << "the host has quit";
+    EXPECT_TRUE(library.panelCalls.empty());
 }
 
 TEST_F(FontListTest, AFileThatCannotBeMadeIsToldToThePanel) {
