@@ -46,7 +46,6 @@ struct PanelWorld : SilentWorld {
         service.Deliver(message);
         library.calls.clear();
         library.panelCalls.clear();
-        panel.RemoveFontListFiles();
     }
 
     FakePlugPlug service;
