@@ -93,6 +93,7 @@ void OpenDocument(benchmark::State& state) {
     const Reply reply{Records(workload.matched), Records(workload.unmatched), Records(workload.reported)};
     readyReply = &reply;
     SilentWorld world;
+    world.framework.numbers["CloseFontsOnDocClose"] = 1;
     world.libraries.symbols["ActivateDocumentFontsByPath"] = reinterpret_cast<void*>(&GiveReadyReply);
     if (!world.MakeFunctional())
         return state.SkipWithError("the plug-in is not functional");

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 // Owns one reference to an object, or none. T is a reference type such as CFStringRef or CFMutableArrayRef.
 template <class T>
@@ -246,6 +247,15 @@ void Append(CFMutableArrayRef array, const Value& value) {
 template <class Value>
 void Append(const CFRef<CFMutableArrayRef>& array, const Value& value) {
     Append(array.get(), value);
+}
+
+// The numbers, in order.
+template <std::integral T>
+CFRef<CFMutableArrayRef> NumberArray(const std::vector<T>& numbers) {
+    CFRef<CFMutableArrayRef> array = MutableArray();
+    for (const T number : numbers)
+        Append(array, number);
+    return array;
 }
 
 // 0 for null.

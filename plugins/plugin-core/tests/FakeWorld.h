@@ -14,13 +14,8 @@ protected:
             AllTrackedDocuments::GetSharedInstance().RemoveClosedDocument(*document, nullptr);
     }
 
-    /// Makes the plug-in functional without the start-up routine, which a process runs only once.
     void MakeFunctional() {
-        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
-        ASSERT_TRUE(FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning());
-        MarquellGlobals::SetLoggedIn(true);
-        MarquellGlobals::SetPluginFunctionalityEnabled(true);
-        ASSERT_TRUE(MarquellGlobals::IsPluginFunctional());
+        ASSERT_TRUE(SilentWorld::MakeFunctional());
         library.calls.clear();
         trace.Clear();
     }

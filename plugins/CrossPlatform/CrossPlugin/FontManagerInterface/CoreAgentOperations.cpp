@@ -6,13 +6,6 @@ namespace {
 
 constexpr int32_t kUnknownWorkgroupID = -1;
 
-CFRef<CFMutableArrayRef> NumberArray(const std::vector<uint32_t>& numbers) {
-    CFRef<CFMutableArrayRef> array = cf::MutableArray();
-    for (const uint32_t number : numbers)
-        cf::Append(array, number);
-    return array;
-}
-
 }  // namespace
 
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
@@ -67,7 +60,7 @@ ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context
 
 ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
                                                             PluginActivationStates& states) {
-    const CFRef<CFMutableArrayRef> ids = NumberArray(databaseIDs);
+    const CFRef<CFMutableArrayRef> ids = cf::NumberArray(databaseIDs);
     const CFRef<CFMutableDictionaryRef> answers = cf::MutableDictionary();
     const ErrorCode code =
         Call(&PluginFunctionTable::pfGetClientFontActivationStates, ids.get(), answers.get());
@@ -191,7 +184,7 @@ ErrorCode CoreAgentInterface::GetGlyphscanInfo(uint32_t databaseID, std::string&
 
 ErrorCode CoreAgentInterface::GetFontConflicts(const std::vector<uint32_t>& databaseIDs,
                                                CFMutableArrayRef conflicts) {
-    const CFRef<CFMutableArrayRef> ids = NumberArray(databaseIDs);
+    const CFRef<CFMutableArrayRef> ids = cf::NumberArray(databaseIDs);
     return Call(&PluginFunctionTable::pfGetFontConflicts, ids.get(), conflicts);
 }
 

@@ -89,13 +89,6 @@ ErrorCode ActivateFamilyForDesign(uint32_t fontID, uint32_t& conflictID) {
     return CoreErrorCodes::kSuccess;
 }
 
-CFRef<CFMutableArrayRef> NumberArray(const std::vector<uint32_t>& numbers) {
-    CFRef<CFMutableArrayRef> array = cf::MutableArray();
-    for (const uint32_t number : numbers)
-        cf::Append(array, static_cast<int64_t>(number));
-    return array;
-}
-
 }  // namespace
 
 ErrorCode MarquellPanel::StartPanelInfo(const JSONValue&) {
@@ -235,8 +228,8 @@ ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
                       GLogger::kDebug);
         return CoreErrorCodes::kInvalidParam;
     }
-    const auto highPriority = NumberArray(highPriorityFonts);
-    const auto fonts = NumberArray(allFonts);
+    const auto highPriority = cf::NumberArray(highPriorityFonts);
+    const auto fonts = cf::NumberArray(allFonts);
     LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
     const ErrorCode code = CallFontManager(
         &PluginFunctionTable::pfRenderFontNamePreviewPNGs, static_cast<CFArrayRef>(highPriority.get()),

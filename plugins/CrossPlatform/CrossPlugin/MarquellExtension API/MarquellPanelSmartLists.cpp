@@ -14,13 +14,6 @@ namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
 
-CFRef<CFMutableArrayRef> NumberArray(const std::vector<int32_t>& numbers) {
-    CFRef<CFMutableArrayRef> array = cf::MutableArray();
-    for (const int32_t number : numbers)
-        cf::Append(array, static_cast<int64_t>(number));
-    return array;
-}
-
 /// Text that keeps its line of the font list file one line, and its column one column.
 std::string Column(std::string text) {
     for (char& each : text) {
@@ -92,9 +85,9 @@ ErrorCode MarquellPanel::CallWithQuery(const JSONValue& jsonValue, SmartListQuer
     SmartListQuery query;
     RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
     RETURN_IF_FAILED(GetQuery(jsonValue, query));
-    const CFRef<CFArrayRef> workgroupIDs = NumberArray(query.workgroupIDs);
-    const CFRef<CFArrayRef> setIDs = NumberArray(query.setIDs);
-    const CFRef<CFArrayRef> smartSetIDs = NumberArray(query.smartSetIDs);
+    const CFRef<CFArrayRef> workgroupIDs = cf::NumberArray(query.workgroupIDs);
+    const CFRef<CFArrayRef> setIDs = cf::NumberArray(query.setIDs);
+    const CFRef<CFArrayRef> smartSetIDs = cf::NumberArray(query.smartSetIDs);
     RETURN_IF_FAILED(
         CallFontManager(function, smartListID, workgroupIDs.get(), setIDs.get(), smartSetIDs.get()));
     return CoreErrorCodes::kSuccess;
@@ -115,9 +108,9 @@ ErrorCode MarquellPanel::CreateSmartList(const JSONValue& jsonValue) {
     RETURN_IF_FAILED(GetQuery(jsonValue, query));
     const CFRef<CFStringRef> name = cf::String(smartListName);
     RETURN_IF_NULL(name.get());  // no UTF-8
-    const CFRef<CFArrayRef> workgroupIDs = NumberArray(query.workgroupIDs);
-    const CFRef<CFArrayRef> setIDs = NumberArray(query.setIDs);
-    const CFRef<CFArrayRef> smartSetIDs = NumberArray(query.smartSetIDs);
+    const CFRef<CFArrayRef> workgroupIDs = cf::NumberArray(query.workgroupIDs);
+    const CFRef<CFArrayRef> setIDs = cf::NumberArray(query.setIDs);
+    const CFRef<CFArrayRef> smartSetIDs = cf::NumberArray(query.smartSetIDs);
     int32_t smartListID = 0;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCreateSmartList, name.get(), workgroupIDs.get(),
                                      setIDs.get(), smartSetIDs.get(), &smartListID));

@@ -1,5 +1,5 @@
-// A host in which the plug-in is functional and nobody listens to the trace, with an interface library that
-// answers at once.
+// A host with an interface library and a framework that do as they are told, and nobody who listens to the
+// trace. For tests, through FontManagerWorld, and for benchmarks and fuzz targets as it is.
 #pragma once
 
 #include "FakeFramework.h"
@@ -18,7 +18,7 @@ public:
             +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return sFramework; });
         sFramework = &framework;
         library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}};
-        framework.numbers = {{"EnablePlugin", 1}, {"CloseFontsOnDocClose", 1}};
+        framework.numbers["EnablePlugin"] = 1;
     }
     ~SilentWorld() {
         FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
@@ -28,13 +28,14 @@ public:
     SilentWorld(const SilentWorld&) = delete;
     SilentWorld& operator=(const SilentWorld&) = delete;
 
-    /// Whether fonts may be asked for from now on.
+    /// Makes the plug-in functional without the start-up routine, which a process runs only once. Whether it
+    /// is.
     bool MakeFunctional() {
         MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
         const bool isCompatible = FontManagerInterface::GetSharedInstance().CompatibleFontManagerIsRunning();
         MarquellGlobals::SetLoggedIn(true);
         MarquellGlobals::SetPluginFunctionalityEnabled(true);
-        return isCompatible && FontManagerInterface::GetSharedInstance().IsUsable();
+        return isCompatible && MarquellGlobals::IsPluginFunctional();
     }
 
     FakeProcesses processes;
