@@ -1,0 +1,94 @@
+#include "DialogWindow.h"
+
+#include <utility>
+
+#include "DialogTemplate.h"
+
+namespace platform {
+namespace {
+
+constexpr DWORD kFrameStyle = DS_MODALFRAME | DS_SETFOREGROUND | WS_POPUP | WS_CAPTION | WS_SYSMENU;
+constexpr DWORD kPaneStyle = DS_CONTROL | WS_CHILD | WS_VISIBLE;
+
+/// The module that holds this code, which need not be the program.
+HINSTANCE ThisModule() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<LPCWSTR>(&ThisModule), &module);
+    return module;
+}
+
+}  // namespace
+
+DialogWindow::~DialogWindow() {
+    if (mHandle != nullptr)
+        DestroyWindow(mHandle);
+}
+
+INT_PTR DialogWindow::RunModal(HWND owner, const std::wstring& title) {
+    const DialogTemplate dialog(kFrameStyle, 0, title);
+    const INT_PTR result =
+        DialogBoxIndirectParamW(ThisModule(), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    RethrowFailure();
+    return result;
+}
+
+void DialogWindow::CreateModeless(HWND owner, const std::wstring& title) {
+    const DialogTemplate dialog(kFrameStyle, 0, title);
+    CreateDialogIndirectParamW(ThisModule(), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    RethrowFailure();
+}
+
+void DialogWindow::CreatePane(HWND parent, DWORD additionalStyle) {
+    const DialogTemplate dialog(kPaneStyle | additionalStyle, WS_EX_CONTROLPARENT, {});
+    CreateDialogIndirectParamW(ThisModule(), dialog.Get(), parent, Procedure, reinterpret_cast<LPARAM>(this));
+    RethrowFailure();
+}
+
+void DialogWindow::Resize(int width, int height) const {
+    RECT frame{0, 0, width, height};
+    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(mHandle, GWL_STYLE)), FALSE,
+                       static_cast<DWORD>(GetWindowLongPtrW(mHandle, GWL_EXSTYLE)));
+    SetWindowPos(mHandle, nullptr, 0, 0, frame.right - frame.left, frame.bottom - frame.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void DialogWindow::RethrowFailure() {
+    if (mFailure)
+        std::rethrow_exception(std::exchange(mFailure, nullptr));
+}
+
+INT_PTR CALLBACK DialogWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(window, DWLP_USER, lParam);
+        reinterpret_cast<DialogWindow*>(lParam)->mHandle = window;
+    }
+    auto* self = reinterpret_cast<DialogWindow*>(GetWindowLongPtrW(window, DWLP_USER));
+    if (self == nullptr)
+        return FALSE;
+    try {
+        return self->Handle(message, wParam, lParam) ? TRUE : FALSE;
+    } catch (...) {
+        self->mFailure = std::current_exception();
+        EndDialog(window, IDCANCEL);
+        return TRUE;
+    }
+}
+
+bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG:
+            OnOpen();
+            return false;  // which control gets the keyboard is decided there
+        case WM_COMMAND:
+            OnCommand(LOWORD(wParam), HIWORD(wParam));
+            return true;
+        case WM_NCDESTROY:
+            mHandle = nullptr;
+            return false;
+        default:
+            return OnMessage(message, wParam, lParam);
+    }
+}
+
+}  // namespace platform

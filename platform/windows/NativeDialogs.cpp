@@ -1,0 +1,63 @@
+#include "platform/NativeDialogs.h"
+
+#include <windows.h>
+
+#include "Desktop.h"
+#include "FolderChooser.h"
+#include "FormDialog.h"
+#include "ProgressDialog.h"
+#include "WideText.h"
+
+namespace platform {
+namespace {
+
+class UnseenProgress : public ProgressWindow {
+public:
+    bool Show(int32_t, int32_t) override { return true; }
+};
+
+UINT MessageBoxStyle(MessageButtons buttons, HWND owner) {
+    const UINT kind = buttons == MessageButtons::kYesNo ? MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2
+                                                        : MB_OK | MB_ICONINFORMATION;
+    return kind | MB_SETFOREGROUND | (owner == nullptr ? MB_TASKMODAL : 0);
+}
+
+class WindowsDialogs : public NativeDialogs {
+public:
+    bool IsAvailable() override { return HasVisibleDesktop(); }
+
+    bool ShowMessage(WindowHandle owner, const std::string& title, const std::string& text,
+                     MessageButtons buttons) override {
+        if (!IsAvailable())
+            return false;
+        const HWND window = OwnerOf(owner);
+        const int pressed = MessageBoxW(window, ToWide(text).c_str(), ToWide(title).c_str(),
+                                        MessageBoxStyle(buttons, window));
+        return pressed == IDOK || pressed == IDYES;
+    }
+    FolderAnswer ChooseFolder(WindowHandle owner, const std::string& prompt,
+                              const std::string& initialFolder) override {
+        if (!IsAvailable())
+            return {};
+        return RunFolderChooser(OwnerOf(owner), ToWide(prompt), ToWide(initialFolder));
+    }
+    int ShowForm(WindowHandle owner, Form& form) override {
+        return IsAvailable() ? FormDialog(form).Run(OwnerOf(owner)) : kFormCancelled;
+    }
+    std::unique_ptr<ProgressWindow> OpenProgress(WindowHandle owner, const std::string& title,
+                                                 const std::string& cancelLabel) override {
+        if (!IsAvailable())
+            return std::make_unique<UnseenProgress>();
+        return std::make_unique<ProgressDialog>(OwnerOf(owner), ToWide(title), ToWide(cancelLabel));
+    }
+};
+
+}  // namespace
+
+template <>
+NativeDialogs& SystemDefault<NativeDialogs>() {
+    static WindowsDialogs dialogs;
+    return dialogs;
+}
+
+}  // namespace platform

@@ -1,0 +1,83 @@
+#include "ProgressDialog.h"
+
+#include <commctrl.h>
+
+#include "ControlStack.h"
+#include "Desktop.h"
+
+namespace platform {
+namespace {
+
+// In dialog units.
+constexpr int kMargin = 7;
+constexpr int kGap = 4;
+constexpr int kWidth = 200;
+
+/// Takes the widest count that is likely, so that the text never outgrows its place.
+constexpr wchar_t kRoomForCount[] = L"0000000 / 0000000";
+
+void EnsureProgressBars() {
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
+    InitCommonControlsEx(&controls);
+}
+
+}  // namespace
+
+ProgressDialog::ProgressDialog(HWND owner, const std::wstring& title, std::wstring cancelLabel)
+    : mOwner(owner),
+      mWasOwnerDisabled(owner != nullptr && EnableWindow(owner, FALSE) != 0),
+      mCancelLabel(std::move(cancelLabel)) {
+    EnsureProgressBars();
+    CreateModeless(owner, title);
+    ShowWindow(Handle(), SW_SHOW);
+}
+
+// The owner takes input again before the window goes, or another program's window would come to the front.
+ProgressDialog::~ProgressDialog() {
+    if (mOwner != nullptr && !mWasOwnerDisabled)
+        EnableWindow(mOwner, TRUE);
+}
+
+void ProgressDialog::OnOpen() {
+    mMetrics = std::make_unique<DialogMetrics>(Handle());
+    const int left = mMetrics->Horizontal(kMargin);
+    const int width = mMetrics->Horizontal(kWidth);
+    ControlStack stack(Handle(), *mMetrics, left, mMetrics->Vertical(kMargin), width);
+    mCount = stack.AddText(kRoomForCount, mMetrics->Font());
+    stack.Skip(kGap);
+    mBar = stack.AddProgressBar();
+    stack.Skip(kMargin);
+    const int buttonWidth = ControlStack::ButtonWidth(*mMetrics, mCancelLabel);
+    ControlStack button(Handle(), *mMetrics, left + width - buttonWidth, stack.Bottom(), buttonWidth);
+    SetFocus(button.AddButton(IDCANCEL, mCancelLabel, true));
+    button.Skip(kMargin);
+    Resize(left + width + left, button.Bottom());
+    CenterOverOwner(Handle());
+}
+
+void ProgressDialog::OnCommand(int number, int) {
+    if (number == IDCANCEL)
+        mIsStopped = true;
+}
+
+bool ProgressDialog::Show(int32_t done, int32_t total) {
+    SetWindowTextW(mCount, (std::to_wstring(done) + L" / " + std::to_wstring(total)).c_str());
+    SendMessageW(mBar, PBM_SETRANGE32, 0, total);
+    SendMessageW(mBar, PBM_SETPOS, static_cast<WPARAM>(done), 0);
+    TakeInput();
+    UpdateWindow(Handle());
+    return !mIsStopped;
+}
+
+// Of this window alone: the host's own messages would let it call back in the middle of the work.
+void ProgressDialog::TakeInput() {
+    MSG message{};
+    while (PeekMessageW(&message, Handle(), 0, 0, PM_REMOVE) != 0) {
+        if (IsDialogMessageW(Handle(), &message) == 0) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,33 @@
+// A window that shows how far a work has come, while its thread does the work.
+#pragma once
+
+#include <memory>
+
+#include "DialogMetrics.h"
+#include "DialogWindow.h"
+#include "platform/NativeDialogs.h"
+
+namespace platform {
+
+class ProgressDialog : public ProgressWindow, private DialogWindow {
+public:
+    ProgressDialog(HWND owner, const std::wstring& title, std::wstring cancelLabel);
+    ~ProgressDialog() override;
+
+    bool Show(int32_t done, int32_t total) override;
+
+private:
+    void OnOpen() override;
+    void OnCommand(int number, int notification) override;
+    void TakeInput();
+
+    const HWND mOwner;
+    const bool mWasOwnerDisabled;
+    const std::wstring mCancelLabel;
+    std::unique_ptr<DialogMetrics> mMetrics;
+    HWND mCount = nullptr;
+    HWND mBar = nullptr;
+    bool mIsStopped = false;
+};
+
+}  // namespace platform
