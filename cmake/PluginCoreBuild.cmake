@@ -18,6 +18,12 @@ set(CMAKE_INSTALL_LIBDIR lib CACHE STRING "Folder for libraries below the prefix
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/..:$ORIGIN/../lib")
 # The agent and its interface library live together, apart from what a host loads.
 set(PLUGINCORE_FONT_MANAGER_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/vantorix")
+set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+if(WIN32)
+  # Libraries have plain names, and are found beside the program that needs them.
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+endif()
 
 find_package(Threads REQUIRED)
 
@@ -29,6 +35,13 @@ target_compile_options(plugincore-build-options INTERFACE
 # Debug builds check the bounds of containers.
 target_compile_definitions(plugincore-build-options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 target_link_libraries(plugincore-build-options INTERFACE Threads::Threads)
+if(WIN32)
+  # Windows 10 and later, by its wide functions.
+  target_compile_definitions(plugincore-build-options INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+  # The compiler's runtime is part of each binary: nothing but the system's own libraries need be there.
+  target_link_options(plugincore-build-options INTERFACE -static)
+endif()
 if(PLUGINCORE_SANITIZE)
   target_compile_options(plugincore-build-options INTERFACE
     -fsanitize=${PLUGINCORE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -56,7 +69,7 @@ function(plugincore_test name)
   cmake_parse_arguments(ARG "" "LOCK" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
   set(properties TIMEOUT 120)
   if(ARG_LOCK)
     list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
@@ -71,30 +84,58 @@ endfunction()
 # Gives a binary the version pairs that platform/VersionResource.h reads back.
 function(plugincore_version target)
   cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION" "" ${ARGN})
+  if(WIN32)
+    set(language RC)
+    set(template version-resource.rc.in)
+  else()
+    set(language C)
+    set(template version-section.c.in)
+  endif()
   set(VERSION_PAIRS "")
   foreach(pair FileVersion:FILE_VERSION PrivateBuild:PRIVATE_BUILD InternalName:INTERNAL_NAME
                HostAppMinimumVersion:HOST_APP_MINIMUM_VERSION)
     string(REPLACE ":" ";" pair ${pair})
     list(GET pair 0 key)
     list(GET pair 1 argument)
-    if(DEFINED ARG_${argument})
+    if(NOT DEFINED ARG_${argument})
+      continue()
+    elseif(WIN32)
+      string(APPEND VERSION_PAIRS "      VALUE \"${key}\", \"${ARG_${argument}}\"\n")
+    else()
       string(APPEND VERSION_PAIRS "    \"${key}=${ARG_${argument}}\\0\"\n")
     endif()
   endforeach()
-  set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}-version.c")
-  configure_file("${CMAKE_SOURCE_DIR}/cmake/version-section.c.in" "${source}" @ONLY)
+  string(REPLACE "." "," VERSION_NUMBERS "${ARG_FILE_VERSION}")
+  cmake_path(REMOVE_EXTENSION template LAST_ONLY OUTPUT_VARIABLE extension)
+  cmake_path(GET extension EXTENSION LAST_ONLY extension)
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}-version${extension}")
+  configure_file("${CMAKE_SOURCE_DIR}/cmake/${template}" "${source}" @ONLY)
   target_sources(${target} PRIVATE "${source}")
+  set_source_files_properties("${source}" PROPERTIES LANGUAGE ${language})
 endfunction()
 
-# plugincore_export_only(TARGET FILE): the library exports exactly the names in FILE, one a line.
+# plugincore_export_only(TARGET NAMES-FILE | TARGET NAMES name...): the library exports exactly the names in the file,
+# one a line, or those given.
 function(plugincore_export_only target names_file)
-  file(STRINGS "${names_file}" names)
-  list(JOIN names ";\n    " names)
-  set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
-  file(CONFIGURE OUTPUT "${script}" CONTENT "{\n  global:\n    ${names};\n  local:\n    *;\n};\n")
-  # A host that unloads the library leaves its code in place: threads and callbacks may still be in it.
-  target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--no-undefined-version"
-    "LINKER:-z,nodelete")
-  set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${names_file}")
+  if(names_file STREQUAL "NAMES")
+    set(names ${ARGN})
+  else()
+    file(STRINGS "${names_file}" names)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${names_file}")
+  endif()
+  if(WIN32)
+    list(JOIN names "\n  " names)
+    set(list "${CMAKE_CURRENT_BINARY_DIR}/${target}.def")
+    file(CONFIGURE OUTPUT "${list}" CONTENT "EXPORTS\n  ${names}\n")
+    target_sources(${target} PRIVATE "${list}")
+    target_link_options(${target} PRIVATE "LINKER:--exclude-all-symbols")
+  else()
+    list(JOIN names ";\n    " names)
+    set(list "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+    file(CONFIGURE OUTPUT "${list}" CONTENT "{\n  global:\n    ${names};\n  local:\n    *;\n};\n")
+    # A host that unloads the library leaves its code in place: threads and callbacks may still be in it.
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${list}" "LINKER:--no-undefined-version"
+      "LINKER:-z,nodelete")
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS "${list}")
+  endif()
 endfunction()

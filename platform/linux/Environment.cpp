@@ -13,7 +13,10 @@ std::string EnvironmentVariable(const char* name) {
 }
 
 void SetEnvironment(const char* name, const std::string& value) {
-    setenv(name, value.c_str(), 1);
+    if (value.empty())
+        unsetenv(name);
+    else
+        setenv(name, value.c_str(), 1);
 }
 
 bool IsTerminal(StandardStream stream) {

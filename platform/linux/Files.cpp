@@ -13,17 +13,14 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Utf8Path.h"
+#include "FilesInternal.h"
 
 namespace platform {
 
 const char kPathSeparator = '/';
+const SystemError kFileTooLarge{EFBIG};
 
 namespace {
-
-// The mark keeps what a user puts beside the file ("file.backup") from looking like a temporary file.
-constexpr std::string_view kTemporaryMark = ".writing-";
-constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 /// A file descriptor that closes itself.
 class Descriptor {
@@ -112,13 +109,6 @@ SystemError RenameToFreeName(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0 ? SystemError{} : LastSystemError();
 }
 
-std::string FolderOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 void FlushFolder(const std::string& folder) {
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.IsValid())
@@ -202,31 +192,8 @@ SystemError FileModificationTime(const std::string& path, int64_t& seconds) {
     return {};
 }
 
-bool IsExistingFile(const std::string& path) {
-    struct stat info {};
-    return !StatRegularFile(path, info);
-}
-
-SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit) {
-    ReadOnlyFile file;
-    if (const SystemError error = file.Open(path))
-        return error;
-    uint64_t size = 0;
-    if (const SystemError error = file.Size(size))
-        return error;
-    if (size > sizeLimit)
-        return SystemError{EFBIG};
-    std::string bytes(static_cast<size_t>(size), '\0');
-    size_t bytesRead = 0;
-    if (const SystemError error = file.ReadAt(0, bytes.data(), bytes.size(), bytesRead))
-        return error;
-    bytes.resize(bytesRead);
-    content = std::move(bytes);
-    return {};
-}
-
 SystemError WriteWholeFile(const std::string& path, std::string_view content) {
-    std::string temporary = path + std::string(kTemporaryMark) + std::string(kTemporaryPattern);
+    std::string temporary = path + std::string(kTemporaryMark) + std::string(kTemporaryDigits, 'X');
     const Descriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));
     if (!descriptor.IsValid())
         return LastSystemError();
@@ -279,18 +246,6 @@ SystemError CopyToNewFile(const std::string& source, const std::string& target) 
     else
         FlushFolder(folder);
     return error;
-}
-
-void RemoveAbandonedWrites(const std::string& path) {
-    const std::string beginning = Utf8Text(Utf8Path(path).filename()) + std::string(kTemporaryMark);
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(Utf8Path(FolderOf(path)), failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string name = Utf8Text(entry->path().filename());
-        std::error_code ignored;
-        if (name.starts_with(beginning) && name.size() == beginning.size() + kTemporaryPattern.size())
-            std::filesystem::remove(entry->path(), ignored);
-    }
 }
 
 SystemError MakeFolders(const std::string& path, bool privateToUser) {

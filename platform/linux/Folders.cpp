@@ -4,10 +4,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <filesystem>
 
 #include "platform/Environment.h"
-#include "platform/Utf8Path.h"
 
 namespace platform {
 namespace {
@@ -82,17 +80,6 @@ template <>
 Folders& SystemDefault<Folders>() {
     static LinuxFolders folders;
     return folders;
-}
-
-std::string FullPath(const std::string& typed) {
-    const bool isBelowHome = typed == "~" || typed.starts_with("~/");
-    const std::string home = isBelowHome ? Current<Folders>().PathOf(KnownFolder::kHome) : std::string();
-    if (typed.empty() || (isBelowHome && home.empty()))
-        return {};
-    const std::string path = isBelowHome ? home + typed.substr(1) : typed;
-    std::error_code failure;
-    return WithoutTrailingSlash(
-        Utf8Text(std::filesystem::absolute(Utf8Path(path), failure).lexically_normal()));
 }
 
 }  // namespace platform

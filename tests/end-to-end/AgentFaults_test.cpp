@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <cstdio>
 #include <functional>
@@ -64,23 +63,19 @@ const HostCall kCalls[] = {
      IsSuccess},
 };
 
-void Signal(platform::ProcessId process, int signal) {
-    kill(static_cast<pid_t>(process), signal);
-}
-
 /// Ends the agent before the call, or in the middle of it: the agent is frozen, and dies once the trace shows
 /// that the host is in the call.
 std::thread Strike(const HostWorld& world, bool isDuringTheCall) {
     const platform::ProcessId agent = world.Agent();
     if (!isDuringTheCall) {
-        Signal(agent, SIGKILL);
-        pellwick::test::Eventually([agent] { return platform::ProcessStartTime(agent) == 0; });
+        KillProcess(agent);
+        Eventually([agent] { return platform::ProcessStartTime(agent) == 0; });
         return {};
     }
-    Signal(agent, SIGSTOP);
+    SuspendProcess(agent);
     return std::thread([agent, &world, length = world.Trace().size()] {
-        pellwick::test::Eventually([&] { return world.Trace().size() > length; });
-        Signal(agent, SIGKILL);
+        Eventually([&] { return world.Trace().size() > length; });
+        KillProcess(agent);
     });
 }
 

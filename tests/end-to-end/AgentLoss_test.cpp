@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <algorithm>
 
@@ -103,10 +102,10 @@ TEST(AgentLoss, AFrozenAgentDoesNotFreezeTheHost) {
     const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
     ScriptedHost host;
     host.Start();
-    const auto agent = static_cast<pid_t>(world.Agent());
-    kill(agent, SIGSTOP);
+    const platform::ProcessId agent = world.Agent();
+    SuspendProcess(agent);
     host.Open(document);  // comes back, whatever it answers
-    kill(agent, SIGCONT);
+    ResumeProcess(agent);
     EXPECT_EQ(host.Call("IdleEvent")["code"], 0);
     EXPECT_NE(world.Agent(), 0);
 }

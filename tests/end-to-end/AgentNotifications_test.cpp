@@ -15,7 +15,7 @@ protected:
 
     /// Idles until the trace holds the line.
     bool IdleUntil(const std::string& line) {
-        return pellwick::test::Eventually([&] {
+        return Eventually([&] {
             host.Call("IdleEvent");
             return world.Trace().find(line) != std::string::npos;
         });

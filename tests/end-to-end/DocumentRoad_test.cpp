@@ -99,8 +99,7 @@ TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthe
         host.Open(document);
         host.Kill();
     }
-    EXPECT_TRUE(pellwick::test::Eventually(
-        [&] { return world.VisibleFonts() == std::set<std::string>{"Sample-Light"}; }));
+    EXPECT_TRUE(Eventually([&] { return world.VisibleFonts() == std::set<std::string>{"Sample-Light"}; }));
 }
 
 TEST_F(DocumentRoadTest, TheRoadCanBeReadInTheTraceWithItsNesting) {
@@ -153,7 +152,7 @@ TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {
 
 TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {
     const std::string document = world.WriteDocument("document.pdf", {"Sample-Bold", "Missing"});
-    const auto result = pellwick::test::TestProcess({THIN_HOST_PROGRAM, document}).Finish();
+    const auto result = TestProcess({THIN_HOST_PROGRAM, document}).Finish();
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("1 fonts activated\n"));
     EXPECT_THAT(result.output, HasSubstr("missing: [{\"PostScriptName\":\"Missing\"}]"));

@@ -17,7 +17,7 @@ TEST(ExampleScript, GoesAsThePageSays) {
            R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])";
     const std::vector<PageExchange> script = ReadScriptPage("example-script.md");
     ASSERT_GT(script.size(), 10u);
-    pellwick::test::TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});
+    TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});
     for (const PageExchange& exchange : script) {
         host.WriteLine(exchange.request);
         for (const std::string& answer : exchange.answers)

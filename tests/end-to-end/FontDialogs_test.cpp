@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 
 #include "HostWorld.h"
+#include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
@@ -20,14 +20,14 @@ protected:
     FontDialogsTest() {
         world.AddFonts({"Sample-Bold", "Sample-Italic", "Other-Regular"});
         document = world.WriteDocument("Plakat 🙂.ai", {"Sample-Black", "Gone-Black", "Sample-Thin"});
-        setenv("PLUGINCORE_ANSWERS_LOG", world.Path("asked").c_str(), 1);
+        platform::SetEnvironment("PLUGINCORE_ANSWERS_LOG", world.Path("asked"));
     }
-    ~FontDialogsTest() override { unsetenv("PLUGINCORE_ANSWERS_LOG"); }
+    ~FontDialogsTest() override { platform::SetEnvironment("PLUGINCORE_ANSWERS_LOG", ""); }
 
     void StartHost(const json& answers) {
         const std::string file = world.Path("answers.json");
         std::ofstream(platform::Utf8Path(file)) << answers;
-        setenv("PLUGINCORE_ANSWERS", file.c_str(), 1);
+        platform::SetEnvironment("PLUGINCORE_ANSWERS", file);
         host.emplace();
         host->Start();
     }

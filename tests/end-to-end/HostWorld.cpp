@@ -1,17 +1,12 @@
 #include "HostWorld.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
 #include "PanelSchemas.h"
-
-using pellwick::test::Eventually;
-using pellwick::test::ProgramResult;
-using pellwick::test::TestProcess;
+#include "platform/Environment.h"
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
     const std::map<std::string, std::string> variables{
@@ -19,9 +14,8 @@ HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
         {"XDG_DATA_DIRS", Path("all users")}, {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
         {"PLUGINCORE_ANSWERS", ""},           {"LC_ALL", "C.UTF-8"}};
     for (const auto& [variable, value] : variables) {
-        const char* saved = std::getenv(variable.c_str());
-        mSavedVariables[variable] = saved != nullptr ? saved : "";
-        setenv(variable.c_str(), value.c_str(), 1);
+        mSavedVariables[variable] = platform::EnvironmentVariable(variable.c_str());
+        platform::SetEnvironment(variable.c_str(), value);
     }
 }
 
@@ -30,7 +24,7 @@ HostWorld::~HostWorld() {
     if (const platform::ProcessId agent = Agent())
         KillAgent();
     for (const auto& [variable, value] : mSavedVariables)
-        setenv(variable.c_str(), value.c_str(), 1);
+        platform::SetEnvironment(variable.c_str(), value);
 }
 
 void HostWorld::AddFonts(const std::vector<std::string>& postScriptNames) {
@@ -74,7 +68,7 @@ platform::ProcessId HostWorld::Agent() const {
 void HostWorld::KillAgent() const {
     const platform::ProcessId agent = Agent();
     ASSERT_NE(agent, 0);
-    kill(static_cast<pid_t>(agent), SIGKILL);
+    KillProcess(agent);
     ASSERT_TRUE(Eventually([&] { return platform::ProcessStartTime(agent) == 0; }));
 }
 
@@ -131,7 +125,7 @@ void ScriptedHost::SetPreference(const std::string& key, int value) {
 }
 
 void ScriptedHost::Kill() const {
-    mProcess.Signal(SIGKILL);
+    mProcess.Kill();
     // The process stays a zombie until this object goes; that counts as gone.
     ASSERT_TRUE(Eventually([this] { return platform::ProcessStartTime(Id()) == 0; }));
 }

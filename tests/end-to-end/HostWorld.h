@@ -29,7 +29,7 @@ public:
     std::string Path(const std::string& name) const { return mWorld.Path(name); }
 
     /// Runs plugincore-host to its end.
-    pellwick::test::ProgramResult RunHost(std::vector<std::string> arguments) const;
+    ProgramResult RunHost(std::vector<std::string> arguments) const;
     /// PostScript names of the font manager's fonts that a program of its own, fc-list, sees.
     std::set<std::string> VisibleFonts() const;
     /// The process identifier of the agent; 0 when none runs.
@@ -64,9 +64,9 @@ public:
     void Start();
     platform::ProcessId Id() const { return mProcess.Id(); }
     void Kill() const;
-    pellwick::test::ProgramResult Finish() { return mProcess.Finish(); }
+    ProgramResult Finish() { return mProcess.Finish(); }
 
 private:
-    pellwick::test::TestProcess mProcess;
+    TestProcess mProcess;
     std::vector<json> mPanelMessages;
 };

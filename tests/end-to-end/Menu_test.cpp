@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "HostWorld.h"
+#include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
@@ -19,15 +19,15 @@ class MenuTest : public testing::Test {
 protected:
     MenuTest() {
         world.AddFonts({"Sample-Bold", "Sample-Italic", "Other-Regular"});
-        setenv("PLUGINCORE_ANSWERS_LOG", world.Path("asked").c_str(), 1);
+        platform::SetEnvironment("PLUGINCORE_ANSWERS_LOG", world.Path("asked"));
     }
-    ~MenuTest() override { unsetenv("PLUGINCORE_ANSWERS_LOG"); }
+    ~MenuTest() override { platform::SetEnvironment("PLUGINCORE_ANSWERS_LOG", ""); }
 
     /// What the user answers; to be called before the host is started.
     void Answer(const json& answers) const {
         const std::string file = world.Path("answers.json");
         std::ofstream(platform::Utf8Path(file)) << answers;
-        setenv("PLUGINCORE_ANSWERS", file.c_str(), 1);
+        platform::SetEnvironment("PLUGINCORE_ANSWERS", file);
     }
     /// Identifiers of the texts of all message boxes that were shown so far.
     std::vector<int> Messages() const {
@@ -116,7 +116,7 @@ TEST_F(MenuTest, CheckingADocumentTellsWhatIsMissing) {
 
 TEST_F(MenuTest, TheMenuIsInTheUsersLanguageAndItsChoicesLast) {
     ASSERT_EQ(world.FontManager().Run({"workgroup", "create", "Druck"}).status, 0);
-    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    platform::SetEnvironment("LC_ALL", "de_DE.UTF-8");
     auto result = world.RunHost({"menu"});
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("Bibliothek auswählen\n"));

@@ -63,7 +63,7 @@ protected:
     /// What the font manager does meanwhile may take longer than one idle call.
     std::vector<json> WriteUntilAnswered(const json& line, size_t count) {
         std::vector<json> lines;
-        pellwick::test::Eventually([&] {
+        Eventually([&] {
             lines = Write(line);
             if (lines.size() < count)
                 host.Call("IdleEvent");

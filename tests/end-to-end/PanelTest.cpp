@@ -18,7 +18,7 @@ std::vector<json> PanelTest::Idle() {
 
 json PanelTest::WaitFor(int messageID) {
     json found;
-    EXPECT_TRUE(pellwick::test::Eventually([&] {
+    EXPECT_TRUE(Eventually([&] {
         for (const json& message : Idle()) {
             if (found.is_null() && message["messageID"] == messageID)
                 found = message;
@@ -30,7 +30,7 @@ json PanelTest::WaitFor(int messageID) {
 }
 
 bool PanelTest::IdleUntilTraced(const std::string& text) {
-    return pellwick::test::Eventually([&] {
+    return Eventually([&] {
         host.Call("IdleEvent");
         return world.Trace().find(text) != std::string::npos;
     });

@@ -46,8 +46,7 @@ TEST(PanelRegistration, ComesLateWhereTheHostRefusesAtFirst) {
     EXPECT_EQ(host.Call("RegisterPlugPlug")["codeName"], "CoreErrorCodes::kNotInitialized");
     EXPECT_EQ(host.Call("TryRegisterPlugPlug")["codeName"], "CoreErrorCodes::kNotInitialized");
     EXPECT_TRUE(host.Exchange({{"panel", hello}}).contains("error"));
-    ASSERT_TRUE(
-        pellwick::test::Eventually([&] { return host.Call("TryRegisterPlugPlug")["code"] == json(0); }));
+    ASSERT_TRUE(Eventually([&] { return host.Call("TryRegisterPlugPlug")["code"] == json(0); }));
     EXPECT_EQ(host.Call("RegisterPlugPlug")["code"], 0) << "once more changes nothing";
     EXPECT_EQ(host.Panel(hello), (std::vector<json>{{{"messageID", 20}, {"isStandalone", true}}}));
     EXPECT_EQ(host.Finish().status, 1) << "two lines could not be done";
@@ -148,7 +147,7 @@ TEST_F(PanelTest, GetsImagesOfFontsNamesWhenTheHostIsIdle) {
             {{"messageID", 32}, {"highPriorityFontIDs", {3}}, {"fontIDs", {1, 2, 3}}, {"smartListID", 0}}),
         IsEmpty());
     std::vector<json> fonts;
-    ASSERT_TRUE(pellwick::test::Eventually([&] {
+    ASSERT_TRUE(Eventually([&] {
         for (const json& message : Idle()) {
             if (message["messageID"] == 32)
                 fonts.insert(fonts.end(), message["fonts"].begin(), message["fonts"].end());

@@ -95,7 +95,7 @@ TEST_F(SmartListPanelTest, ADefinitionIsBase64InLinesWithoutTheLastLineEnd) {
     const std::string text = answer["listDefinition"];
     EXPECT_EQ(text.find('\n'), 76u);
     EXPECT_FALSE(text.ends_with('\n'));
-    pellwick::test::TestProcess decoder({"/usr/bin/base64", "--decode"});
+    TestProcess decoder({"/usr/bin/base64", "--decode"});
     decoder.WriteLine(text);
     const json definition = json::parse(decoder.Finish().output);
     EXPECT_EQ(definition["smartListID"], list);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -222,7 +221,7 @@ TEST(Agent, RunsOncePerUserAndEndsOnASignal) {
     const ProgramResult second = world.Run({"serve"});
     EXPECT_EQ(second.status, 1);
     EXPECT_NE(second.errors.find("an agent runs already"), std::string::npos);
-    world.KillAgent(SIGTERM);
+    world.StopAgent();
     EXPECT_EQ(world.Run({"status"}).status, 5);
     EXPECT_TRUE(Locations::OfThisUser().AgentAddress().empty());
     world.StartAgent();
@@ -236,7 +235,7 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     world.RunForJson({"activate", "Sample-Bold"});
     world.RunForJson({"login", "someone"});
     const auto links = world.LinkedFiles();
-    world.KillAgent(SIGKILL);
+    world.KillAgent();
     world.Write("data/fonts/Vantorix/00/" + std::string(64, '0') + ".ttf", "stray");
     world.StartAgent();
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
@@ -255,7 +254,7 @@ TEST(Agent, SweepsTheVaultOfItsDatabaseAndSparesThatOfALostOne) {
     world.StartAgent();
     world.WriteFont("Sample-Bold");
     world.RunForJson({"add", world.Path("fonts")});
-    world.KillAgent(SIGKILL);
+    world.KillAgent();
     const std::string shard = "data/Vantorix/Pellwick/vault/00/";
     const std::string whole = world.Write(shard + std::string(64, '0') + ".ttf", "added, but not recorded");
     const std::string half = world.Write(shard + std::string(64, '0') + ".ttf.a1B2c3", "cut off");
@@ -265,12 +264,12 @@ TEST(Agent, SweepsTheVaultOfItsDatabaseAndSparesThatOfALostOne) {
     EXPECT_THAT(AgentLog(), testing::HasSubstr("vault put right: 2 removed"));
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
 
-    world.KillAgent(SIGTERM);
+    world.StopAgent();
     std::filesystem::remove(platform::Utf8Path(Locations::OfThisUser().databasePath));
     for (int start = 0; start < 2; ++start) {
         world.StartAgent();
         EXPECT_TRUE(world.RunForJson({"list"})["fonts"].empty());
-        world.KillAgent(SIGTERM);
+        world.StopAgent();
     }
     world.StartAgent();
     const Json added = world.RunForJson({"add", Locations::OfThisUser().vaultFolder});
@@ -295,7 +294,7 @@ TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     EXPECT_EQ(state(), kFontActivationState_Inactive);
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
     EXPECT_EQ(world.Run({"add", font, "--workgroup", "System Fonts"}).status, 1);
-    world.KillAgent(SIGTERM);
+    world.StopAgent();
     emptyVault();
     world.StartAgent();
     EXPECT_EQ(state(), kFontActivationState_Missing);
@@ -310,7 +309,7 @@ TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
               std::vector<std::string>{"Sample-Bold"});
     world.RunForJson({"activate", "Sample-Bold"});
     EXPECT_EQ(world.LinkedFiles().size(), 1u);
-    world.KillAgent(SIGTERM);
+    world.StopAgent();
 }
 
 TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {

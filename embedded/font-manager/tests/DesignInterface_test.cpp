@@ -1,7 +1,6 @@
 // Activation for design and for previews, and conflicts.
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 

@@ -1,91 +1,22 @@
 // Agents and hosts that die, freeze or come back, and the notifications.
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <iterator>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <vector>
 
 #include "common/Locations.h"
 #include "platform/Utf8Path.h"
-#include "tests/support/TestLibrary.h"
-#include "tests/support/TestWorld.h"
+#include "tests/support/RecoveryTest.h"
 
 namespace pellwick::test {
 namespace {
 
-/// What the callbacks below were told, in order: the type, and the font ID or the kind of server where there
-/// is one.
-struct Notes {
-    using Note = std::pair<int32_t, int64_t>;
-
-    std::mutex notesLock;
-    std::vector<Note> received;
-    std::atomic<bool> reachedBySignals{false};
-
-    void Clear() {
-        const std::lock_guard guard(notesLock);
-        received.clear();
-        reachedBySignals = false;
-    }
-    void Add(int32_t type, const void* data) {
-        const std::lock_guard guard(notesLock);
-        int64_t about = 0;
-        if (type == kPluginCallback_FontActivated || type == kPluginCallback_FontDeactivated ||
-            type == kPluginCallback_FontMissing)
-            about = *static_cast<const uint32_t*>(data);
-        if (type == kPluginCallback_LoggedIn)
-            about = cf::GetInt64(cf::As<CFDictionaryRef>(data), "serverType").value_or(-1);
-        if (type == kPluginCallback_GoogleWebFontsEnabled)
-            about = *static_cast<const bool*>(data);
-        received.emplace_back(type, about);
-        sigset_t blocked;
-        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
-        if (!sigismember(&blocked, SIGTERM) || !sigismember(&blocked, SIGALRM))
-            reachedBySignals = true;
-    }
-    bool Has(int32_t type) {
-        const std::lock_guard guard(notesLock);
-        return std::find(received.begin(), received.end(), Note(type, 0)) != received.end();
-    }
-};
-Notes notes;
-
-void Note(int32_t type, const void* data) {
-    notes.Add(type, data);
-}
-
-class RecoveryTest : public testing::Test {
-protected:
-    void SetUp() override {
-        notes.Clear();
-        mWorld.StartAgent();
-        mWorld.WriteFont("Sample-Bold");
-        mWorld.WriteFont("Sample-Italic");
-        mWorld.RunForJson({"add", mWorld.Path("fonts")});
-    }
-    void TearDown() override { mLibrary.CleanUpOnShutdown(); }
-
-    ErrorCode AskWhetherLoggedIn() {
-        bool isLoggedIn = false;
-        return mLibrary.GetIsLoggedIn(mLibrary.Facade(), &isLoggedIn);
-    }
-
-    TestWorld mWorld;
-    TestLibrary mLibrary;
-};
-
 TEST_F(RecoveryTest, AKilledAgentIsUnavailableUntilTheFacadeIsResetAndLosesNothing) {
     const auto ids = mLibrary.Activate("/document", {"Sample-Bold"});
-    mWorld.KillAgent(SIGKILL);
+    mWorld.KillAgent();
     EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
     bool isRunning = true;
     EXPECT_EQ(mLibrary.GetIsCoreAgentProcessRunning(mLibrary.Facade(), &isRunning), 0u);
@@ -103,7 +34,7 @@ TEST_F(RecoveryTest, AKilledAgentIsUnavailableUntilTheFacadeIsResetAndLosesNothi
 
 TEST_F(RecoveryTest, AnAgentThatIsStoppedSaysSo) {
     ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    mWorld.KillAgent(SIGTERM);
+    mWorld.StopAgent();
     EXPECT_EQ(AskWhetherLoggedIn(), GAgentIF::kShutdown);
     EXPECT_EQ(AskWhetherLoggedIn(), GAgentIF::kShutdown);
     mLibrary.ResetPluginFacadeInstance();
@@ -112,11 +43,11 @@ TEST_F(RecoveryTest, AnAgentThatIsStoppedSaysSo) {
 
 TEST_F(RecoveryTest, AFrozenAgentIsGivenUpOn) {
     ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    mWorld.SignalAgent(SIGSTOP);
+    SuspendProcess(mWorld.AgentProcess());
     EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
     mLibrary.ResetPluginFacadeInstance();
     EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);  // it does not even greet
-    mWorld.SignalAgent(SIGCONT);
+    ResumeProcess(mWorld.AgentProcess());
     mLibrary.ResetPluginFacadeInstance();
     EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
 }
@@ -126,7 +57,7 @@ TEST_F(RecoveryTest, AHostThatDiesLeavesNothingBehind) {
     ASSERT_EQ(first.ReadLine(), "2");
     TestProcess second({TEST_HOST_PROGRAM, "/second", "Sample-Bold"});
     ASSERT_EQ(second.ReadLine(), "1");
-    first.Signal(SIGKILL);
+    first.Kill();
     first.Finish();
     EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().size() == 1; }));  // which the second shares
     second.Finish();
@@ -137,7 +68,7 @@ TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
     TestProcess dying({TEST_HOST_PROGRAM, "/first", "Sample-Bold"});
     TestProcess living({TEST_HOST_PROGRAM, "/second", "Sample-Italic"});
     ASSERT_EQ(dying.ReadLine() + living.ReadLine(), "11");
-    mWorld.KillAgent(SIGKILL);
+    mWorld.KillAgent();
     dying.Finish();
     mWorld.StartAgent();
     EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
@@ -146,34 +77,11 @@ TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
 }
 
 TEST_F(RecoveryTest, WhatAHostHeldForDesignGoesWithIt) {
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool isHeld =
-            mLibrary.EnableDesignActivation(mLibrary.Facade(), 1, false, true, nullptr) == 0 &&
-            mLibrary.PreviewActivateFonts(mLibrary.Facade(), IDsArray({2}).get(), true) == 0 &&
-            mWorld.LinkedFiles().size() == 2;
-        _exit(isHeld ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    TestProcess host({TEST_HOST_PROGRAM, "--for-design", "1", "2"});
+    ASSERT_EQ(host.ReadLine(), "2");
+    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+    host.Finish();
     EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
-}
-
-TEST_F(RecoveryTest, AForkedProcessHasAConnectionOfItsOwn) {
-    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    const PluginFacadeRef parents = mLibrary.Facade();
-    const pid_t child = fork();
-    if (child == 0) {
-        bool isLoggedIn = false;
-        const bool isRight = mLibrary.GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed &&
-                             AskWhetherLoggedIn() == CoreErrorCodes::kSuccess;
-        _exit(isRight ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
 }
 
 TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
@@ -234,37 +142,8 @@ TEST_F(RecoveryTest, NotificationsArriveUntilTheyAreUnsubscribed) {
     }));
     EXPECT_EQ(mLibrary.UnregisterForNotifications(mLibrary.Facade(), Note), 0u);
     EXPECT_EQ(notes.received, expected);  // each once, though it was registered twice
-    EXPECT_FALSE(notes.reachedBySignals);
     mWorld.RunForJson({"login", "somebody"});
     EXPECT_EQ(notes.received, expected);
-}
-
-/// While it lives, this process gets no further threads: none could have a stack of that size.
-class NoFurtherThreads {
-public:
-    NoFurtherThreads() {
-        pthread_getattr_default_np(&mSaved);
-        pthread_attr_t attributes;
-        pthread_attr_init(&attributes);
-        pthread_attr_setstacksize(&attributes, size_t{1} << 50);
-        pthread_setattr_default_np(&attributes);
-        pthread_attr_destroy(&attributes);
-    }
-    ~NoFurtherThreads() {
-        pthread_setattr_default_np(&mSaved);
-        pthread_attr_destroy(&mSaved);
-    }
-    NoFurtherThreads(const NoFurtherThreads&) = delete;
-    NoFurtherThreads& operator=(const NoFurtherThreads&) = delete;
-
-private:
-    pthread_attr_t mSaved;
-};
-
-std::atomic<int> callsOfAnother{0};
-
-void CountCall(int32_t, const void*) {
-    ++callsOfAnother;
 }
 
 TEST_F(RecoveryTest, TenThousandNotificationsArriveInOrder) {
@@ -281,33 +160,9 @@ TEST_F(RecoveryTest, TenThousandNotificationsArriveInOrder) {
                   Notes::Note(kPluginCallback_GoogleWebFontsEnabled, index % 2 == 0));
 }
 
-TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
-    {
-        const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), CountCall), 0u);
-    }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    mWorld.RunForJson({"logout"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
-    mWorld.RunForJson({"login", "somebody"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
-    EXPECT_EQ(callsOfAnother, 0);
-
-    mLibrary.ResetPluginFacadeInstance();
-    {
-        const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.Facade(), nullptr);
-        EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    mWorld.RunForJson({"standalone", "off"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_WentOnline); }));
-}
-
 TEST_F(RecoveryTest, TheEndOfTheAgentIsNotifiedAndANewOneIsHeardAfterAReset) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    mWorld.KillAgent(SIGKILL);
+    mWorld.KillAgent();
     EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_AgentShutdown); }));
     mWorld.StartAgent();
     mLibrary.ResetPluginFacadeInstance();

@@ -8,8 +8,8 @@ namespace platform {
 /// The variable's value, UTF-8; empty when unset.
 std::string EnvironmentVariable(const char* name);
 
-/// Sets a variable for this process and the ones that it starts. Not while other threads read the
-/// environment.
+/// Sets a variable for this process and the ones that it starts; no value takes it away. Not while other
+/// threads read the environment.
 void SetEnvironment(const char* name, const std::string& value);
 
 enum class StandardStream { kInput, kOutput, kError };

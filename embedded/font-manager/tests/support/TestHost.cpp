@@ -1,18 +1,34 @@
-// A host process: activates fonts for a document, says how many, and stays until its input ends. It dies
-// without letting go of anything.
-#include <unistd.h>
-
+// A host process: activates fonts for a document, or two of them for design and for a preview, says how many,
+// and stays until its input ends. It dies without letting go of anything.
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 #include "tests/support/TestLibrary.h"
 
+namespace {
+
+using pellwick::test::TestLibrary;
+
+size_t HoldForDesign(const TestLibrary& library, int64_t designed, int64_t previewed) {
+    const bool isHeld = library.EnableDesignActivation(library.Facade(), static_cast<uint32_t>(designed),
+                                                       false, true, nullptr) == 0 &&
+                        library.PreviewActivateFonts(library.Facade(),
+                                                     pellwick::test::IDsArray({previewed}).get(), true) == 0;
+    return isHeld ? 2 : 0;
+}
+
+}  // namespace
+
 int main(int count, char** words) {
-    const pellwick::test::TestLibrary library;
-    const auto ids = library.Activate(words[1], std::vector<std::string>(words + 2, words + count));
-    std::printf("%zu\n", ids.size());
+    const TestLibrary library;
+    const size_t active =
+        std::string_view(words[1]) == "--for-design"
+            ? HoldForDesign(library, std::atoll(words[2]), std::atoll(words[3]))
+            : library.Activate(words[1], std::vector<std::string>(words + 2, words + count)).size();
+    std::printf("%zu\n", active);
     std::fflush(stdout);
-    char ignored = 0;
-    while (read(STDIN_FILENO, &ignored, 1) > 0) {
+    while (std::getchar() != EOF) {
     }
-    _exit(0);
+    std::_Exit(0);
 }

@@ -1,23 +1,16 @@
 // A user's world for one test: folders of its own, and an agent that lives in them.
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "TemporaryFolder.h"
+#include "TestProcess.h"
 #include "ipc/Message.h"
-#include "platform/Processes.h"
 
 namespace pellwick::test {
-
-/// What a program that was run to its end left behind.
-struct ProgramResult {
-    int status = -1;  ///< exit status; 128 + N when signal N ended it
-    std::string output;
-    std::string errors;
-};
 
 /// Points the environment of this process at a temporary folder of its own for as long as it lives, and stops
 /// the agent in it, if one runs. One at a time.
@@ -29,19 +22,22 @@ public:
     TestWorld(const TestWorld&) = delete;
     TestWorld& operator=(const TestWorld&) = delete;
 
-    /// PATH below the temporary folder.
-    std::string Path(const std::string& path) const { return mFolder + "/" + path; }
+    /// PATH below the temporary folder, with the system's own separators.
+    std::string Path(const std::string& path) const;
     /// Writes a file and the folders that it needs; its path.
     std::string Write(const std::string& path, const std::string& content) const;
     /// Writes a font with that PostScript name, "Family-Style"; its path.
     std::string WriteFont(const std::string& postScriptName, const std::string& version = "1.0") const;
 
+    /// Starts an agent of this world's own, which no command line started, and waits until it serves.
     void StartAgent();
-    /// Ends the agent with a signal and waits until it is gone.
-    void KillAgent(int signal);
-    /// Sends the agent a signal that does not end it.
-    void SignalAgent(int signal) const;
-    platform::ProcessId AgentProcess() const { return mAgent; }
+    /// Waits until that agent is gone, which something has told to end in order.
+    void WaitForAgentToEnd();
+    /// Has the command line end that agent, and waits until it is gone.
+    void StopAgent();
+    /// Ends that agent by force and waits until it is gone.
+    void KillAgent();
+    platform::ProcessId AgentProcess() const { return mAgent ? mAgent->Id() : 0; }
 
     /// Runs the command line.
     ProgramResult Run(const std::vector<std::string>& arguments) const;
@@ -52,38 +48,10 @@ public:
     std::vector<std::string> LinkedFiles() const;
 
 private:
-    std::string mFolder;
-    platform::ProcessId mAgent = 0;
+    const TemporaryFolder mTemporaryFolder;
+    const std::filesystem::path mFolder;
+    std::unique_ptr<TestProcess> mAgent;
     std::map<std::string, std::string> mSavedVariables;
 };
-
-/// A child process with pipes to its standard streams; it is killed and collected when the object dies.
-class TestProcess {
-public:
-    explicit TestProcess(const std::vector<std::string>& command);
-    ~TestProcess();
-    TestProcess(const TestProcess&) = delete;
-    TestProcess& operator=(const TestProcess&) = delete;
-
-    platform::ProcessId Id() const { return mProcess; }
-    /// The next line of output, without its end; empty when there is none any more.
-    std::string ReadLine();
-    /// Writes a line to its input.
-    void WriteLine(const std::string& line);
-    void CloseInput();
-    void Signal(int signal) const;
-    /// Waits for the end.
-    ProgramResult Finish();
-
-private:
-    platform::ProcessId mProcess = 0;
-    int mInput = -1;
-    int mOutput = -1;
-    int mErrors = -1;
-    bool mIsCollected = false;
-};
-
-/// Waits, for as long as a test may take, until the condition holds; false when it never does.
-bool Eventually(const std::function<bool()>& condition);
 
 }  // namespace pellwick::test

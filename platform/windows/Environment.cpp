@@ -1,0 +1,56 @@
+#include "platform/Environment.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cctype>
+#include <cstdlib>
+
+#include "WideText.h"
+
+namespace platform {
+namespace {
+
+bool IsLanguageCode(const std::string& text) {
+    return text.size() >= 2 && std::islower(static_cast<unsigned char>(text[0])) &&
+           std::islower(static_cast<unsigned char>(text[1]));
+}
+
+std::string SystemLanguage() {
+    std::array<wchar_t, 16> code{};
+    const LCID locale = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
+    GetLocaleInfoW(locale, LOCALE_SISO639LANGNAME, code.data(), static_cast<int>(code.size()));
+    const std::string language = FromWide(code.data());
+    return IsLanguageCode(language) ? language.substr(0, 2) : "en";
+}
+
+}  // namespace
+
+std::string EnvironmentVariable(const char* name) {
+    const std::wstring wideName = ToWide(name);
+    return FromWide(ReadWideText([&](wchar_t* buffer, DWORD size) {
+        return GetEnvironmentVariableW(wideName.c_str(), buffer, size);
+    }));
+}
+
+void SetEnvironment(const char* name, const std::string& value) {
+    // Also for what asks the C library, which keeps a copy; an empty value unsets the variable.
+    _wputenv_s(ToWide(name).c_str(), ToWide(value).c_str());
+}
+
+bool IsTerminal(StandardStream stream) {
+    constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(kHandles[static_cast<size_t>(stream)]), &mode) != FALSE;
+}
+
+std::string UserLanguage() {
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const std::string locale = EnvironmentVariable(variable);
+        if (!locale.empty())
+            return IsLanguageCode(locale) ? locale.substr(0, 2) : "en";
+    }
+    return SystemLanguage();
+}
+
+}  // namespace platform

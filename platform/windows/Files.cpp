@@ -1,0 +1,341 @@
+#include "platform/Files.h"
+
+#include <windows.h>
+// After windows.h, which it needs.
+#include <bcrypt.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "FilesInternal.h"
+#include "OwnedHandle.h"
+#include "UserIdentity.h"
+#include "WideText.h"
+
+namespace platform {
+
+const char kPathSeparator = '\\';
+const SystemError kFileTooLarge{ERROR_FILE_TOO_LARGE};
+
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+/// What stands at a path may be somebody else's pipe, which must not act in this user's name.
+constexpr DWORD kNoImpersonation = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+/// One call reads or writes at most this much.
+constexpr size_t kPieceSize = size_t{1} << 20;
+
+SystemError ErrorUnless(BOOL succeeded) {
+    return succeeded ? SystemError{} : LastSystemError();
+}
+
+OwnedHandle OpenForReading(const std::string& path) {
+    const std::wstring name = ToWidePath(path);
+    return OwnedHandle(name.empty() ? nullptr
+                                    : CreateFileW(name.c_str(), GENERIC_READ, kShareAll, nullptr,
+                                                  OPEN_EXISTING, kNoImpersonation, nullptr));
+}
+
+/// A file that was not there before.
+OwnedHandle CreateNew(const std::string& path, SECURITY_ATTRIBUTES* attributes) {
+    const std::wstring name = ToWidePath(path);
+    return OwnedHandle(name.empty() ? nullptr
+                                    : CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, attributes,
+                                                  CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+SystemError ReadAttributes(const std::string& path, WIN32_FILE_ATTRIBUTE_DATA& attributes) {
+    const std::wstring name = ToWidePath(path);
+    return ErrorUnless(!name.empty() &&
+                       GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &attributes));
+}
+
+bool IsFolder(const WIN32_FILE_ATTRIBUTE_DATA& attributes) {
+    return (attributes.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+uint64_t Combine(DWORD high, DWORD low) {
+    return uint64_t{high} << 32 | low;
+}
+
+std::string RandomDigits(size_t count) {
+    constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuvwxyz";
+    std::vector<unsigned char> bytes(count);
+    BCryptGenRandom(nullptr, bytes.data(), static_cast<ULONG>(count), BCRYPT_USE_SYSTEM_PREFERRED_RNG);
+    std::string digits;
+    for (const unsigned char byte : bytes)
+        digits += kDigits[byte % kDigits.size()];
+    return digits;
+}
+
+/// Makes a file under a name that is nobody else's, between `beginning` and `end`; its path.
+SystemError MakeFileOfNewName(const std::string& beginning, size_t digits, const std::string& end,
+                              SECURITY_ATTRIBUTES* attributes, OwnedHandle& file, std::string& path) {
+    SystemError error{ERROR_FILE_EXISTS};
+    while (error.IsExisting()) {
+        path = beginning + RandomDigits(digits) + end;
+        file = CreateNew(path, attributes);
+        error = ErrorUnless(file.IsValid());
+    }
+    return error;
+}
+
+SystemError WriteAll(const OwnedHandle& file, std::string_view content) {
+    while (!content.empty()) {
+        DWORD written = 0;
+        const auto size = static_cast<DWORD>(std::min(content.size(), kPieceSize));
+        if (!WriteFile(file.Get(), content.data(), size, &written, nullptr))
+            return LastSystemError();
+        content.remove_prefix(written);
+    }
+    return {};
+}
+
+SystemError WriteAndFlush(const OwnedHandle& file, std::string_view content) {
+    const SystemError error = WriteAll(file, content);
+    return error ? error : ErrorUnless(FlushFileBuffers(file.Get()));
+}
+
+SystemError CopyAll(ReadOnlyFile& source, const OwnedHandle& target) {
+    std::vector<char> piece(kPieceSize);
+    for (uint64_t offset = 0;;) {
+        size_t size = 0;
+        if (const SystemError error = source.ReadAt(offset, piece.data(), piece.size(), size))
+            return error;
+        if (size == 0)
+            return ErrorUnless(FlushFileBuffers(target.Get()));
+        if (const SystemError error = WriteAll(target, {piece.data(), size}))
+            return error;
+        offset += size;
+    }
+}
+
+/// A virus scanner or an indexer may hold either file for a moment.
+SystemError Rename(const std::string& from, const std::string& to, DWORD flags) {
+    constexpr int kAttempts = 20;
+    constexpr std::chrono::milliseconds kPause{25};
+    const std::wstring target = ToWidePath(to);
+    if (target.empty())
+        return LastSystemError();
+    for (int attempt = 1;; ++attempt) {
+        const SystemError error = ErrorUnless(
+            MoveFileExW(ToWidePath(from).c_str(), target.c_str(), flags | MOVEFILE_WRITE_THROUGH));
+        const bool isTransient = error.code == ERROR_SHARING_VIOLATION || error.code == ERROR_ACCESS_DENIED;
+        const DWORD attributes = GetFileAttributesW(target.c_str());
+        const bool isFolder =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+        if (!isTransient || isFolder || attempt == kAttempts)
+            return error;
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+/// Gives the finished file its name, or takes it away.
+SystemError Finish(SystemError error, OwnedHandle file, const std::string& temporary, const std::string& path,
+                   DWORD flags) {
+    file = OwnedHandle();  // an open file cannot be renamed
+    if (!error)
+        error = Rename(temporary, path, flags);
+    if (error)
+        DeleteFileW(ToWidePath(temporary).c_str());
+    return error;
+}
+
+bool Exists(const std::string& path) {
+    return GetFileAttributesW(ToWidePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+}  // namespace
+
+struct ReadOnlyFile::Handle {
+    OwnedHandle file;
+};
+
+ReadOnlyFile::ReadOnlyFile() = default;
+ReadOnlyFile::~ReadOnlyFile() = default;
+ReadOnlyFile::ReadOnlyFile(ReadOnlyFile&&) noexcept = default;
+ReadOnlyFile& ReadOnlyFile::operator=(ReadOnlyFile&&) noexcept = default;
+
+SystemError ReadOnlyFile::Open(const std::string& path) {
+    mHandle.reset();
+    OwnedHandle file = OpenForReading(path);
+    if (!file.IsValid())
+        return LastSystemError();
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK)
+        return SystemError{ERROR_INVALID_PARAMETER};
+    mHandle = std::make_unique<Handle>(Handle{std::move(file)});
+    return {};
+}
+
+SystemError ReadOnlyFile::ReadAt(uint64_t offset, void* buffer, size_t size, size_t& bytesRead) {
+    bytesRead = 0;
+    if (!mHandle)
+        return SystemError{ERROR_INVALID_HANDLE};
+    while (bytesRead < size) {
+        OVERLAPPED position{};
+        position.Offset = static_cast<DWORD>(offset + bytesRead);
+        position.OffsetHigh = static_cast<DWORD>((offset + bytesRead) >> 32);
+        DWORD count = 0;
+        const auto wanted = static_cast<DWORD>(std::min(size - bytesRead, kPieceSize));
+        if (!ReadFile(mHandle->file.Get(), static_cast<char*>(buffer) + bytesRead, wanted, &count,
+                      &position)) {
+            const SystemError error = LastSystemError();
+            return error.code == ERROR_HANDLE_EOF ? SystemError{} : error;
+        }
+        if (count == 0)
+            break;
+        bytesRead += count;
+    }
+    return {};
+}
+
+SystemError ReadOnlyFile::Size(uint64_t& size) {
+    LARGE_INTEGER length{};
+    if (!mHandle)
+        return SystemError{ERROR_INVALID_HANDLE};
+    if (!GetFileSizeEx(mHandle->file.Get(), &length))
+        return LastSystemError();
+    size = static_cast<uint64_t>(length.QuadPart);
+    return {};
+}
+
+void ReadOnlyFile::Close() {
+    mHandle.reset();
+}
+bool ReadOnlyFile::IsOpen() const {
+    return mHandle != nullptr;
+}
+
+SystemError FileSize(const std::string& path, uint64_t& size) {
+    WIN32_FILE_ATTRIBUTE_DATA attributes{};
+    if (const SystemError error = ReadAttributes(path, attributes))
+        return error;
+    if (IsFolder(attributes))
+        return SystemError{ERROR_DIRECTORY};
+    size = Combine(attributes.nFileSizeHigh, attributes.nFileSizeLow);
+    return {};
+}
+
+SystemError FileModificationTime(const std::string& path, int64_t& seconds) {
+    // FILETIME counts units of 100 ns from 1601-01-01 UTC.
+    constexpr uint64_t kUnitsPerSecond = 10'000'000;
+    constexpr int64_t kSecondsTo1970 = 11'644'473'600;
+    WIN32_FILE_ATTRIBUTE_DATA attributes{};
+    if (const SystemError error = ReadAttributes(path, attributes))
+        return error;
+    const uint64_t units =
+        Combine(attributes.ftLastWriteTime.dwHighDateTime, attributes.ftLastWriteTime.dwLowDateTime);
+    seconds = static_cast<int64_t>(units / kUnitsPerSecond) - kSecondsTo1970;
+    return {};
+}
+
+SystemError WriteWholeFile(const std::string& path, std::string_view content) {
+    PrivateToUser rights;
+    OwnedHandle file;
+    std::string temporary;
+    if (const SystemError error = MakeFileOfNewName(path + std::string(kTemporaryMark), kTemporaryDigits, "",
+                                                    rights.Attributes(), file, temporary))
+        return error;
+    const SystemError error = WriteAndFlush(file, content);
+    return Finish(error, std::move(file), temporary, path, MOVEFILE_REPLACE_EXISTING);
+}
+
+SystemError WriteTemporaryFile(const std::string& folder, const std::string& prefix,
+                               const std::string& suffix, std::string_view content, std::string& path) {
+    constexpr size_t kDigits = 10;
+    PrivateToUser rights;
+    OwnedHandle file;
+    std::string name;
+    if (const SystemError error = MakeFileOfNewName(folder + kPathSeparator + prefix, kDigits, suffix,
+                                                    rights.Attributes(), file, name))
+        return error;
+    if (const SystemError error = WriteAll(file, content)) {
+        file = OwnedHandle();
+        DeleteFileW(ToWidePath(name).c_str());
+        return error;
+    }
+    path = name;
+    return {};
+}
+
+SystemError RemoveFile(const std::string& path) {
+    const std::wstring name = ToWidePath(path);
+    const SystemError error = ErrorUnless(!name.empty() && DeleteFileW(name.c_str()));
+    return error.IsNotFound() ? SystemError{} : error;
+}
+
+SystemError CopyToNewFile(const std::string& source, const std::string& target) {
+    constexpr size_t kDigits = 10;
+    if (Exists(target))
+        return SystemError{ERROR_ALREADY_EXISTS};
+    if (ToWidePath(target).empty())
+        return LastSystemError();
+    ReadOnlyFile file;
+    if (const SystemError error = file.Open(source))
+        return error;
+    OwnedHandle copy;
+    std::string temporary;
+    const std::string folder = FolderOf(target);
+    if (const SystemError error =
+            MakeFileOfNewName(folder + kPathSeparator + ".copy-", kDigits, ".part", nullptr, copy, temporary))
+        return error;
+    const SystemError error = CopyAll(file, copy);
+    return Finish(error, std::move(copy), temporary, target, 0);
+}
+
+SystemError MakeFolders(const std::string& path, bool privateToUser) {
+    PrivateToUser rights(true);
+    const std::string::size_type first = path.size() > 2 && path[1] == ':' ? 3 : 1;
+    for (size_t end = path.find_first_of("/\\", first);; end = path.find_first_of("/\\", end + 1)) {
+        const std::wstring name = ToWidePath(path.substr(0, end));
+        if (!name.empty() && !CreateDirectoryW(name.c_str(), privateToUser ? rights.Attributes() : nullptr)) {
+            const SystemError error = LastSystemError();
+            const DWORD attributes = GetFileAttributesW(name.c_str());
+            if (attributes == INVALID_FILE_ATTRIBUTES)
+                return error;
+            if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+                return SystemError{ERROR_DIRECTORY};
+        }
+        if (end == std::string::npos)
+            return name.empty() ? LastSystemError() : SystemError{};
+    }
+}
+
+struct FileLock::Handle {
+    OwnedHandle file;
+};
+
+FileLock::FileLock() = default;
+FileLock::~FileLock() = default;
+FileLock::FileLock(FileLock&&) noexcept = default;
+FileLock& FileLock::operator=(FileLock&&) noexcept = default;
+
+SystemError FileLock::Acquire(const std::string& path, bool wait) {
+    mHandle.reset();
+    PrivateToUser rights;
+    const std::wstring name = ToWidePath(path);
+    OwnedHandle file(name.empty() ? nullptr
+                                  : CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, kShareAll,
+                                                rights.Attributes(), OPEN_ALWAYS, kNoImpersonation, nullptr));
+    if (!file.IsValid())
+        return LastSystemError();
+    OVERLAPPED wholeFile{};
+    const DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | (wait ? 0 : LOCKFILE_FAIL_IMMEDIATELY);
+    if (!LockFileEx(file.Get(), flags, 0, MAXDWORD, MAXDWORD, &wholeFile))
+        return LastSystemError();
+    mHandle = std::make_unique<Handle>(Handle{std::move(file)});
+    return {};
+}
+
+bool FileLock::IsHeld() const {
+    return mHandle != nullptr;
+}
+void FileLock::Release() {
+    mHandle.reset();  // a closed file is unlocked
+}
+
+}  // namespace platform

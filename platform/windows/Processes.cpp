@@ -1,0 +1,211 @@
+#include "platform/Processes.h"
+
+#include <windows.h>
+// After windows.h, which it needs.
+#include <psapi.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "OwnedHandle.h"
+#include "UserIdentity.h"
+#include "WideText.h"
+#include "platform/Environment.h"
+
+namespace platform {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// A child finds the event by which it says that it is ready under the name in this variable.
+constexpr wchar_t kReadyVariable[] = L"PLUGINCORE_READY_EVENT";
+// What this process calls itself, with its identifier in front: a child inherits the variable but not the
+// name.
+constexpr char kNameVariable[] = "PLUGINCORE_PROCESS_NAME";
+
+DWORD LeftUntil(steady_clock::time_point deadline) {
+    const auto left = std::chrono::duration_cast<milliseconds>(deadline - steady_clock::now());
+    return static_cast<DWORD>(std::clamp<int64_t>(left.count(), 0, INFINITE - 1));
+}
+
+std::wstring NewEventName() {
+    static std::atomic<unsigned> counter{0};
+    return L"Local\\PluginCore-Ready-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(++counter);
+}
+
+/// This process's variables and the name of the event, as CreateProcess wants them: each ends with a zero,
+/// and so does the list.
+std::wstring ChildEnvironment(const std::wstring& eventName) {
+    std::wstring block;
+    const std::wstring ready = std::wstring(kReadyVariable) + L"=";
+    wchar_t* variables = GetEnvironmentStringsW();
+    for (const wchar_t* variable = variables; *variable != L'\0';) {
+        const std::wstring each = variable;
+        if (!each.starts_with(ready))
+            block += each + L'\0';
+        variable += each.size() + 1;
+    }
+    FreeEnvironmentStringsW(variables);
+    return block + ready + eventName + L'\0';
+}
+
+class WindowsChildProcess : public ChildProcess {
+public:
+    WindowsChildProcess(OwnedHandle process, ProcessId id, OwnedHandle ready)
+        : mProcess(std::move(process)), mId(id), mReady(std::move(ready)) {}
+
+    ProcessId Id() const override { return mId; }
+
+    bool WaitUntilIdle(milliseconds limit) override {
+        const auto deadline = steady_clock::now() + limit;
+        const DWORD answer = WaitForInputIdle(mProcess.Get(), LeftUntil(deadline));
+        if (answer != WAIT_FAILED)
+            return answer == 0 && !ExitStatus();
+        // A program without windows is never idle for input. It may say itself when it is ready.
+        const HANDLE signs[] = {mReady.Get(), mProcess.Get()};
+        return WaitForMultipleObjects(2, signs, FALSE, LeftUntil(deadline)) == WAIT_OBJECT_0;
+    }
+
+    std::optional<int> ExitStatus() override {
+        DWORD status = 0;
+        if (WaitForSingleObject(mProcess.Get(), 0) != WAIT_OBJECT_0 ||
+            !GetExitCodeProcess(mProcess.Get(), &status))
+            return std::nullopt;
+        return static_cast<int>(status);
+    }
+
+private:
+    OwnedHandle mProcess;
+    ProcessId mId;
+    OwnedHandle mReady;
+};
+
+/// Full path of the process's program; empty when it may not be looked at or is not this user's.
+std::string ProgramOf(DWORD id) {
+    const OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id));
+    HMODULE program = nullptr;
+    DWORD size = 0;
+    if (!process.IsValid() || !EnumProcessModules(process.Get(), &program, sizeof program, &size) ||
+        !IsOfThisUser(process.Get()))
+        return {};
+    return FromWide(ReadWideText([&](wchar_t* buffer, DWORD length) {
+        return GetModuleFileNameExW(process.Get(), program, buffer, length);
+    }));
+}
+
+SystemError ListIdentifiers(std::vector<DWORD>& identifiers) {
+    identifiers.resize(1024);
+    for (;;) {
+        DWORD size = 0;
+        const auto room = static_cast<DWORD>(identifiers.size() * sizeof(DWORD));
+        if (!EnumProcesses(identifiers.data(), room, &size))
+            return LastSystemError();
+        if (size < room) {
+            identifiers.resize(size / sizeof(DWORD));
+            return {};
+        }
+        identifiers.resize(identifiers.size() * 2);
+    }
+}
+
+std::string WithoutExtension(const std::string& fileName) {
+    return fileName.substr(0, fileName.rfind('.'));
+}
+
+class WindowsProcesses : public Processes {
+public:
+    SystemError List(std::vector<ProcessInfo>& processes) override {
+        std::vector<DWORD> identifiers;
+        if (const SystemError error = ListIdentifiers(identifiers))
+            return error;
+        processes.clear();
+        for (const DWORD id : identifiers) {
+            std::string path = ProgramOf(id);
+            if (!path.empty())
+                processes.push_back({id, std::move(path)});
+        }
+        return {};
+    }
+
+    std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
+                                         SystemError& error) override {
+        const std::wstring eventName = NewEventName();
+        OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, eventName.c_str()));
+        std::wstring environment = ChildEnvironment(eventName);
+        std::wstring words = ToWide(commandLine);
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION started{};
+        constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
+        if (!CreateProcessW(ToWide(executablePath).c_str(), words.data(), nullptr, nullptr, FALSE, kFlags,
+                            environment.data(), nullptr, &startup, &started)) {
+            error = LastSystemError();
+            return nullptr;
+        }
+        const OwnedHandle thread(started.hThread);
+        return std::make_unique<WindowsChildProcess>(OwnedHandle(started.hProcess), started.dwProcessId,
+                                                     std::move(ready));
+    }
+
+    std::string CurrentName() override {
+        const std::string name = EnvironmentVariable(kNameVariable);
+        const std::string own = std::to_string(GetCurrentProcessId()) + ":";
+        if (name.starts_with(own))
+            return name.substr(own.size());
+        const std::string path = CurrentExecutablePath();
+        return WithoutExtension(path.substr(path.rfind('\\') + 1));
+    }
+
+    std::string CurrentExecutablePath() override {
+        return FromWide(ReadWideText(
+            [](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(nullptr, buffer, size); }));
+    }
+};
+
+}  // namespace
+
+template <>
+Processes& SystemDefault<Processes>() {
+    static WindowsProcesses processes;
+    return processes;
+}
+
+struct ScopedSignalBlock::SavedMask {};
+
+ScopedSignalBlock::ScopedSignalBlock() = default;
+ScopedSignalBlock::~ScopedSignalBlock() = default;
+
+ProcessId CurrentProcessId() {
+    return GetCurrentProcessId();
+}
+
+uint64_t ProcessStartTime(ProcessId id) {
+    const OwnedHandle process(
+        OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, static_cast<DWORD>(id)));
+    FILETIME created{};
+    FILETIME ignored{};
+    // Someone may hold an ended process open, which keeps its identifier.
+    if (!process.IsValid() || WaitForSingleObject(process.Get(), 0) != WAIT_TIMEOUT ||
+        !GetProcessTimes(process.Get(), &created, &ignored, &ignored, &ignored))
+        return 0;
+    return uint64_t{created.dwHighDateTime} << 32 | created.dwLowDateTime;
+}
+
+void SetCurrentProcessName(const std::string& name) {
+    SetEnvironment(kNameVariable, std::to_string(GetCurrentProcessId()) + ":" + name);
+}
+
+void NotifyReadyForInput() {
+    const std::wstring name = ReadWideText(
+        [](wchar_t* buffer, DWORD size) { return GetEnvironmentVariableW(kReadyVariable, buffer, size); });
+    if (name.empty())
+        return;
+    SetEnvironmentVariableW(kReadyVariable, nullptr);
+    const OwnedHandle ready(OpenEventW(EVENT_MODIFY_STATE, FALSE, name.c_str()));
+    if (ready.IsValid())
+        SetEvent(ready.Get());
+}
+
+}  // namespace platform

@@ -1,0 +1,253 @@
+#include "TestProcess.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+// winternl.h has no declaration of the two functions that suspend a process as a whole.
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "platform/Utf8Path.h"
+
+namespace {
+
+constexpr std::chrono::seconds kPatience{60};
+constexpr UINT kKilledStatus = 128 + 9;
+
+class Handle {
+public:
+    Handle() = default;
+    explicit Handle(HANDLE handle) : mHandle(handle) {}
+    ~Handle() { Close(); }
+    Handle(Handle&& other) noexcept : mHandle(std::exchange(other.mHandle, nullptr)) {}
+    Handle& operator=(Handle&& other) noexcept {
+        std::swap(mHandle, other.mHandle);
+        return *this;
+    }
+
+    HANDLE Get() const { return mHandle; }
+    void Close() {
+        if (mHandle != nullptr)
+            CloseHandle(std::exchange(mHandle, nullptr));
+    }
+
+private:
+    HANDLE mHandle = nullptr;
+};
+
+struct Pipe {
+    enum class Inherited { kReadEnd, kWriteEnd };
+
+    explicit Pipe(Inherited inherited) {
+        SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
+        HANDLE readHandle = nullptr;
+        HANDLE writeHandle = nullptr;
+        if (!CreatePipe(&readHandle, &writeHandle, &attributes, 0))
+            throw std::runtime_error("no pipe");
+        readEnd = Handle(readHandle);
+        writeEnd = Handle(writeHandle);
+        const Handle& ours = inherited == Inherited::kReadEnd ? writeEnd : readEnd;
+        SetHandleInformation(ours.Get(), HANDLE_FLAG_INHERIT, 0);
+    }
+
+    Handle readEnd;
+    Handle writeEnd;
+};
+
+/// What a child is allowed to inherit.
+class InheritedHandles {
+public:
+    explicit InheritedHandles(std::vector<HANDLE> handles) : mHandles(std::move(handles)) {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        mMemory.resize(size);
+        if (!InitializeProcThreadAttributeList(List(), 1, 0, &size))
+            throw std::runtime_error("no attribute list");
+        if (!UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, mHandles.data(),
+                                       mHandles.size() * sizeof(HANDLE), nullptr, nullptr))
+            throw std::runtime_error("no list of handles");
+    }
+    ~InheritedHandles() { DeleteProcThreadAttributeList(List()); }
+    InheritedHandles(const InheritedHandles&) = delete;
+    InheritedHandles& operator=(const InheritedHandles&) = delete;
+
+    LPPROC_THREAD_ATTRIBUTE_LIST List() {
+        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(mMemory.data());
+    }
+
+private:
+    std::vector<HANDLE> mHandles;
+    std::vector<std::byte> mMemory;
+};
+
+/// As CommandLineToArgvW and the C runtime take it apart again: backslashes are themselves unless a quotation
+/// mark follows.
+std::wstring Quoted(const std::wstring& word) {
+    if (!word.empty() && word.find_first_of(L" \t\n\v\"") == std::wstring::npos)
+        return word;
+    std::wstring quoted = L"\"";
+    size_t backslashes = 0;
+    for (const wchar_t character : word) {
+        if (character == L'"')
+            quoted.append(backslashes + 1, L'\\');
+        backslashes = character == L'\\' ? backslashes + 1 : 0;
+        quoted += character;
+    }
+    quoted.append(backslashes, L'\\');
+    return quoted + L'"';
+}
+
+std::wstring CommandLine(const std::vector<std::string>& words) {
+    std::wstring line;
+    for (const std::string& word : words)
+        line += (line.empty() ? L"" : L" ") + Quoted(platform::Utf8Path(word).wstring());
+    return line;
+}
+
+std::string ReadToEnd(HANDLE pipe) {
+    std::string text;
+    char piece[4096];
+    for (DWORD size = 0; ReadFile(pipe, piece, sizeof piece, &size, nullptr) && size > 0;)
+        text.append(piece, size);
+    return text;
+}
+
+/// Waits for something to read or the end, and appends what there is; false at the end, or when nothing
+/// comes, so that a test fails instead of hanging.
+bool ReadMore(HANDLE pipe, std::string& text) {
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    DWORD available = 0;
+    while (available == 0) {
+        if (!PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) ||
+            std::chrono::steady_clock::now() > deadline)
+            return false;
+        if (available == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const size_t before = text.size();
+    text.resize(before + available);
+    DWORD size = 0;
+    const bool isRead = ReadFile(pipe, text.data() + before, available, &size, nullptr) && size > 0;
+    text.resize(before + size);
+    return isRead;
+}
+
+using ProcessFunction = LONG(NTAPI*)(HANDLE);
+
+void CallSystem(const char* function, platform::ProcessId id) {
+    const Handle process(OpenProcess(PROCESS_SUSPEND_RESUME, FALSE, static_cast<DWORD>(id)));
+    const FARPROC found = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), function);
+    if (process.Get() != nullptr && found != nullptr)
+        reinterpret_cast<ProcessFunction>(reinterpret_cast<void*>(found))(process.Get());
+}
+
+}  // namespace
+
+struct TestProcess::State {
+    Handle process;
+    DWORD id = 0;
+    Pipe input{Pipe::Inherited::kReadEnd};
+    Pipe output{Pipe::Inherited::kWriteEnd};
+    Pipe errors{Pipe::Inherited::kWriteEnd};
+    std::string readAhead;  ///< output behind the last line that was read
+};
+
+TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::make_unique<State>()) {
+    STARTUPINFOEXW startup{};
+    startup.StartupInfo.cb = sizeof startup;
+    startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+    startup.StartupInfo.hStdInput = mState->input.readEnd.Get();
+    startup.StartupInfo.hStdOutput = mState->output.writeEnd.Get();
+    startup.StartupInfo.hStdError = mState->errors.writeEnd.Get();
+    InheritedHandles inherited(
+        {startup.StartupInfo.hStdInput, startup.StartupInfo.hStdOutput, startup.StartupInfo.hStdError});
+    startup.lpAttributeList = inherited.List();
+    PROCESS_INFORMATION started{};
+    std::wstring line = CommandLine(command);
+    if (!CreateProcessW(platform::Utf8Path(command[0]).c_str(), line.data(), nullptr, nullptr, TRUE,
+                        EXTENDED_STARTUPINFO_PRESENT | CREATE_NO_WINDOW, nullptr, nullptr,
+                        &startup.StartupInfo, &started))
+        throw std::runtime_error("cannot start " + command[0]);
+    mState->process = Handle(started.hProcess);
+    mState->id = started.dwProcessId;
+    CloseHandle(started.hThread);
+    mState->input.readEnd.Close();
+    mState->output.writeEnd.Close();
+    mState->errors.writeEnd.Close();
+}
+
+TestProcess::~TestProcess() {
+    Kill();
+    WaitForSingleObject(mState->process.Get(), INFINITE);
+}
+
+platform::ProcessId TestProcess::Id() const {
+    return mState->id;
+}
+
+std::string TestProcess::ReadLine() {
+    std::string& text = mState->readAhead;
+    size_t end = 0;
+    while ((end = text.find('\n')) == std::string::npos && ReadMore(mState->output.readEnd.Get(), text)) {
+    }
+    std::string line = text.substr(0, end);
+    text.erase(0, line.size() + 1);
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return line;
+}
+
+void TestProcess::WriteLine(const std::string& line) {
+    const std::string text = line + "\n";
+    DWORD written = 0;
+    ASSERT_TRUE(WriteFile(mState->input.writeEnd.Get(), text.data(), static_cast<DWORD>(text.size()),
+                          &written, nullptr));
+    ASSERT_EQ(written, text.size());
+}
+
+void TestProcess::CloseInput() {
+    mState->input.writeEnd.Close();
+}
+
+void TestProcess::Kill() const {
+    TerminateProcess(mState->process.Get(), kKilledStatus);
+}
+
+void TestProcess::Suspend() const {
+    SuspendProcess(Id());
+}
+
+void TestProcess::Resume() const {
+    ResumeProcess(Id());
+}
+
+ProgramResult TestProcess::Finish() {
+    CloseInput();
+    ProgramResult result;
+    std::thread errors([&] { result.errors = ReadToEnd(mState->errors.readEnd.Get()); });
+    result.output = std::exchange(mState->readAhead, {}) + ReadToEnd(mState->output.readEnd.Get());
+    errors.join();
+    WaitForSingleObject(mState->process.Get(), INFINITE);
+    DWORD status = 0;
+    GetExitCodeProcess(mState->process.Get(), &status);
+    result.status = static_cast<int>(status);
+    return result;
+}
+
+void KillProcess(platform::ProcessId id) {
+    const Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(id)));
+    if (process.Get() != nullptr)
+        TerminateProcess(process.Get(), kKilledStatus);
+}
+
+void SuspendProcess(platform::ProcessId id) {
+    CallSystem("NtSuspendProcess", id);
+}
+
+void ResumeProcess(platform::ProcessId id) {
+    CallSystem("NtResumeProcess", id);
+}
