@@ -33,8 +33,12 @@ using platform::kFormCancelled;
 
 constexpr int kConfirmed = 1;
 
-std::vector<FormButton> OkAndCancel(const NativeStage& stage) {
-    return {{kConfirmed, stage.Text(kOkButton)}, {kFormCancelled, stage.Text(kCancelButton)}};
+/// An empty form with OK and Cancel.
+Form MakeForm(const NativeStage& stage, StringID titleID) {
+    return {stage.Title(titleID),
+            {},
+            {{kConfirmed, stage.Text(kOkButton)}, {kFormCancelled, stage.Text(kCancelButton)}},
+            kConfirmed};
 }
 
 bool IsConfirmedIn(const NativeStage& stage, Form& form) {
@@ -43,20 +47,20 @@ bool IsConfirmedIn(const NativeStage& stage, Form& form) {
 
 DialogAnswer ShowAbout(const NativeStage& stage, const json& details) {
     const std::string version = StringIn(details, "version");
-    Form form{stage.Title(kAboutTitle), {FormText{stage.Text(kProductName), true}}, {}, kConfirmed};
+    Form form{stage.Title(kAboutTitle), {}, {{kConfirmed, stage.Text(kOkButton)}}, kConfirmed};
+    form.controls.emplace_back(FormText{stage.Text(kProductName), true});
     if (!version.empty())
-        form.controls.push_back(FormText{stage.Text(kVersion, version)});
-    form.controls.push_back(FormText{stage.Text(kAboutText)});
-    form.buttons = {{kConfirmed, stage.Text(kOkButton)}};
+        form.controls.emplace_back(FormText{stage.Text(kVersion, version)});
+    form.controls.emplace_back(FormText{stage.Text(kAboutText)});
     stage.dialogs.ShowForm(stage.owner, form);
     return true;
 }
 
 DialogAnswer AskForPreferences(const NativeStage& stage, const json& details) {
     const json& switches = details.at("switches");
-    Form form{stage.Title(kPreferencesTitle), {}, OkAndCancel(stage), kConfirmed};
+    Form form = MakeForm(stage, kPreferencesTitle);
     for (const json& each : switches)
-        form.controls.push_back(FormCheckBox{StringIn(each, "title"), IsTrue(each, "isOn")});
+        form.controls.emplace_back(FormCheckBox{StringIn(each, "title"), IsTrue(each, "isOn")});
     if (!IsConfirmedIn(stage, form))
         return false;
     json byKey = json::object();
@@ -78,16 +82,13 @@ FormList WorkgroupList(const json& entries, const char* nameMember, const json& 
 
 DialogAnswer AskForWorkgroup(const NativeStage& stage, const json& details) {
     const json& workgroups = details.at("workgroups");
-    const std::string title = stage.Title(kSelectWorkgroupTitle);
+    Form form = MakeForm(stage, kSelectWorkgroupTitle);
     if (workgroups.empty()) {
-        stage.dialogs.ShowMessage(stage.owner, title, stage.Text(kNoWorkgroupTitle),
+        stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(kNoWorkgroupTitle),
                                   platform::MessageButtons::kOk);
         return false;
     }
-    Form form{title,
-              {WorkgroupList(workgroups, "name", details.at("workgroupID"))},
-              OkAndCancel(stage),
-              kConfirmed};
+    form.controls.emplace_back(WorkgroupList(workgroups, "name", details.at("workgroupID")));
     const auto& list = std::get<FormList>(form.controls.front());
     if (!IsConfirmedIn(stage, form) || !list.selected)
         return false;
@@ -106,15 +107,15 @@ json CommandsOf(const json& details, bool areWorkgroups) {
 
 void AddCommandButtons(Form& form, const json& commands) {
     for (const json& command : commands)
-        form.controls.push_back(FormButton{command.at("command").get<int>(), StringIn(command, "title")});
+        form.controls.emplace_back(FormButton{command.at("command").get<int>(), StringIn(command, "title")});
 }
 
 void AddWorkgroups(const NativeStage& stage, Form& form, FormList workgroups, bool areLibraries) {
     if (workgroups.selected)
-        form.controls.push_back(
+        form.controls.emplace_back(
             FormText{stage.Text(kCurrentWorkgroup, workgroups.entries[*workgroups.selected])});
-    form.controls.push_back(std::move(workgroups));
-    form.controls.push_back(
+    form.controls.emplace_back(std::move(workgroups));
+    form.controls.emplace_back(
         FormButton{kConfirmed, stage.Text(areLibraries ? kSelectLibraryTitle : kSelectWorkgroupTitle)});
     form.defaultButton = kConfirmed;
 }
@@ -132,7 +133,7 @@ std::optional<size_t> SelectedWorkgroup(const Form& form) {
 DialogAnswer AskForCommand(const NativeStage& stage, const json& details) {
     const json workgroups = CommandsOf(details, true);
     Form form{stage.Text(kProductName), {}, {{kFormCancelled, stage.Text(kCloseButton)}}, kFormCancelled};
-    form.controls.push_back(FormText{stage.Text(IsTrue(details, "IsOnline") ? kOnline : kOffline)});
+    form.controls.emplace_back(FormText{stage.Text(IsTrue(details, "IsOnline") ? kOnline : kOffline)});
     AddCommandButtons(form, CommandsOf(details, false));
     if (!workgroups.empty())
         AddWorkgroups(stage, form, WorkgroupList(workgroups, "title", details.at("CurrentWorkgroupID")),
@@ -176,7 +177,8 @@ DialogAnswer AskForReplacements(const NativeStage& stage, const json& details) {
     FormChoices choices;
     for (const json& font : fonts)
         choices.rows.push_back(ReplacementRow(stage, font));
-    Form form{stage.Title(kResolveFontsTitle), {std::move(choices)}, OkAndCancel(stage), kConfirmed};
+    Form form = MakeForm(stage, kResolveFontsTitle);
+    form.controls.emplace_back(std::move(choices));
     if (!IsConfirmedIn(stage, form))
         return false;
     json replacements = json::object();
@@ -191,11 +193,10 @@ DialogAnswer AskForReplacements(const NativeStage& stage, const json& details) {
 
 DialogAnswer ShowRestrictedFonts(const NativeStage& stage, const json& details) {
     const StringID textID = IsTrue(details, "onlyNew") ? kNewRestrictedFontsText : kRestrictedFontsText;
-    FormList fonts{details.at("fonts").get<std::vector<std::string>>(), std::nullopt, false};
-    Form form{stage.Title(kRestrictedFontsTitle),
-              {FormText{stage.Text(textID)}, std::move(fonts)},
-              OkAndCancel(stage),
-              kConfirmed};
+    Form form = MakeForm(stage, kRestrictedFontsTitle);
+    form.controls.emplace_back(FormText{stage.Text(textID)});
+    form.controls.emplace_back(
+        FormList{details.at("fonts").get<std::vector<std::string>>(), std::nullopt, false});
     return IsConfirmedIn(stage, form);
 }
 
