@@ -20,7 +20,7 @@ protected:
     TarnwickFramework Answering(const char* dialog, const std::string& answer) const {
         const json answers = {{{"dialog", dialog}, {"answer", json::parse(answer)}}};
         return {{"com.vantorix.Plugin", "Illustrator2025", "8.0"},
-                mFolder.Path(),
+                platform::Utf8Text(mFolder.Path()),
                 "en",
                 std::make_unique<ScriptedPresenter>(answers)};
     }

@@ -38,11 +38,12 @@ protected:
     CreateVantorixPluginFrameworkFunction mCreate = nullptr;
     TemporaryFolder mFolder;
     const std::string mPreferences = mFolder / "Vantorix/Preferences.json";
-    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", mFolder.Path()};
+    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", platform::Utf8Text(mFolder.Path())};
     ScopedVariable mLanguage{"LC_ALL", "en_US.UTF-8"};
-    ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", std::nullopt};
-    ScopedVariable mAnswersLog{"PLUGINCORE_ANSWERS_LOG", std::nullopt};
-    ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", std::nullopt};
+    ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", ""};
+    ScopedVariable mAnswersLog{"PLUGINCORE_ANSWERS_LOG", ""};
+    ScopedVariable mPresenter{"PLUGINCORE_PRESENTER", "silent"};
+    ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", ""};
 };
 
 TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {

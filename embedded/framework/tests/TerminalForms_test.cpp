@@ -76,7 +76,7 @@ protected:
     std::ostringstream mOutput;
     TarnwickFramework mFramework{
         {"com.vantorix.Plugin", "Illustrator2025", "8.0.1"},
-        mFolder.Path(),
+        platform::Utf8Text(mFolder.Path()),
         "en",
         std::make_unique<TerminalPresenter>(Terminal::Streams{mInput, mOutput, false}, "en")};
     RecordList mWorkgroups =
@@ -121,7 +121,8 @@ TEST_F(TerminalFormsTest, PreferencesThatCannotBeStoredAreToldAbout) {
     std::filesystem::create_directories(platform::Utf8Path(mFolder / "Preferences.json"));
     Type("1\n\n");
     EXPECT_FALSE(mFramework.ShowPreferences());
-    EXPECT_THAT(Shown(), AllOf(HasSubstr("could not be saved"), HasSubstr(mFolder.Path().string())));
+    EXPECT_THAT(Shown(),
+                AllOf(HasSubstr("could not be saved"), HasSubstr(platform::Utf8Text(mFolder.Path()))));
 }
 
 TEST_F(TerminalFormsTest, AWorkgroupIsChosenByNumberNameOrItsBeginning) {
