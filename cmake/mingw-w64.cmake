@@ -13,6 +13,8 @@ set(PLUGINCORE_WINDOWS_LIBRARIES "${CMAKE_CURRENT_LIST_DIR}/../build/windows-lib
   CACHE PATH "Where scripts/windows-libraries.sh put the third-party libraries")
 cmake_path(NORMAL_PATH PLUGINCORE_WINDOWS_LIBRARIES)
 set(CMAKE_FIND_ROOT_PATH "${PLUGINCORE_WINDOWS_LIBRARIES}" /usr/x86_64-w64-mingw32)
+# Headers that Debian's packages keep in folders for this machine's kind.
+set(fmt_DIR "${PLUGINCORE_WINDOWS_LIBRARIES}/lib/x86_64-linux-gnu/cmake/fmt" CACHE PATH "")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

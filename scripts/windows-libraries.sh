@@ -74,13 +74,13 @@ build_headers() {
   for package in libasio-dev libcli11-dev libfmt-dev libutfcpp-dev libvalijson-dev nlohmann-json3-dev; do
     while read -r file; do
       case $file in
+        */fmt-targets-none.cmake) continue ;;  # the compiled form of that library
         /usr/include/* | */cmake/*) ;;
         *) continue ;;
       esac
       [ -f "$file" ] || continue
-      # Packages for one kind of machine keep their description in its folder.
-      mkdir -p "$prefix/$(dirname "${file#/usr/}" | sed 's,lib/x86_64-linux-gnu,lib,')"
-      cp "$file" "$prefix/$(sed 's,^/usr/,,;s,lib/x86_64-linux-gnu,lib,' <<<"$file")"
+      mkdir -p "$prefix/$(dirname "${file#/usr/}")"
+      cp "$file" "$prefix/${file#/usr/}"
     done < <(dpkg -L "$package")
   done
 }

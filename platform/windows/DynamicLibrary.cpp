@@ -43,7 +43,7 @@ bool IsFullPath(const std::string& path) {
 }
 
 std::string FileNameOf(HMODULE module) {
-    return FromWide(ReadWideText(
+    return ToUtf8(ReadWideText(
         [module](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(module, buffer, size); }));
 }
 

@@ -20,7 +20,7 @@ std::string SystemLanguage() {
     std::array<wchar_t, 16> code{};
     const LCID locale = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
     GetLocaleInfoW(locale, LOCALE_SISO639LANGNAME, code.data(), static_cast<int>(code.size()));
-    const std::string language = FromWide(code.data());
+    const std::string language = ToUtf8(code.data());
     return IsLanguageCode(language) ? language.substr(0, 2) : "en";
 }
 
@@ -28,7 +28,7 @@ std::string SystemLanguage() {
 
 std::string EnvironmentVariable(const char* name) {
     const std::wstring wideName = ToWide(name);
-    return FromWide(ReadWideText([&](wchar_t* buffer, DWORD size) {
+    return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD size) {
         return GetEnvironmentVariableW(wideName.c_str(), buffer, size);
     }));
 }

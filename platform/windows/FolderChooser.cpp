@@ -47,7 +47,7 @@ FolderAnswer AnswerFor(const ITEMIDLIST* chosen) {
     std::vector<wchar_t> path(kLongestPath);
     if (!SHGetPathFromIDListEx(chosen, path.data(), kLongestPath, GPFIDL_DEFAULT))
         return {FolderAnswer::Outcome::kNoPath, {}};
-    return {FolderAnswer::Outcome::kChosen, FromWide(path.data())};
+    return {FolderAnswer::Outcome::kChosen, ToUtf8(path.data())};
 }
 
 }  // namespace

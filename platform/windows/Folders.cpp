@@ -22,7 +22,7 @@ std::string WithoutTrailingSeparator(std::string path) {
 std::string SystemFolder(int csidl) {
     std::array<wchar_t, MAX_PATH> path{};
     return SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path.data()) == S_OK
-               ? WithoutTrailingSeparator(FromWide(path.data()))
+               ? WithoutTrailingSeparator(ToUtf8(path.data()))
                : std::string();
 }
 
@@ -46,7 +46,7 @@ std::string TemporaryFolder() {
     if (!folder.empty())
         return folder;
     return WithoutTrailingSeparator(
-        FromWide(ReadWideText([](wchar_t* buffer, DWORD size) { return GetTempPathW(size, buffer); })));
+        ToUtf8(ReadWideText([](wchar_t* buffer, DWORD size) { return GetTempPathW(size, buffer); })));
 }
 
 class WindowsFolders : public Folders {

@@ -90,7 +90,7 @@ std::string ProgramOf(DWORD id) {
     if (!process.IsValid() || !EnumProcessModules(process.Get(), &program, sizeof program, &size) ||
         !IsOfThisUser(process.Get()))
         return {};
-    return FromWide(ReadWideText([&](wchar_t* buffer, DWORD length) {
+    return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD length) {
         return GetModuleFileNameExW(process.Get(), program, buffer, length);
     }));
 }
@@ -159,7 +159,7 @@ public:
     }
 
     std::string CurrentExecutablePath() override {
-        return FromWide(ReadWideText(
+        return ToUtf8(ReadWideText(
             [](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(nullptr, buffer, size); }));
     }
 };

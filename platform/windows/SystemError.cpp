@@ -39,7 +39,7 @@ std::string SystemErrorText(SystemError error) {
     std::wstring message(text, length);
     LocalFree(text);
     message.erase(message.find_last_not_of(L" \r\n") + 1);
-    return message.empty() ? "Null message" : FromWide(message);
+    return message.empty() ? "Null message" : ToUtf8(message);
 }
 
 }  // namespace platform

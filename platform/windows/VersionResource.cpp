@@ -61,7 +61,7 @@ std::optional<std::string> FindValue(const Information& information, const std::
         return std::nullopt;
     if (VerQueryValueW(information.data(), name.c_str(), &value, &length) && length > 0) {
         const std::wstring_view text(static_cast<const wchar_t*>(value), length);
-        return FromWide(text.substr(0, text.find(L'\0')));
+        return ToUtf8(text.substr(0, text.find(L'\0')));
     }
     // Programs with texts in another language have at least the numbers.
     return key == "FileVersion" ? NumbersOf(information) : std::nullopt;

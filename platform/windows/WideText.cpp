@@ -54,12 +54,13 @@ std::wstring ToWide(std::string_view text) {
 
 std::vector<std::wstring> ToWide(const std::vector<std::string>& texts) {
     std::vector<std::wstring> wide;
+    wide.reserve(texts.size());
     for (const std::string& text : texts)
         wide.push_back(ToWide(text));
     return wide;
 }
 
-std::string FromWide(std::wstring_view text) {
+std::string ToUtf8(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
     const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
     std::string narrow(static_cast<size_t>(length), '\0');

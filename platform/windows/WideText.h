@@ -11,7 +11,7 @@ namespace platform {
 std::wstring ToWide(std::string_view text);
 std::vector<std::wstring> ToWide(const std::vector<std::string>& texts);
 /// A surrogate that stands alone becomes U+FFFD.
-std::string FromWide(std::wstring_view text);
+std::string ToUtf8(std::wstring_view text);
 
 /// The path as the file functions take it, also one of more than 260 characters or with slashes. Empty, with
 /// the last error set, when it is not UTF-8, has a zero in it, or one of its names is longer than any file

@@ -40,7 +40,7 @@ std::string TitleOf(WindowHandle window) {
     std::array<wchar_t, 1024> title{};
     const int length =
         InternalGetWindowText(static_cast<HWND>(window), title.data(), static_cast<int>(title.size()));
-    return FromWide({title.data(), static_cast<size_t>(length)});
+    return ToUtf8({title.data(), static_cast<size_t>(length)});
 }
 
 std::vector<WindowInfo> WithTitles(std::vector<WindowInfo> windows) {

@@ -12,6 +12,7 @@
 #include "FrameworkTestSupport.h"
 #include "TestProcess.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
 
 namespace {
 
@@ -33,7 +34,8 @@ std::optional<int64_t> LastNumber(const std::string& output) {
 class DurabilityTest : public testing::Test {
 protected:
     std::vector<std::string> Counting(const std::string& key, int times) const {
-        return {PREFERENCES_PROGRAM, FRAMEWORK_LIBRARY, "count", key, std::to_string(times)};
+        return {PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "count", key,
+                std::to_string(times)};
     }
     int64_t StoredNumber(const std::string& key) const {
         const json root = json::parse(ReadText(mPath), nullptr, false);
@@ -92,7 +94,7 @@ TEST_F(DurabilityTest, WithAFileCutAnywhereAPlugInStartsAsIfItWereTheFirstTime) 
         std::filesystem::remove_all(platform::Utf8Path(mPath).parent_path());
         std::filesystem::remove(platform::Utf8Path(mFolder / "log"));
         WriteText(mPath, whole.substr(0, length));
-        TestProcess host({PREFERENCES_PROGRAM, FRAMEWORK_LIBRARY, "start"});
+        TestProcess host({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "start"});
         EXPECT_EQ(host.ReadLine(), isWhole ? "usable 1, registered 1, then 1, enabled 0"
                                            : "usable 1, registered 0, then 1, enabled 1")
             << length;

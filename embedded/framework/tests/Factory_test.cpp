@@ -8,6 +8,7 @@
 #include "FrameworkTestSupport.h"
 #include "VantorixPluginFramework.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Folders.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ protected:
     FactoryTest() {
         auto& libraries = platform::Current<platform::DynamicLibraries>();
         platform::SystemError error;
-        const platform::LibraryHandle library = libraries.LoadFromPath(FRAMEWORK_LIBRARY, error);
+        const platform::LibraryHandle library =
+            libraries.LoadFromPath(platform::FullPath(FRAMEWORK_LIBRARY), error);
         if (library != nullptr)
             mCreate = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
                 libraries.FindSymbol(library, kCreateVantorixPluginFramework));
