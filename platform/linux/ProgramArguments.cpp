@@ -2,9 +2,8 @@
 
 namespace platform {
 
-ProgramArguments::ProgramArguments(int count, char** words) : mPointers(words, words + count + 1) {}
-
-ScopedUtf8Console::ScopedUtf8Console() : mPreviousCharacterSet(0) {}
-ScopedUtf8Console::~ScopedUtf8Console() = default;
+ProgramArguments::ProgramArguments(int count, char** words) : mTexts(words, words + count) {
+    PointToTexts();
+}
 
 }  // namespace platform

@@ -21,6 +21,10 @@ bool SystemError::IsPathTooLong() const {
     return code == ENAMETOOLONG;
 }
 
+bool SystemError::IsHeldByOther() const {
+    return code == EAGAIN;
+}
+
 SystemError LastSystemError() {
     return SystemError{errno};
 }

@@ -3,20 +3,13 @@
 #include <utility>
 
 #include "DialogTemplate.h"
+#include "VisualStyles.h"
 
 namespace platform {
 namespace {
 
 constexpr DWORD kFrameStyle = DS_MODALFRAME | DS_SETFOREGROUND | WS_POPUP | WS_CAPTION | WS_SYSMENU;
 constexpr DWORD kPaneStyle = DS_CONTROL | WS_CHILD | WS_VISIBLE;
-
-/// The module that holds this code, which need not be the program.
-HINSTANCE ThisModule() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&ThisModule), &module);
-    return module;
-}
 
 }  // namespace
 

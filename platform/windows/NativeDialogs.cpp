@@ -6,6 +6,7 @@
 #include "FolderChooser.h"
 #include "FormDialog.h"
 #include "ProgressDialog.h"
+#include "VisualStyles.h"
 #include "WideText.h"
 
 namespace platform {
@@ -30,6 +31,7 @@ public:
                      MessageButtons buttons) override {
         if (!IsAvailable())
             return false;
+        const ScopedVisualStyles styles;
         const HWND window = OwnerOf(owner);
         const int pressed = MessageBoxW(window, ToWide(text).c_str(), ToWide(title).c_str(),
                                         MessageBoxStyle(buttons, window));
@@ -39,15 +41,18 @@ public:
                               const std::string& initialFolder) override {
         if (!IsAvailable())
             return {};
+        const ScopedVisualStyles styles;
         return RunFolderChooser(OwnerOf(owner), ToWide(prompt), ToWide(initialFolder));
     }
     int ShowForm(WindowHandle owner, Form& form) override {
+        const ScopedVisualStyles styles;
         return IsAvailable() ? FormDialog(form).Run(OwnerOf(owner)) : kFormCancelled;
     }
     std::unique_ptr<ProgressWindow> OpenProgress(WindowHandle owner, const std::string& title,
                                                  const std::string& cancelLabel) override {
         if (!IsAvailable())
             return std::make_unique<UnseenProgress>();
+        const ScopedVisualStyles styles;
         return std::make_unique<ProgressDialog>(OwnerOf(owner), ToWide(title), ToWide(cancelLabel));
     }
 };

@@ -4,31 +4,37 @@
 // After windows.h, which it needs.
 #include <shellapi.h>
 
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+
 #include "WideText.h"
 
 namespace platform {
+namespace {
 
-ProgramArguments::ProgramArguments(int count, char** words) {
-    int wideCount = 0;
-    if (wchar_t** wideWords = CommandLineToArgvW(GetCommandLineW(), &wideCount)) {
-        for (int index = 0; index < wideCount; ++index)
-            mWords.push_back(ToUtf8(wideWords[index]));
-        LocalFree(wideWords);
-    } else {
-        mWords.assign(words, words + count);
-    }
-    for (std::string& word : mWords)
-        mPointers.push_back(word.data());
-    mPointers.push_back(nullptr);
+/// What is no console must get every byte as it is, without line ends made longer.
+void KeepBytes(std::FILE* stream, DWORD handle) {
+    DWORD mode = 0;
+    if (!GetConsoleMode(GetStdHandle(handle), &mode))
+        _setmode(_fileno(stream), _O_BINARY);
 }
 
-ScopedUtf8Console::ScopedUtf8Console() : mPreviousCharacterSet(GetConsoleOutputCP()) {
+}  // namespace
+
+ProgramArguments::ProgramArguments(int, char**) {
+    // What main is given went through the ANSI code page and lost what is not in it.
+    int count = 0;
+    wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+    for (int index = 0; index < count; ++index)
+        mTexts.push_back(ToUtf8(words[index]));
+    LocalFree(words);
+    PointToTexts();
     SetConsoleOutputCP(CP_UTF8);
-}
-
-ScopedUtf8Console::~ScopedUtf8Console() {
-    if (mPreviousCharacterSet != 0)
-        SetConsoleOutputCP(mPreviousCharacterSet);
+    KeepBytes(stdin, STD_INPUT_HANDLE);
+    KeepBytes(stdout, STD_OUTPUT_HANDLE);
+    KeepBytes(stderr, STD_ERROR_HANDLE);
 }
 
 }  // namespace platform

@@ -23,6 +23,10 @@ bool SystemError::IsPathTooLong() const {
     return code == ERROR_FILENAME_EXCED_RANGE;
 }
 
+bool SystemError::IsHeldByOther() const {
+    return code == ERROR_LOCK_VIOLATION || code == ERROR_SHARING_VIOLATION;
+}
+
 SystemError LastSystemError() {
     return SystemError{static_cast<int>(GetLastError())};
 }

@@ -182,7 +182,6 @@ int Run(int count, char** words) {
 
 int main(int count, char** words) {
     platform::ProgramArguments arguments(count, words);
-    const platform::ScopedUtf8Console utf8;
     try {
         return pellwick::cli::Run(arguments.Count(), arguments.Words());
     } catch (const pellwick::cli::Failure& failure) {

@@ -82,6 +82,10 @@ std::optional<int32_t> ChosenFrom(const char* list, const char* member, std::opt
     return std::nullopt;
 }
 
+bool HasNoPath(const DialogAnswer& folderAnswer) {
+    return folderAnswer.is_object() && folderAnswer.contains("folder") && folderAnswer["folder"].is_null();
+}
+
 }  // namespace
 
 bool IsConfirmed(const DialogQuestion& question, const DialogAnswer& answer) {
@@ -147,6 +151,8 @@ std::optional<int32_t> ChosenCommand(const DialogQuestion& question, const Dialo
 std::optional<std::string> ChosenFolder(const DialogQuestion& question, const DialogAnswer& answer) {
     if (IsDeclined(answer))
         return std::nullopt;
+    if (HasNoPath(answer))
+        return std::string();
     const json typed = answer == true ? question.details.at("initialFolder")
                                       : (answer.is_object() ? answer.value("folder", json()) : json());
     const std::string folder = typed.is_string() ? platform::FullPath(typed.get<std::string>()) : "";

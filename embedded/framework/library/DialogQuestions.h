@@ -10,7 +10,8 @@
 // |                 | CurrentWorkgroupID, commands: [{command, title,   |                              |
 // |                 | and workgroupID if it chooses one}]               |                              |
 // | RestrictedFonts | fonts: [PostScript name], onlyNew                 | none                         |
-// | ChooseFolder    | prompt, initialFolder                             | folder, as for FullPath      |
+// | ChooseFolder    | prompt, initialFolder                             | folder, as for FullPath;     |
+// |                 |                                                   | null when it has no path     |
 #pragma once
 
 #include <cstdint>
@@ -37,5 +38,6 @@ DialogQuestion ChooseFolderQuestion(CFStringRef prompt, CFStringRef initialFolde
 /// Nothing when the dialog was not confirmed, or when what was chosen is not in its list.
 std::optional<int32_t> ChosenWorkgroup(const DialogQuestion& question, const DialogAnswer& answer);
 std::optional<int32_t> ChosenCommand(const DialogQuestion& question, const DialogAnswer& answer);
-/// The full path; nothing when the dialog was not confirmed or a file that is no folder stands there.
+/// The full path; empty when what was chosen has none. Nothing when the dialog was not confirmed or a file
+/// that is no folder stands there.
 std::optional<std::string> ChosenFolder(const DialogQuestion& question, const DialogAnswer& answer);

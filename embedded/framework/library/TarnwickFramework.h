@@ -40,7 +40,7 @@ public:
 
     CFStringRef CopyLocalizedString(uint32_t stringID) override;
 
-    void SetParentWindowForUi(void* window) override { mParentWindow = window; }
+    void SetParentWindowForUi(void* window) override { mPresenter->SetParentWindow(window); }
     int32_t ShowMessageBox(uint32_t titleID, uint32_t textID, MessageBoxButtons buttons) override;
 
     void ShowMessageAbout(uint32_t titleID, uint32_t textID, CFStringRef subject) override;
@@ -66,5 +66,4 @@ private:
     const std::string mPreferencesFolder;
     PreferenceStore mPreferences;
     const std::unique_ptr<Presenter> mPresenter;
-    void* mParentWindow = nullptr;  ///< not owned; for presenters that have windows
 };

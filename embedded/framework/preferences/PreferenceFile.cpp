@@ -3,7 +3,6 @@
 #include <chrono>
 #include <fstream>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 #include "GLogger.h"
@@ -22,10 +21,6 @@ constexpr int kMostDamagedFiles = 1000;
 // Another process holds the lock for a few milliseconds; one that hangs must not hang this host as well.
 constexpr auto kLongestWaitForLock = std::chrono::seconds(5);
 constexpr auto kPauseBetweenAttempts = std::chrono::milliseconds(2);
-
-bool Is(platform::SystemError error, std::errc condition) {
-    return std::error_code(error.code, std::system_category()) == condition;
-}
 
 std::optional<nlohmann::json> ParsePreferences(const std::string& bytes) {
     bool isTooDeep = false;
@@ -103,7 +98,7 @@ PreferenceFile::State PreferenceFile::Refresh() {
     uint64_t size = 0;
     if (!platform::FileSize(mPath, size) && size > kLargestFile)
         return Adopt({});
-    if (!Is(error, std::errc::no_such_file_or_directory)) {
+    if (!error.IsNotFound()) {
         ReportOnce("cannot read '" + mPath + "': " + platform::SystemErrorText(error));
         return State::kUnreadable;
     }
@@ -155,7 +150,7 @@ bool PreferenceFile::AcquireLock(platform::FileLock& lock) {
         error = lock.Acquire(mPath + ".lock", false);
         if (!error)
             return true;
-        if (!Is(error, std::errc::resource_unavailable_try_again) || std::chrono::steady_clock::now() > limit)
+        if (!error.IsHeldByOther() || std::chrono::steady_clock::now() > limit)
             break;
         error = {};
         std::this_thread::sleep_for(kPauseBetweenAttempts);

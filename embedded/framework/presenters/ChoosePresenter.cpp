@@ -1,4 +1,6 @@
+#include "TraceLog.h"
 #include "platform/Environment.h"
+#include "presenters/NativePresenter.h"
 #include "presenters/Presenter.h"
 #include "presenters/RecordingPresenter.h"
 #include "presenters/ScriptedPresenter.h"
@@ -12,13 +14,44 @@ bool HasTerminal() {
            platform::IsTerminal(platform::StandardStream::kError);
 }
 
+/// Null where the system cannot show dialogs.
+std::unique_ptr<Presenter> MakeNative(const std::string& language) {
+    auto& dialogs = platform::Current<platform::NativeDialogs>();
+    return dialogs.IsAvailable() ? std::make_unique<NativePresenter>(dialogs, language) : nullptr;
+}
+
+std::unique_ptr<Presenter> MakeTerminal(const std::string& language) {
+    return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);
+}
+
+/// Null for a name that is none.
+std::unique_ptr<Presenter> ChooseByName(const std::string& name, const std::string& language) {
+    if (name == "terminal")
+        return MakeTerminal(language);
+    if (name == "native") {
+        if (std::unique_ptr<Presenter> native = MakeNative(language))
+            return native;
+        LogMessage(0, "No dialogs can be shown here, although PLUGINCORE_PRESENTER asks for them");
+    }
+    return name == "native" || name == "silent" ? std::make_unique<SilentPresenter>() : nullptr;
+}
+
+std::unique_ptr<Presenter> ChooseBySurroundings(const std::string& language) {
+    if (std::unique_ptr<Presenter> native = MakeNative(language))
+        return native;
+    return HasTerminal() ? MakeTerminal(language) : std::make_unique<SilentPresenter>();
+}
+
 std::unique_ptr<Presenter> ChooseByEnvironment(const std::string& language) {
     const std::string answersFile = platform::EnvironmentVariable("PLUGINCORE_ANSWERS");
     if (!answersFile.empty())
         return std::make_unique<ScriptedPresenter>(ReadAnswersFile(answersFile));
-    if (HasTerminal())
-        return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);
-    return std::make_unique<SilentPresenter>();
+    const std::string name = platform::EnvironmentVariable("PLUGINCORE_PRESENTER");
+    if (std::unique_ptr<Presenter> named = ChooseByName(name, language))
+        return named;
+    if (!name.empty())
+        LogMessage(0, "PLUGINCORE_PRESENTER names none of native, terminal and silent: '%s'", name.c_str());
+    return ChooseBySurroundings(language);
 }
 
 }  // namespace

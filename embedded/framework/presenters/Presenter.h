@@ -8,6 +8,7 @@
 #include <string>
 
 #include "VantorixPluginFramework.h"
+#include "platform/Windowing.h"
 
 struct MessageBoxQuestion {
     uint32_t titleID = 0;
@@ -47,6 +48,8 @@ class Presenter {
 public:
     virtual ~Presenter() = default;
 
+    /// The host's main window, which owns what a presenter with windows shows; may be null.
+    virtual void SetParentWindow(platform::WindowHandle) {}
     /// The number of the button, from 1 to ButtonCount.
     virtual int32_t AskMessageBox(const MessageBoxQuestion& question) = 0;
     virtual DialogAnswer AskDialog(const DialogQuestion& question) = 0;
@@ -54,8 +57,15 @@ public:
     virtual bool ShowProgress(const ProgressStep& step) = 0;
 };
 
-/// A scripted presenter when the environment variable PLUGINCORE_ANSWERS names a file of answers; else a
-/// terminal presenter when a person sits at standard input and standard error; else a silent one. With
-/// PLUGINCORE_ANSWERS_LOG every question and its answer is recorded in the file of that name. `language` is a
-/// two-letter code.
+/// Who asks is decided by, in this order:
+///
+/// 1. PLUGINCORE_ANSWERS names a file of answers: a scripted presenter.
+/// 2. PLUGINCORE_PRESENTER is "native", "terminal" or "silent": that one. Where the system cannot show
+///    dialogs, "native" is silent.
+/// 3. The system can show dialogs: a native presenter.
+/// 4. A person sits at standard input and standard error: a terminal presenter.
+/// 5. Otherwise a silent one.
+///
+/// With PLUGINCORE_ANSWERS_LOG every question and its answer is recorded in the file of that name. `language`
+/// is a two-letter code.
 std::unique_ptr<Presenter> ChoosePresenter(const std::string& language);

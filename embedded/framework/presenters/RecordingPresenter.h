@@ -8,6 +8,7 @@ public:
     RecordingPresenter(std::unique_ptr<Presenter> presenter, std::string logFile)
         : mPresenter(std::move(presenter)), mLogFile(std::move(logFile)) {}
 
+    void SetParentWindow(platform::WindowHandle window) override { mPresenter->SetParentWindow(window); }
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
     DialogAnswer AskDialog(const DialogQuestion& question) override;
     bool ShowProgress(const ProgressStep& step) override;

@@ -49,10 +49,6 @@ std::string WithoutControls(const std::string& text) {
     return shown;
 }
 
-std::string WithoutDots(const std::string& title) {
-    return title.ends_with("...") ? title.substr(0, title.size() - 3) : title;
-}
-
 }  // namespace
 
 const Choice* FindChoice(const Choices& choices, std::string_view typed) {

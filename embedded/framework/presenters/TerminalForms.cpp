@@ -7,18 +7,11 @@
 
 #include "platform/Files.h"
 #include "platform/Folders.h"
+#include "presenters/DialogDetails.h"
 
 namespace {
 
 using nlohmann::json;
-
-std::string StringIn(const json& object, const char* member) {
-    return object.at(member).get<std::string>();
-}
-
-bool IsTrue(const json& object, const char* member) {
-    return object.at(member).get<bool>();
-}
 
 DialogAnswer ShowAbout(Terminal& terminal, const json& details) {
     const std::string version = StringIn(details, "version");

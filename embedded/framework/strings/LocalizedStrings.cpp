@@ -56,3 +56,7 @@ std::string FillIn(std::string text, std::string_view value) {
     const size_t place = text.find(kPlaceholder);
     return place != std::string::npos ? text.replace(place, kPlaceholder.size(), value) : text;
 }
+
+std::string WithoutDots(const std::string& text) {
+    return text.ends_with("...") ? text.substr(0, text.size() - 3) : text;
+}

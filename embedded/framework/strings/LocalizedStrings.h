@@ -24,3 +24,6 @@ std::string LocalizedText(std::string_view language, uint32_t id);
 
 /// `text` with `value`, whatever that holds, in place of its first "%s". Any thread.
 std::string FillIn(std::string text, std::string_view value);
+
+/// The text of a menu item as a title: without the dots at its end. Any thread.
+std::string WithoutDots(const std::string& text);

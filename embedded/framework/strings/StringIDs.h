@@ -55,4 +55,9 @@ enum StringID : uint32_t {
     kFolderPrompt,
     kFolderPromptWithDefault,
     kNoFolder,
+
+    kOkButton = 1060,
+    kCancelButton,
+    kCloseButton,
+    kNoReplacementOption,
 };

@@ -5,6 +5,7 @@
 #include "DialogTestSupport.h"
 #include "FrameworkTestSupport.h"
 #include "library/TarnwickFramework.h"
+#include "platform/Folders.h"
 #include "presenters/ScriptedPresenter.h"
 
 namespace {
@@ -20,7 +21,7 @@ protected:
     TarnwickFramework Answering(const char* dialog, const std::string& answer) const {
         const json answers = {{{"dialog", dialog}, {"answer", json::parse(answer)}}};
         return {{"com.vantorix.Plugin", "Illustrator2025", "8.0"},
-                mFolder.Path(),
+                platform::Utf8Text(mFolder.Path()),
                 "en",
                 std::make_unique<ScriptedPresenter>(answers)};
     }
@@ -142,8 +143,9 @@ TEST_F(DialogsTest, AFolderThatIsNamedOrProposedIsChosen) {
         EXPECT_EQ(isConfirmed, folder != nullptr);
         return cf::ToUtf8(folder);
     };
-    EXPECT_EQ(choose(R"({"folder": "/für/../neu/"})", ""), "/neu");
-    EXPECT_EQ(choose("true", "/before"), "/before");
+    EXPECT_EQ(choose(R"({"folder": "/für/../neu/"})", ""), platform::FullPath("/neu"));
+    EXPECT_EQ(choose("true", "/before"), platform::FullPath("/before"));
+    EXPECT_EQ(choose(R"({"folder": null})", "/before"), "") << "chosen, but no folder of a file system";
     WriteText(mFolder / "file", "");
     for (const std::string& wrong :
          {json({{"folder", mFolder / "file"}}).dump(), std::string("true"), std::string(R"({"folder": ""})"),

@@ -4,20 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <random>
+#include <sstream>
 #include <thread>
 
 #include "FrameworkTestSupport.h"
+#include "TestProcess.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
 
 namespace {
 
 using nlohmann::json;
 
+/// A line that was cut by the end of the process is none.
+std::optional<int64_t> NumberIn(const std::string& line) {
+    return line.empty() ? std::nullopt : std::optional(std::stoll(line));
+}
+
+std::optional<int64_t> LastNumber(const std::string& output) {
+    std::istringstream lines(output.substr(0, output.rfind('\n') + 1));
+    std::optional<int64_t> last;
+    for (std::string line; std::getline(lines, line);)
+        last = NumberIn(line);
+    return last;
+}
+
 class DurabilityTest : public testing::Test {
 protected:
     std::vector<std::string> Counting(const std::string& key, int times) const {
-        return {PREFERENCES_PROGRAM, FRAMEWORK_LIBRARY, "count", key, std::to_string(times)};
+        return {PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "count", key,
+                std::to_string(times)};
     }
     int64_t StoredNumber(const std::string& key) const {
         const json root = json::parse(ReadText(mPath), nullptr, false);
@@ -32,32 +50,40 @@ protected:
 
     TemporaryFolder mFolder;
     const std::string mPath = mFolder / "Vantorix/Preferences.json";
-    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", mFolder.Path()};
+    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", platform::Utf8Text(mFolder.Path())};
     ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", mFolder / "log"};
 };
 
 TEST_F(DurabilityTest, AHostKilledAtAnyMomentLosesNothingThatWasStoredAndHoldsUpNobody) {
     std::minstd_rand random;
     for (int round = 0; round < 40; ++round) {
+        TestProcess host(Counting("number", 200));
         int64_t acknowledged = 0;
-        {
-            RunningProgram host(Counting("number", 200));
-            for (unsigned lines = 1 + random() % 8; lines > 0; --lines)
-                acknowledged = std::stoll(host.ReadLine().value_or("-1"));
-            std::this_thread::sleep_for(std::chrono::microseconds(random() % 2000));
-            host.Kill();
-            while (const auto line = host.ReadLine())
-                acknowledged = std::stoll(*line);
-        }
+        for (unsigned lines = 1 + random() % 8; lines > 0; --lines)
+            acknowledged = NumberIn(host.ReadLine()).value_or(-1);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 2000));
+        host.Kill();
+        acknowledged = LastNumber(host.Finish().output).value_or(acknowledged);
         ASSERT_GT(acknowledged, 0);
         EXPECT_THAT(StoredNumber("number"), testing::AnyOf(acknowledged, acknowledged + 1)) << round;
         platform::FileLock lock;
         EXPECT_FALSE(lock.Acquire(mPath + ".lock", false)) << round;
     }
     WriteText(mPath + ".writing-killed", "{");  // as a kill between two system calls leaves it
-    EXPECT_EQ(RunningProgram(Counting("number", 1)).Wait(), 0);
+    EXPECT_EQ(TestProcess(Counting("number", 1)).Finish().status, 0);
     EXPECT_THAT(FilesBeside(), testing::UnorderedElementsAre("Preferences.json", "Preferences.json.lock"));
     EXPECT_EQ(ReadText(mFolder / "log"), "");
+}
+
+TEST_F(DurabilityTest, HostsThatStoreAtOnceLoseNothing) {
+    constexpr int kChanges = 20;
+    std::vector<std::unique_ptr<TestProcess>> hosts;
+    for (const char* key : {"a", "b", "c"})
+        hosts.push_back(std::make_unique<TestProcess>(Counting(key, kChanges)));
+    for (const auto& host : hosts)
+        EXPECT_EQ(host->Finish().status, 0);
+    for (const char* key : {"a", "b", "c"})
+        EXPECT_EQ(StoredNumber(key), kChanges) << key;
 }
 
 TEST_F(DurabilityTest, WithAFileCutAnywhereAPlugInStartsAsIfItWereTheFirstTime) {
@@ -68,11 +94,11 @@ TEST_F(DurabilityTest, WithAFileCutAnywhereAPlugInStartsAsIfItWereTheFirstTime) 
         std::filesystem::remove_all(platform::Utf8Path(mPath).parent_path());
         std::filesystem::remove(platform::Utf8Path(mFolder / "log"));
         WriteText(mPath, whole.substr(0, length));
-        RunningProgram host({PREFERENCES_PROGRAM, FRAMEWORK_LIBRARY, "start"});
-        EXPECT_EQ(host.ReadLine().value_or(""), isWhole ? "usable 1, registered 1, then 1, enabled 0"
-                                                        : "usable 1, registered 0, then 1, enabled 1")
+        TestProcess host({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "start"});
+        EXPECT_EQ(host.ReadLine(), isWhole ? "usable 1, registered 1, then 1, enabled 0"
+                                           : "usable 1, registered 0, then 1, enabled 1")
             << length;
-        EXPECT_EQ(host.Wait(), 0);
+        EXPECT_EQ(host.Finish().status, 0);
         const std::string log = ReadText(mFolder / "log");
         EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), isWhole ? 0 : 1) << log;
         EXPECT_EQ(ReadText(mPath + ".damaged-1"), isWhole ? "" : whole.substr(0, length));

@@ -8,6 +8,7 @@
 #include "FrameworkTestSupport.h"
 #include "VantorixPluginFramework.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Folders.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ protected:
     FactoryTest() {
         auto& libraries = platform::Current<platform::DynamicLibraries>();
         platform::SystemError error;
-        const platform::LibraryHandle library = libraries.LoadFromPath(FRAMEWORK_LIBRARY, error);
+        const platform::LibraryHandle library =
+            libraries.LoadFromPath(platform::FullPath(FRAMEWORK_LIBRARY), error);
         if (library != nullptr)
             mCreate = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
                 libraries.FindSymbol(library, kCreateVantorixPluginFramework));
@@ -38,11 +40,12 @@ protected:
     CreateVantorixPluginFrameworkFunction mCreate = nullptr;
     TemporaryFolder mFolder;
     const std::string mPreferences = mFolder / "Vantorix/Preferences.json";
-    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", mFolder.Path()};
+    ScopedVariable mConfiguration{"XDG_CONFIG_HOME", platform::Utf8Text(mFolder.Path())};
     ScopedVariable mLanguage{"LC_ALL", "en_US.UTF-8"};
-    ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", std::nullopt};
-    ScopedVariable mAnswersLog{"PLUGINCORE_ANSWERS_LOG", std::nullopt};
-    ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", std::nullopt};
+    ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", ""};
+    ScopedVariable mAnswersLog{"PLUGINCORE_ANSWERS_LOG", ""};
+    ScopedVariable mPresenter{"PLUGINCORE_PRESENTER", "silent"};
+    ScopedVariable mDebugOutput{"PLUGINCORE_DEBUG_OUTPUT", ""};
 };
 
 TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {

@@ -53,7 +53,7 @@ TEST_F(PreferenceFileTest, AFileCutAnywhereIsSetAsideWithOneLineAndStoringGoesOn
         const std::string path = own / "Preferences.json";
         WriteText(path, whole.substr(0, length));
         const size_t linesBefore = mLog.LineCount();
-        PreferenceFile file(own.Path());
+        PreferenceFile file(platform::Utf8Text(own.Path()));
         EXPECT_TRUE(file.Read()->empty()) << length;
         EXPECT_TRUE(file.Read()->empty()) << length;
         EXPECT_EQ(mLog.LineCount(), linesBefore + 1) << length;
@@ -131,32 +131,19 @@ TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {
     EXPECT_TRUE(SetMember(file, "a", 2));
 }
 
-TEST_F(PreferenceFileTest, ProcessesAndThreadsThatWriteAtOnceLoseNothing) {
+TEST_F(PreferenceFileTest, ThreadsThatWriteAtOnceLoseNothing) {
     constexpr int kChanges = 20;
-    const auto addMembers = [this](const std::string& prefix) {
-        PreferenceFile file(mFolder);
-        bool areStored = true;
-        for (int number = 0; number < kChanges; ++number)
-            areStored = SetMember(file, prefix + std::to_string(number), number) && areStored;
-        return areStored;
-    };
-    std::vector<pid_t> children;
-    for (const char* prefix : {"a", "b", "c"})
-        children.push_back(StartChild([&] { return addMembers(prefix); }));
-    for (const pid_t child : children)
-        EXPECT_EQ(WaitForChild(child), 0);
-
     PreferenceFile shared(mFolder);
-    const auto addToShared = [&shared](const std::string& prefix) {
+    const auto addMembers = [&shared](const std::string& prefix) {
         for (int number = 0; number < kChanges; ++number) {
             EXPECT_TRUE(SetMember(shared, prefix + std::to_string(number), number));
             EXPECT_FALSE(shared.Read()->empty());
         }
     };
-    std::thread thread(addToShared, "d");
-    addToShared("e");
+    std::thread thread(addMembers, "a");
+    addMembers("b");
     thread.join();
-    EXPECT_EQ(PreferenceFile(mFolder).Read()->size(), 5u * kChanges);
+    EXPECT_EQ(PreferenceFile(mFolder).Read()->size(), 2u * kChanges);
 }
 
 }  // namespace

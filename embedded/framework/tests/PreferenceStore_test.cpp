@@ -16,14 +16,14 @@ protected:
 
     TemporaryFolder mFolder;
     const std::string mPath = mFolder / "Preferences.json";
-    PreferenceStore mStore{mFolder.Path(), "com.vantorix.Plugin", "Illustrator2025"};
+    PreferenceStore mStore{platform::Utf8Text(mFolder.Path()), "com.vantorix.Plugin", "Illustrator2025"};
 };
 
 TEST_F(PreferenceStoreTest, EachPlugInAndHostHasItsOwnValuesAndForeignOnesAreKept) {
     WriteText(mPath,
               R"({"com.vantorix.Plugin": {"Other": {"Key": [1, {"kept": null}]}, "Illustrator2025": 7}})");
-    PreferenceStore otherPlugin(mFolder.Path(), "com.vantorix.Other", "Illustrator2025");
-    PreferenceStore unknown(mFolder.Path(), "", "\xFF");
+    PreferenceStore otherPlugin(platform::Utf8Text(mFolder.Path()), "com.vantorix.Other", "Illustrator2025");
+    PreferenceStore unknown(platform::Utf8Text(mFolder.Path()), "", "\xFF");
     EXPECT_TRUE(mStore.Set("Key", 1));
     EXPECT_TRUE(otherPlugin.Set("Key", 2));
     EXPECT_TRUE(unknown.Set("Key", 3));
@@ -69,7 +69,8 @@ TEST_F(PreferenceStoreTest, DefaultsAreRegisteredOnceAndAgainWhenTheFileWasLost)
     EXPECT_TRUE(mStore.AreDefaultsRegistered());
     EXPECT_FALSE(mStore.GetBool("EnablePlugin")) << "what the user has set stays";
     EXPECT_EQ(mStore.GetInt("Width"), 260);
-    EXPECT_FALSE(PreferenceStore(mFolder.Path(), "com.vantorix.Plugin", "Other").AreDefaultsRegistered());
+    EXPECT_FALSE(PreferenceStore(platform::Utf8Text(mFolder.Path()), "com.vantorix.Plugin", "Other")
+                     .AreDefaultsRegistered());
 
     WriteText(mPath, ReadText(mPath).substr(0, 30));
     EXPECT_FALSE(mStore.AreDefaultsRegistered());

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 
 #include <sstream>
 
@@ -155,45 +154,6 @@ TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional)
     EXPECT_THAT(colored.str(), HasSubstr("\033["));
     const ScopedVariable noColor("NO_COLOR", "1");
     EXPECT_FALSE(Terminal::StandardStreams().hasColor);
-}
-
-/// Asks, in a child process with a terminal of its own, whoever the environment says; answers the child's
-/// exit status, which is the answer, and what the terminal showed.
-std::pair<int, std::string> AskWithTerminal(const std::string& typed) {
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0)
-        _exit(ChoosePresenter("en")->AskMessageBox(Question(609, 610)));
-    EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
-    std::string shown;
-    char bytes[256];
-    for (ssize_t count = 0; (count = read(terminal, bytes, sizeof bytes)) > 0;)
-        shown.append(bytes, static_cast<size_t>(count));
-    close(terminal);
-    return {WaitForChild(child), shown};
-}
-
-TEST(ChoosePresenter, AsksInTheTerminalUnlessThereAreAnswers) {
-    int terminal = -1;
-    int user = -1;
-    if (openpty(&terminal, &user, nullptr, nullptr, nullptr) != 0)
-        GTEST_SKIP() << "this machine has no pseudo-terminals";
-    close(terminal);
-    close(user);
-    TemporaryFolder folder;
-    WriteText(folder / "answers", R"([{"titleID": 609, "answer": 1}])");
-    const ScopedVariable noLog("PLUGINCORE_ANSWERS_LOG", std::nullopt);
-    {
-        const ScopedVariable noAnswers("PLUGINCORE_ANSWERS", std::nullopt);
-        const auto [answer, shown] = AskWithTerminal("yes\n");
-        EXPECT_EQ(answer, 1);
-        EXPECT_THAT(shown, HasSubstr("1: Yes"));
-        EXPECT_EQ(AskWithTerminal("\004").first, 2) << "end of input";
-    }
-    const ScopedVariable answers("PLUGINCORE_ANSWERS", folder / "answers");
-    const auto [answer, shown] = AskWithTerminal("no\n");
-    EXPECT_EQ(answer, 1);
-    EXPECT_THAT(shown, testing::Not(HasSubstr("1: Yes")));
 }
 
 }  // namespace

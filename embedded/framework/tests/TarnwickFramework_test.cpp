@@ -24,7 +24,7 @@ class TarnwickFrameworkTest : public testing::Test {
 protected:
     TarnwickFramework With(std::unique_ptr<Presenter> presenter, const std::string& language = "en") const {
         return {{"com.vantorix.Plugin", "Illustrator2025", "8.0"},
-                mFolder.Path(),
+                platform::Utf8Text(mFolder.Path()),
                 language,
                 std::move(presenter)};
     }

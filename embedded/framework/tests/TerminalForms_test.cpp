@@ -8,6 +8,7 @@
 #include "DialogTestSupport.h"
 #include "FrameworkTestSupport.h"
 #include "library/TarnwickFramework.h"
+#include "platform/Folders.h"
 #include "presenters/TerminalPresenter.h"
 
 namespace {
@@ -76,7 +77,7 @@ protected:
     std::ostringstream mOutput;
     TarnwickFramework mFramework{
         {"com.vantorix.Plugin", "Illustrator2025", "8.0.1"},
-        mFolder.Path(),
+        platform::Utf8Text(mFolder.Path()),
         "en",
         std::make_unique<TerminalPresenter>(Terminal::Streams{mInput, mOutput, false}, "en")};
     RecordList mWorkgroups =
@@ -121,7 +122,8 @@ TEST_F(TerminalFormsTest, PreferencesThatCannotBeStoredAreToldAbout) {
     std::filesystem::create_directories(platform::Utf8Path(mFolder / "Preferences.json"));
     Type("1\n\n");
     EXPECT_FALSE(mFramework.ShowPreferences());
-    EXPECT_THAT(Shown(), AllOf(HasSubstr("could not be saved"), HasSubstr(mFolder.Path().string())));
+    EXPECT_THAT(Shown(),
+                AllOf(HasSubstr("could not be saved"), HasSubstr(platform::Utf8Text(mFolder.Path()))));
 }
 
 TEST_F(TerminalFormsTest, AWorkgroupIsChosenByNumberNameOrItsBeginning) {
@@ -196,11 +198,11 @@ TEST_F(TerminalFormsTest, RestrictedFontsAreListedAndConfirmed) {
 
 TEST_F(TerminalFormsTest, AFolderIsTypedOrTheProposedOneTaken) {
     WriteText(mFolder / "file", "");
-    EXPECT_EQ(ChooseFolder("\n", "/ü/before"), "/ü/before");
+    EXPECT_EQ(ChooseFolder("\n", "/ü/before"), platform::FullPath("/ü/before"));
     EXPECT_THAT(Shown(), HasSubstr("Where to... exactly?\nFolder, Enter for /ü/before, q to cancel: "));
     EXPECT_EQ(ChooseFolder(mFolder / "new one/" + "\n", "/before"), mFolder / "new one");
-    EXPECT_EQ(ChooseFolder("a/../b\n", nullptr), platform::Utf8Text(std::filesystem::current_path()) + "/b");
-    EXPECT_EQ(ChooseFolder(mFolder / "file" + "\n/other\n", nullptr), "/other");
+    EXPECT_EQ(ChooseFolder("a/../b\n", nullptr), platform::FullPath("b"));
+    EXPECT_EQ(ChooseFolder(mFolder / "file" + "\n/other\n", nullptr), platform::FullPath("/other"));
     EXPECT_THAT(Shown(), HasSubstr("file cannot be used as a folder.\n"));
     for (const char* notConfirmed : {"q\n", "", "\377\n"})
         EXPECT_EQ(ChooseFolder(notConfirmed, "/before"), std::nullopt) << notConfirmed;

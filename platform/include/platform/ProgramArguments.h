@@ -1,4 +1,4 @@
-// A program's words and what it prints, in UTF-8.
+// What a program is started with.
 #pragma once
 
 #include <string>
@@ -6,33 +6,28 @@
 
 namespace platform {
 
-/// What main was given, in UTF-8. Linux: as it is. Windows: taken from the system's own command line, since
-/// main gets words in a character set that cannot write all names.
+/// The words of the command line, UTF-8, as main would take them. To be made from main's own arguments,
+/// before anything else, and kept for as long as the words are used. Makes the program's streams what UTF-8
+/// text needs: on Windows consoles show it, and everything else gets it byte for byte.
 class ProgramArguments {
 public:
     ProgramArguments(int count, char** words);
     ProgramArguments(const ProgramArguments&) = delete;
     ProgramArguments& operator=(const ProgramArguments&) = delete;
 
-    int Count() const { return static_cast<int>(mPointers.size()) - 1; }
-    /// The program's name first, a null pointer last. They live as long as this object.
-    char** Words() { return mPointers.data(); }
+    int Count() const { return static_cast<int>(mTexts.size()); }
+    /// Count() words and a null pointer.
+    char** Words() { return mWords.data(); }
+    /// The word at `index`, empty when there are fewer. The first is the program.
+    std::string operator[](int index) const {
+        return index < Count() ? mTexts[static_cast<size_t>(index)] : std::string();
+    }
 
 private:
-    std::vector<std::string> mWords;
-    std::vector<char*> mPointers;
-};
+    void PointToTexts();
 
-/// While it lives, a console shows what this process prints as the UTF-8 that it is.
-class ScopedUtf8Console {
-public:
-    ScopedUtf8Console();
-    ~ScopedUtf8Console();
-    ScopedUtf8Console(const ScopedUtf8Console&) = delete;
-    ScopedUtf8Console& operator=(const ScopedUtf8Console&) = delete;
-
-private:
-    unsigned mPreviousCharacterSet = 0;
+    std::vector<std::string> mTexts;
+    std::vector<char*> mWords;
 };
 
 }  // namespace platform

@@ -16,6 +16,8 @@ struct SystemError {
     /// This user, or nobody, may do that there.
     bool IsNotPermitted() const;
     bool IsPathTooLong() const;
+    /// Another process has the file or the lock now; a later attempt may succeed.
+    bool IsHeldByOther() const;
 };
 
 /// The calling thread's last error.

@@ -1,0 +1,28 @@
+#include "presenters/NativePresenter.h"
+
+#include "strings/LocalizedStrings.h"
+
+int32_t NativePresenter::AskMessageBox(const MessageBoxQuestion& question) {
+    mProgress.reset();
+    const bool isQuestion = question.buttons == MessageBoxButtons::kYesNo;
+    const bool isFirstButton = mStage.dialogs.ShowMessage(
+        mStage.owner, WithoutDots(question.title), question.text,
+        isQuestion ? platform::MessageButtons::kYesNo : platform::MessageButtons::kOk);
+    return isFirstButton ? 1 : DefaultAnswer(question);
+}
+
+DialogAnswer NativePresenter::AskDialog(const DialogQuestion& question) {
+    mProgress.reset();
+    const NativeForm form = FindNativeForm(question.dialog);
+    return form != nullptr ? form(mStage, question.details) : mDefault.AskDialog(question);
+}
+
+bool NativePresenter::ShowProgress(const ProgressStep& step) {
+    if (step.done == 0)
+        mProgress =
+            mStage.dialogs.OpenProgress(mStage.owner, WithoutDots(step.title), mStage.Text(kCancelButton));
+    const bool isToGoOn = mProgress == nullptr || mProgress->Show(step.done, step.total);
+    if (!isToGoOn || step.done >= step.total)
+        mProgress.reset();
+    return isToGoOn;
+}

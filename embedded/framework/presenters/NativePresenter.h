@@ -1,0 +1,26 @@
+// Asks in the system's own windows, which belong to the host's main window.
+#pragma once
+
+#include <memory>
+
+#include "presenters/NativeForms.h"
+#include "presenters/Presenter.h"
+#include "presenters/SilentPresenter.h"
+
+class NativePresenter : public Presenter {
+public:
+    /// `dialogs` lives longer; `language` is a two-letter code.
+    NativePresenter(platform::NativeDialogs& dialogs, std::string language)
+        : mStage{dialogs, nullptr, std::move(language)} {}
+
+    void SetParentWindow(platform::WindowHandle window) override { mStage.owner = window; }
+    int32_t AskMessageBox(const MessageBoxQuestion& question) override;
+    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    /// The window stays until the last step, the user's wish to stop, or the next question.
+    bool ShowProgress(const ProgressStep& step) override;
+
+private:
+    NativeStage mStage;
+    std::unique_ptr<platform::ProgressWindow> mProgress;  ///< while a work goes on
+    SilentPresenter mDefault;
+};
