@@ -7,6 +7,7 @@
 #include "agent/Agent.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
+#include "platform/ProgramArguments.h"
 
 namespace pellwick::cli {
 namespace {
@@ -180,8 +181,9 @@ int Run(int count, char** words) {
 }  // namespace pellwick::cli
 
 int main(int count, char** words) {
+    platform::ProgramArguments arguments(count, words);
     try {
-        return pellwick::cli::Run(count, words);
+        return pellwick::cli::Run(arguments.Count(), arguments.Words());
     } catch (const pellwick::cli::Failure& failure) {
         std::fprintf(stderr, "Pellwick: %s\n", failure.what());
         return failure.Status();

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/ProgramArguments.h"
 #include "tests/support/TestLibrary.h"
 
 namespace {
@@ -20,12 +21,15 @@ size_t HoldForDesign(const TestLibrary& library, int64_t designed, int64_t previ
 
 }  // namespace
 
-int main(int count, char** words) {
+int main(int argumentCount, char** argumentWords) {
+    platform::ProgramArguments arguments(argumentCount, argumentWords);
+    char** words = arguments.Words();
     const TestLibrary library;
     const size_t active =
         std::string_view(words[1]) == "--for-design"
             ? HoldForDesign(library, std::atoll(words[2]), std::atoll(words[3]))
-            : library.Activate(words[1], std::vector<std::string>(words + 2, words + count)).size();
+            : library.Activate(words[1], std::vector<std::string>(words + 2, words + arguments.Count()))
+                  .size();
     std::printf("%zu\n", active);
     std::fflush(stdout);
     while (std::getchar() != EOF) {
