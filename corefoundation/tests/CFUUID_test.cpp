@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <set>
 #include <string>
 
@@ -22,8 +23,9 @@ TEST(CFUUID, NewOnesAreRandomVersion4InUpperCase) {
     std::set<std::string> texts;
     for (int i = 0; i < 100; ++i) {
         const std::string text = TextOf(AdoptCF(CFUUIDCreate(nullptr)).get());
-        EXPECT_THAT(text, testing::MatchesRegex(
-                              "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
+        EXPECT_TRUE(std::regex_match(
+            text, std::regex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}")))
+            << text;
         texts.insert(text);
     }
     EXPECT_EQ(texts.size(), 100U);

@@ -1,10 +1,33 @@
 // What is done with files in the same way on every system.
 #include "platform/Files.h"
 
+#include <algorithm>
+
 #include "FilesInternal.h"
 #include "platform/Utf8Path.h"
 
 namespace platform {
+
+namespace {
+
+size_t EndOfFolder(const std::string& path) {
+    return path.find_last_of(kPathSeparator == '/' ? "/" : "/\\") + 1;
+}
+
+}  // namespace
+
+std::string FolderPart(const std::string& path) {
+    return path.substr(0, EndOfFolder(path));
+}
+
+std::string NamePart(const std::string& path) {
+    return path.substr(EndOfFolder(path));
+}
+
+std::string WithSlashes(std::string path) {
+    std::replace(path.begin(), path.end(), kPathSeparator, '/');
+    return path;
+}
 
 std::string FolderOf(const std::string& path) {
     const std::filesystem::path folder = Utf8Path(path).parent_path();

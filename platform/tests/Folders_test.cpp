@@ -5,19 +5,32 @@
 #include <filesystem>
 
 #include "FakePlatform.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
+
+namespace {
+
+/// As this system writes it, beginning on the current drive where it has drives.
+std::string Native(const char* path) {
+    return platform::Utf8Text(
+        (std::filesystem::current_path().root_path() / platform::Utf8Path(path)).make_preferred());
+}
+
+}  // namespace
 
 TEST(Folders, WhatIsTypedBecomesAFullPath) {
     FakeFolders folders;
-    folders.paths[platform::KnownFolder::kHome] = "/home/ana";
-    EXPECT_EQ(platform::FullPath("~"), "/home/ana");
-    EXPECT_EQ(platform::FullPath("~/Für den Druck/"), "/home/ana/Für den Druck");
-    EXPECT_EQ(platform::FullPath("/a/./b/../c//"), "/a/c");
-    EXPECT_EQ(platform::FullPath("/"), "/");
+    folders.paths[platform::KnownFolder::kHome] = Native("home/ana");
+    EXPECT_EQ(platform::FullPath("~"), Native("home/ana"));
+    EXPECT_EQ(platform::FullPath("~/Für den Druck/"), Native("home/ana/Für den Druck"));
+    EXPECT_EQ(platform::FullPath(std::string("~") + platform::kPathSeparator + "x"), Native("home/ana/x"));
+    EXPECT_EQ(platform::FullPath("/a/./b/../c//"), Native("a/c"));
+    EXPECT_EQ(platform::FullPath("/"), Native(""));
     const std::string current = platform::Utf8Text(std::filesystem::current_path());
     EXPECT_EQ(platform::FullPath("."), current);
-    EXPECT_EQ(platform::FullPath("new/folder"), current + "/new/folder");
-    EXPECT_EQ(platform::FullPath("~bob"), current + "/~bob");
+    EXPECT_EQ(platform::WithSlashes(platform::FullPath("new/folder")),
+              platform::WithSlashes(current) + "/new/folder");
+    EXPECT_EQ(platform::FullPath("~bob"), current + platform::kPathSeparator + "~bob");
     EXPECT_EQ(platform::FullPath(""), "");
     folders.paths.clear();
     EXPECT_EQ(platform::FullPath("~/x"), "") << "nobody's home";

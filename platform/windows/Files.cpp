@@ -288,7 +288,7 @@ SystemError CopyToNewFile(const std::string& source, const std::string& target) 
 }
 
 SystemError MakeFolders(const std::string& path, bool privateToUser) {
-    PrivateToUser rights(true);
+    PrivateToUser rights(PrivateToUser::Kind::kFolder);
     const std::string::size_type first = path.size() > 2 && path[1] == ':' ? 3 : 1;
     for (size_t end = path.find_first_of("/\\", first);; end = path.find_first_of("/\\", end + 1)) {
         const std::wstring name = ToWidePath(path.substr(0, end));

@@ -24,6 +24,8 @@ public:
 
     HANDLE Get() const { return mHandle; }
     bool IsValid() const { return mHandle != nullptr; }
+    /// The handle, for whoever closes it from now on.
+    HANDLE Release() { return std::exchange(mHandle, nullptr); }
 
 private:
     HANDLE mHandle = nullptr;

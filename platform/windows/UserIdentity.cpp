@@ -38,17 +38,18 @@ bool IsOfThisUser(HANDLE process) {
     return !thisUser.empty() && UserOfProcess(process) == thisUser;
 }
 
-PrivateToUser::PrivateToUser(bool isFolder) {
+PrivateToUser::PrivateToUser(Kind kind) {
     std::vector<unsigned char> user = UserOfProcess(GetCurrentProcess());
     const std::wstring name = user.empty() ? std::wstring() : TextOf(user.data());
     if (name.empty())
         return;
-    // Security descriptor definition language: a protected list that allows everything to three, and is
+    // Security descriptor definition language: a protected list that allows everything to those named, and is
     // handed down to files and folders inside.
-    const std::wstring inherited = isFolder ? L"OICI" : L"";
+    const std::wstring inherited = kind == Kind::kFolder ? L"OICI" : L"";
+    const std::vector<std::wstring> everyone{name, L"SY", L"BA"};
     std::wstring rights = L"D:P";
-    for (const std::wstring& trusted : {name, std::wstring(L"SY"), std::wstring(L"BA")})
-        rights += L"(A;" + inherited + L";GA;;;" + trusted + L")";
+    for (size_t index = 0; index < (kind == Kind::kPipe ? 1 : everyone.size()); ++index)
+        rights += L"(A;" + inherited + L";GA;;;" + everyone[index] + L")";
     ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1,
                                                          &mAttributes.lpSecurityDescriptor, nullptr);
 }

@@ -15,11 +15,15 @@ std::vector<unsigned char> UserOfProcess(HANDLE process);
 /// Whether that process runs as the same user as this one.
 bool IsOfThisUser(HANDLE process);
 
-/// Attributes of a new object that this user, the system and administrators alone get at.
+/// Attributes of a new object that others do not get at.
 class PrivateToUser {
 public:
-    /// `isFolder`: what is made in it later is private as well.
-    explicit PrivateToUser(bool isFolder = false);
+    enum class Kind {
+        kFile,    ///< for this user, the system and administrators
+        kFolder,  ///< the same, also for what is made in it later
+        kPipe,    ///< for this user alone
+    };
+    explicit PrivateToUser(Kind kind = Kind::kFile);
     ~PrivateToUser();
     PrivateToUser(const PrivateToUser&) = delete;
     PrivateToUser& operator=(const PrivateToUser&) = delete;

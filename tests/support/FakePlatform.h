@@ -17,6 +17,14 @@
 #include "platform/VersionResource.h"
 #include "platform/Windowing.h"
 
+/// Where things are in a world of fakes.
+namespace fake_paths {
+inline const std::string kAgent = "/agent/" + platform::ProgramFileName("Pellwick");
+inline const std::string kInterfaceLibrary =
+    "/agent/" + platform::LibraryFileName("TarnwickPluginInterfaceX64");
+inline const std::string kFramework = "/plugins/" + platform::LibraryFileName("TarnwickPluginFramework");
+}  // namespace fake_paths
+
 class FakeChildProcess : public platform::ChildProcess {
 public:
     explicit FakeChildProcess(std::optional<int> exitStatus) : mExitStatus(exitStatus) {}

@@ -11,8 +11,8 @@
 class SilentWorld {
 public:
     SilentWorld() {
-        processes.running = {{2, "/agent/Pellwick"}};
-        libraries.loadable = {"/agent/TarnwickPluginInterfaceX64.so", "/plugins/TarnwickPluginFramework.so"};
+        processes.running = {{2, fake_paths::kAgent}};
+        libraries.loadable = {fake_paths::kInterfaceLibrary, fake_paths::kFramework};
         libraries.symbols = FakeInterfaceLibrary::Symbols();
         libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(
             +[](uint32_t, const char*, CFDictionaryRef) -> VantorixPluginFramework* { return sFramework; });

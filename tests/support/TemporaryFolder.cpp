@@ -20,11 +20,11 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::operator/(std::string_view name) const {
-    return platform::Utf8Text(mPath / platform::Utf8Path(name));
+    return platform::Utf8Text((mPath / platform::Utf8Path(name)).make_preferred());
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view content) const {
-    const std::filesystem::path path = mPath / platform::Utf8Path(name);
+    const std::filesystem::path path = (mPath / platform::Utf8Path(name)).make_preferred();
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
     return platform::Utf8Text(path);

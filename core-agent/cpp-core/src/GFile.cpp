@@ -9,8 +9,7 @@ ErrorCode CodeOf(platform::SystemError error, ErrorCode otherwise) {
 }  // namespace
 
 std::string GFileSystemSpec::FileName() const {
-    const size_t separator = mPath.find_last_of(platform::kPathSeparator == '/' ? "/" : "/\\");
-    return separator == std::string::npos ? mPath : mPath.substr(separator + 1);
+    return platform::NamePart(mPath);
 }
 
 std::string GFileSystemSpec::Extension() const {

@@ -9,7 +9,7 @@
 #include "common/LogFile.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
-#include "platform/LocalSockets.h"
+#include "platform/PrivateFolder.h"
 #include "platform/Processes.h"
 
 namespace pellwick {
@@ -34,7 +34,8 @@ int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     const LinkFolder::Repairs repairs = manager.RepairLinks();
     Server server(manager, log);
     if (!server.Listen()) {
-        problem = "no folder can take the agent's socket; set XDG_RUNTIME_DIR to one that is yours alone";
+        problem = "there is no address where the agent can listen; Pellwick.log in " + locations.logFolder +
+                  " says why";
         return 1;
     }
     LogStart(log, server, swept, repairs);

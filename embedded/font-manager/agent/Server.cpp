@@ -2,22 +2,17 @@
 
 #include <algorithm>
 #include <asio/post.hpp>
-#include <csignal>
 #include <nlohmann/json.hpp>
-#include <vector>
 
 #include "common/Limits.h"
 #include "platform/Files.h"
-#include "platform/LocalSockets.h"
 #include "platform/Processes.h"
-#include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
 
 // A host whose connection ends is about to end itself, or has only let go of the connection. So it is looked
 // at soon after, then ever less often.
-constexpr std::chrono::milliseconds kAcceptRetryDelay{100};
 constexpr std::chrono::milliseconds kFirstSweepDelay{20};
 constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
 
@@ -32,103 +27,44 @@ Server::Server(FontManager& manager, LogFile& log)
       mLog(log),
       mCommands(MakeCommandTable()),
       mLoop(1),
-      mAcceptor(mLoop),
-      mSignals(mLoop),
-      mAcceptTimer(mLoop),
+      mAcceptor(mLoop, [this](platform::LocalStream stream) { Admit(std::move(stream)); }),
       mSweepTimer(mLoop),
       mGoodbyeTimer(mLoop) {}
 
 Server::~Server() {
-    std::error_code ignored;
-    if (!mAddress.empty()) {
-        std::filesystem::remove(platform::Utf8Path(mManager.locations.addressPath), ignored);
-        std::filesystem::remove(platform::Utf8Path(mAddress), ignored);
-        // Refused where there is more in it than our socket.
-        std::filesystem::remove(platform::Utf8Path(mAddress).parent_path(), ignored);
-    }
+    if (!mAddress.empty())
+        platform::RemoveFile(mManager.locations.addressPath);
 }
 
 bool Server::Listen() {
-    const std::vector<std::string> paths = mManager.locations.SocketPaths();
-    const auto path =
-        std::find_if(paths.begin(), paths.end(), [this](const auto& each) { return ListenAt(each); });
-    if (path == paths.end())
-        return false;
-    mAddress = *path;
-    return !platform::WriteWholeFile(mManager.locations.addressPath, mAddress);
-}
-
-bool Server::ListenAt(const std::string& path) {
-    if (platform::MakePrivateFolder(platform::Utf8Text(platform::Utf8Path(path).parent_path())))
-        return false;
-    std::error_code failure;
-    // Whoever holds the agent's lock owns the address: what is there was left behind.
-    std::filesystem::remove(platform::Utf8Path(path), failure);
-    mAcceptor.open(asio::local::stream_protocol(), failure);
-    if (!failure)
-        mAcceptor.bind(asio::local::stream_protocol::endpoint(path), failure);
-    if (!failure && platform::MakeFilePrivate(path))
-        failure = std::make_error_code(std::errc::permission_denied);
-    if (!failure)
-        mAcceptor.listen(asio::socket_base::max_listen_connections, failure);
-    if (failure) {
-        mLog.Write("cannot listen at " + path + ": " + failure.message() + "\n");
-        mAcceptor.close(failure);
-        return false;
+    for (const std::string& address :
+         platform::LocalStreamAddresses("Vantorix", "Pellwick", mManager.locations.dataFolder)) {
+        const platform::SystemError error = mAcceptor.Listen(address);
+        if (error) {
+            mLog.Write("cannot listen at " + address + ": " + platform::SystemErrorText(error) + "\n");
+            continue;
+        }
+        mAddress = address;
+        return !platform::WriteWholeFile(mManager.locations.addressPath, mAddress);
     }
-    return true;
+    return false;
 }
 
 void Server::Run() {
-    for (const int signal : {SIGINT, SIGTERM})
-        mSignals.add(signal);
-    mSignals.async_wait([this](const asio::error_code& failure, int) {
-        if (!failure)
-            Stop();
-    });
+    mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
-    Accept();
     mLoop.run();
 }
 
-void Server::Accept() {
-    mAcceptor.async_accept([this](const asio::error_code& failure, Session::Socket socket) {
-        if (!mAcceptor.is_open())
-            return;
-        if (!failure) {
-            Admit(std::move(socket));
-            Accept();
-            return;
-        }
-        // No descriptor is free, say: trying again at once would only keep the processor busy.
-        mAcceptTimer.expires_after(kAcceptRetryDelay);
-        mAcceptTimer.async_wait([this](const asio::error_code& cancelled) {
-            if (!cancelled && mAcceptor.is_open())
-                Accept();
-        });
-    });
-}
-
-void Server::AdmitWaiting() {
-    asio::error_code failure;
-    mAcceptor.non_blocking(true, failure);
-    while (!failure && mAcceptor.is_open()) {
-        Session::Socket socket(mLoop);
-        mAcceptor.accept(socket, failure);
-        if (!failure)
-            Admit(std::move(socket));
-    }
-}
-
-void Server::Admit(Session::Socket socket) {
+void Server::Admit(platform::LocalStream stream) {
     platform::PeerIdentity peer;
-    if (platform::IdentifyPeer(socket.native_handle(), peer) || !peer.isSameUser)
+    if (stream.IdentifyPeer(peer) || !peer.isSameUser)
         return;
     const HostProcess process{peer.process, platform::ProcessStartTime(peer.process)};
     if (process.startTime == 0)  // gone already: nobody could tell when its leases end
         return;
     SessionOwner& owner = *this;
-    const auto session = std::make_shared<Session>(std::move(socket), owner, process);
+    const auto session = std::make_shared<Session>(mLoop, std::move(stream), owner, process);
     mSessions.insert(session);
     session->Start();
 }
@@ -160,7 +96,7 @@ void Server::KeepAlive() {
     if (now - mLastSignOfLife < kKeepAliveInterval)
         return;
     mLastSignOfLife = now;
-    AdmitWaiting();
+    mAcceptor.AdmitWaiting();  // they are to see signs of life as well
     const std::string frame = FrameOf({{"working", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
@@ -207,10 +143,8 @@ void Server::Stop() {
     if (mIsStopping)
         return;
     mIsStopping = true;
-    asio::error_code ignored;
-    mAcceptor.close(ignored);
+    mAcceptor.Close();
     mSweepTimer.cancel();
-    mSignals.cancel(ignored);
     const std::string goodbye = FrameOf({{"goodbye", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)

@@ -1,18 +1,19 @@
-// The agent's socket and its clients.
+// The agent's address and its clients.
 #pragma once
 
 #include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
-#include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
 #include "agent/Commands.h"
 #include "agent/Session.h"
 #include "common/LogFile.h"
+#include "platform/EndRequests.h"
+#include "platform/LocalStream.h"
 
 namespace pellwick {
 
@@ -22,8 +23,7 @@ public:
     Server(FontManager& manager, LogFile& log);
     ~Server() override;
 
-    /// Opens the socket at the first address that can be had and writes the address down. False when there
-    /// is none.
+    /// Listens at the first address that can be had and writes the address down. False when there is none.
     bool Listen();
     const std::string& Address() const { return mAddress; }
     /// Serves until the agent is told to stop.
@@ -39,11 +39,7 @@ private:
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
-    bool ListenAt(const std::string& path);
-    void Accept();
-    /// Those who connect during a long command are to see signs of life as well.
-    void AdmitWaiting();
-    void Admit(Session::Socket socket);
+    void Admit(platform::LocalStream stream);
     void SweepLeasesIn(std::chrono::milliseconds delay);
     void SweepLeases();
     void Stop();
@@ -52,9 +48,8 @@ private:
     LogFile& mLog;
     const CommandTable mCommands;
     asio::io_context mLoop;
-    asio::local::stream_protocol::acceptor mAcceptor;
-    asio::signal_set mSignals;
-    asio::steady_timer mAcceptTimer;
+    platform::LocalAcceptor mAcceptor;
+    std::optional<platform::EndRequests> mEndRequests;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mGoodbyeTimer;
     std::set<std::shared_ptr<Session>> mSessions;

@@ -8,27 +8,22 @@
 
 namespace pellwick {
 
-Session::Session(Socket socket, SessionOwner& owner, const HostProcess& process)
-    : mSocket(std::move(socket)), mOwner(owner) {
+Session::Session(asio::io_context& loop, platform::LocalStream stream, SessionOwner& owner,
+                 const HostProcess& process)
+    : mLoop(loop), mStream(std::move(stream)), mOwner(owner) {
     mClient.process = process;
 }
 
-void Session::Start() {
-    asio::error_code failure;
-    mSocket.non_blocking(true, failure);
-    Read();
-}
-
 void Session::Read() {
-    mSocket.async_read_some(asio::buffer(mPiece),
-                            [self = shared_from_this()](const asio::error_code& failure, size_t size) {
-                                if (failure) {
-                                    self->Close();
-                                    return;
-                                }
-                                self->mInput.Append(self->mPiece.data(), size);
-                                self->HandleNextRequest();
-                            });
+    mStream.Read(asio::buffer(mPiece),
+                 [self = shared_from_this()](const asio::error_code& failure, size_t size) {
+                     if (failure) {
+                         self->Close();
+                         return;
+                     }
+                     self->mInput.Append(self->mPiece.data(), size);
+                     self->HandleNextRequest();
+                 });
 }
 
 void Session::HandleNextRequest() {
@@ -49,7 +44,7 @@ void Session::HandleNextRequest() {
     }
     Send(mOwner.Answer(mClient, *request));
     // The others get their turn before this client's next request.
-    asio::post(mSocket.get_executor(), [self = shared_from_this()] { self->HandleNextRequest(); });
+    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextRequest(); });
 }
 
 void Session::Send(const std::string& frame) {
@@ -60,64 +55,29 @@ void Session::Send(const std::string& frame) {
         Close();
         return;
     }
-    mOutput.push_back(frame);
     mQueuedBytes += frame.size();
-    if (!mIsWriting)
-        WriteDirectly();
+    mStream.Write(frame, [self = shared_from_this(), size = frame.size()](const asio::error_code& failure) {
+        self->OnTaken(size, failure);
+    });
 }
 
 void Session::SendLast(const std::string& frame) {
     Send(frame);
     mClosesWhenWritten = true;
-    if (mOutput.empty())
+    if (mQueuedBytes == 0)
         Close();
 }
 
-/// What the system takes at once need not wait for the loop, which a long command keeps busy.
-void Session::WriteDirectly() {
-    asio::error_code failure;
-    const size_t written = mSocket.write_some(asio::buffer(mOutput.front()), failure);
-    if (failure && failure != asio::error::would_block && failure != asio::error::try_again) {
+void Session::OnTaken(size_t size, const asio::error_code& failure) {
+    mQueuedBytes -= size;
+    if (failure || (mClosesWhenWritten && mQueuedBytes == 0))
         Close();
-        return;
-    }
-    mWritten = written;
-    if (written == mOutput.front().size()) {
-        mQueuedBytes -= written;
-        mOutput.pop_front();
-        mWritten = 0;
-    }
-    if (!mOutput.empty())
-        Write();
-}
-
-void Session::Write() {
-    mIsWriting = true;
-    mSocket.async_write_some(asio::buffer(mOutput.front()) + mWritten,
-                             [self = shared_from_this()](const asio::error_code& failure, size_t size) {
-                                 self->mIsWriting = false;
-                                 if (failure) {
-                                     self->Close();
-                                     return;
-                                 }
-                                 self->mWritten += size;
-                                 if (self->mWritten == self->mOutput.front().size()) {
-                                     self->mQueuedBytes -= self->mOutput.front().size();
-                                     self->mOutput.pop_front();
-                                     self->mWritten = 0;
-                                 }
-                                 if (!self->mOutput.empty())
-                                     self->Write();
-                                 else if (self->mClosesWhenWritten)
-                                     self->Close();
-                             });
 }
 
 void Session::Close() {
     if (!IsOpen())
         return;
-    asio::error_code ignored;
-    mSocket.close(ignored);
+    mStream.Close();
     mOwner.OnClosed(shared_from_this());
 }
 

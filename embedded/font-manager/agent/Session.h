@@ -2,13 +2,13 @@
 #pragma once
 
 #include <array>
-#include <asio/local/stream_protocol.hpp>
-#include <deque>
+#include <asio/io_context.hpp>
 #include <memory>
 #include <string>
 
 #include "agent/Commands.h"
 #include "ipc/FrameBuffer.h"
+#include "platform/LocalStream.h"
 
 namespace pellwick {
 
@@ -29,35 +29,31 @@ public:
 /// message that cannot be understood, or a client that does not read, ends this connection and no other.
 class Session : public std::enable_shared_from_this<Session> {
 public:
-    using Socket = asio::local::stream_protocol::socket;
+    Session(asio::io_context& loop, platform::LocalStream stream, SessionOwner& owner,
+            const HostProcess& process);
 
-    Session(Socket socket, SessionOwner& owner, const HostProcess& process);
-
-    void Start();
+    void Start() { Read(); }
     /// Sends the frame now, or as soon as the client takes it.
     void Send(const std::string& frame);
     /// Sends the frame and closes the connection after it.
     void SendLast(const std::string& frame);
     /// Whether requests are being waited for or output is on its way.
-    bool IsOpen() const { return mSocket.is_open(); }
+    bool IsOpen() const { return mStream.IsOpen(); }
     const Client& Peer() const { return mClient; }
 
 private:
     void Read();
     void HandleNextRequest();
-    void WriteDirectly();
-    void Write();
+    void OnTaken(size_t size, const asio::error_code& failure);
     void Close();
 
-    Socket mSocket;
+    asio::io_context& mLoop;
+    platform::LocalStream mStream;
     SessionOwner& mOwner;
     Client mClient;
     FrameBuffer mInput;
     std::array<char, 65536> mPiece;
-    std::deque<std::string> mOutput;
-    size_t mWritten = 0;      ///< bytes of the first frame that are on their way already
-    size_t mQueuedBytes = 0;  ///< all of mOutput
-    bool mIsWriting = false;
+    size_t mQueuedBytes = 0;  ///< of frames that the system has not taken
     bool mClosesWhenWritten = false;
 };
 

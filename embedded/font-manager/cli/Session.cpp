@@ -16,7 +16,7 @@ constexpr std::chrono::seconds kStartLimit{10};
 
 bool IsAgentListening() {
     ClientStream stream;
-    return stream.Connect(Locations::OfThisUser().AgentAddress());
+    return stream.Connect(Locations::OfThisUser().AgentAddress(), ClientStream::Clock::now() + kAnswerLimit);
 }
 
 std::string NoAgentText() {

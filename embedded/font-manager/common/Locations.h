@@ -3,7 +3,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace pellwick {
 
@@ -12,7 +11,7 @@ struct Locations {
     std::string databasePath;    ///< fonts, workgroups, activations, settings
     std::string vaultFolder;     ///< the font files, by checksum
     std::string lockPath;        ///< held by the running agent
-    std::string addressPath;     ///< text file: the address of the running agent's socket
+    std::string addressPath;     ///< text file: where the running agent listens
     std::string linkFolder;      ///< active fonts, where every program of the user finds them
     std::string previewFolder;   ///< images of fonts' names, which can be made anew
     std::string logFolder;       ///< logs of the agent and of plug-ins
@@ -20,10 +19,6 @@ struct Locations {
 
     /// The places that follow from the environment of this process.
     static Locations OfThisUser();
-
-    /// Addresses for the agent's socket, best first: in the folder for sockets of this login, in the data
-    /// folder, and in a private folder of short name when those paths are too long for a socket.
-    std::vector<std::string> SocketPaths() const;
 
     /// The address that the running agent wrote down; empty when there is none.
     std::string AgentAddress() const;

@@ -29,7 +29,7 @@ ErrorCode AgentConnection::Call(const char* method, const Json& arguments, Json&
 }
 
 ErrorCode AgentConnection::Open(Deadline deadline) {
-    if (!mStream.Connect(Locations::OfThisUser().AgentAddress()))
+    if (!mStream.Connect(Locations::OfThisUser().AgentAddress(), deadline))
         return GIPCClient::kServiceUnavailable;
     Json ignored;
     return Exchange(method::kHello, {{"protocol", kProtocolVersion}}, deadline, ignored);

@@ -1,22 +1,18 @@
 #include "ipc/ClientStream.h"
 
 #include <array>
-#include <asio/buffer.hpp>
-#include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
-#include <asio/write.hpp>
 #include <atomic>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "ipc/FrameBuffer.h"
-#include "platform/LocalSockets.h"
+#include "platform/LocalStream.h"
 
 namespace pellwick {
 
 struct ClientStream::Connection {
     asio::io_context loop{1};
-    asio::local::stream_protocol::socket socket{loop};
+    platform::LocalStream stream{loop};
     FrameBuffer input;
     std::array<char, 65536> piece;
     std::atomic<bool> isCancelled{false};
@@ -42,8 +38,7 @@ struct ClientStream::Connection {
             RunUntil(deadline);
         const bool isTimeOver = !result;
         if (isTimeOver) {  // the operation refers to this frame of the stack
-            asio::error_code ignored;
-            socket.cancel(ignored);
+            stream.Cancel();
             while (!result) {  // a cancellation by another thread may stop the loop once more
                 loop.restart();
                 loop.run();
@@ -59,26 +54,22 @@ struct ClientStream::Connection {
 ClientStream::ClientStream() : mConnection(std::make_unique<Connection>()) {}
 ClientStream::~ClientStream() = default;
 
-bool ClientStream::Connect(const std::string& address) {
-    if (address.empty() || address.size() > platform::kLocalSocketPathLimit)
-        return false;
-    asio::error_code failure;
-    auto& socket = mConnection->socket;
-    socket.open(asio::local::stream_protocol(), failure);
-    if (!failure)
-        socket.non_blocking(true, failure);  // a full queue of connections refuses instead of waiting
-    if (!failure)
-        socket.connect(asio::local::stream_protocol::endpoint(address), failure);
+bool ClientStream::Connect(const std::string& address, Clock::time_point deadline) {
+    platform::LocalStream& stream = mConnection->stream;
     platform::PeerIdentity peer;
-    return !failure && !platform::IdentifyPeer(socket.native_handle(), peer) && peer.isSameUser;
+    return !stream.Connect(address, deadline, mConnection->isCancelled) && !stream.IdentifyPeer(peer) &&
+           peer.isSameUser;
 }
 
 bool ClientStream::Send(const std::string& frame, Clock::time_point deadline) {
     asio::error_code failure;
-    size_t size = 0;
+    size_t ignored = 0;
     return mConnection->Complete(
-        [&](auto handler) { asio::async_write(mConnection->socket, asio::buffer(frame), handler); }, deadline,
-        failure, size);
+        [&](auto handler) {
+            mConnection->stream.Write(
+                frame, [handler](const asio::error_code& result) { handler(result, size_t{0}); });
+        },
+        deadline, failure, ignored);
 }
 
 ClientStream::Outcome ClientStream::Receive(Json& message, Clock::time_point deadline) {
@@ -95,9 +86,7 @@ ClientStream::Outcome ClientStream::Receive(Json& message, Clock::time_point dea
         asio::error_code failure;
         size_t size = 0;
         const bool isComplete = mConnection->Complete(
-            [&](auto handler) {
-                mConnection->socket.async_read_some(asio::buffer(mConnection->piece), handler);
-            },
+            [&](auto handler) { mConnection->stream.Read(asio::buffer(mConnection->piece), handler); },
             deadline, failure, size);
         if (!isComplete)
             return failure ? Outcome::kBroken : Outcome::kTimeOver;

@@ -19,8 +19,9 @@ public:
     ClientStream(const ClientStream&) = delete;
     ClientStream& operator=(const ClientStream&) = delete;
 
-    /// Connects to the socket at `address`; false when nobody listens there, or not a process of this user.
-    bool Connect(const std::string& address);
+    /// Connects to the agent at `address`; false when nobody listens there or takes the connection in time,
+    /// or it is not a process of this user.
+    bool Connect(const std::string& address, Clock::time_point deadline);
     /// False when the connection is broken or the other side does not take the frame in time.
     bool Send(const std::string& frame, Clock::time_point deadline);
 

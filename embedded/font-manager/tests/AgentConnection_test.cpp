@@ -3,18 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <asio/buffer.hpp>
-#include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
-#include <asio/read.hpp>
-#include <asio/write.hpp>
 #include <nlohmann/json.hpp>
 #include <thread>
 
 #include "common/Locations.h"
 #include "common/Protocol.h"
-#include "platform/Files.h"
 #include "tests/support/TestWorld.h"
+#include "tests/support/WaitingStream.h"
 
 namespace pellwick::test {
 namespace {
@@ -25,42 +20,35 @@ public:
     using Script = std::function<void(ScriptedAgent&)>;
 
     explicit ScriptedAgent(const TestWorld& world, Script script) {
-        const std::string address = world.Path("scripted");
-        mAcceptor.open(asio::local::stream_protocol());
-        mAcceptor.bind(asio::local::stream_protocol::endpoint(address));
-        mAcceptor.listen();
+        const std::string address =
+            platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
+        mStream.Listen(address);
         world.Write("data/Vantorix/Pellwick/agent.address", address);
         mThread = std::thread([this, script] {
-            mAcceptor.accept(mSocket);
+            mStream.Accept();
             Answer(Read(), CoreErrorCodes::kSuccess);
             script(*this);
-            asio::error_code ignored;
-            mSocket.close(ignored);
+            mStream.Close();
         });
     }
     ~ScriptedAgent() { mThread.join(); }
 
     Json Read() {
         std::string header(4, '\0');
-        asio::read(mSocket, asio::buffer(header));
+        mStream.Read(header.data(), header.size());
         std::string payload(
             static_cast<unsigned char>(header[0]) | static_cast<unsigned char>(header[1]) << 8, '\0');
-        asio::read(mSocket, asio::buffer(payload));
+        mStream.Read(payload.data(), payload.size());
         return *DecodeMessage(payload);
     }
-    void Send(const Json& message) {
-        asio::error_code ignored;
-        asio::write(mSocket, asio::buffer(*EncodeMessage(message)), ignored);
-    }
+    void Send(const Json& message) { mStream.Write(*EncodeMessage(message)); }
     void Answer(const Json& request, ErrorCode code) {
         Send({{"id", request["id"]}, {"code", code}, {"result", {{"message", "as the script says"}}}});
     }
-    void SendBytes(const std::string& bytes) { asio::write(mSocket, asio::buffer(bytes)); }
+    void SendBytes(const std::string& bytes) { mStream.Write(bytes); }
 
 private:
-    asio::io_context mLoop;
-    asio::local::stream_protocol::acceptor mAcceptor{mLoop};
-    asio::local::stream_protocol::socket mSocket{mLoop};
+    WaitingStream mStream;
     std::thread mThread;
 };
 

@@ -14,6 +14,13 @@ namespace platform {
 /// '/' or '\\'.
 extern const char kPathSeparator;
 
+/// A path up to and with its last separator (Windows takes '/' for one as well); empty when it has none.
+std::string FolderPart(const std::string& path);
+/// What stands behind that.
+std::string NamePart(const std::string& path);
+/// The path with '/' for every separator, as URLs have it.
+std::string WithSlashes(std::string path);
+
 /// A file opened for reading; closes itself.
 class ReadOnlyFile {
 public:

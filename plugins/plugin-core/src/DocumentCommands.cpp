@@ -87,12 +87,12 @@ bool ChooseDestination(const OneTrackedDocument& document, std::string& destinat
     const std::string& path = document.DocumentFilePath();
     std::string folder = Framework().GetStringPreference(kLastFolder);
     if (folder.empty())
-        folder = path.substr(0, path.rfind(platform::kPathSeparator) + 1);
+        folder = platform::FolderPart(path);
     const std::string initialFolder = folder;
     if (!FontManagerInterface::GetSharedInstance().ShowSaveFolderDialog(initialFolder, folder))
         return false;
     Framework().SetStringPreference(kLastFolder, folder);
-    if (folder.back() != platform::kPathSeparator)
+    if (!platform::NamePart(folder).empty())
         folder += platform::kPathSeparator;
     destination = folder + NameOf(document) + " Fonts";
     return true;

@@ -31,7 +31,7 @@ public:
     }
     void LoseAgent() {
         processes.running.clear();
-        std::erase(libraries.loadable, "/agent/TarnwickPluginInterfaceX64.so");
+        std::erase(libraries.loadable, fake_paths::kInterfaceLibrary);
     }
     void ConnectToServer() { library.isStandalone = false; }
 
@@ -154,7 +154,7 @@ const Branch kBranches[] = {
             "CloseFontsOnDocClose=0\n" EXITING},
     {"AFontManagerOfAnotherVersion",
      [](StartupTest& world) {
-         world.versions.values[{"/agent/TarnwickPluginInterfaceX64.so", "PrivateBuild"}] = "7.0.0.0";
+         world.versions.values[{fake_paths::kInterfaceLibrary, "PrivateBuild"}] = "7.0.0.0";
          world.versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.0.0.0";
      },
      kFailed,
@@ -228,7 +228,7 @@ const Branch kBranches[] = {
      {},
      ENTERING(1) COMPATIBLE REACHED LOGGED_IN "CloseFontsOnDocClose=0\n" EXITING},
     {"TheFrameworkIsMissing",
-     [](StartupTest& world) { std::erase(world.libraries.loadable, "/plugins/TarnwickPluginFramework.so"); },
+     [](StartupTest& world) { std::erase(world.libraries.loadable, fake_paths::kFramework); },
      0,
      {false, false, true},
      {},
@@ -240,7 +240,7 @@ const Branch kBranches[] = {
      {},
      ENTERING(1) COMPATIBLE REACHED DISABLED "CloseFontsOnDocClose=0\n" EXITING},
     {"NoInterfaceToTheFramework",
-     [](StartupTest& world) { world.libraries.exhausting = "/plugins/TarnwickPluginFramework.so"; },
+     [](StartupTest& world) { world.libraries.exhausting = fake_paths::kFramework; },
      2,
      {false, false, true},
      {},
@@ -284,7 +284,7 @@ TEST_F(StartupTest, WindowPanelsAndLogAreSetUp) {
 }
 
 TEST_F(StartupTest, AFailedFrameworkIsToldByTheSystemsOwnNotice) {
-    std::erase(libraries.loadable, "/plugins/TarnwickPluginFramework.so");
+    std::erase(libraries.loadable, fake_paths::kFramework);
     Start();
     EXPECT_EQ(windowing.notices, std::vector<unsigned>{105});
 }

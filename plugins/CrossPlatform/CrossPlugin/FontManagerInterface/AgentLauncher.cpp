@@ -24,13 +24,6 @@ std::string LowerCase(std::string text) {
     return text;
 }
 
-std::string FolderOf(const std::string& path) {
-    return path.substr(0, path.rfind(platform::kPathSeparator) + 1);
-}
-std::string BaseName(const std::string& path) {
-    return path.substr(path.rfind(platform::kPathSeparator) + 1);
-}
-
 std::string LaunchInfoPath(const std::string& folder) {
     return folder + platform::kPathSeparator + "Vantorix" + platform::kPathSeparator + kLaunchInfoFileName;
 }
@@ -82,9 +75,9 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
     if (const auto error = platform::Current<platform::Processes>().List(processes))
         return static_cast<ErrorCode>(error.code);
     for (const platform::ProcessInfo& process : processes) {
-        const std::string baseName = LowerCase(BaseName(process.executablePath));
+        const std::string baseName = LowerCase(platform::NamePart(process.executablePath));
         if (baseName == wanted || baseName == wantedProgram) {
-            folder = FolderOf(process.executablePath);
+            folder = platform::FolderPart(process.executablePath);
             return CoreErrorCodes::kSuccess;
         }
     }
@@ -134,7 +127,7 @@ ErrorCode AgentLauncher::FindAndLaunchPellwick(std::string* folder) {
     ErrorCode result = CoreErrorCodes::kSuccess;
     if (isFound && Launch(path, arguments)) {
         if (folder != nullptr)
-            *folder = FolderOf(path);
+            *folder = platform::FolderPart(path);
     } else {
         LogMessage(0, "Could not launch Pellwick.exe");
         result = GZephyrinConfig::kAgentNotFound;

@@ -13,10 +13,8 @@ constexpr std::string_view kURLPrefix = "file:///";
 constexpr size_t kMostFiles = 100;
 
 /// Three slashes, whether or not the path begins with one of them.
-std::string URLOf(std::string path) {
-    if (platform::kPathSeparator == '\\')
-        std::replace(path.begin(), path.end(), '\\', '/');
-    return std::string(kURLPrefix) + path.substr(path.starts_with('/') ? 1 : 0);
+std::string URLOf(const std::string& path) {
+    return std::string(kURLPrefix) + platform::WithSlashes(path.substr(path.starts_with('/') ? 1 : 0));
 }
 
 }  // namespace

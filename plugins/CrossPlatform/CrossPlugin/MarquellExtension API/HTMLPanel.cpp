@@ -26,12 +26,8 @@ constexpr size_t kMostRequestsInTurn = 1000;
 
 /// The location of an image as panels take it, with two slashes whatever the path begins with; empty for
 /// none.
-std::string ImageLocation(std::string path) {
-    if (path.empty())
-        return path;
-    if (platform::kPathSeparator == '\\')
-        std::replace(path.begin(), path.end(), '\\', '/');
-    return "file://" + path;
+std::string ImageLocation(const std::string& path) {
+    return path.empty() ? path : "file://" + platform::WithSlashes(path);
 }
 
 }  // namespace

@@ -86,6 +86,7 @@ TEST_F(AgentLauncherTest, AMissingAgentFallsBackToTheUsersOwnFolder) {
 }
 
 TEST_F(AgentLauncherTest, EachWayToFailEndsInAgentNotFound) {
+    allUsers.Write("Vantorix/other", "");
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
     EXPECT_THAT(trace.Text(), HasSubstr("Error 2 on attempt to open launch info file at: "));
     EXPECT_THAT(processes.launchedCommandLines, IsEmpty());

@@ -14,12 +14,12 @@
 class CoreAgentInterfaceTest : public testing::Test {
 protected:
     CoreAgentInterfaceTest() {
-        agentPath = folder.Write("agent/Pellwick", "");
+        agentPath = folder.Write("agent/" + platform::ProgramFileName("Pellwick"), "");
         folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
         folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agentPath + "\n");
         processes.running = {{2, agentPath}};
-        libraries.loadable = {folder / "agent/TarnwickPluginInterfaceX64.so",
-                              "/plugins/TarnwickPluginFramework.so"};
+        libraries.loadable = {folder / ("agent/" + platform::LibraryFileName("TarnwickPluginInterfaceX64")),
+                              fake_paths::kFramework};
         libraries.symbols = FakeInterfaceLibrary::Symbols();
         sFramework = &framework;
         libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(

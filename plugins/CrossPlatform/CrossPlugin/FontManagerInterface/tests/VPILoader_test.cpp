@@ -14,7 +14,9 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr char kLibrary[] = "TarnwickPluginInterfaceX64.so";
+const std::string kLibrary = platform::LibraryFileName("TarnwickPluginInterfaceX64");
+const std::string kAgentProgram = platform::ProgramFileName("Pellwick");
+const std::string kAgent = "/opt/v/" + kAgentProgram;
 
 class VPILoaderTest : public testing::Test {
 protected:
@@ -36,8 +38,8 @@ protected:
 }  // namespace
 
 TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
-    processes.running = {{1, "/opt/v/other"}, {2, "/opt/v/PELLWICK"}};
-    const std::string expected = std::string("/opt/v/") + kLibrary;
+    processes.running = {{1, "/opt/v/other"}, {2, "/opt/v/PELLWICK" + kAgentProgram.substr(8)}};
+    const std::string expected = "/opt/v/" + kLibrary;
     libraries.loadable = {expected};
     libraries.symbols = FakeInterfaceLibrary::Symbols();
     versions.values[{expected, "PrivateBuild"}] = "8.0.0.7";
@@ -47,19 +49,27 @@ TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
     EXPECT_EQ(missingCount, 0u);
     EXPECT_EQ(cf::ToUtf8(AdoptCF(VPILoader::GetSharedInstance()->VersionStringRef()).get()), "8.0.0.7");
     EXPECT_NE(VPILoader::GetSharedInstance()->pfActivateFonts, nullptr);
-    EXPECT_THAT(trace.Text(), StartsWith("Entering first call to VPILoader::GetSharedInstance()\n"
-                                         " Entering GetPathToRunningProcessExe('Pellwick', ...)\n"
-                                         " GetPathToRunningProcessExe('Pellwick', '/opt/v/') returned 0\n"
-                                         " SUCCESS: LoadLibraryA('" +
-                                         expected + "') returned 0x"));
+    EXPECT_THAT(
+        trace.Text(),
+        StartsWith(
+            std::string(
+                "Entering first call to VPILoader::GetSharedInstance()\n") " Entering "
+                                                                           "GetPathToRunningProcessExe('" +
+            kAgentProgram +
+            "', ...)\n"
+            " GetPathToRunningProcessExe('" +
+            kAgentProgram +
+            "', '/opt/v/') returned 0\n"
+            " SUCCESS: LoadLibraryA('" +
+            expected + "') returned 0x"));
     EXPECT_THAT(trace.Text(), HasSubstr(", 'ClearDocumentSlug') returned 0x"));
     EXPECT_THAT(trace.Text(), Not(HasSubstr("ERROR")));
     EXPECT_TRUE(processes.launchedCommandLines.empty());
 }
 
 TEST_F(VPILoaderTest, OneMissingFunctionIsNoFullLibraryButALateOnePassesTheValidation) {
-    processes.running = {{2, "/opt/v/Pellwick"}};
-    libraries.loadable = {std::string("/opt/v/") + kLibrary};
+    processes.running = {{2, kAgent}};
+    libraries.loadable = {"/opt/v/" + kLibrary};
     libraries.symbols = FakeInterfaceLibrary::Symbols();
     libraries.symbols.erase("ClearDocumentSlug");
     EXPECT_FALSE(IsLoaded());
@@ -72,8 +82,8 @@ TEST_F(VPILoaderTest, OneMissingFunctionIsNoFullLibraryButALateOnePassesTheValid
 }
 
 TEST_F(VPILoaderTest, AMissingEarlyFunctionFailsTheValidationByName) {
-    processes.running = {{2, "/opt/v/Pellwick"}};
-    libraries.loadable = {std::string("/opt/v/") + kLibrary};
+    processes.running = {{2, kAgent}};
+    libraries.loadable = {"/opt/v/" + kLibrary};
     libraries.symbols = FakeInterfaceLibrary::Symbols();
     libraries.symbols.erase("ActivateFonts");
     libraries.symbols.erase("TrackFontPanelClick");
@@ -87,13 +97,13 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_FALSE(IsLoaded());
     EXPECT_EQ(missingCount, 88u);
     EXPECT_EQ(version, "");
-    EXPECT_THAT(trace.Text(), HasSubstr(std::string("LoadLibraryA('") + kLibrary +
-                                        "') returned error code 0x00000002 (2)\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr(std::string("ERROR:  cannot find ") + kLibrary + "\n"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("LoadLibraryA('" + kLibrary + "') returned error code 0x00000002 (2)\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  cannot find " + kLibrary + "\n"));
     EXPECT_THAT(trace.Text(),
                 EndsWith("VPILoader::IsLoaded() returning false because all 88 functions are missing.\n"));
-    processes.running = {{2, "/opt/v/Pellwick"}};
-    libraries.loadable = {std::string("/opt/v/") + kLibrary};
+    processes.running = {{2, kAgent}};
+    libraries.loadable = {"/opt/v/" + kLibrary};
     EXPECT_FALSE(IsLoaded()) << "a failed load is not tried again";
     EXPECT_FALSE(VPILoader::GetSharedInstance()->IsLoaded(&path, nullptr, &missingCount));
     EXPECT_THAT(trace.Text(),
@@ -118,8 +128,8 @@ TEST_F(VPILoaderTest, ATooLongModuleNameIsAFailureOfItsOwn) {
 }
 
 TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {
-    processes.running = {{2, "/opt/v/Pellwick"}};
-    libraries.loadable = {std::string("/opt/v/") + kLibrary};
+    processes.running = {{2, kAgent}};
+    libraries.loadable = {"/opt/v/" + kLibrary};
     libraries.symbols = FakeInterfaceLibrary::Symbols();
     ASSERT_TRUE(IsLoaded());
     LogMessage(0, "not yet");

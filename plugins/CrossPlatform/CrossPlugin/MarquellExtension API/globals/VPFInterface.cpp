@@ -12,8 +12,7 @@ const char* OrNull(const std::optional<std::string>& text) {
 
 std::string FolderOfThisModule() {
     static const char anchor = 0;
-    const std::string path = platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&anchor);
-    return path.substr(0, path.rfind(platform::kPathSeparator) + 1);
+    return platform::FolderPart(platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&anchor));
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {
     constexpr char kRefusal[] =
         "Exiting MarquellGlobals::SaveDocumentFonts not valid, not enabled, or not logged in\n";
     FakeFontManager fontManager;
-    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    libraries.loadable = {fake_paths::kFramework};
     libraries.symbols["CreateVantorixPluginFramework"] = MakerOf(framework);
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
     MarquellGlobals::SetPluginServicesEnabled(true);

@@ -33,7 +33,7 @@ protected:
 }  // namespace
 
 TEST_F(VPFInterfaceTest, BindsTheFrameworkBesideTheCore) {
-    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    libraries.loadable = {fake_paths::kFramework};
     libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
     {
         VPFInterface interface(kIdentity);
@@ -58,7 +58,7 @@ TEST_F(VPFInterfaceTest, EachWayToFailHasItsState) {
     EXPECT_EQ(VPFInterface(VPFInterface::Identity{}).GetFrameworkState(), VPFInterface::kIdentityUnknown);
     EXPECT_THAT(trace.Text(), HasSubstr("(hostApp='NULL', pluginVersion='NULL'"));
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kLibraryNotFound);
-    libraries.loadable = {"/plugins/TarnwickPluginFramework.so"};
+    libraries.loadable = {fake_paths::kFramework};
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
     libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
     frameworkToCreate = nullptr;

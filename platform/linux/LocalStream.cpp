@@ -1,0 +1,256 @@
+#include "platform/LocalStream.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <asio/local/stream_protocol.hpp>
+#include <asio/steady_timer.hpp>
+#include <cerrno>
+#include <deque>
+#include <filesystem>
+
+#include "TextHash.h"
+#include "platform/Folders.h"
+#include "platform/PrivateFolder.h"
+#include "platform/Utf8Path.h"
+
+namespace platform {
+namespace {
+
+using Protocol = asio::local::stream_protocol;
+
+constexpr size_t kPathLimit = sizeof(sockaddr_un::sun_path) - 1;
+constexpr std::chrono::milliseconds kAcceptRetryDelay{100};
+
+bool IsNotTakenNow(const asio::error_code& failure) {
+    return failure == asio::error::would_block || failure == asio::error::try_again;
+}
+
+std::string FolderOf(const std::string& path) {
+    return Utf8Text(Utf8Path(path).parent_path());
+}
+
+}  // namespace
+
+struct LocalStream::State : std::enable_shared_from_this<State> {
+    struct Output {
+        std::string bytes;
+        WriteHandler handler;
+    };
+
+    explicit State(Protocol::socket connected) : socket(std::move(connected)) {
+        asio::error_code ignored;
+        socket.non_blocking(true, ignored);
+    }
+
+    void WriteNext() {
+        socket.async_write_some(asio::buffer(outputs.front().bytes) + written,
+                                [self = shared_from_this()](const asio::error_code& failure, size_t size) {
+                                    self->written += size;
+                                    if (failure || self->written == self->outputs.front().bytes.size())
+                                        self->FinishFirst(failure);
+                                    else
+                                        self->WriteNext();
+                                });
+    }
+    void FinishFirst(const asio::error_code& failure) {
+        const WriteHandler handler = std::move(outputs.front().handler);
+        outputs.pop_front();
+        written = 0;
+        handler(failure);  // which may close
+        if (!outputs.empty())
+            WriteNext();
+    }
+
+    Protocol::socket socket;
+    std::deque<Output> outputs;  ///< the first is on its way
+    size_t written = 0;          ///< bytes of the first
+};
+
+LocalStream::LocalStream(asio::io_context& loop) : mState(std::make_shared<State>(Protocol::socket(loop))) {}
+LocalStream::LocalStream(LocalStream&&) noexcept = default;
+LocalStream& LocalStream::operator=(LocalStream&&) noexcept = default;
+LocalStream::~LocalStream() {
+    if (mState)
+        Close();
+}
+
+/// The queue of a listener is long, so that a full one means an agent that has long stopped taking
+/// connections: there is no use in waiting.
+asio::error_code LocalStream::Connect(const std::string& address, Deadline, const std::atomic<bool>&) {
+    asio::error_code failure;
+    if (address.empty() || address.size() > kPathLimit)
+        return asio::error::name_too_long;
+    Protocol::socket& socket = mState->socket;
+    socket.open(Protocol(), failure);
+    if (!failure)
+        socket.non_blocking(true, failure);
+    if (!failure)
+        socket.connect(Protocol::endpoint(address), failure);
+    return failure;
+}
+
+SystemError LocalStream::IdentifyPeer(PeerIdentity& peer) const {
+    ucred credentials{};
+    socklen_t size = sizeof credentials;
+    if (getsockopt(mState->socket.native_handle(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0)
+        return LastSystemError();
+    peer.process = credentials.pid;
+    peer.isSameUser = credentials.uid == geteuid();
+    return {};
+}
+
+void LocalStream::Read(asio::mutable_buffer buffer, ReadHandler handler) {
+    mState->socket.async_read_some(
+        buffer, [self = mState, handler = std::move(handler)](const asio::error_code& failure, size_t size) {
+            handler(failure, size);
+        });
+}
+
+void LocalStream::Write(std::string bytes, WriteHandler handler) {
+    State& state = *mState;
+    if (!state.outputs.empty()) {
+        state.outputs.push_back({std::move(bytes), std::move(handler)});
+        return;
+    }
+    asio::error_code failure;
+    const size_t written = state.socket.write_some(asio::buffer(bytes), failure);
+    if (written == bytes.size() || (failure && !IsNotTakenNow(failure))) {
+        handler(failure);
+        return;
+    }
+    state.written = written;
+    state.outputs.push_back({std::move(bytes), std::move(handler)});
+    state.WriteNext();
+}
+
+void LocalStream::Cancel() {
+    asio::error_code ignored;
+    mState->socket.cancel(ignored);
+}
+
+bool LocalStream::IsOpen() const {
+    return mState->socket.is_open();
+}
+
+void LocalStream::Close() {
+    asio::error_code ignored;
+    mState->socket.close(ignored);
+}
+
+struct LocalAcceptor::State : std::enable_shared_from_this<State> {
+    State(asio::io_context& connectionLoop, Handler connectionHandler)
+        : loop(connectionLoop),
+          acceptor(connectionLoop),
+          retry(connectionLoop),
+          handler(std::move(connectionHandler)) {}
+
+    void Accept() {
+        acceptor.async_accept(
+            [self = shared_from_this()](const asio::error_code& failure, Protocol::socket socket) {
+                if (!self->acceptor.is_open())
+                    return;
+                if (failure) {
+                    self->AcceptLater();
+                    return;
+                }
+                self->Hand(std::move(socket));
+                self->Accept();
+            });
+    }
+    /// No descriptor is free, say: trying again at once would only keep the processor busy.
+    void AcceptLater() {
+        retry.expires_after(kAcceptRetryDelay);
+        retry.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
+            if (!cancelled && self->acceptor.is_open())
+                self->Accept();
+        });
+    }
+    void Hand(Protocol::socket socket) {
+        LocalStream stream(loop);
+        stream.mState = std::make_shared<LocalStream::State>(std::move(socket));
+        handler(std::move(stream));
+    }
+
+    asio::io_context& loop;
+    Protocol::acceptor acceptor;
+    asio::steady_timer retry;
+    Handler handler;
+    std::string address;
+};
+
+LocalAcceptor::LocalAcceptor(asio::io_context& loop, Handler handler)
+    : mState(std::make_shared<State>(loop, std::move(handler))) {}
+
+LocalAcceptor::~LocalAcceptor() {
+    Close();
+    std::error_code ignored;
+    if (!mState->address.empty()) {
+        std::filesystem::remove(Utf8Path(mState->address), ignored);
+        // Refused where there is more in it than our socket.
+        std::filesystem::remove(Utf8Path(FolderOf(mState->address)), ignored);
+    }
+}
+
+SystemError LocalAcceptor::Listen(const std::string& address) {
+    if (address.size() > kPathLimit)
+        return SystemError{ENAMETOOLONG};
+    if (const SystemError error = MakePrivateFolder(FolderOf(address)))
+        return error;
+    std::error_code failure;
+    std::filesystem::remove(Utf8Path(address), failure);
+    Protocol::acceptor& acceptor = mState->acceptor;
+    acceptor.open(Protocol(), failure);
+    if (!failure)
+        acceptor.bind(Protocol::endpoint(address), failure);
+    if (!failure && chmod(address.c_str(), S_IRUSR | S_IWUSR) != 0)
+        failure.assign(errno, std::system_category());
+    if (!failure)
+        acceptor.non_blocking(true, failure);
+    if (!failure)
+        acceptor.listen(asio::socket_base::max_listen_connections, failure);
+    if (failure) {
+        Close();
+        return SystemError{failure.value()};
+    }
+    mState->address = address;
+    mState->Accept();
+    return {};
+}
+
+void LocalAcceptor::AdmitWaiting() {
+    asio::error_code failure;
+    while (!failure && mState->acceptor.is_open()) {
+        Protocol::socket socket(mState->loop);
+        mState->acceptor.accept(socket, failure);
+        if (!failure)
+            mState->Hand(std::move(socket));
+    }
+}
+
+void LocalAcceptor::Close() {
+    asio::error_code ignored;
+    mState->acceptor.close(ignored);
+    mState->retry.cancel();
+}
+
+std::vector<std::string> LocalStreamAddresses(const std::string& maker, const std::string& program,
+                                              const std::string& dataFolder) {
+    const std::string hash = TextHash(dataFolder);
+    std::vector<std::string> addresses;
+    const auto add = [&addresses](const std::string& path) {
+        if (path.size() <= kPathLimit)
+            addresses.push_back(path);
+    };
+    Folders& folders = Current<Folders>();
+    if (const std::string runtime = folders.PathOf(KnownFolder::kRuntime); !runtime.empty())
+        add(runtime + "/" + maker + "/" + program + "-" + hash);
+    add(dataFolder + "/agent.socket");
+    for (const std::string& temporary : {folders.PathOf(KnownFolder::kTemporary), std::string("/tmp")})
+        add(temporary + "/" + maker + "-" + hash + "/socket");
+    return addresses;
+}
+
+}  // namespace platform

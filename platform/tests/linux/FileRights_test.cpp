@@ -1,0 +1,66 @@
+// What files are on a POSIX system: rights, links, pipes, limits.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "TemporaryFolder.h"
+#include "platform/Files.h"
+
+namespace fs = std::filesystem;
+
+TEST(FileRights, WhatIsWrittenIsForThisUserAlone) {
+    const TemporaryFolder folder;
+    ASSERT_FALSE(platform::WriteWholeFile(folder / "file", ""));
+    EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_FALSE(platform::MakeFolders(folder / "a/b", true));
+    EXPECT_EQ(fs::status(folder / "a/b").permissions(), fs::perms::owner_all);
+}
+
+TEST(FileRights, ACopyIsAFileLikeAnyNewOne) {
+    const TemporaryFolder folder;
+    const std::string source = folder.Write("source", "x");
+    const std::string fresh = folder.Write("any new one", "");
+    fs::permissions(source, fs::perms::owner_read);
+    ASSERT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
+    EXPECT_EQ(fs::status(folder / "copy").permissions(), fs::status(fresh).permissions());
+    fs::create_symlink("nowhere", folder / "dangling");
+    EXPECT_TRUE(platform::CopyToNewFile(source, folder / "dangling").IsExisting());
+}
+
+TEST(FileRights, ACopyThatIsCutOffNeverHasItsName) {
+    const TemporaryFolder folder;
+    const std::string source = folder.Write("source", std::string(3 << 20, 'x'));
+    const auto copyWithRoomForHalf = [&](auto onTooLarge) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit limit{1 << 20, 1 << 20};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            signal(SIGXFSZ, onTooLarge);
+            _exit(platform::CopyToNewFile(source, folder / "copy") ? 1 : 0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    };
+    EXPECT_EQ(WEXITSTATUS(copyWithRoomForHalf(SIG_IGN)), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
+    EXPECT_EQ(WTERMSIG(copyWithRoomForHalf(SIG_DFL)), SIGXFSZ);  // killed in the middle
+    EXPECT_FALSE(fs::exists(folder / "copy"));
+    EXPECT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
+}
+
+TEST(FileRights, OnlyRegularFilesAreOpenedAndNothingBlocks) {
+    const TemporaryFolder folder;
+    platform::ReadOnlyFile file;
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(file.Open(folder / "pipe"));
+    EXPECT_TRUE(file.Open(folder / "."));
+    EXPECT_TRUE(file.Open("/dev/null"));
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(platform::IsExistingFile(folder / "pipe"));
+}

@@ -1,0 +1,92 @@
+// What processes are on a POSIX system: zombies, sessions, descriptors, signals.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <thread>
+
+#include "TemporaryFolder.h"
+#include "platform/Files.h"
+#include "platform/Processes.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::unique_ptr<platform::ChildProcess> Launch(const std::string& script) {
+    platform::SystemError error;
+    auto child = platform::Current<platform::Processes>().Launch("/bin/sh",
+                                                                 "\"/bin/sh\" -c \"" + script + "\"", error);
+    EXPECT_FALSE(error);
+    return child;
+}
+
+std::optional<int> WaitForExit(platform::ChildProcess& child) {
+    child.WaitUntilIdle(10s);
+    return child.ExitStatus();
+}
+
+}  // namespace
+
+TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
+    const auto child = Launch("exit 7");
+    EXPECT_EQ(WaitForExit(*child), 7);
+    EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
+    const auto killed = Launch("kill -9 $$");
+    EXPECT_EQ(WaitForExit(*killed), 128 + SIGKILL);
+}
+
+TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);  // the last one that could listen is the parent
+        dup2(ends[1], 3);
+        setenv("PLUGINCORE_READY_DESCRIPTOR", "3", 1);
+        platform::NotifyReadyForInput();
+        _exit(0);
+    }
+    close(ends[0]);
+    close(ends[1]);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+}
+
+TEST(ProcessDetails, AChildHasASessionOfItsOwnAndNoneOfOurDescriptors) {
+    const TemporaryFolder folder;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);  // without close-on-exec
+    const auto child = Launch("ls /proc/self/fd > '" + (folder / "descriptors") + "'; ps -o sid= -p $$ > '" +
+                              (folder / "session") + "'");
+    EXPECT_EQ(WaitForExit(*child), 0);
+    close(ends[0]);
+    close(ends[1]);
+    std::string descriptors;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "descriptors", descriptors, 1000));
+    EXPECT_EQ(descriptors.find(std::to_string(std::max(ends[1], 5)) + "\n"), std::string::npos)
+        << descriptors;
+    std::string session;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "session", session, 100));
+    EXPECT_EQ(std::stol(session), child->Id());
+}
+
+TEST(ProcessDetails, AThreadStartedBehindASignalBlockIsSparedTheHostsSignals) {
+    const auto blocked = [](int signal) {
+        sigset_t mask;
+        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        return sigismember(&mask, signal) == 1;
+    };
+    {
+        const platform::ScopedSignalBlock block;
+        std::thread([&] {
+            EXPECT_TRUE(blocked(SIGTERM) && blocked(SIGALRM) && blocked(SIGRTMAX));
+            EXPECT_FALSE(blocked(SIGSEGV) || blocked(SIGABRT));
+        }).join();
+    }
+    EXPECT_FALSE(blocked(SIGTERM) || blocked(SIGALRM) || blocked(SIGRTMAX));
+}

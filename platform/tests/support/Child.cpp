@@ -1,0 +1,27 @@
+// A program that does as its first argument says: "exit STATUS", "sleep", "be-ready" (and sleep), or
+// "write FILE WORD...".
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "platform/Files.h"
+#include "platform/Processes.h"
+#include "platform/ProgramArguments.h"
+
+int main(int count, char** words) {
+    const platform::ProgramArguments arguments(count, words);
+    const std::string task = arguments[1];
+    if (task == "exit")
+        return std::atoi(arguments[2].c_str());
+    if (task == "write") {
+        std::string text;
+        for (int index = 3; index < arguments.Count(); ++index)
+            text += arguments[index] + "|";
+        return platform::WriteWholeFile(arguments[2], text) ? 1 : 0;
+    }
+    if (task == "be-ready")
+        platform::NotifyReadyForInput();
+    std::this_thread::sleep_for(std::chrono::seconds(30));
+    return 0;
+}
