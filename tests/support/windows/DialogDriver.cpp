@@ -200,6 +200,14 @@ void PressButton(HWND dialog, const std::string& text) {
     PostMessageW(FindControl(dialog, "Button", text), BM_CLICK, 0, 0);
 }
 
+// A message box with two buttons takes only one of them for an answer.
+void Dismiss(HWND dialog) {
+    if (const HWND no = GetDlgItem(dialog, IDNO))
+        PostMessageW(dialog, WM_COMMAND, IDNO, reinterpret_cast<LPARAM>(no));
+    else
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
 void Select(HWND list, size_t index) {
     SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
 }

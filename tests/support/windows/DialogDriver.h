@@ -50,6 +50,8 @@ void PressKey(HWND dialog, WORD key);
 void PressTab(HWND dialog);
 /// Presses the button of that text.
 void PressButton(HWND dialog, const std::string& text);
+/// Gives up, or agrees to what has no other answer.
+void Dismiss(HWND dialog);
 /// Selects in a list box, as a click on the entry does.
 void Select(HWND list, size_t index);
 
