@@ -8,6 +8,9 @@
 #include <commctrl.h>
 #include <shlobj.h>
 
+#include <stdexcept>
+
+#include "DialogWindow.h"
 #include "platform/Folders.h"
 #include "windows/DialogDriver.h"
 
@@ -91,6 +94,36 @@ TEST_F(NativeDialogsTest, AnOwnerThatIsGoneOrAnothersIsNone) {
         });
         Form form = FormWith(FormText{"Text"});
         EXPECT_EQ(Dialogs().ShowForm(owner, form), kFormCancelled);
+    }
+}
+
+TEST_F(NativeDialogsTest, ANameWithoutBlanksIsWrappedToo) {
+    Form form = FormWith(FormText{"Schrift: " + std::string(200, 'W') + "."});
+    form.controls.emplace_back(
+        FormChoices{{{std::string(150, 'M') + " kann ersetzt werden durch:", {"Nicht", "Ja"}, 1}}});
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressKey(dialog, VK_RETURN); }), 1);
+    EXPECT_EQ(std::get<FormChoices>(form.controls[1]).rows[0].selected, 1u);
+}
+
+class FailingDialog : public platform::DialogWindow {
+public:
+    FailingDialog(HWND owner, bool failsOnOpen) : mFailsOnOpen(failsOnOpen) { RunModal(owner, L"Failing"); }
+
+private:
+    void OnOpen() override {
+        if (mFailsOnOpen)
+            throw std::runtime_error("open");
+        PostMessageW(Handle(), WM_COMMAND, IDOK, 0);
+    }
+    void OnCommand(int, int) override { throw std::runtime_error("command"); }
+
+    const bool mFailsOnOpen;
+};
+
+TEST_F(NativeDialogsTest, WhatFailsInADialogEndsItAndIsThrownBehindTheSystem) {
+    for (const bool failsOnOpen : {true, false}) {
+        EXPECT_THROW(FailingDialog(mOwner, failsOnOpen), std::runtime_error);
+        EXPECT_EQ(FindWindowW(nullptr, L"Failing"), nullptr);
     }
 }
 

@@ -76,7 +76,7 @@ TextExtent Measure(HWND control, const std::wstring& text, LONG width) {
     const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
     const HGDIOBJ previous = SelectObject(context, font);
     RECT extent{0, 0, width, 0};
-    DrawTextW(context, text.c_str(), -1, &extent, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(context, text.c_str(), -1, &extent, DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX);
     SelectObject(context, previous);
     ReleaseDC(control, context);
     return {extent.right, extent.bottom};
