@@ -83,6 +83,23 @@ function(plugincore_test name)
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
 
+# plugincore_window_test(NAME SOURCES ... LINKS ...)
+# One GoogleTest program whose cases need a screen, run as a whole: by Wine on a screen of its own. Skipped where there
+# is none.
+function(plugincore_window_test name)
+  if(NOT PLUGINCORE_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} test-dialogs GTest::gmock)
+  set_target_properties(${name} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}"
+    CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/scripts/wine-on-screen")
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK screen)
+endfunction()
+
 # plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V])
 # Gives a binary the version pairs that platform/VersionResource.h reads back.
 function(plugincore_version target)

@@ -11,7 +11,7 @@ namespace {
 // In dialog units, as the system's own dialogs have them.
 constexpr int kMargin = 7;
 constexpr int kButtonGap = 4;
-constexpr int kGapWithinKind = 3;
+constexpr int kGapWithinKind = 4;
 constexpr int kGapBetweenKinds = 7;
 constexpr int kSmallestWidth = 170;
 constexpr int kParagraphWidth = 240;
@@ -44,6 +44,12 @@ int NaturalWidth(const DialogMetrics& metrics, const FormControl& control) {
                 return ControlStack::ButtonWidth(metrics, ToWide(button.label));
             }},
         control);
+}
+
+/// In dialog units. A text belongs to what stands below it.
+int GapBetween(const FormControl& above, const FormControl& below) {
+    const bool belongTogether = above.index() == below.index() || std::holds_alternative<FormText>(above);
+    return belongTogether ? kGapWithinKind : kGapBetweenKinds;
 }
 
 int RowButtonWidth(const DialogMetrics& metrics, const std::vector<FormButton>& buttons) {
@@ -90,8 +96,7 @@ void FormDialog::AddControls(ControlStack& stack) {
     for (size_t index = 0; index < mForm.controls.size(); ++index) {
         const FormControl& control = mForm.controls[index];
         if (index > 0)
-            stack.Skip(control.index() == mForm.controls[index - 1].index() ? kGapWithinKind
-                                                                            : kGapBetweenKinds);
+            stack.Skip(GapBetween(mForm.controls[index - 1], control));
         Add(stack, control, kFirstControl + static_cast<int>(index));
     }
 }

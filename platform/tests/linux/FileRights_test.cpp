@@ -17,6 +17,9 @@ TEST(FileRights, WhatIsWrittenIsForThisUserAlone) {
     const TemporaryFolder folder;
     ASSERT_FALSE(platform::WriteWholeFile(folder / "file", ""));
     EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    std::string temporary;
+    ASSERT_FALSE(platform::WriteTemporaryFile(folder / ".", "a", "b", "", temporary));
+    EXPECT_EQ(fs::status(temporary).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_FALSE(platform::MakeFolders(folder / "a/b", true));
     EXPECT_EQ(fs::status(folder / "a/b").permissions(), fs::perms::owner_all);
 }

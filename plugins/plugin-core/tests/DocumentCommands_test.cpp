@@ -4,6 +4,7 @@
 
 #include "CommonFunctionality.h"
 #include "FakeWorld.h"
+#include "platform/Files.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -33,6 +34,7 @@ protected:
     std::string document = "/nowhere.ai";
 };
 
+const std::string kDestination = std::string("/output") + platform::kPathSeparator + "poster.v2 Fonts";
 constexpr ErrorCode kNotCompleted = CoreErrorCodes::kOutOfMemory;
 
 }  // namespace
@@ -41,16 +43,16 @@ TEST_F(DocumentCommandsTest, FontsAreCollectedOneByOneBelowTheChosenFolder) {
     OpenDocument();
     framework.chosenFolder = "/output";
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
-    EXPECT_THAT(library.exportedTo, ElementsAre("/output/poster.v2 Fonts", "/output/poster.v2 Fonts"));
+    EXPECT_THAT(library.exportedTo, ElementsAre(kDestination, kDestination));
     EXPECT_EQ(framework.initialFolder, "/jobs/") << "the document's own folder, the first time";
     EXPECT_EQ(framework.texts["LastCFOFolder"], "/output");
     using Step = std::array<int64_t, 3>;
     EXPECT_THAT(framework.progress, ElementsAre(Step{204, 0, 2}, Step{204, 1, 2}, Step{204, 2, 2}));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 650)));
-    EXPECT_THAT(framework.subjects, ElementsAre("/output/poster.v2 Fonts"));
+    EXPECT_THAT(framework.subjects, ElementsAre(kDestination));
     EXPECT_THAT(trace.Text(), HasSubstr("Entering CoreAgentInterface::CollectFontsUsedByCurrentDocument("
-                                        "'/jobs/poster.v2.ai', '/output/poster.v2 Fonts', fontInfo array "
-                                        "length=2)\n"));
+                                        "'/jobs/poster.v2.ai', '" +
+                                        kDestination + "', fontInfo array length=2)\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("Exiting ShowSaveFolderDialog, returning 1, with inOutSavePath = "
                                         "\"/output\"\n"));
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts("ID"), 0u) << "known by its identifier too";
@@ -102,7 +104,7 @@ TEST_F(DocumentCommandsTest, ADocumentWithoutFontsGetsAnEmptyFolder) {
     OpenDocument();
     framework.chosenFolder = "/output";
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
-    EXPECT_THAT(library.foldersMade, ElementsAre("/output/poster.v2 Fonts"));
+    EXPECT_THAT(library.foldersMade, ElementsAre(kDestination));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 652)));
     EXPECT_THAT(trace.Text(), HasSubstr("No fonts to collect.  Creating empty destination folder, if it does "
                                         "not already exist.\n"));

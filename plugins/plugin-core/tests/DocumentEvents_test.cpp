@@ -7,6 +7,7 @@
 
 #include "FakeWorld.h"
 #include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
 
 using nlohmann::json;
 using testing::ElementsAre;
@@ -29,7 +30,7 @@ protected:
     ErrorCode Close(const std::string& hint = "") { return DocumentEvents::HandleCloseDocument(path, hint); }
     void ChangeFile() {
         std::filesystem::last_write_time(
-            path, std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+            platform::Utf8Path(path), std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
     }
     std::string Identifier() {
         char buffer[100] = "";

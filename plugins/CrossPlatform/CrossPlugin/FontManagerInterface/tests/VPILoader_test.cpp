@@ -49,19 +49,15 @@ TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
     EXPECT_EQ(missingCount, 0u);
     EXPECT_EQ(cf::ToUtf8(AdoptCF(VPILoader::GetSharedInstance()->VersionStringRef()).get()), "8.0.0.7");
     EXPECT_NE(VPILoader::GetSharedInstance()->pfActivateFonts, nullptr);
-    EXPECT_THAT(
-        trace.Text(),
-        StartsWith(
-            std::string(
-                "Entering first call to VPILoader::GetSharedInstance()\n") " Entering "
-                                                                           "GetPathToRunningProcessExe('" +
-            kAgentProgram +
-            "', ...)\n"
-            " GetPathToRunningProcessExe('" +
-            kAgentProgram +
-            "', '/opt/v/') returned 0\n"
-            " SUCCESS: LoadLibraryA('" +
-            expected + "') returned 0x"));
+    EXPECT_THAT(trace.Text(), StartsWith("Entering first call to VPILoader::GetSharedInstance()\n"
+                                         " Entering GetPathToRunningProcessExe('" +
+                                         kAgentProgram +
+                                         "', ...)\n"
+                                         " GetPathToRunningProcessExe('" +
+                                         kAgentProgram +
+                                         "', '/opt/v/') returned 0\n"
+                                         " SUCCESS: LoadLibraryA('" +
+                                         expected + "') returned 0x"));
     EXPECT_THAT(trace.Text(), HasSubstr(", 'ClearDocumentSlug') returned 0x"));
     EXPECT_THAT(trace.Text(), Not(HasSubstr("ERROR")));
     EXPECT_TRUE(processes.launchedCommandLines.empty());

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "FileURL.h"
 #include "PanelTest.h"
 #include "TemporaryFolder.h"
 #include "platform/Utf8Path.h"
@@ -38,10 +39,10 @@ protected:
             return "no list";
         url = nlohmann::json::parse(replies[0])["filename"];
         std::stringstream content;
-        content << std::ifstream(platform::Utf8Path(url.substr(7)), std::ios::binary).rdbuf();
+        content << std::ifstream(platform::Utf8Path(PathOfFileURL(url)), std::ios::binary).rdbuf();
         return content.str();
     }
-    bool IsFileThere() const { return std::filesystem::exists(platform::Utf8Path(url.substr(7))); }
+    bool IsFileThere() const { return std::filesystem::exists(platform::Utf8Path(PathOfFileURL(url))); }
 
     TemporaryFolder folder;
     std::string url;

@@ -1,0 +1,343 @@
+// The real dialogs, used by a second thread as by a user.
+#include "platform/NativeDialogs.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+// After windows.h, which it needs.
+#include <commctrl.h>
+#include <shlobj.h>
+
+#include <stdexcept>
+
+#include "DialogWindow.h"
+#include "platform/Folders.h"
+#include "windows/DialogDriver.h"
+
+namespace {
+
+using platform::FolderAnswer;
+using platform::Form;
+using platform::FormButton;
+using platform::FormCheckBox;
+using platform::FormChoices;
+using platform::FormList;
+using platform::FormText;
+using platform::kFormCancelled;
+using platform::MessageButtons;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+platform::NativeDialogs& Dialogs() {
+    return platform::SystemDefault<platform::NativeDialogs>();
+}
+
+/// A host's main window, which each dialog belongs to.
+class NativeDialogsTest : public testing::Test {
+protected:
+    NativeDialogsTest()
+        : mOwner(CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900, 700,
+                                 nullptr, nullptr, nullptr, nullptr)) {}
+    ~NativeDialogsTest() override {
+        EXPECT_TRUE(IsWindowEnabled(mOwner)) << "the host can be used again";
+        DestroyWindow(mOwner);
+    }
+    NativeDialogsTest(const NativeDialogsTest&) = delete;
+    NativeDialogsTest& operator=(const NativeDialogsTest&) = delete;
+
+    /// Shows the form to a user who does that.
+    int Show(Form& form, const std::function<void(HWND)>& actions) const {
+        const DialogDriver user([&](HWND dialog) {
+            EXPECT_EQ(GetWindow(dialog, GW_OWNER), mOwner);
+            EXPECT_FALSE(IsWindowEnabled(mOwner)) << "modal";
+            EXPECT_THAT(TextsCutOff(dialog), IsEmpty());
+            actions(dialog);
+        });
+        return Dialogs().ShowForm(mOwner, form);
+    }
+
+    const HWND mOwner;
+};
+
+Form FormWith(platform::FormControl control) {
+    Form form{"Überschrift 字", {}, {{1, "OK"}, {kFormCancelled, "Abbrechen & zurück"}}, 1};
+    form.controls.emplace_back(std::move(control));
+    return form;
+}
+
+TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
+    const auto ask = [this](MessageButtons buttons, WORD key) {
+        const DialogDriver user([&](HWND dialog) {
+            EXPECT_EQ(TextOf(dialog), "Größe & 字");
+            EXPECT_THAT(TextsOf(dialog, "Static"), testing::Contains("Was & wie? 😀"));
+            EXPECT_EQ(GetWindow(dialog, GW_OWNER), mOwner);
+            PressKey(dialog, key);
+        });
+        return Dialogs().ShowMessage(mOwner, "Größe & 字", "Was & wie? 😀", buttons);
+    };
+    EXPECT_TRUE(ask(MessageButtons::kOk, VK_RETURN));
+    EXPECT_FALSE(ask(MessageButtons::kYesNo, VK_RETURN)) << "Enter does not agree to anything";
+    const DialogDriver user([&](HWND dialog) {
+        PostMessageW(dialog, WM_COMMAND, IDYES, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDYES)));
+    });
+    EXPECT_TRUE(Dialogs().ShowMessage(mOwner, "Title", "Text", MessageButtons::kYesNo));
+}
+
+TEST_F(NativeDialogsTest, AnOwnerThatIsGoneOrAnothersIsNone) {
+    const HWND gone =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    DestroyWindow(gone);
+    for (const HWND owner : {gone, GetDesktopWindow()}) {
+        const DialogDriver user([&](HWND dialog) {
+            EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
+            PressKey(dialog, VK_ESCAPE);
+        });
+        Form form = FormWith(FormText{"Text"});
+        EXPECT_EQ(Dialogs().ShowForm(owner, form), kFormCancelled);
+    }
+}
+
+TEST_F(NativeDialogsTest, ANameWithoutBlanksIsWrappedToo) {
+    Form form = FormWith(FormText{"Schrift: " + std::string(200, 'W') + "."});
+    form.controls.emplace_back(
+        FormChoices{{{std::string(150, 'M') + " kann ersetzt werden durch:", {"Nicht", "Ja"}, 1}}});
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressKey(dialog, VK_RETURN); }), 1);
+    EXPECT_EQ(std::get<FormChoices>(form.controls[1]).rows[0].selected, 1u);
+}
+
+class FailingDialog : public platform::DialogWindow {
+public:
+    FailingDialog(HWND owner, bool failsOnOpen) : mFailsOnOpen(failsOnOpen) { RunModal(owner, L"Failing"); }
+
+private:
+    void OnOpen() override {
+        if (mFailsOnOpen)
+            throw std::runtime_error("open");
+        PostMessageW(Handle(), WM_COMMAND, IDOK, 0);
+    }
+    void OnCommand(int, int) override { throw std::runtime_error("command"); }
+
+    const bool mFailsOnOpen;
+};
+
+TEST_F(NativeDialogsTest, WhatFailsInADialogEndsItAndIsThrownBehindTheSystem) {
+    for (const bool failsOnOpen : {true, false}) {
+        EXPECT_THROW(FailingDialog(mOwner, failsOnOpen), std::runtime_error);
+        EXPECT_EQ(FindWindowW(nullptr, L"Failing"), nullptr);
+    }
+}
+
+TEST_F(NativeDialogsTest, CheckBoxesComeBackAsTheyWereLeft) {
+    Form form = FormWith(FormCheckBox{"Erste & einzige", false});
+    form.controls.emplace_back(FormCheckBox{"Zweite", true});
+    form.controls.emplace_back(FormCheckBox{"Dritte", true});
+    const auto toggle = [](HWND dialog) {
+        SendMessageW(FindControl(dialog, "Button", "Erste && einzige"), BM_CLICK, 0, 0);
+        SendMessageW(FindControl(dialog, "Button", "Dritte"), BM_CLICK, 0, 0);
+    };
+    const auto states = [&form] {
+        std::vector<bool> checked;
+        for (const auto& control : form.controls)
+            checked.push_back(std::get<FormCheckBox>(control).isChecked);
+        return checked;
+    };
+    const auto toggleAndGiveUp = [&](HWND dialog) {
+        EXPECT_EQ(TextOf(dialog), "Überschrift 字");
+        EXPECT_EQ(FocusOf(dialog), FindControl(dialog, "Button", "Erste && einzige"));
+        toggle(dialog);
+        PressKey(dialog, VK_ESCAPE);
+    };
+    EXPECT_EQ(Show(form, toggleAndGiveUp), kFormCancelled);
+    EXPECT_THAT(states(), ElementsAre(false, true, true)) << "untouched";
+    const auto toggleAndConfirm = [&](HWND dialog) {
+        toggle(dialog);
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, toggleAndConfirm), 1);
+    EXPECT_THAT(states(), ElementsAre(true, true, false));
+    const auto toggleBySpace = [&](HWND dialog) {
+        PressTab(dialog);
+        PressKey(dialog, VK_SPACE);
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, toggleBySpace), 1);
+    EXPECT_THAT(states(), ElementsAre(true, false, false));
+}
+
+TEST_F(NativeDialogsTest, EveryWayToGiveUpAnswersTheSame) {
+    Form form = FormWith(FormText{"Text"});
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Abbrechen && zurück"); }), kFormCancelled);
+    EXPECT_EQ(Show(form, [](HWND dialog) { PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); }),
+              kFormCancelled);
+    form.buttons.pop_back();
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressKey(dialog, VK_ESCAPE); }), kFormCancelled)
+        << "also without a button for it";
+}
+
+TEST_F(NativeDialogsTest, AListBeginsWithItsSelectionAndADoubleClickConfirms) {
+    std::vector<std::string> names;
+    for (int number = 0; number < 40; ++number)
+        names.push_back("Größe 字 " + std::to_string(number));
+    names.push_back(std::string(300, 'W'));
+    Form form = FormWith(FormList{names, 20});
+    const auto chooseByDoubleClick = [&](HWND dialog) {
+        const HWND list = FindControl(dialog, "ListBox");
+        EXPECT_EQ(EntriesOf(list), names);
+        EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 20);
+        EXPECT_NE(GetWindowLongPtrW(list, GWL_STYLE) & WS_VSCROLL, 0) << "scrolls";
+        EXPECT_EQ(FocusOf(dialog), list);
+        Select(list, 3);
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), LBN_DBLCLK),
+                     reinterpret_cast<LPARAM>(list));
+    };
+    EXPECT_EQ(Show(form, chooseByDoubleClick), 1);
+    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, 3u);
+    std::get<FormList>(form.controls[0]).selected.reset();
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "OK"); }), 1);
+    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, std::nullopt);
+    const auto chooseByKeys = [](HWND dialog) {
+        PressKey(dialog, VK_DOWN);
+        PressKey(dialog, VK_DOWN);
+        PressKey(dialog, VK_RETURN);
+    };
+    std::get<FormList>(form.controls[0]).selected = 0;
+    EXPECT_EQ(Show(form, chooseByKeys), 1);
+    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, 2u);
+}
+
+TEST_F(NativeDialogsTest, AListThatIsOnlyReadLeavesTheKeyboardToTheDefaultButton) {
+    Form form = FormWith(FormList{{"Didot", "Bodoni"}, std::nullopt, false});
+    const auto look = [](HWND dialog) {
+        EXPECT_EQ(FocusOf(dialog), FindControl(dialog, "Button", "OK"));
+        EXPECT_THAT(EntriesOf(FindControl(dialog, "ListBox")), ElementsAre("Didot", "Bodoni"));
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, look), 1);
+    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, std::nullopt);
+}
+
+TEST_F(NativeDialogsTest, ButtonsAmongTheControlsAnswerWithTheirNumbers) {
+    Form form = FormWith(FormButton{5, "Schriften des Dokuments prüfen"});
+    form.controls.emplace_back(FormButton{7, "Info..."});
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Info..."); }), 7);
+    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Schriften des Dokuments prüfen"); }), 5);
+    const auto goToTheSecond = [](HWND dialog) {
+        PressTab(dialog);  // from OK, the default, to Cancel and around to the first
+        PressTab(dialog);
+        PressTab(dialog);
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, goToTheSecond), 7) << "Enter presses the button that has the keyboard";
+}
+
+FormChoices ManyChoices() {
+    FormChoices choices;
+    for (int number = 0; number < 12; ++number)
+        choices.rows.push_back({"Garamond " + std::to_string(number) + " kann ersetzt werden durch:",
+                                {"Nicht ersetzen", "Arial (Familie, 2.1)", "Zapf"},
+                                0});
+    choices.rows[1] = {"Für Lost wurde kein Ersatz gefunden.", {}, 0};
+    return choices;
+}
+
+std::vector<HWND> DropDownsOf(HWND dialog) {
+    std::vector<HWND> dropDowns;
+    for (const DialogControl& control : ControlsOf(dialog)) {
+        if (control.windowClass == "ComboBox")
+            dropDowns.push_back(control.window);
+    }
+    return dropDowns;
+}
+
+bool IsInView(HWND control) {
+    RECT place{}, pane{}, common{};
+    GetWindowRect(control, &place);
+    GetWindowRect(GetParent(control), &pane);
+    IntersectRect(&common, &place, &pane);
+    return EqualRect(&common, &place) != 0;
+}
+
+TEST_F(NativeDialogsTest, ChoicesScrollToWhereTheKeyboardIs) {
+    Form form = FormWith(ManyChoices());
+    const auto chooseLast = [](HWND dialog) {
+        const std::vector<HWND> dropDowns = DropDownsOf(dialog);
+        ASSERT_EQ(dropDowns.size(), 11u);
+        EXPECT_EQ(FocusOf(dialog), dropDowns.front());
+        EXPECT_TRUE(IsInView(dropDowns.front()));
+        EXPECT_FALSE(IsInView(dropDowns.back()));
+        for (size_t index = 1; index < dropDowns.size(); ++index)
+            SendMessageW(dialog, WM_NEXTDLGCTL, 0, FALSE);
+        EXPECT_EQ(FocusOf(dialog), dropDowns.back());
+        EXPECT_TRUE(IsInView(dropDowns.back()));
+        EXPECT_FALSE(IsInView(dropDowns.front()));
+        SendMessageW(dropDowns.back(), CB_SETCURSEL, 2, 0);
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, chooseLast), 1);
+    const auto& rows = std::get<FormChoices>(form.controls[0]).rows;
+    EXPECT_EQ(rows[0].selected, 0u);
+    EXPECT_EQ(rows[11].selected, 2u);
+    const auto scroll = [](HWND dialog) {
+        const std::vector<HWND> dropDowns = DropDownsOf(dialog);
+        SendMessageW(GetParent(dropDowns[0]), WM_VSCROLL, SB_PAGEDOWN, 0);
+        EXPECT_FALSE(IsInView(dropDowns.front()));
+        for (int page = 0; page < 5; ++page)
+            SendMessageW(GetParent(dropDowns[0]), WM_VSCROLL, SB_PAGEDOWN, 0);
+        EXPECT_TRUE(IsInView(dropDowns.back())) << "to the end and not beyond";
+        PressKey(dialog, VK_ESCAPE);
+    };
+    EXPECT_EQ(Show(form, scroll), kFormCancelled);
+}
+
+TEST_F(NativeDialogsTest, AFolderIsProposedChosenOrNot) {
+    const std::string proposed =
+        platform::SystemDefault<platform::Folders>().PathOf(platform::KnownFolder::kTemporary);
+    const auto choose = [&](const std::function<void(HWND)>& actions) {
+        const DialogDriver user(actions);
+        return Dialogs().ChooseFolder(mOwner, "Wohin damit?", proposed);
+    };
+    const FolderAnswer chosen = choose([](HWND dialog) {
+        EXPECT_THAT(TextsOf(dialog, "Static"), testing::Contains("Wohin damit?"));
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_EQ(chosen.outcome, FolderAnswer::Outcome::kChosen);
+    EXPECT_THAT(chosen.path, testing::StrCaseEq(proposed));
+    EXPECT_EQ(choose([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); }).outcome,
+              FolderAnswer::Outcome::kCancelled);
+    const FolderAnswer virtualFolder = choose([](HWND dialog) {
+        LPITEMIDLIST computer = nullptr;
+        ASSERT_EQ(SHGetSpecialFolderLocation(nullptr, CSIDL_DRIVES, &computer), S_OK);
+        SendMessageW(dialog, BFFM_SETSELECTIONW, FALSE, reinterpret_cast<LPARAM>(computer));
+        CoTaskMemFree(computer);
+        SendMessageW(dialog, BFFM_ENABLEOK, 0, TRUE);
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_EQ(virtualFolder.outcome, FolderAnswer::Outcome::kNoPath);
+}
+
+TEST_F(NativeDialogsTest, AWorkGoesOnUntilItsWindowIsCancelled) {
+    auto progress = Dialogs().OpenProgress(mOwner, "Schriften sammeln", "Abbrechen");
+    EXPECT_FALSE(IsWindowEnabled(mOwner));
+    EXPECT_TRUE(progress->Show(0, 3));
+    EXPECT_TRUE(progress->Show(1, 3));
+    const HWND window = FindWindowW(nullptr, L"Schriften sammeln");
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(GetWindow(window, GW_OWNER), mOwner);
+    EXPECT_THAT(TextsOf(window, "Static"), ElementsAre("1 / 3"));
+    EXPECT_EQ(SendMessageW(FindControl(window, PROGRESS_CLASSA), PBM_GETPOS, 0, 0), 1);
+    EXPECT_THAT(TextsCutOff(window), IsEmpty());
+    SendMessageW(FindControl(window, "Button", "Abbrechen"), BM_CLICK, 0, 0);
+    EXPECT_FALSE(progress->Show(2, 3));
+    progress.reset();
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_TRUE(IsWindowEnabled(mOwner));
+}
+
+TEST_F(NativeDialogsTest, AWorkIsStoppedByEscape) {
+    const auto progress = Dialogs().OpenProgress(mOwner, "Work", "Cancel");
+    EXPECT_TRUE(progress->Show(0, 3));
+    PostMessageW(FindControl(FindWindowW(nullptr, L"Work"), "Button", "Cancel"), WM_KEYDOWN, VK_ESCAPE, 1);
+    EXPECT_FALSE(progress->Show(1, 3));
+}
+
+}  // namespace

@@ -1,0 +1,114 @@
+#include "platform/Windowing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <future>
+#include <thread>
+
+#include "platform/Processes.h"
+#include "windows/DialogDriver.h"
+
+namespace {
+
+using platform::WindowHandle;
+using platform::WindowInfo;
+using testing::HasSubstr;
+
+platform::Windowing& Windows() {
+    return platform::SystemDefault<platform::Windowing>();
+}
+
+constexpr wchar_t kHostClass[] = L"PluginCoreTestHost ü字";
+constexpr char kHostClassUtf8[] = "PluginCoreTestHost ü字";
+
+class TestWindow {
+public:
+    TestWindow(const wchar_t* windowClass, const wchar_t* title, DWORD style, HWND parent)
+        : mWindow(CreateWindowExW(0, windowClass, title, style, 0, 0, 50, 50, parent, nullptr, nullptr,
+                                  nullptr)) {}
+    ~TestWindow() { DestroyWindow(mWindow); }
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+    HWND Get() const { return mWindow; }
+
+private:
+    HWND mWindow;
+};
+
+void RegisterHostClass() {
+    WNDCLASSW host{};
+    host.lpfnWndProc = DefWindowProcW;
+    host.lpszClassName = kHostClass;
+    RegisterClassW(&host);
+}
+
+std::string TitleIn(const std::vector<WindowInfo>& windows, WindowHandle handle) {
+    for (const WindowInfo& window : windows) {
+        if (window.handle == handle)
+            return window.title;
+    }
+    return "not in the list";
+}
+
+TEST(Windowing, FindsTheHostsWindowsByClassAndTitleAtAnyDepth) {
+    RegisterHostClass();
+    EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), nullptr);
+    const TestWindow top(kHostClass, L"Größe 字 😀", WS_OVERLAPPEDWINDOW, nullptr);
+    const TestWindow child(L"STATIC", L"child", WS_CHILD, top.Get());
+    const TestWindow grandchild(kHostClass, L"grand 字", WS_CHILD, child.Get());
+    EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), top.Get());
+    EXPECT_EQ(Windows().FindTopLevelByClass("PluginCoreTestHost"), nullptr) << "the whole name counts";
+
+    const auto all = Windows().TopLevelWindows();
+    EXPECT_EQ(TitleIn(all, top.Get()), "Größe 字 😀");
+    EXPECT_EQ(TitleIn(all, child.Get()), "not in the list");
+    const auto below = Windows().Descendants(top.Get());
+    ASSERT_EQ(below.size(), 2u);
+    EXPECT_EQ(TitleIn(below, grandchild.Get()), "grand 字");
+    EXPECT_TRUE(Windows().Descendants(grandchild.Get()).empty());
+    EXPECT_TRUE(Windows().Descendants(nullptr).empty()) << "not those of the desktop";
+}
+
+TEST(Windowing, AWindowWhoseThreadIsBusyHoldsUpNobody) {
+    std::promise<HWND> made;
+    std::promise<void> end;
+    std::thread busy([&, isOver = end.get_future()]() {
+        const TestWindow window(L"STATIC", L"busy", WS_OVERLAPPEDWINDOW, nullptr);
+        made.set_value(window.Get());
+        isOver.wait();
+    });
+    EXPECT_EQ(TitleIn(Windows().TopLevelWindows(), made.get_future().get()), "busy");
+    end.set_value();
+    busy.join();
+}
+
+/// What the notice shows, and its window's extended style.
+std::pair<std::vector<std::string>, LONG_PTR> ShownNotice(const std::string& path, unsigned stringID) {
+    std::pair<std::vector<std::string>, LONG_PTR> shown;
+    {
+        const DialogDriver user([&](HWND dialog) {
+            shown = {TextsOf(dialog, "Static"), GetWindowLongPtrW(dialog, GWL_EXSTYLE)};
+            EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
+            PressKey(dialog, VK_RETURN);
+        });
+        Windows().ShowStringResourceNotice(path, stringID);
+    }
+    return shown;
+}
+
+TEST(Windowing, ANoticeShowsTheTextOfAModuleAboveAllWindows) {
+    const std::string program = platform::SystemDefault<platform::Processes>().CurrentExecutablePath();
+    const auto [texts, style] = ShownNotice(program, 105);
+    EXPECT_THAT(texts, testing::Contains("Prüfung: это не работает."));
+    EXPECT_NE(style & WS_EX_TOPMOST, 0) << "system-modal";
+}
+
+TEST(Windowing, ANoticeWithoutItsTextNamesTheModule) {
+    EXPECT_THAT(ShownNotice("C:\\no ü\\library.dll", 105).first,
+                testing::Contains(HasSubstr("C:\\no ü\\library.dll\n\n")));
+    EXPECT_THAT(ShownNotice("", 105).first, testing::Contains(testing::Not("")));
+}
+
+}  // namespace
