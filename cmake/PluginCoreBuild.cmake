@@ -19,7 +19,10 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/..:$ORIGIN/../lib")
 # The agent and its interface library live together, apart from what a host loads.
 set(PLUGINCORE_FONT_MANAGER_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/vantorix")
 set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+# The name of the folders that hold what only this system has.
+set(PLUGINCORE_SYSTEM linux)
 if(WIN32)
+  set(PLUGINCORE_SYSTEM windows)
   # Libraries have plain names, and are found beside the program that needs them.
   set(CMAKE_SHARED_LIBRARY_PREFIX "")
   set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")

@@ -6,9 +6,9 @@
 #include "FontRecordKeys.h"
 #include "OpenedDocument.h"
 #include "Output.h"
-#include "VisibleFonts.h"
 #include "platform/Console.h"
 #include "platform/Files.h"
+#include "platform/FontTable.h"
 #include "platform/Utf8Path.h"
 
 namespace {
@@ -35,14 +35,14 @@ void PrintFonts(const OpenedDocument& document) {
         fmt::print("  no fonts\n");
         return;
     }
-    const std::set<std::string> visible = ReadVisibleFonts();
+    const platform::VisibleFonts visible = platform::Current<platform::FontTable>().Visible();
     std::vector<std::vector<std::string>> rows{{"  FONT", "MATCHED", "BEFORE", "AFTER", "VISIBLE", "FILE"}};
     for (const json& font : document.matched) {
         const std::string file = font.value(kGS_PathKey, "");
         const json before = font.value(kGS_MatchedFontKey, json::object());
         rows.push_back({"  " + Printable(font.value(kGS_PostScriptNameKey, "?")),
                         before.value(kGS_PostScriptNameKey, "yes"), StateText(before), StateText(font),
-                        visible.count(file) != 0 ? "yes" : "no", file});
+                        visible.Offers(file, before.value(kGS_PostScriptNameKey, "")) ? "yes" : "no", file});
     }
     for (const json& font : document.unmatched)
         rows.push_back(

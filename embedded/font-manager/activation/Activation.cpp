@@ -5,42 +5,43 @@
 namespace pellwick {
 
 Activation::Activation(Database& database, FontStore& fonts, ActivationStore& activations,
-                       const LinkFolder& links)
-    : mFonts(fonts), mActivations(activations), mLinks(links), mTransaction(database) {}
+                       ActiveFonts& active)
+    : mFonts(fonts), mActivations(activations), mActive(active), mTransaction(database) {}
 
 Activation::~Activation() {
     if (mIsCommitted)
         return;
-    for (const FontFile& file : mLinked)
-        mLinks.Unlink(file);
+    for (const FontFile& file : mAdded)
+        mActive.Remove(file);
+    mActive.AnnounceChanges();
 }
 
 bool Activation::Lease(const Font& font, const HostProcess& host, LeasePurpose purpose,
                        const std::string& document) {
-    if (!Link(font))
+    if (!MakeActive(font))
         return false;
     mActivations.AddLease(host, purpose, document, font.id);
     return true;
 }
 
 bool Activation::ActivateForUser(const Font& font) {
-    if (!Link(font))
+    if (!MakeActive(font))
         return false;
     mActivations.AddUserActivation(font.id);
     return true;
 }
 
-bool Activation::Link(const Font& font) {
-    const bool wasLinked = mLinks.Has(font.file);
-    const bool isLinked = mLinks.Link(font.file);
-    if (!mLinks.IsInVault(font.file))
+bool Activation::MakeActive(const Font& font) {
+    const bool wasActive = mActive.Has(font.file);
+    const bool isAdded = mActive.Add(font.file);
+    if (!mActive.IsInVault(font.file))
         NoteMissing(font.file);
     else if (font.activationState == kFontActivationState_Missing)
         mFonts.SetFileMissing(font.file.id, false);
-    if (!isLinked)
+    if (!isAdded)
         return false;
-    if (!wasLinked)
-        mLinked.push_back(font.file);
+    if (!wasActive)
+        mAdded.push_back(font.file);
     const std::optional<Font> current = mFonts.Find(font.id);
     if (current && current->activationState == kFontActivationState_Inactive)
         mChanges.activated.push_back(font.id);
@@ -100,8 +101,9 @@ ActivationChanges Activation::Commit() {
     mIsCommitted = true;
     for (const FontFile& file : mReleased) {
         if (!mFonts.IsFileActive(file.id))
-            mLinks.Unlink(file);
+            mActive.Remove(file);
     }
+    mActive.AnnounceChanges();
     return std::move(mChanges);
 }
 

@@ -1,11 +1,11 @@
-// Makes fonts active and inactive: the records and the links, together.
+// Makes fonts active and inactive: the records and what programs see, together.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "activation/LinkFolder.h"
+#include "activation/ActiveFonts.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
 #include "store/FontStore.h"
@@ -19,12 +19,12 @@ struct ActivationChanges {
     std::vector<uint32_t> missing;  ///< their file turned out to be gone
 };
 
-/// One command's worth of activations: all of them, or none. Links are made before the records are
-/// committed and removed after, so that a font counts as active only while it can be used; what a death in
+/// One command's worth of activations: all of them, or none. Files are made active before the records are
+/// committed and inactive after, so that a font counts as active only while it can be used; what a death in
 /// between leaves behind, the repair at the next start takes away. Throws DatabaseError.
 class Activation {
 public:
-    Activation(Database& database, FontStore& fonts, ActivationStore& activations, const LinkFolder& links);
+    Activation(Database& database, FontStore& fonts, ActivationStore& activations, ActiveFonts& active);
     ~Activation();
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
@@ -51,13 +51,13 @@ public:
     ActivationChanges Commit();
 
 private:
-    bool Link(const Font& font);
+    bool MakeActive(const Font& font);
     void Released(uint32_t fontID);
 
     FontStore& mFonts;
     ActivationStore& mActivations;
-    const LinkFolder& mLinks;
-    std::vector<FontFile> mLinked;    ///< by this command
+    ActiveFonts& mActive;
+    std::vector<FontFile> mAdded;     ///< by this command
     std::vector<FontFile> mReleased;  ///< perhaps no longer needed
     ActivationChanges mChanges;
     bool mIsCommitted = false;

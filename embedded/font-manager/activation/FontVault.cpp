@@ -86,8 +86,7 @@ platform::SystemError FontVault::Store(const FontFile& file, const std::string& 
 }
 
 void FontVault::Remove(const FontFile& file) const {
-    std::error_code failure;
-    fs::remove(platform::Utf8Path(PathOf(file)), failure);
+    platform::RemoveFile(PathOf(file));
 }
 
 bool FontVault::IsEmpty() const {
@@ -99,10 +98,9 @@ int FontVault::Sweep(const std::vector<FontFile>& known, bool keepUnknown) const
     for (const FontFile& file : known)
         wanted.insert(PathOf(file));
     int removed = 0;
-    std::error_code failure;
     for (const std::string& path : ShardedFiles(mFolder)) {
         const bool isLeftOver = IsTemporaryName(platform::Utf8Path(path)) || !keepUnknown;
-        if (wanted.count(path) == 0 && isLeftOver && fs::remove(platform::Utf8Path(path), failure))
+        if (wanted.count(path) == 0 && isLeftOver && !platform::RemoveFile(path))
             ++removed;
     }
     return removed;

@@ -35,30 +35,26 @@ bool LinkFolder::Has(const FontFile& file) const {
     return !platform::FileSize(PathOf(file), size) && size == file.size;
 }
 
-bool LinkFolder::IsInVault(const FontFile& file) const {
-    return mVault.Has(file);
-}
-
-bool LinkFolder::Link(const FontFile& file) const {
-    if (!mVault.Has(file))
+bool LinkFolder::Add(const FontFile& file) {
+    if (!IsInVault(file))
         return false;
     if (Has(file))
         return true;
     const fs::path target = platform::Utf8Path(PathOf(file));
     std::error_code failure;
     fs::create_directories(target.parent_path(), failure);
-    fs::remove(target, failure);  // one of the wrong size
-    return LinkOrCopy(platform::Utf8Path(mVault.PathOf(file)), target);
+    platform::RemoveFile(PathOf(file));  // one of the wrong size
+    return LinkOrCopy(platform::Utf8Path(Vault().PathOf(file)), target);
 }
 
-void LinkFolder::Unlink(const FontFile& file) const {
-    const fs::path target = platform::Utf8Path(PathOf(file));
+void LinkFolder::Remove(const FontFile& file) {
+    platform::RemoveFile(PathOf(file));
     std::error_code failure;
-    fs::remove(target, failure);
-    fs::remove(target.parent_path(), failure);  // refused, and rightly, while there is more in it
+    fs::remove(platform::Utf8Path(PathOf(file)).parent_path(),
+               failure);  // refused, and rightly, while there is more in it
 }
 
-LinkFolder::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles) const {
+ActiveFonts::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles) {
     Repairs repairs;
     std::set<std::string> wanted;
     for (const FontFile& file : activeFiles) {
@@ -66,12 +62,11 @@ LinkFolder::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles)
         const bool wasThere = Has(file);
         if (!IsInVault(file))
             repairs.missing.push_back(file);
-        else if (Link(file) && !wasThere)
-            ++repairs.linked;
+        else if (Add(file) && !wasThere)
+            ++repairs.added;
     }
-    std::error_code failure;
     for (const std::string& path : ShardedFiles(mFolder)) {
-        if (wanted.count(path) == 0 && fs::remove(platform::Utf8Path(path), failure))
+        if (wanted.count(path) == 0 && !platform::RemoveFile(path))
             ++repairs.removed;
     }
     return repairs;

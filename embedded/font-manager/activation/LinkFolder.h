@@ -8,36 +8,26 @@
 #include <string>
 #include <vector>
 
-#include "activation/FontVault.h"
-#include "store/FontStore.h"
+#include "activation/ActiveFonts.h"
 
 namespace pellwick {
 
-class LinkFolder {
+class LinkFolder : public ActiveFonts {
 public:
-    LinkFolder(std::string folder, const FontVault& vault) : mFolder(std::move(folder)), mVault(vault) {}
+    LinkFolder(std::string folder, const FontVault& vault) : ActiveFonts(vault), mFolder(std::move(folder)) {}
 
-    std::string PathOf(const FontFile& file) const { return ShardedPath(mFolder, file); }
-    bool Has(const FontFile& file) const;
-    /// Whether the vault has what a link would point at.
-    bool IsInVault(const FontFile& file) const;
-    /// Makes the file active; true at once when it is. False when that cannot be done, for one because the
-    /// vault has lost the file.
-    bool Link(const FontFile& file) const;
-    /// Ends that, and removes the shard when it was the last one in it.
-    void Unlink(const FontFile& file) const;
-
-    struct Repairs {
-        int linked = 0;
-        int removed = 0;
-        std::vector<FontFile> missing;  ///< should be active but cannot be
-    };
-    /// Makes the folder hold exactly these files.
-    Repairs Repair(const std::vector<FontFile>& activeFiles) const;
+    const std::string& Folder() const override { return mFolder; }
+    std::string PathOf(const FontFile& file) const override { return ShardedPath(mFolder, file); }
+    bool Has(const FontFile& file) const override;
+    bool Add(const FontFile& file) override;
+    /// Removes the shard as well when it was the last one in it.
+    void Remove(const FontFile& file) override;
+    /// Does nothing: programs watch the folder.
+    void AnnounceChanges() override {}
+    Repairs Repair(const std::vector<FontFile>& activeFiles) override;
 
 private:
     std::string mFolder;
-    const FontVault& mVault;
 };
 
 }  // namespace pellwick

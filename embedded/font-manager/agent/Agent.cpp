@@ -15,23 +15,23 @@
 namespace pellwick {
 namespace {
 
-void LogStart(LogFile& log, const Server& server, int swept, const LinkFolder::Repairs& repairs) {
+void LogStart(LogFile& log, const Server& server, int swept, const ActiveFonts::Repairs& repairs) {
     const int64_t now = platform::Current<platform::Clock>().Now();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
               ", " + platform::LocalTimeText(now));
     if (swept != 0)
         log.Write("vault put right: " + std::to_string(swept) + " removed that interrupted commands left\n");
-    if (repairs.linked != 0 || repairs.removed != 0 || !repairs.missing.empty())
-        log.Write("active fonts put right: " + std::to_string(repairs.linked) + " linked, " +
+    if (repairs.added != 0 || repairs.removed != 0 || !repairs.missing.empty())
+        log.Write("active fonts put right: " + std::to_string(repairs.added) + " added, " +
                   std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
                   " missing in the vault\n");
 }
 
 int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     FontManager manager(locations);
-    const int swept = manager.SweepVault();
     manager.EndLeasesOfDeadProcesses();
-    const LinkFolder::Repairs repairs = manager.RepairLinks();
+    const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
+    const int swept = manager.SweepVault();  // after: a file that is active may not be possible to remove
     Server server(manager, log);
     if (!server.Listen()) {
         problem = "there is no address where the agent can listen; Pellwick.log in " + locations.logFolder +

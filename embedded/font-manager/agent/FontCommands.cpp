@@ -1,5 +1,7 @@
 // Adding, removing and listing fonts.
+#include <future>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "TarnwickPluginInterface.h"
 #include "agent/Commands.h"
@@ -7,6 +9,7 @@
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
+#include "platform/FontTable.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick {
@@ -120,12 +123,28 @@ std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
     return store.List(after, kListPageSize);
 }
 
+/// The system may take long to say: it looks at all its fonts.
+platform::VisibleFonts AskWhatIsVisible(Audience& audience) {
+    auto answer =
+        std::async(std::launch::async, [] { return platform::Current<platform::FontTable>().Visible(); });
+    while (answer.wait_for(kKeepAliveInterval) != std::future_status::ready)
+        audience.KeepAlive();
+    return answer.get();
+}
+
 Json ListFonts(CommandContext& context, const Json& arguments) {
     Json records = Json::array();
+    std::optional<platform::VisibleFonts> visible;
+    if (BoolMember(arguments, kVisibleMember))
+        visible = AskWhatIsVisible(context.audience);
     for (const Font& font : NextPage(context, arguments)) {
         Json record = FontRecord(context.manager, font);
         record[kStyleMember] = font.style;
         record[kFullNameMember] = font.fullName;
+        if (visible)
+            record[kVisibleMember] =
+                IsActive(font) &&
+                visible->Offers(context.manager.activeFonts->PathOf(font.file), font.postScriptName);
         records.push_back(std::move(record));
     }
     return {{"fonts", std::move(records)}};

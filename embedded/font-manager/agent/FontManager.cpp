@@ -26,7 +26,7 @@ FontManager::FontManager(const Locations& places)
       documents(database),
       settings(database),
       vault(places.vaultFolder),
-      links(places.linkFolder, vault),
+      activeFonts(MakeActiveFonts(places.linkFolder, vault)),
       previews(places.previewFolder, vault) {
     if (PrepareSchema(database) && vault.IsEmpty())
         settings.NoteOwnVault();
@@ -36,8 +36,8 @@ int FontManager::SweepVault() {
     return vault.Sweep(fonts.Files(), !settings.OwnsVault());
 }
 
-LinkFolder::Repairs FontManager::RepairLinks() {
-    const LinkFolder::Repairs repairs = links.Repair(fonts.ActiveFiles());
+ActiveFonts::Repairs FontManager::RepairActiveFonts() {
+    const ActiveFonts::Repairs repairs = activeFonts->Repair(fonts.ActiveFiles());
     for (const FontFile& file : repairs.missing)
         fonts.SetFileMissing(file.id, true);
     return repairs;

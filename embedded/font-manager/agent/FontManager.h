@@ -2,8 +2,8 @@
 #pragma once
 
 #include "activation/Activation.h"
+#include "activation/ActiveFonts.h"
 #include "activation/FontVault.h"
-#include "activation/LinkFolder.h"
 #include "activation/ReplacementFinder.h"
 #include "common/Locations.h"
 #include "preview/PreviewFolder.h"
@@ -25,12 +25,12 @@ public:
     /// Opens the database, or makes a new one. Throws DatabaseError.
     explicit FontManager(const Locations& locations);
 
-    Activation BeginActivation() { return {database, fonts, activations, links}; }
+    Activation BeginActivation() { return {database, fonts, activations, *activeFonts}; }
     /// Removes from the vault what interrupted commands left there; how many files. Fonts of an earlier
     /// database stay.
     int SweepVault();
-    /// Makes the links on disk agree with the records.
-    LinkFolder::Repairs RepairLinks();
+    /// Makes what programs see agree with the records.
+    ActiveFonts::Repairs RepairActiveFonts();
     /// Ends the leases of processes that are gone.
     ActivationChanges EndLeasesOfDeadProcesses();
     /// The workgroup that new fonts go to.
@@ -49,7 +49,7 @@ public:
     DocumentStore documents;
     SettingsStore settings;
     FontVault vault;
-    LinkFolder links;
+    const std::unique_ptr<ActiveFonts> activeFonts;
     PreviewFolder previews;
     FontScanner scanner;
 };

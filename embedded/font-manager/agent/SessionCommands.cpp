@@ -40,7 +40,7 @@ Json GetStatus(CommandContext& context, const Json&) {
             {"vault", manager.vault.Folder()},
             {"dataFolder", manager.locations.dataFolder},
             {"previewFolder", manager.previews.Folder()},
-            {"linkFolder", manager.locations.linkFolder}};
+            {"linkFolder", manager.activeFonts->Folder()}};
 }
 
 Json Stop(CommandContext& context, const Json&) {

@@ -10,7 +10,8 @@ namespace pellwick::cli {
 
 ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, const std::string& workgroup);
 ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names);
-ExitStatus ListFonts(Session& session);
+/// `isVisible`: those alone that programs are offered.
+ExitStatus ListFonts(Session& session, bool isVisible);
 ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names);
 ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& names);
 

@@ -148,9 +148,9 @@ ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) 
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
-ExitStatus ListFonts(Session& session) {
+ExitStatus ListFonts(Session& session, bool isVisible) {
     session.StartAgentIfNeeded();
-    const Json fonts = ListFontsBy(session, Json::object());
+    const Json fonts = ListFontsBy(session, {{kVisibleMember, isVisible}});
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}});
     return kExit_Done;

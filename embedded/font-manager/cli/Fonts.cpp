@@ -53,6 +53,7 @@ void PrintFonts(const Json& fonts, const char* action) {
 
 Json ListFontsBy(Session& session, Json filter) {
     Json all = Json::array();
+    const bool isOffered = BoolMember(filter, kVisibleMember);
     filter["after"] = 0;
     for (;;) {
         const Json page = session.Call(method::kListFonts, filter);
@@ -61,6 +62,8 @@ Json ListFontsBy(Session& session, Json filter) {
             return all;
         filter["after"] = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
         for (const Json& font : fonts) {
+            if (isOffered && !BoolMember(font, kVisibleMember))
+                continue;
             if (session.PrintsJson())
                 all.push_back(font);
             else

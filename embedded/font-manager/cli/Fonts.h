@@ -16,7 +16,7 @@ Json FindFonts(Session& session, const std::vector<std::string>& names, bool& is
 void PrintFonts(const Json& fonts, const char* action);
 
 /// Prints the fonts in rows, or, for programs, returns their records. `filter`: arguments of the agent's
-/// ListFonts.
+/// ListFonts; where it asks what programs are offered, those fonts alone.
 Json ListFontsBy(Session& session, Json filter);
 
 }  // namespace pellwick::cli

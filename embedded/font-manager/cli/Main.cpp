@@ -20,7 +20,7 @@ struct Arguments {
     std::string newName;
     std::string workgroup;
     SmartListParts parts;
-    bool isOn = true;
+    bool isVisible = false;
 };
 
 using Action = std::function<ExitStatus(Session&)>;
@@ -54,7 +54,9 @@ void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
     withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
     withNames("deactivate", "End that", DeactivateFonts);
-    AddCommand(app, chosen, "list", "List the fonts", ListFonts);
+    AddCommand(app, chosen, "list", "List the fonts", [&](Session& session) {
+        return ListFonts(session, arguments.isVisible);
+    })->add_flag("--visible", arguments.isVisible, "Only those that the system offers to programs now");
 }
 
 void DescribeWorkgroupCommands(CLI::App& app, Arguments& arguments, Action& chosen) {

@@ -83,6 +83,10 @@ inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 /// The full name of a font of a list, in its record: as the font has it, else family and style.
 inline constexpr char kFullNameMember[] = "FullName";
 
+/// In a request for a list: whether to ask the system which fonts it offers to programs. In a font's record:
+/// whether it is offered.
+inline constexpr char kVisibleMember[] = "visible";
+
 /// The font's ID in the record of its images, beside their paths.
 inline constexpr char kPreviewFontMember[] = "font";
 

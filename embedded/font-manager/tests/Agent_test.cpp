@@ -63,18 +63,18 @@ TEST(CommandLine, ActivatesAndRemovesByAnyName) {
     world.WriteFont("Sample-Italic");
     world.RunForJson({"add", world.Path("fonts")});
     EXPECT_EQ(world.RunForJson({"activate", "sample bold"})["fonts"].size(), 1u);
-    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.ActiveFiles().size(), 1u);
     EXPECT_EQ(world.RunForJson({"activate", "Sample"})["fonts"].size(), 2u);
-    EXPECT_EQ(world.LinkedFiles().size(), 2u);
+    EXPECT_EQ(world.ActiveFiles().size(), 2u);
     world.RunForJson({"deactivate", "Sample-Italic"});
-    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.ActiveFiles().size(), 1u);
     EXPECT_EQ(world.RunForJson({"status"})["activeFiles"], 1);
     EXPECT_EQ(FilesInVault().size(), 2u);
     const ProgramResult unknown = world.Run({"activate", "Nowhere"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
     world.RunForJson({"remove", "Sample-Bold"});
-    EXPECT_TRUE(world.LinkedFiles().empty());
+    EXPECT_TRUE(world.ActiveFiles().empty());
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
     EXPECT_EQ(FilesInVault().size(), 1u);
 }
@@ -234,13 +234,13 @@ TEST(Agent, LosesNothingWhenItIsKilled) {
     world.RunForJson({"add", world.Path("fonts")});
     world.RunForJson({"activate", "Sample-Bold"});
     world.RunForJson({"login", "someone"});
-    const auto links = world.LinkedFiles();
+    const auto links = world.ActiveFiles();
     world.KillAgent();
     world.Write("data/fonts/Vantorix/00/" + std::string(64, '0') + ".ttf", "stray");
     world.StartAgent();
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
     EXPECT_EQ(world.RunForJson({"status"})["userName"], "someone");
-    EXPECT_EQ(world.LinkedFiles(), links);
+    EXPECT_EQ(world.ActiveFiles(), links);
 }
 
 std::string AgentLog() {
@@ -308,7 +308,7 @@ TEST(Agent, WorksInFoldersOfAnyNameAndLength) {
     EXPECT_EQ(NamesOf(world.RunForJson({"add", world.Path("fonts")})["added"]),
               std::vector<std::string>{"Sample-Bold"});
     world.RunForJson({"activate", "Sample-Bold"});
-    EXPECT_EQ(world.LinkedFiles().size(), 1u);
+    EXPECT_EQ(world.ActiveFiles().size(), 1u);
     world.StopAgent();
 }
 

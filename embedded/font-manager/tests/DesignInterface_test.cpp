@@ -91,20 +91,20 @@ TEST_F(DesignTest, HoldsAFontForDesignUntilItIsDisabledWhateverBecomesOfDocument
 
 TEST_F(DesignTest, AFamilyComesInOneVersionOfEachFont) {
     EXPECT_EQ(Enable(mIDs[0], true, true), 0u);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
     EXPECT_EQ(mLibrary.StateOf(mIDs[0]), kFontActivationState_ActivatedByPlugin);
     EXPECT_EQ(mLibrary.StateOf(mIDs[3]), kFontActivationState_ActivatedByPlugin);  // the newer one
     EXPECT_EQ(mLibrary.StateOf(mOther), kFontActivationState_Inactive);
     EXPECT_EQ(Enable(mIDs[0], true, false), 0u);
-    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+    EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
 TEST_F(DesignTest, APreviewHoldsItsFontsBesideWhateverElseDoes) {
     EXPECT_EQ(Enable(mIDs[0], false, true), 0u);
     EXPECT_EQ(Preview({mIDs[0], mOther, 999}, true), 0u);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
     EXPECT_EQ(Preview({mIDs[0], mOther}, false), 0u);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
     EXPECT_EQ(mLibrary.StateOf(mIDs[0]), kFontActivationState_ActivatedByPlugin);
     EXPECT_EQ(Preview({999}, true), CoreErrorCodes::kNotFound);
     EXPECT_EQ(Preview({}, true), 0u);

@@ -113,7 +113,7 @@ protected:
     void ExpectUnharmed() {
         EXPECT_EQ(Status()["process"], process) << "the same agent";
         EXPECT_EQ(Records(), recordsBefore);
-        EXPECT_EQ(world.LinkedFiles().size(), 1u);
+        EXPECT_EQ(world.ActiveFiles().size(), 1u);
     }
 
     TestWorld world;

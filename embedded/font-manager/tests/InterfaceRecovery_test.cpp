@@ -27,9 +27,9 @@ TEST_F(RecoveryTest, AKilledAgentIsUnavailableUntilTheFacadeIsResetAndLosesNothi
     EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
     // This process lives, so what it holds is still held, and it can let go of it.
     EXPECT_EQ(mLibrary.StateOf(ids[0]), kFontActivationState_ActivatedByPlugin);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
     EXPECT_EQ(mLibrary.Deactivate(ids), 0u);
-    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+    EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
 TEST_F(RecoveryTest, AnAgentThatIsStoppedSaysSo) {
@@ -59,9 +59,9 @@ TEST_F(RecoveryTest, AHostThatDiesLeavesNothingBehind) {
     ASSERT_EQ(second.ReadLine(), "1");
     first.Kill();
     first.Finish();
-    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().size() == 1; }));  // which the second shares
+    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().size() == 1; }));  // which the second shares
     second.Finish();
-    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
 }
 
 TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
@@ -71,17 +71,17 @@ TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
     mWorld.KillAgent();
     dying.Finish();
     mWorld.StartAgent();
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
     living.Finish();  // it has no connection to this agent
-    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
 }
 
 TEST_F(RecoveryTest, WhatAHostHeldForDesignGoesWithIt) {
     TestProcess host({TEST_HOST_PROGRAM, "--for-design", "1", "2"});
     ASSERT_EQ(host.ReadLine(), "2");
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
     host.Finish();
-    EXPECT_TRUE(Eventually([&] { return mWorld.LinkedFiles().empty(); }));
+    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
 }
 
 TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
@@ -95,9 +95,9 @@ TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
         names.push_back("Absent" + std::to_string(number));
     const auto ids = mLibrary.Activate("/document", names);
     EXPECT_EQ(ids.size(), 300u);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 300u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 300u);
     EXPECT_EQ(mLibrary.Deactivate(ids), 0u);
-    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+    EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
 TEST_F(RecoveryTest, AFontWhoseFileIsGoneIsNotified) {

@@ -96,7 +96,7 @@ TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     EXPECT_EQ(cf::GetInt64(cf::GetDictionary(report, kGS_MatchedFontKey), kGS_ActivationStateKey),
               kFontActivationState_Inactive);
     EXPECT_TRUE(platform::IsExistingFile(cf::GetString(report, kGS_PathKey)));
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 2u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
 
     const int64_t id = *cf::GetInt64(RecordAt(matched, 0), kGS_DatabaseIDKey);
     const auto states = cf::MutableDictionary();
@@ -108,7 +108,7 @@ TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     const auto deactivated = cf::MutableArray();
     ASSERT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
     EXPECT_EQ(cf::Count(deactivated.get()), 2);
-    EXPECT_TRUE(mWorld.LinkedFiles().empty());
+    EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
 TEST_F(InterfaceTest, FontsThatAreNotThereComeWithThoseThatAreNear) {
@@ -138,7 +138,7 @@ TEST_F(InterfaceTest, FontsThatAreNotThereComeWithThoseThatAreNear) {
     EXPECT_EQ(cf::Get(RecordAt(unmatched, 1), kGS_PossibleReplacementsKey), nullptr);
     EXPECT_EQ(CFArrayGetValueAtIndex(unmatched.get(), 2), CFArrayGetValueAtIndex(requested.get(), 2))
         << "a bare name stays one";
-    EXPECT_TRUE(mWorld.LinkedFiles().empty()) << "nothing is activated unasked";
+    EXPECT_TRUE(mWorld.ActiveFiles().empty()) << "nothing is activated unasked";
 }
 
 TEST_F(InterfaceTest, OnlySoManyMissingFontsComeWithReplacements) {
@@ -167,7 +167,7 @@ TEST_F(InterfaceTest, TheUsersOwnActivationOutlivesADocument) {
     const auto deactivated = cf::MutableArray();
     EXPECT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
     EXPECT_EQ(cf::Count(deactivated.get()), 0);
-    EXPECT_EQ(mWorld.LinkedFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
 }
 
 TEST_F(InterfaceTest, FindsFonts) {

@@ -104,17 +104,18 @@ Json TestWorld::RunForJson(std::vector<std::string> arguments) const {
     return Json::parse(result.output, nullptr, false);
 }
 
-std::vector<std::string> TestWorld::LinkedFiles() const {
+std::vector<std::string> TestWorld::FilesBelow(const std::string& path) const {
+    const fs::path folder = platform::Utf8Path(Path(path));
     std::vector<std::string> files;
     std::error_code failure;
-    fs::recursive_directory_iterator entry(platform::Utf8Path(Path("data/fonts")), failure);
+    fs::recursive_directory_iterator entry(folder, failure);
     for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
         std::error_code ignored;
         if (entry->is_regular_file(ignored))
             files.push_back(platform::Utf8Text(entry->path()));
     }
-    const bool isThere = fs::exists(platform::Utf8Path(Path("data/fonts/Vantorix")));
-    return failure && isThere ? LinkedFiles() : files;  // the agent has removed a folder under our feet
+    // The agent may have removed a folder under our feet.
+    return failure && fs::exists(folder) ? FilesBelow(path) : files;
 }
 
 }  // namespace pellwick::test

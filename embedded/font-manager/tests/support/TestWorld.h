@@ -44,8 +44,11 @@ public:
     /// The same with --json: what it printed.
     Json RunForJson(std::vector<std::string> arguments) const;
 
-    /// Files of active fonts, as any program would find them.
-    std::vector<std::string> LinkedFiles() const;
+    /// Files of active fonts, as any program would find them: Linux: those in the folder for them. Windows:
+    /// what the agent, which must run, sees in the system's table.
+    std::vector<std::string> ActiveFiles() const;
+    /// Every file below PATH, at any depth.
+    std::vector<std::string> FilesBelow(const std::string& path) const;
 
 private:
     const TemporaryFolder mTemporaryFolder;
