@@ -6,6 +6,7 @@
 #include "Output.h"
 #include "platform/Environment.h"
 #include "platform/Processes.h"
+#include "platform/ProgramArguments.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ bool NamesAHost(const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    platform::ProgramArguments arguments(argc, argv);
     CLI::App program{
         "Drives the font auto-activation core from the command line, as a host application would."};
     program.footer(kExitStatusHelp);
@@ -82,7 +84,7 @@ int main(int argc, char** argv) {
         "{\"panel\": {\"messageID\": …}} sends a message as a panel does");
 
     try {
-        program.parse(argc, argv);
+        program.parse(arguments.Count(), arguments.Words());
     } catch (const CLI::ParseError& error) {
         const int status = program.exit(error);
         return status == 0 ? exit_status::kDone : exit_status::kWrongUsage;

@@ -14,11 +14,14 @@
 namespace platform {
 namespace {
 
-/// What is no console must get every byte as it is, without line ends made longer.
-void KeepBytes(std::FILE* stream, DWORD handle) {
+/// A console obeys the escape sequences for colours; what is none must get every byte as it is, without line
+/// ends made longer.
+void Prepare(std::FILE* stream, DWORD handle) {
     DWORD mode = 0;
     if (!GetConsoleMode(GetStdHandle(handle), &mode))
         _setmode(_fileno(stream), _O_BINARY);
+    else if (handle != STD_INPUT_HANDLE)
+        SetConsoleMode(GetStdHandle(handle), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 }  // namespace
@@ -32,9 +35,9 @@ ProgramArguments::ProgramArguments(int, char**) {
     LocalFree(words);
     PointToTexts();
     SetConsoleOutputCP(CP_UTF8);
-    KeepBytes(stdin, STD_INPUT_HANDLE);
-    KeepBytes(stdout, STD_OUTPUT_HANDLE);
-    KeepBytes(stderr, STD_ERROR_HANDLE);
+    Prepare(stdin, STD_INPUT_HANDLE);
+    Prepare(stdout, STD_OUTPUT_HANDLE);
+    Prepare(stderr, STD_ERROR_HANDLE);
 }
 
 }  // namespace platform
