@@ -25,15 +25,7 @@ std::vector<std::string> NamesOf(const Json& fonts) {
     return names;
 }
 
-std::vector<std::filesystem::path> FilesInVault() {
-    const auto vault = platform::Utf8Path(Locations::OfThisUser().vaultFolder);
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault)) {
-        if (entry.is_regular_file())
-            files.push_back(entry.path());
-    }
-    return files;
-}
+constexpr char kVault[] = "data/Vantorix/Pellwick/vault";
 
 TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
     TestWorld world;
@@ -69,14 +61,14 @@ TEST(CommandLine, ActivatesAndRemovesByAnyName) {
     world.RunForJson({"deactivate", "Sample-Italic"});
     EXPECT_EQ(world.ActiveFiles().size(), 1u);
     EXPECT_EQ(world.RunForJson({"status"})["activeFiles"], 1);
-    EXPECT_EQ(FilesInVault().size(), 2u);
+    EXPECT_EQ(world.FilesBelow(kVault).size(), 2u);
     const ProgramResult unknown = world.Run({"activate", "Nowhere"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
     world.RunForJson({"remove", "Sample-Bold"});
     EXPECT_TRUE(world.ActiveFiles().empty());
     EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
-    EXPECT_EQ(FilesInVault().size(), 1u);
+    EXPECT_EQ(world.FilesBelow(kVault).size(), 1u);
 }
 
 TEST(CommandLine, SaysWhatToDoWhenThereIsNoAgent) {
@@ -283,11 +275,7 @@ TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     const std::string font = world.WriteFont("Sample-Bold");
     world.RunForJson({"add", font});
     const auto state = [&] { return world.RunForJson({"list"})["fonts"][0]["ActivationStatus"].get<int>(); };
-    const auto emptyVault = [] {
-        for (const auto& file : FilesInVault())
-            platform::RemoveFile(platform::Utf8Text(file));
-    };
-    emptyVault();
+    world.EmptyVault();
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);
     EXPECT_EQ(state(), kFontActivationState_Missing);
     world.RunForJson({"add", font});
@@ -295,7 +283,7 @@ TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
     EXPECT_EQ(world.Run({"add", font, "--workgroup", "System Fonts"}).status, 1);
     world.StopAgent();
-    emptyVault();
+    world.EmptyVault();
     world.StartAgent();
     EXPECT_EQ(state(), kFontActivationState_Missing);
 }

@@ -49,10 +49,6 @@ protected:
     ErrorCode Preview(const IDs& fonts, bool activate) {
         return mLibrary.PreviewActivateFonts(mLibrary.Facade(), IDsArray(fonts).get(), activate);
     }
-    void RemoveVaultFiles() {
-        std::filesystem::remove_all(platform::Utf8Path(Locations::OfThisUser().vaultFolder));
-    }
-
     TestWorld mWorld;
     TestLibrary mLibrary;
     IDs mIDs;
@@ -111,7 +107,7 @@ TEST_F(DesignTest, APreviewHoldsItsFontsBesideWhateverElseDoes) {
 }
 
 TEST_F(DesignTest, AFontWhoseFileIsGoneIsRefused) {
-    RemoveVaultFiles();
+    mWorld.EmptyVault();
     EXPECT_EQ(Enable(mIDs[0], false, true), error_codes::GZephyrinAssetManager::kFontMissing);
     EXPECT_EQ(Preview({mOther}, true), CoreErrorCodes::kNotFound);
     EXPECT_EQ(mLibrary.StateOf(mIDs[0]), kFontActivationState_Missing);

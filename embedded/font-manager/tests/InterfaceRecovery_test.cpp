@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "common/Locations.h"
-#include "platform/Files.h"
 #include "tests/support/RecoveryTest.h"
 
 namespace pellwick::test {
@@ -102,8 +101,7 @@ TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
 
 TEST_F(RecoveryTest, AFontWhoseFileIsGoneIsNotified) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    for (const std::string& file : mWorld.FilesBelow("data/Vantorix/Pellwick/vault"))
-        ASSERT_FALSE(platform::RemoveFile(file));
+    mWorld.EmptyVault();
     EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
     EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
     mWorld.RunForJson({"logout"});

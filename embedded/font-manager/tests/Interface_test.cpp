@@ -1,7 +1,6 @@
 // What a plug-in gets from the interface library while all is well.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -249,6 +248,7 @@ TEST_F(InterfaceTest, NothingIsActivatedOrPermittedForAUserWhoIsLoggedOut) {
 TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
     const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "Sample-Italic"});
     const std::string folder = mWorld.Path("Gesammelte \u5b57\u4f53");
+    const auto in = [&](const std::string& name) { return mWorld.Path("Gesammelte \u5b57\u4f53/" + name); };
     std::string otherContent = MakeTestFont({"Sample-Bold", "Sample", "Bold", "1.0"});
     otherContent.back() ^= 1;  // another file of the same size
     const std::string other = mWorld.Write("Gesammelte \u5b57\u4f53/Sample-Bold-1.0.ttf", otherContent);
@@ -259,7 +259,7 @@ TEST_F(InterfaceTest, ExportsFontFilesUnderTheirNamesWithoutOverwritingOthers) {
     EXPECT_FALSE(canExport);
     for (int time = 0; time < 2; ++time) {  // the second time finds its own files
         EXPECT_EQ(Export(ids, folder),
-                  (Exported{0, {folder + "/Sample-Bold-1.0 2.ttf", folder + "/Sample-Italic-1.0.ttf"}}));
+                  (Exported{0, {in("Sample-Bold-1.0 2.ttf"), in("Sample-Italic-1.0.ttf")}}));
     }
     std::string content;
     platform::ReadWholeFile(other, content, otherContent.size());
@@ -273,17 +273,17 @@ TEST_F(InterfaceTest, ExportsEachFileOnceAndTheOthersWhenOneIsMissing) {
     mWorld.RunForJson({"add", mWorld.Path("more")});
     const auto ids = mLibrary.Activate("/document", {"Sample-Bold", "One", "Two", "Sample-Italic"});
     ASSERT_EQ(ids.size(), 4u);
-    std::filesystem::remove(PathOf(ids[0]));
+    platform::RemoveFile(PathOf(ids[0]));
     const std::string folder = mWorld.Path("exported");
+    const std::string collection = mWorld.Path("exported/Collection.ttc");
     const auto [code, paths] = Export({999, ids[0], ids[1], ids[2], ids[3]}, folder);
     EXPECT_EQ(code, GZephyrinExportFonts::kFontUnavailableToExport);
-    EXPECT_EQ(paths,
-              (std::vector<std::string>{folder + "/Collection.ttc", folder + "/Sample-Italic-1.0.ttf"}));
+    EXPECT_EQ(paths, (std::vector<std::string>{collection, mWorld.Path("exported/Sample-Italic-1.0.ttf")}));
     EXPECT_EQ(Export({ids[3], 999}, folder).first, GZephyrinExportFonts::kFontUnavailableToExport);
     EXPECT_EQ(Export({999}, folder).first, GZephyrinExportFonts::kFontUnavailableToExport);
     for (const int64_t face : {ids[1], ids[2]})  // one at a time comes to the same
-        EXPECT_EQ(Export({face}, folder), (Exported{0, {folder + "/Collection.ttc"}}));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+        EXPECT_EQ(Export({face}, folder), (Exported{0, {collection}}));
+    EXPECT_EQ(mWorld.FilesBelow("exported").size(), 2u);
 }
 
 TEST_F(InterfaceTest, ExportsNothingUnderANameThatWouldBeTooLong) {

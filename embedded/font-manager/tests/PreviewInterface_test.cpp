@@ -88,7 +88,7 @@ TEST_F(PreviewTest, ArriveByFontAndThoseOfHighPriorityFirst) {
 }
 
 TEST_F(PreviewTest, AreLeftOutWhereTheFontIsGone) {
-    std::filesystem::remove_all(platform::Utf8Path(mWorld.Path("data/Vantorix/Pellwick/vault")));
+    mWorld.EmptyVault();
     const auto fontPNGs = cf::MutableDictionary();
     EXPECT_EQ(Render({}, {1, 999}, fontPNGs.get()), 0u);
     EXPECT_EQ(CFDictionaryGetCount(fontPNGs.get()), 0);

@@ -3,13 +3,15 @@
 #include <stdexcept>
 
 #include "platform/DynamicLibrary.h"
+#include "platform/Folders.h"
 
 namespace pellwick::test {
 
 TestLibrary::TestLibrary() {
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     platform::SystemError error;
-    const platform::LibraryHandle library = libraries.LoadFromPath(TARNWICK_LIBRARY, error);
+    const platform::LibraryHandle library =
+        libraries.LoadFromPath(platform::FullPath(TARNWICK_LIBRARY), error);
     if (library == nullptr)
         throw std::runtime_error(libraries.LastLoadFailure());
 #define TEST_LIBRARY_BIND(symbol, parameters) \

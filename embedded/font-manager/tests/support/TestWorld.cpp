@@ -7,6 +7,7 @@
 
 #include "TestFonts.h"
 #include "platform/Environment.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick::test {
@@ -102,6 +103,11 @@ Json TestWorld::RunForJson(std::vector<std::string> arguments) const {
     const ProgramResult result = Run(arguments);
     EXPECT_EQ(result.status, 0) << result.errors;
     return Json::parse(result.output, nullptr, false);
+}
+
+void TestWorld::EmptyVault() const {
+    for (const std::string& file : FilesBelow("data/Vantorix/Pellwick/vault"))
+        EXPECT_FALSE(platform::RemoveFile(file)) << file;
 }
 
 std::vector<std::string> TestWorld::FilesBelow(const std::string& path) const {

@@ -47,6 +47,8 @@ public:
     /// Files of active fonts, as any program would find them: Linux: those in the folder for them. Windows:
     /// what the agent, which must run, sees in the system's table.
     std::vector<std::string> ActiveFiles() const;
+    /// Takes away what the font manager keeps of its fonts.
+    void EmptyVault() const;
     /// Every file below PATH, at any depth.
     std::vector<std::string> FilesBelow(const std::string& path) const;
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "platform/DynamicLibrary.h"
+#include "platform/Folders.h"
 #include "tests/support/TestLibrary.h"
 
 namespace pellwick::test {
@@ -10,8 +11,9 @@ namespace pellwick::test {
 /// As the export directory of the loaded image has them (PE Format, ".edata").
 std::set<std::string> ExportedNames() {
     platform::SystemError error;
-    const auto* image = static_cast<const unsigned char*>(
-        platform::Current<platform::DynamicLibraries>().LoadFromPath(TARNWICK_LIBRARY, error));
+    const auto* image =
+        static_cast<const unsigned char*>(platform::Current<platform::DynamicLibraries>().LoadFromPath(
+            platform::FullPath(TARNWICK_LIBRARY), error));
     if (image == nullptr)
         throw std::runtime_error(platform::SystemErrorText(error));
     const auto* begin = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);

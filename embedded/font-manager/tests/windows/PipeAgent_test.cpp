@@ -1,0 +1,38 @@
+// The agent at a pipe whose name others know.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "common/Locations.h"
+#include "platform/LocalStream.h"
+#include "platform/Utf8Path.h"
+#include "tests/support/RawClient.h"
+#include "tests/support/TestWorld.h"
+
+namespace pellwick::test {
+namespace {
+
+TEST(PipeAgent, ListensElsewhereWhereSomebodyHasItsName) {
+    TestWorld world;
+    const Locations locations = Locations::OfThisUser();
+    const std::string name =
+        platform::LocalStreamAddresses("Vantorix", "Pellwick", locations.dataFolder).front();
+    const HANDLE foreign = CreateNamedPipeW(platform::Utf8Path(name).c_str(), PIPE_ACCESS_DUPLEX,
+                                            PIPE_TYPE_BYTE, 1, 4096, 4096, 0, nullptr);
+    ASSERT_NE(foreign, INVALID_HANDLE_VALUE);
+    world.StartAgent();
+    EXPECT_NE(locations.AgentAddress(), name);
+    EXPECT_EQ(world.Run({"status", "--no-start"}).status, 0);
+    CloseHandle(foreign);
+}
+
+TEST(PipeAgent, StartsWhileAClientOfADeadAgentHoldsOnToItsPipe) {
+    TestWorld world;
+    world.StartAgent();
+    const RawClient client;
+    world.KillAgent();
+    world.StartAgent();
+    EXPECT_EQ(world.Run({"status", "--no-start"}).status, 0);
+}
+
+}  // namespace
+}  // namespace pellwick::test

@@ -1,0 +1,150 @@
+#include "platform/LocalStream.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <thread>
+
+#include "TemporaryFolder.h"
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Both ends of a connection, each with a loop of its own.
+class LocalStreamTest : public testing::Test {
+protected:
+    LocalStreamTest() {
+        EXPECT_FALSE(mAcceptor.Listen(mAddress).code);
+        EXPECT_FALSE(mClient.Connect(mAddress, std::chrono::steady_clock::now() + 10s, mIsCancelled));
+        mServerLoop.run_for(10s);
+        mServerLoop.restart();
+    }
+
+    /// What the server receives until it has that many bytes or the client has closed.
+    std::string ReceiveAll(size_t size) {
+        std::string received;
+        std::array<char, 4096> piece;
+        bool isOver = false;
+        while (!isOver && received.size() < size) {
+            mServer->Read(asio::buffer(piece), [&](const asio::error_code& failure, size_t count) {
+                received.append(piece.data(), count);
+                isOver = bool(failure);
+            });
+            mServerLoop.run();
+            mServerLoop.restart();
+        }
+        return received;
+    }
+
+    TemporaryFolder mFolder;
+    const std::string mAddress = LocalStreamAddresses("Test", "Streams", mFolder / "data").front();
+    const std::atomic<bool> mIsCancelled{false};
+    asio::io_context mServerLoop;
+    asio::io_context mClientLoop;
+    std::optional<LocalStream> mServer;
+    LocalAcceptor mAcceptor{mServerLoop, [this](LocalStream connection) {
+                                mServer = std::move(connection);
+                                mAcceptor.Close();
+                            }};
+    LocalStream mClient{mClientLoop};
+};
+
+TEST_F(LocalStreamTest, EitherEndKnowsWhoIsAtTheOther) {
+    for (const LocalStream* end : {&mClient, &*mServer}) {
+        PeerIdentity peer;
+        EXPECT_FALSE(end->IdentifyPeer(peer).code);
+        EXPECT_EQ(peer.process, CurrentProcessId());
+        EXPECT_TRUE(peer.isSameUser);
+    }
+}
+
+TEST_F(LocalStreamTest, WhatIsWrittenArrivesInOrderThoughTheWritersLoopStandsStill) {
+    std::string expected;
+    for (int count = 0; count < 200; ++count) {
+        mClient.Write(std::to_string(count) + " ", [](const asio::error_code&) {});
+        expected += std::to_string(count) + " ";
+    }
+    EXPECT_EQ(ReceiveAll(expected.size()), expected);
+}
+
+TEST_F(LocalStreamTest, WritingNeverWaitsForAnEndThatDoesNotRead) {
+    constexpr int kPieces = 64;
+    int taken = 0;
+    for (int count = 0; count < kPieces; ++count) {
+        mClient.Write(std::string(100'000, static_cast<char>('0' + count)),
+                      [&](const asio::error_code& failure) { taken += failure ? 0 : 1; });
+    }
+    mClientLoop.run_for(50ms);
+    EXPECT_LT(taken, kPieces);
+    std::thread reader([this] { EXPECT_EQ(ReceiveAll(kPieces * 100'000).size(), kPieces * 100'000u); });
+    mClientLoop.restart();
+    mClientLoop.run();
+    reader.join();
+    EXPECT_EQ(taken, kPieces);
+}
+
+TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredAfterTheEndIsClosed) {
+    bool isTaken = false;
+    mClient.Write("the last word", [&](const asio::error_code& failure) { isTaken = !failure; });
+    mClientLoop.run();
+    EXPECT_TRUE(isTaken);
+    mClient.Close();
+    EXPECT_EQ(ReceiveAll(1000), "the last word");
+}
+
+TEST_F(LocalStreamTest, ACancelledReadSaysSo) {
+    char byte = 0;
+    asio::error_code result;
+    mClient.Read(asio::buffer(&byte, 1), [&](const asio::error_code& failure, size_t) { result = failure; });
+    mClientLoop.run_for(10ms);
+    mClient.Cancel();
+    mClientLoop.restart();
+    mClientLoop.run();
+    EXPECT_EQ(result, asio::error::operation_aborted);
+    mServer->Write("x", [](const asio::error_code&) {});
+    mClient.Read(asio::buffer(&byte, 1), [&](const asio::error_code& failure, size_t) { result = failure; });
+    mClientLoop.restart();
+    mClientLoop.run();
+    EXPECT_EQ(byte, 'x') << "the connection goes on";
+}
+
+TEST(LocalAcceptor, TakesThoseWhoWaitThoughItsLoopStandsStill) {
+    const TemporaryFolder folder;
+    const std::string address = LocalStreamAddresses("Test", "Waiting", folder / "data").front();
+    asio::io_context loop;
+    int admitted = 0;
+    LocalAcceptor acceptor(loop, [&](LocalStream) { ++admitted; });
+    ASSERT_FALSE(acceptor.Listen(address).code);
+    const std::atomic<bool> isCancelled{false};
+    constexpr int kClients = 5;
+    std::vector<LocalStream> clients;
+    for (int count = 0; count < kClients; ++count) {
+        clients.emplace_back(loop);
+        EXPECT_FALSE(clients.back().Connect(address, std::chrono::steady_clock::now() + 10s, isCancelled));
+    }
+    acceptor.AdmitWaiting();
+    EXPECT_EQ(admitted, kClients);
+    loop.poll();
+    EXPECT_EQ(admitted, kClients) << "each once";
+}
+
+TEST(LocalAcceptor, NobodyListensAtAnAddressThatWasGivenUp) {
+    const TemporaryFolder folder;
+    const std::string address = LocalStreamAddresses("Test", "GivenUp", folder / "data").front();
+    const std::atomic<bool> isCancelled{false};
+    for (int time = 0; time < 2; ++time) {
+        asio::io_context loop;
+        {
+            LocalAcceptor acceptor(loop, [](LocalStream) {});
+            ASSERT_FALSE(acceptor.Listen(address).code) << "also a second time";
+        }
+        loop.poll();
+        EXPECT_TRUE(LocalStream(loop).Connect(address, std::chrono::steady_clock::now() + 10s, isCancelled));
+    }
+}
+
+}  // namespace
+}  // namespace platform
