@@ -95,6 +95,18 @@ TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredAfterTheEndIsClosed) {
     EXPECT_EQ(ReceiveAll(1000), "the last word");
 }
 
+TEST_F(LocalStreamTest, WritesUnderWayEndWhenTheOtherEndCloses) {
+    int failures = 0;
+    for (int count = 0; count < 3; ++count) {
+        mClient.Write(std::string(1 << 20, 'x'),
+                      [&](const asio::error_code& failure) { failures += failure ? 1 : 0; });
+    }
+    EXPECT_EQ(ReceiveAll(1).front(), 'x');
+    mServer->Close();
+    mClientLoop.run();
+    EXPECT_EQ(failures, 3);
+}
+
 TEST_F(LocalStreamTest, ACancelledReadSaysSo) {
     char byte = 0;
     asio::error_code result;

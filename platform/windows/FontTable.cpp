@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <cstdint>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -84,12 +84,13 @@ private:
 };
 
 int CALLBACK NoteFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM fonts) {
-    reinterpret_cast<std::vector<LOGFONTW>*>(fonts)->push_back(*font);
+    reinterpret_cast<std::vector<ENUMLOGFONTEXW>*>(fonts)->push_back(
+        *reinterpret_cast<const ENUMLOGFONTEXW*>(font));
     return 1;
 }
 
-std::vector<LOGFONTW> FontsOf(HDC device, const wchar_t* family) {
-    std::vector<LOGFONTW> fonts;
+std::vector<ENUMLOGFONTEXW> FontsOf(HDC device, const wchar_t* family) {
+    std::vector<ENUMLOGFONTEXW> fonts;
     LOGFONTW filter{};
     filter.lfCharSet = DEFAULT_CHARSET;
     lstrcpynW(filter.lfFaceName, family, LF_FACESIZE);
@@ -100,11 +101,27 @@ std::vector<LOGFONTW> FontsOf(HDC device, const wchar_t* family) {
 /// Without a family one font of each is listed, once for every character set.
 std::set<std::wstring> Families(HDC device) {
     std::set<std::wstring> families;
-    for (const LOGFONTW& font : FontsOf(device, L"")) {
-        if (font.lfFaceName[0] != L'@')  // the same, for vertical text
-            families.insert(font.lfFaceName);
+    for (const ENUMLOGFONTEXW& font : FontsOf(device, L"")) {
+        if (font.elfLogFont.lfFaceName[0] != L'@')  // the same, for vertical text
+            families.insert(font.elfLogFont.lfFaceName);
     }
     return families;
+}
+
+/// What to ask for, to be given each font of a family: by the family's name and style, and by its full name,
+/// which alone tells two fonts of one weight and slope apart. They are listed once for every character set.
+std::map<std::wstring, LOGFONTW> RequestsFor(HDC device, const std::wstring& family) {
+    std::map<std::wstring, LOGFONTW> requests;
+    for (const ENUMLOGFONTEXW& font : FontsOf(device, family.c_str())) {
+        const std::wstring fullName = font.elfFullName;
+        LOGFONTW request = font.elfLogFont;
+        requests.emplace(L"of " + fullName, request);
+        if (fullName.size() < LF_FACESIZE) {
+            lstrcpynW(request.lfFaceName, fullName.c_str(), LF_FACESIZE);
+            requests.emplace(fullName, request);
+        }
+    }
+    return requests;
 }
 
 /// GDI takes no path of 260 characters or more, so such a file goes by its short name.
@@ -133,13 +150,9 @@ public:
         VisibleFonts visible;
         const HDC device = CreateCompatibleDC(nullptr);
         for (const std::wstring& family : Families(device)) {
-            std::pair<LONG, BYTE> previous{-1, 0};
-            for (const LOGFONTW& font : FontsOf(device, family.c_str())) {
-                // The styles come once for every character set.
-                const std::pair<LONG, BYTE> style{font.lfWeight, font.lfItalic};
-                if (std::exchange(previous, style) == style)
-                    continue;
-                const NameTable names(FontInDevice(device, font).Table("name"));
+            for (const auto& [ignored, request] : RequestsFor(device, family)) {
+                // Whatever font it gives is one that it offers.
+                const NameTable names(FontInDevice(device, request).Table("name"));
                 visible.postScriptNames.insert(names.PostScriptName());
             }
         }

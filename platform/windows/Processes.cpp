@@ -137,6 +137,8 @@ public:
         std::wstring words = ToWide(commandLine);
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
+        // No streams, rather than ours: whoever reads what we print would wait for the child as well.
+        startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
         constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
         if (!CreateProcessW(ToWide(executablePath).c_str(), words.data(), nullptr, nullptr, FALSE, kFlags,

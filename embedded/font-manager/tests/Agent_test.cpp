@@ -11,6 +11,7 @@
 #include "common/Locations.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
 #include "platform/Utf8Path.h"
 #include "tests/support/RawClient.h"
 #include "tests/support/TestWorld.h"
@@ -204,10 +205,11 @@ TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
     std::string content;
     ASSERT_FALSE(platform::ReadWholeFile(file, content, 10000));
     EXPECT_EQ(file, world.Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf"));
-    EXPECT_EQ(content, std::string("pellwick.path=") + PELLWICK_PROGRAM + "\npellwick.args=serve\n");
+    EXPECT_EQ(content, std::string("pellwick.path=") + platform::FullPath(PELLWICK_PROGRAM) +
+                           "\npellwick.args=serve\n");
 }
 
-TEST(Agent, RunsOncePerUserAndEndsOnASignal) {
+TEST(Agent, RunsOncePerUserAndEndsInOrder) {
     TestWorld world;
     world.StartAgent();
     const ProgramResult second = world.Run({"serve"});

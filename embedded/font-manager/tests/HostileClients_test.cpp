@@ -122,10 +122,9 @@ protected:
     Noise noise;
 };
 
-TEST_F(HostileClients, AHundredThousandFramesOfNonsense) {
-    constexpr int kFrames = 100'000;
+TEST_F(HostileClients, ThousandsOfFramesOfNonsense) {
     int sent = 0;
-    for (int connection = 0; sent < kFrames; ++connection) {
+    for (int connection = 0; sent < FRAMES_OF_NONSENSE; ++connection) {
         // The first malformed frame ends a connection, so these are sent few at a time.
         const bool isMutated = connection % 10 != 0;
         std::string burst;
