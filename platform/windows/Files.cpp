@@ -114,6 +114,14 @@ SystemError CopyAll(ReadOnlyFile& source, const OwnedHandle& target) {
     }
 }
 
+/// Whoever may write to a folder may remove what is in it, or put something else in its place, also a file
+/// that nobody is to write to. True when there was anything to clear.
+bool ClearReadOnly(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+           SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+}
+
 /// A virus scanner or an indexer may hold either file for a moment.
 SystemError Rename(const std::string& from, const std::string& to, DWORD flags) {
     constexpr int kAttempts = 20;
@@ -128,6 +136,8 @@ SystemError Rename(const std::string& from, const std::string& to, DWORD flags) 
         const DWORD attributes = GetFileAttributesW(target.c_str());
         const bool isFolder =
             attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+        if (isTransient && (flags & MOVEFILE_REPLACE_EXISTING) != 0 && ClearReadOnly(target))
+            continue;
         if (!isTransient || isFolder || attempt == kAttempts)
             return error;
         std::this_thread::sleep_for(kPause);
@@ -264,7 +274,9 @@ SystemError WriteTemporaryFile(const std::string& folder, const std::string& pre
 
 SystemError RemoveFile(const std::string& path) {
     const std::wstring name = ToWidePath(path);
-    const SystemError error = ErrorUnless(!name.empty() && DeleteFileW(name.c_str()));
+    SystemError error = ErrorUnless(!name.empty() && DeleteFileW(name.c_str()));
+    if (error.IsNotPermitted() && ClearReadOnly(name))
+        error = ErrorUnless(DeleteFileW(name.c_str()));
     return error.IsNotFound() ? SystemError{} : error;
 }
 

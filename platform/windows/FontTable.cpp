@@ -107,14 +107,25 @@ std::set<std::wstring> Families(HDC device) {
     return families;
 }
 
+/// GDI takes no path of 260 characters or more, so such a file goes by its short name.
+std::wstring PathForTable(const std::string& path) {
+    constexpr std::wstring_view kWithoutLimit = LR"(\\?\)";
+    std::wstring wide = ToWidePath(path);
+    if (!wide.starts_with(kWithoutLimit))
+        return wide;
+    const std::wstring brief = ReadWideText(
+        [&](wchar_t* buffer, DWORD size) { return GetShortPathNameW(wide.c_str(), buffer, size); });
+    return brief.starts_with(kWithoutLimit) ? brief.substr(kWithoutLimit.size()) : brief;
+}
+
 class WindowsFontTable : public FontTable {
 public:
     bool IsFilledFromFolders() override { return false; }
     bool Add(const std::string& path) override {
-        return AddFontResourceExW(ToWidePath(path).c_str(), 0, nullptr) > 0;
+        return AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) > 0;
     }
     bool Remove(const std::string& path) override {
-        return RemoveFontResourceExW(ToWidePath(path).c_str(), 0, nullptr) != FALSE;
+        return RemoveFontResourceExW(PathForTable(path).c_str(), 0, nullptr) != FALSE;
     }
     void AnnounceChange() override { SendNotifyMessageW(HWND_BROADCAST, WM_FONTCHANGE, 0, 0); }
 

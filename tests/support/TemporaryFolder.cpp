@@ -15,8 +15,18 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(mPath, error);
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    fs::remove_all(mPath, failure);
+    if (!failure)
+        return;
+    // Where files that nobody may write to cannot be removed either.
+    for (fs::recursive_directory_iterator entry(mPath, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code ignored;
+        fs::permissions(entry->path(), fs::perms::owner_write, fs::perm_options::add, ignored);
+    }
+    fs::remove_all(mPath, failure);
 }
 
 std::string TemporaryFolder::operator/(std::string_view name) const {

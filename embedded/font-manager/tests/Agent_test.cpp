@@ -285,7 +285,7 @@ TEST(Agent, AFontWhoseFileIsGoneIsMissingUntilItIsAddedAgain) {
     const auto state = [&] { return world.RunForJson({"list"})["fonts"][0]["ActivationStatus"].get<int>(); };
     const auto emptyVault = [] {
         for (const auto& file : FilesInVault())
-            std::filesystem::remove(file);
+            platform::RemoveFile(platform::Utf8Text(file));
     };
     emptyVault();
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "common/Locations.h"
-#include "platform/Utf8Path.h"
+#include "platform/Files.h"
 #include "tests/support/RecoveryTest.h"
 
 namespace pellwick::test {
@@ -102,7 +102,8 @@ TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
 
 TEST_F(RecoveryTest, AFontWhoseFileIsGoneIsNotified) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    std::filesystem::remove_all(platform::Utf8Path(Locations::OfThisUser().vaultFolder));
+    for (const std::string& file : mWorld.FilesBelow("data/Vantorix/Pellwick/vault"))
+        ASSERT_FALSE(platform::RemoveFile(file));
     EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
     EXPECT_TRUE(mLibrary.Activate("/document", {"Sample-Bold"}).empty());
     mWorld.RunForJson({"logout"});

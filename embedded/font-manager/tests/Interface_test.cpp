@@ -66,12 +66,7 @@ TEST(InterfaceLibrary, ExportsTheContractAndNothingElse) {
 #define CHECK_BOUND(symbol, parameters) EXPECT_NE(library.symbol, nullptr) << #symbol;
     TARNWICK_PLUGIN_FUNCTIONS(CHECK_BOUND)
 #undef CHECK_BOUND
-    std::istringstream symbols(
-        TestProcess({NM_PROGRAM, "-D", "--defined-only", TARNWICK_LIBRARY}).Finish().output);
-    std::set<std::string> exported;
-    for (std::string address, type, name; symbols >> address >> type >> name;)
-        exported.insert(name.substr(0, name.find('@')));
-    EXPECT_EQ(exported, expected);
+    EXPECT_EQ(ExportedNames(), expected);
 }
 
 TEST_F(InterfaceTest, ActivatesTheFontsOfADocumentAndLetsThemGo) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ struct TestLibrary {
     ErrorCode Deactivate(const std::vector<int64_t>& fontIDs) const;
     int32_t StateOf(int64_t fontID) const;
 };
+
+/// Every name that the library's file lets out.
+std::set<std::string> ExportedNames();
 
 CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames);
 CFRef<CFMutableArrayRef> IDsArray(const std::vector<int64_t>& fontIDs);
