@@ -21,8 +21,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} "${PLUGINCORE_WINDOWS_LIBRARIES}/lib/pkgconfig")
 set(ENV{PKG_CONFIG_PATH} "")
-# The libraries are static; so is the compiler's runtime, and no folder has to be searched for either.
-set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
+# Of the packaged one there is a shared form, too.
+set(ZLIB_LIBRARY /usr/x86_64-w64-mingw32/lib/libz.a CACHE FILEPATH "")
 
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/wine")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES PLUGINCORE_WINDOWS_LIBRARIES)

@@ -4,21 +4,13 @@ mapfile -t windows_packages <scripts/debian-packages-windows.txt
 install_packages "${windows_packages[@]}"
 scripts/windows-libraries.sh
 
-export WINEPREFIX=$PWD/build/wine
-wine=$PWD/scripts/wine
-
-# Runs a command with a display, with its programs' Wine kept at hand between them, and ends both afterwards.
+# Runs a command whose programs come and go with Wine's own server kept running in between, and ends that afterwards.
 with_wine() {
-  local status=0 server
-  server=$(command -v wineserver || echo /usr/lib/wine/wineserver)
-  xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
-    server=$1 wine=$2
-    shift 2
-    "$server" -p
-    "$wine" wineboot -i >/dev/null 2>&1
-    status=0
-    "$@" || status=$?
-    "$server" -k
-    exit $status' with_wine "$server" "$wine" "$@" || status=$?
+  local status=0
+  unset DISPLAY  # what needs a screen gets one of its own
+  WINEPREFIX=$PWD/build/wine WINEDEBUG=-all wineserver -p
+  scripts/wine wineboot -u >/dev/null 2>&1  # the first time it makes its world, which takes a while
+  "$@" || status=$?
+  WINEPREFIX=$PWD/build/wine wineserver -k || true
   return $status
 }

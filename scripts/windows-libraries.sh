@@ -151,14 +151,13 @@ build_freetype() {
   fetch_source freetype
   local source=$root/source/freetype
   [ -f "$source/CMakeLists.txt" ] || source=$(dirname "$(find "$source" -maxdepth 2 -name CMakeLists.txt | head -n 1)")
-  with_cmake freetype "$source" -DFT_DISABLE_ZLIB=ON -DFT_DISABLE_BZIP2=ON -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON \
+  with_cmake freetype "$source" -DFT_REQUIRE_ZLIB=ON -DFT_DISABLE_BZIP2=ON -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON \
     -DFT_DISABLE_BROTLI=ON
 }
 
 build_libpng() {
   fetch_source libpng1.6
-  with_cmake libpng "$root/source/libpng1.6" -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF \
-    -DZLIB_LIBRARY=/usr/$host/lib/libz.a -DZLIB_INCLUDE_DIR=/usr/$host/include
+  with_cmake libpng "$root/source/libpng1.6" -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF
 }
 
 build_nettle() {

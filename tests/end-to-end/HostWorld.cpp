@@ -9,10 +9,13 @@
 #include "platform/Environment.h"
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
-    const std::map<std::string, std::string> variables{
-        {"XDG_CONFIG_HOME", Path("config")},  {"XDG_CACHE_HOME", Path("cache")},
-        {"XDG_DATA_DIRS", Path("all users")}, {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
-        {"PLUGINCORE_ANSWERS", ""},           {"LC_ALL", "C.UTF-8"}};
+    const std::map<std::string, std::string> variables{{"XDG_CONFIG_HOME", Path("config")},
+                                                       {"XDG_CACHE_HOME", Path("cache")},
+                                                       {"XDG_DATA_DIRS", Path("all users")},
+                                                       {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
+                                                       {"PLUGINCORE_ANSWERS", ""},
+                                                       {"PLUGINCORE_PRESENTER", "silent"},
+                                                       {"LC_ALL", "C.UTF-8"}};
     for (const auto& [variable, value] : variables) {
         mSavedVariables[variable] = platform::EnvironmentVariable(variable.c_str());
         platform::SetEnvironment(variable.c_str(), value);
