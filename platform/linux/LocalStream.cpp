@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <deque>
 #include <filesystem>
+#include <utility>
 
 #include "TextHash.h"
 #include "platform/Folders.h"
@@ -49,19 +50,28 @@ struct LocalStream::State : std::enable_shared_from_this<State> {
         socket.async_write_some(asio::buffer(outputs.front().bytes) + written,
                                 [self = shared_from_this()](const asio::error_code& failure, size_t size) {
                                     self->written += size;
-                                    if (failure || self->written == self->outputs.front().bytes.size())
-                                        self->FinishFirst(failure);
+                                    if (failure)
+                                        self->FailAll(failure);
+                                    else if (self->written == self->outputs.front().bytes.size())
+                                        self->FinishFirst();
                                     else
                                         self->WriteNext();
                                 });
     }
-    void FinishFirst(const asio::error_code& failure) {
+    void FinishFirst() {
         const WriteHandler handler = std::move(outputs.front().handler);
         outputs.pop_front();
         written = 0;
-        handler(failure);  // which may close
+        handler({});  // which may close
         if (!outputs.empty())
             WriteNext();
+    }
+    /// Nothing more will be taken, and the system does not say so a second time to those who wait for it.
+    void FailAll(const asio::error_code& failure) {
+        const std::deque<Output> failed = std::exchange(outputs, {});
+        written = 0;
+        for (const Output& output : failed)
+            output.handler(failure);
     }
 
     Protocol::socket socket;

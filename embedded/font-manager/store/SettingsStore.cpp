@@ -17,8 +17,12 @@ constexpr char kYes[] = "1";
 constexpr char kNo[] = "0";
 
 std::string LocalUser() {
-    const std::string name = platform::EnvironmentVariable("USER");
-    return name.empty() ? "local user" : name;
+    for (const char* variable : {"USER", "USERNAME"}) {  // by the custom of POSIX, and of Windows
+        std::string name = platform::EnvironmentVariable(variable);
+        if (!name.empty())
+            return name;
+    }
+    return "local user";
 }
 
 }  // namespace

@@ -79,13 +79,14 @@ protected:
     std::vector<uint32_t> mIDs;
 };
 
-class ActivationTest : public Store, public testing::TestWithParam<MakeWay> {
+class ActivationTest : public Store, public testing::TestWithParam<const char*> {
 protected:
-    ActivationTest() : Store(GetParam()) {}
+    ActivationTest() : Store(GetParam() == kLinks ? MakeLinks : MakeResources) {}
+
+    static constexpr std::string_view kLinks = "links";
 };
 
-INSTANTIATE_TEST_SUITE_P(Links, ActivationTest, testing::Values(MakeLinks));
-INSTANTIATE_TEST_SUITE_P(Resources, ActivationTest, testing::Values(MakeResources));
+INSTANTIATE_TEST_SUITE_P(EveryWay, ActivationTest, testing::Values("links", "resources"));
 
 class LinkFolderTest : public Store, public testing::Test {
 protected:
