@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "HostWorld.h"
+#include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -136,14 +137,14 @@ TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {
     }
     const std::string log = world.Path("data/Vantorix/Logs/Illustrator2025.log");
     std::ostringstream silent;
-    silent << std::ifstream(log).rdbuf();
+    silent << std::ifstream(platform::Utf8Path(log)).rdbuf();
     EXPECT_THAT(silent.str(), testing::StartsWith("\n=======\n"));
     EXPECT_THAT(silent.str(), testing::Not(HasSubstr("Entering"))) << "it counts from the next start on";
     ScriptedHost host;
     host.Start();
     host.Open(document);
     std::ostringstream text;
-    text << std::ifstream(log).rdbuf();
+    text << std::ifstream(platform::Utf8Path(log)).rdbuf();
     EXPECT_THAT(text.str(),
                 HasSubstr("\nEntering PluginCoreInterface::HandleOpenExistingDocument('" + document));
     EXPECT_THAT(text.str(), HasSubstr("\n CommonFunctionality::ActivateDocumentFontsSilently("))

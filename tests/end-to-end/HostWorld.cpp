@@ -7,6 +7,7 @@
 
 #include "PanelSchemas.h"
 #include "platform/Environment.h"
+#include "platform/Utf8Path.h"
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
     const std::map<std::string, std::string> variables{{"XDG_CONFIG_HOME", Path("config")},
@@ -51,18 +52,6 @@ ProgramResult HostWorld::RunHost(std::vector<std::string> arguments) const {
     return TestProcess(arguments).Finish();
 }
 
-std::set<std::string> HostWorld::VisibleFonts() const {
-    const ProgramResult result = TestProcess({"/usr/bin/fc-list", ":", "postscriptname", "file"}).Finish();
-    std::set<std::string> names;
-    std::istringstream lines(result.output);
-    const std::string mark = "postscriptname=";
-    for (std::string line; std::getline(lines, line);) {
-        if (line.find("/fonts/Vantorix/") != std::string::npos)
-            names.insert(line.substr(line.find(mark) + mark.size()));
-    }
-    return names;
-}
-
 platform::ProcessId HostWorld::Agent() const {
     const ProgramResult result = mWorld.Run({"status", "--no-start", "--json"});
     return result.status == 0 ? json::parse(result.output).at("process").get<platform::ProcessId>() : 0;
@@ -77,7 +66,7 @@ void HostWorld::KillAgent() const {
 
 std::string HostWorld::Trace() const {
     std::ostringstream text;
-    text << std::ifstream(Path("trace")).rdbuf();
+    text << std::ifstream(platform::Utf8Path(Path("trace"))).rdbuf();
     return text.str();
 }
 
