@@ -59,10 +59,9 @@ struct LocalStream::State : std::enable_shared_from_this<State> {
                                 });
     }
     void FinishFirst() {
-        const WriteHandler handler = std::move(outputs.front().handler);
+        outputs.front().handler({});  // while it stays in the queue, what the handler writes comes behind it
         outputs.pop_front();
         written = 0;
-        handler({});  // which may close
         if (!outputs.empty())
             WriteNext();
     }
