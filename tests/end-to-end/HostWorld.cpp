@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -62,6 +63,13 @@ void HostWorld::KillAgent() const {
     ASSERT_NE(agent, 0);
     KillProcess(agent);
     ASSERT_TRUE(Eventually([&] { return platform::ProcessStartTime(agent) == 0; }));
+}
+
+void HostWorld::LoseFontFiles() const {
+    const std::filesystem::path vault = platform::Utf8Path(Path("data/Vantorix/Pellwick/vault"));
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault))
+        std::filesystem::permissions(entry, std::filesystem::perms::owner_all);  // they are protected
+    std::filesystem::remove_all(vault);
 }
 
 std::string HostWorld::Trace() const {

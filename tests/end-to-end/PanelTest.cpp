@@ -1,5 +1,7 @@
 #include "PanelTest.h"
 
+#include "FileURL.h"
+
 #include <algorithm>
 
 PanelTest::PanelTest() {
@@ -44,6 +46,5 @@ json PanelTest::Ask(const json& request) {
 
 std::string PathOfURL(const std::string& url) {
     EXPECT_TRUE(url.starts_with("file://")) << url;
-    const size_t path = url.find_first_not_of('/', sizeof "file://" - 1);
-    return path != std::string::npos ? "/" + url.substr(path) : "";
+    return PathOfFileURL(url);
 }

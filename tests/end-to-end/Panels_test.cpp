@@ -113,7 +113,7 @@ TEST_F(PanelTest, ActivatesAFamilyForADesignAndHearsOfAConflict) {
 }
 
 TEST_F(PanelTest, IsToldWhichFontCannotBeActivated) {
-    std::filesystem::remove_all(platform::Utf8Path(world.Path("data/Vantorix/Pellwick/vault")));
+    world.LoseFontFiles();
     const std::vector<json> answers = host.Panel({{"messageID", 8},
                                                   {"fontID", 3},
                                                   {"postscriptName", "Other-Regular"},

@@ -4,10 +4,9 @@
 // offers.
 std::set<std::string> HostWorld::VisibleFonts() const {
     const ProgramResult result = mWorld.Run({"list", "--visible", "--no-start", "--json"});
+    const json list = result.status == 0 ? json::parse(result.output) : json{{"fonts", json::array()}};
     std::set<std::string> names;
-    if (result.status != 0)
-        return names;
-    for (const json& font : json::parse(result.output).at("fonts"))
+    for (const json& font : list.at("fonts"))
         names.insert(font.at("PostScriptName").get<std::string>());
     return names;
 }
