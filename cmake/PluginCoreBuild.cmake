@@ -77,6 +77,9 @@ function(plugincore_test name)
   if(ARG_LOCK)
     list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
   endif()
+  if(WIN32)
+    list(APPEND ARG_ENVIRONMENT PLUGINCORE_PORTABLE=1)  # tests have folders of their own
+  endif()
   if(ARG_ENVIRONMENT)
     list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
   endif()
@@ -98,7 +101,8 @@ function(plugincore_window_test name)
     RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}"
     CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/scripts/wine-on-screen")
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK screen)
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK screen
+    ENVIRONMENT PLUGINCORE_PORTABLE=1)
 endfunction()
 
 # plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V])

@@ -26,14 +26,15 @@ install_packages() {
   apt_install "${missing[@]}" 2>/dev/null || { as_root apt-get update -qq || true; apt_install "${missing[@]}"; }
 }
 
-# Configures the preset if that was not done, and builds it.
+# Configures the preset if that was not done, and builds it, or the targets that are named.
 build_preset() {
   local preset=$1
+  shift
   if [ ! -f "build/$preset/build.ninja" ]; then
     echo "Building into build/$preset; the first time takes some minutes" >&2
     cmake --preset "$preset" >/dev/null
   fi
-  cmake --build --preset "$preset" -- --quiet >&2
+  cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet >&2
 }
 
 mapfile -t build_packages <scripts/debian-packages.txt

@@ -10,7 +10,7 @@ mkdir -p "$target"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # With preferences of their own, so that the pictures are always the same.
-XDG_CONFIG_HOME="Z:$work" LANG=${2:-en} LC_ALL= "$scripts/wine-on-screen" "$programs/framework-dialog-pictures.exe" \
+PLUGINCORE_PORTABLE=1 XDG_CONFIG_HOME="Z:$work" LANG=${2:-en} LC_ALL= "$scripts/wine-on-screen" "$programs/framework-dialog-pictures.exe" \
   "$programs/TarnwickPluginFramework.dll" "Z:$work" 2>/dev/null
 for picture in "$work"/*.bmp; do
   convert "$picture" -alpha off -colors 128 -strip "$target/$(basename -- "$picture" .bmp).png"

@@ -26,9 +26,12 @@ std::string SystemFolder(int csidl) {
                : std::string();
 }
 
-/// The variables of the XDG Base Directory rules serve here too, so that a test or a portable installation
-/// can have folders of its own. A value that is not a full path counts as unset.
+/// With PLUGINCORE_PORTABLE set, the variables of the XDG Base Directory rules serve here too, so that a test
+/// or a portable installation can have folders of its own. Without it they do not: programs that were ported
+/// from elsewhere have people set them. A value that is not a full path counts as unset.
 std::string FromVariable(const char* variable) {
+    if (EnvironmentVariable("PLUGINCORE_PORTABLE").empty())
+        return {};
     const std::string list = EnvironmentVariable(variable);
     const std::string first = list.substr(0, list.find(';'));
     return Utf8Path(first).is_absolute()

@@ -117,7 +117,8 @@ TEST_F(DocumentRoadTest, TheRoadCanBeReadInTheTraceWithItsNesting) {
           " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=0, filePath='",
           "  Entering FontActivationTracker::ActivateDocumentFonts(documentPath = \"",
           "   Entering CoreAgentInterface::ActivateDocumentFontsByPath(..., '",
-          "   kGS_ActivationStateKey '0', kGS_DatabaseIDKey 1 for 'Sample-Bold')\n",
+          // Another thread's line may come between this one and its blanks.
+          "kGS_ActivationStateKey '0', kGS_DatabaseIDKey 1 for 'Sample-Bold')\n",
           "   Entering RegisterFontWithDocument(postscriptName='Sample-Bold', sDocumentIdentifier='",
           "   Exiting RegisterFontWithDocument\n", "  ActivateDocumentFonts returning 0\n",
           " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=1, filePath='",

@@ -1,5 +1,6 @@
 // The folders that the system sets aside for applications. Paths are UTF-8, without a trailing separator;
-// they need not exist.
+// they need not exist. On Windows the XDG variables and TMPDIR count as well, but only when the variable
+// PLUGINCORE_PORTABLE is set; entries of XDG_DATA_DIRS are separated by ';' there.
 #pragma once
 
 #include <string>
