@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "ErrorCodes.h"
+#include "StringConversion.h"
 #include "platform/Environment.h"
 
 namespace {
@@ -37,7 +38,8 @@ bool UseColour() {
 }  // namespace
 
 void PrintError(const std::string& message) {
-    fmt::print(stderr, "plugincore-host: {}\n", message);
+    // A console of Windows takes nothing but text.
+    fmt::print(stderr, "plugincore-host: {}\n", ReplaceInvalidUtf8(message));
 }
 
 bool FlushOutput() {

@@ -38,7 +38,7 @@ void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& fai
             files.push_back({platform::Utf8Text(entry->path()), false});
     }
     if (failure)
-        failures.push_back({{"path", path}, {"reason", failure.message()}});
+        failures.push_back({{"path", path}, {"reason", platform::SystemErrorText(failure)}});
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end(),
               [](const FoundFile& left, const FoundFile& right) { return left.path < right.path; });
 }
