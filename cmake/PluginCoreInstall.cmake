@@ -8,6 +8,9 @@ install(TARGETS TarnwickPluginFramework LIBRARY DESTINATION ${CMAKE_INSTALL_LIBD
 install(TARGETS Pellwick TarnwickPluginInterfaceX64
         RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)
+  install(FILES "$<TARGET_FILE:CoreFoundation>" DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+endif()
 install(TARGETS plugincore-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES plugins/plugin-core/include/PluginCoreInterface.h contracts/include/PlugPlug.h
               contracts/include/FontRecordKeys.h

@@ -8,11 +8,7 @@ std::string CoreLibrary::DefaultPath() {
     const std::string program = platform::Current<platform::Processes>().CurrentExecutablePath();
     const std::string folder = program.substr(0, program.rfind(platform::kPathSeparator));
     const std::string prefix = folder.substr(0, folder.rfind(platform::kPathSeparator) + 1);
-    for (const char* library : {"lib/libPluginCore.so", "bin/PluginCore.dll"}) {
-        if (platform::IsExistingFile(prefix + library))
-            return prefix + library;
-    }
-    return prefix + "lib/libPluginCore.so";
+    return prefix + platform::SharedLibraryPath("PluginCore");
 }
 
 bool CoreLibrary::Load(const std::string& path, std::string& error) {

@@ -84,7 +84,7 @@ int RunMenu(const HostOptions& host, const MenuOptions& options) {
     HostSession session;
     if (const int startStatus = session.Start(host, HostSession::Needs::kPreferencesAlone))
         return startStatus;
-    const std::string document = options.document.empty() ? std::string() : FullPath(options.document);
+    const std::string document = platform::AbsolutePath(options.document);
     if (!document.empty())
         OpenDocument(session.Core(), document);
     const json menu = ReadMenu(session.Core(), document);

@@ -93,7 +93,7 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
     int status = exit_status::kDone;
     for (const std::string& file : options.files) {
         if (platform::IsExistingFile(file)) {
-            paths.push_back(FullPath(file));
+            paths.push_back(platform::AbsolutePath(file));
         } else {
             PrintError(file + " is no file that can be found; give the path of a document");
             status = exit_status::kFailed;

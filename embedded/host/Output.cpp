@@ -5,11 +5,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 #include "ErrorCodes.h"
+#include "StringConversion.h"
 #include "platform/Environment.h"
-#include "platform/Utf8Path.h"
 
 namespace {
 
@@ -39,7 +38,8 @@ bool UseColour() {
 }  // namespace
 
 void PrintError(const std::string& message) {
-    fmt::print(stderr, "plugincore-host: {}\n", message);
+    // A console of Windows takes nothing but text.
+    fmt::print(stderr, "plugincore-host: {}\n", ReplaceInvalidUtf8(message));
 }
 
 bool FlushOutput() {
@@ -51,13 +51,6 @@ bool FlushOutput() {
 
 std::string ResultName(uint32_t code) {
     return code == 1 ? "FontsActivated" : ErrorCodeToName(code);
-}
-
-std::string FullPath(const std::string& path) {
-    const std::filesystem::path given = platform::Utf8Path(path);
-    std::error_code error;
-    const std::filesystem::path full = std::filesystem::absolute(given, error);
-    return platform::Utf8Text((error ? given : full).lexically_normal());
 }
 
 std::string Printable(const std::string& text) {

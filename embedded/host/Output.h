@@ -22,9 +22,6 @@ bool FlushOutput();
 /// "CoreErrorCodes::kNotFound" and the like; "FontsActivated" for the 1 that an open answers with.
 std::string ResultName(uint32_t code);
 
-/// A path as it was typed, made full: the core knows documents by full paths.
-std::string FullPath(const std::string& path);
-
 /// The text as one line that does nothing to a terminal: control characters stand as \xNN.
 std::string Printable(const std::string& text);
 

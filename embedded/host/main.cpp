@@ -5,6 +5,7 @@
 #include "Commands.h"
 #include "Output.h"
 #include "platform/Environment.h"
+#include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/ProgramArguments.h"
 
@@ -36,6 +37,8 @@ int main(int argc, char** argv) {
     program.footer(kExitStatusHelp);
     program.require_subcommand(1);
     program.fallthrough();
+    // A path that begins with "/" is no option; subcommands take this over.
+    program.allow_windows_style_options(false);
 
     HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
     std::string answers;
@@ -92,7 +95,7 @@ int main(int argc, char** argv) {
 
     platform::SetCurrentProcessName(host.app);
     if (!answers.empty())
-        platform::SetEnvironment("PLUGINCORE_ANSWERS", FullPath(answers));
+        platform::SetEnvironment("PLUGINCORE_ANSWERS", platform::AbsolutePath(answers));
     open.json = settings.json = menu.json = json;
     if (*forOption)
         open.seconds = seconds;

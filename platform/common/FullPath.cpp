@@ -18,10 +18,7 @@ std::string FullPath(const std::string& typed) {
     const std::string home = isBelowHome ? Current<Folders>().PathOf(KnownFolder::kHome) : std::string();
     if (typed.empty() || (isBelowHome && home.empty()))
         return {};
-    std::error_code failure;
-    const std::filesystem::path path =
-        std::filesystem::absolute(Utf8Path(isBelowHome ? home + typed.substr(1) : typed), failure)
-            .lexically_normal();
+    const std::filesystem::path path = Utf8Path(AbsolutePath(isBelowHome ? home + typed.substr(1) : typed));
     return Utf8Text(path.has_filename() ? path : path.parent_path());
 }
 

@@ -84,9 +84,15 @@ public:
 std::string LibraryFileName(std::string_view name) {
     return std::string(name) + ".so";
 }
+std::string SharedLibraryPath(std::string_view name) {
+    return "lib/lib" + std::string(name) + ".so";
+}
 std::string ProgramFileName(std::string_view name) {
     return std::string(name);
 }
+
+// The linker has marked our libraries as never to be unloaded.
+void KeepModuleLoaded(const void*) {}
 
 template <>
 DynamicLibraries& SystemDefault<DynamicLibraries>() {

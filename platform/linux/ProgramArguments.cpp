@@ -2,8 +2,12 @@
 
 namespace platform {
 
+struct ProgramArguments::StreamState {};
+
 ProgramArguments::ProgramArguments(int count, char** words) : mTexts(words, words + count) {
     PointToTexts();
 }
+
+ProgramArguments::~ProgramArguments() = default;
 
 }  // namespace platform

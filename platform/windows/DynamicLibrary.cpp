@@ -59,8 +59,10 @@ public:
     LibraryHandle LoadFromPath(const std::string& path, SystemError& error) override {
         if (!IsFullPath(path))
             return Refuse(path, "not a full path", error);
-        // What the library needs is looked for in its own folder, not in that of the program.
-        return Load(path, ToWidePath(path), LOAD_WITH_ALTERED_SEARCH_PATH, error);
+        // What the library needs is looked for in its own folder first, never in the working folder or in
+        // those of PATH.
+        return Load(path, ToWidePath(path),
+                    LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS, error);
     }
 
     LibraryHandle LoadByName(const std::string& fileName, SystemError& error) override {
@@ -90,8 +92,17 @@ public:
 std::string LibraryFileName(std::string_view name) {
     return std::string(name) + ".dll";
 }
+std::string SharedLibraryPath(std::string_view name) {
+    return "bin\\" + LibraryFileName(name);
+}
 std::string ProgramFileName(std::string_view name) {
     return std::string(name) + ".exe";
+}
+
+void KeepModuleLoaded(const void* addressInIt) {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       static_cast<const wchar_t*>(addressInIt), &module);
 }
 
 template <>

@@ -62,14 +62,16 @@ uint64_t Combine(DWORD high, DWORD low) {
     return uint64_t{high} << 32 | low;
 }
 
-std::string RandomDigits(size_t count) {
+/// False when the system has no random numbers to give.
+bool AppendRandomDigits(std::string& text, size_t count) {
     constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuvwxyz";
     std::vector<unsigned char> bytes(count);
-    BCryptGenRandom(nullptr, bytes.data(), static_cast<ULONG>(count), BCRYPT_USE_SYSTEM_PREFERRED_RNG);
-    std::string digits;
+    if (BCryptGenRandom(nullptr, bytes.data(), static_cast<ULONG>(count), BCRYPT_USE_SYSTEM_PREFERRED_RNG) <
+        0)
+        return false;
     for (const unsigned char byte : bytes)
-        digits += kDigits[byte % kDigits.size()];
-    return digits;
+        text += kDigits[byte % kDigits.size()];
+    return true;
 }
 
 /// Makes a file under a name that is nobody else's, between `beginning` and `end`; its path.
@@ -77,7 +79,10 @@ SystemError MakeFileOfNewName(const std::string& beginning, size_t digits, const
                               SECURITY_ATTRIBUTES* attributes, OwnedHandle& file, std::string& path) {
     SystemError error{ERROR_FILE_EXISTS};
     while (error.IsExisting()) {
-        path = beginning + RandomDigits(digits) + end;
+        path = beginning;
+        if (!AppendRandomDigits(path, digits))
+            return SystemError{ERROR_GEN_FAILURE};
+        path += end;
         file = CreateNew(path, attributes);
         error = ErrorUnless(file.IsValid());
     }
@@ -138,7 +143,7 @@ SystemError Rename(const std::string& from, const std::string& to, DWORD flags) 
             attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
         if (isTransient && (flags & MOVEFILE_REPLACE_EXISTING) != 0 && ClearReadOnly(target))
             continue;
-        if (!isTransient || isFolder || attempt == kAttempts)
+        if (!isTransient || isFolder || attempt >= kAttempts)
             return error;
         std::this_thread::sleep_for(kPause);
     }
@@ -153,6 +158,22 @@ SystemError Finish(SystemError error, OwnedHandle file, const std::string& tempo
     if (error)
         DeleteFileW(ToWidePath(temporary).c_str());
     return error;
+}
+
+constexpr char kSeparators[] = "/\\";
+
+/// How much of the path is its root, which nobody makes: a drive ("C:\"), a share ("\\server\share\"), or
+/// either behind "\\?\" ("\\?\C:\", "\\?\UNC\server\share\").
+size_t LengthOfRoot(const std::string& path) {
+    const std::string beginning = WithSlashes(path.substr(0, 8));
+    if (!beginning.starts_with("//"))
+        return path.size() > 2 && path[1] == ':' ? 3 : 1;
+    const bool isDevice = beginning.starts_with("//?/") || beginning.starts_with("//./");
+    const bool isShare = !isDevice || _stricmp(beginning.c_str() + 4, "UNC/") == 0;
+    size_t length = !isDevice ? 2 : isShare ? 8 : 4;
+    for (int names = isShare ? 2 : 1; names > 0 && length < path.size(); --names)
+        length = std::min(path.find_first_of(kSeparators, length), path.size() - 1) + 1;
+    return length;
 }
 
 bool Exists(const std::string& path) {
@@ -301,8 +322,8 @@ SystemError CopyToNewFile(const std::string& source, const std::string& target) 
 
 SystemError MakeFolders(const std::string& path, bool privateToUser) {
     PrivateToUser rights(PrivateToUser::Kind::kFolder);
-    const std::string::size_type first = path.size() > 2 && path[1] == ':' ? 3 : 1;
-    for (size_t end = path.find_first_of("/\\", first);; end = path.find_first_of("/\\", end + 1)) {
+    for (size_t end = path.find_first_of(kSeparators, LengthOfRoot(path));;
+         end = path.find_first_of(kSeparators, end + 1)) {
         const std::wstring name = ToWidePath(path.substr(0, end));
         if (!name.empty() && !CreateDirectoryW(name.c_str(), privateToUser ? rights.Attributes() : nullptr)) {
             const SystemError error = LastSystemError();

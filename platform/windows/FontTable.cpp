@@ -83,10 +83,15 @@ private:
     const std::vector<unsigned char> mBytes;
 };
 
-int CALLBACK NoteFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM fonts) {
-    reinterpret_cast<std::vector<ENUMLOGFONTEXW>*>(fonts)->push_back(
-        *reinterpret_cast<const ENUMLOGFONTEXW*>(font));
-    return 1;
+// Nothing may be thrown through the system; without memory the list ends early.
+int CALLBACK NoteFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM fonts) noexcept {
+    try {
+        reinterpret_cast<std::vector<ENUMLOGFONTEXW>*>(fonts)->push_back(
+            *reinterpret_cast<const ENUMLOGFONTEXW*>(font));
+        return 1;
+    } catch (...) {
+        return 0;
+    }
 }
 
 std::vector<ENUMLOGFONTEXW> FontsOf(HDC device, const wchar_t* family) {

@@ -8,6 +8,7 @@
 #include "ProgressDialog.h"
 #include "VisualStyles.h"
 #include "WideText.h"
+#include "platform/Folders.h"
 
 namespace platform {
 namespace {
@@ -42,7 +43,8 @@ public:
         if (!IsAvailable())
             return {};
         const ScopedVisualStyles styles;
-        return RunFolderChooser(OwnerOf(owner), ToWide(prompt), ToWide(initialFolder));
+        // The shell takes neither slashes nor a separator at the end.
+        return RunFolderChooser(OwnerOf(owner), ToWide(prompt), ToWide(FullPath(initialFolder)));
     }
     int ShowForm(WindowHandle owner, Form& form) override {
         const ScopedVisualStyles styles;

@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "OwnedHandle.h"
 #include "UserIdentity.h"
 #include "WideText.h"
 #include "platform/Environment.h"
+#include "platform/Files.h"
 
 namespace platform {
 namespace {
@@ -35,20 +37,28 @@ std::wstring NewEventName() {
            std::to_wstring(++counter);
 }
 
-/// This process's variables and the name of the event, as CreateProcess wants them: each ends with a zero,
-/// and so does the list.
+bool StandsBehindReady(const std::wstring& variable) {
+    const auto end = static_cast<int>(variable.find(L'=', 1));
+    return CompareStringOrdinal(variable.c_str(), end, kReadyVariable, -1, TRUE) == CSTR_GREATER_THAN;
+}
+
+/// This process's variables, and that with the name of the event at its place in their order, as
+/// CreateProcess wants them: each ends with a zero, and so does the list.
 std::wstring ChildEnvironment(const std::wstring& eventName) {
+    const std::wstring name = std::wstring(kReadyVariable) + L"=";
+    std::wstring ready = name + eventName + L'\0';
     std::wstring block;
-    const std::wstring ready = std::wstring(kReadyVariable) + L"=";
     wchar_t* variables = GetEnvironmentStringsW();
     for (const wchar_t* variable = variables; *variable != L'\0';) {
         const std::wstring each = variable;
-        if (!each.starts_with(ready))
+        if (StandsBehindReady(each))
+            block += std::exchange(ready, {});
+        if (!each.starts_with(name))
             block += each + L'\0';
         variable += each.size() + 1;
     }
     FreeEnvironmentStringsW(variables);
-    return block + ready + eventName + L'\0';
+    return block + ready;
 }
 
 class WindowsChildProcess : public ChildProcess {
@@ -110,6 +120,24 @@ SystemError ListIdentifiers(std::vector<DWORD>& identifiers) {
     }
 }
 
+std::string PathOfThisProgram() {
+    return ToUtf8(
+        ReadWideText([](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(nullptr, buffer, size); }));
+}
+
+/// The path as the file system has it, whatever the letter case or the short names that it was written with;
+/// empty when that cannot be told.
+std::string StoredPath(const std::string& path) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const OwnedHandle file(
+        CreateFileW(ToWidePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file.IsValid())
+        return {};
+    return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD size) {
+        return GetFinalPathNameByHandleW(file.Get(), buffer, size, FILE_NAME_NORMALIZED);
+    }));
+}
+
 std::string WithoutExtension(const std::string& fileName) {
     return fileName.substr(0, fileName.rfind('.'));
 }
@@ -131,18 +159,24 @@ public:
 
     std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
                                          SystemError& error) override {
+        const std::wstring program = ToWide(executablePath);
+        if (GetFileAttributesW(program.c_str()) == INVALID_FILE_ATTRIBUTES) {
+            error = LastSystemError();
+            return nullptr;
+        }
         const std::wstring eventName = NewEventName();
         OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, eventName.c_str()));
         std::wstring environment = ChildEnvironment(eventName);
         std::wstring words = ToWide(commandLine);
+        const std::wstring folder = ToWide(FolderPart(executablePath));
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
         // No streams, rather than ours: whoever reads what we print would wait for the child as well.
         startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
         constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
-        if (!CreateProcessW(ToWide(executablePath).c_str(), words.data(), nullptr, nullptr, FALSE, kFlags,
-                            environment.data(), nullptr, &startup, &started)) {
+        if (!CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, FALSE, kFlags,
+                            environment.data(), folder.c_str(), &startup, &started)) {
             error = LastSystemError();
             return nullptr;
         }
@@ -156,14 +190,12 @@ public:
         const std::string own = std::to_string(GetCurrentProcessId()) + ":";
         if (name.starts_with(own))
             return name.substr(own.size());
-        const std::string path = CurrentExecutablePath();
-        return WithoutExtension(path.substr(path.rfind('\\') + 1));
+        const std::string path = PathOfThisProgram();
+        const std::string stored = StoredPath(path);
+        return WithoutExtension(NamePart(stored.empty() ? path : stored));
     }
 
-    std::string CurrentExecutablePath() override {
-        return ToUtf8(ReadWideText(
-            [](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(nullptr, buffer, size); }));
-    }
+    std::string CurrentExecutablePath() override { return PathOfThisProgram(); }
 };
 
 }  // namespace

@@ -26,6 +26,12 @@ void Prepare(std::FILE* stream, DWORD handle) {
 
 }  // namespace
 
+/// The console and its code pages belong to whoever started this program as well.
+struct ProgramArguments::StreamState {
+    const UINT input = GetConsoleCP();
+    const UINT output = GetConsoleOutputCP();
+};
+
 ProgramArguments::ProgramArguments(int, char**) {
     // What main is given went through the ANSI code page and lost what is not in it.
     int count = 0;
@@ -34,10 +40,17 @@ ProgramArguments::ProgramArguments(int, char**) {
         mTexts.push_back(ToUtf8(words[index]));
     LocalFree(words);
     PointToTexts();
+    mStreamState = std::make_unique<StreamState>();
+    SetConsoleCP(CP_UTF8);
     SetConsoleOutputCP(CP_UTF8);
     Prepare(stdin, STD_INPUT_HANDLE);
     Prepare(stdout, STD_OUTPUT_HANDLE);
     Prepare(stderr, STD_ERROR_HANDLE);
+}
+
+ProgramArguments::~ProgramArguments() {
+    SetConsoleCP(mStreamState->input);
+    SetConsoleOutputCP(mStreamState->output);
 }
 
 }  // namespace platform

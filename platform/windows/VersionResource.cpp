@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "WideText.h"
@@ -41,30 +42,44 @@ Information ReadFromModule(HMODULE module, SystemError& error, size_t& size) {
     return information;
 }
 
+/// Nothing when there are none, or none but zeros.
 std::optional<std::string> NumbersOf(const Information& information) {
     void* value = nullptr;
     UINT size = 0;
     if (!VerQueryValueW(information.data(), L"\\", &value, &size) || size < sizeof(VS_FIXEDFILEINFO))
         return std::nullopt;
     const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(value);
+    if (fixed.dwFileVersionMS == 0 && fixed.dwFileVersionLS == 0)
+        return std::nullopt;
     return std::to_string(HIWORD(fixed.dwFileVersionMS)) + "." +
            std::to_string(LOWORD(fixed.dwFileVersionMS)) + "." +
            std::to_string(HIWORD(fixed.dwFileVersionLS)) + "." +
            std::to_string(LOWORD(fixed.dwFileVersionLS));
 }
 
-std::optional<std::string> FindValue(const Information& information, const std::string& key) {
+/// The length comes from the file, which may claim more than it has.
+std::optional<std::string> TextOf(const Information& information, const std::string& key) {
     void* value = nullptr;
     UINT length = 0;  // in characters, with the closing zero
     const std::wstring name = LR"(\StringFileInfo\040904b0\)" + ToWide(key);
+    if (!VerQueryValueW(information.data(), name.c_str(), &value, &length) || length == 0)
+        return std::nullopt;
+    const auto* begin = static_cast<const unsigned char*>(value);
+    const unsigned char* end = information.data() + information.size();
+    const size_t left = begin < end ? static_cast<size_t>(end - begin) / sizeof(wchar_t) : 0;
+    const std::wstring_view text(static_cast<const wchar_t*>(value), std::min<size_t>(length, left));
+    return ToUtf8(text.substr(0, text.find(L'\0')));
+}
+
+std::optional<std::string> FindValue(const Information& information, const std::string& key) {
     if (information.empty())
         return std::nullopt;
-    if (VerQueryValueW(information.data(), name.c_str(), &value, &length) && length > 0) {
-        const std::wstring_view text(static_cast<const wchar_t*>(value), length);
-        return ToUtf8(text.substr(0, text.find(L'\0')));
+    // As a text, a file's version may be in another language, or written with commas.
+    if (key == "FileVersion") {
+        if (auto numbers = NumbersOf(information))
+            return numbers;
     }
-    // Programs with texts in another language have at least the numbers.
-    return key == "FileVersion" ? NumbersOf(information) : std::nullopt;
+    return TextOf(information, key);
 }
 
 class WindowsVersionResources : public VersionResources {

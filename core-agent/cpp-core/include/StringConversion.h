@@ -18,6 +18,9 @@ std::string Utf16ToUtf8(std::u16string_view text);
 /// kInvalidParam when the text is not well-formed UTF-8.
 [[nodiscard]] ErrorCode Utf8ToUtf16(std::string_view text, std::u16string& converted);
 
+/// How many UTF-16 code units the text has, which is what a limit of the system's counts.
+size_t Utf16Length(std::string_view text);
+
 /// Converts between any two encodings that iconv knows by name ("UTF-16BE", "MACINTOSH", "UTF-32LE", ...).
 /// kNotSupported for an unknown encoding, kInvalidParam for bytes that are not text in it; `converted` is
 /// untouched then.

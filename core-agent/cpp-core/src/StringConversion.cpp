@@ -80,6 +80,16 @@ ErrorCode Utf8ToUtf16(std::string_view text, std::u16string& converted) {
     return CoreErrorCodes::kSuccess;
 }
 
+size_t Utf16Length(std::string_view text) {
+    size_t length = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool continues = (byte & 0xC0) == 0x80;
+        length += continues ? 0 : byte < 0xF0 ? 1 : 2;
+    }
+    return length;
+}
+
 ErrorCode ConvertEncoding(std::string_view bytes, const char* from, const char* to, std::string& converted) {
     Converter converter(to, from);
     if (!converter.IsOpen())

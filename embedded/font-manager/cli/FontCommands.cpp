@@ -9,6 +9,7 @@
 #include "cli/Fonts.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
@@ -24,7 +25,7 @@ struct FoundFile {
 /// The file, or every file in the folder and those below it, in the order of their names.
 void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& failures) {
     std::error_code failure;
-    const fs::path start = fs::absolute(platform::Utf8Path(path), failure);
+    const fs::path start = platform::Utf8Path(platform::AbsolutePath(path));
     if (!fs::is_directory(start, failure)) {
         files.push_back({platform::Utf8Text(start), true});
         return;
@@ -37,7 +38,7 @@ void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& fai
             files.push_back({platform::Utf8Text(entry->path()), false});
     }
     if (failure)
-        failures.push_back({{"path", path}, {"reason", failure.message()}});
+        failures.push_back({{"path", path}, {"reason", platform::SystemErrorText(failure)}});
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end(),
               [](const FoundFile& left, const FoundFile& right) { return left.path < right.path; });
 }

@@ -8,6 +8,7 @@
 #include "common/Protocol.h"
 #include "interface/CFJson.h"
 #include "interface/Exports.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/Processes.h"
 
 namespace pellwick {
@@ -56,6 +57,8 @@ private:
 };
 
 thread_local bool isListenerThread = false;
+
+const char kAddressInThisModule = 0;
 
 }  // namespace
 
@@ -128,6 +131,7 @@ std::future<ErrorCode> NotificationListener::Start() {
     Stop();
     auto listening = std::make_shared<Listening>();
     std::future<ErrorCode> subscribed = listening->subscribed.get_future();
+    platform::KeepModuleLoaded(&kAddressInThisModule);
     const platform::ScopedSignalBlock block;
     mThread = std::thread([this, listening] { Listen(listening); });
     mListening = std::move(listening);  // not before there is a thread that it is about

@@ -16,6 +16,14 @@ std::string LibraryFileName(std::string_view name);
 /// The file name of a program on this system: "NAME" or "NAME.exe".
 std::string ProgramFileName(std::string_view name);
 
+/// Where programs of a `bin` folder find the shared library that they are installed with, seen from the
+/// folder above: "lib/libNAME.so", or "bin\NAME.dll".
+std::string SharedLibraryPath(std::string_view name);
+
+/// The module that holds the address stays loaded until the process ends, also when whoever loaded it lets it
+/// go: for a library whose threads and callbacks may still be in it by then.
+void KeepModuleLoaded(const void* addressInIt);
+
 class DynamicLibraries {
 public:
     virtual ~DynamicLibraries() = default;

@@ -21,6 +21,10 @@ std::string NamePart(const std::string& path);
 /// The path with '/' for every separator, as URLs have it.
 std::string WithSlashes(std::string path);
 
+/// The path from a root on, relative to the current folder when it begins without one, and without "." and
+/// ".." in between; it need not exist. Empty when there is none.
+std::string AbsolutePath(const std::string& path);
+
 /// A file opened for reading; closes itself.
 class ReadOnlyFile {
 public:

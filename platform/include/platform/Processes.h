@@ -43,10 +43,12 @@ public:
     virtual SystemError List(std::vector<ProcessInfo>& processes) = 0;
     /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
     /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard
-    /// input, and its output goes nowhere. Null and the reason in `error` on failure.
+    /// input, and its output goes nowhere. Windows: its current folder is the program's own, so that it does
+    /// not keep ours from being removed. Null and the reason in `error` on failure.
     virtual std::unique_ptr<ChildProcess> Launch(const std::string& executablePath,
                                                  const std::string& commandLine, SystemError& error) = 0;
-    /// What this process calls itself (Linux: /proc/self/comm; Windows: base name of the program).
+    /// What this process calls itself (Linux: /proc/self/comm; Windows: base name of the program, in the
+    /// letter case of its file).
     virtual std::string CurrentName() = 0;
     /// Full path of this process's executable, UTF-8.
     virtual std::string CurrentExecutablePath() = 0;

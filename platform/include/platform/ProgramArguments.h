@@ -1,6 +1,7 @@
 // What a program is started with.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ namespace platform {
 class ProgramArguments {
 public:
     ProgramArguments(int count, char** words);
+    ~ProgramArguments();
     ProgramArguments(const ProgramArguments&) = delete;
     ProgramArguments& operator=(const ProgramArguments&) = delete;
 
@@ -24,10 +26,12 @@ public:
     }
 
 private:
+    struct StreamState;
     void PointToTexts();
 
     std::vector<std::string> mTexts;
     std::vector<char*> mWords;
+    std::unique_ptr<StreamState> mStreamState;  ///< what the streams get back at the end
 };
 
 }  // namespace platform

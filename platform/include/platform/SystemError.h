@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 
 namespace platform {
 
@@ -26,5 +27,7 @@ SystemError LastSystemError();
 /// The system's text for an error, UTF-8, without a line end. "FormatMessage Failed" when the system has no
 /// text for it, "Null message" when it gives none. Any thread.
 std::string SystemErrorText(SystemError error);
+/// The same for an error of the C++ library.
+std::string SystemErrorText(const std::error_code& error);
 
 }  // namespace platform

@@ -1,7 +1,8 @@
 // The version pairs that a binary carries: "PrivateBuild", "InternalName", "HostAppMinimumVersion" and
 // "FileVersion".
 //
-// Windows: the string table \StringFileInfo\040904b0\ of the version resource (US English, Unicode).
+// Windows: the string table \StringFileInfo\040904b0\ of the version resource (US English, Unicode);
+// "FileVersion" from the numbers beside it, unless they are all 0.
 // Linux: the ELF section ".plugincore.version", a run of zero-terminated "Key=Value" strings
 // (System V ABI, chapter 4, for the section headers). CMake's plugincore_version() writes it.
 #pragma once

@@ -1,5 +1,5 @@
-// A program that does as its first argument says: "exit STATUS", "sleep", "be-ready" (and sleep), or
-// "write FILE WORD...".
+// A program that does as its first argument says: "exit STATUS", "sleep", "be-ready" (and sleep),
+// "write FILE WORD...", or "tell FILE" (its name and its working folder).
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -19,6 +19,10 @@ int main(int count, char** words) {
         for (int index = 3; index < arguments.Count(); ++index)
             text += arguments[index] + "|";
         return platform::WriteWholeFile(arguments[2], text) ? 1 : 0;
+    }
+    if (task == "tell") {
+        const std::string name = platform::Current<platform::Processes>().CurrentName();
+        return platform::WriteWholeFile(arguments[2], name + "|" + platform::AbsolutePath(".")) ? 1 : 0;
     }
     if (task == "be-ready")
         platform::NotifyReadyForInput();

@@ -14,6 +14,7 @@
 #include "Settings.h"
 #include "StringConversion.h"
 #include "TraceLog.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/Windowing.h"
 
 namespace {
@@ -21,6 +22,7 @@ namespace {
 constexpr ErrorCode kStartupFailed = 0xFFFFFFFF;
 constexpr ErrorCode kNoPreferenceInterface = 2;
 constexpr char kName[] = "CommonFunctionality::Startup";
+const char kAddressInThisModule = 0;
 
 /// The message for a start-up that failed, as far as one was chosen.
 using ChosenMessage = const MessageBoxStrings*;
@@ -165,6 +167,8 @@ std::string LoadedInterfaceVersion() {
 }  // namespace
 
 ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* versionPrefixRequired) {
+    // A host may unload the core while panels and the font manager can still call it.
+    platform::KeepModuleLoaded(&kAddressInThisModule);
     constexpr char kOldHostName[] = "AfterEffectsCC2015";
     constexpr char kItsIdentifier[] = "com.vantorix.AutoActivationPlugin.AE13";
     const std::string prefix = versionPrefixRequired != nullptr ? versionPrefixRequired : "";

@@ -115,7 +115,7 @@ platform::LibraryHandle VPILoader::LoadLibraryByName() {
         return nullptr;
     }
     const std::string path = libraries.PathOf(library);
-    if (!path.empty() && path.size() < kLongestModuleFileName) {
+    if (!path.empty() && Utf16Length(path) < kLongestModuleFileName) {
         mLibraryPath = path;
         LogMessage(0, "SUCCESS: LoadLibraryA('%s') returned 0x%08x; path='%s'", name.c_str(),
                    TraceAddress(library), path.c_str());

@@ -1,5 +1,6 @@
 #include "PluginIdentity.h"
 
+#include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/VersionResource.h"
@@ -40,7 +41,7 @@ bool FindThisModule() {
 /// Empty when it is too long to be used.
 std::string PathOfThisModule() {
     std::string path = platform::Current<platform::DynamicLibraries>().PathOfModuleAt(&kAddressInThisModule);
-    if (path.size() >= kLongestModulePath) {
+    if (Utf16Length(path) >= kLongestModulePath) {
         LogMessage(0, "GetLastError() returned %d after GetModuleFileNameW()",
                    platform::LastSystemError().code);
         return {};

@@ -1,0 +1,13 @@
+#include <filesystem>
+
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
+
+namespace platform {
+
+std::string AbsolutePath(const std::string& path) {
+    std::error_code failure;
+    return Utf8Text(std::filesystem::absolute(Utf8Path(path), failure).lexically_normal());
+}
+
+}  // namespace platform
