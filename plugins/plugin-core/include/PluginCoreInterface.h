@@ -4,6 +4,10 @@
  * A thin host plug-in loads the library, forwards the host's events to these functions, and shows what they
  * hand back.
  *
+ * On Windows the library needs CoreFoundation.dll beside it. A plug-in in another folder than the host's
+ * program loads it by its full path with LoadLibraryEx and LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
+ * LOAD_LIBRARY_SEARCH_DEFAULT_DIRS.
+ *
  * Conventions
  * - Strings are UTF-8, zero-terminated. Paths are full paths. Nothing that is passed in is kept or freed.
  * - Every function but two returns a code: 0 is success, others are listed below and with each function.
