@@ -155,8 +155,9 @@ std::optional<std::string> ChosenFolder(const DialogQuestion& question, const Di
         return std::string();
     const json typed = answer == true ? question.details.at("initialFolder")
                                       : (answer.is_object() ? answer.value("folder", json()) : json());
-    const std::string folder = typed.is_string() ? platform::FullPath(typed.get<std::string>()) : "";
-    if (!folder.empty() && IsValidUtf8(folder) && !platform::IsExistingFile(folder))
+    const bool isText = typed.is_string() && IsValidUtf8(typed.get_ref<const std::string&>());
+    const std::string folder = isText ? platform::FullPath(typed.get<std::string>()) : "";
+    if (!folder.empty() && !platform::IsExistingFile(folder))
         return folder;
     ReportWrongAnswer(question, answer);
     return std::nullopt;
