@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <regex>
 #include <thread>
 
 #include "FacadeTest.h"
@@ -60,8 +61,9 @@ TEST_F(NotificationsTest, TheCallbackOnlyRecords) {
     EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1);
     const uint32_t fontID = 12;
     Report(kPluginCallback_FontActivated, &fontID);
-    EXPECT_THAT(trace.Text(), testing::MatchesRegex("CoreAgentNotificationCallback\\(callbackType=7, "
-                                                    "pCallbackData=0x[0-9a-f]{8}\\) returning 0\n"));
+    EXPECT_TRUE(std::regex_match(trace.Text(), std::regex("CoreAgentNotificationCallback\\(callbackType=7, "
+                                                          "pCallbackData=0x[0-9a-f]{8}\\) returning 0\n")))
+        << trace.Text();
     EXPECT_TRUE(receiver.names.empty());
     EXPECT_EQ(Process(), 0u);
     EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_FontActivated"));
