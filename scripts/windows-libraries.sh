@@ -134,10 +134,20 @@ build_libxml2() {
     -DLIBXML2_WITH_HTTP=OFF -DIconv_IS_BUILT_IN=OFF
 }
 
+# Autoconf's makefiles do not work in a folder whose path has a blank: prints a copy of the sources where it has none.
+copy_to_plain_path() {
+  local plain
+  plain=$(mktemp -d /tmp/windows-libraries.XXXXXX)
+  cp -r "$root/source/$1/." "$plain"
+  echo "$plain"
+}
+
 build_sqlite3() {
   fetch_source sqlite3
+  local plain
+  plain=$(copy_to_plain_path sqlite3)
   (
-    cd "$root/source/sqlite3"
+    cd "$plain"
     # The one file of all of it is made with programs for this machine.
     ./configure --disable-tcl --disable-readline
     make sqlite3.c sqlite3.h
@@ -145,6 +155,7 @@ build_sqlite3() {
     $host-ar rcs "$prefix/lib/libsqlite3.a" sqlite3.o
     cp sqlite3.h sqlite3ext.h "$prefix/include/"
   )
+  rm -rf "$plain"
 }
 
 build_freetype() {
@@ -162,15 +173,18 @@ build_libpng() {
 
 build_nettle() {
   fetch_source nettle
+  local plain
+  plain=$(copy_to_plain_path nettle)
   (
-    cd "$root/source/nettle"
-    CC=$host-gcc-posix ./configure --host=$host --prefix="$prefix" --libdir="$prefix/lib" --disable-shared --disable-public-key --disable-assembler \
+    cd "$plain"
+    CC=$host-gcc-posix ./configure --host=$host --disable-shared --disable-public-key --disable-assembler \
       --disable-documentation --disable-openssl
     make libnettle.a
     mkdir -p "$prefix/include/nettle"
     cp libnettle.a "$prefix/lib/"
     cp ./*.h "$prefix/include/nettle/"
   )
+  rm -rf "$plain"
 }
 
 build_googletest() {
