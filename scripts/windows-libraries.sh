@@ -138,7 +138,7 @@ build_libxml2() {
 copy_to_plain_path() {
   local plain
   plain=$(mktemp -d /tmp/windows-libraries.XXXXXX)
-  cp -r "$root/source/$1/." "$plain"
+  cp -a "$root/source/$1/." "$plain"
   echo "$plain"
 }
 
