@@ -120,9 +120,6 @@ add_library(yajl STATIC ${sources})
 target_include_directories(yajl PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
 install(TARGETS yajl)
 install(FILES ${headers} "${CMAKE_CURRENT_BINARY_DIR}/yajl/yajl_version.h" DESTINATION include/yajl)
-file(CONFIGURE OUTPUT yajl.pc CONTENT
-  "Name: yajl\nDescription: JSON\nVersion: 2.1.0\nCflags: -I@CMAKE_INSTALL_PREFIX@/include\nLibs: -L@CMAKE_INSTALL_PREFIX@/lib -lyajl\n" @ONLY)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/yajl.pc" DESTINATION lib/pkgconfig)
 END
   with_cmake yajl "$root/build/yajl" -DSOURCE="$root/source/yajl"
 }
