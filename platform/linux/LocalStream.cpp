@@ -1,5 +1,6 @@
 #include "platform/LocalStream.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -27,6 +28,12 @@ constexpr std::chrono::milliseconds kAcceptRetryDelay{100};
 
 bool IsNotTakenNow(const asio::error_code& failure) {
     return failure == asio::error::would_block || failure == asio::error::try_again;
+}
+
+/// Which of the events hold for the descriptor now.
+short EventsNow(int descriptor, short events) {
+    pollfd wanted{descriptor, events, 0};
+    return poll(&wanted, 1, 0) == 1 ? wanted.revents : short{0};
 }
 
 std::string FolderOf(const std::string& path) {
@@ -133,6 +140,14 @@ void LocalStream::Write(std::string bytes, WriteHandler handler) {
     state.written = written;
     state.outputs.push_back({std::move(bytes), std::move(handler)});
     state.WriteNext();
+}
+
+bool LocalStream::HasInput() const {
+    return EventsNow(mState->socket.native_handle(), POLLIN) != 0;
+}
+
+bool LocalStream::IsOtherEndClosed() const {
+    return (EventsNow(mState->socket.native_handle(), POLLRDHUP) & (POLLRDHUP | POLLHUP | POLLERR)) != 0;
 }
 
 void LocalStream::Cancel() {

@@ -382,6 +382,10 @@ void SetCurrentProcessName(const std::string& name) {
     prctl(PR_SET_NAME, name.c_str());
 }
 
+bool IsReadinessAwaited() {
+    return std::getenv(kReadyVariable) != nullptr;
+}
+
 void NotifyReadyForInput() {
     const char* descriptorText = std::getenv(kReadyVariable);
     if (descriptorText == nullptr)

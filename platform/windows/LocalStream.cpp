@@ -156,6 +156,16 @@ void LocalStream::Write(std::string bytes, WriteHandler handler) {
     });
 }
 
+bool LocalStream::HasInput() const {
+    DWORD available = 0;
+    return !PeekNamedPipe(mState->pipe.native_handle(), nullptr, 0, nullptr, &available, nullptr) ||
+           available != 0;
+}
+
+bool LocalStream::IsOtherEndClosed() const {
+    return !PeekNamedPipe(mState->pipe.native_handle(), nullptr, 0, nullptr, nullptr, nullptr);
+}
+
 void LocalStream::Cancel() {
     asio::error_code ignored;
     mState->pipe.cancel(ignored);

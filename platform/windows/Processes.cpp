@@ -231,9 +231,22 @@ void SetCurrentProcessName(const std::string& name) {
     SetEnvironment(kNameVariable, std::to_string(GetCurrentProcessId()) + ":" + name);
 }
 
-void NotifyReadyForInput() {
-    const std::wstring name = ReadWideText(
+namespace {
+
+/// Empty when nobody waits for this process.
+std::wstring ReadyEventName() {
+    return ReadWideText(
         [](wchar_t* buffer, DWORD size) { return GetEnvironmentVariableW(kReadyVariable, buffer, size); });
+}
+
+}  // namespace
+
+bool IsReadinessAwaited() {
+    return !ReadyEventName().empty();
+}
+
+void NotifyReadyForInput() {
+    const std::wstring name = ReadyEventName();
     if (name.empty())
         return;
     SetEnvironmentVariableW(kReadyVariable, nullptr);

@@ -61,7 +61,9 @@ void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& documen
         const Document closed = *found;
         if (tracker != nullptr && tracker->Preferences() != nullptr) {
             const bool deactivate = tracker->Preferences()->GetBoolPreference("CloseFontsOnDocClose");
-            tracker->CloseAllFontsForIdentifier(closed->Identifier(), deactivate, nullptr);
+            if (tracker->CloseAllFontsForIdentifier(closed->Identifier(), deactivate, nullptr) ==
+                kErrorMarquellNotRunning)
+                tracker->CloseLater(closed->Identifier(), deactivate);
         }
         std::erase(mDocuments, closed);
     } catch (...) {

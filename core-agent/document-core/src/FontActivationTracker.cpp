@@ -8,11 +8,6 @@
 
 namespace {
 
-FontManagerAccess* RunningFontManager() {
-    FontManagerAccess* fontManager = GetFontManagerAccess();
-    return fontManager != nullptr && fontManager->IsRunning() ? fontManager : nullptr;
-}
-
 ErrorCode RefuseReentry(const char* function) {
     LogMessage(0, "ERROR: %s() called recursively.", function);
     return CoreErrorCodes::kUnknownError;
@@ -31,6 +26,27 @@ bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t datab
 }  // namespace
 
 FontActivationTracker::FontActivationTracker(PreferenceAccess* preferences) : mPreferences(preferences) {}
+
+FontManagerAccess* FontActivationTracker::RunningFontManager() {
+    FontManagerAccess* fontManager = GetFontManagerAccess();
+    if (fontManager == nullptr || !fontManager->IsRunning())
+        return nullptr;
+    const auto closes = std::exchange(mClosesToCatchUp, {});
+    for (const auto& [documentIdentifier, deactivate] : closes) {
+        if (CloseAllFontsForIdentifier(documentIdentifier, deactivate, nullptr) == kErrorMarquellNotRunning)
+            CloseLater(documentIdentifier, deactivate);
+    }
+    return fontManager;
+}
+
+void FontActivationTracker::CloseLater(const std::string& documentIdentifier, bool bDeactivateClosedFonts) {
+    mClosesToCatchUp.emplace_back(documentIdentifier, bDeactivateClosedFonts);
+}
+
+void FontActivationTracker::CatchUp() {
+    if (HasClosesToCatchUp())
+        RunningFontManager();
+}
 
 std::string FontActivationTracker::GenerateUniqueIdentifier() {
     const auto uuid = CFRef<CFUUIDRef>::Adopt(CFUUIDCreate(kCFAllocatorDefault));

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "FontManagerAccess.h"
@@ -53,6 +54,12 @@ public:
     /// were deactivated.
     ErrorCode CloseAllFontsForIdentifier(const std::string& documentIdentifier, bool bDeactivateClosedFonts,
                                          CFMutableArrayRef fontsDeactivated);
+    /// The same for a document that is gone, as soon as there is a font manager to let go of its fonts.
+    void CloseLater(const std::string& documentIdentifier, bool bDeactivateClosedFonts);
+    bool HasClosesToCatchUp() const { return !mClosesToCatchUp.empty(); }
+    /// Does so if the font manager is running. To be called when the host is idle; document events do it
+    /// first of all.
+    void CatchUp();
     /// Lets go of every font, whatever documents hold it: the host quits.
     ErrorCode CloseAllFonts(bool bDeactivateClosedFonts);
 
@@ -88,8 +95,12 @@ private:
     ErrorCode CloseEveryFontAtOnce(FontManagerAccess& fontManager, const PluginActivationStates& states,
                                    bool deactivate);
 
+    /// The font manager if it is running, with what was put off done first.
+    FontManagerAccess* RunningFontManager();
+
     PreferenceAccess* mPreferences;
-    GMutex mRegistersLock;                                      ///< guards m_mFonts and m_mDocuments
-    TrackedFonts m_mFonts;                                      ///< by database ID
-    std::map<std::string, std::vector<uint32_t>> m_mDocuments;  ///< database IDs, one per registration
+    std::vector<std::pair<std::string, bool>> mClosesToCatchUp;  ///< identifiers, and whether to deactivate
+    GMutex mRegistersLock;                                       ///< guards m_mFonts and m_mDocuments
+    TrackedFonts m_mFonts;                                       ///< by database ID
+    std::map<std::string, std::vector<uint32_t>> m_mDocuments;   ///< database IDs, one per registration
 };

@@ -1,5 +1,7 @@
 #include "activation/Activation.h"
 
+#include <set>
+
 #include "FontRecordKeys.h"
 
 namespace pellwick {
@@ -16,11 +18,10 @@ Activation::~Activation() {
     mActive.AnnounceChanges();
 }
 
-bool Activation::Lease(const Font& font, const HostProcess& host, LeasePurpose purpose,
-                       const std::string& document) {
+bool Activation::Lease(const Font& font, const LeaseTerms& terms) {
     if (!MakeActive(font))
         return false;
-    mActivations.AddLease(host, purpose, document, font.id);
+    mActivations.AddLease(font.id, terms);
     return true;
 }
 
@@ -68,6 +69,12 @@ bool Activation::EndAllLeases(uint32_t fontID, const HostProcess& host) {
         return false;
     Released(fontID);
     return true;
+}
+
+void Activation::UndoRequests(const HostProcess& host, long long first, long long last) {
+    const std::vector<uint32_t> fonts = mActivations.EndLeasesOfRequests(host, first, last);
+    for (const uint32_t fontID : std::set<uint32_t>(fonts.begin(), fonts.end()))
+        Released(fontID);
 }
 
 bool Activation::DeactivateForUser(uint32_t fontID) {

@@ -29,10 +29,8 @@ public:
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
 
-    /// Leases the font to a host, for a document where that is what it is for. False when its file is gone,
-    /// which is noted.
-    bool Lease(const Font& font, const HostProcess& host, LeasePurpose purpose,
-               const std::string& document = {});
+    /// Leases the font to a host. False when the font's file is gone, which is noted.
+    bool Lease(const Font& font, const LeaseTerms& terms);
     /// The user's own activation. False as above.
     bool ActivateForUser(const Font& font);
 
@@ -40,6 +38,8 @@ public:
     bool EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose);
     /// Ends those for every purpose.
     bool EndAllLeases(uint32_t fontID, const HostProcess& host);
+    /// Ends the leases that the host's requests from `first` to `last` took.
+    void UndoRequests(const HostProcess& host, long long first, long long last);
     /// Ends the user's own activation; false when there was none.
     bool DeactivateForUser(uint32_t fontID);
     /// Removes the font's file with all its fonts.
@@ -48,6 +48,8 @@ public:
     /// Notes that the vault has lost the file.
     void NoteMissing(const FontFile& file);
 
+    /// What has come of it so far.
+    const ActivationChanges& Changes() const { return mChanges; }
     ActivationChanges Commit();
 
 private:

@@ -1,7 +1,7 @@
 // Activating fonts, for documents and for the user.
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "FontRecordKeys.h"
 #include "agent/Commands.h"
@@ -21,25 +21,40 @@ public:
     /// False when the font's file is gone.
     bool Lease(const Font& font) {
         mContext.audience.KeepAlive();
-        if (mSeen.count(font.id) != 0)
+        if (mPositions.count(font.id) != 0)
             return true;
-        if (!mActivation.Lease(font, mContext.client.process, LeasePurpose::kDocument, mDocument))
+        Json before = RecordFromBefore(font);
+        if (!mActivation.Lease(font, mContext.TermsFor(LeasePurpose::kDocument, mDocument)))
             return false;
-        mSeen.insert(font.id);
-        mMatched.push_back(FontRecord(mContext.manager, font));  // the state is the one from before
+        mPositions[font.id] = mMatched.size();
+        mMatched.push_back(std::move(before));
         return true;
     }
 
+    /// The record of a font of the request, with the state that it had for this host.
+    const Json& Before(uint32_t fontID) const { return mMatched[mPositions.at(fontID)]; }
+
     Json Commit() {
         AnnounceChanges(mContext.audience, mActivation.Commit());
-        return std::move(mMatched);
+        mContext.MakeProvisional();
+        return mMatched;
     }
 
 private:
+    /// A host lets go of what was inactive before. So what others hold, or this host for something else than
+    /// a document, does not count: it ends without regard to this document.
+    Json RecordFromBefore(const Font& font) const {
+        Json record = FontRecord(mContext.manager, font);
+        if (font.activationState == kFontActivationState_ActivatedByPlugin &&
+            !mContext.manager.activations.HasLease(mContext.client.process, font.id, LeasePurpose::kDocument))
+            record[kGS_ActivationStateKey] = kFontActivationState_Inactive;
+        return record;
+    }
+
     CommandContext& mContext;
     std::string mDocument;
     Activation mActivation;
-    std::set<uint32_t> mSeen;
+    std::map<uint32_t, size_t> mPositions;  ///< in mMatched, by font ID
     Json mMatched = Json::array();
 };
 
@@ -87,7 +102,7 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     const Json& requests = ArrayMember(arguments, "fonts");
     LeasedFonts leases(context, StringMember(arguments, "document"));
     Json unmatched = Json::array();
-    std::vector<std::pair<size_t, Font>> matches;  // of requests, by their position
+    std::vector<std::pair<size_t, uint32_t>> matches;  // of requests, by their position: the font's ID
     for (size_t index = 0; index < requests.size(); ++index) {
         const std::vector<Font> candidates = MatchFonts(manager.fonts, RequestedFontOf(requests[index]));
         const auto chosen = std::find_if(candidates.begin(), candidates.end(),
@@ -95,13 +110,13 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
         if (chosen == candidates.end())
             unmatched.push_back(index);
         else
-            matches.emplace_back(index, *chosen);
+            matches.emplace_back(index, chosen->id);
     }
     Json matched = leases.Commit();
     Json reported = Json::array();
-    for (const auto& [index, before] : matches)
-        reported.push_back(ReportedFont(requests[index], FontRecord(manager, before),
-                                        FontRecord(manager, *manager.fonts.Find(before.id))));
+    for (const auto& [index, fontID] : matches)
+        reported.push_back(ReportedFont(requests[index], leases.Before(fontID),
+                                        FontRecord(manager, *manager.fonts.Find(fontID))));
     Json replacements = ReplacementsFor(context, requests, unmatched);
     return {{"matched", std::move(matched)},
             {"unmatched", std::move(unmatched)},
@@ -115,12 +130,13 @@ Json DeactivateFonts(CommandContext& context, const Json& arguments) {
         context.audience.KeepAlive();
         activation.EndLeases(id, context.client.process, LeasePurpose::kDocument);
     }
-    const ActivationChanges changes = activation.Commit();
-    AnnounceChanges(context.audience, changes);
     Json deactivated = Json::array();
-    for (const uint32_t id : changes.deactivated)
+    for (const uint32_t id : activation.Changes().deactivated)
         deactivated.push_back(FontRecord(context.manager, *context.manager.fonts.Find(id)));
-    return {{"deactivated", std::move(deactivated)}};
+    Json answer = {{"deactivated", std::move(deactivated)}};
+    context.KeepAnswer(answer);
+    AnnounceChanges(context.audience, activation.Commit());
+    return answer;
 }
 
 Json GetClientStates(CommandContext& context, const Json& arguments) {

@@ -1,12 +1,16 @@
 #include "agent/Agent.h"
 
+#include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "agent/FontManager.h"
 #include "agent/Server.h"
 #include "common/Limits.h"
 #include "common/LogFile.h"
+#include "common/Protocol.h"
+#include "ipc/AgentConnection.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/PrivateFolder.h"
@@ -29,15 +33,16 @@ void LogStart(LogFile& log, const Server& server, int swept, const ActiveFonts::
 
 int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     FontManager manager(locations);
-    manager.EndLeasesOfDeadProcesses();
-    const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
-    const int swept = manager.SweepVault();  // after: a file that is active may not be possible to remove
     Server server(manager, log);
+    // First of all: whoever connects from here on waits for an answer, and does not start another agent.
     if (!server.Listen()) {
         problem = "there is no address where the agent can listen; Pellwick.log in " + locations.logFolder +
                   " says why";
         return 1;
     }
+    manager.EndLeasesOfDeadProcesses();
+    const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
+    const int swept = manager.SweepVault();  // after: a file that is active may not be possible to remove
     LogStart(log, server, swept, repairs);
     platform::NotifyReadyForInput();
     server.Run();
@@ -45,16 +50,39 @@ int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     return 0;
 }
 
+enum class Role {
+    kAgent,    ///< this process holds the lock, and serves
+    kStandIn,  ///< another one serves, and whoever waits for this one is served by it
+    kNone      ///< another one holds the lock
+};
+
+bool DoesAgentAnswer(std::chrono::milliseconds limit) {
+    AgentConnection connection(limit);
+    Json status;
+    return connection.Call(method::kGetStatus, Json::object(), status) == CoreErrorCodes::kSuccess;
+}
+
 /// An agent that said goodbye still holds the lock for the moment that it takes to end, and a plug-in may
-/// start the next one in that moment.
-bool AcquirePatiently(platform::FileLock& lock, const std::string& path) {
+/// start the next one in that moment. Two plug-ins may start one at the same moment; and one that has waited
+/// in vain for an agent that does not move starts another one.
+Role FindRole(platform::FileLock& lock, const std::string& path) {
+    using std::chrono::milliseconds;
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
     while (lock.Acquire(path, false)) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        const auto left =
+            std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0)
+            return Role::kNone;
+        if (platform::IsReadinessAwaited() && DoesAgentAnswer(left))
+            return Role::kStandIn;
+        std::this_thread::sleep_for(std::min(left, milliseconds(20)));
     }
-    return true;
+    return Role::kAgent;
+}
+
+void StandIn() {
+    platform::NotifyReadyForInput();
+    std::this_thread::sleep_for(kStandInTime);
 }
 
 }  // namespace
@@ -66,9 +94,14 @@ int RunAgent(const Locations& locations, std::string& problem) {
         return 1;
     }
     platform::FileLock lock;
-    if (!AcquirePatiently(lock, locations.lockPath)) {
+    const Role role = FindRole(lock, locations.lockPath);
+    if (role == Role::kNone) {
         problem = "an agent runs already for " + locations.dataFolder + "; see \"Pellwick status\"";
         return 1;
+    }
+    if (role == Role::kStandIn) {
+        StandIn();
+        return 0;
     }
     LogFile log;
     log.Open(locations.logFolder + platform::kPathSeparator + "Pellwick.log");

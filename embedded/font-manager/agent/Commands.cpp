@@ -12,6 +12,14 @@ Json Failure(const char* message) {
     return {{"message", message}};
 }
 
+/// What the request came to when it was made before; nothing where that is not kept.
+std::optional<Json> EarlierAnswer(CommandContext& context, const Json& request) {
+    if (!BoolMember(request, "repeated"))
+        return std::nullopt;
+    const auto answer = context.manager.activations.FindAnswer(context.client.process, context.request);
+    return answer ? std::optional(Json::parse(*answer)) : std::nullopt;
+}
+
 ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& request, Json& result) {
     const auto command = table.find(StringMember(request, "method"));
     if (command == table.end()) {
@@ -19,7 +27,8 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
         return CoreErrorCodes::kNotImplemented;
     }
     try {
-        result = command->second(context, ObjectMember(request, "args"));
+        const std::optional<Json> earlier = EarlierAnswer(context, request);
+        result = earlier ? *earlier : command->second(context, ObjectMember(request, "args"));
         return CoreErrorCodes::kSuccess;
     } catch (const CommandError& error) {
         result = Failure(error.what());
@@ -36,8 +45,12 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
     }
 }
 
-std::string AnswerFrame(long long id, ErrorCode code, const Json& result) {
-    std::optional<std::string> frame = EncodeMessage({{"id", id}, {"code", code}, {"result", result}});
+std::string AnswerFrame(const CommandContext& context, ErrorCode code, const Json& result) {
+    const long long id = context.request;
+    Json message = {{"id", id}, {"code", code}, {"result", result}};
+    if (id != 0 && context.client.provisionalRequest == id)
+        message["provisional"] = true;
+    std::optional<std::string> frame = EncodeMessage(message);
     if (!frame)
         frame = EncodeMessage({{"id", id},
                                {"code", error_codes::GIPCReceiver::kMessageTooLarge},
@@ -65,8 +78,14 @@ CommandTable MakeCommandTable() {
 CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
                             const Json& request) noexcept {
     Json result;
+    context.request = IntegerMember(request, "id");
     const ErrorCode code = Run(table, context, request, result);
-    return {code, AnswerFrame(IntegerMember(request, "id"), code, result)};
+    return {code, AnswerFrame(context, code, result)};
+}
+
+void CommandContext::KeepAnswer(const Json& answer) {
+    if (client.isHost)
+        manager.activations.KeepAnswer(client.process, request, answer.dump());
 }
 
 void RequireLogIn(CommandContext& context) {

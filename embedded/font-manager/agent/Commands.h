@@ -25,6 +25,9 @@ private:
 struct Client {
     HostProcess process;
     bool isSubscribed = false;  ///< to notifications
+    bool isHost = false;        ///< holds fonts for documents, and says which answers it took
+    long long provisionalRequest =
+        0;  ///< what it activated is undone unless the client takes its answer; or 0
     /// Queries that were not saved, by smart list; 0 for a list that is not made yet.
     std::map<int32_t, SmartListQuery> triedQueries;
 };
@@ -46,6 +49,20 @@ struct CommandContext {
     FontManager& manager;
     Client& client;
     Audience& audience;
+    long long request = 0;  ///< the client's number for it
+
+    /// What a lease is to say that this request takes for the purpose.
+    LeaseTerms TermsFor(LeasePurpose purpose, const std::string& document = {}) const {
+        return {client.process, purpose, document, client.isHost ? request : 0};
+    }
+    /// What was leased is the client's only once it has taken the answer.
+    void MakeProvisional() {
+        if (client.isHost)
+            client.provisionalRequest = request;
+    }
+    /// For a command that must not be carried out twice: has the agent give this answer when the request is
+    /// repeated. Part of the transaction that is open.
+    void KeepAnswer(const Json& answer);
 };
 
 using Command = Json (*)(CommandContext& context, const Json& arguments);

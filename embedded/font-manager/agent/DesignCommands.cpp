@@ -39,10 +39,11 @@ std::set<uint32_t> LeaseAll(CommandContext& context, const std::vector<Font>& fo
     Activation activation = context.manager.BeginActivation();
     for (const Font& font : fonts) {
         context.audience.KeepAlive();
-        if (activation.Lease(font, context.client.process, purpose))
+        if (activation.Lease(font, context.TermsFor(purpose)))
             leased.insert(font.id);
     }
     AnnounceChanges(context.audience, activation.Commit());
+    context.MakeProvisional();
     return leased;
 }
 

@@ -45,7 +45,17 @@ ActiveFonts::Repairs FontManager::RepairActiveFonts() {
 
 ActivationChanges FontManager::EndLeasesOfDeadProcesses() {
     Activation activation = BeginActivation();
+    for (const HostProcess& host : activations.HostsWithAnswers()) {
+        if (!IsAlive(host))
+            activations.ForgetAnswer(host);
+    }
     return EndLeasesOfDeadHosts(activations, activation, IsAlive);
+}
+
+ActivationChanges FontManager::UndoRequests(const HostProcess& host, long long first, long long last) {
+    Activation activation = BeginActivation();
+    activation.UndoRequests(host, first, last);
+    return activation.Commit();
 }
 
 Workgroup FontManager::CurrentWorkgroup() {

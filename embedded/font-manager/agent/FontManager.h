@@ -31,8 +31,10 @@ public:
     int SweepVault();
     /// Makes what programs see agree with the records.
     ActiveFonts::Repairs RepairActiveFonts();
-    /// Ends the leases of processes that are gone.
+    /// Ends the leases of processes that are gone, and forgets what they were answered.
     ActivationChanges EndLeasesOfDeadProcesses();
+    /// Ends the leases that the host's requests from `first` to `last` took.
+    ActivationChanges UndoRequests(const HostProcess& host, long long first, long long last);
     /// The workgroup that new fonts go to.
     Workgroup CurrentWorkgroup();
     /// The user's first workgroup, which is always there.

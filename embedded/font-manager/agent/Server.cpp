@@ -103,6 +103,15 @@ void Server::KeepAlive() {
         session->Send(frame);
 }
 
+void Server::OnAnswerLost(const Client& client) {
+    const long long request = client.provisionalRequest;
+    try {
+        AnnounceChanges(*this, mManager.UndoRequests(client.process, request, request));
+    } catch (const DatabaseError& error) {
+        mLog.Write(std::string("undoing an activation: ") + error.what() + "\n");
+    }
+}
+
 void Server::OnClientTooSlow(const Client& client) {
     mLog.Write("dropped a client that does not read: process " + std::to_string(client.process.process) +
                "\n");

@@ -36,6 +36,7 @@ private:
     void RequestStop() override { mStopsAfterCommand = true; }
     // SessionOwner
     std::string Answer(Client& client, const Json& request) override;
+    void OnAnswerLost(const Client& client) override;
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 

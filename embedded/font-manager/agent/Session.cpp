@@ -22,11 +22,11 @@ void Session::Read() {
                          return;
                      }
                      self->mInput.Append(self->mPiece.data(), size);
-                     self->HandleNextRequest();
+                     self->HandleNextMessage();
                  });
 }
 
-void Session::HandleNextRequest() {
+void Session::HandleNextMessage() {
     if (!IsOpen() || mClosesWhenWritten)
         return;
     const std::optional<std::string> payload = mInput.Next();
@@ -37,14 +37,23 @@ void Session::HandleNextRequest() {
             Read();
         return;
     }
-    const std::optional<Json> request = DecodeMessage(*payload);
-    if (!request) {
+    const std::optional<Json> message = DecodeMessage(*payload);
+    if (!message) {
         Close();
         return;
     }
-    Send(mOwner.Answer(mClient, *request));
-    // The others get their turn before this client's next request.
-    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextRequest(); });
+    Handle(*message);
+    // The others get their turn before this client's next message.
+    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextMessage(); });
+}
+
+void Session::Handle(const Json& message) {
+    if (message.contains("taken"))
+        mClient.provisionalRequest = 0;
+    else if (mStream.IsOtherEndClosed())
+        Close();
+    else
+        Send(mOwner.Answer(mClient, message));
 }
 
 void Session::Send(const std::string& frame) {
@@ -78,6 +87,8 @@ void Session::Close() {
     if (!IsOpen())
         return;
     mStream.Close();
+    if (mClient.provisionalRequest != 0)
+        mOwner.OnAnswerLost(mClient);
     mOwner.OnClosed(shared_from_this());
 }
 

@@ -19,6 +19,8 @@ public:
 
     /// The frame that answers a request.
     virtual std::string Answer(Client& client, const Json& request) = 0;
+    /// The connection is about to be closed, and the client has not taken what its last activation came to.
+    virtual void OnAnswerLost(const Client& client) = 0;
     /// So much waits for the client that the connection is about to be closed.
     virtual void OnClientTooSlow(const Client& client) = 0;
     /// The connection is closed; the session is not to be used any more.
@@ -26,7 +28,8 @@ public:
 };
 
 /// Reads requests one after the other and writes what is to be sent without ever waiting for the client. A
-/// message that cannot be understood, or a client that does not read, ends this connection and no other.
+/// message that cannot be understood, or a client that does not read, ends this connection and no other. The
+/// requests of a client that has closed the connection are not begun.
 class Session : public std::enable_shared_from_this<Session> {
 public:
     Session(asio::io_context& loop, platform::LocalStream stream, SessionOwner& owner,
@@ -43,7 +46,8 @@ public:
 
 private:
     void Read();
-    void HandleNextRequest();
+    void HandleNextMessage();
+    void Handle(const Json& message);
     void OnTaken(size_t size, const asio::error_code& failure);
     void Close();
 

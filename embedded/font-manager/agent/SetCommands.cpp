@@ -92,9 +92,11 @@ Json CreateSet(CommandContext& context, const Json& arguments) {
     const Workgroup workgroup = WorkgroupForNewSet(context, arguments);
     RefuseTakenName(context, workgroup, name);
     const int32_t id = context.manager.sets.Create(workgroup.id, name);
+    Json record = SetRecord({id, name, workgroup.id, workgroup.name, 0});
+    context.KeepAnswer(record);
     transaction.Commit();
     context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return SetRecord({id, name, workgroup.id, workgroup.name, 0});
+    return record;
 }
 
 FontSet RequiredSet(CommandContext& context, const Json& id) {
@@ -139,10 +141,12 @@ Json AddFontsToSets(CommandContext& context, const Json& arguments) {
             added += context.manager.sets.AddFont(set.id, fontID) ? 1 : 0;
         }
     }
+    Json answer = {{"added", added}};
+    context.KeepAnswer(answer);
     transaction.Commit();
     if (added != 0)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"added", added}};
+    return answer;
 }
 
 }  // namespace

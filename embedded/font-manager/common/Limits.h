@@ -16,13 +16,21 @@ constexpr size_t kMaxQueuedBytes = size_t{32} << 20;
 
 /// How long a caller waits for a sign of life: a host must not hang because its font manager does.
 constexpr std::chrono::milliseconds kAnswerLimit{2000};
+/// How long a host waits for an answer, however many signs of life there are; also all that calls wait
+/// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
+constexpr std::chrono::milliseconds kCallLimit{4700};
+/// How long an agent that was waited for in vain is given to show that it is well again.
+constexpr std::chrono::milliseconds kStalledLimit{100};
 /// The agent gives a sign of life this often while a command takes longer.
 constexpr std::chrono::milliseconds kKeepAliveInterval{400};
 /// How long a stopping agent waits for its goodbyes to be taken.
 constexpr std::chrono::milliseconds kGoodbyeLimit{500};
-/// How long a starting agent waits for the one before it to be gone: longer than a goodbye takes, and less
-/// than the two seconds that plug-ins wait for an agent to be ready.
-constexpr std::chrono::milliseconds kLockPatience{1500};
+/// How long a starting agent waits for the one before it to be gone, or to answer: longer than a goodbye
+/// takes, and less than the two seconds that plug-ins wait for an agent to be ready.
+constexpr std::chrono::milliseconds kLockPatience{1900};
+/// How long a process that leaves the work to an agent that runs already stays: whoever started it looks, and
+/// is to find that it has not failed.
+constexpr std::chrono::milliseconds kStandInTime{1000};
 
 /// The largest fonts in use, collections of Chinese, Japanese and Korean faces, have about 150 MB.
 constexpr uint64_t kMaxFontFileSize = uint64_t{256} << 20;

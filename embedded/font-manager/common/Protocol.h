@@ -5,6 +5,15 @@
 // "result"}, where "result" holds {"message"} for a code other than 0. Between the two it may send
 // {"working": true} to say that it is alive. A connection that subscribed also gets {"notification", "data"}.
 // {"goodbye": true} is the last thing an agent says before it ends.
+//
+// Answers get lost when either side dies or a client gives up. A request is not begun once its client has
+// closed the connection. The IDs of a host's requests rise, over all its connections. The fonts that a
+// request activated are the host's only once it took the answer: such an answer has {"provisional": true} and
+// is acknowledged with
+// {"taken": ID}; the greeting of the host's next connection names the last answer that it took, in "taken".
+// What later requests activated is undone by that greeting, or by the end of the connection. A request that
+// is sent again has the ID that it had and {"repeated": true}, and is answered as it was, or would have been,
+// the first time.
 #pragma once
 
 #include <cstdint>
@@ -14,9 +23,9 @@
 namespace pellwick {
 
 /// Goes up with every change that an older client or agent would not understand.
-constexpr int kProtocolVersion = 1;
+constexpr int kProtocolVersion = 2;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 /// Every method: X(constant, name).
 #define PELLWICK_METHODS(X)                              \

@@ -108,16 +108,12 @@ uint32_t UnregisterForNotifications(PluginFacadeRef, PluginNotificationCallback 
     });
 }
 
-uint32_t GetIsCoreAgentProcessRunning(PluginFacadeRef, bool* outIsRunning) {
+uint32_t GetIsCoreAgentProcessRunning(PluginFacadeRef facade, bool* outIsRunning) {
     return Guarded([&] {
         if (outIsRunning == nullptr)
             return CoreErrorCodes::kNullPointer;
-        // By a connection of its own: the facade's may have failed with an agent that has since been
-        // replaced.
-        AgentConnection connection(kAnswerLimit);
         Json status;
-        *outIsRunning =
-            connection.Call(method::kGetStatus, Json::object(), status) == CoreErrorCodes::kSuccess;
+        *outIsRunning = GetStatus(facade, status) == CoreErrorCodes::kSuccess;
         return CoreErrorCodes::kSuccess;
     });
 }

@@ -1,5 +1,6 @@
 #include "interface/Library.h"
 
+#include <algorithm>
 #include <atomic>
 #include <nlohmann/json.hpp>
 
@@ -10,6 +11,12 @@ namespace {
 
 // Lives to process end: hosts call in while their own static objects are being destroyed.
 std::atomic<Library*> theLibrary{nullptr};
+
+/// Greater than what a library that was in this process before can have counted to.
+long long FirstID() {
+    using std::chrono::microseconds;
+    return std::chrono::duration_cast<microseconds>(AgentConnection::Clock::now().time_since_epoch()).count();
+}
 
 }  // namespace
 
@@ -27,24 +34,26 @@ Library& Library::Get() {
     return *library;
 }
 
+Library::Library(platform::ProcessId process, uintptr_t generation)
+    : mProcess(process), mGeneration(generation), mLastID(FirstID()) {}
+
 PluginFacadeRef Library::Facade() {
-    bool wasDropped = false;
-    uintptr_t generation = 0;
-    {
-        const std::lock_guard guard(mConnectionLock);
-        wasDropped = std::exchange(mWasDropped, false);
-        generation = mGeneration;
-    }
-    if (wasDropped)
-        mListener.Reconnect();
-    return reinterpret_cast<PluginFacadeRef>(generation);
+    const std::lock_guard guard(mConnectionLock);
+    if (mConnection && mConnection->IsLost())
+        Drop();
+    return reinterpret_cast<PluginFacadeRef>(mGeneration);
 }
 
 void Library::DropFacade() {
     const std::lock_guard guard(mConnectionLock);
+    Drop();
+    mIsStalled = false;  // it is another agent from now on
+}
+
+void Library::Drop() {
     ++mGeneration;
-    mWasDropped = true;
     mConnection.reset();
+    mListener.Hurry();
 }
 
 ErrorCode Library::Call(PluginFacadeRef facade, const char* method, const Json& arguments, Json& result) {
@@ -53,8 +62,47 @@ ErrorCode Library::Call(PluginFacadeRef facade, const char* method, const Json& 
     if (code != CoreErrorCodes::kSuccess)
         return code;
     if (!mConnection)
-        mConnection = std::make_unique<AgentConnection>(kAnswerLimit);
-    return mConnection->Call(method, arguments, result);
+        mConnection = std::make_unique<AgentConnection>();
+    return CallConnected(method, arguments, Clock::now(), result);
+}
+
+ErrorCode Library::CallConnected(const char* method, const Json& arguments, Clock::time_point begin,
+                                 Json& result) {
+    ErrorCode code = Greet(begin);
+    if (code == CoreErrorCodes::kSuccess) {
+        mIsStalled = false;
+        const Request request = NextRequest(method, arguments);
+        code = mConnection->Exchange(request, {kAnswerLimit, EndOfPatience(begin, kCallLimit)}, result);
+        if (mConnection->HasFailed()) {
+            mUnanswered = Unanswered{method, arguments, request.id};
+        } else {
+            mUnanswered.reset();
+            mLastTaken = request.id;
+        }
+    }
+    if (mConnection->HasTimedOut()) {
+        if (Clock::now() >= mEndOfPatience)
+            mEndOfPatience = begin + kCallLimit;
+        mIsStalled = true;
+    }
+    return code;
+}
+
+ErrorCode Library::Greet(Clock::time_point begin) {
+    return mConnection->Greet({{"taken", mLastTaken}},
+                              EndOfPatience(begin, mIsStalled ? kStalledLimit : kAnswerLimit));
+}
+
+Request Library::NextRequest(const char* method, const Json& arguments) {
+    if (mUnanswered && mUnanswered->method == method && mUnanswered->arguments == arguments)
+        return {method, arguments, mUnanswered->id, true};
+    return {method, arguments, ++mLastID, false};
+}
+
+AgentConnection::Clock::time_point Library::EndOfPatience(Clock::time_point begin,
+                                                          std::chrono::milliseconds limit) const {
+    const Clock::time_point end = begin + limit;
+    return begin < mEndOfPatience ? std::min(end, std::max(mEndOfPatience, begin + kStalledLimit)) : end;
 }
 
 ErrorCode Library::CheckFacade(PluginFacadeRef facade) {

@@ -1,9 +1,12 @@
 // The library's state for this process: the facade and the connection behind it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
@@ -13,8 +16,8 @@
 
 namespace pellwick {
 
-/// A facade is the number of a connection. A connection that has failed is not made anew until the facade was
-/// dropped; a facade that was dropped is told from the one after it. Any thread.
+/// A facade is the number of a connection. A connection that is lost is made anew when the facade is next
+/// fetched; a facade that was dropped is told from the one after it. Any thread.
 class Library {
 public:
     /// The library of this process. A process that was forked from one with a library gets its own: the
@@ -25,7 +28,7 @@ public:
     void DropFacade();
 
     /// Calls the agent. GAgentIF::kUninitialized for a null facade, GAgentIF::kAgentIFDestroyed for one that
-    /// was dropped; otherwise as AgentConnection::Call.
+    /// was dropped; otherwise as AgentConnection::Exchange.
     [[nodiscard]] ErrorCode Call(PluginFacadeRef facade, const char* method, const Json& arguments,
                                  Json& result);
     [[nodiscard]] ErrorCode CheckFacade(PluginFacadeRef facade);
@@ -35,15 +38,35 @@ public:
     void CleanUp();
 
 private:
-    Library(platform::ProcessId process, uintptr_t generation) : mProcess(process), mGeneration(generation) {}
+    using Clock = AgentConnection::Clock;
+
+    /// A request whose answer was lost: the agent may have carried it out.
+    struct Unanswered {
+        std::string method;
+        Json arguments;
+        long long id;
+    };
+
+    Library(platform::ProcessId process, uintptr_t generation);
 
     ErrorCode CheckGeneration(PluginFacadeRef facade) const;
+    void Drop();
+    ErrorCode CallConnected(const char* method, const Json& arguments, Clock::time_point begin, Json& result);
+    ErrorCode Greet(Clock::time_point begin);
+    Request NextRequest(const char* method, const Json& arguments);
+    /// When a wait that begins now has to be over.
+    Clock::time_point EndOfPatience(Clock::time_point begin, std::chrono::milliseconds limit) const;
 
     const platform::ProcessId mProcess;
-    std::mutex mConnectionLock;
+    std::mutex mConnectionLock;  ///< guards what follows, but for the listener
     uintptr_t mGeneration;
-    bool mWasDropped = false;  ///< since the facade was last fetched
     std::unique_ptr<AgentConnection> mConnection;
+    long long mLastID;
+    long long mLastTaken = 0;  ///< the last request whose answer arrived
+    std::optional<Unanswered> mUnanswered;
+    bool mIsStalled = false;  ///< the agent has given no sign of life since a wait for it was over
+    Clock::time_point
+        mEndOfPatience{};  ///< of the last call that waited in vain, and of those that follow it
     NotificationListener mListener;
 };
 

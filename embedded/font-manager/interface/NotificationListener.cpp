@@ -14,10 +14,50 @@
 namespace pellwick {
 
 /// One thread's share, which it keeps until its end.
-struct NotificationListener::Listening {
-    AgentConnection connection{kAnswerLimit};
-    std::promise<ErrorCode> subscribed;
-    std::atomic<bool> isStopped{false};
+class NotificationListener::Listening {
+public:
+    std::promise<ErrorCode> subscribed;  ///< what became of the first subscription
+
+    bool IsStopped() const { return mIsStopped; }
+    AgentConnection& Connection() { return *mConnection; }
+
+    /// Subscribes over a new connection.
+    ErrorCode Subscribe() {
+        {
+            const std::lock_guard guard(mStateLock);
+            if (mIsStopped)
+                return GIPCClient::kServiceUnavailable;
+            mConnection = std::make_unique<AgentConnection>(kAnswerLimit);
+        }
+        Json ignored;
+        return mConnection->Call(method::kSubscribe, Json::object(), ignored);
+    }
+    /// Waits until it is time to look for an agent again, or it is all over.
+    void Rest(std::chrono::milliseconds length) {
+        std::unique_lock guard(mStateLock);
+        mChanged.wait_for(guard, length, [this] { return mIsStopped || mIsHurried; });
+        mIsHurried = false;
+    }
+    // Any thread.
+    void Hurry() {
+        const std::lock_guard guard(mStateLock);
+        mIsHurried = true;
+        mChanged.notify_all();
+    }
+    void Stop() {
+        const std::lock_guard guard(mStateLock);
+        mIsStopped = true;
+        if (mConnection)
+            mConnection->Cancel();
+        mChanged.notify_all();
+    }
+
+private:
+    std::mutex mStateLock;  ///< guards what follows; the connection's own thread reads it without
+    std::condition_variable mChanged;
+    std::unique_ptr<AgentConnection> mConnection;
+    std::atomic<bool> mIsStopped{false};
+    bool mIsHurried = false;
 };
 
 namespace {
@@ -58,6 +98,10 @@ private:
 
 thread_local bool isListenerThread = false;
 
+// While there is no agent: soon at first, since it is often being started again at this moment, then seldom.
+constexpr std::chrono::milliseconds kFirstRest{50};
+constexpr std::chrono::milliseconds kLongestRest{4000};
+
 const char kAddressInThisModule = 0;
 
 }  // namespace
@@ -75,7 +119,7 @@ ErrorCode NotificationListener::Add(PluginNotificationCallback callback) {
         if (std::find(mCallbacks.begin(), mCallbacks.end(), callback) == mCallbacks.end())
             mCallbacks.push_back(callback);
     }
-    if (mListening && !mListening->isStopped)
+    if (mListening)
         return CoreErrorCodes::kSuccess;
     const ErrorCode code = Guarded([this] { return Start().get(); });
     if (code != CoreErrorCodes::kSuccess) {
@@ -111,20 +155,12 @@ void NotificationListener::RemoveAll() {
     Stop();
 }
 
-void NotificationListener::Reconnect() {
+void NotificationListener::Hurry() {
     if (IsOwnThread())
         return;
     const std::lock_guard control(mControlLock);
-    {
-        const std::lock_guard guard(mCallbacksLock);
-        if (mCallbacks.empty())
-            return;
-    }
-    // Without a thread the facade is as good as ever; the next Add tries again.
-    (void)Guarded([this] {
-        Start();
-        return CoreErrorCodes::kSuccess;
-    });
+    if (mListening)
+        mListening->Hurry();
 }
 
 std::future<ErrorCode> NotificationListener::Start() {
@@ -133,7 +169,13 @@ std::future<ErrorCode> NotificationListener::Start() {
     std::future<ErrorCode> subscribed = listening->subscribed.get_future();
     platform::KeepModuleLoaded(&kAddressInThisModule);
     const platform::ScopedSignalBlock block;
-    mThread = std::thread([this, listening] { Listen(listening); });
+    mThread = std::thread([this, listening] {
+        isListenerThread = true;
+        (void)Guarded([&] {
+            Run(*listening);
+            return CoreErrorCodes::kSuccess;
+        });
+    });
     mListening = std::move(listening);  // not before there is a thread that it is about
     return subscribed;
 }
@@ -141,46 +183,46 @@ std::future<ErrorCode> NotificationListener::Start() {
 void NotificationListener::Stop() {
     if (!mThread.joinable())
         return;
-    mListening->isStopped = true;
-    mListening->connection.Cancel();
+    mListening->Stop();
     mThread.join();
     mListening.reset();
 }
 
-void NotificationListener::Listen(const std::shared_ptr<Listening>& listening) {
-    isListenerThread = true;
-    const ErrorCode code = Guarded([&] {
-        Json ignored;
-        return listening->connection.Call(method::kSubscribe, Json::object(), ignored);
-    });
-    listening->subscribed.set_value(code);
-    if (code == CoreErrorCodes::kSuccess) {
-        (void)Guarded([&] {
-            DeliverAll(listening);
-            return CoreErrorCodes::kSuccess;
-        });
+void NotificationListener::Run(Listening& listening) {
+    ErrorCode code = listening.Subscribe();
+    listening.subscribed.set_value(code);
+    if (code != CoreErrorCodes::kSuccess)
+        return;  // nobody waits for this thread but to see it end
+    for (;;) {
+        DeliverAll(listening);
+        std::chrono::milliseconds rest = kFirstRest;
+        while (!listening.IsStopped() && listening.Subscribe() != CoreErrorCodes::kSuccess) {
+            listening.Rest(rest);
+            rest = std::min(rest * 2, kLongestRest);
+        }
+        if (listening.IsStopped())
+            return;
+        Deliver(listening, kPluginCallback_PanelDataChanged, nullptr);
     }
-    listening->isStopped = true;
 }
 
-void NotificationListener::DeliverAll(const std::shared_ptr<Listening>& listening) {
+void NotificationListener::DeliverAll(Listening& listening) {
     int32_t type = 0;
     Json data;
-    while (listening->connection.WaitForNotification(type, data))
+    ErrorCode code = CoreErrorCodes::kSuccess;
+    while ((code = listening.Connection().WaitForNotification(type, data)) == CoreErrorCodes::kSuccess)
         Deliver(listening, type, data);
-    // With a goodbye or without: for those who listen it comes to the same.
-    if (!listening->isStopped)
+    if (code == GAgentIF::kShutdown)
         Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
 }
 
-void NotificationListener::Deliver(const std::shared_ptr<Listening>& listening, int32_t type,
-                                   const Json& data) {
+void NotificationListener::Deliver(const Listening& listening, int32_t type, const Json& data) {
     const CallbackData callbackData(type, data);
     std::unique_lock guard(mCallbacksLock);
     const auto callbacks = mCallbacks;
     for (const PluginNotificationCallback callback : callbacks) {
         // One before it may have taken it away.
-        if (listening->isStopped ||
+        if (listening.IsStopped() ||
             std::find(mCallbacks.begin(), mCallbacks.end(), callback) == mCallbacks.end())
             continue;
         mRunningCallback = callback;

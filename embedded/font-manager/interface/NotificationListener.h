@@ -15,7 +15,10 @@
 namespace pellwick {
 
 /// Has a thread and a connection of its own while there are callbacks. Any thread may call; the callbacks run
-/// on the listener's, which the host's signals do not reach.
+/// on the listener's, which the host's signals do not reach. When the agent goes, the listener looks for the
+/// next one until there is one; callbacks are told kPluginCallback_AgentShutdown only by an agent that said
+/// goodbye, and kPluginCallback_PanelDataChanged by the next one, since what happened between the two was not
+/// heard.
 class NotificationListener {
 public:
     NotificationListener() = default;
@@ -30,22 +33,23 @@ public:
     /// itself, it is the last time.
     void Remove(PluginNotificationCallback callback);
     void RemoveAll();
-    /// Connects anew, without waiting for it, when there are callbacks: the agent has changed.
-    void Reconnect();
+    /// Looks for the next agent at once, if it is looking for one.
+    void Hurry();
 
 private:
-    struct Listening;
+    class Listening;
 
     /// What becomes of the subscription. Throws, and changes nothing, when no thread can be had.
     std::future<ErrorCode> Start();
     void Stop();
-    void Listen(const std::shared_ptr<Listening>& listening);
-    void DeliverAll(const std::shared_ptr<Listening>& listening);
-    void Deliver(const std::shared_ptr<Listening>& listening, int32_t type, const Json& data);
+    void Run(Listening& listening);
+    /// Delivers what comes in until the agent ends.
+    void DeliverAll(Listening& listening);
+    void Deliver(const Listening& listening, int32_t type, const Json& data);
     /// Whether the caller is a callback.
     static bool IsOwnThread();
 
-    std::mutex mControlLock;  ///< one Add, Remove or Reconnect at a time
+    std::mutex mControlLock;  ///< one Add or Remove at a time
     std::thread mThread;
     std::shared_ptr<Listening> mListening;
 

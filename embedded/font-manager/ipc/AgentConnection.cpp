@@ -1,5 +1,6 @@
 #include "ipc/AgentConnection.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "common/Locations.h"
@@ -8,6 +9,13 @@
 namespace pellwick {
 namespace {
 
+using Outcome = ClientStream::Outcome;
+
+/// No request has this ID.
+constexpr long long kGreetingID = 0;
+/// Long enough for what has arrived to be taken in.
+constexpr std::chrono::milliseconds kNoWait{1};
+
 bool IsConnectionFailure(ErrorCode code) {
     return code == GIPCClient::kServiceUnavailable || code == GAgentIF::kShutdown;
 }
@@ -15,69 +23,118 @@ bool IsConnectionFailure(ErrorCode code) {
 }  // namespace
 
 ErrorCode AgentConnection::Call(const char* method, const Json& arguments, Json& result) {
-    if (mFailure != CoreErrorCodes::kSuccess)
-        return mFailure;
-    ErrorCode code = mIsOpen ? CoreErrorCodes::kSuccess : Open(ClientStream::Clock::now() + mLimit);
-    mIsOpen = true;
-    if (code != CoreErrorCodes::kSuccess)
-        mFailure = code;  // also an agent of another version: it will not change
-    else
-        code = Exchange(method, arguments, ClientStream::Clock::now() + mLimit, result);
-    if (IsConnectionFailure(code))
+    if (mState != State::kOpen) {
+        const ErrorCode code = Greet(Json::object(), Clock::now() + mLimit);
+        if (code != CoreErrorCodes::kSuccess)
+            return Fail(code);
+    }
+    return Exchange({method, arguments, ++mLastID}, {mLimit, Clock::time_point::max()}, result);
+}
+
+ErrorCode AgentConnection::Fail(ErrorCode code) {
+    if (mState != State::kFailed)
         mFailure = code;
-    return code;
+    mState = State::kFailed;
+    return mFailure;
 }
 
-ErrorCode AgentConnection::Open(Deadline deadline) {
-    if (!mStream.Connect(Locations::OfThisUser().AgentAddress(), deadline))
-        return GIPCClient::kServiceUnavailable;
-    Json ignored;
-    return Exchange(method::kHello, {{"protocol", kProtocolVersion}}, deadline, ignored);
-}
-
-ErrorCode AgentConnection::Exchange(const char* method, const Json& arguments, Deadline deadline,
-                                    Json& result) {
-    const long long id = ++mLastID;
-    const ErrorCode code = Send({{"id", id}, {"method", method}, {"args", arguments}}, deadline);
-    return code == CoreErrorCodes::kSuccess ? ReceiveAnswer(id, deadline, result) : code;
-}
-
-ErrorCode AgentConnection::Send(const Json& request, Deadline deadline) {
-    const std::optional<std::string> frame = EncodeMessage(request);
-    if (!frame)
-        return error_codes::GIPCReceiver::kMessageTooLarge;
-    // An agent that has gone may have left its goodbye behind: that is for the receiving end to find out.
-    mStream.Send(*frame, deadline);
+ErrorCode AgentConnection::Greet(const Json& greeting, Clock::time_point deadline) {
+    if (mState == State::kFailed)
+        return mFailure;
+    if (mState == State::kClosed) {
+        if (!mStream.Connect(Locations::OfThisUser().AgentAddress(), deadline))
+            return Fail(GIPCClient::kServiceUnavailable);
+        Json arguments = greeting;
+        arguments["protocol"] = kProtocolVersion;
+        Send({{"id", kGreetingID}, {"method", method::kHello}, {"args", std::move(arguments)}}, deadline);
+        mState = State::kGreeting;
+    }
+    if (mState == State::kGreeting) {
+        Json ignored;
+        const ErrorCode code = ReceiveAnswer(kGreetingID, {std::chrono::hours(1), deadline}, ignored);
+        if (code != CoreErrorCodes::kSuccess)
+            return mHasTimedOut ? code : Fail(code);  // an agent of another version will not change
+        mState = State::kOpen;
+    }
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode AgentConnection::ReceiveAnswer(long long id, Deadline deadline, Json& result) {
+ErrorCode AgentConnection::Exchange(const Request& request, const Patience& patience, Json& result) {
+    if (mState == State::kFailed)
+        return mFailure;
+    Json message = {{"id", request.id}, {"method", request.method}, {"args", request.arguments}};
+    if (request.isRepeated)
+        message["repeated"] = true;
+    if (!Send(message, patience.end))
+        return error_codes::GIPCReceiver::kMessageTooLarge;
+    const ErrorCode code = ReceiveAnswer(request.id, patience, result);
+    return IsConnectionFailure(code) ? Fail(code) : code;
+}
+
+void AgentConnection::Acknowledge(long long id) {
+    Send({{"taken", id}}, Clock::now() + kNoWait);
+}
+
+/// False when the message is larger than one may be. An agent that has gone may have left its goodbye behind:
+/// that is for the receiving end to find out.
+bool AgentConnection::Send(const Json& message, Clock::time_point deadline) {
+    const std::optional<std::string> frame = EncodeMessage(message);
+    if (frame)
+        mStream.Send(*frame, deadline);
+    return frame.has_value();
+}
+
+ErrorCode AgentConnection::ReceiveAnswer(long long id, const Patience& patience, Json& result) {
+    mHasTimedOut = false;
+    const auto nextDeadline = [&patience] {
+        const auto now = Clock::now();
+        return patience.end - now > patience.sign ? now + patience.sign : patience.end;
+    };
+    auto deadline = nextDeadline();
     for (;;) {
         Json message;
-        if (mStream.Receive(message, deadline) != ClientStream::Outcome::kMessage)
+        const Outcome outcome = mStream.Receive(message, deadline);
+        mHasTimedOut = outcome == Outcome::kTimeOver;
+        if (outcome != Outcome::kMessage)
             return GIPCClient::kServiceUnavailable;
         if (BoolMember(message, "goodbye"))
             return GAgentIF::kShutdown;
         if (BoolMember(message, "working"))
-            deadline = ClientStream::Clock::now() + mLimit;
-        if (IntegerMember(message, "id") != id)
+            deadline = nextDeadline();
+        if (!message.contains("id") || IntegerMember(message, "id") != id)
             continue;
+        if (BoolMember(message, "provisional"))
+            Acknowledge(id);
         result = std::move(message["result"]);
         return static_cast<ErrorCode>(IntegerMember(message, "code"));
     }
 }
 
-bool AgentConnection::WaitForNotification(int32_t& type, Json& data) {
+bool AgentConnection::IsLost() {
+    while (mState == State::kOpen && mStream.HasInput()) {
+        Json message;
+        const Outcome outcome = mStream.Receive(message, Clock::now() + kNoWait);
+        if (outcome == Outcome::kTimeOver)
+            break;
+        if (outcome == Outcome::kBroken)
+            Fail(GIPCClient::kServiceUnavailable);
+        else if (BoolMember(message, "goodbye"))
+            Fail(GAgentIF::kShutdown);
+    }
+    return mState == State::kFailed;
+}
+
+ErrorCode AgentConnection::WaitForNotification(int32_t& type, Json& data) {
     for (;;) {
         Json message;
-        if (mStream.Receive(message, Deadline::max()) != ClientStream::Outcome::kMessage)
-            return false;
+        if (mStream.Receive(message, Clock::time_point::max()) != Outcome::kMessage)
+            return GIPCClient::kServiceUnavailable;
         if (BoolMember(message, "goodbye"))
-            return false;
+            return GAgentIF::kShutdown;
         if (message.contains("notification")) {
             type = static_cast<int32_t>(IntegerMember(message, "notification"));
             data = std::move(message["data"]);
-            return true;
+            return CoreErrorCodes::kSuccess;
         }
     }
 }

@@ -10,37 +10,73 @@
 
 namespace pellwick {
 
+/// One request, as its client numbers it.
+struct Request {
+    const char* method;
+    const Json& arguments;
+    long long id = 0;         ///< greater than that of every request before it, but for a repetition
+    bool isRepeated = false;  ///< the same request, with its ID, was sent before and its answer was lost
+};
+
 /// A connection that is made with the first call and, once it has failed, stays failed: the caller decides
 /// whether to make another. One thread.
 class AgentConnection {
 public:
-    /// `limit`: how long to wait for a sign of life of the agent.
-    explicit AgentConnection(std::chrono::milliseconds limit) : mLimit(limit) {}
+    using Clock = ClientStream::Clock;
+
+    /// How long to wait for an answer.
+    struct Patience {
+        std::chrono::milliseconds sign;  ///< for a sign of life of the agent
+        Clock::time_point end;           ///< for the answer, however many signs there are
+    };
+
+    /// `limit`: how long Call waits for a sign of life of the agent.
+    explicit AgentConnection(std::chrono::milliseconds limit = {}) : mLimit(limit) {}
 
     /// Has the agent carry out a method. On success `result` is its answer, else what "message" it gives, if
     /// any. GIPCClient::kServiceUnavailable when the agent cannot be reached or gives no sign of life in
     /// time, GAgentIF::kShutdown when it said that it ends; both for every later call as well.
     [[nodiscard]] ErrorCode Call(const char* method, const Json& arguments, Json& result);
 
-    /// After a subscription: waits for what the agent has to tell. False when the agent has ended, whether it
-    /// said so or not, or another thread ended the wait.
-    bool WaitForNotification(int32_t& type, Json& data);
+    // The steps of a call, for who paces them.
+
+    /// Connects and greets the agent, unless that is done. `greeting`: members that the greeting has beside
+    /// the version. When the agent does not answer by the deadline the answer can still be waited for with
+    /// another Greet.
+    [[nodiscard]] ErrorCode Greet(const Json& greeting, Clock::time_point deadline);
+    /// Sends the request and waits for its answer. A request that is not answered in time is withdrawn: the
+    /// connection fails.
+    [[nodiscard]] ErrorCode Exchange(const Request& request, const Patience& patience, Json& result);
+    /// Tells the agent that the answer to that request has arrived.
+    void Acknowledge(long long id);
+
+    bool HasFailed() const { return mState == State::kFailed; }
+    /// Whether no call can succeed any more: it has failed, or the agent has closed it or said goodbye since.
+    /// Does not wait.
+    bool IsLost();
+    /// Whether the last wait was for an agent that kept the connection and gave no answer in time.
+    bool HasTimedOut() const { return mHasTimedOut; }
+
+    /// After a subscription: waits for what the agent has to tell. kSuccess for a notification; kShutdown
+    /// when the agent said that it ends, kServiceUnavailable when it ended without a word, or another thread
+    /// ended the wait.
+    [[nodiscard]] ErrorCode WaitForNotification(int32_t& type, Json& data);
     /// Ends the wait of another thread. Any thread.
     void Cancel() { mStream.Cancel(); }
 
 private:
-    using Deadline = ClientStream::Clock::time_point;
+    enum class State { kClosed, kGreeting, kOpen, kFailed };
 
-    ErrorCode Open(Deadline deadline);
-    ErrorCode Exchange(const char* method, const Json& arguments, Deadline deadline, Json& result);
-    ErrorCode Send(const Json& request, Deadline deadline);
-    ErrorCode ReceiveAnswer(long long id, Deadline deadline, Json& result);
+    ErrorCode Fail(ErrorCode code);
+    bool Send(const Json& message, Clock::time_point deadline);
+    ErrorCode ReceiveAnswer(long long id, const Patience& patience, Json& result);
 
     const std::chrono::milliseconds mLimit;
     ClientStream mStream;
-    bool mIsOpen = false;
+    State mState = State::kClosed;
     ErrorCode mFailure = CoreErrorCodes::kSuccess;  ///< that of the connection, for good
-    long long mLastID = 0;
+    bool mHasTimedOut = false;
+    long long mLastID = 0;  ///< of Call's requests
 };
 
 /// "message" of a failed call's result, or else the name of the code.

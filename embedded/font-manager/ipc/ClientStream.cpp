@@ -94,6 +94,10 @@ ClientStream::Outcome ClientStream::Receive(Json& message, Clock::time_point dea
     }
 }
 
+bool ClientStream::HasInput() const {
+    return !mConnection->input.IsEmpty() || mConnection->stream.HasInput();
+}
+
 void ClientStream::Cancel() {
     mConnection->isCancelled = true;
     mConnection->loop.stop();

@@ -29,6 +29,9 @@ public:
     /// Waits for the next message. What arrived before the connection broke is still delivered.
     Outcome Receive(Json& message, Clock::time_point deadline);
 
+    /// Whether Receive has something to go on without waiting, the end of the connection included.
+    bool HasInput() const;
+
     /// Ends the wait of another thread, and every later one, with kBroken. Any thread.
     void Cancel();
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,13 @@ enum class LeasePurpose {
     kPreview = 2    ///< to show it
 };
 
+struct LeaseTerms {
+    HostProcess host;
+    LeasePurpose purpose = LeasePurpose::kDocument;
+    std::string document{};  ///< empty for purposes that have nothing to do with one
+    long long request = 0;  ///< the host's request that takes the lease; 0 for none that could be undone
+};
+
 /// Throws DatabaseError.
 class ActivationStore {
 public:
@@ -33,20 +41,29 @@ public:
     /// False when there was none.
     bool RemoveUserActivation(uint32_t fontID);
 
-    /// `document` is empty for purposes that have nothing to do with one.
-    void AddLease(const HostProcess& host, LeasePurpose purpose, const std::string& document,
-                  uint32_t fontID);
+    /// A lease of those terms that is there already stays that of its own request.
+    void AddLease(uint32_t fontID, const LeaseTerms& terms);
     /// Ends the host's leases on the font for that purpose, whatever the document. False when it had none.
     bool EndLeases(const HostProcess& host, LeasePurpose purpose, uint32_t fontID);
     /// Ends the host's leases on the font for every purpose.
     bool EndAllLeases(const HostProcess& host, uint32_t fontID);
+    /// Ends the leases that the host's requests from `first` to `last` took; the fonts that these were on.
+    std::vector<uint32_t> EndLeasesOfRequests(const HostProcess& host, long long first, long long last);
     /// For any purpose.
     bool HasLease(const HostProcess& host, uint32_t fontID);
+    bool HasLease(const HostProcess& host, uint32_t fontID, LeasePurpose purpose);
 
     std::vector<HostProcess> Hosts();
     std::vector<uint32_t> FontsLeasedBy(const HostProcess& host);
     /// For that document.
     std::vector<uint32_t> FontsLeasedFor(const HostProcess& host, const std::string& document);
+
+    /// Keeps what a request of the host came to, in place of what is kept of an earlier one.
+    void KeepAnswer(const HostProcess& host, long long request, const std::string& answer);
+    /// What that request came to; nothing when it was not carried out, or another one after it.
+    std::optional<std::string> FindAnswer(const HostProcess& host, long long request);
+    std::vector<HostProcess> HostsWithAnswers();
+    void ForgetAnswer(const HostProcess& host);
 
 private:
     Database& mDatabase;

@@ -132,7 +132,20 @@ DROP TABLE leases_of_version_1;
 CREATE INDEX leases_by_host ON leases (process, start_time);
 )sql";
 
-constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2};
+// A lease names the request that took it, and what a host's last request came to is kept for as long as the
+// host may ask again.
+constexpr char kVersion3[] = R"sql(
+ALTER TABLE leases ADD COLUMN request INTEGER NOT NULL DEFAULT 0;
+CREATE TABLE answers (
+    process INTEGER NOT NULL,
+    start_time INTEGER NOT NULL,
+    request INTEGER NOT NULL,
+    answer TEXT NOT NULL,             -- JSON
+    PRIMARY KEY (process, start_time)
+) WITHOUT ROWID;
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3};
 
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";

@@ -57,8 +57,9 @@ protected:
 
     ActivationChanges Lease(size_t index, const HostProcess& host,
                             LeasePurpose purpose = LeasePurpose::kDocument) {
-        return Apply(
-            [&](Activation& activation) { EXPECT_TRUE(activation.Lease(FontAt(index), host, purpose)); });
+        return Apply([&](Activation& activation) {
+            EXPECT_TRUE(activation.Lease(FontAt(index), {host, purpose}));
+        });
     }
 
     ActivationChanges EndLeases(size_t index, const HostProcess& host,
@@ -139,7 +140,7 @@ TEST_P(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
 TEST_P(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
     {
         Activation activation(mDatabase, mFonts, mActivations, *mWay);
-        EXPECT_TRUE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDocument, "document"));
+        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
         EXPECT_TRUE(mWay->Has(mFile));
     }
     EXPECT_FALSE(mWay->Has(mFile));
@@ -149,12 +150,12 @@ TEST_P(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
 TEST_P(ActivationTest, NotesAFileThatTheVaultHasLost) {
     mVault.Remove(mFile);
     const ActivationChanges changes = Apply([&](Activation& activation) {
-        EXPECT_FALSE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDesign));
-        EXPECT_FALSE(activation.Lease(FontAt(1), kHost, LeasePurpose::kDesign));
+        EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDesign}));
+        EXPECT_FALSE(activation.Lease(FontAt(1), {kHost, LeasePurpose::kDesign}));
     });
     EXPECT_EQ(changes.missing, mIDs);  // each once
     Apply([&](Activation& activation) {
-        EXPECT_FALSE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDocument, "document"));
+        EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
     });
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
     ASSERT_FALSE(mVault.Store(mFile, "cut off"));
@@ -241,8 +242,8 @@ TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
     ASSERT_FALSE(mVault.Store(other, mContent));
     const uint32_t otherID = mFonts.FontsOfFile(mFonts.Add(other, {FontFace{}})).front().id;
     Apply([&](Activation& activation) {
-        EXPECT_TRUE(activation.Lease(FontAt(0), kHost, LeasePurpose::kDocument));
-        EXPECT_TRUE(activation.Lease(*mFonts.Find(otherID), kHost, LeasePurpose::kDocument));
+        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument}));
+        EXPECT_TRUE(activation.Lease(*mFonts.Find(otherID), {kHost, LeasePurpose::kDocument}));
     });
     EXPECT_EQ(mTable.announcements, 1);
     Lease(0, kOtherHost);

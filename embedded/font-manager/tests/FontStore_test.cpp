@@ -83,9 +83,9 @@ TEST_F(FontStoreTest, KnowsActivationStates) {
     const uint32_t font = Add("Sample", "Sample", "Regular");
     const auto state = [&] { return mFonts.Find(font)->activationState; };
     EXPECT_EQ(state(), kFontActivationState_Inactive);
-    activations.AddLease({10, 20}, LeasePurpose::kDocument, "document", font);
-    activations.AddLease({10, 20}, LeasePurpose::kDocument, "another", font);
-    activations.AddLease({10, 21}, LeasePurpose::kPreview, "", font);
+    activations.AddLease(font, {{10, 20}, LeasePurpose::kDocument, "document"});
+    activations.AddLease(font, {{10, 20}, LeasePurpose::kDocument, "another"});
+    activations.AddLease(font, {{10, 21}, LeasePurpose::kPreview, ""});
     EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
     activations.AddUserActivation(font);
     EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);

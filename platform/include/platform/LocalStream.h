@@ -52,6 +52,12 @@ public:
     /// all of them or will not: within this call, where that is known at once, or by the loop.
     void Write(std::string bytes, WriteHandler handler);
 
+    /// Whether a read would not have to wait: for bytes that have arrived, or because the other end is
+    /// closed.
+    bool HasInput() const;
+    /// Whether the other end is closed. Windows: not before everything that it sent was read.
+    bool IsOtherEndClosed() const;
+
     /// Ends reads and writes under way with asio::error::operation_aborted; the loop tells.
     void Cancel();
     bool IsOpen() const;

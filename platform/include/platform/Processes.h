@@ -79,6 +79,8 @@ ProcessId CurrentProcessId();
 uint64_t ProcessStartTime(ProcessId id);
 /// Sets what CurrentName and process listings show (Linux: at most 15 bytes are kept).
 void SetCurrentProcessName(const std::string& name);
+/// Whether this process was started with Processes::Launch and has not said yet that it is ready.
+bool IsReadinessAwaited();
 /// Tells the process that started this one with Processes::Launch that requests are welcome now. Does nothing
 /// when it was started otherwise.
 void NotifyReadyForInput();

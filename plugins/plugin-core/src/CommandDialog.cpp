@@ -51,7 +51,9 @@ ErrorCode ShowCommandBox(const std::string& document) {
 ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
     static bool isShowing = false;
     TracedCall call(kName, OrNull(document));
-    if (const DialogTurn turn(isShowing, kName); turn)
+    if (const DialogTurn turn(isShowing, kName); turn) {
+        FontManagerInterface::GetSharedInstance().OnUserAction();
         call.result = ShowCommandBox(document != nullptr ? document : "");
+    }
     return call.result;
 }

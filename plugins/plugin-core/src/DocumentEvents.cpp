@@ -9,6 +9,7 @@
 #include "CommonFunctionality.h"
 #include "DocumentFonts.h"
 #include "FontListJSON.h"
+#include "FontManagerInterface.h"
 #include "GFile.h"
 #include "MarquellGlobals.h"
 #include "TextBuffer.h"
@@ -88,6 +89,7 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
         return result;
+    FontManagerInterface::GetSharedInstance().OnUserAction();
     const CFRef<CFMutableArrayRef> fonts = FontsOfDocument(path, fontsJSON);
     const Document record = FindOrCreateRecord(path);
     record->SetLastKnownModificationTime(VantorixFileUtils::GetFileModificationDate(path));
@@ -109,6 +111,7 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
 
 ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
     TracedCall event("PluginCoreInterface::HandleSaveDocument", path);
+    FontManagerInterface::GetSharedInstance().OnUserAction();
     const Document record = FindOrCreateRecord(path);
     if (HandOverFonts(path, *record, hint)) {
         record->lastSaveTime = Now();
@@ -127,6 +130,7 @@ ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) 
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
         return event.result;
+    FontManagerInterface::GetSharedInstance().OnUserAction();
     const Document record = Documents().FindTrackedDocumentByPath(path);
     if (!record)
         return event.result;
@@ -179,6 +183,7 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
         return event.result;
+    FontManagerInterface::GetSharedInstance().OnUserAction();
     const Document record = Documents().FindTrackedDocumentByPath(path);
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (!fontsJSON.empty() &&

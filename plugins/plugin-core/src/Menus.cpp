@@ -102,6 +102,7 @@ ErrorCode Menus::HandleMenuSelection(const std::string& document, const std::str
         LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, OrNull(selectedID),
                    static_cast<int>(kResult));
     });
+    FontManagerInterface::GetSharedInstance().OnUserAction();
     const bool isLoggedIn = FontManagerInterface::GetSharedInstance().IsLoggedIn();
     PluginCoreInterface::MenuObject item;
     if (selectedID != nullptr && FindItem(menusJSON, selectedID, item) == CoreErrorCodes::kSuccess)

@@ -14,6 +14,7 @@
 #include "FontManagerInterface.h"
 #include "GeneralInterface.h"
 #include "HostMenuJSON.h"
+#include "HostPatience.h"
 #include "MarquellGlobals.h"
 #include "Menus.h"
 #include "PanelManager.h"
@@ -33,9 +34,9 @@ static_assert(PLUGINCORE_UNKNOWN_ERROR == CoreErrorCodes::kUnknownError);
 
 namespace {
 
-/// Runs an export's body; an exception becomes a code and a log line.
+/// Runs a part of an export; an exception becomes a code and a log line.
 template <class Body>
-uint32_t Guarded(const char* name, Body&& body) noexcept {
+uint32_t GuardedPart(const char* name, Body&& body) noexcept {
     try {
         return body();
     } catch (const std::bad_alloc&) {
@@ -47,6 +48,13 @@ uint32_t Guarded(const char* name, Body&& body) noexcept {
         LogMessage(0, "Exception thrown in %s()", name);
     }
     return CoreErrorCodes::kUnknownError;
+}
+
+/// Runs an export's body, while the host waits.
+template <class Body>
+uint32_t Guarded(const char* name, Body&& body) noexcept {
+    const HostPatience::Call call;
+    return GuardedPart(name, body);
 }
 
 template <class... Pointers>
@@ -85,16 +93,18 @@ uint32_t InitializePluginCoreInterface(const char* pluginIdentifier, const char*
 }
 
 uint32_t TerminatePluginCoreInterface() {
+    const HostPatience::Call call;  // one for all parts
     // Guarded apart: whatever happens to the documents, the font manager is let go.
-    Guarded(__func__, []() -> uint32_t {
+    GuardedPart(__func__, []() -> uint32_t {
+        FontManagerInterface::GetSharedInstance().OnHostAppQuitting();
         DocumentEvents::CloseAllDocuments();
         return 0;
     });
-    Guarded(__func__, []() -> uint32_t {
+    GuardedPart(__func__, []() -> uint32_t {
         FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
         return 0;
     });
-    Guarded(__func__, []() -> uint32_t {
+    GuardedPart(__func__, []() -> uint32_t {
         PanelManager::GetSharedInstance().Close();
         return 0;
     });
@@ -122,10 +132,7 @@ uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled) {
 }
 
 uint32_t IdleEvent() {
-    Guarded(__func__, []() -> uint32_t {
-        CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
-        return agent != nullptr ? agent->ProcessNotifications() : CoreErrorCodes::kSuccess;
-    });
+    Guarded(__func__, []() -> uint32_t { return FontManagerInterface::GetSharedInstance().OnIdle(); });
     return CoreErrorCodes::kSuccess;
 }
 

@@ -1,6 +1,9 @@
 #include "CoreAgentInterface.h"
 
+#include <utility>
+
 #include "AgentLauncher.h"
+#include "HostPatience.h"
 #include "MarquellGlobals.h"
 #include "NotificationProcessor.h"
 #include "NotificationQueue.h"
@@ -48,31 +51,97 @@ int CoreAgentInterface::RelaunchZephyrinAgent() {
     const auto reset = VPILoader::GetSharedInstance()->pfResetPluginFacadeInstance;
     if (result == kRelaunchSucceeded && reset != nullptr) {
         reset();
-        ListenForNotifications();
-        // What was said of the end of the agent before concerns nobody any more.
-        NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
+        OnAgentBack();
     }
     LogMessage(-1, "Exiting CoreAgentInterface::RelaunchZephyrinAgent, returning %d", result);
     return result;
 }
 
+void CoreAgentInterface::OnAgentBack() {
+    HostPatience::NoteRecovery();
+    ListenForNotifications();
+    // What was said of the end of the agent before concerns nobody any more.
+    NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
+}
+
+bool CoreAgentInterface::MayLaunch() {
+    if (mIsQuitting && std::exchange(mHasLaunchedWhileQuitting, true))
+        return false;
+    return HostPatience::AllowsLaunch();
+}
+
 bool CoreAgentInterface::RelaunchWithUserRetry() {
-    for (;;) {
+    while (MayLaunch()) {
         const int result = RelaunchZephyrinAgent();
         if (result != kRelaunchFailed && result != kRelaunchFoundNoAgent)
             return true;
+        if (CanReachAgent()) {  // somebody else has started it
+            OnAgentBack();
+            return true;
+        }
+        if (mIsQuitting)
+            return false;
         VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
         const MessageBoxStrings question = MarquellGlobals::HostAppIsAfterEffects()
                                                ? message_boxes::kRelaunchAgentFromExtension
                                                : message_boxes::kRelaunchAgent;
         if (framework == nullptr || !framework->AskYesNo(question))
             return false;
+        HostPatience::Renew();
     }
+    return false;
+}
+
+void CoreAgentInterface::LoseServices() {
+    mHasLostServices = mHasLostServices || MarquellGlobals::ArePluginServicesEnabled();
+    DisablePluginServices();
 }
 
 void CoreAgentInterface::DisableAndNotify() {
-    DisablePluginServices();
-    ShowMessageBox(message_boxes::kAgentNotRunning);
+    LoseServices();
+    if (!mIsQuitting)
+        ShowMessageBox(message_boxes::kAgentNotRunning);
+}
+
+ErrorCode CoreAgentInterface::GiveUp(ErrorCode code) {
+    LogMessage(0, "Agent not running, done attempting to relaunch.  Disabling plugin functionality");
+    LoseServices();
+    mHasGivenUp = true;
+    return code;
+}
+
+void CoreAgentInterface::OnUserAction() {
+    if (mIsQuitting || mIsRecovering)
+        return;
+    mHasGivenUp = false;
+    if (!mHasLostServices || !CanReachAgent())
+        return;
+    LogMessage(0, "The agent can be reached again.  Enabling plugin functionality");
+    mHasLostServices = false;
+    OnAgentBack();
+    const bool isLoggedIn = IsLoggedIn();
+    MarquellGlobals::SetLoggedIn(isLoggedIn);
+    MarquellGlobals::SetPluginServicesEnabled(isLoggedIn);
+    MarquellGlobals::SetConnectedToCore(true);
+    if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
+        hostApp->OnWorkgroupsChanged();
+}
+
+bool CoreAgentInterface::IsReachable() {
+    return mIsReachable || CanReachAgent();
+}
+
+bool CoreAgentInterface::CanReachAgent() {
+    if (!HostPatience::AllowsRequest())
+        return false;
+    bool isRunning = false;
+    const ErrorCode code = CallOnce(CallOf(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning));
+    mIsReachable = code == CoreErrorCodes::kSuccess && isRunning;
+    return mIsReachable;
+}
+
+bool CoreAgentInterface::IsUndelivered(ErrorCode code) {
+    return IsAgentGone(code) || code == GIPCClient::kReplyTimeout;
 }
 
 ErrorCode CoreAgentInterface::CallOnce(const AgentCall& call) {
@@ -86,15 +155,26 @@ ErrorCode CoreAgentInterface::CallOnce(const AgentCall& call) {
 }
 
 ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
+    if (!HostPatience::AllowsRequest()) {
+        LogMessage(0, "The host has waited for too long already, the agent is not asked");
+        return GIPCClient::kReplyTimeout;
+    }
     int automaticRelaunchesLeft = kAutomaticRelaunches;
+    bool mayReconnect = true;
     for (;;) {
         const ErrorCode code = CallOnce(call);
-        if (!IsAgentGone(code))
+        mIsReachable = !IsAgentGone(code);
+        if (mIsReachable)
             return code;
         LogMessage(0, "Agent not running:  error code = %s", AgentGoneName(code));
-        if (mIsRecovering)  // the host called from behind a dialog of the call that is bringing the agent
-                            // back
+        // The host may call from behind a dialog of the call that is bringing the agent back.
+        if (mIsRecovering || mHasGivenUp)
             return code;
+        if (std::exchange(mayReconnect, false) && CanReachAgent()) {
+            LogMessage(0, "Agent can be reached again, retrying command");
+            HostPatience::NoteRecovery();
+            continue;
+        }
         mIsRecovering = true;
         const ScopeExit recovered([this] { mIsRecovering = false; });
         if (automaticRelaunchesLeft > 0) {
@@ -104,11 +184,8 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
             DisableAndNotify();
             LogMessage(0, "Agent not running, relaunching agent and retrying command");
         }
-        if (!RelaunchWithUserRetry()) {
-            LogMessage(0, "Agent not running, done attempting to relaunch.  Disabling plugin functionality");
-            DisablePluginServices();
-            return code;
-        }
+        if (!RelaunchWithUserRetry())
+            return GiveUp(code);
     }
 }
 
@@ -149,9 +226,7 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
     }
     if (code == GZephyrinConfig::kAgentRunningInWrongMode) {
         LogMessage(0, "Core Agent process running in wrong mode");
-        return;
-    }
-    if (code == GZephyrinSdk::kVaultInUse) {
+    } else if (code == GZephyrinSdk::kVaultInUse) {
         LogMessage(0, "GZephyrinSdk::Initialize FAILED, error code = %d (GZephyrinSdk::kVaultInUse).",
                    static_cast<int>(code));
         ShowMessageBox(message_boxes::kVaultInUse);
@@ -172,7 +247,8 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
 bool CoreAgentInterface::IsAgentProcessRunning() {
     bool isRunning = false;
     const ErrorCode code = CallOnce(CallOf(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning));
-    if (code == CoreErrorCodes::kSuccess && isRunning)
+    mIsReachable = code == CoreErrorCodes::kSuccess && isRunning;
+    if (mIsReachable)
         return true;
     LogMessage(0, "Core Agent process not running; rc=%d, isRunning=%d, sizeof(isRunning)=%d",
                static_cast<int>(code), isRunning, static_cast<int>(sizeof isRunning));
@@ -195,6 +271,8 @@ ErrorCode CoreAgentInterface::ProcessNotifications() {
 }
 
 void CoreAgentInterface::CleanUpOnShutdown() {
+    if (mHasActivatedFonts && !CanReachAgent() && MayLaunch())
+        LaunchZephyrinAgentIfNeeded();
     if (const auto cleanUp = VPILoader::GetSharedInstance()->pfCleanUpOnShutdown)
         cleanUp();
 }

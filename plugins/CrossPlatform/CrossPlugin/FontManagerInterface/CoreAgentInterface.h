@@ -1,9 +1,10 @@
 // The gateway to the running font-manager agent. Each operation calls one function of the interface library
 // and copes with the one failure that matters to a plug-in: the agent has gone away.
 //
-// The first loss of the agent within a call is healed silently: the agent is started again and the call
-// repeated. A second loss in the same call disables the plug-in's services, tells the user, and asks before
-// each further try.
+// An agent that can be reached again is simply asked again. Otherwise the first loss of the agent within a
+// call is healed silently: the agent is started again and the call repeated. A second loss in the same call
+// disables the plug-in's services, tells the user, and asks before each further try. After a "no" nothing
+// asks until the user does something, and a host that quits is not asked at all.
 #pragma once
 
 #include <functional>
@@ -20,6 +21,23 @@
 class CoreAgentInterface {
 public:
     virtual ~CoreAgentInterface() = default;
+
+    /// The user does something in the host: if an agent is lost for it, there may be a question again.
+    /// Services that went off with the agent come on again if it can be reached.
+    void OnUserAction();
+    /// From now on nothing is asked, and a dead agent started once at most.
+    void BeginQuitting() { mIsQuitting = true; }
+
+    /// Whether the agent was reachable when last asked; when it was not, it is asked now.
+    bool IsReachable();
+    /// Asks now. Does not start an agent.
+    bool CanReachAgent();
+    /// Whether a call with that code did not come to the agent, or its answer did not come back in time.
+    static bool IsUndelivered(ErrorCode code);
+    /// Nothing is offered until the agent is back.
+    void LoseServices();
+    /// Whether a lost agent is being brought back, perhaps behind a dialog.
+    bool IsRecovering() const { return mIsRecovering; }
 
     /// Starts the interface library for this process. On success plug-in services are enabled and the core
     /// counts as connected; on failure the user is told and both are off.
@@ -86,7 +104,9 @@ public:
     /// of those who were told.
     ErrorCode ProcessNotifications();
 
-    /// Lets the interface library release what it holds for this process. The agent is not started for it.
+    /// Lets the interface library release what it holds for this process. An agent that is dead is started
+    /// for it, once, if it has activated fonts for this process: it takes them away when the process has
+    /// ended.
     void CleanUpOnShutdown();
 
 private:
@@ -97,7 +117,10 @@ private:
     ErrorCode CallAgent(const AgentCall& call);
     ErrorCode CallOnce(const AgentCall& call);
     bool RelaunchWithUserRetry();
+    bool MayLaunch();
+    void OnAgentBack();
     void DisableAndNotify();
+    ErrorCode GiveUp(ErrorCode code);
 
     /// A call of one function of the table; `arguments` follow the facade.
     template <class Function, class... Arguments>
@@ -123,5 +146,11 @@ private:
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();
 
-    bool mIsRecovering = false;  ///< a lost agent is being brought back; dialogs may show
+    bool mIsRecovering = false;     ///< a lost agent is being brought back; dialogs may show
+    bool mIsReachable = true;       ///< when last asked
+    bool mHasGivenUp = false;       ///< since the user last did something
+    bool mHasLostServices = false;  ///< they were on, and went off with the agent
+    bool mHasActivatedFonts = false;
+    bool mIsQuitting = false;
+    bool mHasLaunchedWhileQuitting = false;
 };

@@ -1,5 +1,6 @@
 // The operations of the core agent interface: each is one call through its wrapper.
 #include "CoreAgentInterface.h"
+#include "HostPatience.h"
 #include "TraceLog.h"
 
 namespace {
@@ -17,6 +18,7 @@ ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& doc
     const ErrorCode code =
         Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
              matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
+    mHasActivatedFonts = true;  // perhaps even when it failed
     LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
 }
@@ -46,6 +48,7 @@ ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::strin
                                               CFMutableArrayRef matchedFonts) {
     const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
     const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
+    mHasActivatedFonts = true;  // perhaps even when it fails
     return Call(&PluginFunctionTable::pfActivateFonts, fonts, identifier.get(), mode.get(), matchedFonts);
 }
 
@@ -130,6 +133,7 @@ ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder,
     for (int index = 0; index < count; ++index) {
         if (!progress(index, count))
             return GZephyrinExportFonts::kTaskStopped;
+        HostPatience::Renew();  // there is a bar to look at
         const CFRef<CFMutableArrayRef> font = cf::MutableArray();
         cf::Append(font, cf::Get<CFDictionaryRef>(fonts, index));
         const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, font.get(), folder.get(), nullptr);

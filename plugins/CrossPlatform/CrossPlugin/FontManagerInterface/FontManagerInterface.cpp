@@ -1,15 +1,19 @@
 #include "FontManagerInterface.h"
 
+#include <utility>
+
 #include "MarquellGlobals.h"
 #include "NotificationQueue.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
+#include "platform/Clock.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/VersionResource.h"
 
 namespace {
 
 constexpr size_t kLongestModulePath = 1024;
+constexpr uint32_t kCatchUpInterval = 500;  // milliseconds: hosts are idle many times a second
 
 }  // namespace
 
@@ -43,7 +47,7 @@ bool FontManagerInterface::CompatibleFontManagerIsRunning() {
                "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
                TraceAddress(sm_pFontManager));
     const bool isNew = CreateFontManager();
-    const bool result = sm_pFontManager != nullptr && mIsCompatible;
+    const bool result = sm_pFontManager != nullptr;
     // Not under the lock: messages may show, behind which the host may quit.
     if (isNew && result)
         sm_pFontManager->InitializeCoreAgent();
@@ -64,20 +68,66 @@ bool FontManagerInterface::CreateFontManager() {
                    isLoaded ? "true" : "false", static_cast<int>(missingCount), path.c_str());
         return false;
     }
-    sm_pFontManager = mFontManagers.emplace_back(std::make_unique<CoreAgentInterface>()).get();
-    SetFontManagerAccess(this);
-    NotificationQueue::GetSharedInstance().Open();
+    auto fontManager = std::make_unique<CoreAgentInterface>();
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
                version.c_str(), pluginVersion.c_str());
-    mIsCompatible = VersionsAreCompatible(pluginVersion, version);
+    if (!VersionsAreCompatible(pluginVersion, version)) {
+        VPILoader::GetSharedInstance()->Unbind();
+        return false;
+    }
+    VPILoader::GetSharedInstance()->LogIntoFontManager();
+    sm_pFontManager = mFontManagers.emplace_back(std::move(fontManager)).get();
+    SetFontManagerAccess(this);
+    NotificationQueue::GetSharedInstance().Open();
     return true;
 }
 
 bool FontManagerInterface::IsUsable() {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return sm_pFontManager && mIsCompatible && MarquellGlobals::IsPluginFunctional() &&
-           preferences != nullptr && preferences->GetBoolPreference("EnablePlugin");
+    return sm_pFontManager && MarquellGlobals::IsPluginFunctional() && preferences != nullptr &&
+           preferences->GetBoolPreference("EnablePlugin");
+}
+
+void FontManagerInterface::OnUserAction() {
+    if (sm_pFontManager)
+        sm_pFontManager->OnUserAction();
+    CatchUp();
+}
+
+bool FontManagerInterface::CatchUp() {
+    if (cf::Count(mFontsToLetGo.get()) == 0)
+        return true;
+    if (!IsRunning())
+        return false;
+    const CFRef<CFMutableArrayRef> fonts = std::exchange(mFontsToLetGo, cf::MutableArray());
+    LogMessage(0, "Letting go of %d font(s) that the agent could not be told of before",
+               static_cast<int>(cf::Count(fonts.get())));
+    return !CoreAgentInterface::IsUndelivered(DeactivateFonts(fonts.get(), 0, nullptr));
+}
+
+ErrorCode FontManagerInterface::OnIdle() {
+    if (sm_pFontManager == nullptr)
+        return CoreErrorCodes::kSuccess;
+    const ErrorCode code = sm_pFontManager->ProcessNotifications();
+    FontActivationTracker& tracker = *MarquellGlobals::GetSharedFontActivationTracker();
+    if (sm_pFontManager == nullptr || sm_pFontManager->IsRecovering() ||
+        (cf::Count(mFontsToLetGo.get()) == 0 && !tracker.HasClosesToCatchUp()))
+        return code;
+    const uint32_t now = platform::Current<platform::Clock>().TickCount();
+    if (now - mLastCatchUpTick < kCatchUpInterval)
+        return code;
+    mLastCatchUpTick = now;
+    if (sm_pFontManager->CanReachAgent()) {
+        tracker.CatchUp();
+        CatchUp();
+    }
+    return code;
+}
+
+void FontManagerInterface::OnHostAppQuitting() {
+    if (sm_pFontManager)
+        sm_pFontManager->BeginQuitting();
 }
 
 void FontManagerInterface::OnHostAppShuttingDown() {
@@ -100,6 +150,7 @@ void FontManagerInterface::ReleaseFontManager() {
     if (lock.Status() != CoreErrorCodes::kSuccess || sm_pFontManager == nullptr)
         return;
     sm_pFontManager->CleanUpOnShutdown();
+    mFontsToLetGo = cf::MutableArray();  // they go with this process
     NotificationQueue::GetSharedInstance().Close();
     SetFontManagerAccess(nullptr);
     sm_pFontManager = nullptr;
@@ -112,14 +163,17 @@ bool FontManagerInterface::IsLoggedIn() {
 ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documentPath,
                                                       const DocumentFontLists& lists,
                                                       CFMutableArrayRef matchedFonts) {
-    return sm_pFontManager ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
-                           : kErrorMarquellNotRunning;
+    // In this order: one of the fonts may be among those that are still to be let go of.
+    return sm_pFontManager && CatchUp()
+               ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
+               : kErrorMarquellNotRunning;
 }
 
 ErrorCode FontManagerInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                                   CFMutableArrayRef matchedFonts) {
-    return sm_pFontManager ? sm_pFontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts)
-                           : kErrorMarquellNotRunning;
+    return sm_pFontManager && CatchUp()
+               ? sm_pFontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts)
+               : kErrorMarquellNotRunning;
 }
 
 PluginActivationStates FontManagerInterface::GetPluginActivationStates(
@@ -140,14 +194,17 @@ int16_t FontManagerInterface::XTDeactivateFont(CFDictionaryRef font, uint64_t co
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
     // The 16-bit status has no room for the font manager's codes; any failure is a plain error.
-    return sm_pFontManager->DeactivateFonts(fonts.get(), context, nullptr) == CoreErrorCodes::kSuccess ? 0
-                                                                                                       : -1;
+    return DeactivateFonts(fonts.get(), context, nullptr) == CoreErrorCodes::kSuccess ? 0 : -1;
 }
 
 ErrorCode FontManagerInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
                                                 CFMutableArrayRef deactivatedFonts) {
-    return sm_pFontManager ? sm_pFontManager->DeactivateFonts(fonts, context, deactivatedFonts)
-                           : kErrorMarquellNotRunning;
+    if (!sm_pFontManager)
+        return kErrorMarquellNotRunning;
+    const ErrorCode code = sm_pFontManager->DeactivateFonts(fonts, context, deactivatedFonts);
+    if (CoreAgentInterface::IsUndelivered(code) && fonts != nullptr)
+        CFArrayAppendArray(mFontsToLetGo.get(), fonts, CFRangeMake(0, CFArrayGetCount(fonts)));
+    return code;
 }
 
 bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bool replace,

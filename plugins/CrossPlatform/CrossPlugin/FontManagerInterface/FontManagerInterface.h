@@ -68,14 +68,22 @@ public:
     /// Asks for the folder to collect fonts in. `inOutSavePath` comes out as a full path; false, and it is
     /// left alone, when the user chose none.
     bool ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath);
+    /// The user does something in the host. See CoreAgentInterface::OnUserAction.
+    void OnUserAction();
+    /// The host is idle: reacts to what the agent reported, and catches up with what could not be done while
+    /// it was not to be reached. The status of those who were told.
+    ErrorCode OnIdle();
     /// Whether fonts may be asked for: a compatible font manager was found, the plug-in is functional, and
     /// the user has not switched it off.
     bool IsUsable();
+    /// The host is about to quit and to close its documents: from now on the user is asked nothing.
+    void OnHostAppQuitting();
     /// The host quits: closes the documents' fonts if "CloseFontsOnHostAppQuit" is on and the user is logged
     /// in, and lets go of the font manager.
     void OnHostAppShuttingDown();
 
-    bool IsRunning() override { return sm_pFontManager != nullptr; }
+    /// Whether the agent was reachable when last asked.
+    bool IsRunning() override { return sm_pFontManager != nullptr && sm_pFontManager->IsReachable(); }
     bool IsBatchMode() override { return true; }
     bool IsLoggedIn() override;
     ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists,
@@ -94,6 +102,9 @@ private:
     /// True when it made the font-manager object.
     bool CreateFontManager();
     void ReleaseFontManager();
+    /// Lets go of fonts that could not be let go of when it was time, if the agent can be reached now. False
+    /// when there are still some.
+    bool CatchUp();
     void OpenSelectWorkgroupDialog();
     ErrorCode ListWorkgroups(std::vector<Workgroup>& workgroups);
     std::optional<int32_t> ChooseWorkgroup();
@@ -112,7 +123,9 @@ private:
     CoreAgentInterface* sm_pFontManager = nullptr;
     /// Everyone there ever was: a call that waits behind a dialog may still be in one that was let go.
     std::vector<std::unique_ptr<CoreAgentInterface>> mFontManagers;
-    bool mIsCompatible = false;
+    /// Records of fonts that no document needs any more, and that the agent could not be told of.
+    CFRef<CFMutableArrayRef> mFontsToLetGo = cf::MutableArray();
+    uint32_t mLastCatchUpTick = 0;
     std::optional<int32_t> mDefaultWorkgroupID;
     bool mIsSelectWorkgroupDialogShowing = false;
 };

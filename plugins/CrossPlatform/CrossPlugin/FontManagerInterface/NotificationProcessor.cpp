@@ -64,9 +64,11 @@ void OnWorkgroupsChanged(const PluginNotification&) {
 
 void OnAgentShutdown(const PluginNotification&) {
     LogMessage(0, ">>> notification: Agent shut down");
+    CoreAgentInterface* const agent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    if (agent == nullptr || agent->CanReachAgent())  // another one has taken its place
+        return;
     LogMessage(0, "Disabling plugin functionality");
-    MarquellGlobals::SetPluginServicesEnabled(false);
-    MarquellGlobals::SetConnectedToCore(false);
+    agent->LoseServices();
     LogMessage(0, "Informing user that plugin functionality will be disabled...");
     ShowMessageBox(message_boxes::kAgentNotRunning);
 }

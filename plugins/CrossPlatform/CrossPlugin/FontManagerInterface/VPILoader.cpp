@@ -86,6 +86,13 @@ void VPILoader::FindAndLoad() {
     mMissingCount = 0;
     Bind(library);
     Validate(Expectation::kAllBound);
+}
+
+void VPILoader::Unbind() {
+    Bind(nullptr);
+}
+
+void VPILoader::LogIntoFontManager() {
     SetTraceSink(&fontManagerLog);
 }
 

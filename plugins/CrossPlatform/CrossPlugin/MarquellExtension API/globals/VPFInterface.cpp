@@ -1,6 +1,8 @@
 #include "VPFInterface.h"
 
+#include "HostPatience.h"
 #include "TraceLog.h"
+#include "platform/Clock.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 
@@ -9,6 +11,22 @@ namespace {
 const char* OrNull(const std::optional<std::string>& text) {
     return text ? text->c_str() : "NULL";
 }
+
+/// While the framework shows something. What answered at once has shown nothing: there may be nobody to show
+/// it to.
+class Showing {
+public:
+    ~Showing() {
+        if (Now() - mBegin >= kNoticeable)
+            HostPatience::Renew();
+    }
+
+private:
+    static constexpr uint32_t kNoticeable = 100;  // milliseconds
+    static uint32_t Now() { return platform::Current<platform::Clock>().TickCount(); }
+
+    const uint32_t mBegin = Now();
+};
 
 std::string FolderOfThisModule() {
     static const char anchor = 0;
@@ -108,16 +126,19 @@ std::string VPFInterface::LocalizedString(uint32_t stringID) {
 }
 
 void VPFInterface::ShowMessageBox(MessageBoxStrings strings) {
+    const Showing showing;
     if (mFramework != nullptr)
         mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kOk);
 }
 
 bool VPFInterface::AskYesNo(MessageBoxStrings strings) {
+    const Showing showing;
     return mFramework != nullptr &&
            mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kYesNo) == 1;
 }
 
 void VPFInterface::ShowMessageAbout(MessageBoxStrings strings, const std::string& subject) {
+    const Showing showing;
     const CFRef<CFStringRef> text = cf::String(subject);
     if (mFramework != nullptr)
         mFramework->ShowMessageAbout(strings.titleID, strings.textID, text.get());
@@ -133,31 +154,38 @@ void VPFInterface::SetParentWindowForUi(void* window) {
 }
 
 bool VPFInterface::ShowAbout() {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowAbout();
 }
 
 bool VPFInterface::ShowPreferences() {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowPreferences();
 }
 
 bool VPFInterface::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t& workgroupID) {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowSelectWorkgroup(workgroups, &workgroupID);
 }
 
 bool VPFInterface::ShowCommandBox(CFDictionaryRef state, int32_t& command) {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowCommandBox(state, &command);
 }
 
 bool VPFInterface::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                                     CFMutableArrayRef skippedFonts) {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowResolveFonts(fonts, resolvedFonts, skippedFonts);
 }
 
 bool VPFInterface::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
+    const Showing showing;
     return mFramework != nullptr && mFramework->ShowRestrictedFonts(fonts, onlyNew);
 }
 
 bool VPFInterface::ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder) {
+    const Showing showing;
     if (mFramework == nullptr)
         return false;
     const CFRef<CFStringRef> promptText = cf::String(prompt);
