@@ -48,7 +48,7 @@ TEST_F(PanelTest, ADocumentThatIsOpenedIsHeardOfToo) {
 }
 
 TEST_F(PanelTest, SurvivesTheLossOfTheAgent) {
-    world.KillAgent();
+    ASSERT_EQ(Pellwick({"stop"}), 0);
     ASSERT_TRUE(IdleUntilTraced(">>> notification: Agent shut down"));
     EXPECT_THAT(host.Panel({{"messageID", 38}}), IsEmpty()) << "there is nothing to tell";
     EXPECT_NE(Ask({{"messageID", 9}})["returnCode"], 0);

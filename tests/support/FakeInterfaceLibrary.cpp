@@ -12,6 +12,8 @@ FakeInterfaceLibrary* current = nullptr;
 /// Notes the call and answers with the next code of its script.
 ErrorCode Answer(const char* symbol) {
     current->calls.emplace_back(symbol);
+    if (const ErrorCode code = current->answer ? current->answer(symbol) : CoreErrorCodes::kSuccess)
+        return code;
     auto& codes = current->codes[symbol];
     if (codes.empty())
         return CoreErrorCodes::kSuccess;

@@ -30,10 +30,11 @@ public:
     /// Every exported name with its function.
     static std::map<std::string, void*> Symbols();
 
-    std::map<std::string, std::deque<ErrorCode>> codes;  ///< answers by symbol, first to last; then success
-    std::vector<std::string> calls;                      ///< symbols in the order in which they were called
-    std::string log;                                     ///< what Log was given
-    std::string logFile;                                 ///< what BeginLogging was given
+    std::map<std::string, std::deque<ErrorCode>> codes;   ///< answers by symbol, first to last; then success
+    std::function<ErrorCode(const std::string&)> answer;  ///< asked first, if set: a code other than 0 stands
+    std::vector<std::string> calls;                       ///< symbols in the order in which they were called
+    std::string log;                                      ///< what Log was given
+    std::string logFile;                                  ///< what BeginLogging was given
 
     // Answers of successful calls.
     bool isLoggedIn = true;

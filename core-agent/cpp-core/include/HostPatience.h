@@ -25,12 +25,15 @@ public:
 
     /// The user saw something and begins to wait anew.
     static void Renew();
-    /// An agent that was waited for answers again. The interface library sees to it that what follows does not
-    /// wait for long a second time.
+    /// An agent that was waited for answers again. The interface library sees to it that what follows does
+    /// not wait for long a second time.
     static void NoteRecovery();
 
     /// Whether a request to the font manager may be begun, which may wait for two seconds.
     static bool AllowsRequest();
+    /// Whether the agent may be asked if it is there, which waits for a fraction of a second when it was
+    /// silent the last time.
+    static bool AllowsQuestion() { return Spent() <= kLatestQuestion; }
     /// Whether a start of the agent may be begun, which may wait for two seconds, and for a request after it.
     static bool AllowsLaunch() { return Spent() <= kLatestLaunch; }
 
@@ -38,7 +41,8 @@ private:
     // Together with what they wait for these stay below five seconds.
     static constexpr std::chrono::milliseconds kLatestRequest{2900};
     static constexpr std::chrono::milliseconds kLatestRequestAfterRecovery{4500};
-    static constexpr std::chrono::milliseconds kLatestLaunch{2250};
+    static constexpr std::chrono::milliseconds kLatestQuestion{4500};
+    static constexpr std::chrono::milliseconds kLatestLaunch{2350};
 
     /// Nothing outside of a call.
     static std::chrono::milliseconds Spent();

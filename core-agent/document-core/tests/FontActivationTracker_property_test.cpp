@@ -107,7 +107,23 @@ private:
             mFontManager.Match(font, "Font" + std::to_string(font), mFonts[font].isActive ? 1 : 0);
     }
 
+    /// What was closed while the font manager was not running.
+    void CatchUp() {
+        PrepareFontManager();
+        DatabaseIDs expected;
+        if (mFontManager.isRunning) {
+            for (const auto& [holds, deactivates] : std::exchange(mPutOff, {})) {
+                const DatabaseIDs taken = TakeBack(holds, deactivates);
+                expected.insert(expected.end(), taken.begin(), taken.end());
+            }
+        }
+        mTracker->CatchUp();
+        EXPECT_EQ(mFontManager.deactivated, expected);
+        NoteDeactivations();
+    }
+
     void Open() {
+        CatchUp();
         const std::string path = "/doc/" + std::to_string(Pick(kPaths));
         AllTrackedDocuments::Document record = mDocuments.FindTrackedDocumentByPath(path);
         EXPECT_EQ(record != nullptr, mOpen.contains(path));
@@ -127,6 +143,7 @@ private:
     void ActivateChosenFonts() {
         if (mOpen.empty())
             return;
+        CatchUp();
         DocumentModel& document = SomeDocument()->second;
         const DatabaseIDs fonts = SomeFonts();
         Offer(fonts);
@@ -180,12 +197,15 @@ private:
         const DocumentModel closed = document->second;
         mOpen.erase(document);
         const bool deactivates = mPreferences.values["CloseFontsOnDocClose"];
+        CatchUp();
         PrepareFontManager();
         mDocuments.RemoveClosedDocument(*closed.record, mTracker.get());
         EXPECT_EQ(mDocuments.FindTrackedDocumentByIdentifier(closed.record->Identifier()), nullptr);
         DatabaseIDs expected;
         if (mFontManager.isRunning)
             expected = TakeBack(closed.holds, deactivates);
+        else
+            mPutOff.emplace_back(closed.holds, deactivates);
         EXPECT_EQ(mFontManager.deactivated, expected);
         NoteDeactivations();
     }
@@ -261,6 +281,7 @@ private:
     void Quit() {
         mOpen.clear();  // from here on no document holds anything
         mFontManager.isRunning = true;
+        CatchUp();
         PrepareFontManager();
         DatabaseIDs expected;
         ErrorCode lastFailure = 0;
@@ -299,6 +320,7 @@ private:
     AllTrackedDocuments mDocuments;
     std::map<std::string, DocumentModel> mOpen;  ///< by path
     std::vector<FontModel> mFonts;               ///< by database ID
+    std::vector<std::pair<DatabaseIDs, bool>> mPutOff;
 };
 
 using FontActivationTrackerWalk = Walk;

@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds kAnswerLimit{2000};
 /// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
 constexpr std::chrono::milliseconds kCallLimit{4700};
 /// How long an agent that was waited for in vain is given to show that it is well again.
-constexpr std::chrono::milliseconds kStalledLimit{100};
+constexpr std::chrono::milliseconds kStalledLimit{200};
 /// The agent gives a sign of life this often while a command takes longer.
 constexpr std::chrono::milliseconds kKeepAliveInterval{400};
 /// How long a stopping agent waits for its goodbyes to be taken.

@@ -163,7 +163,7 @@ const Branch kBranches[] = {
      ENTERING(1) COMPATIBLE
      "VersionsAreCompatible('8.0.0.0', '7.0.0.0') returning 0\n"
      "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code 0\n" DISABLED
-     "CloseFontsOnDocClose=0\n" EXITING},
+         NO_FONT_MANAGER EXITING},
     {"NoFontManager",
      [](StartupTest& world) { world.LoseAgent(); },
      kFailed,

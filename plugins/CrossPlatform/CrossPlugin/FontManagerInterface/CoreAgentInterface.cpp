@@ -132,7 +132,7 @@ bool CoreAgentInterface::IsReachable() {
 }
 
 bool CoreAgentInterface::CanReachAgent() {
-    if (!HostPatience::AllowsRequest())
+    if (!HostPatience::AllowsQuestion())
         return false;
     bool isRunning = false;
     const ErrorCode code = CallOnce(CallOf(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning));

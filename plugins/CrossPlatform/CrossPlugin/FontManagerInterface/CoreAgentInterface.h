@@ -109,6 +109,13 @@ public:
     /// ended.
     void CleanUpOnShutdown();
 
+    /// Calls one function of the table; `arguments` follow the facade. kNotImplemented when the library does
+    /// not have it; GIPCClient::kReplyTimeout, without a call, when the host has waited for long already.
+    template <class Function, class... Arguments>
+    ErrorCode Call(Function PluginFunctionTable::*function, Arguments... arguments) {
+        return CallAgent(CallOf(function, arguments...));
+    }
+
 private:
     /// A call to the interface library with a fresh facade.
     using AgentCall = std::function<ErrorCode(PluginFacadeRef facade)>;
@@ -129,10 +136,6 @@ private:
             const Function bound = VPILoader::GetSharedInstance()->*function;
             return bound != nullptr ? bound(facade, arguments...) : CoreErrorCodes::kNotImplemented;
         };
-    }
-    template <class Function, class... Arguments>
-    ErrorCode Call(Function PluginFunctionTable::*function, Arguments... arguments) {
-        return CallAgent(CallOf(function, arguments...));
     }
     /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);

@@ -30,6 +30,7 @@ protected:
         MarquellGlobals::GetSharedVPFInterface();
         VPILoader::GetSharedInstance();
         library.calls.clear();
+        library.isAgentRunning = false;  // once it is lost
         trace.Clear();
     }
     ~CoreAgentInterfaceTest() override {

@@ -89,6 +89,7 @@ TEST_F(CoreAgentInterfaceTest, ActivationStatesComeBackByDatabaseID) {
 
 TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
     MarquellGlobals::SetPluginServicesEnabled(false);
+    library.isAgentRunning = true;
     agent.InitializeCoreAgent();
     EXPECT_TRUE(AreServicesOn());
     EXPECT_THAT(trace.Text(), HasSubstr("GZephyrinSdk::Initialize SUCCEEDED.\n"));
@@ -109,6 +110,13 @@ TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
     EXPECT_THAT(trace.Text(), HasSubstr("error code = 16785416 (GZephyrinSdk::kInvalidVault).\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("error code = 16777216 (?\?\?).\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("Core Agent process not found\n"));
+    EXPECT_EQ(framework.shownBoxes.size(), 4u);
+    library.codes["InitAppInstance"] = {CoreErrorCodes::kSuccess, GZephyrinConfig::kAgentRunningInWrongMode};
+    agent.InitializeCoreAgent();
+    EXPECT_TRUE(AreServicesOn());
+    agent.InitializeCoreAgent();
+    EXPECT_FALSE(AreServicesOn());
+    EXPECT_THAT(trace.Text(), HasSubstr("Core Agent process running in wrong mode\n"));
     EXPECT_EQ(framework.shownBoxes.size(), 4u);
     trace.Clear();
     library.isAgentRunning = false;

@@ -1,173 +1,227 @@
-// Every operation against every way to lose the agent.
+// Every function of the interface library against every way to lose the agent. The library is scripted; the
+// cases are computed, and so is what is to come of each.
 
 #include <gmock/gmock.h>
 
 #include <cstdio>
-#include <functional>
+#include <map>
+#include <type_traits>
 
-#include "CoreAgentInterfaceTest.h"
+#include "FontManagerWorld.h"
+#include "NotificationQueue.h"
+#include "TemporaryFolder.h"
 
 namespace {
 
 using Boxes = std::vector<std::pair<uint32_t, uint32_t>>;
 
-struct Operation {
-    const char* symbol;  ///< the library's function behind it
-    std::function<bool(CoreAgentInterface&)> succeeds;
-};
-
-CFRef<CFMutableArrayRef> OneFont() {
-    const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-    cf::Set(font, kGS_DatabaseIDKey, 1);
-    CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    cf::Append(fonts, font);
-    return fonts;
-}
-
-const Operation kOperations[] = {
-    {"ActivateDocumentFontsByPath",
-     [](CoreAgentInterface& agent) { return agent.ActivateDocumentFontsByPath("/d.ai", {}, nullptr) == 0; }},
-    {"ActivateFonts",
-     [](CoreAgentInterface& agent) { return agent.ActivateFontsByID(OneFont().get(), "id", nullptr) == 0; }},
-    {"ActivateFonts",
-     [](CoreAgentInterface& agent) {
-         const CFRef<CFMutableArrayRef> fonts = OneFont();
-         return agent.ActivateFontByID(cf::Get<CFDictionaryRef>(fonts.get(), 0), "id", nullptr) == 0;
-     }},
-    {"GetFontsByPostscriptName",
-     [](CoreAgentInterface& agent) {
-         return agent.GetFontsByPostscriptName("Sample", 1, cf::MutableArray().get()) == 0;
-     }},
-    {"GetGlyphscanXMPData",
-     [](CoreAgentInterface& agent) {
-         std::string xml;
-         return agent.GetGlyphscanInfo(1, xml) == 0;
-     }},
-    {"DeactivateFonts",
-     [](CoreAgentInterface& agent) { return agent.DeactivateFonts(OneFont().get(), 0, nullptr) == 0; }},
-    {"GetClientFontActivationStates",
-     [](CoreAgentInterface& agent) {
-         PluginActivationStates states;
-         return agent.GetClientFontActivationStates({1}, states) == 0;
-     }},
-    {"SaveDocumentFonts",
-     [](CoreAgentInterface& agent) { return agent.SaveDocumentFonts("/d.ai", true, nullptr) == 0; }},
-    {"ExportFonts",
-     [](CoreAgentInterface& agent) {
-         return agent.CollectFontsUsedByCurrentDocument("/d.ai", "/out", OneFont().get(),
-                                                        [](int, int) { return true; }) == 0;
-     }},
-    {"CreateTopLevelSet",
-     [](CoreAgentInterface& agent) {
-         int32_t setID = 0;
-         return agent.CreateTopLevelSet("set", 1, setID) == 0;
-     }},
-    {"AddFontsToSets",
-     [](CoreAgentInterface& agent) { return agent.AddFontsToSet(OneFont().get(), 1) == 0; }},
-    {"GetIsLoggedIn", [](CoreAgentInterface& agent) { return agent.IsLoggedIn(); }},
-    {"GetRunningStandalone", [](CoreAgentInterface& agent) { return agent.IsRunningStandalone(); }},
-    {"CanExportFonts",
-     [](CoreAgentInterface& agent) { return agent.CanExportFromWorkgroup(OneFont().get()); }},
-    {"MotherMayI", [](CoreAgentInterface& agent) { return agent.canShowPostscriptReplacements(); }},
-    {"GetAreSchemaVersionsInSync", [](CoreAgentInterface& agent) { return agent.AreSchemaVersionsInSync(); }},
-    {"GetAllWorkgroupsForUser",
-     [](CoreAgentInterface& agent) {
-         std::vector<Workgroup> workgroups;
-         return agent.GetAllWorkgroupsForUser({}, workgroups) == 0;
-     }},
-};
-
-/// How often the agent is lost, how its starts go, what the user answers, and what is to come of it.
-struct Course {
-    const char* name;
-    size_t losses;
-    std::deque<int> launchErrors;
-    std::deque<int32_t> answers;
-    size_t launches;
-    Boxes boxes;
-    bool areServicesOn;
-    bool succeeds;
-};
-
 constexpr std::pair<uint32_t, uint32_t> kNotice{600, 601};
 constexpr std::pair<uint32_t, uint32_t> kQuestion{604, 605};
+constexpr int32_t kYes = 1;
+constexpr int32_t kNo = 2;
 
-const Course kCourses[] = {
-    {"no loss", 0, {}, {}, 0, {}, true, true},
-    {"lost once", 1, {}, {}, 1, {}, true, true},
-    {"lost once, started at the third try", 1, {2, 2}, {1, 1}, 3, {kQuestion, kQuestion}, true, true},
-    {"lost once, given up", 1, {2}, {2}, 1, {kQuestion}, false, false},
-    {"lost twice", 2, {}, {}, 2, {kNotice}, false, true},
-    {"lost twice, given up at the second", 2, {0, 2}, {2}, 2, {kNotice, kQuestion}, false, false},
-    {"lost four times", 4, {}, {}, 4, {kNotice, kNotice, kNotice}, false, true},
-};
+/// Something to give for an argument: an empty object, a place for an output.
+template <class Type>
+Type SomeArgument() {
+    static const auto array = cf::MutableArray();
+    static const auto dictionary = cf::MutableDictionary();
+    static const auto string = cf::String("text");
+    if constexpr (std::is_same_v<Type, CFArrayRef> || std::is_same_v<Type, CFMutableArrayRef>) {
+        return array.get();
+    } else if constexpr (std::is_same_v<Type, CFDictionaryRef> ||
+                         std::is_same_v<Type, CFMutableDictionaryRef>) {
+        return dictionary.get();
+    } else if constexpr (std::is_same_v<Type, CFStringRef>) {
+        return string.get();
+    } else if constexpr (std::is_same_v<Type, const char*>) {
+        return "text";
+    } else if constexpr (std::is_pointer_v<Type> && !std::is_function_v<std::remove_pointer_t<Type>> &&
+                         !std::is_const_v<std::remove_pointer_t<Type>>) {
+        static std::remove_pointer_t<Type> place{};
+        return &place;
+    } else {
+        return Type{};
+    }
+}
 
-/// Before the call there is no facade to be had; during it the function answers so.
-struct Loss {
-    const char* name;
-    bool isBeforeTheCall;
+using Operation = ErrorCode (*)(CoreAgentInterface& agent);
+using Operations = std::map<std::string, Operation>;
+
+template <auto kFunction, class... Arguments>
+void AddOperation(Operations& operations, const char* symbol,
+                  uint32_t (*PluginFunctionTable::*)(PluginFacadeRef, Arguments...)) {
+    operations[symbol] = [](CoreAgentInterface& agent) {
+        return agent.Call(kFunction, SomeArgument<Arguments>()...);
+    };
+}
+/// What does not take the facade is no call to the agent.
+template <auto kFunction, class Function>
+void AddOperation(Operations&, const char*, Function PluginFunctionTable::*) {}
+
+Operations AllOperations() {
+    Operations operations;
+#define ADD_OPERATION(symbol, parameters) \
+    AddOperation<&PluginFunctionTable::pf##symbol>(operations, #symbol, &PluginFunctionTable::pf##symbol);
+    TARNWICK_PLUGIN_FUNCTIONS(ADD_OPERATION)
+#undef ADD_OPERATION
+    operations.erase("GetIsCoreAgentProcessRunning");  // asks whether it is lost
+    operations.erase("RegisterForNotifications");      // part of every recovery
+    return operations;
+}
+
+struct Case {
+    bool isBeforeTheCall;  ///< no facade is to be had; else the function answers so
     ErrorCode code;
+    size_t losses;           ///< one after the other, within one call
+    size_t failingLaunches;  ///< of the first start
+    int32_t answer;          ///< to the question whether to try again
+    bool isBackAlready;      ///< somebody else has started the agent
+    bool isIdleFirst;        ///< the host, after the agent has gone
 };
 
-constexpr Loss kLosses[] = {{"before, refused", true, GIPCClient::kServiceUnavailable},
-                            {"before, goodbye", true, GAgentIF::kShutdown},
-                            {"during, broken off", false, GIPCClient::kServiceUnavailable},
-                            {"during, goodbye", false, GAgentIF::kShutdown}};
+struct Outcome {
+    bool succeeds = true;
+    size_t launches = 0;
+    Boxes boxes;
+    bool areServicesOn = true;
+};
 
-class FaultMatrix : public CoreAgentInterfaceTest {
+Outcome ExpectedOutcome(const Case& each) {
+    Outcome outcome;
+    // Only an agent that said goodbye is told of; one that is there again is no news.
+    if (each.isIdleFirst && each.code == GAgentIF::kShutdown && !each.isBackAlready) {
+        outcome.boxes.push_back(kNotice);
+        outcome.areServicesOn = false;
+    }
+    size_t failures = each.failingLaunches;
+    for (size_t loss = each.isBackAlready ? 1 : 0; loss < each.losses; ++loss) {
+        const bool isSilent = loss == (each.isBackAlready ? 1u : 0u);
+        if (!isSilent) {
+            outcome.boxes.push_back(kNotice);
+            outcome.areServicesOn = false;
+        }
+        ++outcome.launches;
+        for (; failures > 0; --failures) {
+            if (each.isBackAlready)  // the start failed since there is an agent
+                break;
+            outcome.boxes.push_back(kQuestion);
+            if (each.answer == kNo) {
+                outcome.succeeds = outcome.areServicesOn = false;
+                return outcome;
+            }
+            ++outcome.launches;
+        }
+        failures = 0;
+    }
+    return outcome;
+}
+
+std::vector<Case> AllCases() {
+    std::vector<Case> cases;
+    for (const bool isBeforeTheCall : {true, false})
+        for (const ErrorCode code : {GIPCClient::kServiceUnavailable, GAgentIF::kShutdown})
+            for (const size_t losses : {1, 2, 3})
+                for (const size_t failingLaunches : {0, 1, 2})
+                    for (const int32_t answer : {kYes, kNo})
+                        for (const bool isBackAlready : {true, false})
+                            for (const bool isIdleFirst : {true, false})
+                                if (!isBeforeTheCall || !isBackAlready)  // else a facade could be had
+                                    cases.push_back({isBeforeTheCall, code, losses, failingLaunches, answer,
+                                                     isBackAlready, isIdleFirst});
+    return cases;
+}
+
+class FaultMatrix : public FontManagerWorld {
 protected:
-    void Run(const Operation& operation, const Loss& loss, const Course& course) {
-        SCOPED_TRACE(std::string(operation.symbol) + ", " + loss.name + ", " + course.name);
-        library.calls.clear();
-        library.codes.clear();
-        framework.shownBoxes.clear();
-        processes.launchedCommandLines.clear();
-        MarquellGlobals::SetPluginServicesEnabled(true);
-        MarquellGlobals::SetConnectedToCore(true);
-        library.codes[loss.isBeforeTheCall ? "GetPluginFacadeInstance" : operation.symbol] =
-            Losses(loss, course);
-        processes.launchErrors = course.launchErrors;
-        framework.answers = course.answers;
+    FaultMatrix() {
+        const std::string agentPath = mFolder.Write("agent/" + platform::ProgramFileName("Pellwick"), "");
+        folders.paths[platform::KnownFolder::kLocalApplicationData] = mFolder / ".";
+        mFolder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agentPath + "\n");
+        EXPECT_TRUE(MakeFunctional());
+        mAgent = FontManagerInterface::GetSharedInstance().GetFontManager();
+    }
 
-        EXPECT_EQ(operation.succeeds(agent), course.succeeds);
-        EXPECT_EQ(processes.launchedCommandLines.size(), course.launches);
-        EXPECT_EQ(framework.shownBoxes, course.boxes);
-        EXPECT_EQ(MarquellGlobals::ArePluginServicesEnabled(), course.areServicesOn);
-        EXPECT_EQ(MarquellGlobals::IsConnectedToCore(), course.areServicesOn);
-        const size_t restarts = course.launches - course.boxes.size() + CountOf(course.boxes, kNotice);
-        EXPECT_EQ(static_cast<size_t>(library.CallsOf("ResetPluginFacadeInstance")), restarts);
+    void Run(const std::string& symbol, Operation operation, const Case& each) {
+        Arrange(symbol, each);
+        const Outcome expected = ExpectedOutcome(each);
+        if (each.isIdleFirst) {
+            if (each.code == GAgentIF::kShutdown)
+                CoreAgentNotificationCallback(kPluginCallback_AgentShutdown, nullptr);
+            FontManagerInterface::GetSharedInstance().OnIdle();
+        }
+        EXPECT_EQ(operation(*mAgent) == CoreErrorCodes::kSuccess, expected.succeeds);
+        EXPECT_EQ(processes.launchedCommandLines.size(), expected.launches);
+        EXPECT_EQ(framework.shownBoxes, expected.boxes);
+        EXPECT_EQ(MarquellGlobals::ArePluginServicesEnabled(), expected.areServicesOn);
+        EXPECT_EQ(MarquellGlobals::IsConnectedToCore(), expected.areServicesOn);
+        ExpectHealingAtTheNextUserAction(expected);
     }
 
 private:
-    static size_t CountOf(const Boxes& boxes, std::pair<uint32_t, uint32_t> box) {
-        return static_cast<size_t>(std::count(boxes.begin(), boxes.end(), box));
+    void Arrange(const std::string& symbol, const Case& each) {
+        framework.shownBoxes.clear();
+        framework.answers.assign(each.failingLaunches, each.answer);
+        processes.launchedCommandLines.clear();
+        processes.launchErrors.assign(each.failingLaunches, 2);
+        mLossesLeft = each.losses;
+        library.isAgentRunning = !each.isIdleFirst || each.isBackAlready || each.code != GAgentIF::kShutdown;
+        library.answer = [this, each, lossy = each.isBeforeTheCall ? "GetPluginFacadeInstance" : symbol](
+                             const std::string& called) {
+            if (called == "ResetPluginFacadeInstance")
+                library.isAgentRunning = true;  // it was started
+            if (called != lossy)
+                return CoreErrorCodes::kSuccess;
+            if (library.isAgentRunning || mLossesLeft == each.losses) {
+                if (mLossesLeft == 0)
+                    return CoreErrorCodes::kSuccess;
+                --mLossesLeft;
+                library.isAgentRunning = each.isBackAlready;
+            }
+            return each.code;
+        };
     }
-    /// After a restart the library fetches a facade once more, to be told what the agent reports.
-    static std::deque<ErrorCode> Losses(const Loss& loss, const Course& course) {
-        std::deque<ErrorCode> codes;
-        for (size_t index = 0; index < course.losses; ++index) {
-            codes.push_back(loss.code);
-            if (loss.isBeforeTheCall)
-                codes.push_back(CoreErrorCodes::kSuccess);
-        }
-        return codes;
+
+    /// Whatever came of it: when the agent is there, the next thing that the user does has the plug-in
+    /// working.
+    void ExpectHealingAtTheNextUserAction(const Outcome& outcome) {
+        library.answer = nullptr;
+        const size_t launches = processes.launchedCommandLines.size();
+        library.isAgentRunning = true;
+        FontManagerInterface::GetSharedInstance().OnUserAction();
+        EXPECT_TRUE(FontManagerInterface::GetSharedInstance().IsUsable());
+        EXPECT_EQ(processes.launchedCommandLines.size(), launches);
+        EXPECT_EQ(framework.shownBoxes, outcome.boxes);
     }
+
+    TemporaryFolder mFolder;
+    CoreAgentInterface* mAgent = nullptr;
+    size_t mLossesLeft = 0;
 };
+
+std::string Describe(const std::string& symbol, const Case& each) {
+    return symbol + (each.isBeforeTheCall ? ", before the call" : ", during the call") +
+           (each.code == GAgentIF::kShutdown ? ", goodbye, " : ", broken off, ") +
+           std::to_string(each.losses) + " losses, " + std::to_string(each.failingLaunches) +
+           " starts fail, " + (each.answer == kYes ? "yes" : "no") +
+           (each.isBackAlready ? ", back already" : "") + (each.isIdleFirst ? ", idle first" : "");
+}
 
 }  // namespace
 
-TEST_F(FaultMatrix, EveryOperationHealsOrGivesUpAsDocumented) {
-    library.canExport = library.areSchemaVersionsInSync = true;
-    library.permissions = {kPermission_ShowPostscriptReplacements};
-    int count = 0;
-    for (const Operation& operation : kOperations) {
-        for (const Loss& loss : kLosses) {
-            for (const Course& course : kCourses) {
-                Run(operation, loss, course);
-                ++count;
-            }
+TEST_F(FaultMatrix, EveryCallHealsOrGivesUpAsDocumented) {
+    const Operations operations = AllOperations();
+    const std::vector<Case> cases = AllCases();
+    size_t asExpected = 0;
+    for (const auto& [symbol, operation] : operations) {
+        for (const Case& each : cases) {
+            SCOPED_TRACE(Describe(symbol, each));
+            Run(symbol, operation, each);
+            if (HasFailure())
+                return;
+            ++asExpected;
+            trace.Clear();
         }
     }
-    std::printf("%zu operations x %zu losses x %zu courses = %d cases\n", std::size(kOperations),
-                std::size(kLosses), std::size(kCourses), count);
+    std::printf("%zu functions x %zu cases: %zu of %zu\n", operations.size(), cases.size(), asExpected,
+                operations.size() * cases.size());
 }

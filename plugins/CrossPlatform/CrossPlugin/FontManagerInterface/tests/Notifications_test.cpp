@@ -158,7 +158,12 @@ TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
     EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Workgroups changed\n"));
 }
 
-TEST_F(NotificationsTest, TheEndOfTheAgentIsTold) {
+TEST_F(NotificationsTest, TheEndOfTheAgentIsToldUnlessAnotherOneHasTakenItsPlace) {
+    Report(kPluginCallback_AgentShutdown);
+    Process();
+    EXPECT_TRUE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_TRUE(framework.shownBoxes.empty());
+    library.isAgentRunning = false;
     Report(kPluginCallback_AgentShutdown);
     Process();
     EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
@@ -222,6 +227,7 @@ TEST_F(NotificationsTest, AReactionThatBringsTheAgentBackUndoesItsEnd) {
     Report(kPluginCallback_WorkgroupsChanged);
     Report(kPluginCallback_AgentShutdown);
     library.codes["GetAllWorkgroupsForUser"] = {GAgentIF::kShutdown};
+    library.isAgentRunning = false;
     Process();
     EXPECT_EQ(processes.launchedCommandLines.size(), 1u);
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
@@ -230,6 +236,7 @@ TEST_F(NotificationsTest, AReactionThatBringsTheAgentBackUndoesItsEnd) {
 
 TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProcessedOrAskedAgain) {
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
+    library.isAgentRunning = false;
     Report(kPluginCallback_AgentShutdown);
     framework.whileDialogShows = [this] {
         library.codes["GetRunningStandalone"] = {GAgentIF::kShutdown};

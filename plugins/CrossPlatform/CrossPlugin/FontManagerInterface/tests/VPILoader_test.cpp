@@ -128,6 +128,7 @@ TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {
     libraries.loadable = {"/opt/v/" + kLibrary};
     libraries.symbols = FakeInterfaceLibrary::Symbols();
     ASSERT_TRUE(IsLoaded());
+    VPILoader::GetSharedInstance()->LogIntoFontManager();
     LogMessage(0, "not yet");
     EnableLogging();
     LogMessage(1, "Entering");
