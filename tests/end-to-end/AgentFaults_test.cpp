@@ -1,4 +1,4 @@
-// Real calls of a host while a real agent dies: before the call, and in the middle of it.
+// Real calls of a host while a real agent dies: before the call, and while the host waits for the answer.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -63,8 +63,8 @@ const HostCall kCalls[] = {
      IsSuccess},
 };
 
-/// Ends the agent before the call, or in the middle of it: the agent is frozen, and dies once the trace shows
-/// that the host is in the call.
+/// Ends the agent before the call, or while the host waits for its answer: the agent is frozen, and dies once
+/// the trace shows that the host is in the call.
 std::thread Strike(const HostWorld& world, bool isDuringTheCall) {
     const platform::ProcessId agent = world.Agent();
     if (!isDuringTheCall) {

@@ -14,13 +14,6 @@ using testing::Not;
 
 namespace {
 
-int CountOf(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
-}
-
 /// Whether an agent runs anywhere on this machine, whoever's it is.
 bool IsAnyAgentRunning() {
     std::vector<platform::ProcessInfo> processes;
@@ -96,16 +89,70 @@ TEST(AgentLoss, WithoutAgentAndLaunchInformationTheHostSaysWhatToDo) {
     EXPECT_THAT(world.Trace(), HasSubstr("because it has been called 2 times\n"));
 }
 
-TEST(AgentLoss, AFrozenAgentDoesNotFreezeTheHost) {
+TEST(AgentLoss, AFrozenAgentIsUsedAgainWhenItIsWell) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold", "Sample-Italic"});
+    const std::string first = world.WriteDocument("first.ai", {"Sample-Bold"});
+    const std::string second = world.WriteDocument("second.ai", {"Sample-Italic"});
+    ScriptedHost host;
+    host.Start();
+    host.SetPreference("CloseFontsOnDocClose", 1);
+    ASSERT_EQ(host.Open(first), 1u);
+    const platform::ProcessId agent = world.Agent();
+    SuspendProcess(agent);
+    EXPECT_EQ(host.Open(second), 0u) << "without its font";
+    EXPECT_EQ(host.Close(first), 0u) << "though its font cannot be let go of yet";
+    EXPECT_EQ(host.Close(second), 0u);
+    EXPECT_EQ(CountOf(world.Trace(), "message 604/605"), 1) << "one question whether to start the agent";
+    ResumeProcess(agent);
+    EXPECT_TRUE(Eventually([&] {
+        host.Call("IdleEvent");
+        return world.VisibleFonts().empty();
+    }));
+    EXPECT_EQ(host.Open(second), 1u);
+    EXPECT_EQ(world.Agent(), agent);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Italic"));
+}
+
+TEST(AgentLoss, ACrashIsHealedSilentlyThoughTheHostIsIdleFirst) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
     const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
     ScriptedHost host;
     host.Start();
-    const platform::ProcessId agent = world.Agent();
-    SuspendProcess(agent);
-    host.Open(document);  // comes back, whatever it answers
-    ResumeProcess(agent);
-    EXPECT_EQ(host.Call("IdleEvent")["code"], 0);
-    EXPECT_NE(world.Agent(), 0);
+    world.KillAgent();
+    for (int time = 0; time < 20; ++time)
+        host.Call("IdleEvent");
+    EXPECT_EQ(host.Open(document), 1u);
+    EXPECT_EQ(host.Call("PluginIsEnabled")["out"]["isEnabled"], true);
+}
+
+TEST(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
+    ScriptedHost host;
+    ScriptedHost other;
+    for (ScriptedHost* each : {&host, &other}) {
+        each->Start();
+        each->SetPreference("CloseFontsOnDocClose", 1);
+    }
+    for (const bool isIdleInBetween : {false, true}) {
+        ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
+        if (isIdleInBetween) {
+            EXPECT_TRUE(Eventually([&] {
+                host.Call("IdleEvent");
+                return CountOf(world.Trace(), "Informing user that plugin functionality will be disabled") ==
+                       1;
+            }));
+        }
+        ASSERT_EQ(world.FontManager().Run({"list"}).status, 0);
+        const platform::ProcessId agent = world.Agent();
+        EXPECT_EQ(host.Open(document), 1u);
+        EXPECT_EQ(other.Open(document), 1u);
+        EXPECT_EQ(world.Agent(), agent);
+        host.Close(document);
+        other.Close(document);
+    }
+    EXPECT_EQ(CountOf(world.Trace(), "Attempting to launch"), 0);
 }

@@ -13,7 +13,6 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kCallLimit{5000};
 constexpr int kMostReasonsShown = 10;
 constexpr size_t kTraceShown = 8000;  // bytes, of the first round that is not clean
 
@@ -23,13 +22,6 @@ const std::vector<std::vector<std::string>> kFontsOfDocuments = {{"First-Bold", 
                                                                  {"Second-Bold", "Third-Bold"},
                                                                  {"Third-Bold", "Fourth-Bold"},
                                                                  {"First-Bold", "Fourth-Bold"}};
-
-int CountOf(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
-}
 
 template <class Duration>
 long long Milliseconds(Duration duration) {
@@ -74,7 +66,8 @@ json DisturbedRounds::Timed(Host& host, const char* call, const json& arguments)
     const auto begin = Clock::now();
     json answer = host.process.Call(call, arguments);
     const auto length = Clock::now() - begin;
-    Expect(length < kCallLimit, std::string(call) + " took " + std::to_string(Milliseconds(length)) + " ms");
+    Expect(length < mPlan.callLimit,
+           std::string(call) + " took " + std::to_string(Milliseconds(length)) + " ms");
     const std::lock_guard guard(mFindingsLock);
     mSlowestCall = std::max(mSlowestCall, length);
     return answer;

@@ -28,6 +28,7 @@ struct Plan {
     std::vector<Disturbance> disturbances;
     bool hasIdleEvents = false;  ///< between some calls
     unsigned seed = 1;
+    std::chrono::milliseconds callLimit = std::chrono::hours(1);  ///< for each call of a host
 };
 
 /// A world, hosts in it that stay for all rounds, and a count of what went wrong.

@@ -78,6 +78,13 @@ std::string HostWorld::Trace() const {
     return text.str();
 }
 
+int CountOf(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
 ScriptedHost::ScriptedHost() : mProcess({HOST_PROGRAM, "script"}) {}
 
 json ScriptedHost::Exchange(const json& line) {

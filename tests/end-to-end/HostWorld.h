@@ -47,6 +47,9 @@ private:
     std::map<std::string, std::string> mSavedVariables;
 };
 
+/// How often `part` stands in `text`.
+int CountOf(const std::string& text, const std::string& part);
+
 /// A host that takes calls one by one, and has a panel.
 class ScriptedHost {
 public:

@@ -132,7 +132,8 @@ bool CoreAgentInterface::IsReachable() {
 }
 
 bool CoreAgentInterface::CanReachAgent() {
-    if (!HostPatience::AllowsQuestion())
+    // One that was silent the last time is given a moment only.
+    if (mIsReachable ? !HostPatience::AllowsRequest() : !HostPatience::AllowsQuestion())
         return false;
     bool isRunning = false;
     const ErrorCode code = CallOnce(CallOf(&PluginFunctionTable::pfGetIsCoreAgentProcessRunning, &isRunning));
