@@ -4,10 +4,13 @@
  *
  * Conventions
  * - Every function returns a 32-bit error code, 0 for success. GIPCClient::kServiceUnavailable (0x0300100E)
- * and GAgentIF::kShutdown (0x0200200D) say that the agent is gone; the caller may start it again, drop the
- * facade with ResetPluginFacadeInstance and repeat the call. CoreErrorCodes::kNotImplemented (0x08000000) is
- * the answer of a function that this font manager has no use for. Nothing is thrown, nothing blocks for
- * longer than the documented time limits of the library.
+ *   and GAgentIF::kShutdown (0x0200200D) say that the agent is gone, or silent for 2 seconds. The next facade
+ *   leads to whatever agent is there by then; GetIsCoreAgentProcessRunning tells whether there is one. The
+ *   caller may also start one, drop the facade with ResetPluginFacadeInstance, and repeat the call: one that
+ *   is repeated with the same arguments has the effect and the answer of one, whether or not the agent had
+ *   carried it out. CoreErrorCodes::kNotImplemented (0x08000000) is the answer of a function that this font
+ *   manager has no use for. Nothing is thrown. No call takes longer than 4.7 seconds, nor do those together
+ *   that follow one in which the agent was silent.
  * - Functions that work on the font manager's data take the facade first. The facade is owned by the library:
  *   fetch it with GetPluginFacadeInstance before every call and never keep it.
  * - Outputs are pointers; they are untouched on failure unless a function says otherwise. CoreFoundation
