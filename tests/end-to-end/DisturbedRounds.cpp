@@ -14,7 +14,7 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 
 constexpr int kMostReasonsShown = 10;
-constexpr size_t kTraceShown = 8000;  // bytes, of the first round that is not clean
+constexpr size_t kTraceShown = 60000;  // bytes, of the first round that is not clean
 
 const std::vector<std::string> kFonts = {"First-Bold", "Second-Bold", "Third-Bold", "Fourth-Bold"};
 // Each document shares fonts with others.

@@ -101,6 +101,9 @@ thread_local bool isListenerThread = false;
 // While there is no agent: soon at first, since it is often being started again at this moment, then seldom.
 constexpr std::chrono::milliseconds kFirstRest{50};
 constexpr std::chrono::milliseconds kLongestRest{4000};
+/// An agent that is back so soon after its goodbye was restarted, which is nothing to tell users of.
+constexpr std::chrono::milliseconds kRestartTime{1500};
+constexpr std::chrono::milliseconds kLongestRestWhileToldOfNothing{200};
 
 const char kAddressInThisModule = 0;
 
@@ -193,27 +196,33 @@ void NotificationListener::Run(Listening& listening) {
     listening.subscribed.set_value(code);
     if (code != CoreErrorCodes::kSuccess)
         return;  // nobody waits for this thread but to see it end
-    for (;;) {
-        DeliverAll(listening);
-        std::chrono::milliseconds rest = kFirstRest;
-        while (!listening.IsStopped() && listening.Subscribe() != CoreErrorCodes::kSuccess) {
-            listening.Rest(rest);
-            rest = std::min(rest * 2, kLongestRest);
-        }
-        if (listening.IsStopped())
-            return;
+    while (!listening.IsStopped()) {
+        FindNextAgent(listening, DeliverAll(listening) == GAgentIF::kShutdown);
         Deliver(listening, kPluginCallback_PanelDataChanged, nullptr);
     }
 }
 
-void NotificationListener::DeliverAll(Listening& listening) {
+ErrorCode NotificationListener::DeliverAll(Listening& listening) {
     int32_t type = 0;
     Json data;
     ErrorCode code = CoreErrorCodes::kSuccess;
     while ((code = listening.Connection().WaitForNotification(type, data)) == CoreErrorCodes::kSuccess)
         Deliver(listening, type, data);
-    if (code == GAgentIF::kShutdown)
-        Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
+    return code;
+}
+
+void NotificationListener::FindNextAgent(Listening& listening, bool hasSaidGoodbye) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + kRestartTime;
+    std::chrono::milliseconds rest = kFirstRest;
+    while (!listening.IsStopped() && listening.Subscribe() != CoreErrorCodes::kSuccess) {
+        if (hasSaidGoodbye && Clock::now() >= end) {
+            Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
+            hasSaidGoodbye = false;
+        }
+        listening.Rest(rest);
+        rest = std::min(rest * 2, hasSaidGoodbye ? kLongestRestWhileToldOfNothing : kLongestRest);
+    }
 }
 
 void NotificationListener::Deliver(const Listening& listening, int32_t type, const Json& data) {

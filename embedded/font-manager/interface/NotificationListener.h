@@ -16,9 +16,9 @@ namespace pellwick {
 
 /// Has a thread and a connection of its own while there are callbacks. Any thread may call; the callbacks run
 /// on the listener's, which the host's signals do not reach. When the agent goes, the listener looks for the
-/// next one until there is one; callbacks are told kPluginCallback_AgentShutdown only by an agent that said
-/// goodbye, and kPluginCallback_PanelDataChanged by the next one, since what happened between the two was not
-/// heard.
+/// next one until there is one; callbacks are told kPluginCallback_AgentShutdown only of an agent that said
+/// goodbye and is not back at once, and kPluginCallback_PanelDataChanged with the next one, since what
+/// happened between the two was not heard.
 class NotificationListener {
 public:
     NotificationListener() = default;
@@ -43,8 +43,11 @@ private:
     std::future<ErrorCode> Start();
     void Stop();
     void Run(Listening& listening);
-    /// Delivers what comes in until the agent ends.
-    void DeliverAll(Listening& listening);
+    /// Delivers what comes in until the agent ends: the code with which it did.
+    ErrorCode DeliverAll(Listening& listening);
+    /// Subscribes with the next agent as soon as there is one. A goodbye is told when it lets itself be
+    /// waited for.
+    void FindNextAgent(Listening& listening, bool hasSaidGoodbye);
     void Deliver(const Listening& listening, int32_t type, const Json& data);
     /// Whether the caller is a callback.
     static bool IsOwnThread();
