@@ -88,6 +88,17 @@ std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
     return words;
 }
 
+/// The program's own path, whatever is in it, and the words that follow it; nothing when the command line
+/// begins otherwise.
+std::vector<std::string> ArgumentsOf(const std::string& executablePath, std::string_view commandLine) {
+    const std::string quotedPath = '"' + executablePath + '"';
+    if (!commandLine.starts_with(quotedPath))
+        return {};
+    std::vector<std::string> arguments = SplitCommandLine(commandLine.substr(quotedPath.size()));
+    arguments.insert(arguments.begin(), executablePath);
+    return arguments;
+}
+
 std::vector<char*> PointersTo(std::vector<std::string>& words) {
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
@@ -301,12 +312,16 @@ public:
 
     std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
                                          SystemError& error) override {
+        std::vector<std::string> arguments = ArgumentsOf(executablePath, commandLine);
+        if (arguments.empty()) {
+            error.code = EINVAL;
+            return nullptr;
+        }
         auto ready = std::make_unique<ReadyLine>();
         if (!ready->IsOpen()) {
             error = LastSystemError();
             return nullptr;
         }
-        std::vector<std::string> arguments = SplitCommandLine(commandLine);
         std::vector<std::string> environment = ChildEnvironment();
         SpawnSettings settings(ready->ChildEnd());
         const auto watch = std::make_shared<ChildWatch>();

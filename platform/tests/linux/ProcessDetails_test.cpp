@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "TemporaryFolder.h"
+#include "TestProcess.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -37,6 +40,25 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
     const auto killed = Launch("kill -9 $$");
     EXPECT_EQ(WaitForExit(*killed), 128 + SIGKILL);
+}
+
+TEST(ProcessDetails, AProgramWithQuotesInItsPathKeepsItsOwnNameAndItsArguments) {
+    const TemporaryFolder folder;
+    for (const char* name : {"a \" child", "a \"second\" child", "\" -x \""}) {
+        const std::string program = folder / name;
+        std::filesystem::create_symlink(CHILD_PROGRAM, program);
+        platform::SystemError error;
+        const auto child = platform::Current<platform::Processes>().Launch(
+            program, "\"" + program + "\" be-ready \"two words\"", error);
+        ASSERT_NE(child, nullptr) << platform::SystemErrorText(error);
+        EXPECT_TRUE(child->WaitUntilIdle(10s));
+        std::ifstream commandLine("/proc/" + std::to_string(child->Id()) + "/cmdline");
+        std::string words;
+        std::getline(commandLine, words);
+        std::replace(words.begin(), words.end(), '\0', '|');
+        EXPECT_EQ(words, program + "|be-ready|two words|");
+        KillProcess(child->Id());
+    }
 }
 
 TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {
