@@ -72,8 +72,8 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
     const std::string wanted = LowerCase(name);
     const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
     std::vector<platform::ProcessInfo> processes;
-    if (const auto error = platform::Current<platform::Processes>().List(processes))
-        return static_cast<ErrorCode>(error.code);
+    if (platform::Current<platform::Processes>().List(processes))
+        return CoreErrorCodes::kUnknownError;
     for (const platform::ProcessInfo& process : processes) {
         const std::string baseName = LowerCase(platform::NamePart(process.executablePath));
         if (baseName == wanted || baseName == wantedProgram) {
