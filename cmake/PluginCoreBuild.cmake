@@ -15,7 +15,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/archive")
 set(CMAKE_INSTALL_LIBDIR lib CACHE STRING "Folder for libraries below the prefix; the host looks for the core there")
-set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/..:$ORIGIN/../lib")
+# Programs and libraries find ours from where they stand, before they are installed, too: what would be replaced at
+# installation is padded with empty entries until then, which stand for the folder that a program is started in.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../lib")
+set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
 # The agent and its interface library live together, apart from what a host loads.
 set(PLUGINCORE_FONT_MANAGER_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/vantorix")
 set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
