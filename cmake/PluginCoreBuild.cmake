@@ -68,7 +68,8 @@ function(plugincore_library name kind)
 endfunction()
 
 # plugincore_test(NAME SOURCES ... LINKS ... [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
-# One GoogleTest program; ctest runs each of its cases as a process of its own.
+# One GoogleTest program; ctest runs each of its cases as a process of its own, on Linux among processes of its own.
+# Where all see the same processes, cases with the same LOCK run one after the other.
 function(plugincore_test name)
   if(NOT PLUGINCORE_BUILD_TESTS)
     return()
@@ -78,11 +79,13 @@ function(plugincore_test name)
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
   set(properties TIMEOUT 120)
-  if(ARG_LOCK)
-    list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
-  endif()
   if(WIN32)
     list(APPEND ARG_ENVIRONMENT PLUGINCORE_PORTABLE=1)  # tests have folders of their own
+    if(ARG_LOCK)
+      list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
+    endif()
+  else()
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/scripts/isolated")
   endif()
   if(ARG_ENVIRONMENT)
     list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
