@@ -295,6 +295,7 @@ public:
         if (!proc)
             return LastSystemError();
         processes.clear();
+        const std::string ownNamespace = TargetOfLink("/proc/self/ns/pid");
         while (const dirent* entry = readdir(proc.get())) {
             char* end = nullptr;
             const long id = std::strtol(entry->d_name, &end, 10);
@@ -303,8 +304,9 @@ public:
             struct stat owner {};
             if (fstatat(dirfd(proc.get()), entry->d_name, &owner, 0) != 0 || owner.st_uid != geteuid())
                 continue;
-            std::string path = TargetOfLink("/proc/" + std::to_string(id) + "/exe");
-            if (!path.empty())
+            const std::string process = "/proc/" + std::to_string(id);
+            std::string path = TargetOfLink(process + "/exe");
+            if (!path.empty() && TargetOfLink(process + "/ns/pid") == ownNamespace)
                 processes.push_back({id, WithoutDeletedMark(std::move(path))});
         }
         return {};

@@ -61,6 +61,34 @@ TEST(ProcessDetails, AProgramWithQuotesInItsPathKeepsItsOwnNameAndItsArguments) 
     }
 }
 
+TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
+    const TemporaryFolder folder;
+    const std::string program = folder / "child";
+    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, program));
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    auto& processes = platform::Current<platform::Processes>();
+    const auto countOfListed = [&] {
+        std::vector<platform::ProcessInfo> listed;
+        EXPECT_FALSE(processes.List(listed));
+        return std::count_if(listed.begin(), listed.end(),
+                             [&](const auto& each) { return each.executablePath == program; });
+    };
+    const std::string words = "\"" + program + "\" be-ready";
+    const std::string unshare = "/usr/bin/unshare";
+    const std::string user = geteuid() == 0 ? "" : "--user --map-current-user ";
+    platform::SystemError error;
+    const auto apart =
+        processes.Launch(unshare, "\"" + unshare + "\" --pid --fork --kill-child " + user + words, error);
+    if (!apart || !apart->WaitUntilIdle(10s))
+        GTEST_SKIP() << "the system allows no namespaces";
+    EXPECT_EQ(countOfListed(), 0);
+    const auto beside = processes.Launch(program, words, error);
+    ASSERT_TRUE(beside && beside->WaitUntilIdle(10s));
+    EXPECT_EQ(countOfListed(), 1);
+    KillProcess(apart->Id());
+    KillProcess(beside->Id());
+}
+
 TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {
     int ends[2];
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
