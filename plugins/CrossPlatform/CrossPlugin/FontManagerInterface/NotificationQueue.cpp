@@ -95,8 +95,6 @@ CFRef<CFDictionaryRef> PayloadOf(const CallbackKind& kind, int32_t callbackType,
     return payload;
 }
 
-constexpr int64_t kNoFont = -1;
-
 void JoinImages(const void* fontID, const void* image, void* images) {
     CFDictionarySetValue(static_cast<CFMutableDictionaryRef>(images), fontID, image);
 }

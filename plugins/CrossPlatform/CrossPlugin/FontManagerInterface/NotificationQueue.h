@@ -18,12 +18,12 @@
 /// thread.
 class NotificationQueue {
 public:
-    /// How many fonts may wait with news of one kind: more than a panel would take one by one, and about 2
-    /// MB. With one more, panels are told to read their data anew: instead of all that waits of activations,
-    /// which that shows; for fonts that are missing or not compliant, which it may not, beside what waits
-    /// already.
+    /// How many fonts may wait with news of one kind, about 3 MB: more than a panel would take one by one.
+    /// With one more, panels are told to read their data anew: instead of all that waits of activations,
+    /// which the data show; for fonts that are missing or not compliant, which they may not show, beside what
+    /// waits already.
     static constexpr size_t kMostFonts = 4096;
-    /// How many images of fonts may wait, about 16 MB of file names: more than the fonts of a long list.
+    /// How many images of fonts may wait, about 18 MB of file names: more than the fonts of a long list.
     /// Those beyond it are asked for again by panels that read their data anew.
     static constexpr size_t kMostImages = 16384;
 
@@ -44,10 +44,11 @@ public:
 
 private:
     using Position = std::list<PluginNotification>::iterator;
+    static constexpr int64_t kNoFont = -1;
     /// What a notification speaks of.
     struct Subject {
         std::string_view kind;
-        int64_t fontID;  ///< kNoFont for the subjects that are no fonts
+        int64_t fontID;
     };
     static Subject SubjectOf(const PluginNotification& notification);
 
