@@ -18,7 +18,7 @@ while read -r binary; do
   dynamic=$(LC_ALL=C "$readelf" -dW "$binary")
   paths=$(echo "$dynamic" | sed -n 's/.*(\(RUNPATH\|RPATH\)).*\[\(.*\)\]/\2/p')
   if [ -n "$paths" ] && echo "$paths" | tr : '\n' | grep -qv -e '^/' -e '^\$ORIGIN'; then
-    echo "$binary: $paths"
+    echo "$binary looks for libraries in $paths"
     status=1
   fi
   # Libraries by the names that it needs, of which none can be loaded.
