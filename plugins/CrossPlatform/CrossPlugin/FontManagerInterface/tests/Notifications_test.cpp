@@ -264,13 +264,23 @@ TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProces
     EXPECT_EQ(framework.shownBoxes.size(), 1u) << "one question";
 }
 
-TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTaken) {
+TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTakenAndNothingOfTheLastOneStays) {
+    ReportFont(kPluginCallback_FontActivated, 1);
+    ReportImages({"1"}, "old");
     fontManager.OnHostAppShuttingDown();
     trace.Clear();
     Report(kPluginCallback_SmartListsChanged);
     EXPECT_THAT(trace.Text(),
                 testing::StartsWith("WARNING:  CoreAgentInterface::GetFontManager() returned NULL.\n"));
-    EXPECT_EQ(NotificationQueue::GetSharedInstance().Count(), 0u);
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    EXPECT_EQ(queue.Count(), 0u);
+    queue.Open();
+    ReportFont(kPluginCallback_FontActivated, 1);
+    ReportImages({"2"}, "new");
+    NotificationProcessor::GetSharedInstance().ProcessNotifications();
+    EXPECT_THAT(Told(), ElementsAre("FontActivated 1", "PreviewPNGsRendered"));
+    EXPECT_EQ(ImageIn(1, "1") + ImageIn(1, "2"), "new");
+    queue.Close();
 }
 
 TEST_F(NotificationsTest, NewsOfTheSameThingIsToldOnceAndAsItIsNow) {
@@ -331,13 +341,14 @@ TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
 }
 
 TEST_F(NotificationsTest, OfMoreImagesThanWaitPanelsReadTheirDataAnew) {
-    std::vector<std::string> fontIDs(NotificationQueue::kMostImages);
+    std::vector<std::string> fontIDs(NotificationQueue::kMostImages - 1);
     std::generate(fontIDs.begin(), fontIDs.end(), [next = 0]() mutable { return std::to_string(++next); });
     ReportImages(fontIDs, "x");
-    ReportImages({"0"}, "x");
+    ReportImages({"last"}, "y");
+    ReportImages({"one more"}, "z");
     Process();
     EXPECT_THAT(Told(), ElementsAre("PreviewPNGsRendered", "PanelDataChanged"));
-    EXPECT_EQ(ImageIn(0, fontIDs.back()) + ImageIn(0, "0"), "x");
+    EXPECT_EQ(ImageIn(0, fontIDs.back()) + ImageIn(0, "last") + ImageIn(0, "one more"), "xy");
 }
 
 TEST_F(NotificationsTest, UnderAFloodFromAnotherThreadTheLastWordOnEachFontArrives) {
