@@ -15,7 +15,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/archive")
 set(CMAKE_INSTALL_LIBDIR lib CACHE STRING "Folder for libraries below the prefix; the host looks for the core there")
-set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/..:$ORIGIN/../lib")
+# Programs and libraries find ours from where they stand, before they are installed, too: what would be replaced at
+# installation is padded with empty entries until then, which stand for the folder that a program is started in.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../lib")
+set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
 # The agent and its interface library live together, apart from what a host loads.
 set(PLUGINCORE_FONT_MANAGER_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/vantorix")
 set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
@@ -64,7 +68,8 @@ function(plugincore_library name kind)
 endfunction()
 
 # plugincore_test(NAME SOURCES ... LINKS ... [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
-# One GoogleTest program; ctest runs each of its cases as a process of its own.
+# One GoogleTest program; ctest runs each of its cases as a process of its own, on Linux among processes of its own.
+# Where all see the same processes, cases with the same LOCK run one after the other.
 function(plugincore_test name)
   if(NOT PLUGINCORE_BUILD_TESTS)
     return()
@@ -74,11 +79,13 @@ function(plugincore_test name)
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
   set(properties TIMEOUT 120)
-  if(ARG_LOCK)
-    list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
-  endif()
   if(WIN32)
     list(APPEND ARG_ENVIRONMENT PLUGINCORE_PORTABLE=1)  # tests have folders of their own
+    if(ARG_LOCK)
+      list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
+    endif()
+  else()
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/scripts/isolated")
   endif()
   if(ARG_ENVIRONMENT)
     list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")

@@ -2,6 +2,7 @@
 
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
 #include "platform/Processes.h"
 
 std::string CoreLibrary::DefaultPath() {
@@ -14,7 +15,7 @@ std::string CoreLibrary::DefaultPath() {
 bool CoreLibrary::Load(const std::string& path, std::string& error) {
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     platform::SystemError systemError;
-    const platform::LibraryHandle library = libraries.LoadFromPath(path, systemError);
+    const platform::LibraryHandle library = libraries.LoadFromPath(platform::FullPath(path), systemError);
     if (library == nullptr) {
         error = libraries.LastLoadFailure();
         if (error.empty())

@@ -10,4 +10,8 @@ std::string AbsolutePath(const std::string& path) {
     return Utf8Text(std::filesystem::absolute(Utf8Path(path), failure).lexically_normal());
 }
 
+bool IsFullPath(const std::string& path) {
+    return path.starts_with('/') && path.find('\0') == std::string::npos;
+}
+
 }  // namespace platform

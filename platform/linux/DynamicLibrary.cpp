@@ -8,6 +8,8 @@
 #include <climits>
 #include <cstdlib>
 
+#include "platform/Files.h"
+
 namespace platform {
 namespace {
 
@@ -24,6 +26,12 @@ LibraryHandle Load(const char* name, SystemError& error) {
     return nullptr;
 }
 
+LibraryHandle Refuse(const std::string& name, const char* reason, SystemError& error) {
+    error.code = EINVAL;
+    lastLoadFailure = name + ": " + reason;
+    return nullptr;
+}
+
 /// The dynamic linker reports the path that it was given; callers want one that stands on its own.
 std::string FullPath(const char* path) {
     if (path == nullptr || *path == '\0')
@@ -35,11 +43,8 @@ std::string FullPath(const char* path) {
 class LinuxDynamicLibraries : public DynamicLibraries {
 public:
     LibraryHandle LoadFromPath(const std::string& path, SystemError& error) override {
-        if (path.find('/') == std::string::npos) {  // dlopen would search for it
-            error.code = ENOENT;
-            lastLoadFailure = path + ": not a full path";
-            return nullptr;
-        }
+        if (!IsFullPath(path))  // dlopen would search for it, or take it from the working folder
+            return Refuse(path, "not a full path", error);
         if (access(path.c_str(), R_OK) != 0) {
             error = LastSystemError();
             lastLoadFailure = path + ": " + SystemErrorText(error);
@@ -49,11 +54,8 @@ public:
     }
 
     LibraryHandle LoadByName(const std::string& fileName, SystemError& error) override {
-        if (fileName.find('/') != std::string::npos) {
-            error.code = EINVAL;
-            lastLoadFailure = fileName + ": not a bare file name";
-            return nullptr;
-        }
+        if (fileName.find('/') != std::string::npos)
+            return Refuse(fileName, "not a bare file name", error);
         return Load(fileName.c_str(), error);
     }
 

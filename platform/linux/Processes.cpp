@@ -88,6 +88,17 @@ std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
     return words;
 }
 
+/// The program's own path, whatever is in it, and the words that follow it; nothing when the command line
+/// begins otherwise.
+std::vector<std::string> ArgumentsOf(const std::string& executablePath, std::string_view commandLine) {
+    const std::string quotedPath = '"' + executablePath + '"';
+    if (!commandLine.starts_with(quotedPath))
+        return {};
+    std::vector<std::string> arguments = SplitCommandLine(commandLine.substr(quotedPath.size()));
+    arguments.insert(arguments.begin(), executablePath);
+    return arguments;
+}
+
 std::vector<char*> PointersTo(std::vector<std::string>& words) {
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
@@ -284,6 +295,7 @@ public:
         if (!proc)
             return LastSystemError();
         processes.clear();
+        const std::string ownNamespace = TargetOfLink("/proc/self/ns/pid");
         while (const dirent* entry = readdir(proc.get())) {
             char* end = nullptr;
             const long id = std::strtol(entry->d_name, &end, 10);
@@ -292,8 +304,9 @@ public:
             struct stat owner {};
             if (fstatat(dirfd(proc.get()), entry->d_name, &owner, 0) != 0 || owner.st_uid != geteuid())
                 continue;
-            std::string path = TargetOfLink("/proc/" + std::to_string(id) + "/exe");
-            if (!path.empty())
+            const std::string process = "/proc/" + std::to_string(id);
+            std::string path = TargetOfLink(process + "/exe");
+            if (!path.empty() && TargetOfLink(process + "/ns/pid") == ownNamespace)
                 processes.push_back({id, WithoutDeletedMark(std::move(path))});
         }
         return {};
@@ -301,12 +314,16 @@ public:
 
     std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
                                          SystemError& error) override {
+        std::vector<std::string> arguments = ArgumentsOf(executablePath, commandLine);
+        if (arguments.empty()) {
+            error.code = EINVAL;
+            return nullptr;
+        }
         auto ready = std::make_unique<ReadyLine>();
         if (!ready->IsOpen()) {
             error = LastSystemError();
             return nullptr;
         }
-        std::vector<std::string> arguments = SplitCommandLine(commandLine);
         std::vector<std::string> environment = ChildEnvironment();
         SpawnSettings settings(ready->ChildEnd());
         const auto watch = std::make_shared<ChildWatch>();

@@ -15,4 +15,9 @@ std::string AbsolutePath(const std::string& path) {
         [&](wchar_t* buffer, DWORD size) { return GetFullPathNameW(wide.c_str(), size, buffer, nullptr); }));
 }
 
+bool IsFullPath(const std::string& path) {
+    const bool isOnDrive = path.size() > 2 && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
+    return (isOnDrive || path.starts_with(R"(\\)")) && path.find('\0') == std::string::npos;
+}
+
 }  // namespace platform

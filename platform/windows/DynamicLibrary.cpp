@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "WideText.h"
+#include "platform/Files.h"
 
 namespace platform {
 namespace {
@@ -35,11 +36,6 @@ LibraryHandle Load(const std::string& name, const std::wstring& wideName, DWORD 
     error = LastSystemError();
     lastLoadFailure = name + ": " + SystemErrorText(error);
     return nullptr;
-}
-
-bool IsFullPath(const std::string& path) {
-    const bool isOnDrive = path.size() > 2 && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
-    return isOnDrive || path.starts_with(R"(\\)");
 }
 
 std::string FileNameOf(HMODULE module) {

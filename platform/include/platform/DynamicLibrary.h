@@ -28,8 +28,8 @@ class DynamicLibraries {
 public:
     virtual ~DynamicLibraries() = default;
 
-    /// Loads the library at a full path (UTF-8). Null and the reason in `error` on failure. A loaded library
-    /// is never unloaded.
+    /// Loads the library at a full path (UTF-8); any other path is refused. Null and the reason in `error` on
+    /// failure. A loaded library is never unloaded.
     virtual LibraryHandle LoadFromPath(const std::string& path, SystemError& error) = 0;
     /// Loads a library by its bare file name, in the system's restricted search order (never the working
     /// folder).

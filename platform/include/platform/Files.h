@@ -24,6 +24,8 @@ std::string WithSlashes(std::string path);
 /// The path from a root on, relative to the current folder when it begins without one, and without "." and
 /// ".." in between; it need not exist. Empty when there is none.
 std::string AbsolutePath(const std::string& path);
+/// True for a path that names the same file whatever the current folder and drive are.
+bool IsFullPath(const std::string& path);
 
 /// A file opened for reading; closes itself.
 class ReadOnlyFile {

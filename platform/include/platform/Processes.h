@@ -39,7 +39,8 @@ public:
     virtual ~Processes() = default;
 
     /// Every process of this user that may be inspected, in the system's order. Others are left out silently:
-    /// what they run is not to be trusted.
+    /// what they run is not to be trusted. So are, on Linux, those in PID namespaces of their own
+    /// (containers): their paths mean files elsewhere.
     virtual SystemError List(std::vector<ProcessInfo>& processes) = 0;
     /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
     /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard

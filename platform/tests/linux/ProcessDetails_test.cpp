@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "TemporaryFolder.h"
+#include "TestProcess.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -37,6 +40,53 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
     const auto killed = Launch("kill -9 $$");
     EXPECT_EQ(WaitForExit(*killed), 128 + SIGKILL);
+}
+
+TEST(ProcessDetails, AProgramWithQuotesInItsPathKeepsItsOwnNameAndItsArguments) {
+    const TemporaryFolder folder;
+    for (const char* name : {"a \" child", "a \"second\" child", "\" -x \""}) {
+        const std::string program = folder / name;
+        std::filesystem::create_symlink(CHILD_PROGRAM, program);
+        platform::SystemError error;
+        const auto child = platform::Current<platform::Processes>().Launch(
+            program, "\"" + program + "\" be-ready \"two words\"", error);
+        ASSERT_NE(child, nullptr) << platform::SystemErrorText(error);
+        EXPECT_TRUE(child->WaitUntilIdle(10s));
+        std::ifstream commandLine("/proc/" + std::to_string(child->Id()) + "/cmdline");
+        std::string words;
+        std::getline(commandLine, words);
+        std::replace(words.begin(), words.end(), '\0', '|');
+        EXPECT_EQ(words, program + "|be-ready|two words|");
+        KillProcess(child->Id());
+    }
+}
+
+TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
+    const TemporaryFolder folder;
+    const std::string program = folder / "child";
+    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, program));
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    auto& processes = platform::Current<platform::Processes>();
+    const auto countOfListed = [&] {
+        std::vector<platform::ProcessInfo> listed;
+        EXPECT_FALSE(processes.List(listed));
+        return std::count_if(listed.begin(), listed.end(),
+                             [&](const auto& each) { return each.executablePath == program; });
+    };
+    const std::string words = "\"" + program + "\" be-ready";
+    const std::string unshare = "/usr/bin/unshare";
+    const std::string user = geteuid() == 0 ? "" : "--user --map-current-user ";
+    platform::SystemError error;
+    const auto apart =
+        processes.Launch(unshare, "\"" + unshare + "\" --pid --fork --kill-child " + user + words, error);
+    if (!apart || !apart->WaitUntilIdle(10s))
+        GTEST_SKIP() << "the system allows no namespaces";
+    EXPECT_EQ(countOfListed(), 0);
+    const auto beside = processes.Launch(program, words, error);
+    ASSERT_TRUE(beside && beside->WaitUntilIdle(10s));
+    EXPECT_EQ(countOfListed(), 1);
+    KillProcess(apart->Id());
+    KillProcess(beside->Id());
 }
 
 TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {

@@ -28,6 +28,13 @@ std::string LaunchInfoPath(const std::string& folder) {
     return folder + platform::kPathSeparator + "Vantorix" + platform::kPathSeparator + kLaunchInfoFileName;
 }
 
+/// A value with a zero in it would name one file here and another one to the system; a path that depends on
+/// the working folder names whatever somebody has put there.
+bool NamesAProgram(const std::string& path, const std::string& arguments) {
+    return platform::IsFullPath(path) && arguments.find('\0') == std::string::npos &&
+           platform::IsExistingFile(path);
+}
+
 /// True when the agent that the file's text names is there.
 bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string& arguments) {
     std::string content;
@@ -38,7 +45,7 @@ bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string&
     LogMessage(0, "Launch config file contents: %s", content.c_str());
     path = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
     arguments = AgentLauncher::LaunchInfoValue(content, "pellwick.args");
-    if (!platform::IsExistingFile(path)) {
+    if (!NamesAProgram(path, arguments)) {
         LogMessage(0,
                    "Pellwick path found in launch config file (%s) but the Pellwick.exe was not found at the "
                    "specified path (%s)",
@@ -72,8 +79,8 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
     const std::string wanted = LowerCase(name);
     const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
     std::vector<platform::ProcessInfo> processes;
-    if (const auto error = platform::Current<platform::Processes>().List(processes))
-        return static_cast<ErrorCode>(error.code);
+    if (platform::Current<platform::Processes>().List(processes))
+        return CoreErrorCodes::kUnknownError;
     for (const platform::ProcessInfo& process : processes) {
         const std::string baseName = LowerCase(platform::NamePart(process.executablePath));
         if (baseName == wanted || baseName == wantedProgram) {

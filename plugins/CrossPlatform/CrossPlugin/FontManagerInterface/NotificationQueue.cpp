@@ -95,6 +95,10 @@ CFRef<CFDictionaryRef> PayloadOf(const CallbackKind& kind, int32_t callbackType,
     return payload;
 }
 
+void JoinImages(const void* fontID, const void* image, void* images) {
+    CFDictionarySetValue(static_cast<CFMutableDictionaryRef>(images), fontID, image);
+}
+
 ErrorCode Post(int32_t callbackType, const void* pCallbackData) {
     NotificationQueue& queue = NotificationQueue::GetSharedInstance();
     if (!queue.IsOpen())
@@ -121,7 +125,9 @@ void NotificationQueue::Open() {
 void NotificationQueue::Close() {
     const std::lock_guard guard(mPendingLock);
     mIsOpen = false;
+    mPositions.clear();
     mPending.clear();
+    mImages.reset();
 }
 
 bool NotificationQueue::IsOpen() const {
@@ -129,10 +135,73 @@ bool NotificationQueue::IsOpen() const {
     return mIsOpen;
 }
 
+NotificationQueue::Subject NotificationQueue::SubjectOf(const PluginNotification& notification) {
+    const auto fontID = cf::GetInt64(notification.payload.get(), kPluginNotification_FontActivation_Font_ID);
+    if (!fontID)
+        return {notification.name, kNoFont};
+    // A font is one or the other, and the later word is true.
+    const bool isDeactivation = notification.name == kPluginNotification_FontDeactivated;
+    return {isDeactivation ? kPluginNotification_FontActivated : notification.name, *fontID};
+}
+
 void NotificationQueue::Post(PluginNotification notification) {
+    const Subject subject = SubjectOf(notification);
     const std::lock_guard guard(mPendingLock);
-    if (mIsOpen)
-        mPending.push_back(std::move(notification));
+    if (!mIsOpen)
+        return;
+    if (notification.name == kPluginNotification_PreviewPNGsRendered)
+        AddImages(std::move(notification));
+    else
+        Add(subject, std::move(notification));
+}
+
+void NotificationQueue::Add(const Subject& subject, PluginNotification notification) {
+    auto& positions = mPositions[subject.kind];
+    const auto waiting = positions.find(subject.fontID);
+    if (waiting != positions.end()) {
+        *waiting->second = std::move(notification);
+        mPending.splice(mPending.end(), mPending, waiting->second);
+    } else if (positions.size() < kMostFonts) {
+        std::list<PluginNotification> added;
+        added.push_back(std::move(notification));
+        positions.emplace(subject.fontID, added.begin());
+        mPending.splice(mPending.end(), added);
+    } else {
+        AddBeyondLimit(subject.kind);
+    }
+}
+
+void NotificationQueue::AddBeyondLimit(std::string_view kind) {
+    Add({kPluginNotification_PanelDataChanged, kNoFont},
+        {kPluginNotification_PanelDataChanged, cf::MutableDictionary()});
+    if (kind != kPluginNotification_FontActivated)
+        return;
+    for (const auto& [fontID, position] : mPositions[kind])
+        mPending.erase(position);
+    mPositions[kind].clear();
+}
+
+void NotificationQueue::AddImages(PluginNotification notification) {
+    const CFDictionaryRef images =
+        cf::GetDictionary(notification.payload.get(), kPluginNotification_FontPNGs);
+    if (!mImages)
+        mImages = cf::MutableDictionary();
+    const size_t imageCount = static_cast<size_t>(cf::Count(mImages.get()) + cf::Count(images));
+    if (cf::Count(mImages.get()) > 0 && imageCount > kMostImages)
+        return AddBeyondLimit(notification.name);
+    if (images != nullptr)
+        CFDictionaryApplyFunction(images, JoinImages, mImages.get());
+    const CFRef<CFMutableDictionaryRef> payload = cf::MutableDictionary();
+    cf::Set(payload, kPluginNotification_FontPNGs, mImages);
+    Add({notification.name, kNoFont}, {notification.name, payload});
+}
+
+void NotificationQueue::Remove(Position position) {
+    const Subject subject = SubjectOf(*position);
+    mPositions[subject.kind].erase(subject.fontID);
+    if (position->name == kPluginNotification_PreviewPNGsRendered)
+        mImages.reset();
+    mPending.erase(position);
 }
 
 size_t NotificationQueue::Count() const {
@@ -144,14 +213,18 @@ std::optional<PluginNotification> NotificationQueue::TakeNext() {
     const std::lock_guard guard(mPendingLock);
     if (mPending.empty())
         return std::nullopt;
-    PluginNotification next = std::move(mPending.front());
-    mPending.pop_front();
+    PluginNotification next = mPending.front();
+    Remove(mPending.begin());
     return next;
 }
 
 void NotificationQueue::Drop(std::string_view name) {
     const std::lock_guard guard(mPendingLock);
-    std::erase_if(mPending, [name](const PluginNotification& each) { return each.name == name; });
+    for (Position each = mPending.begin(); each != mPending.end();) {
+        const Position current = each++;
+        if (current->name == name)
+            Remove(current);
+    }
 }
 
 void CoreAgentNotificationCallback(int32_t callbackType, const void* pCallbackData) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "CapturedTrace.h"
 #include "FakePlatform.h"
 #include "TemporaryFolder.h"
@@ -49,7 +51,8 @@ TEST_F(AgentLauncherTest, ARunningProcessIsFoundByItsNameInAnyCase) {
     EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pell.wick", found), CoreErrorCodes::kUnknownError)
         << "a name with a dot is taken as it is";
     processes.listError.code = 5;
-    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pellwick", found), 5u);
+    EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pellwick", found), CoreErrorCodes::kUnknownError)
+        << "nobody can tell";
 }
 
 TEST_F(AgentLauncherTest, LaunchInfoLinesHaveAKeyAndAValue) {
@@ -83,6 +86,21 @@ TEST_F(AgentLauncherTest, AMissingAgentFallsBackToTheUsersOwnFolder) {
                 HasSubstr("but the Pellwick.exe was not found at the specified path (/no/such/Pellwick)\n"));
     EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning fail\n"));
     EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning success\n"));
+}
+
+TEST_F(AgentLauncherTest, ValuesThatMeanAnotherFileElsewhereNameNoAgent) {
+    using namespace std::string_literals;
+    std::filesystem::current_path(local.Path());
+    for (const std::string& text :
+         {"pellwick.path=" + agent + "\0.old\n"s, "pellwick.path=" + agent + "\npellwick.args=serve\0--x\n"s,
+          "pellwick.path=agent 字/Pellwick\n"s, "pellwick.path=./agent 字/Pellwick\n"s}) {
+        local.Write(kInfoFile, text);
+        trace.Clear();
+        EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound) << text;
+        EXPECT_THAT(trace.Text(), HasSubstr("but the Pellwick.exe was not found at the specified path ("));
+    }
+    EXPECT_THAT(processes.launchedCommandLines, IsEmpty());
+    std::filesystem::current_path("/");
 }
 
 TEST_F(AgentLauncherTest, EachWayToFailEndsInAgentNotFound) {

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
+#include <map>
 #include <regex>
 #include <thread>
 
@@ -49,6 +51,28 @@ protected:
     ~NotificationsTest() override { NotificationProcessor::GetSharedInstance().SetReceiver(nullptr); }
     void Report(PluginNotificationType type, const void* data = nullptr) {
         CoreAgentNotificationCallback(type, data);
+    }
+    void ReportFont(PluginNotificationType type, uint32_t fontID) { Report(type, &fontID); }
+    void ReportImages(const std::vector<std::string>& fontIDs, const char* image) {
+        const CFRef<CFMutableDictionaryRef> images = cf::MutableDictionary();
+        for (const std::string& fontID : fontIDs)
+            cf::Set(images, fontID, image);
+        Report(kPluginCallback_PreviewPNGsRendered, images.get());
+    }
+    std::string ImageIn(size_t index, const std::string& fontID) {
+        return cf::GetString(
+            cf::GetDictionary(receiver.payloads.at(index).get(), kPluginNotification_FontPNGs), fontID);
+    }
+    /// What the panels got: names without what all begin with, and the fonts.
+    std::vector<std::string> Told() {
+        std::vector<std::string> told;
+        for (size_t index = 0; index < receiver.names.size(); ++index) {
+            const auto fontID =
+                cf::GetInt64(receiver.payloads[index].get(), kPluginNotification_FontActivation_Font_ID);
+            told.push_back(receiver.names[index].substr(receiver.names[index].find('_') + 1) +
+                           (fontID ? " " + std::to_string(*fontID) : ""));
+        }
+        return told;
     }
     ErrorCode Process() { return fontManager.GetFontManager()->ProcessNotifications(); }
 
@@ -247,32 +271,114 @@ TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProces
     EXPECT_EQ(framework.shownBoxes.size(), 1u) << "one question";
 }
 
-TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTaken) {
+TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTakenAndNothingOfTheLastOneStays) {
+    ReportFont(kPluginCallback_FontActivated, 1);
+    ReportImages({"1"}, "old");
     fontManager.OnHostAppShuttingDown();
     trace.Clear();
     Report(kPluginCallback_SmartListsChanged);
     EXPECT_THAT(trace.Text(),
                 testing::StartsWith("WARNING:  CoreAgentInterface::GetFontManager() returned NULL.\n"));
-    EXPECT_EQ(NotificationQueue::GetSharedInstance().Count(), 0u);
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    EXPECT_EQ(queue.Count(), 0u);
+    queue.Open();
+    ReportFont(kPluginCallback_FontActivated, 1);
+    ReportImages({"2"}, "new");
+    NotificationProcessor::GetSharedInstance().ProcessNotifications();
+    EXPECT_THAT(Told(), ElementsAre("FontActivated 1", "PreviewPNGsRendered"));
+    EXPECT_EQ(ImageIn(1, "1") + ImageIn(1, "2"), "new");
+    queue.Close();
 }
 
-TEST_F(NotificationsTest, TenThousandFromAnotherThreadArriveInOrderOnThisOne) {
-    constexpr uint32_t kCount = 10'000;
-    std::thread agent([] {
-        for (uint32_t fontID = 1; fontID <= kCount; ++fontID)
-            CoreAgentNotificationCallback(kPluginCallback_FontActivated, &fontID);
-    });
+TEST_F(NotificationsTest, NewsOfTheSameThingIsToldOnceAndAsItIsNow) {
+    ReportFont(kPluginCallback_FontActivated, 1);
+    ReportFont(kPluginCallback_FontMissing, 1);
+    ReportFont(kPluginCallback_FontActivated, 2);
+    ReportFont(kPluginCallback_DesignActivationNonCompliant, 1);
+    ReportFont(kPluginCallback_FontDeactivated, 1);
+    Report(kPluginCallback_WentOnline);
+    ReportFont(kPluginCallback_FontMissing, 1);
+    Report(kPluginCallback_BulkReplicationProgress);
+    Report(kPluginCallback_TaskStarted);
+    Report(kPluginCallback_BulkReplicationStopped);
+    Report(kPluginCallback_TaskFinished);
+    Report(kPluginCallback_WentOffline);
+    Report(kPluginCallback_BulkReplicationProgress);
+    Report(kPluginCallback_BulkReplicationStopped);
+    Process();
+    EXPECT_THAT(Told(), ElementsAre("FontActivated 2", "DesignActivationNonCompliant 1", "FontDeactivated 1",
+                                    "FontMissing 1", "TaskStarted", "TaskFinished", "OnlineStateChanged",
+                                    "BulkReplicationProgress", "BulkReplicationStopped"));
+    EXPECT_EQ(cf::GetBool(receiver.payloads[6].get(), "isOnline"), false);
+    EXPECT_FALSE(MarquellGlobals::IsBulkReplicationRunning());
+}
+
+TEST_F(NotificationsTest, ImagesOfFontsAreJoined) {
+    ReportImages({"1", "2"}, "old");
+    Report(kPluginCallback_SmartListsChanged);
+    ReportImages({"2", "3"}, "new");
+    const auto waiting = NotificationQueue::GetSharedInstance().Count();
+    Process();
+    ReportImages({"4"}, "new");
+    Process();
+    EXPECT_EQ(waiting, 2u);
+    EXPECT_THAT(Told(), ElementsAre("SmartListsChanged", "PreviewPNGsRendered", "PreviewPNGsRendered"));
+    EXPECT_EQ(ImageIn(1, "1") + ImageIn(1, "2") + ImageIn(1, "3") + ImageIn(1, "4"), "oldnewnew");
+    EXPECT_EQ(ImageIn(2, "3") + ImageIn(2, "4"), "new") << "what was told is not told again";
+}
+
+TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
+    constexpr auto kMost = static_cast<uint32_t>(NotificationQueue::kMostFonts);
+    const NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    for (const auto type : {kPluginCallback_FontActivated, kPluginCallback_FontMissing}) {
+        for (uint32_t fontID = 1; fontID <= kMost; ++fontID)
+            ReportFont(type, fontID);
+    }
+    ReportFont(kPluginCallback_FontDeactivated, 1);
+    EXPECT_EQ(queue.Count(), 2 * kMost) << "as many as may wait";
+    ReportFont(kPluginCallback_FontDeactivated, kMost + 1);
+    EXPECT_EQ(queue.Count(), kMost + 1) << "the data show what is active, not what is missing";
+    ReportFont(kPluginCallback_FontMissing, kMost + 1);
+    ReportFont(kPluginCallback_FontActivated, 7);
+    EXPECT_EQ(queue.Count(), kMost + 2);
+    Process();
+    const std::vector<std::string> told = Told();
+    EXPECT_EQ(told[kMost - 1], "FontMissing " + std::to_string(kMost));
+    EXPECT_THAT(std::vector(told.end() - 2, told.end()), ElementsAre("PanelDataChanged", "FontActivated 7"));
+}
+
+TEST_F(NotificationsTest, OfMoreImagesThanWaitPanelsReadTheirDataAnew) {
+    std::vector<std::string> fontIDs(NotificationQueue::kMostImages - 1);
+    std::generate(fontIDs.begin(), fontIDs.end(), [next = 0]() mutable { return std::to_string(++next); });
+    ReportImages(fontIDs, "x");
+    ReportImages({"last"}, "y");
+    ReportImages({"one more"}, "z");
+    Process();
+    EXPECT_THAT(Told(), ElementsAre("PreviewPNGsRendered", "PanelDataChanged"));
+    EXPECT_EQ(ImageIn(0, fontIDs.back()) + ImageIn(0, "last") + ImageIn(0, "one more"), "xy");
+}
+
+TEST_F(NotificationsTest, UnderAFloodFromAnotherThreadTheLastWordOnEachFontArrives) {
+    constexpr uint32_t kFonts = 1'000;
     std::atomic<bool> isDone = false;
-    std::thread waiter([&] {
-        agent.join();
+    std::thread agent([&] {
+        for (uint32_t round = 0; round < 21; ++round) {
+            for (uint32_t fontID = 0; fontID < kFonts; ++fontID) {
+                const bool isActive = (fontID + round) % 2 == 0;
+                CoreAgentNotificationCallback(
+                    isActive ? kPluginCallback_FontActivated : kPluginCallback_FontDeactivated, &fontID);
+            }
+        }
         isDone = true;
     });
     while (!isDone)
         Process();
-    waiter.join();
+    agent.join();
     Process();
-    ASSERT_EQ(receiver.payloads.size(), kCount);
-    for (uint32_t index = 0; index < kCount; ++index)
-        ASSERT_EQ(cf::GetInt64(receiver.payloads[index].get(), kPluginNotification_FontActivation_Font_ID),
-                  index + 1);
+    std::map<std::string, std::string> last;
+    for (const std::string& told : Told())
+        last[told.substr(told.find(' ') + 1)] = told;
+    EXPECT_EQ(last.size(), kFonts);
+    for (const auto& [fontID, told] : last)
+        EXPECT_EQ(told, (std::stoi(fontID) % 2 == 0 ? "FontActivated " : "FontDeactivated ") + fontID);
 }

@@ -3,12 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iostream>
+#include <sstream>
+#include <string_view>
+
 #include "CapturedTrace.h"
 #include "FakeInterfaceLibrary.h"
 #include "FakePlatform.h"
+#include "FontManagerWorld.h"
 
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -35,7 +41,79 @@ protected:
     uint32_t missingCount = 0;
 };
 
+constexpr const char* kTable[] = {
+#define NAME_OF(symbol, parameters) #symbol,
+    TARNWICK_PLUGIN_FUNCTIONS(NAME_OF)
+#undef NAME_OF
+};
+constexpr size_t kValidated = 79;  // up to TrackFontPanelClick
+static_assert(std::string_view(kTable[kValidated - 1]) == "TrackFontPanelClick");
+
+/// Libraries beside the running agent that lack functions of the table.
+class IncompleteLibraryTest : public FontManagerWorld {
+protected:
+    /// What the trace says of functions that are not there.
+    std::string ToldAsMissing() {
+        std::istringstream lines(trace.Text());
+        std::string told;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.ends_with(" is NULL."))
+                told += line.substr(line.find("ERROR")) + "\n";
+            else if (line.ends_with(" returned 0x00000000"))
+                told += line.substr(line.find("'")) + "\n";
+        }
+        return told;
+    }
+
+    /// Loads one as start-up does.
+    void ExpectRefusalWithout(const std::vector<size_t>& lacking) {
+        libraries.symbols = FakeInterfaceLibrary::Symbols();
+        std::string unbound;
+        std::string invalid;
+        for (const size_t index : lacking) {
+            const std::string symbol = kTable[index];
+            libraries.symbols.erase(symbol);
+            unbound += "'" + symbol + "') returned 0x00000000\n";
+            if (index < kValidated)
+                invalid += "ERROR:  this->pf" + symbol + " is NULL.\n";
+        }
+        trace.Clear();
+        std::string path;
+        std::string version;
+        uint32_t missingCount = 0;
+        ASSERT_FALSE(VPILoader::GetSharedInstance()->IsLoaded(&path, &version, &missingCount)) << unbound;
+        ASSERT_EQ(missingCount, lacking.size()) << unbound;
+        ASSERT_EQ(ToldAsMissing(), unbound + invalid);
+        ASSERT_THAT(trace.Text(),
+                    EndsWith("VPILoader::IsLoaded() returning false because of one or more null inputs.\n"));
+        ExpectNoFontManager();
+        ASSERT_THAT(library.calls, IsEmpty()) << unbound;
+        delete VPILoader::GetSharedInstance();
+    }
+
+    void ExpectNoFontManager() {
+        FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+        EXPECT_FALSE(fontManager.CompatibleFontManagerIsRunning());
+        EXPECT_EQ(fontManager.GetFontManager(), nullptr);
+        EXPECT_EQ(fontManager.ActivateDocumentFonts("/a.ai", {}, nullptr), kErrorMarquellNotRunning);
+        EXPECT_FALSE(fontManager.IsLoggedIn());
+    }
+};
+
 }  // namespace
+
+TEST_F(IncompleteLibraryTest, NoFunctionAndNoPairOfFunctionsCanBeMissing) {
+    int singles = 0;
+    int pairs = 0;
+    for (size_t first = 0; first < std::size(kTable); ++first, ++singles) {
+        ASSERT_NO_FATAL_FAILURE(ExpectRefusalWithout({first}));
+        for (size_t second = first + 1; second < std::size(kTable); ++second, ++pairs)
+            ASSERT_NO_FATAL_FAILURE(ExpectRefusalWithout({first, second}));
+    }
+    std::cout << "refused: " << singles << " libraries without one function, " << pairs << " without two\n";
+    EXPECT_EQ(singles, 86);
+    EXPECT_EQ(pairs, 3655);
+}
 
 TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
     processes.running = {{1, "/opt/v/other"}, {2, "/opt/v/PELLWICK" + kAgentProgram.substr(8)}};
@@ -61,32 +139,6 @@ TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
     EXPECT_THAT(trace.Text(), HasSubstr(", 'ClearDocumentSlug') returned 0x"));
     EXPECT_THAT(trace.Text(), Not(HasSubstr("ERROR")));
     EXPECT_TRUE(processes.launchedCommandLines.empty());
-}
-
-TEST_F(VPILoaderTest, OneMissingFunctionIsNoFullLibraryButALateOnePassesTheValidation) {
-    processes.running = {{2, kAgent}};
-    libraries.loadable = {"/opt/v/" + kLibrary};
-    libraries.symbols = FakeInterfaceLibrary::Symbols();
-    libraries.symbols.erase("ClearDocumentSlug");
-    EXPECT_FALSE(IsLoaded());
-    EXPECT_EQ(missingCount, 1u);
-    EXPECT_THAT(trace.Text(),
-                EndsWith("VPILoader::IsLoaded() returning false because of one or more null inputs.\n"));
-    EXPECT_THAT(trace.Text(), Not(HasSubstr("ERROR:  this->pf")));
-    EXPECT_THAT(trace.Text(), HasSubstr(", 'ClearDocumentSlug') returned 0x00000000\n"));
-    EXPECT_EQ(VPILoader::GetSharedInstance()->pfClearDocumentSlug, nullptr);
-}
-
-TEST_F(VPILoaderTest, AMissingEarlyFunctionFailsTheValidationByName) {
-    processes.running = {{2, kAgent}};
-    libraries.loadable = {"/opt/v/" + kLibrary};
-    libraries.symbols = FakeInterfaceLibrary::Symbols();
-    libraries.symbols.erase("ActivateFonts");
-    libraries.symbols.erase("TrackFontPanelClick");
-    EXPECT_FALSE(IsLoaded());
-    EXPECT_EQ(missingCount, 2u);
-    EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  this->pfActivateFonts is NULL.\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  this->pfTrackFontPanelClick is NULL.\n"));
 }
 
 TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
