@@ -14,6 +14,7 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 
 constexpr int kMostReasonsShown = 10;
+constexpr size_t kLogShown = 2000;
 constexpr size_t kTraceShown = 60000;  // bytes, of the first round that is not clean
 
 const std::vector<std::string> kFonts = {"First-Bold", "Second-Bold", "Third-Bold", "Fourth-Bold"};
@@ -194,6 +195,14 @@ bool DisturbedRounds::RunRound(int round) {
     return mFindings.empty();
 }
 
+void DisturbedRounds::ShowTrace() const {
+    const std::string trace = mWorld.Trace();
+    std::printf("...%s\n", trace.substr(trace.size() - std::min(trace.size(), kTraceShown)).c_str());
+    std::string log;
+    if (!platform::ReadWholeFile(mWorld.Path("data/Vantorix/Pellwick/logs/Pellwick.log"), log, 1 << 24))
+        std::printf("...%s\n", log.substr(log.size() - std::min(log.size(), kLogShown)).c_str());
+}
+
 int DisturbedRounds::Run() {
     int clean = 0;
     int shown = 0;
@@ -202,10 +211,8 @@ int DisturbedRounds::Run() {
             ++clean;
             continue;
         }
-        if (shown == 0) {
-            const std::string trace = mWorld.Trace();
-            std::printf("...%s\n", trace.substr(trace.size() - std::min(trace.size(), kTraceShown)).c_str());
-        }
+        if (shown == 0)
+            ShowTrace();
         for (const std::string& finding : mFindings) {
             if (shown++ < kMostReasonsShown)
                 std::printf("round %d: %s\n", round, finding.c_str());

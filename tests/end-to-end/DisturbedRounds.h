@@ -62,6 +62,7 @@ private:
     std::string DocumentPath(int document) const;
     bool AreLinked(const std::vector<std::string>& fonts) const;
     bool RunRound(int round);
+    void ShowTrace() const;
 
     const Plan mPlan;
     HostWorld mWorld;
