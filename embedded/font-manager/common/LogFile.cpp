@@ -25,9 +25,12 @@ bool LogFile::IsOpen() {
 
 void LogFile::Write(std::string_view text) {
     const std::lock_guard guard(mFileLock);
-    if (!mFile.is_open())
+    if (mPath.empty())
         return;
+    if (!mFile.is_open())
+        OpenForAppending();
     RotateIfFull();
+    mFile.clear();  // what failed while the disk was full may work again
     mFile.write(text.data(), static_cast<std::streamsize>(text.size()));
     mFile.flush();
     mSize += text.size();
