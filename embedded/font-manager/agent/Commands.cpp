@@ -27,6 +27,9 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
     } catch (const DatabaseError& error) {
         result = Failure(error.what());
         return error.Code();
+    } catch (const ActivationRefused& error) {
+        result = Failure(error.what());
+        return GFontActivationManager::kOSFileSystemError;
     } catch (const std::bad_alloc&) {
         result = Failure("the agent ran out of memory");
         return CoreErrorCodes::kOutOfMemory;
@@ -66,7 +69,8 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
                             const Json& request) noexcept {
     Json result;
     const ErrorCode code = Run(table, context, request, result);
-    return {code, AnswerFrame(IntegerMember(request, "id"), code, result)};
+    return {code, code != CoreErrorCodes::kSuccess ? StringMember(result, "message") : std::string(),
+            AnswerFrame(IntegerMember(request, "id"), code, result)};
 }
 
 void RequireLogIn(CommandContext& context) {

@@ -31,6 +31,8 @@ public:
     int SweepVault();
     /// Makes what programs see agree with the records.
     ActiveFonts::Repairs RepairActiveFonts();
+    /// Whether that failed the last time, so that it is to be tried again.
+    bool NeedsRepair() const { return mNeedsRepair; }
     /// Ends the leases of processes that are gone.
     ActivationChanges EndLeasesOfDeadProcesses();
     /// The workgroup that new fonts go to.
@@ -52,6 +54,9 @@ public:
     const std::unique_ptr<ActiveFonts> activeFonts;
     PreviewFolder previews;
     FontScanner scanner;
+
+private:
+    bool mNeedsRepair = false;
 };
 
 }  // namespace pellwick
