@@ -136,9 +136,9 @@ bool PreferenceFile::SetAside() {
         if (std::filesystem::exists(std::filesystem::symlink_status(platform::Utf8Path(aside), failure)))
             continue;
         std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(aside), failure);
-        ReportOnce("'" + mPath + "' is no preference file and " +
-                   (failure ? "cannot be set aside: " + platform::SystemErrorText(failure)
-                            : "was set aside as '" + aside + "'"));
+        ReportOnce("'" + mPath + "' is no preference file" +
+                   (failure ? "; " + platform::WriteFailureText(aside, {failure.value()})
+                            : " and was set aside as '" + aside + "'"));
         return !failure;
     }
     ReportOnce("'" + mPath + "' is no preference file; too many like it are set aside already");
