@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "TarnwickPluginInterface.h"
 #include "activation/FontVault.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"
@@ -134,13 +135,16 @@ Json FaultyStore::Records() {
                     {"sets", Json::array()},
                     {"workgroups", Json::array()},
                     {"smartLists", Json::array()}};
-    for (const Json& set : Ask(method::kListSets, Json::object())["sets"])
+    const Json sets = Ask(method::kListSets, Json::object());
+    for (const Json& set : ArrayMember(sets, "sets"))
         records["sets"].push_back(
             {set[kSetNameMember], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
-    for (const Json& workgroup : Ask(method::kListWorkgroups, Json::object())["workgroups"])
+    const Json workgroups = Ask(method::kListWorkgroups, Json::object());
+    for (const Json& workgroup : ArrayMember(workgroups, "workgroups"))
         records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);
-    for (const Json& list : Ask(method::kListSmartLists, Json::object())["smartLists"])
-        records["smartLists"].push_back(list["name"]);
+    const Json lists = Ask(method::kListSmartLists, Json::object());
+    for (const Json& list : ArrayMember(lists, kGS_SmartListsKey))
+        records["smartLists"].push_back(list[kGS_SmartListNameKey]);
     const Json status = Ask(method::kGetStatus, Json::object());
     for (const char* member : {"userName", "standalone", "workgroup", "hosts", "activeFiles"})
         records["status"][member] = status[member];
@@ -177,6 +181,10 @@ size_t FaultyStore::FailureLines() const {
         count += isOfStartOrEnd ? 0 : 1;
     }
     return count;
+}
+
+bool FaultyStore::IsEndLogged() const {
+    return ContentOf(Locations::OfThisUser().logFolder + "/Pellwick.log").ends_with(" ends\n");
 }
 
 std::string FaultyStore::CheckDatabase() const {

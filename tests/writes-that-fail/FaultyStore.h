@@ -42,6 +42,8 @@ public:
     Json Records();
     /// How many lines of the agent's log tell of a failure.
     size_t FailureLines() const;
+    /// Whether the log's last line is that of an agent that ended in order.
+    bool IsEndLogged() const;
     /// What SQLite finds wrong with the database; "ok" when nothing.
     std::string CheckDatabase() const;
     /// Has the agent change a setting and change it back.

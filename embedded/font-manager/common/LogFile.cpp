@@ -12,8 +12,6 @@ bool LogFile::Open(const std::string& path) {
     const std::lock_guard guard(mFileLock);
     mFile.close();
     mPath = path;
-    std::error_code failure;
-    std::filesystem::create_directories(platform::Utf8Path(path).parent_path(), failure);
     OpenForAppending();
     return mFile.is_open();
 }
@@ -37,6 +35,8 @@ void LogFile::Write(std::string_view text) {
 }
 
 void LogFile::OpenForAppending() {
+    std::error_code failure;
+    std::filesystem::create_directories(platform::Utf8Path(mPath).parent_path(), failure);
     mFile = std::ofstream(platform::Utf8Path(mPath), std::ios::binary | std::ios::app);
     uint64_t size = 0;
     mSize = platform::FileSize(mPath, size) ? 0 : size;
