@@ -72,6 +72,7 @@ protected:
     void Attempt(const Fault& fault, int at);
     void ExpectToBeSaid(const Fault& fault, bool isDone) const;
     void ExpectToGoOn(int number);
+    void ExpectNoOtherFiles() const;
 
     const TemporaryFolder mFolder;
     const std::string mPath = mFolder / "configuration/Vantorix/Preferences.json";
@@ -122,6 +123,14 @@ void PreferenceWritesThatFail::ExpectToGoOn(int number) {
     EXPECT_LE(LinesInLog(), lines + (GetParam().before == kDamaged ? 1 : 0)) << ContentOf(mFolder / "log");
 }
 
+void PreferenceWritesThatFail::ExpectNoOtherFiles() const {
+    std::error_code noFolder;
+    for (const auto& entry : fs::directory_iterator(platform::Utf8Path(mPath).parent_path(), noFolder))
+        EXPECT_THAT(
+            platform::Utf8Text(entry.path().filename()),
+            testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
+}
+
 void PreferenceWritesThatFail::Attempt(const Fault& fault, int at) {
     SetBack();
     StartHost();
@@ -138,13 +147,12 @@ void PreferenceWritesThatFail::Attempt(const Fault& fault, int at) {
     EXPECT_TRUE(GetParam().before != kDamaged || IsDamagedFileKept());
     if (answer.empty())
         StartHost();
+    else if (!mFaults.HasKeptFile())
+        ExpectNoOtherFiles();
     ExpectToGoOn(3);
     StartHost();
     ExpectToGoOn(4);
-    for (const auto& entry : fs::directory_iterator(platform::Utf8Path(mPath).parent_path()))
-        EXPECT_THAT(
-            platform::Utf8Text(entry.path().filename()),
-            testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
+    ExpectNoOtherFiles();
 }
 
 TEST_P(PreferenceWritesThatFail, LeaveTheOldOrTheNewValueAndOneLine) {
