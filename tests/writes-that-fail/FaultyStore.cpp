@@ -160,7 +160,7 @@ Json FaultyStore::Files() const {
         // A font's file is named by what is in it.
         const std::string content = ContentOf(path);
         const bool isWhole = name.substr(0, name.find('.')) == Sha256(content);
-        files.push_back({path, isWhole ? "whole" : content});
+        files.push_back({path, isWhole ? "whole" : Sha256(content)});
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -44,7 +44,7 @@ std::string MessageOf(const std::string& path, sqlite3* database, int code) {
         case SQLITE_IOERR:
         case SQLITE_CANTOPEN:  // which of the two, it does not keep
             return path + " cannot be read or written (" + text +
-                   "); see whether its disk is full or faulty and try again";
+                   "); see whether its disk is full, faulty or closed to you, and try again";
         default:
             return text;
     }

@@ -1,10 +1,8 @@
 // Uses the framework as a host does, for tests that kill it or look at its log.
 //
-//   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers; prints each once
-//   stored framework-preferences-program LIBRARY start             what a plug-in does at its start
-//   framework-preferences-program LIBRARY obey              for each line of input, "usable", "store NUMBER"
-//   or
-//                                                           "read", prints what came of it, a number
+//   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers and prints each
+//   framework-preferences-program LIBRARY start             what a plug-in does at its start
+//   framework-preferences-program LIBRARY obey              answers the lines usable, store NUMBER and read
 #include <CoreFoundation++/CFRef.h>
 
 #include <cstdio>
