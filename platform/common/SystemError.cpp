@@ -8,4 +8,11 @@ std::string SystemErrorText(const std::error_code& error) {
                                                       : error.message();
 }
 
+std::string WriteFailureText(const std::string& path, SystemError error) {
+    const std::string what = path + " cannot be written: ";
+    if (error.IsDiskFull())
+        return what + "the disk is full; make room on it and try again";
+    return what + SystemErrorText(error) + "; see to the folder and its disk and try again";
+}
+
 }  // namespace platform

@@ -109,10 +109,13 @@ SystemError RenameToFreeName(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0 ? SystemError{} : LastSystemError();
 }
 
-void FlushFolder(const std::string& folder) {
+/// Makes what was renamed in the folder last. Some file systems cannot, and need not be told to.
+SystemError FlushFolder(const std::string& folder) {
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.IsValid())
-        fsync(descriptor.Get());
+    if (!descriptor.IsValid())
+        return {};  // one that may be written to but not read
+    const SystemError error = Flush(descriptor.Get());
+    return error.code == EINVAL ? SystemError{} : error;
 }
 
 }  // namespace
@@ -202,10 +205,9 @@ SystemError WriteWholeFile(const std::string& path, std::string_view content) {
         error = Flush(descriptor.Get());
     if (!error && rename(temporary.c_str(), path.c_str()) != 0)
         error = LastSystemError();
-    if (error)
-        unlink(temporary.c_str());
-    else
-        FlushFolder(FolderOf(path));
+    if (!error)
+        return FlushFolder(FolderOf(path));
+    unlink(temporary.c_str());
     return error;
 }
 
@@ -241,10 +243,9 @@ SystemError CopyToNewFile(const std::string& source, const std::string& target) 
     SystemError error = CopyAll(file, descriptor.Get());
     if (!error)
         error = RenameToFreeName(temporary, target);
-    if (error)
-        unlink(temporary.c_str());
-    else
-        FlushFolder(folder);
+    if (!error)
+        return FlushFolder(folder);
+    unlink(temporary.c_str());
     return error;
 }
 

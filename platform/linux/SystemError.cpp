@@ -5,6 +5,8 @@
 
 namespace platform {
 
+const SystemError kDiskFull{ENOSPC};
+
 bool SystemError::IsNotFound() const {
     return code == ENOENT || code == ENOTDIR;
 }
@@ -19,6 +21,10 @@ bool SystemError::IsNotPermitted() const {
 
 bool SystemError::IsPathTooLong() const {
     return code == ENAMETOOLONG;
+}
+
+bool SystemError::IsDiskFull() const {
+    return code == ENOSPC || code == EDQUOT;
 }
 
 bool SystemError::IsHeldByOther() const {

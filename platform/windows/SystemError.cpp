@@ -6,6 +6,8 @@
 
 namespace platform {
 
+const SystemError kDiskFull{ERROR_DISK_FULL};
+
 bool SystemError::IsNotFound() const {
     return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_INVALID_DRIVE ||
            code == ERROR_BAD_NETPATH || code == ERROR_BAD_NET_NAME;
@@ -21,6 +23,10 @@ bool SystemError::IsNotPermitted() const {
 
 bool SystemError::IsPathTooLong() const {
     return code == ERROR_FILENAME_EXCED_RANGE;
+}
+
+bool SystemError::IsDiskFull() const {
+    return code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL || code == ERROR_DISK_QUOTA_EXCEEDED;
 }
 
 bool SystemError::IsHeldByOther() const {

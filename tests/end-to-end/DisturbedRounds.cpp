@@ -199,7 +199,7 @@ void DisturbedRounds::ShowTrace() const {
     const std::string trace = mWorld.Trace();
     std::printf("...%s\n", trace.substr(trace.size() - std::min(trace.size(), kTraceShown)).c_str());
     std::string log;
-    if (!platform::ReadWholeFile(mWorld.Path("data/Vantorix/Pellwick/logs/Pellwick.log"), log, 1 << 24))
+    if (!platform::ReadWholeFile(mWorld.Path("data/Vantorix/Logs/Pellwick.log"), log, 1 << 24))
         std::printf("...%s\n", log.substr(log.size() - std::min(log.size(), kLogShown)).c_str());
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,12 @@
 #include "store/FontStore.h"
 
 namespace pellwick {
+
+/// Thrown where the system does not let a font become active that is there; the message is for people.
+class ActivationRefused : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// How a font file in the vault is made active. Each system has its own way. One thread.
 class ActiveFonts {
@@ -25,7 +32,7 @@ public:
     /// Whether the file is active.
     virtual bool Has(const FontFile& file) const = 0;
     /// Makes the file active; true at once when it is. False when that cannot be done, for one because the
-    /// vault has lost the file.
+    /// vault has lost the file. Throws ActivationRefused where the disk is full or faulty.
     virtual bool Add(const FontFile& file) = 0;
     /// Ends that. To be called before the vault's file is removed.
     virtual void Remove(const FontFile& file) = 0;
@@ -35,7 +42,8 @@ public:
     struct Repairs {
         int added = 0;
         int removed = 0;
-        std::vector<FontFile> missing;  ///< should be active but cannot be
+        std::vector<FontFile> missing;  ///< should be active but the vault has lost them
+        std::string problem;            ///< why others are not; empty when there are none
     };
     /// Makes exactly these files active, whatever an earlier agent left.
     virtual Repairs Repair(const std::vector<FontFile>& activeFiles) = 0;

@@ -11,11 +11,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool LinkOrCopy(const fs::path& source, const fs::path& target) {
+std::error_code LinkOrCopy(const fs::path& source, const fs::path& target) {
     std::error_code failure;
     fs::create_hard_link(source, target, failure);
     if (!failure)
-        return true;
+        return {};
     // A copy appears under its name when it is complete, so that nobody reads half a font.
     const fs::path temporary = fs::path(target) += ".part";
     fs::copy_file(source, temporary, fs::copy_options::overwrite_existing, failure);
@@ -25,7 +25,7 @@ bool LinkOrCopy(const fs::path& source, const fs::path& target) {
         std::error_code ignored;
         fs::remove(temporary, ignored);
     }
-    return !failure;
+    return failure;
 }
 
 }  // namespace
@@ -44,7 +44,12 @@ bool LinkFolder::Add(const FontFile& file) {
     std::error_code failure;
     fs::create_directories(target.parent_path(), failure);
     platform::RemoveFile(PathOf(file));  // one of the wrong size
-    return LinkOrCopy(platform::Utf8Path(Vault().PathOf(file)), target);
+    if (!failure)
+        failure = LinkOrCopy(platform::Utf8Path(Vault().PathOf(file)), target);
+    if (!failure)
+        return true;
+    Remove(file);  // the shard, if it is empty
+    throw ActivationRefused(platform::WriteFailureText(PathOf(file), platform::SystemError{failure.value()}));
 }
 
 void LinkFolder::Remove(const FontFile& file) {
@@ -52,6 +57,15 @@ void LinkFolder::Remove(const FontFile& file) {
     std::error_code failure;
     fs::remove(platform::Utf8Path(PathOf(file)).parent_path(),
                failure);  // refused, and rightly, while there is more in it
+}
+
+bool LinkFolder::TryToAdd(const FontFile& file, std::string& problem) {
+    try {
+        return Add(file);
+    } catch (const ActivationRefused& refusal) {
+        problem = refusal.what();
+        return false;
+    }
 }
 
 ActiveFonts::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles) {
@@ -62,7 +76,7 @@ ActiveFonts::Repairs LinkFolder::Repair(const std::vector<FontFile>& activeFiles
         const bool wasThere = Has(file);
         if (!IsInVault(file))
             repairs.missing.push_back(file);
-        else if (Add(file) && !wasThere)
+        else if (TryToAdd(file, repairs.problem) && !wasThere)
             ++repairs.added;
     }
     for (const std::string& path : ShardedFiles(mFolder)) {

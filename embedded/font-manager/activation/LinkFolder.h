@@ -27,6 +27,8 @@ public:
     Repairs Repair(const std::vector<FontFile>& activeFiles) override;
 
 private:
+    bool TryToAdd(const FontFile& file, std::string& problem);
+
     std::string mFolder;
 };
 

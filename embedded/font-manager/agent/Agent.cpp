@@ -29,15 +29,16 @@ void LogStart(LogFile& log, const Server& server, int swept, const ActiveFonts::
         log.Write("active fonts put right: " + std::to_string(repairs.added) + " added, " +
                   std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
                   " missing in the vault\n");
+    if (!repairs.problem.empty())
+        log.Write("active fonts not put right yet: " + repairs.problem + "\n");
 }
 
 int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     FontManager manager(locations);
     Server server(manager, log);
     // First of all: whoever connects from here on waits for an answer, and does not start another agent.
-    if (!server.Listen()) {
-        problem = "there is no address where the agent can listen; Pellwick.log in " + locations.logFolder +
-                  " says why";
+    if (!server.Listen(problem)) {
+        log.Write(problem + "\n");
         return 1;
     }
     manager.EndLeasesOfDeadProcesses();
@@ -65,13 +66,13 @@ bool DoesAgentAnswer(std::chrono::milliseconds limit) {
 /// An agent that said goodbye still holds the lock for the moment that it takes to end, and a plug-in may
 /// start the next one in that moment. Two plug-ins may start one at the same moment; and one that has waited
 /// in vain for an agent that does not move starts another one.
-Role FindRole(platform::FileLock& lock, const std::string& path) {
+Role FindRole(platform::FileLock& lock, const std::string& path, platform::SystemError& error) {
     using std::chrono::milliseconds;
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
-    while (lock.Acquire(path, false)) {
+    while ((error = lock.Acquire(path, false))) {
         const auto left =
             std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
-        if (left.count() <= 0)
+        if (!error.IsHeldByOther() || left.count() <= 0)
             return Role::kNone;
         if (platform::IsReadinessAwaited() && DoesAgentAnswer(left))
             return Role::kStandIn;
@@ -80,37 +81,59 @@ Role FindRole(platform::FileLock& lock, const std::string& path) {
     return Role::kAgent;
 }
 
+/// Where there is none for this process, `problem` tells people why.
+Role TakePlace(const Locations& locations, platform::FileLock& lock, std::string& problem) {
+    const std::string& folder = locations.dataFolder;
+    if (const auto error = platform::MakePrivateFolder(folder)) {
+        problem = error.IsDiskFull()
+                      ? platform::WriteFailureText(folder, error)
+                      : "cannot use the data folder " + folder + " (" + platform::SystemErrorText(error) +
+                            "); set XDG_DATA_HOME to a folder of yours";
+        return Role::kNone;
+    }
+    platform::SystemError error;
+    const Role role = FindRole(lock, locations.lockPath, error);
+    if (role == Role::kNone)
+        problem = error.IsHeldByOther() ? "an agent runs already for " + folder + "; see \"Pellwick status\""
+                                        : platform::WriteFailureText(locations.lockPath, error);
+    return role;
+}
+
 void StandIn() {
     platform::NotifyReadyForInput();
     std::this_thread::sleep_for(kStandInTime);
 }
 
+/// What to do about a database depends on whether it is the database or its disk that is at fault.
+std::string DatabaseProblem(const Locations& locations, const DatabaseError& error) {
+    switch (error.Code()) {
+        case GSqliteDatabase::kDatabaseFull:
+        case GSqliteDatabase::kDatabaseIOError:
+        case GSqliteDatabase::kDatabaseOpenFailed:
+            return error.what();
+        default:
+            return locations.databasePath + ": " + error.what() +
+                   "; if it cannot be mended, move it away and \"Pellwick add\" the fonts in " +
+                   locations.vaultFolder;
+    }
+}
+
 }  // namespace
 
 int RunAgent(const Locations& locations, std::string& problem) {
-    if (const auto error = platform::MakePrivateFolder(locations.dataFolder)) {
-        problem = "cannot use the data folder " + locations.dataFolder + " (" +
-                  platform::SystemErrorText(error) + "); set XDG_DATA_HOME to a folder of yours";
-        return 1;
-    }
     platform::FileLock lock;
-    const Role role = FindRole(lock, locations.lockPath);
-    if (role == Role::kNone) {
-        problem = "an agent runs already for " + locations.dataFolder + "; see \"Pellwick status\"";
-        return 1;
-    }
-    if (role == Role::kStandIn) {
+    const Role role = TakePlace(locations, lock, problem);
+    if (role == Role::kStandIn)
         StandIn();
-        return 0;
-    }
+    if (role != Role::kAgent)
+        return role == Role::kStandIn ? 0 : 1;
+    platform::RemoveAbandonedWrites(locations.addressPath);
     LogFile log;
     log.Open(locations.logFolder + platform::kPathSeparator + "Pellwick.log");
     try {
         return Serve(locations, log, problem);
     } catch (const DatabaseError& error) {
-        problem = locations.databasePath + ": " + error.what() +
-                  "; if it cannot be mended, move it away and \"Pellwick add\" the fonts in " +
-                  locations.vaultFolder;
+        problem = DatabaseProblem(locations, error);
         log.Write(problem + "\n");
         return 1;
     } catch (const std::exception& error) {

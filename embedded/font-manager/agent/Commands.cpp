@@ -36,6 +36,9 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
     } catch (const DatabaseError& error) {
         result = Failure(error.what());
         return error.Code();
+    } catch (const ActivationRefused& error) {
+        result = Failure(error.what());
+        return GFontActivationManager::kOSFileSystemError;
     } catch (const std::bad_alloc&) {
         result = Failure("the agent ran out of memory");
         return CoreErrorCodes::kOutOfMemory;
@@ -80,7 +83,8 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
     Json result;
     context.request = IntegerMember(request, "id");
     const ErrorCode code = Run(table, context, request, result);
-    return {code, AnswerFrame(context, code, result)};
+    return {code, code != CoreErrorCodes::kSuccess ? StringMember(result, "message") : std::string(),
+            AnswerFrame(context, code, result)};
 }
 
 void CommandContext::KeepAnswer(const Json& answer) {

@@ -85,6 +85,7 @@ void AddPreviewCommands(CommandTable& table);
 
 struct CommandAnswer {
     ErrorCode code;
+    std::string problem;  ///< for people; empty on success
     std::string frame;
 };
 

@@ -38,21 +38,41 @@ Workgroup TargetWorkgroup(CommandContext& context, const Json& arguments) {
     return workgroup;
 }
 
-void StoreInVault(FontManager& manager, const FontFile& file, const std::string& content) {
-    if (const auto error = manager.vault.Store(file, content))
-        throw CommandError(GFontActivationManager::kOSFileSystemError,
-                           "cannot be copied into the vault: " + platform::SystemErrorText(error));
-}
+/// A font file's way into the vault, which it leaves again when nothing comes of the command.
+class VaultAddition {
+public:
+    explicit VaultAddition(const FontVault& vault) : mVault(vault) {}
+    ~VaultAddition() {
+        if (mFile)
+            mVault.Remove(*mFile);
+    }
+    VaultAddition(const VaultAddition&) = delete;
+    VaultAddition& operator=(const VaultAddition&) = delete;
+
+    void Store(const FontFile& file, const std::string& content) {
+        if (!mVault.Has(file))
+            mFile = file;
+        if (const auto error = mVault.Store(file, content))
+            throw CommandError(GFontActivationManager::kOSFileSystemError,
+                               platform::WriteFailureText(mVault.PathOf(file), error));
+    }
+    void Keep() { mFile.reset(); }
+
+private:
+    const FontVault& mVault;
+    std::optional<FontFile> mFile;  ///< one that was not there before
+};
 
 /// A file that is known already; its copy in the vault is made good if need be. The file's ID.
-int64_t AddAgain(FontManager& manager, const FontFile& file, const std::string& content) {
+int64_t AddAgain(FontManager& manager, const FontFile& file, const std::string& content,
+                 VaultAddition& addition) {
     if (!manager.vault.Has(file))
-        StoreInVault(manager, file, content);
+        addition.Store(file, content);
     manager.fonts.SetFileMissing(file.id, false);
     return file.id;
 }
 
-int64_t AddNew(CommandContext& context, FontFile& file, const std::string& content) {
+int64_t AddNew(CommandContext& context, FontFile& file, const std::string& content, VaultAddition& addition) {
     std::string reason;
     const std::vector<FontFace> faces = context.manager.scanner.Scan(content, reason);
     context.audience.KeepAlive();
@@ -62,7 +82,7 @@ int64_t AddNew(CommandContext& context, FontFile& file, const std::string& conte
                            reason);
     file.extension = FontFileExtension(file.name, faces);
     file.size = content.size();
-    StoreInVault(context.manager, file, content);
+    addition.Store(file, content);
     return context.manager.fonts.Add(file, faces);
 }
 
@@ -76,13 +96,16 @@ Json AddFile(CommandContext& context, const Json& arguments) {
     file.name = platform::Utf8Text(platform::Utf8Path(path).filename());
     context.audience.KeepAlive();
 
+    VaultAddition addition(manager.vault);  // outlives the transaction, as a record must not its file
     Transaction transaction(manager.database);
     const Workgroup workgroup = TargetWorkgroup(context, arguments);
     const auto known = manager.fonts.FindFile(file.checksum);
-    const int64_t fileID = known ? AddAgain(manager, *known, content) : AddNew(context, file, content);
+    const int64_t fileID =
+        known ? AddAgain(manager, *known, content, addition) : AddNew(context, file, content, addition);
     for (const Font& font : manager.fonts.FontsOfFile(fileID))
         manager.workgroups.AddFont(workgroup.id, font.id);
     transaction.Commit();
+    addition.Keep();
     if (!known)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
     return {{"fonts", FontRecords(manager, manager.fonts.FontsOfFile(fileID))},

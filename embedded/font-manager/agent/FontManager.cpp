@@ -28,7 +28,8 @@ FontManager::FontManager(const Locations& places)
       vault(places.vaultFolder),
       activeFonts(MakeActiveFonts(places.linkFolder, vault)),
       previews(places.previewFolder, vault) {
-    if (PrepareSchema(database) && vault.IsEmpty())
+    PrepareSchema(database);
+    if (!settings.OwnsVault() && vault.IsEmpty())  // what comes into it from now on is this database's
         settings.NoteOwnVault();
 }
 
@@ -40,6 +41,7 @@ ActiveFonts::Repairs FontManager::RepairActiveFonts() {
     const ActiveFonts::Repairs repairs = activeFonts->Repair(fonts.ActiveFiles());
     for (const FontFile& file : repairs.missing)
         fonts.SetFileMissing(file.id, true);
+    mNeedsRepair = !repairs.problem.empty();
     return repairs;
 }
 

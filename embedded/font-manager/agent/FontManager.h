@@ -31,6 +31,8 @@ public:
     int SweepVault();
     /// Makes what programs see agree with the records.
     ActiveFonts::Repairs RepairActiveFonts();
+    /// Whether that failed the last time, so that it is to be tried again.
+    bool NeedsRepair() const { return mNeedsRepair; }
     /// Ends the leases of processes that are gone, and forgets what they were answered.
     ActivationChanges EndLeasesOfDeadProcesses();
     /// Ends the leases that the host's requests from `first` to `last` took.
@@ -54,6 +56,9 @@ public:
     const std::unique_ptr<ActiveFonts> activeFonts;
     PreviewFolder previews;
     FontScanner scanner;
+
+private:
+    bool mNeedsRepair = false;
 };
 
 }  // namespace pellwick

@@ -36,7 +36,7 @@ Server::~Server() {
         platform::RemoveFile(mManager.locations.addressPath);
 }
 
-bool Server::Listen() {
+bool Server::Listen(std::string& problem) {
     for (const std::string& address :
          platform::LocalStreamAddresses("Vantorix", "Pellwick", mManager.locations.dataFolder)) {
         const platform::SystemError error = mAcceptor.Listen(address);
@@ -45,8 +45,14 @@ bool Server::Listen() {
             continue;
         }
         mAddress = address;
-        return !platform::WriteWholeFile(mManager.locations.addressPath, mAddress);
+        const std::string& path = mManager.locations.addressPath;
+        const platform::SystemError failure = platform::WriteWholeFile(path, mAddress);
+        if (failure)
+            problem = platform::WriteFailureText(path, failure);
+        return !failure;
     }
+    problem = "there is no address where the agent can listen; Pellwick.log in " +
+              mManager.locations.logFolder + " says why";
     return false;
 }
 
@@ -74,7 +80,8 @@ std::string Server::Answer(Client& client, const Json& request) {
     CommandContext context{mManager, client, *this};
     const CommandAnswer answer = AnswerRequest(mCommands, context, request);
     if (answer.code != CoreErrorCodes::kSuccess)
-        mLog.Write(StringMember(request, "method") + ": " + ErrorCodeToName(answer.code) + "\n");
+        mLog.Write(StringMember(request, "method") + ": " + ErrorCodeToName(answer.code) + ": " +
+                   answer.problem + "\n");
     if (mStopsAfterCommand)
         asio::post(mLoop, [this] { Stop(); });
     if (mSweepDelay.count() == 0)
@@ -138,9 +145,14 @@ void Server::SweepLeases() {
     bool isAnyLeft = true;
     try {
         AnnounceChanges(*this, mManager.EndLeasesOfDeadProcesses());
-        isAnyLeft = !mManager.activations.Hosts().empty();
+        if (mManager.NeedsRepair())
+            mManager.RepairActiveFonts();
+        isAnyLeft = mManager.NeedsRepair() || !mManager.activations.Hosts().empty();
+        mSweepFailure.clear();
     } catch (const DatabaseError& error) {
-        mLog.Write(std::string("ending leases: ") + error.what() + "\n");
+        if (mSweepFailure != error.what())
+            mLog.Write(std::string("ending leases: ") + error.what() + "\n");
+        mSweepFailure = error.what();
     }
     if (isAnyLeft)
         SweepLeasesIn(std::min(mSweepDelay * 2, kLongestSweepDelay));

@@ -23,8 +23,9 @@ public:
     Server(FontManager& manager, LogFile& log);
     ~Server() override;
 
-    /// Listens at the first address that can be had and writes the address down. False when there is none.
-    bool Listen();
+    /// Listens at the first address that can be had and writes the address down. False when that cannot be
+    /// done; `problem` then tells people.
+    bool Listen(std::string& problem);
     const std::string& Address() const { return mAddress; }
     /// Serves until the agent is told to stop.
     void Run();
@@ -56,6 +57,7 @@ private:
     std::set<std::shared_ptr<Session>> mSessions;
     std::string mAddress;
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
+    std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;
     bool mIsStopping = false;

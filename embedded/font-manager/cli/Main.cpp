@@ -153,6 +153,15 @@ void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chose
                [&](Session&) { return WriteLaunchInfo(arguments.options); });
 }
 
+/// Results that nobody got are no results.
+ExitStatus AfterOutput(ExitStatus status) {
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (isWritten || status != kExit_Done)
+        return status;
+    throw Failure(kExit_CouldNot,
+                  "done, but the results cannot be written to standard output; see whether its disk is full");
+}
+
 int Run(int count, char** words) {
     CLI::App app("Pellwick, the font manager: without a command, its agent.", "Pellwick");
     Arguments arguments;
@@ -178,7 +187,7 @@ int Run(int count, char** words) {
         return app.exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
     Session session(arguments.options);
-    return chosen(session);
+    return AfterOutput(chosen(session));
 }
 
 }  // namespace

@@ -88,9 +88,7 @@ ExitStatus WriteLaunchInfo(const Options& options) {
         error = platform::WriteWholeFile(locations.launchInfoPath,
                                          "pellwick.path=" + program + "\npellwick.args=serve\n");
     if (error)
-        throw Failure(kExit_CouldNot, "cannot write " + locations.launchInfoPath + " (" +
-                                          platform::SystemErrorText(error) +
-                                          "); set XDG_DATA_HOME to a folder of yours");
+        throw Failure(kExit_CouldNot, platform::WriteFailureText(locations.launchInfoPath, error));
     if (options.json)
         PrintJson({{"file", locations.launchInfoPath}, {"agent", program}});
     else

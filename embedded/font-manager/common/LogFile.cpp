@@ -12,8 +12,6 @@ bool LogFile::Open(const std::string& path) {
     const std::lock_guard guard(mFileLock);
     mFile.close();
     mPath = path;
-    std::error_code failure;
-    std::filesystem::create_directories(platform::Utf8Path(path).parent_path(), failure);
     OpenForAppending();
     return mFile.is_open();
 }
@@ -25,15 +23,20 @@ bool LogFile::IsOpen() {
 
 void LogFile::Write(std::string_view text) {
     const std::lock_guard guard(mFileLock);
-    if (!mFile.is_open())
+    if (mPath.empty())
         return;
+    if (!mFile.is_open())
+        OpenForAppending();
     RotateIfFull();
+    mFile.clear();  // what failed while the disk was full may work again
     mFile.write(text.data(), static_cast<std::streamsize>(text.size()));
     mFile.flush();
     mSize += text.size();
 }
 
 void LogFile::OpenForAppending() {
+    std::error_code failure;
+    std::filesystem::create_directories(platform::Utf8Path(mPath).parent_path(), failure);
     mFile = std::ofstream(platform::Utf8Path(mPath), std::ios::binary | std::ios::app);
     uint64_t size = 0;
     mSize = platform::FileSize(mPath, size) ? 0 : size;

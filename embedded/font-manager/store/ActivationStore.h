@@ -29,7 +29,7 @@ struct LeaseTerms {
     HostProcess host;
     LeasePurpose purpose = LeasePurpose::kDocument;
     std::string document{};  ///< empty for purposes that have nothing to do with one
-    long long request = 0;  ///< the host's request that takes the lease; 0 for none that could be undone
+    long long request = 0;   ///< the host's request that takes the lease; 0 for none that could be undone
 };
 
 /// Throws DatabaseError.

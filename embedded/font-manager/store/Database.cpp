@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "platform/SystemError.h"
+
 namespace pellwick {
 namespace {
 
@@ -33,8 +35,23 @@ ErrorCode CodeOf(int sqliteCode) {
     }
 }
 
+/// For people: SQLite's own texts say neither which file it is nor what to do.
+std::string MessageOf(const std::string& path, sqlite3* database, int code) {
+    const char* text = database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code);
+    switch (code & 0xFF) {
+        case SQLITE_FULL:
+            return platform::WriteFailureText(path, platform::kDiskFull);
+        case SQLITE_IOERR:
+        case SQLITE_CANTOPEN:  // which of the two, it does not keep
+            return path + " cannot be read or written (" + text +
+                   "); see whether its disk is full, faulty or closed to you, and try again";
+        default:
+            return text;
+    }
+}
+
 [[noreturn]] void Throw(sqlite3* database, int code) {
-    throw DatabaseError(CodeOf(code), database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code));
+    throw DatabaseError(CodeOf(code), MessageOf(sqlite3_db_filename(database, "main"), database, code));
 }
 
 void Check(sqlite3* database, int code) {
@@ -100,7 +117,8 @@ Database::Database(const std::string& path) {
     const int code = sqlite3_open_v2(
         path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     mDatabase.reset(database);
-    Check(database, code);
+    if (code != SQLITE_OK)
+        throw DatabaseError(CodeOf(code), MessageOf(path, database, code));
     sqlite3_extended_result_codes(database, 1);
     sqlite3_busy_timeout(database, 1000);
 }

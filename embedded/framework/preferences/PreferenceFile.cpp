@@ -1,7 +1,6 @@
 #include "preferences/PreferenceFile.h"
 
 #include <chrono>
-#include <fstream>
 #include <optional>
 #include <thread>
 
@@ -34,13 +33,12 @@ std::optional<nlohmann::json> ParsePreferences(const std::string& bytes) {
     return parsed;
 }
 
-bool CanMakeFilesIn(const std::string& folder) {
-    const std::filesystem::path probe =
-        platform::Utf8Path(folder + platform::kPathSeparator + kFileName + ".probe");
-    const bool isMade = std::ofstream(probe).is_open();
-    std::error_code ignored;
-    std::filesystem::remove(probe, ignored);
-    return isMade;
+/// Under a name that is swept like those of abandoned writes.
+platform::SystemError TryToMakeFileIn(const std::string& folder) {
+    std::string probe;
+    const auto error =
+        platform::WriteTemporaryFile(folder, std::string(kFileName) + ".writing-", "", "", probe);
+    return error ? error : platform::RemoveFile(probe);
 }
 
 }  // namespace
@@ -82,10 +80,14 @@ bool PreferenceFile::IsUsable() {
     if (mFolder.empty())
         return false;
     if (const platform::SystemError error = platform::MakeFolders(mFolder, true)) {
-        ReportOnce("cannot make '" + mFolder + "': " + platform::SystemErrorText(error));
+        ReportOnce(platform::WriteFailureText(mFolder, error));
         return false;
     }
-    return CanMakeFilesIn(mFolder) && Refresh() != State::kUnreadable;
+    if (const platform::SystemError error = TryToMakeFileIn(mFolder)) {
+        ReportOnce(platform::WriteFailureText(mPath, error));
+        return false;
+    }
+    return Refresh() != State::kUnreadable;
 }
 
 // Reading a few kilobytes costs microseconds, and comparing the bytes cannot miss a change as comparing times
@@ -134,9 +136,9 @@ bool PreferenceFile::SetAside() {
         if (std::filesystem::exists(std::filesystem::symlink_status(platform::Utf8Path(aside), failure)))
             continue;
         std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(aside), failure);
-        ReportOnce("'" + mPath + "' is no preference file and " +
-                   (failure ? "cannot be set aside: " + platform::SystemErrorText(failure)
-                            : "was set aside as '" + aside + "'"));
+        ReportOnce("'" + mPath + "' is no preference file" +
+                   (failure ? "; " + platform::WriteFailureText(aside, {failure.value()})
+                            : " and was set aside as '" + aside + "'"));
         return !failure;
     }
     ReportOnce("'" + mPath + "' is no preference file; too many like it are set aside already");
@@ -155,7 +157,8 @@ bool PreferenceFile::AcquireLock(platform::FileLock& lock) {
         error = {};
         std::this_thread::sleep_for(kPauseBetweenAttempts);
     }
-    ReportOnce("cannot lock '" + mPath + "': " + platform::SystemErrorText(error));
+    ReportOnce(error.IsHeldByOther() ? mPath + " is in use by a program that does not let go of it"
+                                     : platform::WriteFailureText(mPath, error));
     return false;
 }
 
@@ -173,7 +176,7 @@ bool PreferenceFile::Write(nlohmann::json content) {
         return false;
     }
     if (const platform::SystemError error = platform::WriteWholeFile(mPath, bytes)) {
-        ReportOnce("cannot write '" + mPath + "': " + platform::SystemErrorText(error));
+        ReportOnce(platform::WriteFailureText(mPath, error));
         return false;
     }
     mBytes = std::move(bytes);

@@ -1,11 +1,14 @@
 // Uses the framework as a host does, for tests that kill it or look at its log.
 //
-//   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers; prints each once
-//   stored framework-preferences-program LIBRARY start             what a plug-in does at its start
+//   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers and prints each
+//   framework-preferences-program LIBRARY start             what a plug-in does at its start
+//   framework-preferences-program LIBRARY obey              answers the lines usable, store NUMBER and read
 #include <CoreFoundation++/CFRef.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
+#include <string>
 #include <string_view>
 
 #include "VantorixPluginFramework.h"
@@ -47,6 +50,21 @@ int Start(VantorixPluginFramework& framework) {
     return 0;
 }
 
+int Obey(VantorixPluginFramework& framework) {
+    for (std::string line; std::getline(std::cin, line);) {
+        int64_t answer = 0;
+        if (line == "usable")
+            answer = framework.IsPreferenceStoreUsable() ? 1 : 0;
+        else if (line == "read")
+            answer = framework.GetIntPreference("number");
+        else
+            answer = framework.SetIntPreference("number", std::atoll(line.c_str() + line.find(' '))) ? 1 : 0;
+        std::printf("%lld\n", static_cast<long long>(answer));
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -54,7 +72,9 @@ int main(int argc, char** argv) {
     if (framework == nullptr)
         return 2;
     const bool isCounting = argc == 5 && std::string_view(argv[2]) == "count";
-    const int result = isCounting ? Count(*framework, argv[3], std::atoi(argv[4])) : Start(*framework);
+    const int result = isCounting                            ? Count(*framework, argv[3], std::atoi(argv[4]))
+                       : std::string_view(argv[2]) == "obey" ? Obey(*framework)
+                                                             : Start(*framework);
     framework->Release();
     return result;
 }

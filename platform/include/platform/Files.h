@@ -61,7 +61,8 @@ bool IsExistingFile(const std::string& path);
 /// The whole file. `sizeLimit` in bytes guards against surprises: a larger file is refused.
 SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit);
 /// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
-/// one: temporary name, flush, rename, flush of the folder. The file is for this user only.
+/// one: temporary name, flush, rename, flush of the folder. Where that last flush fails, a reader finds the
+/// new content, but the system may yet lose it. The file is for this user only.
 SystemError WriteWholeFile(const std::string& path, std::string_view content);
 /// Copies the regular file `source` to a name that is free. A reader, or a system that stops half-way, finds
 /// the whole copy or none: temporary name in the same folder, flush, rename, flush of the folder. What stands

@@ -17,9 +17,14 @@ struct SystemError {
     /// This user, or nobody, may do that there.
     bool IsNotPermitted() const;
     bool IsPathTooLong() const;
+    /// There is no room left, or the user may not have more.
+    bool IsDiskFull() const;
     /// Another process has the file or the lock now; a later attempt may succeed.
     bool IsHeldByOther() const;
 };
+
+/// That of a write for which there is no room.
+extern const SystemError kDiskFull;
 
 /// The calling thread's last error.
 SystemError LastSystemError();
@@ -29,5 +34,8 @@ SystemError LastSystemError();
 std::string SystemErrorText(SystemError error);
 /// The same for an error of the C++ library.
 std::string SystemErrorText(const std::error_code& error);
+
+/// What happened, and what to do about it, where the file at `path`, UTF-8, could not be written.
+std::string WriteFailureText(const std::string& path, SystemError error);
 
 }  // namespace platform

@@ -23,6 +23,17 @@ TEST(PosixAgent, EndsInOrderOnASignal) {
     }
 }
 
+TEST(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
+    TestWorld world;
+    world.StartAgent();
+    const ProgramResult result =
+        TestProcess({"/bin/sh", "-c", "exec '" PELLWICK_PROGRAM "' status >/dev/full"}).Finish();
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors,
+              "Pellwick: done, but the results cannot be written to standard output; see whether its disk is"
+              " full\n");
+}
+
 TEST(PosixAgent, LetsNoOtherUserIn) {
     if (getuid() != 0)
         GTEST_SKIP() << "only root can become somebody else";

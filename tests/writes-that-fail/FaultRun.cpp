@@ -1,0 +1,136 @@
+#include "FaultRun.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <new>
+#include <stdexcept>
+
+#include "platform/Environment.h"
+
+namespace {
+
+constexpr Fault kNoFault{"none", FaultPlan::kNothing, false};
+constexpr std::array<Fault, 5> kFaults = {{{"disk full once", FaultPlan::kDiskFull, false},
+                                           {"disk stays full", FaultPlan::kDiskFull, true},
+                                           {"I/O error once", FaultPlan::kInputOutputError, false},
+                                           {"I/O errors from then on", FaultPlan::kInputOutputError, true},
+                                           {"killed after it", FaultPlan::kKill, false}}};
+
+struct Tally {
+    int good = 0;
+    int all = 0;
+};
+
+/// What all tests of this process came to.
+class Totals : public testing::Environment {
+public:
+    void Note(const Fault& fault, bool isGood) {
+        Tally& tally = mTallies[fault.name];
+        tally.good += isGood ? 1 : 0;
+        ++tally.all;
+    }
+    void TearDown() override {
+        for (const auto& [fault, tally] : mTallies)
+            std::printf("%-26s%5d of %d\n", fault.c_str(), tally.good, tally.all);
+    }
+
+private:
+    std::map<std::string, Tally> mTallies;
+};
+
+Totals& AllTotals() {
+    static Totals* const totals = static_cast<Totals*>(testing::AddGlobalTestEnvironment(new Totals));
+    return *totals;
+}
+const Totals& theTotals = AllTotals();  // before the tests run
+
+int FailureCount() {
+    return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+}
+
+bool MeetsEveryFault() {
+    return !platform::EnvironmentVariable("PLUGINCORE_EVERY_FAULT").empty();
+}
+
+/// Every other call and one kind of fault for it, each in turn.
+bool IsInSample(int at, size_t kind) {
+    return at % 2 == 1 && static_cast<size_t>(at / 2) % kFaults.size() == kind;
+}
+
+}  // namespace
+
+FaultControl::FaultControl(const std::string& path) : mPath(path) {
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    void* memory = file >= 0 && ftruncate(file, sizeof(FaultPlan)) == 0
+                       ? mmap(nullptr, sizeof(FaultPlan), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
+                       : MAP_FAILED;
+    close(file);
+    if (memory == MAP_FAILED)
+        throw std::runtime_error("no shared memory at " + path);
+    mPlan = new (memory) FaultPlan{};
+}
+
+FaultControl::~FaultControl() {
+    munmap(mPlan, sizeof(FaultPlan));
+}
+
+void FaultControl::Begin(const Fault& fault, int at) {
+    End();
+    mPlan->at = at;
+    mPlan->lasts = fault.lasts;
+    mPlan->count = 0;
+    mPlan->failedCalls = 0;
+    mPlan->keptFile = false;
+    mPlan->where[0] = '\0';
+    mPlan->kind = at != 0 ? fault.kind : FaultPlan::kNothing;
+}
+
+void FaultControl::End() {
+    mPlan->kind = FaultPlan::kNothing;
+    mCount = mPlan->count;
+}
+
+FaultyStart::FaultyStart(const FaultControl& faults, const std::string& folder) {
+    platform::SetEnvironment("LD_PRELOAD", FAILING_WRITES_LIBRARY);
+    platform::SetEnvironment("FAILING_WRITES_PLAN", faults.Path());
+    platform::SetEnvironment("FAILING_WRITES_BELOW", std::filesystem::weakly_canonical(folder).string());
+}
+
+FaultyStart::~FaultyStart() {
+    for (const char* variable : {"LD_PRELOAD", "FAILING_WRITES_PLAN", "FAILING_WRITES_BELOW"})
+        platform::SetEnvironment(variable, "");
+}
+
+void MeetEveryFault(const std::string& name, FaultControl& faults,
+                    const std::function<void(const Fault&, int)>& attempt) {
+    attempt(kNoFault, 0);
+    const int calls = faults.Count();
+    ASSERT_GT(calls, 0) << name << ": no write was seen";
+    Tally tally;
+    const int first = static_cast<int>(name.size());  // not the same sample for all
+    for (int at = 1; at <= calls; ++at) {
+        for (size_t kind = 0; kind < kFaults.size(); ++kind) {
+            if (!MeetsEveryFault() && !IsInSample(at + first, kind))
+                continue;
+            const int failures = FailureCount();
+            {
+                const testing::ScopedTrace trace(
+                    __FILE__, __LINE__, name + ", call " + std::to_string(at) + ": " + kFaults[kind].name);
+                attempt(kFaults[kind], at);
+            }
+            const bool isGood = FailureCount() == failures;
+            AllTotals().Note(kFaults[kind], isGood);
+            tally.good += isGood ? 1 : 0;
+            ++tally.all;
+        }
+    }
+    std::printf("%s: %d writes, flushes and renames; %d of %d faults\n", name.c_str(), calls, tally.good,
+                tally.all);
+}
