@@ -177,7 +177,7 @@ size_t FaultyStore::FailureLines() const {
     size_t count = 0;
     for (std::string line; std::getline(log, line);) {
         const bool isOfStartOrEnd =
-            line.starts_with("Pellwick ") || line.find(" put right: ") != std::string::npos;
+            line.starts_with("Pellwick") || line.find(" put right: ") != std::string::npos;
         count += isOfStartOrEnd ? 0 : 1;
     }
     return count;
