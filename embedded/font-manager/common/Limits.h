@@ -19,6 +19,8 @@ constexpr std::chrono::milliseconds kAnswerLimit{2000};
 /// How long a host waits for an answer, however many signs of life there are; also all that calls wait
 /// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
 constexpr std::chrono::milliseconds kCallLimit{4700};
+/// A host that pauses for so long after an answer has done something else than to wait for the next one.
+constexpr std::chrono::milliseconds kHostPause{10};
 /// How long an agent that was waited for in vain is given to show that it is well again.
 constexpr std::chrono::milliseconds kStalledLimit{200};
 /// The agent gives a sign of life this often while a command takes longer.

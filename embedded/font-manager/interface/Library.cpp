@@ -68,6 +68,8 @@ ErrorCode Library::Call(PluginFacadeRef facade, const char* method, const Json& 
 
 ErrorCode Library::CallConnected(const char* method, const Json& arguments, Clock::time_point begin,
                                  Json& result) {
+    if (mLastAnswer && begin - *mLastAnswer > kHostPause)
+        mEndOfPatience = {};
     ErrorCode code = Greet(begin);
     if (code == CoreErrorCodes::kSuccess) {
         mIsStalled = false;
@@ -78,9 +80,11 @@ ErrorCode Library::CallConnected(const char* method, const Json& arguments, Cloc
         } else {
             mUnanswered.reset();
             mLastTaken = request.id;
+            mLastAnswer = Clock::now();
         }
     }
     if (mConnection->HasTimedOut()) {
+        mLastAnswer.reset();
         if (Clock::now() >= mEndOfPatience)
             mEndOfPatience = begin + kCallLimit;
         mIsStalled = true;

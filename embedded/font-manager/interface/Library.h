@@ -64,6 +64,7 @@ private:
     long long mLastID;
     long long mLastTaken = 0;  ///< the last request whose answer arrived
     std::optional<Unanswered> mUnanswered;
+    std::optional<Clock::time_point> mLastAnswer;  ///< when it came, unless there was a wait in vain since
     bool mIsStalled = false;  ///< the agent has given no sign of life since a wait for it was over
     Clock::time_point
         mEndOfPatience{};  ///< of the last call that waited in vain, and of those that follow it
