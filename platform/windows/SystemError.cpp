@@ -6,6 +6,10 @@
 
 namespace platform {
 
+namespace {
+constexpr int kDiskQuotaExceeded = 1295;  // ERROR_DISK_QUOTA_EXCEEDED, which MinGW's header does not have
+}
+
 const SystemError kDiskFull{ERROR_DISK_FULL};
 
 bool SystemError::IsNotFound() const {
@@ -26,7 +30,7 @@ bool SystemError::IsPathTooLong() const {
 }
 
 bool SystemError::IsDiskFull() const {
-    return code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL || code == ERROR_DISK_QUOTA_EXCEEDED;
+    return code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL || code == kDiskQuotaExceeded;
 }
 
 bool SystemError::IsHeldByOther() const {

@@ -89,7 +89,8 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
 
 void CommandContext::KeepAnswer(const Json& answer) {
     if (client.isHost)
-        manager.activations.KeepAnswer(client.process, request, answer.dump());
+        manager.activations.KeepAnswer(client.process, request,
+                                       answer.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 void RequireLogIn(CommandContext& context) {

@@ -93,7 +93,7 @@ bool CoreAgentInterface::RelaunchWithUserRetry() {
 }
 
 void CoreAgentInterface::LoseServices() {
-    mHasLostServices = mHasLostServices || MarquellGlobals::ArePluginServicesEnabled();
+    mHasLostServices = mHasLostServices || MarquellGlobals::IsConnectedToCore();
     DisablePluginServices();
 }
 
@@ -110,21 +110,26 @@ ErrorCode CoreAgentInterface::GiveUp(ErrorCode code) {
     return code;
 }
 
-void CoreAgentInterface::OnUserAction() {
+bool CoreAgentInterface::OnUserAction() {
     if (mIsQuitting || mIsRecovering)
-        return;
+        return false;
     mHasGivenUp = false;
-    if (!mHasLostServices || !CanReachAgent())
-        return;
-    LogMessage(0, "The agent can be reached again.  Enabling plugin functionality");
-    mHasLostServices = false;
+    bool disablesDialogs = false;
+    if (!mHasLostServices || !CanReachAgent() ||
+        !MarquellGlobals::RunningInCompatibleHostApp(disablesDialogs))
+        return false;
     OnAgentBack();
     const bool isLoggedIn = IsLoggedIn();
+    if (!mIsReachable)
+        return false;
+    LogMessage(0, "The agent can be reached again.  Enabling plugin functionality");
+    mHasLostServices = false;
     MarquellGlobals::SetLoggedIn(isLoggedIn);
     MarquellGlobals::SetPluginServicesEnabled(isLoggedIn);
     MarquellGlobals::SetConnectedToCore(true);
     if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
         hostApp->OnWorkgroupsChanged();
+    return true;
 }
 
 bool CoreAgentInterface::IsReachable() {

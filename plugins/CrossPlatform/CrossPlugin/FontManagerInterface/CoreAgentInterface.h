@@ -23,8 +23,8 @@ public:
     virtual ~CoreAgentInterface() = default;
 
     /// The user does something in the host: if an agent is lost for it, there may be a question again.
-    /// Services that went off with the agent come on again if it can be reached.
-    void OnUserAction();
+    /// Services that went off with the agent come on again if it can be reached: true when they did.
+    bool OnUserAction();
     /// From now on nothing is asked, and a dead agent started once at most.
     void BeginQuitting() { mIsQuitting = true; }
 
@@ -152,7 +152,7 @@ private:
     bool mIsRecovering = false;     ///< a lost agent is being brought back; dialogs may show
     bool mIsReachable = true;       ///< when last asked
     bool mHasGivenUp = false;       ///< since the user last did something
-    bool mHasLostServices = false;  ///< they were on, and went off with the agent
+    bool mHasLostServices = false;  ///< they went off with the agent
     bool mHasActivatedFonts = false;
     bool mIsQuitting = false;
     bool mHasLaunchedWhileQuitting = false;

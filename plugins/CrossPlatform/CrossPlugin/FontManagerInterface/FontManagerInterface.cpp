@@ -90,8 +90,8 @@ bool FontManagerInterface::IsUsable() {
 }
 
 void FontManagerInterface::OnUserAction() {
-    if (sm_pFontManager)
-        sm_pFontManager->OnUserAction();
+    if (sm_pFontManager && sm_pFontManager->OnUserAction() && !mDefaultWorkgroupID)
+        InitializeDefaultWorkgroup();
     CatchUp();
 }
 

@@ -20,7 +20,7 @@ public:
     /// Not owned; null for none.
     void SetReceiver(NotificationReceiver* receiver) { mReceiver = receiver; }
 
-    /// Reacts to what waits in the shared queue, in the order in which it came; what comes meanwhile waits
+    /// Reacts to what waits in the shared queue, in its order; what comes meanwhile waits
     /// for the next call. A call from behind a dialog that a reaction shows does nothing. 0, or the last code
     /// with which the receiver failed.
     ErrorCode ProcessNotifications();

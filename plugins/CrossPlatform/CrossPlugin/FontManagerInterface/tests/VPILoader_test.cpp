@@ -97,6 +97,7 @@ protected:
         EXPECT_EQ(fontManager.GetFontManager(), nullptr);
         EXPECT_EQ(fontManager.ActivateDocumentFonts("/a.ai", {}, nullptr), kErrorMarquellNotRunning);
         EXPECT_FALSE(fontManager.IsLoggedIn());
+        SetLogFile("host.log");
     }
 };
 
