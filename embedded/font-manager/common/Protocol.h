@@ -23,7 +23,7 @@
 namespace pellwick {
 
 /// Goes up with every change that an older client or agent would not understand.
-constexpr int kProtocolVersion = 2;
+constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
 constexpr int kSchemaVersion = 3;
 

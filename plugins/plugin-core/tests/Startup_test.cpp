@@ -379,6 +379,25 @@ TEST_F(StartupTest, WithoutAChoiceServicesStayOffUntilTheHostAsks) {
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
 }
 
+// ---- A font manager that does not go with the core
+
+TEST_F(StartupTest, NothingOfALibraryOfAnotherVersionIsCalled) {
+    versions.values[{fake_paths::kInterfaceLibrary, "PrivateBuild"}] = "7.0.0.0";
+    versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.0.0.0";
+    framework.numbers["EnableLogging"] = 1;
+    EXPECT_EQ(Start(), kFailed);
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    bool isEnabled = true;
+    EXPECT_EQ(CheckPluginIsEnabled(true, isEnabled), CoreErrorCodes::kUnknownError);
+    EXPECT_FALSE(isEnabled);
+    fontManager.OnUserAction();
+    EXPECT_FALSE(fontManager.IsUsable());
+    EXPECT_FALSE(fontManager.IsLoggedIn());
+    EXPECT_EQ(fontManager.OnIdle(), 0u);
+    EXPECT_FALSE(fontManager.CompatibleFontManagerIsRunning()) << "nor the second time";
+    EXPECT_TRUE(library.calls.empty()) << library.calls.front();
+}
+
 // ---- Whether the plug-in is enabled
 
 class PluginIsEnabledTest : public StartupTest {
