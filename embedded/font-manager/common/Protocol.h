@@ -7,13 +7,13 @@
 // {"goodbye": true} is the last thing an agent says before it ends.
 //
 // Answers get lost when either side dies or a client gives up. A request is not begun once its client has
-// closed the connection. The IDs of a host's requests rise, over all its connections. The fonts that a
-// request activated are the host's only once it took the answer: such an answer has {"provisional": true} and
-// is acknowledged with
-// {"taken": ID}; the greeting of the host's next connection names the last answer that it took, in "taken".
-// What later requests activated is undone by that greeting, or by the end of the connection. A request that
-// is sent again has the ID that it had and {"repeated": true}, and is answered as it was, or would have been,
-// the first time.
+// closed the connection. The IDs of a host's requests rise, over all its connections. Fonts that a request
+// activated are the host's only once it took the answer: such an answer has {"provisional": true} and is
+// acknowledged with {"taken": ID}; the greeting of the host's next connection names the last answer that it
+// took, in "taken". What later requests activated is undone by that greeting, or by the end of the
+// connection. To a client that says nothing of answers taken, fonts belong at once. A request that is sent
+// again has the ID that it had and {"repeated": true}, and is answered as it was, or would have been, the
+// first time.
 #pragma once
 
 #include <cstdint>
