@@ -1,5 +1,6 @@
 #include "platform/LocalStream.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -101,6 +102,8 @@ asio::error_code LocalStream::Connect(const std::string& address, Deadline, cons
         return asio::error::name_too_long;
     Protocol::socket& socket = mState->socket;
     socket.open(Protocol(), failure);
+    if (!failure && fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC) != 0)
+        failure.assign(errno, std::system_category());
     if (!failure)
         socket.non_blocking(true, failure);
     if (!failure)
@@ -161,6 +164,8 @@ bool LocalStream::IsOpen() const {
 
 void LocalStream::Close() {
     asio::error_code ignored;
+    // A process that was forked meanwhile may hold the socket as well; the other end is to know all the same.
+    mState->socket.shutdown(Protocol::socket::shutdown_both, ignored);
     mState->socket.close(ignored);
 }
 

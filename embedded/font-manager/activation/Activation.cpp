@@ -5,6 +5,14 @@
 #include "FontRecordKeys.h"
 
 namespace pellwick {
+namespace {
+
+void RemoveAll(std::vector<uint32_t>& fonts, const std::vector<uint32_t>& others) {
+    const std::set<uint32_t> unwanted(others.begin(), others.end());
+    std::erase_if(fonts, [&](uint32_t font) { return unwanted.count(font) != 0; });
+}
+
+}  // namespace
 
 Activation::Activation(Database& database, FontStore& fonts, ActivationStore& activations,
                        ActiveFonts& active)
@@ -111,6 +119,10 @@ ActivationChanges Activation::Commit() {
             mActive.Remove(file);
     }
     mActive.AnnounceChanges();
+    // What was released and taken again in one go has not changed.
+    const std::vector<uint32_t> activated = mChanges.activated;
+    RemoveAll(mChanges.activated, mChanges.deactivated);
+    RemoveAll(mChanges.deactivated, activated);
     return std::move(mChanges);
 }
 

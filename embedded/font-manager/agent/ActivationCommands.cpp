@@ -16,7 +16,9 @@ namespace {
 class LeasedFonts {
 public:
     LeasedFonts(CommandContext& context, std::string document)
-        : mContext(context), mDocument(std::move(document)), mActivation(context.manager.BeginActivation()) {}
+        : mContext(context), mDocument(std::move(document)), mActivation(context.manager.BeginActivation()) {
+        context.UndoWhatWasNotTaken(mActivation);  // perhaps of the same request; then the files stay
+    }
 
     /// False when the font's file is gone.
     bool Lease(const Font& font) {
@@ -35,8 +37,10 @@ public:
     const Json& Before(uint32_t fontID) const { return mMatched[mPositions.at(fontID)]; }
 
     Json Commit() {
-        AnnounceChanges(mContext.audience, mActivation.Commit());
         mContext.MakeProvisional();
+        const ActivationChanges changes = mActivation.Commit();
+        mContext.NoteUndone();
+        AnnounceChanges(mContext.audience, changes);
         return mMatched;
     }
 

@@ -1,5 +1,6 @@
 #include "agent/Commands.h"
 
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
@@ -14,10 +15,13 @@ Json Failure(const char* message) {
 
 /// What the request came to when it was made before; nothing where that is not kept.
 std::optional<Json> EarlierAnswer(CommandContext& context, const Json& request) {
-    if (!BoolMember(request, "repeated"))
+    const long long repeats = IntegerMember(request, "repeats");
+    const auto answer =
+        repeats != 0 ? context.manager.activations.FindAnswer(context.client.process, repeats) : std::nullopt;
+    if (!answer)
         return std::nullopt;
-    const auto answer = context.manager.activations.FindAnswer(context.client.process, context.request);
-    return answer ? std::optional(Json::parse(*answer)) : std::nullopt;
+    context.manager.activations.KeepAnswer(context.client.process, context.request, *answer);
+    return Json::parse(*answer);
 }
 
 ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& request, Json& result) {
@@ -48,12 +52,15 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
     }
 }
 
-std::string AnswerFrame(const CommandContext& context, ErrorCode code, const Json& result) {
+/// `code` becomes that of an answer that is too large.
+std::string AnswerFrame(const CommandContext& context, ErrorCode& code, const Json& result) {
     const long long id = context.request;
     Json message = {{"id", id}, {"code", code}, {"result", result}};
-    if (id != 0 && context.client.provisionalRequest == id)
+    if (code == CoreErrorCodes::kSuccess && id != 0 && context.client.provisionalRequest == id)
         message["provisional"] = true;
     std::optional<std::string> frame = EncodeMessage(message);
+    if (!frame)
+        code = error_codes::GIPCReceiver::kMessageTooLarge;
     if (!frame)
         frame = EncodeMessage({{"id", id},
                                {"code", error_codes::GIPCReceiver::kMessageTooLarge},
@@ -82,9 +89,15 @@ CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
                             const Json& request) noexcept {
     Json result;
     context.request = IntegerMember(request, "id");
-    const ErrorCode code = Run(table, context, request, result);
+    ErrorCode code = Run(table, context, request, result);
+    std::string frame = AnswerFrame(context, code, result);
     return {code, code != CoreErrorCodes::kSuccess ? StringMember(result, "message") : std::string(),
-            AnswerFrame(context, code, result)};
+            std::move(frame)};
+}
+
+void CommandContext::UndoWhatWasNotTaken(Activation& activation) const {
+    if (client.lastTaken)
+        activation.UndoRequests(client.process, *client.lastTaken + 1, std::numeric_limits<long long>::max());
 }
 
 void CommandContext::KeepAnswer(const Json& answer) {

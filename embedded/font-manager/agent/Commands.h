@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -26,8 +27,11 @@ struct Client {
     HostProcess process;
     bool isSubscribed = false;  ///< to notifications
     bool isHost = false;        ///< holds fonts for documents, and says which answers it took
-    long long provisionalRequest =
-        0;  ///< what it activated is undone unless the client takes its answer; or 0
+    /// What that request activated is undone unless the client takes its answer; 0: there is none.
+    long long provisionalRequest = 0;
+    /// The last request of which the host has taken the answer. Set while what later ones activated, over
+    /// earlier connections, is still to be undone.
+    std::optional<long long> lastTaken;
     /// Queries that were not saved, by smart list; 0 for a list that is not made yet.
     std::map<int32_t, SmartListQuery> triedQueries;
 };
@@ -60,6 +64,10 @@ struct CommandContext {
         if (client.isHost)
             client.provisionalRequest = request;
     }
+    /// Undoes, as part of the activation, what the host does not know that it holds. To be called before
+    /// anything is leased, and NoteUndone when it is committed.
+    void UndoWhatWasNotTaken(Activation& activation) const;
+    void NoteUndone() { client.lastTaken.reset(); }
     /// For a command that must not be carried out twice: has the agent give this answer when the request is
     /// repeated. Part of the transaction that is open.
     void KeepAnswer(const Json& answer);

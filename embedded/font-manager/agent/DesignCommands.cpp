@@ -42,8 +42,8 @@ std::set<uint32_t> LeaseAll(CommandContext& context, const std::vector<Font>& fo
         if (activation.Lease(font, context.TermsFor(purpose)))
             leased.insert(font.id);
     }
-    AnnounceChanges(context.audience, activation.Commit());
     context.MakeProvisional();
+    AnnounceChanges(context.audience, activation.Commit());
     return leased;
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <asio/post.hpp>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "common/Limits.h"
+#include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -15,6 +17,14 @@ namespace {
 // at soon after, then ever less often.
 constexpr std::chrono::milliseconds kFirstSweepDelay{20};
 constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
+
+/// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
+/// same again, which undoes by itself what it did the first time.
+bool MayRepeatActivation(const Json& request) {
+    const std::string method = StringMember(request, "method");
+    return method == method::kHello || method == method::kGetStatus || method == method::kActivateFonts ||
+           method == method::kActivateDocumentFonts;
+}
 
 std::string FrameOf(const Json& message) {
     return EncodeMessage(message).value_or(std::string());
@@ -29,6 +39,7 @@ Server::Server(FontManager& manager, LogFile& log)
       mLoop(1),
       mAcceptor(mLoop, [this](platform::LocalStream stream) { Admit(std::move(stream)); }),
       mSweepTimer(mLoop),
+      mUndoTimer(mLoop),
       mGoodbyeTimer(mLoop) {}
 
 Server::~Server() {
@@ -77,8 +88,14 @@ void Server::Admit(platform::LocalStream stream) {
 
 std::string Server::Answer(Client& client, const Json& request) {
     mLastSignOfLife = std::chrono::steady_clock::now();
+    if (!MayRepeatActivation(request))
+        UndoWhatWasNotTaken(client);
     CommandContext context{mManager, client, *this};
     const CommandAnswer answer = AnswerRequest(mCommands, context, request);
+    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == context.request)
+        OnAnswerLost(client);  // it is another answer
+    if (client.lastTaken)
+        UndoLater();
     if (answer.code != CoreErrorCodes::kSuccess)
         mLog.Write(StringMember(request, "method") + ": " + ErrorCodeToName(answer.code) + ": " +
                    answer.problem + "\n");
@@ -110,13 +127,41 @@ void Server::KeepAlive() {
         session->Send(frame);
 }
 
+/// A client that this agent says goodbye to may take its answer yet, and says so to the next agent.
 void Server::OnAnswerLost(const Client& client) {
-    const long long request = client.provisionalRequest;
+    if (mIsStopping)
+        return;
+    // Later: it may be a command at work that finds the client gone.
+    asio::post(mLoop, [this, host = client.process, request = client.provisionalRequest] {
+        UndoRequests(host, request, request);
+    });
+}
+
+bool Server::UndoRequests(const HostProcess& host, long long first, long long last) {
     try {
-        AnnounceChanges(*this, mManager.UndoRequests(client.process, request, request));
+        AnnounceChanges(*this, mManager.UndoRequests(host, first, last));
+        return true;
     } catch (const DatabaseError& error) {
         mLog.Write(std::string("undoing an activation: ") + error.what() + "\n");
+        return false;
     }
+}
+
+void Server::UndoWhatWasNotTaken(Client& client) {
+    if (client.lastTaken &&
+        UndoRequests(client.process, *client.lastTaken + 1, std::numeric_limits<long long>::max()))
+        client.lastTaken.reset();
+}
+
+void Server::UndoLater() {
+    mUndoTimer.expires_after(kUndoDelay);
+    mUndoTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure)
+            return;
+        const auto sessions = mSessions;
+        for (const auto& session : sessions)
+            UndoWhatWasNotTaken(session->Peer());
+    });
 }
 
 void Server::OnClientTooSlow(const Client& client) {
@@ -166,6 +211,7 @@ void Server::Stop() {
     mIsStopping = true;
     mAcceptor.Close();
     mSweepTimer.cancel();
+    mUndoTimer.cancel();
     const std::string goodbye = FrameOf({{"goodbye", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)

@@ -42,6 +42,10 @@ private:
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
     void Admit(platform::LocalStream stream);
+    /// False when that could not be written.
+    bool UndoRequests(const HostProcess& host, long long first, long long last);
+    void UndoWhatWasNotTaken(Client& client);
+    void UndoLater();
     void SweepLeasesIn(std::chrono::milliseconds delay);
     void SweepLeases();
     void Stop();
@@ -53,6 +57,7 @@ private:
     platform::LocalAcceptor mAcceptor;
     std::optional<platform::EndRequests> mEndRequests;
     asio::steady_timer mSweepTimer;
+    asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
     std::set<std::shared_ptr<Session>> mSessions;
     std::string mAddress;

@@ -57,7 +57,7 @@ void Session::Handle(const Json& message) {
 }
 
 void Session::Send(const std::string& frame) {
-    if (!IsOpen() || mClosesWhenWritten)
+    if (!IsOpen() || mClosesWhenWritten || mIsHeardNoMore)
         return;
     if (mQueuedBytes + frame.size() > kMaxQueuedBytes) {
         mOwner.OnClientTooSlow(mClient);
@@ -79,7 +79,9 @@ void Session::SendLast(const std::string& frame) {
 
 void Session::OnTaken(size_t size, const asio::error_code& failure) {
     mQueuedBytes -= size;
-    if (failure || (mClosesWhenWritten && mQueuedBytes == 0))
+    if (failure)
+        mIsHeardNoMore = true;
+    if (mClosesWhenWritten && (failure || mQueuedBytes == 0))
         Close();
 }
 

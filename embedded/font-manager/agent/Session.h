@@ -42,7 +42,7 @@ public:
     void SendLast(const std::string& frame);
     /// Whether requests are being waited for or output is on its way.
     bool IsOpen() const { return mStream.IsOpen(); }
-    const Client& Peer() const { return mClient; }
+    Client& Peer() { return mClient; }
 
 private:
     void Read();
@@ -59,6 +59,7 @@ private:
     std::array<char, 65536> mPiece;
     size_t mQueuedBytes = 0;  ///< of frames that the system has not taken
     bool mClosesWhenWritten = false;
+    bool mIsHeardNoMore = false;  ///< by the client; what it has said is still to be read
 };
 
 }  // namespace pellwick

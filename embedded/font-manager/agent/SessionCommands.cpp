@@ -1,5 +1,4 @@
 // Greeting, state, log-in and the end.
-#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
@@ -12,20 +11,15 @@ namespace {
 
 constexpr int kNoServer = 0;  ///< the "serverType" of a log-in on this machine alone
 
-/// A host whose last connection ended says which answers it took. What other requests activated is nobody's.
-void UndoWhatWasNotTaken(CommandContext& context, long long lastTaken) {
-    context.client.isHost = true;
-    AnnounceChanges(context.audience, context.manager.UndoRequests(context.client.process, lastTaken + 1,
-                                                                   std::numeric_limits<long long>::max()));
-}
-
 Json Hello(CommandContext& context, const Json& arguments) {
     const long long version = IntegerMember(arguments, "protocol");
     if (version != kProtocolVersion)
         throw CommandError(CoreErrorCodes::kVersionMismatch,
                            "the running agent is of another version; stop it with \"Pellwick stop\"");
-    if (arguments.contains("taken"))
-        UndoWhatWasNotTaken(context, IntegerMember(arguments, "taken"));
+    if (arguments.contains("taken")) {
+        context.client.isHost = true;
+        context.client.lastTaken = IntegerMember(arguments, "taken");
+    }
     return {{"protocol", kProtocolVersion}, {"process", platform::CurrentProcessId()}};
 }
 

@@ -20,7 +20,9 @@ constexpr std::chrono::milliseconds kAnswerLimit{2000};
 /// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
 constexpr std::chrono::milliseconds kCallLimit{4700};
 /// A host that pauses for so long after an answer has done something else than to wait for the next one.
-constexpr std::chrono::milliseconds kHostPause{10};
+constexpr std::chrono::milliseconds kHostPause{2};
+/// How long what a host activated without learning of it stays, in case it asks for the same again.
+constexpr std::chrono::milliseconds kUndoDelay{1000};
 /// How long an agent that was waited for in vain is given to show that it is well again.
 constexpr std::chrono::milliseconds kStalledLimit{200};
 /// The agent gives a sign of life this often while a command takes longer.

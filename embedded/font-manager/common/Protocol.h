@@ -12,8 +12,8 @@
 // acknowledged with {"taken": ID}; the greeting of the host's next connection names the last answer that it
 // took, in "taken". What later requests activated is undone by that greeting, or by the end of the
 // connection. To a client that says nothing of answers taken, fonts belong at once. A request that is sent
-// again has the ID that it had and {"repeated": true}, and is answered as it was, or would have been, the
-// first time.
+// again has a new ID and {"repeats": its ID before}, and is answered as it was, or would have been, the first
+// time.
 #pragma once
 
 #include <cstdint>

@@ -5,12 +5,25 @@
 #include <nlohmann/json.hpp>
 
 #include "common/Limits.h"
+#include "common/Protocol.h"
 
 namespace pellwick {
 namespace {
 
 // Lives to process end: hosts call in while their own static objects are being destroyed.
 std::atomic<Library*> theLibrary{nullptr};
+
+/// Notes when its scope ends.
+class ScopedEnd {
+public:
+    explicit ScopedEnd(AgentConnection::Clock::time_point& end) : mEnd(end) {}
+    ~ScopedEnd() { mEnd = AgentConnection::Clock::now(); }
+    ScopedEnd(const ScopedEnd&) = delete;
+    ScopedEnd& operator=(const ScopedEnd&) = delete;
+
+private:
+    AgentConnection::Clock::time_point& mEnd;
+};
 
 /// Greater than what a library that was in this process before can have counted to.
 long long FirstID() {
@@ -35,7 +48,7 @@ Library& Library::Get() {
 }
 
 Library::Library(platform::ProcessId process, uintptr_t generation)
-    : mProcess(process), mGeneration(generation), mLastID(FirstID()) {}
+    : mProcess(process), mGeneration(generation), mLastID(FirstID()), mLastTaken(mLastID) {}
 
 PluginFacadeRef Library::Facade() {
     const std::lock_guard guard(mConnectionLock);
@@ -68,23 +81,20 @@ ErrorCode Library::Call(PluginFacadeRef facade, const char* method, const Json& 
 
 ErrorCode Library::CallConnected(const char* method, const Json& arguments, Clock::time_point begin,
                                  Json& result) {
-    if (mLastAnswer && begin - *mLastAnswer > kHostPause)
-        mEndOfPatience = {};
+    if (begin - mLastEnd > kHostPause) {
+        mBeginOfRow = begin;
+        if (!mIsStalled && !mUnanswered)
+            mEndOfPatience = {};
+    }
+    const ScopedEnd end(mLastEnd);
     ErrorCode code = Greet(begin);
     if (code == CoreErrorCodes::kSuccess) {
         mIsStalled = false;
         const Request request = NextRequest(method, arguments);
-        code = mConnection->Exchange(request, {kAnswerLimit, EndOfPatience(begin, kCallLimit)}, result);
-        if (mConnection->HasFailed()) {
-            mUnanswered = Unanswered{method, arguments, request.id};
-        } else {
-            mUnanswered.reset();
-            mLastTaken = request.id;
-            mLastAnswer = Clock::now();
-        }
+        code = mConnection->Exchange(request, {kAnswerLimit, EndOfPatience(begin)}, result);
+        NoteOutcome(request);
     }
     if (mConnection->HasTimedOut()) {
-        mLastAnswer.reset();
         if (Clock::now() >= mEndOfPatience)
             mEndOfPatience = begin + kCallLimit;
         mIsStalled = true;
@@ -92,21 +102,31 @@ ErrorCode Library::CallConnected(const char* method, const Json& arguments, Cloc
     return code;
 }
 
+void Library::NoteOutcome(const Request& request) {
+    if (mConnection->HasFailed()) {
+        mUnanswered = Unanswered{request.method, request.arguments, request.id};
+        return;
+    }
+    mLastTaken = request.id;
+    // Between a request whose answer was lost and its repetition callers ask how the agent is.
+    if (std::string_view(request.method) != method::kGetStatus)
+        mUnanswered.reset();
+}
+
 ErrorCode Library::Greet(Clock::time_point begin) {
     return mConnection->Greet({{"taken", mLastTaken}},
-                              EndOfPatience(begin, mIsStalled ? kStalledLimit : kAnswerLimit));
+                              {mIsStalled ? kStalledLimit : kAnswerLimit, EndOfPatience(begin)});
 }
 
 Request Library::NextRequest(const char* method, const Json& arguments) {
-    if (mUnanswered && mUnanswered->method == method && mUnanswered->arguments == arguments)
-        return {method, arguments, mUnanswered->id, true};
-    return {method, arguments, ++mLastID, false};
+    const bool repeats = mUnanswered && mUnanswered->method == method && mUnanswered->arguments == arguments;
+    return {method, arguments, ++mLastID, repeats ? mUnanswered->id : 0};
 }
 
-AgentConnection::Clock::time_point Library::EndOfPatience(Clock::time_point begin,
-                                                          std::chrono::milliseconds limit) const {
-    const Clock::time_point end = begin + limit;
-    return begin < mEndOfPatience ? std::min(end, std::max(mEndOfPatience, begin + kStalledLimit)) : end;
+AgentConnection::Clock::time_point Library::EndOfPatience(Clock::time_point begin) const {
+    if (begin < mEndOfPatience)
+        return std::max(mEndOfPatience, begin + kStalledLimit);
+    return std::max(mBeginOfRow + kCallLimit, begin + kAnswerLimit);
 }
 
 ErrorCode Library::CheckFacade(PluginFacadeRef facade) {

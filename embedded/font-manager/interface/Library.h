@@ -54,20 +54,22 @@ private:
     ErrorCode CallConnected(const char* method, const Json& arguments, Clock::time_point begin, Json& result);
     ErrorCode Greet(Clock::time_point begin);
     Request NextRequest(const char* method, const Json& arguments);
-    /// When a wait that begins now has to be over.
-    Clock::time_point EndOfPatience(Clock::time_point begin, std::chrono::milliseconds limit) const;
+    void NoteOutcome(const Request& request);
+    /// When a call that begins now has to be over, whatever signs of life there are.
+    Clock::time_point EndOfPatience(Clock::time_point begin) const;
 
     const platform::ProcessId mProcess;
     std::mutex mConnectionLock;  ///< guards what follows, but for the listener
     uintptr_t mGeneration;
     std::unique_ptr<AgentConnection> mConnection;
     long long mLastID;
-    long long mLastTaken = 0;  ///< the last request whose answer arrived
+    long long mLastTaken;  ///< the last request whose answer arrived, or what came before the first
     std::optional<Unanswered> mUnanswered;
-    std::optional<Clock::time_point> mLastAnswer;  ///< when it came, unless there was a wait in vain since
     bool mIsStalled = false;  ///< the agent has given no sign of life since a wait for it was over
     Clock::time_point
-        mEndOfPatience{};  ///< of the last call that waited in vain, and of those that follow it
+        mEndOfPatience{};             ///< of the last call that waited in vain, and of those that follow it
+    Clock::time_point mBeginOfRow{};  ///< of calls that followed one another without a pause
+    Clock::time_point mLastEnd{};     ///< of a call
     NotificationListener mListener;
 };
 

@@ -159,10 +159,9 @@ void NotificationListener::RemoveAll() {
 }
 
 void NotificationListener::Hurry() {
-    if (IsOwnThread())
-        return;
-    const std::lock_guard control(mControlLock);
-    if (mListening)
+    // Whoever holds it starts the listening anew, or ends it; and the caller may hold what they wait for.
+    const std::unique_lock control(mControlLock, std::try_to_lock);
+    if (control && mListening)
         mListening->Hurry();
 }
 

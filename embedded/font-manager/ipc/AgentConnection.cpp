@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "common/Limits.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"
 
@@ -16,6 +17,12 @@ constexpr long long kGreetingID = 0;
 /// Long enough for what has arrived to be taken in.
 constexpr std::chrono::milliseconds kNoWait{1};
 
+/// Until when to wait for a sign of life.
+AgentConnection::Clock::time_point FirstDeadline(const AgentConnection::Patience& patience) {
+    const auto now = AgentConnection::Clock::now();
+    return patience.end - now > patience.sign ? now + patience.sign : patience.end;
+}
+
 bool IsConnectionFailure(ErrorCode code) {
     return code == GIPCClient::kServiceUnavailable || code == GAgentIF::kShutdown;
 }
@@ -24,7 +31,7 @@ bool IsConnectionFailure(ErrorCode code) {
 
 ErrorCode AgentConnection::Call(const char* method, const Json& arguments, Json& result) {
     if (mState != State::kOpen) {
-        const ErrorCode code = Greet(Json::object(), Clock::now() + mLimit);
+        const ErrorCode code = Greet(Json::object(), {mLimit, Clock::time_point::max()});
         if (code != CoreErrorCodes::kSuccess)
             return Fail(code);
     }
@@ -35,13 +42,15 @@ ErrorCode AgentConnection::Fail(ErrorCode code) {
     if (mState != State::kFailed)
         mFailure = code;
     mState = State::kFailed;
+    mStream.Close();  // withdraws what the agent has not begun
     return mFailure;
 }
 
-ErrorCode AgentConnection::Greet(const Json& greeting, Clock::time_point deadline) {
+ErrorCode AgentConnection::Greet(const Json& greeting, const Patience& patience) {
     if (mState == State::kFailed)
         return mFailure;
     if (mState == State::kClosed) {
+        const auto deadline = FirstDeadline(patience);
         if (!mStream.Connect(Locations::OfThisUser().AgentAddress(), deadline))
             return Fail(GIPCClient::kServiceUnavailable);
         Json arguments = greeting;
@@ -51,7 +60,7 @@ ErrorCode AgentConnection::Greet(const Json& greeting, Clock::time_point deadlin
     }
     if (mState == State::kGreeting) {
         Json ignored;
-        const ErrorCode code = ReceiveAnswer(kGreetingID, {std::chrono::hours(1), deadline}, ignored);
+        const ErrorCode code = ReceiveAnswer(kGreetingID, patience, ignored);
         if (code != CoreErrorCodes::kSuccess)
             return mHasTimedOut ? code : Fail(code);  // an agent of another version will not change
         mState = State::kOpen;
@@ -63,9 +72,9 @@ ErrorCode AgentConnection::Exchange(const Request& request, const Patience& pati
     if (mState == State::kFailed)
         return mFailure;
     Json message = {{"id", request.id}, {"method", request.method}, {"args", request.arguments}};
-    if (request.isRepeated)
-        message["repeated"] = true;
-    if (!Send(message, patience.end))
+    if (request.repeats != 0)
+        message["repeats"] = request.repeats;
+    if (!Send(message, FirstDeadline(patience)))
         return error_codes::GIPCReceiver::kMessageTooLarge;
     const ErrorCode code = ReceiveAnswer(request.id, patience, result);
     return IsConnectionFailure(code) ? Fail(code) : code;
@@ -86,11 +95,7 @@ bool AgentConnection::Send(const Json& message, Clock::time_point deadline) {
 
 ErrorCode AgentConnection::ReceiveAnswer(long long id, const Patience& patience, Json& result) {
     mHasTimedOut = false;
-    const auto nextDeadline = [&patience] {
-        const auto now = Clock::now();
-        return patience.end - now > patience.sign ? now + patience.sign : patience.end;
-    };
-    auto deadline = nextDeadline();
+    auto deadline = FirstDeadline(patience);
     for (;;) {
         Json message;
         const Outcome outcome = mStream.Receive(message, deadline);
@@ -99,8 +104,8 @@ ErrorCode AgentConnection::ReceiveAnswer(long long id, const Patience& patience,
             return GIPCClient::kServiceUnavailable;
         if (BoolMember(message, "goodbye"))
             return GAgentIF::kShutdown;
-        if (BoolMember(message, "working"))
-            deadline = nextDeadline();
+        if (BoolMember(message, "working"))  // it is not one that stands still
+            deadline = FirstDeadline({std::max(patience.sign, kAnswerLimit), patience.end});
         if (!message.contains("id") || IntegerMember(message, "id") != id)
             continue;
         if (BoolMember(message, "provisional"))

@@ -14,8 +14,8 @@ namespace pellwick {
 struct Request {
     const char* method;
     const Json& arguments;
-    long long id = 0;         ///< greater than that of every request before it, but for a repetition
-    bool isRepeated = false;  ///< the same request, with its ID, was sent before and its answer was lost
+    long long id = 0;       ///< greater than that of every request before it
+    long long repeats = 0;  ///< the ID that the same request had when its answer was lost; 0: it is a new one
 };
 
 /// A connection that is made with the first call and, once it has failed, stays failed: the caller decides
@@ -41,9 +41,9 @@ public:
     // The steps of a call, for who paces them.
 
     /// Connects and greets the agent, unless that is done. `greeting`: members that the greeting has beside
-    /// the version. When the agent does not answer by the deadline the answer can still be waited for with
-    /// another Greet.
-    [[nodiscard]] ErrorCode Greet(const Json& greeting, Clock::time_point deadline);
+    /// the version. When the agent does not answer in time the answer can still be waited for with another
+    /// Greet.
+    [[nodiscard]] ErrorCode Greet(const Json& greeting, const Patience& patience);
     /// Sends the request and waits for its answer. A request that is not answered in time is withdrawn: the
     /// connection fails.
     [[nodiscard]] ErrorCode Exchange(const Request& request, const Patience& patience, Json& result);

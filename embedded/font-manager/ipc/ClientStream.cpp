@@ -44,6 +44,8 @@ struct ClientStream::Connection {
                 loop.run();
             }
         }
+        if (!*result && !isCancelled)  // also when it was done at the last moment
+            return true;
         failure = isTimeOver && isCancelled ? asio::error::operation_aborted : *result;
         if (isTimeOver && !isCancelled && failure == asio::error::operation_aborted)
             failure = {};
@@ -96,6 +98,10 @@ ClientStream::Outcome ClientStream::Receive(Json& message, Clock::time_point dea
 
 bool ClientStream::HasInput() const {
     return !mConnection->input.IsEmpty() || mConnection->stream.HasInput();
+}
+
+void ClientStream::Close() {
+    mConnection->stream.Close();
 }
 
 void ClientStream::Cancel() {

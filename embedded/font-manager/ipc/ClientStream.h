@@ -32,6 +32,9 @@ public:
     /// Whether Receive has something to go on without waiting, the end of the connection included.
     bool HasInput() const;
 
+    /// Nothing more is sent or received.
+    void Close();
+
     /// Ends the wait of another thread, and every later one, with kBroken. Any thread.
     void Cancel();
 

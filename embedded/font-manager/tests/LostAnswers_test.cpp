@@ -17,20 +17,22 @@ namespace {
 /// A host's connection, as far as the test takes it.
 class HostConnection {
 public:
-    /// `lastTaken`: the last request whose answer the host took over an earlier connection.
-    explicit HostConnection(long long lastTaken = 0) {
+    /// `lastTaken`: the last request whose answer the host took over an earlier connection; nothing for a
+    /// connection that only listens.
+    explicit HostConnection(std::optional<long long> lastTaken = 0) {
         mStream.Connect(Locations::OfThisUser().AgentAddress());
-        Send({{"id", 0},
-              {"method", method::kHello},
-              {"args", {{"protocol", kProtocolVersion}, {"taken", lastTaken}}}});
+        Json greeting = {{"protocol", kProtocolVersion}};
+        if (lastTaken)
+            greeting["taken"] = *lastTaken;
+        Ask(0, method::kHello, greeting);
         EXPECT_EQ(IntegerMember(Read(), "code"), 0);
     }
 
     void Send(const Json& message) { mStream.Write(*EncodeMessage(message)); }
-    void Ask(long long id, const char* method, const Json& arguments, bool isRepeated = false) {
+    void Ask(long long id, const char* method, const Json& arguments, long long repeats = 0) {
         Json request = {{"id", id}, {"method", method}, {"args", arguments}};
-        if (isRepeated)
-            request["repeated"] = true;
+        if (repeats != 0)
+            request["repeats"] = repeats;
         Send(request);
     }
     void AskForFont(long long id) {
@@ -106,6 +108,7 @@ TEST_F(LostAnswers, AnActivationIsUndoneAlsoWhenTheAgentDiedBeforeItsAnswerWasTa
         mWorld.StartAgent();
         EXPECT_TRUE(IsFontActive()) << "the host may have taken it";
         HostConnection next(isTaken ? 5 : 4);
+        EXPECT_TRUE(isTaken || GoesFont());
         EXPECT_EQ(IsFontActive(), isTaken);
         next.AskForFont(6);
         EXPECT_EQ(StateBefore(next.ReadResult()),
@@ -114,6 +117,34 @@ TEST_F(LostAnswers, AnActivationIsUndoneAlsoWhenTheAgentDiedBeforeItsAnswerWasTa
         next.Ask(7, method::kDeactivateFonts, {{"fonts", {1}}});
         EXPECT_EQ(next.ReadResult()["deactivated"].size(), 1u);
     }
+}
+
+TEST_F(LostAnswers, AnActivationIsKeptWhereTheAgentIsStoppedBeforeItHearsThatItsAnswerWasTaken) {
+    HostConnection connection;
+    connection.AskForFont(5);
+    mWorld.StopAgent();  // the answer lies ready, and a goodbye behind it
+    EXPECT_EQ(StateBefore(connection.ReadResult()), kFontActivationState_Inactive);
+    mWorld.StartAgent();
+    EXPECT_TRUE(IsFontActive());
+    HostConnection next(5);
+    next.Ask(6, method::kGetClientStates, {{"fonts", {1}}});
+    EXPECT_EQ(next.ReadResult()["states"][0]["isActive"], true);
+}
+
+TEST_F(LostAnswers, WhatIsUndoneAndDoneAgainIsNoNews) {
+    HostConnection first;
+    first.AskForFont(5);
+    first.Read();
+    mWorld.KillAgent();
+    mWorld.StartAgent();
+    HostConnection listener(std::nullopt);
+    listener.Ask(1, method::kSubscribe, Json::object());
+    listener.Read();
+    HostConnection second;
+    second.AskForFont(6);
+    EXPECT_EQ(StateBefore(second.ReadResult()), kFontActivationState_Inactive);
+    mWorld.RunForJson({"logout"});
+    EXPECT_EQ(IntegerMember(listener.Read(), "notification"), kPluginCallback_LoggedOut);
 }
 
 TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
@@ -125,17 +156,19 @@ TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
     const Json deactivated = first.ReadResult();
     EXPECT_EQ(deactivated["deactivated"].size(), 1u);
     HostConnection second(5);
-    second.Ask(6, method::kDeactivateFonts, {{"fonts", {1}}}, true);
+    second.Ask(7, method::kDeactivateFonts, {{"fonts", {1}}}, 6);
     EXPECT_EQ(second.ReadResult(), deactivated);
 
-    second.Ask(7, method::kCreateSet, {{"name", "Poster"}});
+    second.Ask(8, method::kCreateSet, {{"name", "Poster"}});
     const Json set = second.ReadResult();
     mWorld.KillAgent();
     mWorld.StartAgent();
-    HostConnection third(6);
-    third.Ask(7, method::kCreateSet, {{"name", "Poster"}}, true);
+    HostConnection third(7);
+    third.Ask(9, method::kCreateSet, {{"name", "Poster"}}, 8);
     EXPECT_EQ(third.ReadResult(), set);
-    third.Ask(8, method::kCreateSet, {{"name", "Poster"}});
+    third.Ask(10, method::kCreateSet, {{"name", "Poster"}}, 9);
+    EXPECT_EQ(third.ReadResult(), set) << "a second time";
+    third.Ask(11, method::kCreateSet, {{"name", "Poster"}});
     EXPECT_EQ(IntegerMember(third.Read(), "code"), CoreErrorCodes::kItemAlreadyExists)
         << "a request of its own";
     EXPECT_EQ(CountSets(), 1u);

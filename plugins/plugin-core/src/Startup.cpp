@@ -146,6 +146,7 @@ ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled
     MarquellGlobals::SetLoggedIn(true);
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
+    agent.ServicesAreBack();
     agent.ListenForNotifications();
     TellPanels(true);
     if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())

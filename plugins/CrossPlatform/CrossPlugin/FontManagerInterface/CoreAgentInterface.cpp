@@ -123,7 +123,7 @@ bool CoreAgentInterface::OnUserAction() {
     if (!mIsReachable)
         return false;
     LogMessage(0, "The agent can be reached again.  Enabling plugin functionality");
-    mHasLostServices = false;
+    ServicesAreBack();
     MarquellGlobals::SetLoggedIn(isLoggedIn);
     MarquellGlobals::SetPluginServicesEnabled(isLoggedIn);
     MarquellGlobals::SetConnectedToCore(true);

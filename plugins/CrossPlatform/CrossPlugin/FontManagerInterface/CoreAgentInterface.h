@@ -36,6 +36,8 @@ public:
     static bool IsUndelivered(ErrorCode code);
     /// Nothing is offered until the agent is back.
     void LoseServices();
+    /// Everything is offered again.
+    void ServicesAreBack() { mHasLostServices = false; }
     /// Whether a lost agent is being brought back, perhaps behind a dialog.
     bool IsRecovering() const { return mIsRecovering; }
 

@@ -1,5 +1,6 @@
 #include "FontManagerInterface.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "MarquellGlobals.h"
@@ -13,7 +14,7 @@
 namespace {
 
 constexpr size_t kLongestModulePath = 1024;
-constexpr uint32_t kCatchUpInterval = 500;  // milliseconds: hosts are idle many times a second
+constexpr uint32_t kLongestCatchUpInterval = 16000;  // milliseconds
 
 }  // namespace
 
@@ -115,10 +116,12 @@ ErrorCode FontManagerInterface::OnIdle() {
         (cf::Count(mFontsToLetGo.get()) == 0 && !tracker.HasClosesToCatchUp()))
         return code;
     const uint32_t now = platform::Current<platform::Clock>().TickCount();
-    if (now - mLastCatchUpTick < kCatchUpInterval)
+    if (now - mLastCatchUpTick < mCatchUpInterval)
         return code;
     mLastCatchUpTick = now;
+    mCatchUpInterval = std::min(mCatchUpInterval * 2, kLongestCatchUpInterval);
     if (sm_pFontManager->CanReachAgent()) {
+        mCatchUpInterval = kFirstCatchUpInterval;
         tracker.CatchUp();
         CatchUp();
     }
@@ -164,14 +167,14 @@ ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documen
                                                       const DocumentFontLists& lists,
                                                       CFMutableArrayRef matchedFonts) {
     // In this order: one of the fonts may be among those that are still to be let go of.
-    return sm_pFontManager && CatchUp()
+    return CatchUp() && sm_pFontManager  // a question may show behind which the host quits
                ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
                : kErrorMarquellNotRunning;
 }
 
 ErrorCode FontManagerInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                                   CFMutableArrayRef matchedFonts) {
-    return sm_pFontManager && CatchUp()
+    return CatchUp() && sm_pFontManager
                ? sm_pFontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts)
                : kErrorMarquellNotRunning;
 }

@@ -125,6 +125,9 @@ private:
     std::vector<std::unique_ptr<CoreAgentInterface>> mFontManagers;
     /// Records of fonts that no document needs any more, and that the agent could not be told of.
     CFRef<CFMutableArrayRef> mFontsToLetGo = cf::MutableArray();
+    /// In milliseconds. Hosts are idle many times a second, and an agent that hangs costs a moment each time.
+    static constexpr uint32_t kFirstCatchUpInterval = 500;
+    uint32_t mCatchUpInterval = kFirstCatchUpInterval;
     uint32_t mLastCatchUpTick = 0;
     std::optional<int32_t> mDefaultWorkgroupID;
     bool mIsSelectWorkgroupDialogShowing = false;

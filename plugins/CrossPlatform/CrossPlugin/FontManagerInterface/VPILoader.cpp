@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "AgentLauncher.h"
+#include "HostPatience.h"
 #include "StringConversion.h"
 #include "platform/VersionResource.h"
 
@@ -70,8 +71,10 @@ VPILoader::~VPILoader() {
 void VPILoader::FindAndLoad() {
     bool isAgentFound =
         AgentLauncher::GetPathToRunningProcessExe(platform::ProgramFileName("Pellwick"), mLibraryPath) == 0;
-    if (!isAgentFound)
+    if (!isAgentFound) {
         isAgentFound = AgentLauncher::FindAndLaunchPellwick(&mLibraryPath) == 0;
+        HostPatience::NoteRecovery();
+    }
     const platform::LibraryHandle library = isAgentFound ? LoadLibraryOfAgent() : LoadLibraryByName();
 
     platform::SystemError error;
