@@ -92,9 +92,11 @@ std::string Server::Answer(Client& client, const Json& request) {
         UndoWhatWasNotTaken(client);
     CommandContext context{mManager, client, *this};
     const CommandAnswer answer = AnswerRequest(mCommands, context, request);
-    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == context.request)
-        OnAnswerLost(client);  // it is another answer
-    if (client.lastTaken)
+    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == context.request) {
+        OnAnswerLost(client);  // the client is told of a failure instead
+        client.provisionalRequest = 0;
+    }
+    if (client.lastTaken && StringMember(request, "method") == method::kHello)
         UndoLater();
     if (answer.code != CoreErrorCodes::kSuccess)
         mLog.Write(StringMember(request, "method") + ": " + ErrorCodeToName(answer.code) + ": " +
