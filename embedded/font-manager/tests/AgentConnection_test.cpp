@@ -33,14 +33,7 @@ public:
     }
     ~ScriptedAgent() { mThread.join(); }
 
-    Json Read() {
-        std::string header(4, '\0');
-        mStream.Read(header.data(), header.size());
-        std::string payload(
-            static_cast<unsigned char>(header[0]) | static_cast<unsigned char>(header[1]) << 8, '\0');
-        mStream.Read(payload.data(), payload.size());
-        return *DecodeMessage(payload);
-    }
+    Json Read() { return mStream.ReadMessage(); }
     void Send(const Json& message) { mStream.Write(*EncodeMessage(message)); }
     void Answer(const Json& request, ErrorCode code) {
         Send({{"id", request["id"]}, {"code", code}, {"result", {{"message", "as the script says"}}}});

@@ -39,14 +39,7 @@ public:
         Ask(id, method::kActivateDocumentFonts,
             {{"document", "/document"}, {"fonts", Json::array({"Sample-Bold"})}});
     }
-    Json Read() {
-        std::string header(4, '\0');
-        mStream.Read(header.data(), header.size());
-        std::string payload(
-            static_cast<unsigned char>(header[0]) | static_cast<unsigned char>(header[1]) << 8, '\0');
-        mStream.Read(payload.data(), payload.size());
-        return DecodeMessage(payload).value_or(Json::object());
-    }
+    Json Read() { return mStream.ReadMessage(); }
     Json ReadResult() { return Read()["result"]; }
     void Take(long long id) { Send({{"taken", id}}); }
     void Close() { mStream.Close(); }

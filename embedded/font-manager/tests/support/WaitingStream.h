@@ -6,11 +6,13 @@
 #include <asio/io_context.hpp>
 #include <atomic>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "ipc/Message.h"
 #include "platform/LocalStream.h"
 
 namespace pellwick::test {
@@ -60,6 +62,16 @@ public:
         });
         Run();
         return isTaken;
+    }
+    /// The next message, of less than 64 KiB; an empty object when the other side closes before it has come.
+    Json ReadMessage() {
+        std::string header(4, '\0');
+        if (!Read(header.data(), header.size()))
+            return Json::object();
+        std::string payload(
+            static_cast<unsigned char>(header[0]) | static_cast<unsigned char>(header[1]) << 8, '\0');
+        Read(payload.data(), payload.size());
+        return DecodeMessage(payload).value_or(Json::object());
     }
     void Close() { mStream.Close(); }
 
