@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "FontRecordKeys.h"
 #include "common/Locations.h"
@@ -192,6 +193,48 @@ TEST_F(LostAnswers, WhatAnotherHostHoldsCountsAsInactiveSoThatEachReturnsWhatItT
     mWorld.RunForJson({"activate", "Sample-Bold"});
     connection.AskForFont(7);
     EXPECT_EQ(StateBefore(connection.ReadResult()), kFontActivationState_ActivatedByUser);
+}
+
+/// The next request over a connection that is about to be greeted.
+Json AcceptRequest(WaitingStream& agent) {
+    agent.Accept();
+    agent.ReadMessage();
+    agent.Write(*EncodeMessage({{"id", 0}, {"code", 0}, {"result", Json::object()}}));
+    return agent.ReadMessage();
+}
+
+void Answer(WaitingStream& agent, const Json& request) {
+    agent.Write(*EncodeMessage({{"id", request["id"]}, {"code", 0}, {"result", {{"loggedIn", true}}}}));
+}
+
+TEST(LostAnswersOfTheLibrary, ARequestIsTheSameThoughTheAgentWasAskedHowItIsInBetween) {
+    TestWorld world;
+    WaitingStream agent;
+    const std::string address =
+        platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
+    agent.Listen(address);
+    world.Write("data/Vantorix/Pellwick/agent.address", address);
+    Json first;
+    Json second;
+    std::thread scripted([&] {
+        first = AcceptRequest(agent);
+        agent.Close();
+        Answer(agent, AcceptRequest(agent));
+        second = agent.ReadMessage();
+        Answer(agent, second);
+    });
+    const TestLibrary library;
+    int32_t set = 0;
+    const auto name = cf::String("Poster");
+    EXPECT_EQ(library.CreateTopLevelSet(library.Facade(), name.get(), 1, &set),
+              GIPCClient::kServiceUnavailable);
+    bool isLoggedIn = false;
+    EXPECT_EQ(library.GetIsLoggedIn(library.Facade(), &isLoggedIn), 0u);
+    EXPECT_EQ(library.CreateTopLevelSet(library.Facade(), name.get(), 1, &set), 0u);
+    scripted.join();
+    library.CleanUpOnShutdown();
+    EXPECT_EQ(second["repeats"], first["id"]);
+    EXPECT_GT(second["id"], first["id"]);
 }
 
 }  // namespace
