@@ -9,7 +9,7 @@
  *   caller may also start one, drop the facade with ResetPluginFacadeInstance, and repeat the call: one that
  *   is repeated with the same arguments has the effect and the answer of one, whether or not the agent had
  *   carried it out. CoreErrorCodes::kNotImplemented (0x08000000) is the answer of a function that this font
- *   manager has no use for. Nothing is thrown. No call takes longer than 4.7 seconds, nor do those together
+ *   manager has no use for. Nothing is thrown. No call takes longer than 4.4 seconds, nor do those together
  *   that follow one in which the agent was silent.
  * - Functions that work on the font manager's data take the facade first. The facade is owned by the library:
  *   fetch it with GetPluginFacadeInstance before every call and never keep it.

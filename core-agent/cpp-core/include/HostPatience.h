@@ -42,7 +42,7 @@ private:
     static constexpr std::chrono::milliseconds kLatestRequest{2900};
     static constexpr std::chrono::milliseconds kLatestRequestAfterRecovery{4500};
     static constexpr std::chrono::milliseconds kLatestQuestion{4500};
-    static constexpr std::chrono::milliseconds kLatestLaunch{2350};
+    static constexpr std::chrono::milliseconds kLatestLaunch{2600};
 
     /// Nothing outside of a call.
     static std::chrono::milliseconds Spent();

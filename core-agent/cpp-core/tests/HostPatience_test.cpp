@@ -9,10 +9,10 @@ TEST(HostPatience, EndsWithTheWaitingOfOneCallAndBeginsAnewWithWhatTheUserSees) 
     clock.ticks = 0xFFFFFF00;  // about to wrap around
     EXPECT_TRUE(HostPatience::AllowsLaunch()) << "outside of a call nobody waits";
     const HostPatience::Call call;
-    clock.ticks += 2400;
+    clock.ticks += 2700;
     EXPECT_TRUE(HostPatience::AllowsRequest());
     EXPECT_FALSE(HostPatience::AllowsLaunch());
-    clock.ticks += 600;
+    clock.ticks += 300;
     EXPECT_FALSE(HostPatience::AllowsRequest());
     EXPECT_TRUE(HostPatience::AllowsQuestion());
     HostPatience::NoteRecovery();

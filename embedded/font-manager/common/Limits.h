@@ -18,7 +18,7 @@ constexpr size_t kMaxQueuedBytes = size_t{32} << 20;
 constexpr std::chrono::milliseconds kAnswerLimit{2000};
 /// How long a host waits for an answer, however many signs of life there are; also all that calls wait
 /// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
-constexpr std::chrono::milliseconds kCallLimit{4700};
+constexpr std::chrono::milliseconds kCallLimit{4400};
 /// A host that pauses for so long after an answer has done something else than to wait for the next one.
 constexpr std::chrono::milliseconds kHostPause{2};
 /// How long what a host activated without learning of it stays, in case it asks for the same again.
