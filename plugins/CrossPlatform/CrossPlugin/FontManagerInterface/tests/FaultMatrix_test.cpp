@@ -38,6 +38,11 @@ Type SomeArgument() {
     } else if constexpr (std::is_pointer_v<Type> && !std::is_function_v<std::remove_pointer_t<Type>> &&
                          !std::is_const_v<std::remove_pointer_t<Type>>) {
         static std::remove_pointer_t<Type> place{};
+        if constexpr (std::is_same_v<Type, CFDictionaryRef*> || std::is_same_v<Type, CFStringRef*>) {
+            if (place != nullptr)  // what came out the last time is ours
+                CFRelease(place);
+            place = nullptr;
+        }
         return &place;
     } else {
         return Type{};
