@@ -13,6 +13,7 @@
 #include <stdexcept>
 
 #include "platform/Environment.h"
+#include "platform/Files.h"
 
 namespace {
 
@@ -98,13 +99,17 @@ void FaultControl::End() {
 }
 
 FaultyStart::FaultyStart(const FaultControl& faults, const std::string& folder) {
-    platform::SetEnvironment("LD_PRELOAD", FAILING_WRITES_LIBRARY);
+    // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
+    platform::SetEnvironment("LD_PRELOAD", platform::NamePart(FAILING_WRITES_LIBRARY));
+    platform::SetEnvironment("LD_LIBRARY_PATH",
+                             std::filesystem::path(FAILING_WRITES_LIBRARY).parent_path().string());
     platform::SetEnvironment("FAILING_WRITES_PLAN", faults.Path());
     platform::SetEnvironment("FAILING_WRITES_BELOW", std::filesystem::weakly_canonical(folder).string());
 }
 
 FaultyStart::~FaultyStart() {
-    for (const char* variable : {"LD_PRELOAD", "FAILING_WRITES_PLAN", "FAILING_WRITES_BELOW"})
+    for (const char* variable :
+         {"LD_PRELOAD", "LD_LIBRARY_PATH", "FAILING_WRITES_PLAN", "FAILING_WRITES_BELOW"})
         platform::SetEnvironment(variable, "");
 }
 
