@@ -109,7 +109,9 @@ SystemError RenameToFreeName(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0 ? SystemError{} : LastSystemError();
 }
 
-/// Makes what was renamed in the folder last. Some file systems cannot, and need not be told to.
+}  // namespace
+
+/// Some file systems cannot, and need not be told to.
 SystemError FlushFolder(const std::string& folder) {
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor.IsValid())
@@ -117,8 +119,6 @@ SystemError FlushFolder(const std::string& folder) {
     const SystemError error = Flush(descriptor.Get());
     return error.code == EINVAL ? SystemError{} : error;
 }
-
-}  // namespace
 
 struct ReadOnlyFile::Handle {
     Descriptor descriptor;
@@ -162,7 +162,7 @@ SystemError ReadOnlyFile::ReadAt(uint64_t offset, void* buffer, size_t size, siz
     return {};
 }
 
-SystemError ReadOnlyFile::Size(uint64_t& size) {
+SystemError ReadOnlyFile::Size(uint64_t& size) const {
     struct stat info {};
     if (!mHandle)
         return SystemError{EBADF};
@@ -177,6 +177,10 @@ void ReadOnlyFile::Close() {
 }
 bool ReadOnlyFile::IsOpen() const {
     return mHandle != nullptr;
+}
+
+intptr_t ReadOnlyFile::NativeHandle() const {
+    return mHandle ? mHandle->descriptor.Get() : -1;
 }
 
 SystemError FileSize(const std::string& path, uint64_t& size) {

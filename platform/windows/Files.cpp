@@ -15,6 +15,7 @@
 #include "OwnedHandle.h"
 #include "UserIdentity.h"
 #include "WideText.h"
+#include "WindowsFiles.h"
 
 namespace platform {
 
@@ -74,7 +75,16 @@ bool AppendRandomDigits(std::string& text, size_t count) {
     return true;
 }
 
-/// Makes a file under a name that is nobody else's, between `beginning` and `end`; its path.
+/// Whoever may write to a folder may remove what is in it, or put something else in its place, also a file
+/// that nobody is to write to. True when there was anything to clear.
+bool ClearReadOnly(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+           SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+}
+
+}  // namespace
+
 SystemError MakeFileOfNewName(const std::string& beginning, size_t digits, const std::string& end,
                               SECURITY_ATTRIBUTES* attributes, OwnedHandle& file, std::string& path) {
     SystemError error{ERROR_FILE_EXISTS};
@@ -100,33 +110,6 @@ SystemError WriteAll(const OwnedHandle& file, std::string_view content) {
     return {};
 }
 
-SystemError WriteAndFlush(const OwnedHandle& file, std::string_view content) {
-    const SystemError error = WriteAll(file, content);
-    return error ? error : ErrorUnless(FlushFileBuffers(file.Get()));
-}
-
-SystemError CopyAll(ReadOnlyFile& source, const OwnedHandle& target) {
-    std::vector<char> piece(kPieceSize);
-    for (uint64_t offset = 0;;) {
-        size_t size = 0;
-        if (const SystemError error = source.ReadAt(offset, piece.data(), piece.size(), size))
-            return error;
-        if (size == 0)
-            return ErrorUnless(FlushFileBuffers(target.Get()));
-        if (const SystemError error = WriteAll(target, {piece.data(), size}))
-            return error;
-        offset += size;
-    }
-}
-
-/// Whoever may write to a folder may remove what is in it, or put something else in its place, also a file
-/// that nobody is to write to. True when there was anything to clear.
-bool ClearReadOnly(const std::wstring& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
-           SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-}
-
 /// A virus scanner or an indexer may hold either file for a moment.
 SystemError Rename(const std::string& from, const std::string& to, DWORD flags) {
     constexpr int kAttempts = 20;
@@ -146,6 +129,27 @@ SystemError Rename(const std::string& from, const std::string& to, DWORD flags) 
         if (!isTransient || isFolder || attempt >= kAttempts)
             return error;
         std::this_thread::sleep_for(kPause);
+    }
+}
+
+namespace {
+
+SystemError WriteAndFlush(const OwnedHandle& file, std::string_view content) {
+    const SystemError error = WriteAll(file, content);
+    return error ? error : ErrorUnless(FlushFileBuffers(file.Get()));
+}
+
+SystemError CopyAll(ReadOnlyFile& source, const OwnedHandle& target) {
+    std::vector<char> piece(kPieceSize);
+    for (uint64_t offset = 0;;) {
+        size_t size = 0;
+        if (const SystemError error = source.ReadAt(offset, piece.data(), piece.size(), size))
+            return error;
+        if (size == 0)
+            return ErrorUnless(FlushFileBuffers(target.Get()));
+        if (const SystemError error = WriteAll(target, {piece.data(), size}))
+            return error;
+        offset += size;
     }
 }
 
@@ -224,7 +228,7 @@ SystemError ReadOnlyFile::ReadAt(uint64_t offset, void* buffer, size_t size, siz
     return {};
 }
 
-SystemError ReadOnlyFile::Size(uint64_t& size) {
+SystemError ReadOnlyFile::Size(uint64_t& size) const {
     LARGE_INTEGER length{};
     if (!mHandle)
         return SystemError{ERROR_INVALID_HANDLE};
@@ -239,6 +243,10 @@ void ReadOnlyFile::Close() {
 }
 bool ReadOnlyFile::IsOpen() const {
     return mHandle != nullptr;
+}
+
+intptr_t ReadOnlyFile::NativeHandle() const {
+    return mHandle ? reinterpret_cast<intptr_t>(mHandle->file.Get()) : -1;
 }
 
 SystemError FileSize(const std::string& path, uint64_t& size) {

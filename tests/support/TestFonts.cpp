@@ -4,30 +4,9 @@
 #include <fstream>
 #include <map>
 
+#include "FontTables.h"
+
 namespace {
-
-/// Big-endian data, as font tables hold it.
-class Bytes {
-public:
-    Bytes& U8(unsigned value) {
-        mText += static_cast<char>(value & 0xFF);
-        return *this;
-    }
-    Bytes& U16(unsigned value) { return U8(value >> 8).U8(value); }
-    Bytes& U32(uint32_t value) { return U16(value >> 16).U16(value & 0xFFFF); }
-    Bytes& Zeros(size_t count) {
-        mText.append(count, '\0');
-        return *this;
-    }
-    Bytes& Text(const std::string& text) {
-        mText += text;
-        return *this;
-    }
-    const std::string& Get() const { return mText; }
-
-private:
-    std::string mText;
-};
 
 constexpr unsigned kGlyphCount = 2;
 constexpr unsigned kUnitsPerEm = 1000;
@@ -139,11 +118,15 @@ uint32_t Checksum(const std::string& table) {
     return sum;
 }
 
-/// The font as it stands at an offset of a file.
-std::string FontAt(uint32_t offset, const TestFontNames& names) {
-    const std::map<std::string, std::string> tables = {
+}  // namespace
+
+FontTables TablesOfTestFont(const TestFontNames& names) {
+    return {
         {"OS/2", Os2()},  {"cmap", Cmap()}, {"glyf", Glyf()}, {"head", Head()},           {"hhea", Hhea()},
         {"hmtx", Hmtx()}, {"loca", Loca()}, {"maxp", Maxp()}, {"name", NameTable(names)}, {"post", Post()}};
+}
+
+std::string FontOfTables(const FontTables& tables, uint32_t offset) {
     const auto count = static_cast<unsigned>(tables.size());
     Bytes directory;
     directory.U32(0x00010000).U16(count).U16(128).U16(3).U16(count * 16 - 128);
@@ -157,10 +140,8 @@ std::string FontAt(uint32_t offset, const TestFontNames& names) {
     return directory.Get() + content;
 }
 
-}  // namespace
-
 std::string MakeTestFont(const TestFontNames& names) {
-    return FontAt(0, names);
+    return FontOfTables(TablesOfTestFont(names));
 }
 
 std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts) {
@@ -171,7 +152,7 @@ std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts) {
     std::string content;
     for (const TestFontNames& names : fonts) {
         header.U32(offset);
-        const std::string font = FontAt(offset, names);
+        const std::string font = FontOfTables(TablesOfTestFont(names), offset);
         content += font;
         offset += static_cast<uint32_t>(font.size());
     }

@@ -9,13 +9,13 @@
 #include <sstream>
 
 #include "TarnwickPluginInterface.h"
-#include "activation/FontVault.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "store/Database.h"
+#include "tests/support/VaultFiles.h"
 
 namespace pellwick::test {
 namespace {
@@ -159,8 +159,8 @@ Json FaultyStore::Files() const {
             continue;
         // A font's file is named by what is in it.
         const std::string content = ContentOf(path);
-        const bool isWhole = name.substr(0, name.find('.')) == Sha256(content);
-        files.push_back({path, isWhole ? "whole" : Sha256(content)});
+        const bool isWhole = name.substr(0, name.find('.')) == ChecksumOf(content);
+        files.push_back({path, isWhole ? "whole" : ChecksumOf(content)});
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -26,3 +26,6 @@ size_t Utf16Length(std::string_view text);
 /// untouched then.
 [[nodiscard]] ErrorCode ConvertEncoding(std::string_view bytes, const char* from, const char* to,
                                         std::string& converted);
+/// Makes that conversion one that reads no files from here on, for a process that is about to give up reading
+/// any: iconv has its tables in files of their own. False for an unknown encoding.
+bool KeepEncodingLoaded(const char* from, const char* to);

@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <iterator>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -88,6 +90,12 @@ size_t Utf16Length(std::string_view text) {
         length += continues ? 0 : byte < 0xF0 ? 1 : 2;
     }
     return length;
+}
+
+bool KeepEncodingLoaded(const char* from, const char* to) {
+    // The tables stay for as long as a converter is open.
+    static auto* const kept = new std::vector<std::unique_ptr<Converter>>;
+    return kept->emplace_back(std::make_unique<Converter>(to, from))->IsOpen();
 }
 
 ErrorCode ConvertEncoding(std::string_view bytes, const char* from, const char* to, std::string& converted) {

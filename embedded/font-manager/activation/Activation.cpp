@@ -15,8 +15,8 @@ void RemoveAll(std::vector<uint32_t>& fonts, const std::vector<uint32_t>& others
 }  // namespace
 
 Activation::Activation(Database& database, FontStore& fonts, ActivationStore& activations,
-                       ActiveFonts& active)
-    : mFonts(fonts), mActivations(activations), mActive(active), mTransaction(database) {}
+                       ActiveFonts& active, Durability durability)
+    : mFonts(fonts), mActivations(activations), mActive(active), mTransaction(database, durability) {}
 
 Activation::~Activation() {
     if (mIsCommitted)

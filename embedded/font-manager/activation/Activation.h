@@ -24,7 +24,8 @@ struct ActivationChanges {
 /// between leaves behind, the repair at the next start takes away. Throws DatabaseError.
 class Activation {
 public:
-    Activation(Database& database, FontStore& fonts, ActivationStore& activations, ActiveFonts& active);
+    Activation(Database& database, FontStore& fonts, ActivationStore& activations, ActiveFonts& active,
+               Durability durability = Durability::kProcess);
     ~Activation();
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;

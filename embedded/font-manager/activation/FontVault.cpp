@@ -1,20 +1,21 @@
 #include "activation/FontVault.h"
 
-#include <nettle/sha2.h>
-
-#include <array>
+#include <algorithm>
+#include <iterator>
 #include <set>
+#include <string_view>
 #include <system_error>
 
+#include "activation/Checksum.h"
+#include "common/Limits.h"
 #include "platform/Files.h"
+#include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr size_t kChecksumLength = 2 * SHA256_DIGEST_SIZE;
 
 /// Two hexadecimal digits of a checksum, then the checksum and an extension.
 bool IsShardedName(const fs::path& path) {
@@ -24,27 +25,50 @@ bool IsShardedName(const fs::path& path) {
            name.find_first_not_of("0123456789abcdef") == kChecksumLength && shard == name.substr(0, 2);
 }
 
+constexpr size_t kPieceSize = size_t{1} << 20;
+
+/// Hands all of the file to `take`, piece by piece, until that answers false or it is stopped.
+template <class Take>
+platform::SystemError ReadPieces(platform::ReadOnlyFile& file, const StopFlag& isStopped, const Take& take) {
+    std::string piece(kPieceSize, '\0');
+    size_t size = kPieceSize;
+    for (uint64_t offset = 0; size == kPieceSize && !isStopped; offset += size) {
+        if (const auto error = file.ReadAt(offset, piece.data(), piece.size(), size))
+            return error;
+        if (!take(std::string_view(piece).substr(0, size)))
+            break;
+    }
+    return {};
+}
+
+std::string FolderOf(const std::string& path) {
+    return platform::Utf8Text(platform::Utf8Path(path).parent_path());
+}
+
+// Copies on their way stand here, and what is not what its name says there.
+std::string IncomingFolder(const std::string& vault) {
+    return vault + platform::kPathSeparator + "incoming";
+}
+
+std::string DamagedFolder(const std::string& vault) {
+    return vault + platform::kPathSeparator + "damaged";
+}
+
+int RemoveAll(const std::string& folder) {
+    int removed = 0;
+    std::error_code failure;
+    for (fs::directory_iterator entry(platform::Utf8Path(folder), failure);
+         !failure && entry != fs::directory_iterator(); entry.increment(failure))
+        removed += platform::RemoveFile(platform::Utf8Text(entry->path())) ? 0 : 1;
+    return removed;
+}
+
 /// A temporary name has one more extension behind the font's own.
 bool IsTemporaryName(const fs::path& path) {
     return platform::Utf8Text(path.filename()).find('.', kChecksumLength + 1) != std::string::npos;
 }
 
 }  // namespace
-
-std::string Sha256(const std::string& content) {
-    sha256_ctx context;
-    sha256_init(&context);
-    sha256_update(&context, content.size(), reinterpret_cast<const uint8_t*>(content.data()));
-    std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
-    sha256_digest(&context, digest.size(), digest.data());
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (const uint8_t byte : digest) {
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
-}
 
 std::string ShardedPath(const std::string& folder, const FontFile& file) {
     return folder + platform::kPathSeparator + file.checksum.substr(0, 2) + platform::kPathSeparator +
@@ -72,38 +96,87 @@ bool FontVault::Has(const FontFile& file) const {
     return !platform::FileSize(PathOf(file), size) && size == file.size;
 }
 
-platform::SystemError FontVault::Store(const FontFile& file, const std::string& content) const {
-    const std::string path = PathOf(file);
-    if (const auto error =
-            platform::MakeFolders(platform::Utf8Text(platform::Utf8Path(path).parent_path()), true))
-        return error;
-    const auto error = platform::WriteWholeFile(path, content);
-    // Links give other programs the very same file; none of them is to write to it by mistake.
-    std::error_code failure;
+bool FontVault::IsIntact(const FontFile& file, const StopFlag& isStopped) const {
+    return Has(file) && ChecksumOfContent(PathOf(file), isStopped) == file.checksum;
+}
+
+FontVault::Outcome FontVault::Receive(platform::ReadOnlyFile& source, const StopFlag& isStopped,
+                                      ReceivedFile& received, platform::SystemError& error) const {
+    error = platform::MakePrivateFolder(IncomingFolder(mFolder));
     if (!error)
-        fs::permissions(platform::Utf8Path(path), fs::perms::owner_read, failure);
-    return error;
+        error = received.copy.Open(IncomingFolder(mFolder));
+    if (error)
+        return Outcome::kUnwritable;
+    Checksum checksum;
+    received.size = 0;
+    platform::SystemError writing;
+    error = ReadPieces(source, isStopped, [&](std::string_view piece) {
+        received.size += piece.size();
+        checksum.Append(piece);
+        writing = received.copy.Write(piece);
+        return !writing && received.size <= kMaxFontFileSize;
+    });
+    if (error)
+        return Outcome::kUnreadable;
+    if (received.size > kMaxFontFileSize)
+        return Outcome::kTooLarge;
+    if (isStopped)
+        return Outcome::kStopped;
+    received.checksum = checksum.Digits();
+    error = writing ? writing : received.copy.Finish();
+    return error ? Outcome::kUnwritable : Outcome::kReceived;
 }
 
-void FontVault::Remove(const FontFile& file) const {
-    platform::RemoveFile(PathOf(file));
+platform::SystemError FontVault::Place(ReceivedFile& received, const FontFile& file) const {
+    const std::string path = PathOf(file);
+    const auto error = platform::MakePrivateFolder(FolderOf(path));
+    return error ? error : received.copy.MoveTo(path);
 }
 
-bool FontVault::IsEmpty() const {
-    return ShardedFiles(mFolder).empty();
+platform::SystemError FontVault::Remove(const FontFile& file) const {
+    return platform::RemoveFile(PathOf(file));
 }
 
-int FontVault::Sweep(const std::vector<FontFile>& known, bool keepUnknown) const {
+std::string FontVault::ChecksumOfName(const std::string& path) {
+    return platform::NamePart(path).substr(0, kChecksumLength);
+}
+
+std::string FontVault::ChecksumOfContent(const std::string& path, const StopFlag& isStopped) {
+    platform::ReadOnlyFile file;
+    Checksum checksum;
+    const bool isRead = !file.Open(path) && !ReadPieces(file, isStopped, [&](std::string_view piece) {
+        checksum.Append(piece);
+        return true;
+    });
+    return isRead && !isStopped ? checksum.Digits() : std::string();
+}
+
+std::string FontVault::SetAside(const std::string& path) const {
+    std::string target = DamagedFolder(mFolder) + platform::kPathSeparator + platform::NamePart(path);
+    std::error_code failure;
+    if (platform::MakePrivateFolder(DamagedFolder(mFolder)))
+        return {};
+    fs::rename(platform::Utf8Path(path), platform::Utf8Path(target), failure);
+    return failure ? std::string() : target;
+}
+
+FontVault::Survey FontVault::LookAround(const std::vector<FontFile>& known) const {
+    Survey survey;
+    survey.removed = RemoveAll(IncomingFolder(mFolder));
     std::set<std::string> wanted;
     for (const FontFile& file : known)
         wanted.insert(PathOf(file));
-    int removed = 0;
     for (const std::string& path : ShardedFiles(mFolder)) {
-        const bool isLeftOver = IsTemporaryName(platform::Utf8Path(path)) || !keepUnknown;
-        if (wanted.count(path) == 0 && isLeftOver && !platform::RemoveFile(path))
-            ++removed;
+        if (wanted.count(path) != 0)
+            continue;
+        if (!IsTemporaryName(platform::Utf8Path(path)))
+            survey.unknown.push_back(path);
+        else if (!platform::RemoveFile(path))
+            ++survey.removed;
     }
-    return removed;
+    std::copy_if(known.begin(), known.end(), std::back_inserter(survey.missing),
+                 [&](const FontFile& file) { return !Has(file); });
+    return survey;
 }
 
 }  // namespace pellwick

@@ -1,16 +1,19 @@
 // The folder in which the agent keeps its copies of font files, named by their checksums.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
+#include "platform/FileWriter.h"
+#include "platform/Files.h"
 #include "platform/SystemError.h"
 #include "store/FontStore.h"
 
 namespace pellwick {
 
-/// SHA-256 (FIPS 180-4) as 64 lower-case hexadecimal digits.
-std::string Sha256(const std::string& content);
+/// Says that a long operation is to be given up: set by another thread.
+using StopFlag = std::atomic<bool>;
 
 /// Below a folder: FOLDER/ab/abcd...ef.ttf, so that no single folder gets large.
 std::string ShardedPath(const std::string& folder, const FontFile& file);
@@ -20,6 +23,14 @@ std::string ShardedPath(const std::string& folder, const FontFile& file);
 /// the user pointed is the user's.
 std::vector<std::string> ShardedFiles(const std::string& folder);
 
+/// A copy on its way into the vault, which goes away unless it gets there.
+struct ReceivedFile {
+    platform::FileWriter copy;
+    std::string checksum;  ///< SHA-256 (FIPS 180-4) as 64 lower-case hexadecimal digits
+    uint64_t size = 0;     ///< bytes
+};
+
+/// Any thread; one at a time for the same file.
 class FontVault {
 public:
     explicit FontVault(std::string folder) : mFolder(std::move(folder)) {}
@@ -28,19 +39,37 @@ public:
     std::string PathOf(const FontFile& file) const { return ShardedPath(mFolder, file); }
     /// Whether the file is there, with the size it should have.
     bool Has(const FontFile& file) const;
-    /// Keeps the content under the file's checksum. Whole or not at all.
-    platform::SystemError Store(const FontFile& file, const std::string& content) const;
-    /// Removes the file; not being there is fine.
-    void Remove(const FontFile& file) const;
+    /// Whether its content is also what its checksum says. Reads all of it.
+    bool IsIntact(const FontFile& file, const StopFlag& isStopped) const;
 
-    /// Whether there is no font file in it.
-    bool IsEmpty() const;
-    /// Removes what an interrupted Store left, and whole files that are not among `known` unless these are to
-    /// be kept. How many files were removed.
-    int Sweep(const std::vector<FontFile>& known, bool keepUnknown) const;
+    enum class Outcome { kReceived, kUnreadable, kUnwritable, kTooLarge, kStopped };
+    /// Copies a file of up to kMaxFontFileSize, so that the system does not lose it. `error`: why the one
+    /// cannot be read or the other written.
+    Outcome Receive(platform::ReadOnlyFile& source, const StopFlag& isStopped, ReceivedFile& received,
+                    platform::SystemError& error) const;
+    /// Gives the copy its place, under its checksum. Whole or not at all.
+    platform::SystemError Place(ReceivedFile& received, const FontFile& file) const;
+    /// Removes the file; not being there is fine.
+    platform::SystemError Remove(const FontFile& file) const;
+
+    /// The checksum by which a file of the vault is called.
+    static std::string ChecksumOfName(const std::string& path);
+    /// That of its content; empty when it cannot be read or reading it was stopped.
+    static std::string ChecksumOfContent(const std::string& path, const StopFlag& isStopped);
+    /// Puts a file of the vault that is not what its name says where nobody uses it but people can find it.
+    /// Its path there; empty when it stays where it is.
+    std::string SetAside(const std::string& path) const;
+
+    struct Survey {
+        std::vector<std::string> unknown;  ///< paths of files that are none of the known
+        std::vector<FontFile> missing;     ///< known files that are not there with their size
+        int removed = 0;                   ///< files that interrupted commands had left
+    };
+    /// Looks at what is there, and removes what was left half-way. To be called while nothing is received.
+    Survey LookAround(const std::vector<FontFile>& known) const;
 
 private:
-    std::string mFolder;
+    const std::string mFolder;
 };
 
 }  // namespace pellwick

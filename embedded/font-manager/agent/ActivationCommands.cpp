@@ -154,7 +154,7 @@ Json GetClientStates(CommandContext& context, const Json& arguments) {
 Json ActivateForUser(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     Json failed = Json::array();
-    Activation activation = context.manager.BeginActivation();
+    Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
     for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
         context.audience.KeepAlive();
         const auto font = context.manager.fonts.Find(id);
@@ -167,7 +167,7 @@ Json ActivateForUser(CommandContext& context, const Json& arguments) {
 
 Json DeactivateForUser(CommandContext& context, const Json& arguments) {
     Json stillActive = Json::array();
-    Activation activation = context.manager.BeginActivation();
+    Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
     const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, "fonts"));
     for (const uint32_t id : ids) {
         context.audience.KeepAlive();

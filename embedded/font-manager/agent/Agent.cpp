@@ -19,12 +19,20 @@
 namespace pellwick {
 namespace {
 
-void LogStart(LogFile& log, const Server& server, int swept, const ActiveFonts::Repairs& repairs) {
+void LogStart(LogFile& log, const Server& server, const FontVault::Survey& survey,
+              const ActiveFonts::Repairs& repairs) {
     const int64_t now = platform::Current<platform::Clock>().Now();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
               ", " + platform::LocalTimeText(now));
-    if (swept != 0)
-        log.Write("vault put right: " + std::to_string(swept) + " removed that interrupted commands left\n");
+    if (survey.removed != 0)
+        log.Write("vault put right: " + std::to_string(survey.removed) +
+                  " removed that interrupted commands left\n");
+    if (!survey.missing.empty())
+        log.Write(std::to_string(survey.missing.size()) +
+                  " files are gone from the vault; \"Pellwick doctor\" names them\n");
+    if (!survey.unknown.empty())
+        log.Write(std::to_string(survey.unknown.size()) +
+                  " files of the vault stand in no record, and are taken back as fonts\n");
     if (repairs.added != 0 || repairs.removed != 0 || !repairs.missing.empty())
         log.Write("active fonts put right: " + std::to_string(repairs.added) + " added, " +
                   std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
@@ -43,9 +51,11 @@ int Serve(const Locations& locations, LogFile& log, std::string& problem) {
     }
     manager.EndLeasesOfDeadProcesses();
     const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
-    const int swept = manager.SweepVault();  // after: a file that is active may not be possible to remove
-    LogStart(log, server, swept, repairs);
+    // After that: a file that is active may not be possible to remove.
+    const FontVault::Survey survey = manager.LookAroundVault();
+    LogStart(log, server, survey, repairs);
     platform::NotifyReadyForInput();
+    server.TakeBackFonts(survey.unknown);
     server.Run();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends\n");
     return 0;
@@ -113,8 +123,8 @@ std::string DatabaseProblem(const Locations& locations, const DatabaseError& err
             return error.what();
         default:
             return locations.databasePath + ": " + error.what() +
-                   "; if it cannot be mended, move it away and \"Pellwick add\" the fonts in " +
-                   locations.vaultFolder;
+                   "; if it cannot be mended, move it away: the fonts in " + locations.vaultFolder +
+                   " are taken back";
     }
 }
 

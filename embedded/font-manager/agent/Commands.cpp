@@ -24,15 +24,11 @@ std::optional<Json> EarlierAnswer(CommandContext& context, const Json& request) 
     return Json::parse(*answer);
 }
 
-ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& request, Json& result) {
-    const auto command = table.find(StringMember(request, "method"));
-    if (command == table.end()) {
-        result = Failure("the agent does not know this command; it may be older than the program that asks");
-        return CoreErrorCodes::kNotImplemented;
-    }
+/// Carries out a command or a part of one. What it throws becomes the code and the result of a failure.
+template <class Part>
+ErrorCode CarryOut(const Part& part, Json& result) {
     try {
-        const std::optional<Json> earlier = EarlierAnswer(context, request);
-        result = earlier ? *earlier : command->second(context, ObjectMember(request, "args"));
+        result = part();
         return CoreErrorCodes::kSuccess;
     } catch (const CommandError& error) {
         result = Failure(error.what());
@@ -52,6 +48,16 @@ ErrorCode Run(const CommandTable& table, CommandContext& context, const Json& re
     }
 }
 
+Json Run(const CommandTable& table, CommandContext& context, const Json& request) {
+    const auto command = table.find(StringMember(request, "method"));
+    if (command == table.end())
+        throw CommandError(
+            CoreErrorCodes::kNotImplemented,
+            "the agent does not know this command; it may be older than the program that asks");
+    const std::optional<Json> earlier = EarlierAnswer(context, request);
+    return earlier ? *earlier : command->second(context, ObjectMember(request, "args"));
+}
+
 /// `code` becomes that of an answer that is too large.
 std::string AnswerFrame(const CommandContext& context, ErrorCode& code, const Json& result) {
     const long long id = context.request;
@@ -68,12 +74,26 @@ std::string AnswerFrame(const CommandContext& context, ErrorCode& code, const Js
     return *frame;
 }
 
+/// Nothing where the part has left work to a lane.
+template <class Part>
+std::optional<CommandAnswer> AnswerOf(CommandContext& context, const Part& part) {
+    Json result;
+    ErrorCode code = CarryOut(part, result);
+    if (code == CoreErrorCodes::kSuccess && context.deferral)
+        return std::nullopt;
+    std::string frame = AnswerFrame(context, code, result);
+    return CommandAnswer{code,
+                         code != CoreErrorCodes::kSuccess ? StringMember(result, "message") : std::string(),
+                         std::move(frame)};
+}
+
 }  // namespace
 
 CommandTable MakeCommandTable() {
     CommandTable table;
     AddSessionCommands(table);
     AddFontCommands(table);
+    AddVaultCommands(table);
     AddLookupCommands(table);
     AddActivationCommands(table);
     AddDesignCommands(table);
@@ -85,14 +105,14 @@ CommandTable MakeCommandTable() {
     return table;
 }
 
-CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
-                            const Json& request) noexcept {
-    Json result;
+std::optional<CommandAnswer> BeginRequest(const CommandTable& table, CommandContext& context,
+                                          const Json& request) {
     context.request = IntegerMember(request, "id");
-    ErrorCode code = Run(table, context, request, result);
-    std::string frame = AnswerFrame(context, code, result);
-    return {code, code != CoreErrorCodes::kSuccess ? StringMember(result, "message") : std::string(),
-            std::move(frame)};
+    return AnswerOf(context, [&] { return Run(table, context, request); });
+}
+
+std::optional<CommandAnswer> ContinueRequest(CommandContext& context, const Continuation& rest) {
+    return AnswerOf(context, [&] { return rest(context); });
 }
 
 void CommandContext::UndoWhatWasNotTaken(Activation& activation) const {

@@ -1,6 +1,7 @@
 // The agent's commands: one function per method of the protocol.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -9,6 +10,7 @@
 #include "ErrorCodes.h"
 #include "agent/FontManager.h"
 #include "ipc/Message.h"
+#include "workers/FontWorker.h"
 
 namespace pellwick {
 
@@ -45,15 +47,40 @@ public:
     virtual void Announce(int32_t type, const Json& data) = 0;
     /// To be called every now and then by a command that may take long: clients learn that the agent lives.
     virtual void KeepAlive() = 0;
+    /// Writes a line into the log.
+    virtual void Note(const std::string& text) = 0;
     /// Ends the agent after this command.
     virtual void RequestStop() = 0;
+};
+
+struct CommandContext;
+/// The rest of a command, once the part before it is done: on the loop again, with everything that is the
+/// loop's. Time has passed: what was looked up before may be gone.
+using Continuation = std::function<Json(CommandContext& context)>;
+
+/// A part of a command that takes long and does not touch what is the loop's.
+struct Deferral {
+    enum class LaneName {
+        kFiles,    ///< copies, checks and reads the files of fonts
+        kPreviews  ///< draws: hosts wait for that, and it is not to wait for files that are added
+    };
+    LaneName lane;
+    std::function<Continuation(FontWorker& worker)> work;
 };
 
 struct CommandContext {
     FontManager& manager;
     Client& client;
     Audience& audience;
-    long long request = 0;  ///< the client's number for it
+    long long request = 0;               ///< the client's number for it
+    std::optional<Deferral> deferral{};  ///< what the command has left to a lane
+
+    /// To be returned by a command whose answer comes later: the other clients are served meanwhile, and this
+    /// one sees signs of life. The answer is what the continuation returns, unless that defers as well.
+    Json Defer(Deferral::LaneName lane, std::function<Continuation(FontWorker& worker)> work) {
+        deferral = {lane, std::move(work)};
+        return nullptr;
+    }
 
     /// What a lease is to say that this request takes for the purpose.
     LeaseTerms TermsFor(LeasePurpose purpose, const std::string& document = {}) const {
@@ -82,6 +109,7 @@ CommandTable MakeCommandTable();
 // What MakeCommandTable is made of.
 void AddSessionCommands(CommandTable& table);
 void AddFontCommands(CommandTable& table);
+void AddVaultCommands(CommandTable& table);
 void AddLookupCommands(CommandTable& table);
 void AddActivationCommands(CommandTable& table);
 void AddDesignCommands(CommandTable& table);
@@ -97,8 +125,13 @@ struct CommandAnswer {
     std::string frame;
 };
 
-/// Runs the command that a request asks for and makes the answer to send back. Never throws.
-CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, const Json& request) noexcept;
+/// Runs the command that a request asks for and makes the answer to send back; nothing when the command has
+/// left work to a lane. What the command throws is its answer; std::bad_alloc when there is no memory even
+/// for that.
+std::optional<CommandAnswer> BeginRequest(const CommandTable& table, CommandContext& context,
+                                          const Json& request);
+/// The same for the rest of a command.
+std::optional<CommandAnswer> ContinueRequest(CommandContext& context, const Continuation& rest);
 
 /// Throws CommandError while nobody is logged in.
 void RequireLogIn(CommandContext& context);
@@ -118,6 +151,14 @@ std::vector<Font> RestOfFamily(FontStore& fonts, const Font& font);
 
 /// The workgroup of that name. Throws CommandError when there is none.
 Workgroup FindWorkgroup(CommandContext& context, const std::string& name);
+
+/// Adds a font file; see AddFontCommand.cpp.
+Json AddFile(CommandContext& context, const Json& arguments);
+
+/// Has the lane for files look at the next file of the vault that is due; see VaultCommands.cpp.
+Json CheckNextFile(CommandContext& context);
+/// Takes files of the vault that no record knows into the library, one after the other.
+Json TakeBack(CommandContext& context, std::vector<std::string> paths);
 
 /// Announces fonts that became active or inactive, or whose files are gone.
 void AnnounceChanges(Audience& audience, const ActivationChanges& changes);

@@ -1,6 +1,7 @@
 #include "agent/FontManager.h"
 
 #include "common/Protocol.h"
+#include "platform/Files.h"
 #include "platform/Processes.h"
 #include "store/Schema.h"
 
@@ -27,14 +28,24 @@ FontManager::FontManager(const Locations& places)
       settings(database),
       vault(places.vaultFolder),
       activeFonts(MakeActiveFonts(places.linkFolder, vault)),
-      previews(places.previewFolder, vault) {
+      previews(places.previewFolder) {
     PrepareSchema(database);
-    if (!settings.OwnsVault() && vault.IsEmpty())  // what comes into it from now on is this database's
-        settings.NoteOwnVault();
 }
 
-int FontManager::SweepVault() {
-    return vault.Sweep(fonts.Files(), !settings.OwnsVault());
+FontVault::Survey FontManager::LookAroundVault() {
+    FontVault::Survey survey = vault.LookAround(fonts.Files());
+    Transaction transaction(database);
+    fonts.NoteMissingFiles(survey.missing);
+    // A command that removed fonts may have been interrupted before their files were gone.
+    for (const std::string& checksum : fonts.RemovedFiles()) {
+        const auto isOfFile = [&](const std::string& path) {
+            return FontVault::ChecksumOfName(path) == checksum && !platform::RemoveFile(path);
+        };
+        survey.removed += static_cast<int>(std::erase_if(survey.unknown, isOfFile));
+    }
+    fonts.ForgetRemovedFiles();
+    transaction.Commit();
+    return survey;
 }
 
 ActiveFonts::Repairs FontManager::RepairActiveFonts() {

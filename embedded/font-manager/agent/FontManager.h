@@ -1,13 +1,14 @@
 // Everything that the agent keeps and works with.
 #pragma once
 
+#include <set>
+
 #include "activation/Activation.h"
 #include "activation/ActiveFonts.h"
 #include "activation/FontVault.h"
 #include "activation/ReplacementFinder.h"
 #include "common/Locations.h"
 #include "preview/PreviewFolder.h"
-#include "scan/FontScanner.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
 #include "store/DocumentStore.h"
@@ -25,10 +26,13 @@ public:
     /// Opens the database, or makes a new one. Throws DatabaseError.
     explicit FontManager(const Locations& locations);
 
-    Activation BeginActivation() { return {database, fonts, activations, *activeFonts}; }
-    /// Removes from the vault what interrupted commands left there; how many files. Fonts of an earlier
-    /// database stay.
-    int SweepVault();
+    /// Hosts' activations end with their processes; the user's are to be kept.
+    Activation BeginActivation(Durability durability = Durability::kProcess) {
+        return {database, fonts, activations, *activeFonts, durability};
+    }
+    /// Looks at what the vault holds: removes what interrupted commands left there, and notes which files are
+    /// gone or there again. What no record knows stays, for who takes it back.
+    FontVault::Survey LookAroundVault();
     /// Makes what programs see agree with the records.
     ActiveFonts::Repairs RepairActiveFonts();
     /// Whether that failed the last time, so that it is to be tried again.
@@ -55,7 +59,7 @@ public:
     FontVault vault;
     const std::unique_ptr<ActiveFonts> activeFonts;
     PreviewFolder previews;
-    FontScanner scanner;
+    std::set<uint32_t> undrawable;  ///< fonts of which no image could be made
 
 private:
     bool mNeedsRepair = false;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <asio/post.hpp>
+#include <exception>
 #include <limits>
 #include <nlohmann/json.hpp>
 
 #include "common/Limits.h"
 #include "common/Protocol.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -26,6 +28,12 @@ bool MayRepeatActivation(const Json& request) {
            method == method::kActivateDocumentFonts;
 }
 
+/// It stands beside the agent.
+std::string FontWorkerPath() {
+    const std::string agent = platform::Current<platform::Processes>().CurrentExecutablePath();
+    return platform::FolderPart(agent) + platform::ProgramFileName(kFontWorkerProgram);
+}
+
 std::string FrameOf(const Json& message) {
     return EncodeMessage(message).value_or(std::string());
 }
@@ -40,7 +48,11 @@ Server::Server(FontManager& manager, LogFile& log)
       mAcceptor(mLoop, [this](platform::LocalStream stream) { Admit(std::move(stream)); }),
       mSweepTimer(mLoop),
       mUndoTimer(mLoop),
-      mGoodbyeTimer(mLoop) {}
+      mGoodbyeTimer(mLoop),
+      mPendingTimer(mLoop),
+      mVaultTimer(mLoop),
+      mFileLane(FontWorkerPath()),
+      mPreviewLane(FontWorkerPath()) {}
 
 Server::~Server() {
     if (!mAddress.empty())
@@ -70,6 +82,7 @@ bool Server::Listen(std::string& problem) {
 void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
+    CheckVaultLater();
     mLoop.run();
 }
 
@@ -86,26 +99,97 @@ void Server::Admit(platform::LocalStream stream) {
     session->Start();
 }
 
-std::string Server::Answer(Client& client, const Json& request) {
+void Server::OnRequest(const std::shared_ptr<Session>& session, const Json& request) {
     mLastSignOfLife = std::chrono::steady_clock::now();
     if (!MayRepeatActivation(request))
-        UndoWhatWasNotTaken(client);
-    CommandContext context{mManager, client, *this};
-    const CommandAnswer answer = AnswerRequest(mCommands, context, request);
-    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == context.request) {
+        UndoWhatWasNotTaken(session->Peer());
+    Proceed({StringMember(request, "method"), IntegerMember(request, "id"), session},
+            [&](CommandContext& context) { return BeginRequest(mCommands, context, request); });
+    if (mSweepDelay.count() == 0)
+        SweepLeasesIn(kLongestSweepDelay);
+}
+
+template <class Step>
+void Server::Proceed(PendingCommand command, const Step& step) {
+    CommandContext context{mManager, ClientOf(command), *this, command.request};
+    const std::optional<CommandAnswer> answer = step(context);
+    if (answer)
+        Finish(command, *answer);
+    else
+        Defer(std::move(command), std::move(*context.deferral));
+}
+
+void Server::Finish(const PendingCommand& command, const CommandAnswer& answer) {
+    Client& client = ClientOf(command);
+    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == command.request) {
         OnAnswerLost(client);  // the client is told of a failure instead
         client.provisionalRequest = 0;
     }
-    if (client.lastTaken && StringMember(request, "method") == method::kHello)
+    if (client.lastTaken && command.method == method::kHello)
         UndoLater();
     if (answer.code != CoreErrorCodes::kSuccess)
-        mLog.Write(StringMember(request, "method") + ": " + ErrorCodeToName(answer.code) + ": " +
-                   answer.problem + "\n");
+        mLog.Write(command.method + ": " + ErrorCodeToName(answer.code) + ": " + answer.problem + "\n");
     if (mStopsAfterCommand)
         asio::post(mLoop, [this] { Stop(); });
-    if (mSweepDelay.count() == 0)
-        SweepLeasesIn(kLongestSweepDelay);
-    return answer.frame;
+    if (command.session)
+        command.session->Answer(answer.frame);
+}
+
+void Server::Defer(PendingCommand command, Deferral deferral) {
+    if (mPending.empty())
+        KeepPendingAlive();
+    const uint64_t number = ++mLastPending;
+    mPending.emplace(number, std::move(command));
+    Lane& lane = deferral.lane == Deferral::LaneName::kFiles ? mFileLane : mPreviewLane;
+    lane.Post([this, number, work = std::move(deferral.work)](FontWorker& worker) {
+        Continuation rest;
+        try {
+            rest = work(worker);
+        } catch (...) {
+            rest = [problem = std::current_exception()](CommandContext&) -> Json {
+                std::rethrow_exception(problem);
+            };
+        }
+        asio::post(mLoop, [this, number, rest = std::move(rest)] {
+            const auto pending = mPending.extract(number);
+            Proceed(pending.mapped(),
+                    [&](CommandContext& context) { return ContinueRequest(context, rest); });
+        });
+    });
+}
+
+void Server::KeepPendingAlive() {
+    mPendingTimer.expires_after(kKeepAliveInterval);
+    mPendingTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure || mPending.empty())
+            return;
+        const std::string frame = FrameOf({{"working", true}});
+        for (const auto& [number, command] : mPending) {
+            if (command.session)
+                command.session->Send(frame);
+        }
+        KeepPendingAlive();
+    });
+}
+
+void Server::RunOwn(const char* method, const Continuation& command) {
+    Proceed({method}, [&](CommandContext& context) { return ContinueRequest(context, command); });
+}
+
+void Server::TakeBackFonts(const std::vector<std::string>& paths) {
+    if (!paths.empty())
+        RunOwn("taking fonts back", [&](CommandContext& context) { return TakeBack(context, paths); });
+}
+
+void Server::CheckVaultLater() {
+    mVaultTimer.expires_after(kVaultCheckInterval);
+    mVaultTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure)
+            return;
+        if (mFileLane.IsIdle())
+            RunOwn("checking the vault", CheckNextFile);
+        CheckVaultLater();
+    });
 }
 
 void Server::Announce(int32_t type, const Json& data) {
@@ -214,6 +298,8 @@ void Server::Stop() {
     mAcceptor.Close();
     mSweepTimer.cancel();
     mUndoTimer.cancel();
+    mPendingTimer.cancel();
+    mVaultTimer.cancel();
     const std::string goodbye = FrameOf({{"goodbye", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)

@@ -4,6 +4,7 @@
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -14,10 +15,11 @@
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
 #include "platform/LocalStream.h"
+#include "workers/Lane.h"
 
 namespace pellwick {
 
-/// One thread serves all clients in turn.
+/// One thread serves all clients in turn. What takes long is left to lanes meanwhile.
 class Server : private Audience, private SessionOwner {
 public:
     Server(FontManager& manager, LogFile& log);
@@ -27,6 +29,8 @@ public:
     /// done; `problem` then tells people.
     bool Listen(std::string& problem);
     const std::string& Address() const { return mAddress; }
+    /// Takes files of the vault that no record knows into the library, beside everything else.
+    void TakeBackFonts(const std::vector<std::string>& paths);
     /// Serves until the agent is told to stop.
     void Run();
 
@@ -34,14 +38,35 @@ private:
     // Audience
     void Announce(int32_t type, const Json& data) override;
     void KeepAlive() override;
+    void Note(const std::string& text) override { mLog.Write(text + "\n"); }
     void RequestStop() override { mStopsAfterCommand = true; }
     // SessionOwner
-    std::string Answer(Client& client, const Json& request) override;
+    void OnRequest(const std::shared_ptr<Session>& session, const Json& request) override;
     void OnAnswerLost(const Client& client) override;
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
+    /// A command of which a lane does a part. One of the agent's own has no session.
+    struct PendingCommand {
+        std::string method;
+        long long request = 0;
+        std::shared_ptr<Session> session{};
+    };
+
     void Admit(platform::LocalStream stream);
+    Client& ClientOf(const PendingCommand& command) {
+        return command.session ? command.session->Peer() : mOwnClient;
+    }
+    /// `step` does the next part of the command. The answer goes out, unless it defers.
+    template <class Step>
+    void Proceed(PendingCommand command, const Step& step);
+    void Defer(PendingCommand command, Deferral deferral);
+    void Finish(const PendingCommand& command, const CommandAnswer& answer);
+    /// Tells those who wait for a lane that the agent is alive.
+    void KeepPendingAlive();
+    /// Carries out a command of the agent's own.
+    void RunOwn(const char* method, const Continuation& command);
+    void CheckVaultLater();
     /// False when that could not be written.
     bool UndoRequests(const HostProcess& host, long long first, long long last);
     void UndoWhatWasNotTaken(Client& client);
@@ -60,12 +85,20 @@ private:
     asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
     std::set<std::shared_ptr<Session>> mSessions;
+    std::map<uint64_t, PendingCommand> mPending;  ///< by a number of their own
+    uint64_t mLastPending = 0;
+    Client mOwnClient;
+    asio::steady_timer mPendingTimer;
+    asio::steady_timer mVaultTimer;
     std::string mAddress;
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;
     bool mIsStopping = false;
+    // Last: their threads hand over to the loop.
+    Lane mFileLane;
+    Lane mPreviewLane;
 };
 
 }  // namespace pellwick

@@ -27,7 +27,7 @@ void Session::Read() {
 }
 
 void Session::HandleNextMessage() {
-    if (!IsOpen() || mClosesWhenWritten)
+    if (!IsOpen() || mClosesWhenWritten || mIsAnswering)
         return;
     const std::optional<std::string> payload = mInput.Next();
     if (!payload) {
@@ -43,17 +43,30 @@ void Session::HandleNextMessage() {
         return;
     }
     Handle(*message);
-    // The others get their turn before this client's next message.
-    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextMessage(); });
 }
 
 void Session::Handle(const Json& message) {
-    if (message.contains("taken"))
+    const bool isRequest = !message.contains("taken");
+    if (!isRequest) {
         mClient.provisionalRequest = 0;
-    else if (mStream.IsOtherEndClosed())
+        GoOn();
+    } else if (mStream.IsOtherEndClosed()) {
         Close();
-    else
-        Send(mOwner.Answer(mClient, message));
+    } else {
+        mIsAnswering = true;
+        mOwner.OnRequest(shared_from_this(), message);
+    }
+}
+
+void Session::Answer(const std::string& frame) {
+    mIsAnswering = false;
+    Send(frame);
+    GoOn();
+}
+
+void Session::GoOn() {
+    // The others get their turn before this client's next message.
+    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextMessage(); });
 }
 
 void Session::Send(const std::string& frame) {

@@ -17,14 +17,14 @@ class SessionOwner {
 public:
     virtual ~SessionOwner() = default;
 
-    /// The frame that answers a request.
-    virtual std::string Answer(Client& client, const Json& request) = 0;
+    /// A request, to be answered by Session::Answer, now or later.
+    virtual void OnRequest(const std::shared_ptr<class Session>& session, const Json& request) = 0;
     /// The connection is about to be closed, and the client has not taken what its last activation came to.
     virtual void OnAnswerLost(const Client& client) = 0;
     /// So much waits for the client that the connection is about to be closed.
     virtual void OnClientTooSlow(const Client& client) = 0;
     /// The connection is closed; the session is not to be used any more.
-    virtual void OnClosed(const std::shared_ptr<class Session>& session) = 0;
+    virtual void OnClosed(const std::shared_ptr<Session>& session) = 0;
 };
 
 /// Reads requests one after the other and writes what is to be sent without ever waiting for the client. A
@@ -36,6 +36,8 @@ public:
             const HostProcess& process);
 
     void Start() { Read(); }
+    /// Sends the answer to the request under way, and goes on to the next one.
+    void Answer(const std::string& frame);
     /// Sends the frame now, or as soon as the client takes it.
     void Send(const std::string& frame);
     /// Sends the frame and closes the connection after it.
@@ -48,6 +50,7 @@ private:
     void Read();
     void HandleNextMessage();
     void Handle(const Json& message);
+    void GoOn();
     void OnTaken(size_t size, const asio::error_code& failure);
     void Close();
 
@@ -57,7 +60,8 @@ private:
     Client mClient;
     FrameBuffer mInput;
     std::array<char, 65536> mPiece;
-    size_t mQueuedBytes = 0;  ///< of frames that the system has not taken
+    size_t mQueuedBytes = 0;    ///< of frames that the system has not taken
+    bool mIsAnswering = false;  ///< a request is under way; the next one waits
     bool mClosesWhenWritten = false;
     bool mIsHeardNoMore = false;  ///< by the client; what it has said is still to be read
 };

@@ -36,11 +36,23 @@ constexpr std::chrono::milliseconds kLockPatience{1900};
 /// is to find that it has not failed.
 constexpr std::chrono::milliseconds kStandInTime{1000};
 
+/// One file of the vault is compared with its checksum this often, in turn and while nothing else is to be
+/// done: a library of 10,000 files takes half a week, and a disk does not notice.
+constexpr std::chrono::seconds kVaultCheckInterval{30};
+/// How long a request to check files may take; the client asks again for the rest.
+constexpr std::chrono::milliseconds kVaultCheckTime{1000};
+
 /// The largest fonts in use, collections of Chinese, Japanese and Korean faces, have about 150 MB.
 constexpr uint64_t kMaxFontFileSize = uint64_t{256} << 20;
 /// Faces in one collection, and named instances in one face.
 constexpr long kMaxFacesPerFile = 256;
 constexpr unsigned kMaxInstancesPerFace = 512;
+/// All of these in one file: the largest collections in use have some hundred. What a file lists beyond that
+/// would only serve to fill the database.
+constexpr size_t kMaxFontsPerFile = 2048;
+/// Bytes of names that are looked at in one file: real ones have some ten thousand, with licences in many
+/// languages a few hundred thousand for each face.
+constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;
 /// A name is a few dozen characters; longer ones are cut.
 constexpr size_t kMaxNameSize = 1024;
 
@@ -49,6 +61,20 @@ constexpr int kPreviewHeight = 32;
 constexpr int kMaxPreviewWidth = 640;
 /// Fonts per request for them: a few tenths of a second's work.
 constexpr size_t kPreviewBatchSize = 32;
+/// Glyphs that one glyph is made of, at any depth. Real ones have up to a dozen; ten of ten, eight deep, are
+/// as many as a hundred million.
+constexpr int kMaxGlyphComponents = 256;
+/// How long one request for images may take, so that those that wait for it get the rest another time.
+constexpr std::chrono::milliseconds kPreviewLimit{3000};
+
+/// What the process that reads fonts may use. Address space: the largest font, and several times what the
+/// largest real ones need to be read. Processor time: reading real ones takes milliseconds, on slow machines
+/// and for the largest some hundred; waiting for the processor may take many times as long.
+constexpr uint64_t kWorkerMemory = uint64_t{768} << 20;
+constexpr std::chrono::milliseconds kWorkerProcessorTime{2000};
+constexpr std::chrono::milliseconds kWorkerTime{10000};
+/// How long it stays after it was used last.
+constexpr std::chrono::seconds kWorkerIdleTime{10};
 
 /// How much of a document is searched for metadata, and how large these may be: a packet has a few thousand
 /// bytes, with thumbnails some hundred thousand.

@@ -25,7 +25,7 @@ namespace pellwick {
 /// Goes up with every change that an older client or agent would not understand.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 3;
+constexpr int kSchemaVersion = 4;
 
 /// Every method: X(constant, name).
 #define PELLWICK_METHODS(X)                              \
@@ -36,6 +36,8 @@ constexpr int kSchemaVersion = 3;
     X(kAddFile, "AddFile")                               \
     X(kRemoveFonts, "RemoveFonts")                       \
     X(kListFonts, "ListFonts")                           \
+    X(kCheckFiles, "CheckFiles")                         \
+    X(kCheckRecords, "CheckRecords")                     \
     X(kActivateForUser, "ActivateForUser")               \
     X(kDeactivateForUser, "DeactivateForUser")           \
     X(kLogIn, "LogIn")                                   \

@@ -1,11 +1,11 @@
 // The images of fonts' names that were made before. Any of them may be deleted at any time.
 #pragma once
 
-#include <optional>
+#include <array>
 #include <string>
 
-#include "activation/FontVault.h"
-#include "preview/PreviewRenderer.h"
+#include "preview/NameImage.h"
+#include "store/FontStore.h"
 
 namespace pellwick {
 
@@ -15,26 +15,26 @@ struct Preview {
     std::string doublePath;
 };
 
+/// The sizes, as multiples of the normal one.
+inline constexpr std::array<int, 2> kPreviewScales = {1, 2};
+
+/// Any thread.
 class PreviewFolder {
 public:
-    PreviewFolder(std::string folder, const FontVault& vault) : mFolder(std::move(folder)), mVault(vault) {}
+    explicit PreviewFolder(std::string folder) : mFolder(std::move(folder)) {}
 
     const std::string& Folder() const { return mFolder; }
-    /// The font's images, which are made when they are not there. Nothing when they cannot be.
-    std::optional<Preview> Provide(const Font& font);
-    /// Lets go of the font file that was read last.
-    void Rest();
+    /// Where the font's images are, or will be.
+    Preview PathsOf(const Font& font) const;
+    /// Whether both are there.
+    static bool IsThere(const Preview& preview);
+    /// Writes an image; false when that fails.
+    static bool Store(const std::string& path, const NameImage& image);
 
 private:
     std::string PathOf(const Font& font, int scale) const;
-    bool Make(const Font& font, int scale, const std::string& path);
-    bool ReadFontFile(const FontFile& file);
 
     const std::string mFolder;
-    const FontVault& mVault;
-    PreviewRenderer mRenderer;
-    std::string mChecksum;  ///< of what is in mContent: the faces of a collection mostly come together
-    std::string mContent;
 };
 
 }  // namespace pellwick

@@ -1,7 +1,5 @@
 #include "preview/PreviewRenderer.h"
 
-#include <png.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <new>
@@ -54,22 +52,14 @@ public:
                 Darken(left + column, top + row, bitmap.buffer[row * bitmap.pitch + column]);
         }
     }
-    /// Empty when nothing was drawn.
-    std::string Png() const {
-        if (mUsedWidth == 0)
-            return {};
-        png_image image{};
-        image.version = PNG_IMAGE_VERSION;
-        image.width = static_cast<png_uint_32>(mUsedWidth);
-        image.height = static_cast<png_uint_32>(mHeight);
-        image.format = PNG_FORMAT_GA;
-        const std::vector<uint8_t> pixels = BlackWithAlpha();
-        png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
-        std::string png(size, '\0');
-        if (png_image_write_to_memory(&image, png.data(), &size, 0, pixels.data(), 0, nullptr) == 0)
-            return {};
-        png.resize(size);
-        return png;
+    /// As far to the right as something was drawn.
+    NameImage Image() const {
+        NameImage image{mUsedWidth, mUsedWidth != 0 ? mHeight : 0, {}};
+        for (int y = 0; y < image.height; ++y) {
+            const auto row = mCoverage.begin() + static_cast<std::ptrdiff_t>(y) * mWidth;
+            image.coverage.insert(image.coverage.end(), row, row + image.width);
+        }
+        return image;
     }
 
 private:
@@ -79,16 +69,6 @@ private:
         uint8_t& pixel = mCoverage[static_cast<size_t>(y * mWidth + x)];
         pixel = std::max(pixel, coverage);
         mUsedWidth = std::max(mUsedWidth, x + 1);
-    }
-    std::vector<uint8_t> BlackWithAlpha() const {
-        std::vector<uint8_t> pixels;
-        for (int y = 0; y < mHeight; ++y) {
-            for (int x = 0; x < mUsedWidth; ++x) {
-                pixels.push_back(0);
-                pixels.push_back(mCoverage[static_cast<size_t>(y * mWidth + x)]);
-            }
-        }
-        return pixels;
     }
 
     const int mWidth;
@@ -132,10 +112,32 @@ bool IsDrawable(FT_GlyphSlot slot, int textSize) {
     return box.xMin > -limit && box.yMin > -limit && box.xMax < limit && box.yMax < limit;
 }
 
+/// Counts off the glyphs that this one is made of, however deep; false when there are more than are left.
+bool CountComponents(FT_Face face, FT_UInt glyph, int& left) {
+    if (--left < 0)
+        return false;
+    if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_RECURSE) != 0 ||
+        face->glyph->format != FT_GLYPH_FORMAT_COMPOSITE)
+        return true;
+    std::vector<FT_UInt> components;
+    for (FT_UInt index = 0; index < face->glyph->num_subglyphs; ++index) {
+        FT_Int component = 0;
+        FT_UInt flags = 0;
+        FT_Int ignored = 0;
+        FT_Matrix matrix{};
+        if (FT_Get_SubGlyph_Info(face->glyph, index, &component, &flags, &ignored, &ignored, &matrix) == 0)
+            components.push_back(static_cast<FT_UInt>(component));
+    }
+    return std::all_of(components.begin(), components.end(),
+                       [&](FT_UInt component) { return CountComponents(face, component, left); });
+}
+
 /// Draws the glyph with its origin at `pen` pixels from the left; how far the next one is, in 64ths of a
 /// pixel.
 FT_Pos DrawGlyph(FT_Face face, FT_UInt glyph, int textSize, int pen, int baseline, Canvas& canvas) {
-    if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0)
+    int components = kMaxGlyphComponents;
+    if (!CountComponents(face, glyph, components) ||
+        FT_Load_Glyph(face, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0)
         return 0;
     FT_GlyphSlot slot = face->glyph;
     const FT_Pos advance =
@@ -176,7 +178,7 @@ PreviewRenderer::PreviewRenderer() {
 
 PreviewRenderer::~PreviewRenderer() = default;
 
-std::string PreviewRenderer::Render(const std::string& content, const FontFace& font, int scale) {
+NameImage PreviewRenderer::Render(std::string_view content, const FontFace& font, int scale) {
     FT_Error error = 0;
     const OwnedFace face = OpenFace(mLibrary.get(), content, static_cast<FT_Long>(font.face), error);
     const int height = scale * kPreviewHeight;
@@ -187,7 +189,7 @@ std::string PreviewRenderer::Render(const std::string& content, const FontFace& 
     const bool showsFullName = !fullName.empty() && glyphs.HasAll(fullName);
     Canvas canvas(scale * kMaxPreviewWidth, height);
     DrawText(face.get(), glyphs, showsFullName ? fullName : CodePoints(font.postScriptName), height, canvas);
-    return canvas.Png();
+    return canvas.Image();
 }
 
 }  // namespace pellwick

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <memory>
-#include <string>
+#include <string_view>
 
+#include "preview/NameImage.h"
 #include "store/FontStore.h"
 
 struct FT_LibraryRec_;
@@ -18,11 +19,11 @@ public:
     PreviewRenderer(const PreviewRenderer&) = delete;
     PreviewRenderer& operator=(const PreviewRenderer&) = delete;
 
-    /// A PNG image (https://www.w3.org/TR/png/) of the font's full name, black on nothing, `scale` times
-    /// kPreviewHeight pixels high and up to kMaxPreviewWidth wide; longer names are cut. Where the face lacks
-    /// one of the letters it is the PostScript name, in whatever glyphs there are. Empty when the face shows
-    /// nothing at all. `content` is that of the font's file; any bytes are safe.
-    std::string Render(const std::string& content, const FontFace& font, int scale);
+    /// The font's full name, `scale` times kPreviewHeight pixels high and up to kMaxPreviewWidth wide; longer
+    /// names are cut. Where the face lacks one of the letters it is the PostScript name, in whatever glyphs
+    /// there are. Of no width when the face shows nothing at all. `content` is that of the font's file; any
+    /// bytes are safe.
+    NameImage Render(std::string_view content, const FontFace& font, int scale);
 
 private:
     struct Closer {

@@ -7,12 +7,15 @@
 
 #include "StringConversion.h"
 #include "common/Limits.h"
+#include "scan/CleanName.h"
 
 namespace pellwick {
 namespace {
 
 /// A hostile table may list any number of names; real ones list a few hundred.
 constexpr unsigned kMaxNames = 4096;
+/// Records of one name to try until one can be decoded: each may be made to be costly and come to nothing.
+constexpr size_t kMaxCandidates = 8;
 
 /// Which record to take when a name is there several times: higher is better, 0 cannot be decoded.
 int Preference(const FT_SfntName& name) {
@@ -35,43 +38,47 @@ int Preference(const FT_SfntName& name) {
 
 std::string Decode(const FT_SfntName& name) {
     const char* encoding = name.platform_id == TT_PLATFORM_MACINTOSH ? "MACINTOSH" : "UTF-16BE";
-    const std::string_view bytes(reinterpret_cast<const char*>(name.string), name.string_len);
+    // The longest name that is kept has no more bytes in any of these encodings.
+    const size_t size = std::min<size_t>(name.string_len, 2 * kMaxNameSize);
+    const std::string_view bytes(reinterpret_cast<const char*>(name.string), size);
     std::string decoded;
     if (ConvertEncoding(bytes, encoding, "UTF-8", decoded) != CoreErrorCodes::kSuccess)
         return {};
     return CleanName(decoded);
 }
 
-bool IsControl(char character) {
-    return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-}
-
 }  // namespace
 
-std::string ReadName(FT_Face face, unsigned nameIdentifier) {
-    std::string best;
-    int bestPreference = 0;
+NameTable::NameTable(FT_Face face, size_t& budget) : mFace(face) {
     const unsigned count = std::min(FT_Get_Sfnt_Name_Count(face), kMaxNames);
-    for (unsigned index = 0; index < count; ++index) {
+    for (unsigned index = 0; index < count && budget != 0; ++index) {
         FT_SfntName name{};
-        if (FT_Get_Sfnt_Name(face, index, &name) != 0 || name.name_id != nameIdentifier ||
-            Preference(name) <= bestPreference)
+        if (FT_Get_Sfnt_Name(face, index, &name) != 0)
             continue;
-        if (std::string decoded = Decode(name); !decoded.empty()) {
-            best = std::move(decoded);
-            bestPreference = Preference(name);
-        }
+        budget -= std::min<size_t>(budget, name.string_len);
+        if (Preference(name) != 0)
+            mCandidates[name.name_id].push_back({Preference(name), index});
     }
-    return best;
+    for (auto& [identifier, candidates] : mCandidates) {
+        std::stable_sort(
+            candidates.begin(), candidates.end(),
+            [](const Candidate& left, const Candidate& right) { return left.preference > right.preference; });
+        candidates.resize(std::min(candidates.size(), kMaxCandidates));
+    }
 }
 
-std::string CleanName(const std::string& name) {
-    std::string clean = ReplaceInvalidUtf8(name.substr(0, kMaxNameSize));
-    clean.erase(std::remove_if(clean.begin(), clean.end(), IsControl), clean.end());
-    const size_t first = clean.find_first_not_of(' ');
-    if (first == std::string::npos)
+std::string NameTable::Find(unsigned nameIdentifier) const {
+    const auto found = mCandidates.find(nameIdentifier);
+    if (found == mCandidates.end())
         return {};
-    return clean.substr(first, clean.find_last_not_of(' ') - first + 1);
+    for (const Candidate& candidate : found->second) {
+        FT_SfntName name{};
+        if (FT_Get_Sfnt_Name(mFace, candidate.index, &name) != 0)
+            continue;
+        if (std::string decoded = Decode(name); !decoded.empty())
+            return decoded;
+    }
+    return {};
 }
 
 }  // namespace pellwick

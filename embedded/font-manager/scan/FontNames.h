@@ -4,7 +4,9 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include <map>
 #include <string>
+#include <vector>
 
 namespace pellwick {
 
@@ -19,10 +21,24 @@ enum NameIdentifier : unsigned {
     kName_TypographicStyle = 17
 };
 
-/// The name in UTF-8, English if it can be had; empty when the face has none that can be decoded.
-std::string ReadName(FT_Face face, unsigned nameIdentifier);
+/// The names of a face, found in one pass over a table that may be made to be slow.
+class NameTable {
+public:
+    /// `budget`: bytes of names that may yet be looked at, for all faces of a file; what is looked at is
+    /// taken off. Names beyond it are left out. `face` must outlive this object.
+    NameTable(FT_Face face, size_t& budget);
 
-/// Well-formed UTF-8 without control characters or blanks at the ends, cut at kMaxNameSize.
-std::string CleanName(const std::string& name);
+    /// The name in UTF-8, English if it can be had; empty when the face has none that can be decoded.
+    std::string Find(unsigned nameIdentifier) const;
+
+private:
+    struct Candidate {
+        int preference;  ///< higher is better
+        unsigned index;  ///< of the record
+    };
+
+    FT_Face mFace;
+    std::map<unsigned, std::vector<Candidate>> mCandidates;  ///< by name identifier, best first
+};
 
 }  // namespace pellwick

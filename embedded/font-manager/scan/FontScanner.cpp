@@ -13,15 +13,14 @@
 
 #include "GFontManagerConstants.h"
 #include "common/Limits.h"
+#include "scan/CleanName.h"
+#include "scan/FontFiles.h"
 #include "scan/FontNames.h"
 
 namespace pellwick {
 namespace {
 
 using Kinds = GFontManagerConstants;
-
-constexpr std::array<std::string_view, 7> kFontExtensions = {".ttf", ".otf", ".ttc",  ".otc",
-                                                             ".pfb", ".pfa", ".dfont"};
 
 bool HasTable(FT_Face face, FT_ULong tag) {
     FT_ULong size = 0;
@@ -59,16 +58,17 @@ std::string FoundryOf(FT_Face face) {
     return CleanName(std::string(reinterpret_cast<const char*>(table->achVendID), 4).c_str());
 }
 
-/// The style of a variable font's named instance, counted from 1; empty when it is not named.
-std::string InstanceStyle(FT_Library library, FT_Face face, FT_Long instance) {
+/// The name identifiers of a variable font's named instances.
+std::vector<unsigned> NamesOfInstances(FT_Library library, FT_Face face) {
     FT_MM_Var* variations = nullptr;
     if (FT_Get_MM_Var(face, &variations) != 0)
         return {};
-    std::string style;
-    if (instance <= static_cast<FT_Long>(variations->num_namedstyles))
-        style = ReadName(face, variations->namedstyle[instance - 1].strid);
+    std::vector<unsigned> identifiers;
+    const unsigned count = std::min(variations->num_namedstyles, kMaxInstancesPerFace);
+    for (unsigned index = 0; index < count; ++index)
+        identifiers.push_back(variations->namedstyle[index].strid);
     FT_Done_MM_Var(library, variations);
-    return style;
+    return identifiers;
 }
 
 std::string FirstNonEmpty(std::initializer_list<std::string> names) {
@@ -89,59 +89,46 @@ std::string PostScriptNameOf(FT_Face face, const FontFace& names) {
 
 /// "Family Style" in the typographic and in the older four-style way, and the full name; the regular style
 /// goes without saying.
-void AddLookupNames(FT_Face face, bool isInstance, FontFace& names) {
+void AddLookupNames(const NameTable& table, bool isInstance, FontFace& names) {
     names.lookupNames = {names.family + names.style, names.fullName};
     if (names.style == "Regular")
         names.lookupNames.push_back(names.family);
-    const std::string olderFamily = ReadName(face, kName_Family);
+    const std::string olderFamily = table.Find(kName_Family);
     if (!isInstance && !olderFamily.empty())
-        names.lookupNames.push_back(olderFamily + ReadName(face, kName_Style));
+        names.lookupNames.push_back(olderFamily + table.Find(kName_Style));
 }
 
-FontFace Describe(FT_Library library, FT_Face face, FT_Long faceIndex) {
-    const FT_Long instance = faceIndex >> 16;
+/// `instanceStyle`: of a variable font's named instance that is set; empty when it is not named.
+FontFace Describe(FT_Face face, const NameTable& table, FT_Long faceIndex, const std::string& instanceStyle) {
+    const bool isInstance = faceIndex >> 16 != 0;
     FontFace names;
     names.face = faceIndex;
-    names.family = FirstNonEmpty({ReadName(face, kName_TypographicFamily), ReadName(face, kName_Family),
+    names.family = FirstNonEmpty({table.Find(kName_TypographicFamily), table.Find(kName_Family),
                                   CleanName(face->family_name != nullptr ? face->family_name : "")});
-    if (instance > 0)
-        names.style = InstanceStyle(library, face, instance);
-    names.style =
-        FirstNonEmpty({names.style, ReadName(face, kName_TypographicStyle), ReadName(face, kName_Style),
-                       CleanName(face->style_name != nullptr ? face->style_name : ""), "Regular"});
+    names.style = FirstNonEmpty({instanceStyle, table.Find(kName_TypographicStyle), table.Find(kName_Style),
+                                 CleanName(face->style_name != nullptr ? face->style_name : ""), "Regular"});
     names.postScriptName = PostScriptNameOf(face, names);
-    if (instance == 0)
-        names.fullName = ReadName(face, kName_Full);
+    if (!isInstance)
+        names.fullName = table.Find(kName_Full);
     if (names.fullName.empty())
         names.fullName = names.family + " " + names.style;
     names.foundry = FoundryOf(face);
-    names.version = ReadName(face, kName_Version);
+    names.version = table.Find(kName_Version);
     names.kind = KindOf(face);
-    AddLookupNames(face, instance > 0, names);
+    AddLookupNames(table, isInstance, names);
     return names;
-}
-
-/// Whether the content begins like a font: TrueType, OpenType, a collection, PostScript as text or in
-/// segments.
-bool HasFontSignature(std::string_view content) {
-    using namespace std::literals;
-    constexpr std::array<std::string_view, 8> kSignatures = {"\0\1\0\0"sv,   "true"sv,    "typ1"sv,
-                                                             "OTTO"sv,       "ttcf"sv,    "%!PS-AdobeFont"sv,
-                                                             "%!FontType"sv, "\x80\x01"sv};
-    return std::any_of(kSignatures.begin(), kSignatures.end(), [&](std::string_view signature) {
-        return content.substr(0, signature.size()) == signature;
-    });
 }
 
 /// Why FreeType would not have it, in words of the user's. Its own codes depend on which of its drivers gave
 /// up last.
 const char* ReasonFor(std::string_view content) {
-    return HasFontSignature(content) ? kReason_Damaged : "not a font file";
+    return MayBeFontFile(content) ? kReason_Damaged : kReason_NoFont;
 }
 
 /// FreeType opens a face whose outlines it cannot read; a font of which no glyph loads is of no use.
+/// One that is made of others counts by itself: how many these come to is up to the font.
 bool HasUsableGlyphs(FT_Face face) {
-    return face->num_glyphs > 0 && FT_Load_Glyph(face, 0, FT_LOAD_NO_SCALE | FT_LOAD_NO_HINTING) == 0;
+    return face->num_glyphs > 0 && FT_Load_Glyph(face, 0, FT_LOAD_NO_RECURSE) == 0;
 }
 
 /// WOFF and WOFF2 (https://www.w3.org/TR/WOFF2/) are packed for browsers; host applications do not take them.
@@ -170,14 +157,15 @@ FontScanner::FontScanner() {
 
 FontScanner::~FontScanner() = default;
 
-std::vector<FontFace> FontScanner::Scan(const std::string& content, std::string& reason) {
+std::vector<FontFace> FontScanner::Scan(std::string_view content, std::string& reason) {
     std::vector<FontFace> faces;
     if (IsWebFont(content)) {
         reason = "a web font, which documents cannot use";
         return {};
     }
+    size_t nameBudget = kMaxNameBytesPerFile;
     FT_Long faceCount = 1;
-    for (FT_Long index = 0; index < faceCount; ++index) {
+    for (FT_Long index = 0; index < faceCount && faces.size() < kMaxFontsPerFile; ++index) {
         FT_Error error = 0;
         const OwnedFace face = OpenFace(mLibrary.get(), content, index, error);
         const char* problem = face ? ProblemOf(face.get()) : ReasonFor(content);
@@ -186,35 +174,20 @@ std::vector<FontFace> FontScanner::Scan(const std::string& content, std::string&
             return {};
         }
         faceCount = std::min(face->num_faces, kMaxFacesPerFile);
-        faces.push_back(Describe(mLibrary.get(), face.get(), index));
-        const FT_Long instances = std::min<FT_Long>(face->style_flags >> 16 & 0x7FFF, kMaxInstancesPerFace);
-        for (FT_Long instance = 1; instance <= instances; ++instance) {
-            const FT_Long instanceIndex = index | instance << 16;
-            if (const OwnedFace named = OpenFace(mLibrary.get(), content, instanceIndex, error))
-                faces.push_back(Describe(mLibrary.get(), named.get(), instanceIndex));
-        }
+        const NameTable names(face.get(), nameBudget);
+        faces.push_back(Describe(face.get(), names, index, {}));
+        AddInstances(face.get(), names, index, faces);
     }
     return faces;
 }
 
-std::string FontFileExtension(const std::string& fileName, const std::vector<FontFace>& faces) {
-    const size_t dot = fileName.rfind('.');
-    std::string extension = dot != std::string::npos ? fileName.substr(dot) : std::string();
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
-    });
-    if (std::find(kFontExtensions.begin(), kFontExtensions.end(), extension) != kFontExtensions.end())
-        return extension;
-    switch (faces.empty() ? Kinds::kFontKind_unknown : faces.front().kind) {
-        case Kinds::kFontKind_openTypePS:
-            return ".otf";
-        case Kinds::kFontKind_trueTypeCollection:
-            return ".ttc";
-        case Kinds::kFontKind_postScript:
-        case Kinds::kFontKind_postScriptMM:
-            return ".pfb";
-        default:
-            return ".ttf";
+void FontScanner::AddInstances(FT_Face face, const NameTable& names, FT_Long index,
+                               std::vector<FontFace>& faces) {
+    const std::vector<unsigned> identifiers = NamesOfInstances(mLibrary.get(), face);
+    for (size_t instance = 1; instance <= identifiers.size() && faces.size() < kMaxFontsPerFile; ++instance) {
+        if (FT_Set_Named_Instance(face, static_cast<FT_UInt>(instance)) == 0)
+            faces.push_back(Describe(face, names, index | static_cast<FT_Long>(instance) << 16,
+                                     names.Find(identifiers[instance - 1])));
     }
 }
 

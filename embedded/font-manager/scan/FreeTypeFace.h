@@ -5,7 +5,7 @@
 #include FT_FREETYPE_H
 
 #include <memory>
-#include <string>
+#include <string_view>
 
 namespace pellwick {
 
@@ -15,7 +15,7 @@ struct FaceCloser {
 using OwnedFace = std::unique_ptr<FT_FaceRec, FaceCloser>;
 
 /// A face of a font file's content, which must outlive it; null, and FreeType's `error`, for what is none.
-inline OwnedFace OpenFace(FT_Library library, const std::string& content, FT_Long index, FT_Error& error) {
+inline OwnedFace OpenFace(FT_Library library, std::string_view content, FT_Long index, FT_Error& error) {
     FT_Face face = nullptr;
     error = FT_New_Memory_Face(library, reinterpret_cast<const FT_Byte*>(content.data()),
                                static_cast<FT_Long>(content.size()), index, &face);

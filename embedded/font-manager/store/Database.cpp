@@ -121,6 +121,7 @@ Database::Database(const std::string& path) {
         throw DatabaseError(CodeOf(code), MessageOf(path, database, code));
     sqlite3_extended_result_codes(database, 1);
     sqlite3_busy_timeout(database, 1000);
+    SetDurable(true);
 }
 
 Database::~Database() = default;
@@ -148,7 +149,36 @@ int Database::ChangedRows() const {
     return sqlite3_changes(mDatabase.get());
 }
 
-Transaction::Transaction(Database& database) : mDatabase(database) {
+std::vector<std::string> Database::FindDamage() {
+    std::vector<std::string> problems;
+    Statement check = Prepare("PRAGMA quick_check(10)");
+    while (check.Step()) {
+        if (check.Text(0) != "ok")
+            problems.push_back(check.Text(0));
+    }
+    return problems;
+}
+
+void Database::SetDurable(bool isDurable) {
+    Execute(isDurable ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+}
+
+Transaction::DurabilityScope::DurabilityScope(Database& database, Durability durability)
+    : mDatabase(database), mIsRelaxed(durability == Durability::kProcess) {
+    if (mIsRelaxed)
+        mDatabase.SetDurable(false);
+}
+
+Transaction::DurabilityScope::~DurabilityScope() {
+    try {
+        if (mIsRelaxed)
+            mDatabase.SetDurable(true);
+    } catch (const DatabaseError&) {  // no memory for a statement; the next scope sets it again
+    }
+}
+
+Transaction::Transaction(Database& database, Durability durability)
+    : mDatabase(database), mDurability(database, durability) {
     mDatabase.Execute("BEGIN IMMEDIATE");
 }
 

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ErrorCodes.h"
 
@@ -77,6 +78,12 @@ public:
     int64_t LastInsertedID() const;
     /// Rows that the last statement changed.
     int ChangedRows() const;
+    /// What is wrong with the file, in SQLite's words, up to ten of them; none when it is as it should be.
+    /// Reads all of it.
+    std::vector<std::string> FindDamage();
+    /// Whether what is committed from now on survives the end of the machine's power, and not only that of
+    /// this process.
+    void SetDurable(bool isDurable);
 
 private:
     struct Closer {
@@ -90,10 +97,15 @@ private:
     std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>, std::less<>> mStatements;
 };
 
+enum class Durability {
+    kPowerLoss,  ///< what people add and change
+    kProcess     ///< what concerns processes, which do not survive a loss of power either
+};
+
 /// All changes of a scope, or none.
 class Transaction {
 public:
-    explicit Transaction(Database& database);
+    explicit Transaction(Database& database, Durability durability = Durability::kPowerLoss);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
@@ -101,7 +113,21 @@ public:
     void Commit();
 
 private:
+    /// Comes before the transaction and ends after it: within one it cannot be changed.
+    class DurabilityScope {
+    public:
+        DurabilityScope(Database& database, Durability durability);
+        ~DurabilityScope();
+        DurabilityScope(const DurabilityScope&) = delete;
+        DurabilityScope& operator=(const DurabilityScope&) = delete;
+
+    private:
+        Database& mDatabase;
+        const bool mIsRelaxed;
+    };
+
     Database& mDatabase;
+    const DurabilityScope mDurability;
     bool mIsOpen = true;
 };
 

@@ -123,6 +123,7 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
         .Bind(file.checksum, file.name, file.extension, file.size)
         .Run();
     const int64_t fileID = mDatabase.LastInsertedID();
+    mDatabase.Prepare("DELETE FROM removed_files WHERE checksum = ?").Bind(file.checksum).Run();
     for (const FontFace& face : faces)
         AddFace(mDatabase, fileID, face);
     return fileID;
@@ -130,11 +131,32 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
 
 void FontStore::RemoveFile(int64_t fileID) {
     ++mRevision;
+    mDatabase.Prepare("INSERT OR IGNORE INTO removed_files SELECT checksum FROM files WHERE id = ?")
+        .Bind(fileID)
+        .Run();
     mDatabase.Prepare("DELETE FROM files WHERE id = ?").Bind(fileID).Run();
+}
+
+std::vector<std::string> FontStore::RemovedFiles() {
+    Statement query = mDatabase.Prepare("SELECT checksum FROM removed_files");
+    std::vector<std::string> checksums;
+    while (query.Step())
+        checksums.push_back(query.Text(0));
+    return checksums;
+}
+
+void FontStore::ForgetRemovedFiles() {
+    mDatabase.Execute("DELETE FROM removed_files");
 }
 
 void FontStore::SetFileMissing(int64_t fileID, bool isMissing) {
     mDatabase.Prepare("UPDATE files SET missing = ? WHERE id = ?").Bind(isMissing, fileID).Run();
+}
+
+void FontStore::NoteMissingFiles(const std::vector<FontFile>& files) {
+    mDatabase.Execute("UPDATE files SET missing = 0 WHERE missing");
+    for (const FontFile& file : files)
+        SetFileMissing(file.id, true);
 }
 
 std::optional<Font> FontStore::Find(uint32_t fontID) {
@@ -210,6 +232,11 @@ int64_t FontStore::Count() {
     return query.Step() ? query.Integer(0) : 0;
 }
 
+int64_t FontStore::CountFiles() {
+    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM files");
+    return query.Step() ? query.Integer(0) : 0;
+}
+
 std::vector<FontFile> FontStore::ActiveFiles() {
     Statement query = mDatabase.Prepare(SELECT_FILES "WHERE id IN (" SELECT_ACTIVE_FILE_IDS ")");
     return AllFiles(query);
@@ -223,6 +250,11 @@ int64_t FontStore::CountActiveFiles() {
 std::vector<FontFile> FontStore::Files() {
     Statement query = mDatabase.Prepare(SELECT_FILES);
     return AllFiles(query);
+}
+
+std::vector<FontFile> FontStore::FilesAfter(int64_t after, int limit) {
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE id > ? ORDER BY id LIMIT ?");
+    return AllFiles(query.Bind(after, limit));
 }
 
 bool FontStore::IsFileActive(int64_t fileID) {

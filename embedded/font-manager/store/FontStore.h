@@ -64,12 +64,19 @@ public:
     std::optional<FontFile> FindFile(const std::string& checksum);
     /// Every file that there should be in the vault.
     std::vector<FontFile> Files();
+    /// Up to `limit` of them with a larger ID than `after`, by ID.
+    std::vector<FontFile> FilesAfter(int64_t after, int limit);
     /// Adds a file and its faces; the file's new ID.
     int64_t Add(const FontFile& file, const std::vector<FontFace>& faces);
-    /// Removes a file and all its fonts.
+    /// Removes a file and all its fonts. It is among RemovedFiles from then on.
     void RemoveFile(int64_t fileID);
+    /// The checksums of files that were removed, and may yet stand in the vault.
+    std::vector<std::string> RemovedFiles();
+    void ForgetRemovedFiles();
     /// Notes that the file cannot be found in the vault, or is there again.
     void SetFileMissing(int64_t fileID, bool isMissing);
+    /// Notes that exactly these files cannot be found.
+    void NoteMissingFiles(const std::vector<FontFile>& files);
 
     std::optional<Font> Find(uint32_t fontID);
     std::vector<Font> FontsOfFile(int64_t fileID);
@@ -89,6 +96,7 @@ public:
     /// Another number after each change to which fonts there are.
     uint64_t Revision() const { return mRevision; }
     int64_t Count();
+    int64_t CountFiles();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
     int64_t CountActiveFiles();

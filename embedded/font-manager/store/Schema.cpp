@@ -9,10 +9,8 @@
 namespace pellwick {
 namespace {
 
-// A kept write-ahead log survives the death of the process; only with the machine can the last commands go.
 constexpr char kSettings[] = R"sql(
 PRAGMA journal_mode = WAL;
-PRAGMA synchronous = NORMAL;
 PRAGMA foreign_keys = ON;
 )sql";
 
@@ -145,7 +143,15 @@ CREATE TABLE answers (
 ) WITHOUT ROWID;
 )sql";
 
-constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3};
+// Files whose records are gone, and that may yet stand in the vault: others that stand there without a record
+// are taken back.
+constexpr char kVersion4[] = R"sql(
+CREATE TABLE removed_files (
+    checksum TEXT PRIMARY KEY
+) WITHOUT ROWID;
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4};
 
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";

@@ -12,7 +12,7 @@ constexpr char kUserName[] = "userName";
 constexpr char kStandalone[] = "standalone";
 constexpr char kGoogleWebFonts[] = "googleWebFonts";
 constexpr char kCurrentWorkgroup[] = "currentWorkgroup";
-constexpr char kOwnsVault[] = "ownsVault";
+constexpr char kLastCheckedFile[] = "lastCheckedFile";
 constexpr char kYes[] = "1";
 constexpr char kNo[] = "0";
 
@@ -67,12 +67,12 @@ void SettingsStore::SetCurrentWorkgroup(int32_t workgroupID) {
     Set(kCurrentWorkgroup, std::to_string(workgroupID));
 }
 
-bool SettingsStore::OwnsVault() {
-    return Get(kOwnsVault, kNo) == kYes;
+int64_t SettingsStore::LastCheckedFile() {
+    return std::strtoll(Get(kLastCheckedFile, "0").c_str(), nullptr, 10);
 }
 
-void SettingsStore::NoteOwnVault() {
-    Set(kOwnsVault, kYes);
+void SettingsStore::SetLastCheckedFile(int64_t fileID) {
+    Set(kLastCheckedFile, std::to_string(fileID));
 }
 
 std::string SettingsStore::Get(const char* name, const std::string& missing) {

@@ -31,10 +31,9 @@ public:
     int32_t CurrentWorkgroup();
     void SetCurrentWorkgroup(int32_t workgroupID);
 
-    /// Whether all in the vault came with this database. Where one was lost and a new one made, fonts that it
-    /// does not know may be the user's only copies.
-    bool OwnsVault();
-    void NoteOwnVault();
+    /// The ID of the file of the vault that was compared with its checksum last.
+    int64_t LastCheckedFile();
+    void SetLastCheckedFile(int64_t fileID);
 
 private:
     std::string Get(const char* name, const std::string& missing);

@@ -12,6 +12,7 @@
 #include "store/Schema.h"
 #include "tests/support/FakeFontTable.h"
 #include "tests/support/TestWorld.h"
+#include "tests/support/VaultFiles.h"
 
 namespace pellwick {
 namespace {
@@ -34,11 +35,11 @@ class Store {
 protected:
     explicit Store(MakeWay makeWay) : mWay(makeWay(mWorld.Path("data/fonts"), mVault)) {
         PrepareSchema(mDatabase);
-        mFile.checksum = Sha256(mContent);
+        mFile.checksum = test::ChecksumOf(mContent);
         mFile.name = "font.ttc";
         mFile.extension = ".ttc";
         mFile.size = mContent.size();
-        EXPECT_FALSE(mVault.Store(mFile, mContent));
+        EXPECT_TRUE(test::PutIntoVault(mVault, mFile, mContent));
         FontFace first;
         FontFace second;
         second.face = 1;
@@ -101,8 +102,8 @@ protected:
     using Counts = std::map<std::string, int>;
 };
 
-TEST(Sha256, IsThatOfTheStandard) {
-    EXPECT_EQ(Sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+TEST(Checksum, IsThatOfTheStandard) {
+    EXPECT_EQ(test::ChecksumOf("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
 }
 
 TEST_P(ActivationTest, KeepsAFileActiveWhileAnyOfItsFontsIsHeldByAnybody) {
@@ -117,13 +118,6 @@ TEST_P(ActivationTest, KeepsAFileActiveWhileAnyOfItsFontsIsHeldByAnybody) {
     EXPECT_EQ(EndLeases(1, kHost).deactivated, std::vector{mIDs[1]});
     EXPECT_FALSE(mWay->Has(mFile));
     EXPECT_TRUE(mWorld.FilesBelow("data/fonts").empty() && mTable.counts.empty());
-}
-
-TEST_F(LinkFolderTest, NobodyWritesToAFontByMistake) {
-    Lease(0, kHost);
-    using std::filesystem::perms;
-    const perms allowed = std::filesystem::status(platform::Utf8Path(mWay->PathOf(mFile))).permissions();
-    EXPECT_EQ(allowed & (perms::owner_write | perms::group_write | perms::others_write), perms::none);
 }
 
 TEST_P(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
@@ -148,7 +142,7 @@ TEST_P(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
 }
 
 TEST_P(ActivationTest, NotesAFileThatTheVaultHasLost) {
-    mVault.Remove(mFile);
+    ASSERT_FALSE(mVault.Remove(mFile));
     const ActivationChanges changes = Apply([&](Activation& activation) {
         EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDesign}));
         EXPECT_FALSE(activation.Lease(FontAt(1), {kHost, LeasePurpose::kDesign}));
@@ -158,9 +152,9 @@ TEST_P(ActivationTest, NotesAFileThatTheVaultHasLost) {
         EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
     });
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
-    ASSERT_FALSE(mVault.Store(mFile, "cut off"));
+    ASSERT_TRUE(test::PutIntoVault(mVault, mFile, "cut off"));
     Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
-    ASSERT_FALSE(mVault.Store(mFile, mContent));
+    ASSERT_TRUE(test::PutIntoVault(mVault, mFile, mContent));
     EXPECT_EQ(Lease(0, kHost).activated, std::vector{mIDs[0]});
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
 }
@@ -203,19 +197,6 @@ TEST_F(LinkFolderTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
     EXPECT_EQ(mWay->Repair({}).removed, 0);
 }
 
-TEST_F(LinkFolderTest, SweepTakesFromTheVaultWhatNoRecordKnows) {
-    const std::string unknown = "vault/ab/ab" + std::string(62, '0') + ".ttf";
-    const std::string own = "vault/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc";
-    for (const std::string& name : {unknown, own + ".Qw3rTy", std::string("vault/zz/mine.ttf")})
-        mWorld.Write(name, "content");
-    EXPECT_EQ(mVault.Sweep(mFonts.Files(), true), 1);  // half a file, whoever made it
-    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path(unknown)));
-    EXPECT_EQ(mVault.Sweep(mFonts.Files(), false), 1);
-    EXPECT_FALSE(platform::IsExistingFile(mWorld.Path(unknown)));
-    EXPECT_TRUE(platform::IsExistingFile(mWorld.Path("vault/zz/mine.ttf")));
-    EXPECT_TRUE(mVault.Has(mFile));
-}
-
 TEST_F(LinkFolderTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
     platform::RemoveFile(mWay->PathOf(mFile));
@@ -231,15 +212,15 @@ TEST_F(LinkFolderTest, RepairMakesTheLinksAgreeWithTheRecords) {
     EXPECT_TRUE(std::filesystem::equivalent(platform::Utf8Path(mWay->PathOf(mFile)),
                                             platform::Utf8Path(mVault.PathOf(mFile))));
 
-    mVault.Remove(mFile);
+    ASSERT_FALSE(mVault.Remove(mFile));
     platform::RemoveFile(mWay->PathOf(mFile));
     EXPECT_EQ(mWay->Repair(mFonts.ActiveFiles()).missing.size(), 1u);
 }
 
 TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
     FontFile other = mFile;
-    other.checksum = Sha256("another");
-    ASSERT_FALSE(mVault.Store(other, mContent));
+    other.checksum = test::ChecksumOf("another");
+    ASSERT_TRUE(test::PutIntoVault(mVault, other, mContent));
     const uint32_t otherID = mFonts.FontsOfFile(mFonts.Add(other, {FontFace{}})).front().id;
     Apply([&](Activation& activation) {
         EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument}));
@@ -279,7 +260,7 @@ TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {
         EXPECT_EQ(mTable.counts.count(stray), 0u);
         EXPECT_EQ(mTable.counts.size(), left.size() > 2 ? 2u : 1u) << "the user's own stays";
     }
-    mVault.Remove(mFile);
+    ASSERT_FALSE(mVault.Remove(mFile));
     FontResources last(mVault);
     EXPECT_EQ(last.Repair({mFile}).missing.size(), 1u);
     EXPECT_FALSE(last.Has(mFile));

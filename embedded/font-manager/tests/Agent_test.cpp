@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
@@ -243,31 +244,72 @@ std::string AgentLog() {
     return log;
 }
 
-TEST(Agent, SweepsTheVaultOfItsDatabaseAndSparesThatOfALostOne) {
+TEST(Agent, TakesBackFontsThatNoRecordKnowsAndNothingElse) {
     TestWorld world;
     world.StartAgent();
     world.WriteFont("Sample-Bold");
+    world.WriteFont("Sample-Italic");
     world.RunForJson({"add", world.Path("fonts")});
+    world.RunForJson({"remove", "Sample-Italic"});
     world.KillAgent();
+    // What a loss of power may leave of the database's log: nothing.
+    const Locations locations = Locations::OfThisUser();
+    for (const char* end : {"-wal", "-shm"})
+        std::filesystem::remove(platform::Utf8Path(locations.databasePath + end));
     const std::string shard = "data/Vantorix/Pellwick/vault/00/";
-    const std::string whole = world.Write(shard + std::string(64, '0') + ".ttf", "added, but not recorded");
+    const std::string damaged = world.Write(shard + std::string(64, '0') + ".ttf", "not what its name says");
     const std::string half = world.Write(shard + std::string(64, '0') + ".ttf.a1B2c3", "cut off");
     world.StartAgent();
-    EXPECT_FALSE(platform::IsExistingFile(whole));
-    EXPECT_FALSE(platform::IsExistingFile(half));
-    EXPECT_THAT(AgentLog(), testing::HasSubstr("vault put right: 2 removed"));
+    EXPECT_TRUE(Eventually([&] {
+        return NamesOf(world.RunForJson({"list"})["fonts"]) == std::vector<std::string>{"Sample-Bold"};
+    }));
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
+    EXPECT_TRUE(Eventually([&] { return !platform::IsExistingFile(damaged); }));
+    EXPECT_EQ(world.FilesBelow("data/Vantorix/Pellwick/vault/damaged").size(), 1u);
+    EXPECT_FALSE(platform::IsExistingFile(half));
+    EXPECT_THAT(AgentLog(), testing::AllOf(testing::HasSubstr("2 files of the vault stand in no record"),
+                                           testing::HasSubstr("damaged, and was put into")));
 
+    // Nor does the loss of all of it lose a font.
     world.StopAgent();
-    std::filesystem::remove(platform::Utf8Path(Locations::OfThisUser().databasePath));
-    for (int start = 0; start < 2; ++start) {
-        world.StartAgent();
-        EXPECT_TRUE(world.RunForJson({"list"})["fonts"].empty());
-        world.StopAgent();
-    }
+    std::filesystem::remove(platform::Utf8Path(locations.databasePath));
     world.StartAgent();
-    const Json added = world.RunForJson({"add", Locations::OfThisUser().vaultFolder});
-    EXPECT_EQ(NamesOf(added["added"]), std::vector<std::string>{"Sample-Bold"});
+    EXPECT_TRUE(Eventually([&] { return world.Run({"activate", "Sample-Bold"}).status == 0; }));
+}
+
+TEST(Agent, NoticesAFontOfOtherBytesAndHealsItWhenItIsAddedAgain) {
+    TestWorld world;
+    world.StartAgent();
+    const std::string font = world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", font});
+    world.RunForJson({"activate", "Sample-Bold"});
+    const auto damage = [&] {
+        const std::string file = world.FilesBelow("data/Vantorix/Pellwick/vault").at(0);
+        std::string content;
+        ASSERT_FALSE(platform::ReadWholeFile(file, content, 1 << 20));
+        content.back() = static_cast<char>(~content.back());
+        std::filesystem::permissions(platform::Utf8Path(file), std::filesystem::perms::owner_all);
+        std::ofstream(platform::Utf8Path(file), std::ios::binary | std::ios::in) << content;
+    };
+    const auto contentOf = [](const std::string& file) {
+        std::string content;
+        EXPECT_FALSE(platform::ReadWholeFile(file, content, 1 << 20));
+        return content;
+    };
+    damage();
+    EXPECT_EQ(world.RunForJson({"add", font})["alreadyKnown"].size(), 1u);
+    EXPECT_EQ(contentOf(world.FilesBelow("data/Vantorix/Pellwick/vault").at(0)), contentOf(font));
+    for (const std::string& active : world.ActiveFiles())
+        EXPECT_EQ(contentOf(active), contentOf(font));
+    EXPECT_EQ(world.Run({"doctor"}).status, 0);
+
+    damage();
+    const ProgramResult result = world.Run({"doctor"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, testing::HasSubstr("is damaged, and was put into"));
+    EXPECT_TRUE(world.ActiveFiles().empty());
+    EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 1);
+    world.RunForJson({"add", font});
     EXPECT_EQ(world.Run({"activate", "Sample-Bold"}).status, 0);
 }
 

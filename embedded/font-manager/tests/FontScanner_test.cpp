@@ -4,7 +4,8 @@
 
 #include "GFontManagerConstants.h"
 #include "TestFonts.h"
-#include "scan/FontNames.h"
+#include "scan/CleanName.h"
+#include "scan/FontFiles.h"
 
 namespace pellwick {
 namespace {

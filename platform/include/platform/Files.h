@@ -42,9 +42,11 @@ public:
     /// of the file.
     SystemError ReadAt(uint64_t offset, void* buffer, size_t size, size_t& bytesRead);
     /// Size in bytes.
-    SystemError Size(uint64_t& size);
+    SystemError Size(uint64_t& size) const;
     void Close();
     bool IsOpen() const;
+    /// The descriptor or handle, which stays this object's, for others of this library; -1 when none is open.
+    intptr_t NativeHandle() const;
 
 private:
     struct Handle;

@@ -1,0 +1,188 @@
+// Whether the vault holds what the records say, and what to do where it does not.
+#include <chrono>
+#include <nlohmann/json.hpp>
+
+#include "TarnwickPluginInterface.h"
+#include "agent/Commands.h"
+#include "agent/FontRecord.h"
+#include "common/Limits.h"
+#include "common/Protocol.h"
+#include "platform/Files.h"
+#include "scan/FontFiles.h"
+
+namespace pellwick {
+namespace {
+
+enum class Finding { kIntact, kMissing, kDamaged };
+
+struct CheckedFile {
+    FontFile file;
+    Finding finding = Finding::kIntact;
+    std::string keptAt{};  ///< where a damaged one was put
+};
+
+/// A file that cannot be read just now is not called damaged.
+CheckedFile Check(const FontVault& vault, const FontFile& file, const StopFlag& isStopped) {
+    if (!vault.Has(file)) {
+        const bool isThere = platform::IsExistingFile(vault.PathOf(file));
+        return {file, isThere ? Finding::kDamaged : Finding::kMissing,
+                isThere ? vault.SetAside(vault.PathOf(file)) : std::string()};
+    }
+    const std::string checksum = FontVault::ChecksumOfContent(vault.PathOf(file), isStopped);
+    if (checksum.empty() || checksum == file.checksum)
+        return {file};
+    return {file, Finding::kDamaged, vault.SetAside(vault.PathOf(file))};
+}
+
+std::string TextOf(const CheckedFile& checked) {
+    const std::string name = checked.file.name;
+    if (checked.finding == Finding::kMissing)
+        return "the file of " + name + " is gone from the vault; add the font again";
+    return "the file of " + name + " is damaged" +
+           (checked.keptAt.empty() ? std::string() : ", and was put into " + checked.keptAt) +
+           "; add the font again";
+}
+
+/// Fonts whose file is not what it was are not offered any more.
+void NoteLost(CommandContext& context, const std::vector<CheckedFile>& checked, Json& problems) {
+    Activation activation = context.manager.BeginActivation();
+    for (const CheckedFile& each : checked) {
+        const auto known = context.manager.fonts.FindFile(each.file.checksum);
+        if (each.finding == Finding::kIntact || !known)  // removed meanwhile
+            continue;
+        activation.NoteMissing(*known);
+        context.manager.activeFonts->Remove(*known);
+        problems.push_back(TextOf(each));
+    }
+    AnnounceChanges(context.audience, activation.Commit());
+}
+
+Json Report(CommandContext& context, const std::vector<CheckedFile>& checked) {
+    Json problems = Json::array();
+    NoteLost(context, checked, problems);
+    return {{"checked", checked.size()},
+            {"after", checked.empty() ? 0 : checked.back().file.id},
+            {"problems", std::move(problems)}};
+}
+
+/// The files in their order after that ID, for as long as there is time.
+Json CheckFiles(CommandContext& context, const Json& arguments) {
+    constexpr int kMostFiles = 1000;
+    const FontVault& vault = context.manager.vault;
+    const auto files = context.manager.fonts.FilesAfter(IntegerMember(arguments, "after"), kMostFiles);
+    return context.Defer(Deferral::LaneName::kFiles, [&vault, files](FontWorker& worker) {
+        const auto deadline = std::chrono::steady_clock::now() + kVaultCheckTime;
+        std::vector<CheckedFile> checked;
+        for (const FontFile& file : files) {
+            if (worker.StopFlag() || std::chrono::steady_clock::now() > deadline)
+                break;
+            checked.push_back(Check(vault, file, worker.StopFlag()));
+        }
+        return [checked](CommandContext& later) { return Report(later, checked); };
+    });
+}
+
+/// What can be put right without reading every file.
+Json CheckRecords(CommandContext& context, const Json&) {
+    FontManager& manager = context.manager;
+    Json problems = Json::array();
+    for (const std::string& problem : manager.database.FindDamage())
+        problems.push_back("the database " + manager.locations.databasePath + ": " + problem);
+    AnnounceChanges(context.audience, manager.EndLeasesOfDeadProcesses());
+    const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
+    if (!repairs.problem.empty())
+        problems.push_back(repairs.problem);
+    return {{"fonts", manager.fonts.Count()},
+            {"files", manager.fonts.CountFiles()},
+            {"added", repairs.added},
+            {"removed", repairs.removed},
+            {"problems", std::move(problems)}};
+}
+
+/// A file of the vault that no record knows, as far as it is what its name says.
+struct FoundFile {
+    FontFile file;
+    std::vector<FontFace> faces;
+    std::string problem;  ///< why it is none; empty when it is one
+};
+
+FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& worker) {
+    FoundFile found;
+    platform::ReadOnlyFile content;
+    found.file.checksum = FontVault::ChecksumOfName(path);
+    found.file.extension = platform::NamePart(path).substr(found.file.checksum.size());
+    const std::string checksum = FontVault::ChecksumOfContent(path, worker.StopFlag());
+    if (checksum.empty() || content.Open(path) || content.Size(found.file.size))
+        found.problem = path + " cannot be read";
+    else if (checksum != found.file.checksum)
+        found.problem = path + " is damaged, and was put into " + vault.SetAside(path);
+    if (!found.problem.empty())
+        return found;
+    ScanResult result = worker.Scan(content);
+    found.faces = std::move(result.faces);
+    if (found.faces.empty())
+        found.problem =
+            path + " is no font (" + result.reason + "), and was put into " + vault.SetAside(path);
+    else
+        found.file.name = found.faces.front().postScriptName + found.file.extension;
+    return found;
+}
+
+void Add(CommandContext& context, const FoundFile& found) {
+    FontManager& manager = context.manager;
+    Transaction transaction(manager.database);
+    if (manager.fonts.FindFile(found.file.checksum))  // added by somebody meanwhile
+        return;
+    const int64_t fileID = manager.fonts.Add(found.file, found.faces);
+    for (const Font& font : manager.fonts.FontsOfFile(fileID))
+        manager.workgroups.AddFont(manager.DefaultWorkgroup().id, font.id);
+    transaction.Commit();
+    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+}
+
+}  // namespace
+
+Json CheckNextFile(CommandContext& context) {
+    const int64_t last = context.manager.settings.LastCheckedFile();
+    auto files = context.manager.fonts.FilesAfter(last, 1);
+    if (files.empty() && last != 0)
+        files = context.manager.fonts.FilesAfter(0, 1);
+    if (files.empty())
+        return Json::object();
+    const FontVault& vault = context.manager.vault;
+    return context.Defer(Deferral::LaneName::kFiles, [&vault, file = files.front()](FontWorker& worker) {
+        return [checked = Check(vault, file, worker.StopFlag())](CommandContext& later) {
+            later.manager.settings.SetLastCheckedFile(checked.file.id);
+            Json problems = Json::array();
+            NoteLost(later, {checked}, problems);
+            if (!problems.empty())
+                throw CommandError(error_codes::GZephyrinAssetManager::kFontMissing,
+                                   problems.front().get<std::string>());
+            return Json::object();
+        };
+    });
+}
+
+Json TakeBack(CommandContext& context, std::vector<std::string> paths) {
+    if (paths.empty())
+        return Json::object();
+    const std::string path = paths.back();
+    paths.pop_back();
+    const FontVault& vault = context.manager.vault;
+    return context.Defer(Deferral::LaneName::kFiles, [&vault, path, paths](FontWorker& worker) {
+        return [found = LookInto(vault, path, worker), paths](CommandContext& later) {
+            if (found.problem.empty())
+                Add(later, found);
+            else
+                later.audience.Note(found.problem);
+            return TakeBack(later, paths);
+        };
+    });
+}
+
+void AddVaultCommands(CommandTable& table) {
+    table[method::kCheckFiles] = CheckFiles;
+    table[method::kCheckRecords] = CheckRecords;
+}
+
+}  // namespace pellwick

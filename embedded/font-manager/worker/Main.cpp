@@ -1,0 +1,52 @@
+// The process that reads fonts for the agent. It has read what nobody vouches for, so it gets at nothing, and
+// the agent starts another one when it ends.
+#include "StringConversion.h"
+#include "common/Limits.h"
+#include "platform/ProgramArguments.h"
+#include "platform/Worker.h"
+#include "preview/PreviewRenderer.h"
+#include "scan/FontScanner.h"
+#include "workers/FontWorkMessages.h"
+
+namespace pellwick {
+namespace {
+
+std::string AnswerTo(const FontWorkRequest& request, std::string_view file, FontScanner& scanner,
+                     PreviewRenderer& renderer) {
+    if (request.isForImage)
+        return EncodeImage(renderer.Render(file, request.font, request.scale));
+    ScanResult result;
+    result.faces = scanner.Scan(file, result.reason);
+    return EncodeScanResult(result);
+}
+
+int Work(platform::WorkerLine& line) {
+    FontScanner scanner;
+    PreviewRenderer renderer;
+    if (!KeepEncodingLoaded("MACINTOSH", "UTF-8") || !KeepEncodingLoaded("UTF-16BE", "UTF-8") ||
+        !KeepEncodingLoaded("UTF-8", "UTF-32LE") || !line.Confine(kFontWorkerLimits))
+        return 1;
+    std::string message;
+    std::string_view file;
+    while (line.Receive(message, file)) {
+        const auto request = ParseRequest(message);
+        if (!request || !line.Answer(AnswerTo(*request, file, scanner, renderer)))
+            return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+}  // namespace pellwick
+
+int main(int count, char** words) {
+    platform::ProgramArguments arguments(count, words);
+    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
+    if (!line)
+        return 2;  // people do not start it
+    try {
+        return pellwick::Work(*line);
+    } catch (const std::exception&) {  // no memory is left: this is the answer
+        return 1;
+    }
+}

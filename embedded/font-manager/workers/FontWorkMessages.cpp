@@ -1,0 +1,122 @@
+#include "workers/FontWorkMessages.h"
+
+#include <nlohmann/json.hpp>
+
+#include "common/Limits.h"
+#include "ipc/Message.h"
+#include "preview/PreviewFolder.h"
+#include "scan/CleanName.h"
+
+namespace pellwick {
+namespace {
+
+constexpr char kMethod[] = "method";
+constexpr char kScan[] = "scan";
+constexpr char kDraw[] = "draw";
+
+std::string Encode(const Json& message) {
+    std::string bytes;
+    Json::to_msgpack(message, nlohmann::detail::output_adapter<char>(bytes));
+    return bytes;
+}
+
+Json RowOf(const FontFace& face) {
+    return {face.face,    face.postScriptName, face.family, face.style,      face.fullName,
+            face.foundry, face.version,        face.kind,   face.lookupNames};
+}
+
+std::string NameOf(const Json& value) {
+    return CleanName(value.get<std::string>());
+}
+
+/// Throws Json::exception for what is no such row.
+FontFace FaceOf(const Json& row) {
+    FontFace face;
+    face.face = row.at(0).get<uint32_t>();
+    face.postScriptName = NameOf(row.at(1));
+    face.family = NameOf(row.at(2));
+    face.style = NameOf(row.at(3));
+    face.fullName = NameOf(row.at(4));
+    face.foundry = NameOf(row.at(5));
+    face.version = NameOf(row.at(6));
+    face.kind = row.at(7).get<int32_t>();
+    for (const Json& name : row.at(8))
+        face.lookupNames.push_back(NameOf(name));
+    return face;
+}
+
+/// What the messages' schema does not say comes as an exception of the JSON library.
+template <class Parse>
+auto Parsed(std::string_view message, Parse parse) -> decltype(parse(Json())) {
+    const std::optional<Json> decoded = DecodeMessage(message);
+    try {
+        if (decoded)
+            return parse(*decoded);
+    } catch (const Json::exception&) {
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::string EncodeRequest(const FontWorkRequest& request) {
+    if (!request.isForImage)
+        return Encode({{kMethod, kScan}});
+    return Encode({{kMethod, kDraw},
+                   {"face", request.font.face},
+                   {"fullName", request.font.fullName},
+                   {"postScriptName", request.font.postScriptName},
+                   {"scale", request.scale}});
+}
+
+std::optional<FontWorkRequest> ParseRequest(std::string_view message) {
+    return Parsed(message, [](const Json& decoded) -> std::optional<FontWorkRequest> {
+        FontWorkRequest request;
+        request.isForImage = decoded.at(kMethod) == kDraw;
+        if (request.isForImage) {
+            request.font.face = decoded.at("face").get<int64_t>();
+            request.font.fullName = decoded.at("fullName").get<std::string>();
+            request.font.postScriptName = decoded.at("postScriptName").get<std::string>();
+            request.scale = decoded.at("scale").get<int>();
+        }
+        return request;
+    });
+}
+
+std::string EncodeScanResult(const ScanResult& result) {
+    Json faces = Json::array();
+    for (const FontFace& face : result.faces)
+        faces.push_back(RowOf(face));
+    return Encode({{"faces", std::move(faces)}, {"reason", result.reason}});
+}
+
+std::optional<ScanResult> ParseScanResult(std::string_view message) {
+    return Parsed(message, [](const Json& decoded) -> std::optional<ScanResult> {
+        ScanResult result;
+        result.reason = NameOf(decoded.at("reason"));
+        if (decoded.at("faces").size() > kMaxFontsPerFile)
+            return std::nullopt;
+        for (const Json& row : decoded.at("faces"))
+            result.faces.push_back(FaceOf(row));
+        return result;
+    });
+}
+
+std::string EncodeImage(const NameImage& image) {
+    return Encode(
+        {{"width", image.width}, {"height", image.height}, {"coverage", Json::binary(image.coverage)}});
+}
+
+std::optional<NameImage> ParseImage(std::string_view message) {
+    return Parsed(message, [](const Json& decoded) -> std::optional<NameImage> {
+        constexpr int kLargest = kPreviewScales.back();
+        NameImage image{decoded.at("width").get<int>(), decoded.at("height").get<int>(),
+                        decoded.at("coverage").get_binary()};
+        const bool isOfSize = image.width >= 0 && image.width <= kLargest * kMaxPreviewWidth &&
+                              image.height >= 0 && image.height <= kLargest * kPreviewHeight &&
+                              image.coverage.size() == static_cast<size_t>(image.width * image.height);
+        return isOfSize ? std::optional(std::move(image)) : std::nullopt;
+    });
+}
+
+}  // namespace pellwick

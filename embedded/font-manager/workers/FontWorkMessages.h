@@ -1,0 +1,50 @@
+// What the agent and the process that reads fonts for it say to one another.
+//
+// Messages are MessagePack objects. A request comes with a font file: {"method": "scan"} for its faces, or
+// {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name. Answers are
+// {"faces": [[face, PostScript name, family, style, full name, foundry, version, kind, [lookup names]]]} or
+// {"reason"}, and {"width", "height", "coverage"}. The process has read what nobody vouches for, so its
+// answers are trusted no more than fonts are.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/Limits.h"
+#include "platform/Worker.h"
+#include "preview/NameImage.h"
+#include "store/FontStore.h"
+
+namespace pellwick {
+
+/// The program, which stands beside the agent's.
+inline constexpr char kFontWorkerProgram[] = "PellwickFontWorker";
+
+inline constexpr platform::WorkerLimits kFontWorkerLimits = {kWorkerMemory, kWorkerProcessorTime, kWorkerTime,
+                                                             kMaxMessageSize};
+
+struct FontWorkRequest {
+    bool isForImage = false;
+    FontFace font{};  ///< its face and the names to draw
+    int scale = 1;
+};
+
+struct ScanResult {
+    std::vector<FontFace> faces;  ///< empty when it is no font that can be used
+    std::string reason;           ///< why, for people
+};
+
+std::string EncodeRequest(const FontWorkRequest& request);
+std::optional<FontWorkRequest> ParseRequest(std::string_view message);
+
+std::string EncodeScanResult(const ScanResult& result);
+/// Nothing for what no worker in its senses says.
+std::optional<ScanResult> ParseScanResult(std::string_view message);
+
+std::string EncodeImage(const NameImage& image);
+/// As above.
+std::optional<NameImage> ParseImage(std::string_view message);
+
+}  // namespace pellwick

@@ -1,0 +1,58 @@
+#include "workers/FontWorker.h"
+
+namespace pellwick {
+
+ScanResult FontWorker::Scan(const platform::ReadOnlyFile& file) {
+    std::string answer;
+    std::string problem;
+    if (!Ask({}, file, answer, problem))
+        return {{}, "damaged font file, or a harmful one: reading it " + problem};
+    return ParseScanResult(answer).value_or(ScanResult{{}, "damaged font file: it cannot be understood"});
+}
+
+NameImage FontWorker::Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale) {
+    std::string answer;
+    std::string problem;
+    if (!Ask({true, font, scale}, file, answer, problem))
+        return {};
+    return ParseImage(answer).value_or(NameImage());
+}
+
+bool FontWorker::Ask(const FontWorkRequest& request, const platform::ReadOnlyFile& file, std::string& answer,
+                     std::string& problem) {
+    using Outcome = platform::Worker::Outcome;
+    const bool isFresh = !mProcess;
+    Outcome outcome = Process().Exchange(EncodeRequest(request), file, answer, problem);
+    if (outcome == Outcome::kDied && !isFresh) {  // it may have died before, of something else
+        Rest();
+        outcome = Process().Exchange(EncodeRequest(request), file, answer, problem);
+    }
+    if (outcome != Outcome::kAnswered)
+        Rest();
+    return outcome == Outcome::kAnswered;
+}
+
+platform::Worker& FontWorker::Process() {
+    const std::lock_guard guard(mProcessLock);
+    platform::SystemError error;
+    if (!mProcess && !mIsStopped)
+        mProcess = platform::Worker::Start(mProgram, kFontWorkerLimits, error);
+    if (!mProcess)
+        throw NoFontWorker("cannot start " + mProgram + " (" + platform::SystemErrorText(error) +
+                           "); install Pellwick again, or try again when less is running");
+    return *mProcess;
+}
+
+void FontWorker::Rest() {
+    const std::lock_guard guard(mProcessLock);
+    mProcess.reset();
+}
+
+void FontWorker::Stop() {
+    mIsStopped = true;
+    const std::lock_guard guard(mProcessLock);
+    if (mProcess)
+        mProcess->Cancel();
+}
+
+}  // namespace pellwick

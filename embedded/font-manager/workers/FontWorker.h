@@ -1,0 +1,52 @@
+// Reads font files, by a process of its own that may die of them.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+#include "platform/Worker.h"
+#include "workers/FontWorkMessages.h"
+
+namespace pellwick {
+
+/// Thrown where the process cannot be started; the message is for people.
+class NoFontWorker : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The process is started when it is needed first, and again after it has died. One thread, but for Stop.
+class FontWorker {
+public:
+    /// `program`: its full path.
+    explicit FontWorker(std::string program) : mProgram(std::move(program)) {}
+
+    /// The faces in a font file: each member of a collection, each named instance of a variable font. None,
+    /// and the reason, when it is no font that can be used, which includes one that the process dies of.
+    ScanResult Scan(const platform::ReadOnlyFile& file);
+    /// The font's name in its own face; of no width when it cannot be shown.
+    NameImage Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale);
+
+    /// Ends the process; the next request starts another.
+    void Rest();
+    /// From now on every request fails, also one under way. Any thread.
+    void Stop();
+    /// Whether Stop was called.
+    const std::atomic<bool>& StopFlag() const { return mIsStopped; }
+
+private:
+    /// False, and the reason, when there is no answer.
+    bool Ask(const FontWorkRequest& request, const platform::ReadOnlyFile& file, std::string& answer,
+             std::string& problem);
+    platform::Worker& Process();
+
+    const std::string mProgram;
+    std::atomic<bool> mIsStopped{false};
+    std::mutex mProcessLock;  ///< guards that it comes and goes
+    std::unique_ptr<platform::Worker> mProcess;
+};
+
+}  // namespace pellwick

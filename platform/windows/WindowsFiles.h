@@ -1,0 +1,23 @@
+// What writes files on Windows.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+#include "OwnedHandle.h"
+#include "platform/SystemError.h"
+
+namespace platform {
+
+/// Makes a file for writing under a name that is nobody else's, between `beginning` and `end`; its path.
+SystemError MakeFileOfNewName(const std::string& beginning, size_t digits, const std::string& end,
+                              SECURITY_ATTRIBUTES* attributes, OwnedHandle& file, std::string& path);
+
+SystemError WriteAll(const OwnedHandle& file, std::string_view content);
+
+/// With the flags of MoveFileEx. Tries again for half a second where a virus scanner holds either file.
+SystemError Rename(const std::string& from, const std::string& to, DWORD flags);
+
+}  // namespace platform
