@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "PrintableText.h"
 #include "StringConversion.h"
 #include "common/Limits.h"
 
@@ -42,10 +43,6 @@ std::string Decode(const FT_SfntName& name) {
     return CleanName(decoded);
 }
 
-bool IsControl(char character) {
-    return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-}
-
 }  // namespace
 
 std::string ReadName(FT_Face face, unsigned nameIdentifier) {
@@ -66,8 +63,7 @@ std::string ReadName(FT_Face face, unsigned nameIdentifier) {
 }
 
 std::string CleanName(const std::string& name) {
-    std::string clean = ReplaceInvalidUtf8(name.substr(0, kMaxNameSize));
-    clean.erase(std::remove_if(clean.begin(), clean.end(), IsControl), clean.end());
+    const std::string clean = WithoutUnprintables(name.substr(0, kMaxNameSize));
     const size_t first = clean.find_first_not_of(' ');
     if (first == std::string::npos)
         return {};

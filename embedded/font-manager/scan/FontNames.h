@@ -22,7 +22,7 @@ enum NameIdentifier : unsigned {
 /// The name in UTF-8, English if it can be had; empty when the face has none that can be decoded.
 std::string ReadName(FT_Face face, unsigned nameIdentifier);
 
-/// Well-formed UTF-8 without control characters or blanks at the ends, cut at kMaxNameSize.
+/// Well-formed UTF-8 without unprintable characters or blanks at the ends, cut at kMaxNameSize.
 std::string CleanName(const std::string& name);
 
 }  // namespace pellwick
