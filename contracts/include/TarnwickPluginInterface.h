@@ -148,14 +148,15 @@ enum PluginPermission {
  * ID of what is deleted may stay in a query, where it matches nothing; kWorkgroupID_All among the workgroups
  * stands for all fonts. `outSmartListID` receives the number of the list, which is above 0 and never given
  * twice. CoreErrorCodes::kItemAlreadyExists when another list has the name, kMissingParam for a blank one,
- * kInvalidParam for what is no ID. Who may make and change smart lists says kPermission_CreateSmartLists;
- * GZephyrinServerFacade::kNotLoggedIn while nobody is logged in. SetSmartListQuery gives a list another
- * query, RenameSmartList another name, and DeleteSmartList deletes it; GZephyrinSetManager::kSetNotFound for
- * an unknown list, there and everywhere.
+ * kInvalidParam for what is no ID and for a name that is too long or holds what cannot be seen. Who may make
+ * and change smart lists says kPermission_CreateSmartLists; GZephyrinServerFacade::kNotLoggedIn while nobody
+ * is logged in. SetSmartListQuery gives a list another query, RenameSmartList another name, and
+ * DeleteSmartList deletes it; GZephyrinSetManager::kSetNotFound for an unknown list, there and everywhere.
  *
  * CreateTopLevelSet: makes an empty set in a workgroup. `name` is not blank. `outSetID` receives the number
  * of the set, which is above 0 and never given twice. CoreErrorCodes::kItemAlreadyExists when the workgroup
- * has a set of that name: choose another; CoreErrorCodes::kMissingParam for a blank name;
+ * has a set of that name: choose another; CoreErrorCodes::kMissingParam for a blank name, kInvalidParam for
+ * one that is too long or holds what cannot be seen;
  * GZephyrinSetManager::kWorkGroupIDDoesNotExist for an unknown workgroup,
  * kCannotCreateSharedSetsInAllFontsWorkgroup for the ID of all workgroups together (IsAllWorkgroups),
  * kCannotAddSetsToSystemWorkgroup for that of the system's fonts. A set goes with its workgroup. Who may make

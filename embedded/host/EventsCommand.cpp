@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kIdleInterval{100};
 
 void PrintEvent(const PlugPlugEvent& event) {
-    fmt::print("{}\n", event.data != nullptr ? event.data : "");
+    PrintJson(event.data != nullptr ? event.data : "");
     std::fflush(stdout);
 }
 

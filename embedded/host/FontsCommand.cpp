@@ -1,5 +1,3 @@
-#include <fmt/core.h>
-
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -12,11 +10,8 @@ namespace {
 using nlohmann::json;
 
 void PrintNames(const std::string& file, const std::set<std::string>& names, bool showFile) {
-    for (const std::string& name : names) {
-        if (showFile)
-            fmt::print("{}: ", file);
-        fmt::print("{}\n", Printable(name));
-    }
+    for (const std::string& name : names)
+        PrintLine(showFile ? file + ": " + name : name);
 }
 
 }  // namespace
@@ -41,7 +36,7 @@ int RunFonts(const std::vector<std::string>& files, bool asJSON) {
             PrintNames(file, names, files.size() > 1);
         }
         if (asJSON)
-            fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
+            PrintJson(line.dump(-1, ' ', false, json::error_handler_t::replace));
     }
     return status;
 }

@@ -36,8 +36,9 @@ void PrintItem(const json& item, int depth) {
         fmt::print("    {}---\n", indent);
         return;
     }
-    fmt::print("{:>3} {}{}{}{}\n", item.value("label", ""), indent, item.value("checked", false) ? "* " : "",
-               item.value("title", ""), item.value("enabled", false) ? "" : "  (not available)");
+    PrintLine(fmt::format("{:>3} {}{}{}{}", item.value("label", ""), indent,
+                          item.value("checked", false) ? "* " : "", item.value("title", ""),
+                          item.value("enabled", false) ? "" : "  (not available)"));
     for (const json& child : item.value("child", json::array()))
         PrintItem(child, depth + 1);
 }
@@ -93,7 +94,7 @@ int RunMenu(const HostOptions& host, const MenuOptions& options) {
     if (!options.choice.empty())
         return Choose(session.Core(), menu, document, options.choice);
     if (options.json)
-        fmt::print("{}\n", menu.dump());
+        PrintJson(menu.dump());
     else
         PrintItem(menu, 0);
     return exit_status::kDone;

@@ -30,7 +30,7 @@ std::string StateText(const json& font) {
 }
 
 void PrintFonts(const OpenedDocument& document) {
-    fmt::print("{}\n", document.path);
+    PrintLine(document.path);
     if (document.matched.empty() && document.unmatched.empty()) {
         fmt::print("  no fonts\n");
         return;
@@ -40,13 +40,12 @@ void PrintFonts(const OpenedDocument& document) {
     for (const json& font : document.matched) {
         const std::string file = font.value(kGS_PathKey, "");
         const json before = font.value(kGS_MatchedFontKey, json::object());
-        rows.push_back({"  " + Printable(font.value(kGS_PostScriptNameKey, "?")),
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"),
                         before.value(kGS_PostScriptNameKey, "yes"), StateText(before), StateText(font),
                         visible.Offers(file, before.value(kGS_PostScriptNameKey, "")) ? "yes" : "no", file});
     }
     for (const json& font : document.unmatched)
-        rows.push_back(
-            {"  " + Printable(font.value(kGS_PostScriptNameKey, "?")), "no", "missing", "missing", "-", "-"});
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "no", "missing", "missing", "-", "-"});
     PrintTable(rows);
 }
 
@@ -57,7 +56,7 @@ void PrintAsJSON(const OpenedDocument& document) {
                     {"numFontsActivated", document.numFontsActivated},
                     {"matched", document.matched},
                     {"unmatched", document.unmatched}};
-    fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
+    PrintJson(line.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 /// Shows an opened document; what it means for the program's exit status.

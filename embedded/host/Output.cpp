@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "ErrorCodes.h"
-#include "StringConversion.h"
+#include "PrintableText.h"
 #include "platform/Environment.h"
 
 namespace {
@@ -38,8 +38,15 @@ bool UseColour() {
 }  // namespace
 
 void PrintError(const std::string& message) {
-    // A console of Windows takes nothing but text.
-    fmt::print(stderr, "plugincore-host: {}\n", ReplaceInvalidUtf8(message));
+    fmt::print(stderr, "plugincore-host: {}\n", PrintableText(message));
+}
+
+void PrintLine(const std::string& line) {
+    fmt::print("{}\n", PrintableText(line));
+}
+
+void PrintJson(const std::string& json) {
+    fmt::print("{}\n", PrintableJson(json));
 }
 
 bool FlushOutput() {
@@ -53,19 +60,9 @@ std::string ResultName(uint32_t code) {
     return code == 1 ? "FontsActivated" : ErrorCodeToName(code);
 }
 
-std::string Printable(const std::string& text) {
-    std::string printable;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7F)
-            printable += fmt::format("\\x{:02X}", byte);
-        else
-            printable += character;
-    }
-    return printable;
-}
-
-void PrintTable(const std::vector<std::vector<std::string>>& rows) {
+void PrintTable(std::vector<std::vector<std::string>> rows) {
+    for (auto& row : rows)
+        std::transform(row.begin(), row.end(), row.begin(), PrintableText);
     std::vector<size_t> widths;
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
@@ -109,6 +106,6 @@ void ProgressBar::Advance(const std::string& what) {
     const size_t filled = kWidth * done / mSteps;
     Hide();
     fmt::print(stderr, "[{}{}] {}/{} {}", std::string(filled, '#'), std::string(kWidth - filled, '.'), mBegun,
-               mSteps, FirstCodePoints(what, kLongestStepName));
+               mSteps, FirstCodePoints(PrintableText(what), kLongestStepName));
     std::fflush(stderr);
 }

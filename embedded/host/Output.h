@@ -13,8 +13,14 @@ inline constexpr int kFontsMissing = 3;
 inline constexpr int kFontManagerUnreachable = 5;
 }  // namespace exit_status
 
-/// One line on standard error.
+/// One line on standard error, whatever names are in it.
 void PrintError(const std::string& message);
+
+/// The same on standard output.
+void PrintLine(const std::string& line);
+
+/// A JSON text as a line on standard output, for programs.
+void PrintJson(const std::string& json);
 
 /// Writes out what standard output holds back; false after an error line when something was lost.
 bool FlushOutput();
@@ -22,12 +28,9 @@ bool FlushOutput();
 /// "CoreErrorCodes::kNotFound" and the like; "FontsActivated" for the 1 that an open answers with.
 std::string ResultName(uint32_t code);
 
-/// The text as one line that does nothing to a terminal: control characters stand as \xNN.
-std::string Printable(const std::string& text);
-
-/// Rows below a heading in columns, on standard output. Columns are as wide as their widest cell needs on a
-/// terminal that gives each code point one cell.
-void PrintTable(const std::vector<std::vector<std::string>>& rows);
+/// Rows below a heading in columns, on standard output, whatever names are in them. Columns are as wide as
+/// their widest cell needs on a terminal that gives each code point one cell.
+void PrintTable(std::vector<std::vector<std::string>> rows);
 
 /// A progress bar on standard error, when that is a terminal and there is more than one step; nothing else.
 class ProgressBar {

@@ -1,5 +1,3 @@
-#include <fmt/core.h>
-
 #include <iostream>
 #include <map>
 #include <memory>
@@ -53,14 +51,14 @@ private:
     std::unique_ptr<char[]> mBytes;
 };
 
-template <class Line>
-void PrintLine(const Line& line) {
-    fmt::print("{}\n", line.dump(-1, ' ', false, json::error_handler_t::replace));
+template <class Answer>
+void PrintAnswer(const Answer& answer) {
+    PrintJson(answer.dump(-1, ' ', false, json::error_handler_t::replace));
     std::fflush(stdout);
 }
 
 void ReportRebuildWorkgroupsMenu() {
-    PrintLine(json{{"callback", "RebuildWorkgroupsMenu"}});
+    PrintAnswer(json{{"callback", "RebuildWorkgroupsMenu"}});
 }
 
 uint32_t CollectMenuItem(const char* id, const char* label, void* context) {
@@ -78,7 +76,7 @@ void PrintEvent(const PlugPlugEvent& event) {
         line["data"] = data;
     else
         line["message"] = message;
-    PrintLine(line);
+    PrintAnswer(line);
 }
 
 /// The host of the script: the core and the panels.
@@ -347,9 +345,9 @@ int RunScript(const HostOptions& options) {
         if (line.find_first_not_of(" \t\r") == std::string::npos)
             continue;
         try {
-            PrintLine(Answer(host, line));
+            PrintAnswer(Answer(host, line));
         } catch (const std::exception& exception) {
-            PrintLine(json{{"error", exception.what()}, {"line", line}});
+            PrintAnswer(json{{"error", exception.what()}, {"line", line}});
             status = exit_status::kFailed;
         }
     }

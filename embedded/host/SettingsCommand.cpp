@@ -1,5 +1,3 @@
-#include <fmt/core.h>
-
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
@@ -27,7 +25,7 @@ bool ReadSettings(const CoreLibrary& core, Json& settings) {
 
 void PrintSettings(const Json& settings, bool asJSON) {
     if (asJSON) {
-        fmt::print("{}\n", settings.dump());
+        PrintJson(settings.dump());
         return;
     }
     std::vector<std::vector<std::string>> rows{{"KEY", "VALUE"}};
@@ -74,6 +72,9 @@ int RunSettings(const HostOptions& host, const SettingsOptions& options) {
     if (options.value)
         return Store(session.Core(), options.key, *options.value);
     const Json value = settings[options.key];
-    fmt::print("{}\n", options.json ? Json{{options.key, value}}.dump() : value.get<std::string>());
+    if (options.json)
+        PrintJson(Json{{options.key, value}}.dump());
+    else
+        PrintLine(value.get<std::string>());
     return exit_status::kDone;
 }

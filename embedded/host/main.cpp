@@ -1,9 +1,9 @@
 // plugincore-host: drives the core from the command line as a host application would.
 
-#include <CLI/CLI.hpp>
-
 #include "Commands.h"
+#include "ExactWords.h"
 #include "Output.h"
+#include "PrintableText.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
@@ -15,6 +15,10 @@ constexpr char kExitStatusHelp[] =
     "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 fonts of a document are missing,\n"
     "5 the font manager cannot be reached.\n"
     "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
+
+/// The texts behind options and commands, exactly as they were typed.
+using exact_words::AddText;
+using exact_words::AddTexts;
 
 constexpr char kHostNamesHelp[] =
     "name a host application: it holds After, Illustrator, InCopy, InDesign, Photoshop or Sketch";
@@ -33,7 +37,11 @@ bool NamesAHost(const std::string& name) {
 int main(int argc, char** argv) {
     platform::ProgramArguments arguments(argc, argv);
     CLI::App program{
-        "Drives the font auto-activation core from the command line, as a host application would."};
+        "Drives the font auto-activation core from the command line, as a host application would.",
+        "plugincore-host"};
+    program.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return "plugincore-host: " + exact_words::FailureText(error) + "; see \"plugincore-host --help\"\n";
+    });
     program.footer(kExitStatusHelp);
     program.require_subcommand(1);
     program.fallthrough();
@@ -43,17 +51,18 @@ int main(int argc, char** argv) {
     HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
     std::string answers;
     bool json = false;
-    program.add_option("--app", host.app, "The host application to pass for")
-        ->capture_default_str()
+    AddText(program, "--app", host.app, "The host application to pass for")
+        ->default_str(host.app)
         ->check([](const std::string& name) { return NamesAHost(name) ? "" : kHostNamesHelp; });
-    program.add_option("--core", host.corePath, "The core's library")->capture_default_str();
-    program.add_option("--answers", answers, "A JSON file of answers to the questions that dialogs ask");
+    AddText(program, "--core", host.corePath, "The core's library")
+        ->default_str(PrintableText(host.corePath));
+    AddText(program, "--answers", answers, "A JSON file of answers to the questions that dialogs ask");
     program.add_flag("--json", json, "Write JSON, one line for each file");
 
     OpenOptions open;
     double seconds = 0;
     CLI::App* openCommand = program.add_subcommand("open", "Open documents and have their fonts activated");
-    openCommand->add_option("FILE", open.files, "The documents")->required();
+    AddTexts(*openCommand, "FILE", open.files, "The documents")->required();
     CLI::Option* closeOption = openCommand->add_flag("--close", open.closeAtOnce, "Close them at once");
     CLI::Option* forOption =
         openCommand->add_option("--for", seconds, "Close them after so many seconds; else on Enter")
@@ -62,17 +71,18 @@ int main(int argc, char** argv) {
 
     std::vector<std::string> files;
     CLI::App* fontsCommand = program.add_subcommand("fonts", "List the font names that documents hold");
-    fontsCommand->add_option("FILE", files, "The documents")->required();
+    AddTexts(*fontsCommand, "FILE", files, "The documents")->required();
 
     SettingsOptions settings;
     CLI::App* settingsCommand = program.add_subcommand("settings", "Show the preferences, or store one");
-    settingsCommand->add_option("KEY", settings.key, "Show this one alone");
-    settingsCommand->add_option("VALUE", settings.value, "Store this value");
+    std::string value;
+    AddText(*settingsCommand, "KEY", settings.key, "Show this one alone");
+    CLI::Option* valueOption = AddText(*settingsCommand, "VALUE", value, "Store this value");
 
     MenuOptions menu;
     CLI::App* menuCommand = program.add_subcommand("menu", "Show the plug-in menu, or choose from it");
-    menuCommand->add_option("CHOICE", menu.choice, "The number or the text of a menu item");
-    menuCommand->add_option("--document", menu.document, "A document to open before");
+    AddText(*menuCommand, "CHOICE", menu.choice, "The number or the text of a menu item");
+    AddText(*menuCommand, "--document", menu.document, "A document to open before");
 
     double eventsSeconds = 0;
     CLI::App* eventsCommand =
@@ -87,7 +97,7 @@ int main(int argc, char** argv) {
         "{\"panel\": {\"messageID\": …}} sends a message as a panel does");
 
     try {
-        program.parse(arguments.Count(), arguments.Words());
+        exact_words::Parse(program, arguments.Count(), arguments.Words());
     } catch (const CLI::ParseError& error) {
         const int status = program.exit(error);
         return status == 0 ? exit_status::kDone : exit_status::kWrongUsage;
@@ -99,6 +109,8 @@ int main(int argc, char** argv) {
     open.json = settings.json = menu.json = json;
     if (*forOption)
         open.seconds = seconds;
+    if (*valueOption)
+        settings.value = value;
     EventsOptions events;
     if (*eventsForOption)
         events.seconds = eventsSeconds;

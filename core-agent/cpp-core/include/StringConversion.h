@@ -9,6 +9,9 @@
 /// Whether the bytes are well-formed UTF-8 (Unicode 15, table 3-7).
 bool IsValidUtf8(std::string_view text);
 
+/// Where the part of the text begins that is well-formed UTF-8 to its end; 0 when all of it is.
+size_t WellFormedTail(std::string_view text);
+
 /// Well-formed UTF-8 made from whatever the bytes are: each ill-formed sequence becomes U+FFFD.
 std::string ReplaceInvalidUtf8(std::string_view text);
 

@@ -49,6 +49,13 @@ bool IsValidUtf8(std::string_view text) {
     return utf8::is_valid(text.begin(), text.end());
 }
 
+size_t WellFormedTail(std::string_view text) {
+    auto tail = text.begin();
+    for (auto fault = tail; (fault = utf8::find_invalid(tail, text.end())) != text.end();)
+        tail = fault + 1;
+    return static_cast<size_t>(tail - text.begin());
+}
+
 std::string ReplaceInvalidUtf8(std::string_view text) {
     std::string valid;
     valid.reserve(text.size());

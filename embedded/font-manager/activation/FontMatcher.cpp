@@ -1,6 +1,6 @@
 #include "activation/FontMatcher.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "GPickBestMatch.h"
 
@@ -22,23 +22,39 @@ BestMatchCandidate CandidateOf(const Font& font) {
     return candidate;
 }
 
-bool IsBetter(const Font& left, const Font& right, const RequestedFont& request) {
+bool IsBetter(const BestMatchCandidate& left, const BestMatchCandidate& right, const RequestedFont& request) {
     bool leftIsBetter = true;
-    const ErrorCode code = GPickBestMatch::Compare(CandidateOf(left), CandidateOf(right), leftIsBetter, false,
-                                                   request.foundry, request.kind);
+    const ErrorCode code =
+        GPickBestMatch::Compare(left, right, leftIsBetter, false, request.foundry, request.kind);
     return code == CoreErrorCodes::kSuccess && leftIsBetter;
 }
 
 }  // namespace
 
-void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request) {
-    // By insertion: the comparison is not transitive for versions that cannot be read, which std::sort may
-    // not be given.
-    for (auto font = fonts.begin(); font != fonts.end(); ++font) {
-        const auto place = std::find_if(fonts.begin(), font,
-                                        [&](const Font& placed) { return IsBetter(*font, placed, request); });
-        std::rotate(place, font, font + 1);
+size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& request) {
+    // The comparison is not transitive for versions that cannot be read: no algorithm that expects it to be
+    // may be given it.
+    size_t best = 0;
+    BestMatchCandidate bestCandidate;
+    for (size_t index = 0; index < fonts.size(); ++index) {
+        BestMatchCandidate candidate = CandidateOf(fonts[index]);
+        if (index != 0 && !IsBetter(candidate, bestCandidate, request))
+            continue;
+        best = index;
+        bestCandidate = std::move(candidate);
     }
+    return best;
+}
+
+void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request) {
+    std::vector<Font> sorted;
+    sorted.reserve(fonts.size());
+    while (!fonts.empty()) {
+        const auto best = fonts.begin() + static_cast<std::ptrdiff_t>(IndexOfBestMatch(fonts, request));
+        sorted.push_back(std::move(*best));
+        fonts.erase(best);
+    }
+    fonts = std::move(sorted);
 }
 
 std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
@@ -52,7 +68,6 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
         matches = fonts.FindByFamily(request.family);
     if (matches.empty() && !request.postScriptName.empty())
         matches = fonts.FindByLookupName(request.postScriptName);
-    SortByMatch(matches, request);
     return matches;
 }
 

@@ -17,10 +17,13 @@ struct RequestedFont {
     int32_t kind = 0;     ///< a kind of GFontManagerConstants
 };
 
-/// Fonts that match, best first. Throws DatabaseError.
+/// Fonts that match, up to kListPageSize of a family, in no order of their own. Throws DatabaseError.
 std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request);
 
-/// Orders fonts that answer to the same request, best first.
+/// Where the best of the fonts stands that answer to the same request; 0 when there are none.
+size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& request);
+
+/// Orders fonts that answer to the same request, best first. For a few: the time goes with their square.
 void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request);
 
 }  // namespace pellwick

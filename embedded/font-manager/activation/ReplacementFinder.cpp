@@ -19,7 +19,8 @@ void Enter(std::unordered_map<std::string, std::vector<uint32_t>>& index, const 
     if (name.empty())
         return;
     std::vector<uint32_t>& positions = index[name];
-    if (positions.empty() || positions.back() != position)
+    const bool isEntered = !positions.empty() && positions.back() == position;
+    if (!isEntered && positions.size() < kMaxNamesOfFamily)
         positions.push_back(position);
 }
 
@@ -70,9 +71,8 @@ void ReplacementFinder::AppendBestOf(const std::string& postScriptName, const Re
         std::remove_if(fonts.begin(), fonts.end(),
                        [](const Font& font) { return font.activationState == kFontActivationState_Missing; }),
         fonts.end());
-    SortByMatch(fonts, request);
     if (!fonts.empty())
-        replacements.push_back(std::move(fonts.front()));
+        replacements.push_back(std::move(fonts[IndexOfBestMatch(fonts, request)]));
 }
 
 std::vector<Font> ReplacementFinder::Find(const RequestedFont& request) {
@@ -90,7 +90,7 @@ std::vector<Font> ReplacementFinder::Find(const RequestedFont& request) {
     for (const auto& [distance, postScriptName] : nearest) {
         if (seen.insert(postScriptName).second)
             AppendBestOf(postScriptName, request, replacements);
-        if (replacements.size() == kMaxReplacements)
+        if (replacements.size() == kMaxReplacements || seen.size() == kMaxTriedReplacements)
             break;
     }
     return replacements;

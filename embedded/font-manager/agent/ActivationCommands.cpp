@@ -1,5 +1,4 @@
 // Activating fonts, for documents and for the user.
-#include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -31,6 +30,18 @@ public:
         mPositions[font.id] = mMatched.size();
         mMatched.push_back(std::move(before));
         return true;
+    }
+
+    /// Leases the best font that answers to the request and whose file is there; its ID, 0 for none.
+    uint32_t LeaseBest(const RequestedFont& request) {
+        std::vector<Font> candidates = MatchFonts(mContext.manager.fonts, request);
+        while (!candidates.empty()) {
+            const size_t best = IndexOfBestMatch(candidates, request);
+            if (Lease(candidates[best]))
+                return candidates[best].id;
+            candidates.erase(candidates.begin() + static_cast<std::ptrdiff_t>(best));
+        }
+        return 0;
     }
 
     /// The record of a font of the request, with the state that it had for this host.
@@ -108,13 +119,10 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     Json unmatched = Json::array();
     std::vector<std::pair<size_t, uint32_t>> matches;  // of requests, by their position: the font's ID
     for (size_t index = 0; index < requests.size(); ++index) {
-        const std::vector<Font> candidates = MatchFonts(manager.fonts, RequestedFontOf(requests[index]));
-        const auto chosen = std::find_if(candidates.begin(), candidates.end(),
-                                         [&](const Font& font) { return leases.Lease(font); });
-        if (chosen == candidates.end())
-            unmatched.push_back(index);
+        if (const uint32_t fontID = leases.LeaseBest(RequestedFontOf(requests[index])))
+            matches.emplace_back(index, fontID);
         else
-            matches.emplace_back(index, chosen->id);
+            unmatched.push_back(index);
     }
     Json matched = leases.Commit();
     Json reported = Json::array();

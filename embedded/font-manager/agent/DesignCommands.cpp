@@ -1,5 +1,5 @@
 // Activation for design and for previews, and what stands in its way.
-#include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -10,14 +10,17 @@
 namespace pellwick {
 namespace {
 
-/// The records of active fonts that hosts may take for one of these, each once.
+/// The records of active fonts that hosts may take for one of these, each once: those of the same name in
+/// another file.
 Json ConflictsOf(CommandContext& context, const std::vector<Font>& fonts) {
-    std::set<uint32_t> seen;
+    std::map<std::string, std::set<int64_t>> filesByName;
+    for (const Font& font : fonts)
+        filesByName[font.postScriptName].insert(font.file.id);
     Json conflicts = Json::array();
-    for (const Font& font : fonts) {
+    for (const auto& [name, files] : filesByName) {
         context.audience.KeepAlive();
-        for (const Font& other : context.manager.fonts.FindByPostScriptName(font.postScriptName)) {
-            if (other.file.id != font.file.id && IsActive(other) && seen.insert(other.id).second)
+        for (const Font& other : context.manager.fonts.FindActive(name)) {
+            if (files.size() > 1 || *files.begin() != other.file.id)
                 conflicts.push_back(FontRecord(context.manager, other));
         }
     }
@@ -56,18 +59,15 @@ void ReleaseAll(CommandContext& context, const std::vector<Font>& fonts, LeasePu
     AnnounceChanges(context.audience, activation.Commit());
 }
 
-void AppendFamily(CommandContext& context, const Font& font, std::vector<Font>& fonts) {
-    std::vector<Font> family = RestOfFamily(context.manager.fonts, font);
-    SortByMatch(family, RequestedFont());
-    fonts.insert(fonts.end(), family.begin(), family.end());
-}
-
-/// Of several versions of a font the first: together they would only conflict.
-void KeepBestOfEachName(std::vector<Font>& fonts) {
-    std::set<std::string> seen;
-    fonts.erase(std::remove_if(fonts.begin(), fonts.end(),
-                               [&](const Font& font) { return !seen.insert(font.postScriptName).second; }),
-                fonts.end());
+/// Of several versions of a font the best: together they would only conflict.
+std::vector<Font> BestOfEachName(const std::vector<Font>& fonts) {
+    std::map<std::string, std::vector<Font>> fontsByName;
+    for (const Font& font : fonts)
+        fontsByName[font.postScriptName].push_back(font);
+    std::vector<Font> best;
+    for (auto& [name, sameName] : fontsByName)
+        best.push_back(std::move(sameName[IndexOfBestMatch(sameName, RequestedFont())]));
+    return best;
 }
 
 Json GetFontConflicts(CommandContext& context, const Json& arguments) {
@@ -76,15 +76,17 @@ Json GetFontConflicts(CommandContext& context, const Json& arguments) {
 
 Json EnableDesignActivation(CommandContext& context, const Json& arguments) {
     const Font font = FindFont(context, arguments);
-    std::vector<Font> fonts = {font};
+    std::vector<Font> family;  // but for further versions of the font itself
     if (BoolMember(arguments, "wholeFamily"))
-        AppendFamily(context, font, fonts);
+        family = RestOfFamily(context.manager.fonts, font);
     if (!BoolMember(arguments, "enable")) {
-        ReleaseAll(context, fonts, LeasePurpose::kDesign);
+        family.push_back(font);
+        ReleaseAll(context, family, LeasePurpose::kDesign);
         return {{"conflicts", Json::array()}};
     }
     RequireLogIn(context);
-    KeepBestOfEachName(fonts);
+    std::vector<Font> fonts = BestOfEachName(family);
+    fonts.insert(fonts.begin(), font);
     Json conflicts = ConflictsOf(context, fonts);
     if (LeaseAll(context, fonts, LeasePurpose::kDesign).count(font.id) == 0)
         throw CommandError(error_codes::GZephyrinAssetManager::kFontMissing,

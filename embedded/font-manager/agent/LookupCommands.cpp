@@ -6,21 +6,16 @@
 #include "FontRecordKeys.h"
 #include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "common/Limits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
 namespace {
 
-/// Leaves out fonts that are not in the workgroup; 0 and the ID of all workgroups leave all of them in.
-Json RecordsInWorkgroup(CommandContext& context, std::vector<Font> fonts, const Json& arguments) {
+/// The workgroup that the fonts are to be in; 0 and the ID of all workgroups stand for any.
+int32_t WantedWorkgroup(const Json& arguments) {
     const auto workgroup = static_cast<int32_t>(IntegerMember(arguments, "workgroup", kAllWorkgroupsID));
-    if (workgroup != kAllWorkgroupsID && workgroup != 0) {
-        const auto isElsewhere = [&](const Font& font) {
-            return !context.manager.workgroups.HasFont(workgroup, font.id);
-        };
-        fonts.erase(std::remove_if(fonts.begin(), fonts.end(), isElsewhere), fonts.end());
-    }
-    return {{"fonts", FontRecords(context.manager, fonts)}};
+    return workgroup == kAllWorkgroupsID ? FontStore::kAnyWorkgroup : workgroup;
 }
 
 Json GetFont(CommandContext& context, const Json& arguments) {
@@ -40,14 +35,16 @@ Json GetFonts(CommandContext& context, const Json& arguments) {
 Json FindByPostScriptName(CommandContext& context, const Json& arguments) {
     RequestedFont request;
     request.postScriptName = StringMember(arguments, "name");
-    std::vector<Font> fonts = context.manager.fonts.FindByPostScriptName(request.postScriptName);
+    std::vector<Font> fonts =
+        context.manager.fonts.FindByPostScriptName(request.postScriptName, WantedWorkgroup(arguments));
     SortByMatch(fonts, request);
-    return RecordsInWorkgroup(context, std::move(fonts), arguments);
+    return {{"fonts", FontRecords(context.manager, fonts)}};
 }
 
 Json FindByFamilyName(CommandContext& context, const Json& arguments) {
-    return RecordsInWorkgroup(context, context.manager.fonts.FindByFamily(StringMember(arguments, "name")),
-                              arguments);
+    const std::vector<Font> fonts =
+        context.manager.fonts.FindByFamily(StringMember(arguments, "name"), WantedWorkgroup(arguments));
+    return {{"fonts", FontRecords(context.manager, fonts)}};
 }
 
 Json FindSameFamily(CommandContext& context, const Json& arguments) {
@@ -55,18 +52,16 @@ Json FindSameFamily(CommandContext& context, const Json& arguments) {
     return {{"fonts", FontRecords(context.manager, family)}};
 }
 
-/// What people type: a PostScript name, family and style, a whole family, or a database ID.
+/// What people type: a PostScript name, family and style, a whole family, or a database ID. A page of the
+/// fonts, those with larger IDs than "after".
 Json FindByAnyName(CommandContext& context, const Json& arguments) {
     FontStore& store = context.manager.fonts;
     const std::string name = StringMember(arguments, "name");
-    std::vector<Font> fonts = store.FindByPostScriptName(name);
-    if (fonts.empty())
-        fonts = store.FindByFamily(name);
-    if (fonts.empty())
-        fonts = store.FindByLookupName(name);
+    const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
+    std::vector<Font> fonts = store.ListNamed(name, after, kListPageSize);
     uint32_t id = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), id);
-    if (fonts.empty() && error == std::errc() && end == name.data() + name.size()) {
+    if (fonts.empty() && after == 0 && error == std::errc() && end == name.data() + name.size()) {
         if (auto font = store.Find(id))
             fonts.push_back(std::move(*font));
     }

@@ -3,6 +3,7 @@
 
 #include "TarnwickPluginInterface.h"
 #include "agent/Commands.h"
+#include "agent/NewNames.h"
 #include "common/Protocol.h"
 #include "platform/Processes.h"
 
@@ -53,10 +54,7 @@ Json Stop(CommandContext& context, const Json&) {
 }
 
 Json LogIn(CommandContext& context, const Json& arguments) {
-    const std::string name = StringMember(arguments, "name");
-    if (name.empty())
-        throw CommandError(CoreErrorCodes::kMissingParam, "give the name to log in with");
-    context.manager.settings.LogIn(name);
+    context.manager.settings.LogIn(NewName(arguments, "name", "the name to log in with"));
     context.audience.Announce(kPluginCallback_LoggedIn, {{"serverType", kNoServer}});
     return Json::object();
 }

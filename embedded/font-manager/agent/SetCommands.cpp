@@ -5,6 +5,7 @@
 #include "TarnwickPluginInterface.h"
 #include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "agent/NewNames.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -85,9 +86,7 @@ void RefuseTakenName(CommandContext& context, const Workgroup& workgroup, const 
 
 Json CreateSet(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
-    const std::string name = StringMember(arguments, "name");
-    if (name.find_first_not_of(' ') == std::string::npos)
-        throw CommandError(CoreErrorCodes::kMissingParam, "give the set's name");
+    const std::string name = NewName(arguments, "name", "the set's name");
     Transaction transaction(context.manager.database);
     const Workgroup workgroup = WorkgroupForNewSet(context, arguments);
     RefuseTakenName(context, workgroup, name);

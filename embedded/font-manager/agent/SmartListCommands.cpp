@@ -3,6 +3,7 @@
 
 #include "TarnwickPluginInterface.h"
 #include "agent/Commands.h"
+#include "agent/NewNames.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -46,11 +47,9 @@ SmartListQuery QueryMember(const Json& arguments) {
             IDsMember(arguments, kGS_SmartSetIDsKey)};
 }
 
-/// The name for a list that is made or renamed: not blank, and no other list's.
-std::string NewName(CommandContext& context, const Json& arguments, int32_t listID) {
-    const std::string name = StringMember(arguments, kGS_SmartListNameKey);
-    if (name.find_first_not_of(' ') == std::string::npos)
-        throw CommandError(CoreErrorCodes::kMissingParam, "give the smart list's name");
+/// The name for a list that is made or renamed: no other list's.
+std::string FreeName(CommandContext& context, const Json& arguments, int32_t listID) {
+    const std::string name = NewName(arguments, kGS_SmartListNameKey, "the smart list's name");
     const auto other = context.manager.smartLists.FindByName(name);
     if (other && other->id != listID)
         throw CommandError(CoreErrorCodes::kItemAlreadyExists,
@@ -88,7 +87,7 @@ Json CreateSmartList(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartListQuery query = QueryMember(arguments);
     Transaction transaction(context.manager.database);
-    const int32_t id = context.manager.smartLists.Create(NewName(context, arguments, 0), query);
+    const int32_t id = context.manager.smartLists.Create(FreeName(context, arguments, 0), query);
     transaction.Commit();
     return Changed(context, id);
 }
@@ -96,7 +95,7 @@ Json CreateSmartList(CommandContext& context, const Json& arguments) {
 Json RenameSmartList(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartList list = RequiredSmartList(context, arguments);
-    context.manager.smartLists.Rename(list.id, NewName(context, arguments, list.id));
+    context.manager.smartLists.Rename(list.id, FreeName(context, arguments, list.id));
     return Changed(context, list.id);
 }
 

@@ -4,13 +4,16 @@
 #include "TarnwickPluginInterface.h"
 #include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "agent/NewNames.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
 namespace {
 
-std::string RequiredName(const Json& arguments, const char* member) {
-    std::string name = StringMember(arguments, member);
+constexpr char kNewName[] = "the workgroup's name";
+
+std::string RequiredName(const Json& arguments) {
+    std::string name = StringMember(arguments, "name");
     if (name.empty())
         throw CommandError(CoreErrorCodes::kMissingParam, "give the workgroup's name");
     return name;
@@ -18,7 +21,7 @@ std::string RequiredName(const Json& arguments, const char* member) {
 
 /// One that the user may change.
 Workgroup FindOwnWorkgroup(CommandContext& context, const Json& arguments) {
-    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments, "name"));
+    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments));
     if (workgroup.type == kWorkgroupType_System || workgroup.id == context.manager.DefaultWorkgroup().id)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "\"" + workgroup.name + "\" always stays as it is");
@@ -45,7 +48,7 @@ Json ListWorkgroups(CommandContext& context, const Json&) {
 }
 
 Json CreateWorkgroup(CommandContext& context, const Json& arguments) {
-    const std::string name = RequiredName(arguments, "name");
+    const std::string name = NewName(arguments, "name", kNewName);
     RefuseTakenName(context, name);
     context.manager.workgroups.Create(name, kWorkgroupType_FontLibrary);
     return Changed(context);
@@ -53,7 +56,7 @@ Json CreateWorkgroup(CommandContext& context, const Json& arguments) {
 
 Json RenameWorkgroup(CommandContext& context, const Json& arguments) {
     const Workgroup workgroup = FindOwnWorkgroup(context, arguments);
-    const std::string name = RequiredName(arguments, "newName");
+    const std::string name = NewName(arguments, "newName", kNewName);
     RefuseTakenName(context, name);
     context.manager.workgroups.Rename(workgroup.id, name);
     return Changed(context);
@@ -68,7 +71,7 @@ Json DeleteWorkgroup(CommandContext& context, const Json& arguments) {
 }
 
 Json UseWorkgroup(CommandContext& context, const Json& arguments) {
-    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments, "name"));
+    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments));
     if (workgroup.type == kWorkgroupType_System)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "fonts cannot be added to the system's; use another workgroup");

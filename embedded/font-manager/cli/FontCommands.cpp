@@ -129,8 +129,7 @@ ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, con
     else
         PrintAddResult(result);
     for (const Json& failure : result.failures)
-        std::fprintf(stderr, "Pellwick: %s: %s\n", StringMember(failure, "path").c_str(),
-                     StringMember(failure, "reason").c_str());
+        PrintError(StringMember(failure, "path") + ": " + StringMember(failure, "reason"));
     if (result.added.empty() && result.known.empty() && result.failures.empty())
         throw Failure(kExit_CouldNot,
                       "there are no fonts in what was given; name font files or folders of them");
@@ -141,11 +140,11 @@ ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) 
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
-    const Json answer = session.Call(method::kRemoveFonts, {{"fonts", fonts}});
+    const Json removed = CallForFonts(session, method::kRemoveFonts, fonts, "removed");
     if (session.PrintsJson())
-        PrintJson(answer);
+        PrintJson({{"removed", removed}});
     else
-        PrintFonts(ArrayMember(answer, "removed"), "removed");
+        PrintFonts(removed, "removed");
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
@@ -161,11 +160,10 @@ ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
-    const Json answer = session.Call(method::kActivateForUser, {{"fonts", fonts}});
-    const Json& failed = ArrayMember(answer, "failed");
+    const Json failed = CallForFonts(session, method::kActivateForUser, fonts, "failed");
     for (const Json& font : failed)
-        std::fprintf(stderr, "Pellwick: the file of %s is gone from the vault; add the font again\n",
-                     StringMember(font, kGS_PostScriptNameKey).c_str());
+        PrintError("the file of " + StringMember(font, kGS_PostScriptNameKey) +
+                   " is gone from the vault; add the font again");
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}, {"failed", failed}});
     else if (failed.empty())
@@ -177,15 +175,13 @@ ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& nam
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
-    const Json answer = session.Call(method::kDeactivateForUser, {{"fonts", fonts}});
-    const Json& stillActive = ArrayMember(answer, "stillActive");
+    const Json stillActive = CallForFonts(session, method::kDeactivateForUser, fonts, "stillActive");
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}, {"stillActive", stillActive}});
     else
         PrintFonts(fonts, "deactivated");
     for (const Json& font : stillActive)
-        std::fprintf(stderr, "Pellwick: %s stays active while open documents use it\n",
-                     StringMember(font, kGS_PostScriptNameKey).c_str());
+        PrintError(StringMember(font, kGS_PostScriptNameKey) + " stays active while open documents use it");
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 

@@ -1,9 +1,12 @@
 #include "cli/Fonts.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
+#include "PrintableText.h"
+#include "common/Limits.h"
 #include "common/Protocol.h"
 
 namespace pellwick::cli {
@@ -23,10 +26,23 @@ const char* StateText(long long state) {
 }
 
 void PrintFontRow(const Json& font) {
+    const auto text = [&](const char* key) { return PrintableText(StringMember(font, key)); };
     std::printf("%6lld  %-7s  %-40s  %s, %s (%s)\n", IntegerMember(font, kGS_DatabaseIDKey),
-                StateText(IntegerMember(font, kGS_ActivationStateKey)),
-                StringMember(font, kGS_PostScriptNameKey).c_str(), StringMember(font, kGS_FamilyKey).c_str(),
-                StringMember(font, "Style").c_str(), StringMember(font, kGS_FontKindKey).c_str());
+                StateText(IntegerMember(font, kGS_ActivationStateKey)), text(kGS_PostScriptNameKey).c_str(),
+                text(kGS_FamilyKey).c_str(), text("Style").c_str(), text(kGS_FontKindKey).c_str());
+}
+
+/// Appends the fonts that go by the name.
+void AppendFontsOf(Session& session, const std::string& name, Json& fonts) {
+    long long after = 0;
+    for (size_t size = kListPageSize; size == kListPageSize;) {
+        const Json found = session.Call(method::kFindByAnyName, {{"name", name}, {"after", after}});
+        const Json& page = ArrayMember(found, "fonts");
+        size = page.size();
+        if (size != 0)
+            after = IntegerMember(page.back(), kGS_DatabaseIDKey);
+        fonts.insert(fonts.end(), page.begin(), page.end());
+    }
 }
 
 }  // namespace
@@ -35,15 +51,34 @@ Json FindFonts(Session& session, const std::vector<std::string>& names, bool& is
     Json fonts = Json::array();
     isComplete = true;
     for (const std::string& name : names) {
-        const Json found = session.Call(method::kFindByAnyName, {{"name", name}});
-        if (ArrayMember(found, "fonts").empty()) {
+        const size_t before = fonts.size();
+        AppendFontsOf(session, name, fonts);
+        if (fonts.size() == before) {
             isComplete = false;
-            std::fprintf(stderr, "Pellwick: no font is called \"%s\"; see \"Pellwick list\"\n", name.c_str());
+            PrintError("no font is called \"" + name + "\"; see \"Pellwick list\"");
         }
-        for (const Json& font : ArrayMember(found, "fonts"))
-            fonts.push_back(font);
     }
     return fonts;
+}
+
+Json IDsOf(const Json& fonts) {
+    Json ids = Json::array();
+    for (const Json& font : fonts)
+        ids.push_back(font[kGS_DatabaseIDKey]);
+    return ids;
+}
+
+Json CallForFonts(Session& session, const char* method, const Json& fonts, const char* member) {
+    Json all = Json::array();
+    const Json ids = IDsOf(fonts);
+    for (size_t begin = 0; begin < ids.size(); begin += kListPageSize) {
+        const auto first = ids.begin() + static_cast<std::ptrdiff_t>(begin);
+        const auto size = static_cast<std::ptrdiff_t>(std::min<size_t>(kListPageSize, ids.size() - begin));
+        const Json answer = session.Call(method, {{"fonts", Json(Json::array_t(first, first + size))}});
+        const Json& part = ArrayMember(answer, member);
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
 }
 
 void PrintFonts(const Json& fonts, const char* action) {

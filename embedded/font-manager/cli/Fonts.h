@@ -12,6 +12,13 @@ namespace pellwick::cli {
 /// `isComplete` false.
 Json FindFonts(Session& session, const std::vector<std::string>& names, bool& isComplete);
 
+/// The database IDs in the records.
+Json IDsOf(const Json& fonts);
+
+/// Has the agent carry out a method for the fonts, a page of them after the other, since a message has room
+/// for so many only; what its answers hold under `member`, together.
+Json CallForFonts(Session& session, const char* method, const Json& fonts, const char* member);
+
 /// A line per font: what was done, and its name.
 void PrintFonts(const Json& fonts, const char* action);
 

@@ -1,9 +1,9 @@
 // Pellwick: the font manager's agent and, with a command, its command line.
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "ExactWords.h"
 #include "agent/Agent.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
@@ -11,6 +11,12 @@
 
 namespace pellwick::cli {
 namespace {
+
+using exact_words::AddRepeatedText;
+using exact_words::AddText;
+using exact_words::AddTexts;
+
+constexpr char kFontNameHelp[] = "PostScript name, family, family and style, or number";
 
 /// What the words of the command line were read into.
 struct Arguments {
@@ -43,13 +49,13 @@ void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     auto* add = AddCommand(app, chosen, "add", "Add font files, or folders of them", [&](Session& session) {
         return AddFonts(session, arguments.words, arguments.workgroup);
     });
-    add->add_option("PATH", arguments.words, "Files and folders")->required();
-    add->add_option("--workgroup", arguments.workgroup, "Where to put the fonts");
+    AddTexts(*add, "PATH", arguments.words, "Files and folders")->required();
+    AddText(*add, "--workgroup", arguments.workgroup, "Where to put the fonts");
     const auto withNames = [&](const char* name, const char* description, auto run) {
-        AddCommand(app, chosen, name, description,
-                   [&arguments, run](Session& session) { return run(session, arguments.words); })
-            ->add_option("NAME", arguments.words, "PostScript name, family, family and style, or number")
-            ->required();
+        auto* command = AddCommand(app, chosen, name, description, [&arguments, run](Session& session) {
+            return run(session, arguments.words);
+        });
+        AddTexts(*command, "NAME", arguments.words, kFontNameHelp)->required();
     };
     withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
     withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
@@ -69,38 +75,37 @@ void DescribeWorkgroupCommands(CLI::App& app, Arguments& arguments, Action& chos
             AddCommand(workgroup, chosen, name, description, [&arguments, method](Session& session) {
                 return ChangeWorkgroup(session, method, arguments.name, arguments.newName);
             });
-        command->add_option("NAME", arguments.name, "The workgroup's name")->required();
+        AddText(*command, "NAME", arguments.name, "The workgroup's name")->required();
         return command;
     };
     withName("create", "Make a workgroup", method::kCreateWorkgroup);
     withName("delete", "Delete a workgroup and its sets; its fonts stay", method::kDeleteWorkgroup);
     withName("use", "Put new fonts into a workgroup", method::kUseWorkgroup);
-    withName("rename", "Rename a workgroup", method::kRenameWorkgroup)
-        ->add_option("NEW", arguments.newName, "The new name")
-        ->required();
+    auto* rename = withName("rename", "Rename a workgroup", method::kRenameWorkgroup);
+    AddText(*rename, "NEW", arguments.newName, "The new name")->required();
 }
 
 void DescribeSetCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     CLI::App& set = *app.add_subcommand("set", "Sets of fonts")->require_subcommand(1)->fallthrough();
-    AddCommand(set, chosen, "list", "List the sets", [&](Session& session) {
-        return ListSets(session, arguments.workgroup);
-    })->add_option("--workgroup", arguments.workgroup, "List the sets of this workgroup alone");
+    auto* list = AddCommand(set, chosen, "list", "List the sets",
+                            [&](Session& session) { return ListSets(session, arguments.workgroup); });
+    AddText(*list, "--workgroup", arguments.workgroup, "List the sets of this workgroup alone");
     const auto withName = [&](const char* name, const char* description, const char* workgroup, auto run) {
         auto* command = AddCommand(set, chosen, name, description, [&arguments, run](Session& session) {
             return run(session, SetName{arguments.name, arguments.workgroup});
         });
-        command->add_option("NAME", arguments.name, "The set's name")->required();
-        command->add_option("--workgroup", arguments.workgroup, workgroup);
+        AddText(*command, "NAME", arguments.name, "The set's name")->required();
+        AddText(*command, "--workgroup", arguments.workgroup, workgroup);
         return command;
     };
     constexpr char kTellApart[] = "The set's workgroup, where several have a set of the name";
     withName("show", "List the fonts of a set", kTellApart, ShowSet);
     withName("create", "Make a set", "Where to make it; else where new fonts go", CreateSet);
     withName("delete", "Delete a set; its fonts stay", kTellApart, DeleteSet);
-    withName("add", "Add fonts to a set", kTellApart,
-             [&](Session& session, const SetName& name) { return AddToSet(session, name, arguments.words); })
-        ->add_option("FONT", arguments.words, "PostScript name, family, family and style, or number")
-        ->required();
+    auto* add = withName("add", "Add fonts to a set", kTellApart, [&](Session& session, const SetName& name) {
+        return AddToSet(session, name, arguments.words);
+    });
+    AddTexts(*add, "FONT", arguments.words, kFontNameHelp)->required();
 }
 
 void DescribeSmartListCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
@@ -113,39 +118,37 @@ void DescribeSmartListCommands(CLI::App& app, Arguments& arguments, Action& chos
         auto* command = AddCommand(lists, chosen, name, description, [&arguments, run](Session& session) {
             return run(session, arguments.name);
         });
-        command->add_option("NAME", arguments.name, "The smart list's name")->required();
+        AddText(*command, "NAME", arguments.name, "The smart list's name")->required();
         return command;
     };
     withName("fonts", "List the fonts of a smart list", ShowSmartList);
     withName("delete", "Delete a smart list; its fonts stay", DeleteSmartList);
-    withName("rename", "Rename a smart list",
-             [&](Session& session, const std::string& name) {
-                 return RenameSmartList(session, name, arguments.newName);
-             })
-        ->add_option("NEW", arguments.newName, "The new name")
-        ->required();
+    auto* rename = withName("rename", "Rename a smart list", [&](Session& session, const std::string& name) {
+        return RenameSmartList(session, name, arguments.newName);
+    });
+    AddText(*rename, "NEW", arguments.newName, "The new name")->required();
     auto* create = withName("create", "Make a smart list; of all fonts when nothing is named",
                             [&](Session& session, const std::string& name) {
                                 return CreateSmartList(session, name, arguments.parts);
                             });
-    const auto addParts = [create](const char* option, std::vector<std::string>& names, const char* meaning) {
-        create->add_option(option, names, meaning)->allow_extra_args(false);
-    };
-    addParts("--workgroup", arguments.parts.workgroups, "Take the fonts of this workgroup; may be repeated");
-    addParts("--set", arguments.parts.sets, "Take the fonts of this set; may be repeated");
-    addParts("--smartlist", arguments.parts.smartLists, "Take the fonts of that smart list; may be repeated");
+    SmartListParts& parts = arguments.parts;
+    AddRepeatedText(*create, "--workgroup", parts.workgroups,
+                    "Take the fonts of this workgroup; may be repeated");
+    AddRepeatedText(*create, "--set", parts.sets, "Take the fonts of this set; may be repeated");
+    AddRepeatedText(*create, "--smartlist", parts.smartLists,
+                    "Take the fonts of that smart list; may be repeated");
 }
 
 void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     AddCommand(app, chosen, "status", "Show how the agent stands", ShowStatus);
-    AddCommand(app, chosen, "login", "Log in",
-               [&](Session& session) { return LogIn(session, arguments.name); })
-        ->add_option("NAME", arguments.name, "Who you are")
-        ->required();
+    auto* logIn = AddCommand(app, chosen, "login", "Log in",
+                             [&](Session& session) { return LogIn(session, arguments.name); });
+    AddText(*logIn, "NAME", arguments.name, "Who you are")->required();
     AddCommand(app, chosen, "logout", "Log out; no fonts are activated until the next login", LogOut);
-    AddCommand(app, chosen, "standalone", "Run without a server (on), or with one (off)",
-               [&](Session& session) { return SetStandalone(session, arguments.name == "on"); })
-        ->add_option("STATE", arguments.name, "on or off")
+    auto* standalone =
+        AddCommand(app, chosen, "standalone", "Run without a server (on), or with one (off)",
+                   [&](Session& session) { return SetStandalone(session, arguments.name == "on"); });
+    AddText(*standalone, "STATE", arguments.name, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
     AddCommand(app, chosen, "stop", "End the agent", StopAgent);
@@ -172,7 +175,7 @@ int Run(int count, char** words) {
     // A path that begins with "/" is no option; subcommands take this over.
     app.allow_windows_style_options(false);
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("Pellwick: ") + error.what() + "; see \"Pellwick --help\"\n";
+        return "Pellwick: " + exact_words::FailureText(error) + "; see \"Pellwick --help\"\n";
     });
     AddCommand(app, chosen, "serve", "Run the agent (as without a command)",
                [](Session&) { return Serve(); });
@@ -182,7 +185,7 @@ int Run(int count, char** words) {
     DescribeSetCommands(app, arguments, chosen);
     DescribeSmartListCommands(app, arguments, chosen);
     try {
-        app.parse(count, words);
+        exact_words::Parse(app, count, words);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
@@ -198,10 +201,10 @@ int main(int count, char** words) {
     try {
         return pellwick::cli::Run(arguments.Count(), arguments.Words());
     } catch (const pellwick::cli::Failure& failure) {
-        std::fprintf(stderr, "Pellwick: %s\n", failure.what());
+        pellwick::cli::PrintError(failure.what());
         return failure.Status();
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "Pellwick: %s\n", error.what());
+        pellwick::cli::PrintError(error.what());
         return pellwick::cli::kExit_CouldNot;
     }
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "PrintableText.h"
 #include "common/Protocol.h"
 #include "platform/Processes.h"
 
@@ -17,6 +18,11 @@ constexpr std::chrono::seconds kStartLimit{10};
 bool IsAgentListening() {
     ClientStream stream;
     return stream.Connect(Locations::OfThisUser().AgentAddress(), ClientStream::Clock::now() + kAnswerLimit);
+}
+
+void Write(std::string line, std::FILE* stream) {
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stream);
 }
 
 std::string NoAgentText() {
@@ -62,12 +68,15 @@ std::string ProgramPath() {
 }
 
 void PrintJson(const Json& value) {
-    PrintLine(value.dump(-1, ' ', false, Json::error_handler_t::replace));
+    Write(PrintableJson(value.dump(-1, ' ', false, Json::error_handler_t::replace)), stdout);
 }
 
 void PrintLine(const std::string& line) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
+    Write(PrintableText(line), stdout);
+}
+
+void PrintError(const std::string& message) {
+    Write("Pellwick: " + PrintableText(message), stderr);
 }
 
 }  // namespace pellwick::cli

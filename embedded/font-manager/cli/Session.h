@@ -52,7 +52,9 @@ std::string ProgramPath();
 
 /// Prints the value for programs, on a line of its own.
 void PrintJson(const Json& value);
-/// Prints a line of text for people.
+/// Prints a line of text for people, whatever names are in it.
 void PrintLine(const std::string& line);
+/// The same on standard error.
+void PrintError(const std::string& message);
 
 }  // namespace pellwick::cli

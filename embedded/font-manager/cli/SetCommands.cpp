@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
+#include "PrintableText.h"
 #include "cli/Commands.h"
 #include "cli/Fonts.h"
 #include "common/Protocol.h"
@@ -30,7 +31,8 @@ ExitStatus ListSets(Session& session, const std::string& workgroup) {
         return kExit_Done;
     }
     for (const Json& set : ArrayMember(answer, "sets"))
-        std::printf("%6lld fonts  %s\n", IntegerMember(set, kFontCountMember), Title(set).c_str());
+        std::printf("%6lld fonts  %s\n", IntegerMember(set, kFontCountMember),
+                    PrintableText(Title(set)).c_str());
     return kExit_Done;
 }
 
@@ -57,7 +59,7 @@ ExitStatus AddToSet(Session& session, const SetName& name, const std::vector<std
     bool isComplete = false;
     const Json fonts = FindFonts(session, fontNames, isComplete);
     const Json answer =
-        session.Call(method::kAddFontsToSets, {{"fonts", fonts}, {"sets", {set[kSetIDMember]}}});
+        session.Call(method::kAddFontsToSets, {{"fonts", IDsOf(fonts)}, {"sets", {set[kSetIDMember]}}});
     if (session.PrintsJson())
         PrintJson({{"set", set}, {"fonts", fonts}, {"added", IntegerMember(answer, "added")}});
     else

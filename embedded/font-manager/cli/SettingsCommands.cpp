@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "FontRecordKeys.h"
+#include "PrintableText.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
@@ -106,7 +107,7 @@ ExitStatus ListWorkgroups(Session& session) {
     for (const Json& workgroup : ArrayMember(answer, "workgroups")) {
         const long long id = IntegerMember(workgroup, kGS_WorkgroupIDKey);
         std::printf("%c %4lld  %s\n", id == IntegerMember(answer, "current") ? '*' : ' ', id,
-                    StringMember(workgroup, kGS_WorkgroupNameKey).c_str());
+                    PrintableText(StringMember(workgroup, kGS_WorkgroupNameKey)).c_str());
     }
     return kExit_Done;
 }

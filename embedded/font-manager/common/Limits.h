@@ -88,6 +88,14 @@ constexpr uint64_t kMaxLogSize = uint64_t{5} << 20;
 /// fonts of one request, since nobody chooses for more by hand, and the answer must fit a message.
 constexpr size_t kMaxReplacements = 5;
 constexpr size_t kMaxFontsWithReplacements = 1000;
+/// Fonts that are compared with one that is missing, by each kind of name, and those of them that are looked
+/// up until there are enough of which the file is there. Families have a few hundred members at most.
+constexpr size_t kMaxNamesOfFamily = 1000;
+constexpr size_t kMaxTriedReplacements = 50;
+
+/// Fonts that answer to one name: far more than there are versions of any font, and few enough to be compared
+/// for each name of a document. A collection can have more than a hundred thousand faces of one name.
+constexpr int kMaxFontsOfName = 100;
 
 /// Fonts per page of a list.
 constexpr int kListPageSize = 1000;

@@ -5,7 +5,7 @@
 
 namespace pellwick {
 
-/// Well-formed UTF-8 without control characters or blanks at the ends, cut at kMaxNameSize.
+/// Well-formed UTF-8 without unprintable characters or blanks at the ends, cut at kMaxNameSize.
 std::string CleanName(const std::string& name);
 
 }  // namespace pellwick

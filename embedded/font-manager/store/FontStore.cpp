@@ -1,6 +1,10 @@
 #include "store/FontStore.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "FontRecordKeys.h"
+#include "common/Limits.h"
 #include "store/Database.h"
 #include "store/SmartListStore.h"
 
@@ -28,10 +32,24 @@ static_assert(kFontActivationState_Missing == 7 && kFontActivationState_Activate
     "SELECT DISTINCT file_id FROM fonts WHERE id IN" \
     " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases)"
 
-constexpr char kSelectActiveFontOfFile[] =
-    "SELECT 1 FROM fonts f WHERE f.file_id = ?"
-    " AND (EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)"
-    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id)) LIMIT 1";
+#define IS_ACTIVE                                                            \
+    " AND (EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)" \
+    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id))"
+
+constexpr char kSelectActiveFontOfFile[] = "SELECT 1 FROM fonts f WHERE f.file_id = ?" IS_ACTIVE " LIMIT 1";
+
+// The ways in which fonts answer to a name, ?1.
+constexpr char kByPostScriptName[] = "WHERE f.postscript_name = ?1";
+constexpr char kByPostScriptNameInAnyCase[] = "WHERE f.postscript_name = ?1 COLLATE NOCASE";
+constexpr char kByFamily[] = "WHERE f.family = ?1";
+constexpr char kByFamilyInAnyCase[] = "WHERE f.family = ?1 COLLATE NOCASE";
+// Nothing goes by a name of which nothing is left.
+constexpr char kByLookupName[] =
+    "JOIN lookup_names names ON names.font_id = f.id WHERE names.name = ?1 AND ?1 <> ''";
+
+#define IN_WORKGROUP                                                \
+    " AND (?2 = 0 OR EXISTS (SELECT 1 FROM workgroup_fonts members" \
+    " WHERE members.workgroup_id = ?2 AND members.font_id = f.id))"
 
 Font FontOfRow(const Statement& row) {
     Font font;
@@ -171,28 +189,57 @@ std::vector<Font> FontStore::FontsOfFile(int64_t fileID) {
     return AllRows(query.Bind(fileID));
 }
 
-std::vector<Font> FontStore::Query(const char* sql, std::string_view value) {
-    Statement query = mDatabase.Prepare(sql);
-    return AllRows(query.Bind(value));
+std::vector<Font> FontStore::FindNamed(const char* clause, std::string_view name, int32_t workgroupID,
+                                       int limit) {
+    const std::string sql =
+        SELECT_FONTS + std::string(clause) + IN_WORKGROUP " AND files.missing = ?3 ORDER BY f.id LIMIT ?4";
+    // One after the other: with the missing ones in the order, all fonts of the name would have to be sorted.
+    std::vector<Font> fonts = AllRows(mDatabase.Prepare(sql.c_str()).Bind(name, workgroupID, 0, limit));
+    const int left = limit - static_cast<int>(fonts.size());
+    if (left > 0) {
+        auto missing = AllRows(mDatabase.Prepare(sql.c_str()).Bind(name, workgroupID, 1, left));
+        std::move(missing.begin(), missing.end(), std::back_inserter(fonts));
+    }
+    return fonts;
 }
 
-std::vector<Font> FontStore::FindByPostScriptName(const std::string& name) {
-    std::vector<Font> exact = Query(SELECT_FONTS "WHERE f.postscript_name = ? ORDER BY f.id", name);
-    if (!exact.empty())
-        return exact;
-    return Query(SELECT_FONTS "WHERE f.postscript_name = ? COLLATE NOCASE ORDER BY f.id", name);
+bool FontStore::IsAnyNamed(const char* clause, std::string_view name) {
+    const std::string sql = "SELECT 1 FROM fonts f " + std::string(clause) + " LIMIT 1";
+    return mDatabase.Prepare(sql.c_str()).Bind(name).Step();
 }
 
-std::vector<Font> FontStore::FindByFamily(const std::string& family) {
-    std::vector<Font> exact = Query(SELECT_FONTS "WHERE f.family = ? ORDER BY f.id", family);
-    if (!exact.empty())
-        return exact;
-    return Query(SELECT_FONTS "WHERE f.family = ? COLLATE NOCASE ORDER BY f.id", family);
+std::vector<Font> FontStore::FindByPostScriptName(const std::string& name, int32_t workgroupID) {
+    const char* clause = IsAnyNamed(kByPostScriptName, name) ? kByPostScriptName : kByPostScriptNameInAnyCase;
+    return FindNamed(clause, name, workgroupID, kMaxFontsOfName);
+}
+
+std::vector<Font> FontStore::FindByFamily(const std::string& family, int32_t workgroupID) {
+    const char* clause = IsAnyNamed(kByFamily, family) ? kByFamily : kByFamilyInAnyCase;
+    return FindNamed(clause, family, workgroupID, kListPageSize);
 }
 
 std::vector<Font> FontStore::FindByLookupName(const std::string& name) {
-    return Query(SELECT_FONTS "WHERE f.id IN (SELECT font_id FROM lookup_names WHERE name = ?) ORDER BY f.id",
-                 SimplifyName(name));
+    return FindNamed(kByLookupName, SimplifyName(name), kAnyWorkgroup, kMaxFontsOfName);
+}
+
+std::vector<Font> FontStore::FindActive(const std::string& postScriptName) {
+    Statement query =
+        mDatabase.Prepare(SELECT_FONTS "WHERE f.postscript_name = ?" IS_ACTIVE " ORDER BY f.id LIMIT ?");
+    return AllRows(query.Bind(postScriptName, kMaxFontsOfName));
+}
+
+std::vector<Font> FontStore::ListNamed(const std::string& name, uint32_t after, int limit) {
+    for (const char* clause :
+         {kByPostScriptName, kByPostScriptNameInAnyCase, kByFamily, kByFamilyInAnyCase}) {
+        if (IsAnyNamed(clause, name))
+            return ListNamed(clause, name, after, limit);
+    }
+    return ListNamed(kByLookupName, SimplifyName(name), after, limit);
+}
+
+std::vector<Font> FontStore::ListNamed(const char* clause, std::string_view name, uint32_t after, int limit) {
+    const std::string sql = SELECT_FONTS + std::string(clause) + " AND f.id > ?2 ORDER BY f.id LIMIT ?3";
+    return AllRows(mDatabase.Prepare(sql.c_str()).Bind(name, after, limit));
 }
 
 std::vector<Font> FontStore::List(uint32_t after, int limit) {
@@ -220,7 +267,7 @@ std::vector<Font> FontStore::ListFrom(const FontSources& sources, uint32_t after
 }
 
 std::vector<FontNames> FontStore::ListNames() {
-    Statement query = mDatabase.Prepare("SELECT postscript_name, family, style FROM fonts");
+    Statement query = mDatabase.Prepare("SELECT DISTINCT postscript_name, family, style FROM fonts");
     std::vector<FontNames> names;
     while (query.Step())
         names.push_back({query.Text(0), query.Text(1), query.Text(2)});

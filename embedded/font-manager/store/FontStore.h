@@ -58,6 +58,8 @@ std::string SimplifyName(std::string_view name);
 /// Throws DatabaseError.
 class FontStore {
 public:
+    static constexpr int32_t kAnyWorkgroup = 0;
+
     explicit FontStore(Database& database) : mDatabase(database) {}
 
     /// The file with that checksum.
@@ -80,18 +82,25 @@ public:
 
     std::optional<Font> Find(uint32_t fontID);
     std::vector<Font> FontsOfFile(int64_t fileID);
-    /// Exact names; when there are none, names that differ in case.
-    std::vector<Font> FindByPostScriptName(const std::string& name);
-    std::vector<Font> FindByFamily(const std::string& family);
-    /// Fonts that go by a simplified name: family and style together, or the full name.
+    /// Exact names; when there are none, names that differ in case. With a workgroup those in it alone. Up to
+    /// kMaxFontsOfName, of a family kListPageSize: those whose file is not missing first, then by ID.
+    std::vector<Font> FindByPostScriptName(const std::string& name, int32_t workgroupID = kAnyWorkgroup);
+    std::vector<Font> FindByFamily(const std::string& family, int32_t workgroupID = kAnyWorkgroup);
+    /// Fonts that go by a simplified name: family and style together, or the full name. As many, in that
+    /// order.
     std::vector<Font> FindByLookupName(const std::string& name);
+    /// Active fonts with exactly that PostScript name, up to kMaxFontsOfName, by ID.
+    std::vector<Font> FindActive(const std::string& postScriptName);
+    /// What people mean by a name: fonts with that PostScript name, else of that family, else those that go
+    /// by it. Up to `limit` with a larger ID than `after`, by ID.
+    std::vector<Font> ListNamed(const std::string& name, uint32_t after, int limit);
     /// Up to `limit` fonts with a larger ID than `after`, by ID.
     std::vector<Font> List(uint32_t after, int limit);
     /// The same of the fonts that are in a set.
     std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
     /// The same of the fonts that come from any of the sources.
     std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
-    /// The names of all fonts.
+    /// The names of all fonts, each combination once.
     std::vector<FontNames> ListNames();
     /// Another number after each change to which fonts there are.
     uint64_t Revision() const { return mRevision; }
@@ -103,7 +112,9 @@ public:
     bool IsFileActive(int64_t fileID);
 
 private:
-    std::vector<Font> Query(const char* condition, std::string_view value);
+    std::vector<Font> FindNamed(const char* clause, std::string_view name, int32_t workgroupID, int limit);
+    std::vector<Font> ListNamed(const char* clause, std::string_view name, uint32_t after, int limit);
+    bool IsAnyNamed(const char* clause, std::string_view name);
 
     Database& mDatabase;
     uint64_t mRevision = 1;

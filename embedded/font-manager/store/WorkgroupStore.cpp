@@ -66,10 +66,4 @@ void WorkgroupStore::AddFont(int32_t workgroupID, uint32_t fontID) {
         .Run();
 }
 
-bool WorkgroupStore::HasFont(int32_t workgroupID, uint32_t fontID) {
-    return mDatabase.Prepare("SELECT 1 FROM workgroup_fonts WHERE workgroup_id = ? AND font_id = ?")
-        .Bind(workgroupID, fontID)
-        .Step();
-}
-
 }  // namespace pellwick

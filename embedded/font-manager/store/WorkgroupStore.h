@@ -33,7 +33,6 @@ public:
     void Delete(int32_t id, int32_t heir);
 
     void AddFont(int32_t workgroupID, uint32_t fontID);
-    bool HasFont(int32_t workgroupID, uint32_t fontID);
 
 private:
     Database& mDatabase;

@@ -4,6 +4,7 @@
 
 #include "FontRecordKeys.h"
 #include "activation/FontMatcher.h"
+#include "common/Limits.h"
 #include "common/Protocol.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
@@ -37,7 +38,11 @@ protected:
 
     std::string MatchOf(const RequestedFont& request) {
         std::string ids;
-        for (const Font& font : MatchFonts(mFonts, request))
+        std::vector<Font> fonts = MatchFonts(mFonts, request);
+        const uint32_t best = fonts.empty() ? 0 : fonts[IndexOfBestMatch(fonts, request)].id;
+        SortByMatch(fonts, request);
+        EXPECT_EQ(fonts.empty() ? 0 : fonts.front().id, best);
+        for (const Font& font : fonts)
             ids += (ids.empty() ? "" : " ") + std::to_string(font.id);
         return ids;
     }
@@ -111,6 +116,54 @@ TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) 
     EXPECT_GT(Add("Sample", "Sample", "Regular"), font);
 }
 
+// A collection may hold so many faces of one name that comparing each with each would never end.
+TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
+    constexpr size_t kFaces = 50000;
+    FontFace face;
+    face.postScriptName = "Many";
+    face.family = "Many";
+    face.style = "Regular";
+    face.lookupNames = {"ManyRegular"};
+    int64_t missing = 0;
+    {
+        Transaction transaction(mDatabase);
+        missing = mFonts.Add({0, "missing", "many.ttc", ".ttc", 10}, {face});
+        mFonts.SetFileMissing(missing, true);
+        std::vector<FontFace> faces(kFaces, face);
+        for (size_t index = 0; index < faces.size(); ++index)
+            faces[index].face = static_cast<int64_t>(index);
+        mFonts.Add({0, "present", "many.ttc", ".ttc", 10}, faces);
+        transaction.Commit();
+    }
+    const uint32_t first = mFonts.FontsOfFile(missing).front().id;
+    const RequestedFont byName{"Many", "", "", "", 0};
+    for (const std::vector<Font>& fonts : {MatchFonts(mFonts, byName), mFonts.FindByPostScriptName("many"),
+                                           mFonts.FindByLookupName("Many Regular")}) {
+        ASSERT_EQ(fonts.size(), size_t{kMaxFontsOfName});
+        EXPECT_EQ(fonts.front().id, first + 1) << "the missing one comes last";
+        EXPECT_EQ(fonts.back().id, first + kMaxFontsOfName);
+    }
+    EXPECT_EQ(MatchFonts(mFonts, {"", "Many", "", "", 0}).size(), size_t{kMaxFontsOfName});
+    EXPECT_EQ(mFonts.FindByFamily("Many").size(), size_t{kListPageSize});
+    EXPECT_EQ(mFonts.ListNames().size(), 1u);
+    // People mean them all.
+    const std::vector<Font> page = mFonts.ListNamed("Many", 0, kListPageSize);
+    ASSERT_EQ(page.size(), size_t{kListPageSize});
+    EXPECT_EQ(page.front().id, first);
+    EXPECT_EQ(mFonts.ListNamed("Many", page.back().id, kListPageSize).front().id, page.back().id + 1);
+    EXPECT_TRUE(mFonts.ListNamed("many", first + kFaces, kListPageSize).empty());
+    // Those that are active are found wherever they stand.
+    ActivationStore(mDatabase).AddUserActivation(first + 4000);
+    ASSERT_EQ(mFonts.FindActive("Many").size(), 1u);
+    EXPECT_EQ(mFonts.FindActive("Many").front().id, first + 4000);
+}
+
+TEST_F(FontStoreTest, NothingGoesByAnEmptyName) {
+    Add("Hyphen", "-", "-");
+    EXPECT_EQ(MatchOf({"_", "", "", "", 0}), "");
+    EXPECT_TRUE(mFonts.ListNamed("", 0, kListPageSize).empty());
+}
+
 TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
     WorkgroupStore workgroups(mDatabase);
     const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
@@ -122,9 +175,9 @@ TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
     workgroups.AddFont(deleted, shared);
     workgroups.AddFont(other, shared);
     workgroups.Delete(deleted, heir);
-    EXPECT_TRUE(workgroups.HasFont(heir, alone));
-    EXPECT_FALSE(workgroups.HasFont(heir, shared));
-    EXPECT_TRUE(workgroups.HasFont(other, shared));
+    EXPECT_EQ(mFonts.FindByPostScriptName("Alone", heir).size(), 1u);
+    EXPECT_EQ(mFonts.FindByFamily("Shared", heir).size(), 0u);
+    EXPECT_EQ(mFonts.FindByFamily("Shared", other).size(), 1u);
 }
 
 TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {

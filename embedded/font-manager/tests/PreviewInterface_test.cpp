@@ -5,8 +5,10 @@
 #include <fstream>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <set>
 
+#include "StringConversion.h"
 #include "common/Limits.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
@@ -137,6 +139,51 @@ TEST_F(PreviewTest, TheMetadataOfAHugeDocumentIsLookedForAtBothEnds) {
     std::ofstream(platform::Utf8Path(path), std::ios::binary | std::ios::app) << packet;
     EXPECT_EQ(ReadXmp(path, text), 0u);
     EXPECT_EQ(text, packet);
+}
+
+/// The first packet by its definition, however long that takes.
+std::string PlainlyFoundPacket(const std::string& document) {
+    for (size_t begin = 0; (begin = document.find("<?xpacket begin=", begin)) != std::string::npos; ++begin) {
+        const size_t end = document.find("<?xpacket end=", begin);
+        const size_t close = end != std::string::npos ? document.find("?>", end) : end;
+        const std::string packet =
+            close != std::string::npos ? document.substr(begin, close + 2 - begin) : std::string();
+        if (!packet.empty() && IsValidUtf8(packet))
+            return packet;
+    }
+    return {};
+}
+
+TEST_F(PreviewTest, TheFirstPacketIsFoundAmongMarkersInAnyOrder) {
+    std::mt19937 random{20261122};
+    const std::vector<std::string> pieces = {"<?xpacket begin=", "<?xpacket end=", "?>", "\xFF", "x",
+                                             "<?xpacket "};
+    for (int round = 0; round < 200; ++round) {
+        std::string document;
+        for (size_t left = random() % 16; left > 0; --left)
+            document += pieces[random() % pieces.size()];
+        std::string text;
+        ReadXmp(mWorld.Write("document", document), text);
+        EXPECT_EQ(text, PlainlyFoundPacket(document)) << document;
+    }
+}
+
+// Where each beginning is looked into for its own end, any of these takes for ever.
+TEST_F(PreviewTest, MarkersWithoutNumberDoNotHoldUpTheHost) {
+    const auto repeated = [](const std::string& text) {
+        std::string document;
+        while (document.size() < kMaxXmpSearch / 4)
+            document += text;
+        return document;
+    };
+    const std::string farEnd = "<?xpacket end='w'?>";
+    std::string text;
+    for (const std::string& document :
+         {repeated("<?xpacket begin="), repeated("<?xpacket begin=<?xpacket end="),
+          repeated(std::string(1 << 10, 'x') + "<?xpacket begin=") + "\xFF" + farEnd,
+          repeated("<?xpacket begin=\xFF") + farEnd, repeated("<?xpacket begin=\xFF<?xpacket end=") + farEnd,
+          repeated("<?xpacket begin=<?xpacket end=\xFF?>"), repeated("<?xpacket begin=\xC3") + "?>"})
+        EXPECT_EQ(ReadXmp(mWorld.Write("document", document), text), CoreErrorCodes::kNotFound);
 }
 
 }  // namespace

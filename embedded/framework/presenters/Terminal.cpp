@@ -6,6 +6,7 @@
 #include <iostream>
 #include <string>
 
+#include "PrintableText.h"
 #include "platform/Environment.h"
 #include "strings/LocalizedStrings.h"
 
@@ -34,17 +35,15 @@ bool IsSame(std::string_view typed, std::string_view name) {
     return typed.size() == name.size() && IsBeginningOf(typed, name);
 }
 
-/// In UTF-8 the bytes below 0x20 are control characters of their own, and U+0080 to U+009F, which terminals
-/// obey as well, are the byte 0xC2 with one below 0xA0.
+/// The text, which may have several lines, as a terminal may have it.
 std::string WithoutControls(const std::string& text) {
     std::string shown;
-    for (size_t index = 0; index < text.size(); ++index) {
-        const auto byte = static_cast<unsigned char>(text[index]);
-        const auto next = static_cast<unsigned char>(index + 1 < text.size() ? text[index + 1] : '\0');
-        if (byte == 0xC2 && next >= 0x80 && next < 0xA0)
-            ++index;
-        else if ((byte >= 0x20 && byte != 0x7F) || byte == '\n')
-            shown += text[index];
+    size_t begin = 0;
+    for (size_t end = 0; end != std::string::npos; begin = end + 1) {
+        end = text.find('\n', begin);
+        shown += WithoutUnprintables(std::string_view(text).substr(begin, end - begin));
+        if (end != std::string::npos)
+            shown += '\n';
     }
     return shown;
 }

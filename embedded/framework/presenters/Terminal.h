@@ -23,7 +23,8 @@ using Choices = std::vector<Choice>;
 /// ASCII). Null when there is none.
 const Choice* FindChoice(const Choices& choices, std::string_view typed);
 
-/// Main thread. What is shown may come from documents and font files, so control characters are left out.
+/// Main thread. What is shown may come from documents and font files, so what would do something to a
+/// terminal is left out.
 class Terminal {
 public:
     struct Streams {

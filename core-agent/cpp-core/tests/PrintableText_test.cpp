@@ -1,0 +1,73 @@
+#include "PrintableText.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+/// What a terminal or a reader of lines must not get, and how it is shown.
+struct Case {
+    std::string raw;
+    std::string text;  ///< as PrintableText shows it
+    std::string json;  ///< as PrintableJson writes it
+};
+
+const Case kUnprintables[] = {
+    {"\n", "\\x0A", ""},
+    {"\x1B[31m", "\\x1B[31m", ""},
+    {"\x7F", "\\x7F", "\\u007F"},
+    {"\xC2\x80", "\\u{0080}", "\\u0080"},
+    {"\xC2\x9B", "\\u{009B}", "\\u009B"},
+    {"\xC2\x9F", "\\u{009F}", "\\u009F"},
+    {"\xD8\x9C", "\\u{061C}", "\\u061C"},
+    {"\xE2\x80\x8E", "\\u{200E}", "\\u200E"},
+    {"\xE2\x80\x8F", "\\u{200F}", "\\u200F"},
+    {"\xE2\x80\xA8", "\\u{2028}", "\\u2028"},
+    {"\xE2\x80\xA9", "\\u{2029}", "\\u2029"},
+    {"\xE2\x80\xAA", "\\u{202A}", "\\u202A"},
+    {"\xE2\x80\xAE", "\\u{202E}", "\\u202E"},
+    {"\xE2\x81\xA6", "\\u{2066}", "\\u2066"},
+    {"\xE2\x81\xA9", "\\u{2069}", "\\u2069"},
+};
+
+/// The neighbours of all these, and writing that needs joiners.
+constexpr char kPlain[] =
+    " ~"
+    "\xC2\xA0\xD8\x9B\xD8\x9D\xE2\x80\x8D\xE2\x80\x90\xE2\x80\xA7\xE2\x80\xAF\xE2\x81\xA5\xE2\x81\xAA\xF0\x9F"
+    "\x99\x82";
+
+}  // namespace
+
+TEST(PrintableText, ShowsWhatWouldDoSomethingAndNothingElse) {
+    for (const Case& each : kUnprintables) {
+        EXPECT_EQ(PrintableText("a" + each.raw + "z"), "a" + each.text + "z");
+        EXPECT_FALSE(IsPlainText("a" + each.raw)) << each.text;
+    }
+    EXPECT_EQ(PrintableText(kPlain), kPlain);
+    EXPECT_TRUE(IsPlainText(kPlain));
+    EXPECT_EQ(PrintableText("\xE2\x80\xFF\xC2"), "\\xE2\\x80\\xFF\\xC2") << "no UTF-8";
+    EXPECT_EQ(PrintableText(std::string_view("\0x", 2)), "\\x00x");
+    EXPECT_FALSE(IsPlainText("\xC2"));
+}
+
+TEST(PrintableText, LeavesJsonItsValues) {
+    for (const Case& each : kUnprintables) {
+        const nlohmann::json value = {{"na" + each.raw, each.raw + kPlain}};
+        const std::string dumped = PrintableJson(value.dump());
+        EXPECT_EQ(nlohmann::json::parse(dumped), value);
+        EXPECT_TRUE(IsPlainText(dumped)) << dumped;
+        EXPECT_NE(dumped.find(each.json), std::string::npos) << dumped;
+    }
+    EXPECT_EQ(nlohmann::json::parse(PrintableJson("[\"\xFF\n\"]"))[0], "\xEF\xBF\xBD\n");
+}
+
+TEST(PrintableText, NamesLoseWhatCannotBeShown) {
+    for (const Case& each : kUnprintables)
+        EXPECT_EQ(WithoutUnprintables("Na" + each.raw.substr(0, each.raw[0] == '\x1B' ? 1 : 3) + "me"),
+                  "Name");
+    EXPECT_EQ(WithoutUnprintables(kPlain), kPlain);
+    EXPECT_EQ(WithoutUnprintables("a\xC2"), "a\xEF\xBF\xBD");
+    EXPECT_TRUE(IsBlank("") && IsBlank(" \xC2\xA0\xE3\x80\x80\xE2\x80\x8B"));
+    EXPECT_FALSE(IsBlank(" .") || IsBlank("\xFF"));
+}

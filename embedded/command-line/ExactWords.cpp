@@ -1,0 +1,101 @@
+#include "ExactWords.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "PrintableText.h"
+
+namespace exact_words {
+namespace {
+
+/// In front of a word in disguise. Nothing that the parser knows begins with it.
+constexpr char kDisguise = '\x1F';
+
+bool IsOption(std::string_view word) {
+    return word.size() > 1 && word[0] == '-';
+}
+
+/// Whether a word, also one that means something, is nothing to the parser but a word.
+bool IsHarmless(std::string_view word) {
+    return !word.empty() && std::all_of(word.begin(), word.end(), [](char character) {
+        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+               (character >= '0' && character <= '9') || character == '.' || character == '-' ||
+               character == '_';
+    });
+}
+
+std::string Disguised(std::string_view word) {
+    return kDisguise + std::string(word);
+}
+
+std::string WithoutDisguise(const std::string& word) {
+    return !word.empty() && word.front() == kDisguise ? word.substr(1) : word;
+}
+
+std::string AsParsed(std::string_view word) {
+    if (!IsOption(word))
+        return IsHarmless(word) ? std::string(word) : Disguised(word);
+    const size_t value = word.find('=') + 1;
+    if (value == 0 || IsHarmless(word.substr(value)))
+        return std::string(word);
+    return std::string(word.substr(0, value)) + Disguised(word.substr(value));
+}
+
+}  // namespace
+
+CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
+                     const std::string& description) {
+    return app
+        .add_option(
+            name,
+            [&text](const CLI::results_t& words) {
+                text = WithoutDisguise(words.at(0));
+                return true;
+            },
+            description)
+        ->type_name("TEXT");
+}
+
+CLI::Option* AddTexts(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
+                      const std::string& description) {
+    return AddRepeatedText(app, name, texts, description)->expected(CLI::detail::expected_max_vector_size);
+}
+
+CLI::Option* AddRepeatedText(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
+                             const std::string& description) {
+    return app
+        .add_option(
+            name,
+            [&texts](const CLI::results_t& words) {
+                texts.clear();
+                std::transform(words.begin(), words.end(), std::back_inserter(texts), WithoutDisguise);
+                return true;
+            },
+            description)
+        ->type_name("TEXT")
+        ->take_all();
+}
+
+void Parse(CLI::App& app, int count, const char* const* words) {
+    std::vector<std::string> parsed;
+    bool areArguments = false;
+    for (int index = 1; index < count; ++index) {
+        const std::string_view word = words[index];
+        if (areArguments)
+            parsed.push_back(Disguised(word));
+        else if (word == "--")
+            areArguments = true;
+        else
+            parsed.push_back(AsParsed(word));
+    }
+    std::reverse(parsed.begin(), parsed.end());  // as the parser takes them
+    app.parse(std::move(parsed));
+}
+
+std::string FailureText(const CLI::Error& error) {
+    std::string text = error.what();
+    text.erase(std::remove(text.begin(), text.end(), kDisguise), text.end());
+    return PrintableText(text);
+}
+
+}  // namespace exact_words

@@ -1,0 +1,31 @@
+// The words of a command line as they were typed.
+//
+// CLI11 gives some words a meaning of its own, wherever they stand: "[a,b]" becomes two words, "++" ends a
+// command, what follows "--" may be taken for options after all, and "--name=" takes the next word. Here
+// words pass through it in a disguise that it leaves alone.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace exact_words {
+
+/// An option, or a positional argument, that takes one text, exactly. `text` outlives the parsing.
+CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
+                     const std::string& description);
+/// A positional argument that takes one text or more.
+CLI::Option* AddTexts(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
+                      const std::string& description);
+/// An option that takes one text and may be repeated.
+CLI::Option* AddRepeatedText(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
+                             const std::string& description);
+
+/// Parses the words behind the program's name. All that follow a first "--" are arguments. Throws
+/// CLI::ParseError.
+void Parse(CLI::App& app, int count, const char* const* words);
+
+/// What is wrong with the words, in one line for people.
+std::string FailureText(const CLI::Error& error);
+
+}  // namespace exact_words

@@ -1,0 +1,183 @@
+// Names that mean something to a parser of command lines, or do something to a terminal.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "FontRecordKeys.h"
+#include "HostWorld.h"
+#include "TestFonts.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+/// Words that a parser might split, unwrap, take for options or for the end of them.
+const std::vector<std::string> kAwkwardNames = {
+    "[a,b]", "[]",    "[a]", "{}", "%%", "++",  "a,b", "-x",   "--json", "--",  "-",   "---",
+    "'q'",   "\"q\"", "a=b", "/x", "@f", "`q`", "add", "list", "serve",  "\\n", "a;b", "[--json]"};
+
+/// Fonts of families of these names, and those that come of taking the names apart.
+void AddAwkwardFonts(HostWorld& world) {
+    std::vector<std::string> names = kAwkwardNames;
+    for (const char* part : {"a", "b", "q", "x", "f", "n"})
+        names.push_back(part);
+    std::vector<std::string> command{"add"};
+    for (const std::string& name : names) {
+        command.push_back(world.Path("font " + std::to_string(command.size()) + ".ttf"));
+        ASSERT_TRUE(WriteTestFont(command.back(), {"Awkward-" + std::to_string(command.size()), name}));
+    }
+    ASSERT_EQ(world.FontManager().Run(command).status, 0);
+}
+
+std::vector<std::string> NamesOf(const json& fonts) {
+    std::vector<std::string> names;
+    for (const json& font : fonts)
+        names.push_back(font.at(kGS_FamilyKey));
+    return names;
+}
+
+/// No byte that a terminal acts on, but for the ends of lines.
+bool IsHarmless(const std::string& text) {
+    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
+        return (static_cast<unsigned char>(character) < 0x20 && character != '\n') || character == '\x7F';
+    });
+    return !hasControl && text.find("\xC2\x9B") == std::string::npos &&
+           text.find("\xE2\x80\xAE") == std::string::npos && text.find('\xFF') == std::string::npos;
+}
+
+/// A name with a control sequence of either kind, a forged line, an override and a byte that is no text.
+const std::string kHostile =
+    "x\x1B[31m\nforged\xC2\x9B"
+    "2J\xE2\x80\xAE"
+    "fdp\x7F";
+
+}  // namespace
+
+TEST(AwkwardNames, AreTakenAsTheyAreTyped) {
+    HostWorld world;
+    ASSERT_NO_FATAL_FAILURE(AddAwkwardFonts(world));
+    const auto& fontManager = world.FontManager();
+    for (const std::string& name : kAwkwardNames) {
+        auto result = fontManager.Run({"--json", "activate", "--", name});
+        ASSERT_EQ(result.status, 0) << name << result.errors;
+        EXPECT_THAT(NamesOf(json::parse(result.output)["fonts"]), ElementsAre(name));
+        if (name.front() != '-' || name == "-") {
+            const auto alone = fontManager.Run({"activate", name, "--json"});
+            EXPECT_THAT(NamesOf(json::parse(alone.output, nullptr, false)["fonts"]), ElementsAre(name));
+        }
+        result = fontManager.Run({"--json", "deactivate", "n", "--", name, "f"});
+        EXPECT_THAT(NamesOf(json::parse(result.output, nullptr, false)["fonts"]), ElementsAre("n", name, "f"))
+            << result.errors;
+        result = world.RunHost({"--json", "fonts", "--", name});
+        EXPECT_EQ(json::parse(result.output, nullptr, false)["file"], name) << result.errors;
+    }
+    const auto result = fontManager.Run({"activate", ""});
+    EXPECT_THAT(result.errors, HasSubstr("no font is called \"\""));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(fontManager.Run({"activate", "--", "-x", "[a,b]", "--no-start"}).status, 1)
+        << "behind the two hyphens there are no options";
+}
+
+TEST(AwkwardNames, AreTakenAsTheyAreTypedAsValuesOfOptions) {
+    HostWorld world;
+    const auto& fontManager = world.FontManager();
+    for (const std::string& name : kAwkwardNames) {
+        ASSERT_EQ(fontManager.Run({"workgroup", "create", "--", name}).status, 0) << name;
+        ASSERT_EQ(fontManager.Run({"set", "create", "--workgroup=" + name, "--", name}).status, 0) << name;
+        const auto result = fontManager.Run({"--json", "set", "list", "--workgroup=" + name});
+        EXPECT_EQ(json::parse(result.output).at("sets").at(0).at("name"), name);
+        const auto made = fontManager.Run(
+            {"smartlist", "create", "--set=" + name, "--workgroup=" + name, "--", "list of " + name});
+        EXPECT_EQ(made.status, 0) << made.errors;
+    }
+    // An option without a text does not take the next word for it.
+    EXPECT_EQ(fontManager.Run({"set", "create", "--workgroup=", "[a,b]"}).status, 0);
+    const auto result = fontManager.Run({"activate", "x", "--json=[a,b]"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(IsHarmless(result.errors)) << result.errors;
+}
+
+TEST(AwkwardNames, DoNothingToATerminal) {
+    HostWorld world;
+    const auto& fontManager = world.FontManager();
+    // A document of a hostile name, in whose bytes there is another one.
+    const std::string name = "a/FontName /" + kHostile + "/ >>";
+    const std::string document = fontManager.Write(kHostile + ".ai", name);
+    fontManager.Run({"add", world.FontManager().WriteFont("Sample-Bold")});
+    ASSERT_EQ(fontManager.Run({"launch-info"}).status, 0);
+    const std::vector<std::vector<std::string>> ofFontManager = {{"activate", kHostile},
+                                                                 {"add", document},
+                                                                 {"set", "show", kHostile},
+                                                                 {"set", "list", "--workgroup", kHostile},
+                                                                 {kHostile},
+                                                                 {"--" + kHostile},
+                                                                 {"standalone", kHostile},
+                                                                 {"smartlist", "fonts", kHostile},
+                                                                 {"login", kHostile},
+                                                                 {"workgroup", "create", kHostile},
+                                                                 {"--json", "add", document},
+                                                                 {"smartlist", "create", kHostile},
+                                                                 {"set", "create", kHostile},
+                                                                 {"remove", kHostile}};
+    for (const auto& command : ofFontManager) {
+        const auto result = fontManager.Run(command);
+        EXPECT_NE(result.status, 0) << command[0];
+        EXPECT_TRUE(IsHarmless(result.output + result.errors))
+            << command[0] << result.output << result.errors;
+        EXPECT_LE(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+    }
+    const std::vector<std::vector<std::string>> ofHost = {{"fonts", document},
+                                                          {"fonts", document, document},
+                                                          {"fonts", kHostile},
+                                                          {"--json", "fonts", document},
+                                                          {"--json", "fonts", kHostile + "\xFF"},
+                                                          {"open", document, "--close"},
+                                                          {"--json", "open", document, "--close"},
+                                                          {"open", kHostile},
+                                                          {"settings", kHostile},
+                                                          {"settings", "CurrentWorkgroup", kHostile},
+                                                          {"menu", kHostile},
+                                                          {"menu", "--document", document},
+                                                          {"--" + kHostile},
+                                                          {"--core", kHostile, "settings"},
+                                                          {"--app", kHostile, "settings"}};
+    for (const auto& command : ofHost) {
+        const auto result = world.RunHost(command);
+        EXPECT_TRUE(IsHarmless(result.output + result.errors))
+            << command[0] << result.output << result.errors;
+    }
+    // Programs read the names as they are.
+    const auto result = world.RunHost({"--json", "fonts", document});
+    EXPECT_EQ(json::parse(result.output)["file"], document);
+    EXPECT_THAT(world.RunHost({"fonts", document, document}).output, HasSubstr("\\u{202E}fdp"));
+}
+
+TEST(AwkwardNames, AreRefusedWhereTheyAreNew) {
+    HostWorld world;
+    const auto& fontManager = world.FontManager();
+    const auto refusal = [&](const std::vector<std::string>& command) {
+        const auto result = fontManager.Run(command);
+        EXPECT_EQ(result.status, 1) << command[0];
+        return result.errors;
+    };
+    const std::string tooLong(1025, 'x');
+    for (const auto& words : std::vector<std::vector<std::string>>{
+             {"workgroup", "create"}, {"set", "create"}, {"smartlist", "create"}, {"login"}}) {
+        const auto with = [&](const std::string& name) {
+            std::vector<std::string> command = words;
+            command.push_back(name);
+            return command;
+        };
+        EXPECT_THAT(refusal(with("a\xE2\x80\xAE")), HasSubstr("type it without"));
+        EXPECT_THAT(refusal(with("a\n")), HasSubstr("type it without"));
+        EXPECT_THAT(refusal(with("a\xFF")), HasSubstr("UTF-8"));
+        EXPECT_THAT(refusal(with(tooLong)), HasSubstr("shorter"));
+        EXPECT_THAT(refusal(with(" \xC2\xA0")), HasSubstr("give the"));
+        EXPECT_EQ(fontManager.Run(with("字 ‍🙂")).status, 0);
+    }
+    EXPECT_THAT(refusal({"workgroup", "rename", "字 ‍🙂", "a\x9B"}), HasSubstr("UTF-8"));
+    EXPECT_THAT(refusal({"smartlist", "rename", "字 ‍🙂", "a\x1B"}), HasSubstr("type it without"));
+}
