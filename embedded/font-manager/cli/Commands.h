@@ -15,6 +15,8 @@ ExitStatus ListFonts(Session& session, bool isVisible);
 ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names);
 ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& names);
 
+/// Checks records and files, and puts right what can be.
+ExitStatus Examine(Session& session);
 ExitStatus ShowStatus(Session& session);
 ExitStatus LogIn(Session& session, const std::string& name);
 ExitStatus LogOut(Session& session);

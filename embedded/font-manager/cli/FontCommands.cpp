@@ -7,6 +7,7 @@
 #include "FontRecordKeys.h"
 #include "cli/Commands.h"
 #include "cli/Fonts.h"
+#include "cli/Progress.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -42,30 +43,6 @@ void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& fai
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end(),
               [](const FoundFile& left, const FoundFile& right) { return left.path < right.path; });
 }
-
-/// One line that keeps changing, where a person watches.
-class Progress {
-public:
-    explicit Progress(size_t total)
-        : mTotal(total), mIsShown(total > 20 && platform::IsTerminal(platform::StandardStream::kError)) {}
-    ~Progress() {
-        if (mIsShown)
-            std::fputs("\r\033[K", stderr);
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void Advance() {
-        ++mDone;
-        if (mIsShown)
-            std::fprintf(stderr, "\r%zu of %zu files", mDone, mTotal);
-    }
-
-private:
-    const size_t mTotal;
-    const bool mIsShown;
-    size_t mDone = 0;
-};
 
 /// Fonts come with licences, read-me files and forms for the web; what is in a folder and is no font to use
 /// is left alone.
@@ -115,7 +92,7 @@ ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, con
         FindFiles(path, files, result.failures);
     session.StartAgentIfNeeded();
     {
-        Progress progress(files.size());
+        Progress progress(files.size(), "files");
         for (const FoundFile& file : files) {
             AddFile(session, file, workgroup, result);
             progress.Advance();
@@ -139,12 +116,19 @@ ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, con
 ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
-    const Json fonts = FindFonts(session, names, isComplete);
-    const Json removed = CallForFonts(session, method::kRemoveFonts, fonts, "removed");
+    Json left = IDsOf(FindFonts(session, names, isComplete));
+    Json removed = Json::array();
+    while (!left.empty()) {
+        const Json answer = session.Call(method::kRemoveFonts, {{"fonts", left}});
+        const Json& fonts = ArrayMember(answer, "removed");
+        if (!session.PrintsJson())
+            PrintFonts(fonts, "removed");  // as it happens: the rest may fail
+        else
+            removed.insert(removed.end(), fonts.begin(), fonts.end());
+        left = ArrayMember(answer, "left");
+    }
     if (session.PrintsJson())
         PrintJson({{"removed", removed}});
-    else
-        PrintFonts(removed, "removed");
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 

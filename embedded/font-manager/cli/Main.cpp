@@ -151,6 +151,7 @@ void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chose
     AddText(*standalone, "STATE", arguments.name, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
+    AddCommand(app, chosen, "doctor", "Check all fonts and records, and put right what can be", Examine);
     AddCommand(app, chosen, "stop", "End the agent", StopAgent);
     AddCommand(app, chosen, "launch-info", "Tell plug-ins how to start this agent",
                [&](Session&) { return WriteLaunchInfo(arguments.options); });

@@ -151,7 +151,7 @@ int Database::ChangedRows() const {
 
 std::vector<std::string> Database::FindDamage() {
     std::vector<std::string> problems;
-    Statement check = Prepare("PRAGMA quick_check(10)");
+    Statement check = Prepare("PRAGMA integrity_check(10)");
     while (check.Step()) {
         if (check.Text(0) != "ok")
             problems.push_back(check.Text(0));
