@@ -260,12 +260,14 @@ bool RestrictSystemCalls() {
     for (const int call :
          {SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(brk), SCMP_SYS(madvise), SCMP_SYS(close),
           SCMP_SYS(futex), SCMP_SYS(getrandom), SCMP_SYS(setitimer), SCMP_SYS(clock_gettime),
-          SCMP_SYS(rt_sigreturn), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)})
+          SCMP_SYS(rt_sigreturn), SCMP_SYS(rt_sigprocmask), SCMP_SYS(getpid), SCMP_SYS(gettid),
+          SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)})
         allow(call);
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})  // never to run what was written
         allowWith(call, SCMP_A2_64(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0));
     for (const int call : {SCMP_SYS(recvmsg), SCMP_SYS(sendmsg)})
         allowWith(call, SCMP_A0_64(SCMP_CMP_EQ, kLine, 0));
+    allowWith(SCMP_SYS(tgkill), SCMP_A0_64(SCMP_CMP_EQ, static_cast<uint64_t>(getpid()), 0));  // to abort
     return isComplete && seccomp_load(filter.get()) == 0;
 }
 

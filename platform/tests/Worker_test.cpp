@@ -1,0 +1,90 @@
+#include "platform/Worker.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "TemporaryFolder.h"
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
+#include "support/WorkerTestLimits.h"
+
+namespace platform {
+namespace {
+
+using Outcome = Worker::Outcome;
+
+class WorkerTest : public testing::Test {
+protected:
+    WorkerTest() {
+        const std::string path = Utf8Text(mFolder.Path() / "file");
+        EXPECT_FALSE(WriteWholeFile(path, "content"));
+        EXPECT_FALSE(mFile.Open(path));
+        mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
+        EXPECT_TRUE(mWorker) << SystemErrorText(mError);
+    }
+    Outcome Ask(const std::string& request) { return mWorker->Exchange(request, mFile, mAnswer, mProblem); }
+
+    TemporaryFolder mFolder;
+    ReadOnlyFile mFile;
+    SystemError mError;
+    std::unique_ptr<Worker> mWorker;
+    std::string mAnswer;
+    std::string mProblem;
+};
+
+TEST_F(WorkerTest, AnswersOneRequestAfterTheOther) {
+    for (const std::string request : {"", "first ", "second "}) {
+        ASSERT_EQ(Ask(request), Outcome::kAnswered) << mProblem;
+        EXPECT_EQ(mAnswer, request + "content");
+    }
+    EXPECT_EQ(Ask(std::string(60000, 'x')), Outcome::kAnswered) << mProblem;
+}
+
+TEST_F(WorkerTest, IsEndedWhenItTakesTooLong) {
+    EXPECT_EQ(Ask("loop"), Outcome::kOverLimit);
+    EXPECT_EQ(mProblem, "took too long");
+    EXPECT_EQ(Ask("hello"), Outcome::kDied) << "there is no worker any more";
+}
+
+TEST_F(WorkerTest, IsEndedWhenItAnswersWithTooMuch) {
+    EXPECT_EQ(Ask("answer with much"), Outcome::kOverLimit);
+    EXPECT_EQ(mProblem, "answered with too much");
+}
+
+TEST_F(WorkerTest, ItsEndIsTold) {
+    EXPECT_EQ(Ask("crash"), Outcome::kDied);
+    EXPECT_NE(mProblem.find("crashed"), std::string::npos) << mProblem;
+}
+
+TEST_F(WorkerTest, ACancellationEndsAnExchange) {
+    std::thread other([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        mWorker->Cancel();
+    });
+    EXPECT_EQ(Ask("loop"), Outcome::kDied);
+    other.join();
+    EXPECT_EQ(mProblem, "was cancelled");
+}
+
+TEST(Worker, IsNotStartedFromNothing) {
+    SystemError error;
+    EXPECT_FALSE(Worker::Start("/no/such/program", kTestWorkerLimits, error));
+    EXPECT_TRUE(error);
+}
+
+#ifndef PLUGINCORE_UNCONFINED
+
+TEST_F(WorkerTest, GetsAtNoProgramAndNoMoreMemoryThanItMayHave) {
+    EXPECT_NE(Ask("fill the memory"), Outcome::kOverLimit);
+    EXPECT_TRUE(mAnswer == "no memory" || mAnswer.empty()) << mAnswer;
+    mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
+    mAnswer.clear();
+    Ask("start a program");
+    EXPECT_NE(mAnswer, "started");
+}
+
+#endif
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,53 @@
+// A worker that does as it is told, also what it must not.
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "WorkerTestLimits.h"
+#include "platform/ProgramArguments.h"
+#include "platform/Worker.h"
+
+namespace {
+
+volatile unsigned turns = 0;
+
+std::string AnswerTo(const std::string& request, std::string_view file) {
+    if (request == "loop") {
+        for (;;)
+            turns = turns + 1;
+    }
+    if (request == "crash")
+        std::abort();
+    if (request == "read a file")
+        return std::ifstream("/etc/passwd") ? "read" : "refused";
+    if (request == "start a program")
+        return std::system("exit 7") == 7 << 8 ? "started" : "refused";
+    if (request == "fill the memory") {
+        try {
+            return std::to_string(std::string(size_t{8} << 30, 'x').size());
+        } catch (const std::bad_alloc&) {
+            return "no memory";
+        }
+    }
+    if (request == "answer with much")
+        return std::string(kTestWorkerLimits.answerSize + 1, 'x');
+    return request + std::string(file);
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    platform::ProgramArguments arguments(count, words);
+    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
+    if (!line || !line->Confine(kTestWorkerLimits))
+        return 2;
+    std::string request;
+    std::string_view file;
+    while (line->Receive(request, file)) {
+        if (!line->Answer(AnswerTo(request, file)))
+            return 1;
+    }
+    return 0;
+}
