@@ -13,6 +13,7 @@
 #include "agent/Session.h"
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
+#include "platform/Files.h"
 #include "platform/LocalStream.h"
 
 namespace pellwick {
@@ -20,7 +21,8 @@ namespace pellwick {
 /// One thread serves all clients in turn.
 class Server : private Audience, private SessionOwner {
 public:
-    Server(FontManager& manager, LogFile& log);
+    /// `lock`: what makes this process the agent. The server stops when it is lost.
+    Server(FontManager& manager, LogFile& log, const platform::FileLock& lock);
     ~Server() override;
 
     /// Listens at the first address that can be had and writes the address down. False when that cannot be
@@ -31,6 +33,8 @@ public:
     void Run();
 
 private:
+    using Deadline = std::chrono::steady_clock::time_point;
+
     // Audience
     void Announce(int32_t type, const Json& data) override;
     void KeepAlive() override;
@@ -41,7 +45,16 @@ private:
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
-    void Admit(platform::LocalStream stream);
+    bool ListenAt(const std::string& address);
+    /// The address, for clients to find.
+    bool WriteAddress(std::string& problem);
+    bool IsAddressFound() const;
+    void WatchGround();
+    /// Puts right what others took away of what clients come by, or stops where nothing can be.
+    void CheckGround();
+    void Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
+    void AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
+    void Open(platform::LocalStream stream, const HostProcess& process);
     /// False when that could not be written.
     bool UndoRequests(const HostProcess& host, long long first, long long last);
     void UndoWhatWasNotTaken(Client& client);
@@ -52,15 +65,19 @@ private:
 
     FontManager& mManager;
     LogFile& mLog;
+    const platform::FileLock& mLock;
     const CommandTable mCommands;
     asio::io_context mLoop;
-    platform::LocalAcceptor mAcceptor;
+    std::unique_ptr<platform::LocalAcceptor> mAcceptor;
     std::optional<platform::EndRequests> mEndRequests;
+    asio::steady_timer mGroundTimer;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
     std::set<std::shared_ptr<Session>> mSessions;
     std::string mAddress;
+    platform::FileIdentity mAddressFile;
+    std::string mGroundProblem;                ///< so that one that lasts leaves one line
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;

@@ -13,6 +13,7 @@ constexpr char kStandalone[] = "standalone";
 constexpr char kGoogleWebFonts[] = "googleWebFonts";
 constexpr char kCurrentWorkgroup[] = "currentWorkgroup";
 constexpr char kOwnsVault[] = "ownsVault";
+constexpr char kEra[] = "processEra";
 constexpr char kYes[] = "1";
 constexpr char kNo[] = "0";
 
@@ -73,6 +74,14 @@ bool SettingsStore::OwnsVault() {
 
 void SettingsStore::NoteOwnVault() {
     Set(kOwnsVault, kYes);
+}
+
+std::string SettingsStore::Era() {
+    return Get(kEra, "");
+}
+
+void SettingsStore::NoteEra(const std::string& era) {
+    Set(kEra, era);
 }
 
 std::string SettingsStore::Get(const char* name, const std::string& missing) {

@@ -36,6 +36,10 @@ public:
     bool OwnsVault();
     void NoteOwnVault();
 
+    /// What platform::ProcessEra said when leases were looked at last; empty when it never did.
+    std::string Era();
+    void NoteEra(const std::string& era);
+
 private:
     std::string Get(const char* name, const std::string& missing);
     void Set(const char* name, const std::string& value);
