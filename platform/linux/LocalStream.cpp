@@ -11,13 +11,12 @@
 #include <asio/steady_timer.hpp>
 #include <cerrno>
 #include <deque>
-#include <filesystem>
 #include <utility>
 
+#include "Descriptor.h"
 #include "TextHash.h"
+#include "platform/Files.h"
 #include "platform/Folders.h"
-#include "platform/PrivateFolder.h"
-#include "platform/Utf8Path.h"
 
 namespace platform {
 namespace {
@@ -37,8 +36,115 @@ short EventsNow(int descriptor, short events) {
     return poll(&wanted, 1, 0) == 1 ? wanted.revents : short{0};
 }
 
-std::string FolderOf(const std::string& path) {
-    return Utf8Text(Utf8Path(path).parent_path());
+/// A socket's place in a folder of its own. The folders are looked up by their paths once; what is checked
+/// and what is used are the same ones, whatever is put at those paths meanwhile.
+class SocketPlace {
+public:
+    SystemError Open(const std::string& address);
+    /// Takes away a socket that was left there.
+    SystemError Clear() const;
+    /// Has the socket stand there, closed to others.
+    SystemError Bind(int socket);
+    /// Takes away the socket that was bound, and the folder when nothing else is in it.
+    void Leave();
+
+    /// Whether who follows the address comes to the socket that was bound.
+    bool IsOnItsWay() const;
+
+private:
+    SystemError OpenFolder();
+    bool IsFound(int folder, const std::string& name, const struct stat& expected) const;
+
+    std::string mAddress;
+    std::string mFolderName;
+    std::string mName;
+    Descriptor mParent;
+    Descriptor mFolder;
+    struct stat mSocket {};
+    bool mIsBound = false;
+};
+
+/// The folder above is not made: that of the session is the system's to make, and goes with the session.
+SystemError SocketPlace::Open(const std::string& address) {
+    mAddress = address;
+    mName = NamePart(address);
+    std::string folder = FolderPart(address);
+    while (!folder.empty() && folder.back() == '/')
+        folder.pop_back();
+    mFolderName = NamePart(folder);
+    if (mName.empty() || mFolderName.empty())
+        return SystemError{EINVAL};
+    mParent = Descriptor(open(FolderPart(folder).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    struct stat info {};
+    if (!mParent.IsValid() || fstat(mParent.Get(), &info) != 0)
+        return LastSystemError();
+    // There they could rename our folder and put another one in its place.
+    if ((info.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (info.st_mode & S_ISVTX) == 0)
+        return SystemError{EPERM};
+    return OpenFolder();
+}
+
+SystemError SocketPlace::OpenFolder() {
+    if (mkdirat(mParent.Get(), mFolderName.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        return LastSystemError();
+    mFolder = Descriptor(
+        openat(mParent.Get(), mFolderName.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat info {};
+    if (!mFolder.IsValid() || fstat(mFolder.Get(), &info) != 0)
+        return LastSystemError();
+    if (info.st_uid != geteuid())
+        return SystemError{EPERM};
+    const bool isOpen = (info.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+    return !isOpen || fchmod(mFolder.Get(), S_IRWXU) == 0 ? SystemError{} : LastSystemError();
+}
+
+SystemError SocketPlace::Clear() const {
+    struct stat info {};
+    if (fstatat(mFolder.Get(), mName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT ? SystemError{} : LastSystemError();
+    if (!S_ISSOCK(info.st_mode))
+        return SystemError{EEXIST};
+    return unlinkat(mFolder.Get(), mName.c_str(), 0) == 0 ? SystemError{} : LastSystemError();
+}
+
+SystemError SocketPlace::Bind(int socket) {
+    // There is no call that binds to a name in an open folder, but every open folder has such a path.
+    const std::string path = "/proc/self/fd/" + std::to_string(mFolder.Get()) + "/" + mName;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() > kPathLimit)
+        return SystemError{ENAMETOOLONG};
+    path.copy(address.sun_path, path.size());
+    if (bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return LastSystemError();
+    if (fchmodat(mFolder.Get(), mName.c_str(), S_IRUSR | S_IWUSR, 0) != 0 ||
+        fstatat(mFolder.Get(), mName.c_str(), &mSocket, AT_SYMLINK_NOFOLLOW) != 0)
+        return LastSystemError();
+    mIsBound = true;
+    return {};
+}
+
+/// As long as the socket is open its number is not given to another file.
+bool SocketPlace::IsFound(int folder, const std::string& name, const struct stat& expected) const {
+    struct stat found {};
+    return fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+           found.st_dev == expected.st_dev && found.st_ino == expected.st_ino;
+}
+
+bool SocketPlace::IsOnItsWay() const {
+    return mIsBound && IsFound(AT_FDCWD, mAddress, mSocket);
+}
+
+void SocketPlace::Leave() {
+    if (!mIsBound)
+        return;
+    mIsBound = false;
+    if (IsFound(mFolder.Get(), mName, mSocket))
+        unlinkat(mFolder.Get(), mName.c_str(), 0);
+    struct stat folder {};
+    // Refused where there is more in it than our socket.
+    if (fstat(mFolder.Get(), &folder) == 0 && IsFound(mParent.Get(), mFolderName, folder))
+        unlinkat(mParent.Get(), mFolderName.c_str(), AT_REMOVEDIR);
 }
 
 }  // namespace
@@ -207,7 +313,7 @@ struct LocalAcceptor::State : std::enable_shared_from_this<State> {
     Protocol::acceptor acceptor;
     asio::steady_timer retry;
     Handler handler;
-    std::string address;
+    SocketPlace place;
 };
 
 LocalAcceptor::LocalAcceptor(asio::io_context& loop, Handler handler)
@@ -215,38 +321,36 @@ LocalAcceptor::LocalAcceptor(asio::io_context& loop, Handler handler)
 
 LocalAcceptor::~LocalAcceptor() {
     Close();
-    std::error_code ignored;
-    if (!mState->address.empty()) {
-        std::filesystem::remove(Utf8Path(mState->address), ignored);
-        // Refused where there is more in it than our socket.
-        std::filesystem::remove(Utf8Path(FolderOf(mState->address)), ignored);
-    }
 }
 
 SystemError LocalAcceptor::Listen(const std::string& address) {
     if (address.size() > kPathLimit)
         return SystemError{ENAMETOOLONG};
-    if (const SystemError error = MakePrivateFolder(FolderOf(address)))
+    SocketPlace place;
+    if (const SystemError error = place.Open(address))
+        return error;
+    if (const SystemError error = place.Clear())
         return error;
     std::error_code failure;
-    std::filesystem::remove(Utf8Path(address), failure);
     Protocol::acceptor& acceptor = mState->acceptor;
     acceptor.open(Protocol(), failure);
     if (!failure)
-        acceptor.bind(Protocol::endpoint(address), failure);
-    if (!failure && chmod(address.c_str(), S_IRUSR | S_IWUSR) != 0)
-        failure.assign(errno, std::system_category());
+        failure.assign(place.Bind(acceptor.native_handle()).code, std::system_category());
     if (!failure)
         acceptor.non_blocking(true, failure);
     if (!failure)
         acceptor.listen(asio::socket_base::max_listen_connections, failure);
+    mState->place = std::move(place);
     if (failure) {
         Close();
         return SystemError{failure.value()};
     }
-    mState->address = address;
     mState->Accept();
     return {};
+}
+
+bool LocalAcceptor::IsInPlace() const {
+    return mState->acceptor.is_open() && mState->place.IsOnItsWay();
 }
 
 void LocalAcceptor::AdmitWaiting() {
@@ -261,6 +365,7 @@ void LocalAcceptor::AdmitWaiting() {
 
 void LocalAcceptor::Close() {
     asio::error_code ignored;
+    mState->place.Leave();  // while the socket is open: then nobody else's is taken for it
     mState->acceptor.close(ignored);
     mState->retry.cancel();
 }

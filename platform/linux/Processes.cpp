@@ -18,12 +18,18 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <mutex>
 #include <string_view>
 #include <system_error>
 #include <thread>
 
+#include "Descriptor.h"
 #include "platform/Files.h"
+
+extern "C" {  // which the header of glibc 2.36 does not say itself
+#include <sys/pidfd.h>
+}
 
 namespace platform {
 namespace {
@@ -268,24 +274,34 @@ std::string WithoutDeletedMark(std::string path) {
     return path;
 }
 
-std::string ReadSmallProcFile(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return {};
+SystemError ReadSmallProcFile(const std::string& path, std::string& content) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.IsValid())
+        return LastSystemError();
     std::array<char, 4096> buffer{};
-    const ssize_t length = read(descriptor, buffer.data(), buffer.size());
-    close(descriptor);
-    return length > 0 ? std::string(buffer.data(), static_cast<size_t>(length)) : std::string();
+    const ssize_t length = read(file.Get(), buffer.data(), buffer.size());
+    if (length < 0)
+        return LastSystemError();
+    content.assign(buffer.data(), static_cast<size_t>(length));
+    return {};
 }
 
 /// A process whose first thread has ended shows as a zombie while its other threads live on.
-bool HasOtherThreads(ProcessId id) {
+ProcessState StateOfZombie(ProcessId id) {
     const std::unique_ptr<DIR, int (*)(DIR*)> tasks(
         opendir(("/proc/" + std::to_string(id) + "/task").c_str()), closedir);
+    if (!tasks)
+        return LastSystemError().IsNotFound() ? ProcessState::kGone : ProcessState::kCannotBeTold;
     int count = 0;
-    while (tasks && readdir(tasks.get()) != nullptr)
+    while (readdir(tasks.get()) != nullptr)
         ++count;
-    return count > 3;  // ".", "..", and the first thread
+    return count > 3 ? ProcessState::kAlive : ProcessState::kGone;  // ".", "..", and the first thread
+}
+
+/// Of one that /proc does not show. A name space or a set-up without /proc shows none.
+ProcessState StateOfUnseen(ProcessId id) {
+    return kill(static_cast<pid_t>(id), 0) != 0 && errno == ESRCH ? ProcessState::kGone
+                                                                  : ProcessState::kCannotBeTold;
 }
 
 class LinuxProcesses : public Processes {
@@ -338,7 +354,8 @@ public:
     }
 
     std::string CurrentName() override {
-        std::string name = ReadSmallProcFile("/proc/self/comm");
+        std::string name;
+        ReadSmallProcFile("/proc/self/comm", name);
         while (!name.empty() && name.back() == '\n')
             name.pop_back();
         return name;
@@ -377,22 +394,50 @@ ProcessId CurrentProcessId() {
     return getpid();
 }
 
-uint64_t ProcessStartTime(ProcessId id) {
-    const std::string stat = ReadSmallProcFile("/proc/" + std::to_string(id) + "/stat");
+ProcessState LookAtProcess(ProcessId id, uint64_t& startTime) {
+    if (id <= 0 || id > std::numeric_limits<pid_t>::max())
+        return ProcessState::kGone;
+    std::string stat;
+    if (ReadSmallProcFile("/proc/" + std::to_string(id) + "/stat", stat))
+        return StateOfUnseen(id);
     // proc(5): the name in parentheses may hold anything; after the last one come state (3) and the rest.
-    const size_t nameEnd = stat.rfind(')');
-    if (nameEnd == std::string::npos || nameEnd + 2 >= stat.size() ||
-        (stat[nameEnd + 2] == 'Z' && !HasOtherThreads(id)))
-        return 0;
+    size_t position = stat.rfind(')') + 2;
+    if (position < 2 || position >= stat.size())
+        return ProcessState::kCannotBeTold;
+    const ProcessState state = stat[position] == 'Z' ? StateOfZombie(id) : ProcessState::kAlive;
     constexpr int kFieldsFromStateToStartTime = 22 - 3;
-    size_t position = nameEnd + 2;
     for (int field = 0; field < kFieldsFromStateToStartTime; ++field) {
         position = stat.find(' ', position);
         if (position == std::string::npos)
-            return 0;
+            return ProcessState::kCannotBeTold;
         ++position;
     }
-    return std::strtoull(stat.c_str() + position, nullptr, 10);
+    if (state == ProcessState::kAlive)
+        startTime = std::strtoull(stat.c_str() + position, nullptr, 10);
+    return state;
+}
+
+std::string ProcessEra() {
+    std::string boot;
+    const std::string processes = TargetOfLink("/proc/self/ns/pid");  // with the number of the name space
+    if (ReadSmallProcFile("/proc/sys/kernel/random/boot_id", boot) || processes.empty())
+        return {};
+    return boot.substr(0, boot.find('\n')) + " " + processes;
+}
+
+SystemError RequestEndOfProcess(ProcessId id, uint64_t startTime) {
+    // Through the descriptor the signal does not reach a process that is given the identifier meanwhile.
+    const Descriptor process(pidfd_open(static_cast<pid_t>(id), 0));
+    if (!process.IsValid())
+        return LastSystemError();
+    if (StateOfProcess(id, startTime) != ProcessState::kAlive)
+        return SystemError{ESRCH};
+    struct stat owner {};
+    if (stat(("/proc/" + std::to_string(id)).c_str(), &owner) != 0)
+        return LastSystemError();
+    if (owner.st_uid != geteuid())
+        return SystemError{EPERM};
+    return pidfd_send_signal(process.Get(), SIGTERM, nullptr, 0) == 0 ? SystemError{} : LastSystemError();
 }
 
 void SetCurrentProcessName(const std::string& name) {

@@ -115,6 +115,76 @@ TEST(Files, ALockKeepsOthersOutUntilItIsReleased) {
     EXPECT_TRUE(second.IsHeld());
 }
 
+TEST(Files, ALockTellsWhoHoldsItToWhoeverAsks) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "lock";
+    EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(path));
+    EXPECT_FALSE(fs::exists(platform::Utf8Path(path)));
+    platform::FileLock lock;
+    EXPECT_TRUE(lock.Write("x"));
+    ASSERT_FALSE(lock.Acquire(path, false));
+    EXPECT_TRUE(platform::FileLock::IsHeldByAnyone(path));
+    EXPECT_FALSE(lock.Write("somewhat longer"));
+    EXPECT_FALSE(lock.Write("short"));
+    std::string content;
+    EXPECT_FALSE(platform::ReadWholeFile(path, content, 100));
+    EXPECT_EQ(content, "short");
+    lock.Release();
+    EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(path));
+    EXPECT_FALSE(lock.IsInPlace());
+}
+
+TEST(Files, ALockKnowsWhetherItsFileIsStillTheOneAtItsPath) {
+    const TemporaryFolder folder;
+    for (const bool isReplaced : {false, true}) {
+        const std::string path = folder / "lock";
+        platform::FileLock lock;
+        ASSERT_FALSE(lock.Acquire(path, false));
+        EXPECT_FALSE(lock.Write("x"));
+        EXPECT_TRUE(lock.IsInPlace());
+        fs::rename(platform::Utf8Path(path), platform::Utf8Path(folder / "moved"));
+        if (isReplaced)
+            folder.Write("lock", "x");
+        EXPECT_FALSE(lock.IsInPlace());
+        EXPECT_FALSE(platform::FileLock().Acquire(path, false)) << "it is another lock";
+    }
+}
+
+TEST(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("file", "");
+    platform::FileIdentity first;
+    platform::FileIdentity again;
+    ASSERT_FALSE(platform::IdentifyFile(path, first));
+    folder.Write("file", "more");
+    ASSERT_FALSE(platform::IdentifyFile(path, again));
+    EXPECT_EQ(again, first);
+    ASSERT_FALSE(platform::WriteWholeFile(path, "another"));
+    ASSERT_FALSE(platform::IdentifyFile(path, again));
+    EXPECT_NE(again, first);
+    EXPECT_TRUE(platform::IdentifyFile(folder / "absent", again).IsNotFound());
+    EXPECT_FALSE(platform::IdentifyFile(folder / ".", again));
+}
+
+TEST(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "log 字";
+    platform::AppendedFile one;
+    platform::AppendedFile other;
+    EXPECT_TRUE(one.Append("x"));
+    ASSERT_FALSE(one.Open(path));
+    ASSERT_FALSE(other.Open(path));
+    for (platform::AppendedFile* file : {&one, &other, &one})
+        EXPECT_FALSE(file->Append(file == &one ? "one " : "other "));
+    one.Close();
+    EXPECT_FALSE(one.IsOpen());
+    std::string content;
+    EXPECT_FALSE(platform::ReadWholeFile(path, content, 100));
+    EXPECT_EQ(content, "one other one ");
+    EXPECT_TRUE(one.Open(folder / "absent/log").IsNotFound());
+    EXPECT_TRUE(one.Open(folder / "."));
+}
+
 TEST(Files, PathsHaveAFolderAndAName) {
     EXPECT_EQ(platform::FolderPart("/a b/c"), "/a b/");
     EXPECT_EQ(platform::NamePart("/a b/c"), "c");

@@ -91,6 +91,23 @@ TEST(Processes, AStartTimeTellsProcessesApart) {
     EXPECT_EQ(platform::ProcessStartTime(child->Id()), 0u);
 }
 
+TEST(Processes, OnlyTheProcessOfTheStartTimeIsAlive) {
+    using platform::ProcessState;
+    using platform::StateOfProcess;
+    const platform::ProcessId self = platform::CurrentProcessId();
+    const uint64_t own = platform::ProcessStartTime(self);
+    EXPECT_EQ(StateOfProcess(self, own), ProcessState::kAlive);
+    EXPECT_EQ(StateOfProcess(self, own + 1), ProcessState::kGone);
+    for (const platform::ProcessId none : {int64_t{0}, int64_t{-1}, INT64_MIN, INT64_MAX, int64_t{1} << 33})
+        EXPECT_EQ(StateOfProcess(none, own), ProcessState::kGone) << none;
+    const auto child = Launch("exit 0");
+    WaitForExit(*child);
+    EXPECT_EQ(StateOfProcess(child->Id(), 1), ProcessState::kGone);
+    EXPECT_TRUE(platform::RequestEndOfProcess(self, own + 1)) << "or this test would end";
+    EXPECT_TRUE(platform::RequestEndOfProcess(child->Id(), 1));
+    EXPECT_TRUE(platform::RequestEndOfProcess(-1, 1));
+}
+
 TEST(Processes, TheProcessCanCallItselfOtherwise) {
     platform::SetCurrentProcessName("Illustrator2025");
     EXPECT_EQ(Processes().CurrentName(), "Illustrator2025");

@@ -4,14 +4,29 @@
 #include <future>
 #include <thread>
 
+#include "EndEvent.h"
+#include "UserIdentity.h"
+
 namespace platform {
 namespace {
 
 constexpr wchar_t kWindowClass[] = L"PluginCoreEndRequests";
 
+HANDLE MakeEndEvent() {
+    PrivateToUser rights;
+    HANDLE event =
+        CreateEventW(rights.Attributes(), TRUE, FALSE, EndEventName(GetCurrentProcessId()).c_str());
+    // One that was there before may be somebody else's.
+    if (event != nullptr && GetLastError() != ERROR_ALREADY_EXISTS)
+        return event;
+    if (event != nullptr)
+        CloseHandle(event);
+    return CreateEventW(nullptr, TRUE, FALSE, nullptr);
+}
+
 /// Set once the process is to end.
 HANDLE EndEvent() {
-    static const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    static const HANDLE event = MakeEndEvent();
     return event;
 }
 

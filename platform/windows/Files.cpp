@@ -346,8 +346,69 @@ SystemError MakeFolders(const std::string& path, bool privateToUser) {
     }
 }
 
+namespace {
+
+SystemError IdentityOf(const OwnedHandle& file, FileIdentity& identity) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!file.IsValid() || !GetFileInformationByHandle(file.Get(), &info))
+        return LastSystemError();
+    identity.volume = info.dwVolumeSerialNumber;
+    identity.file = Combine(info.nFileIndexHigh, info.nFileIndexLow);
+    identity.birth = Combine(info.ftCreationTime.dwHighDateTime, info.ftCreationTime.dwLowDateTime);
+    return {};
+}
+
+}  // namespace
+
+SystemError IdentifyFile(const std::string& path, FileIdentity& identity) {
+    constexpr DWORD kItself = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+    const std::wstring name = ToWidePath(path);
+    return IdentityOf(
+        OwnedHandle(name.empty() ? nullptr
+                                 : CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                               OPEN_EXISTING, kItself | kNoImpersonation, nullptr)),
+        identity);
+}
+
+struct AppendedFile::Handle {
+    OwnedHandle file;
+};
+
+AppendedFile::AppendedFile() = default;
+AppendedFile::~AppendedFile() = default;
+
+SystemError AppendedFile::Open(const std::string& path) {
+    mHandle.reset();
+    PrivateToUser rights;
+    const std::wstring name = ToWidePath(path);
+    OwnedHandle file(name.empty() ? nullptr
+                                  : CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
+                                                kShareAll, rights.Attributes(), OPEN_ALWAYS,
+                                                FILE_FLAG_OPEN_REPARSE_POINT | kNoImpersonation, nullptr));
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!file.IsValid())
+        return LastSystemError();
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK || !GetFileInformationByHandle(file.Get(), &info) ||
+        (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+        return SystemError{ERROR_INVALID_PARAMETER};
+    mHandle = std::make_unique<Handle>(Handle{std::move(file)});
+    return {};
+}
+
+SystemError AppendedFile::Append(std::string_view content) {
+    return mHandle ? WriteAll(mHandle->file, content) : SystemError{ERROR_INVALID_HANDLE};
+}
+
+void AppendedFile::Close() {
+    mHandle.reset();
+}
+bool AppendedFile::IsOpen() const {
+    return mHandle != nullptr;
+}
+
 struct FileLock::Handle {
     OwnedHandle file;
+    std::string path;
 };
 
 FileLock::FileLock() = default;
@@ -355,21 +416,67 @@ FileLock::~FileLock() = default;
 FileLock::FileLock(FileLock&&) noexcept = default;
 FileLock& FileLock::operator=(FileLock&&) noexcept = default;
 
-SystemError FileLock::Acquire(const std::string& path, bool wait) {
-    mHandle.reset();
+namespace {
+
+OwnedHandle OpenLock(const std::string& path, DWORD access, DWORD disposition) {
     PrivateToUser rights;
     const std::wstring name = ToWidePath(path);
-    OwnedHandle file(name.empty() ? nullptr
-                                  : CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, kShareAll,
-                                                rights.Attributes(), OPEN_ALWAYS, kNoImpersonation, nullptr));
-    if (!file.IsValid())
-        return LastSystemError();
-    OVERLAPPED wholeFile{};
-    const DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | (wait ? 0 : LOCKFILE_FAIL_IMMEDIATELY);
-    if (!LockFileEx(file.Get(), flags, 0, MAXDWORD, MAXDWORD, &wholeFile))
-        return LastSystemError();
-    mHandle = std::make_unique<Handle>(Handle{std::move(file)});
+    return OwnedHandle(name.empty()
+                           ? nullptr
+                           : CreateFileW(name.c_str(), access, kShareAll, rights.Attributes(), disposition,
+                                         FILE_FLAG_OPEN_REPARSE_POINT | kNoImpersonation, nullptr));
+}
+
+/// A byte far behind what stands in the file: nobody reads what is locked. Earlier versions locked all of it.
+SystemError Lock(const OwnedHandle& file, DWORD flags) {
+    OVERLAPPED place{};
+    place.OffsetHigh = MAXLONG;
+    return ErrorUnless(LockFileEx(file.Get(), flags, 0, 1, 0, &place));
+}
+
+/// True also where that cannot be told.
+bool StandsAt(const std::string& path, const OwnedHandle& file) {
+    FileIdentity held;
+    FileIdentity found;
+    if (IdentityOf(file, held))
+        return true;
+    const SystemError error = IdentifyFile(path, found);
+    return error ? !error.IsNotFound() : found == held;
+}
+
+}  // namespace
+
+SystemError FileLock::Acquire(const std::string& path, bool wait) {
+    mHandle.reset();
+    OwnedHandle file;
+    do {  // once more where the file was taken away before it was locked
+        file = OpenLock(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+        if (!file.IsValid())
+            return LastSystemError();
+        if (const SystemError error =
+                Lock(file, LOCKFILE_EXCLUSIVE_LOCK | (wait ? 0 : LOCKFILE_FAIL_IMMEDIATELY)))
+            return error;
+    } while (!StandsAt(path, file));
+    mHandle = std::make_unique<Handle>(Handle{std::move(file), path});
     return {};
+}
+
+bool FileLock::IsHeldByAnyone(const std::string& path) {
+    const OwnedHandle file = OpenLock(path, GENERIC_READ, OPEN_EXISTING);
+    return file.IsValid() && Lock(file, LOCKFILE_FAIL_IMMEDIATELY).IsHeldByOther();
+}
+
+bool FileLock::IsInPlace() const {
+    return mHandle && StandsAt(mHandle->path, mHandle->file);
+}
+
+SystemError FileLock::Write(std::string_view content) {
+    if (!mHandle)
+        return SystemError{ERROR_INVALID_HANDLE};
+    const HANDLE file = mHandle->file.Get();
+    if (!SetFilePointerEx(file, LARGE_INTEGER{}, nullptr, FILE_BEGIN) || !SetEndOfFile(file))
+        return LastSystemError();
+    return WriteAll(mHandle->file, content);
 }
 
 bool FileLock::IsHeld() const {

@@ -260,6 +260,10 @@ SystemError LocalAcceptor::Listen(const std::string& address) {
     return {};
 }
 
+bool LocalAcceptor::IsInPlace() const {
+    return mState->isOpen;
+}
+
 void LocalAcceptor::AdmitWaiting() {
     const auto places = mState->places;
     for (const auto& place : places) {

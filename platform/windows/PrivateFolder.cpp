@@ -59,11 +59,7 @@ SystemError CloseToOthers(std::wstring folder) {
     return SystemError{static_cast<int>(error)};
 }
 
-}  // namespace
-
-SystemError MakePrivateFolder(const std::string& path) {
-    if (const SystemError error = MakeFolders(path, true))
-        return error;
+SystemError CloseFolder(const std::string& path, bool& wasOpen) {
     const std::wstring folder = ToWidePath(path);
     const DWORD attributes = GetFileAttributesW(folder.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
@@ -73,7 +69,24 @@ SystemError MakePrivateFolder(const std::string& path) {
     const FolderSecurity security(folder);
     if (!security.IsOwnedByThisUser())
         return SystemError{ERROR_ACCESS_DENIED};
-    return security.IsProtected() ? SystemError{} : CloseToOthers(folder);
+    wasOpen = !security.IsProtected();
+    return wasOpen ? CloseToOthers(folder) : SystemError{};
 }
+
+}  // namespace
+
+SystemError MakePrivateFolder(const std::string& path) {
+    if (const SystemError error = MakeFolders(path, true))
+        return error;
+    bool wasOpen = false;
+    return CloseFolder(path, wasOpen);
+}
+
+int CloseFoldersToOthers(const std::string& path) {
+    bool wasOpen = false;
+    return !CloseFolder(path, wasOpen) && wasOpen ? 1 : 0;
+}
+
+void KeepNewFilesPrivate() {}
 
 }  // namespace platform

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <utility>
 
+#include "EndEvent.h"
 #include "OwnedHandle.h"
 #include "UserIdentity.h"
 #include "WideText.h"
@@ -215,16 +216,41 @@ ProcessId CurrentProcessId() {
     return GetCurrentProcessId();
 }
 
-uint64_t ProcessStartTime(ProcessId id) {
+ProcessState LookAtProcess(ProcessId id, uint64_t& startTime) {
+    if (id <= 0 || id > MAXDWORD)
+        return ProcessState::kGone;
     const OwnedHandle process(
         OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, static_cast<DWORD>(id)));
+    if (!process.IsValid())  // an identifier that is none is an invalid parameter
+        return GetLastError() == ERROR_INVALID_PARAMETER ? ProcessState::kGone : ProcessState::kCannotBeTold;
+    // Someone may hold an ended process open, which keeps its identifier.
+    const DWORD state = WaitForSingleObject(process.Get(), 0);
+    if (state == WAIT_OBJECT_0)
+        return ProcessState::kGone;
     FILETIME created{};
     FILETIME ignored{};
-    // Someone may hold an ended process open, which keeps its identifier.
-    if (!process.IsValid() || WaitForSingleObject(process.Get(), 0) != WAIT_TIMEOUT ||
-        !GetProcessTimes(process.Get(), &created, &ignored, &ignored, &ignored))
-        return 0;
-    return uint64_t{created.dwHighDateTime} << 32 | created.dwLowDateTime;
+    if (state != WAIT_TIMEOUT || !GetProcessTimes(process.Get(), &created, &ignored, &ignored, &ignored))
+        return ProcessState::kCannotBeTold;
+    startTime = uint64_t{created.dwHighDateTime} << 32 | created.dwLowDateTime;
+    return ProcessState::kAlive;
+}
+
+std::string ProcessEra() {
+    return {};
+}
+
+SystemError RequestEndOfProcess(ProcessId id, uint64_t startTime) {
+    const auto number = static_cast<DWORD>(id);
+    // Held open, its identifier is not given to another.
+    const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, number));
+    if (!process.IsValid())
+        return LastSystemError();
+    if (StateOfProcess(id, startTime) != ProcessState::kAlive)
+        return SystemError{ERROR_INVALID_PARAMETER};
+    if (!IsOfThisUser(process.Get()))
+        return SystemError{ERROR_ACCESS_DENIED};
+    const OwnedHandle event(OpenEventW(EVENT_MODIFY_STATE, FALSE, EndEventName(number).c_str()));
+    return event.IsValid() && SetEvent(event.Get()) ? SystemError{} : LastSystemError();
 }
 
 void SetCurrentProcessName(const std::string& name) {

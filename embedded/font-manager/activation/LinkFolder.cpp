@@ -41,15 +41,14 @@ bool LinkFolder::Add(const FontFile& file) {
     if (Has(file))
         return true;
     const fs::path target = platform::Utf8Path(PathOf(file));
-    std::error_code failure;
-    fs::create_directories(target.parent_path(), failure);
+    platform::SystemError error = platform::MakeFolders(platform::Utf8Text(target.parent_path()), true);
     platform::RemoveFile(PathOf(file));  // one of the wrong size
-    if (!failure)
-        failure = LinkOrCopy(platform::Utf8Path(Vault().PathOf(file)), target);
-    if (!failure)
+    if (!error)
+        error.code = LinkOrCopy(platform::Utf8Path(Vault().PathOf(file)), target).value();
+    if (!error)
         return true;
     Remove(file);  // the shard, if it is empty
-    throw ActivationRefused(platform::WriteFailureText(PathOf(file), platform::SystemError{failure.value()}));
+    throw ActivationRefused(platform::WriteFailureText(PathOf(file), error));
 }
 
 void LinkFolder::Remove(const FontFile& file) {

@@ -7,6 +7,7 @@
 
 #include "agent/FontManager.h"
 #include "agent/Server.h"
+#include "common/AgentLock.h"
 #include "common/Limits.h"
 #include "common/LogFile.h"
 #include "common/Protocol.h"
@@ -19,11 +20,13 @@
 namespace pellwick {
 namespace {
 
-void LogStart(LogFile& log, const Server& server, const FontVault::Survey& survey,
+void LogStart(LogFile& log, const Server& server, int closed, const FontVault::Survey& survey,
               const ActiveFonts::Repairs& repairs) {
     const int64_t now = platform::Current<platform::Clock>().Now();
     log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
               ", " + platform::LocalTimeText(now));
+    if (closed != 0)
+        log.Write("folders put right: " + std::to_string(closed) + " closed that others could write to\n");
     if (survey.removed != 0)
         log.Write("vault put right: " + std::to_string(survey.removed) +
                   " removed that interrupted commands left\n");
@@ -41,19 +44,22 @@ void LogStart(LogFile& log, const Server& server, const FontVault::Survey& surve
         log.Write("active fonts not put right yet: " + repairs.problem + "\n");
 }
 
-int Serve(const Locations& locations, LogFile& log, std::string& problem) {
+/// `closed`: how many folders were open to others.
+int Serve(const Locations& locations, const platform::FileLock& lock, int closed, LogFile& log,
+          std::string& problem) {
     FontManager manager(locations);
-    Server server(manager, log);
+    Server server(manager, log, lock);
     // First of all: whoever connects from here on waits for an answer, and does not start another agent.
     if (!server.Listen(problem)) {
         log.Write(problem + "\n");
         return 1;
     }
+    manager.EndLeasesOfEarlierEra();
     manager.EndLeasesOfDeadProcesses();
     const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
     // After that: a file that is active may not be possible to remove.
     const FontVault::Survey survey = manager.LookAroundVault();
-    LogStart(log, server, survey, repairs);
+    LogStart(log, server, closed, survey, repairs);
     platform::NotifyReadyForInput();
     server.TakeBackFonts(survey.unknown);
     server.Run();
@@ -91,6 +97,12 @@ Role FindRole(platform::FileLock& lock, const std::string& path, platform::Syste
     return Role::kAgent;
 }
 
+std::string OtherAgentProblem(const Locations& locations) {
+    if (DoesAgentAnswer(kAnswerLimit))
+        return "an agent runs already for " + locations.dataFolder + "; see \"Pellwick status\"";
+    return UnreachableAgentText(locations, FindAgentHolder(locations).value_or(AgentHolder{}));
+}
+
 /// Where there is none for this process, `problem` tells people why.
 Role TakePlace(const Locations& locations, platform::FileLock& lock, std::string& problem) {
     const std::string& folder = locations.dataFolder;
@@ -103,10 +115,12 @@ Role TakePlace(const Locations& locations, platform::FileLock& lock, std::string
     }
     platform::SystemError error;
     const Role role = FindRole(lock, locations.lockPath, error);
-    if (role == Role::kNone)
-        problem = error.IsHeldByOther() ? "an agent runs already for " + folder + "; see \"Pellwick status\""
+    if (role == Role::kAgent)
+        error = NoteAgentHolder(lock);
+    if (error)
+        problem = error.IsHeldByOther() ? OtherAgentProblem(locations)
                                         : platform::WriteFailureText(locations.lockPath, error);
-    return role;
+    return error && role == Role::kAgent ? Role::kNone : role;
 }
 
 void StandIn() {
@@ -131,6 +145,9 @@ std::string DatabaseProblem(const Locations& locations, const DatabaseError& err
 }  // namespace
 
 int RunAgent(const Locations& locations, std::string& problem) {
+    int closed = 0;
+    for (const std::string& folder : locations.ownFolders)
+        closed += platform::CloseFoldersToOthers(folder);
     platform::FileLock lock;
     const Role role = TakePlace(locations, lock, problem);
     if (role == Role::kStandIn)
@@ -141,7 +158,7 @@ int RunAgent(const Locations& locations, std::string& problem) {
     LogFile log;
     log.Open(locations.logFolder + platform::kPathSeparator + "Pellwick.log");
     try {
-        return Serve(locations, log, problem);
+        return Serve(locations, lock, closed, log, problem);
     } catch (const DatabaseError& error) {
         problem = DatabaseProblem(locations, error);
         log.Write(problem + "\n");

@@ -8,9 +8,10 @@
 namespace pellwick {
 namespace {
 
-bool IsAlive(const HostProcess& host) {
-    return host.process != 0 && host.startTime != 0 &&
-           platform::ProcessStartTime(host.process) == host.startTime;
+/// Only the death of a process is its end: that of one that cannot be looked at, since no descriptor is free,
+/// say, would take a living host's fonts.
+bool MayBeAlive(const HostProcess& host) {
+    return platform::StateOfProcess(host.process, host.startTime) != platform::ProcessState::kGone;
 }
 
 }  // namespace
@@ -58,11 +59,28 @@ ActiveFonts::Repairs FontManager::RepairActiveFonts() {
 
 ActivationChanges FontManager::EndLeasesOfDeadProcesses() {
     Activation activation = BeginActivation();
+    return EndLeasesUnless(MayBeAlive, activation);
+}
+
+ActivationChanges FontManager::EndLeasesOfEarlierEra() {
+    const std::string era = platform::ProcessEra();
+    const std::string before = settings.Era();
+    if (era == before)
+        return {};
+    Activation activation = BeginActivation();
+    settings.NoteEra(era);
+    if (era.empty() || before.empty())  // it cannot be told, or an older version noted none
+        return activation.Commit();
+    return EndLeasesUnless([](const HostProcess&) { return false; }, activation);
+}
+
+ActivationChanges FontManager::EndLeasesUnless(bool (*mayBeAlive)(const HostProcess& host),
+                                               Activation& activation) {
     for (const HostProcess& host : activations.HostsWithAnswers()) {
-        if (!IsAlive(host))
+        if (!mayBeAlive(host))
             activations.ForgetAnswer(host);
     }
-    return EndLeasesOfDeadHosts(activations, activation, IsAlive);
+    return EndLeasesOfDeadHosts(activations, activation, mayBeAlive);
 }
 
 ActivationChanges FontManager::UndoRequests(const HostProcess& host, long long first, long long last) {

@@ -39,6 +39,9 @@ public:
     bool NeedsRepair() const { return mNeedsRepair; }
     /// Ends the leases of processes that are gone, and forgets what they were answered.
     ActivationChanges EndLeasesOfDeadProcesses();
+    /// Does so with all of them, if the system was started anew since this was called last: by now their
+    /// identifiers may be those of others. To be called before any host is served.
+    ActivationChanges EndLeasesOfEarlierEra();
     /// Ends the leases that the host's requests from `first` to `last` took.
     ActivationChanges UndoRequests(const HostProcess& host, long long first, long long last);
     /// The workgroup that new fonts go to.
@@ -62,6 +65,8 @@ public:
     std::set<uint32_t> undrawable;  ///< fonts of which no image could be made
 
 private:
+    ActivationChanges EndLeasesUnless(bool (*mayBeAlive)(const HostProcess& host), Activation& activation);
+
     bool mNeedsRepair = false;
 };
 

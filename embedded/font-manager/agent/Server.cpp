@@ -19,6 +19,7 @@ namespace {
 // at soon after, then ever less often.
 constexpr std::chrono::milliseconds kFirstSweepDelay{20};
 constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
+constexpr std::chrono::milliseconds kAdmissionPause{100};
 
 /// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
 /// same again, which undoes by itself what it did the first time.
@@ -40,12 +41,13 @@ std::string FrameOf(const Json& message) {
 
 }  // namespace
 
-Server::Server(FontManager& manager, LogFile& log)
+Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& lock)
     : mManager(manager),
       mLog(log),
+      mLock(lock),
       mCommands(MakeCommandTable()),
       mLoop(1),
-      mAcceptor(mLoop, [this](platform::LocalStream stream) { Admit(std::move(stream)); }),
+      mGroundTimer(mLoop),
       mSweepTimer(mLoop),
       mUndoTimer(mLoop),
       mGoodbyeTimer(mLoop),
@@ -55,44 +57,113 @@ Server::Server(FontManager& manager, LogFile& log)
       mPreviewLane(FontWorkerPath()) {}
 
 Server::~Server() {
-    if (!mAddress.empty())
+    if (IsAddressFound())  // else it is a successor's
         platform::RemoveFile(mManager.locations.addressPath);
 }
 
 bool Server::Listen(std::string& problem) {
     for (const std::string& address :
          platform::LocalStreamAddresses("Vantorix", "Pellwick", mManager.locations.dataFolder)) {
-        const platform::SystemError error = mAcceptor.Listen(address);
-        if (error) {
-            mLog.Write("cannot listen at " + address + ": " + platform::SystemErrorText(error) + "\n");
-            continue;
-        }
-        mAddress = address;
-        const std::string& path = mManager.locations.addressPath;
-        const platform::SystemError failure = platform::WriteWholeFile(path, mAddress);
-        if (failure)
-            problem = platform::WriteFailureText(path, failure);
-        return !failure;
+        if (ListenAt(address))
+            return WriteAddress(problem);
     }
     problem = "there is no address where the agent can listen; Pellwick.log in " +
               mManager.locations.logFolder + " says why";
     return false;
 }
 
+bool Server::ListenAt(const std::string& address) {
+    auto acceptor = std::make_unique<platform::LocalAcceptor>(mLoop, [this](platform::LocalStream stream) {
+        Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
+              Deadline::clock::now() + kAnswerLimit);
+    });
+    if (const platform::SystemError error = acceptor->Listen(address)) {
+        if (mGroundProblem.empty())
+            mLog.Write("cannot listen at " + address + ": " + platform::SystemErrorText(error) + "\n");
+        return false;
+    }
+    if (mAcceptor)
+        mAcceptor->AdmitWaiting();
+    mAcceptor = std::move(acceptor);
+    mAddress = address;
+    return true;
+}
+
+bool Server::WriteAddress(std::string& problem) {
+    const std::string& path = mManager.locations.addressPath;
+    platform::SystemError error = platform::WriteWholeFile(path, mAddress);
+    if (!error)
+        error = platform::IdentifyFile(path, mAddressFile);
+    if (error)
+        problem = platform::WriteFailureText(path, error);
+    return !error;
+}
+
+bool Server::IsAddressFound() const {
+    platform::FileIdentity found;
+    return !mAddress.empty() && !platform::IdentifyFile(mManager.locations.addressPath, found) &&
+           found == mAddressFile;
+}
+
 void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
     CheckVaultLater();
+    WatchGround();
     mLoop.run();
 }
 
-void Server::Admit(platform::LocalStream stream) {
+void Server::WatchGround() {
+    mGroundTimer.expires_after(kGroundInterval);
+    mGroundTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure)
+            return;
+        CheckGround();
+        if (!mIsStopping)
+            WatchGround();
+    });
+}
+
+void Server::CheckGround() {
+    if (!mLock.IsInPlace()) {
+        mLog.Write("the agent ends: " + mManager.locations.lockPath +
+                   " is gone or another file, so that another agent may serve\n");
+        Stop();
+        return;
+    }
+    std::string problem;
+    const bool isGone = !mAcceptor->IsInPlace();
+    const bool isFound = isGone ? Listen(problem) : IsAddressFound() || WriteAddress(problem);
+    if (isGone && isFound)
+        mLog.Write("the address was gone; the agent listens at " + mAddress + " now\n");
+    if (!isFound && problem != mGroundProblem)
+        mLog.Write(problem + "\n");
+    mGroundProblem = problem;
+}
+
+/// Nobody could tell when the leases of a process end that cannot be looked at. It may be that no descriptor
+/// is free for that; a client waits for its answer, and by then there may be one.
+void Server::Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline) {
     platform::PeerIdentity peer;
-    if (stream.IdentifyPeer(peer) || !peer.isSameUser)
+    if (stream->IdentifyPeer(peer) || !peer.isSameUser)
         return;
-    const HostProcess process{peer.process, platform::ProcessStartTime(peer.process)};
-    if (process.startTime == 0)  // gone already: nobody could tell when its leases end
-        return;
+    HostProcess process{peer.process};
+    const platform::ProcessState state = platform::LookAtProcess(peer.process, process.startTime);
+    if (state == platform::ProcessState::kAlive)
+        Open(std::move(*stream), process);
+    else if (state == platform::ProcessState::kCannotBeTold && Deadline::clock::now() < deadline)
+        AdmitLater(stream, deadline);
+}
+
+void Server::AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline) {
+    const auto timer = std::make_shared<asio::steady_timer>(mLoop, kAdmissionPause);
+    timer->async_wait([this, timer, stream, deadline](const asio::error_code&) {
+        if (!mIsStopping && !stream->IsOtherEndClosed())
+            Admit(stream, deadline);
+    });
+}
+
+void Server::Open(platform::LocalStream stream, const HostProcess& process) {
     SessionOwner& owner = *this;
     const auto session = std::make_shared<Session>(mLoop, std::move(stream), owner, process);
     mSessions.insert(session);
@@ -206,7 +277,7 @@ void Server::KeepAlive() {
     if (now - mLastSignOfLife < kKeepAliveInterval)
         return;
     mLastSignOfLife = now;
-    mAcceptor.AdmitWaiting();  // they are to see signs of life as well
+    mAcceptor->AdmitWaiting();  // they are to see signs of life as well
     const std::string frame = FrameOf({{"working", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
@@ -295,7 +366,8 @@ void Server::Stop() {
     if (mIsStopping)
         return;
     mIsStopping = true;
-    mAcceptor.Close();
+    mAcceptor->Close();
+    mGroundTimer.cancel();
     mSweepTimer.cancel();
     mUndoTimer.cancel();
     mPendingTimer.cancel();

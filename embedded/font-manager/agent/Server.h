@@ -14,6 +14,7 @@
 #include "agent/Session.h"
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
+#include "platform/Files.h"
 #include "platform/LocalStream.h"
 #include "workers/Lane.h"
 
@@ -22,7 +23,8 @@ namespace pellwick {
 /// One thread serves all clients in turn. What takes long is left to lanes meanwhile.
 class Server : private Audience, private SessionOwner {
 public:
-    Server(FontManager& manager, LogFile& log);
+    /// `lock`: what makes this process the agent. The server stops when it is lost.
+    Server(FontManager& manager, LogFile& log, const platform::FileLock& lock);
     ~Server() override;
 
     /// Listens at the first address that can be had and writes the address down. False when that cannot be
@@ -35,6 +37,8 @@ public:
     void Run();
 
 private:
+    using Deadline = std::chrono::steady_clock::time_point;
+
     // Audience
     void Announce(int32_t type, const Json& data) override;
     void KeepAlive() override;
@@ -46,6 +50,16 @@ private:
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
+    bool ListenAt(const std::string& address);
+    /// The address, for clients to find.
+    bool WriteAddress(std::string& problem);
+    bool IsAddressFound() const;
+    void WatchGround();
+    /// Puts right what others took away of what clients come by, or stops where nothing can be.
+    void CheckGround();
+    void Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
+    void AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
+    void Open(platform::LocalStream stream, const HostProcess& process);
     /// A command of which a lane does a part. One of the agent's own has no session.
     struct PendingCommand {
         std::string method;
@@ -53,7 +67,6 @@ private:
         std::shared_ptr<Session> session{};
     };
 
-    void Admit(platform::LocalStream stream);
     Client& ClientOf(const PendingCommand& command) {
         return command.session ? command.session->Peer() : mOwnClient;
     }
@@ -77,10 +90,12 @@ private:
 
     FontManager& mManager;
     LogFile& mLog;
+    const platform::FileLock& mLock;
     const CommandTable mCommands;
     asio::io_context mLoop;
-    platform::LocalAcceptor mAcceptor;
+    std::unique_ptr<platform::LocalAcceptor> mAcceptor;
     std::optional<platform::EndRequests> mEndRequests;
+    asio::steady_timer mGroundTimer;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
@@ -91,6 +106,8 @@ private:
     asio::steady_timer mPendingTimer;
     asio::steady_timer mVaultTimer;
     std::string mAddress;
+    platform::FileIdentity mAddressFile;
+    std::string mGroundProblem;                ///< so that one that lasts leaves one line
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;

@@ -7,6 +7,7 @@
 #include "agent/Agent.h"
 #include "cli/Commands.h"
 #include "common/Protocol.h"
+#include "platform/PrivateFolder.h"
 #include "platform/ProgramArguments.h"
 
 namespace pellwick::cli {
@@ -199,6 +200,7 @@ int Run(int count, char** words) {
 
 int main(int count, char** words) {
     platform::ProgramArguments arguments(count, words);
+    platform::KeepNewFilesPrivate();
     try {
         return pellwick::cli::Run(arguments.Count(), arguments.Words());
     } catch (const pellwick::cli::Failure& failure) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "PrintableText.h"
+#include "common/AgentLock.h"
 #include "common/Protocol.h"
 #include "platform/Processes.h"
 
@@ -25,11 +26,14 @@ void Write(std::string line, std::FILE* stream) {
     std::fwrite(line.data(), 1, line.size(), stream);
 }
 
-std::string NoAgentText() {
-    return "no agent is running; start it with \"" + ProgramPath() + " serve\"";
-}
-
 }  // namespace
+
+std::string NoAgentText() {
+    const Locations locations = Locations::OfThisUser();
+    const std::optional<AgentHolder> holder = FindAgentHolder(locations);
+    return holder ? UnreachableAgentText(locations, *holder)
+                  : "no agent is running; start it with \"" + ProgramPath() + " serve\"";
+}
 
 void Session::StartAgentIfNeeded() {
     if (mOptions.noStart || IsAgentListening())
@@ -41,7 +45,9 @@ void Session::StartAgentIfNeeded() {
     // Another command may have started one at the same moment; then it is that one that answers.
     if (agent && (agent->WaitUntilIdle(kStartLimit) || IsAgentListening()))
         return;
-    throw Failure(kExit_NoAgent, "the agent does not start; \"" + program + " serve\" says why");
+    throw Failure(kExit_NoAgent, FindAgentHolder(Locations::OfThisUser())
+                                     ? NoAgentText()
+                                     : "the agent does not start; \"" + program + " serve\" says why");
 }
 
 Json Session::Call(const char* method, const Json& arguments) {
@@ -53,14 +59,18 @@ Json Session::Call(const char* method, const Json& arguments) {
 }
 
 ErrorCode Session::Try(const char* method, const Json& arguments, Json& result) {
-    if (!mConnection)
-        mConnection.emplace(kAnswerLimit);
-    const ErrorCode code = mConnection->Call(method, arguments, result);
+    const ErrorCode code = TryToReach(method, arguments, result);
     if (code == GIPCClient::kServiceUnavailable)
         throw Failure(kExit_NoAgent, NoAgentText());
     if (code == GAgentIF::kShutdown)
         throw Failure(kExit_NoAgent, "the agent has just ended; " + NoAgentText());
     return code;
+}
+
+ErrorCode Session::TryToReach(const char* method, const Json& arguments, Json& result) {
+    if (!mConnection)
+        mConnection.emplace(kAnswerLimit);
+    return mConnection->Call(method, arguments, result);
 }
 
 std::string ProgramPath() {

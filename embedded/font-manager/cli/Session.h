@@ -37,6 +37,9 @@ public:
     /// The same; an agent's refusal comes back as its code, with the reason in the result.
     ErrorCode Try(const char* method, const Json& arguments, Json& result);
 
+    /// The same; GIPCClient::kServiceUnavailable when it cannot be reached, GAgentIF::kShutdown when it ends.
+    ErrorCode TryToReach(const char* method, const Json& arguments, Json& result);
+
     /// From now on an agent is started when none runs, if the options allow it.
     void StartAgentIfNeeded();
 
@@ -46,6 +49,9 @@ private:
     const Options mOptions;
     std::optional<AgentConnection> mConnection;
 };
+
+/// Why no agent answers: there is none, or it cannot be reached. What to do about it.
+std::string NoAgentText();
 
 /// This program, as it is to be called again.
 std::string ProgramPath();

@@ -7,6 +7,7 @@
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
 #include "cli/Commands.h"
+#include "common/AgentLock.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
@@ -49,6 +50,18 @@ void WaitForEndOf(platform::ProcessId agent) {
     }
 }
 
+/// The process that holds the agent's lock, which was asked to end.
+platform::ProcessId RequestEndOfHolder() {
+    const auto holder = FindAgentHolder(Locations::OfThisUser());
+    if (!holder || holder->process == 0)
+        throw Failure(kExit_NoAgent, NoAgentText());
+    if (const auto error = platform::RequestEndOfProcess(holder->process, holder->startTime))
+        throw Failure(kExit_CouldNot, "the agent, process " + std::to_string(holder->process) +
+                                          ", can neither be reached nor told to end (" +
+                                          platform::SystemErrorText(error) + "); end that process");
+    return holder->process;
+}
+
 }  // namespace
 
 ExitStatus ShowStatus(Session& session) {
@@ -73,7 +86,10 @@ ExitStatus SetStandalone(Session& session, bool isStandalone) {
 }
 
 ExitStatus StopAgent(Session& session) {
-    const Json answer = session.Call(method::kStop, Json::object());
+    Json answer;
+    const ErrorCode code = session.TryToReach(method::kStop, Json::object(), answer);
+    if (code != CoreErrorCodes::kSuccess)  // it may be of another version, too
+        answer = {{"process", RequestEndOfHolder()}};
     WaitForEndOf(static_cast<platform::ProcessId>(IntegerMember(answer, "process")));
     if (session.PrintsJson())
         PrintJson(answer);

@@ -32,6 +32,9 @@ constexpr std::chrono::milliseconds kGoodbyeLimit{500};
 /// How long a starting agent waits for the one before it to be gone, or to answer: longer than a goodbye
 /// takes, and less than the two seconds that plug-ins wait for an agent to be ready.
 constexpr std::chrono::milliseconds kLockPatience{1900};
+/// How often the agent looks whether it can still be found: so often that one which was started in vain,
+/// because it could not, finds it within its patience.
+constexpr std::chrono::milliseconds kGroundInterval{1500};
 /// How long a process that leaves the work to an agent that runs already stays: whoever started it looks, and
 /// is to find that it has not failed.
 constexpr std::chrono::milliseconds kStandInTime{1000};

@@ -1,5 +1,6 @@
 #include "common/Locations.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "platform/Files.h"
@@ -30,11 +31,19 @@ Locations Locations::OfThisUser() {
     locations.lockPath = Join(locations.dataFolder, "agent.lock");
     locations.addressPath = Join(locations.dataFolder, "agent.address");
     locations.linkFolder = Join(Join(userData, "fonts"), "Vantorix");
-    locations.previewFolder =
-        Join(Join(Join(KnownPath(platform::KnownFolder::kCache), "Vantorix"), "Pellwick"), "previews");
+    const std::string cache = Join(KnownPath(platform::KnownFolder::kCache), "Vantorix");
+    locations.previewFolder = Join(Join(cache, "Pellwick"), "previews");
     locations.logFolder = Join(vantorix, "Logs");
     locations.launchInfoPath = Join(vantorix, "com.vantorix.Pellwick-LaunchInfo.conf");
+    locations.ownFolders = {vantorix, locations.linkFolder, cache,
+                            Join(KnownPath(platform::KnownFolder::kConfiguration), "Vantorix")};
     return locations;
+}
+
+bool Locations::IsOwn(const std::string& path) const {
+    return std::any_of(ownFolders.begin(), ownFolders.end(), [&path](const std::string& folder) {
+        return path == folder || path.starts_with(folder + platform::kPathSeparator);
+    });
 }
 
 std::string Locations::AgentAddress() const {

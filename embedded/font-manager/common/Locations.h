@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace pellwick {
 
@@ -17,9 +18,15 @@ struct Locations {
     std::string logFolder;       ///< logs of the agent and of plug-ins
     std::string launchInfoPath;  ///< tells plug-ins how to start the agent
 
+    /// The outermost folders of ours in the user's, those of other programs of this maker included: what is
+    /// in them is nobody else's business.
+    std::vector<std::string> ownFolders;
+
     /// The places that follow from the environment of this process.
     static Locations OfThisUser();
 
+    /// Whether the path is that of an own folder, or below one.
+    bool IsOwn(const std::string& path) const;
     /// The address that the running agent wrote down; empty when there is none.
     std::string AgentAddress() const;
 };

@@ -3,41 +3,38 @@
 #include <system_error>
 
 #include "common/Limits.h"
-#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick {
 
 bool LogFile::Open(const std::string& path) {
     const std::lock_guard guard(mFileLock);
-    mFile.close();
     mPath = path;
     OpenForAppending();
-    return mFile.is_open();
+    return mFile.IsOpen();
 }
 
 bool LogFile::IsOpen() {
     const std::lock_guard guard(mFileLock);
-    return mFile.is_open();
+    return mFile.IsOpen();
 }
 
 void LogFile::Write(std::string_view text) {
     const std::lock_guard guard(mFileLock);
     if (mPath.empty())
         return;
-    if (!mFile.is_open())
+    if (!mFile.IsOpen())
         OpenForAppending();
     RotateIfFull();
-    mFile.clear();  // what failed while the disk was full may work again
-    mFile.write(text.data(), static_cast<std::streamsize>(text.size()));
-    mFile.flush();
+    mFile.Append(text);
     mSize += text.size();
 }
 
 void LogFile::OpenForAppending() {
-    std::error_code failure;
-    std::filesystem::create_directories(platform::Utf8Path(mPath).parent_path(), failure);
-    mFile = std::ofstream(platform::Utf8Path(mPath), std::ios::binary | std::ios::app);
+    const std::string folder = platform::Utf8Text(platform::Utf8Path(mPath).parent_path());
+    if (!folder.empty())
+        platform::MakeFolders(folder, true);
+    mFile.Open(mPath);
     uint64_t size = 0;
     mSize = platform::FileSize(mPath, size) ? 0 : size;
 }
@@ -45,7 +42,7 @@ void LogFile::OpenForAppending() {
 void LogFile::RotateIfFull() {
     if (mSize < kMaxLogSize)
         return;
-    mFile.close();
+    mFile.Close();
     std::error_code failure;
     std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(mPath + ".1"), failure);
     OpenForAppending();

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <mutex>
 #include <string>
 #include <string_view>
+
+#include "platform/Files.h"
 
 namespace pellwick {
 
@@ -13,7 +14,8 @@ namespace pellwick {
 /// earlier one, and begun anew. Any thread.
 class LogFile {
 public:
-    /// Opens the file at `path` (UTF-8), making its folder; false when that fails. Ends an earlier file.
+    /// Opens the file at `path` (UTF-8), making its folder, both for this user only; false when that fails.
+    /// Ends an earlier file.
     bool Open(const std::string& path);
     bool IsOpen();
     void Write(std::string_view text);
@@ -24,7 +26,7 @@ private:
 
     std::mutex mFileLock;
     std::string mPath;
-    std::ofstream mFile;
+    platform::AppendedFile mFile;
     uint64_t mSize = 0;
 };
 

@@ -107,8 +107,9 @@ uint32_t OSCreateDirectory(const char* path) {
             return CoreErrorCodes::kNullPointer;
         if (*path == '\0')
             return CoreErrorCodes::kInvalidParam;
-        return platform::MakeFolders(path) ? GZephyrinExportFonts::kCouldNotCreateFolder
-                                           : CoreErrorCodes::kSuccess;
+        return platform::MakeFolders(path, Locations::OfThisUser().IsOwn(path))
+                   ? GZephyrinExportFonts::kCouldNotCreateFolder
+                   : CoreErrorCodes::kSuccess;
     });
 }
 

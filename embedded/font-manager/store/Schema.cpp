@@ -1,6 +1,8 @@
 #include "store/Schema.h"
 
+#include <algorithm>
 #include <array>
+#include <set>
 #include <string>
 
 #include "common/Protocol.h"
@@ -171,14 +173,43 @@ int64_t SchemaVersionOf(Database& database) {
     return version.Step() ? version.Integer(0) : 0;
 }
 
-}  // namespace
+/// Its tables and their columns.
+std::set<std::string> LayoutOf(Database& database) {
+    Statement query = database.Prepare(
+        "SELECT tables.name || '.' || columns.name FROM sqlite_master AS tables,"
+        " pragma_table_info(tables.name) AS columns WHERE tables.type = 'table'");
+    std::set<std::string> layout;
+    while (query.Step())
+        layout.insert(query.Text(0));
+    return layout;
+}
 
-bool PrepareSchema(Database& database, int target) {
-    database.Execute(kSettings);
-    const int64_t version = SchemaVersionOf(database);
+/// What is not ours is left alone, down to its settings.
+void RefuseForeign(Database& database, int64_t version, int target) {
     if (version > target)
         throw DatabaseError(CoreErrorCodes::kVersionMismatch,
                             "the font database was made by a newer version of Pellwick");
+    const std::set<std::string> found = LayoutOf(database);
+    std::set<std::string> expected;
+    if (version > 0) {
+        Database fresh(":memory:");
+        Upgrade(fresh, 0, static_cast<int>(version));
+        expected = LayoutOf(fresh);
+    }
+    const bool isOurs = version == 0 ? found.empty()
+                                     : version > 0 && std::includes(found.begin(), found.end(),
+                                                                    expected.begin(), expected.end());
+    if (!isOurs)
+        throw DatabaseError(GSqliteDatabase::kInvalidDatabaseFile,
+                            "this is no font database of Pellwick's, or a damaged one");
+}
+
+}  // namespace
+
+bool PrepareSchema(Database& database, int target) {
+    const int64_t version = SchemaVersionOf(database);
+    RefuseForeign(database, version, target);
+    database.Execute(kSettings);
     if (version == target)
         return false;
     Transaction transaction(database);

@@ -9,7 +9,8 @@ class Database;
 
 /// Makes the tables of a new database and the rows that a fresh font manager starts with; true when it was
 /// new. A database of an older version is brought to the current one, or stays as it was. Throws
-/// DatabaseError, also for a database that a newer version made. Another `target` is for tests of that.
+/// DatabaseError, also for a database that a newer version made, or another program, and leaves it as it is.
+/// Another `target` is for tests of that.
 bool PrepareSchema(Database& database, int target = kSchemaVersion);
 
 }  // namespace pellwick

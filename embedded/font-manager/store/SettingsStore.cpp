@@ -13,6 +13,7 @@ constexpr char kStandalone[] = "standalone";
 constexpr char kGoogleWebFonts[] = "googleWebFonts";
 constexpr char kCurrentWorkgroup[] = "currentWorkgroup";
 constexpr char kLastCheckedFile[] = "lastCheckedFile";
+constexpr char kEra[] = "processEra";
 constexpr char kYes[] = "1";
 constexpr char kNo[] = "0";
 
@@ -73,6 +74,14 @@ int64_t SettingsStore::LastCheckedFile() {
 
 void SettingsStore::SetLastCheckedFile(int64_t fileID) {
     Set(kLastCheckedFile, std::to_string(fileID));
+}
+
+std::string SettingsStore::Era() {
+    return Get(kEra, "");
+}
+
+void SettingsStore::NoteEra(const std::string& era) {
+    Set(kEra, era);
 }
 
 std::string SettingsStore::Get(const char* name, const std::string& missing) {

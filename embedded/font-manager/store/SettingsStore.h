@@ -35,6 +35,10 @@ public:
     int64_t LastCheckedFile();
     void SetLastCheckedFile(int64_t fileID);
 
+    /// What platform::ProcessEra said when leases were looked at last; empty when it never did.
+    std::string Era();
+    void NoteEra(const std::string& era);
+
 private:
     std::string Get(const char* name, const std::string& missing);
     void Set(const char* name, const std::string& value);

@@ -222,6 +222,18 @@ TEST(Agent, RunsOncePerUserAndEndsInOrder) {
     world.StartAgent();
 }
 
+TEST(Agent, IsStoppedThoughItsAddressLeadsNowhere) {
+    TestWorld world;
+    world.StartAgent();
+    for (const char* address : {"", "nowhere"}) {
+        world.Write("data/Vantorix/Pellwick/agent.address", address);
+        EXPECT_EQ(world.RunForJson({"stop", "--no-start"})["process"], world.AgentProcess());
+        world.WaitForAgentToEnd();
+        EXPECT_THAT(world.Run({"stop"}).errors, testing::HasSubstr("no agent is running"));
+        world.StartAgent();
+    }
+}
+
 TEST(Agent, LosesNothingWhenItIsKilled) {
     TestWorld world;
     world.StartAgent();

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "FontRecordKeys.h"
+#include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
 #include "common/Limits.h"
 #include "common/Protocol.h"
+#include "platform/Files.h"
 #include "store/ActivationStore.h"
 #include "store/Database.h"
 #include "store/DocumentStore.h"
@@ -267,10 +269,78 @@ TEST(Schema, LeavesADatabaseThatCannotBeUpgradedAsItWas) {
     EXPECT_TRUE(SmartListStore(database).List().empty());
 }
 
-TEST(Schema, RefusesADatabaseOfANewerVersion) {
-    Database database(":memory:");
-    database.Execute("PRAGMA user_version = 1000");
-    EXPECT_THROW(PrepareSchema(database), DatabaseError);
+/// The code with which it is refused; 0 when it is not.
+ErrorCode RefusalOf(Database& database) {
+    try {
+        PrepareSchema(database);
+        return CoreErrorCodes::kSuccess;
+    } catch (const DatabaseError& error) {
+        return error.Code();
+    }
+}
+
+TEST(Schema, RefusesADatabaseWhoseVersionIsNoneOfOurs) {
+    for (const auto& [version, code] : std::vector<std::pair<const char*, ErrorCode>>{
+             {"4", CoreErrorCodes::kVersionMismatch},
+             {"2147483647", CoreErrorCodes::kVersionMismatch},
+             {"-1", GSqliteDatabase::kInvalidDatabaseFile},
+             {"-1000", GSqliteDatabase::kInvalidDatabaseFile},
+             {"-2147483648", GSqliteDatabase::kInvalidDatabaseFile}}) {
+        Database database(":memory:");
+        PrepareSchema(database);
+        database.Execute(("PRAGMA user_version = " + std::string(version)).c_str());
+        EXPECT_EQ(RefusalOf(database), code) << version;
+    }
+}
+
+TEST(Schema, LeavesTheDatabaseOfAnotherProgramAsItWas) {
+    const TemporaryFolder folder;
+    const auto contentOf = [](const std::string& path) {
+        std::string content;
+        EXPECT_FALSE(platform::ReadWholeFile(path, content, 1 << 20));
+        return content;
+    };
+    for (const char* change :
+         {"CREATE TABLE notes (text TEXT)", "CREATE TABLE notes (text TEXT); PRAGMA user_version = 1",
+          "CREATE TABLE notes (text TEXT); PRAGMA user_version = 3"}) {
+        const std::string path = folder / "notes";
+        platform::RemoveFile(path);
+        Database(path).Execute(change);
+        const std::string before = contentOf(path);
+        {
+            Database database(path);
+            EXPECT_EQ(RefusalOf(database), GSqliteDatabase::kInvalidDatabaseFile) << change;
+        }
+        EXPECT_EQ(contentOf(path), before) << change;
+    }
+    for (const char* loss :
+         {"DROP TABLE settings", "ALTER TABLE leases DROP COLUMN request", "DROP TABLE document_fonts"}) {
+        Database database(":memory:");
+        PrepareSchema(database);
+        database.Execute(loss);
+        EXPECT_EQ(RefusalOf(database), GSqliteDatabase::kInvalidDatabaseFile) << loss;
+    }
+}
+
+TEST(Schema, AFileThatIsCutAnywhereIsRefusedOrNewAndNeverMore) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "whole";
+    {
+        Database database(path);
+        PrepareSchema(database);
+    }
+    std::string whole;
+    ASSERT_FALSE(platform::ReadWholeFile(path, whole, 1 << 24));
+    constexpr size_t kPage = 4096;  // of the last one SQLite misses nothing before it is used
+    for (size_t size = 0; size <= whole.size() - kPage; size += size < 200 ? 7 : 1111) {
+        const std::string cut = folder.Write("cut", std::string_view(whole).substr(0, size));
+        {
+            Database database(cut);
+            EXPECT_EQ(RefusalOf(database) == 0, size == 0) << size;
+        }
+        for (const char* file : {"cut-wal", "cut-shm"})
+            platform::RemoveFile(folder / file);
+    }
 }
 
 }  // namespace

@@ -120,6 +120,25 @@ TEST_F(PreferenceFileTest, AskingWhetherItIsUsableMakesTheFolderAndLeavesNothing
     EXPECT_TRUE(std::filesystem::is_empty(platform::Utf8Path(mFolder)));
 }
 
+TEST_F(PreferenceFileTest, LinksThatWerePlantedCostNobodyTheirFiles) {
+    std::filesystem::create_directories(platform::Utf8Path(mFolder));
+    WriteText(mTemporary / "target", "precious");
+    std::error_code failure;
+    std::filesystem::create_symlink(platform::Utf8Path(mTemporary / "target"),
+                                    platform::Utf8Path(mPath + ".lock"), failure);
+    if (failure)
+        GTEST_SKIP() << "this user may not make symbolic links here";
+    PreferenceFile file(mFolder);
+    EXPECT_TRUE(file.IsUsable());
+    EXPECT_FALSE(SetMember(file, "a", 1)) << "the lock is to be a file of its own";
+    EXPECT_THAT(mLog.Text(), testing::HasSubstr("Preferences.json"));
+    std::filesystem::remove(platform::Utf8Path(mPath + ".lock"));
+    std::filesystem::create_symlink(platform::Utf8Path(mTemporary / "target"), platform::Utf8Path(mPath));
+    EXPECT_TRUE(file.IsUsable());
+    EXPECT_TRUE(SetMember(file, "a", 1));
+    EXPECT_EQ(ReadText(mTemporary / "target"), "precious");
+}
+
 TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {
     PreferenceFile file(mFolder);
     ASSERT_TRUE(SetMember(file, "a", 1));

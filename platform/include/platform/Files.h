@@ -60,6 +60,17 @@ SystemError FileModificationTime(const std::string& path, int64_t& seconds);
 /// True when a regular file can be found at `path`.
 bool IsExistingFile(const std::string& path);
 
+/// What stands at a path, told apart from all that ever stood there. All zero: nothing.
+struct FileIdentity {
+    uint64_t volume = 0;
+    uint64_t file = 0;
+    uint64_t birth = 0;  ///< when it was made; 0 where the file system does not say
+
+    bool operator==(const FileIdentity&) const = default;
+};
+/// Of whatever is there, a link itself included.
+SystemError IdentifyFile(const std::string& path, FileIdentity& identity);
+
 /// The whole file. `sizeLimit` in bytes guards against surprises: a larger file is refused.
 SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit);
 /// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
@@ -80,11 +91,32 @@ SystemError RemoveFile(const std::string& path);
 /// lock keeps all others from writing that file meanwhile.
 void RemoveAbandonedWrites(const std::string& path);
 /// Makes the folder and those above it; succeeds when it is there already. With `privateToUser` a folder that
-/// is made is closed to others.
+/// is made is closed to others, those above it included.
 SystemError MakeFolders(const std::string& path, bool privateToUser = false);
 
-/// A lock between processes, held on a file that is made when missing. Let go on destruction and when the
-/// process ends.
+/// A regular file that text is added to at its end, also by several processes at once; closes itself. One
+/// thread.
+class AppendedFile {
+public:
+    AppendedFile();
+    ~AppendedFile();
+    AppendedFile(const AppendedFile&) = delete;
+    AppendedFile& operator=(const AppendedFile&) = delete;
+
+    /// Opens the file, or makes one that is for this user only. One that others may write to is closed to
+    /// them. What is no file, a link included, is refused without waiting for it.
+    SystemError Open(const std::string& path);
+    SystemError Append(std::string_view content);
+    void Close();
+    bool IsOpen() const;
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> mHandle;
+};
+
+/// A lock between processes, held on a file that is made when missing, for this user only. Let go on
+/// destruction and when the process ends.
 class FileLock {
 public:
     FileLock();
@@ -96,6 +128,14 @@ public:
     SystemError Acquire(const std::string& path, bool wait);
     bool IsHeld() const;
     void Release();
+
+    /// Whether the file that is locked still stands at its path, so that nobody else can hold the lock; true
+    /// also where that cannot be told.
+    bool IsInPlace() const;
+    /// Replaces what stands in the file, which everybody may read who finds the lock held.
+    SystemError Write(std::string_view content);
+    /// Whether any process, this one included, holds the lock. Makes no file.
+    static bool IsHeldByAnyone(const std::string& path);
 
 private:
     struct Handle;

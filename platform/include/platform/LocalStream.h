@@ -77,18 +77,21 @@ public:
     using Handler = std::function<void(LocalStream connection)>;
 
     LocalAcceptor(asio::io_context& loop, Handler handler);
-    /// Closes, and removes the address.
+    /// Closes.
     ~LocalAcceptor();
     LocalAcceptor(const LocalAcceptor&) = delete;
     LocalAcceptor& operator=(const LocalAcceptor&) = delete;
 
-    /// Opens the address to this user alone; from then on connections are taken while the loop runs. Linux:
-    /// makes the folder, private to the user, and takes the place of whatever a dead process left there.
-    /// Windows: fails where the address is in use.
+    /// Opens the address to this user alone; from then on connections are taken while the loop runs. To be
+    /// called once. Linux: makes the folder, private to the user, but not those above it, and takes the place
+    /// of a socket that was left there, of nothing else. Fails where other users could put something in the
+    /// folder's place. Windows: fails where the address is in use.
     SystemError Listen(const std::string& address);
     /// Takes those who wait to be connected now, without the loop.
     void AdmitWaiting();
-    /// No connection is taken any more.
+    /// Whether who connects to the address still comes to this listener. Windows: for as long as it is open.
+    bool IsInPlace() const;
+    /// No connection is taken any more. The address goes, if it is still that of this listener.
     void Close();
 
 private:

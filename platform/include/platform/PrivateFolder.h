@@ -12,4 +12,14 @@ namespace platform {
 /// closed to them.
 SystemError MakePrivateFolder(const std::string& path);
 
+/// Closes the folder, and those in it at any depth, to others wherever they are this user's and others may
+/// write to them; how many that were. Follows no links. Windows: the folder alone, with all that is in it, as
+/// MakePrivateFolder closes one.
+int CloseFoldersToOthers(const std::string& path);
+
+/// From now on what this process makes, and what it starts, is for this user alone unless it says otherwise.
+/// For a program's own main function: in a library it would change its host. Windows: does nothing; what is
+/// made in a private folder is private.
+void KeepNewFilesPrivate();
+
 }  // namespace platform

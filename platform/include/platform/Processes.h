@@ -75,9 +75,27 @@ private:
 
 /// This process's identifier.
 ProcessId CurrentProcessId();
-/// A number that together with the identifier names one process for as long as the system runs; 0 when there
-/// is no such process (an ended one that nobody has collected counts as gone).
+
+enum class ProcessState {
+    kAlive,
+    kGone,          ///< also an ended one that nobody has collected
+    kCannotBeTold,  ///< the system does not answer now: no descriptor is free, say
+};
+/// Looks at the process. `startTime`, where it is alive: a number that together with the identifier names one
+/// process for as long as the system runs.
+ProcessState LookAtProcess(ProcessId id, uint64_t& startTime);
+/// What became of the process that had this start time.
+ProcessState StateOfProcess(ProcessId id, uint64_t startTime);
+/// The start time; 0 when there is no such process or it cannot be told.
 uint64_t ProcessStartTime(ProcessId id);
+/// Names the time in which, and the set of processes among which, identifiers with start times mean the same
+/// processes. Linux: this boot and PID namespace. Empty when that cannot be told, and where it does not
+/// matter (Windows: start times are those of a calendar).
+std::string ProcessEra();
+/// Asks the process to end in order, if it is that of the start time and this user's: its EndRequests hear of
+/// it. Linux: by a signal, which also ends one that has none. Windows: only one that has EndRequests, in the
+/// same session.
+SystemError RequestEndOfProcess(ProcessId id, uint64_t startTime);
 /// Sets what CurrentName and process listings show (Linux: at most 15 bytes are kept).
 void SetCurrentProcessName(const std::string& name);
 /// Whether this process was started with Processes::Launch and has not said yet that it is ready.

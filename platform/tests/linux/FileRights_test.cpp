@@ -20,8 +20,40 @@ TEST(FileRights, WhatIsWrittenIsForThisUserAlone) {
     std::string temporary;
     ASSERT_FALSE(platform::WriteTemporaryFile(folder / ".", "a", "b", "", temporary));
     EXPECT_EQ(fs::status(temporary).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(FileRights, LinksAndPipesAreNeitherLogsNorLocks) {
+    const TemporaryFolder folder;
+    folder.Write("target", "precious");
+    fs::create_symlink("target", folder / "link");
+    fs::create_symlink("missing", folder / "dangling");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    for (const char* name : {"link", "dangling", "pipe"}) {
+        EXPECT_TRUE(platform::AppendedFile().Open(folder / name)) << name;
+        EXPECT_TRUE(platform::FileLock().Acquire(folder / name, false)) << name;
+        EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(folder / name)) << name;
+    }
+    EXPECT_FALSE(fs::exists(folder / "missing"));
+    EXPECT_EQ(fs::file_size(folder / "target"), 8u);
+}
+
+TEST(FileRights, WhatIsMadeAndWhatIsAddedToIsClosedToOthers) {
+    const TemporaryFolder folder;
+    const mode_t saved = umask(0);
+    platform::AppendedFile log;
+    EXPECT_FALSE(log.Open(folder / "log"));
+    platform::FileLock lock;
+    EXPECT_FALSE(lock.Acquire(folder / "lock", false));
     EXPECT_FALSE(platform::MakeFolders(folder / "a/b", true));
-    EXPECT_EQ(fs::status(folder / "a/b").permissions(), fs::perms::owner_all);
+    umask(saved);
+    constexpr fs::perms kFile = fs::perms::owner_read | fs::perms::owner_write;
+    for (const char* name : {"log", "lock"})
+        EXPECT_EQ(fs::status(folder / name).permissions(), kFile);
+    for (const char* name : {"a", "a/b"})
+        EXPECT_EQ(fs::status(folder / name).permissions(), fs::perms::owner_all);
+    fs::permissions(folder / "log", fs::perms::all);
+    EXPECT_FALSE(log.Open(folder / "log"));
+    EXPECT_EQ(fs::status(folder / "log").permissions(), kFile);
 }
 
 TEST(FileRights, ACopyIsAFileLikeAnyNewOne) {

@@ -1,5 +1,6 @@
 // What processes are on a POSIX system: zombies, sessions, descriptors, signals.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,6 +88,34 @@ TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
     EXPECT_EQ(countOfListed(), 1);
     KillProcess(apart->Id());
     KillProcess(beside->Id());
+}
+
+TEST(ProcessDetails, WithoutAFreeDescriptorOnlyAProcessThatIsThereCannotBeTold) {
+    using platform::ProcessState;
+    const platform::ProcessId self = getpid();
+    const uint64_t start = platform::ProcessStartTime(self);
+    const auto ended = Launch("exit 0");
+    WaitForExit(*ended);
+    rlimit saved{};
+    getrlimit(RLIMIT_NOFILE, &saved);
+    const rlimit none{0, saved.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kCannotBeTold);
+    EXPECT_EQ(platform::StateOfProcess(ended->Id(), 1), ProcessState::kGone);
+    EXPECT_EQ(platform::ProcessEra(), "");
+    setrlimit(RLIMIT_NOFILE, &saved);
+    EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kAlive);
+    EXPECT_NE(platform::ProcessEra(), "");
+    EXPECT_EQ(platform::ProcessEra(), platform::ProcessEra());
+}
+
+TEST(ProcessDetails, AProcessIsAskedToEndByASignal) {
+    const TemporaryFolder folder;
+    const auto child =
+        Launch("trap 'exit 3' TERM; : > '" + (folder / "ready") + "'; while :; do sleep 0.01; done");
+    ASSERT_TRUE(Eventually([&] { return platform::IsExistingFile(folder / "ready"); }));
+    EXPECT_FALSE(platform::RequestEndOfProcess(child->Id(), platform::ProcessStartTime(child->Id())));
+    EXPECT_EQ(WaitForExit(*child), 3);
 }
 
 TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {

@@ -1,13 +1,18 @@
 // The agent where the system has signals and fork.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <thread>
 
+#include "ipc/AgentConnection.h"
 #include "ipc/Message.h"
 #include "tests/support/RawClient.h"
+#include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
@@ -32,6 +37,65 @@ TEST(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
     EXPECT_EQ(result.errors,
               "Pellwick: done, but the results cannot be written to standard output; see whether its disk is"
               " full\n");
+}
+
+/// While it lives, the process gets no descriptors beyond so many; those that it has it keeps.
+class FewDescriptors {
+public:
+    FewDescriptors(platform::ProcessId process, rlim_t count) : mProcess(static_cast<pid_t>(process)) {
+        prlimit(mProcess, RLIMIT_NOFILE, nullptr, &mSaved);
+        const rlimit few{count, mSaved.rlim_max};
+        prlimit(mProcess, RLIMIT_NOFILE, &few, nullptr);
+    }
+    ~FewDescriptors() { prlimit(mProcess, RLIMIT_NOFILE, &mSaved, nullptr); }
+    FewDescriptors(const FewDescriptors&) = delete;
+    FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+private:
+    const pid_t mProcess;
+    rlimit mSaved{};
+};
+
+/// The lowest that is free.
+rlim_t FreeDescriptorOf(platform::ProcessId process) {
+    rlim_t number = 0;
+    while (std::filesystem::is_symlink("/proc/" + std::to_string(process) + "/fd/" + std::to_string(number)))
+        ++number;
+    return number;
+}
+
+TEST(PosixAgent, WithoutFreeDescriptorsNoHostLosesItsFontsAndNoClientIsTurnedAway) {
+    TestWorld world;
+    world.StartAgent();
+    world.WriteFont("Sample-Bold");
+    world.RunForJson({"add", world.Path("fonts")});
+    const TestLibrary library;
+    ASSERT_EQ(library.Activate("/document", {"Sample-Bold"}).size(), 1u);
+    AgentConnection kept(std::chrono::seconds(30));
+    Json answer;
+    ASSERT_EQ(kept.Call("GetStatus", Json::object(), answer), 0u);
+    {
+        auto leaving = std::make_unique<AgentConnection>(std::chrono::seconds(30));
+        ASSERT_EQ(leaving->Call("GetStatus", Json::object(), answer), 0u);
+        const FewDescriptors few(world.AgentProcess(), 3);
+        leaving.reset();  // now the agent looks at its hosts
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        ASSERT_EQ(kept.Call("GetStatus", Json::object(), answer), 0u);
+        EXPECT_EQ(answer["hosts"], 1);
+    }
+    EXPECT_EQ(world.ActiveFiles().size(), 1u);
+    // One is left for a new client, none to look at it.
+    auto few =
+        std::make_unique<FewDescriptors>(world.AgentProcess(), FreeDescriptorOf(world.AgentProcess()) + 1);
+    std::thread client([] {
+        AgentConnection late(std::chrono::seconds(30));
+        Json status;
+        EXPECT_EQ(late.Call("GetStatus", Json::object(), status), 0u);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    few.reset();
+    client.join();
+    library.CleanUpOnShutdown();
 }
 
 TEST(PosixAgent, LetsNoOtherUserIn) {

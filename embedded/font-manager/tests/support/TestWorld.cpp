@@ -24,6 +24,7 @@ TestWorld::TestWorld(const std::string& name) : mFolder(mTemporaryFolder.Path() 
     const std::map<std::string, std::string> variables = {{"HOME", platform::Utf8Text(mFolder)},
                                                           {"XDG_DATA_HOME", Path("data")},
                                                           {"XDG_CACHE_HOME", Path("cache")},
+                                                          {"XDG_CONFIG_HOME", Path("config")},
                                                           {"XDG_RUNTIME_DIR", ""},
                                                           {"TMPDIR", Path("tmp")},
                                                           {"USER", "tester"}};
