@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "PrintableText.h"
 #include "common/AgentLock.h"
@@ -15,6 +16,8 @@ namespace {
 // A person waits rather longer than a host may.
 constexpr std::chrono::seconds kAnswerLimit{30};
 constexpr std::chrono::seconds kStartLimit{10};
+// An agent that dies lets go of its connections first, and of its lock within this time.
+constexpr std::chrono::milliseconds kEndLimit{500};
 
 bool IsAgentListening() {
     ClientStream stream;
@@ -28,10 +31,19 @@ void Write(std::string line, std::FILE* stream) {
 
 }  // namespace
 
+std::optional<AgentHolder> FindLastingHolder() {
+    const auto deadline = ClientStream::Clock::now() + kEndLimit;
+    for (;;) {
+        std::optional<AgentHolder> holder = FindAgentHolder(Locations::OfThisUser());
+        if (!holder || ClientStream::Clock::now() > deadline)
+            return holder;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
 std::string NoAgentText() {
-    const Locations locations = Locations::OfThisUser();
-    const std::optional<AgentHolder> holder = FindAgentHolder(locations);
-    return holder ? UnreachableAgentText(locations, *holder)
+    const std::optional<AgentHolder> holder = FindLastingHolder();
+    return holder ? UnreachableAgentText(Locations::OfThisUser(), *holder)
                   : "no agent is running; start it with \"" + ProgramPath() + " serve\"";
 }
 
@@ -45,7 +57,7 @@ void Session::StartAgentIfNeeded() {
     // Another command may have started one at the same moment; then it is that one that answers.
     if (agent && (agent->WaitUntilIdle(kStartLimit) || IsAgentListening()))
         return;
-    throw Failure(kExit_NoAgent, FindAgentHolder(Locations::OfThisUser())
+    throw Failure(kExit_NoAgent, FindLastingHolder()
                                      ? NoAgentText()
                                      : "the agent does not start; \"" + program + " serve\" says why");
 }

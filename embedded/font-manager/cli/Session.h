@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/Locations.h"
+#include "common/AgentLock.h"
 #include "ipc/AgentConnection.h"
 
 namespace pellwick::cli {
@@ -50,6 +50,8 @@ private:
     std::optional<AgentConnection> mConnection;
 };
 
+/// The process that holds the agent's lock, after the moment that one takes to end.
+std::optional<AgentHolder> FindLastingHolder();
 /// Why no agent answers: there is none, or it cannot be reached. What to do about it.
 std::string NoAgentText();
 

@@ -7,7 +7,6 @@
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
 #include "cli/Commands.h"
-#include "common/AgentLock.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
@@ -52,7 +51,7 @@ void WaitForEndOf(platform::ProcessId agent) {
 
 /// The process that holds the agent's lock, which was asked to end.
 platform::ProcessId RequestEndOfHolder() {
-    const auto holder = FindAgentHolder(Locations::OfThisUser());
+    const auto holder = FindLastingHolder();
     if (!holder || holder->process == 0)
         throw Failure(kExit_NoAgent, NoAgentText());
     if (const auto error = platform::RequestEndOfProcess(holder->process, holder->startTime))
