@@ -85,8 +85,7 @@ CommandTable MakeCommandTable() {
     return table;
 }
 
-CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context,
-                            const Json& request) noexcept {
+CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, const Json& request) {
     Json result;
     context.request = IntegerMember(request, "id");
     ErrorCode code = Run(table, context, request, result);

@@ -97,8 +97,9 @@ struct CommandAnswer {
     std::string frame;
 };
 
-/// Runs the command that a request asks for and makes the answer to send back. Never throws.
-CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, const Json& request) noexcept;
+/// Runs the command that a request asks for and makes the answer to send back. Throws std::bad_alloc alone,
+/// when there is no memory for the answer.
+CommandAnswer AnswerRequest(const CommandTable& table, CommandContext& context, const Json& request);
 
 /// Throws CommandError while nobody is logged in.
 void RequireLogIn(CommandContext& context);

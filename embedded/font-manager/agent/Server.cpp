@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <asio/post.hpp>
 #include <limits>
+#include <new>
 #include <nlohmann/json.hpp>
 
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
+#include "platform/Memory.h"
 #include "platform/Processes.h"
 
 namespace pellwick {
@@ -37,7 +39,14 @@ Server::Server(FontManager& manager, LogFile& log)
       mLog(log),
       mCommands(MakeCommandTable()),
       mLoop(1),
-      mAcceptor(mLoop, [this](platform::LocalStream stream) { Admit(std::move(stream)); }),
+      mAcceptor(mLoop,
+                [this](platform::LocalStream stream) {
+                    try {
+                        Admit(std::move(stream));
+                    } catch (const std::bad_alloc&) {  // the next one may find some
+                        NoteLackOfMemory();
+                    }
+                }),
       mSweepTimer(mLoop),
       mUndoTimer(mLoop),
       mGoodbyeTimer(mLoop) {}
@@ -70,7 +79,28 @@ bool Server::Listen(std::string& problem) {
 void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
-    mLoop.run();
+    while (!GoOn()) {
+    }
+}
+
+/// False when it ran out of memory: whoever asked for too much has been let go of, and the others are served
+/// on.
+bool Server::GoOn() {
+    try {
+        mLoop.run();
+        return true;
+    } catch (const std::bad_alloc&) {
+        NoteLackOfMemory();
+        return false;
+    }
+}
+
+void Server::NoteLackOfMemory() noexcept {
+    try {
+        platform::ReleaseFreeMemory();
+        mLog.Write("out of memory; what was being done is given up\n");
+    } catch (const std::bad_alloc&) {  // not even for that
+    }
 }
 
 void Server::Admit(platform::LocalStream stream) {

@@ -41,6 +41,8 @@ private:
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
+    bool GoOn();
+    void NoteLackOfMemory() noexcept;
     void Admit(platform::LocalStream stream);
     /// False when that could not be written.
     bool UndoRequests(const HostProcess& host, long long first, long long last);

@@ -45,6 +45,9 @@ public:
     Client& Peer() { return mClient; }
 
 private:
+    /// Does the next step. A session that runs out of memory within it cannot be gone on with: it is closed.
+    template <class Step>
+    void Take(const Step& step);
     void Read();
     void HandleNextMessage();
     void Handle(const Json& message);
