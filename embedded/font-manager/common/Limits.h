@@ -12,8 +12,8 @@ constexpr size_t kMaxMessageSize = size_t{16} << 20;
 /// Values in a message, counted in all depths: a page of a font list has twenty thousand. A value takes one
 /// byte in a message and up to two hundred in memory, so that no message makes more than about 100 MB.
 constexpr size_t kMaxMessageValues = 500000;
-/// What the agent sets aside for cleaning up when there is no more memory: destroying a message of so many values
-/// takes two thirds of it.
+/// What the agent sets aside for cleaning up when there is no more memory: destroying a message of so many
+/// values takes two thirds of it.
 constexpr size_t kMemoryReserve = size_t{36} << 20;
 /// What a buffer for messages keeps when it is empty, and from what size on the memory that a message took is
 /// given back to the system: such messages are rare.

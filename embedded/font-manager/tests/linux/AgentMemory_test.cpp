@@ -35,7 +35,7 @@ protected:
     }
     void LeaveNoMoreThan(size_t size) const {
         const rlim_t limit = Memory("VmSize") + size;
-        const rlimit limits{limit, limit};
+        const rlimit limits{limit, RLIM_INFINITY};
         ASSERT_EQ(prlimit(static_cast<pid_t>(mWorld.AgentProcess()), RLIMIT_AS, &limits, nullptr), 0);
     }
     void ExpectIsServedOn() {
