@@ -47,6 +47,16 @@ private:
     size_t mValues = 0;
 };
 
+/// The values in it, itself included, as the builder counts them.
+size_t CountValues(const Json& value) {
+    size_t count = 1;
+    if (value.is_structured()) {
+        for (const Json& part : value)
+            count += CountValues(part);
+    }
+    return count;
+}
+
 const Json* Member(const Json& object, const char* key) {
     if (!object.is_object())
         return nullptr;
@@ -59,6 +69,9 @@ const Json* Member(const Json& object, const char* key) {
 std::optional<std::string> EncodeMessage(const Json& message) {
     std::string payload;
     Json::to_msgpack(message, nlohmann::detail::output_adapter<char>(payload));
+    // A value has one byte at least.
+    if (payload.size() > kMaxMessageValues && CountValues(message) > kMaxMessageValues)
+        return std::nullopt;
     return MakeFrame(payload);
 }
 

@@ -10,7 +10,7 @@ namespace pellwick {
 
 using Json = nlohmann::json;
 
-/// The message as a frame; nothing when it is larger than a message may be.
+/// The message as a frame; nothing when it is larger, or holds more values, than a message may.
 std::optional<std::string> EncodeMessage(const Json& message);
 
 /// How many bytes the value has in a message.

@@ -82,10 +82,13 @@ TEST(Message, RefusesMoreValuesThanMemoryIsFor) {
                                              std::string("\xC4\0", 2)};
     for (const std::string& value : values) {
         const size_t most = kMaxMessageValues - 2;  // the object and the array count as well
-        EXPECT_TRUE(DecodeMessage(payload(value, most))) << int(value[0]);
         EXPECT_FALSE(DecodeMessage(payload(value, most + 1))) << int(value[0]);
     }
+    EXPECT_TRUE(DecodeMessage(payload(values[0], kMaxMessageValues - 2)));
     EXPECT_FALSE(DecodeMessage(payload("\x81\xA0\x90", kMaxMessageValues / 2)));
+    // What would not be taken is not sent.
+    EXPECT_TRUE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 2, 1)}}));
+    EXPECT_FALSE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 1, 1)}}));
 }
 
 TEST(FrameBuffer, KeepsNoMemoryOfALargeMessage) {
