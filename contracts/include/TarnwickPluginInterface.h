@@ -135,7 +135,10 @@ enum PluginPermission {
  * requested record of each font that is not in the store, with the records of fonts that could replace it, if
  * there are any, under kGS_PossibleReplacementsKey. `reportedFonts` receives, per matched font, the
  * requested record completed by the font's own, with the activation state from after the request and the
- * record from before it under kGS_MatchedFontKey. Any of the three may be null.
+ * record from before it under kGS_MatchedFontKey. Any of the three may be null. Fonts without number are
+ * taken as far as there is time for them: GIPCClient::kReplyTimeout when there was not enough. What was
+ * activated until then is in `matchedFonts`, for the caller to let go of, and nothing in the others.
+ * ActivateFonts and DeactivateFonts answer so as well.
  *
  * AddFontsToSets: puts each of the fonts `fontIDs` (CFNumbers, database IDs) into each of the sets `setIDs`
  * (CFNumbers, as CreateTopLevelSet gives them); a font that is in a set already stays in it. All of it or

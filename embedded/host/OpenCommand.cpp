@@ -1,9 +1,11 @@
 #include <fmt/core.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "Commands.h"
 #include "FontRecordKeys.h"
+#include "GBinaryDocumentFontExtractor.h"
 #include "OpenedDocument.h"
 #include "Output.h"
 #include "platform/Console.h"
@@ -49,24 +51,52 @@ void PrintFonts(const OpenedDocument& document) {
     PrintTable(rows);
 }
 
-void PrintAsJSON(const OpenedDocument& document) {
-    const json line{{"file", document.path},
-                    {"code", document.code},
-                    {"codeName", ResultName(document.code)},
-                    {"numFontsActivated", document.numFontsActivated},
-                    {"matched", document.matched},
-                    {"unmatched", document.unmatched}};
+/// What a document's lists leave unsaid: the core's result speaks of them alone, and they are empty as well
+/// when the font manager could not be asked for the fonts, or the document not be searched. Empty: nothing.
+std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
+    if (!IsSuccess(document.code))
+        return "its fonts are not known: " + ResultName(document.code);
+    if (!document.matched.empty() || !document.unmatched.empty())
+        return {};
+    constexpr std::chrono::seconds kPatience{2};
+    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(document.path)};
+    extractor.SetTimeLimit(kPatience);
+    std::set<std::string> names;
+    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
+        return {};
+    EraseImpossibleNames(names);
+    if (!names.empty())
+        return fmt::format(
+            "the font manager has not answered for its {} fonts; see how it is with 'Pellwick status' and "
+            "open "
+            "the document again, or fewer fonts at once",
+            names.size());
+    return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
+                                     "'plugincore-host fonts' searches all of it"
+                                   : "";
+}
+
+void PrintAsJSON(const OpenedDocument& document, const std::string& problem) {
+    json line{{"file", document.path},
+              {"code", document.code},
+              {"codeName", ResultName(document.code)},
+              {"numFontsActivated", document.numFontsActivated},
+              {"matched", document.matched},
+              {"unmatched", document.unmatched}};
+    if (!problem.empty())
+        line["error"] = problem;
     PrintJson(line.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 /// Shows an opened document; what it means for the program's exit status.
 int Show(const OpenedDocument& document, bool asJSON) {
+    const std::string problem = WhyNoFontsAreKnown(document);
     if (asJSON)
-        PrintAsJSON(document);
-    else if (IsSuccess(document.code))
+        PrintAsJSON(document, problem);
+    else if (problem.empty())
         PrintFonts(document);
-    if (!IsSuccess(document.code)) {
-        PrintError(document.path + " was opened, but its fonts are not known: " + ResultName(document.code));
+    if (!problem.empty()) {
+        PrintError(document.path + " was opened, but " + problem);
         return exit_status::kFailed;
     }
     return document.unmatched.empty() ? exit_status::kDone : exit_status::kFontsMissing;

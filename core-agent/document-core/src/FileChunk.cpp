@@ -30,13 +30,14 @@ std::string_view FileChunk::Bytes(size_t begin, size_t end) {
 std::string_view FileChunk::BytesFrom(size_t begin, size_t size) {
     if (begin < mWindowBegin || begin + size > mWindowEnd)
         MoveWindow(begin, size);
-    if (mStatus != CoreErrorCodes::kSuccess)
+    if (!IsIntact())
         return {};
     return {mWindow.data() + (begin - mWindowBegin), mWindowEnd - begin};
 }
 
 void FileChunk::MoveWindow(size_t begin, size_t size) {
-    if (mStatus != CoreErrorCodes::kSuccess)
+    mHasGivenWay = mHasGivenWay || !mHasTime();
+    if (!IsIntact())
         return;
     mWindowBegin = begin - std::min(begin, mWindow.size() / kLookBehindShare);
     const size_t needed = begin + size - mWindowBegin;

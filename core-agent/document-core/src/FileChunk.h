@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -13,10 +14,13 @@
 
 class FileChunk {
 public:
+    /// Asked before more is read: whether there is time for it.
+    using HasTime = std::function<bool()>;
+
     /// The `size` bytes of `file` from `position` on. `window` is the memory to read into, as much at once as
-    /// it holds; grown where a single name needs more. Both outlive the chunk.
-    FileChunk(GFile& file, uint64_t position, size_t size, std::vector<char>& window)
-        : mFile(file), mPosition(position), mSize(size), mWindow(window) {}
+    /// it holds; grown where a single name needs more. All of them outlive the chunk.
+    FileChunk(GFile& file, uint64_t position, size_t size, std::vector<char>& window, const HasTime& hasTime)
+        : mFile(file), mPosition(position), mSize(size), mWindow(window), mHasTime(hasTime) {}
 
     /// In bytes.
     size_t Size() const { return mSize; }
@@ -27,6 +31,10 @@ public:
     std::string_view Bytes(size_t begin, size_t end);
     /// The first failure to read; from then on nothing is found.
     ErrorCode Status() const { return mStatus; }
+    /// Whether there was no time to read on; from then on nothing is found.
+    bool HasGivenWay() const { return mHasGivenWay; }
+    /// Whether all that was asked for could be read.
+    bool IsIntact() const { return mStatus == CoreErrorCodes::kSuccess && !mHasGivenWay; }
 
 private:
     /// The bytes from `begin` to the window's end: at least `size` of them, or none when they cannot be read.
@@ -40,4 +48,6 @@ private:
     size_t mWindowBegin = 0;  ///< in the window: bytes [mWindowBegin, mWindowEnd) of the chunk
     size_t mWindowEnd = 0;
     ErrorCode mStatus = CoreErrorCodes::kSuccess;
+    const HasTime& mHasTime;
+    bool mHasGivenWay = false;
 };

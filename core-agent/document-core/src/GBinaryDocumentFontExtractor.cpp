@@ -6,6 +6,7 @@
 #include "FailureReport.h"
 #include "StringConversion.h"
 #include "TraceLog.h"
+#include "platform/Clock.h"
 
 namespace {
 
@@ -50,29 +51,35 @@ bool IsGraphic(char byte) {
     return byte > 0x20 && byte < 0x7F;
 }
 
-/// `name` up to its last printable byte that is not the end marker's first; all of it when there is none.
-std::string_view WithoutTail(std::string_view name, char endMarker) {
-    for (size_t length = name.size(); length > 0; --length) {
-        if (IsGraphic(name[length - 1]) && name[length - 1] != endMarker)
-            return name.substr(0, length);
+/// In bytes; fonts have names of a few dozen.
+constexpr size_t kLongestPossibleName = 4096;
+
+/// A name may be as long as a document: it is read in pieces, none of which takes much time or memory.
+constexpr size_t kPieceSize = size_t{64} << 10;
+
+/// Where the name ends: behind its last printable byte that is not the end marker's first, or else where it
+/// does.
+size_t EndOfName(FileChunk& chunk, ByteRange name, char endMarker) {
+    for (size_t end = name.end; end > name.begin && chunk.IsIntact();) {
+        const size_t begin = end - std::min(end - name.begin, kPieceSize);
+        const std::string_view piece = chunk.Bytes(begin, end);
+        for (size_t length = piece.size(); length > 0; --length) {
+            if (IsGraphic(piece[length - 1]) && piece[length - 1] != endMarker)
+                return begin + length;
+        }
+        end = begin;
     }
-    return name;
+    return name.end;
 }
 
 /// Big-endian UTF-16 text reads as its low bytes: zero bytes are passed over, the others are code units.
 std::string NameFromBytes(std::string_view bytes) {
-    constexpr size_t kPieceSize = 4096;  // a name as long as a document is not copied as a whole
-    std::string name;
-    while (!bytes.empty()) {
-        std::u16string units;
-        for (const char byte : bytes.substr(0, kPieceSize)) {
-            if (byte != '\0')
-                units.push_back(static_cast<unsigned char>(byte));
-        }
-        name += Utf16ToUtf8(units);
-        bytes.remove_prefix(std::min(bytes.size(), kPieceSize));
+    std::u16string units;
+    for (const char byte : bytes) {
+        if (byte != '\0')
+            units.push_back(static_cast<unsigned char>(byte));
     }
-    return name;
+    return Utf16ToUtf8(units);
 }
 
 bool IsDefaultFontAlone(const std::set<std::string>& names) {
@@ -129,8 +136,17 @@ private:
 
 }  // namespace
 
+void EraseImpossibleNames(std::set<std::string>& fontNames) {
+    const size_t erased = std::erase_if(
+        fontNames, [](const auto& name) { return name.empty() || name.size() > kLongestPossibleName; });
+    if (erased != 0)
+        LogMessage(0, "%d name(s) left out that no font can have", static_cast<int>(erased));
+}
+
 ErrorCode GBinaryDocumentFontExtractor::ExtractFontNames(std::set<std::string>& fontNames) {
     fontNames.clear();
+    mHasGivenWay = false;
+    mBeginTick = platform::Current<platform::Clock>().TickCount();
     switch (KindOfExtension(mFileSpec.Extension())) {
         case DocumentKind::kIllustrator:
             RETURN_IF_FAILED(ExtractFromIllustrator(fontNames));
@@ -169,29 +185,49 @@ ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeSta
     // A marker that the chunk's end cuts is found again at the start of the next chunk.
     const size_t ordinaryAdvance = chunkSize > rangeStart.size() ? chunkSize - rangeStart.size() : 1;
     uint64_t currentPosition = 0;
-    while (currentPosition < fileSize) {
+    while (currentPosition < fileSize && !mHasGivenWay) {
         const auto numBytesToRead =
             static_cast<size_t>(std::min<uint64_t>(fileSize - currentPosition, chunkSize));
-        GFile file;
-        RETURN_IF_FAILED(file.Open(mFileSpec, GFile::eBinary | GFile::eRead));
-        RETURN_IF_FAILED(file.SetFilePosition(GFile::eBeginning, currentPosition));
-        FileChunk fileChunk(file, currentPosition, numBytesToRead, mWindow);
-        const size_t resumeOffset = search(fileChunk);
-        if (fileChunk.Status() != CoreErrorCodes::kSuccess) {
-            ReportFailure(kLogCategory, {"file.Read(numBytesToRead, fileChunk)", __FILE__, __LINE__},
-                          fileChunk.Status());
-            return fileChunk.Status();
-        }
-        RETURN_IF_FAILED(file.Close());
+        size_t resumeOffset = 0;
+        RETURN_IF_FAILED(SearchChunk(currentPosition, numBytesToRead, search, resumeOffset));
         currentPosition += resumeOffset != 0 ? resumeOffset : ordinaryAdvance;
     }
     return CoreErrorCodes::kSuccess;
 }
 
+ErrorCode GBinaryDocumentFontExtractor::SearchChunk(uint64_t currentPosition, size_t numBytesToRead,
+                                                    const ChunkSearch& search, size_t& resumeOffset) {
+    GFile file;
+    RETURN_IF_FAILED(file.Open(mFileSpec, GFile::eBinary | GFile::eRead));
+    RETURN_IF_FAILED(file.SetFilePosition(GFile::eBeginning, currentPosition));
+    const FileChunk::HasTime hasTime = [this] { return HasTime(); };
+    FileChunk fileChunk(file, currentPosition, numBytesToRead, mWindow, hasTime);
+    resumeOffset = search(fileChunk);
+    if (fileChunk.Status() != CoreErrorCodes::kSuccess) {
+        ReportFailure(kLogCategory, {"file.Read(numBytesToRead, fileChunk)", __FILE__, __LINE__},
+                      fileChunk.Status());
+        return fileChunk.Status();
+    }
+    RETURN_IF_FAILED(file.Close());
+    mHasGivenWay = fileChunk.HasGivenWay();
+    if (mHasGivenWay)
+        LogMessage(0, "The document is too large to be searched for fonts to its end; the host waits");
+    return CoreErrorCodes::kSuccess;
+}
+
+bool GBinaryDocumentFontExtractor::HasTime() const {
+    const uint32_t spent = platform::Current<platform::Clock>().TickCount() - mBeginTick;
+    return !mTimeLimit || std::chrono::milliseconds(spent) < *mTimeLimit;
+}
+
 std::string GBinaryDocumentFontExtractor::ReadName(FileChunk& chunk, ByteRange name, const Markers& markers) {
     if (const auto separator = chunk.Find(name.begin, name.end, markers.prefixSeparator))
         name.begin = *separator + markers.prefixSeparator.size();
-    return NameFromBytes(WithoutTail(chunk.Bytes(name.begin, name.end), markers.nameEnd.front()));
+    name.end = EndOfName(chunk, name, markers.nameEnd.front());
+    std::string text;
+    for (size_t begin = name.begin; begin < name.end && chunk.IsIntact(); begin += kPieceSize)
+        text += NameFromBytes(chunk.Bytes(begin, std::min(name.end, begin + kPieceSize)));
+    return text;
 }
 
 std::optional<size_t> GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(FileChunk& chunk,
@@ -207,7 +243,7 @@ std::optional<size_t> GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(F
             FoundName found{rangeCount++, 0, {}};
             ForEachRange(chunk, {*firstName, range.end}, nameStart, markers.nameEnd, [&](ByteRange each) {
                 found.name = ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers);
-                if (chunk.Status() != CoreErrorCodes::kSuccess)
+                if (!chunk.IsIntact())
                     return;
                 LogMessage(0, "In %s(), adding '%s'",
                            "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", found.name.c_str());

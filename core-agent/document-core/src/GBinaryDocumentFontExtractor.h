@@ -5,6 +5,8 @@
 // engine data that Photoshop and After Effects keep with each text layer.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <set>
@@ -17,16 +19,26 @@
 #include "GFile.h"
 #include "MarkerSearch.h"
 
+/// Takes out what a damaged document may hold in place of names, and nobody can look for: empty ones, and
+/// those that are many times as long as the name of any font.
+void EraseImpossibleNames(std::set<std::string>& fontNames);
+
 class GBinaryDocumentFontExtractor {
 public:
     explicit GBinaryDocumentFontExtractor(GFileSystemSpec fileSpec) : mFileSpec(std::move(fileSpec)) {}
     virtual ~GBinaryDocumentFontExtractor() = default;
 
+    /// From now on an extraction that takes longer gives way to the user who waits for it: what it has found
+    /// until then is its result.
+    void SetTimeLimit(std::chrono::milliseconds limit) { mTimeLimit = limit; }
+    /// Whether the last extraction did, and has not searched all of the file.
+    bool HasGivenWay() const { return mHasGivenWay; }
+
     /// Replaces `fontNames` by the PostScript names found, UTF-8, as they stand in the file. The file name's
     /// extension picks the kind of document; an unknown one has all kinds tried, for files below 1 GiB. A
     /// document without names is no failure. On failure: the status of the file operation, after a report;
     /// names found before it stay, in a chunk that was read in part too. Any thread, one at a time for each
-    /// extractor.
+    /// extractor. Takes as long as reading the file, unless a limit is set.
     [[nodiscard]] ErrorCode ExtractFontNames(std::set<std::string>& fontNames);
 
 protected:
@@ -67,6 +79,12 @@ private:
                                                             const Markers& markers, const NameTaker& take);
     static std::string ReadName(FileChunk& chunk, ByteRange name, const Markers& markers);
 
+    bool HasTime() const;
+    ErrorCode SearchChunk(uint64_t position, size_t size, const ChunkSearch& search, size_t& resumeOffset);
+
     GFileSystemSpec mFileSpec;
+    std::optional<std::chrono::milliseconds> mTimeLimit;
+    uint32_t mBeginTick = 0;  ///< of the extraction
+    bool mHasGivenWay = false;
     std::vector<char> mWindow;  ///< what the chunks are read into
 };

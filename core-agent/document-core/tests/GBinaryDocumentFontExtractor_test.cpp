@@ -7,6 +7,7 @@
 #include <random>
 
 #include "CapturedTrace.h"
+#include "FakePlatform.h"
 #include "PlainFontExtractor.h"
 #include "RandomDocument.h"
 #include "SmallChunkExtractor.h"
@@ -213,4 +214,42 @@ TEST_F(ExtractorTest, NamesAndRangesLongerThanAWindowAreWhole) {
     EXPECT_THAT(
         Extract("a.psd", "/FontSet [ " + padding + " /Name (" + Utf16Name("One") + ")" + padding + "]"),
         ElementsAre("One"));
+}
+
+namespace {
+
+/// Time goes by with each look at the clock.
+class BusyClock : public FakeClock {
+public:
+    uint32_t TickCount() override { return ++ticks; }
+};
+
+}  // namespace
+
+TEST_F(ExtractorTest, GivesWayToTheHostAndKeepsWhatItHasFound) {
+    std::string pdf;
+    std::string photoshop;
+    for (int index = 100; index < 200; ++index) {
+        pdf += Descriptor("Font-" + std::to_string(index)) + std::string(300, 'x');
+        photoshop += FontSet({"Font-" + std::to_string(index)}) + std::string(300, 'x');
+    }
+    for (const auto& [name, content] : {std::pair("a.ai", pdf), {"a.psd", photoshop}, {"a.unknown", pdf}}) {
+        BusyClock clock;
+        CapturedTrace trace;
+        SmallChunkExtractor extractor(folder.Write(name, content), 4096, 256);
+        extractor.SetTimeLimit(std::chrono::milliseconds(40));
+        Names names;
+        EXPECT_EQ(extractor.ExtractFontNames(names), 0u) << name;
+        EXPECT_TRUE(extractor.HasGivenWay()) << name;
+        EXPECT_LT(names.size(), 90u) << name;
+        EXPECT_EQ(names.count("Font-100"), 1u) << name;
+        const std::string text = trace.Text();
+        const size_t line = text.find("too large to be searched");
+        EXPECT_NE(line, std::string::npos);
+        EXPECT_EQ(text.find("too large to be searched", line + 1), std::string::npos) << "once";
+        extractor.SetTimeLimit(std::chrono::hours(1));
+        EXPECT_EQ(extractor.ExtractFontNames(names), 0u);
+        EXPECT_FALSE(extractor.HasGivenWay());
+        EXPECT_EQ(names.size(), 100u) << name;
+    }
 }

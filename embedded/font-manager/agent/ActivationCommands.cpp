@@ -1,4 +1,5 @@
 // Activating fonts, for documents and for the user.
+#include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -94,12 +95,15 @@ Json ReportedFont(const Json& requested, const Json& before, const Json& after) 
     return reported;
 }
 
-/// What could replace the requests that were not matched, in their order: objects of font records by
-/// PostScript name.
-Json ReplacementsFor(CommandContext& context, const Json& requests, const Json& unmatched) {
+/// What could replace the requests that were not matched, in their order and for the first of them: objects
+/// of font records by PostScript name.
+Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched) {
+    const Json& requests = ArrayMember(arguments, "fonts");
+    const long long wanted = IntegerMember(arguments, kReplacementsMember, kMaxFontsWithReplacements);
+    const size_t limit = wanted < 0 ? 0 : std::min<size_t>(wanted, kMaxFontsWithReplacements);
     Json replacements = Json::array();
     for (const Json& index : unmatched) {
-        if (replacements.size() == kMaxFontsWithReplacements)
+        if (replacements.size() == limit)
             break;
         context.audience.KeepAlive();
         Json records = Json::object();
@@ -129,7 +133,7 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     for (const auto& [index, fontID] : matches)
         reported.push_back(ReportedFont(requests[index], leases.Before(fontID),
                                         FontRecord(manager, *manager.fonts.Find(fontID))));
-    Json replacements = ReplacementsFor(context, requests, unmatched);
+    Json replacements = ReplacementsFor(context, arguments, unmatched);
     return {{"matched", std::move(matched)},
             {"unmatched", std::move(unmatched)},
             {"replacements", std::move(replacements)},

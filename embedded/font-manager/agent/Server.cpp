@@ -4,12 +4,14 @@
 #include <asio/post.hpp>
 #include <exception>
 #include <limits>
+#include <new>
 #include <nlohmann/json.hpp>
 
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
+#include "platform/Memory.h"
 #include "platform/Processes.h"
 
 namespace pellwick {
@@ -74,8 +76,12 @@ bool Server::Listen(std::string& problem) {
 
 bool Server::ListenAt(const std::string& address) {
     auto acceptor = std::make_unique<platform::LocalAcceptor>(mLoop, [this](platform::LocalStream stream) {
-        Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
-              Deadline::clock::now() + kAnswerLimit);
+        try {
+            Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
+                  Deadline::clock::now() + kAnswerLimit);
+        } catch (const std::bad_alloc&) {  // the next one may find some
+            NoteLackOfMemory();
+        }
     });
     if (const platform::SystemError error = acceptor->Listen(address)) {
         if (mGroundProblem.empty())
@@ -110,7 +116,28 @@ void Server::Run() {
     SweepLeasesIn(kFirstSweepDelay);
     CheckVaultLater();
     WatchGround();
-    mLoop.run();
+    while (!GoOn()) {
+    }
+}
+
+/// False when it ran out of memory: whoever asked for too much has been let go of, and the others are served
+/// on.
+bool Server::GoOn() {
+    try {
+        mLoop.run();
+        return true;
+    } catch (const std::bad_alloc&) {
+        NoteLackOfMemory();
+        return false;
+    }
+}
+
+void Server::NoteLackOfMemory() noexcept {
+    try {
+        platform::ReleaseFreeMemory();
+        mLog.Write("out of memory; what was being done is given up\n");
+    } catch (const std::bad_alloc&) {  // not even for that
+    }
 }
 
 void Server::WatchGround() {
@@ -221,12 +248,19 @@ void Server::Defer(PendingCommand command, Deferral deferral) {
                 std::rethrow_exception(problem);
             };
         }
-        asio::post(mLoop, [this, number, rest = std::move(rest)] {
-            const auto pending = mPending.extract(number);
-            Proceed(pending.mapped(),
-                    [&](CommandContext& context) { return ContinueRequest(context, rest); });
-        });
+        asio::post(mLoop, [this, number, rest = std::move(rest)] { GoOnWith(number, rest); });
     });
+}
+
+void Server::GoOnWith(uint64_t number, const Continuation& rest) {
+    const PendingCommand command = mPending.extract(number).mapped();
+    try {
+        Proceed(command, [&](CommandContext& context) { return ContinueRequest(context, rest); });
+    } catch (const std::bad_alloc&) {
+        if (command.session)
+            command.session->Close();
+        throw;
+    }
 }
 
 void Server::KeepPendingAlive() {

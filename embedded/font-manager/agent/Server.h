@@ -74,12 +74,16 @@ private:
     template <class Step>
     void Proceed(PendingCommand command, const Step& step);
     void Defer(PendingCommand command, Deferral deferral);
+    /// With the pending command of that number.
+    void GoOnWith(uint64_t number, const Continuation& rest);
     void Finish(const PendingCommand& command, const CommandAnswer& answer);
     /// Tells those who wait for a lane that the agent is alive.
     void KeepPendingAlive();
     /// Carries out a command of the agent's own.
     void RunOwn(const char* method, const Continuation& command);
     void CheckVaultLater();
+    bool GoOn();
+    void NoteLackOfMemory() noexcept;
     /// False when that could not be written.
     bool UndoRequests(const HostProcess& host, long long first, long long last);
     void UndoWhatWasNotTaken(Client& client);

@@ -2,9 +2,12 @@
 
 #include <asio/buffer.hpp>
 #include <asio/post.hpp>
+#include <new>
 #include <nlohmann/json.hpp>
 
+#include "agent/MemoryReserve.h"
 #include "common/Limits.h"
+#include "platform/Memory.h"
 
 namespace pellwick {
 
@@ -14,6 +17,17 @@ Session::Session(asio::io_context& loop, platform::LocalStream stream, SessionOw
     mClient.process = process;
 }
 
+template <class Step>
+void Session::Take(const Step& step) {
+    memory_reserve::Restore();
+    try {
+        step();
+    } catch (const std::bad_alloc&) {
+        Close();
+        throw;
+    }
+}
+
 void Session::Read() {
     mStream.Read(asio::buffer(mPiece),
                  [self = shared_from_this()](const asio::error_code& failure, size_t size) {
@@ -21,8 +35,10 @@ void Session::Read() {
                          self->Close();
                          return;
                      }
-                     self->mInput.Append(self->mPiece.data(), size);
-                     self->HandleNextMessage();
+                     self->Take([&] {
+                         self->mInput.Append(self->mPiece.data(), size);
+                         self->HandleNextMessage();
+                     });
                  });
 }
 
@@ -42,6 +58,7 @@ void Session::HandleNextMessage() {
         Close();
         return;
     }
+    mHasTakenMuch = payload->size() > kMaxIdleBuffer;
     Handle(*message);
 }
 
@@ -66,7 +83,11 @@ void Session::Answer(const std::string& frame) {
 
 void Session::GoOn() {
     // The others get their turn before this client's next message.
-    asio::post(mLoop, [self = shared_from_this()] { self->HandleNextMessage(); });
+    asio::post(mLoop, [self = shared_from_this()] {
+        if (self->mHasTakenMuch)
+            platform::ReleaseFreeMemory();
+        self->Take([&] { self->HandleNextMessage(); });
+    });
 }
 
 void Session::Send(const std::string& frame) {

@@ -42,17 +42,20 @@ public:
     void Send(const std::string& frame);
     /// Sends the frame and closes the connection after it.
     void SendLast(const std::string& frame);
+    void Close();
     /// Whether requests are being waited for or output is on its way.
     bool IsOpen() const { return mStream.IsOpen(); }
     Client& Peer() { return mClient; }
 
 private:
+    /// Does the next step. A session that runs out of memory within it cannot be gone on with: it is closed.
+    template <class Step>
+    void Take(const Step& step);
     void Read();
     void HandleNextMessage();
     void Handle(const Json& message);
     void GoOn();
     void OnTaken(size_t size, const asio::error_code& failure);
-    void Close();
 
     asio::io_context& mLoop;
     platform::LocalStream mStream;
@@ -60,8 +63,9 @@ private:
     Client mClient;
     FrameBuffer mInput;
     std::array<char, 65536> mPiece;
-    size_t mQueuedBytes = 0;    ///< of frames that the system has not taken
-    bool mIsAnswering = false;  ///< a request is under way; the next one waits
+    size_t mQueuedBytes = 0;     ///< of frames that the system has not taken
+    bool mHasTakenMuch = false;  ///< of memory, for the message before
+    bool mIsAnswering = false;   ///< a request is under way; the next one waits
     bool mClosesWhenWritten = false;
     bool mIsHeardNoMore = false;  ///< by the client; what it has said is still to be read
 };

@@ -9,6 +9,15 @@ namespace pellwick {
 
 /// A message larger than this is refused on either side: a page of a font list is below 1 MiB.
 constexpr size_t kMaxMessageSize = size_t{16} << 20;
+/// Values in a message, counted in all depths: a page of a font list has twenty thousand. A value takes one
+/// byte in a message and up to two hundred in memory, so that no message makes more than about 100 MB.
+constexpr size_t kMaxMessageValues = 500000;
+/// What the agent sets aside for cleaning up when there is no more memory: destroying a message of so many
+/// values takes two thirds of it.
+constexpr size_t kMemoryReserve = size_t{36} << 20;
+/// What a buffer for messages keeps when it is empty, and from what size on the memory that a message took is
+/// given back to the system: such messages are rare.
+constexpr size_t kMaxIdleBuffer = size_t{256} << 10;
 /// Messages are flat: records in arrays in one object. Deeper ones would only serve to exhaust the stack.
 constexpr int kMaxMessageDepth = 64;
 /// What may wait for a client that does not read; one that lets more pile up is dropped.
@@ -19,6 +28,12 @@ constexpr std::chrono::milliseconds kAnswerLimit{2000};
 /// How long a host waits for an answer, however many signs of life there are; also all that calls wait
 /// together that follow one which waited in vain. A host's main thread is not to be kept for five seconds.
 constexpr std::chrono::milliseconds kCallLimit{4400};
+/// How long a host goes on with a request that was cut into parts, since a document has too many fonts for
+/// one message: as long as one answer may take. And how many fonts a part has, and in how many bytes: an
+/// answer may hold a font's record three times, each a thousand bytes.
+constexpr std::chrono::milliseconds kPartsLimit{2000};
+constexpr size_t kMaxFontsPerRequest = 2000;
+constexpr size_t kMaxFontsSize = size_t{2} << 20;
 /// A host that pauses for so long after an answer has done something else than to wait for the next one.
 constexpr std::chrono::milliseconds kHostPause{2};
 /// How long what a host activated without learning of it stays, in case it asks for the same again.

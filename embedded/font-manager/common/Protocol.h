@@ -98,6 +98,9 @@ inline constexpr char kFullNameMember[] = "FullName";
 /// whether it is offered.
 inline constexpr char kVisibleMember[] = "visible";
 
+/// In a request for a document's fonts: for how many missing ones replacements are wanted.
+inline constexpr char kReplacementsMember[] = "replacements";
+
 /// The font's ID in the record of its images, beside their paths.
 inline constexpr char kPreviewFontMember[] = "font";
 

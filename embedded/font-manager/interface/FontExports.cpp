@@ -1,6 +1,10 @@
 // Finding, activating and exporting fonts.
+#include <chrono>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <vector>
 
+#include "common/Limits.h"
 #include "common/Protocol.h"
 #include "interface/CFJson.h"
 #include "interface/Exports.h"
@@ -13,6 +17,77 @@ namespace {
 
 ErrorCode Call(PluginFacadeRef facade, const char* method, const Json& arguments, Json& result) {
     return Library::Get().Call(facade, method, arguments, result);
+}
+
+/// The database IDs of fonts, for what the agent needs nothing else of.
+Json IDsOf(const Json& fonts) {
+    Json ids = Json::array();
+    for (const Json& font : fonts)
+        ids.push_back(font.is_object() ? Json(IntegerMember(font, kGS_DatabaseIDKey)) : font);
+    return ids;
+}
+
+/// Fonts of a request, so many that the request and its answer fit into messages.
+class FontParts {
+public:
+    explicit FontParts(const Json& fonts) : mFonts(fonts) {}
+
+    /// The next part, which begins with the font at Begin(); empty behind the last one.
+    Json Next() {
+        mBegin = mEnd;
+        Json part = Json::array();
+        for (size_t size = 0; mEnd < mFonts.size() && part.size() < kMaxFontsPerRequest; ++mEnd) {
+            size += MessageSize(mFonts[mEnd]);
+            if (size > kMaxFontsSize && !part.empty())
+                break;
+            part.push_back(mFonts[mEnd]);
+        }
+        return part;
+    }
+    size_t Begin() const { return mBegin; }
+
+private:
+    const Json& mFonts;
+    size_t mBegin = 0;
+    size_t mEnd = 0;
+};
+
+/// A call for any number of fonts. Parts that are begun in time are called for one after the other, and
+/// `take` gets the result of each with the position of its first font; it may change the arguments for the
+/// next. GIPCClient::kReplyTimeout when the time was over before the last part.
+template <class Take>
+ErrorCode CallInParts(PluginFacadeRef facade, const char* method, Json& arguments, const Json& fonts,
+                      const Take& take) {
+    const auto end = std::chrono::steady_clock::now() + kPartsLimit;
+    FontParts parts(fonts);
+    Json part = parts.Next();
+    do {
+        arguments["fonts"] = std::move(part);
+        Json result;
+        const ErrorCode code = Call(facade, method, arguments, result);
+        if (code != CoreErrorCodes::kSuccess)
+            return code;
+        take(result, parts.Begin());
+        part = parts.Next();
+        if (!part.empty() && std::chrono::steady_clock::now() > end)
+            return GIPCClient::kReplyTimeout;
+    } while (!part.empty());
+    return CoreErrorCodes::kSuccess;
+}
+
+/// The same for fonts by their IDs, when the result holds an array that is to be appended. What was done for
+/// some of the fonts when the time was over is appended as well.
+ErrorCode CallInPartsForFonts(PluginFacadeRef facade, const char* method, Json arguments, CFArrayRef fonts,
+                              const char* member, CFMutableArrayRef appended) {
+    Json all = Json::array();
+    const ErrorCode code =
+        CallInParts(facade, method, arguments, IDsOf(JsonFromCF(fonts)), [&](const Json& result, size_t) {
+            const Json& part = ArrayMember(result, member);
+            all.insert(all.end(), part.begin(), part.end());
+        });
+    if (code == CoreErrorCodes::kSuccess || code == GIPCClient::kReplyTimeout)
+        AppendJson(appended, all);
+    return code;
 }
 
 /// A call whose result holds an array that is to be appended.
@@ -77,15 +152,36 @@ CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
     return unmatched;
 }
 
-void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts, const Json& result) {
-    const Json& indices = ArrayMember(result, "unmatched");
-    const Json& replacements = ArrayMember(result, "replacements");
-    for (size_t index = 0; index < indices.size(); ++index) {
-        const auto position = indices[index].get<CFIndex>();
+/// What the parts of a request for a document's fonts came to.
+struct DocumentFonts {
+    Json matched = Json::array();
+    Json reported = Json::array();
+    std::vector<CFIndex> unmatched;     ///< positions in the request
+    Json replacements = Json::array();  ///< for the first of these
+    std::set<long long> matchedIDs;
+
+    void Add(const Json& result, size_t firstFont) {
+        for (const Json& font : ArrayMember(result, "matched")) {
+            if (matchedIDs.insert(IntegerMember(font, kGS_DatabaseIDKey)).second)
+                matched.push_back(font);  // else a part before named it, too
+        }
+        Append(reported, ArrayMember(result, "reported"));
+        Append(replacements, ArrayMember(result, "replacements"));
+        for (const Json& index : ArrayMember(result, "unmatched"))
+            unmatched.push_back(static_cast<CFIndex>(firstFont) + index.get<CFIndex>());
+    }
+    static void Append(Json& all, const Json& part) { all.insert(all.end(), part.begin(), part.end()); }
+};
+
+void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts,
+                     const DocumentFonts& found) {
+    for (size_t index = 0; index < found.unmatched.size(); ++index) {
+        const CFIndex position = found.unmatched[index];
+        const bool hasReplacements = index < found.replacements.size();
         if (position >= 0 && position < CFArrayGetCount(requestedFonts))
             cf::Append(unmatchedFonts,
                        UnmatchedFont(CFArrayGetValueAtIndex(requestedFonts, position),
-                                     index < replacements.size() ? replacements[index] : Json::object()));
+                                     hasReplacements ? found.replacements[index] : Json::object()));
     }
 }
 
@@ -96,8 +192,9 @@ uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef doc
     return Guarded([&] {
         if (fonts == nullptr)
             return CoreErrorCodes::kNullPointer;
-        const Json arguments = {{"fonts", JsonFromCF(fonts)}, {"document", cf::ToUtf8(documentIdentifier)}};
-        return ErrorCode{CallForFonts(facade, method::kActivateFonts, arguments, "matched", matchedFonts)};
+        return CallInPartsForFonts(facade, method::kActivateFonts,
+                                   {{"document", cf::ToUtf8(documentIdentifier)}}, fonts, "matched",
+                                   matchedFonts);
     });
 }
 
@@ -107,16 +204,23 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
     return Guarded([&] {
         if (requestedFonts == nullptr)
             return CoreErrorCodes::kNullPointer;
-        Json result;
-        const ErrorCode code =
-            Call(facade, method::kActivateDocumentFonts,
-                 {{"fonts", JsonFromCF(requestedFonts)}, {"document", cf::ToUtf8(documentPath)}}, result);
-        if (code != CoreErrorCodes::kSuccess)
+        DocumentFonts found;
+        Json arguments = {{"document", cf::ToUtf8(documentPath)}};
+        const ErrorCode code = CallInParts(facade, method::kActivateDocumentFonts, arguments,
+                                           JsonFromCF(requestedFonts), [&](const Json& result, size_t first) {
+                                               found.Add(result, first);
+                                               arguments[kReplacementsMember] =
+                                                   kMaxFontsWithReplacements - found.replacements.size();
+                                           });
+        const bool isCutOff = code == GIPCClient::kReplyTimeout;
+        if (code != CoreErrorCodes::kSuccess && !isCutOff)
             return code;
-        AppendJson(matchedFonts, ArrayMember(result, "matched"));
-        AppendJson(reportedFonts, ArrayMember(result, "reported"));
+        AppendJson(matchedFonts, found.matched);  // what is active is the caller's to let go of
+        if (isCutOff)
+            return code;
+        AppendJson(reportedFonts, found.reported);
         if (unmatchedFonts != nullptr)
-            AppendUnmatched(unmatchedFonts, requestedFonts, result);
+            AppendUnmatched(unmatchedFonts, requestedFonts, found);
         return code;
     });
 }
@@ -126,8 +230,8 @@ uint32_t DeactivateFonts(PluginFacadeRef facade, CFArrayRef fonts, uint64_t,
     return Guarded([&] {
         if (fonts == nullptr)
             return CoreErrorCodes::kNullPointer;
-        return ErrorCode{CallForFonts(facade, method::kDeactivateFonts, {{"fonts", JsonFromCF(fonts)}},
-                                      "deactivated", deactivatedFonts)};
+        return CallInPartsForFonts(facade, method::kDeactivateFonts, Json::object(), fonts, "deactivated",
+                                   deactivatedFonts);
     });
 }
 

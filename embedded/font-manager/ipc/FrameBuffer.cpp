@@ -41,6 +41,10 @@ std::optional<std::string> FrameBuffer::Next() {
         return std::nullopt;
     std::string payload = mBytes.substr(mTaken + kHeaderSize, size);
     mTaken += kHeaderSize + size;
+    if (IsEmpty() && mBytes.capacity() > kMaxIdleBuffer) {
+        std::string().swap(mBytes);
+        mTaken = 0;
+    }
     return payload;
 }
 

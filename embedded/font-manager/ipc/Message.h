@@ -10,11 +10,14 @@ namespace pellwick {
 
 using Json = nlohmann::json;
 
-/// The message as a frame; nothing when it is larger than a message may be.
+/// The message as a frame; nothing when it is larger, or holds more values, than a message may.
 std::optional<std::string> EncodeMessage(const Json& message);
 
-/// The message in a frame's payload; nothing when the payload is no MessagePack object, goes on after it or
-/// is nested too deeply. Any bytes are safe.
+/// How many bytes the value has in a message.
+size_t MessageSize(const Json& value);
+
+/// The message in a frame's payload; nothing when the payload is no MessagePack object, goes on after it, is
+/// nested too deeply or holds more than kMaxMessageValues. Any bytes are safe.
 std::optional<Json> DecodeMessage(std::string_view payload);
 
 // Members that may be missing or of another type, whoever sent them.

@@ -384,12 +384,13 @@ TEST(Agent, DropsASubscriberThatDoesNotRead) {
     AgentConnection good(std::chrono::seconds(30));
     Json result;
     ASSERT_EQ(deaf.Call("Subscribe", Json::object(), result), CoreErrorCodes::kSuccess);
-    // A long name makes answers of 1 MiB; 64 of them are more than may wait for one client.
+    // Answers of 1 MiB: 64 of them are more than may wait for one client.
     RawClient greedy;
-    ASSERT_EQ(good.Call("LogIn", {{"name", std::string(1 << 20, 'x')}}, result), CoreErrorCodes::kSuccess);
+    ASSERT_EQ(good.Call("WriteFontUsage", {{"path", "/d"}, {"usage", std::string(1 << 20, 'x')}}, result),
+              CoreErrorCodes::kSuccess);
     std::string requests;
     for (int id = 1; id <= 64; ++id)
-        requests += *EncodeMessage({{"id", id}, {"method", "GetStatus"}});
+        requests += *EncodeMessage({{"id", id}, {"method", "GetFontUsage"}, {"args", {{"path", "/d"}}}});
     greedy.Send(requests);
     EXPECT_TRUE(Eventually(
         [&] { return AgentLog().find("dropped a client that does not read") != std::string::npos; }));

@@ -62,7 +62,7 @@ TEST_F(DesignTest, ConflictsAreActiveFontsOfTheNameInOtherFiles) {
     EXPECT_EQ(ConflictsOf({mIDs[0], mIDs[0], mIDs[2], mOther}), IDs{mIDs[1]});
     EXPECT_EQ(ConflictsOf({mIDs[1]}), IDs());  // no font conflicts with itself
     mWorld.RunForJson({"activate", std::to_string(mIDs[0])});
-    EXPECT_EQ(ConflictsOf({mIDs[0], mIDs[1]}), (IDs{mIDs[1], mIDs[0]}));
+    EXPECT_EQ(ConflictsOf({mIDs[0], mIDs[1]}), (IDs{mIDs[0], mIDs[1]}));
 }
 
 TEST_F(DesignTest, HoldsAFontForDesignUntilItIsDisabledWhateverBecomesOfDocuments) {

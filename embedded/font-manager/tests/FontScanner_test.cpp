@@ -25,6 +25,17 @@ TEST(FontScanner, ReadsTheNamesOfAFont) {
     EXPECT_EQ(faces[0].kind, GFontManagerConstants::kFontKind_trueType);
 }
 
+TEST(FontScanner, NamesLoseWhatWouldActOnATerminalOrHideThem) {
+    std::string reason;
+    // The font's names are UTF-16, made of these bytes.
+    const auto faces =
+        FontScanner().Scan(MakeTestFont({"Sample-Bold", "S\x1B\x9Bmpl\n", "B\x7Fld\x85"}), reason);
+    ASSERT_EQ(faces.size(), 1u) << reason;
+    EXPECT_EQ(faces[0].family, "Smpl");
+    EXPECT_EQ(faces[0].style, "Bld");
+    EXPECT_EQ(CleanName(" a\u202Eb\u2066c\u2029\u061C "), "abc");
+}
+
 TEST(FontScanner, ReadsEveryMemberOfACollection) {
     std::string reason;
     const auto faces =

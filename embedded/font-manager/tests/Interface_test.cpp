@@ -152,6 +152,41 @@ TEST_F(InterfaceTest, OnlySoManyMissingFontsComeWithReplacements) {
     EXPECT_EQ(cf::Get(RecordAt(unmatched, last), kGS_PossibleReplacementsKey), nullptr);
 }
 
+TEST_F(InterfaceTest, MoreFontsThanAMessageHoldsAreAskedForInParts) {
+    const auto requested = cf::MutableArray();
+    const auto append = [&](const std::string& name, size_t size) {
+        const auto font = cf::MutableDictionary();
+        cf::Set(font, kGS_PostScriptNameKey, name);
+        cf::Set(font, "Remark", std::string(size, 'x'));
+        cf::Append(requested, font);
+    };
+    append("Sample-Bold", 0);
+    for (int index = 0; index < 9; ++index)
+        append("Sample-Black", kMaxMessageSize / 9);
+    for (size_t index = 0; index < kMaxFontsPerRequest; ++index)
+        append("Gone", 0);
+    append("Sample-Italic", 0);
+    append("Sample-Bold", 0);
+    const auto matched = cf::MutableArray();
+    const auto unmatched = cf::MutableArray();
+    const auto reported = cf::MutableArray();
+    ASSERT_EQ(
+        mLibrary.ActivateDocumentFontsByPath(mLibrary.Facade(), CFSTR("/document.indd"), requested.get(),
+                                             matched.get(), unmatched.get(), reported.get()),
+        0u);
+    EXPECT_EQ(cf::Count(matched.get()), 2) << "each font once";
+    EXPECT_EQ(cf::Count(reported.get()), 3);
+    ASSERT_EQ(cf::Count(unmatched.get()), 9 + static_cast<CFIndex>(kMaxFontsPerRequest));
+    EXPECT_EQ(cf::GetString(RecordAt(unmatched, 8), kGS_PostScriptNameKey), "Sample-Black");
+    EXPECT_EQ(cf::GetString(RecordAt(unmatched, 9), kGS_PostScriptNameKey), "Gone");
+    EXPECT_NE(cf::Get(RecordAt(unmatched, 8), kGS_PossibleReplacementsKey), nullptr);
+    EXPECT_EQ(cf::Get(RecordAt(unmatched, 9), kGS_PossibleReplacementsKey), nullptr);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
+    const auto deactivated = cf::MutableArray();
+    EXPECT_EQ(mLibrary.DeactivateFonts(mLibrary.Facade(), matched.get(), 0, deactivated.get()), 0u);
+    EXPECT_EQ(cf::Count(deactivated.get()), 2);
+}
+
 TEST_F(InterfaceTest, TheUsersOwnActivationOutlivesADocument) {
     mWorld.RunForJson({"activate", "Sample-Bold"});
     CFRef<CFMutableArrayRef> matched;

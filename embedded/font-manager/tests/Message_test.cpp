@@ -59,6 +59,51 @@ TEST(Message, RefusesNestingThatWouldExhaustTheStack) {
                       std::string(1000000, '\x91')));
 }
 
+TEST(Message, RefusesMoreValuesThanMemoryIsFor) {
+    // Any kind of value, in arrays and objects: an object of one member, an array of so many elements.
+    const auto payload = [](const std::string& element, size_t count) {
+        std::string bytes =
+            "\x81\xA1"
+            "a\xDD";
+        for (int shift = 24; shift >= 0; shift -= 8)
+            bytes += static_cast<char>(count >> shift & 0xFF);
+        for (size_t index = 0; index < count; ++index)
+            bytes += element;
+        return bytes;
+    };
+    const std::vector<std::string> values = {"\x90",
+                                             "\x80",
+                                             "\xC0",
+                                             "\xC3",
+                                             "\x01",
+                                             "\xFF",
+                                             "\xA0",
+                                             std::string("\xCA\0\0\0\0", 5),
+                                             std::string("\xC4\0", 2)};
+    for (const std::string& value : values) {
+        const size_t most = kMaxMessageValues - 2;  // the object and the array count as well
+        EXPECT_FALSE(DecodeMessage(payload(value, most + 1))) << int(value[0]);
+    }
+    EXPECT_TRUE(DecodeMessage(payload(values[0], kMaxMessageValues - 2)));
+    EXPECT_FALSE(DecodeMessage(payload("\x81\xA0\x90", kMaxMessageValues / 2)));
+    // What would not be taken is not sent.
+    EXPECT_TRUE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 2, 1)}}));
+    EXPECT_FALSE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 1, 1)}}));
+}
+
+TEST(FrameBuffer, KeepsNoMemoryOfALargeMessage) {
+    FrameBuffer buffer;
+    const std::string large = *MakeFrame(std::string(kMaxMessageSize, 'x'));
+    const std::string small = *MakeFrame("small");
+    buffer.Append(large.data(), large.size());
+    buffer.Append(small.data(), small.size());
+    EXPECT_EQ(buffer.Next()->size(), kMaxMessageSize);
+    EXPECT_EQ(buffer.Next(), "small");
+    EXPECT_LE(buffer.Capacity(), kMaxIdleBuffer);
+    buffer.Append(small.data(), small.size());
+    EXPECT_EQ(buffer.Next(), "small");
+}
+
 TEST(Message, MembersOfAnotherTypeCountAsMissing) {
     const Json message = {{"text", 1}, {"number", "x"}, {"array", {{"a", 1}}}};
     EXPECT_EQ(StringMember(message, "text"), "");

@@ -1,5 +1,6 @@
 #include "DocumentFonts.h"
 
+#include <chrono>
 #include <set>
 
 #include "FontListJSON.h"
@@ -10,12 +11,17 @@
 
 namespace {
 
+/// How long the host's main thread may be kept by the search: so long that most documents, on most disks, are
+/// read to the end, and so short that there is patience left to ask the font manager.
+constexpr std::chrono::milliseconds kSearchLimit{2000};
+
 void AppendFontsFromFile(const std::string& path, CFMutableArrayRef fonts) {
     std::set<std::string> names;
     GBinaryDocumentFontExtractor extractor{GFileSystemSpec(path)};
+    extractor.SetTimeLimit(kSearchLimit);
     if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
-        return;       // reported where it failed
-    names.erase("");  // what a damaged document may hold, and nobody can look for
+        return;  // reported where it failed
+    EraseImpossibleNames(names);
     for (const std::string& name : names) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
         cf::Set(font, kGS_PostScriptNameKey, name);

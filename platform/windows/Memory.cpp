@@ -1,0 +1,7 @@
+#include "platform/Memory.h"
+
+#include <windows.h>
+
+void platform::ReleaseFreeMemory() noexcept {
+    HeapCompact(GetProcessHeap(), 0);
+}
