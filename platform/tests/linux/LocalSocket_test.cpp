@@ -20,7 +20,10 @@ using namespace std::chrono_literals;
 
 class LocalSocketTest : public testing::Test {
 protected:
-    LocalSocketTest() { fs::create_directory(mParent); }
+    LocalSocketTest() {
+        fs::create_directory(mParent);
+        fs::permissions(mParent, fs::perms::owner_all);
+    }
 
     bool IsReached() {
         const std::atomic<bool> isCancelled{false};

@@ -92,8 +92,9 @@ TEST(OtherUsers, WhatIsOpenIsClosedWhenTheAgentStarts) {
     world.Write("elsewhere/file", "");
     fs::create_directory_symlink(world.Path("elsewhere"), world.Path("data/Vantorix/link"));
     for (const auto& entry : fs::recursive_directory_iterator(world.Path("."))) {
-        if (!entry.is_symlink() && (entry.is_directory() || entry.path().filename() == "Pellwick.log"))
-            fs::permissions(entry.path(), fs::perms::all);
+        const bool isOpen = entry.is_directory() || entry.path().filename() == "Pellwick.log";
+        if (!entry.is_symlink())
+            fs::permissions(entry.path(), isOpen ? fs::perms::all : fs::perms::owner_read);
     }
     world.StartAgent();
     ExpectPrivate(world);

@@ -21,6 +21,7 @@ constexpr char kAgentProgram[] = PELLWICK_PROGRAM;
 
 TestWorld::TestWorld(const std::string& name) : mFolder(mTemporaryFolder.Path() / platform::Utf8Path(name)) {
     fs::create_directories(mFolder);
+    fs::permissions(mFolder, fs::perms::owner_all);  // whatever the umask
     const std::map<std::string, std::string> variables = {{"HOME", platform::Utf8Text(mFolder)},
                                                           {"XDG_DATA_HOME", Path("data")},
                                                           {"XDG_CACHE_HOME", Path("cache")},
