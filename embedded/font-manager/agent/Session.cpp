@@ -53,12 +53,14 @@ void Session::HandleNextMessage() {
             Read();
         return;
     }
-    const std::optional<Json> message = DecodeMessage(*payload);
-    if (!message) {
+    if (payload->size() > kMaxMessageWithoutReserve && !memory_reserve::Restore())
+        throw std::bad_alloc();
+    if (std::optional<Json> message = DecodeMessage(*payload)) {
+        const ScopedDisposal disposal(*message);
+        Handle(*message);
+    } else {
         Close();
-        return;
     }
-    Handle(*message);
     // The others get their turn before this client's next message.
     asio::post(mLoop, [self = shared_from_this(), isLarge = payload->size() > kMaxIdleBuffer] {
         if (isLarge)
