@@ -53,13 +53,15 @@ void Session::HandleNextMessage() {
             Read();
         return;
     }
-    const std::optional<Json> message = DecodeMessage(*payload);
-    if (!message) {
-        Close();
-        return;
-    }
+    if (payload->size() > kMaxMessageWithoutReserve && !memory_reserve::Restore())
+        throw std::bad_alloc();
     mHasTakenMuch = payload->size() > kMaxIdleBuffer;
-    Handle(*message);
+    if (std::optional<Json> message = DecodeMessage(*payload)) {
+        const ScopedDisposal disposal(*message);
+        Handle(*message);
+    } else {
+        Close();
+    }
 }
 
 void Session::Handle(const Json& message) {

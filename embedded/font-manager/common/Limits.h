@@ -12,9 +12,12 @@ constexpr size_t kMaxMessageSize = size_t{16} << 20;
 /// Values in a message, counted in all depths: a page of a font list has twenty thousand. A value takes one
 /// byte in a message and up to two hundred in memory, so that no message makes more than about 100 MB.
 constexpr size_t kMaxMessageValues = 500000;
-/// What the agent sets aside for cleaning up when there is no more memory: destroying a message of so many
-/// values takes two thirds of it.
-constexpr size_t kMemoryReserve = size_t{36} << 20;
+/// What the agent sets aside, twice, for cleaning up when there is no more memory: to destroy its largest
+/// answers takes less.
+constexpr size_t kMemoryReserve = size_t{8} << 20;
+/// Messages that are still taken when there is no memory for the reserve: what most commands ask for, and
+/// little to clean up after.
+constexpr size_t kMaxMessageWithoutReserve = size_t{16} << 10;
 /// What a buffer for messages keeps when it is empty, and from what size on the memory that a message took is
 /// given back to the system: such messages are rare.
 constexpr size_t kMaxIdleBuffer = size_t{256} << 10;

@@ -81,8 +81,17 @@ size_t MessageSize(const Json& value) {
     return bytes.size();
 }
 
+void Dispose(Json& value) noexcept {
+    if (!value.is_structured())
+        return;
+    for (Json& part : value)
+        Dispose(part);
+    value.clear();
+}
+
 std::optional<Json> DecodeMessage(std::string_view payload) {
     Json message;
+    ScopedDisposal disposal(message);
     BoundedBuilder builder(message);
     try {
         if (!Json::sax_parse(payload.begin(), payload.end(), &builder, Json::input_format_t::msgpack) ||
@@ -91,6 +100,7 @@ std::optional<Json> DecodeMessage(std::string_view payload) {
     } catch (const Json::exception&) {  // an announced size that no container can have
         return std::nullopt;
     }
+    disposal.Keep();
     return message;
 }
 

@@ -16,6 +16,26 @@ std::optional<std::string> EncodeMessage(const Json& message);
 /// How many bytes the value has in a message.
 size_t MessageSize(const Json& value);
 
+/// Destroys the parts of a value that may be large. The value's own way takes memory for a list of them, and
+/// what is destroyed since there is no memory must not fail for lack of it.
+void Dispose(Json& value) noexcept;
+
+/// Does so at the end of its scope, unless it is told to keep the value.
+class ScopedDisposal {
+public:
+    explicit ScopedDisposal(Json& value) : mValue(&value) {}
+    ~ScopedDisposal() {
+        if (mValue != nullptr)
+            Dispose(*mValue);
+    }
+    ScopedDisposal(const ScopedDisposal&) = delete;
+    ScopedDisposal& operator=(const ScopedDisposal&) = delete;
+    void Keep() { mValue = nullptr; }
+
+private:
+    Json* mValue;
+};
+
 /// The message in a frame's payload; nothing when the payload is no MessagePack object, goes on after it, is
 /// nested too deeply or holds more than kMaxMessageValues. Any bytes are safe.
 std::optional<Json> DecodeMessage(std::string_view payload);

@@ -121,7 +121,6 @@ Database::Database(const std::string& path) {
         throw DatabaseError(CodeOf(code), MessageOf(path, database, code));
     sqlite3_extended_result_codes(database, 1);
     sqlite3_busy_timeout(database, 1000);
-    SetDurable(true);
 }
 
 Database::~Database() = default;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr char kSettings[] = R"sql(
 PRAGMA journal_mode = WAL;
+PRAGMA synchronous = FULL;
 PRAGMA foreign_keys = ON;
 )sql";
 

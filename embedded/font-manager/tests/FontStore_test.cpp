@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "FontRecordKeys.h"
 #include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
@@ -280,15 +282,15 @@ ErrorCode RefusalOf(Database& database) {
 }
 
 TEST(Schema, RefusesADatabaseWhoseVersionIsNoneOfOurs) {
-    for (const auto& [version, code] : std::vector<std::pair<const char*, ErrorCode>>{
-             {"4", CoreErrorCodes::kVersionMismatch},
-             {"2147483647", CoreErrorCodes::kVersionMismatch},
-             {"-1", GSqliteDatabase::kInvalidDatabaseFile},
-             {"-1000", GSqliteDatabase::kInvalidDatabaseFile},
-             {"-2147483648", GSqliteDatabase::kInvalidDatabaseFile}}) {
+    for (const auto& [version, code] :
+         std::vector<std::pair<int, ErrorCode>>{{kSchemaVersion + 1, CoreErrorCodes::kVersionMismatch},
+                                                {INT_MAX, CoreErrorCodes::kVersionMismatch},
+                                                {-1, GSqliteDatabase::kInvalidDatabaseFile},
+                                                {-1000, GSqliteDatabase::kInvalidDatabaseFile},
+                                                {INT_MIN, GSqliteDatabase::kInvalidDatabaseFile}}) {
         Database database(":memory:");
         PrepareSchema(database);
-        database.Execute(("PRAGMA user_version = " + std::string(version)).c_str());
+        database.Execute(("PRAGMA user_version = " + std::to_string(version)).c_str());
         EXPECT_EQ(RefusalOf(database), code) << version;
     }
 }
