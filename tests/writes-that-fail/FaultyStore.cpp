@@ -125,6 +125,7 @@ Json FaultyStore::Fonts(const Json& filter) {
     for (Json& font : fonts) {
         font.erase(kGS_DatabaseIDKey);
         font.erase(kGS_WorkgroupIDKey);
+        font.erase(kGS_OutlineFileNameKey);  // one that was taken back has lost it
     }
     std::sort(fonts.begin(), fonts.end());
     return fonts;

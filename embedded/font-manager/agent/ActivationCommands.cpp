@@ -49,6 +49,7 @@ public:
     const Json& Before(uint32_t fontID) const { return mMatched[mPositions.at(fontID)]; }
 
     Json Commit() {
+        RequireSendable(mMatched);
         mContext.MakeProvisional();
         const ActivationChanges changes = mActivation.Commit();
         mContext.NoteUndone();
@@ -149,6 +150,7 @@ Json DeactivateFonts(CommandContext& context, const Json& arguments) {
     Json deactivated = Json::array();
     for (const uint32_t id : activation.Changes().deactivated)
         deactivated.push_back(FontRecord(context.manager, *context.manager.fonts.Find(id)));
+    RequireSendable(deactivated);
     Json answer = {{"deactivated", std::move(deactivated)}};
     context.KeepAnswer(answer);
     AnnounceChanges(context.audience, activation.Commit());
@@ -173,6 +175,7 @@ Json ActivateForUser(CommandContext& context, const Json& arguments) {
         if (font && !activation.ActivateForUser(*font))
             failed.push_back(FontRecord(context.manager, *font));
     }
+    RequireSendable(failed);
     AnnounceChanges(context.audience, activation.Commit());
     return {{"failed", std::move(failed)}};
 }

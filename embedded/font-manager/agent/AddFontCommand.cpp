@@ -24,6 +24,7 @@ struct Arrival {
     Arrival& operator=(const Arrival&) = delete;
 
     const FontVault& vault;
+    std::string name;  ///< as the user calls the file
     FontFile file;
     ReceivedFile received;
     std::vector<FontFace> faces;
@@ -93,7 +94,7 @@ void Receive(const std::string& path, Arrival& arrival, const StopFlag& isStoppe
     }
     arrival.file.checksum = arrival.received.checksum;
     arrival.file.size = arrival.received.size;
-    arrival.file.name = platform::NamePart(path);
+    arrival.file.name = arrival.name = platform::NamePart(path);
 }
 
 void Read(Arrival& arrival, FontWorker& worker) {
@@ -108,10 +109,9 @@ void Read(Arrival& arrival, FontWorker& worker) {
 }
 
 void Place(Arrival& arrival) {
-    const bool wasThere = arrival.vault.Has(arrival.file);
+    arrival.isNewInVault = !arrival.vault.Has(arrival.file);  // also where the folder cannot be flushed after
     if (const auto error = arrival.vault.Place(arrival.received, arrival.file))
         ThrowUnwritable(arrival.vault.PathOf(arrival.file), error);
-    arrival.isNewInVault = !wasThere;
 }
 
 /// The record of the file, if there is one, and the arrival's own where there is none.
@@ -125,6 +125,7 @@ int64_t Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
     if (!isKnown)
         return manager.fonts.Add(arrival.file, arrival.faces);
     manager.fonts.SetFileMissing(known->id, false);
+    manager.fonts.SetFileName(known->id, arrival.name);  // one that was taken back has lost it
     return known->id;
 }
 
@@ -144,16 +145,17 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     Transaction transaction(manager.database);
     const Workgroup workgroup = TargetWorkgroup(context, workgroupName);
     const int64_t fileID = Note(context, *arrival, isKnown);
-    const std::vector<Font> fonts = manager.fonts.FontsOfFile(fileID);
-    for (const Font& font : fonts)
+    for (const Font& font : manager.fonts.FontsOfFile(fileID))
         manager.workgroups.AddFont(workgroup.id, font.id);
+    Json fonts = FontRecords(manager, manager.fonts.FontsOfFile(fileID));
+    RequireSendable(fonts);
     transaction.Commit();
     arrival->isNewInVault = false;  // it stays
     if (arrival->isRepaired)
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"fonts", FontRecords(manager, manager.fonts.FontsOfFile(fileID))}, {"alreadyKnown", isKnown}};
+    return {{"fonts", std::move(fonts)}, {"alreadyKnown", isKnown}};
 }
 
 /// A file that is known need not be read again; its copy in the vault is made good if need be.

@@ -9,6 +9,8 @@
 namespace pellwick {
 namespace {
 
+constexpr char kTooLarge[] = "the answer is too large; ask for less at a time";
+
 Json Failure(const char* message) {
     return {{"message", message}};
 }
@@ -70,7 +72,7 @@ std::string AnswerFrame(const CommandContext& context, ErrorCode& code, const Js
     if (!frame)
         frame = EncodeMessage({{"id", id},
                                {"code", error_codes::GIPCReceiver::kMessageTooLarge},
-                               {"result", Failure("the answer is too large; ask for less at a time")}});
+                               {"result", Failure(kTooLarge)}});
     return *frame;
 }
 
@@ -124,6 +126,12 @@ void CommandContext::KeepAnswer(const Json& answer) {
     if (client.isHost)
         manager.activations.KeepAnswer(client.process, request,
                                        answer.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+void RequireSendable(const Json& answer) {
+    constexpr size_t kSurelyFit = 500;  // records: their names are bounded
+    if (answer.size() > kSurelyFit && !EncodeMessage({{"result", answer}}))
+        throw CommandError(error_codes::GIPCReceiver::kMessageTooLarge, kTooLarge);
 }
 
 void RequireLogIn(CommandContext& context) {

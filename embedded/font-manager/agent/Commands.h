@@ -133,6 +133,10 @@ std::optional<CommandAnswer> BeginRequest(const CommandTable& table, CommandCont
 /// The same for the rest of a command.
 std::optional<CommandAnswer> ContinueRequest(CommandContext& context, const Continuation& rest);
 
+/// Throws CommandError when this is more than an answer may hold. To be called before what it tells of is
+/// committed: what was done is not to be told as a failure.
+void RequireSendable(const Json& answer);
+
 /// Throws CommandError while nobody is logged in.
 void RequireLogIn(CommandContext& context);
 

@@ -171,6 +171,10 @@ void FontStore::SetFileMissing(int64_t fileID, bool isMissing) {
     mDatabase.Prepare("UPDATE files SET missing = ? WHERE id = ?").Bind(isMissing, fileID).Run();
 }
 
+void FontStore::SetFileName(int64_t fileID, const std::string& name) {
+    mDatabase.Prepare("UPDATE files SET name = ? WHERE id = ?").Bind(name, fileID).Run();
+}
+
 void FontStore::NoteMissingFiles(const std::vector<FontFile>& files) {
     mDatabase.Execute("UPDATE files SET missing = 0 WHERE missing");
     for (const FontFile& file : files)

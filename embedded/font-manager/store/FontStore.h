@@ -77,6 +77,7 @@ public:
     void ForgetRemovedFiles();
     /// Notes that the file cannot be found in the vault, or is there again.
     void SetFileMissing(int64_t fileID, bool isMissing);
+    void SetFileName(int64_t fileID, const std::string& name);
     /// Notes that exactly these files cannot be found.
     void NoteMissingFiles(const std::vector<FontFile>& files);
 
