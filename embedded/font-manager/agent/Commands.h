@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -162,7 +163,7 @@ Json AddFile(CommandContext& context, const Json& arguments);
 /// Has the lane for files look at the next file of the vault that is due; see VaultCommands.cpp.
 Json CheckNextFile(CommandContext& context);
 /// Takes files of the vault that no record knows into the library, one after the other.
-Json TakeBack(CommandContext& context, std::vector<std::string> paths);
+Json TakeBack(CommandContext& context, const std::shared_ptr<std::vector<std::string>>& paths);
 
 /// Announces fonts that became active or inactive, or whose files are gone.
 void AnnounceChanges(Audience& audience, const ActivationChanges& changes);

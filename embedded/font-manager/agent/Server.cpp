@@ -281,9 +281,9 @@ void Server::RunOwn(const char* method, const Continuation& command) {
     Proceed({method}, [&](CommandContext& context) { return ContinueRequest(context, command); });
 }
 
-void Server::TakeBackFonts(const std::vector<std::string>& paths) {
-    if (!paths.empty())
-        RunOwn("taking fonts back", [&](CommandContext& context) { return TakeBack(context, paths); });
+void Server::TakeBackFonts(std::vector<std::string> paths) {
+    const auto left = std::make_shared<std::vector<std::string>>(std::move(paths));
+    RunOwn("taking fonts back", [left](CommandContext& context) { return TakeBack(context, left); });
 }
 
 void Server::CheckVaultLater() {

@@ -32,7 +32,7 @@ public:
     bool Listen(std::string& problem);
     const std::string& Address() const { return mAddress; }
     /// Takes files of the vault that no record knows into the library, beside everything else.
-    void TakeBackFonts(const std::vector<std::string>& paths);
+    void TakeBackFonts(std::vector<std::string> paths);
     /// Serves until the agent is told to stop.
     void Run();
 

@@ -82,21 +82,29 @@ Json CheckFiles(CommandContext& context, const Json& arguments) {
     });
 }
 
-/// What can be put right without reading every file.
-Json CheckRecords(CommandContext& context, const Json&) {
+/// What can be put right without reading every font. `damage`: what SQLite finds wrong with the database.
+Json ReportRecords(CommandContext& context, const std::vector<std::string>& damage) {
     FontManager& manager = context.manager;
     Json problems = Json::array();
-    for (const std::string& problem : manager.database.FindDamage())
-        problems.push_back("the database " + manager.locations.databasePath + ": " + problem);
+    for (const std::string& each : damage)
+        problems.push_back("the database " + manager.locations.databasePath + ": " + each);
     AnnounceChanges(context.audience, manager.EndLeasesOfDeadProcesses());
     const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
     if (!repairs.problem.empty())
         problems.push_back(repairs.problem);
     return {{"fonts", manager.fonts.Count()},
             {"files", manager.fonts.CountFiles()},
-            {"added", repairs.added},
-            {"removed", repairs.removed},
             {"problems", std::move(problems)}};
+}
+
+Json CheckRecords(CommandContext& context, const Json&) {
+    // Over a connection of its own: it reads the whole database.
+    const std::string path = context.manager.locations.databasePath;
+    return context.Defer(Deferral::LaneName::kFiles, [path](FontWorker&) {
+        return [damage = Database(path).FindDamage()](CommandContext& later) {
+            return ReportRecords(later, damage);
+        };
+    });
 }
 
 /// A file of the vault that no record knows, as far as it is what its name says.
@@ -152,7 +160,9 @@ Json CheckNextFile(CommandContext& context) {
     const FontVault& vault = context.manager.vault;
     return context.Defer(Deferral::LaneName::kFiles, [&vault, file = files.front()](FontWorker& worker) {
         return [checked = Check(vault, file, worker.StopFlag())](CommandContext& later) {
+            Transaction transaction(later.manager.database, Durability::kProcess);
             later.manager.settings.SetLastCheckedFile(checked.file.id);
+            transaction.Commit();
             Json problems = Json::array();
             NoteLost(later, {checked}, problems);
             if (!problems.empty())
@@ -163,11 +173,11 @@ Json CheckNextFile(CommandContext& context) {
     });
 }
 
-Json TakeBack(CommandContext& context, std::vector<std::string> paths) {
-    if (paths.empty())
+Json TakeBack(CommandContext& context, const std::shared_ptr<std::vector<std::string>>& paths) {
+    if (paths->empty())
         return Json::object();
-    const std::string path = paths.back();
-    paths.pop_back();
+    const std::string path = std::move(paths->back());
+    paths->pop_back();
     const FontVault& vault = context.manager.vault;
     return context.Defer(Deferral::LaneName::kFiles, [&vault, path, paths](FontWorker& worker) {
         return [found = LookInto(vault, path, worker), paths](CommandContext& later) {
