@@ -115,17 +115,19 @@ void Place(Arrival& arrival) {
 }
 
 /// The record of the file, if there is one, and the arrival's own where there is none.
-int64_t Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
+FontFile Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
     FontManager& manager = context.manager;
     const auto known = manager.fonts.FindFile(arrival.file.checksum);
     isKnown = known.has_value();
+    FontFile file = known.value_or(arrival.file);
     // Somebody else's command may have come to another end meanwhile.
-    if (!manager.vault.Has(arrival.file) || (!isKnown && arrival.faces.empty()))
+    if (!manager.vault.Has(file) || (!isKnown && arrival.faces.empty()))
         throw CommandError(CoreErrorCodes::kNotFound, "it was removed at the same time; add it again");
-    if (!isKnown)
-        return manager.fonts.Add(arrival.file, arrival.faces);
-    manager.fonts.SetFileMissing(known->id, false);
-    return known->id;
+    if (isKnown)
+        manager.fonts.SetFileMissing(file.id, false);
+    else
+        file.id = manager.fonts.Add(file, arrival.faces);
+    return file;
 }
 
 /// Programs that have the damaged file open or linked get the whole one.
@@ -143,17 +145,21 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     bool isKnown = false;
     Transaction transaction(manager.database);
     const Workgroup workgroup = TargetWorkgroup(context, workgroupName);
-    const int64_t fileID = Note(context, *arrival, isKnown);
-    const std::vector<Font> fonts = manager.fonts.FontsOfFile(fileID);
-    for (const Font& font : fonts)
+    const bool wasRemoved = manager.fonts.IsRemovedFile(arrival->file.checksum);
+    const FontFile file = Note(context, *arrival, isKnown);
+    for (const Font& font : manager.fonts.FontsOfFile(file.id))
         manager.workgroups.AddFont(workgroup.id, font.id);
     transaction.Commit();
-    arrival->isNewInVault = false;  // it stays
+    if (wasRemoved)  // a database that has lost its log must not have it removed again
+        manager.database.WriteBackLog();
+    // It stays, unless somebody else added the same under a name of another extension meanwhile.
+    if (file.extension == arrival->file.extension)
+        arrival->isNewInVault = false;
     if (arrival->isRepaired)
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"fonts", FontRecords(manager, manager.fonts.FontsOfFile(fileID))}, {"alreadyKnown", isKnown}};
+    return {{"fonts", FontRecords(manager, manager.fonts.FontsOfFile(file.id))}, {"alreadyKnown", isKnown}};
 }
 
 /// A file that is known need not be read again; its copy in the vault is made good if need be.
