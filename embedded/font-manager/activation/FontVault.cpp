@@ -133,6 +133,12 @@ platform::SystemError FontVault::Place(ReceivedFile& received, const FontFile& f
     return error ? error : received.copy.MoveTo(path);
 }
 
+bool FontVault::Rename(const FontFile& file, const FontFile& target) const {
+    std::error_code failure;
+    fs::rename(platform::Utf8Path(PathOf(file)), platform::Utf8Path(PathOf(target)), failure);
+    return !failure;
+}
+
 platform::SystemError FontVault::Remove(const FontFile& file) const {
     return platform::RemoveFile(PathOf(file));
 }

@@ -49,6 +49,8 @@ public:
                     platform::SystemError& error) const;
     /// Gives the copy its place, under its checksum. Whole or not at all.
     platform::SystemError Place(ReceivedFile& received, const FontFile& file) const;
+    /// Gives a file the place of another one of the same content; false when that cannot be done.
+    bool Rename(const FontFile& file, const FontFile& target) const;
     /// Removes the file; not being there is fine.
     platform::SystemError Remove(const FontFile& file) const;
 

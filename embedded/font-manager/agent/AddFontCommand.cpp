@@ -115,18 +115,21 @@ void Place(Arrival& arrival) {
 }
 
 /// The record of the file, if there is one, and the arrival's own where there is none.
-int64_t Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
+FontFile Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
     FontManager& manager = context.manager;
     const auto known = manager.fonts.FindFile(arrival.file.checksum);
     isKnown = known.has_value();
+    FontFile file = known.value_or(arrival.file);
     // Somebody else's command may have come to another end meanwhile.
-    if (!manager.vault.Has(arrival.file) || (!isKnown && arrival.faces.empty()))
+    if (!manager.vault.Has(file) || (!isKnown && arrival.faces.empty()))
         throw CommandError(CoreErrorCodes::kNotFound, "it was removed at the same time; add it again");
-    if (!isKnown)
-        return manager.fonts.Add(arrival.file, arrival.faces);
-    manager.fonts.SetFileMissing(known->id, false);
-    manager.fonts.SetFileName(known->id, arrival.name);  // one that was taken back has lost it
-    return known->id;
+    if (!isKnown) {
+        file.id = manager.fonts.Add(file, arrival.faces);
+        return file;
+    }
+    manager.fonts.SetFileMissing(file.id, false);
+    manager.fonts.SetFileName(file.id, arrival.name);  // one that was taken back has lost it
+    return file;
 }
 
 /// Programs that have the damaged file open or linked get the whole one.
@@ -139,18 +142,33 @@ void ActivateRepaired(FontManager& manager, const FontFile& file) {
     manager.activeFonts->AnnounceChanges();
 }
 
+/// A database that loses its log is not to have a font removed again that has come back. It is there already,
+/// so that this is no failure of the command.
+void KeepFromRemoval(CommandContext& context) {
+    try {
+        context.manager.database.WriteBackLog();
+    } catch (const DatabaseError& error) {
+        context.audience.Note(std::string("writing back the log: ") + error.what());
+    }
+}
+
 Json Record(CommandContext& context, const Arriving& arrival, const std::string& workgroupName) {
     FontManager& manager = context.manager;
     bool isKnown = false;
     Transaction transaction(manager.database);
     const Workgroup workgroup = TargetWorkgroup(context, workgroupName);
-    const int64_t fileID = Note(context, *arrival, isKnown);
-    for (const Font& font : manager.fonts.FontsOfFile(fileID))
+    const bool wasRemoved = manager.fonts.IsRemovedFile(arrival->file.checksum);
+    const FontFile file = Note(context, *arrival, isKnown);
+    for (const Font& font : manager.fonts.FontsOfFile(file.id))
         manager.workgroups.AddFont(workgroup.id, font.id);
-    Json fonts = FontRecords(manager, manager.fonts.FontsOfFile(fileID));
+    Json fonts = FontRecords(manager, manager.fonts.FontsOfFile(file.id));
     RequireSendable(fonts);
     transaction.Commit();
-    arrival->isNewInVault = false;  // it stays
+    // It stays, unless somebody else added the same under a name of another extension meanwhile.
+    if (file.extension == arrival->file.extension)
+        arrival->isNewInVault = false;
+    if (wasRemoved)
+        KeepFromRemoval(context);
     if (arrival->isRepaired)
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)

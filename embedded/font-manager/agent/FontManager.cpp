@@ -46,6 +46,8 @@ FontVault::Survey FontManager::LookAroundVault() {
     }
     fonts.ForgetRemovedFiles();
     transaction.Commit();
+    // What is added from now on is not to be removed once more by a database that has lost its log.
+    database.WriteBackLog();
     return survey;
 }
 

@@ -136,11 +136,27 @@ FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& 
     return found;
 }
 
+/// The same font may have been added under a name of another extension since, or before a loss of records.
+void Reunite(FontManager& manager, const FontFile& found, const FontFile& known) {
+    if (found.extension == known.extension)  // added by somebody meanwhile
+        return;
+    if (manager.vault.Has(known)) {
+        (void)manager.vault.Remove(found);
+    } else if (manager.vault.Rename(found, known)) {
+        manager.fonts.SetFileMissing(known.id, false);
+        manager.RepairActiveFonts();
+    }
+}
+
 void Add(CommandContext& context, const FoundFile& found) {
     FontManager& manager = context.manager;
-    Transaction transaction(manager.database);
-    if (manager.fonts.FindFile(found.file.checksum))  // added by somebody meanwhile
+    if (const auto known = manager.fonts.FindFile(found.file.checksum)) {
+        Reunite(manager, found.file, *known);
         return;
+    }
+    if (!manager.vault.Has(found.file))  // added and removed by somebody meanwhile
+        return;
+    Transaction transaction(manager.database);
     const int64_t fileID = manager.fonts.Add(found.file, found.faces);
     for (const Font& font : manager.fonts.FontsOfFile(fileID))
         manager.workgroups.AddFont(manager.DefaultWorkgroup().id, font.id);

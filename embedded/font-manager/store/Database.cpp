@@ -140,6 +140,10 @@ Statement Database::Prepare(const char* sql) {
     return Statement(found->second.get());
 }
 
+void Database::WriteBackLog() {
+    Execute("PRAGMA wal_checkpoint");
+}
+
 int64_t Database::LastInsertedID() const {
     return sqlite3_last_insert_rowid(mDatabase.get());
 }

@@ -81,6 +81,9 @@ public:
     /// What is wrong with the file, in SQLite's words, up to ten of them; none when it is as it should be.
     /// Reads all of it.
     std::vector<std::string> FindDamage();
+    /// Has everything that is committed stand in the database itself, so that it survives the loss of the
+    /// log (https://www.sqlite.org/wal.html) beside it. Not within a transaction.
+    void WriteBackLog();
     /// Whether what is committed from now on survives the end of the machine's power, and not only that of
     /// this process.
     void SetDurable(bool isDurable);

@@ -163,6 +163,10 @@ std::vector<std::string> FontStore::RemovedFiles() {
     return checksums;
 }
 
+bool FontStore::IsRemovedFile(const std::string& checksum) {
+    return mDatabase.Prepare("SELECT 1 FROM removed_files WHERE checksum = ?").Bind(checksum).Step();
+}
+
 void FontStore::ForgetRemovedFiles() {
     mDatabase.Execute("DELETE FROM removed_files");
 }

@@ -74,6 +74,7 @@ public:
     void RemoveFile(int64_t fileID);
     /// The checksums of files that were removed, and may yet stand in the vault.
     std::vector<std::string> RemovedFiles();
+    bool IsRemovedFile(const std::string& checksum);
     void ForgetRemovedFiles();
     /// Notes that the file cannot be found in the vault, or is there again.
     void SetFileMissing(int64_t fileID, bool isMissing);
