@@ -38,16 +38,19 @@ FontVault::Survey FontManager::LookAroundVault() {
     Transaction transaction(database);
     fonts.NoteMissingFiles(survey.missing);
     // A command that removed fonts may have been interrupted before their files were gone.
-    for (const std::string& checksum : fonts.RemovedFiles()) {
+    const std::vector<std::string> removed = fonts.RemovedFiles();
+    for (const std::string& checksum : removed) {
         const auto isOfFile = [&](const std::string& path) {
             return FontVault::ChecksumOfName(path) == checksum && !platform::RemoveFile(path);
         };
         survey.removed += static_cast<int>(std::erase_if(survey.unknown, isOfFile));
     }
-    fonts.ForgetRemovedFiles();
+    if (!removed.empty())
+        fonts.ForgetRemovedFiles();
     transaction.Commit();
     // What is added from now on is not to be removed once more by a database that has lost its log.
-    database.WriteBackLog();
+    if (!removed.empty())
+        database.WriteBackLog();
     return survey;
 }
 

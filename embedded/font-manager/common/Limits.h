@@ -70,7 +70,7 @@ constexpr long kMaxFacesPerFile = 256;
 constexpr unsigned kMaxInstancesPerFace = 512;
 /// All of these in one file: the largest collections in use have some hundred. What a file lists beyond that
 /// would only serve to fill the database.
-constexpr size_t kMaxFontsPerFile = 2048;
+constexpr size_t kMaxFontsPerFile = 1024;
 /// Bytes of names that are looked at in one file: real ones have some ten thousand, with licences in many
 /// languages a few hundred thousand for each face.
 constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;

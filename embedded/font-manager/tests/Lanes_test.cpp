@@ -116,7 +116,7 @@ TEST_F(LanesTest, ADeadClientsFontIsAddedAllTheSame) {
 TEST(HostileFonts, AreAddedDrawnAndRemovedLikeOthers) {
     TestWorld world;
     world.StartAgent();
-    AgentConnection connection(milliseconds(1000));
+    AgentConnection connection(std::chrono::seconds(10));
     for (const hostile::Font& font : hostile::All()) {
         Json added;
         const std::string path = world.Write(std::string("fonts/") + font.name, font.content);
