@@ -4,9 +4,24 @@
 #include "common/Limits.h"
 
 namespace pellwick {
+namespace {
+
+/// As much of the text as a name may have, without half a character at its end.
+std::string Cut(const std::string& text) {
+    constexpr size_t kMaxFollowingBytes = 3;  // of one character
+    if (text.size() <= kMaxNameSize)
+        return text;
+    size_t end = kMaxNameSize;
+    while (end > kMaxNameSize - kMaxFollowingBytes && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end);
+}
+
+}  // namespace
 
 std::string CleanName(const std::string& name) {
-    const std::string clean = WithoutUnprintables(name.substr(0, kMaxNameSize));
+    // What stands for bytes that are no text is longer than they are.
+    const std::string clean = Cut(WithoutUnprintables(Cut(name)));
     const size_t first = clean.find_first_not_of(' ');
     if (first == std::string::npos)
         return {};

@@ -4,6 +4,7 @@
 
 #include "GFontManagerConstants.h"
 #include "TestFonts.h"
+#include "common/Limits.h"
 #include "scan/CleanName.h"
 #include "scan/FontFiles.h"
 
@@ -79,7 +80,11 @@ TEST(FontScanner, SurvivesFontsCutAndChangedAnywhere) {
 TEST(FontNames, AreMadeFitToShow) {
     EXPECT_EQ(CleanName("  Sample \x01 Sans\n "), "Sample  Sans");
     EXPECT_EQ(CleanName("Sam\xFFple"), "Sam\xEF\xBF\xBDple");
-    EXPECT_LE(CleanName(std::string(100000, 'x')).size(), 1024u);
+    std::string kanji;
+    while (kanji.size() < 2 * kMaxNameSize)
+        kanji += "\u5b57";
+    EXPECT_EQ(CleanName(kanji), kanji.substr(0, kMaxNameSize - kMaxNameSize % 3)) << "no half character";
+    EXPECT_LE(CleanName(std::string(100000, '\xFF')).size(), kMaxNameSize);
 }
 
 TEST(FontFileExtension, IsKeptWhenItIsOneOfFonts) {
