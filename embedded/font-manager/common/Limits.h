@@ -69,8 +69,9 @@ constexpr uint64_t kMaxFontFileSize = uint64_t{256} << 20;
 constexpr long kMaxFacesPerFile = 256;
 constexpr unsigned kMaxInstancesPerFace = 512;
 /// All of these in one file: the largest collections in use have some hundred. What a file lists beyond that
-/// would only serve to fill the database.
-constexpr size_t kMaxFontsPerFile = 1024;
+/// would only serve to fill the database, and to keep everybody waiting while it is written there: two
+/// thousand take a tenth of a second.
+constexpr size_t kMaxFontsPerFile = 512;
 /// Bytes of names that are looked at in one file: real ones have some ten thousand, with licences in many
 /// languages a few hundred thousand for each face.
 constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "HostileFonts.h"
+#include "TestFonts.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "platform/DynamicLibrary.h"
@@ -91,6 +92,21 @@ TEST_F(LanesTest, AWorkerThatIsEndedByOthersCostsNoFont) {
     const ProgramResult result = adding->Finish();
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(FontCount(), 3u);
+}
+
+TEST_F(LanesTest, AFontThatTwoClientsAddUnderTwoNamesIsKeptOnce) {
+    const std::string font = world.WriteFont("Third-Bold");
+    const std::string other = world.Write("other.otf", MakeTestFont({"Third-Bold", "Third", "Bold"}));
+    const auto before = BeginToAdd(world.WriteFont("Second-Bold"));
+    ASSERT_TRUE(IsAnyArriving());
+    const auto left = BeginToAdd(font);
+    const auto right = BeginToAdd(other);
+    std::this_thread::sleep_for(milliseconds(500));  // until both wait, so that neither finds the other's
+    ResumeProcess(worker);
+    EXPECT_EQ(left->Finish().status, 0);
+    EXPECT_EQ(right->Finish().status, 0);
+    EXPECT_EQ(FontCount(), 3u);
+    EXPECT_TRUE(Eventually([&] { return world.FilesBelow("data/Vantorix/Pellwick/vault").size() == 3; }));
 }
 
 TEST_F(LanesTest, TheAgentEndsInOrderWhileAFontIsRead) {
