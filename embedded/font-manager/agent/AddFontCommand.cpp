@@ -142,16 +142,6 @@ void ActivateRepaired(FontManager& manager, const FontFile& file) {
     manager.activeFonts->AnnounceChanges();
 }
 
-/// A database that loses its log is not to have a font removed again that has come back. It is there already,
-/// so that this is no failure of the command.
-void KeepFromRemoval(CommandContext& context) {
-    try {
-        context.manager.database.WriteBackLog();
-    } catch (const DatabaseError& error) {
-        context.audience.Note(std::string("writing back the log: ") + error.what());
-    }
-}
-
 Json Record(CommandContext& context, const Arriving& arrival, const std::string& workgroupName) {
     FontManager& manager = context.manager;
     bool isKnown = false;
@@ -167,8 +157,9 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     // It stays, unless somebody else added the same under a name of another extension meanwhile.
     if (file.extension == arrival->file.extension)
         arrival->isNewInVault = false;
-    if (wasRemoved)
-        KeepFromRemoval(context);
+    // A database that loses its log is not to have it removed once more.
+    if (wasRemoved && !manager.database.WriteBackLog())
+        context.audience.Note("the database's log could not be written back");
     if (arrival->isRepaired)
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)

@@ -38,19 +38,22 @@ FontVault::Survey FontManager::LookAroundVault() {
     Transaction transaction(database);
     fonts.NoteMissingFiles(survey.missing);
     // A command that removed fonts may have been interrupted before their files were gone.
-    const std::vector<std::string> removed = fonts.RemovedFiles();
-    for (const std::string& checksum : removed) {
-        const auto isOfFile = [&](const std::string& path) {
-            return FontVault::ChecksumOfName(path) == checksum && !platform::RemoveFile(path);
-        };
-        survey.removed += static_cast<int>(std::erase_if(survey.unknown, isOfFile));
+    for (const std::string& checksum : fonts.RemovedFiles()) {
+        bool isGone = true;
+        std::erase_if(survey.unknown, [&](const std::string& path) {
+            if (FontVault::ChecksumOfName(path) != checksum)
+                return false;
+            const bool isRemoved = !platform::RemoveFile(path);
+            isGone = isGone && isRemoved;
+            survey.removed += isRemoved ? 1 : 0;
+            return true;  // one that cannot be removed is not taken back either
+        });
+        if (isGone)
+            fonts.ForgetRemovedFile(checksum);
     }
-    if (!removed.empty())
-        fonts.ForgetRemovedFiles();
     transaction.Commit();
     // What is added from now on is not to be removed once more by a database that has lost its log.
-    if (!removed.empty())
-        database.WriteBackLog();
+    (void)database.WriteBackLog();
     return survey;
 }
 

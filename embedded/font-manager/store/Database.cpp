@@ -140,8 +140,9 @@ Statement Database::Prepare(const char* sql) {
     return Statement(found->second.get());
 }
 
-void Database::WriteBackLog() {
-    Execute("PRAGMA wal_checkpoint");
+bool Database::WriteBackLog() {
+    return sqlite3_wal_checkpoint_v2(mDatabase.get(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr) ==
+           SQLITE_OK;
 }
 
 int64_t Database::LastInsertedID() const {

@@ -82,8 +82,9 @@ public:
     /// Reads all of it.
     std::vector<std::string> FindDamage();
     /// Has everything that is committed stand in the database itself, so that it survives the loss of the
-    /// log (https://www.sqlite.org/wal.html) beside it. Not within a transaction.
-    void WriteBackLog();
+    /// log (https://www.sqlite.org/wal.html) beside it; false when that cannot be done now. Not within a
+    /// transaction.
+    bool WriteBackLog();
     /// Whether what is committed from now on survives the end of the machine's power, and not only that of
     /// this process.
     void SetDurable(bool isDurable);

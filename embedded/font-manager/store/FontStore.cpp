@@ -141,7 +141,7 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
         .Bind(file.checksum, file.name, file.extension, file.size)
         .Run();
     const int64_t fileID = mDatabase.LastInsertedID();
-    mDatabase.Prepare("DELETE FROM removed_files WHERE checksum = ?").Bind(file.checksum).Run();
+    ForgetRemovedFile(file.checksum);
     for (const FontFace& face : faces)
         AddFace(mDatabase, fileID, face);
     return fileID;
@@ -167,8 +167,8 @@ bool FontStore::IsRemovedFile(const std::string& checksum) {
     return mDatabase.Prepare("SELECT 1 FROM removed_files WHERE checksum = ?").Bind(checksum).Step();
 }
 
-void FontStore::ForgetRemovedFiles() {
-    mDatabase.Execute("DELETE FROM removed_files");
+void FontStore::ForgetRemovedFile(const std::string& checksum) {
+    mDatabase.Prepare("DELETE FROM removed_files WHERE checksum = ?").Bind(checksum).Run();
 }
 
 void FontStore::SetFileMissing(int64_t fileID, bool isMissing) {

@@ -75,7 +75,7 @@ public:
     /// The checksums of files that were removed, and may yet stand in the vault.
     std::vector<std::string> RemovedFiles();
     bool IsRemovedFile(const std::string& checksum);
-    void ForgetRemovedFiles();
+    void ForgetRemovedFile(const std::string& checksum);
     /// Notes that the file cannot be found in the vault, or is there again.
     void SetFileMissing(int64_t fileID, bool isMissing);
     void SetFileName(int64_t fileID, const std::string& name);
