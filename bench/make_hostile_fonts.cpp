@@ -1,6 +1,6 @@
-// make-hostile-fonts FOLDER COUNT [SEED]: files that pretend to be fonts and harm whoever believes them: those
-// that cost a reader as much as they can, and fonts and collections of which tables are cut, and offsets, counts
-// and other bytes are changed. No two are the same.
+// make-hostile-fonts FOLDER COUNT [SEED]: files that pretend to be fonts and harm whoever believes them:
+// those that cost a reader as much as they can, and fonts and collections of which tables are cut, and
+// offsets, counts and other bytes are changed. No two are the same.
 
 #include <algorithm>
 #include <array>

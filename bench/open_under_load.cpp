@@ -1,6 +1,6 @@
 // open-under-load FONTS COMMAND...: opens and closes documents, of five of the first FONTS fonts of
-// make-test-fonts each, for as long as the command runs, and prints how long the agent took to open them, what
-// memory it took, and how many processes it started.
+// make-test-fonts each, for as long as the command runs, and prints how long the agent took to open them,
+// what memory it took, and how many processes it started.
 
 #include <fcntl.h>
 #include <spawn.h>

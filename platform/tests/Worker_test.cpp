@@ -73,18 +73,5 @@ TEST(Worker, IsNotStartedFromNothing) {
     EXPECT_TRUE(error);
 }
 
-#ifndef PLUGINCORE_UNCONFINED
-
-TEST_F(WorkerTest, GetsAtNoProgramAndNoMoreMemoryThanItMayHave) {
-    EXPECT_NE(Ask("fill the memory"), Outcome::kOverLimit);
-    EXPECT_TRUE(mAnswer == "no memory" || mAnswer.empty()) << mAnswer;
-    mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
-    mAnswer.clear();
-    Ask("start a program");
-    EXPECT_NE(mAnswer, "started");
-}
-
-#endif
-
 }  // namespace
 }  // namespace platform

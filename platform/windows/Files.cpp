@@ -348,13 +348,13 @@ SystemError MakeFolders(const std::string& path, bool privateToUser) {
 
 namespace {
 
+/// The index is not given to another file; the time of creation does not matter here.
 SystemError IdentityOf(const OwnedHandle& file, FileIdentity& identity) {
     BY_HANDLE_FILE_INFORMATION info{};
     if (!file.IsValid() || !GetFileInformationByHandle(file.Get(), &info))
         return LastSystemError();
     identity.volume = info.dwVolumeSerialNumber;
     identity.file = Combine(info.nFileIndexHigh, info.nFileIndexLow);
-    identity.birth = Combine(info.ftCreationTime.dwHighDateTime, info.ftCreationTime.dwLowDateTime);
     return {};
 }
 

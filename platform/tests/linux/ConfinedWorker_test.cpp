@@ -1,4 +1,5 @@
-// Linux ends a worker that tries to open a file.
+// Linux ends a worker that tries to open a file or to start a program, and gives it no more memory than
+// agreed.
 #include <gtest/gtest.h>
 
 #include "platform/Worker.h"
@@ -7,16 +8,29 @@
 namespace platform {
 namespace {
 
-TEST(ConfinedWorker, OpensNoFile) {
+/// What a worker of its own answers; empty when it is ended instead, and `problem` says why.
+std::string Ask(const std::string& request, std::string& problem) {
     SystemError error;
-    const auto worker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, error);
-    ASSERT_TRUE(worker) << SystemErrorText(error);
     ReadOnlyFile file;
-    ASSERT_FALSE(file.Open(WORKER_PROGRAM));
+    const auto worker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, error);
+    EXPECT_TRUE(worker) << SystemErrorText(error);
+    EXPECT_FALSE(file.Open(WORKER_PROGRAM));
     std::string answer;
+    const auto outcome = worker->Exchange(request, file, answer, problem);
+    return outcome == Worker::Outcome::kAnswered ? answer : std::string();
+}
+
+TEST(ConfinedWorker, IsEndedWhenItOpensAFileOrStartsAProgram) {
+    for (const char* request : {"read a file", "start a program"}) {
+        std::string problem;
+        EXPECT_EQ(Ask(request, problem), "") << request;
+        EXPECT_EQ(problem, "tried to do what it must not") << request;
+    }
+}
+
+TEST(ConfinedWorker, GetsNoMoreMemoryThanItMayHave) {
     std::string problem;
-    EXPECT_EQ(worker->Exchange("read a file", file, answer, problem), Worker::Outcome::kDied);
-    EXPECT_EQ(problem, "tried to do what it must not");
+    EXPECT_EQ(Ask("fill the memory", problem), "no memory") << problem;
 }
 
 }  // namespace
