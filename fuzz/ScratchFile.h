@@ -1,19 +1,31 @@
-// A file of this process alone, in memory where the system has such a folder.
+// Files of this process alone, in memory where the system has such a folder.
 #pragma once
 
 #include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
+/// A path that no other process uses.
+inline std::string ScratchPath() {
+    static const std::string path =
+        (std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path().string()) +
+        "/plugincore-fuzz-" + std::to_string(getpid());
+    return path;
+}
+
+inline void WriteScratch(const std::string& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+}
+
 class ScratchFile {
 public:
-    ScratchFile(std::string_view extension, std::string_view content) : mPath(PathWith(extension)) {
-        std::FILE* file = std::fopen(mPath.c_str(), "wb");
-        std::fwrite(content.data(), 1, content.size(), file);
-        std::fclose(file);
+    ScratchFile(std::string_view extension, std::string_view content)
+        : mPath(ScratchPath() + "." + std::string(extension)) {
+        WriteScratch(mPath, content);
     }
     ~ScratchFile() { std::remove(mPath.c_str()); }
     ScratchFile(const ScratchFile&) = delete;
@@ -22,13 +34,19 @@ public:
     const std::string& Path() const { return mPath; }
 
 private:
-    static std::string PathWith(std::string_view extension) {
-        static const std::string stem =
-            (std::filesystem::exists("/dev/shm") ? "/dev/shm"
-                                                 : std::filesystem::temp_directory_path().string()) +
-            "/plugincore-fuzz-" + std::to_string(getpid());
-        return stem + "." + std::string(extension);
-    }
-
     std::string mPath;
+};
+
+/// Empty when it is made, gone with the object.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::filesystem::remove_all(ScratchPath());
+        std::filesystem::create_directories(ScratchPath());
+    }
+    ~ScratchFolder() { std::filesystem::remove_all(ScratchPath()); }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    std::string operator/(std::string_view name) const { return ScratchPath() + "/" + std::string(name); }
 };

@@ -41,10 +41,9 @@ std::string AsParsed(std::string_view word) {
     return std::string(word.substr(0, value)) + Disguised(word.substr(value));
 }
 
-}  // namespace
-
-CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
-                     const std::string& description) {
+/// `text`: a string, or one that may be missing.
+template <class Text>
+CLI::Option* AddOneText(CLI::App& app, const std::string& name, Text& text, const std::string& description) {
     return app
         .add_option(
             name,
@@ -54,6 +53,18 @@ CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
             },
             description)
         ->type_name("TEXT");
+}
+
+}  // namespace
+
+CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
+                     const std::string& description) {
+    return AddOneText(app, name, text, description);
+}
+
+CLI::Option* AddOptionalText(CLI::App& app, const std::string& name, std::optional<std::string>& text,
+                             const std::string& description) {
+    return AddOneText(app, name, text, description);
 }
 
 CLI::Option* AddTexts(CLI::App& app, const std::string& name, std::vector<std::string>& texts,

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ namespace exact_words {
 /// An option, or a positional argument, that takes one text, exactly. `text` outlives the parsing.
 CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
                      const std::string& description);
+/// The same of one that may be left out; `text` is set when it is there.
+CLI::Option* AddOptionalText(CLI::App& app, const std::string& name, std::optional<std::string>& text,
+                             const std::string& description);
 /// A positional argument that takes one text or more.
 CLI::Option* AddTexts(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
                       const std::string& description);

@@ -69,11 +69,15 @@ std::string ManyLongNames() {
     return Collection(tables, 64);
 }
 
-std::string ManyInstances() {
+std::string Instances(unsigned faces, unsigned instances) {
     FontTables tables = TablesOfTestFont(kNames);
-    tables["fvar"] = AxisTable(512);
+    tables["fvar"] = AxisTable(instances);
     tables["gvar"] = VariationTable(2);
-    return Collection(tables, 256);
+    return Collection(tables, faces);
+}
+
+std::string ManyInstances() {
+    return Instances(256, 512);
 }
 
 std::string DeepGlyph(bool isLetter) {

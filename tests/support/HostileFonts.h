@@ -21,6 +21,8 @@ std::string DeepGlyph(bool isLetter);
 /// All of the above. What follows is harmless.
 std::vector<Font> All();
 
+/// A collection of variable fonts, each with so many named instances.
+std::string Instances(unsigned faces, unsigned instances);
 /// Named "Caf\u00e9" in an encoding of its time.
 std::string MacintoshNames();
 

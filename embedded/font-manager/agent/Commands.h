@@ -144,6 +144,9 @@ void RequireLogIn(CommandContext& context);
 /// A number as an ID; 0, which is none, where it is too large for one.
 int32_t IDOf(long long number);
 
+/// The ID after which the page begins that a request asks for.
+uint32_t PageStart(const Json& arguments);
+
 /// Where the fonts of a smart list come from, by the query that the client tries, else by the list's own.
 /// Throws CommandError when there is no such list.
 FontSources SourcesOfSmartList(CommandContext& context, long long listID);

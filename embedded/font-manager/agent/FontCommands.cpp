@@ -43,7 +43,7 @@ Json RemoveFonts(CommandContext& context, const Json& arguments) {
 /// The next of all fonts, or of those in the set or the smart list that the request gives.
 std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
     FontStore& store = context.manager.fonts;
-    const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
+    const uint32_t after = PageStart(arguments);
     if (arguments.contains("set"))
         return store.ListInSet(IDOf(IntegerMember(arguments, "set")), after, kListPageSize);
     if (arguments.contains("smartList"))

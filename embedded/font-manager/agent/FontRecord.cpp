@@ -74,13 +74,17 @@ RequestedFont RequestedFontOf(const Json& record) {
     return request;
 }
 
+uint32_t FontIDOf(long long number) {
+    return number > 0 && number <= UINT32_MAX ? static_cast<uint32_t>(number) : 0;
+}
+
 std::vector<uint32_t> FontIDsOf(const Json& fonts) {
     std::vector<uint32_t> ids;
     for (const Json& font : fonts) {
-        const long long id =
+        const long long number =
             font.is_number_integer() ? font.get<long long>() : IntegerMember(font, kGS_DatabaseIDKey);
-        if (id > 0 && id <= UINT32_MAX)
-            ids.push_back(static_cast<uint32_t>(id));
+        if (const uint32_t id = FontIDOf(number))
+            ids.push_back(id);
     }
     return ids;
 }

@@ -22,6 +22,9 @@ bool IsActive(const Font& font);
 /// What a request's font record, or a bare name in its place, asks for.
 RequestedFont RequestedFontOf(const Json& record);
 
+/// A number as a font's ID; 0, which is none, where it is too large for one.
+uint32_t FontIDOf(long long number);
+
 /// The numbers of an array of database IDs or of font records.
 std::vector<uint32_t> FontIDsOf(const Json& fonts);
 

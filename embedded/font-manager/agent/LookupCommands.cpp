@@ -14,8 +14,12 @@ namespace {
 
 /// The workgroup that the fonts are to be in; 0 and the ID of all workgroups stand for any.
 int32_t WantedWorkgroup(const Json& arguments) {
-    const auto workgroup = static_cast<int32_t>(IntegerMember(arguments, "workgroup", kAllWorkgroupsID));
-    return workgroup == kAllWorkgroupsID ? FontStore::kAnyWorkgroup : workgroup;
+    constexpr int32_t kNoWorkgroup = -1;
+    const long long workgroup = IntegerMember(arguments, "workgroup", kAllWorkgroupsID);
+    if (workgroup == kAllWorkgroupsID || workgroup == 0)
+        return FontStore::kAnyWorkgroup;
+    const int32_t id = IDOf(workgroup);
+    return id != 0 ? id : kNoWorkgroup;
 }
 
 Json GetFont(CommandContext& context, const Json& arguments) {
@@ -57,7 +61,7 @@ Json FindSameFamily(CommandContext& context, const Json& arguments) {
 Json FindByAnyName(CommandContext& context, const Json& arguments) {
     FontStore& store = context.manager.fonts;
     const std::string name = StringMember(arguments, "name");
-    const auto after = static_cast<uint32_t>(IntegerMember(arguments, "after"));
+    const uint32_t after = PageStart(arguments);
     std::vector<Font> fonts = store.ListNamed(name, after, kListPageSize);
     uint32_t id = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), id);
@@ -70,8 +74,12 @@ Json FindByAnyName(CommandContext& context, const Json& arguments) {
 
 }  // namespace
 
+uint32_t PageStart(const Json& arguments) {
+    return static_cast<uint32_t>(std::clamp<long long>(IntegerMember(arguments, "after"), 0, UINT32_MAX));
+}
+
 Font FindFont(CommandContext& context, const Json& arguments) {
-    const auto font = context.manager.fonts.Find(static_cast<uint32_t>(IntegerMember(arguments, "font")));
+    const auto font = context.manager.fonts.Find(FontIDOf(IntegerMember(arguments, "font")));
     if (!font)
         throw CommandError(CoreErrorCodes::kNotFound, "there is no such font");
     return *font;

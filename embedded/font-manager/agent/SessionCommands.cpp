@@ -1,4 +1,6 @@
 // Greeting, state, log-in and the end.
+#include <algorithm>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
@@ -19,7 +21,9 @@ Json Hello(CommandContext& context, const Json& arguments) {
                            "the running agent is of another version; stop it with \"Pellwick stop\"");
     if (arguments.contains("taken")) {
         context.client.isHost = true;
-        context.client.lastTaken = IntegerMember(arguments, "taken");
+        // There is always a next one.
+        context.client.lastTaken =
+            std::min(IntegerMember(arguments, "taken"), std::numeric_limits<long long>::max() - 1);
     }
     return {{"protocol", kProtocolVersion}, {"process", platform::CurrentProcessId()}};
 }

@@ -10,6 +10,7 @@
 #include "FontRecordKeys.h"
 #include "TestFonts.h"
 #include "common/Locations.h"
+#include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
@@ -375,6 +376,29 @@ TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}, result), CoreErrorCodes::kVersionMismatch);
     EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);
     EXPECT_EQ(good.Call("GetFont", {{"font", "x"}}, result), CoreErrorCodes::kNotFound);
+}
+
+TEST(Agent, TakesNoNumberForAnother) {
+    TestWorld world;
+    world.RunForJson({"add", world.WriteFont("Sample-Bold")});
+    constexpr int64_t kRound = int64_t{1} << 32;
+    AgentConnection client(std::chrono::seconds(30));
+    Json result;
+    EXPECT_EQ(client.Call("GetFont", {{"font", kRound + 1}}, result), CoreErrorCodes::kNotFound);
+    for (const int64_t workgroup : {kRound, kRound + 1, int64_t{-1}}) {
+        ASSERT_EQ(
+            client.Call("FindByPostScriptName", {{"name", "Sample-Bold"}, {"workgroup", workgroup}}, result),
+            CoreErrorCodes::kSuccess);
+        EXPECT_TRUE(result["fonts"].empty()) << workgroup;
+    }
+    for (const auto& [after, count] : std::map<int64_t, size_t>{{-1, 1}, {kRound, 0}}) {
+        ASSERT_EQ(client.Call("ListFonts", {{"after", after}}, result), CoreErrorCodes::kSuccess);
+        EXPECT_EQ(result["fonts"].size(), count) << after;
+    }
+    // The sanitizers see the number after the largest one.
+    const Json greeting = {{"protocol", int{kProtocolVersion}}, {"taken", INT64_MAX}};
+    EXPECT_EQ(client.Call("Hello", greeting, result), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(client.Call("ActivateFonts", {{"fonts", {1}}}, result), CoreErrorCodes::kSuccess);
 }
 
 TEST(Agent, DropsASubscriberThatDoesNotRead) {

@@ -76,8 +76,10 @@ TEST(FontWorkMessages, AreNotBelievedBeyondWhatTheyMaySay) {
     EXPECT_FALSE(ParseImage(EncodeImage({3, 1, {1, 2}})));
     EXPECT_FALSE(ParseImage(EncodeImage({-1, -2, {1, 2}})));
     EXPECT_FALSE(ParseImage(EncodeImage({65536, 65536, {}})));
+    EXPECT_FALSE(ParseImage(EncodeImage({2, 0, {}}))) << "what is shown is of some height";
     EXPECT_FALSE(ParseScanResult(EncodeImage(image)));
     EXPECT_FALSE(ParseScanResult("nonsense"));
+    EXPECT_FALSE(ParseScanResult(EncodeScanResult({}))) << "neither fonts nor the reason why";
     ScanResult result;
     result.faces.resize(kMaxFontsPerFile + 1);
     EXPECT_FALSE(ParseScanResult(EncodeScanResult(result)));

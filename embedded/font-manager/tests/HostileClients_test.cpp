@@ -77,11 +77,11 @@ constexpr const char* kMethods[] = {"GetStatus", "ListFonts", "ListWorkgroups",
 
 std::string RandomRequest(Noise& noise) {
     Json request{{"id", noise.Value()}, {"method", kMethods[noise.Below(std::size(kMethods))]}};
-    request["arguments"] = Json{{"font", noise.Value()},
-                                {"fonts", noise.Value()},
-                                {"name", noise.Value()},
-                                {"workgroup", noise.Value()},
-                                {"protocol", noise.Value()}};
+    request["args"] = Json{{"font", noise.Value()},
+                           {"fonts", noise.Value()},
+                           {"name", noise.Value()},
+                           {"workgroup", noise.Value()},
+                           {"protocol", noise.Value()}};
     if (noise.Below(10) == 0)
         request["method"] = noise.Value();
     return EncodeMessage(request).value_or("");

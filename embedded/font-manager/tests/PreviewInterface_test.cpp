@@ -8,10 +8,10 @@
 #include <random>
 #include <set>
 
-#include "StringConversion.h"
 #include "common/Limits.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
+#include "tests/support/PlainXmpPacket.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
 
@@ -141,19 +141,6 @@ TEST_F(PreviewTest, TheMetadataOfAHugeDocumentIsLookedForAtBothEnds) {
     EXPECT_EQ(text, packet);
 }
 
-/// The first packet by its definition, however long that takes.
-std::string PlainlyFoundPacket(const std::string& document) {
-    for (size_t begin = 0; (begin = document.find("<?xpacket begin=", begin)) != std::string::npos; ++begin) {
-        const size_t end = document.find("<?xpacket end=", begin);
-        const size_t close = end != std::string::npos ? document.find("?>", end) : end;
-        const std::string packet =
-            close != std::string::npos ? document.substr(begin, close + 2 - begin) : std::string();
-        if (!packet.empty() && IsValidUtf8(packet))
-            return packet;
-    }
-    return {};
-}
-
 TEST_F(PreviewTest, TheFirstPacketIsFoundAmongMarkersInAnyOrder) {
     std::mt19937 random{20261122};
     const std::vector<std::string> pieces = {"<?xpacket begin=", "<?xpacket end=", "?>", "\xFF", "x",
@@ -164,7 +151,7 @@ TEST_F(PreviewTest, TheFirstPacketIsFoundAmongMarkersInAnyOrder) {
             document += pieces[random() % pieces.size()];
         std::string text;
         ReadXmp(mWorld.Write("document", document), text);
-        EXPECT_EQ(text, PlainlyFoundPacket(document)) << document;
+        EXPECT_EQ(text, PlainXmpPacket(document)) << document;
     }
 }
 

@@ -98,7 +98,8 @@ std::optional<ScanResult> ParseScanResult(std::string_view message) {
             return std::nullopt;
         for (const Json& row : decoded.at("faces"))
             result.faces.push_back(FaceOf(row));
-        return result;
+        const bool isOneOfTwo = result.faces.empty() != result.reason.empty();
+        return isOneOfTwo ? std::optional(std::move(result)) : std::nullopt;
     });
 }
 
@@ -114,6 +115,7 @@ std::optional<NameImage> ParseImage(std::string_view message) {
                         decoded.at("coverage").get_binary()};
         const bool isOfSize = image.width >= 0 && image.width <= kLargest * kMaxPreviewWidth &&
                               image.height >= 0 && image.height <= kLargest * kPreviewHeight &&
+                              (image.width == 0) == (image.height == 0) &&
                               image.coverage.size() == static_cast<size_t>(image.width * image.height);
         return isOfSize ? std::optional(std::move(image)) : std::nullopt;
     });

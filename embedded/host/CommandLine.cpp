@@ -1,0 +1,104 @@
+#include "CommandLine.h"
+
+#include "PrintableText.h"
+
+namespace {
+
+constexpr char kExitStatusHelp[] =
+    "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 fonts of a document are missing,\n"
+    "5 the font manager cannot be reached.\n"
+    "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
+
+/// The texts behind options and commands, exactly as they were typed.
+using exact_words::AddOptionalText;
+using exact_words::AddText;
+using exact_words::AddTexts;
+
+constexpr char kHostNamesHelp[] =
+    "name a host application: it holds After, Illustrator, InCopy, InDesign, Photoshop or Sketch";
+
+/// The core serves processes with such names alone.
+bool NamesAHost(const std::string& name) {
+    for (const char* word : {"After", "Illustrator", "InCopy", "InDesign", "Photoshop", "Sketch"}) {
+        if (name.find(word) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+/// `run` is what the command does once all the words are read.
+CLI::App* AddCommand(CLI::App& program, CommandLine& line, const char* name, const char* description,
+                     std::function<int()> run) {
+    CLI::App* command = program.add_subcommand(name, description);
+    command->callback([&line, run = std::move(run)] { line.run = run; });
+    return command;
+}
+
+CLI::Option* AddSeconds(CLI::App& command, std::optional<double>& seconds, const char* description) {
+    return command.add_option("--for", seconds, description)->check(CLI::Range(0.0, 1e6));
+}
+
+void DescribeProgram(CLI::App& program, CommandLine& line) {
+    program.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return "plugincore-host: " + exact_words::FailureText(error) + "; see \"plugincore-host --help\"\n";
+    });
+    program.footer(kExitStatusHelp);
+    program.require_subcommand(1);
+    program.fallthrough();
+    // A path that begins with "/" is no option; subcommands take this over.
+    program.allow_windows_style_options(false);
+    AddText(program, "--app", line.host.app, "The host application to pass for")
+        ->default_str(line.host.app)
+        ->check([](const std::string& name) { return NamesAHost(name) ? "" : kHostNamesHelp; });
+    AddText(program, "--core", line.host.corePath, "The core's library")
+        ->default_str(PrintableText(line.host.corePath));
+    AddText(program, "--answers", line.answers, "A JSON file of answers to the questions that dialogs ask");
+    program.add_flag("--json", line.json, "Write JSON, one line for each file");
+}
+
+void DescribeDocumentCommands(CLI::App& program, CommandLine& line) {
+    CLI::App* open = AddCommand(program, line, "open", "Open documents and have their fonts activated",
+                                [&line] { return RunOpen(line.host, line.open); });
+    AddTexts(*open, "FILE", line.open.files, "The documents")->required();
+    CLI::Option* close = open->add_flag("--close", line.open.closeAtOnce, "Close them at once");
+    AddSeconds(*open, line.open.seconds, "Close them after so many seconds; else on Enter")->excludes(close);
+
+    CLI::App* fonts = AddCommand(program, line, "fonts", "List the font names that documents hold",
+                                 [&line] { return RunFonts(line.files, line.json); });
+    AddTexts(*fonts, "FILE", line.files, "The documents")->required();
+}
+
+void DescribeOtherCommands(CLI::App& program, CommandLine& line) {
+    CLI::App* settings = AddCommand(program, line, "settings", "Show the preferences, or store one",
+                                    [&line] { return RunSettings(line.host, line.settings); });
+    AddText(*settings, "KEY", line.settings.key, "Show this one alone");
+    AddOptionalText(*settings, "VALUE", line.settings.value, "Store this value");
+
+    CLI::App* menu = AddCommand(program, line, "menu", "Show the plug-in menu, or choose from it",
+                                [&line] { return RunMenu(line.host, line.menu); });
+    AddText(*menu, "CHOICE", line.menu.choice, "The number or the text of a menu item");
+    AddText(*menu, "--document", line.menu.document, "A document to open before");
+
+    CLI::App* events =
+        AddCommand(program, line, "events", "Print what the core tells panels, one JSON object a line",
+                   [&line] { return RunEvents(line.host, line.events); });
+    AddSeconds(*events, line.events.seconds, "End after so many seconds; else on Enter");
+
+    AddCommand(
+        program, line, "script",
+        "Do what standard input says, one JSON object a line: {\"call\": …, \"args\": {…}} makes a call,\n"
+        "{\"panel\": {\"messageID\": …}} sends a message as a panel does",
+        [&line] { return RunScript(line.host); });
+}
+
+}  // namespace
+
+std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line) {
+    auto program = std::make_unique<CLI::App>(
+        "Drives the font auto-activation core from the command line, as a host application would.",
+        "plugincore-host");
+    DescribeProgram(*program, line);
+    DescribeDocumentCommands(*program, line);
+    DescribeOtherCommands(*program, line);
+    return program;
+}

@@ -1,0 +1,27 @@
+// The words of the command line, and what they ask for.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "CoreLibrary.h"
+#include "ExactWords.h"
+
+/// What the words are read into.
+struct CommandLine {
+    HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
+    std::string answers;
+    bool json = false;
+    OpenOptions open;
+    std::vector<std::string> files;
+    SettingsOptions settings;
+    MenuOptions menu;
+    EventsOptions events;
+    std::function<int()> run;  ///< the command that was chosen; the program's exit status
+};
+
+/// A parser that reads the words into `line`, which outlives it.
+std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line);

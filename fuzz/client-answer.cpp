@@ -1,0 +1,142 @@
+// What an agent answers to the interface library, and the process that reads fonts to the agent, of any
+// content: it is refused, or kept to the limits, and what is made of it can be made into a message again.
+
+#include <algorithm>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "FontRecordKeys.h"
+#include "PrintableText.h"
+#include "Require.h"
+#include "Seeds.h"
+#include "StringConversion.h"
+#include "common/Protocol.h"
+#include "interface/CFJson.h"
+#include "ipc/AgentConnection.h"
+#include "ipc/FrameBuffer.h"
+#include "preview/PreviewFolder.h"
+#include "workers/FontWorkMessages.h"
+
+namespace {
+
+using namespace pellwick;
+
+/// From JSON to CoreFoundation and back; what comes back makes the trip unchanged.
+void CheckConversions(const Json& result) {
+    const Json once = JsonFromCF(CFFromJson(result).get());
+    const Json twice = JsonFromCF(CFFromJson(once).get());
+    // As messages: numbers that are none are no number's equal.
+    Require(EncodeMessage(twice) == EncodeMessage(once), "objects and values stand for one another");
+    const auto values = cf::MutableArray();
+    AppendJson(values.get(), result);
+    Require(cf::Count(values.get()) <= static_cast<CFIndex>(result.is_array() ? result.size() : 0),
+            "nothing is made up");
+    AddPreviews(cf::MutableDictionary().get(), ArrayMember(result, "previews"));
+    Require(!FailureText(static_cast<ErrorCode>(IntegerMember(result, "code")), result).empty(),
+            "failures have a text");
+}
+
+void CheckMessages(std::string_view bytes) {
+    FrameBuffer buffer;
+    for (size_t taken = 0; taken < bytes.size() && !buffer.IsBroken();) {
+        const size_t size = std::min<size_t>(bytes.size() - taken, 1 + taken % 97);
+        buffer.Append(bytes.data() + taken, size);
+        taken += size;
+        while (const auto payload = buffer.Next()) {
+            const auto message = DecodeMessage(*payload);
+            if (!message)
+                return;
+            CheckConversions(*message);
+            CheckConversions(message->contains("result") ? message->at("result") : *message);
+        }
+    }
+}
+
+void CheckName(const std::string& name) {
+    Require(name.size() <= kMaxNameSize && IsPlainText(name), "names are fit to keep and to show");
+}
+
+void CheckScan(std::string_view payload) {
+    const auto result = ParseScanResult(payload);
+    if (!result)
+        return;
+    Require(result->faces.size() <= kMaxFontsPerFile, "a file has as many fonts as it may have");
+    Require(result->faces.empty() != result->reason.empty(), "there is a reason where there are no fonts");
+    CheckName(result->reason);
+    for (const FontFace& face : result->faces) {
+        for (const std::string& name :
+             {face.postScriptName, face.family, face.style, face.fullName, face.foundry, face.version})
+            CheckName(name);
+        std::for_each(face.lookupNames.begin(), face.lookupNames.end(), CheckName);
+        Require(face.face >= 0, "faces are counted from 0");
+    }
+    const std::string again = EncodeScanResult(*result);
+    Require(EncodeScanResult(ParseScanResult(again).value()) == again, "a result arrives as it was sent");
+}
+
+void CheckImage(std::string_view payload) {
+    const auto image = ParseImage(payload);
+    if (!image)
+        return;
+    Require(image->coverage.size() == static_cast<size_t>(image->width) * static_cast<size_t>(image->height),
+            "an image has all its pixels");
+    const std::string again = EncodeImage(*image);
+    Require(EncodeImage(ParseImage(again).value()) == again, "an image arrives as it was sent");
+    Require((image->width == 0) == EncodePng(*image).empty(), "an image can be stored");
+}
+
+std::string Frame(const Json& message) {
+    return EncodeMessage(message).value();
+}
+
+/// The first byte chooses who reads the rest.
+std::vector<std::string> Seeds() {
+    const Json record = {{kGS_DatabaseIDKey, 7},
+                         {kGS_PostScriptNameKey, "Sample-Bold"},
+                         {kGS_ActivationStateKey, 1},
+                         {kGS_KeywordsKey, {"a", "b", nullptr}},
+                         {"FullName", "\xFF"},
+                         {"ratio", 0.5},
+                         {kGS_OutlineFileSizeKey, 1 << 30},
+                         {"visible", true}};
+    FontFace face;
+    face.postScriptName = "Sample-Bold";
+    face.lookupNames = {"Sample Bold", "Sample"};
+    return {
+        "a" + Frame({{"id", 1}, {"code", 0}, {"result", {{"fonts", {record, record}}}}}),
+        "a" + Frame({{"working", true}}) +
+            Frame({{"id", 2}, {"code", 65537}, {"result", {{"message", "there is no such font"}}}}),
+        "a" + Frame({{"notification", 3},
+                     {"data", {{kPreviewFontMember, 1}, {"PNGFilename", "/a"}, {"2xPNGFilename", "/b"}}}}),
+        "b" + EncodeScanResult({{face, face}, ""}),
+        "b" + EncodeScanResult({{}, "damaged font file"}),
+        "c" + EncodeImage({3, 2, {0, 1, 2, 253, 254, 255}}),
+        "c" + EncodeImage({})};
+}
+
+}  // namespace
+
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned random) {
+    static const auto* const seeds = new std::vector<std::string>(Seeds());
+    return MutateOrSeed(*seeds, data, size, maxSize, random);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size == 0)
+        return 0;
+    const std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
+    switch (data[0] % 3) {
+        case 'a' % 3:
+            CheckMessages(rest);
+            break;
+        case 'b' % 3:
+            CheckScan(rest);
+            break;
+        default:
+            CheckImage(rest);
+    }
+    return 0;
+}

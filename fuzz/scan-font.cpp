@@ -1,0 +1,54 @@
+// Font files of any content: what is found in them keeps to the limits and is fit to show.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "FontSeeds.h"
+#include "PrintableText.h"
+#include "Require.h"
+#include "Seeds.h"
+#include "common/Limits.h"
+#include "scan/FontScanner.h"
+
+namespace {
+
+using namespace pellwick;
+
+/// `parts`: how many names, or a name and a blank, it may be made of.
+void CheckName(const std::string& name, size_t parts = 1) {
+    Require(name.size() <= parts * kMaxNameSize, "names have the size that they may have");
+    Require(IsPlainText(name), "names are fit to show");
+}
+
+void CheckFace(const FontFace& face) {
+    Require(face.face >= 0 && face.face <= INT32_MAX && (face.face & 0xFFFF) < kMaxFacesPerFile &&
+                face.face >> 16 <= kMaxInstancesPerFace,
+            "the face is one that a file may have");
+    for (const std::string& name : {face.family, face.style, face.foundry, face.version})
+        CheckName(name);
+    CheckName(face.postScriptName, 3);
+    CheckName(face.fullName, 3);
+    for (const std::string& name : face.lookupNames)
+        CheckName(name, 3);
+    Require(!face.postScriptName.empty() && !face.style.empty() && !face.fullName.empty(),
+            "fonts have names");
+}
+
+}  // namespace
+
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned random) {
+    static const auto* const seeds = new std::vector<std::string>(FontSeeds());
+    return MutateOrSeed(*seeds, data, size, maxSize, random);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static auto* const scanner = new FontScanner;
+    std::string reason;
+    const auto faces = scanner->Scan({reinterpret_cast<const char*>(data), size}, reason);
+    Require(faces.size() <= kMaxFontsPerFile, "a file has as many fonts as it may have");
+    Require(faces.empty() != reason.empty(), "there is a reason where there are no fonts");
+    for (const FontFace& face : faces)
+        CheckFace(face);
+    return 0;
+}
