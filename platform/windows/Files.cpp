@@ -25,6 +25,8 @@ const SystemError kFileTooLarge{ERROR_FILE_TOO_LARGE};
 namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+/// A file that is removed while it is open stays in its folder, which then cannot be removed either.
+constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 /// What stands at a path may be somebody else's pipe, which must not act in this user's name.
 constexpr DWORD kNoImpersonation = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
 /// One call reads or writes at most this much.
@@ -383,7 +385,7 @@ SystemError AppendedFile::Open(const std::string& path) {
     const std::wstring name = ToWidePath(path);
     OwnedHandle file(name.empty() ? nullptr
                                   : CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
-                                                kShareAll, rights.Attributes(), OPEN_ALWAYS,
+                                                kShareWriters, rights.Attributes(), OPEN_ALWAYS,
                                                 FILE_FLAG_OPEN_REPARSE_POINT | kNoImpersonation, nullptr));
     BY_HANDLE_FILE_INFORMATION info{};
     if (!file.IsValid())
