@@ -1,19 +1,18 @@
 // Files of this process alone, in memory where the system has such a folder.
 #pragma once
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 #include <string_view>
 
-/// A path that no other process uses.
+/// A path that no other process uses, whichever processes it sees.
 inline std::string ScratchPath() {
     static const std::string path =
         (std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path().string()) +
-        "/plugincore-fuzz-" + std::to_string(getpid());
+        "/plugincore-fuzz-" + std::to_string(std::random_device{}());
     return path;
 }
 

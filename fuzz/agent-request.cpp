@@ -211,6 +211,13 @@ Json Sent(const Json& request) {
     return *message;
 }
 
+/// As a host greets the agent.
+Json Greeting(FuzzedDataProvider& input) {
+    return {{"id", 0},
+            {"method", method::kHello},
+            {"args", {{"protocol", int{kProtocolVersion}}, {"taken", ValueMaker(input).Number()}}}};
+}
+
 void TakeStep(FuzzedDataProvider& input, AgentWorld& world, long long& lastID) {
     const auto client = input.ConsumeIntegralInRange<size_t>(0, AgentWorld::kClients - 1);
     switch (input.ConsumeIntegralInRange(0, 31)) {
@@ -219,7 +226,10 @@ void TakeStep(FuzzedDataProvider& input, AgentWorld& world, long long& lastID) {
         case 1:
             return world.Acknowledge(client);
         case 2:
-            return world.Reconnect(client);
+            world.Reconnect(client);
+            if (input.ConsumeBool())
+                world.Request(client, Greeting(input));
+            return;
         case 3:
             return world.Sweep();
         case 4:

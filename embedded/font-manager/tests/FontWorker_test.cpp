@@ -86,6 +86,8 @@ TEST(FontWorkMessages, AreNotBelievedBeyondWhatTheyMaySay) {
     result.faces.resize(1);
     result.faces[0].family = "bad\nname";
     EXPECT_EQ(ParseScanResult(EncodeScanResult(result))->faces[0].family, "badname");
+    result.faces[0].face = (int64_t{1} << 32) + 1;
+    EXPECT_FALSE(ParseScanResult(EncodeScanResult(result))) << "it would be face 1";
 }
 
 }  // namespace

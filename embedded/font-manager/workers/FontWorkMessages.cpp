@@ -1,6 +1,8 @@
 #include "workers/FontWorkMessages.h"
 
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
 
 #include "common/Limits.h"
 #include "ipc/Message.h"
@@ -29,23 +31,32 @@ std::string NameOf(const Json& value) {
     return CleanName(value.get<std::string>());
 }
 
-/// Throws Json::exception for what is no such row.
+/// Throws Json::exception or std::out_of_range for what is no whole number of that type.
+template <class Integer>
+Integer NumberOf(const Json& value) {
+    const auto number = value.get_ref<const Json::number_integer_t&>();
+    if (!std::in_range<Integer>(number))
+        throw std::out_of_range("a number of a message");
+    return static_cast<Integer>(number);
+}
+
+/// Throws Json::exception or std::out_of_range for what is no such row.
 FontFace FaceOf(const Json& row) {
     FontFace face;
-    face.face = row.at(0).get<uint32_t>();
+    face.face = NumberOf<uint32_t>(row.at(0));
     face.postScriptName = NameOf(row.at(1));
     face.family = NameOf(row.at(2));
     face.style = NameOf(row.at(3));
     face.fullName = NameOf(row.at(4));
     face.foundry = NameOf(row.at(5));
     face.version = NameOf(row.at(6));
-    face.kind = row.at(7).get<int32_t>();
+    face.kind = NumberOf<int32_t>(row.at(7));
     for (const Json& name : row.at(8))
         face.lookupNames.push_back(NameOf(name));
     return face;
 }
 
-/// What the messages' schema does not say comes as an exception of the JSON library.
+/// What the messages' schema does not say comes as an exception, most often of the JSON library.
 template <class Parse>
 auto Parsed(std::string_view message, Parse parse) -> decltype(parse(Json())) {
     const std::optional<Json> decoded = DecodeMessage(message);
@@ -53,6 +64,7 @@ auto Parsed(std::string_view message, Parse parse) -> decltype(parse(Json())) {
         if (decoded)
             return parse(*decoded);
     } catch (const Json::exception&) {
+    } catch (const std::out_of_range&) {
     }
     return std::nullopt;
 }
@@ -74,10 +86,10 @@ std::optional<FontWorkRequest> ParseRequest(std::string_view message) {
         FontWorkRequest request;
         request.isForImage = decoded.at(kMethod) == kDraw;
         if (request.isForImage) {
-            request.font.face = decoded.at("face").get<int64_t>();
+            request.font.face = NumberOf<int64_t>(decoded.at("face"));
             request.font.fullName = decoded.at("fullName").get<std::string>();
             request.font.postScriptName = decoded.at("postScriptName").get<std::string>();
-            request.scale = decoded.at("scale").get<int>();
+            request.scale = NumberOf<int>(decoded.at("scale"));
         }
         return request;
     });
@@ -111,7 +123,7 @@ std::string EncodeImage(const NameImage& image) {
 std::optional<NameImage> ParseImage(std::string_view message) {
     return Parsed(message, [](const Json& decoded) -> std::optional<NameImage> {
         constexpr int kLargest = kPreviewScales.back();
-        NameImage image{decoded.at("width").get<int>(), decoded.at("height").get<int>(),
+        NameImage image{NumberOf<int>(decoded.at("width")), NumberOf<int>(decoded.at("height")),
                         decoded.at("coverage").get_binary()};
         const bool isOfSize = image.width >= 0 && image.width <= kLargest * kMaxPreviewWidth &&
                               image.height >= 0 && image.height <= kLargest * kPreviewHeight &&
