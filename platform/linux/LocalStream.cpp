@@ -78,8 +78,9 @@ SystemError SocketPlace::Open(const std::string& address) {
     struct stat info {};
     if (!mParent.IsValid() || fstat(mParent.Get(), &info) != 0)
         return LastSystemError();
-    // There they could rename our folder and put another one in its place.
-    if ((info.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (info.st_mode & S_ISVTX) == 0)
+    // Whoever owns it, or may write to it without the sticky bit, could put another folder in place of ours.
+    const bool isOthers = info.st_uid != geteuid() && info.st_uid != 0;
+    if (isOthers || ((info.st_mode & (S_IWGRP | S_IWOTH)) != 0 && (info.st_mode & S_ISVTX) == 0))
         return SystemError{EPERM};
     return OpenFolder();
 }
@@ -291,8 +292,8 @@ struct LocalAcceptor::State : std::enable_shared_from_this<State> {
                     self->AcceptLater();
                     return;
                 }
+                self->Accept();  // first: handing it over may fail for lack of memory
                 self->Hand(std::move(socket));
-                self->Accept();
             });
     }
     /// No descriptor is free, say: trying again at once would only keep the processor busy.

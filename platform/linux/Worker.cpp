@@ -35,8 +35,9 @@ struct RequestHeader {
 };
 constexpr size_t kMaxRequest = 65536;
 
-/// Sends all of it; `descriptor` goes along with the first byte unless it is negative.
-bool SendAll(int line, std::string_view bytes, int descriptor) {
+/// Sends all of it; `descriptor` goes along with the first byte unless it is negative. `flags`: MSG_DONTWAIT
+/// fails where the other side has not taken what it was sent before.
+bool SendAll(int line, std::string_view bytes, int descriptor, int flags = 0) {
     while (!bytes.empty()) {
         iovec piece{const_cast<char*>(bytes.data()), bytes.size()};
         alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
@@ -52,7 +53,7 @@ bool SendAll(int line, std::string_view bytes, int descriptor) {
             header->cmsg_len = CMSG_LEN(sizeof descriptor);
             std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
         }
-        const ssize_t sent = sendmsg(line, &message, MSG_NOSIGNAL);
+        const ssize_t sent = sendmsg(line, &message, MSG_NOSIGNAL | flags);
         if (sent < 0 && errno == EINTR)
             continue;
         if (sent <= 0)
@@ -135,6 +136,8 @@ public:
             problem = "was cancelled";
         else if (problem.empty())
             problem = ProblemOf(status);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == kUnfitStatus)
+            return Outcome::kUnfit;
         const bool isOverLimit = problem == kTookTooLong || problem == kAnsweredTooMuch;
         return isOverLimit ? Outcome::kOverLimit : Outcome::kDied;
     }
@@ -152,7 +155,8 @@ private:
         header.size = static_cast<uint32_t>(request.size());
         std::string bytes(reinterpret_cast<const char*>(&header), sizeof header);
         bytes += request;
-        return SendAll(mLine, bytes, static_cast<int>(file.NativeHandle()));
+        // A worker that reads its requests has room for the next one.
+        return SendAll(mLine, bytes, static_cast<int>(file.NativeHandle()), MSG_DONTWAIT);
     }
     bool TakeAnswer(std::string& answer, std::string& problem) {
         const auto deadline = steady_clock::now() + mLimits.time;

@@ -30,13 +30,10 @@ struct RequestHeader {
 };
 constexpr size_t kMaxRequest = 65536;
 
-bool WriteAll(HANDLE line, std::string_view bytes, OVERLAPPED* operation) {
+bool WriteAll(HANDLE line, std::string_view bytes) {
     while (!bytes.empty()) {
         DWORD written = 0;
-        const BOOL isDone =
-            WriteFile(line, bytes.data(), static_cast<DWORD>(bytes.size()), &written, operation);
-        if (!isDone && (operation == nullptr || GetLastError() != ERROR_IO_PENDING ||
-                        !GetOverlappedResult(line, operation, &written, TRUE)))
+        if (!WriteFile(line, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
             return false;
         bytes.remove_prefix(written);
     }
@@ -179,9 +176,18 @@ private:
         header.size = static_cast<uint32_t>(request.size());
         std::string bytes(reinterpret_cast<const char*>(&header), sizeof header);
         bytes += request;
+        return WriteBy(steady_clock::now() + mLimits.time, bytes);
+    }
+    bool WriteBy(steady_clock::time_point deadline, std::string_view bytes) {
         OVERLAPPED operation{};
         operation.hEvent = mDone.Get();
-        return WriteAll(mLine.Get(), bytes, &operation);  // the pipe's buffer takes it
+        DWORD written = 0;
+        if (!WriteFile(mLine.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, &operation) &&
+            GetLastError() != ERROR_IO_PENDING)
+            return false;
+        if (WaitFor(deadline) != WAIT_OBJECT_0)
+            CancelIoEx(mLine.Get(), &operation);
+        return GetOverlappedResult(mLine.Get(), &operation, &written, TRUE) && written == bytes.size();
     }
     bool TakeAnswer(std::string& answer, std::string& problem) {
         const auto deadline = steady_clock::now() + mLimits.time;
@@ -277,7 +283,7 @@ public:
     bool Answer(std::string_view answer) override {
         const auto size = static_cast<uint32_t>(answer.size());
         const std::string_view header(reinterpret_cast<const char*>(&size), sizeof size);
-        return WriteAll(mLine.Get(), header, nullptr) && WriteAll(mLine.Get(), answer, nullptr);
+        return WriteAll(mLine.Get(), header) && WriteAll(mLine.Get(), answer);
     }
 
 private:

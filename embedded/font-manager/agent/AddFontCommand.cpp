@@ -138,8 +138,7 @@ void ActivateRepaired(FontManager& manager, const FontFile& file) {
     if (!known || !manager.fonts.IsFileActive(known->id))
         return;
     manager.activeFonts->Remove(*known);
-    manager.activeFonts->Add(*known);
-    manager.activeFonts->AnnounceChanges();
+    manager.RepairActiveFonts();  // tried again later where it fails
 }
 
 Json Record(CommandContext& context, const Arriving& arrival, const std::string& workgroupName) {

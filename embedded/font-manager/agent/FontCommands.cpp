@@ -32,6 +32,7 @@ Json RemoveFonts(CommandContext& context, const Json& arguments) {
         activation.RemoveFile(font->file);
         files.push_back(font->file);
     }
+    RequireSendable(removed);
     const ActivationChanges changes = activation.Commit();
     for (const FontFile& file : files)
         (void)manager.vault.Remove(file);

@@ -7,6 +7,7 @@
 #include <new>
 #include <nlohmann/json.hpp>
 
+#include "PrintableText.h"
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "platform/DynamicLibrary.h"
@@ -219,14 +220,15 @@ void Server::Proceed(PendingCommand command, const Step& step) {
 
 void Server::Finish(const PendingCommand& command, const CommandAnswer& answer) {
     Client& client = ClientOf(command);
-    if (answer.code != CoreErrorCodes::kSuccess && client.provisionalRequest == command.request) {
+    if (answer.code != CoreErrorCodes::kSuccess && command.request != 0 &&
+        client.provisionalRequest == command.request) {
         OnAnswerLost(client);  // the client is told of a failure instead
         client.provisionalRequest = 0;
     }
     if (client.lastTaken && command.method == method::kHello)
         UndoLater();
     if (answer.code != CoreErrorCodes::kSuccess)
-        mLog.Write(command.method + ": " + ErrorCodeToName(answer.code) + ": " + answer.problem + "\n");
+        Note(command.method + ": " + ErrorCodeToName(answer.code) + ": " + answer.problem);
     if (mStopsAfterCommand)
         asio::post(mLoop, [this] { Stop(); });
     if (command.session)
@@ -295,6 +297,11 @@ void Server::CheckVaultLater() {
             RunOwn("checking the vault", CheckNextFile);
         CheckVaultLater();
     });
+}
+
+/// Names that others chose make no lines of their own.
+void Server::Note(const std::string& text) {
+    mLog.Write(PrintableText(text) + "\n");
 }
 
 void Server::Announce(int32_t type, const Json& data) {

@@ -42,7 +42,7 @@ private:
     // Audience
     void Announce(int32_t type, const Json& data) override;
     void KeepAlive() override;
-    void Note(const std::string& text) override { mLog.Write(text + "\n"); }
+    void Note(const std::string& text) override;
     void RequestStop() override { mStopsAfterCommand = true; }
     // SessionOwner
     void OnRequest(const std::shared_ptr<Session>& session, const Json& request) override;

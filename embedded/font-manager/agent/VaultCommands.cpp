@@ -45,16 +45,23 @@ std::string TextOf(const CheckedFile& checked) {
 
 /// Fonts whose file is not what it was are not offered any more.
 void NoteLost(CommandContext& context, const std::vector<CheckedFile>& checked, Json& problems) {
+    std::vector<FontFile> lost;
     Activation activation = context.manager.BeginActivation();
     for (const CheckedFile& each : checked) {
         const auto known = context.manager.fonts.FindFile(each.file.checksum);
-        if (each.finding == Finding::kIntact || !known)  // removed meanwhile
+        if (!known)  // removed meanwhile
             continue;
+        if (each.finding == Finding::kIntact) {
+            context.manager.fonts.SetFileMissing(known->id, false);
+            continue;
+        }
         activation.NoteMissing(*known);
-        context.manager.activeFonts->Remove(*known);
+        lost.push_back(*known);
         problems.push_back(TextOf(each));
     }
     AnnounceChanges(context.audience, activation.Commit());
+    for (const FontFile& file : lost)
+        context.manager.activeFonts->Remove(file);
 }
 
 Json Report(CommandContext& context, const std::vector<CheckedFile>& checked) {
@@ -114,6 +121,19 @@ struct FoundFile {
     std::string problem;  ///< why it is none; empty when it is one
 };
 
+ScanResult Scan(const platform::ReadOnlyFile& content, FontWorker& worker) {
+    try {
+        return worker.Scan(content);
+    } catch (const NoFontWorker& error) {
+        return {{}, error.what(), false};
+    }
+}
+
+std::string WhereAside(const FontVault& vault, const std::string& path) {
+    const std::string target = vault.SetAside(path);
+    return target.empty() ? ", and cannot be put aside" : ", and was put into " + target;
+}
+
 FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& worker) {
     FoundFile found;
     platform::ReadOnlyFile content;
@@ -123,16 +143,17 @@ FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& 
     if (checksum.empty() || content.Open(path) || content.Size(found.file.size))
         found.problem = path + " cannot be read";
     else if (checksum != found.file.checksum)
-        found.problem = path + " is damaged, and was put into " + vault.SetAside(path);
+        found.problem = path + " is damaged" + WhereAside(vault, path);
     if (!found.problem.empty())
         return found;
-    ScanResult result = worker.Scan(content);
+    ScanResult result = Scan(content, worker);
     found.faces = std::move(result.faces);
-    if (found.faces.empty())
-        found.problem =
-            path + " is no font (" + result.reason + "), and was put into " + vault.SetAside(path);
-    else
+    if (!found.faces.empty())
         found.file.name = found.faces.front().postScriptName + found.file.extension;
+    else if (!result.isJudged)
+        found.problem = path + " stays where it is, and the next start tries again (" + result.reason + ")";
+    else
+        found.problem = path + " is no font (" + result.reason + ")" + WhereAside(vault, path);
     return found;
 }
 
@@ -140,7 +161,8 @@ FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& 
 void Reunite(FontManager& manager, const FontFile& found, const FontFile& known) {
     if (found.extension == known.extension)  // added by somebody meanwhile
         return;
-    if (manager.vault.Has(known)) {
+    static const StopFlag kGoesOn{false};
+    if (manager.vault.IsIntact(known, kGoesOn)) {
         (void)manager.vault.Remove(found);
     } else if (manager.vault.Rename(found, known)) {
         manager.fonts.SetFileMissing(known.id, false);
@@ -197,10 +219,14 @@ Json TakeBack(CommandContext& context, const std::shared_ptr<std::vector<std::st
     const FontVault& vault = context.manager.vault;
     return context.Defer(Deferral::LaneName::kFiles, [&vault, path, paths](FontWorker& worker) {
         return [found = LookInto(vault, path, worker), paths](CommandContext& later) {
-            if (found.problem.empty())
-                Add(later, found);
-            else
-                later.audience.Note(found.problem);
+            try {
+                if (found.problem.empty())
+                    Add(later, found);
+                else
+                    later.audience.Note(found.problem);
+            } catch (const DatabaseError& error) {  // the next start tries again
+                later.audience.Note("taking a font back: " + std::string(error.what()));
+            }
             return TakeBack(later, paths);
         };
     });

@@ -85,8 +85,7 @@ ErrorCode CallInPartsForFonts(PluginFacadeRef facade, const char* method, Json a
             const Json& part = ArrayMember(result, member);
             all.insert(all.end(), part.begin(), part.end());
         });
-    if (code == CoreErrorCodes::kSuccess || code == GIPCClient::kReplyTimeout)
-        AppendJson(appended, all);
+    AppendJson(appended, all);  // also what was done before a later part failed
     return code;
 }
 
@@ -212,11 +211,8 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
                                                arguments[kReplacementsMember] =
                                                    kMaxFontsWithReplacements - found.replacements.size();
                                            });
-        const bool isCutOff = code == GIPCClient::kReplyTimeout;
-        if (code != CoreErrorCodes::kSuccess && !isCutOff)
-            return code;
         AppendJson(matchedFonts, found.matched);  // what is active is the caller's to let go of
-        if (isCutOff)
+        if (code != CoreErrorCodes::kSuccess)
             return code;
         AppendJson(reportedFonts, found.reported);
         if (unmatchedFonts != nullptr)

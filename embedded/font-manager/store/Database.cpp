@@ -141,8 +141,11 @@ Statement Database::Prepare(const char* sql) {
 }
 
 bool Database::WriteBackLog() {
-    return sqlite3_wal_checkpoint_v2(mDatabase.get(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr) ==
-           SQLITE_OK;
+    int frames = 0;
+    int written = 0;
+    return sqlite3_wal_checkpoint_v2(mDatabase.get(), nullptr, SQLITE_CHECKPOINT_PASSIVE, &frames,
+                                     &written) == SQLITE_OK &&
+           frames == written;
 }
 
 int64_t Database::LastInsertedID() const {

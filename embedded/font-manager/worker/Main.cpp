@@ -25,7 +25,7 @@ int Work(platform::WorkerLine& line) {
     PreviewRenderer renderer;
     if (!KeepEncodingLoaded("MACINTOSH", "UTF-8") || !KeepEncodingLoaded("UTF-16BE", "UTF-8") ||
         !KeepEncodingLoaded("UTF-8", "UTF-32LE") || !line.Confine(kFontWorkerLimits))
-        return 1;
+        return platform::kUnfitStatus;
     std::string message;
     std::string_view file;
     while (line.Receive(message, file)) {

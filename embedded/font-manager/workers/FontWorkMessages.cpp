@@ -1,6 +1,7 @@
 #include "workers/FontWorkMessages.h"
 
 #include <nlohmann/json.hpp>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +12,9 @@
 
 namespace pellwick {
 namespace {
+
+/// Of one face; a scan finds up to four.
+constexpr size_t kMaxLookupNames = 8;
 
 constexpr char kMethod[] = "method";
 constexpr char kScan[] = "scan";
@@ -51,6 +55,8 @@ FontFace FaceOf(const Json& row) {
     face.foundry = NameOf(row.at(5));
     face.version = NameOf(row.at(6));
     face.kind = NumberOf<int32_t>(row.at(7));
+    if (row.at(8).size() > kMaxLookupNames)
+        throw std::length_error("more names than a scan finds");
     for (const Json& name : row.at(8))
         face.lookupNames.push_back(NameOf(name));
     return face;
@@ -64,7 +70,7 @@ auto Parsed(std::string_view message, Parse parse) -> decltype(parse(Json())) {
         if (decoded)
             return parse(*decoded);
     } catch (const Json::exception&) {
-    } catch (const std::out_of_range&) {
+    } catch (const std::logic_error&) {  // numbers and lists that do not fit
     }
     return std::nullopt;
 }
@@ -108,8 +114,12 @@ std::optional<ScanResult> ParseScanResult(std::string_view message) {
         result.reason = NameOf(decoded.at("reason"));
         if (decoded.at("faces").size() > kMaxFontsPerFile)
             return std::nullopt;
-        for (const Json& row : decoded.at("faces"))
+        std::set<int64_t> seen;
+        for (const Json& row : decoded.at("faces")) {
             result.faces.push_back(FaceOf(row));
+            if (!seen.insert(result.faces.back().face).second)
+                return std::nullopt;
+        }
         const bool isOneOfTwo = result.faces.empty() != result.reason.empty();
         return isOneOfTwo ? std::optional(std::move(result)) : std::nullopt;
     });

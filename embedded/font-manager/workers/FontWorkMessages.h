@@ -34,6 +34,7 @@ struct FontWorkRequest {
 struct ScanResult {
     std::vector<FontFace> faces;  ///< empty when it is no font that can be used
     std::string reason;           ///< why, for people
+    bool isJudged = true;         ///< the file was read; false where the process came to an end over it
 };
 
 std::string EncodeRequest(const FontWorkRequest& request);

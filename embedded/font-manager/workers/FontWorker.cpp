@@ -6,8 +6,9 @@ ScanResult FontWorker::Scan(const platform::ReadOnlyFile& file) {
     std::string answer;
     std::string problem;
     if (!Ask({}, file, answer, problem))
-        return {{}, "damaged font file, or a harmful one: reading it " + problem};
-    return ParseScanResult(answer).value_or(ScanResult{{}, "damaged font file: it cannot be understood"});
+        return {{}, "damaged font file, or a harmful one: reading it " + problem, false};
+    return ParseScanResult(answer).value_or(
+        ScanResult{{}, "damaged font file: it cannot be understood", false});
 }
 
 NameImage FontWorker::Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale) {
@@ -27,9 +28,16 @@ bool FontWorker::Ask(const FontWorkRequest& request, const platform::ReadOnlyFil
         Rest();
         outcome = Process().Exchange(EncodeRequest(request), file, answer, problem);
     }
-    if (outcome != Outcome::kAnswered)
-        Rest();
-    return outcome == Outcome::kAnswered;
+    if (outcome == Outcome::kAnswered)
+        return true;
+    Rest();
+    if (mIsStopped)
+        throw NoFontWorker("the agent ends; try again");
+    if (outcome == Outcome::kUnfit)
+        throw NoFontWorker(mProgram +
+                           " cannot be confined here, and so reads no fonts; the system must allow"
+                           " seccomp filters");
+    return false;
 }
 
 platform::Worker& FontWorker::Process() {

@@ -34,7 +34,8 @@ public:
     enum class Outcome {
         kAnswered,
         kOverLimit,  ///< took too long or answered with too much
-        kDied        ///< crashed, or was ended: perhaps by something else than the request
+        kDied,       ///< crashed, or was ended: perhaps by something else than the request
+        kUnfit       ///< it could not be confined (kUnfitStatus), and has not looked at the request
     };
     /// Hands over a request with an open file, and waits for the answer. Without one the process is ended,
     /// and `problem` says for people what it did, as in "took too long".
@@ -43,6 +44,9 @@ public:
     /// Ends the process, and with it an Exchange under way. Any thread.
     virtual void Cancel() = 0;
 };
+
+/// The exit status of a worker's program where WorkerLine::Confine fails.
+constexpr int kUnfitStatus = 3;
 
 /// The side that works.
 class WorkerLine {
