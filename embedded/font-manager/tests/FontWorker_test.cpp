@@ -70,6 +70,15 @@ TEST_F(FontWorkerTest, StartsAgainAfterItWasEnded) {
     EXPECT_THROW(absent.Scan(FileOf("font")), NoFontWorker);
 }
 
+// What the process dies of otherwise says nothing about the font.
+TEST_F(FontWorkerTest, AFontThatWasNotReadIsNotJudged) {
+    EXPECT_TRUE(Scan("no font").isJudged);
+    FontWorker failing(PELLWICK_PROGRAM);  // which ends at once when it is started like this
+    const ScanResult result = failing.Scan(FileOf(MakeTestFont({"Good", "Good"})));
+    EXPECT_TRUE(result.faces.empty());
+    EXPECT_FALSE(result.isJudged);
+}
+
 TEST(FontWorkMessages, AreNotBelievedBeyondWhatTheyMaySay) {
     const NameImage image{2, 1, {1, 2}};
     EXPECT_EQ(ParseImage(EncodeImage(image))->coverage, image.coverage);
@@ -83,7 +92,12 @@ TEST(FontWorkMessages, AreNotBelievedBeyondWhatTheyMaySay) {
     ScanResult result;
     result.faces.resize(kMaxFontsPerFile + 1);
     EXPECT_FALSE(ParseScanResult(EncodeScanResult(result)));
+    result.faces.assign(2, FontFace());
+    EXPECT_FALSE(ParseScanResult(EncodeScanResult(result))) << "one face twice";
     result.faces.resize(1);
+    result.faces[0].lookupNames.resize(1000);
+    EXPECT_FALSE(ParseScanResult(EncodeScanResult(result)));
+    result.faces[0].lookupNames.clear();
     result.faces[0].family = "bad\nname";
     EXPECT_EQ(ParseScanResult(EncodeScanResult(result))->faces[0].family, "badname");
     result.faces[0].face = (int64_t{1} << 32) + 1;
