@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "PrintableText.h"
 #include "common/Limits.h"
@@ -375,9 +376,14 @@ void Server::OnClosed(const std::shared_ptr<Session>& session) {
         mLoop.stop();
 }
 
+/// At the latest: clients that come and go without a pause do not put it off.
 void Server::SweepLeasesIn(std::chrono::milliseconds delay) {
+    const auto time = std::chrono::steady_clock::now() + delay;
+    const bool isDueBefore = mSweepDelay.count() != 0 && mSweepTimer.expiry() <= time;
     mSweepDelay = delay;
-    mSweepTimer.expires_after(delay);
+    if (isDueBefore)
+        return;
+    mSweepTimer.expires_at(time);
     mSweepTimer.async_wait([this](const asio::error_code& failure) {
         if (!failure)
             SweepLeases();
@@ -385,6 +391,7 @@ void Server::SweepLeasesIn(std::chrono::milliseconds delay) {
 }
 
 void Server::SweepLeases() {
+    const auto delay = std::exchange(mSweepDelay, std::chrono::milliseconds(0));
     bool isAnyLeft = true;
     try {
         AnnounceChanges(*this, mManager.EndLeasesOfDeadProcesses());
@@ -398,9 +405,7 @@ void Server::SweepLeases() {
         mSweepFailure = error.what();
     }
     if (isAnyLeft)
-        SweepLeasesIn(std::min(mSweepDelay * 2, kLongestSweepDelay));
-    else
-        mSweepDelay = std::chrono::milliseconds(0);
+        SweepLeasesIn(std::min(delay * 2, kLongestSweepDelay));
 }
 
 void Server::Stop() {

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "common/Locations.h"
+#include "common/Protocol.h"
+#include "ipc/AgentConnection.h"
 #include "tests/support/RecoveryTest.h"
 
 namespace pellwick::test {
@@ -64,6 +66,24 @@ TEST_F(RecoveryTest, AHostThatDiesLeavesNothingBehind) {
     EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().size() == 1; }));  // which the second shares
     second.Finish();
     EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
+}
+
+TEST_F(RecoveryTest, AHostThatDiesIsFoundOutHoweverManyComeAndGo) {
+    TestProcess host({TEST_HOST_PROGRAM, "/first", "Sample-Bold"});
+    ASSERT_EQ(host.ReadLine(), "1");
+    host.Kill();
+    host.Finish();
+    EXPECT_TRUE(Eventually([] {
+        // So many that there is no rest between them.
+        Json status;
+        for (int client = 0; client < 100; ++client) {
+            AgentConnection connection(std::chrono::seconds(30));
+            EXPECT_EQ(connection.Call(method::kGetStatus, Json::object(), status), 0u);
+            if (status["hosts"] == 0)
+                return true;
+        }
+        return false;
+    }));
 }
 
 TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
