@@ -12,7 +12,6 @@
 #include "common/Limits.h"
 #include "common/Protocol.h"
 #include "platform/DynamicLibrary.h"
-#include "platform/Files.h"
 #include "platform/Memory.h"
 #include "platform/Processes.h"
 
@@ -58,60 +57,17 @@ Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& loc
       mPendingTimer(mLoop),
       mVaultTimer(mLoop),
       mFileLane(FontWorkerPath()),
-      mPreviewLane(FontWorkerPath()) {}
+      mPreviewLane(FontWorkerPath()),
+      mAddress(mLoop, manager.locations, log, [this](platform::LocalStream stream) {
+          try {
+              Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
+                    Deadline::clock::now() + kAnswerLimit);
+          } catch (const std::bad_alloc&) {  // the next one may find some
+              NoteLackOfMemory();
+          }
+      }) {}
 
-Server::~Server() {
-    if (IsAddressFound())  // else it is a successor's
-        platform::RemoveFile(mManager.locations.addressPath);
-}
-
-bool Server::Listen(std::string& problem) {
-    for (const std::string& address :
-         platform::LocalStreamAddresses("Vantorix", "Pellwick", mManager.locations.dataFolder)) {
-        if (ListenAt(address))
-            return WriteAddress(problem);
-    }
-    problem = "there is no address where the agent can listen; Pellwick.log in " +
-              mManager.locations.logFolder + " says why";
-    return false;
-}
-
-bool Server::ListenAt(const std::string& address) {
-    auto acceptor = std::make_unique<platform::LocalAcceptor>(mLoop, [this](platform::LocalStream stream) {
-        try {
-            Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
-                  Deadline::clock::now() + kAnswerLimit);
-        } catch (const std::bad_alloc&) {  // the next one may find some
-            NoteLackOfMemory();
-        }
-    });
-    if (const platform::SystemError error = acceptor->Listen(address)) {
-        if (mGroundProblem.empty())
-            mLog.Write("cannot listen at " + address + ": " + platform::SystemErrorText(error) + "\n");
-        return false;
-    }
-    if (mAcceptor)
-        mAcceptor->AdmitWaiting();
-    mAcceptor = std::move(acceptor);
-    mAddress = address;
-    return true;
-}
-
-bool Server::WriteAddress(std::string& problem) {
-    const std::string& path = mManager.locations.addressPath;
-    platform::SystemError error = platform::WriteWholeFile(path, mAddress);
-    if (!error)
-        error = platform::IdentifyFile(path, mAddressFile);
-    if (error)
-        problem = platform::WriteFailureText(path, error);
-    return !error;
-}
-
-bool Server::IsAddressFound() const {
-    platform::FileIdentity found;
-    return !mAddress.empty() && !platform::IdentifyFile(mManager.locations.addressPath, found) &&
-           found == mAddressFile;
-}
+Server::~Server() = default;
 
 void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
@@ -148,26 +104,19 @@ void Server::WatchGround() {
         if (failure)
             return;
         CheckGround();
-        if (!mIsStopping)
-            WatchGround();
     });
 }
 
+/// Puts right what others took away of what clients come by, or stops where nothing can be.
 void Server::CheckGround() {
-    if (!mLock.IsInPlace()) {
-        mLog.Write("the agent ends: " + mManager.locations.lockPath +
-                   " is gone or another file, so that another agent may serve\n");
-        Stop();
+    if (mLock.IsInPlace()) {
+        mAddress.Check();
+        WatchGround();
         return;
     }
-    std::string problem;
-    const bool isGone = !mAcceptor->IsInPlace();
-    const bool isFound = isGone ? Listen(problem) : IsAddressFound() || WriteAddress(problem);
-    if (isGone && isFound)
-        mLog.Write("the address was gone; the agent listens at " + mAddress + " now\n");
-    if (!isFound && problem != mGroundProblem)
-        mLog.Write(problem + "\n");
-    mGroundProblem = problem;
+    mLog.Write("the agent ends: " + mManager.locations.lockPath +
+               " is gone or another file, so that another agent may serve\n");
+    Stop();
 }
 
 /// Nobody could tell when the leases of a process end that cannot be looked at. It may be that no descriptor
@@ -319,7 +268,7 @@ void Server::KeepAlive() {
     if (now - mLastSignOfLife < kKeepAliveInterval)
         return;
     mLastSignOfLife = now;
-    mAcceptor->AdmitWaiting();  // they are to see signs of life as well
+    mAddress.AdmitWaiting();  // they are to see signs of life as well
     const std::string frame = FrameOf({{"working", true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
@@ -412,7 +361,7 @@ void Server::Stop() {
     if (mIsStopping)
         return;
     mIsStopping = true;
-    mAcceptor->Close();
+    mAddress.Close();
     mGroundTimer.cancel();
     mSweepTimer.cancel();
     mUndoTimer.cancel();

@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 
+#include "agent/AgentAddress.h"
 #include "agent/Commands.h"
 #include "agent/Session.h"
 #include "common/LogFile.h"
@@ -29,8 +30,8 @@ public:
 
     /// Listens at the first address that can be had and writes the address down. False when that cannot be
     /// done; `problem` then tells people.
-    bool Listen(std::string& problem);
-    const std::string& Address() const { return mAddress; }
+    bool Listen(std::string& problem) { return mAddress.Listen(problem); }
+    const std::string& Address() const { return mAddress.Text(); }
     /// Takes files of the vault that no record knows into the library, beside everything else.
     void TakeBackFonts(std::vector<std::string> paths);
     /// Serves until the agent is told to stop.
@@ -50,12 +51,7 @@ private:
     void OnClientTooSlow(const Client& client) override;
     void OnClosed(const std::shared_ptr<Session>& session) override;
 
-    bool ListenAt(const std::string& address);
-    /// The address, for clients to find.
-    bool WriteAddress(std::string& problem);
-    bool IsAddressFound() const;
     void WatchGround();
-    /// Puts right what others took away of what clients come by, or stops where nothing can be.
     void CheckGround();
     void Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
     void AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
@@ -97,7 +93,6 @@ private:
     const platform::FileLock& mLock;
     const CommandTable mCommands;
     asio::io_context mLoop;
-    std::unique_ptr<platform::LocalAcceptor> mAcceptor;
     std::optional<platform::EndRequests> mEndRequests;
     asio::steady_timer mGroundTimer;
     asio::steady_timer mSweepTimer;
@@ -109,17 +104,15 @@ private:
     Client mOwnClient;
     asio::steady_timer mPendingTimer;
     asio::steady_timer mVaultTimer;
-    std::string mAddress;
-    platform::FileIdentity mAddressFile;
-    std::string mGroundProblem;                ///< so that one that lasts leaves one line
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;
     bool mIsStopping = false;
-    // Last: their threads hand over to the loop.
+    // Their threads hand over to the loop.
     Lane mFileLane;
     Lane mPreviewLane;
+    AgentAddress mAddress;  ///< goes first, so that nobody is sent to an agent that ends
 };
 
 }  // namespace pellwick
