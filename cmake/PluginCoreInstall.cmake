@@ -12,19 +12,23 @@ if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)
   install(FILES "$<TARGET_FILE:CoreFoundation>" DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
 endif()
 install(TARGETS plugincore-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES plugins/plugin-core/include/PluginCoreInterface.h contracts/include/PlugPlug.h
-              contracts/include/FontRecordKeys.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+install(FILES plugins/plugin-core/include/PluginCoreInterface.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+# The borders behind which other font managers and frameworks can stand.
+install(TARGETS contracts EXPORT PluginCoreTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+install(DIRECTORY contracts/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN images EXCLUDE)
+install(DIRECTORY examples/thin-host examples/other-font-manager DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        PATTERN windows EXCLUDE)
 install(DIRECTORY corefoundation/include/CoreFoundation
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 
 install(EXPORT PluginCoreTargets NAMESPACE PluginCore:: FILE PluginCoreConfig.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/PluginCore)
-write_basic_package_version_file("${CMAKE_BINARY_DIR}/PluginCoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
-install(FILES "${CMAKE_BINARY_DIR}/PluginCoreConfigVersion.cmake"
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/PluginCoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/PluginCoreConfigVersion.cmake"
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/PluginCore)
 
-file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/plugincore.pc" @ONLY CONTENT [[
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/plugincore.pc" @ONLY CONTENT [[
 prefix=${pcfiledir}/../..
 includedir=${prefix}/@CMAKE_INSTALL_INCLUDEDIR@/plugincore
 libdir=${prefix}/@CMAKE_INSTALL_LIBDIR@
@@ -35,4 +39,4 @@ Version: @PROJECT_VERSION@
 Cflags: -I${includedir}
 Libs: -L${libdir} -lPluginCore
 ]])
-install(FILES "${CMAKE_BINARY_DIR}/plugincore.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES "${PROJECT_BINARY_DIR}/plugincore.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

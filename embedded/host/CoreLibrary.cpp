@@ -28,7 +28,7 @@ bool CoreLibrary::Load(const std::string& path, std::string& error) {
         error = path + " has no function " #name;                                  \
         return false;                                                              \
     }
-    PLUGINCORE_EXPORTS(BIND_EXPORT)
+    PLUGINCORE_FUNCTIONS(BIND_EXPORT)
 #undef BIND_EXPORT
     return true;
 }

@@ -38,7 +38,7 @@ int HostSession::Start(const HostOptions& options, Needs needs) {
     }
     mIsStarted = true;
     const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
-    if (code == PLUGINCORE_INVALID_PARAM || code == 2) {
+    if (code == PLUGINCORE_INVALID_PARAM || code == PLUGINCORE_NO_PREFERENCES) {
         PrintError("the core cannot start: " + ResultName(code));
         return exit_status::kFailed;
     }

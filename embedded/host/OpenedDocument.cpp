@@ -18,7 +18,7 @@ json FontList(const char* text) {
 }  // namespace
 
 bool IsSuccess(uint32_t code) {
-    return code == PLUGINCORE_SUCCESS || code == 1;
+    return code == PLUGINCORE_SUCCESS || code == PLUGINCORE_FONTS_ACTIVATED;
 }
 
 OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "ErrorCodes.h"
+#include "PluginCoreInterface.h"
 #include "PrintableText.h"
 #include "platform/Environment.h"
 
@@ -57,7 +58,16 @@ bool FlushOutput() {
 }
 
 std::string ResultName(uint32_t code) {
-    return code == 1 ? "FontsActivated" : ErrorCodeToName(code);
+    switch (code) {
+        case PLUGINCORE_FONTS_ACTIVATED:
+            return "FontsActivated";
+        case PLUGINCORE_NO_PREFERENCES:
+            return "NoPreferences";
+        case PLUGINCORE_NOT_STARTED:
+            return "NotStarted";
+        default:
+            return ErrorCodeToName(code);
+    }
 }
 
 void PrintTable(std::vector<std::vector<std::string>> rows) {

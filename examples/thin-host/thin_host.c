@@ -33,8 +33,7 @@ static bool open_document(const char* path) {
     /* No font list: the core reads the font names out of the document. */
     const uint32_t result = HandleOpenExistingDocument(path, NULL, matched, &matched_size, unmatched,
                                                        &unmatched_size, &activated);
-    /* 1 asks the host to redraw the document: fonts became active. */
-    const bool is_opened = result == PLUGINCORE_SUCCESS || result == 1;
+    const bool is_opened = result == PLUGINCORE_SUCCESS || result == PLUGINCORE_FONTS_ACTIVATED;
     if (is_opened)
         printf("%d fonts activated\nmatched: %s\nmissing: %s\n", activated, matched, unmatched);
     else

@@ -3,5 +3,4 @@
 set -eu
 declared=$(sed -n 's/^PLUGINCORE_API [a-z0-9_]* *\([A-Za-z]*\)(.*/\1/p' "$3" | sort)
 exported=$("$1" -D --defined-only "$2" | awk '{print $NF}' | sort)
-[ "$(echo "$declared" | wc -l)" = 28 ] || { echo "the header does not declare 28 functions"; exit 1; }
 [ "$declared" = "$exported" ] || { printf 'declared:\n%s\nexported:\n%s\n' "$declared" "$exported"; exit 1; }

@@ -10,8 +10,8 @@ class GeneralInterface;
 
 namespace CommonFunctionality {
 
-/// The common start-up, whose work is done on the first call alone. 0 when the host is compatible and the
-/// font manager was reached; all bits set when not, and on later calls; 2 without a preference interface.
+/// The common start-up, whose work is done on the first call alone. The codes are those of
+/// InitializePluginCoreInterface.
 ErrorCode Startup(bool allowDialogs);
 
 /// Has the fonts of a document activated without a word to the user. `numFontsActivated` counts those that

@@ -12,6 +12,7 @@
 #include "FontManagerInterface.h"
 #include "GFile.h"
 #include "MarquellGlobals.h"
+#include "PluginCoreInterface.h"
 #include "TextBuffer.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
@@ -105,7 +106,7 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
         result = resultB;
     record->openTime = Now();
     if (*numFontsActivated >= 1 && result == CoreErrorCodes::kSuccess)
-        result = 1;
+        result = PLUGINCORE_FONTS_ACTIVATED;
     return result;
 }
 
@@ -131,11 +132,14 @@ ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) 
     if (!turn)
         return event.result;
     FontManagerInterface::GetSharedInstance().OnUserAction();
-    const Document record = Documents().FindTrackedDocumentByPath(path);
+    Document record = Documents().FindTrackedDocumentByPath(path);
+    if (!record)  // one that was never saved has its identifier alone
+        record = Documents().FindTrackedDocumentByIdentifier(path);
     if (!record)
         return event.result;
-    if (record->isSavePending || WasWrittenBehindTheHost(path, *record)) {
-        HandOverFonts(path, *record, hint);
+    const std::string filePath = record->DocumentFilePath();
+    if (record->isSavePending || WasWrittenBehindTheHost(filePath, *record)) {
+        HandOverFonts(filePath, *record, hint);
         record->isSavePending = false;
     }
     Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());

@@ -10,6 +10,7 @@
 #include "MarquellGlobals.h"
 #include "NotificationProcessor.h"
 #include "PanelManager.h"
+#include "PluginCoreInterface.h"
 #include "PluginIdentity.h"
 #include "Settings.h"
 #include "StringConversion.h"
@@ -19,8 +20,6 @@
 
 namespace {
 
-constexpr ErrorCode kStartupFailed = 0xFFFFFFFF;
-constexpr ErrorCode kNoPreferenceInterface = 2;
 constexpr char kName[] = "CommonFunctionality::Startup";
 const char kAddressInThisModule = 0;
 
@@ -54,7 +53,7 @@ ErrorCode CheckHostAndFontManager(bool& allowDialogs, ChosenMessage& message) {
     if (allowDialogs)
         message =
             isHostCompatible ? &message_boxes::kFontManagerUnreachable : &message_boxes::kIncompatibleHost;
-    return kStartupFailed;
+    return PLUGINCORE_NOT_STARTED;
 }
 
 void SetUpFramework(VPFInterface& framework, ChosenMessage message) {
@@ -127,7 +126,7 @@ ErrorCode DoStartup(bool allowDialogs) {
         CheckFrameworkState(*framework, allowDialogs);
         CheckLoginAndWorkgroups(*framework, allowDialogs);
     } else {
-        result = kNoPreferenceInterface;
+        result = PLUGINCORE_NO_PREFERENCES;
         DisableServices();
     }
     FontManagerInterface::GetSharedInstance().InitializeDefaultWorkgroup();
@@ -219,7 +218,7 @@ ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
     // A lock that this thread holds already: the host called back from behind a start-up dialog.
     if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
         LogMessage(-1, "Early return from %s() because it has been called %d times", kName, callCount);
-        return kStartupFailed;
+        return PLUGINCORE_NOT_STARTED;
     }
     const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
     return DoStartup(allowDialogs);

@@ -119,6 +119,16 @@ TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLater) {
     EXPECT_EQ(DocumentEvents::GetIDForDocument("/no/such/path", buffer, &size), CoreErrorCodes::kNotFound);
 }
 
+TEST_F(DocumentEventsTest, ADocumentThatNeverGotAPathIsClosedByItsIdentifier) {
+    Open();
+    char buffer[37] = "";
+    size_t size = sizeof buffer;
+    ASSERT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(DocumentEvents::HandleCloseDocument(buffer, ""), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(DocumentEvents::HandleCloseDocument(buffer, ""), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(Close(), CoreErrorCodes::kSuccess) << "the other one was left alone";
+}
+
 TEST_F(DocumentEventsTest, FontUsageIsKeptUnderIdentifierOrPath) {
     Open();
     for (const std::string& document : {Identifier(), path})
