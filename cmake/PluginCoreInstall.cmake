@@ -17,8 +17,7 @@ install(FILES plugins/plugin-core/include/PluginCoreInterface.h DESTINATION ${CM
 install(TARGETS contracts EXPORT PluginCoreTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 install(DIRECTORY contracts/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN images EXCLUDE)
-install(DIRECTORY examples/thin-host examples/other-font-manager DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-        PATTERN windows EXCLUDE)
+install(DIRECTORY examples/thin-host examples/other-font-manager DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 install(DIRECTORY corefoundation/include/CoreFoundation
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 
