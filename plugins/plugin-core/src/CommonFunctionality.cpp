@@ -24,12 +24,10 @@ CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
 ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated,
                                                              const std::string& filePath,
                                                              OneTrackedDocument& record, CFArrayRef fonts) {
-    const auto trace = [&](int indentDelta) {
-        LogMessage(indentDelta, "%s(numFontsActivated=%d, filePath='%s', ...)",
-                   "CommonFunctionality::ActivateDocumentFontsSilently", numFontsActivated, filePath.c_str());
-    };
-    trace(1);
-    const ScopeExit exitLine([&] { trace(-1); });
+    constexpr char kName[] = "CommonFunctionality::ActivateDocumentFontsSilently";
+    constexpr char kLine[] = "%s(numFontsActivated=%d, filePath='%s', ...)";  // opens and closes the step
+    const TraceScope trace([&] { LogMessage(-1, kLine, kName, numFontsActivated, filePath.c_str()); }, kLine,
+                           kName, numFontsActivated, filePath.c_str());
     numFontsActivated = 0;
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     if (!fontManager.IsUsable())

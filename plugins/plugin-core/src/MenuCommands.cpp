@@ -8,6 +8,7 @@
 #include "GeneralInterface.h"
 #include "LocalizedStringIDs.h"
 #include "MarquellGlobals.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {

@@ -213,14 +213,22 @@ ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
 
 ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
     static GMutex startupLock;
-    LogMessage(1, "Entering %s(allowDialogs=%d)", kName, allowDialogs);
+    int earlierCalls = 0;
+    const TraceScope trace(
+        [&] {
+            if (earlierCalls > 0)
+                LogMessage(-1, "Early return from %s() because it has been called %d times", kName,
+                           earlierCalls);
+            else
+                LogMessage(-1, "Exiting %s()", kName);
+        },
+        "Entering %s(allowDialogs=%d)", kName, allowDialogs);
     const GScopedLock lock(startupLock);
     const int callCount = MarquellGlobals::CountStartup();
     // A lock that this thread holds already: the host called back from behind a start-up dialog.
     if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
-        LogMessage(-1, "Early return from %s() because it has been called %d times", kName, callCount);
+        earlierCalls = callCount;
         return kStartupFailed;
     }
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
     return DoStartup(allowDialogs);
 }

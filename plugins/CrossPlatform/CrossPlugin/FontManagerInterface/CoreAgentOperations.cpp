@@ -13,35 +13,34 @@ ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& doc
                                                           const DocumentFontLists& lists,
                                                           CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
-    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentPath.c_str());
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., '%s', ...)", kName,
+                           documentPath.c_str());
     const CFRef<CFStringRef> path = cf::String(documentPath);
-    const ErrorCode code =
-        Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
-             matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
-    mHasActivatedFonts = true;  // perhaps even when it failed
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    mHasActivatedFonts = true;  // perhaps even when it fails
+    return code = Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
+                       matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
                                                CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateFontByID";
-    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentIdentifier.c_str());
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., '%s', ...)", kName,
+                           documentIdentifier.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
-    const ErrorCode code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    return code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                                 CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateFontsByID";
-    LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
-               static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
-    const ErrorCode code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code),
+                           "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
+                           static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
+    return code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
@@ -54,11 +53,11 @@ ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::strin
 
 ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
                                               CFMutableArrayRef deactivatedFonts) {
-    LogMessage(1, "Entering CoreAgentInterface::DeactivateFonts(CFArrayGetCount(fonts)=%d, ...)",
-               static_cast<int>(cf::Count(fonts)));
-    const ErrorCode code = Call(&PluginFunctionTable::pfDeactivateFonts, fonts, context, deactivatedFonts);
-    LogMessage(-1, "CoreAgentInterface::DeactivateFonts() returning %d", static_cast<int>(code));
-    return code;
+    constexpr char kName[] = "CoreAgentInterface::DeactivateFonts";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(CFArrayGetCount(fonts)=%d, ...)", kName,
+                           static_cast<int>(cf::Count(fonts)));
+    return code = Call(&PluginFunctionTable::pfDeactivateFonts, fonts, context, deactivatedFonts);
 }
 
 ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
@@ -113,15 +112,12 @@ ErrorCode CoreAgentInterface::CollectFontsUsedByCurrentDocument(const std::strin
                                                                 CFArrayRef fonts,
                                                                 const CollectingProgress& progress) {
     const auto count = static_cast<int>(cf::Count(fonts));
-    LogMessage(1,
-               "Entering CoreAgentInterface::CollectFontsUsedByCurrentDocument('%s', '%s', fontInfo array "
-               "length=%d)",
-               documentPath.c_str(), destinationFolder.c_str(), count);
-    const ErrorCode code =
-        count > 0 ? CollectFonts(destinationFolder, fonts, progress) : MakeEmptyFolder(destinationFolder);
-    LogMessage(-1, "CoreAgentInterface::CollectFontsUsedByCurrentDocument() returning %d",
-               static_cast<int>(code));
-    return code;
+    constexpr char kName[] = "CoreAgentInterface::CollectFontsUsedByCurrentDocument";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s('%s', '%s', fontInfo array length=%d)",
+                           kName, documentPath.c_str(), destinationFolder.c_str(), count);
+    return code = count > 0 ? CollectFonts(destinationFolder, fonts, progress)
+                            : MakeEmptyFolder(destinationFolder);
 }
 
 // Font by font, so that the user sees how far it has come and can stop it.
@@ -214,12 +210,14 @@ int32_t CoreAgentInterface::GetSystemWorkgroupID() {
 
 ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                       std::vector<Workgroup>& workgroups) {
-    LogMessage(1,
-               "Entering CoreAgentInterface::GetAllWorkgroupsForUser(..., includeAllWorkgroup=%d, "
-               "includeSystemWorkgroup=%d, includeTypekitLibrary=%d)",
-               filter.includeAllWorkgroup, filter.includeSystemWorkgroup, filter.includeTypekitLibrary);
+    constexpr char kName[] = "CoreAgentInterface::GetAllWorkgroupsForUser";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(
+        ReturningCode(kName, code),
+        "Entering %s(..., includeAllWorkgroup=%d, includeSystemWorkgroup=%d, includeTypekitLibrary=%d)",
+        kName, filter.includeAllWorkgroup, filter.includeSystemWorkgroup, filter.includeTypekitLibrary);
     const CFRef<CFMutableArrayRef> records = cf::MutableArray();
-    const ErrorCode code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
+    code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
     LogMessage(0, "%d workgroups found", static_cast<int>(cf::Count(records.get())));
     for (CFIndex index = 0; index < cf::Count(records.get()); ++index) {
         Workgroup workgroup = WorkgroupFromRecord(cf::Get<CFDictionaryRef>(records.get(), index));
@@ -230,6 +228,5 @@ ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& fil
         LogMessage(0, "Adding '%s' to user's workgroup list.", workgroup.name.c_str());
         workgroups.push_back(std::move(workgroup));
     }
-    LogMessage(-1, "CoreAgentInterface::GetAllWorkgroupsForUser() returning %d", static_cast<int>(code));
     return code;
 }

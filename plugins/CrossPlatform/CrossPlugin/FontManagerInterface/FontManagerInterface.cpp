@@ -5,6 +5,7 @@
 
 #include "MarquellGlobals.h"
 #include "NotificationQueue.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
 #include "platform/Clock.h"
@@ -44,15 +45,19 @@ FontManagerInterface& FontManagerInterface::GetSharedInstance() {
 }
 
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {
-    LogMessage(1,
-               "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
-               TraceAddress(sm_pFontManager));
+    bool result = false;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d",
+                       result);
+        },
+        "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
+        TraceAddress(sm_pFontManager));
     const bool isNew = CreateFontManager();
-    const bool result = sm_pFontManager != nullptr;
+    result = sm_pFontManager != nullptr;
     // Not under the lock: messages may show, behind which the host may quit.
     if (isNew && result)
         sm_pFontManager->InitializeCoreAgent();
-    LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d", result);
     return result;
 }
 
@@ -219,10 +224,16 @@ bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bo
 bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath) {
     constexpr char kPrompt[] =
         "Choose the destination for collecting fonts.  Collected fonts will be placed in a sub-folder there.";
-    LogMessage(1, "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
+    bool isChosen = false;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting ShowSaveFolderDialog, returning %d, with inOutSavePath = \"%s\"",
+                       isChosen, inOutSavePath.c_str());
+        },
+        "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     std::string folder;
-    bool isChosen = framework != nullptr && framework->ChooseFolder(kPrompt, initialPath, folder);
+    isChosen = framework != nullptr && framework->ChooseFolder(kPrompt, initialPath, folder);
     if (!isChosen) {
         LogMessage(0, "SHBrowseForFolder returned NULL.  Hopefully that means the user cancelled.");
     } else if (folder.empty()) {
@@ -231,7 +242,5 @@ bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, 
     } else {
         inOutSavePath = folder;
     }
-    LogMessage(-1, "Exiting ShowSaveFolderDialog, returning %d, with inOutSavePath = \"%s\"", isChosen,
-               inOutSavePath.c_str());
     return isChosen;
 }

@@ -6,6 +6,7 @@
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "NotificationQueue.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {

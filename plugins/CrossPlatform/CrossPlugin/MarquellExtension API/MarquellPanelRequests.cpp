@@ -9,6 +9,7 @@
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
 #include "PanelMessages.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Files.h"
 

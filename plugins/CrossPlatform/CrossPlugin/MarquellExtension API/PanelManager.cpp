@@ -9,6 +9,7 @@
 #include "FontID.h"
 #include "HTMLPanel.h"
 #include "PluginNotifications.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
 
