@@ -4,12 +4,12 @@
 
 #include "FontActivationTracker.h"
 #include "FontManagerAccess.h"
+#include "NoDestructor.h"
 #include "TraceLog.h"
 
 AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
-    static AllTrackedDocuments& shared =
-        *std::make_unique<AllTrackedDocuments>().release();  // lives to process end
-    return shared;
+    static NoDestructor<AllTrackedDocuments> shared;
+    return *shared;
 }
 
 void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) {

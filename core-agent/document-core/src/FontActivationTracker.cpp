@@ -75,7 +75,6 @@ std::string FontActivationTracker::IdentifierFromText(CFStringRef text) {
 
 ErrorCode FontActivationTracker::ActivateDocumentFonts(const std::string& documentIdentifier,
                                                        const std::string& documentPath,
-                                                       CFMutableArrayRef matchedFonts,
                                                        const DocumentFontLists& lists) {
     FontManagerAccess* fontManager = nullptr;
     ErrorCode status = kErrorMarquellNotRunning;
@@ -88,8 +87,8 @@ ErrorCode FontActivationTracker::ActivateDocumentFonts(const std::string& docume
     status = CoreErrorCodes::kUnknownError;
     if (!fontManager->IsBatchMode())
         return status = CoreErrorCodes::kSuccess;
-    status = fontManager->ActivateDocumentFonts(documentPath, lists, matchedFonts);
-    const ErrorCode registered = RegisterMatchedFonts(matchedFonts, documentIdentifier);
+    status = fontManager->ActivateDocumentFonts(documentPath, lists);
+    const ErrorCode registered = RegisterMatchedFonts(lists.matchedFonts, documentIdentifier);
     if (status == CoreErrorCodes::kSuccess)
         status = registered;
     return status;
@@ -121,23 +120,23 @@ ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
                                                       const std::string& documentIdentifier) {
     ErrorCode status = CoreErrorCodes::kSuccess;
     Registration registration{false, documentIdentifier, 0};
-    for (CFIndex index = 0; index < cf::Count(matchedFonts); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(matchedFonts, index);
-        const ErrorCode registered = RegisterMatchedFont(font, index, registration);
+    int index = 0;
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(matchedFonts)) {
+        const ErrorCode registered = RegisterMatchedFont(font, index++, registration);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
     }
     return status;
 }
 
-ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFIndex index,
+ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, int index,
                                                      Registration& registration) {
     const CFStringRef name = cf::Get<CFStringRef>(font, kGS_PostScriptNameKey);
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     if (name == nullptr || databaseID == 0) {
         LogMessage(0,
                    "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
-                   static_cast<int>(index));
+                   index);
         return CoreErrorCodes::kSuccess;
     }
     const std::optional<int64_t> state = cf::GetInt64(font, kGS_ActivationStateKey);
@@ -150,11 +149,10 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
 
     const CFArrayRef subDocuments = cf::GetArray(font, kGS_SubDocumentsWithFontKey);
     if (subDocuments == nullptr)
-        LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey",
-                   static_cast<int>(index), registration.documentIdentifier.c_str());
+        LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey", index,
+                   registration.documentIdentifier.c_str());
     ErrorCode status = CoreErrorCodes::kSuccess;
-    for (CFIndex each = 0; each < cf::Count(subDocuments); ++each) {
-        const CFStringRef subDocument = cf::Get<CFStringRef>(subDocuments, each);
+    for (const CFStringRef subDocument : cf::Elements<CFStringRef>(subDocuments)) {
         if (subDocument == nullptr)
             continue;
         const ErrorCode registered = RegisterFontWithDocument(

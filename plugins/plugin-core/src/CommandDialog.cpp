@@ -36,7 +36,7 @@ void CarryOut(int32_t command, const std::string& document, const std::vector<Wo
 
 ErrorCode ShowCommandBox(const std::string& document) {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    if (framework == nullptr || framework->Framework() == nullptr)
+    if (framework->Framework() == nullptr)
         return CoreErrorCodes::kInvalidParam;
     const std::vector<Workgroup> workgroups =
         FontManagerInterface::GetSharedInstance().WorkgroupsToChooseFrom();

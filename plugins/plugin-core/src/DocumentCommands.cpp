@@ -33,8 +33,6 @@ struct CommandTarget {
 CommandTarget FindTarget(const std::string& document) {
     CommandTarget target{CommonFunctionality::FindDocument(document),
                          FontManagerInterface::GetSharedInstance().GetFontManager()};
-    if (MarquellGlobals::GetSharedVPFInterface() == nullptr)
-        return {};
     if (!target.document)
         Framework().ShowMessageAbout(message_boxes::kDocumentNotOpen, document);
     else if (target.agent == nullptr)

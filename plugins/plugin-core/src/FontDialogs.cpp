@@ -13,7 +13,7 @@ namespace {
 /// Null without the framework's library, too: nobody would see the dialog.
 VPFInterface* FrameworkWithDialogs() {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    return framework != nullptr && framework->Framework() != nullptr ? framework : nullptr;
+    return framework->Framework() != nullptr ? framework : nullptr;
 }
 
 /// Whether fonts may be shown for which there is perhaps nothing to choose.

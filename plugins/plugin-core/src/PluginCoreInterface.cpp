@@ -121,8 +121,7 @@ uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersion) {
         *version = PLUGINCORE_INTERFACE_VERSION;
         if (requestedVersion == 0 || requestedVersion == PLUGINCORE_INTERFACE_VERSION)
             return CoreErrorCodes::kSuccess;
-        if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
-            framework->ShowMessageBox(message_boxes::kFontManagerUnreachable);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kFontManagerUnreachable);
         return CoreErrorCodes::kNotImplemented;
     });
 }

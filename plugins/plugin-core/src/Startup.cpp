@@ -122,7 +122,7 @@ ErrorCode DoStartup(bool allowDialogs) {
     TellPanels(true);
     ChosenMessage message = nullptr;
     ErrorCode result = CheckHostAndFontManager(allowDialogs, message);
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface()) {
+    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface(); framework->IsMade()) {
         SetUpFramework(*framework, message);
         CheckFrameworkState(*framework, allowDialogs);
         CheckLoginAndWorkgroups(*framework, allowDialogs);
@@ -191,8 +191,7 @@ ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* ver
 
 ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
     isEnabled = false;
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    if (framework == nullptr || !framework->GetBoolPreference("EnablePlugin"))
+    if (!MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin"))
         return CoreErrorCodes::kUnknownError;
     const bool wasLoggedIn = MarquellGlobals::IsLoggedIn();
     if (MarquellGlobals::IsPluginFunctional()) {  // logged in, too

@@ -31,8 +31,7 @@ void DisablePluginServices() {
 }
 
 void ShowMessageBox(MessageBoxStrings strings) {
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
-        framework->ShowMessageBox(strings);
+    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(strings);
 }
 
 }  // namespace
@@ -86,11 +85,10 @@ bool CoreAgentInterface::RelaunchWithUserRetry() {
         }
         if (mIsQuitting)
             return false;
-        VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
         const MessageBoxStrings question = MarquellGlobals::HostAppIsAfterEffects()
                                                ? message_boxes::kRelaunchAgentFromExtension
                                                : message_boxes::kRelaunchAgent;
-        if (framework == nullptr || !framework->AskYesNo(question))
+        if (!MarquellGlobals::GetSharedVPFInterface()->AskYesNo(question))
             return false;
         HostPatience::Renew();
     }

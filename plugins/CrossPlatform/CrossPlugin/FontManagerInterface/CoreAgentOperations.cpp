@@ -10,8 +10,7 @@ constexpr int32_t kUnknownWorkgroupID = -1;
 }  // namespace
 
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
-                                                          const DocumentFontLists& lists,
-                                                          CFMutableArrayRef matchedFonts) {
+                                                          const DocumentFontLists& lists) {
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
     ErrorCode code = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., '%s', ...)", kName,
@@ -19,7 +18,7 @@ ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& doc
     const CFRef<CFStringRef> path = cf::String(documentPath);
     mHasActivatedFonts = true;  // perhaps even when it fails
     return code = Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
-                       matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
+                       lists.matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
@@ -125,14 +124,15 @@ ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder,
                                            const CollectingProgress& progress) {
     const CFRef<CFStringRef> folder = cf::String(destinationFolder);
     const auto count = static_cast<int>(cf::Count(fonts));
+    int done = 0;
     ErrorCode result = CoreErrorCodes::kSuccess;
-    for (int index = 0; index < count; ++index) {
-        if (!progress(index, count))
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        if (!progress(done++, count))
             return GZephyrinExportFonts::kTaskStopped;
         HostPatience::Renew();  // there is a bar to look at
-        const CFRef<CFMutableArrayRef> font = cf::MutableArray();
-        cf::Append(font, cf::Get<CFDictionaryRef>(fonts, index));
-        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, font.get(), folder.get(), nullptr);
+        const CFRef<CFMutableArrayRef> one = cf::MutableArray();
+        cf::Append(one, font);
+        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, one.get(), folder.get(), nullptr);
         if (result == CoreErrorCodes::kSuccess)
             result = code;
         if (code != CoreErrorCodes::kSuccess && code != GZephyrinExportFonts::kFontUnavailableToExport)
@@ -160,8 +160,8 @@ ErrorCode CoreAgentInterface::CreateTopLevelSet(const std::string& name, int32_t
 
 ErrorCode CoreAgentInterface::AddFontsToSet(CFArrayRef fonts, int32_t setID) {
     const CFRef<CFMutableArrayRef> fontIDs = cf::MutableArray();
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        if (const auto id = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_DatabaseIDKey))
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        if (const auto id = cf::GetInt64(font, kGS_DatabaseIDKey))
             cf::Append(fontIDs, *id);
     }
     const CFRef<CFMutableArrayRef> setIDs = cf::MutableArray();
@@ -219,8 +219,8 @@ ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& fil
     const CFRef<CFMutableArrayRef> records = cf::MutableArray();
     code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
     LogMessage(0, "%d workgroups found", static_cast<int>(cf::Count(records.get())));
-    for (CFIndex index = 0; index < cf::Count(records.get()); ++index) {
-        Workgroup workgroup = WorkgroupFromRecord(cf::Get<CFDictionaryRef>(records.get(), index));
+    for (const CFDictionaryRef record : cf::Elements<CFDictionaryRef>(records.get())) {
+        Workgroup workgroup = WorkgroupFromRecord(record);
         if ((workgroup.type == kWorkgroupType_All && !filter.includeAllWorkgroup) ||
             (workgroup.type == kWorkgroupType_System && !filter.includeSystemWorkgroup) ||
             (workgroup.type == kWorkgroupType_TypekitLibrary && !filter.includeTypekitLibrary))

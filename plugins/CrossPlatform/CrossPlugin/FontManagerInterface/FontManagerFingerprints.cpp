@@ -81,8 +81,7 @@ std::vector<FontManagerInterface::Fingerprint> FontManagerInterface::GetGlyphsca
         agent->GetFontsByPostscriptName(name, workgroupID, fonts.get()) != CoreErrorCodes::kSuccess)
         return fingerprints;
     const bool isStandalone = agent->IsRunningStandalone();
-    for (CFIndex index = 0; index < cf::Count(fonts.get()); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(fonts.get(), index);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts.get())) {
         if (isStandalone && IsRemote(font)) {
             LogMessage(0,
                        "Excluding version with checksum %d because it's remote and we're running standalone.",

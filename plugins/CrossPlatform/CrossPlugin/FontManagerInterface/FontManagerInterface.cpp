@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "MarquellGlobals.h"
+#include "NoDestructor.h"
 #include "NotificationQueue.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
@@ -39,9 +40,8 @@ std::string FontManagerInterface::StringValueFromVersionResourceCopy(const char*
 }
 
 FontManagerInterface& FontManagerInterface::GetSharedInstance() {
-    static FontManagerInterface& shared =
-        *std::unique_ptr<FontManagerInterface>(new FontManagerInterface).release();  // lives to process end
-    return shared;
+    static NoDestructor<FontManagerInterface> shared;
+    return *shared;
 }
 
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {
@@ -90,9 +90,8 @@ bool FontManagerInterface::CreateFontManager() {
 }
 
 bool FontManagerInterface::IsUsable() {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return sm_pFontManager && MarquellGlobals::IsPluginFunctional() && preferences != nullptr &&
-           preferences->GetBoolPreference("EnablePlugin");
+    return sm_pFontManager != nullptr && MarquellGlobals::IsPluginFunctional() &&
+           MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin");
 }
 
 void FontManagerInterface::OnUserAction() {
@@ -148,8 +147,8 @@ void FontManagerInterface::OnHostAppShuttingDown() {
         return;
     }
     const ScopeExit release([this] { ReleaseFontManager(); });
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences != nullptr && preferences->GetBoolPreference("CloseFontsOnHostAppQuit") && IsLoggedIn())
+    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("CloseFontsOnHostAppQuit") &&
+        IsLoggedIn())
         MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
 }
 
@@ -169,11 +168,10 @@ bool FontManagerInterface::IsLoggedIn() {
 }
 
 ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documentPath,
-                                                      const DocumentFontLists& lists,
-                                                      CFMutableArrayRef matchedFonts) {
+                                                      const DocumentFontLists& lists) {
     // In this order: one of the fonts may be among those that are still to be let go of.
     return CatchUp() && sm_pFontManager  // a question may show behind which the host quits
-               ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
+               ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists)
                : kErrorMarquellNotRunning;
 }
 
@@ -231,9 +229,8 @@ bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, 
                        isChosen, inOutSavePath.c_str());
         },
         "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     std::string folder;
-    isChosen = framework != nullptr && framework->ChooseFolder(kPrompt, initialPath, folder);
+    isChosen = MarquellGlobals::GetSharedVPFInterface()->ChooseFolder(kPrompt, initialPath, folder);
     if (!isChosen) {
         LogMessage(0, "SHBrowseForFolder returned NULL.  Hopefully that means the user cancelled.");
     } else if (folder.empty()) {

@@ -31,8 +31,6 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
         return;
     }
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr)
-        return;
     LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
     if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
         !preferences->GetBoolPreference("EnablePlugin"))
@@ -71,7 +69,7 @@ void FontManagerInterface::HandleSelectWorkgroup() {
 std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
-    if (framework == nullptr || workgroups.empty())
+    if (workgroups.empty())
         return std::nullopt;
     const int64_t lastTime = framework->GetIntPreference(kCurrentWorkgroup);
     if (lastTime != 0 && std::in_range<int32_t>(lastTime) &&
@@ -87,8 +85,7 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
 
 void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
-    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
-        preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
+    MarquellGlobals::GetSharedVPFInterface()->SetIntPreference(kCurrentWorkgroup, workgroupID);
     // They are off while there is no workgroup to work in; for other reasons they stay off.
     if (!MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore() &&
         MarquellGlobals::IsLoggedIn())

@@ -1,6 +1,7 @@
 #include "MarquellGlobals.h"
 
 #include "FontManagerAccess.h"
+#include "NoDestructor.h"
 #include "PluginIdentity.h"
 #include "TraceLog.h"
 
@@ -30,10 +31,15 @@ struct State {
     std::unique_ptr<HostAppInterface> hostApp;
 };
 
-/// Lives to process end: nothing is torn down behind the host's back.
 State& Globals() {
-    static auto* state = new State;
+    static NoDestructor<State> state;
     return *state;
+}
+
+/// Stands for the interface that could not be made.
+VPFInterface& NoInterface() {
+    static NoDestructor<VPFInterface> none;
+    return *none;
 }
 
 std::unique_ptr<VPFInterface> MakeInterface(const State& globals) {
@@ -228,7 +234,7 @@ VPFInterface* GetSharedVPFInterface() {
             LogMessage(0, "ERROR: sHostApp is NULL in %s()", "MarquellGlobals::GetSharedVPFInterface");
         globals.vpfInterface = MakeInterface(globals);
     }
-    return globals.vpfInterface.get();
+    return globals.vpfInterface ? globals.vpfInterface.get() : &NoInterface();
 }
 
 FontActivationTracker* GetSharedFontActivationTracker() {
@@ -260,8 +266,8 @@ bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint) 
         hostApp->ShowProgressHint("...SaveDocumentFonts() hint");
     VPFInterface* preferences = GetSharedVPFInterface();
     FontManagerAccess* fontManager = GetFontManagerAccess();
-    if (preferences == nullptr || !IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") ||
-        fontManager == nullptr || !fontManager->IsLoggedIn())
+    if (!IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") || fontManager == nullptr ||
+        !fontManager->IsLoggedIn())
         return false;
     LogMessage(0, "Calling VPI SaveDocumentFonts");
     success = false;
