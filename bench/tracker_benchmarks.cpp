@@ -67,10 +67,7 @@ public:
     bool IsRunning() override { return true; }
     bool IsBatchMode() override { return true; }
     bool IsLoggedIn() override { return true; }
-    ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists&,
-                                    CFMutableArrayRef) override {
-        return 0;
-    }
+    ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists&) override { return 0; }
     ErrorCode ActivateFontsByID(CFArrayRef, const std::string&, CFMutableArrayRef) override { return 0; }
     PluginActivationStates GetPluginActivationStates(const std::vector<uint32_t>&) override { return {}; }
     int16_t XTDeactivateFont(CFDictionaryRef, uint64_t) override { return 0; }

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "ArrayObject.h"
-#include "Base64.h"
+#include "CoreFoundation++/Base64.h"
 #include "CoreFoundation/CFPropertyList.h"
 #include "DataObject.h"
 #include "DictionaryObject.h"
@@ -173,7 +173,7 @@ CFRef<CFTypeRef> PropertyListBuilder::FinishedDictionary(const Element& element)
 }
 
 CFRef<CFTypeRef> PropertyListBuilder::DataFrom(const std::string& text) const {
-    auto bytes = DecodeBase64(text);
+    auto bytes = cf::DecodeBase64(text);
     if (!bytes)
         throw PropertyListError("<data> does not hold valid base64");
     const bool isMutable = mMutability == kCFPropertyListMutableContainersAndLeaves;

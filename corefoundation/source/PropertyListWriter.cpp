@@ -2,7 +2,7 @@
 #include <stdexcept>
 
 #include "ArrayObject.h"
-#include "Base64.h"
+#include "CoreFoundation++/Base64.h"
 #include "CoreFoundation/CFPropertyList.h"
 #include "DataObject.h"
 #include "DictionaryObject.h"
@@ -148,7 +148,8 @@ void Writer::Dictionary(const CFDictionary& dictionary) {
 
 void Writer::Data(const CFData& data) {
     constexpr size_t kLineLength = 76;
-    const std::string text = EncodeBase64(data.Bytes());
+    const auto bytes = data.Bytes();
+    const std::string text = cf::EncodeBase64({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     Line("<data>");
     for (size_t i = 0; i < text.size(); i += kLineLength)
         Line(std::string_view(text).substr(i, kLineLength));

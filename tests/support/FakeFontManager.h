@@ -44,9 +44,8 @@ public:
     bool IsRunning() override { return isRunning; }
     bool IsBatchMode() override { return isBatchMode; }
     bool IsLoggedIn() override { return isLoggedIn; }
-    ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists&,
-                                    CFMutableArrayRef matchedFonts) override {
-        return GiveMatched(matchedFonts);
+    ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists& lists) override {
+        return GiveMatched(lists.matchedFonts);
     }
     ErrorCode ActivateFontsByID(CFArrayRef, const std::string&, CFMutableArrayRef matchedFonts) override {
         return GiveMatched(matchedFonts);

@@ -5,6 +5,7 @@
 // nest into one another.
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
 #include <utility>
 
@@ -25,15 +26,17 @@ public:
 void SetTraceSink(TraceSink* sink);
 
 #if defined(__GNUC__)
-#define TRACE_LOG_PRINTF __attribute__((format(printf, 2, 3)))
+#define TRACE_LOG_PRINTF(position) __attribute__((format(printf, position, position + 1)))
 #else
-#define TRACE_LOG_PRINTF
+#define TRACE_LOG_PRINTF(position)
 #endif
 
 /// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
 /// else 0. The text is cut at 65535 bytes; below 65534 bytes a line feed is added when it has none at its
 /// end. A null format writes nothing. Any thread. Nothing is allocated here; a sink may do so.
-void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF;
+void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF(2);
+/// The same with the arguments as a list.
+void LogMessageV(int indentDelta, const char* format, va_list arguments);
 
 /// Whether a line written now would reach anyone; if not, its arguments need not be composed. Any thread;
 /// takes no lock.
@@ -56,15 +59,40 @@ inline unsigned TraceAddress(const void* pointer) {
     return static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer));
 }
 
-/// Runs its action when the scope is left, however it is left: the closing line of a traced function.
-template <class Action>
-class ScopeExit {
+/// A nested step of the trace: the opening line is written at once, the closing one when the scope is left,
+/// however it is left.
+///
+///     ErrorCode code = CoreErrorCodes::kUnknownError;
+///     const TraceScope trace([&] { LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code)); },
+///                            "Entering %s('%s', ...)", kName, path.c_str());
+template <class Closing>
+class TraceScope {
 public:
-    explicit ScopeExit(Action action) : mAction(std::move(action)) {}
-    ~ScopeExit() { mAction(); }
-    ScopeExit(const ScopeExit&) = delete;
-    ScopeExit& operator=(const ScopeExit&) = delete;
+    /// `closing` writes the closing line, with an indentDelta of -1, and refers to what outlives the scope;
+    /// in it stand the values that there are then. `format` and what follows are the opening line.
+    TraceScope(Closing closing, const char* format, ...) TRACE_LOG_PRINTF(3);
+    ~TraceScope();
+    TraceScope(const TraceScope&) = delete;
+    TraceScope& operator=(const TraceScope&) = delete;
 
 private:
-    Action mAction;
+    Closing mClosing;
 };
+
+/// A closing line as most functions have it; `name` and `code` outlive the scope.
+inline auto ReturningCode(const char* name, const uint32_t& code) {
+    return [name, &code] { LogMessage(-1, "%s() returning %d", name, static_cast<int>(code)); };
+}
+
+template <class Closing>
+TraceScope<Closing>::TraceScope(Closing closing, const char* format, ...) : mClosing(std::move(closing)) {
+    va_list arguments;
+    va_start(arguments, format);
+    LogMessageV(1, format, arguments);
+    va_end(arguments);
+}
+
+template <class Closing>
+TraceScope<Closing>::~TraceScope() {
+    mClosing();
+}

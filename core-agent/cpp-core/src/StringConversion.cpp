@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include "NoDestructor.h"
+
 namespace {
 
 class Converter {
@@ -101,8 +103,8 @@ size_t Utf16Length(std::string_view text) {
 
 bool KeepEncodingLoaded(const char* from, const char* to) {
     // The tables stay for as long as a converter is open.
-    static auto* const kept = new std::vector<std::unique_ptr<Converter>>;
-    return kept->emplace_back(std::make_unique<Converter>(to, from))->IsOpen();
+    static NoDestructor<std::vector<std::unique_ptr<Converter>>> kept;
+    return (*kept).emplace_back(std::make_unique<Converter>(to, from))->IsOpen();
 }
 
 ErrorCode ConvertEncoding(std::string_view bytes, const char* from, const char* to, std::string& converted) {

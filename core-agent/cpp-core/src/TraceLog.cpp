@@ -67,17 +67,19 @@ bool IsTraceHeard() {
 }
 
 void LogMessage(int indentDelta, const char* format, ...) {
-    if (format == nullptr)
-        return;
-    if (!IsTraceHeard()) {
-        if (indentDelta != 0)
-            indentation.fetch_add(indentDelta, std::memory_order_relaxed);
-        return;
-    }
     va_list arguments;
     va_start(arguments, format);
-    WriteLine(indentDelta, format, arguments);
+    LogMessageV(indentDelta, format, arguments);
     va_end(arguments);
+}
+
+void LogMessageV(int indentDelta, const char* format, va_list arguments) {
+    if (format == nullptr)
+        return;
+    if (IsTraceHeard())
+        WriteLine(indentDelta, format, arguments);
+    else if (indentDelta != 0)
+        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
 }
 
 void SetLogFile(const char* path) {

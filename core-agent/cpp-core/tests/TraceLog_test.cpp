@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,24 @@ TEST(TraceLog, LinesNestBetweenTheirOpeningAndClosingLine) {
     LogMessage(0, nullptr);
     EXPECT_EQ(trace.Text(),
               "Entering outer\n Entering inner\n  plain 7\n Exiting inner\nouter() returning 3\n\n");
+}
+
+TEST(TraceLog, ANestedStepIsClosedWithItsResultWhateverLeavesIt) {
+    CapturedTrace trace;
+    const auto step = [](bool throws) {
+        uint32_t code = 21;
+        const TraceScope scope(ReturningCode("Step", code), "Entering %s('%s')", "Step", "a");
+        LogMessage(0, "within");
+        if (throws)
+            throw std::runtime_error("");
+        return code = 7;
+    };
+    EXPECT_EQ(step(false), 7u);
+    EXPECT_THROW(step(true), std::runtime_error);
+    LogMessage(0, "after");
+    EXPECT_EQ(trace.Text(),
+              "Entering Step('a')\n within\nStep() returning 7\n"
+              "Entering Step('a')\n within\nStep() returning 21\nafter\n");
 }
 
 TEST(TraceLog, LongTextsAreCutAndTheLongestGetNoLineFeed) {

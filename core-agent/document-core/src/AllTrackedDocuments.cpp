@@ -4,12 +4,12 @@
 
 #include "FontActivationTracker.h"
 #include "FontManagerAccess.h"
+#include "NoDestructor.h"
 #include "TraceLog.h"
 
 AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
-    static AllTrackedDocuments& shared =
-        *std::make_unique<AllTrackedDocuments>().release();  // lives to process end
-    return shared;
+    static NoDestructor<AllTrackedDocuments> shared;
+    return *shared;
 }
 
 void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) {
@@ -36,21 +36,25 @@ AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByPath(con
 
 AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByIdentifier(
     const std::string& inDocument) const {
-    LogMessage(1, "Entering AllTrackedDocuments::FindTrackedDocumentByIdentifier(inDocument=%s)",
-               inDocument.c_str());
+    Document document;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "AllTrackedDocuments::FindTrackedDocumentByIdentifier() returning 0x%08x",
+                       TraceAddress(document.get()));
+        },
+        "Entering AllTrackedDocuments::FindTrackedDocumentByIdentifier(inDocument=%s)", inDocument.c_str());
     const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
                                     [&](const Document& each) { return each->Identifier() == inDocument; });
-    Document document = found != mDocuments.end() ? *found : nullptr;
-    LogMessage(-1, "AllTrackedDocuments::FindTrackedDocumentByIdentifier() returning 0x%08x",
-               TraceAddress(document.get()));
-    return document;
+    if (found != mDocuments.end())
+        document = *found;
+    return Document(document);  // not moved from: the closing line tells it
 }
 
 void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& document,
                                                FontActivationTracker* tracker) {
-    constexpr char kName[] = "AllTrackedDocuments::RemoveClosedDocument";
-    LogMessage(1, "Entering %s(%s)", kName, document.Identifier().c_str());
-    const ScopeExit exitLine([&] { LogMessage(-1, "Exiting %s()", kName); });
+    static constexpr char kName[] = "AllTrackedDocuments::RemoveClosedDocument";
+    const TraceScope trace([] { LogMessage(-1, "Exiting %s()", kName); }, "Entering %s(%s)", kName,
+                           document.Identifier().c_str());
     try {
         const auto found = std::find_if(mDocuments.begin(), mDocuments.end(), [&](const Document& each) {
             return each->Identifier() == document.Identifier();

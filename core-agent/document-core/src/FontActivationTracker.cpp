@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "FontRecordKeys.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
@@ -16,6 +17,14 @@ ErrorCode RefuseReentry(const char* function) {
 /// The text for a trace line; empty, and nothing is converted, while nobody hears the trace.
 std::string TraceText(CFStringRef string) {
     return IsTraceHeard() ? cf::ToUtf8(string) : std::string();
+}
+
+/// The closing line of an activation; without a font manager nothing was asked for.
+void CloseActivationStep(const char* name, const FontManagerAccess* fontManager, ErrorCode status) {
+    if (fontManager != nullptr)
+        LogMessage(-1, "%s returning %d", name, static_cast<int>(status));
+    else
+        LogMessage(-1, "%s returning kErrorMarquellNotRunning (EARLY RETURN)", name);
 }
 
 bool IsStillPluginActivated(const PluginActivationStates& states, uint32_t databaseID) {
@@ -66,44 +75,44 @@ std::string FontActivationTracker::IdentifierFromText(CFStringRef text) {
 
 ErrorCode FontActivationTracker::ActivateDocumentFonts(const std::string& documentIdentifier,
                                                        const std::string& documentPath,
-                                                       CFMutableArrayRef matchedFonts,
                                                        const DocumentFontLists& lists) {
-    LogMessage(1, "Entering %s(documentPath = \"%s\")", "FontActivationTracker::ActivateDocumentFonts",
-               documentPath.c_str());
-    FontManagerAccess* fontManager = RunningFontManager();
-    if (fontManager == nullptr) {
-        LogMessage(-1, "ActivateDocumentFonts returning kErrorMarquellNotRunning (EARLY RETURN)");
-        return kErrorMarquellNotRunning;
-    }
-    ErrorCode status = CoreErrorCodes::kSuccess;
-    if (fontManager->IsBatchMode()) {
-        status = fontManager->ActivateDocumentFonts(documentPath, lists, matchedFonts);
-        const ErrorCode registered = RegisterMatchedFonts(matchedFonts, documentIdentifier);
-        if (status == CoreErrorCodes::kSuccess)
-            status = registered;
-    }
-    LogMessage(-1, "ActivateDocumentFonts returning %d", static_cast<int>(status));
+    FontManagerAccess* fontManager = nullptr;
+    ErrorCode status = kErrorMarquellNotRunning;
+    const TraceScope trace([&] { CloseActivationStep("ActivateDocumentFonts", fontManager, status); },
+                           "Entering %s(documentPath = \"%s\")",
+                           "FontActivationTracker::ActivateDocumentFonts", documentPath.c_str());
+    fontManager = RunningFontManager();
+    if (fontManager == nullptr)
+        return status;
+    status = CoreErrorCodes::kUnknownError;
+    if (!fontManager->IsBatchMode())
+        return status = CoreErrorCodes::kSuccess;
+    status = fontManager->ActivateDocumentFonts(documentPath, lists);
+    const ErrorCode registered = RegisterMatchedFonts(lists.matchedFonts, documentIdentifier);
+    if (status == CoreErrorCodes::kSuccess)
+        status = registered;
     return status;
 }
 
 ErrorCode FontActivationTracker::ActivateFontsByID(const std::string& documentIdentifier, CFArrayRef fonts,
                                                    uint32_t& outMatchedCount) {
-    LogMessage(1, "Entering ActivateFontsByID(documentIdentifier = \"%s\")", documentIdentifier.c_str());
-    FontManagerAccess* fontManager = RunningFontManager();
-    if (fontManager == nullptr) {
-        LogMessage(-1, "ActivateFontsByID returning kErrorMarquellNotRunning (EARLY RETURN)");
-        return kErrorMarquellNotRunning;
-    }
-    ErrorCode status = CoreErrorCodes::kSuccess;
-    if (fontManager->IsBatchMode()) {
-        const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
-        status = fontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts.get());
-        outMatchedCount = static_cast<uint32_t>(CFArrayGetCount(matchedFonts.get()));
-        const ErrorCode registered = RegisterMatchedFonts(matchedFonts.get(), documentIdentifier);
-        if (status == CoreErrorCodes::kSuccess)
-            status = registered;
-    }
-    LogMessage(-1, "ActivateFontsByID returning %d", static_cast<int>(status));
+    FontManagerAccess* fontManager = nullptr;
+    ErrorCode status = kErrorMarquellNotRunning;
+    const TraceScope trace([&] { CloseActivationStep("ActivateFontsByID", fontManager, status); },
+                           "Entering ActivateFontsByID(documentIdentifier = \"%s\")",
+                           documentIdentifier.c_str());
+    fontManager = RunningFontManager();
+    if (fontManager == nullptr)
+        return status;
+    status = CoreErrorCodes::kUnknownError;
+    if (!fontManager->IsBatchMode())
+        return status = CoreErrorCodes::kSuccess;
+    const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
+    status = fontManager->ActivateFontsByID(fonts, documentIdentifier, matchedFonts.get());
+    outMatchedCount = static_cast<uint32_t>(CFArrayGetCount(matchedFonts.get()));
+    const ErrorCode registered = RegisterMatchedFonts(matchedFonts.get(), documentIdentifier);
+    if (status == CoreErrorCodes::kSuccess)
+        status = registered;
     return status;
 }
 
@@ -111,23 +120,23 @@ ErrorCode FontActivationTracker::RegisterMatchedFonts(CFArrayRef matchedFonts,
                                                       const std::string& documentIdentifier) {
     ErrorCode status = CoreErrorCodes::kSuccess;
     Registration registration{false, documentIdentifier, 0};
-    for (CFIndex index = 0; index < cf::Count(matchedFonts); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(matchedFonts, index);
-        const ErrorCode registered = RegisterMatchedFont(font, index, registration);
+    int index = 0;
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(matchedFonts)) {
+        const ErrorCode registered = RegisterMatchedFont(font, index++, registration);
         if (status == CoreErrorCodes::kSuccess)
             status = registered;
     }
     return status;
 }
 
-ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFIndex index,
+ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, int index,
                                                      Registration& registration) {
     const CFStringRef name = cf::Get<CFStringRef>(font, kGS_PostScriptNameKey);
     const auto databaseID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     if (name == nullptr || databaseID == 0) {
         LogMessage(0,
                    "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = %d",
-                   static_cast<int>(index));
+                   index);
         return CoreErrorCodes::kSuccess;
     }
     const std::optional<int64_t> state = cf::GetInt64(font, kGS_ActivationStateKey);
@@ -140,11 +149,10 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
 
     const CFArrayRef subDocuments = cf::GetArray(font, kGS_SubDocumentsWithFontKey);
     if (subDocuments == nullptr)
-        LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey",
-                   static_cast<int>(index), registration.documentIdentifier.c_str());
+        LogMessage(0, "WARNING:  font %d for document '%s' has no kGS_SubDocumentsWithFontKey", index,
+                   registration.documentIdentifier.c_str());
     ErrorCode status = CoreErrorCodes::kSuccess;
-    for (CFIndex each = 0; each < cf::Count(subDocuments); ++each) {
-        const CFStringRef subDocument = cf::Get<CFStringRef>(subDocuments, each);
+    for (const CFStringRef subDocument : cf::Elements<CFStringRef>(subDocuments)) {
         if (subDocument == nullptr)
             continue;
         const ErrorCode registered = RegisterFontWithDocument(
@@ -158,16 +166,10 @@ ErrorCode FontActivationTracker::RegisterMatchedFont(CFDictionaryRef font, CFInd
 ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDictionary,
                                                           CFStringRef postscriptName, uint32_t databaseID,
                                                           const Registration& registration) {
-    // Documents have thousands of fonts: asked once for both lines.
-    const bool isTraceHeard = IsTraceHeard();
-    if (isTraceHeard)
-        LogMessage(1, "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
-                   cf::ToUtf8(postscriptName).c_str(), registration.documentIdentifier.c_str());
+    const TraceScope trace([] { LogMessage(-1, "Exiting RegisterFontWithDocument"); },
+                           "Entering RegisterFontWithDocument(postscriptName='%s', sDocumentIdentifier='%s')",
+                           TraceText(postscriptName).c_str(), registration.documentIdentifier.c_str());
     const GScopedLock lock(mRegistersLock);
-    const ScopeExit exitLine([isTraceHeard] {
-        if (isTraceHeard)
-            LogMessage(-1, "Exiting RegisterFontWithDocument");
-    });
     if (lock.Status() != CoreErrorCodes::kSuccess)
         return RefuseReentry("FontActivationTracker::RegisterFontWithDocument");
 
@@ -182,26 +184,25 @@ ErrorCode FontActivationTracker::RegisterFontWithDocument(CFDictionaryRef fontDi
 ErrorCode FontActivationTracker::CloseAllFontsForIdentifier(const std::string& documentIdentifier,
                                                             bool bDeactivateClosedFonts,
                                                             CFMutableArrayRef fontsDeactivated) {
+    constexpr char kName[] = "FontActivationTracker::CloseAllFontsForIdentifier";
     FontManagerAccess* fontManager = RunningFontManager();
     if (fontManager == nullptr)
         return kErrorMarquellNotRunning;
-    LogMessage(1,
-               "Entering FontActivationTracker::CloseAllFontsForIdentifier('%s', bDeactivateClosedFonts=%d, "
-               "fontsDeactivated=0x%08x)",
-               documentIdentifier.c_str(), bDeactivateClosedFonts, TraceAddress(fontsDeactivated));
-    try {
-        const GScopedLock lock(mRegistersLock);
-        const ErrorCode result =
-            lock.Status() == CoreErrorCodes::kSuccess
-                ? CloseDocument(*fontManager, documentIdentifier, bDeactivateClosedFonts, fontsDeactivated)
-                : RefuseReentry("FontActivationTracker::CloseAllFontsForIdentifier");
-        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() returning %d",
-                   static_cast<int>(result));
-        return result;
-    } catch (...) {
-        LogMessage(-1, "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
-        throw;
-    }
+    std::optional<ErrorCode> result;  // none while an exception leaves
+    const TraceScope trace(
+        [&] {
+            if (result)
+                LogMessage(-1, "%s() returning %d", kName, static_cast<int>(*result));
+            else
+                LogMessage(-1, "%s() exiting abnormally", kName);
+        },
+        "Entering %s('%s', bDeactivateClosedFonts=%d, fontsDeactivated=0x%08x)", kName,
+        documentIdentifier.c_str(), bDeactivateClosedFonts, TraceAddress(fontsDeactivated));
+    const GScopedLock lock(mRegistersLock);
+    result = lock.Status() == CoreErrorCodes::kSuccess
+                 ? CloseDocument(*fontManager, documentIdentifier, bDeactivateClosedFonts, fontsDeactivated)
+                 : RefuseReentry(kName);
+    return *result;
 }
 
 ErrorCode FontActivationTracker::CloseDocument(FontManagerAccess& fontManager,
@@ -296,9 +297,12 @@ ErrorCode FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts) {
     FontManagerAccess* fontManager = RunningFontManager();
     if (fontManager == nullptr)
         return kErrorMarquellNotRunning;
-    LogMessage(1, "Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=%d)",
-               bDeactivateClosedFonts);
     ErrorCode result = CoreErrorCodes::kSuccess;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "FontActivationTracker::CloseAllFonts() returning %d", static_cast<int>(result));
+        },
+        "Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=%d)", bDeactivateClosedFonts);
     if (!m_mFonts.empty()) {
         const GScopedLock lock(mRegistersLock);
         if (lock.Status() == CoreErrorCodes::kSuccess) {
@@ -315,7 +319,6 @@ ErrorCode FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts) {
             result = RefuseReentry("FontActivationTracker::CloseAllFonts");
         }
     }
-    LogMessage(-1, "FontActivationTracker::CloseAllFonts() returning %d", static_cast<int>(result));
     return result;
 }
 

@@ -38,11 +38,10 @@ public:
     /// The identifier with that text; a single random byte when there is none, or one that is too long.
     static std::string IdentifierFromText(CFStringRef text);
 
-    /// Has the document's fonts activated and registers every matched one. `matchedFonts` receives the font
-    /// records. With an empty identifier each font is registered with the sub-documents that it names
-    /// instead.
+    /// Has the document's fonts activated and registers every matched one. With an empty identifier each font
+    /// is registered with the sub-documents that it names instead.
     ErrorCode ActivateDocumentFonts(const std::string& documentIdentifier, const std::string& documentPath,
-                                    CFMutableArrayRef matchedFonts, const DocumentFontLists& lists);
+                                    const DocumentFontLists& lists);
     /// Has the given fonts activated for the document; `outMatchedCount` is the number of matched fonts.
     ErrorCode ActivateFontsByID(const std::string& documentIdentifier, CFArrayRef fonts,
                                 uint32_t& outMatchedCount);
@@ -83,7 +82,7 @@ private:
 
     ErrorCode RegisterMatchedFonts(CFArrayRef matchedFonts, const std::string& documentIdentifier);
     /// `registration` names the document; the rest of it is filled in here.
-    ErrorCode RegisterMatchedFont(CFDictionaryRef font, CFIndex index, Registration& registration);
+    ErrorCode RegisterMatchedFont(CFDictionaryRef font, int index, Registration& registration);
     ErrorCode CloseFontByFont(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,
                               bool deactivate, CFMutableArrayRef fontsDeactivated);
     ErrorCode CloseBatch(FontManagerAccess& fontManager, const std::vector<uint32_t>& databaseIDs,

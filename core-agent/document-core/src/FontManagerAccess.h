@@ -11,12 +11,13 @@
 
 #include "ErrorCodes.h"
 
-/// The caller's lists for one document, handed through to the font manager unchanged. Not owned; any may be
-/// null.
+/// The lists of one document, each of font records, handed through to the font manager unchanged. Not owned;
+/// any may be null.
 struct DocumentFontLists {
-    CFMutableArrayRef unmatchedFonts = nullptr;  ///< array B: filled with the fonts that have no match
-    CFMutableArrayRef reportedFonts = nullptr;   ///< array A: filled with the fonts that were matched
     CFArrayRef requestedFonts = nullptr;         ///< what the document uses
+    CFMutableArrayRef matchedFonts = nullptr;    ///< filled with one record per match, states from before
+    CFMutableArrayRef reportedFonts = nullptr;   ///< array A: filled with the fonts that were matched
+    CFMutableArrayRef unmatchedFonts = nullptr;  ///< array B: filled with the fonts that have no match
 };
 
 using PluginActivationStates = std::map<uint32_t, bool>;  ///< by database ID
@@ -31,9 +32,8 @@ public:
     virtual bool IsBatchMode() = 0;
     virtual bool IsLoggedIn() = 0;
 
-    /// `matchedFonts` receives one font record per matched font, with its activation state from before.
-    virtual ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists,
-                                            CFMutableArrayRef matchedFonts) = 0;
+    virtual ErrorCode ActivateDocumentFonts(const std::string& documentPath,
+                                            const DocumentFontLists& lists) = 0;
     virtual ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                         CFMutableArrayRef matchedFonts) = 0;
     /// Whether each font is still active on behalf of the plug-in; fonts that it cannot tell are left out.

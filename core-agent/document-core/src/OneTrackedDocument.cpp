@@ -18,9 +18,9 @@ void OneTrackedDocument::SetLastKnownModificationTime(int64_t seconds) {
     mLastKnownModificationTime = seconds;
 }
 
-void OneTrackedDocument::SetFontArrays(CFArrayRef arrayA, CFArrayRef arrayB) {
-    mFontArrayA = CFRef<CFArrayRef>::Retain(arrayA);
-    mFontArrayB = CFRef<CFArrayRef>::Retain(arrayB);
+void OneTrackedDocument::SetFontArrays(const DocumentFontLists& lists) {
+    mFontArrayA = CFRef<CFArrayRef>::Retain(lists.reportedFonts);
+    mFontArrayB = CFRef<CFArrayRef>::Retain(lists.unmatchedFonts);
 }
 
 bool OneTrackedDocument::HasFonts() const {

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+#include "FontManagerAccess.h"
+
 class OneTrackedDocument {
 public:
     const std::string& DocumentFilePath() const { return mDocumentFilePath; }
@@ -20,7 +22,8 @@ public:
     /// Fonts reported for the document, and the second list; retained while they are held. May be null.
     CFArrayRef FontArrayA() const { return mFontArrayA.get(); }
     CFArrayRef FontArrayB() const { return mFontArrayB.get(); }
-    void SetFontArrays(CFArrayRef arrayA, CFArrayRef arrayB);
+    /// Takes the reported fonts for A and the unmatched ones for B.
+    void SetFontArrays(const DocumentFontLists& lists);
     bool HasFonts() const;
 
     bool isSavePending = false;  ///< handing the fonts to the font manager failed and is to be tried again

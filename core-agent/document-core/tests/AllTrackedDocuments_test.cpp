@@ -49,7 +49,8 @@ TEST(AllTrackedDocuments, AClosedDocumentLetsItsFontsGoAsThePreferenceSays) {
         AllTrackedDocuments documents;
         const auto document = Add(documents, "/a.ai");
         fontManager.Match(7, "Seven");
-        tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai", cf::MutableArray().get(), {});
+        tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai",
+                                      {.matchedFonts = cf::MutableArray().get()});
         documents.RemoveClosedDocument(*document, &tracker);
         EXPECT_EQ(fontManager.deactivated.size(), deactivate ? 1u : 0u);
         EXPECT_THAT(documents.Documents(), IsEmpty());
@@ -93,7 +94,8 @@ TEST(AllTrackedDocuments, AnExceptionStaysInsideAndIsLogged) {
     AllTrackedDocuments documents;
     const auto document = Add(documents, "/a.ai");
     fontManager.Match(7, "Seven");
-    tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai", cf::MutableArray().get(), {});
+    tracker.ActivateDocumentFonts(document->Identifier(), "/a.ai",
+                                  {.matchedFonts = cf::MutableArray().get()});
     fontManager.whileDeactivating = [] { throw std::runtime_error("lost"); };
     CapturedTrace trace;
     EXPECT_NO_THROW(documents.RemoveClosedDocument(*document, &tracker));
@@ -111,12 +113,12 @@ TEST(OneTrackedDocument, HasFontsWhenEitherListHasOne) {
     const CFRef<CFMutableArrayRef> none = cf::MutableArray();
     const CFRef<CFMutableArrayRef> one = cf::MutableArray();
     cf::Append(one, "font");
-    document.SetFontArrays(none.get(), none.get());
+    document.SetFontArrays({.reportedFonts = none.get(), .unmatchedFonts = none.get()});
     EXPECT_FALSE(document.HasFonts());
-    document.SetFontArrays(nullptr, one.get());
+    document.SetFontArrays({.unmatchedFonts = one.get()});
     EXPECT_TRUE(document.HasFonts());
     EXPECT_EQ(CFGetRetainCount(one.get()), 2);
-    document.SetFontArrays(one.get(), nullptr);
+    document.SetFontArrays({.reportedFonts = one.get()});
     EXPECT_TRUE(document.HasFonts());
     EXPECT_EQ(CFGetRetainCount(one.get()), 2);
 }

@@ -135,8 +135,8 @@ private:
         }
         const DatabaseIDs fonts = SomeFonts();
         Offer(fonts);
-        const ErrorCode status =
-            mTracker->ActivateDocumentFonts(record->Identifier(), path, cf::MutableArray().get(), {});
+        const ErrorCode status = mTracker->ActivateDocumentFonts(record->Identifier(), path,
+                                                                 {.matchedFonts = cf::MutableArray().get()});
         NoteActivation(status, mOpen[path], fonts);
     }
 

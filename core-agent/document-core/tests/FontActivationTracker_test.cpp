@@ -22,7 +22,8 @@ protected:
     /// Opens a document that uses the fonts that were matched last.
     ErrorCode Open(const std::string& identifier) {
         const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
-        return tracker.ActivateDocumentFonts(identifier, "/doc/" + identifier, matchedFonts.get(), {});
+        return tracker.ActivateDocumentFonts(identifier, "/doc/" + identifier,
+                                             {.matchedFonts = matchedFonts.get()});
     }
     ErrorCode Close(const std::string& identifier, bool deactivate = true) {
         return tracker.CloseAllFontsForIdentifier(identifier, deactivate, nullptr);

@@ -111,6 +111,11 @@ T As(CFTypeRef object) {
     return object != nullptr && CFGetTypeID(object) == TypeID<T>() ? static_cast<T>(object) : nullptr;
 }
 
+template <>
+inline CFTypeRef As<CFTypeRef>(CFTypeRef object) {
+    return object;
+}
+
 // Null when the text is no valid UTF-8.
 inline CFRef<CFStringRef> String(std::string_view utf8) {
     return AdoptCF(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
@@ -281,6 +286,36 @@ template <class T>
 T Get(CFArrayRef array, CFIndex index) {
     return index >= 0 && index < Count(array) ? As<T>(CFArrayGetValueAtIndex(array, index)) : nullptr;
 }
+
+// The elements as T's, in order, lent; null for those of another type. Nothing for null. For loops that do
+// not change the array:
+//
+//     for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts))
+template <class T>
+class Elements {
+public:
+    explicit Elements(CFArrayRef array) : mArray(array) {}
+
+    class Iterator {
+    public:
+        Iterator(CFArrayRef array, CFIndex index) : mArray(array), mIndex(index) {}
+        T operator*() const { return Get<T>(mArray, mIndex); }
+        Iterator& operator++() {
+            ++mIndex;
+            return *this;
+        }
+        bool operator==(const Iterator&) const = default;
+
+    private:
+        CFArrayRef mArray;
+        CFIndex mIndex;
+    };
+    Iterator begin() const { return {mArray, 0}; }
+    Iterator end() const { return {mArray, Count(mArray)}; }
+
+private:
+    CFArrayRef mArray;
+};
 
 // Empty when there is no string under key.
 inline std::string GetString(CFDictionaryRef dictionary, const Key& key) {

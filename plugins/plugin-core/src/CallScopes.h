@@ -1,27 +1,13 @@
 // What a call from the host holds from its beginning to its end, however it ends.
 #pragma once
 
-#include <string>
-
 #include "ErrorCodes.h"
 #include "TraceLog.h"
 
-/// The opening line in the trace, and the closing one with the result.
-class TracedCall {
-public:
-    /// `name`: the qualified name, a literal. `subject`: the first text argument.
-    TracedCall(const char* name, const std::string& subject) : mName(name) {
-        LogMessage(1, "Entering %s('%s', ...)", mName, subject.c_str());
-    }
-    ~TracedCall() { LogMessage(-1, "Exiting %s() with result %d", mName, static_cast<int>(result)); }
-    TracedCall(const TracedCall&) = delete;
-    TracedCall& operator=(const TracedCall&) = delete;
-
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-
-private:
-    const char* mName;
-};
+/// The closing line of a call from the host.
+inline auto ExitingWithResult(const char* name, const ErrorCode& result) {
+    return [name, &result] { LogMessage(-1, "Exiting %s() with result %d", name, static_cast<int>(result)); };
+}
 
 /// The turn of a modal dialog, or of a call that may show one, from behind which a host that pumps events may
 /// call again. False, and told in the trace, while an earlier turn lasts.

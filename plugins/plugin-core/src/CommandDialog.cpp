@@ -36,7 +36,7 @@ void CarryOut(int32_t command, const std::string& document, const std::vector<Wo
 
 ErrorCode ShowCommandBox(const std::string& document) {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    if (framework == nullptr || framework->Framework() == nullptr)
+    if (framework->Framework() == nullptr)
         return CoreErrorCodes::kInvalidParam;
     const std::vector<Workgroup> workgroups =
         FontManagerInterface::GetSharedInstance().WorkgroupsToChooseFrom();
@@ -50,10 +50,12 @@ ErrorCode ShowCommandBox(const std::string& document) {
 
 ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
     static bool isShowing = false;
-    TracedCall call(kName, OrNull(document));
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
+                           OrNull(document));
     if (const DialogTurn turn(isShowing, kName); turn) {
         FontManagerInterface::GetSharedInstance().OnUserAction();
-        call.result = ShowCommandBox(document != nullptr ? document : "");
+        result = ShowCommandBox(document != nullptr ? document : "");
     }
-    return call.result;
+    return result;
 }

@@ -13,8 +13,8 @@ CommonFunctionality::Document CommonFunctionality::FindDocument(const std::strin
 
 CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
     CFIndex count = 0;
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        const auto state = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_ActivationStateKey);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        const auto state = cf::GetInt64(font, kGS_ActivationStateKey);
         if (state && FontActivationStateCountsAsActive(*state))
             ++count;
     }
@@ -24,29 +24,31 @@ CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
 ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActivated,
                                                              const std::string& filePath,
                                                              OneTrackedDocument& record, CFArrayRef fonts) {
-    const auto trace = [&](int indentDelta) {
-        LogMessage(indentDelta, "%s(numFontsActivated=%d, filePath='%s', ...)",
-                   "CommonFunctionality::ActivateDocumentFontsSilently", numFontsActivated, filePath.c_str());
-    };
-    trace(1);
-    const ScopeExit exitLine([&] { trace(-1); });
+    constexpr char kName[] = "CommonFunctionality::ActivateDocumentFontsSilently";
+    constexpr char kLine[] = "%s(numFontsActivated=%d, filePath='%s', ...)";  // opens and closes the step
+    const TraceScope trace([&] { LogMessage(-1, kLine, kName, numFontsActivated, filePath.c_str()); }, kLine,
+                           kName, numFontsActivated, filePath.c_str());
     numFontsActivated = 0;
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     if (!fontManager.IsUsable())
         return CoreErrorCodes::kSuccess;
 
     const CFRef<CFMutableArrayRef> matchedFonts = cf::MutableArray();
-    const CFRef<CFMutableArrayRef> arrayB = cf::MutableArray();
-    const CFRef<CFMutableArrayRef> arrayA = cf::MutableArray();
-    if (!matchedFonts || !arrayB || !arrayA)
+    const CFRef<CFMutableArrayRef> reportedFonts = cf::MutableArray();
+    const CFRef<CFMutableArrayRef> unmatchedFonts = cf::MutableArray();
+    if (!matchedFonts || !reportedFonts || !unmatchedFonts)
         return CoreErrorCodes::kOutOfMemory;
+    const DocumentFontLists lists{.requestedFonts = fonts,
+                                  .matchedFonts = matchedFonts.get(),
+                                  .reportedFonts = reportedFonts.get(),
+                                  .unmatchedFonts = unmatchedFonts.get()};
     const ErrorCode status = MarquellGlobals::GetSharedFontActivationTracker()->ActivateDocumentFonts(
-        record.Identifier(), filePath, matchedFonts.get(), {arrayB.get(), arrayA.get(), fonts});
+        record.Identifier(), filePath, lists);
     numFontsActivated =
         static_cast<int>(cf::Count(matchedFonts.get()) - CountActiveFonts(matchedFonts.get()));
     if (CoreAgentInterface* agent = fontManager.GetFontManager())
         record.canExport = agent->CanExportFromWorkgroup(matchedFonts.get());
-    record.SetFontArrays(arrayA.get(), arrayB.get());
+    record.SetFontArrays(lists);
     return status;
 }
 
@@ -57,18 +59,16 @@ GeneralInterface* CommonFunctionality::SharedHostAppInterface() {
 }
 
 void CommonFunctionality::ShowNoWorkgroupMessage() {
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
-    if (framework == nullptr)
-        return;
-    framework->ShowMessageBox(agent != nullptr && agent->IsRunningStandalone()
-                                  ? message_boxes::kNoWorkgroupStandalone
-                                  : message_boxes::kNoWorkgroup);
+    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(agent != nullptr && agent->IsRunningStandalone()
+                                                                 ? message_boxes::kNoWorkgroupStandalone
+                                                                 : message_boxes::kNoWorkgroup);
 }
 
 void CommonFunctionality::ShowNotLoggedInMessage() {
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface()) {
-        MarquellGlobals::SetLoggedIn(false);
-        framework->ShowMessageBox(message_boxes::kNotLoggedIn);
-    }
+    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    if (!framework->IsMade())
+        return;
+    MarquellGlobals::SetLoggedIn(false);
+    framework->ShowMessageBox(message_boxes::kNotLoggedIn);
 }

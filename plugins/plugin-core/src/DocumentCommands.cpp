@@ -20,20 +20,6 @@ constexpr char kCheckName[] = "PluginCoreInterface::HandleCheckDocumentFonts";
 constexpr char kLastFolder[] = "LastCFOFolder";
 constexpr int kMostSetsOfOneName = 99;
 
-/// The opening and the closing line of a command, the latter however it ends.
-class TracedCommand {
-public:
-    TracedCommand(const char* name, const std::string& document) : mName(name) {
-        LogMessage(1, "Entering %s(%s, ...)", mName, document.c_str());
-    }
-    ~TracedCommand() { LogMessage(-1, "Exiting %s()", mName); }
-    TracedCommand(const TracedCommand&) = delete;
-    TracedCommand& operator=(const TracedCommand&) = delete;
-
-private:
-    const char* mName;
-};
-
 VPFInterface& Framework() {
     return *MarquellGlobals::GetSharedVPFInterface();
 }
@@ -47,8 +33,6 @@ struct CommandTarget {
 CommandTarget FindTarget(const std::string& document) {
     CommandTarget target{CommonFunctionality::FindDocument(document),
                          FontManagerInterface::GetSharedInstance().GetFontManager()};
-    if (MarquellGlobals::GetSharedVPFInterface() == nullptr)
-        return {};
     if (!target.document)
         Framework().ShowMessageAbout(message_boxes::kDocumentNotOpen, document);
     else if (target.agent == nullptr)
@@ -203,7 +187,9 @@ ErrorCode TellMissingFonts(const OneTrackedDocument& document) {
 namespace DocumentCommands {
 
 ErrorCode HandleExportDocumentFonts(const std::string& document) {
-    const TracedCommand trace("PluginCoreInterface::HandleExportDocumentFonts", document);
+    const TraceScope trace(
+        [] { LogMessage(-1, "Exiting %s()", "PluginCoreInterface::HandleExportDocumentFonts"); },
+        "Entering %s(%s, ...)", "PluginCoreInterface::HandleExportDocumentFonts", document.c_str());
     const CommandTarget target = FindTarget(document);
     std::string destination;
     if (!target.document || !ChooseDestination(*target.document, destination))
@@ -220,7 +206,9 @@ ErrorCode HandleExportDocumentFonts(const std::string& document) {
 }
 
 ErrorCode HandleCreateDocumentSet(const std::string& document) {
-    const TracedCommand trace("PluginCoreInterface::HandleCreateDocumentSet", document);
+    const TraceScope trace(
+        [] { LogMessage(-1, "Exiting %s()", "PluginCoreInterface::HandleCreateDocumentSet"); },
+        "Entering %s(%s, ...)", "PluginCoreInterface::HandleCreateDocumentSet", document.c_str());
     const CommandTarget target = FindTarget(document);
     if (!target.document)
         return kNotCompleted;
@@ -238,7 +226,8 @@ ErrorCode HandleCreateDocumentSet(const std::string& document) {
 }
 
 ErrorCode HandleCheckDocumentFonts(const std::string& document, const std::string& fontsJSON) {
-    const TracedCommand trace(kCheckName, document);
+    const TraceScope trace([] { LogMessage(-1, "Exiting %s()", kCheckName); }, "Entering %s(%s, ...)",
+                           kCheckName, document.c_str());
     const CommandTarget target = FindTarget(document);
     if (!target.document)
         return kNotCompleted;

@@ -65,15 +65,17 @@ bool isMovingFonts = false;
 namespace DocumentEvents {
 
 ErrorCode HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize) {
-    TracedCall event("PluginCoreInterface::HandleCreateNewDocument", "");
+    constexpr char kName[] = "PluginCoreInterface::HandleCreateNewDocument";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, "");
     const Document record = MakeRecord();
     record->SetLastKnownModificationTime(0);
     record->isNewDocument = true;
     Documents().AddNewDocument(record);
-    event.result = CopyTextToBuffer(record->Identifier(), idBuffer, idBufferSize);
-    if (event.result == CoreErrorCodes::kIndexOutOfRange)
-        event.result = CoreErrorCodes::kInvalidParam;
-    return event.result;
+    result = CopyTextToBuffer(record->Identifier(), idBuffer, idBufferSize);
+    if (result == CoreErrorCodes::kIndexOutOfRange)
+        result = CoreErrorCodes::kInvalidParam;
+    return result;
 }
 
 ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string& fontsJSON, char* bufferA,
@@ -81,11 +83,12 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
     constexpr char kName[] = "PluginCoreInterface::HandleOpenExistingDocument";
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const char* writtenText = "";  // buffer A holds no text of ours until one was copied
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    const ScopeExit exitLine([&] {
-        LogMessage(-1, "Exiting %s('%s', '%s', %d) with result %d", kName, path.c_str(), writtenText,
-                   static_cast<int>(*sizeA), static_cast<int>(result));
-    });
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting %s('%s', '%s', %d) with result %d", kName, path.c_str(), writtenText,
+                       static_cast<int>(*sizeA), static_cast<int>(result));
+        },
+        "Entering %s('%s', ...)", kName, path.c_str());
     *numFontsActivated = 0;
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
@@ -111,59 +114,65 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
 }
 
 ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
-    TracedCall event("PluginCoreInterface::HandleSaveDocument", path);
+    constexpr char kName[] = "PluginCoreInterface::HandleSaveDocument";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
     FontManagerInterface::GetSharedInstance().OnUserAction();
     const Document record = FindOrCreateRecord(path);
     if (HandOverFonts(path, *record, hint)) {
         record->lastSaveTime = Now();
         record->isSavePending = false;
-        event.result = CoreErrorCodes::kSuccess;
+        result = CoreErrorCodes::kSuccess;
     } else {
         record->isSavePending = true;
     }
     record->SetLastKnownModificationTime(VantorixFileUtils::GetFileModificationDate(path));
-    return event.result;
+    return result;
 }
 
 ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) {
     constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
-    TracedCall event(kName, path);
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
-        return event.result;
+        return result;
     FontManagerInterface::GetSharedInstance().OnUserAction();
     Document record = Documents().FindTrackedDocumentByPath(path);
     if (!record)  // one that was never saved has its identifier alone
         record = Documents().FindTrackedDocumentByIdentifier(path);
     if (!record)
-        return event.result;
+        return result;
     const std::string filePath = record->DocumentFilePath();
     if (record->isSavePending || WasWrittenBehindTheHost(filePath, *record)) {
         HandOverFonts(filePath, *record, hint);
         record->isSavePending = false;
     }
     Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());
-    return event.result = CoreErrorCodes::kSuccess;
+    return result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode SetPathForDocument(const std::string& path, const std::string& documentId) {
-    TracedCall event("PluginCoreInterface::SetPathForDocument", path);
+    constexpr char kName[] = "PluginCoreInterface::SetPathForDocument";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
     const Document record = Documents().FindTrackedDocumentByIdentifier(documentId);
     if (!record)
-        return event.result = CoreErrorCodes::kNotFound;
+        return result = CoreErrorCodes::kNotFound;
     record->SetDocumentFilePath(path);
-    return event.result = CoreErrorCodes::kSuccess;
+    return result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBufferSize) {
     constexpr char kName[] = "PluginCoreInterface::GetIDForDocument";
     ErrorCode result = CoreErrorCodes::kNotFound;
     std::string identifier;
-    LogMessage(1, "Entering %s('%s', ...)", kName, path.c_str());
-    const ScopeExit exitLine([&] {
-        LogMessage(-1, "%s('%s', id=%s, size=%d) returning %d", kName, path.c_str(), identifier.c_str(),
-                   static_cast<int>(*idBufferSize), static_cast<int>(result));
-    });
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "%s('%s', id=%s, size=%d) returning %d", kName, path.c_str(), identifier.c_str(),
+                       static_cast<int>(*idBufferSize), static_cast<int>(result));
+        },
+        "Entering %s('%s', ...)", kName, path.c_str());
     if (const Document record = Documents().FindTrackedDocumentByPath(path)) {
         identifier = record->Identifier();
         result = CopyTextToBuffer(identifier, idBuffer, idBufferSize);
@@ -172,39 +181,43 @@ ErrorCode GetIDForDocument(const std::string& path, char* idBuffer, size_t* idBu
 }
 
 ErrorCode UpdateDocumentFontUsage(const std::string& document, const std::string& fontUsage) {
-    TracedCall event("PluginCoreInterface::UpdateDocumentFontUsage", document);
+    constexpr char kName[] = "PluginCoreInterface::UpdateDocumentFontUsage";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
+                           document.c_str());
     const Document record = CommonFunctionality::FindDocument(document);
     if (!record)
-        return event.result = CoreErrorCodes::kNotFound;
+        return result = CoreErrorCodes::kNotFound;
     record->fontUsage = fontUsage;
-    return event.result = CoreErrorCodes::kSuccess;
+    return result = CoreErrorCodes::kSuccess;
 }
 
 ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJSON, uint32_t* outCount) {
     constexpr char kName[] = "PluginCoreInterface::ActivateChosenFonts";
-    TracedCall event(kName, path);
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
     *outCount = 0;
     const DialogTurn turn(isMovingFonts, kName);
     if (!turn)
-        return event.result;
+        return result;
     FontManagerInterface::GetSharedInstance().OnUserAction();
     const Document record = Documents().FindTrackedDocumentByPath(path);
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (!fontsJSON.empty() &&
         AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
-        return event.result = CoreErrorCodes::kInvalidParam;
+        return result = CoreErrorCodes::kInvalidParam;
     if (record)
-        event.result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(
-            record->Identifier(), fonts.get(), *outCount);
-    if (event.result == CoreErrorCodes::kUnknownError) {
+        result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(record->Identifier(),
+                                                                                      fonts.get(), *outCount);
+    if (result == CoreErrorCodes::kUnknownError) {
         const CFIndex missing = cf::Count(fonts.get()) - CommonFunctionality::CountActiveFonts(fonts.get()) -
                                 static_cast<CFIndex>(*outCount);
         if (missing == 0)
-            event.result = CoreErrorCodes::kSuccess;
+            result = CoreErrorCodes::kSuccess;
         else if (missing > 0)
-            event.result = CoreErrorCodes::kNotFound;
+            result = CoreErrorCodes::kNotFound;
     }
-    return event.result;
+    return result;
 }
 
 void CloseAllDocuments() {

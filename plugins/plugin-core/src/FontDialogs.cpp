@@ -13,7 +13,7 @@ namespace {
 /// Null without the framework's library, too: nobody would see the dialog.
 VPFInterface* FrameworkWithDialogs() {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    return framework != nullptr && framework->Framework() != nullptr ? framework : nullptr;
+    return framework->Framework() != nullptr ? framework : nullptr;
 }
 
 /// Whether fonts may be shown for which there is perhaps nothing to choose.
@@ -73,44 +73,48 @@ ErrorCode ShowResolveFonts(const char* caller, CFArrayRef fonts, CFMutableArrayR
 ErrorCode InvokeResolveDialog(bool onlyIfResolvable, const std::string& fontsJSON, char* resultBuffer,
                               size_t* resultSize, char* skippedBuffer, size_t* skippedSize) {
     constexpr char kName[] = "PluginCoreInterface::InvokeResolveDialog";
-    TracedCall call(kName, fontsJSON);
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
+                           fontsJSON.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
-        return call.result = CoreErrorCodes::kInvalidParam;
+        return result = CoreErrorCodes::kInvalidParam;
     if (cf::Count(fonts.get()) == 0) {
         LogMessage(0, "WARNING: nothing to resolve in %s", kName);
-        return call.result = CoreErrorCodes::kInvalidParam;
+        return result = CoreErrorCodes::kInvalidParam;
     }
     if (onlyIfResolvable && CountResolvable(fonts.get()) == 0)
-        return call.result = CoreErrorCodes::kNotFound;
+        return result = CoreErrorCodes::kNotFound;
     const SortedFonts sorted;
-    call.result = ResolveFonts(kName, onlyIfResolvable, fonts.get(), sorted);
-    if (call.result != CoreErrorCodes::kSuccess)
-        return call.result;
+    result = ResolveFonts(kName, onlyIfResolvable, fonts.get(), sorted);
+    if (result != CoreErrorCodes::kSuccess)
+        return result;
     LogSkippedFonts(sorted.skipped.get());
-    call.result = CopyFontsToBuffer(sorted.resolved.get(), resultBuffer, resultSize);
-    if (call.result == CoreErrorCodes::kSuccess)
-        call.result = CopyFontsToBuffer(sorted.skipped.get(), skippedBuffer, skippedSize);
-    return call.result;
+    result = CopyFontsToBuffer(sorted.resolved.get(), resultBuffer, resultSize);
+    if (result == CoreErrorCodes::kSuccess)
+        result = CopyFontsToBuffer(sorted.skipped.get(), skippedBuffer, skippedSize);
+    return result;
 }
 
 ErrorCode InvokeRestrictedFontsDialog(bool onlyNew, const std::string& fontsJSON) {
     constexpr char kName[] = "PluginCoreInterface::InvokeRestrictedFontsDialog";
     static bool isShowing = false;
-    TracedCall call(kName, fontsJSON);
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
+                           fontsJSON.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
-        return call.result = CoreErrorCodes::kInvalidParam;
+        return result = CoreErrorCodes::kInvalidParam;
     if (cf::Count(fonts.get()) == 0) {
         LogMessage(0, "WARNING: nothing to warn about in %s", kName);
-        return call.result = CoreErrorCodes::kSuccess;
+        return result = CoreErrorCodes::kSuccess;
     }
     const DialogTurn turn(isShowing, kName);
     VPFInterface* framework = FrameworkWithDialogs();
     if (!turn || framework == nullptr)
-        return call.result;
+        return result;
     framework->ShowRestrictedFonts(fonts.get(), onlyNew);
-    return call.result = CoreErrorCodes::kSuccess;
+    return result = CoreErrorCodes::kSuccess;
 }
 
 }  // namespace FontDialogs

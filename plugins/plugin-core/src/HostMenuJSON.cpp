@@ -67,13 +67,13 @@ ErrorCode CreateMenuItemsFromJSONArray(const json& menu, PluginCoreMenuItemCallb
                                        void* context) {
     constexpr char kName[] = "PluginCoreInterface::CreateMenuItemsFromJSONArray";
     constexpr MenuMembers kMembers;
-    LogMessage(1, "Entering %s()", kName);
-    const ErrorCode code = VisitItems(menu, [&](const json& object) -> ErrorCode {
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s()", kName);
+    code = VisitItems(menu, [&](const json& object) -> ErrorCode {
         const auto id = IdentifierOf(object, kMembers.id);
         const auto label = id ? LabelOf(object, kMembers.label) : std::nullopt;
         return label ? createItem(id->c_str(), label->c_str(), context) : CoreErrorCodes::kSuccess;
     });
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
 }
 
@@ -102,10 +102,10 @@ namespace PluginCoreInterface {
 ErrorCode GetMenuObjectFromRawJSON(const std::string& menusJSON, const std::string& selectedID,
                                    MenuObject& item, const MenuMembers& members) {
     constexpr char kName[] = "PluginCoreInterface::GetMenuObjectFromRawJSON";
-    LogMessage(1, "Entering %s(..., %s, ...)", kName, selectedID.c_str());
-    const ErrorCode code = FindMenuObject(menusJSON, selectedID, members, item);
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., %s, ...)", kName,
+                           selectedID.c_str());
+    return code = FindMenuObject(menusJSON, selectedID, members, item);
 }
 
 ErrorCode CreateMenusFromJSONBuffer(const std::string& menusJSON, PluginCoreMenuItemCallback createItem,

@@ -8,6 +8,7 @@
 #include "GeneralInterface.h"
 #include "LocalizedStringIDs.h"
 #include "MarquellGlobals.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
@@ -29,9 +30,8 @@ constexpr std::array<MenuText, 7> kMenuTexts{
 constexpr MenuText kSelectLibrary{MenuLabel::kWorkgroups, localized::kSelectLibrary, "Select Library"};
 
 std::string Localized(const MenuText& text) {
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     const std::string localizedText =
-        framework != nullptr ? framework->LocalizedString(text.stringID) : std::string();
+        MarquellGlobals::GetSharedVPFInterface()->LocalizedString(text.stringID);
     return localizedText.empty() ? text.text : localizedText;
 }
 
@@ -62,8 +62,6 @@ void ShowPreferences(VPFInterface& framework) {
 
 void Carry(MenuLabel command, const std::string& document, const std::string& extra) {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    if (framework == nullptr)
-        return;
     switch (command) {
         case MenuLabel::kAbout:
             framework->ShowAbout();
@@ -137,8 +135,7 @@ void ChooseWorkgroup(const Workgroup& workgroup, bool isLoggedIn) {
 
 bool AreAllowed(const std::string& document) {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return !document.empty() && preferences != nullptr && preferences->IsValid() &&
-           preferences->GetBoolPreference("EnablePlugin");
+    return !document.empty() && preferences->IsValid() && preferences->GetBoolPreference("EnablePlugin");
 }
 
 }  // namespace MenuCommands

@@ -80,8 +80,9 @@ ErrorCode FindItem(const std::string& menusJSON, const std::string& selectedID,
 
 ErrorCode Menus::GetMenus(const char* document, char* buffer, size_t* size) {
     constexpr char kName[] = "PluginCoreInterface::GetMenus";
-    LogMessage(1, "Entering %s('%s', ...)", kName, OrNull(document));
-    ErrorCode code = GJSONUtils::Serialise(BuildMenu(document != nullptr ? document : ""), lastMenuBuilt);
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s('%s', ...)", kName, OrNull(document));
+    code = GJSONUtils::Serialise(BuildMenu(document != nullptr ? document : ""), lastMenuBuilt);
     if (code == CoreErrorCodes::kSuccess) {
         if (lastMenuBuilt.size() <= *size)
             std::memcpy(buffer, lastMenuBuilt.c_str(), lastMenuBuilt.size() + 1);
@@ -89,7 +90,6 @@ ErrorCode Menus::GetMenus(const char* document, char* buffer, size_t* size) {
             code = CoreErrorCodes::kIndexOutOfRange;
         *size = lastMenuBuilt.size();
     }
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
     return code;
 }
 
@@ -97,11 +97,12 @@ ErrorCode Menus::HandleMenuSelection(const std::string& document, const std::str
                                      const char* selectedID, const std::string& extra) {
     constexpr char kName[] = "PluginCoreInterface::HandleMenuSelection";
     constexpr ErrorCode kResult = CoreErrorCodes::kSuccess;
-    LogMessage(1, "Entering %s(..., %s)", kName, OrNull(selectedID));
-    const ScopeExit exitLine([&] {
-        LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, OrNull(selectedID),
-                   static_cast<int>(kResult));
-    });
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting %s(..., %s) with result %d", kName, OrNull(selectedID),
+                       static_cast<int>(kResult));
+        },
+        "Entering %s(..., %s)", kName, OrNull(selectedID));
     FontManagerInterface::GetSharedInstance().OnUserAction();
     const bool isLoggedIn = FontManagerInterface::GetSharedInstance().IsLoggedIn();
     PluginCoreInterface::MenuObject item;

@@ -64,9 +64,12 @@ bool AnyNull(Pointers... pointers) {
 
 /// The answer to a null pointer, traced like the call that it stops.
 uint32_t RefuseNull(const char* name, const char* firstArgument) {
-    LogMessage(1, "Entering PluginCoreInterface::%s('%s', ...)", name, OrNull(firstArgument));
-    LogMessage(-1, "Exiting PluginCoreInterface::%s() with result %d", name,
-               static_cast<int>(CoreErrorCodes::kInvalidParam));
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting PluginCoreInterface::%s() with result %d", name,
+                       static_cast<int>(CoreErrorCodes::kInvalidParam));
+        },
+        "Entering PluginCoreInterface::%s('%s', ...)", name, OrNull(firstArgument));
     return CoreErrorCodes::kInvalidParam;
 }
 
@@ -118,8 +121,7 @@ uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersion) {
         *version = PLUGINCORE_INTERFACE_VERSION;
         if (requestedVersion == 0 || requestedVersion == PLUGINCORE_INTERFACE_VERSION)
             return CoreErrorCodes::kSuccess;
-        if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
-            framework->ShowMessageBox(message_boxes::kFontManagerUnreachable);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kFontManagerUnreachable);
         return CoreErrorCodes::kNotImplemented;
     });
 }

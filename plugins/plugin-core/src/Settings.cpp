@@ -121,7 +121,7 @@ ErrorCode ReportNotStored(const char* key) {
 
 void Settings::RegisterDefaults() {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    VantorixPluginFramework* framework = preferences != nullptr ? preferences->Framework() : nullptr;
+    VantorixPluginFramework* framework = preferences->Framework();
     if (framework == nullptr || framework->AreDefaultsRegistered())
         return;
     const CFRef<CFMutableDictionaryRef> defaults = cf::MutableDictionary();
@@ -138,7 +138,7 @@ ErrorCode Settings::GetSettings(char* buffer, const size_t* bufferSize) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr || buffer == nullptr || bufferSize == nullptr)
+    if (!preferences->IsMade() || buffer == nullptr || bufferSize == nullptr)
         return CoreErrorCodes::kInvalidParam;
     BoundedText text(buffer, *bufferSize);
     bool isWhole = text.Append("{");
@@ -160,7 +160,7 @@ ErrorCode Settings::SetPreference(const char* key, const char* value) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr || key == nullptr || value == nullptr || !IsKnownKey(key))
+    if (!preferences->IsMade() || key == nullptr || value == nullptr || !IsKnownKey(key))
         return CoreErrorCodes::kInvalidParam;
     if (HoldsString(key)) {
         if (!preferences->SetStringPreference(key, value))

@@ -121,7 +121,7 @@ ErrorCode DoStartup(bool allowDialogs) {
     TellPanels(true);
     ChosenMessage message = nullptr;
     ErrorCode result = CheckHostAndFontManager(allowDialogs, message);
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface()) {
+    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface(); framework->IsMade()) {
         SetUpFramework(*framework, message);
         CheckFrameworkState(*framework, allowDialogs);
         CheckLoginAndWorkgroups(*framework, allowDialogs);
@@ -190,8 +190,7 @@ ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* ver
 
 ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
     isEnabled = false;
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    if (framework == nullptr || !framework->GetBoolPreference("EnablePlugin"))
+    if (!MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin"))
         return CoreErrorCodes::kUnknownError;
     const bool wasLoggedIn = MarquellGlobals::IsLoggedIn();
     if (MarquellGlobals::IsPluginFunctional()) {  // logged in, too
@@ -212,14 +211,22 @@ ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
 
 ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
     static GMutex startupLock;
-    LogMessage(1, "Entering %s(allowDialogs=%d)", kName, allowDialogs);
+    int earlierCalls = 0;
+    const TraceScope trace(
+        [&] {
+            if (earlierCalls > 0)
+                LogMessage(-1, "Early return from %s() because it has been called %d times", kName,
+                           earlierCalls);
+            else
+                LogMessage(-1, "Exiting %s()", kName);
+        },
+        "Entering %s(allowDialogs=%d)", kName, allowDialogs);
     const GScopedLock lock(startupLock);
     const int callCount = MarquellGlobals::CountStartup();
     // A lock that this thread holds already: the host called back from behind a start-up dialog.
     if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
-        LogMessage(-1, "Early return from %s() because it has been called %d times", kName, callCount);
+        earlierCalls = callCount;
         return PLUGINCORE_NOT_STARTED;
     }
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
     return DoStartup(allowDialogs);
 }

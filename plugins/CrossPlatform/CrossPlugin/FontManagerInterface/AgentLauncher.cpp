@@ -94,11 +94,14 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
 }  // namespace
 
 ErrorCode AgentLauncher::GetPathToRunningProcessExe(const std::string& name, std::string& folder) {
-    LogMessage(1, "Entering GetPathToRunningProcessExe('%s', ...)", name.c_str());
-    const ErrorCode result = FindRunningProcess(name, folder);
-    LogMessage(-1, "GetPathToRunningProcessExe('%s', '%s') returned %d", name.c_str(), folder.c_str(),
-               static_cast<int>(result));
-    return result;
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "GetPathToRunningProcessExe('%s', '%s') returned %d", name.c_str(), folder.c_str(),
+                       static_cast<int>(result));
+        },
+        "Entering GetPathToRunningProcessExe('%s', ...)", name.c_str());
+    return result = FindRunningProcess(name, folder);
 }
 
 std::string AgentLauncher::LaunchInfoValue(const std::string& content, const std::string& key) {
@@ -116,29 +119,28 @@ std::string AgentLauncher::LaunchInfoValue(const std::string& content, const std
 bool AgentLauncher::GetLaunchInfoFileValues(platform::KnownFolder folder, std::string& path,
                                             std::string& arguments) {
     constexpr char kName[] = "GetLaunchInfoFileValues";
-    LogMessage(1, "Entering %s", kName);
+    bool isFound = false;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %s", kName, isFound ? "success" : "fail"); },
+                           "Entering %s", kName);
     const std::string folderPath = platform::Current<platform::Folders>().PathOf(folder);
-    const bool isFound = !folderPath.empty() && ReadLaunchInfo(LaunchInfoPath(folderPath), path, arguments);
-    LogMessage(-1, "%s returning %s", kName, isFound ? "success" : "fail");
-    return isFound;
+    return isFound = !folderPath.empty() && ReadLaunchInfo(LaunchInfoPath(folderPath), path, arguments);
 }
 
 ErrorCode AgentLauncher::FindAndLaunchPellwick(std::string* folder) {
     constexpr char kName[] = "FindAndLaunchPellwick";
-    LogMessage(1, "Entering %s", kName);
+    ErrorCode result = GZephyrinConfig::kAgentNotFound;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, static_cast<int>(result)); },
+                           "Entering %s", kName);
     std::string path;
     std::string arguments;
     const bool isFound =
         GetLaunchInfoFileValues(platform::KnownFolder::kAllUsersApplicationData, path, arguments) ||
         GetLaunchInfoFileValues(platform::KnownFolder::kLocalApplicationData, path, arguments);
-    ErrorCode result = CoreErrorCodes::kSuccess;
-    if (isFound && Launch(path, arguments)) {
-        if (folder != nullptr)
-            *folder = platform::FolderPart(path);
-    } else {
+    if (!isFound || !Launch(path, arguments)) {
         LogMessage(0, "Could not launch Pellwick.exe");
-        result = GZephyrinConfig::kAgentNotFound;
+        return result;
     }
-    LogMessage(-1, "%s returning %d", kName, static_cast<int>(result));
-    return result;
+    if (folder != nullptr)
+        *folder = platform::FolderPart(path);
+    return result = CoreErrorCodes::kSuccess;
 }

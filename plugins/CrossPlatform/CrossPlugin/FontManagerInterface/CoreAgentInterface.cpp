@@ -7,6 +7,7 @@
 #include "MarquellGlobals.h"
 #include "NotificationProcessor.h"
 #include "NotificationQueue.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
@@ -30,30 +31,33 @@ void DisablePluginServices() {
 }
 
 void ShowMessageBox(MessageBoxStrings strings) {
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
-        framework->ShowMessageBox(strings);
+    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(strings);
 }
 
 }  // namespace
 
 int CoreAgentInterface::LaunchZephyrinAgentIfNeeded() {
-    LogMessage(1, "Entering CoreAgentInterface::LaunchZephyrinAgentIfNeeded");
-    const int result = AgentLauncher::FindAndLaunchPellwick(nullptr) == GZephyrinConfig::kAgentNotFound
-                           ? kRelaunchFoundNoAgent
-                           : kRelaunchSucceeded;
-    LogMessage(-1, "Exiting CoreAgentInterface::LaunchZephyrinAgentIfNeeded, returning %d", result);
-    return result;
+    int result = kRelaunchFailed;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting CoreAgentInterface::LaunchZephyrinAgentIfNeeded, returning %d", result);
+        },
+        "Entering CoreAgentInterface::LaunchZephyrinAgentIfNeeded");
+    const bool isFound = AgentLauncher::FindAndLaunchPellwick(nullptr) != GZephyrinConfig::kAgentNotFound;
+    return result = isFound ? kRelaunchSucceeded : kRelaunchFoundNoAgent;
 }
 
 int CoreAgentInterface::RelaunchZephyrinAgent() {
-    LogMessage(1, "Entering CoreAgentInterface::RelaunchZephyrinAgent");
-    const int result = LaunchZephyrinAgentIfNeeded();
+    int result = kRelaunchFailed;
+    const TraceScope trace(
+        [&] { LogMessage(-1, "Exiting CoreAgentInterface::RelaunchZephyrinAgent, returning %d", result); },
+        "Entering CoreAgentInterface::RelaunchZephyrinAgent");
+    result = LaunchZephyrinAgentIfNeeded();
     const auto reset = VPILoader::GetSharedInstance()->pfResetPluginFacadeInstance;
     if (result == kRelaunchSucceeded && reset != nullptr) {
         reset();
         OnAgentBack();
     }
-    LogMessage(-1, "Exiting CoreAgentInterface::RelaunchZephyrinAgent, returning %d", result);
     return result;
 }
 
@@ -81,11 +85,10 @@ bool CoreAgentInterface::RelaunchWithUserRetry() {
         }
         if (mIsQuitting)
             return false;
-        VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
         const MessageBoxStrings question = MarquellGlobals::HostAppIsAfterEffects()
                                                ? message_boxes::kRelaunchAgentFromExtension
                                                : message_boxes::kRelaunchAgent;
-        if (framework == nullptr || !framework->AskYesNo(question))
+        if (!MarquellGlobals::GetSharedVPFInterface()->AskYesNo(question))
             return false;
         HostPatience::Renew();
     }
@@ -203,8 +206,8 @@ bool CoreAgentInterface::Ask(uint32_t (*PluginFunctionTable::*function)(PluginFa
 }
 
 void CoreAgentInterface::InitializeCoreAgent() {
-    LogMessage(1, "Entering CoreAgentInterface::InitializeCoreAgent");
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting CoreAgentInterface::InitializeCoreAgent"); });
+    const TraceScope trace([] { LogMessage(-1, "Exiting CoreAgentInterface::InitializeCoreAgent"); },
+                           "Entering CoreAgentInterface::InitializeCoreAgent");
     if (!IsAgentProcessRunning())
         return;
     const ErrorCode code = InitializeSdk();

@@ -50,8 +50,7 @@ public:
     int RelaunchZephyrinAgent();
 
     [[nodiscard]] ErrorCode ActivateDocumentFontsByPath(const std::string& documentPath,
-                                                        const DocumentFontLists& lists,
-                                                        CFMutableArrayRef matchedFonts);
+                                                        const DocumentFontLists& lists);
     /// Activates the one font of the record.
     [[nodiscard]] ErrorCode ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
                                              CFMutableArrayRef matchedFonts);

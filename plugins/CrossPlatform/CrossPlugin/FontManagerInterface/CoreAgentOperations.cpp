@@ -10,38 +10,36 @@ constexpr int32_t kUnknownWorkgroupID = -1;
 }  // namespace
 
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
-                                                          const DocumentFontLists& lists,
-                                                          CFMutableArrayRef matchedFonts) {
+                                                          const DocumentFontLists& lists) {
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
-    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentPath.c_str());
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., '%s', ...)", kName,
+                           documentPath.c_str());
     const CFRef<CFStringRef> path = cf::String(documentPath);
-    const ErrorCode code =
-        Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
-             matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
-    mHasActivatedFonts = true;  // perhaps even when it failed
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    mHasActivatedFonts = true;  // perhaps even when it fails
+    return code = Call(&PluginFunctionTable::pfActivateDocumentFontsByPath, path.get(), lists.requestedFonts,
+                       lists.matchedFonts, lists.unmatchedFonts, lists.reportedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
                                                CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateFontByID";
-    LogMessage(1, "Entering %s(..., '%s', ...)", kName, documentIdentifier.c_str());
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(..., '%s', ...)", kName,
+                           documentIdentifier.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
-    const ErrorCode code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    return code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                                 CFMutableArrayRef matchedFonts) {
     constexpr char kName[] = "CoreAgentInterface::ActivateFontsByID";
-    LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
-               static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
-    const ErrorCode code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
-    LogMessage(-1, "%s() returning %d", kName, static_cast<int>(code));
-    return code;
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code),
+                           "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
+                           static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
+    return code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
@@ -54,11 +52,11 @@ ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::strin
 
 ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,
                                               CFMutableArrayRef deactivatedFonts) {
-    LogMessage(1, "Entering CoreAgentInterface::DeactivateFonts(CFArrayGetCount(fonts)=%d, ...)",
-               static_cast<int>(cf::Count(fonts)));
-    const ErrorCode code = Call(&PluginFunctionTable::pfDeactivateFonts, fonts, context, deactivatedFonts);
-    LogMessage(-1, "CoreAgentInterface::DeactivateFonts() returning %d", static_cast<int>(code));
-    return code;
+    constexpr char kName[] = "CoreAgentInterface::DeactivateFonts";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s(CFArrayGetCount(fonts)=%d, ...)", kName,
+                           static_cast<int>(cf::Count(fonts)));
+    return code = Call(&PluginFunctionTable::pfDeactivateFonts, fonts, context, deactivatedFonts);
 }
 
 ErrorCode CoreAgentInterface::GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
@@ -113,15 +111,12 @@ ErrorCode CoreAgentInterface::CollectFontsUsedByCurrentDocument(const std::strin
                                                                 CFArrayRef fonts,
                                                                 const CollectingProgress& progress) {
     const auto count = static_cast<int>(cf::Count(fonts));
-    LogMessage(1,
-               "Entering CoreAgentInterface::CollectFontsUsedByCurrentDocument('%s', '%s', fontInfo array "
-               "length=%d)",
-               documentPath.c_str(), destinationFolder.c_str(), count);
-    const ErrorCode code =
-        count > 0 ? CollectFonts(destinationFolder, fonts, progress) : MakeEmptyFolder(destinationFolder);
-    LogMessage(-1, "CoreAgentInterface::CollectFontsUsedByCurrentDocument() returning %d",
-               static_cast<int>(code));
-    return code;
+    constexpr char kName[] = "CoreAgentInterface::CollectFontsUsedByCurrentDocument";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ReturningCode(kName, code), "Entering %s('%s', '%s', fontInfo array length=%d)",
+                           kName, documentPath.c_str(), destinationFolder.c_str(), count);
+    return code = count > 0 ? CollectFonts(destinationFolder, fonts, progress)
+                            : MakeEmptyFolder(destinationFolder);
 }
 
 // Font by font, so that the user sees how far it has come and can stop it.
@@ -129,14 +124,15 @@ ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder,
                                            const CollectingProgress& progress) {
     const CFRef<CFStringRef> folder = cf::String(destinationFolder);
     const auto count = static_cast<int>(cf::Count(fonts));
+    int done = 0;
     ErrorCode result = CoreErrorCodes::kSuccess;
-    for (int index = 0; index < count; ++index) {
-        if (!progress(index, count))
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        if (!progress(done++, count))
             return GZephyrinExportFonts::kTaskStopped;
         HostPatience::Renew();  // there is a bar to look at
-        const CFRef<CFMutableArrayRef> font = cf::MutableArray();
-        cf::Append(font, cf::Get<CFDictionaryRef>(fonts, index));
-        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, font.get(), folder.get(), nullptr);
+        const CFRef<CFMutableArrayRef> one = cf::MutableArray();
+        cf::Append(one, font);
+        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, one.get(), folder.get(), nullptr);
         if (result == CoreErrorCodes::kSuccess)
             result = code;
         if (code != CoreErrorCodes::kSuccess && code != GZephyrinExportFonts::kFontUnavailableToExport)
@@ -164,8 +160,8 @@ ErrorCode CoreAgentInterface::CreateTopLevelSet(const std::string& name, int32_t
 
 ErrorCode CoreAgentInterface::AddFontsToSet(CFArrayRef fonts, int32_t setID) {
     const CFRef<CFMutableArrayRef> fontIDs = cf::MutableArray();
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        if (const auto id = cf::GetInt64(cf::Get<CFDictionaryRef>(fonts, index), kGS_DatabaseIDKey))
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        if (const auto id = cf::GetInt64(font, kGS_DatabaseIDKey))
             cf::Append(fontIDs, *id);
     }
     const CFRef<CFMutableArrayRef> setIDs = cf::MutableArray();
@@ -214,15 +210,17 @@ int32_t CoreAgentInterface::GetSystemWorkgroupID() {
 
 ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& filter,
                                                       std::vector<Workgroup>& workgroups) {
-    LogMessage(1,
-               "Entering CoreAgentInterface::GetAllWorkgroupsForUser(..., includeAllWorkgroup=%d, "
-               "includeSystemWorkgroup=%d, includeTypekitLibrary=%d)",
-               filter.includeAllWorkgroup, filter.includeSystemWorkgroup, filter.includeTypekitLibrary);
+    constexpr char kName[] = "CoreAgentInterface::GetAllWorkgroupsForUser";
+    ErrorCode code = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(
+        ReturningCode(kName, code),
+        "Entering %s(..., includeAllWorkgroup=%d, includeSystemWorkgroup=%d, includeTypekitLibrary=%d)",
+        kName, filter.includeAllWorkgroup, filter.includeSystemWorkgroup, filter.includeTypekitLibrary);
     const CFRef<CFMutableArrayRef> records = cf::MutableArray();
-    const ErrorCode code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
+    code = Call(&PluginFunctionTable::pfGetAllWorkgroupsForUser, records.get());
     LogMessage(0, "%d workgroups found", static_cast<int>(cf::Count(records.get())));
-    for (CFIndex index = 0; index < cf::Count(records.get()); ++index) {
-        Workgroup workgroup = WorkgroupFromRecord(cf::Get<CFDictionaryRef>(records.get(), index));
+    for (const CFDictionaryRef record : cf::Elements<CFDictionaryRef>(records.get())) {
+        Workgroup workgroup = WorkgroupFromRecord(record);
         if ((workgroup.type == kWorkgroupType_All && !filter.includeAllWorkgroup) ||
             (workgroup.type == kWorkgroupType_System && !filter.includeSystemWorkgroup) ||
             (workgroup.type == kWorkgroupType_TypekitLibrary && !filter.includeTypekitLibrary))
@@ -230,6 +228,5 @@ ErrorCode CoreAgentInterface::GetAllWorkgroupsForUser(const WorkgroupFilter& fil
         LogMessage(0, "Adding '%s' to user's workgroup list.", workgroup.name.c_str());
         workgroups.push_back(std::move(workgroup));
     }
-    LogMessage(-1, "CoreAgentInterface::GetAllWorkgroupsForUser() returning %d", static_cast<int>(code));
     return code;
 }

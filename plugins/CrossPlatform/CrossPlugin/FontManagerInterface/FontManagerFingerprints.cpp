@@ -71,18 +71,17 @@ bool IsBetter(CFDictionaryRef left, CFDictionaryRef right) {
 std::vector<FontManagerInterface::Fingerprint> FontManagerInterface::GetGlyphscanDataForFontName(
     const std::string& name, int32_t workgroupID) {
     constexpr char kName[] = "FontManagerInterface::GetGlyphscanDataForFontName";
-    LogMessage(1, "Entering %s('%s', workgroupID=%d, ...)", kName, name.c_str(), workgroupID);
     std::vector<Fingerprint> fingerprints;
-    const ScopeExit exitLine(
-        [&] { LogMessage(-1, "%s() returning %d match(es)", kName, static_cast<int>(fingerprints.size())); });
+    const TraceScope trace(
+        [&] { LogMessage(-1, "%s() returning %d match(es)", kName, static_cast<int>(fingerprints.size())); },
+        "Entering %s('%s', workgroupID=%d, ...)", kName, name.c_str(), workgroupID);
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     CoreAgentInterface* const agent = sm_pFontManager;  // a dialog may outlast it
     if (agent == nullptr ||
         agent->GetFontsByPostscriptName(name, workgroupID, fonts.get()) != CoreErrorCodes::kSuccess)
         return fingerprints;
     const bool isStandalone = agent->IsRunningStandalone();
-    for (CFIndex index = 0; index < cf::Count(fonts.get()); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(fonts.get(), index);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts.get())) {
         if (isStandalone && IsRemote(font)) {
             LogMessage(0,
                        "Excluding version with checksum %d because it's remote and we're running standalone.",
@@ -111,8 +110,14 @@ CFRef<CFDictionaryRef> FontManagerInterface::FingerprintOf(CoreAgentInterface& a
 }
 
 CFRef<CFArrayRef> FontManagerInterface::GetGlyphscanData(const std::string& name, int32_t workgroupID) {
-    LogMessage(1, "Entering GetGlyphscanData('%s', workgroupID=%d)", name.c_str(), workgroupID);
-    std::vector<Fingerprint> fingerprints = GetGlyphscanDataForFontName(name, workgroupID);
+    std::vector<Fingerprint> fingerprints;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting GetGlyphscanData with data for %d match(es).",
+                       static_cast<int>(fingerprints.size()));
+        },
+        "Entering GetGlyphscanData('%s', workgroupID=%d)", name.c_str(), workgroupID);
+    fingerprints = GetGlyphscanDataForFontName(name, workgroupID);
     LogMessage(0, "...Sorting a %d-element array of Glyphscan data for '%s'.",
                static_cast<int>(fingerprints.size()), name.c_str());
     // By insertion: the comparison is not transitive for versions that cannot be read, which std::sort may
@@ -126,7 +131,5 @@ CFRef<CFArrayRef> FontManagerInterface::GetGlyphscanData(const std::string& name
     const CFRef<CFMutableArrayRef> data = cf::MutableArray();
     for (const Fingerprint& fingerprint : fingerprints)
         cf::Append(data, fingerprint.data);
-    LogMessage(-1, "Exiting GetGlyphscanData with data for %d match(es).",
-               static_cast<int>(fingerprints.size()));
     return data;
 }

@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "MarquellGlobals.h"
+#include "NoDestructor.h"
 #include "NotificationQueue.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
 #include "platform/Clock.h"
@@ -38,21 +40,24 @@ std::string FontManagerInterface::StringValueFromVersionResourceCopy(const char*
 }
 
 FontManagerInterface& FontManagerInterface::GetSharedInstance() {
-    static FontManagerInterface& shared =
-        *std::unique_ptr<FontManagerInterface>(new FontManagerInterface).release();  // lives to process end
-    return shared;
+    static NoDestructor<FontManagerInterface> shared;
+    return *shared;
 }
 
 bool FontManagerInterface::CompatibleFontManagerIsRunning() {
-    LogMessage(1,
-               "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
-               TraceAddress(sm_pFontManager));
+    bool result = false;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d",
+                       result);
+        },
+        "Entering FontManagerInterface::CompatibleFontManagerIsRunning(); sm_pFontManager is 0x%08x",
+        TraceAddress(sm_pFontManager));
     const bool isNew = CreateFontManager();
-    const bool result = sm_pFontManager != nullptr;
+    result = sm_pFontManager != nullptr;
     // Not under the lock: messages may show, behind which the host may quit.
     if (isNew && result)
         sm_pFontManager->InitializeCoreAgent();
-    LogMessage(-1, "Exiting FontManagerInterface::CompatibleFontManagerIsRunning(); return code %d", result);
     return result;
 }
 
@@ -85,9 +90,8 @@ bool FontManagerInterface::CreateFontManager() {
 }
 
 bool FontManagerInterface::IsUsable() {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return sm_pFontManager && MarquellGlobals::IsPluginFunctional() && preferences != nullptr &&
-           preferences->GetBoolPreference("EnablePlugin");
+    return sm_pFontManager != nullptr && MarquellGlobals::IsPluginFunctional() &&
+           MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin");
 }
 
 void FontManagerInterface::OnUserAction() {
@@ -143,8 +147,8 @@ void FontManagerInterface::OnHostAppShuttingDown() {
         return;
     }
     const ScopeExit release([this] { ReleaseFontManager(); });
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences != nullptr && preferences->GetBoolPreference("CloseFontsOnHostAppQuit") && IsLoggedIn())
+    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("CloseFontsOnHostAppQuit") &&
+        IsLoggedIn())
         MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
 }
 
@@ -164,11 +168,10 @@ bool FontManagerInterface::IsLoggedIn() {
 }
 
 ErrorCode FontManagerInterface::ActivateDocumentFonts(const std::string& documentPath,
-                                                      const DocumentFontLists& lists,
-                                                      CFMutableArrayRef matchedFonts) {
+                                                      const DocumentFontLists& lists) {
     // In this order: one of the fonts may be among those that are still to be let go of.
     return CatchUp() && sm_pFontManager  // a question may show behind which the host quits
-               ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists, matchedFonts)
+               ? sm_pFontManager->ActivateDocumentFontsByPath(documentPath, lists)
                : kErrorMarquellNotRunning;
 }
 
@@ -219,10 +222,15 @@ bool FontManagerInterface::SaveDocumentFonts(const std::string& documentPath, bo
 bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath) {
     constexpr char kPrompt[] =
         "Choose the destination for collecting fonts.  Collected fonts will be placed in a sub-folder there.";
-    LogMessage(1, "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
+    bool isChosen = false;
+    const TraceScope trace(
+        [&] {
+            LogMessage(-1, "Exiting ShowSaveFolderDialog, returning %d, with inOutSavePath = \"%s\"",
+                       isChosen, inOutSavePath.c_str());
+        },
+        "Entering ShowSaveFolderDialog(..., initial path \"%s\")", initialPath.c_str());
     std::string folder;
-    bool isChosen = framework != nullptr && framework->ChooseFolder(kPrompt, initialPath, folder);
+    isChosen = MarquellGlobals::GetSharedVPFInterface()->ChooseFolder(kPrompt, initialPath, folder);
     if (!isChosen) {
         LogMessage(0, "SHBrowseForFolder returned NULL.  Hopefully that means the user cancelled.");
     } else if (folder.empty()) {
@@ -231,7 +239,5 @@ bool FontManagerInterface::ShowSaveFolderDialog(const std::string& initialPath, 
     } else {
         inOutSavePath = folder;
     }
-    LogMessage(-1, "Exiting ShowSaveFolderDialog, returning %d, with inOutSavePath = \"%s\"", isChosen,
-               inOutSavePath.c_str());
     return isChosen;
 }

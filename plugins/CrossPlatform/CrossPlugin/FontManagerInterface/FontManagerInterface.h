@@ -9,6 +9,7 @@
 #include "CoreAgentInterface.h"
 #include "FontManagerAccess.h"
 #include "GMutex.h"
+#include "NoDestructor.h"
 
 /// One process-wide object. Main thread; the creation and the shutting down of the font-manager object are
 /// locked.
@@ -86,8 +87,7 @@ public:
     bool IsRunning() override { return sm_pFontManager != nullptr && sm_pFontManager->IsReachable(); }
     bool IsBatchMode() override { return true; }
     bool IsLoggedIn() override;
-    ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists,
-                                    CFMutableArrayRef matchedFonts) override;
+    ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists) override;
     ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                 CFMutableArrayRef matchedFonts) override;
     PluginActivationStates GetPluginActivationStates(const std::vector<uint32_t>& databaseIDs) override;
@@ -97,6 +97,7 @@ public:
     bool SaveDocumentFonts(const std::string& documentPath, bool replace, CFStringRef hint) override;
 
 private:
+    friend class NoDestructor<FontManagerInterface>;
     FontManagerInterface() = default;
 
     /// True when it made the font-manager object.

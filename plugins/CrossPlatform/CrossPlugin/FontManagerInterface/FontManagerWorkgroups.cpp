@@ -4,6 +4,7 @@
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
@@ -30,8 +31,6 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
         return;
     }
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (preferences == nullptr)
-        return;
     LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
     if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
         !preferences->GetBoolPreference("EnablePlugin"))
@@ -57,12 +56,10 @@ void FontManagerInterface::HandleSelectWorkgroup() {
                    "already being displayed!");
         return;
     }
-    LogMessage(1, "Entering FontManagerInterface::HandleSelectWorkgroup");
+    const TraceScope trace([] { LogMessage(-1, "Exiting FontManagerInterface::HandleSelectWorkgroup"); },
+                           "Entering FontManagerInterface::HandleSelectWorkgroup");
     mIsSelectWorkgroupDialogShowing = true;
-    const ScopeExit exitLine([this] {
-        mIsSelectWorkgroupDialogShowing = false;
-        LogMessage(-1, "Exiting FontManagerInterface::HandleSelectWorkgroup");
-    });
+    const ScopeExit done([this] { mIsSelectWorkgroupDialogShowing = false; });
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
     if (const auto chosen = ChooseWorkgroup())
@@ -72,7 +69,7 @@ void FontManagerInterface::HandleSelectWorkgroup() {
 std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
-    if (framework == nullptr || workgroups.empty())
+    if (workgroups.empty())
         return std::nullopt;
     const int64_t lastTime = framework->GetIntPreference(kCurrentWorkgroup);
     if (lastTime != 0 && std::in_range<int32_t>(lastTime) &&
@@ -88,8 +85,7 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
 
 void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
-    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
-        preferences->SetIntPreference(kCurrentWorkgroup, workgroupID);
+    MarquellGlobals::GetSharedVPFInterface()->SetIntPreference(kCurrentWorkgroup, workgroupID);
     // They are off while there is no workgroup to work in; for other reasons they stay off.
     if (!MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore() &&
         MarquellGlobals::IsLoggedIn())
@@ -146,36 +142,41 @@ bool FontManagerInterface::IsWorkgroupAvailable() {
 
 bool FontManagerInterface::IsValidWorkgroupForUser(int32_t workgroupID) {
     constexpr char kName[] = "FontManagerInterface::IsValidWorkgroupForUser";
-    LogMessage(1, "Entering %s(workgroupID=%d)", kName, workgroupID);
-    const bool isValid = Holds(WorkgroupsToChooseFrom(), workgroupID);
-    LogMessage(-1, "%s returning %d", kName, isValid);
-    return isValid;
+    bool isValid = false;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, isValid); },
+                           "Entering %s(workgroupID=%d)", kName, workgroupID);
+    return isValid = Holds(WorkgroupsToChooseFrom(), workgroupID);
 }
 
 std::string FontManagerInterface::FindWorkgroupIDGetName(int32_t inWorkgroupID,
                                                          const std::vector<Workgroup>& workgroups) {
     constexpr char kName[] = "FontManagerInterface::FindWorkgroupIDGetName";
-    LogMessage(1, "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
+    bool isFound = false;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, isFound); },
+                           "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
     const auto found = std::find_if(workgroups.begin(), workgroups.end(),
                                     [=](const Workgroup& each) { return each.id == inWorkgroupID; });
-    const bool isFound = found != workgroups.end();
-    LogMessage(-1, "%s returning %d", kName, isFound);
+    isFound = found != workgroups.end();
     return isFound ? found->name : std::string();
 }
 
 std::string FontManagerInterface::GetWorkgroupNameFromID(int32_t inWorkgroupID) {
     constexpr char kName[] = "FontManagerInterface::GetWorkgroupNameFromID";
-    LogMessage(1, "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
-    const std::string name = FindWorkgroupIDGetName(inWorkgroupID, WorkgroupsToChooseFrom());
-    LogMessage(-1, "%s returning %d", kName, !name.empty());
+    bool isFound = false;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, isFound); },
+                           "Entering %s(inWorkgroupID=%d)", kName, inWorkgroupID);
+    std::string name = FindWorkgroupIDGetName(inWorkgroupID, WorkgroupsToChooseFrom());
+    isFound = !name.empty();
     return name;
 }
 
 void FontManagerInterface::AddWorkgroupNamesToFonts(CFMutableArrayRef fonts) {
     constexpr char kName[] = "FontManagerInterface::AddWorkgroupNamesToFonts";
-    LogMessage(1, "Entering %s(CFArrayGetCount(fonts)=%d)", kName, static_cast<int>(cf::Count(fonts)));
-    const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
     int named = 0;
+    const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, named); },
+                           "Entering %s(CFArrayGetCount(fonts)=%d)", kName,
+                           static_cast<int>(cf::Count(fonts)));
+    const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
     for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
         const auto font = cf::Get<CFDictionaryRef>(fonts, index);
         const auto workgroupID = cf::GetInt64(font, kGS_WorkgroupIDKey);
@@ -189,5 +190,4 @@ void FontManagerInterface::AddWorkgroupNamesToFonts(CFMutableArrayRef fonts) {
         CFArraySetValueAtIndex(fonts, index, copy.get());
         ++named;
     }
-    LogMessage(-1, "%s returning %d", kName, named);
 }

@@ -1,11 +1,12 @@
 #include "NotificationProcessor.h"
 
 #include <array>
-#include <memory>
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "NoDestructor.h"
 #include "NotificationQueue.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
@@ -20,8 +21,7 @@ int FontID(const PluginNotification& notification) {
 }
 
 void ShowMessageBox(MessageBoxStrings strings) {
-    if (VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface())
-        framework->ShowMessageBox(strings);
+    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(strings);
 }
 
 void RefreshWorkgroups() {
@@ -126,8 +126,8 @@ bool ConcernsPanels(std::string_view name) {
 }  // namespace
 
 NotificationProcessor& NotificationProcessor::GetSharedInstance() {
-    static NotificationProcessor& shared = *std::make_unique<NotificationProcessor>().release();
-    return shared;
+    static NoDestructor<NotificationProcessor> shared;
+    return *shared;
 }
 
 ErrorCode NotificationProcessor::ProcessNotifications() {

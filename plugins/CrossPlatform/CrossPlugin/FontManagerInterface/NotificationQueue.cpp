@@ -1,8 +1,8 @@
 #include "NotificationQueue.h"
 
 #include <array>
-#include <memory>
 
+#include "NoDestructor.h"
 #include "TarnwickPluginInterface.h"
 #include "TraceLog.h"
 
@@ -113,8 +113,8 @@ ErrorCode Post(int32_t callbackType, const void* pCallbackData) {
 }  // namespace
 
 NotificationQueue& NotificationQueue::GetSharedInstance() {
-    static NotificationQueue& shared = *std::make_unique<NotificationQueue>().release();
-    return shared;
+    static NoDestructor<NotificationQueue> shared;
+    return *shared;
 }
 
 void NotificationQueue::Open() {

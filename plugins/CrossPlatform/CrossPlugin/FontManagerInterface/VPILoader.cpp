@@ -50,11 +50,14 @@ VPILoader* VPILoader::sm_pSharedInstance = nullptr;
 VPILoader* VPILoader::GetSharedInstance() {
     if (sm_pSharedInstance != nullptr)
         return sm_pSharedInstance;
-    LogMessage(1, "Entering first call to VPILoader::GetSharedInstance()");
+    const TraceScope trace(
+        [] {
+            LogMessage(-1, "Exiting first call to VPILoader::GetSharedInstance(); sSharedInstance=0x%08x",
+                       TraceAddress(sm_pSharedInstance));
+        },
+        "Entering first call to VPILoader::GetSharedInstance()");
     sm_pSharedInstance = std::unique_ptr<VPILoader>(new VPILoader).release();  // lives to process end
     sm_pSharedInstance->FindAndLoad();
-    LogMessage(-1, "Exiting first call to VPILoader::GetSharedInstance(); sSharedInstance=0x%08x",
-               TraceAddress(sm_pSharedInstance));
     return sm_pSharedInstance;
 }
 

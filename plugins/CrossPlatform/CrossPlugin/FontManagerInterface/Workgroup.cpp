@@ -36,10 +36,9 @@ uint32_t StringIDFor(int32_t type, const std::string& agentName) {
 
 std::string WorkgroupDisplayName(int32_t type, const std::string& agentName) {
     const uint32_t stringID = StringIDFor(type, agentName);
-    VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     std::string name;
-    if (stringID != 0 && framework != nullptr)
-        name = framework->LocalizedString(stringID);
+    if (stringID != 0)
+        name = MarquellGlobals::GetSharedVPFInterface()->LocalizedString(stringID);
     return name.empty() ? agentName : name;
 }
 

@@ -7,6 +7,7 @@
 #include "FailureReport.h"
 #include "FontID.h"
 #include "PanelMessages.h"
+#include "ScopeExit.h"
 #include "TarnwickPluginInterface.h"
 #include "TraceLog.h"
 #include "platform/Files.h"

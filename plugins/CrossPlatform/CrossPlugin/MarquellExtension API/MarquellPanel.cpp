@@ -60,8 +60,7 @@ void MarquellPanel::Close() {
 
 ErrorCode MarquellPanel::CallMethodForMessage(const std::string& message) {
     static constexpr char kName[] = "MarquellPanel::CallMethodForMessage";
-    LogMessage(1, "Entering %s()", kName);
-    const ScopeExit exitLine([] { LogMessage(-1, "Exiting %s()", kName); });
+    const TraceScope trace([] { LogMessage(-1, "Exiting %s()", kName); }, "Entering %s()", kName);
     if (mIsClosed) {
         LogMessage(0, "Dropping a request of a panel: the host has quit");
         return CoreErrorCodes::kNotInitialized;

@@ -6,6 +6,7 @@
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
 #include "PanelMessages.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 
 using namespace panel_messages;

@@ -9,6 +9,7 @@
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
 #include "PanelMessages.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Files.h"
 
@@ -24,24 +25,20 @@ constexpr char kDropDownSavesPreference[] = "DropDownSelectionSavesSmartLists";
 constexpr char kWebFontsEverEnabledPreference[] = "GWFHaveEverBeenEnabled";
 
 int64_t IntPreference(const char* key) {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return preferences != nullptr ? preferences->GetIntPreference(key) : 0;
+    return MarquellGlobals::GetSharedVPFInterface()->GetIntPreference(key);
 }
 
 bool BoolPreference(const char* key) {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return preferences != nullptr && preferences->GetBoolPreference(key);
+    return MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(key);
 }
 
 // A preference that cannot be stored was logged by the framework; the panel has no use for it.
 void StoreInt(const char* key, int64_t value) {
-    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
-        static_cast<void>(preferences->SetIntPreference(key, value));
+    static_cast<void>(MarquellGlobals::GetSharedVPFInterface()->SetIntPreference(key, value));
 }
 
 void StoreBool(const char* key, bool value) {
-    if (VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface())
-        static_cast<void>(preferences->SetBoolPreference(key, value));
+    static_cast<void>(MarquellGlobals::GetSharedVPFInterface()->SetBoolPreference(key, value));
 }
 
 ErrorCode EnableWebFonts() {

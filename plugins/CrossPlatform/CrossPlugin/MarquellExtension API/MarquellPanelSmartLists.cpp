@@ -1,8 +1,8 @@
 // The panel's requests about smart lists and their fonts.
 
+#include <CoreFoundation++/Base64.h>
 #include <CoreFoundation++/CFRef.h>
 
-#include "Base64.h"
 #include "FailureReport.h"
 #include "FontManagerCall.h"
 #include "MarquellPanel.h"
@@ -47,6 +47,15 @@ std::string FontListLine(CFDictionaryRef font) {
            Column(cf::GetString(font, kGS_PostScriptNameKey)) + "\t" + Column(displayName) + "\t" +
            (FontActivationStateCountsAsActive(state) ? "1" : "0") + "\t" + SourceWord(font) + "\t" +
            std::to_string(cf::GetInt64(font, kGS_WorkgroupIDKey).value_or(0)) + "\n";
+}
+
+/// Base64 in lines of 76 characters with line feeds between them, as mail has it (RFC 2045, 6.8).
+std::string Base64Lines(std::string_view bytes) {
+    constexpr size_t kLineLength = 76;
+    std::string text = cf::EncodeBase64(bytes);
+    for (size_t end = kLineLength; end < text.size(); end += kLineLength + 1)
+        text.insert(end, 1, '\n');
+    return text;
 }
 
 }  // namespace
@@ -190,9 +199,7 @@ ErrorCode MarquellPanel::GetPanelSmartListTree(const JSONValue& request) {
     int32_t smartListID = 0;
     CFRef<CFDictionaryRef> list;
     RETURN_IF_FAILED(ReadSmartList(request, smartListID, list));
-    std::string listDefinition = Base64Lines(cf::GetString(list.get(), kGS_ListDefinitionKey));
-    if (!listDefinition.empty())
-        listDefinition.pop_back();  // the line feed at its end
+    const std::string listDefinition = Base64Lines(cf::GetString(list.get(), kGS_ListDefinitionKey));
     JSONObject document;
     JSONValue root = NewMessage(document);
     JSONValue jsonValue;

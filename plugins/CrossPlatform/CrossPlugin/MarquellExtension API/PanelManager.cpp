@@ -8,7 +8,9 @@
 #include "FailureReport.h"
 #include "FontID.h"
 #include "HTMLPanel.h"
+#include "NoDestructor.h"
 #include "PluginNotifications.h"
+#include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
 
@@ -102,8 +104,8 @@ constexpr std::array<Forward, 21> kForwards{
 }  // namespace
 
 PanelManager& PanelManager::GetSharedInstance() {
-    static PanelManager& shared = *std::make_unique<PanelManager>().release();
-    return shared;
+    static NoDestructor<PanelManager> shared;
+    return *shared;
 }
 
 ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {

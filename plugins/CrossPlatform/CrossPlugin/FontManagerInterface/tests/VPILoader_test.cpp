@@ -95,7 +95,7 @@ protected:
         FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
         EXPECT_FALSE(fontManager.CompatibleFontManagerIsRunning());
         EXPECT_EQ(fontManager.GetFontManager(), nullptr);
-        EXPECT_EQ(fontManager.ActivateDocumentFonts("/a.ai", {}, nullptr), kErrorMarquellNotRunning);
+        EXPECT_EQ(fontManager.ActivateDocumentFonts("/a.ai", {}), kErrorMarquellNotRunning);
         EXPECT_FALSE(fontManager.IsLoggedIn());
         SetLogFile("host.log");
     }

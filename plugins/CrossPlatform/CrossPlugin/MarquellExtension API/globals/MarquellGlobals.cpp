@@ -1,6 +1,7 @@
 #include "MarquellGlobals.h"
 
 #include "FontManagerAccess.h"
+#include "NoDestructor.h"
 #include "PluginIdentity.h"
 #include "TraceLog.h"
 
@@ -30,10 +31,15 @@ struct State {
     std::unique_ptr<HostAppInterface> hostApp;
 };
 
-/// Lives to process end: nothing is torn down behind the host's back.
 State& Globals() {
-    static auto* state = new State;
+    static NoDestructor<State> state;
     return *state;
+}
+
+/// Stands for the interface that could not be made.
+VPFInterface& NoInterface() {
+    static NoDestructor<VPFInterface> none;
+    return *none;
 }
 
 std::unique_ptr<VPFInterface> MakeInterface(const State& globals) {
@@ -71,9 +77,9 @@ void IdentifyPluginInterfaceVersion(const std::string& version) {
 }
 
 void IdentifyPluginVersion(const std::string& version) {
-    LogMessage(1, "Entering IdentifyPluginVersion('%s')", version.c_str());
+    const TraceScope trace([] { LogMessage(-1, "Exiting IdentifyPluginVersion()"); },
+                           "Entering IdentifyPluginVersion('%s')", version.c_str());
     Globals().pluginVersion = version;
-    LogMessage(-1, "Exiting IdentifyPluginVersion()");
 }
 
 }  // namespace
@@ -228,7 +234,7 @@ VPFInterface* GetSharedVPFInterface() {
             LogMessage(0, "ERROR: sHostApp is NULL in %s()", "MarquellGlobals::GetSharedVPFInterface");
         globals.vpfInterface = MakeInterface(globals);
     }
-    return globals.vpfInterface.get();
+    return globals.vpfInterface ? globals.vpfInterface.get() : &NoInterface();
 }
 
 FontActivationTracker* GetSharedFontActivationTracker() {
@@ -247,30 +253,35 @@ void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp) {
 
 bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint) {
     constexpr char kName[] = "MarquellGlobals::SaveDocumentFonts";
-    LogMessage(1, "Entering %s (path=%s, hint=0x%08x)", kName, path.c_str(), TraceAddress(hint));
+    std::optional<bool> success;
+    const TraceScope trace(
+        [&] {
+            if (success)
+                LogMessage(-1, "Exiting %s success=%d", kName, *success);
+            else
+                LogMessage(-1, "Exiting %s not valid, not enabled, or not logged in", kName);
+        },
+        "Entering %s (path=%s, hint=0x%08x)", kName, path.c_str(), TraceAddress(hint));
     if (HostAppInterface* hostApp = GetSharedHostAppInterface())
         hostApp->ShowProgressHint("...SaveDocumentFonts() hint");
     VPFInterface* preferences = GetSharedVPFInterface();
     FontManagerAccess* fontManager = GetFontManagerAccess();
-    if (preferences == nullptr || !IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") ||
-        fontManager == nullptr || !fontManager->IsLoggedIn()) {
-        LogMessage(-1, "Exiting %s not valid, not enabled, or not logged in", kName);
+    if (!IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") || fontManager == nullptr ||
+        !fontManager->IsLoggedIn())
         return false;
-    }
     LogMessage(0, "Calling VPI SaveDocumentFonts");
-    const bool success = fontManager->SaveDocumentFonts(path, replace, hint);
-    LogMessage(-1, "Exiting %s success=%d", kName, success);
-    return success;
+    success = false;
+    success = fontManager->SaveDocumentFonts(path, replace, hint);
+    return *success;
 }
 
 void RefreshActiveFontList(void (*callback)(void*), void* context) {
-    constexpr char kName[] = "MarquellGlobals::RefreshActiveFontList";
-    LogMessage(1, "Entering %s", kName);
+    static constexpr char kName[] = "MarquellGlobals::RefreshActiveFontList";
+    const TraceScope trace([] { LogMessage(-1, "Exiting %s", kName); }, "Entering %s", kName);
     if (callback != nullptr) {
         callback(context);
         callback(context);  // hosts miss the first one
     }
-    LogMessage(-1, "Exiting %s", kName);
 }
 
 void ResetForTesting() {

@@ -67,7 +67,7 @@ int32_t CountStartup();
 
 // ---- Shared objects, made on first use, living to process end.
 
-/// Null when it cannot be made.
+/// Never null. One that could not be made answers like one without a framework, in the state kNotMade.
 VPFInterface* GetSharedVPFInterface();
 FontActivationTracker* GetSharedFontActivationTracker();
 /// Null until one was set.

@@ -95,103 +95,98 @@ VPFInterface::FrameworkState VPFInterface::BindFramework(const Identity& identit
 }
 
 bool VPFInterface::GetBoolPreference(const char* key) {
-    return mFramework != nullptr && mFramework->GetBoolPreference(key);
+    return Call(&VantorixPluginFramework::GetBoolPreference, key);
 }
 
 int64_t VPFInterface::GetIntPreference(const char* key) {
-    return mFramework != nullptr ? mFramework->GetIntPreference(key) : 0;
+    return Call(&VantorixPluginFramework::GetIntPreference, key);
 }
 
 std::string VPFInterface::GetStringPreference(const char* key) {
-    return mFramework != nullptr ? cf::ToUtf8(AdoptCF(mFramework->CopyStringPreference(key)).get())
-                                 : std::string();
+    return cf::ToUtf8(AdoptCF(Call(&VantorixPluginFramework::CopyStringPreference, key)).get());
 }
 
 bool VPFInterface::SetBoolPreference(const char* key, bool value) {
-    return mFramework != nullptr && mFramework->SetBoolPreference(key, value);
+    return Call(&VantorixPluginFramework::SetBoolPreference, key, value);
 }
 
 bool VPFInterface::SetIntPreference(const char* key, int64_t value) {
-    return mFramework != nullptr && mFramework->SetIntPreference(key, value);
+    return Call(&VantorixPluginFramework::SetIntPreference, key, value);
 }
 
 bool VPFInterface::SetStringPreference(const char* key, const std::string& value) {
     const CFRef<CFStringRef> text = cf::String(value);
-    return mFramework != nullptr && text && mFramework->SetStringPreference(key, text.get());
+    return text && Call(&VantorixPluginFramework::SetStringPreference, key, text.get());
 }
 
 std::string VPFInterface::LocalizedString(uint32_t stringID) {
-    return mFramework != nullptr ? cf::ToUtf8(AdoptCF(mFramework->CopyLocalizedString(stringID)).get())
-                                 : std::string();
+    return cf::ToUtf8(AdoptCF(Call(&VantorixPluginFramework::CopyLocalizedString, stringID)).get());
 }
 
 void VPFInterface::ShowMessageBox(MessageBoxStrings strings) {
     const Showing showing;
-    if (mFramework != nullptr)
-        mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kOk);
+    Call(&VantorixPluginFramework::ShowMessageBox, strings.titleID, strings.textID, MessageBoxButtons::kOk);
 }
 
 bool VPFInterface::AskYesNo(MessageBoxStrings strings) {
     const Showing showing;
-    return mFramework != nullptr &&
-           mFramework->ShowMessageBox(strings.titleID, strings.textID, MessageBoxButtons::kYesNo) == 1;
+    return Call(&VantorixPluginFramework::ShowMessageBox, strings.titleID, strings.textID,
+                MessageBoxButtons::kYesNo) == 1;
 }
 
 void VPFInterface::ShowMessageAbout(MessageBoxStrings strings, const std::string& subject) {
     const Showing showing;
     const CFRef<CFStringRef> text = cf::String(subject);
-    if (mFramework != nullptr)
-        mFramework->ShowMessageAbout(strings.titleID, strings.textID, text.get());
+    Call(&VantorixPluginFramework::ShowMessageAbout, strings.titleID, strings.textID, text.get());
 }
 
 bool VPFInterface::ShowProgress(uint32_t titleID, int done, int total) {
+    // Nobody is there to stop it.
     return mFramework == nullptr || mFramework->ShowProgress(titleID, done, total);
 }
 
 void VPFInterface::SetParentWindowForUi(void* window) {
-    if (mFramework != nullptr)
-        mFramework->SetParentWindowForUi(window);
+    Call(&VantorixPluginFramework::SetParentWindowForUi, window);
 }
 
 bool VPFInterface::ShowAbout() {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowAbout();
+    return Call(&VantorixPluginFramework::ShowAbout);
 }
 
 bool VPFInterface::ShowPreferences() {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowPreferences();
+    return Call(&VantorixPluginFramework::ShowPreferences);
 }
 
 bool VPFInterface::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t& workgroupID) {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowSelectWorkgroup(workgroups, &workgroupID);
+    return Call(&VantorixPluginFramework::ShowSelectWorkgroup, workgroups, &workgroupID);
 }
 
 bool VPFInterface::ShowCommandBox(CFDictionaryRef state, int32_t& command) {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowCommandBox(state, &command);
+    return Call(&VantorixPluginFramework::ShowCommandBox, state, &command);
 }
 
 bool VPFInterface::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                                     CFMutableArrayRef skippedFonts) {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowResolveFonts(fonts, resolvedFonts, skippedFonts);
+    return Call(&VantorixPluginFramework::ShowResolveFonts, fonts, resolvedFonts, skippedFonts);
 }
 
 bool VPFInterface::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
     const Showing showing;
-    return mFramework != nullptr && mFramework->ShowRestrictedFonts(fonts, onlyNew);
+    return Call(&VantorixPluginFramework::ShowRestrictedFonts, fonts, onlyNew);
 }
 
 bool VPFInterface::ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder) {
     const Showing showing;
-    if (mFramework == nullptr)
-        return false;
     const CFRef<CFStringRef> promptText = cf::String(prompt);
     const CFRef<CFStringRef> initialText = cf::String(initialFolder);
     CFStringRef chosen = nullptr;
-    if (!mFramework->ShowChooseFolder(promptText.get(), initialText.get(), &chosen) || chosen == nullptr)
+    if (!Call(&VantorixPluginFramework::ShowChooseFolder, promptText.get(), initialText.get(), &chosen) ||
+        chosen == nullptr)
         return false;
     folder = cf::ToUtf8(AdoptCF(chosen).get());
     return true;

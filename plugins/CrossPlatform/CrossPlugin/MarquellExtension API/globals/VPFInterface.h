@@ -17,6 +17,7 @@
 class VPFInterface : public PreferenceAccess {
 public:
     enum FrameworkState : int32_t {
+        kNotMade = -1,  ///< stands for an interface that there was no memory for
         kBound = 0,
         kIdentityUnknown = 1,  ///< made before the plug-in said who it is
         kLibraryNotFound = 2,
@@ -32,6 +33,8 @@ public:
         std::optional<std::string> pluginInterfaceVersion;
     };
 
+    /// In the state kNotMade.
+    VPFInterface() = default;
     explicit VPFInterface(const Identity& identity);
     /// For a framework that is bound already; it is released in the end. Null stands for a missing library.
     VPFInterface(const Identity& identity, VantorixPluginFramework* framework);
@@ -39,6 +42,9 @@ public:
     VPFInterface(const VPFInterface&) = delete;
     VPFInterface& operator=(const VPFInterface&) = delete;
 
+    bool IsMade() const { return mState != kNotMade; }
+    /// Always: an interface is made anew for other reasons, and whoever asks takes a framework that is
+    /// missing for one that knows no preferences.
     bool IsValid() const { return true; }
     FrameworkState GetFrameworkState() const { return mState; }
     /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known. Not owned.
@@ -83,10 +89,16 @@ public:
     bool ChooseFolder(const char* prompt, const std::string& initialFolder, std::string& folder);
 
 private:
+    /// What the framework's function answers; 0, false or null without a framework.
+    template <class Result, class... Parameters, class... Arguments>
+    Result Call(Result (VantorixPluginFramework::*function)(Parameters...), Arguments... arguments) {
+        return mFramework != nullptr ? (mFramework->*function)(arguments...) : Result();
+    }
+
     void Identify(const Identity& identity);
     FrameworkState BindFramework(const Identity& identity);
 
-    FrameworkState mState = kBound;
+    FrameworkState mState = kNotMade;
     std::string mFrameworkPath;
     VantorixPluginFramework* mFramework = nullptr;  ///< released in the destructor
     CFRef<CFMutableDictionaryRef> mIdentification;
