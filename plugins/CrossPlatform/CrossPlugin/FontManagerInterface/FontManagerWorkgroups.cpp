@@ -31,6 +31,8 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
         return;
     }
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
+    if (!preferences->IsMade())
+        return;
     LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
     if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
         !preferences->GetBoolPreference("EnablePlugin"))
