@@ -13,14 +13,14 @@
  *   that follow one in which the agent was silent.
  * - Functions that work on the font manager's data take the facade first. The facade is owned by the library:
  *   fetch it with GetPluginFacadeInstance before every call and never keep it.
- * - Outputs are pointers; they are untouched on failure unless a function says otherwise. CoreFoundation
- * objects follow the usual rules: what comes out through a pointer named outNew... is owned by the caller and
- * released by it; mutable arrays and dictionaries given by the caller are appended to. Strings are UTF-8
- * where they are plain C, without limit of length unless a buffer size in bytes is given.
- * - Fonts in arrays are font records (FontRecordKeys.h) of which kGS_DatabaseIDKey alone must be there,
- * unless a function says "names", or "IDs": CFNumbers that hold database IDs.
+ * - "out" is a pointer that is written on success alone, unless a function says otherwise. CoreFoundation
+ *   objects follow the usual rules: what comes out through a pointer named outNew... is owned by the caller
+ *   and released by it. "in/out, appended to" is a mutable array of the caller's. Plain C strings are UTF-8.
+ * - Fonts in arrays are font records (FontRecordKeys.h) of which kGS_DatabaseIDKey alone must be there, or
+ *   where a function says so, IDs: CFNumbers that hold database IDs.
+ * - A null pointer that is not said to be possible is answered with CoreErrorCodes::kNullPointer.
  * - Any thread may call; calls of one process are carried out one after the other. The notification callback
- * runs on the library's own thread.
+ *   runs on the library's own thread.
  */
 #ifndef TARNWICK_PLUGIN_INTERFACE_H
 #define TARNWICK_PLUGIN_INTERFACE_H
@@ -124,230 +124,592 @@ enum PluginPermission {
 };
 
 /*
- * The function table, in binding order: X(symbol, parameter list).
+ * The functions in binding order: X(symbol, parameter list).
  *
- * ActivateFonts: activates `fonts` for the document and appends a font record per font that was matched to
- * `matchedFonts`; its activation state is the one from before the request. `mode` is kGS_ActivateLocally or
- * kGS_ActivateGlobally (null: locally).
- *
- * ActivateDocumentFontsByPath: finds and activates `requestedFonts` (font records; kGS_PostScriptNameKey,
- * else kGS_FamilyKey and style) for the document. `matchedFonts` as above. `unmatchedFonts` receives the
- * requested record of each font that is not in the store, with the records of fonts that could replace it, if
- * there are any, under kGS_PossibleReplacementsKey. `reportedFonts` receives, per matched font, the
- * requested record completed by the font's own, with the activation state from after the request and the
- * record from before it under kGS_MatchedFontKey. Any of the three may be null. Fonts without number are
- * taken as far as there is time for them: GIPCClient::kReplyTimeout when there was not enough. What was
- * activated until then is in `matchedFonts`, for the caller to let go of, and nothing in the others.
- * ActivateFonts and DeactivateFonts answer so as well.
- *
- * AddFontsToSets: puts each of the fonts `fontIDs` (CFNumbers, database IDs) into each of the sets `setIDs`
- * (CFNumbers, as CreateTopLevelSet gives them); a font that is in a set already stays in it. All of it or
- * nothing: CoreErrorCodes::kNotFound when one of the fonts is unknown, GZephyrinSetManager::kSetNotFound when
- * one of the sets is. The fonts may be in any workgroup.
- *
- * CreateSmartList: makes a smart list, which is a name and a query. Its fonts are those that are, when they
- * are asked for, in any of the workgroups, sets or other smart lists of the query (arrays of CFNumbers; null
- * is an empty one); with nothing in the three arrays, all fonts. Lists may name one another in a circle. The
- * ID of what is deleted may stay in a query, where it matches nothing; kWorkgroupID_All among the workgroups
- * stands for all fonts. `outSmartListID` receives the number of the list, which is above 0 and never given
- * twice. CoreErrorCodes::kItemAlreadyExists when another list has the name, kMissingParam for a blank one,
- * kInvalidParam for what is no ID and for a name that is too long or holds what cannot be seen. Who may make
- * and change smart lists says kPermission_CreateSmartLists; GZephyrinServerFacade::kNotLoggedIn while nobody
- * is logged in. SetSmartListQuery gives a list another query, RenameSmartList another name, and
- * DeleteSmartList deletes it; GZephyrinSetManager::kSetNotFound for an unknown list, there and everywhere.
- *
- * CreateTopLevelSet: makes an empty set in a workgroup. `name` is not blank. `outSetID` receives the number
- * of the set, which is above 0 and never given twice. CoreErrorCodes::kItemAlreadyExists when the workgroup
- * has a set of that name: choose another; CoreErrorCodes::kMissingParam for a blank name, kInvalidParam for
- * one that is too long or holds what cannot be seen;
- * GZephyrinSetManager::kWorkGroupIDDoesNotExist for an unknown workgroup,
- * kCannotCreateSharedSetsInAllFontsWorkgroup for the ID of all workgroups together (IsAllWorkgroups),
- * kCannotAddSetsToSystemWorkgroup for that of the system's fonts. A set goes with its workgroup. Who may make
- * sets and add to them says kPermission_CreateSets; GZephyrinServerFacade::kNotLoggedIn while nobody is
- * logged in.
- *
- * DeactivateFonts: lets go of fonts that were activated for this process, and appends the records of those
- * that became inactive to `deactivatedFonts` (may be null). Fonts that the user activated stay active.
- * `context` is 0.
- *
- * EnableDesignActivation: activates a font for the user to design with, and with `wholeFamily` the other
- * fonts of its family, until it is called with `enable` false or this process ends; DeactivateFonts and the
- * end of documents do not touch it. `conflictingFonts` (may be null) receives what GetFontConflicts would
- * have answered before: conflicts do not keep a font from becoming active. CoreErrorCodes::kNotFound for an
- * unknown font, GZephyrinAssetManager::kFontMissing when its file is gone; fonts of the family whose files
- * are gone are passed over.
- *
- * ExportFonts: copies the file of each font, each file once, into `destinationFolder` (UTF-8 path; made when
- * missing) under the name with which it was added. A file that is there is never replaced: one of the same
- * content counts as the copy, beside another the copy gets a number. A copy has its name when it is complete,
- * and not before. `exportedPaths` (may be null) receives the path of each copy, also when the code is not 0:
- * a font that cannot be copied does not keep the others from it, and the code says of one why it could not
- * be, GZephyrinExportFonts::kFontUnavailableToExport when it is unknown or its file is missing. It is the
- * calling thread that copies.
- *
- * GetAllWorkgroupsForUser: appends a workgroup record (FontRecordKeys.h) per workgroup, in the order in which
- * they were made, and last the one that stands for all workgroups together.
- *
- * GetClientFontActivationStates: for each of `fontIDs`, whether the font is still active on behalf of this
- * process: sets CFBooleans by CFNumber database ID.
- *
- * GetFontConflicts: appends the record of each active font that has the PostScript name of one of `fontIDs`
- * (CFNumbers) and comes in another file: a host may take the one for the other. Each once.
- *
- * GetFontsByPostscriptName, GetFontsByFamilyName: append font records, best match first.
- *
- * GetAdobeXMPData: the first XMP packet (ISO 16684-1) in the document's file, with its markers. Of files
- * above 64 MiB the first and the last 32 are searched. CoreErrorCodes::kNotFound when there is none in UTF-8
- * of up to 4 MiB; GFileSystem::kFileNotFound when the file cannot be read. It is the calling thread that
- * reads.
- *
- * GetAllSmartLists: appends a dictionary with kGS_SmartListIDKey and kGS_SmartListNameKey per smart list, by
- * name.
- *
- * GetSmartList: one list's dictionary, with the IDs of its query in ascending order and
- * kGS_ListDefinitionKey.
- *
- * GetGoogleFonts: appends the records of the Google fonts in the library, which has none as long as
- * CanAccessGoogleFonts says no.
- *
- * GetPanelSmartListTree: what smart lists can be made of. A dictionary of kGS_WorkgroupsKey, an array of
- * workgroup records without the one for all workgroups, each with kGS_SetsKey, an array of dictionaries with
- * kGS_SetIDKey and kGS_SetNameKey; and of kGS_SmartListsKey, the lists as GetAllSmartLists gives them.
- *
- * GetSmartListFonts: appends the record of each font of the list, with kGS_DisplayNameKey, in the order of
- * their IDs.
- *
- * PreviewActivateFonts: activates fonts so that this process can show them, until it is called with
- * `activate` false or the process ends; whatever else holds them is not touched. Unknown fonts, and those
- * whose files are gone, are passed over; CoreErrorCodes::kNotFound when that leaves none of those to
- * activate.
- *
- * QueryForSmartListFonts: tries a query without saving it. From then on GetSmartListFonts gives this process
- * the fonts of that query for the list; until SetSmartListQuery for the list, another trial, the end of the
- * connection or of the agent. It takes no time itself, nothing is announced, and no one else sees anything of
- * it. The list 0 stands for one that is not made yet.
- *
- * GetRenderedPNGsDirectory: the folder below which the images of RenderFontNamePreviewPNGs stand. It need not
- * exist before the first of them.
- *
- * RenderFontNamePreviewPNGs: makes images of the fonts' full names, each in its own face, black on a
- * transparent ground, 32 pixels high and up to 640 wide, and the same in double size. Images that were made
- * before are not made again. First come `highPriorityFontIDs` (may be null), then the rest of `fontIDs`.
- * `fontPNGs` (may be null) receives, by CFNumber database ID, a dictionary with kGS_PNGFilenameKey and
- * kGS_2xPNGFilenameKey per font. kPluginCallback_PreviewPNGsRendered brings the same for some fonts at a
- * time, as they are done, to whoever is registered. A font that is unknown or cannot be shown is left out.
- * Returns when all is done, a few milliseconds per image that has to be made.
- *
- * SaveDocumentFonts: records which fonts a document uses. `fontUsage` is the host's text, may be null.
- *
- * Column identifiers are the numbers under which GetFontInfoByID's record columns are known to panels.
- *
- * GetGlyphscanXMPData: the fingerprint of a font as an XML property list: a dictionary of what tells it from
- * others of its name; null when it has none.
+ * "Column" functions give the number under which panels know a column of font records. A number is never
+ * given another meaning, so that panels may keep it.
  */
 /* clang-format off */
-#define TARNWICK_PLUGIN_FUNCTIONS(X)                                                                        \
-    X(ActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier,             \
-                      CFStringRef mode, CFMutableArrayRef matchedFonts))                                    \
-    X(ActivateDocumentFontsByPath,                                                                          \
-      (PluginFacadeRef facade, CFStringRef documentPath, CFArrayRef requestedFonts,                         \
-       CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts, CFMutableArrayRef reportedFonts))  \
-    X(AddFontsToSets, (PluginFacadeRef facade, CFArrayRef fontIDs, CFArrayRef setIDs))                      \
-    X(BeginLogging, (PluginThreadInstanceRef thread, const char* logFileName))                              \
-    X(CanExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool* outCanExport))                       \
-    X(CreateTopLevelSet,                                                                                    \
-      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, int32_t * outSetID))                  \
-    X(DeactivateFonts,                                                                                      \
-      (PluginFacadeRef facade, CFArrayRef fonts, uint64_t context, CFMutableArrayRef deactivatedFonts))     \
-    X(DestroyThreadInstance, (PluginThreadInstanceRef thread))                                              \
-    X(EnableDesignActivation, (PluginFacadeRef facade, uint32_t fontID, bool wholeFamily, bool enable,      \
-                               CFMutableArrayRef conflictingFonts))                                         \
-    X(ExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef destinationFolder,                \
-                    CFMutableArrayRef exportedPaths))                                                       \
-    X(FindFontsInSameFamilyForActivation,                                                                   \
-      (PluginFacadeRef facade, uint32_t fontID, CFMutableArrayRef fonts))                                   \
-    X(GetActivationStateColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                          \
-    X(GetAllWorkgroupsForUser, (PluginFacadeRef facade, CFMutableArrayRef workgroups))                      \
-    X(GetAreSchemaVersionsInSync, (PluginFacadeRef facade, bool* outInSync))                                \
-    X(RegisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback))              \
-    X(UnregisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback))            \
-    X(GetCanActivateAcrossWorkgroupsColumnID, (PluginFacadeRef facade, int32_t * outColumnID))              \
-    X(GetClientFontActivationStates,                                                                        \
-      (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableDictionaryRef states))                          \
-    X(GetDefaultLibraryName, (PluginFacadeRef facade, CFStringRef * outNewName))                            \
-    X(GetExportFontsColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetFamilyGroupIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
-    X(GetFamilyGroupNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                          \
-    X(GetFamilyNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                               \
-    X(GetFileSizeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                 \
-    X(GetFontFaceIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                               \
-    X(GetFontInfoByID, (PluginFacadeRef facade, uint32_t fontID, CFDictionaryRef * outNewFont))             \
-    X(GetFontIsActivated, (PluginFacadeRef facade, uint32_t fontID, int32_t * outActivationState))          \
-    X(GetFontLocationColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                             \
-    X(GetGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                        \
-    X(GetFontTypeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                 \
-    X(GetFontVaultPath, (PluginFacadeRef facade, CFStringRef * outNewPath))                                 \
-    X(GetFontVersionColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetFontsByPostscriptName,                                                                             \
-      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, CFMutableArrayRef fonts))             \
-    X(GetFontsByFamilyName,                                                                                 \
-      (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, CFMutableArrayRef fonts))             \
-    X(GetFoundryNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetIsCoreAgentProcessRunning, (PluginFacadeRef facade, bool* outIsRunning))                           \
-    X(GetIsFontLocalColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetIsLoggedIn, (PluginFacadeRef facade, bool* outIsLoggedIn))                                         \
-    X(GetRunningStandalone, (PluginFacadeRef facade, bool* outIsStandalone))                                \
-    X(GetIsMarquellFileColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
-    X(GetLegacyGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                  \
-    X(GetLocalPathColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                                \
+#define TARNWICK_PLUGIN_FUNCTIONS(X) \
+    /* Activates fonts by their IDs for a document of this process.
+     *
+     *   fonts               in: font records.
+     *   documentIdentifier  in: what the document is told apart by; may be null.
+     *   mode                in: kGS_ActivateLocally or kGS_ActivateGlobally; null: locally. This font manager
+     *                       has one way to activate and does the same for both.
+     *   matchedFonts        in/out, appended to: the record of each font that is known, with the activation
+     *                       state from before; may be null.
+     *
+     * Returns, beside success:
+     *   GIPCClient::kReplyTimeout  there was no time for all of them. `matchedFonts` has those that were
+     *                              activated, for the caller to let go of.
+     */ \
+    X(ActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier, \
+                     CFStringRef mode, CFMutableArrayRef matchedFonts)) \
+    /* Finds the fonts that a document asks for, and activates them for this process.
+     *
+     *   documentPath    in: may be null.
+     *   requestedFonts  in: font records; kGS_PostScriptNameKey, else kGS_FamilyKey and style, says which
+     *                   font is meant. A bare CFString is a PostScript name.
+     *   matchedFonts    in/out, appended to: the record of each font that was matched, with the activation
+     *                   state from before; may be null.
+     *   unmatchedFonts  in/out, appended to: what was asked for in vain, with the records of fonts that come
+     *                   near under kGS_PossibleReplacementsKey; may be null.
+     *   reportedFonts   in/out, appended to: per matched font what was asked for, completed by the font's
+     *                   record, with the activation state from after and the record from before under
+     *                   kGS_MatchedFontKey; may be null.
+     *
+     * Returns, beside success:
+     *   GIPCClient::kReplyTimeout  as for ActivateFonts; the other two arrays are left alone.
+     */ \
+    X(ActivateDocumentFontsByPath, (PluginFacadeRef facade, CFStringRef documentPath, \
+                                   CFArrayRef requestedFonts, CFMutableArrayRef matchedFonts, \
+                                   CFMutableArrayRef unmatchedFonts, CFMutableArrayRef reportedFonts)) \
+    /* Puts each of the fonts into each of the sets; what is in one already stays. All of it or nothing. Needs
+     * kPermission_CreateSets.
+     *
+     *   fontIDs  in: IDs, of any workgroup.
+     *   setIDs   in: CFNumbers, as CreateTopLevelSet gives them.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound            one of the fonts is unknown.
+     *   GZephyrinSetManager::kSetNotFound    one of the sets is.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(AddFontsToSets, (PluginFacadeRef facade, CFArrayRef fontIDs, CFArrayRef setIDs)) \
+    /* From now on Log writes to that file; also for threads that began none themselves.
+     *
+     *   thread       in
+     *   logFileName  in: a path, or a file name for the folder for logs.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kInvalidParam  an empty name.
+     *   GFile::kOpenFailed             the file cannot be written.
+     */ \
+    X(BeginLogging, (PluginThreadInstanceRef thread, const char* logFileName)) \
+    /* Whether ExportFonts may copy these fonts: the user is permitted to, and each has its file here.
+     *
+     *   fonts         in: font records, or IDs.
+     *   outCanExport  out
+     */ \
+    X(CanExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool* outCanExport)) \
+    /* Makes an empty set in a workgroup, with which it goes. Needs kPermission_CreateSets.
+     *
+     *   name         in: not blank, and not that of another set of the workgroup.
+     *   workgroupID  in
+     *   outSetID     out: above 0, and never given twice.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kItemAlreadyExists                               the workgroup has a set of that
+     *                                                                    name: choose another.
+     *   CoreErrorCodes::kMissingParam                                    a blank name.
+     *   CoreErrorCodes::kInvalidParam                                    a name that is too long or holds
+     *                                                                    what cannot be seen.
+     *   GZephyrinSetManager::kWorkGroupIDDoesNotExist                    an unknown workgroup.
+     *   GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup  the ID of all workgroups together.
+     *   GZephyrinSetManager::kCannotAddSetsToSystemWorkgroup             that of the system's fonts.
+     *   GZephyrinServerFacade::kNotLoggedIn                              nobody is logged in.
+     */ \
+    X(CreateTopLevelSet, (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, int32_t* outSetID)) \
+    /* Lets go of fonts that were activated for this process. Fonts that the user activated stay active.
+     *
+     *   fonts             in: font records.
+     *   context           in: 0.
+     *   deactivatedFonts  in/out, appended to: the record of each font that became inactive; may be null.
+     *
+     * Returns, beside success:
+     *   GIPCClient::kReplyTimeout  there was no time for all of them; `deactivatedFonts` has those that were
+     *                              let go.
+     */ \
+    X(DeactivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, uint64_t context, \
+                       CFMutableArrayRef deactivatedFonts)) \
+    /* Ends what InitThreadInstance began.
+     *
+     *   thread  in: not to be used any more; may be null.
+     */ \
+    X(DestroyThreadInstance, (PluginThreadInstanceRef thread)) \
+    /* Activates a font for the user to design with, until it is called with `enable` false or this process
+     * ends. DeactivateFonts and the end of documents do not touch it.
+     *
+     *   fontID            in
+     *   wholeFamily       in: the other fonts of its family as well; those without a file are passed over.
+     *   enable            in
+     *   conflictingFonts  in/out, appended to: what GetFontConflicts would have answered before; may be null.
+     *                     Conflicts keep no font from becoming active.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound            an unknown font.
+     *   GZephyrinAssetManager::kFontMissing  its file is gone.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(EnableDesignActivation, (PluginFacadeRef facade, uint32_t fontID, bool wholeFamily, bool enable, \
+                              CFMutableArrayRef conflictingFonts)) \
+    /* Copies the file of each font, each file once, under the name with which it was added. A file that is
+     * there is never replaced: one of the same content counts as the copy, beside another the copy gets a
+     * number. A copy bears its name only when it is complete. The calling thread copies.
+     *
+     *   fonts              in: font records.
+     *   destinationFolder  in: a path; made when missing.
+     *   exportedPaths      in/out, appended to: the path of each copy, whatever is returned; may be null.
+     *
+     * Returns, beside success:
+     *   GZephyrinExportFonts::kFontUnavailableToExport  a font is unknown or has no file. The others were
+     *                                                   copied.
+     *   GZephyrinExportFonts::kCouldNotCreateFolder     the folder cannot be made.
+     *   another code                                    a copy could not be written; the others were.
+     */ \
+    X(ExportFonts, (PluginFacadeRef facade, CFArrayRef fonts, CFStringRef destinationFolder, \
+                   CFMutableArrayRef exportedPaths)) \
+    /* The other fonts of a font's family, of any workgroup.
+     *
+     *   fontID  in
+     *   fonts   in/out, appended to: font records.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  an unknown font.
+     */ \
+    X(FindFontsInSameFamilyForActivation, (PluginFacadeRef facade, uint32_t fontID, \
+                                          CFMutableArrayRef fonts)) \
+    /* Column: the font's activation state. */ \
+    X(GetActivationStateColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* The workgroups of the user.
+     *
+     *   workgroups  in/out, appended to: workgroup records (FontRecordKeys.h) in the order in which they were
+     *               made, last the one that stands for all together.
+     */ \
+    X(GetAllWorkgroupsForUser, (PluginFacadeRef facade, CFMutableArrayRef workgroups)) \
+    /* Whether this library and the agent were made for the same database.
+     *
+     *   outInSync  out
+     */ \
+    X(GetAreSchemaVersionsInSync, (PluginFacadeRef facade, bool* outInSync)) \
+    /* Has a function told what happens, until UnregisterForNotifications or the end of the process, over
+     * restarts of the agent.
+     *
+     *   callback  in: called on the library's own thread, one call at a time. One that is registered already
+     *             stays so.
+     */ \
+    X(RegisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback)) \
+    /* Ends that. No call is under way when it returns, unless it is made from within the callback.
+     *
+     *   callback  in
+     */ \
+    X(UnregisterForNotifications, (PluginFacadeRef facade, PluginNotificationCallback callback)) \
+    /* Column: whether it may be activated across workgroups. */ \
+    X(GetCanActivateAcrossWorkgroupsColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Whether fonts are still active on behalf of this process.
+     *
+     *   fontIDs  in: IDs.
+     *   states   in/out: receives a CFBoolean per ID.
+     */ \
+    X(GetClientFontActivationStates, (PluginFacadeRef facade, CFArrayRef fontIDs, \
+                                     CFMutableDictionaryRef states)) \
+    /* The name of the workgroup that fonts are added to when none is named.
+     *
+     *   outNewName  out
+     */ \
+    X(GetDefaultLibraryName, (PluginFacadeRef facade, CFStringRef* outNewName)) \
+    /* Column: whether it may be exported. */ \
+    X(GetExportFontsColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's family group's ID. */ \
+    X(GetFamilyGroupIDColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's family group's name. */ \
+    X(GetFamilyGroupNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's family. */ \
+    X(GetFamilyNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's file size. */ \
+    X(GetFileSizeColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's face within its file. */ \
+    X(GetFontFaceIDColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* The record of a font.
+     *
+     *   fontID      in
+     *   outNewFont  out
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  an unknown font.
+     */ \
+    X(GetFontInfoByID, (PluginFacadeRef facade, uint32_t fontID, CFDictionaryRef* outNewFont)) \
+    /* The activation state of a font.
+     *
+     *   fontID              in
+     *   outActivationState  out: a FontActivationState.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  an unknown font.
+     */ \
+    X(GetFontIsActivated, (PluginFacadeRef facade, uint32_t fontID, int32_t* outActivationState)) \
+    /* Column: the font's location. */ \
+    X(GetFontLocationColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's fingerprint checksum. */ \
+    X(GetGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's kind. */ \
+    X(GetFontTypeColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* The folder in which the agent keeps font files.
+     *
+     *   outNewPath  out
+     */ \
+    X(GetFontVaultPath, (PluginFacadeRef facade, CFStringRef* outNewPath)) \
+    /* Column: the font's version. */ \
+    X(GetFontVersionColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* The fonts of that PostScript name, those with a file first.
+     *
+     *   name         in: in another letter case where none has it in this one.
+     *   workgroupID  in: where to look; kWorkgroupID_All: everywhere.
+     *   fonts        in/out, appended to: font records, 100 at most.
+     */ \
+    X(GetFontsByPostscriptName, (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, \
+                                CFMutableArrayRef fonts)) \
+    /* The fonts of that family, those with a file first.
+     *
+     *   name         in: as for GetFontsByPostscriptName.
+     *   workgroupID  in: as for GetFontsByPostscriptName.
+     *   fonts        in/out, appended to: font records, 1,000 at most.
+     */ \
+    X(GetFontsByFamilyName, (PluginFacadeRef facade, CFStringRef name, int32_t workgroupID, \
+                            CFMutableArrayRef fonts)) \
+    /* Column: the font's foundry. */ \
+    X(GetFoundryNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Whether there is an agent that answers.
+     *
+     *   outIsRunning  out
+     */ \
+    X(GetIsCoreAgentProcessRunning, (PluginFacadeRef facade, bool* outIsRunning)) \
+    /* Column: whether the font's file is on this machine. */ \
+    X(GetIsFontLocalColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Whether the user is logged in.
+     *
+     *   outIsLoggedIn  out
+     */ \
+    X(GetIsLoggedIn, (PluginFacadeRef facade, bool* outIsLoggedIn)) \
+    /* Whether the agent works without a server.
+     *
+     *   outIsStandalone  out
+     */ \
+    X(GetRunningStandalone, (PluginFacadeRef facade, bool* outIsStandalone)) \
+    /* Column: whether the font's file is of the Marquell kind. */ \
+    X(GetIsMarquellFileColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's older fingerprint checksum. */ \
+    X(GetLegacyGlyphscanChecksumColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's path. */ \
+    X(GetLocalPathColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* As MotherMayI, for one workgroup.
+     *
+     *   permission    in: a PluginPermission.
+     *   workgroupID   in: this font manager grants the same in all of them.
+     *   outIsGranted  out
+     */ \
     X(GetPermission, (PluginFacadeRef facade, int32_t permission, int32_t workgroupID, bool* outIsGranted)) \
-    X(GetPluginFacadeInstance, (PluginFacadeRef * outFacade))                                               \
-    X(ResetPluginFacadeInstance, (void))                                                                    \
-    X(GetPostscriptNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
-    X(GetDisplayNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetScannedFoundryColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                           \
-    X(GetSystemWorkgroupID, (PluginFacadeRef facade, int32_t * outWorkgroupID))                             \
-    X(GetWorkgroupIDColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                              \
-    X(GetWorkgroupNameColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
-    X(GetWorkgroupTypeColumnID, (PluginFacadeRef facade, int32_t * outColumnID))                            \
-    X(InitAppInstance, (PluginFacadeRef facade, const char* hostAppName, const char* pluginVersion))        \
-    X(InitThreadInstance, (PluginThreadInstanceRef * outThread))                                            \
-    X(IsAllWorkgroups, (PluginFacadeRef facade, int32_t workgroupID, bool* outIsAll))                       \
-    X(Log, (PluginThreadInstanceRef thread, const char* text))                                              \
-    X(MotherMayI, (PluginFacadeRef facade, int32_t permission, bool* outIsPermitted))                       \
-    X(OSCreateDirectory, (const char* path))                                                                \
-    X(OSDoesDirectoryExist, (const char* path, bool* outExists))                                            \
-    X(PreviewActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool activate))                      \
-    X(GetGoogleFonts, (PluginFacadeRef facade, CFMutableArrayRef fonts))                                    \
-    X(GetIsReplicationRunning, (PluginFacadeRef facade, bool* outIsRunning))                                \
-    X(GetCurrentReplicationMode, (PluginFacadeRef facade, int32_t * outMode))                               \
-    X(GetIsGoogleWebFontsEnabled, (PluginFacadeRef facade, bool* outIsEnabled))                             \
-    X(SetGoogleWebFontsEnabled, (PluginFacadeRef facade, bool isEnabled))                                   \
-    X(GetRenderedPNGsDirectory, (PluginFacadeRef facade, CFStringRef * outNewPath))                         \
-    X(RenderFontNamePreviewPNGs, (PluginFacadeRef facade, CFArrayRef highPriorityFontIDs,                   \
-                                  CFArrayRef fontIDs, CFMutableDictionaryRef fontPNGs))                     \
-    X(RenameSmartList, (PluginFacadeRef facade, int32_t smartListID, CFStringRef name))                     \
-    X(DeleteSmartList, (PluginFacadeRef facade, int32_t smartListID))                                       \
-    X(QueryForSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,        \
-                               CFArrayRef setIDs, CFArrayRef smartSetIDs))                                  \
-    X(GetSmartList, (PluginFacadeRef facade, int32_t smartListID, CFDictionaryRef * outNewSmartList))       \
-    X(GetPanelSmartListTree, (PluginFacadeRef facade, CFDictionaryRef * outNewTree))                        \
-    X(GetAllSmartLists, (PluginFacadeRef facade, CFMutableArrayRef smartLists))                             \
-    X(CreateSmartList, (PluginFacadeRef facade, CFStringRef name, CFArrayRef workgroupIDs,                  \
-                        CFArrayRef setIDs, CFArrayRef smartSetIDs, int32_t * outSmartListID))               \
-    X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,             \
-                          CFArrayRef setIDs, CFArrayRef smartSetIDs))                                       \
-    X(GetSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFMutableArrayRef fonts))            \
-    X(CleanUpOnShutdown, (void))                                                                            \
-    X(GetFontConflicts, (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableArrayRef conflictingFonts))   \
-    X(TrackFontPanelClick, (PluginFacadeRef facade, uint32_t fontID))                                       \
-    X(CanAccessGoogleFonts, (PluginFacadeRef facade, bool* outCanAccess))                                   \
-    X(SaveDocumentFonts,                                                                                    \
-      (PluginFacadeRef facade, CFStringRef documentPath, bool replace, CFStringRef fontUsage))              \
-    X(GetFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewFontUsage))      \
-    X(GetAdobeXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef * outNewXMP))         \
-    X(GetGlyphscanXMPData, (PluginFacadeRef facade, uint32_t fontID, CFStringRef * outNewXML))               \
-    X(WriteFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage))            \
+    /* The facade for the next call. Made when there is none; that alone connects to no agent.
+     *
+     *   outFacade  out: the library's own; not to be kept.
+     */ \
+    X(GetPluginFacadeInstance, (PluginFacadeRef* outFacade)) \
+    /* Drops the facade, so that the next one leads to the agent that is there then. What was activated for
+     * this process stays.
+     */ \
+    X(ResetPluginFacadeInstance, (void)) \
+    /* Column: the font's PostScript name. */ \
+    X(GetPostscriptNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's full name. */ \
+    X(GetDisplayNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's foundry as it stands in the file. */ \
+    X(GetScannedFoundryColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* The workgroup of the system's own fonts.
+     *
+     *   outWorkgroupID  out
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  there is none.
+     */ \
+    X(GetSystemWorkgroupID, (PluginFacadeRef facade, int32_t* outWorkgroupID)) \
+    /* Column: the font's workgroup's ID. */ \
+    X(GetWorkgroupIDColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's workgroup's name. */ \
+    X(GetWorkgroupNameColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* Column: the font's workgroup's type. */ \
+    X(GetWorkgroupTypeColumnID, (PluginFacadeRef facade, int32_t* outColumnID)) \
+    /* To be called first: tells the agent who calls.
+     *
+     *   hostAppName    in: the host application's name.
+     *   pluginVersion  in: of the plug-in.
+     */ \
+    X(InitAppInstance, (PluginFacadeRef facade, const char* hostAppName, const char* pluginVersion)) \
+    /* Begins the calling thread's share of the library.
+     *
+     *   outThread  out: the caller's, to be ended by DestroyThreadInstance.
+     */ \
+    X(InitThreadInstance, (PluginThreadInstanceRef* outThread)) \
+    /* Whether an ID stands for all workgroups together.
+     *
+     *   workgroupID  in
+     *   outIsAll     out
+     */ \
+    X(IsAllWorkgroups, (PluginFacadeRef facade, int32_t workgroupID, bool* outIsAll)) \
+    /* Appends a text to the log of BeginLogging.
+     *
+     *   thread  in
+     *   text    in: as it is, with its own line ends.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotInitialized  no thread has begun a log.
+     */ \
+    X(Log, (PluginThreadInstanceRef thread, const char* text)) \
+    /* Whether the user may do something.
+     *
+     *   permission      in: a PluginPermission; for other numbers the answer is no.
+     *   outIsPermitted  out
+     */ \
+    X(MotherMayI, (PluginFacadeRef facade, int32_t permission, bool* outIsPermitted)) \
+    /* Makes a folder and those above it; one that is there will do.
+     *
+     *   path  in
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kInvalidParam                an empty path.
+     *   GZephyrinExportFonts::kCouldNotCreateFolder  it cannot be made.
+     */ \
+    X(OSCreateDirectory, (const char* path)) \
+    /* Whether there is a folder.
+     *
+     *   path       in
+     *   outExists  out: false for a file.
+     */ \
+    X(OSDoesDirectoryExist, (const char* path, bool* outExists)) \
+    /* Activates fonts so that this process can show them, until it is called with `activate` false or the
+     * process ends; whatever else holds them is not touched. Unknown fonts and those without a file are
+     * passed over.
+     *
+     *   fonts     in: font records, or IDs.
+     *   activate  in
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  none is left of those to activate.
+     */ \
+    X(PreviewActivateFonts, (PluginFacadeRef facade, CFArrayRef fonts, bool activate)) \
+    /* The Google fonts in the library.
+     *
+     *   fonts  in/out, appended to: font records; none while CanAccessGoogleFonts says no.
+     */ \
+    X(GetGoogleFonts, (PluginFacadeRef facade, CFMutableArrayRef fonts)) \
+    /* Whether records are being fetched from a server.
+     *
+     *   outIsRunning  out
+     */ \
+    X(GetIsReplicationRunning, (PluginFacadeRef facade, bool* outIsRunning)) \
+    /* How.
+     *
+     *   outMode  out: a PluginReplicationMode.
+     */ \
+    X(GetCurrentReplicationMode, (PluginFacadeRef facade, int32_t* outMode)) \
+    /* Whether the user wants Google web fonts.
+     *
+     *   outIsEnabled  out
+     */ \
+    X(GetIsGoogleWebFontsEnabled, (PluginFacadeRef facade, bool* outIsEnabled)) \
+    /* Changes that, and tells everybody by kPluginCallback_GoogleWebFontsEnabled.
+     *
+     *   isEnabled  in
+     */ \
+    X(SetGoogleWebFontsEnabled, (PluginFacadeRef facade, bool isEnabled)) \
+    /* The folder below which the images of RenderFontNamePreviewPNGs stand. It is made with the first of
+     * them.
+     *
+     *   outNewPath  out
+     */ \
+    X(GetRenderedPNGsDirectory, (PluginFacadeRef facade, CFStringRef* outNewPath)) \
+    /* Makes images of fonts' full names, each in its own face, black on a transparent ground, 32 pixels high
+     * and up to 640 wide, and the same in double size. Those that were made before are not made again.
+     * kPluginCallback_PreviewPNGsRendered brings the same for some fonts at a time. Returns when all is done,
+     * a few milliseconds per image that has to be made.
+     *
+     *   highPriorityFontIDs  in: IDs, made first; may be null.
+     *   fontIDs              in: IDs.
+     *   fontPNGs             in/out: receives by ID a dictionary with kGS_PNGFilenameKey and
+     *                        kGS_2xPNGFilenameKey. A font that is unknown or cannot be shown is left out. May
+     *                        be null.
+     */ \
+    X(RenderFontNamePreviewPNGs, (PluginFacadeRef facade, CFArrayRef highPriorityFontIDs, \
+                                 CFArrayRef fontIDs, CFMutableDictionaryRef fontPNGs)) \
+    /* Gives a list another name. Needs kPermission_CreateSmartLists.
+     *
+     *   smartListID  in
+     *   name         in: as for CreateSmartList.
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound    an unknown list.
+     *   CoreErrorCodes::kItemAlreadyExists   another list has the name.
+     *   CoreErrorCodes::kMissingParam        a blank name.
+     *   CoreErrorCodes::kInvalidParam        a name that is too long or holds what cannot be seen.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(RenameSmartList, (PluginFacadeRef facade, int32_t smartListID, CFStringRef name)) \
+    /* Deletes a list. Its ID may stay in the queries of others, where it matches nothing. Needs
+     * kPermission_CreateSmartLists.
+     *
+     *   smartListID  in
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound    an unknown list.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(DeleteSmartList, (PluginFacadeRef facade, int32_t smartListID)) \
+    /* Tries a query without saving it: from now on GetSmartListFonts gives this process the fonts of that
+     * query for the list, until SetSmartListQuery for the list, another trial, or the end of the connection.
+     * It takes no time itself, and no one else sees anything of it.
+     *
+     *   smartListID   in: 0 for a list that is not made yet.
+     *   workgroupIDs  in: as for CreateSmartList, as are
+     *   setIDs        in
+     *   smartSetIDs   in
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound  an unknown list.
+     */ \
+    X(QueryForSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs, \
+                              CFArrayRef setIDs, CFArrayRef smartSetIDs)) \
+    /* One list.
+     *
+     *   smartListID      in
+     *   outNewSmartList  out: a dictionary with the ID, the name, the IDs of the query in ascending order,
+     *                    and kGS_ListDefinitionKey.
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound  an unknown list.
+     */ \
+    X(GetSmartList, (PluginFacadeRef facade, int32_t smartListID, CFDictionaryRef* outNewSmartList)) \
+    /* What smart lists can be made of.
+     *
+     *   outNewTree  out: a dictionary of kGS_WorkgroupsKey, an array of workgroup records without the one for
+     *               all, each with kGS_SetsKey, an array of dictionaries with kGS_SetIDKey and
+     *               kGS_SetNameKey; and of kGS_SmartListsKey, as GetAllSmartLists gives them.
+     */ \
+    X(GetPanelSmartListTree, (PluginFacadeRef facade, CFDictionaryRef* outNewTree)) \
+    /* All lists, by name.
+     *
+     *   smartLists  in/out, appended to: dictionaries with kGS_SmartListIDKey and kGS_SmartListNameKey.
+     */ \
+    X(GetAllSmartLists, (PluginFacadeRef facade, CFMutableArrayRef smartLists)) \
+    /* Makes a smart list: a name and a query. Its fonts are those that are, when they are asked for, in any
+     * of the workgroups, sets or other lists of the query; with all three empty, all fonts. Lists may name
+     * one another in a circle. Needs kPermission_CreateSmartLists.
+     *
+     *   name            in: not blank, and not that of another list.
+     *   workgroupIDs    in: CFNumbers; kWorkgroupID_All stands for all fonts. Null is an empty array, here
+     *                   and in
+     *   setIDs          in: CFNumbers
+     *   smartSetIDs     in: CFNumbers, of other lists.
+     *   outSmartListID  out: above 0, and never given twice.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kItemAlreadyExists   another list has the name.
+     *   CoreErrorCodes::kMissingParam        a blank name.
+     *   CoreErrorCodes::kInvalidParam        what is no ID, or a name that is too long or holds what cannot
+     *                                        be seen.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(CreateSmartList, (PluginFacadeRef facade, CFStringRef name, CFArrayRef workgroupIDs, \
+                       CFArrayRef setIDs, CFArrayRef smartSetIDs, int32_t* outSmartListID)) \
+    /* Gives a list another query. Needs kPermission_CreateSmartLists.
+     *
+     *   smartListID   in
+     *   workgroupIDs  in: as for CreateSmartList, as are
+     *   setIDs        in
+     *   smartSetIDs   in
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound    an unknown list.
+     *   CoreErrorCodes::kInvalidParam        what is no ID.
+     *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
+     */ \
+    X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs, \
+                         CFArrayRef setIDs, CFArrayRef smartSetIDs)) \
+    /* The fonts of a list.
+     *
+     *   smartListID  in
+     *   fonts        in/out, appended to: font records with kGS_DisplayNameKey, by their IDs.
+     *
+     * Returns, beside success:
+     *   GZephyrinSetManager::kSetNotFound  an unknown list.
+     */ \
+    X(GetSmartListFonts, (PluginFacadeRef facade, int32_t smartListID, CFMutableArrayRef fonts)) \
+    /* Ends connections and threads; the host quits. The library may be used again after it. */ \
+    X(CleanUpOnShutdown, (void)) \
+    /* The active fonts that have the PostScript name of one of the fonts and come in another file: a host may
+     * take the one for the other.
+     *
+     *   fontIDs           in: IDs.
+     *   conflictingFonts  in/out, appended to: font records, each once.
+     */ \
+    X(GetFontConflicts, (PluginFacadeRef facade, CFArrayRef fontIDs, CFMutableArrayRef conflictingFonts)) \
+    /* Counts clicks in a panel. This font manager does not: it answers CoreErrorCodes::kNotImplemented.
+     *
+     *   fontID  in
+     */ \
+    X(TrackFontPanelClick, (PluginFacadeRef facade, uint32_t fontID)) \
+    /* Whether there are Google fonts for this user.
+     *
+     *   outCanAccess  out
+     */ \
+    X(CanAccessGoogleFonts, (PluginFacadeRef facade, bool* outCanAccess)) \
+    /* Records which fonts a document uses: those that are active for it on behalf of this process.
+     *
+     *   documentPath  in
+     *   replace       in: whether that takes the place of what was recorded. If not, fonts are added to it,
+     *                 and an empty text leaves the one before.
+     *   fontUsage     in: the host's text; may be null.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kMissingParam  an empty path.
+     */ \
+    X(SaveDocumentFonts, (PluginFacadeRef facade, CFStringRef documentPath, bool replace, \
+                         CFStringRef fontUsage)) \
+    /* What SaveDocumentFonts or WriteFontUsage recorded.
+     *
+     *   documentPath     in
+     *   outNewFontUsage  out
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound      nothing is recorded.
+     *   CoreErrorCodes::kMissingParam  an empty path.
+     */ \
+    X(GetFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef* outNewFontUsage)) \
+    /* The first XMP packet (ISO 16684-1) in a document's file, with its markers. Of files above 64 MiB the
+     * first and the last 32 are searched. The calling thread reads.
+     *
+     *   documentPath  in
+     *   outNewXMP     out
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound   there is none in UTF-8 of up to 4 MiB.
+     *   GFileSystem::kFileNotFound  the file cannot be read.
+     */ \
+    X(GetAdobeXMPData, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef* outNewXMP)) \
+    /* The fingerprint of a font: what tells it from others of its name.
+     *
+     *   fontID     in
+     *   outNewXML  out: an XML property list that is a dictionary; null when the font has none.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kNotFound  an unknown font.
+     */ \
+    X(GetGlyphscanXMPData, (PluginFacadeRef facade, uint32_t fontID, CFStringRef* outNewXML)) \
+    /* Records a text about a document's fonts in place of the one before.
+     *
+     *   documentPath  in
+     *   fontUsage     in: may be null.
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kMissingParam  an empty path.
+     */ \
+    X(WriteFontUsage, (PluginFacadeRef facade, CFStringRef documentPath, CFStringRef fontUsage)) \
+    /* Forgets what is recorded about a document.
+     *
+     *   documentPath  in
+     *
+     * Returns, beside success:
+     *   CoreErrorCodes::kMissingParam  an empty path.
+     */ \
     X(ClearDocumentSlug, (PluginFacadeRef facade, CFStringRef documentPath))
 /* clang-format on */
 
