@@ -61,9 +61,9 @@ public:
     /// chosen.
     virtual bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) = 0;
     /// `state`: "IsLocalPersonal", "ButtonsEnabled", "IsOnline" (booleans), "Workgroups" (array of workgroup
-    /// records), "CurrentWorkgroupID" (number). `*command` comes out as the label of the menu item chosen: 3
-    /// to 5 for the document commands (with "ButtonsEnabled" alone), 6 preferences, 7 about, 8 and more the
-    /// workgroups in their order.
+    /// records), "CurrentWorkgroupID" (number). `*command` comes out as the label of the menu item chosen
+    /// (MenuItems.h): a document command with "ButtonsEnabled" alone, or the place of a workgroup in the array
+    /// above kFirstWorkgroup.
     virtual bool ShowCommandBox(CFDictionaryRef state, int32_t* command) = 0;
     /// `fonts`: font records, those that can be replaced with their candidates under
     /// kGS_PossibleReplacementsKey. Appended to `resolvedFonts`: the record of each font that got a

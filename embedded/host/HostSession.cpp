@@ -1,28 +1,15 @@
 #include "HostSession.h"
 
-#include <array>
-
+#include "HostApplications.h"
 #include "Output.h"
 
 std::string PluginIdentifierFor(const std::string& app) {
-    struct Entry {
-        const char* app;
-        const char* suffix;
-    };
-    constexpr std::array<Entry, 8> kIdentifiers{{{"Illustrator2023", "AI27"},
-                                                 {"Illustrator2024", "AI28"},
-                                                 {"Illustrator2025", "AI29"},
-                                                 {"Illustrator2026", "AI30"},
-                                                 {"AfterEffects2023", "AE230"},
-                                                 {"AfterEffects2024", "AE240"},
-                                                 {"AfterEffects2025", "AE250"},
-                                                 {"AfterEffects2026", "AE260"}}};
-    const std::string prefix = "com.vantorix.AutoActivationPlugin.";
-    for (const Entry& entry : kIdentifiers) {
-        if (app == entry.app)
-            return prefix + entry.suffix;
+    std::string identifier(kPluginIdentifierPrefix);
+    for (const NamedHostApplication& each : kHostApplications) {
+        if (app == each.hostApp)
+            return identifier += each.identifierEnd;
     }
-    return prefix + app;
+    return identifier += app;
 }
 
 HostSession::~HostSession() {

@@ -5,6 +5,7 @@
 #include "FontActivationTracker.h"
 #include "FontManagerAccess.h"
 #include "NoDestructor.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 AllTrackedDocuments& AllTrackedDocuments::GetSharedInstance() {
@@ -64,7 +65,8 @@ void AllTrackedDocuments::RemoveClosedDocument(const OneTrackedDocument& documen
         // Held and looked up again: what the tracker asks may change the list.
         const Document closed = *found;
         if (tracker != nullptr && tracker->Preferences() != nullptr) {
-            const bool deactivate = tracker->Preferences()->GetBoolPreference("CloseFontsOnDocClose");
+            const bool deactivate =
+                tracker->Preferences()->GetBoolPreference(preferences::CloseFontsOnDocClose);
             if (tracker->CloseAllFontsForIdentifier(closed->Identifier(), deactivate, nullptr) ==
                 kErrorMarquellNotRunning)
                 tracker->CloseLater(closed->Identifier(), deactivate);

@@ -6,20 +6,16 @@
 #include <utility>
 
 #include "FontRecordKeys.h"
+#include "MenuItems.h"
 #include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
-#include "strings/LocalizedStrings.h"
-#include "strings/StringIDs.h"
+#include "strings/StringTables.h"
 
 namespace {
 
 using nlohmann::json;
-
-constexpr int32_t kFirstWorkgroupCommand = 8;
-/// Stands for no workgroup of its own, so nothing can be made in it.
-constexpr int32_t kPseudoWorkgroupID = -2;
 
 json WorkgroupList(CFArrayRef workgroups) {
     json list = json::array();
@@ -36,19 +32,23 @@ json NumberOrNull(CFDictionaryRef dictionary, const char* key) {
     return number ? json(*number) : json();
 }
 
-json DocumentCommands(const json& currentWorkgroupID, std::string_view language) {
+json CommandsOf(const json& state, std::string_view language) {
     json commands = json::array();
-    commands.push_back({{"command", 3}, {"title", LocalizedText(language, kCollectFontsTitle)}});
-    if (currentWorkgroupID != kPseudoWorkgroupID)
-        commands.push_back({{"command", 4}, {"title", LocalizedText(language, kCreateDocumentSetTitle)}});
-    commands.push_back({{"command", 5}, {"title", LocalizedText(language, kCheckFontsTitle)}});
+    for (const MenuItem& item : kMenuItems) {
+        // All workgroups together are no workgroup to make a set in.
+        const bool isOffered = item.label == MenuLabel::kCreateDocumentSet
+                                   ? state["CurrentWorkgroupID"] != kWorkgroupID_All
+                                   : IsCommand(item.label);
+        if (isOffered && (state["ButtonsEnabled"].get<bool>() || !IsDocumentCommand(item.label)))
+            commands.push_back({{"command", item.label}, {"title", LocalizedText(language, item.text)}});
+    }
     return commands;
 }
 
 void AppendWorkgroupCommands(json& commands, CFArrayRef workgroups) {
     for (CFIndex index = 0; index < cf::Count(workgroups); ++index) {
         const auto record = cf::Get<CFDictionaryRef>(workgroups, index);
-        commands.push_back({{"command", kFirstWorkgroupCommand + index},
+        commands.push_back({{"command", static_cast<CFIndex>(MenuLabel::kFirstWorkgroup) + index},
                             {"title", cf::GetString(record, kGS_WorkgroupNameKey)},
                             {"workgroupID", NumberOrNull(record, kGS_WorkgroupIDKey)}});
     }
@@ -116,11 +116,7 @@ DialogQuestion CommandBoxQuestion(CFDictionaryRef state, std::string_view langua
     for (const char* flag : {"IsLocalPersonal", "ButtonsEnabled", "IsOnline"})
         details[flag] = cf::GetBool(state, flag).value_or(false);
     details["CurrentWorkgroupID"] = NumberOrNull(state, "CurrentWorkgroupID");
-    json commands = json::array();
-    if (details["ButtonsEnabled"].get<bool>())
-        commands = DocumentCommands(details["CurrentWorkgroupID"], language);
-    commands.push_back({{"command", 6}, {"title", LocalizedText(language, kPreferencesTitle)}});
-    commands.push_back({{"command", 7}, {"title", LocalizedText(language, kAboutTitle)}});
+    json commands = CommandsOf(details, language);
     AppendWorkgroupCommands(commands, cf::GetArray(state, "Workgroups"));
     details["commands"] = std::move(commands);
     return {"CommandBox", std::move(details)};

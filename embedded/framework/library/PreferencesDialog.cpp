@@ -1,30 +1,28 @@
 #include "library/PreferencesDialog.h"
 
 #include <algorithm>
+#include <vector>
 
+#include "Preferences.h"
 #include "TraceLog.h"
 #include "library/DialogQuestions.h"
-#include "strings/LocalizedStrings.h"
-#include "strings/StringIDs.h"
+#include "strings/StringTables.h"
 
 namespace {
 
 using nlohmann::json;
 
-struct Switch {
-    const char* key;
-    StringID titleID;
-};
-
-constexpr Switch kSwitches[] = {{"EnablePlugin", kEnablePluginSwitch},
-                                {"PickBestMatch", kPickBestMatchSwitch},
-                                {"EnableGlyphscan", kEnableGlyphscanSwitch},
-                                {"SupportEmbeddedObjects", kSupportEmbeddedObjectsSwitch},
-                                {"ActivateEntireFamilies", kActivateEntireFamiliesSwitch},
-                                {"CloseFontsOnDocClose", kCloseFontsOnDocCloseSwitch},
-                                {"CloseFontsOnHostAppQuit", kCloseFontsOnHostAppQuitSwitch},
-                                {"DialogSuppression", kDialogSuppressionSwitch},
-                                {"EnableLogging", kEnableLoggingSwitch}};
+/// In the order of their titles' numbers.
+std::vector<preferences::Preference> Switches() {
+    std::vector<preferences::Preference> switches;
+    for (const preferences::Preference& each : preferences::kAll) {
+        if (each.switchTitle != preferences::kNoSwitch)
+            switches.push_back(each);
+    }
+    std::sort(switches.begin(), switches.end(),
+              [](const auto& left, const auto& right) { return left.switchTitle < right.switchTitle; });
+    return switches;
+}
 
 /// Null for a key that the dialog does not show.
 const json* FindSwitch(const DialogQuestion& question, const std::string& key) {
@@ -36,12 +34,12 @@ const json* FindSwitch(const DialogQuestion& question, const std::string& key) {
 
 }  // namespace
 
-DialogQuestion PreferencesQuestion(PreferenceStore& preferences, std::string_view language) {
+DialogQuestion PreferencesQuestion(PreferenceStore& store, std::string_view language) {
     json switches = json::array();
-    for (const Switch& each : kSwitches)
+    for (const preferences::Preference& each : Switches())
         switches.push_back({{"key", each.key},
-                            {"title", LocalizedText(language, each.titleID)},
-                            {"isOn", preferences.GetBool(each.key)}});
+                            {"title", LocalizedText(language, each.switchTitle)},
+                            {"isOn", store.GetBool(each.key)}});
     return {"Preferences", {{"switches", std::move(switches)}}};
 }
 

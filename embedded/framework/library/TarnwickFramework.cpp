@@ -11,8 +11,7 @@
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
-#include "strings/LocalizedStrings.h"
-#include "strings/StringIDs.h"
+#include "strings/StringTables.h"
 
 namespace {
 
@@ -191,7 +190,7 @@ bool TarnwickFramework::ShowPreferences() {
             return false;
         const bool areStored = mPreferences.SetAll(*changed);
         if (!areStored)
-            Tell(kPreferencesTitle, kPreferencesNotStored, mPreferencesFolder);
+            Tell(localized::kPreferences, localized::kPreferencesNotStored, mPreferencesFolder);
         return areStored;
     });
 }

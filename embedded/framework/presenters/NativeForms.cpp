@@ -5,17 +5,17 @@
 #include <set>
 
 #include "presenters/DialogDetails.h"
-#include "strings/LocalizedStrings.h"
+#include "strings/StringTables.h"
 
-std::string NativeStage::Text(StringID id) const {
+std::string NativeStage::Text(localized::StringID id) const {
     return LocalizedText(language, id);
 }
 
-std::string NativeStage::Text(StringID id, std::string_view value) const {
+std::string NativeStage::Text(localized::StringID id, std::string_view value) const {
     return FillIn(Text(id), value);
 }
 
-std::string NativeStage::Title(StringID id) const {
+std::string NativeStage::Title(localized::StringID id) const {
     return WithoutDots(Text(id));
 }
 
@@ -34,10 +34,11 @@ using platform::kFormCancelled;
 constexpr int kConfirmed = 1;
 
 /// An empty form with OK and Cancel.
-Form MakeForm(const NativeStage& stage, StringID titleID) {
+Form MakeForm(const NativeStage& stage, localized::StringID titleID) {
     return {stage.Title(titleID),
             {},
-            {{kConfirmed, stage.Text(kOkButton)}, {kFormCancelled, stage.Text(kCancelButton)}},
+            {{kConfirmed, stage.Text(localized::kOkButton)},
+             {kFormCancelled, stage.Text(localized::kCancelButton)}},
             kConfirmed};
 }
 
@@ -47,18 +48,19 @@ bool IsConfirmedIn(const NativeStage& stage, Form& form) {
 
 DialogAnswer ShowAbout(const NativeStage& stage, const json& details) {
     const std::string version = StringIn(details, "version");
-    Form form{stage.Title(kAboutTitle), {}, {{kConfirmed, stage.Text(kOkButton)}}, kConfirmed};
-    form.controls.emplace_back(FormText{stage.Text(kProductName), true});
+    Form form{
+        stage.Title(localized::kAbout), {}, {{kConfirmed, stage.Text(localized::kOkButton)}}, kConfirmed};
+    form.controls.emplace_back(FormText{stage.Text(localized::kProductName), true});
     if (!version.empty())
-        form.controls.emplace_back(FormText{stage.Text(kVersion, version)});
-    form.controls.emplace_back(FormText{stage.Text(kAboutText)});
+        form.controls.emplace_back(FormText{stage.Text(localized::kVersion, version)});
+    form.controls.emplace_back(FormText{stage.Text(localized::kAboutText)});
     stage.dialogs.ShowForm(stage.owner, form);
     return true;
 }
 
 DialogAnswer AskForPreferences(const NativeStage& stage, const json& details) {
     const json& switches = details.at("switches");
-    Form form = MakeForm(stage, kPreferencesTitle);
+    Form form = MakeForm(stage, localized::kPreferences);
     for (const json& each : switches)
         form.controls.emplace_back(FormCheckBox{StringIn(each, "title"), IsTrue(each, "isOn")});
     if (!IsConfirmedIn(stage, form))
@@ -82,9 +84,9 @@ FormList WorkgroupList(const json& entries, const char* nameMember, const json& 
 
 DialogAnswer AskForWorkgroup(const NativeStage& stage, const json& details) {
     const json& workgroups = details.at("workgroups");
-    Form form = MakeForm(stage, kSelectWorkgroupTitle);
+    Form form = MakeForm(stage, localized::kSelectWorkgroup);
     if (workgroups.empty()) {
-        stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(kNoWorkgroupTitle),
+        stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(localized::kNoWorkgroupTitle),
                                   platform::MessageButtons::kOk);
         return false;
     }
@@ -113,10 +115,10 @@ void AddCommandButtons(Form& form, const json& commands) {
 void AddWorkgroups(const NativeStage& stage, Form& form, FormList workgroups, bool areLibraries) {
     if (workgroups.selected)
         form.controls.emplace_back(
-            FormText{stage.Text(kCurrentWorkgroup, workgroups.entries[*workgroups.selected])});
+            FormText{stage.Text(localized::kCurrentWorkgroup, workgroups.entries[*workgroups.selected])});
     form.controls.emplace_back(std::move(workgroups));
-    form.controls.emplace_back(
-        FormButton{kConfirmed, stage.Text(areLibraries ? kSelectLibraryTitle : kSelectWorkgroupTitle)});
+    form.controls.emplace_back(FormButton{
+        kConfirmed, stage.Text(areLibraries ? localized::kSelectLibrary : localized::kSelectWorkgroup)});
     form.defaultButton = kConfirmed;
 }
 
@@ -132,8 +134,12 @@ std::optional<size_t> SelectedWorkgroup(const Form& form) {
 // The numbers of commands begin above kConfirmed, which stands for the workgroup selected.
 DialogAnswer AskForCommand(const NativeStage& stage, const json& details) {
     const json workgroups = CommandsOf(details, true);
-    Form form{stage.Text(kProductName), {}, {{kFormCancelled, stage.Text(kCloseButton)}}, kFormCancelled};
-    form.controls.emplace_back(FormText{stage.Text(IsTrue(details, "IsOnline") ? kOnline : kOffline)});
+    Form form{stage.Text(localized::kProductName),
+              {},
+              {{kFormCancelled, stage.Text(localized::kCloseButton)}},
+              kFormCancelled};
+    form.controls.emplace_back(
+        FormText{stage.Text(IsTrue(details, "IsOnline") ? localized::kOnline : localized::kOffline)});
     AddCommandButtons(form, CommandsOf(details, false));
     if (!workgroups.empty())
         AddWorkgroups(stage, form, WorkgroupList(workgroups, "title", details.at("CurrentWorkgroupID")),
@@ -152,10 +158,12 @@ std::string CandidateText(const json& candidate) {
 
 FormChoices::Row ReplacementRow(const NativeStage& stage, const json& font) {
     const json& candidates = font.at("candidates");
-    FormChoices::Row row{
-        stage.Text(candidates.empty() ? kNoReplacement : kReplacements, StringIn(font, "name")), {}, 0};
+    FormChoices::Row row{stage.Text(candidates.empty() ? localized::kNoReplacement : localized::kReplacements,
+                                    StringIn(font, "name")),
+                         {},
+                         0};
     if (!candidates.empty())
-        row.options.push_back(stage.Text(kNoReplacementOption));
+        row.options.push_back(stage.Text(localized::kNoReplacementOption));
     for (const json& candidate : candidates)
         row.options.push_back(CandidateText(candidate));
     return row;
@@ -177,7 +185,7 @@ DialogAnswer AskForReplacements(const NativeStage& stage, const json& details) {
     FormChoices choices;
     for (const json& font : fonts)
         choices.rows.push_back(ReplacementRow(stage, font));
-    Form form = MakeForm(stage, kResolveFontsTitle);
+    Form form = MakeForm(stage, localized::kResolveFontsTitle);
     form.controls.emplace_back(std::move(choices));
     if (!IsConfirmedIn(stage, form))
         return false;
@@ -192,8 +200,9 @@ DialogAnswer AskForReplacements(const NativeStage& stage, const json& details) {
 }
 
 DialogAnswer ShowRestrictedFonts(const NativeStage& stage, const json& details) {
-    const StringID textID = IsTrue(details, "onlyNew") ? kNewRestrictedFontsText : kRestrictedFontsText;
-    Form form = MakeForm(stage, kRestrictedFontsTitle);
+    const localized::StringID textID =
+        IsTrue(details, "onlyNew") ? localized::kNewRestrictedFontsText : localized::kRestrictedFontsText;
+    Form form = MakeForm(stage, localized::kRestrictedFontsTitle);
     form.controls.emplace_back(FormText{stage.Text(textID)});
     form.controls.emplace_back(
         FormList{details.at("fonts").get<std::vector<std::string>>(), std::nullopt, false});
@@ -203,9 +212,9 @@ DialogAnswer ShowRestrictedFonts(const NativeStage& stage, const json& details) 
 DialogAnswer AskForFolder(const NativeStage& stage, const json& details) {
     using Outcome = platform::FolderAnswer::Outcome;
     const std::string prompt = StringIn(details, "prompt");
-    const platform::FolderAnswer answer =
-        stage.dialogs.ChooseFolder(stage.owner, prompt.empty() ? stage.Text(kChooseFolderTitle) : prompt,
-                                   StringIn(details, "initialFolder"));
+    const platform::FolderAnswer answer = stage.dialogs.ChooseFolder(
+        stage.owner, prompt.empty() ? stage.Text(localized::kChooseFolderTitle) : prompt,
+        StringIn(details, "initialFolder"));
     if (answer.outcome == Outcome::kCancelled)
         return false;
     return {{"folder", answer.outcome == Outcome::kChosen ? json(answer.path) : json()}};

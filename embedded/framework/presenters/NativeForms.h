@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "LocalizedStrings.h"
 #include "platform/NativeDialogs.h"
 #include "presenters/Presenter.h"
-#include "strings/StringIDs.h"
 
 /// Where a dialog appears, and in which language.
 struct NativeStage {
@@ -14,10 +14,10 @@ struct NativeStage {
     platform::WindowHandle owner;
     std::string language;
 
-    std::string Text(StringID id) const;
-    std::string Text(StringID id, std::string_view value) const;
+    std::string Text(localized::StringID id) const;
+    std::string Text(localized::StringID id, std::string_view value) const;
     /// Without the dots that end the title of a menu item.
-    std::string Title(StringID id) const;
+    std::string Title(localized::StringID id) const;
 };
 
 /// Shows `details`, a DialogQuestion's, and asks. False when the user gives up.

@@ -1,6 +1,6 @@
 #include "presenters/NativePresenter.h"
 
-#include "strings/LocalizedStrings.h"
+#include "strings/StringTables.h"
 
 int32_t NativePresenter::AskMessageBox(const MessageBoxQuestion& question) {
     mProgress.reset();
@@ -19,8 +19,8 @@ DialogAnswer NativePresenter::AskDialog(const DialogQuestion& question) {
 
 bool NativePresenter::ShowProgress(const ProgressStep& step) {
     if (step.done == 0)
-        mProgress =
-            mStage.dialogs.OpenProgress(mStage.owner, WithoutDots(step.title), mStage.Text(kCancelButton));
+        mProgress = mStage.dialogs.OpenProgress(mStage.owner, WithoutDots(step.title),
+                                                mStage.Text(localized::kCancelButton));
     const bool isToGoOn = mProgress == nullptr || mProgress->Show(step.done, step.total);
     if (!isToGoOn || step.done >= step.total)
         mProgress.reset();

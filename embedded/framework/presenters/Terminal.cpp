@@ -8,7 +8,7 @@
 
 #include "PrintableText.h"
 #include "platform/Environment.h"
-#include "strings/LocalizedStrings.h"
+#include "strings/StringTables.h"
 
 namespace {
 
@@ -72,11 +72,11 @@ Terminal::Streams Terminal::StandardStreams() {
     return {std::cin, std::cerr, platform::EnvironmentVariable("NO_COLOR").empty()};
 }
 
-std::string Terminal::Text(StringID id) const {
+std::string Terminal::Text(localized::StringID id) const {
     return LocalizedText(mLanguage, id);
 }
 
-std::string Terminal::Text(StringID id, std::string_view value) const {
+std::string Terminal::Text(localized::StringID id, std::string_view value) const {
     return FillIn(Text(id), value);
 }
 
@@ -128,7 +128,7 @@ std::optional<std::string> Terminal::Ask(const std::string& prompt) {
 }
 
 bool Terminal::IsCancel(std::string_view typed) const {
-    return IsSame(typed, "q") || IsSame(typed, Text(kCancelWord));
+    return IsSame(typed, "q") || IsSame(typed, Text(localized::kCancelWord));
 }
 
 std::optional<int32_t> Terminal::AskForChoice(const std::string& prompt, const Choices& choices) {
@@ -137,7 +137,7 @@ std::optional<int32_t> Terminal::AskForChoice(const std::string& prompt, const C
             return 0;
         if (const Choice* choice = FindChoice(choices, *typed))
             return choice->number;
-        PrintLine(Text(kNoSuchChoice));
+        PrintLine(Text(localized::kNoSuchChoice));
     }
     return std::nullopt;
 }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "strings/StringIDs.h"
+#include "LocalizedStrings.h"
 
 /// One entry of a list to choose from.
 struct Choice {
@@ -38,8 +38,8 @@ public:
 
     Terminal(Streams streams, std::string language) : mStreams(streams), mLanguage(std::move(language)) {}
 
-    std::string Text(StringID id) const;
-    std::string Text(StringID id, std::string_view value) const;
+    std::string Text(localized::StringID id) const;
+    std::string Text(localized::StringID id, std::string_view value) const;
 
     /// The dots that end the title of a menu item are left out.
     void PrintTitle(const std::string& title);

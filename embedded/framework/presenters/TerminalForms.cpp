@@ -1,4 +1,5 @@
 #include "presenters/TerminalForms.h"
+#include "LocalizedStrings.h"
 
 #include <algorithm>
 #include <functional>
@@ -15,10 +16,10 @@ using nlohmann::json;
 
 DialogAnswer ShowAbout(Terminal& terminal, const json& details) {
     const std::string version = StringIn(details, "version");
-    terminal.PrintTitle(terminal.Text(kProductName));
+    terminal.PrintTitle(terminal.Text(localized::kProductName));
     if (!version.empty())
-        terminal.PrintLine(terminal.Text(kVersion, version));
-    terminal.PrintLine(terminal.Text(kAboutText));
+        terminal.PrintLine(terminal.Text(localized::kVersion, version));
+    terminal.PrintLine(terminal.Text(localized::kAboutText));
     return true;
 }
 
@@ -26,7 +27,7 @@ Choices SwitchChoices(const Terminal& terminal, const json& switches) {
     Choices choices;
     for (const json& each : switches)
         choices.push_back({static_cast<int32_t>(choices.size()) + 1, StringIn(each, "title"),
-                           terminal.Text(IsTrue(each, "isOn") ? kOn : kOff), false});
+                           terminal.Text(IsTrue(each, "isOn") ? localized::kOn : localized::kOff), false});
     return choices;
 }
 
@@ -41,9 +42,9 @@ DialogAnswer AskForPreferences(Terminal& terminal, const json& details) {
     json switches = details.at("switches");
     for (;;) {
         const Choices choices = SwitchChoices(terminal, switches);
-        terminal.PrintTitle(terminal.Text(kPreferencesTitle));
+        terminal.PrintTitle(terminal.Text(localized::kPreferences));
         terminal.PrintChoices(choices);
-        const auto number = terminal.AskForChoice(terminal.Text(kSwitchPrompt), choices);
+        const auto number = terminal.AskForChoice(terminal.Text(localized::kSwitchPrompt), choices);
         if (!number)
             return false;
         if (*number == 0)
@@ -65,17 +66,17 @@ Choices WorkgroupChoices(const json& details) {
 
 std::string WorkgroupPrompt(const Terminal& terminal, const Choices& choices) {
     const auto current = std::find_if(choices.begin(), choices.end(), std::mem_fn(&Choice::isCurrent));
-    return current == choices.end() ? terminal.Text(kChoosePrompt)
-                                    : terminal.Text(kChoosePromptWithDefault, current->name);
+    return current == choices.end() ? terminal.Text(localized::kChoosePrompt)
+                                    : terminal.Text(localized::kChoosePromptWithDefault, current->name);
 }
 
 DialogAnswer AskForWorkgroup(Terminal& terminal, const json& details) {
     const Choices choices = WorkgroupChoices(details);
     if (choices.empty()) {
-        terminal.PrintLine(terminal.Text(kNoWorkgroupTitle));
+        terminal.PrintLine(terminal.Text(localized::kNoWorkgroupTitle));
         return false;
     }
-    terminal.PrintTitle(terminal.Text(kSelectWorkgroupTitle));
+    terminal.PrintTitle(terminal.Text(localized::kSelectWorkgroup));
     terminal.PrintChoices(choices);
     const auto number = terminal.AskForChoice(WorkgroupPrompt(terminal, choices), choices);
     if (!number)
@@ -101,25 +102,26 @@ Choices CommandChoices(const json& details, bool areWorkgroups) {
 }
 
 void PrintState(Terminal& terminal, const json& details, const Choices& workgroups) {
-    terminal.PrintLine(terminal.Text(IsTrue(details, "IsOnline") ? kOnline : kOffline));
+    terminal.PrintLine(terminal.Text(IsTrue(details, "IsOnline") ? localized::kOnline : localized::kOffline));
     for (const Choice& workgroup : workgroups) {
         if (workgroup.isCurrent)
-            terminal.PrintLine(terminal.Text(kCurrentWorkgroup, workgroup.name));
+            terminal.PrintLine(terminal.Text(localized::kCurrentWorkgroup, workgroup.name));
     }
 }
 
 DialogAnswer AskForCommand(Terminal& terminal, const json& details) {
     Choices choices = CommandChoices(details, false);
     const Choices workgroups = CommandChoices(details, true);
-    terminal.PrintTitle(terminal.Text(kProductName));
+    terminal.PrintTitle(terminal.Text(localized::kProductName));
     PrintState(terminal, details, workgroups);
     terminal.PrintChoices(choices);
     if (!workgroups.empty())
-        terminal.PrintTitle(
-            terminal.Text(IsTrue(details, "IsLocalPersonal") ? kSelectLibraryTitle : kSelectWorkgroupTitle));
+        terminal.PrintTitle(terminal.Text(IsTrue(details, "IsLocalPersonal") ? localized::kSelectLibrary
+                                                                             : localized::kSelectWorkgroup));
     terminal.PrintChoices(workgroups);
     choices.insert(choices.end(), workgroups.begin(), workgroups.end());
-    const int32_t number = terminal.AskForChoice(terminal.Text(kCommandPrompt), choices).value_or(0);
+    const int32_t number =
+        terminal.AskForChoice(terminal.Text(localized::kCommandPrompt), choices).value_or(0);
     return number != 0 ? DialogAnswer{{"command", number}} : DialogAnswer(false);
 }
 
@@ -134,15 +136,16 @@ Choices CandidateChoices(const json& font) {
 DialogAnswer AskForReplacements(Terminal& terminal, const json& details) {
     json replacements = json::object();
     std::set<std::string> asked;  // a choice is for all fonts of the name
-    terminal.PrintTitle(terminal.Text(kResolveFontsTitle));
+    terminal.PrintTitle(terminal.Text(localized::kResolveFontsTitle));
     for (const json& font : details.at("fonts")) {
         const std::string name = StringIn(font, "name");
         const Choices candidates = CandidateChoices(font);
-        terminal.PrintLine(terminal.Text(candidates.empty() ? kNoReplacement : kReplacements, name));
+        terminal.PrintLine(
+            terminal.Text(candidates.empty() ? localized::kNoReplacement : localized::kReplacements, name));
         if (candidates.empty() || !asked.insert(name).second)
             continue;
         terminal.PrintChoices(candidates);
-        const auto number = terminal.AskForChoice(terminal.Text(kResolvePrompt), candidates);
+        const auto number = terminal.AskForChoice(terminal.Text(localized::kResolvePrompt), candidates);
         if (!number)
             return false;
         if (*number != 0)
@@ -152,31 +155,32 @@ DialogAnswer AskForReplacements(Terminal& terminal, const json& details) {
 }
 
 DialogAnswer ShowRestrictedFonts(Terminal& terminal, const json& details) {
-    terminal.PrintTitle(terminal.Text(kRestrictedFontsTitle));
-    terminal.PrintLine(
-        terminal.Text(IsTrue(details, "onlyNew") ? kNewRestrictedFontsText : kRestrictedFontsText));
+    terminal.PrintTitle(terminal.Text(localized::kRestrictedFontsTitle));
+    terminal.PrintLine(terminal.Text(IsTrue(details, "onlyNew") ? localized::kNewRestrictedFontsText
+                                                                : localized::kRestrictedFontsText));
     for (const json& name : details.at("fonts"))
         terminal.PrintLine("  " + name.get<std::string>());
-    const Choices answers = {{1, terminal.Text(kYes), {}, false}, {2, terminal.Text(kNo), {}, false}};
-    const auto number = terminal.AskForChoice(terminal.Text(kContinuePrompt), answers);
+    const Choices answers = {{1, terminal.Text(localized::kYes), {}, false},
+                             {2, terminal.Text(localized::kNo), {}, false}};
+    const auto number = terminal.AskForChoice(terminal.Text(localized::kContinuePrompt), answers);
     return number.has_value() && *number != 2;
 }
 
 std::string FolderPrompt(const Terminal& terminal, const std::string& initialFolder) {
-    return initialFolder.empty() ? terminal.Text(kFolderPrompt)
-                                 : terminal.Text(kFolderPromptWithDefault, initialFolder);
+    return initialFolder.empty() ? terminal.Text(localized::kFolderPrompt)
+                                 : terminal.Text(localized::kFolderPromptWithDefault, initialFolder);
 }
 
 DialogAnswer AskForFolder(Terminal& terminal, const json& details) {
     const std::string initialFolder = StringIn(details, "initialFolder");
     const std::string title = StringIn(details, "prompt");
-    terminal.PrintTitle(title.empty() ? terminal.Text(kChooseFolderTitle) : title);
+    terminal.PrintTitle(title.empty() ? terminal.Text(localized::kChooseFolderTitle) : title);
     while (const auto typed = terminal.Ask(FolderPrompt(terminal, initialFolder))) {
         if (typed->empty())
             return !initialFolder.empty();
         if (!platform::IsExistingFile(platform::FullPath(*typed)))
             return {{"folder", *typed}};
-        terminal.PrintLine(terminal.Text(kNoFolder, *typed));
+        terminal.PrintLine(terminal.Text(localized::kNoFolder, *typed));
     }
     return false;
 }

@@ -9,7 +9,8 @@ int32_t TerminalPresenter::AskMessageBox(const MessageBoxQuestion& question) {
 }
 
 int32_t TerminalPresenter::AskForButton(const MessageBoxQuestion& question) {
-    const Choices buttons = {{1, mTerminal.Text(kYes), {}, false}, {2, mTerminal.Text(kNo), {}, false}};
+    const Choices buttons = {{1, mTerminal.Text(localized::kYes), {}, false},
+                             {2, mTerminal.Text(localized::kNo), {}, false}};
     const int32_t byDefault = DefaultAnswer(question);
     const int32_t chosen = mTerminal
                                .AskForChoice("1: " + buttons[0].name + "  2: " + buttons[1].name + "  [" +

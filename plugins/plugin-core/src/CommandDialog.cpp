@@ -16,12 +16,13 @@ CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document,
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     CoreAgentInterface* agent = fontManager.GetFontManager();
     CFRef<CFMutableDictionaryRef> state = cf::MutableDictionary();
-    cf::Set(state, "IsLocalPersonal", agent != nullptr && agent->IsRunningStandalone());
+    const bool isStandalone = agent != nullptr && agent->IsRunningStandalone();
+    cf::Set(state, "IsLocalPersonal", isStandalone);
     cf::Set(state, "Workgroups", WorkgroupRecords(workgroups));
     if (const auto current = fontManager.GetDefaultWorkgroupID())
         cf::Set(state, "CurrentWorkgroupID", *current);
     cf::Set(state, "ButtonsEnabled", MenuCommands::AreAllowed(document));
-    cf::Set(state, "IsOnline", MarquellGlobals::IsConnectedToCore());
+    cf::Set(state, "IsOnline", MarquellGlobals::IsConnectedToCore() && !isStandalone);
     return state;
 }
 

@@ -7,8 +7,9 @@
 #include "FontDialogs.h"
 #include "FontManagerInterface.h"
 #include "GFile.h"
-#include "LocalizedStringIDs.h"
+#include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 namespace {
@@ -17,7 +18,6 @@ using CommonFunctionality::Document;
 
 constexpr ErrorCode kNotCompleted = CoreErrorCodes::kOutOfMemory;
 constexpr char kCheckName[] = "PluginCoreInterface::HandleCheckDocumentFonts";
-constexpr char kLastFolder[] = "LastCFOFolder";
 constexpr int kMostSetsOfOneName = 99;
 
 VPFInterface& Framework() {
@@ -69,13 +69,13 @@ CFArrayRef MatchedFonts(OneTrackedDocument& document) {
 
 bool ChooseDestination(const OneTrackedDocument& document, std::string& destination) {
     const std::string& path = document.DocumentFilePath();
-    std::string folder = Framework().GetStringPreference(kLastFolder);
+    std::string folder = Framework().GetStringPreference(preferences::LastCFOFolder);
     if (folder.empty())
         folder = platform::FolderPart(path);
     const std::string initialFolder = folder;
     if (!FontManagerInterface::GetSharedInstance().ShowSaveFolderDialog(initialFolder, folder))
         return false;
-    Framework().SetStringPreference(kLastFolder, folder);
+    Framework().SetStringPreference(preferences::LastCFOFolder, folder);
     if (!platform::NamePart(folder).empty())
         folder += platform::kPathSeparator;
     destination = folder + NameOf(document) + " Fonts";
@@ -87,7 +87,7 @@ bool AreFontsMissing(const OneTrackedDocument& document, ErrorCode code) {
 }
 
 /// What to say about an attempt to collect `count` fonts that ended with `code`.
-MessageBoxStrings MessageForCollecting(const OneTrackedDocument& document, CFIndex count, ErrorCode code) {
+MessageBoxAbout MessageForCollecting(const OneTrackedDocument& document, CFIndex count, ErrorCode code) {
     switch (code) {
         case CoreErrorCodes::kSuccess:
         case GZephyrinExportFonts::kFontUnavailableToExport:

@@ -1,47 +1,26 @@
 #include "MenuCommands.h"
 
-#include <array>
-
 #include "CommonFunctionality.h"
 #include "DocumentCommands.h"
 #include "FontManagerInterface.h"
 #include "GeneralInterface.h"
-#include "LocalizedStringIDs.h"
+#include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
 
-struct MenuText {
-    MenuLabel label;
-    uint32_t stringID;
-    const char* text;  ///< in English, the language of hosts that do not translate
-};
-
-constexpr std::array<MenuText, 7> kMenuTexts{
-    {{MenuLabel::kRoot, localized::kProductName, "Quillon Type Client"},
-     {MenuLabel::kWorkgroups, localized::kSelectWorkgroup, "Select Workgroup"},
-     {MenuLabel::kAbout, localized::kAbout, "About..."},
-     {MenuLabel::kPreferences, localized::kPreferences, "Preferences..."},
-     {MenuLabel::kCollectFonts, localized::kCollectFonts, "Collect Fonts for Output..."},
-     {MenuLabel::kCreateDocumentSet, localized::kCreateDocumentSet, "Create Document Set..."},
-     {MenuLabel::kCheckFonts, localized::kCheckFonts, "Check Document's Fonts"}}};
-constexpr MenuText kSelectLibrary{MenuLabel::kWorkgroups, localized::kSelectLibrary, "Select Library"};
-
-std::string Localized(const MenuText& text) {
-    const std::string localizedText =
-        MarquellGlobals::GetSharedVPFInterface()->LocalizedString(text.stringID);
-    return localizedText.empty() ? text.text : localizedText;
+/// In the user's language, else in English, the language of hosts that do not translate.
+std::string Localized(localized::StringID text) {
+    const std::string localizedText = MarquellGlobals::GetSharedVPFInterface()->LocalizedString(text);
+    return localizedText.empty() ? std::string(localized::EnglishText(text)) : localizedText;
 }
 
 bool IsRunningStandalone() {
     CoreAgentInterface* agent = FontManagerInterface::GetSharedInstance().GetFontManager();
     return agent != nullptr && agent->IsRunningStandalone();
-}
-
-bool IsCommand(MenuLabel label) {
-    return label >= MenuLabel::kCollectFonts && label < MenuLabel::kFirstWorkgroup;
 }
 
 /// Tells a user who is not logged in so.
@@ -54,13 +33,13 @@ bool MayWork(bool isLoggedIn) {
 void ShowPreferences(VPFInterface& framework) {
     if (!framework.ShowPreferences())
         return;
-    if (framework.GetBoolPreference("EnableLogging"))
+    if (framework.GetBoolPreference(preferences::EnableLogging))
         EnableLogging();
     if (GeneralInterface* hostApp = CommonFunctionality::SharedHostAppInterface())
         hostApp->Refresh(true, true);
 }
 
-void Carry(MenuLabel command, const std::string& document, const std::string& extra) {
+void Dispatch(MenuLabel command, const std::string& document, const std::string& extra) {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
     switch (command) {
         case MenuLabel::kAbout:
@@ -90,17 +69,18 @@ namespace MenuCommands {
 
 std::string TitleOf(MenuLabel label) {
     if (label == MenuLabel::kWorkgroups && IsRunningStandalone())
-        return Localized(kSelectLibrary);
-    for (const MenuText& each : kMenuTexts) {
+        return Localized(localized::kSelectLibrary);
+    for (const MenuItem& each : kMenuItems) {
         if (each.label == label)
-            return Localized(each);
+            return Localized(each.text);
     }
     return {};
 }
 
 std::optional<MenuLabel> FromText(const std::string& text) {
-    for (const MenuText& each : kMenuTexts) {
-        if (IsCommand(each.label) && (text == each.text || text == Localized(each)))
+    for (const MenuItem& each : kMenuItems) {
+        if (IsCommand(each.label) &&
+            (text == localized::EnglishText(each.text) || text == Localized(each.text)))
             return each.label;
     }
     return std::nullopt;
@@ -115,7 +95,7 @@ void Run(MenuLabel command, bool isLoggedIn, const std::string& document, const 
     isRunning = true;
     const ScopeExit done([] { isRunning = false; });
     if (command == MenuLabel::kAbout || MayWork(isLoggedIn))
-        Carry(command, document, extra);
+        Dispatch(command, document, extra);
 }
 
 void ChooseWorkgroup(const std::string& name, bool isLoggedIn) {
@@ -135,7 +115,8 @@ void ChooseWorkgroup(const Workgroup& workgroup, bool isLoggedIn) {
 
 bool AreAllowed(const std::string& document) {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    return !document.empty() && preferences->IsValid() && preferences->GetBoolPreference("EnablePlugin");
+    return !document.empty() && preferences->IsValid() &&
+           preferences->GetBoolPreference(preferences::EnablePlugin);
 }
 
 }  // namespace MenuCommands

@@ -1,24 +1,11 @@
 // The commands of the plug-in menu: their places, their texts, and what they do.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
+#include "MenuItems.h"
 #include "Workgroup.h"
-
-/// The numbers that label the items of the menu.
-enum class MenuLabel : int32_t {
-    kSeparator = 0,
-    kRoot = 1,
-    kWorkgroups = 2,
-    kCollectFonts = 3,
-    kCreateDocumentSet = 4,
-    kCheckFonts = 5,
-    kPreferences = 6,
-    kAbout = 7,
-    kFirstWorkgroup = 8  ///< one for each workgroup from here on
-};
 
 namespace MenuCommands {
 

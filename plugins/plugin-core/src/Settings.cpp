@@ -1,84 +1,36 @@
 #include "Settings.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 namespace {
 
-// In the order in which GetSettings writes them.
-constexpr std::array<const char*, 31> kPreferenceKeys{"EnablePlugin",
-                                                      "EnableGlyphscan",
-                                                      "PickBestMatch",
-                                                      "SupportEmbeddedObjects",
-                                                      "CloseFontsOnHostAppQuit",
-                                                      "CloseFontsOnDocClose",
-                                                      "ActivateEntireFamilies",
-                                                      "ActivateGlobally",
-                                                      "ActivateLocally",
-                                                      "CurrentWorkgroup",
-                                                      "DialogSuppression",
-                                                      "GWFHaveEverBeenEnabled",
-                                                      "LastCFOFolder",
-                                                      "RMF4",
-                                                      "RMF5",
-                                                      "RMF6",
-                                                      "RMF7",
-                                                      "NotificationDelay",
-                                                      "SuppressPanelLaunch",
-                                                      "CS5PanelWidth",
-                                                      "CS5PanelHeight",
-                                                      "CS6PanelWidth",
-                                                      "CS6PanelHeight",
-                                                      "CS7PanelWidth",
-                                                      "CS7PanelHeight",
-                                                      "DropDownSelection",
-                                                      "DropDownSelectionSavesSmartLists",
-                                                      "EnableLogging",
-                                                      "LastAddress",
-                                                      "LastPort",
-                                                      "LastUsername"};
+using preferences::Preference;
 
-struct BoolDefault {
-    const char* key;
-    bool value;
-};
-struct IntDefault {
-    const char* key;
-    int value;
-};
-
-constexpr std::array<BoolDefault, 8> kBoolDefaults{{{"EnablePlugin", true},
-                                                    {"EnableGlyphscan", true},
-                                                    {"DialogSuppression", true},
-                                                    {"PickBestMatch", true},
-                                                    {"SupportEmbeddedObjects", true},
-                                                    {"CloseFontsOnHostAppQuit", true},
-                                                    {"CloseFontsOnDocClose", false},
-                                                    {"ActivateEntireFamilies", false}}};
-constexpr std::array<IntDefault, 2> kPanelSizeDefaults{{{"CS5PanelWidth", 260}, {"CS5PanelHeight", 350}}};
-constexpr BoolDefault kLastDefault{"DropDownSelection", false};
-
-bool IsKnownKey(std::string_view key) {
-    return std::find(kPreferenceKeys.begin(), kPreferenceKeys.end(), key) != kPreferenceKeys.end();
+/// Null for a key that is none.
+const Preference* FindPreference(std::string_view key) {
+    const auto found = std::find_if(std::begin(preferences::kAll), std::end(preferences::kAll),
+                                    [&](const Preference& each) { return key == each.key; });
+    return found != std::end(preferences::kAll) ? &*found : nullptr;
 }
 
-bool HoldsString(std::string_view key) {
-    return key == "LastCFOFolder" || key == "LastUsername";
-}
-
-std::optional<int64_t> NumberFromText(std::string_view text) {
-    int64_t number = 0;
+/// Numbers of preferences have 32 bits with sign. One of them is what hosts pass for a text that is no number.
+std::optional<int32_t> NumberFromText(std::string_view text) {
+    constexpr auto kNoNumber = static_cast<int32_t>(0x80000001);
+    int32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+    const bool isNumber = error == std::errc() && end == text.data() + text.size() && number != kNoNumber;
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 /// A text that grows in the caller's buffer, always terminated; what does not fit is cut.
@@ -104,9 +56,9 @@ private:
     size_t mLength = 0;
 };
 
-std::optional<int64_t> NumberFromValue(const char* key, const char* value) {
-    const std::optional<int64_t> number = NumberFromText(value);
-    if (!number && std::strcmp(key, "CurrentWorkgroup") == 0)
+std::optional<int32_t> NumberFromValue(const char* key, const char* value) {
+    const std::optional<int32_t> number = NumberFromText(value);
+    if (!number && std::strcmp(key, preferences::CurrentWorkgroup) == 0)
         return FontManagerInterface::GetSharedInstance().FindWorkgroupID(value);
     return number;
 }
@@ -120,16 +72,18 @@ ErrorCode ReportNotStored(const char* key) {
 }  // namespace
 
 void Settings::RegisterDefaults() {
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    VantorixPluginFramework* framework = preferences->Framework();
+    VantorixPluginFramework* framework = MarquellGlobals::GetSharedVPFInterface()->Framework();
     if (framework == nullptr || framework->AreDefaultsRegistered())
         return;
     const CFRef<CFMutableDictionaryRef> defaults = cf::MutableDictionary();
-    for (const BoolDefault& each : kBoolDefaults)
-        cf::Set(defaults, each.key, each.value);
-    for (const IntDefault& each : kPanelSizeDefaults)
-        cf::Set(defaults, each.key, each.value);
-    cf::Set(defaults, kLastDefault.key, kLastDefault.value);
+    for (const Preference& each : preferences::kAll) {
+        if (!each.defaultValue)
+            continue;
+        if (each.kind == preferences::Kind::kSwitch)
+            cf::Set(defaults, each.key, *each.defaultValue != 0);
+        else
+            cf::Set(defaults, each.key, *each.defaultValue);
+    }
     if (!framework->RegisterDefaults(defaults.get()))
         LogMessage(0, "ERROR:  the default preferences could not be stored");
 }
@@ -137,17 +91,17 @@ void Settings::RegisterDefaults() {
 ErrorCode Settings::GetSettings(char* buffer, const size_t* bufferSize) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (!preferences->IsMade() || buffer == nullptr || bufferSize == nullptr)
+    VPFInterface* store = MarquellGlobals::GetSharedVPFInterface();
+    if (!store->IsMade() || buffer == nullptr || bufferSize == nullptr)
         return CoreErrorCodes::kInvalidParam;
     BoundedText text(buffer, *bufferSize);
     bool isWhole = text.Append("{");
-    for (const char* key : kPreferenceKeys) {
+    for (const Preference& each : preferences::kAll) {
         char piece[256];
-        std::snprintf(piece, sizeof piece, "\"%s\":\"%ld\"", key,
-                      static_cast<long>(preferences->GetIntPreference(key)));
+        std::snprintf(piece, sizeof piece, "\"%s\":\"%ld\"", each.key,
+                      static_cast<long>(store->GetIntPreference(each.key)));
         isWhole = isWhole && text.Append(piece);
-        if (isWhole && key != kPreferenceKeys.back())
+        if (isWhole && &each != std::end(preferences::kAll) - 1)
             isWhole = text.Append(",");
         if (!isWhole)
             break;
@@ -159,16 +113,19 @@ ErrorCode Settings::GetSettings(char* buffer, const size_t* bufferSize) {
 ErrorCode Settings::SetPreference(const char* key, const char* value) {
     if (!MarquellGlobals::IsPluginFunctional())
         return CoreErrorCodes::kNotInitialized;
-    VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
-    if (!preferences->IsMade() || key == nullptr || value == nullptr || !IsKnownKey(key))
+    VPFInterface* store = MarquellGlobals::GetSharedVPFInterface();
+    if (!store->IsMade() || key == nullptr || value == nullptr)
         return CoreErrorCodes::kInvalidParam;
-    if (HoldsString(key)) {
-        if (!preferences->SetStringPreference(key, value))
+    const Preference* preference = FindPreference(key);
+    if (preference == nullptr)
+        return CoreErrorCodes::kInvalidParam;
+    if (preference->kind == preferences::Kind::kText) {
+        if (!store->SetStringPreference(key, value))
             ReportNotStored(key);
         return CoreErrorCodes::kInvalidParam;  // hosts know this answer
     }
-    const std::optional<int64_t> number = NumberFromValue(key, value);
+    const std::optional<int32_t> number = NumberFromValue(key, value);
     if (!number)
         return CoreErrorCodes::kInvalidParam;
-    return preferences->SetIntPreference(key, *number) ? CoreErrorCodes::kSuccess : ReportNotStored(key);
+    return store->SetIntPreference(key, *number) ? CoreErrorCodes::kSuccess : ReportNotStored(key);
 }

@@ -12,6 +12,7 @@
 #include "PanelManager.h"
 #include "PluginCoreInterface.h"
 #include "PluginIdentity.h"
+#include "Preferences.h"
 #include "Settings.h"
 #include "StringConversion.h"
 #include "TraceLog.h"
@@ -59,7 +60,7 @@ ErrorCode CheckHostAndFontManager(bool& allowDialogs, ChosenMessage& message) {
 void SetUpFramework(VPFInterface& framework, ChosenMessage message) {
     framework.SetParentWindowForUi(MarquellGlobals::GetHostAppMainWindow());
     SetLogFile((MarquellGlobals::GetPluginHostApp() + ".log").c_str());
-    if (framework.GetBoolPreference("EnableLogging"))
+    if (framework.GetBoolPreference(preferences::EnableLogging))
         EnableLogging();
     if (message != nullptr)
         framework.ShowMessageBox(*message);
@@ -72,7 +73,7 @@ void CheckFrameworkState(const VPFInterface& framework, bool allowDialogs) {
         return;
     if (allowDialogs)
         platform::Current<platform::Windowing>().ShowStringResourceNotice(framework.FrameworkPath(),
-                                                                          kFrameworkFailureStringID);
+                                                                          localized::kFrameworkFailure);
     DisableServices();
 }
 
@@ -106,7 +107,7 @@ void CheckLoginAndWorkgroups(VPFInterface& framework, bool allowDialogs) {
     if (agent == nullptr || !MarquellGlobals::IsPluginFunctional())
         return;
     CheckLogin(framework, *agent);
-    if (MarquellGlobals::IsPluginFunctional() && framework.GetBoolPreference("EnablePlugin") &&
+    if (MarquellGlobals::IsPluginFunctional() && framework.GetBoolPreference(preferences::EnablePlugin) &&
         agent->IsLoggedIn() && !agent->IsRunningStandalone())
         CheckWorkgroups(fontManager, allowDialogs);
 }
@@ -190,7 +191,7 @@ ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* ver
 
 ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
     isEnabled = false;
-    if (!MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin"))
+    if (!MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnablePlugin))
         return CoreErrorCodes::kUnknownError;
     const bool wasLoggedIn = MarquellGlobals::IsLoggedIn();
     if (MarquellGlobals::IsPluginFunctional()) {  // logged in, too

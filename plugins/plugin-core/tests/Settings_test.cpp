@@ -62,7 +62,10 @@ TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesIgnored) {
     EXPECT_EQ(Settings::SetPreference("PickBestMatch", "0"), CoreErrorCodes::kSuccess);
     EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", "-12"), CoreErrorCodes::kSuccess);
     EXPECT_EQ(framework.numbers["CS5PanelWidth"], -12);
-    for (const char* value : {"", "yes", "1x", " 1", "99999999999999999999"})
+    EXPECT_EQ(Settings::SetPreference("RMF4", "-2147483648"), CoreErrorCodes::kSuccess);
+    // Numbers of 32 bits, of which one stands for none.
+    for (const char* value :
+         {"", "yes", "1x", " 1", "99999999999999999999", "4294967296", "2147483648", "-2147483647"})
         EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", value), CoreErrorCodes::kInvalidParam) << value;
     EXPECT_EQ(framework.numbers["CS5PanelWidth"], -12);
     EXPECT_EQ(Settings::SetPreference("NoSuchKey", "1"), CoreErrorCodes::kInvalidParam);

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "platform/Folders.h"
-#include "strings/LocalizedStrings.h"
+#include "strings/StringTables.h"
 #include "tests/FrameworkTestSupport.h"
 #include "tests/windows/FrameworkDialogs.h"
 #include "windows/DialogDriver.h"

@@ -6,6 +6,7 @@
 #include "MarquellGlobals.h"
 #include "NoDestructor.h"
 #include "NotificationQueue.h"
+#include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 #include "VersionsAreCompatible.h"
@@ -91,7 +92,7 @@ bool FontManagerInterface::CreateFontManager() {
 
 bool FontManagerInterface::IsUsable() {
     return sm_pFontManager != nullptr && MarquellGlobals::IsPluginFunctional() &&
-           MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("EnablePlugin");
+           MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnablePlugin);
 }
 
 void FontManagerInterface::OnUserAction() {
@@ -147,7 +148,7 @@ void FontManagerInterface::OnHostAppShuttingDown() {
         return;
     }
     const ScopeExit release([this] { ReleaseFontManager(); });
-    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference("CloseFontsOnHostAppQuit") &&
+    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::CloseFontsOnHostAppQuit) &&
         IsLoggedIn())
         MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
 }

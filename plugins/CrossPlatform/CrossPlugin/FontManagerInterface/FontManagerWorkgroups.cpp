@@ -4,12 +4,11 @@
 
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 
 namespace {
-
-constexpr char kCurrentWorkgroup[] = "CurrentWorkgroup";
 
 bool Holds(const std::vector<Workgroup>& workgroups, int32_t id) {
     return std::any_of(workgroups.begin(), workgroups.end(),
@@ -33,9 +32,10 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
     VPFInterface* preferences = MarquellGlobals::GetSharedVPFInterface();
     if (!preferences->IsMade())
         return;
-    LogMessage(0, "CloseFontsOnDocClose=%d", preferences->GetBoolPreference("CloseFontsOnDocClose"));
+    LogMessage(0, "CloseFontsOnDocClose=%d",
+               preferences->GetBoolPreference(preferences::CloseFontsOnDocClose));
     if (mDefaultWorkgroupID || !MarquellGlobals::IsPluginFunctional() ||
-        !preferences->GetBoolPreference("EnablePlugin"))
+        !preferences->GetBoolPreference(preferences::EnablePlugin))
         return;
     CoreAgentInterface* const agent = sm_pFontManager;  // a dialog may outlast it
     if (agent->IsLoggedIn() || agent->IsRunningStandalone())
@@ -73,7 +73,7 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
     const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
     if (workgroups.empty())
         return std::nullopt;
-    const int64_t lastTime = framework->GetIntPreference(kCurrentWorkgroup);
+    const int64_t lastTime = framework->GetIntPreference(preferences::CurrentWorkgroup);
     if (lastTime != 0 && std::in_range<int32_t>(lastTime) &&
         Holds(workgroups, static_cast<int32_t>(lastTime)))
         return static_cast<int32_t>(lastTime);
@@ -87,7 +87,7 @@ std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
 
 void FontManagerInterface::SetCurrentWorkgroup(int32_t workgroupID) {
     SetDefaultWorkgroupID(workgroupID);
-    MarquellGlobals::GetSharedVPFInterface()->SetIntPreference(kCurrentWorkgroup, workgroupID);
+    MarquellGlobals::GetSharedVPFInterface()->SetIntPreference(preferences::CurrentWorkgroup, workgroupID);
     // They are off while there is no workgroup to work in; for other reasons they stay off.
     if (!MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore() &&
         MarquellGlobals::IsLoggedIn())

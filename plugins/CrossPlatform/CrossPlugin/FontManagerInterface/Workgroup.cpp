@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "LocalizedStringIDs.h"
+#include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
 
 namespace {
@@ -29,7 +29,9 @@ uint32_t StringIDFor(int32_t type, const std::string& agentName) {
         return 0;  // not known: shown as the font manager has it
     if (agentName == "Font Library (LOCALIZE ME)")
         return localized::kFontLibrary;
-    return agentName == "Google Library (LOCALIZE ME)" ? localized::kGoogleLibrary : 0;
+    if (agentName == "Google Library (LOCALIZE ME)")
+        return localized::kGoogleLibrary;
+    return 0;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <string_view>
 
+#include "HostApplications.h"
 #include "TraceLog.h"
 
 namespace {
@@ -26,21 +27,6 @@ constexpr std::array<NamedKind, 5> kNamedKinds{{{"InDesign", HostKind::kInDesign
                                                 {"Illustrator", HostKind::kIllustrator},
                                                 {"Photoshop", HostKind::kPhotoshop},
                                                 {"After", HostKind::kAfterEffects}}};
-
-struct BundleHostApp {
-    const char* bundleID;
-    const char* hostApp;
-};
-
-constexpr std::array<BundleHostApp, 8> kBundleHostApps{
-    {{"com.vantorix.AutoActivationPlugin.AI27", "Illustrator2023"},
-     {"com.vantorix.AutoActivationPlugin.AI28", "Illustrator2024"},
-     {"com.vantorix.AutoActivationPlugin.AI29", "Illustrator2025"},
-     {"com.vantorix.AutoActivationPlugin.AI30", "Illustrator2026"},
-     {"com.vantorix.AutoActivationPlugin.AE230", "AfterEffects2023"},
-     {"com.vantorix.AutoActivationPlugin.AE240", "AfterEffects2024"},
-     {"com.vantorix.AutoActivationPlugin.AE250", "AfterEffects2025"},
-     {"com.vantorix.AutoActivationPlugin.AE260", "AfterEffects2026"}}};
 
 /// The value of the version component at `position`, which is moved past it and its dot. Characters are not
 /// checked for being digits. Unsigned, so that an absurd number wraps around.
@@ -114,9 +100,9 @@ std::string HostWindowName(const std::string& hostApp) {
 }
 
 std::string MapBundleIDtoHostApp(const std::string& bundleID) {
-    for (const BundleHostApp& each : kBundleHostApps) {
-        if (bundleID == each.bundleID)
-            return each.hostApp;
+    for (const NamedHostApplication& each : kHostApplications) {
+        if (bundleID == std::string(kPluginIdentifierPrefix).append(each.identifierEnd))
+            return std::string(each.hostApp);
     }
     LogMessage(0, "Unknown bundleID in %s(%s)", "MapBundleIDtoHostApp", bundleID.c_str());
     return {};

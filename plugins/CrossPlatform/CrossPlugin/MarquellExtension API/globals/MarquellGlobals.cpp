@@ -3,6 +3,7 @@
 #include "FontManagerAccess.h"
 #include "NoDestructor.h"
 #include "PluginIdentity.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 namespace {
@@ -266,8 +267,8 @@ bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint) 
         hostApp->ShowProgressHint("...SaveDocumentFonts() hint");
     VPFInterface* preferences = GetSharedVPFInterface();
     FontManagerAccess* fontManager = GetFontManagerAccess();
-    if (!IsPluginFunctional() || !preferences->GetBoolPreference("EnablePlugin") || fontManager == nullptr ||
-        !fontManager->IsLoggedIn())
+    if (!IsPluginFunctional() || !preferences->GetBoolPreference(preferences::EnablePlugin) ||
+        fontManager == nullptr || !fontManager->IsLoggedIn())
         return false;
     LogMessage(0, "Calling VPI SaveDocumentFonts");
     success = false;

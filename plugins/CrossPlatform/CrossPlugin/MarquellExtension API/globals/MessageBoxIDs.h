@@ -1,45 +1,72 @@
-// The framework's message boxes, each a pair of localized strings: title and text.
+// The message boxes of the core, each a pair of localized strings.
 #pragma once
 
-#include <cstdint>
+#include "LocalizedStrings.h"
 
+/// One that says the same each time.
 struct MessageBoxStrings {
-    uint32_t titleID;
-    uint32_t textID;
+    consteval MessageBoxStrings(localized::StringID title, localized::StringID text)
+        : titleID(title),
+          textID(localized::NamesSomething(localized::EnglishText(text))
+                     ? throw "the text has a place for a name"
+                     : text) {}
+
+    localized::StringID titleID;
+    localized::StringID textID;
+};
+
+/// One that names a folder, a set or what is missing.
+struct MessageBoxAbout {
+    consteval MessageBoxAbout(localized::StringID title, localized::StringID text)
+        : titleID(title),
+          textID(localized::NamesSomething(localized::EnglishText(text))
+                     ? text
+                     : throw "the text has no place for a name") {}
+
+    localized::StringID titleID;
+    localized::StringID textID;
 };
 
 namespace message_boxes {
 
-inline constexpr MessageBoxStrings kIncompatibleHost{598, 599};
-inline constexpr MessageBoxStrings kAgentNotRunning{600, 601};
-inline constexpr MessageBoxStrings kFontManagerUnreachable{602, 603};
+inline constexpr MessageBoxStrings kIncompatibleHost{localized::kIncompatibleHostTitle,
+                                                     localized::kIncompatibleHost};
+inline constexpr MessageBoxStrings kAgentNotRunning{localized::kAgentNotRunningTitle,
+                                                    localized::kAgentNotRunning};
+inline constexpr MessageBoxStrings kFontManagerUnreachable{localized::kFontManagerUnreachableTitle,
+                                                           localized::kFontManagerUnreachable};
 /// Yes or no: start the agent again? The second one is for hosts that name their panel an extension.
-inline constexpr MessageBoxStrings kRelaunchAgent{604, 605};
-inline constexpr MessageBoxStrings kRelaunchAgentFromExtension{604, 606};
-inline constexpr MessageBoxStrings kNotLoggedIn{609, 611};
-inline constexpr MessageBoxStrings kLogInNow{609, 610};
-inline constexpr MessageBoxStrings kNoWorkgroup{620, 621};
-inline constexpr MessageBoxStrings kNoWorkgroupStandalone{639, 640};
-inline constexpr MessageBoxStrings kVaultInUse{630, 631};
-inline constexpr MessageBoxStrings kInvalidVault{630, 632};
-inline constexpr MessageBoxStrings kAgentFailedToInitialize{630, 633};
+inline constexpr MessageBoxStrings kRelaunchAgent{localized::kRelaunchAgentTitle, localized::kRelaunchAgent};
+inline constexpr MessageBoxStrings kRelaunchAgentFromExtension{localized::kRelaunchAgentTitle,
+                                                               localized::kRelaunchAgentFromExtension};
+inline constexpr MessageBoxStrings kNotLoggedIn{localized::kNotLoggedInTitle, localized::kNotLoggedIn};
+/// Yes or no. Nothing asks so yet: people log in at the font manager itself.
+inline constexpr MessageBoxStrings kLogInNow{localized::kNotLoggedInTitle, localized::kLogInNow};
+inline constexpr MessageBoxStrings kNoWorkgroup{localized::kNoWorkgroupTitle, localized::kNoWorkgroup};
+inline constexpr MessageBoxStrings kNoWorkgroupStandalone{localized::kNoLibraryTitle, localized::kNoLibrary};
+inline constexpr MessageBoxStrings kVaultInUse{localized::kFontsUnusableTitle, localized::kVaultInUse};
+inline constexpr MessageBoxStrings kInvalidVault{localized::kFontsUnusableTitle, localized::kInvalidVault};
+inline constexpr MessageBoxStrings kAgentFailedToInitialize{localized::kFontsUnusableTitle,
+                                                            localized::kAgentFailedToInitialize};
 
-// What the document commands tell. Texts marked with * name a folder, a set or what is missing: "%s".
-inline constexpr MessageBoxStrings kFontsCollected{204, 650};               ///< *
-inline constexpr MessageBoxStrings kFontsCollectedExceptMissing{204, 651};  ///< *
-inline constexpr MessageBoxStrings kNoFontsToCollect{204, 652};             ///< *
-inline constexpr MessageBoxStrings kFontsNotCollected{204, 653};            ///< *
-inline constexpr MessageBoxStrings kCollectingStopped{204, 654};            ///< *
-inline constexpr MessageBoxStrings kAllFontsActive{206, 655};
-inline constexpr MessageBoxStrings kDocumentHasNoFonts{206, 656};
-inline constexpr MessageBoxStrings kFontsNotChecked{206, 657};
-inline constexpr MessageBoxStrings kDocumentSetCreated{205, 658};      ///< *
-inline constexpr MessageBoxStrings kDocumentSetNotCreated{205, 659};   ///< *
-inline constexpr MessageBoxStrings kDocumentNotOpen{199, 660};         ///< *
-inline constexpr MessageBoxStrings kCollectingNotPermitted{204, 661};  ///< *
-inline constexpr MessageBoxStrings kFontsMissing{206, 662};            ///< *
+// What the document commands tell.
+inline constexpr MessageBoxAbout kFontsCollected{localized::kCollectFonts, localized::kFontsCollected};
+inline constexpr MessageBoxAbout kFontsCollectedExceptMissing{localized::kCollectFonts,
+                                                              localized::kFontsCollectedExceptMissing};
+inline constexpr MessageBoxAbout kNoFontsToCollect{localized::kCollectFonts, localized::kNoFontsToCollect};
+inline constexpr MessageBoxAbout kFontsNotCollected{localized::kCollectFonts, localized::kFontsNotCollected};
+inline constexpr MessageBoxAbout kCollectingStopped{localized::kCollectFonts, localized::kCollectingStopped};
+inline constexpr MessageBoxStrings kAllFontsActive{localized::kCheckFonts, localized::kAllFontsActive};
+inline constexpr MessageBoxStrings kDocumentHasNoFonts{localized::kCheckFonts,
+                                                       localized::kDocumentHasNoFonts};
+inline constexpr MessageBoxStrings kFontsNotChecked{localized::kCheckFonts, localized::kFontsNotChecked};
+inline constexpr MessageBoxAbout kDocumentSetCreated{localized::kCreateDocumentSet,
+                                                     localized::kDocumentSetCreated};
+inline constexpr MessageBoxAbout kDocumentSetNotCreated{localized::kCreateDocumentSet,
+                                                        localized::kDocumentSetNotCreated};
+inline constexpr MessageBoxAbout kDocumentNotOpen{localized::kProductName, localized::kDocumentNotOpen};
+inline constexpr MessageBoxAbout kCollectingNotPermitted{localized::kCollectFonts,
+                                                         localized::kCollectingNotPermitted};
+inline constexpr MessageBoxAbout kFontsMissing{localized::kCheckFonts, localized::kFontsMissing};
 
 }  // namespace message_boxes
-
-/// String resource of the framework's module that says that the framework itself cannot be used.
-inline constexpr uint32_t kFrameworkFailureStringID = 105;

@@ -134,7 +134,7 @@ bool VPFInterface::AskYesNo(MessageBoxStrings strings) {
                 MessageBoxButtons::kYesNo) == 1;
 }
 
-void VPFInterface::ShowMessageAbout(MessageBoxStrings strings, const std::string& subject) {
+void VPFInterface::ShowMessageAbout(MessageBoxAbout strings, const std::string& subject) {
     const Showing showing;
     const CFRef<CFStringRef> text = cf::String(subject);
     Call(&VantorixPluginFramework::ShowMessageAbout, strings.titleID, strings.textID, text.get());

@@ -69,7 +69,7 @@ public:
     /// Shows a message with two buttons; true for the first.
     bool AskYesNo(MessageBoxStrings strings);
     /// Shows a message with one button whose text names `subject`.
-    void ShowMessageAbout(MessageBoxStrings strings, const std::string& subject);
+    void ShowMessageAbout(MessageBoxAbout strings, const std::string& subject);
     /// Shows that `done` of `total` steps are done, under that title; false when the user wants to stop.
     bool ShowProgress(uint32_t titleID, int done, int total);
     void SetParentWindowForUi(void* window);

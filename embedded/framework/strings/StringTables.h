@@ -6,15 +6,11 @@
 #include <string>
 #include <string_view>
 
-/// Texts are UTF-8. A text may hold one "%s", then it does in all languages; see FillIn.
-struct LocalizedString {
-    uint32_t id;
-    const char* text;
-};
+#include "LocalizedStrings.h"
 
 /// The table of a language, by its two-letter code, in ascending order of the identifiers; English for a
 /// language that has none. Any thread.
-std::span<const LocalizedString> LocalizedStringTable(std::string_view language);
+std::span<const localized::String> LocalizedStringTable(std::string_view language);
 
 /// The text in that language, else in English; null when there is none. Lives to process end. Any thread.
 const char* FindLocalizedString(std::string_view language, uint32_t id);
