@@ -16,7 +16,7 @@ CFRef<CFDictionaryRef> PropertyListFromXML(const std::string& xml) {
     const auto data = AdoptCF(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(xml.data()),
                                            static_cast<CFIndex>(xml.size())));
     if (!data) {
-        LogMessage(0, "...CFDataCreate could not deal with \"%s\".", xml.c_str());
+        LogLines(0, "...CFDataCreate could not deal with \"%s\".", xml.c_str());
         return nullptr;
     }
     CFStringRef failure = nullptr;
@@ -25,7 +25,7 @@ CFRef<CFDictionaryRef> PropertyListFromXML(const std::string& xml) {
     const CFRef<CFStringRef> message = AdoptCF(failure);
     const auto dictionary = cf::As<CFDictionaryRef>(list.get());
     if (dictionary == nullptr)
-        LogMessage(0, "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
+        LogLines(0, "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
                    xml.c_str(), cf::ToUtf8(message.get()).c_str());
     return RetainCF(dictionary);
 }
