@@ -19,7 +19,6 @@ using nlohmann::json;
 
 constexpr int32_t kFirstWorkgroupCommand = 8;
 /// Stands for no workgroup of its own, so nothing can be made in it.
-constexpr int32_t kPseudoWorkgroupID = -2;
 
 json WorkgroupList(CFArrayRef workgroups) {
     json list = json::array();
@@ -39,7 +38,7 @@ json NumberOrNull(CFDictionaryRef dictionary, const char* key) {
 json DocumentCommands(const json& currentWorkgroupID, std::string_view language) {
     json commands = json::array();
     commands.push_back({{"command", 3}, {"title", LocalizedText(language, kCollectFontsTitle)}});
-    if (currentWorkgroupID != kPseudoWorkgroupID)
+    if (currentWorkgroupID != kWorkgroupID_All)
         commands.push_back({{"command", 4}, {"title", LocalizedText(language, kCreateDocumentSetTitle)}});
     commands.push_back({{"command", 5}, {"title", LocalizedText(language, kCheckFontsTitle)}});
     return commands;
