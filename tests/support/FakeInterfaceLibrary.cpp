@@ -275,9 +275,25 @@ constexpr const char* kSymbols[] = {
 #undef NAME_OF
 };
 
+/// Texts, numbers, and how many elements an array has; of other arguments nothing.
+template <class Argument>
+std::string TextOf(Argument argument) {
+    if constexpr (std::is_same_v<Argument, CFStringRef>)
+        return "'" + cf::ToUtf8(argument) + "' ";
+    else if constexpr (std::is_same_v<Argument, const char*>)
+        return "'" + std::string(argument) + "' ";
+    else if constexpr (std::is_same_v<Argument, CFArrayRef>)
+        return "[" + std::to_string(cf::Count(argument)) + "] ";
+    else if constexpr (std::is_integral_v<Argument>)
+        return std::to_string(argument) + " ";
+    else
+        return {};
+}
+
 template <class... Arguments>
 template <int kIndex>
 uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
+    current->given.push_back((std::string(kSymbols[kIndex]) + " " + ... + TextOf(arguments)));
     const ErrorCode code = Answer(kSymbols[kIndex]);
     if (code == CoreErrorCodes::kSuccess)
         Perform(Symbol<kIndex>(), arguments...);
