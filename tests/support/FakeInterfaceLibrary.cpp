@@ -3,11 +3,15 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <algorithm>
+#include <mutex>
 #include <type_traits>
 
 namespace {
 
 FakeInterfaceLibrary* current = nullptr;
+
+/// One call at a time: the trace reaches Log from whatever thread writes it.
+std::recursive_mutex callsLock;
 
 /// Notes the call and answers with the next code of its script.
 ErrorCode Answer(const char* symbol) {
@@ -293,6 +297,7 @@ std::string TextOf(Argument argument) {
 template <class... Arguments>
 template <int kIndex>
 uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
+    const std::lock_guard guard(callsLock);
     current->given.push_back((std::string(kSymbols[kIndex]) + " " + ... + TextOf(arguments)));
     const ErrorCode code = Answer(kSymbols[kIndex]);
     if (code == CoreErrorCodes::kSuccess)
