@@ -49,8 +49,11 @@ enum WorkgroupType {
     kWorkgroupType_TypekitLibrary = 12
 };
 
-/* The workgroup ID of kWorkgroupType_All. */
-enum { kWorkgroupID_All = -2 };
+/* Workgroup IDs that are no workgroup of the font manager's. */
+enum {
+    kWorkgroupID_Unknown = -1, /* cannot be told */
+    kWorkgroupID_All = -2      /* that of kWorkgroupType_All */
+};
 
 #define FONT_RECORD_KEY_CONSTANT(constant, text) static const char constant[] = text;
 #ifdef __cplusplus

@@ -1,6 +1,8 @@
 #include "platform/DebugOutput.h"
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -25,12 +27,48 @@ int Destination() noexcept {
     return destination;
 }
 
+/// Whoever read the output may have gone; that must not end the host. The signal that it comes as is kept
+/// from this thread, and taken back if it came from here.
+class NoPipeSignal {
+public:
+    NoPipeSignal() {
+        sigemptyset(&mPipe);
+        sigaddset(&mPipe, SIGPIPE);
+        sigset_t pending;
+        sigpending(&pending);
+        mWasPending = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &mPipe, &mMask);
+    }
+    ~NoPipeSignal() {
+        const timespec noTime{};
+        if (!mWasPending)
+            sigtimedwait(&mPipe, nullptr, &noTime);
+        pthread_sigmask(SIG_SETMASK, &mMask, nullptr);
+    }
+    NoPipeSignal(const NoPipeSignal&) = delete;
+    NoPipeSignal& operator=(const NoPipeSignal&) = delete;
+
+private:
+    sigset_t mPipe;
+    sigset_t mMask;
+    bool mWasPending;
+};
+
 class LinuxDebugOutput : public DebugOutput {
 public:
     void Write(const char* text) noexcept override {
         if (!IsListening() || text == nullptr)
             return;
         const int savedErrno = errno;
+        WriteAll(text);
+        errno = savedErrno;
+    }
+
+    bool IsListening() noexcept override { return Destination() >= 0; }
+
+private:
+    static void WriteAll(const char* text) noexcept {
+        const NoPipeSignal noSignal;
         size_t left = std::strlen(text);
         while (left > 0) {
             const ssize_t written = write(Destination(), text, left);
@@ -41,10 +79,7 @@ public:
             text += written;
             left -= static_cast<size_t>(written);
         }
-        errno = savedErrno;
     }
-
-    bool IsListening() noexcept override { return Destination() >= 0; }
 };
 
 }  // namespace

@@ -3,11 +3,15 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <algorithm>
+#include <mutex>
 #include <type_traits>
 
 namespace {
 
 FakeInterfaceLibrary* current = nullptr;
+
+/// One call at a time: the trace reaches Log from whatever thread writes it.
+std::recursive_mutex callsLock;
 
 /// Notes the call and answers with the next code of its script.
 ErrorCode Answer(const char* symbol) {
@@ -275,9 +279,26 @@ constexpr const char* kSymbols[] = {
 #undef NAME_OF
 };
 
+/// Texts, numbers, and how many elements an array has; of other arguments nothing.
+template <class Argument>
+std::string TextOf(Argument argument) {
+    if constexpr (std::is_same_v<Argument, CFStringRef>)
+        return "'" + cf::ToUtf8(argument) + "' ";
+    else if constexpr (std::is_same_v<Argument, const char*>)
+        return "'" + std::string(argument) + "' ";
+    else if constexpr (std::is_same_v<Argument, CFArrayRef>)
+        return "[" + std::to_string(cf::Count(argument)) + "] ";
+    else if constexpr (std::is_integral_v<Argument>)
+        return std::to_string(argument) + " ";
+    else
+        return {};
+}
+
 template <class... Arguments>
 template <int kIndex>
 uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
+    const std::lock_guard guard(callsLock);
+    current->given.push_back((std::string(kSymbols[kIndex]) + " " + ... + TextOf(arguments)));
     const ErrorCode code = Answer(kSymbols[kIndex]);
     if (code == CoreErrorCodes::kSuccess)
         Perform(Symbol<kIndex>(), arguments...);

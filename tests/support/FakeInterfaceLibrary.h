@@ -33,6 +33,7 @@ public:
     std::map<std::string, std::deque<ErrorCode>> codes;   ///< answers by symbol, first to last; then success
     std::function<ErrorCode(const std::string&)> answer;  ///< asked first, if set: a code other than 0 stands
     std::vector<std::string> calls;                       ///< symbols in the order in which they were called
+    std::vector<std::string> given;                       ///< the same with the arguments, each with a blank
     std::string log;                                      ///< what Log was given
     std::string logFile;                                  ///< what BeginLogging was given
 

@@ -22,7 +22,7 @@ namespace GJSONUtils {
 [[nodiscard]] ErrorCode Parse(const std::vector<char>& bytes, nlohmann::json& document);
 
 /// Compact text: no line breaks, non-ASCII characters as UTF-8. kInvalidParam when a string in the document
-/// is not well-formed UTF-8; `text` is untouched then.
+/// is not well-formed UTF-8, or when it is nested deeper than 512 levels; `text` is untouched then.
 [[nodiscard]] ErrorCode Serialise(const nlohmann::json& document, std::string& text);
 
 // ---- Trees. A JSONValue that is made or found is a handle into the tree that it was made or found in.

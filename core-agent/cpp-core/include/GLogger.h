@@ -37,7 +37,8 @@ public:
     /// Empty for a value that is no level.
     static std::string LevelToString(int level);
 
-    /// Writes "[name]<tab>[level]<tab>text" and flushes, when the logger's level admits it. Any thread.
+    /// Writes "[name]<tab>[level]<tab>text" and flushes, when the logger's level admits it. What a stream
+    /// throws stays here, and one that failed is tried again with the next line. Any thread.
     void Log(const std::string& loggerName, int level, const char* format, ...)
 #if defined(__GNUC__)
         __attribute__((format(printf, 4, 5)))

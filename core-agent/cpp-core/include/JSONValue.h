@@ -48,7 +48,8 @@ public:
     bool find(const std::string& key, JSONValue& value) const;
 
     // Adds a member to this object. False, with the object as it was, when this is no object or memory runs
-    // out. `newValue` is the node that was made. Texts are UTF-8.
+    // out. `newValue` is the node that was made. Texts are UTF-8; a
+    // zero byte in one becomes U+FFFD.
     bool add_string(const std::string& key, const std::string& value, JSONValue& newValue);
     bool add_int64(const std::string& key, int64_t value, JSONValue& newValue);
     bool add_double(const std::string& key, double value, JSONValue& newValue);
@@ -81,9 +82,9 @@ private:
 /// Owns a parsed document.
 class JSONObject {
 public:
-    /// Replaces the tree by that of `text` (UTF-8, up to its first zero byte). Throws when it is no JSON or
-    /// is nested too deep to be taken apart again; no tree is held then. The bare text "OK", with which
-    /// panels acknowledge, holds no tree either but does not throw.
+    /// Replaces the tree by that of `text`. Throws when it is no JSON, holds a zero character or half of a
+    /// surrogate pair, or is nested too deep to be taken apart again; no tree is held then. The bare text
+    /// "OK", with which panels acknowledge, holds no tree either but does not throw.
     void load(const std::string& text);
 
     /// Replaces the tree by an empty object.

@@ -32,11 +32,14 @@ void SetTraceSink(TraceSink* sink);
 #endif
 
 /// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
-/// else 0. The text is cut at 65535 bytes; below 65534 bytes a line feed is added when it has none at its
-/// end. A null format writes nothing. Any thread. Nothing is allocated here; a sink may do so.
+/// else 0. Line feeds within the text become blanks. It is cut at 65535 bytes; below 65534 bytes a line feed
+/// is added when it has none at its end. A null format writes nothing. Any thread. Nothing is allocated here;
+/// a sink may do so.
 void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF(2);
 /// The same with the arguments as a list.
 void LogMessageV(int indentDelta, const char* format, va_list arguments);
+/// The same for what may have several lines, such as the content of a file.
+void LogLines(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF(2);
 
 /// Whether a line written now would reach anyone; if not, its arguments need not be composed. Any thread;
 /// takes no lock.

@@ -10,6 +10,25 @@ namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
 
+// Documents are written by recursion. Those of the exports are a few levels deep; this many fit on any stack.
+constexpr size_t kDeepestNesting = 512;
+
+/// Without recursion, of course.
+bool IsNestedDeeper(const nlohmann::json& document, size_t deepest) {
+    std::vector<std::pair<const nlohmann::json*, size_t>> pending{{&document, 0}};
+    while (!pending.empty()) {
+        const auto [value, depth] = pending.back();
+        pending.pop_back();
+        if (depth > deepest)
+            return true;
+        for (const nlohmann::json& child : *value) {
+            if (child.is_structured())
+                pending.emplace_back(&child, depth + 1);
+        }
+    }
+    return false;
+}
+
 ErrorCode ReportInvalid(int line) {
     ReportFailure(kLogCategory, CheckLocation{"CoreErrorCodes::kInvalidParam", __FILE__, line},
                   CoreErrorCodes::kInvalidParam);
@@ -41,6 +60,8 @@ ErrorCode Parse(const std::vector<char>& bytes, nlohmann::json& document) {
 }
 
 ErrorCode Serialise(const nlohmann::json& document, std::string& text) {
+    if (document.is_structured() && IsNestedDeeper(document, kDeepestNesting))
+        return ReportInvalid(__LINE__);
     try {
         text = document.dump();
         return CoreErrorCodes::kSuccess;

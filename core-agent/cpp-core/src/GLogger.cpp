@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <streambuf>
 #include <system_error>
+#include <utility>
 
 #include "platform/DebugOutput.h"
 
@@ -24,21 +25,24 @@ constexpr std::array<LevelName, 6> kLevelNames{{{"Error", GLogger::kError},
                                                 {"Debug", GLogger::kDebug},
                                                 {"None", GLogger::kNone}}};
 
-/// Hands whole lines to the debugger output.
+/// Hands whole lines to the debugger output, and keeps none of them.
 class DebugOutputBuffer : public std::streambuf {
 protected:
     int_type overflow(int_type character) override {
+        const char byte = traits_type::to_char_type(character);
         if (!traits_type::eq_int_type(character, traits_type::eof()))
-            mPending.push_back(traits_type::to_char_type(character));
+            xsputn(&byte, 1);
         return traits_type::not_eof(character);
     }
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        mPending.append(text, static_cast<size_t>(size));
+        if (platform::Current<platform::DebugOutput>().IsListening())
+            mPending.append(text, static_cast<size_t>(size));
         return size;
     }
     int sync() override {
-        platform::Current<platform::DebugOutput>().Write(mPending.c_str());
-        mPending.clear();
+        const std::string line = std::exchange(mPending, {});  // with its memory
+        if (!line.empty())
+            platform::Current<platform::DebugOutput>().Write(line.c_str());
         return 0;
     }
 
@@ -50,6 +54,15 @@ class DebugOutputStream : private DebugOutputBuffer, public std::ostream {
 public:
     DebugOutputStream() : std::ostream(static_cast<DebugOutputBuffer*>(this)) {}
 };
+
+/// A stream that failed before gets another chance: a full disk may have room again.
+void WriteLine(std::ostream& stream, const std::string& line) {
+    try {
+        stream.clear();
+        stream << line << std::endl;
+    } catch (...) {  // it is the stream's business
+    }
+}
 
 std::string FormatText(const char* format, va_list arguments) {
     va_list measuring;
@@ -139,5 +152,5 @@ void GLogger::Log(const std::string& loggerName, int level, const char* format, 
     const std::string line = "[" + loggerName + "]\t[" + LevelToString(level) + "]\t" + text;
     const std::lock_guard guard(mStreamsLock);
     for (const std::shared_ptr<std::ostream>& stream : mStreams)
-        *stream << line << std::endl;
+        WriteLine(*stream, line);
 }

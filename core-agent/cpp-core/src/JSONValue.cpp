@@ -3,13 +3,18 @@
 #include <yajl/yajl_gen.h>
 #include <yajl/yajl_tree.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <locale>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
+
+#include "StringConversion.h"
 
 namespace {
 
@@ -32,7 +37,10 @@ OwnedNode NewNode(yajl_type type) {
     return node;
 }
 
-char* NewText(const std::string& text) {
+/// YAJL's texts end with a zero byte; one that stands within a text becomes U+FFFD.
+char* NewText(std::string text) {
+    for (size_t zero = 0; (zero = text.find('\0', zero)) != std::string::npos;)
+        text.replace(zero, 1, "\uFFFD");
     auto* copy = static_cast<char*>(std::malloc(text.size() + 1));
     if (copy != nullptr)
         std::memcpy(copy, text.c_str(), text.size() + 1);
@@ -94,30 +102,80 @@ bool Grow(Element*& elements, size_t count) {
     return true;
 }
 
+/// The code unit of an escape whose backslash stands there; nothing for other escapes.
+std::optional<uint32_t> EscapedUnit(std::string_view text, size_t at) {
+    constexpr size_t kDigits = 4;
+    if (text.substr(at, 2) != "\\u" || text.size() < at + 2 + kDigits)
+        return std::nullopt;
+    uint32_t unit = 0;
+    const char* const digits = text.data() + at + 2;
+    const auto [end, error] = std::from_chars(digits, digits + kDigits, unit, 16);
+    return error == std::errc() && end == digits + kDigits ? std::optional(unit) : std::nullopt;
+}
+
+bool IsBetween(std::optional<uint32_t> unit, uint32_t first, uint32_t last) {
+    return unit && *unit >= first && *unit <= last;
+}
+
+/// Passes over the escape whose backslash stands there. False for a zero character, which would end the text,
+/// and for half of a surrogate pair, which is no character.
+bool SkipEscape(std::string_view text, size_t& at) {
+    const auto unit = EscapedUnit(text, at);
+    at += unit ? 6 : 2;
+    if (IsBetween(unit, 0xD800, 0xDBFF)) {
+        const bool isPair = IsBetween(EscapedUnit(text, at), 0xDC00, 0xDFFF);
+        at += 6;
+        return isPair;
+    }
+    return unit != 0 && !IsBetween(unit, 0xDC00, 0xDFFF);
+}
+
 /// Why a text is not even shown to YAJL; null when nothing speaks against it. YAJL would take comments, which
-/// JSON does not have, and brackets in which could not be told from others here.
-const char* ReasonToRefuse(const std::string& text) {
+/// JSON does not have, and brackets in which could not be told from others here; and it would take characters
+/// that Unicode does not have.
+const char* ReasonToRefuse(std::string_view text) {
+    if (!IsValidUtf8(text))
+        return "not well-formed UTF-8\n";
     int depth = 0;
     bool isInString = false;
-    for (size_t at = 0; at < text.size(); ++at) {
+    for (size_t at = 0; at < text.size();) {
         const char byte = text[at];
-        if (isInString) {
-            if (byte == '\\')
-                ++at;
-            else if (byte == '"')
-                isInString = false;
-        } else if (byte == '"') {
-            isInString = true;
-        } else if (byte == '[' || byte == '{') {
-            if (++depth > kDeepestNesting)
-                return "nested too deep\n";
-        } else if (byte == ']' || byte == '}') {
-            --depth;
-        } else if (byte == '/') {
-            return "a comment or a stray slash\n";
+        if (byte == '\0')
+            return "a zero byte\n";
+        if (isInString && byte == '\\') {
+            if (!SkipEscape(text, at))
+                return "an escape that is no character\n";
+            continue;
         }
+        ++at;
+        if (byte == '"')
+            isInString = !isInString;
+        else if (isInString)
+            continue;
+        else if ((byte == '[' || byte == '{') && ++depth > kDeepestNesting)
+            return "nested too deep\n";
+        else if (byte == ']' || byte == '}')
+            --depth;
+        else if (byte == '/')
+            return "a comment or a stray slash\n";
     }
     return nullptr;
+}
+
+/// YAJL reads real numbers as the host's locale has them: they are read again.
+void ReadRealNumbers(yajl_val node) {
+    if (YAJL_IS_OBJECT(node)) {
+        for (size_t index = 0; index < node->u.object.len; ++index)
+            ReadRealNumbers(node->u.object.values[index]);
+    } else if (YAJL_IS_ARRAY(node)) {
+        for (size_t index = 0; index < node->u.array.len; ++index)
+            ReadRealNumbers(node->u.array.values[index]);
+    } else if (YAJL_IS_NUMBER(node)) {
+        auto& number = node->u.number;
+        const char* const end = number.r + std::strlen(number.r);
+        const bool isDouble = std::from_chars(number.r, end, number.d).ec == std::errc();
+        number.flags = (number.flags & YAJL_NUMBER_INT_VALID) | (isDouble ? YAJL_NUMBER_DOUBLE_VALID : 0u);
+    }
 }
 
 std::string FoundText(yajl_val node) {
@@ -169,7 +227,6 @@ public:
     Generator() : mGenerator(yajl_gen_alloc(nullptr), &yajl_gen_free) {
         if (!mGenerator)
             throw std::bad_alloc();
-        yajl_gen_config(mGenerator.get(), yajl_gen_validate_utf8, 1);
     }
 
     void Write(yajl_val node) {
@@ -200,6 +257,8 @@ private:
     }
 
     void WriteString(const char* text) {
+        if (!IsValidUtf8(text))  // YAJL's own check lets through what is none
+            Check(yajl_gen_invalid_string);
         Check(yajl_gen_string(mGenerator.get(), reinterpret_cast<const unsigned char*>(text),
                               std::strlen(text)));
     }
@@ -391,6 +450,8 @@ void JSONObject::load(const std::string& text) {
         mTree.reset(yajl_tree_parse(text.c_str(), parseError, sizeof parseError));
         reason = parseError;
     }
+    if (mTree)
+        ReadRealNumbers(mTree.get());
     if (!mTree && text != "OK")
         throw std::runtime_error(std::string("JSON parse error:\n") + reason);
 }

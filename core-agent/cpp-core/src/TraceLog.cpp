@@ -33,17 +33,29 @@ void WritePiece(const char* piece) {
         sink->Log(piece);
 }
 
+/// A line feed in a name would make the rest of it look like a line of ours.
+void JoinLines(char* line) {
+    for (; *line != '\0'; ++line) {
+        if (*line == '\r' || (*line == '\n' && line[1] != '\0'))
+            *line = ' ';
+    }
+}
+
 void CompleteLine(char* line) {
     const size_t length = std::strlen(line);
     if (length < kLongestTextToComplete && (length == 0 || line[length - 1] != '\n'))
         std::strcpy(line + length, "\n");
 }
 
-// Apart from LogMessage, which costs next to nothing while nobody listens.
-void WriteLine(int indentDelta, const char* format, va_list arguments) {
+enum class Lines { kOne, kAsTheyAre };
+
+// Apart from Trace, which costs next to nothing while nobody listens.
+void WriteLine(int indentDelta, Lines lines, const char* format, va_list arguments) {
     char line[kLineBufferSize];
     line[0] = '\0';
     std::vsnprintf(line, sizeof line, format, arguments);
+    if (lines == Lines::kOne)
+        JoinLines(line);
     CompleteLine(line);
     if (indentDelta < 0)
         indentation.fetch_add(indentDelta, std::memory_order_relaxed);
@@ -53,6 +65,15 @@ void WriteLine(int indentDelta, const char* format, va_list arguments) {
     if (indentDelta >= 0)
         indentation.fetch_add(indentDelta, std::memory_order_relaxed);
     WritePiece(line);
+}
+
+void Trace(int indentDelta, Lines lines, const char* format, va_list arguments) {
+    if (format == nullptr)
+        return;
+    if (IsTraceHeard())
+        WriteLine(indentDelta, lines, format, arguments);
+    else if (indentDelta != 0)
+        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -73,13 +94,15 @@ void LogMessage(int indentDelta, const char* format, ...) {
     va_end(arguments);
 }
 
+void LogLines(int indentDelta, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Trace(indentDelta, Lines::kAsTheyAre, format, arguments);
+    va_end(arguments);
+}
+
 void LogMessageV(int indentDelta, const char* format, va_list arguments) {
-    if (format == nullptr)
-        return;
-    if (IsTraceHeard())
-        WriteLine(indentDelta, format, arguments);
-    else if (indentDelta != 0)
-        indentation.fetch_add(indentDelta, std::memory_order_relaxed);
+    Trace(indentDelta, Lines::kOne, format, arguments);
 }
 
 void SetLogFile(const char* path) {

@@ -4,89 +4,76 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <optional>
 
 #include "CapturedTrace.h"
 
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
 
 constexpr char kLogCategory[] = "FailureReportTest";
 
-ErrorCode Answer(ErrorCode code) {
-    return code;
-}
+struct Checked {
+    ErrorCode code = 0;
+    int mode = 0;
+    const void* mPlugPlug = "";
+    std::optional<int> level = std::nullopt;
+};
 
-ErrorCode CheckCall(ErrorCode code) {
-    RETURN_IF_FAILED(Answer(code));
-    return 0xFFFFFFFF;
-}
-
-ErrorCode CheckCondition(int mode) {
+ErrorCode Check(const Checked& checked) {
+    const auto& [code, mode, mPlugPlug, level] = checked;
+    RETURN_IF_FAILED(code, level.value_or(GLogger::kError));
     RETURN_UNLESS(mode != -1);
-    return CoreErrorCodes::kSuccess;
-}
-
-ErrorCode CheckPointer(const void* mPlugPlug) {
     RETURN_IF_NULL(mPlugPlug);
-    return CoreErrorCodes::kSuccess;
-}
-
-ErrorCode CheckExpected(ErrorCode code) {
-    RETURN_IF_FAILED(Answer(code), GLogger::kDebug);
-    return CoreErrorCodes::kSuccess;
+    return 0xFFFFFFFF;
 }
 
 }  // namespace
 
-TEST(FailureReport, AFailedCallIsReportedInOneLineAndReturned) {
+TEST(FailureReport, AFailedCheckIsReportedInOneLineAndReturned) {
+    constexpr char kBegin[] =
+        "[FailureReportTest]\t[Error]\tError='%s'  "
+        "File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line=";
+    const std::tuple<Checked, ErrorCode, const char*, const char*> cases[] = {
+        {{.code = GIPCClient::kServiceUnavailable},
+         GIPCClient::kServiceUnavailable,
+         "GIPCClient::kServiceUnavailable",
+         "  Expression='code'  Code='50335758'  \n"},
+        {{.code = 12345}, 12345, "Unknown error code", "  Expression='code'  Code='12345'  \n"},
+        {{.mode = -1},
+         CoreErrorCodes::kInvalidParam,
+         "CoreErrorCodes::kInvalidParam",
+         "  Expression='!(mode != -1)'  Code='67108864'  \n"},
+        {{.mPlugPlug = nullptr},
+         CoreErrorCodes::kNullPointer,
+         "CoreErrorCodes::kNullPointer",
+         "  Expression='(mPlugPlug) == nullptr'  Code='83886080'  \n"}};
     CapturedTrace trace;
-    EXPECT_EQ(CheckCall(GIPCClient::kServiceUnavailable), GIPCClient::kServiceUnavailable);
-    EXPECT_THAT(trace.Text(),
-                StartsWith("[FailureReportTest]\t[Error]\tError='GIPCClient::kServiceUnavailable'  "
-                           "File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line="));
-    EXPECT_THAT(trace.Text(), EndsWith("  Expression='Answer(code)'  Code='50335758'  \n"));
-    EXPECT_EQ(CheckCall(0), 0xFFFFFFFFu);
-}
-
-TEST(FailureReport, ConditionsAndPointersHaveTheirOwnTextAndCode) {
-    CapturedTrace trace;
-    EXPECT_EQ(CheckCondition(-1), CoreErrorCodes::kInvalidParam);
-    EXPECT_THAT(trace.Text(), HasSubstr("Error='CoreErrorCodes::kInvalidParam'"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='!(mode != -1)'  Code='67108864'"));
+    for (const auto& [checked, code, name, end] : cases) {
+        trace.Clear();
+        EXPECT_EQ(Check(checked), code);
+        EXPECT_THAT(trace.Text(),
+                    StartsWith(std::string(kBegin).replace(std::string(kBegin).find("%s"), 2, name)));
+        EXPECT_THAT(trace.Text(), EndsWith(end));
+        EXPECT_EQ(trace.LineCount(), 1u);
+    }
     trace.Clear();
-    EXPECT_EQ(CheckPointer(nullptr), CoreErrorCodes::kNullPointer);
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='(mPlugPlug) == nullptr'  Code='83886080'"));
-    trace.Clear();
-    EXPECT_EQ(CheckCondition(0), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(CheckPointer(&trace), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(Check({}), 0xFFFFFFFFu);
+    EXPECT_EQ(Check({.code = 1, .level = GLogger::kDebug}), 1u) << "expected in normal use";
     EXPECT_EQ(trace.Text(), "");
-}
-
-TEST(FailureReport, AnUnknownCodeIsReportedAllTheSame) {
-    CapturedTrace trace;
-    EXPECT_EQ(CheckCall(12345), 12345u);
-    EXPECT_THAT(trace.Text(), HasSubstr("Error='Unknown error code'"));
-}
-
-TEST(FailureReport, AnExpectedFailureIsWrittenAtDebugLevelOnly) {
-    CapturedTrace trace;
-    EXPECT_EQ(CheckExpected(CoreErrorCodes::kNotFound), CoreErrorCodes::kNotFound);
-    EXPECT_EQ(trace.Text(), "");
-    GLogger::GetSharedInstance().SetLevel(kLogCategory, GLogger::kDebug);
-    EXPECT_EQ(CheckExpected(CoreErrorCodes::kNotFound), CoreErrorCodes::kNotFound);
-    EXPECT_THAT(trace.Text(), StartsWith("[FailureReportTest]\t[Debug]\t"));
 }
 
 TEST(FailureReport, ASystemFailureTellsTheSystemsErrorAndPrintsTheCodeSigned) {
     CapturedTrace trace;
     ReportSystemFailure(kLogCategory, {"open(path)", "File.cpp", 7}, 0xFFFFFFFF,
                         platform::SystemError{ENOENT});
+    const std::string text = platform::SystemErrorText({ENOENT});
     EXPECT_THAT(trace.Text(),
                 EndsWith("Error='Unknown error code'  File='File.cpp'  Line=7  Expression='open(path)'  "
                          "Window's Error=2: '" +
-                         platform::SystemErrorText({ENOENT}) + "'  Code='-1'  \n"));
-    EXPECT_NE(platform::SystemErrorText({ENOENT}), "");
+                         text + "'  Code='-1'  \n"));
+    EXPECT_EQ(platform::SystemErrorText({12345678}), "FormatMessage Failed");
+    EXPECT_TRUE(text.size() > 4 && text != "FormatMessage Failed" && text != "Null message");
 }

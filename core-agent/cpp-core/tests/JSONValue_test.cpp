@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 
-using testing::HasSubstr;
+#include "TemporaryFolder.h"
+
 using testing::StartsWith;
 
 namespace {
@@ -27,47 +30,66 @@ JSONValue Load(JSONObject& document, const std::string& text) {
     return document.root();
 }
 
-}  // namespace
-
-TEST(JSONObject, HoldsOneTreeAtATime) {
-    JSONObject document;
-    EXPECT_EQ(Thrown([&] { document.root(); }), "No JSON loaded in parser");
-    EXPECT_EQ(Load(document, R"({"a":1})").as_map().size(), 1u);
-    EXPECT_THAT(Thrown([&] { document.load("{\"a\":"); }), StartsWith("JSON parse error:\n"));
-    EXPECT_EQ(Thrown([&] { document.root(); }), "No JSON loaded in parser") << "the old tree is gone";
-    document.load("OK");
-    EXPECT_EQ(Thrown([&] { document.get({"a"}); }), "No JSON loaded in parser");
-    EXPECT_THAT(Thrown([&] { document.load("OK "); }), StartsWith("JSON parse error:\n"));
-    document.load_map();
-    EXPECT_EQ(document.root().to_json(), "{}");
+std::string Nested(int depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
 }
 
-TEST(JSONObject, PathsLeadThroughObjects) {
+}  // namespace
+
+TEST(JSONObject, HoldsOneTreeAtATimeThroughWhichPathsLead) {
     JSONObject document;
-    const JSONValue root = Load(document, R"({"a":{"b":{"c":7}},"a2":[]})");
-    EXPECT_EQ(root.name(), "root");
+    EXPECT_EQ(Thrown([&] { document.root(); }), "No JSON loaded in parser");
+    EXPECT_EQ(Load(document, R"({"a":{"b":{"c":7}},"a2":[]})").name(), "root");
     EXPECT_EQ(document.get({"a", "b", "c"}).as_int64(), 7);
     EXPECT_EQ(document.get({"a", "b", "c"}).name(), "abc");
     EXPECT_NE(Thrown([&] { document.get({"a", "x"}); }), "nothing");
     EXPECT_NE(Thrown([&] { document.get({"a2", "0"}); }), "nothing");
+    EXPECT_THAT(Thrown([&] { document.load("OK "); }), StartsWith("JSON parse error:\n"));
+    EXPECT_EQ(Thrown([&] { document.root(); }), "No JSON loaded in parser") << "the old tree is gone";
+    document.load("OK");
+    EXPECT_EQ(Thrown([&] { document.get({"a"}); }), "No JSON loaded in parser");
+    document.load_map();
+    EXPECT_EQ(document.root().to_json(), "{}");
 }
 
-TEST(JSONObject, WhatIsNestedTooDeepIsNoDocument) {
+TEST(JSONObject, RefusesWhatIsNoJSON) {
+    const std::string texts[] = {
+        // Comments, which could hide brackets.
+        "/*\"*/" + Nested(300000), "/*]]]]*/" + Nested(300000), "//\"\n" + Nested(300000), "{}//x",
+        // Bytes that are no UTF-8.
+        "[\"\xC0\x80\"]", "[\"\xED\xA0\x80\"]", "[\"\xF5\x80\x80\x80\"]", "[\"\xE5\xAD\"]",
+        // Halves of surrogate pairs, zero characters and zero bytes.
+        R"(["\uDC00"])", R"(["\uDFFF"])", R"(["\uD83D"])", R"(["\uDBFF\n"])", R"(["\uD83D\uD83D"])",
+        R"(["\uD800\uE000"])", R"(["\u0000"])", R"({"a\u0000b":1})", std::string("[1]\0[", 5), R"(["\u12)"};
     JSONObject document;
-    const auto nested = [](int depth) { return std::string(depth, '[') + std::string(depth, ']'); };
-    document.load(nested(512));
-    EXPECT_EQ(Thrown([&] { document.load(nested(513)); }), "JSON parse error:\nnested too deep\n");
-    EXPECT_EQ(Thrown([&] { document.load(std::string(10'000'000, '[')); }),
-              "JSON parse error:\nnested too deep\n");
-    EXPECT_TRUE(Load(document, R"(["[[[\"[[["])").is_array()) << "brackets in texts do not count";
-    // Comments would hide brackets.
-    for (const std::string comment : {"/*\"*/", "/*]]]]*/", "//\"\n"})
-        EXPECT_THAT(Thrown([&] { document.load(comment + nested(300000)); }),
-                    StartsWith("JSON parse error:\n"));
-    EXPECT_THAT(Thrown([&] { document.load("{}//x"); }), StartsWith("JSON parse error:\n"));
-    EXPECT_TRUE(Load(document, R"(["http://x"])").is_array()) << "slashes in texts do not count";
-    document.load(nested(200));
+    for (const std::string& text : texts)
+        EXPECT_THAT(Thrown([&] { document.load(text); }), StartsWith("JSON parse error:\n"))
+            << text.substr(0, 20);
+    for (const std::string& text : {Nested(513), std::string(10'000'000, '[')})
+        EXPECT_EQ(Thrown([&] { document.load(text); }), "JSON parse error:\nnested too deep\n");
+    document.load(Nested(512));
+    const auto taken =
+        Load(document, R"(["[[[\"[[[", "http://x", "\uD83D\uDE42\uDBFF\uDFFF\u00e9\\uDC00", "\uD7FF\uE000"])")
+            .as_array();
+    EXPECT_EQ(taken[2].as_string(), "🙂\U0010FFFFé\\uDC00");
+    document.load(Nested(200));
     EXPECT_EQ(Thrown([&] { document.root().to_json(); }), "YAJL's maximum generation depth was exceeded");
+}
+
+TEST(JSONObject, NumbersAreReadAlikeWhateverTheHostsLocale) {
+    const TemporaryFolder folder;
+    if (std::system(("localedef -i de_DE -f UTF-8 '" + (folder / "de") + "' 2>/dev/null").c_str()) != 0)
+        GTEST_SKIP() << "no locales to make";
+    setenv("LOCPATH", (folder / ".").c_str(), 1);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de"), nullptr);
+    JSONObject document;
+    const auto numbers = Load(document, R"([2.5,1e3,1e999,7,{"a":[-0.5]}])").as_array();
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(numbers[0].as_double(), 2.5);
+    EXPECT_EQ(numbers[1].as_double(), 1000);
+    EXPECT_FALSE(numbers[2].is_double());
+    EXPECT_TRUE(numbers[3].is_int() && numbers[3].is_double());
+    EXPECT_EQ(numbers[4].as_map()[0].second.as_array()[0].as_double(), -.5);
 }
 
 TEST(JSONValue, TellsTheKindsApart) {
@@ -89,22 +111,20 @@ TEST(JSONValue, TellsTheKindsApart) {
 TEST(JSONValue, AReadOfTheWrongKindSaysWhatWasFound) {
     JSONObject document;
     const JSONValue root = Load(document, R"({"k":"text","i":-5,"d":2.5,"o":{},"a":[],"t":true,"n":null})");
-    const auto read = [&](const char* key) {
-        JSONValue value;
-        EXPECT_TRUE(root.find(key, value));
-        return value;
-    };
-    EXPECT_EQ(Thrown([&] { read("k").as_int64(); }),
-              R"(Expected JSON node "k" to be INTEGER, found STRING: text)");
-    EXPECT_EQ(Thrown([&] { read("i").as_string(); }),
-              R"(Expected JSON node "i" to be STRING, found INTEGER: -5)");
-    EXPECT_EQ(Thrown([&] { read("d").as_int64(); }),
-              R"(Expected JSON node "d" to be INTEGER, found DOUBLE: 2.5)");
-    EXPECT_EQ(Thrown([&] { read("o").as_array(); }), R"(Expected JSON node "o" to be ARRAY, found OBJECT)");
-    EXPECT_EQ(Thrown([&] { read("a").as_map(); }), R"(Expected JSON node "a" to be OBJECT, found ARRAY)");
-    EXPECT_EQ(Thrown([&] { read("t").as_double(); }),
-              R"(Expected JSON node "t" to be DOUBLE, found BOOLEAN: true)");
-    EXPECT_EQ(Thrown([&] { read("n").as_bool(); }), R"(Expected JSON node "n" to be BOOLEAN, found)");
+    using Read = void (*)(const JSONValue&);
+    const std::tuple<const char*, Read, const char*> cases[] = {
+        {"k", [](const JSONValue& value) { value.as_int64(); }, R"("k" to be INTEGER, found STRING: text)"},
+        {"i", [](const JSONValue& value) { value.as_string(); }, R"("i" to be STRING, found INTEGER: -5)"},
+        {"d", [](const JSONValue& value) { value.as_int64(); }, R"("d" to be INTEGER, found DOUBLE: 2.5)"},
+        {"o", [](const JSONValue& value) { value.as_array(); }, R"("o" to be ARRAY, found OBJECT)"},
+        {"a", [](const JSONValue& value) { value.as_map(); }, R"("a" to be OBJECT, found ARRAY)"},
+        {"t", [](const JSONValue& value) { value.as_double(); }, R"("t" to be DOUBLE, found BOOLEAN: true)"},
+        {"n", [](const JSONValue& value) { value.as_bool(); }, R"("n" to be BOOLEAN, found)"}};
+    for (const auto& [key, read, message] : cases) {
+        JSONValue value("kept", nullptr);
+        ASSERT_TRUE(root.find(key, value));
+        EXPECT_EQ(Thrown([&] { read(value); }), std::string("Expected JSON node ") + message);
+    }
     EXPECT_EQ(Thrown([&] { JSONValue().as_bool(); }), R"(Expected JSON node "" to be BOOLEAN, found)");
 }
 
@@ -121,52 +141,42 @@ TEST(JSONValue, FindsTheFirstMemberOfThatKeyOneLevelDown) {
 
 TEST(JSONValue, BuildsWhatItWrites) {
     JSONObject document;
-    JSONValue root = Load(document, "{}");
-    JSONValue array;
+    JSONValue root = Load(document, R"({"list":[1,2,3]})");
+    JSONValue list;
     JSONValue map;
     JSONValue value;
-    ASSERT_TRUE(root.add_int64("messageID", std::numeric_limits<int64_t>::min(), value));
-    ASSERT_TRUE(root.add_array("list", array));
-    ASSERT_TRUE(array.add_string("Grün \"字\"\n", value));
-    ASSERT_TRUE(array.add_double(0.1, value));
-    ASSERT_TRUE(array.add_bool(false, value));
-    ASSERT_TRUE(array.add_int64(7, value));
-    ASSERT_TRUE(array.add_map(map));
-    ASSERT_TRUE(map.add_string("k", "v", value));
-    ASSERT_TRUE(map.add_map("m", value));
-    ASSERT_TRUE(array.add_array(value));
-    ASSERT_TRUE(root.add_bool("flag", true, value));
-    ASSERT_TRUE(root.add_double("half", 0.5, value));
+    ASSERT_TRUE(root.find("list", list));
+    for (int number = 4; number < 100; ++number)
+        ASSERT_TRUE(list.add_int64(number, value));
+    EXPECT_EQ(list.as_array().size(), 99u);
+    EXPECT_EQ(list.as_array().back().as_int64(), 99);
+
+    root = Load(document, "{}");
+    ASSERT_TRUE(root.add_int64("messageID", std::numeric_limits<int64_t>::min(), value) &&
+                root.add_array("list", list) && list.add_string("Grün \"字\"\n", value) &&
+                list.add_double(0.1, value) && list.add_bool(false, value) && list.add_int64(7, value) &&
+                list.add_map(map) && map.add_string("k", "v", value) && map.add_map("m", value) &&
+                list.add_array(value) && root.add_bool("flag", true, value) &&
+                root.add_double("half", 0.5, value) &&
+                root.add_string(std::string("a\0b", 3), std::string("\0c", 2), value));
     EXPECT_EQ(root.to_json(),
               R"({"messageID":-9223372036854775808,"list":["Grün \"字\"\n",0.1,false,7,{"k":"v","m":{}},[]],)"
-              R"("flag":true,"half":0.5})");
-    // Parsed nodes are added to as built ones are.
-    JSONValue parsed = Load(document, R"({"a":[1,2,3]})");
-    ASSERT_TRUE(parsed.find("a", array));
-    for (int number = 4; number < 100; ++number)
-        ASSERT_TRUE(array.add_int64(number, value));
-    EXPECT_EQ(array.as_array().size(), 99u);
-    EXPECT_EQ(array.as_array().back().as_int64(), 99);
-}
-
-TEST(JSONValue, AddingToAnotherKindChangesNothing) {
-    JSONObject document;
-    JSONValue root = Load(document, "{}");
-    JSONValue value("kept", nullptr);
-    EXPECT_FALSE(root.add_int64(1, value));
-    EXPECT_FALSE(root.add_map(value));
-    EXPECT_FALSE(JSONValue().add_string("k", "v", value));
-    EXPECT_EQ(value.name(), "kept");
-    EXPECT_EQ(root.to_json(), "{}");
+              "\"flag\":true,\"half\":0.5,\"a\uFFFDb\":\"\uFFFDc\"}")
+        << "a zero byte cuts nothing off";
+    EXPECT_FALSE(root.add_int64(1, value) || root.add_map(value) || list.add_bool("k", true, value));
+    EXPECT_EQ(list.as_array().size(), 6u);
 }
 
 TEST(JSONValue, WhatIsNoJSONCannotBeWritten) {
     JSONObject document;
     JSONValue value;
+    for (const char* text : {"\xFF", "\xC0\x80", "\xED\xB0\x80", "\xF5\x80\x80\x80"}) {
+        JSONValue root = Load(document, "{}");
+        ASSERT_TRUE(root.add_string("k", text, value));
+        EXPECT_EQ(Thrown([&] { root.to_json(); }),
+                  "An invalid UTF-8 string was passed to the JSON generator");
+    }
     JSONValue root = Load(document, "{}");
-    ASSERT_TRUE(root.add_string("k", "\xFF", value));
-    EXPECT_EQ(Thrown([&] { root.to_json(); }), "An invalid UTF-8 string was passed to the JSON generator");
-    root = Load(document, "{}");
     ASSERT_TRUE(root.add_double("k", std::numeric_limits<double>::infinity(), value));
     EXPECT_EQ(Thrown([&] { root.to_json(); }),
               "An invalid floating point value was passed to the JSON generator (infinity or NaN)");

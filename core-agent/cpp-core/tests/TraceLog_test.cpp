@@ -30,80 +30,75 @@ public:
     bool IsListening() noexcept override { return false; }
 };
 
+uint32_t Step(bool throws) {
+    uint32_t code = 21;
+    const TraceScope scope(ReturningCode("Step", code), "Entering %s('%s')", "Step", "a");
+    LogMessage(0, "within %d\n", 7);
+    if (throws)
+        throw std::runtime_error("");
+    return code = 7;
+}
+
 }  // namespace
 
-TEST(TraceLog, LinesNestBetweenTheirOpeningAndClosingLine) {
+TEST(TraceLog, LinesNestBetweenTheirOpeningAndClosingLineWhateverLeavesTheStep) {
     CapturedTrace trace;
     LogMessage(1, "Entering %s", "outer");
-    LogMessage(1, "Entering %s", "inner");
-    LogMessage(0, "plain %d\n", 7);
-    LogMessage(-1, "Exiting inner");
-    LogMessage(-1, "outer() returning %d", 3);
+    EXPECT_EQ(Step(false), 7u);
+    EXPECT_THROW(Step(true), std::runtime_error);
+    LogMessage(-1, "Exiting outer");
     LogMessage(0, "%s", "");
     LogMessage(0, nullptr);
     EXPECT_EQ(trace.Text(),
-              "Entering outer\n Entering inner\n  plain 7\n Exiting inner\nouter() returning 3\n\n");
+              "Entering outer\n Entering Step('a')\n  within 7\n Step() returning 7\n"
+              " Entering Step('a')\n  within 7\n Step() returning 21\nExiting outer\n\n");
 }
 
-TEST(TraceLog, ANestedStepIsClosedWithItsResultWhateverLeavesIt) {
+TEST(TraceLog, NoArgumentBeginsALineOfItsOwn) {
     CapturedTrace trace;
-    const auto step = [](bool throws) {
-        uint32_t code = 21;
-        const TraceScope scope(ReturningCode("Step", code), "Entering %s('%s')", "Step", "a");
-        LogMessage(0, "within");
-        if (throws)
-            throw std::runtime_error("");
-        return code = 7;
-    };
-    EXPECT_EQ(step(false), 7u);
-    EXPECT_THROW(step(true), std::runtime_error);
-    LogMessage(0, "after");
-    EXPECT_EQ(trace.Text(),
-              "Entering Step('a')\n within\nStep() returning 7\n"
-              "Entering Step('a')\n within\nStep() returning 21\nafter\n");
+    LogMessage(0, "opening '%s'", "a\nReturning 0\r\nb");
+    LogLines(0, "a file: %s", "one\ntwo\n");
+    EXPECT_EQ(trace.Text(), "opening 'a Returning 0  b'\na file: one\ntwo\n");
 }
 
 TEST(TraceLog, LongTextsAreCutAndTheLongestGetNoLineFeed) {
     CapturedTrace trace;
-    const auto lengthOfLine = [&](size_t length) {
+    const std::pair<size_t, size_t> lengths[] = {
+        {65533, 65534}, {65534, 65534}, {65535, 65535}, {100000, 65535}};  // of texts and of lines
+    for (const auto& [text, line] : lengths) {
         trace.Clear();
-        LogMessage(0, "%s", std::string(length, 'x').c_str());
-        return trace.Text().size();
-    };
-    EXPECT_EQ(lengthOfLine(65533), 65534u);  // with its line feed
-    EXPECT_EQ(lengthOfLine(65534), 65534u);
-    EXPECT_EQ(lengthOfLine(65535), 65535u);
-    EXPECT_EQ(lengthOfLine(100000), 65535u);
+        LogMessage(0, "%s", std::string(text, 'x').c_str());
+        EXPECT_EQ(trace.Text().size(), line);
+    }
 }
 
-// One process per test case: the logging switch cannot be turned back.
-TEST(TraceLog, TheSinkGetsEveryPieceOnceLoggingIsOn) {
-    CapturedTrace trace;
-    RecordingSink sink;
-    LogMessage(0, "before");
-    EXPECT_TRUE(sink.pieces.empty());
-    EnableLogging();
-    LogMessage(1, "Entering");
-    LogMessage(1, "Entering");
-    LogMessage(-1, "Exiting");
-    EXPECT_EQ(sink.pieces, (std::vector<std::string>{"Entering\n", " ", "Entering\n", " ", "Exiting\n"}));
-    sink.isReady = false;
-    LogMessage(-1, "Exiting");
-    EXPECT_EQ(sink.pieces.size(), 5u);
-    EXPECT_EQ(trace.Text(), "before\nEntering\n Entering\n Exiting\nExiting\n");
-}
-
-TEST(TraceLog, ItIsHeardWhileAnyoneListens) {
+// The logging switch cannot be turned back.
+TEST(TraceLog, IsHeardByTheDebuggerAndOnceLoggingIsOnByTheSink) {
     DeafDebugOutput deaf;
     const platform::ScopedOverride<platform::DebugOutput> override(deaf);
     EXPECT_FALSE(IsTraceHeard());
+    LogMessage(1, "nesting is kept while nobody listens");
     RecordingSink sink;
+    const bool wasLoggingOn = IsTraceHeard();
+    CapturedTrace trace;
+    EXPECT_TRUE(IsTraceHeard());
+    LogMessage(0, "before");
+    EXPECT_EQ(sink.pieces.empty(), !wasLoggingOn);
+    sink.pieces.clear();
     EnableLogging();
-    EXPECT_TRUE(IsTraceHeard());
-    sink.isReady = false;
-    EXPECT_FALSE(IsTraceHeard());
-    const CapturedTrace trace;
-    EXPECT_TRUE(IsTraceHeard());
+    LogMessage(1, "Entering");
+    LogMessage(-1, "Exiting");
+    const std::vector<std::string> pieces{" ", "Entering\n", " ", "Exiting\n"};
+    EXPECT_EQ(sink.pieces, pieces);
+    {
+        const platform::ScopedOverride<platform::DebugOutput> deafAgain(deaf);
+        EXPECT_TRUE(IsTraceHeard());
+        sink.isReady = false;
+        EXPECT_FALSE(IsTraceHeard());
+    }
+    LogMessage(-1, "Exiting");
+    EXPECT_EQ(sink.pieces, pieces);
+    EXPECT_EQ(trace.Text(), " before\n Entering\n Exiting\nExiting\n");
 }
 
 TEST(TraceLog, TheLogFileBeginsWithABannerThatOnlyTheSinkSees) {
@@ -113,14 +108,6 @@ TEST(TraceLog, TheLogFileBeginsWithABannerThatOnlyTheSinkSees) {
     EXPECT_EQ(sink.logFile, "Illustrator2025.log");
     ASSERT_EQ(sink.pieces.size(), 1u);
     const std::string& banner = sink.pieces.front();
-    EXPECT_EQ(banner.substr(0, 9), "\n=======\n");
-    EXPECT_EQ(banner.substr(banner.size() - 9), "\n=======\n");
+    EXPECT_EQ(banner.substr(0, 9) + banner.substr(banner.size() - 9), "\n=======\n\n=======\n");
     EXPECT_EQ(trace.Text(), "");
-}
-
-TEST(TraceLog, NestingIsKeptWhileNobodyListens) {
-    LogMessage(1, "unheard");
-    CapturedTrace trace;
-    LogMessage(0, "heard");
-    EXPECT_EQ(trace.Text(), " heard\n");
 }

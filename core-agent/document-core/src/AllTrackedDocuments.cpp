@@ -29,6 +29,17 @@ void AllTrackedDocuments::AddNewDocument(const Document& document) {
         mDocuments.push_back(document);
 }
 
+void AllTrackedDocuments::SetPath(OneTrackedDocument& document, const std::string& path) {
+    for (const Document& each : mDocuments) {
+        if (each.get() != &document && !path.empty() && each->DocumentFilePath() == path) {
+            LogMessage(0, "WARNING:  document %s has lost the path '%s' to document %s",
+                       each->Identifier().c_str(), path.c_str(), document.Identifier().c_str());
+            each->mDocumentFilePath.clear();
+        }
+    }
+    document.SetDocumentFilePath(path);
+}
+
 AllTrackedDocuments::Document AllTrackedDocuments::FindTrackedDocumentByPath(const std::string& path) const {
     const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
                                     [&](const Document& each) { return each->DocumentFilePath() == path; });

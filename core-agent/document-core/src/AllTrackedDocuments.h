@@ -22,6 +22,10 @@ public:
     /// Appends a document that has no path yet.
     void AddNewDocument(const Document& document);
 
+    /// Gives a document of the list that path. Another one that has it loses it: the host's latest word
+    /// counts, and a path occurs once.
+    void SetPath(OneTrackedDocument& document, const std::string& path);
+
     /// The first document with exactly this path or identifier, or an empty reference.
     Document FindTrackedDocumentByPath(const std::string& path) const;
     Document FindTrackedDocumentByIdentifier(const std::string& inDocument) const;

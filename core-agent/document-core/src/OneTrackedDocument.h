@@ -24,9 +24,9 @@ public:
     CFArrayRef FontArrayB() const { return mFontArrayB.get(); }
     /// Takes the reported fonts for A and the unmatched ones for B.
     void SetFontArrays(const DocumentFontLists& lists);
-    bool HasFonts() const;
 
     bool isSavePending = false;  ///< handing the fonts to the font manager failed and is to be tried again
+    // Recorded with the document; nothing goes by them yet.
     bool isNewDocument = false;  ///< the user made it in the host; it had no file then
     bool canExport = false;      ///< the user may copy the document's fonts out
     int64_t openTime = 0;        ///< seconds since 1970-01-01 UTC

@@ -19,7 +19,10 @@ namespace {
 AllTrackedDocuments::Document Add(AllTrackedDocuments& documents, const std::string& path) {
     auto document = std::make_shared<OneTrackedDocument>();
     document->SetIdentifier("id of " + path);
-    documents.AddDocument(document, path);
+    if (path.empty())
+        documents.AddNewDocument(document);
+    else
+        documents.AddDocument(document, path);
     return document;
 }
 
@@ -38,6 +41,19 @@ TEST(AllTrackedDocuments, APathOccursOnce) {
     EXPECT_EQ(documents.FindTrackedDocumentByPath("/a.ai"), first);
     EXPECT_EQ(documents.FindTrackedDocumentByIdentifier("id of /a.ai"), first);
     EXPECT_EQ(documents.FindTrackedDocumentByPath("/missing"), nullptr);
+}
+
+TEST(AllTrackedDocuments, APathThatIsGivenToAnotherDocumentIsLostToTheFirst) {
+    AllTrackedDocuments documents;
+    const auto old = Add(documents, "/a.ai");
+    const auto saved = Add(documents, "");
+    const auto untitled = Add(documents, "");
+    documents.SetPath(*saved, "/a.ai");
+    EXPECT_EQ(documents.FindTrackedDocumentByPath("/a.ai"), saved);
+    EXPECT_EQ(old->DocumentFilePath(), "");
+    documents.SetPath(*saved, "/a.ai");
+    documents.SetPath(*untitled, "");
+    EXPECT_EQ(saved->DocumentFilePath(), "/a.ai");
 }
 
 TEST(AllTrackedDocuments, AClosedDocumentLetsItsFontsGoAsThePreferenceSays) {
@@ -107,18 +123,17 @@ TEST(AllTrackedDocuments, AnExceptionStaysInsideAndIsLogged) {
     EXPECT_EQ(tracker.CloseAllFonts(true), 0u) << "the tracker's lock was let go";
 }
 
-TEST(OneTrackedDocument, HasFontsWhenEitherListHasOne) {
-    OneTrackedDocument document;
-    EXPECT_FALSE(document.HasFonts());
-    const CFRef<CFMutableArrayRef> none = cf::MutableArray();
-    const CFRef<CFMutableArrayRef> one = cf::MutableArray();
-    cf::Append(one, "font");
-    document.SetFontArrays({.reportedFonts = none.get(), .unmatchedFonts = none.get()});
-    EXPECT_FALSE(document.HasFonts());
-    document.SetFontArrays({.unmatchedFonts = one.get()});
-    EXPECT_TRUE(document.HasFonts());
-    EXPECT_EQ(CFGetRetainCount(one.get()), 2);
-    document.SetFontArrays({.reportedFonts = one.get()});
-    EXPECT_TRUE(document.HasFonts());
-    EXPECT_EQ(CFGetRetainCount(one.get()), 2);
+TEST(OneTrackedDocument, HoldsItsFontListsEachUnderItsName) {
+    const CFRef<CFMutableArrayRef> reported = cf::MutableArray();
+    const CFRef<CFMutableArrayRef> unmatched = cf::MutableArray();
+    {
+        OneTrackedDocument document;
+        document.SetFontArrays({.reportedFonts = reported.get(), .unmatchedFonts = unmatched.get()});
+        EXPECT_EQ(document.FontArrayA(), reported.get());
+        EXPECT_EQ(document.FontArrayB(), unmatched.get());
+        EXPECT_EQ(CFGetRetainCount(reported.get()), 2);
+        document.SetFontArrays({});
+        EXPECT_EQ(CFGetRetainCount(reported.get()), 1);
+    }
+    EXPECT_EQ(CFGetRetainCount(unmatched.get()), 1);
 }

@@ -27,6 +27,14 @@ const char* GFontManagerConstants::FontKindToName(int32_t kind) {
     return kFontKinds[0].name;
 }
 
+int32_t GFontManagerConstants::FontKindFromRecord(std::string_view name) {
+    if (name.empty())
+        return kFontKind_unknown;
+    if (name == "OpenType")
+        return kFontKind_openTypeTT;
+    return name == "Postscript" ? kFontKind_postScript : FontKindFromName(name);
+}
+
 int32_t GFontManagerConstants::FontKindFromName(std::string_view name) {
     for (const FontKind& row : kFontKinds) {
         if (name == row.name)

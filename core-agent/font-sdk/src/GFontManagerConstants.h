@@ -28,4 +28,7 @@ public:
     static const char* FontKindToName(int32_t kind);
     /// The kind with that name (exact). Any other name is reported and answers kFontKind_unknown. Any thread.
     static int32_t FontKindFromName(std::string_view name);
+    /// The same for the kind of a font record, which may also be called "OpenType", of the flavour that is
+    /// preferred, or "Postscript". No name answers kFontKind_unknown and is not reported. Any thread.
+    static int32_t FontKindFromRecord(std::string_view name);
 };

@@ -63,7 +63,7 @@ Verdict ComparePreferredText(const BestMatchCandidate& left, const BestMatchCand
     return Wins(left.preferredIdentity == preferredText, right.preferredIdentity == preferredText);
 }
 
-/// Reads both versions, reporting each that cannot be read.
+/// Reads both versions, or reports the first that cannot be read: then the rule decides nothing.
 ErrorCode ReadVersions(const std::string& left, const std::string& right,
                        std::tuple<uint32_t, uint32_t, uint32_t>& leftVersion,
                        std::tuple<uint32_t, uint32_t, uint32_t>& rightVersion) {

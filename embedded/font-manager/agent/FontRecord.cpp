@@ -6,21 +6,7 @@
 #include "GFontManagerConstants.h"
 
 namespace pellwick {
-namespace {
-
-/// Hosts name kinds more loosely than the table does.
-int32_t RequestedKind(const std::string& name) {
-    using Kinds = GFontManagerConstants;
-    if (name.empty())
-        return Kinds::kFontKind_unknown;
-    if (name == "OpenType")
-        return Kinds::kFontKind_openTypeTT;
-    if (name == "Postscript")
-        return Kinds::kFontKind_postScript;
-    return Kinds::FontKindFromName(name);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 bool IsActive(const Font& font) {
     return font.activationState == kFontActivationState_ActivatedByUser ||
@@ -70,7 +56,7 @@ RequestedFont RequestedFontOf(const Json& record) {
     request.family = StringMember(record, kGS_FamilyKey);
     request.style = StringMember(record, kStyleMember);
     request.foundry = StringMember(record, kGS_FoundryKey);
-    request.kind = RequestedKind(StringMember(record, kGS_FontKindKey));
+    request.kind = GFontManagerConstants::FontKindFromRecord(StringMember(record, kGS_FontKindKey));
     return request;
 }
 

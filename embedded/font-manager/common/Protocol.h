@@ -88,7 +88,7 @@ PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 }  // namespace method
 
 /// The workgroup ID that stands for all workgroups together, and its name.
-constexpr int32_t kAllWorkgroupsID = -2;
+constexpr int32_t kAllWorkgroupsID = kWorkgroupID_All;
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 
 /// The full name of a font of a list, in its record: as the font has it, else family and style.

@@ -13,6 +13,7 @@
 
 #include "TemporaryFolder.h"
 #include "TestProcess.h"
+#include "platform/DebugOutput.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -168,4 +169,21 @@ TEST(ProcessDetails, AThreadStartedBehindASignalBlockIsSparedTheHostsSignals) {
         }).join();
     }
     EXPECT_FALSE(blocked(SIGTERM) || blocked(SIGALRM) || blocked(SIGRTMAX));
+}
+
+TEST(LinuxDebugOutput, OutputThatNobodyReadsAnyMoreDoesNotEndTheHost) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // the destination is decided once per process
+    setenv("PLUGINCORE_DEBUG_OUTPUT", "-", 1);
+    EXPECT_EXIT(
+        {
+            int ends[2];
+            if (pipe(ends) != 0 || close(ends[0]) != 0 || dup2(ends[1], STDERR_FILENO) < 0)
+                _exit(2);
+            platform::Current<platform::DebugOutput>().Write("nobody hears this\n");
+            sigset_t pending;
+            sigpending(&pending);
+            _exit(sigismember(&pending, SIGPIPE) == 0 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    unsetenv("PLUGINCORE_DEBUG_OUTPUT");
 }

@@ -159,7 +159,7 @@ ErrorCode SetPathForDocument(const std::string& path, const std::string& documen
     const Document record = Documents().FindTrackedDocumentByIdentifier(documentId);
     if (!record)
         return result = CoreErrorCodes::kNotFound;
-    record->SetDocumentFilePath(path);
+    Documents().SetPath(*record, path);
     return result = CoreErrorCodes::kSuccess;
 }
 

@@ -42,7 +42,7 @@ bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string&
         LogMessage(0, "Error %d on attempt to open launch info file at: %s", error.code, infoPath.c_str());
         return false;
     }
-    LogMessage(0, "Launch config file contents: %s", content.c_str());
+    LogLines(0, "Launch config file contents: %s", content.c_str());
     path = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
     arguments = AgentLauncher::LaunchInfoValue(content, "pellwick.args");
     if (!NamesAProgram(path, arguments)) {

@@ -51,7 +51,7 @@ public:
 
     [[nodiscard]] ErrorCode ActivateDocumentFontsByPath(const std::string& documentPath,
                                                         const DocumentFontLists& lists);
-    /// Activates the one font of the record.
+    /// Activates the one font of the record. Nothing calls it yet: documents activate lists.
     [[nodiscard]] ErrorCode ActivateFontByID(CFDictionaryRef font, const std::string& documentIdentifier,
                                              CFMutableArrayRef matchedFonts);
     [[nodiscard]] ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
@@ -85,7 +85,8 @@ public:
     /// Appends the records of the active fonts that a host may take for one of these.
     [[nodiscard]] ErrorCode GetFontConflicts(const std::vector<uint32_t>& databaseIDs,
                                              CFMutableArrayRef conflicts);
-    /// The workgroup of the system's own fonts. Asked for once; 0xFFFFFFFF when it cannot be told.
+    /// The workgroup of the system's own fonts. Asked for once; kWorkgroupID_Unknown when it cannot be told.
+    /// Nothing asks yet.
     int32_t GetSystemWorkgroupID();
 
     bool IsLoggedIn();
@@ -93,6 +94,7 @@ public:
     bool CanExportFromWorkgroup(CFArrayRef fonts);
     /// Whether the user may be shown missing fonts to choose replacements for.
     bool canShowPostscriptReplacements();
+    /// Nothing asks yet: the font manager refuses by itself what its database cannot take.
     bool AreSchemaVersionsInSync();
 
     /// Appends the user's workgroups that the filter lets through, with the names to show.

@@ -3,12 +3,6 @@
 #include "HostPatience.h"
 #include "TraceLog.h"
 
-namespace {
-
-constexpr int32_t kUnknownWorkgroupID = -1;
-
-}  // namespace
-
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
                                                           const DocumentFontLists& lists) {
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
@@ -189,8 +183,8 @@ ErrorCode CoreAgentInterface::GetFontConflicts(const std::vector<uint32_t>& data
 }
 
 int32_t CoreAgentInterface::GetSystemWorkgroupID() {
-    static int32_t systemWorkgroupID = kUnknownWorkgroupID;  // one for the life of the process
-    if (systemWorkgroupID != kUnknownWorkgroupID) {
+    static int32_t systemWorkgroupID = kWorkgroupID_Unknown;  // one for the life of the process
+    if (systemWorkgroupID != kWorkgroupID_Unknown) {
         LogMessage(0,
                    "CoreAgentInterface::GetSystemWorkgroupID : Returning cached System workgroup ID of %d.",
                    systemWorkgroupID);
@@ -200,7 +194,7 @@ int32_t CoreAgentInterface::GetSystemWorkgroupID() {
     filter.includeSystemWorkgroup = true;
     std::vector<Workgroup> workgroups;
     if (GetAllWorkgroupsForUser(filter, workgroups) != CoreErrorCodes::kSuccess)
-        return kUnknownWorkgroupID;
+        return kWorkgroupID_Unknown;
     for (const Workgroup& workgroup : workgroups) {
         if (workgroup.type == kWorkgroupType_System)
             systemWorkgroupID = workgroup.id;

@@ -16,7 +16,7 @@ CFRef<CFDictionaryRef> PropertyListFromXML(const std::string& xml) {
     const auto data = AdoptCF(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(xml.data()),
                                            static_cast<CFIndex>(xml.size())));
     if (!data) {
-        LogMessage(0, "...CFDataCreate could not deal with \"%s\".", xml.c_str());
+        LogLines(0, "...CFDataCreate could not deal with \"%s\".", xml.c_str());
         return nullptr;
     }
     CFStringRef failure = nullptr;
@@ -25,8 +25,8 @@ CFRef<CFDictionaryRef> PropertyListFromXML(const std::string& xml) {
     const CFRef<CFStringRef> message = AdoptCF(failure);
     const auto dictionary = cf::As<CFDictionaryRef>(list.get());
     if (dictionary == nullptr)
-        LogMessage(0, "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
-                   xml.c_str(), cf::ToUtf8(message.get()).c_str());
+        LogLines(0, "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
+                 xml.c_str(), cf::ToUtf8(message.get()).c_str());
     return RetainCF(dictionary);
 }
 
@@ -41,18 +41,12 @@ int ShortChecksum(CFDictionaryRef font) {
     return static_cast<int>(std::strtoul(checksum.substr(0, 8).c_str(), nullptr, 16));
 }
 
-/// Records spell one kind in a way of their own.
-int32_t KindOf(const std::string& name) {
-    return name == "Postscript" ? GFontManagerConstants::kFontKind_postScript
-                                : GFontManagerConstants::FontKindFromName(name);
-}
-
 BestMatchCandidate CandidateOf(CFDictionaryRef font) {
     BestMatchCandidate candidate;
     candidate.ID = static_cast<uint32_t>(cf::GetInt64(font, kGS_DatabaseIDKey).value_or(0));
     candidate.preferredIdentity = cf::GetString(font, kGS_FoundryKey);
     candidate.orderNumber = candidate.ID;
-    candidate.kind = KindOf(cf::GetString(font, kGS_FontKindKey));
+    candidate.kind = GFontManagerConstants::FontKindFromRecord(cf::GetString(font, kGS_FontKindKey));
     candidate.version = cf::GetString(font, kGS_VersionKey);
     candidate.status = static_cast<int32_t>(cf::GetInt64(font, kGS_ActivationStateKey).value_or(0));
     candidate.mode = kOrdinaryMode;
@@ -82,13 +76,14 @@ std::vector<FontManagerInterface::Fingerprint> FontManagerInterface::GetGlyphsca
         return fingerprints;
     const bool isStandalone = agent->IsRunningStandalone();
     for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts.get())) {
-        if (isStandalone && IsRemote(font)) {
+        CFRef<CFDictionaryRef> data = FingerprintOf(*agent, font);
+        if (!data)
+            continue;
+        if (isStandalone && IsRemote(font))
             LogMessage(0,
                        "Excluding version with checksum %d because it's remote and we're running standalone.",
                        ShortChecksum(font));
-            continue;
-        }
-        if (CFRef<CFDictionaryRef> data = FingerprintOf(*agent, font))
+        else
             fingerprints.push_back({RetainCF(font), std::move(data)});
     }
     return fingerprints;

@@ -53,13 +53,15 @@ public:
     /// What the user can choose from: the own workgroups and the entry for all of them together.
     std::vector<Workgroup> WorkgroupsToChooseFrom();
 
+    // Lookups to which no export leads yet.
+
     /// The name to show for a workgroup; empty when the user does not have it.
     std::string GetWorkgroupNameFromID(int32_t inWorkgroupID);
     bool IsValidWorkgroupForUser(int32_t workgroupID);
     /// Gives each font record that names a workgroup the name to show for it.
     void AddWorkgroupNamesToFonts(CFMutableArrayRef fonts);
 
-    // ---- Fingerprints
+    // ---- Fingerprints, to which no export leads yet
 
     /// The fingerprints (dictionaries) of the fonts with that PostScript name, best match first.
     CFRef<CFArrayRef> GetGlyphscanData(const std::string& name, int32_t workgroupID);
@@ -85,6 +87,7 @@ public:
 
     /// Whether the agent was reachable when last asked.
     bool IsRunning() override { return sm_pFontManager != nullptr && sm_pFontManager->IsReachable(); }
+    /// Always: every font manager that the core binds takes lists.
     bool IsBatchMode() override { return true; }
     bool IsLoggedIn() override;
     ErrorCode ActivateDocumentFonts(const std::string& documentPath, const DocumentFontLists& lists) override;
@@ -122,7 +125,7 @@ private:
 
     GMutex mFontManagerLock;  ///< guards the creation and destruction of sm_pFontManager
     CoreAgentInterface* sm_pFontManager = nullptr;
-    /// Everyone there ever was: a call that waits behind a dialog may still be in one that was let go.
+    /// Every one that was made, since a call that waits behind a dialog may still be in one that was let go.
     std::vector<std::unique_ptr<CoreAgentInterface>> mFontManagers;
     /// Records of fonts that no document needs any more, and that the agent could not be told of.
     CFRef<CFMutableArrayRef> mFontsToLetGo = cf::MutableArray();

@@ -1,5 +1,6 @@
 #include "NotificationProcessor.h"
 
+#include <algorithm>
 #include <array>
 
 #include "FontManagerInterface.h"
@@ -118,9 +119,10 @@ constexpr std::array<Reaction, 11> kReactions{
      {kPluginNotification_IncrementalReplicationProgress, OnIncrementalReplicationProgress},
      {kPluginNotification_IncrementalReplicationStopped, OnIncrementalReplicationStopped}}};
 
-/// The font manager's own affairs, which panels hear of in other ways.
 bool ConcernsPanels(std::string_view name) {
-    return name != kPluginNotification_WorkgroupsChanged && name != kPluginNotification_AgentShutdown;
+    return std::any_of(std::begin(kReportKinds), std::end(kReportKinds), [&](const ReportKind& kind) {
+        return kind.name == name && kind.hearers == ReportHearers::kCoreAndPanels;
+    });
 }
 
 }  // namespace

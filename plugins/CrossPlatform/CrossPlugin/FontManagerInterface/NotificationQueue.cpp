@@ -1,70 +1,11 @@
 #include "NotificationQueue.h"
 
-#include <array>
+#include <iterator>
 
 #include "NoDestructor.h"
-#include "TarnwickPluginInterface.h"
 #include "TraceLog.h"
 
 namespace {
-
-/// What a callback's data is, and under which key it goes into the payload.
-enum class DataKind { kNone, kTrue, kFalse, kTruth, kFontID, kPayload, kDictionary };
-
-struct CallbackKind {
-    const char* name;
-    DataKind data = DataKind::kNone;
-    const char* key = nullptr;
-};
-
-constexpr const char* kNames[] = {
-#define NOTIFICATION_NAME(name) name,
-    PLUGIN_NOTIFICATIONS(NOTIFICATION_NAME)
-#undef NOTIFICATION_NAME
-};
-constexpr int32_t kFirstNamedType = kPluginCallback_PanelDataChanged;
-constexpr int32_t kFirstNamedName = 2;
-constexpr int32_t kTypeCount = kPluginCallback_Enabled + 1;
-static_assert(std::size(kNames) == kTypeCount - kFirstNamedType + kFirstNamedName);
-
-CallbackKind KindOf(int32_t callbackType) {
-    switch (callbackType) {
-        case kPluginCallback_WentOnline:
-            return {kPluginNotification_OnlineStateChanged, DataKind::kTrue, kNotificationIsOnlineKey};
-        case kPluginCallback_WentOffline:
-            return {kPluginNotification_OnlineStateChanged, DataKind::kFalse, kNotificationIsOnlineKey};
-        case kPluginCallback_LoggedIn:
-            return {kPluginNotification_LoggedInStateChanged, DataKind::kTrue, kNotificationIsLoggedInKey};
-        case kPluginCallback_LoggedOut:
-            return {kPluginNotification_LoggedInStateChanged, DataKind::kFalse, kNotificationIsLoggedInKey};
-        default:
-            break;
-    }
-    const char* name = kNames[callbackType - kFirstNamedType + kFirstNamedName];
-    switch (callbackType) {
-        case kPluginCallback_FontActivated:
-        case kPluginCallback_FontDeactivated:
-        case kPluginCallback_FontMissing:
-        case kPluginCallback_DesignActivationNonCompliant:
-            return {name, DataKind::kFontID, kPluginNotification_FontActivation_Font_ID};
-        case kPluginCallback_GoogleWebFontsEnabled:
-        case kPluginCallback_Enabled:
-            return {name, DataKind::kTruth, kNotificationIsEnabledKey};
-        case kPluginCallback_PreviewPNGsRendered:
-            return {name, DataKind::kDictionary, kPluginNotification_FontPNGs};
-        case kPluginCallback_TaskStarted:
-        case kPluginCallback_TaskProgress:
-        case kPluginCallback_TaskFinished:
-        case kPluginCallback_TaskError:
-        case kPluginCallback_BulkReplicationProgress:
-        case kPluginCallback_IncrementalReplicationProgress:
-        case kPluginCallback_GoogleReplicationProgress:
-        case kPluginCallback_FontServerReplicationProgress:
-            return {name, DataKind::kPayload};
-        default:
-            return {name};
-    }
-}
 
 CFDictionaryRef Dictionary(const void* data) {
     return cf::As<CFDictionaryRef>(static_cast<CFTypeRef>(data));
@@ -76,21 +17,19 @@ CFRef<CFMutableDictionaryRef> CopyOf(CFDictionaryRef dictionary) {
                                  : cf::MutableDictionary();
 }
 
-CFRef<CFDictionaryRef> PayloadOf(const CallbackKind& kind, int32_t callbackType, const void* data) {
-    if (kind.data == DataKind::kPayload)
-        return CopyOf(data != nullptr ? Dictionary(data) : nullptr);
-    CFRef<CFMutableDictionaryRef> payload = cf::MutableDictionary();
-    if (callbackType == kPluginCallback_LoggedIn && data != nullptr)
-        payload = CopyOf(Dictionary(data));  // "serverType"
-    if (kind.data == DataKind::kTrue || kind.data == DataKind::kFalse)
-        cf::Set(payload, kind.key, kind.data == DataKind::kTrue);
-    if (data == nullptr)
+CFRef<CFDictionaryRef> PayloadOf(const ReportKind& kind, const void* data) {
+    const bool isPayloadItself = kind.data == ReportData::kDictionary && (kind.key == nullptr || kind.state);
+    CFRef<CFMutableDictionaryRef> payload =
+        CopyOf(isPayloadItself && data != nullptr ? Dictionary(data) : nullptr);
+    if (kind.state)
+        cf::Set(payload, kind.key, *kind.state);
+    if (data == nullptr || isPayloadItself)
         return payload;
-    if (kind.data == DataKind::kTruth)
+    if (kind.data == ReportData::kTruth)
         cf::Set(payload, kind.key, *static_cast<const bool*>(data));
-    if (kind.data == DataKind::kFontID)
+    if (kind.data == ReportData::kFontID)
         cf::Set(payload, kind.key, *static_cast<const uint32_t*>(data));
-    if (kind.data == DataKind::kDictionary)
+    if (kind.data == ReportData::kDictionary)
         cf::Set(payload, kind.key, CopyOf(Dictionary(data)));
     return payload;
 }
@@ -103,10 +42,10 @@ ErrorCode Post(int32_t callbackType, const void* pCallbackData) {
     NotificationQueue& queue = NotificationQueue::GetSharedInstance();
     if (!queue.IsOpen())
         LogMessage(0, "WARNING:  CoreAgentInterface::GetFontManager() returned NULL.");
-    if (callbackType < 0 || callbackType >= kTypeCount)
+    if (callbackType < 0 || static_cast<size_t>(callbackType) >= std::size(kReportKinds))
         return CoreErrorCodes::kInvalidParam;
-    const CallbackKind kind = KindOf(callbackType);
-    queue.Post({kind.name, PayloadOf(kind, callbackType, pCallbackData)});
+    const ReportKind& kind = kReportKinds[callbackType];
+    queue.Post({kind.name, PayloadOf(kind, pCallbackData)});
     return CoreErrorCodes::kSuccess;
 }
 

@@ -1,45 +1,13 @@
-// What the font manager's agent reports, as the core passes it on: a name and a payload.
+// What the font manager's agent reports, as the core passes it on: a name and a payload. The tables here are
+// the one list of reports: constants, queue and processing are made from them.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>
 
+#include <optional>
 #include <string_view>
 
-/* clang-format off */
-/* X(name), in the order in which callback types from 4 on count through them; the first two have two types each. */
-#define PLUGIN_NOTIFICATIONS(X)                              \
-    X(kPluginNotification_OnlineStateChanged)                \
-    X(kPluginNotification_LoggedInStateChanged)              \
-    X(kPluginNotification_PanelDataChanged)                  \
-    X(kPluginNotification_WorkgroupsChanged)                 \
-    X(kPluginNotification_AgentShutdown)                     \
-    X(kPluginNotification_FontActivated)                     \
-    X(kPluginNotification_FontDeactivated)                   \
-    X(kPluginNotification_FontMissing)                       \
-    X(kPluginNotification_DesignActivationNonCompliant)      \
-    X(kPluginNotification_UserPermissionsChanged)            \
-    X(kPluginNotification_TaskStarted)                       \
-    X(kPluginNotification_TaskProgress)                      \
-    X(kPluginNotification_TaskFinished)                      \
-    X(kPluginNotification_TaskError)                         \
-    X(kPluginNotification_BulkReplicationProgress)           \
-    X(kPluginNotification_BulkReplicationStopped)            \
-    X(kPluginNotification_IncrementalReplicationProgress)    \
-    X(kPluginNotification_IncrementalReplicationStopped)     \
-    X(kPluginNotification_GoogleReplicationProgress)         \
-    X(kPluginNotification_GoogleReplicationStopped)          \
-    X(kPluginNotification_FontServerReplicationProgress)     \
-    X(kPluginNotification_FontServerReplicationStopped)      \
-    X(kPluginNotification_GoogleWebFontsEnabled)             \
-    X(kPluginNotification_PreviewPNGsRendered)               \
-    X(kPluginNotification_SmartListsChanged)                 \
-    X(kPluginNotification_OfflineDownloadFinished)           \
-    X(kPluginNotification_Enabled)
-/* clang-format on */
-
-#define DECLARE_NOTIFICATION_NAME(name) inline constexpr char name[] = #name;
-PLUGIN_NOTIFICATIONS(DECLARE_NOTIFICATION_NAME)
-#undef DECLARE_NOTIFICATION_NAME
+#include "TarnwickPluginInterface.h"
 
 // Keys of payloads. Progress payloads and those of tasks are the font manager's own dictionaries.
 inline constexpr char kPluginNotification_FontActivation_Font_ID[] =
@@ -58,6 +26,100 @@ inline constexpr char kNotificationIsOnlineKey[] = "isOnline";      ///< boolean
 inline constexpr char kNotificationIsLoggedInKey[] = "isLoggedIn";  ///< boolean
 inline constexpr char kNotificationServerTypeKey[] = "serverType";  ///< number
 inline constexpr char kNotificationIsEnabledKey[] = "isEnabled";    ///< boolean
+
+/// What a report comes with, and what becomes of it in the payload.
+enum class ReportData {
+    kNothing,
+    kTruth,      ///< a bool, under the key
+    kFontID,     ///< a uint32_t, under the key
+    kDictionary  ///< a copy: under the key, or the payload itself where there is none
+};
+
+/// Who reacts to a report.
+enum class ReportHearers { kCore, kCoreAndPanels };
+
+/* clang-format off */
+/* States: X(name, key of the truth in the payload, report when it is true, its data, report when it is not) */
+#define PLUGIN_STATE_NOTIFICATIONS(X)                                                        \
+    X(OnlineStateChanged, kNotificationIsOnlineKey, WentOnline, kNothing, WentOffline)       \
+    X(LoggedInStateChanged, kNotificationIsLoggedInKey, LoggedIn, kDictionary, LoggedOut)
+
+/* Events, each with a report of the same name: X(name, data, key, hearers) */
+#define PLUGIN_EVENT_NOTIFICATIONS(X)                                                                     \
+    X(PanelDataChanged, kNothing, nullptr, kCoreAndPanels)                                                \
+    X(WorkgroupsChanged, kNothing, nullptr, kCore)                                                        \
+    X(AgentShutdown, kNothing, nullptr, kCore)                                                            \
+    X(FontActivated, kFontID, kPluginNotification_FontActivation_Font_ID, kCoreAndPanels)                 \
+    X(FontDeactivated, kFontID, kPluginNotification_FontActivation_Font_ID, kCoreAndPanels)               \
+    X(FontMissing, kFontID, kPluginNotification_FontActivation_Font_ID, kCoreAndPanels)                   \
+    X(DesignActivationNonCompliant, kFontID, kPluginNotification_FontActivation_Font_ID, kCoreAndPanels)  \
+    X(UserPermissionsChanged, kNothing, nullptr, kCoreAndPanels)                                          \
+    X(TaskStarted, kDictionary, nullptr, kCoreAndPanels)                                                  \
+    X(TaskProgress, kDictionary, nullptr, kCoreAndPanels)                                                 \
+    X(TaskFinished, kDictionary, nullptr, kCoreAndPanels)                                                 \
+    X(TaskError, kDictionary, nullptr, kCoreAndPanels)                                                    \
+    X(BulkReplicationProgress, kDictionary, nullptr, kCoreAndPanels)                                      \
+    X(BulkReplicationStopped, kNothing, nullptr, kCoreAndPanels)                                          \
+    X(IncrementalReplicationProgress, kDictionary, nullptr, kCoreAndPanels)                               \
+    X(IncrementalReplicationStopped, kNothing, nullptr, kCoreAndPanels)                                   \
+    X(GoogleReplicationProgress, kDictionary, nullptr, kCoreAndPanels)                                    \
+    X(GoogleReplicationStopped, kNothing, nullptr, kCoreAndPanels)                                        \
+    X(FontServerReplicationProgress, kDictionary, nullptr, kCoreAndPanels)                                \
+    X(FontServerReplicationStopped, kNothing, nullptr, kCoreAndPanels)                                    \
+    X(GoogleWebFontsEnabled, kTruth, kNotificationIsEnabledKey, kCoreAndPanels)                           \
+    X(PreviewPNGsRendered, kDictionary, kPluginNotification_FontPNGs, kCoreAndPanels)                     \
+    X(SmartListsChanged, kNothing, nullptr, kCoreAndPanels)                                               \
+    X(OfflineDownloadFinished, kNothing, nullptr, kCoreAndPanels)                                         \
+    X(Enabled, kTruth, kNotificationIsEnabledKey, kCoreAndPanels)
+/* clang-format on */
+
+#define DECLARE_STATE_NAME(name, key, onTrue, data, onFalse) \
+    inline constexpr char kPluginNotification_##name[] = "kPluginNotification_" #name;
+#define DECLARE_EVENT_NAME(name, data, key, hearers) \
+    inline constexpr char kPluginNotification_##name[] = "kPluginNotification_" #name;
+PLUGIN_STATE_NOTIFICATIONS(DECLARE_STATE_NAME)
+PLUGIN_EVENT_NOTIFICATIONS(DECLARE_EVENT_NAME)
+#undef DECLARE_STATE_NAME
+#undef DECLARE_EVENT_NAME
+
+/// One report of the interface library.
+struct ReportKind {
+    PluginNotificationType type;
+    std::string_view name;  ///< of the notification that it becomes
+    ReportData data;
+    const char* key;  ///< in the payload; null for none
+    std::optional<bool> state;
+    ReportHearers hearers;
+};
+
+/// By type.
+inline constexpr ReportKind kReportKinds[] = {
+#define STATE_ROWS(name, key, onTrue, data, onFalse)                                                  \
+    {kPluginCallback_##onTrue, kPluginNotification_##name, ReportData::data, key, true,               \
+     ReportHearers::kCoreAndPanels},                                                                  \
+        {kPluginCallback_##onFalse,                                                                   \
+         kPluginNotification_##name,                                                                  \
+         ReportData::kNothing,                                                                        \
+         key,                                                                                         \
+         false,                                                                                       \
+         ReportHearers::kCoreAndPanels},
+#define EVENT_ROW(name, data, key, hearers)                                     \
+    {kPluginCallback_##name, kPluginNotification_##name, ReportData::data, key, \
+     std::nullopt,           ReportHearers::hearers},
+    PLUGIN_STATE_NOTIFICATIONS(STATE_ROWS) PLUGIN_EVENT_NOTIFICATIONS(EVENT_ROW)
+#undef STATE_ROWS
+#undef EVENT_ROW
+};
+
+consteval bool IsEveryReportInItsPlace() {
+    int32_t type = 0;
+    for (const ReportKind& kind : kReportKinds) {
+        if (kind.type != type++)
+            return false;
+    }
+    return type == kPluginCallback_Enabled + 1;
+}
+static_assert(IsEveryReportInItsPlace(), "a row is missing, or stands where another belongs");
 
 struct PluginNotification {
     std::string_view name;           ///< one of the constants above

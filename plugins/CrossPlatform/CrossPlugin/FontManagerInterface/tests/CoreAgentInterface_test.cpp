@@ -8,122 +8,171 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
-TEST_F(CoreAgentInterfaceTest, AFacadeIsFetchedForEveryCall) {
-    EXPECT_TRUE(agent.IsLoggedIn());
-    EXPECT_TRUE(agent.IsRunningStandalone());
-    EXPECT_THAT(library.calls, ElementsAre("GetPluginFacadeInstance", "GetIsLoggedIn",
-                                           "GetPluginFacadeInstance", "GetRunningStandalone"));
-}
-
-TEST_F(CoreAgentInterfaceTest, TheFirstLossIsHealedSilently) {
+// What comes of losses in all their combinations is FaultMatrix's; here is how they read in the trace.
+TEST_F(CoreAgentInterfaceTest, LossesAreToldInTheTrace) {
     for (const ErrorCode gone : {GAgentIF::kShutdown, GIPCClient::kServiceUnavailable}) {
         library.codes["GetIsLoggedIn"] = {gone};
         EXPECT_TRUE(agent.IsLoggedIn());
     }
-    EXPECT_EQ(Launches(), 2);
-    EXPECT_EQ(library.CallsOf("ResetPluginFacadeInstance"), 2);
-    EXPECT_THAT(framework.shownBoxes, IsEmpty());
-    EXPECT_TRUE(AreServicesOn());
     EXPECT_THAT(trace.Text(),
                 HasSubstr("Agent not running:  error code = GAgentIF_kShutdown\n"
                           "Agent not running, automatically relaunching agent and retrying command\n"
-                          "Entering CoreAgentInterface::RelaunchZephyrinAgent\n"));
+                          "Entering CoreAgentInterface::RelaunchZephyrinAgent\n"
+                          " Entering CoreAgentInterface::LaunchZephyrinAgentIfNeeded\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("Agent not running:  error code = GIPCClient_kServiceUnavailable\n"));
-}
-
-TEST_F(CoreAgentInterfaceTest, ALossWhileTheFacadeIsFetchedIsHealedToo) {
-    library.codes["GetPluginFacadeInstance"] = {GIPCClient::kServiceUnavailable};
-    EXPECT_TRUE(agent.IsLoggedIn());
-    EXPECT_EQ(Launches(), 1);
-}
-
-TEST_F(CoreAgentInterfaceTest, TheSecondLossDisablesAndTellsBeforeTheNextRelaunch) {
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("\nExiting CoreAgentInterface::RelaunchZephyrinAgent, returning 0\n"));
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown, GAgentIF::kShutdown};
     EXPECT_TRUE(agent.IsLoggedIn());
-    EXPECT_EQ(Launches(), 2);
-    EXPECT_THAT(framework.shownBoxes, ElementsAre(std::pair(600u, 601u)));
-    EXPECT_FALSE(AreServicesOn());
     EXPECT_THAT(trace.Text(), HasSubstr("SetConnectedToCore(connected=0)\n"
                                         "Agent not running, relaunching agent and retrying command\n"));
-}
-
-TEST_F(CoreAgentInterfaceTest, AFailedRelaunchAsksTheUserUntilTheAnswerIsNo) {
     processes.launchError.code = 13;
-    framework.answers = {1, 1, 2};
+    framework.answers = {1, 2};
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
     EXPECT_FALSE(agent.IsLoggedIn()) << "the default answer";
-    EXPECT_EQ(Launches(), 3);
-    EXPECT_THAT(framework.shownBoxes,
-                ElementsAre(std::pair(604u, 605u), std::pair(604u, 605u), std::pair(604u, 605u)));
-    EXPECT_EQ(library.CallsOf("GetIsLoggedIn"), 1);
-    EXPECT_EQ(library.CallsOf("ResetPluginFacadeInstance"), 0);
-    EXPECT_FALSE(AreServicesOn());
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("Exiting CoreAgentInterface::LaunchZephyrinAgentIfNeeded, returning 2\n"));
     EXPECT_THAT(
         trace.Text(),
         HasSubstr("Agent not running, done attempting to relaunch.  Disabling plugin functionality\n"));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Exiting CoreAgentInterface::LaunchZephyrinAgentIfNeeded, returning 2\n"));
 }
 
-TEST_F(CoreAgentInterfaceTest, OtherFailuresAreNotRetried) {
-    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout};
+TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    EXPECT_EQ(agent.DeactivateFonts(fonts.get(), 0, nullptr), GIPCClient::kReplyTimeout);
-    EXPECT_EQ(Launches(), 0);
+    const CFRef<CFMutableArrayRef> answer = cf::MutableArray();
+    const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+    cf::Set(font, kGS_DatabaseIDKey, 9);
+    cf::Append(fonts, font);
+    cf::Append(fonts, "no record");
+    library.fonts = {{7, "Seven"}};
+    library.fingerprints = {{9, "<xml/>"}};
+    library.activationStates = {{7, true}, {8, false}};
+    const DocumentFontLists lists{.requestedFonts = fonts.get(),
+                                  .matchedFonts = answer.get(),
+                                  .reportedFonts = cf::MutableArray().release(),
+                                  .unmatchedFonts = nullptr};
+    const CFRef<CFMutableArrayRef> reported = AdoptCF(lists.reportedFonts);
+    std::string xml;
+    int32_t setID = 0;
+    PluginActivationStates states;
+    library.canExport = true;
+    EXPECT_EQ(agent.ActivateDocumentFontsByPath("/a.ai", lists), 0u);
+    EXPECT_EQ(agent.ActivateFontByID(font.get(), "A", answer.get()), 0u);
+    EXPECT_EQ(agent.ActivateFontsByID(fonts.get(), "B", answer.get()), 0u);
+    EXPECT_EQ(cf::Count(answer.get()), 3);
+    EXPECT_EQ(cf::Count(reported.get()), 1);
+    EXPECT_EQ(agent.DeactivateFonts(fonts.get(), 5, nullptr), 0u);
+    EXPECT_EQ(agent.GetClientFontActivationStates({7, 8, 9}, states), 0u);
+    EXPECT_EQ(states, (PluginActivationStates{{7, true}, {8, false}}));
+    EXPECT_EQ(agent.SaveDocumentFonts("/b.ai", true, cf::String("usage").get()), 0u);
+    EXPECT_EQ(agent.CreateTopLevelSet("Set", 3, setID), 0u);
+    EXPECT_EQ(agent.AddFontsToSet(fonts.get(), setID), 0u);
+    EXPECT_EQ(agent.GetFontsByPostscriptName("Name", 4, answer.get()), 0u);
+    EXPECT_EQ(agent.GetGlyphscanInfo(9, xml), 0u);
+    EXPECT_EQ(xml, "<xml/>");
+    EXPECT_EQ(agent.GetFontConflicts({7, 8}, answer.get()), 0u);
+    EXPECT_TRUE(agent.CanExportFromWorkgroup(fonts.get()));
+    EXPECT_FALSE(agent.canShowPostscriptReplacements());
+    EXPECT_FALSE(agent.AreSchemaVersionsInSync());
+    std::erase(library.given, "GetPluginFacadeInstance ");
+    EXPECT_THAT(
+        library.given,
+        ElementsAre("ActivateDocumentFontsByPath '/a.ai' [2] ", "ActivateFonts [1] 'A' 'ActivateLocally' ",
+                    "ActivateFonts [2] 'B' 'ActivateLocally' ", "DeactivateFonts [2] 5 ",
+                    "GetClientFontActivationStates [3] ", "SaveDocumentFonts '/b.ai' 1 'usage' ",
+                    "CreateTopLevelSet 'Set' 3 ", "AddFontsToSets [1] [1] ",
+                    "GetFontsByPostscriptName 'Name' 4 ", "GetGlyphscanXMPData 9 ", "GetFontConflicts [2] ",
+                    "CanExportFonts [2] ",
+                    "MotherMayI " + std::to_string(kPermission_ShowPostscriptReplacements) + " ",
+                    "GetAreSchemaVersionsInSync "));
+    EXPECT_EQ(library.CallsOf("GetPluginFacadeInstance"), 14) << "a facade for every call";
+    EXPECT_THAT(trace.Text(), HasSubstr("Entering CoreAgentInterface::ActivateFontByID(..., 'A', ...)\n"
+                                        "CoreAgentInterface::ActivateFontByID() returning 0\n"));
+    EXPECT_THAT(trace.Text(),
+                HasSubstr("WARNING:  CoreAgentInterface::AreSchemaVersionsInSync() returning FALSE\n"));
+}
+
+TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
+    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout};
+    EXPECT_EQ(agent.DeactivateFonts(nullptr, 0, nullptr), GIPCClient::kReplyTimeout);
+    VPILoader::GetSharedInstance()->pfSaveDocumentFonts = nullptr;
+    EXPECT_EQ(agent.SaveDocumentFonts("/a.ai", true, nullptr), CoreErrorCodes::kNotImplemented);
+    library.codes["GetIsLoggedIn"] = {CoreErrorCodes::kError};
+    EXPECT_FALSE(agent.IsLoggedIn());
+    EXPECT_THAT(processes.launchedCommandLines, IsEmpty());
     EXPECT_TRUE(AreServicesOn());
 }
 
-TEST_F(CoreAgentInterfaceTest, AFunctionThatIsNotThereIsNotCalled) {
-    VPILoader::GetSharedInstance()->pfSaveDocumentFonts = nullptr;
-    EXPECT_EQ(agent.SaveDocumentFonts("/a.ai", true, nullptr), CoreErrorCodes::kNotImplemented);
-}
-
-TEST_F(CoreAgentInterfaceTest, ActivationStatesComeBackByDatabaseID) {
-    library.activationStates = {{7, true}, {8, false}};
-    PluginActivationStates states;
-    EXPECT_EQ(agent.GetClientFontActivationStates({7, 8, 9}, states), 0u);
-    EXPECT_EQ(states, (PluginActivationStates{{7, true}, {8, false}}));
+TEST_F(CoreAgentInterfaceTest, CollectingTellsHowFarItIsAndStopsWhenItShall) {
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    for (int index = 0; index < 3; ++index)
+        cf::Append(fonts, cf::MutableDictionary());
+    std::string steps;
+    const auto collect = [&](CFArrayRef what, int last) {
+        steps.clear();
+        library.exportedTo.clear();
+        return agent.CollectFontsUsedByCurrentDocument("/a.ai", "/to", what, [&](int done, int total) {
+            steps += std::to_string(done) + "/" + std::to_string(total) + " ";
+            return done != last;
+        });
+    };
+    constexpr ErrorCode kUnavailable = GZephyrinExportFonts::kFontUnavailableToExport;
+    library.codes["ExportFonts"] = {0, kUnavailable, 0};
+    EXPECT_EQ(collect(fonts.get(), -1), kUnavailable) << "the others were collected";
+    EXPECT_EQ(steps, "0/3 1/3 2/3 3/3 ");
+    EXPECT_THAT(library.exportedTo, ElementsAre("/to", "/to"));
+    EXPECT_EQ(collect(fonts.get(), 1), GZephyrinExportFonts::kTaskStopped);
+    EXPECT_EQ(library.exportedTo.size(), 1u);
+    library.codes["ExportFonts"] = {kUnavailable, CoreErrorCodes::kError};
+    EXPECT_EQ(collect(fonts.get(), -1), kUnavailable) << "the first failure is the result";
+    EXPECT_EQ(steps, "0/3 1/3 3/3 ") << "and another one the end";
+    EXPECT_EQ(collect(nullptr, -1), 0u);
+    EXPECT_THAT(library.foldersMade, ElementsAre("/to"));
+    EXPECT_THAT(trace.Text(), HasSubstr("CollectFontsUsedByCurrentDocument('/a.ai', '/to', fontInfo array "
+                                        "length=0)\n No fonts to collect.  Creating empty destination "
+                                        "folder, if it does not already exist.\n"));
 }
 
 TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
-    MarquellGlobals::SetPluginServicesEnabled(false);
+    struct Case {
+        ErrorCode code;
+        const char* line;
+        uint32_t box;  ///< its title; 0 for none
+    };
+    const Case cases[] = {
+        {0, "GZephyrinSdk::Initialize SUCCEEDED.\n", 0},
+        {GZephyrinSdk::kVaultInUse,
+         "GZephyrinSdk::Initialize FAILED, error code = 33562632 (GZephyrinSdk::kVaultInUse).\n"
+         " Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "
+         "initialization error 33562632.\n",
+         message_boxes::kVaultInUse.titleID},
+        {GZephyrinSdk::kInvalidVault, "error code = 16785416 (GZephyrinSdk::kInvalidVault).\n",
+         message_boxes::kInvalidVault.titleID},
+        {CoreErrorCodes::kError, "error code = 16777216 (?\?\?).\n",
+         message_boxes::kAgentFailedToInitialize.titleID},
+        {GZephyrinConfig::kAgentNotFound, "Core Agent process not found\n",
+         message_boxes::kAgentNotRunning.titleID},
+        {GZephyrinConfig::kAgentRunningInWrongMode, "Core Agent process running in wrong mode\n", 0}};
     library.isAgentRunning = true;
-    agent.InitializeCoreAgent();
-    EXPECT_TRUE(AreServicesOn());
-    EXPECT_THAT(trace.Text(), HasSubstr("GZephyrinSdk::Initialize SUCCEEDED.\n"));
-
-    library.codes["InitAppInstance"] = {GZephyrinSdk::kVaultInUse};
-    agent.InitializeCoreAgent();
-    EXPECT_FALSE(AreServicesOn());
-    EXPECT_THAT(
-        trace.Text(),
-        HasSubstr("GZephyrinSdk::Initialize FAILED, error code = 33562632 (GZephyrinSdk::kVaultInUse).\n"));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() "
-                          "because of SDK initialization error 33562632.\n"));
-    library.codes["InitAppInstance"] = {GZephyrinSdk::kInvalidVault, CoreErrorCodes::kError,
-                                        GZephyrinConfig::kAgentNotFound};
-    for (int attempt = 0; attempt < 3; ++attempt)
+    for (const Case& each : cases) {
+        framework.shownBoxes.clear();
+        trace.Clear();
+        MarquellGlobals::SetPluginServicesEnabled(each.code != 0);
+        library.codes["InitAppInstance"] = {each.code};
         agent.InitializeCoreAgent();
-    EXPECT_THAT(trace.Text(), HasSubstr("error code = 16785416 (GZephyrinSdk::kInvalidVault).\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr("error code = 16777216 (?\?\?).\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Core Agent process not found\n"));
-    EXPECT_EQ(framework.shownBoxes.size(), 4u);
-    library.codes["InitAppInstance"] = {CoreErrorCodes::kSuccess, GZephyrinConfig::kAgentRunningInWrongMode};
-    agent.InitializeCoreAgent();
-    EXPECT_TRUE(AreServicesOn());
-    agent.InitializeCoreAgent();
-    EXPECT_FALSE(AreServicesOn());
-    EXPECT_THAT(trace.Text(), HasSubstr("Core Agent process running in wrong mode\n"));
-    EXPECT_EQ(framework.shownBoxes.size(), 4u);
-    trace.Clear();
+        EXPECT_EQ(AreServicesOn(), each.code == 0) << each.line;
+        EXPECT_EQ(framework.shownBoxes.empty() ? 0 : framework.shownBoxes[0].first, each.box) << each.line;
+        EXPECT_THAT(trace.Text(), HasSubstr(each.line));
+        MarquellGlobals::SetConnectedToCore(true);
+    }
+    EXPECT_THAT(library.given, testing::Contains("InitAppInstance 'Illustrator2025' '' "));
     library.isAgentRunning = false;
     agent.InitializeCoreAgent();
     EXPECT_THAT(trace.Text(),
                 HasSubstr("Core Agent process not running; rc=0, isRunning=0, sizeof(isRunning)=1\n"));
     EXPECT_EQ(framework.shownBoxes.back(), std::pair(600u, 601u));
+    EXPECT_FALSE(AreServicesOn());
 }
 
 TEST_F(CoreAgentInterfaceTest, TheEndOfAnAgentThatWasReplacedIsNoNewsAnyMore) {

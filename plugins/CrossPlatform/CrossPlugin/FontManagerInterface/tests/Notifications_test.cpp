@@ -74,6 +74,18 @@ protected:
         }
         return told;
     }
+    /// Members in the order of their keys.
+    static std::string TextOf(CFDictionaryRef payload) {
+        std::string text;
+        for (const std::string key : {"isEnabled", "isLoggedIn", "isOnline", "numFonts",
+                                      kPluginNotification_FontActivation_Font_ID}) {
+            if (const auto value = cf::GetInt64(payload, key))
+                text += key + "=" + std::to_string(*value) + " ";
+        }
+        if (const auto images = cf::GetDictionary(payload, kPluginNotification_FontPNGs))
+            text += kPluginNotification_FontPNGs + (":" + TextOf(images));
+        return text;
+    }
     ErrorCode Process() { return fontManager.GetFontManager()->ProcessNotifications(); }
 
     FakeReceiver receiver;
@@ -83,76 +95,74 @@ protected:
 
 TEST_F(NotificationsTest, TheCallbackOnlyRecords) {
     EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1);
-    const uint32_t fontID = 12;
-    Report(kPluginCallback_FontActivated, &fontID);
+    ReportFont(kPluginCallback_FontActivated, 12);
     EXPECT_TRUE(std::regex_match(trace.Text(), std::regex("CoreAgentNotificationCallback\\(callbackType=7, "
                                                           "pCallbackData=0x[0-9a-f]{8}\\) returning 0\n")))
         << trace.Text();
-    EXPECT_TRUE(receiver.names.empty());
+    EXPECT_THAT(Told(), ElementsAre());
     EXPECT_EQ(Process(), 0u);
-    EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_FontActivated"));
-    EXPECT_EQ(cf::GetInt64(receiver.payloads[0].get(), "kPluginNotification_FontActivation_Font_ID"), 12);
+    EXPECT_EQ(Process(), 0u);
+    EXPECT_THAT(Told(), ElementsAre("FontActivated 12")) << "processed once";
     EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: font 12 activated\n"));
-    EXPECT_EQ(Process(), 0u);
-    EXPECT_EQ(receiver.names.size(), 1u) << "processed once";
 }
 
-TEST_F(NotificationsTest, EveryTypeHasItsNameAndOthersAreIgnored) {
-    for (int32_t type = 4; type <= 28; ++type)
-        CoreAgentNotificationCallback(type, nullptr);
-    for (const int32_t type : {-1, 29, INT32_MAX, INT32_MIN})
-        CoreAgentNotificationCallback(type, nullptr);
-    std::vector<PluginNotification> posted;
-    while (auto next = NotificationQueue::GetSharedInstance().TakeNext())
-        posted.push_back(std::move(*next));
-    ASSERT_EQ(posted.size(), 25u);
-    // As the font manager's contract numbers them, from 4 on.
-    constexpr const char* kNames[] = {"PanelDataChanged",
-                                      "WorkgroupsChanged",
-                                      "AgentShutdown",
-                                      "FontActivated",
-                                      "FontDeactivated",
-                                      "FontMissing",
-                                      "DesignActivationNonCompliant",
-                                      "UserPermissionsChanged",
-                                      "TaskStarted",
-                                      "TaskProgress",
-                                      "TaskFinished",
-                                      "TaskError",
-                                      "BulkReplicationProgress",
-                                      "BulkReplicationStopped",
-                                      "IncrementalReplicationProgress",
-                                      "IncrementalReplicationStopped",
-                                      "GoogleReplicationProgress",
-                                      "GoogleReplicationStopped",
-                                      "FontServerReplicationProgress",
-                                      "FontServerReplicationStopped",
-                                      "GoogleWebFontsEnabled",
-                                      "PreviewPNGsRendered",
-                                      "SmartListsChanged",
-                                      "OfflineDownloadFinished",
-                                      "Enabled"};
-    for (size_t index = 0; index < posted.size(); ++index)
-        EXPECT_EQ(posted[index].name, std::string("kPluginNotification_") + kNames[index]);
-    for (const PluginNotification& each : posted)
-        EXPECT_TRUE(each.payload) << each.name;
-}
-
-TEST_F(NotificationsTest, PayloadsOutliveTheCall) {
-    const CFRef<CFMutableDictionaryRef> details = cf::MutableDictionary();
-    cf::Set(details, "numFonts", 3);
-    Report(kPluginCallback_BulkReplicationProgress, details.get());
-    Report(kPluginCallback_PreviewPNGsRendered, details.get());
-    cf::Set(details, "numFonts", 4);
+TEST_F(NotificationsTest, EveryReportHasItsNameAndPayload) {
+    // As the font manager's contract numbers them: name, and what its data become in the payload.
+    const std::pair<const char*, const char*> kReports[] = {
+        {"OnlineStateChanged", "isOnline=1 "},
+        {"OnlineStateChanged", "isOnline=0 "},
+        {"LoggedInStateChanged", "isLoggedIn=1 numFonts=3 "},
+        {"LoggedInStateChanged", "isLoggedIn=0 "},
+        {"PanelDataChanged", ""},
+        {"WorkgroupsChanged", ""},
+        {"AgentShutdown", ""},
+        {"FontActivated", "kPluginNotification_FontActivation_Font_ID=4000000000 "},
+        {"FontDeactivated", "kPluginNotification_FontActivation_Font_ID=4000000000 "},
+        {"FontMissing", "kPluginNotification_FontActivation_Font_ID=4000000000 "},
+        {"DesignActivationNonCompliant", "kPluginNotification_FontActivation_Font_ID=4000000000 "},
+        {"UserPermissionsChanged", ""},
+        {"TaskStarted", "numFonts=3 "},
+        {"TaskProgress", "numFonts=3 "},
+        {"TaskFinished", "numFonts=3 "},
+        {"TaskError", "numFonts=3 "},
+        {"BulkReplicationProgress", "numFonts=3 "},
+        {"BulkReplicationStopped", ""},
+        {"IncrementalReplicationProgress", "numFonts=3 "},
+        {"IncrementalReplicationStopped", ""},
+        {"GoogleReplicationProgress", "numFonts=3 "},
+        {"GoogleReplicationStopped", ""},
+        {"FontServerReplicationProgress", "numFonts=3 "},
+        {"FontServerReplicationStopped", ""},
+        {"GoogleWebFontsEnabled", "isEnabled=1 "},
+        {"PreviewPNGsRendered", "kPluginNotification_FontPNGs:numFonts=3 "},
+        {"SmartListsChanged", ""},
+        {"OfflineDownloadFinished", ""},
+        {"Enabled", "isEnabled=1 "}};
+    const uint32_t fontID = 4000000000;
     const bool isEnabled = true;
-    Report(kPluginCallback_GoogleWebFontsEnabled, &isEnabled);
-    Process();
-    ASSERT_EQ(receiver.payloads.size(), 3u);
-    EXPECT_EQ(cf::GetInt64(receiver.payloads[0].get(), "numFonts"), 3);
-    EXPECT_EQ(cf::GetInt64(cf::GetDictionary(receiver.payloads[1].get(), "kPluginNotification_FontPNGs"),
-                           "numFonts"),
-              3);
-    EXPECT_EQ(cf::GetBool(receiver.payloads[2].get(), "isEnabled"), true);
+    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
+    int32_t type = 0;
+    for (const auto& [name, payload] : kReports) {
+        const CFRef<CFMutableDictionaryRef> details = cf::MutableDictionary();
+        cf::Set(details, "numFonts", 3);
+        const std::string_view text = payload;
+        const void* data = text.find("Font_ID") != text.npos     ? static_cast<const void*>(&fontID)
+                           : text.find("isEnabled") != text.npos ? static_cast<const void*>(&isEnabled)
+                           : text.find("numFonts") != text.npos  ? details.get()
+                                                                 : nullptr;
+        CoreAgentNotificationCallback(type, nullptr);
+        EXPECT_TRUE(queue.TakeNext()->payload) << name << " without data";
+        CoreAgentNotificationCallback(type++, data);
+        cf::Set(details, "numFonts", 4);  // the payload outlives the call
+        const auto posted = queue.TakeNext();
+        ASSERT_TRUE(posted) << name;
+        EXPECT_EQ(posted->name, "kPluginNotification_" + std::string(name));
+        EXPECT_EQ(TextOf(posted->payload.get()), payload) << name;
+    }
+    EXPECT_EQ(type, kPluginCallback_Enabled + 1);
+    for (const int32_t unknown : {-1, type, INT32_MAX, INT32_MIN})
+        CoreAgentNotificationCallback(unknown, nullptr);
+    EXPECT_EQ(queue.Count(), 0u);
 }
 
 TEST_F(NotificationsTest, ALogoutSwitchesThePluginOffAndALoginOnAgain) {
@@ -172,12 +182,16 @@ TEST_F(NotificationsTest, ALogoutSwitchesThePluginOffAndALoginOnAgain) {
 }
 
 TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
-    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7);
+    library.codes["GetAllWorkgroupsForUser"] = {GIPCClient::kReplyTimeout};
+    Report(kPluginCallback_WorkgroupsChanged);
+    Process();
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7) << "kept while it cannot be told";
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
     library.workgroups = {{9, kWorkgroupType_FontLibrary, "Other"}};
     Report(kPluginCallback_WorkgroupsChanged);
     Process();
     EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 9);
-    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(refreshes, 2);
     EXPECT_TRUE(receiver.names.empty());
     EXPECT_THAT(trace.Text(), HasSubstr(">>> notification: Workgroups changed\n"));
 }
@@ -233,14 +247,6 @@ TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound)
     Process();
     EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_LoggedInStateChanged",
                                             "kPluginNotification_SmartListsChanged"));
-}
-
-TEST_F(NotificationsTest, AWorkgroupIsKeptWhileItCannotBeTold) {
-    library.codes["GetAllWorkgroupsForUser"] = {GIPCClient::kReplyTimeout};
-    Report(kPluginCallback_WorkgroupsChanged);
-    Process();
-    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7);
-    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
 }
 
 TEST_F(NotificationsTest, AReactionThatBringsTheAgentBackUndoesItsEnd) {

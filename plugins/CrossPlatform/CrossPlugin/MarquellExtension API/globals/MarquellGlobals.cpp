@@ -281,7 +281,7 @@ void RefreshActiveFontList(void (*callback)(void*), void* context) {
     const TraceScope trace([] { LogMessage(-1, "Exiting %s", kName); }, "Entering %s", kName);
     if (callback != nullptr) {
         callback(context);
-        callback(context);  // hosts miss the first one
+        callback(context);
     }
 }
 

@@ -42,6 +42,7 @@ bool HostAppIsIllustrator();
 bool HostAppIsPhotoshop();
 bool HostAppIsAfterEffects();
 bool HostAppIsSketch();
+/// For names of panels and resources; nothing is named by it yet.
 std::string GetHostShortCode();
 
 // ---- State flags, all false at load.
@@ -57,6 +58,7 @@ bool ArePluginServicesEnabled();
 bool IsConnectedToCore();
 bool IsLoggedIn();
 bool IsPluginFunctionalityEnabled();
+// Nothing waits for the font manager's copying yet.
 bool IsBulkReplicationRunning();
 bool IsIncrementalReplicationRunning();
 /// Services enabled, logged in and functionality enabled.
@@ -89,7 +91,8 @@ void* FindWindowWithMatchingTitle(const char* topTitle, const char* childTitle);
 
 /// Hands the document's font usage to the font manager; true when it took it. `hint` may be null.
 bool SaveDocumentFonts(const std::string& path, bool replace, CFStringRef hint);
-/// Has the host refresh its font list: calls `callback` twice, unless it is null.
+/// Has the host refresh its font list: calls `callback` twice, one call after the other, unless it is null.
+/// Hosts miss the first one.
 void RefreshActiveFontList(void (*callback)(void*), void* context);
 
 /// Forgets everything, as if the library had just been loaded. For tests.
