@@ -9,8 +9,8 @@
 
 #include "Require.h"
 #include "ScratchFile.h"
-#include "common/Limits.h"
-#include "interface/XmpPacket.h"
+#include "client/XmpPacket.h"
+#include "common/FontManagerLimits.h"
 #include "tests/support/PlainXmpPacket.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "activation/Checksum.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 #include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"

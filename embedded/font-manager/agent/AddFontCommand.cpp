@@ -3,9 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/NamedRecords.h"
+#include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "scan/FontFiles.h"
@@ -31,6 +32,7 @@ struct Arrival {
     bool isNewInVault = false;
     bool isRepaired = false;  ///< what stood in the vault was damaged
 };
+
 using Arriving = std::shared_ptr<Arrival>;
 
 Workgroup TargetWorkgroup(CommandContext& context, const std::string& name) {
@@ -163,7 +165,7 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"fonts", std::move(fonts)}, {"alreadyKnown", isKnown}};
+    return {{member::kFonts, std::move(fonts)}, {member::kAlreadyKnown, isKnown}};
 }
 
 /// A file that is known need not be read again; its copy in the vault is made good if need be.
@@ -183,9 +185,9 @@ Json Identify(CommandContext& context, const Arriving& arrival, const std::strin
 
 }  // namespace
 
-Json AddFile(CommandContext& context, const Json& arguments) {
-    const std::string path = StringMember(arguments, "path");
-    const std::string workgroup = StringMember(arguments, "workgroup");
+Json commands::AddFile(CommandContext& context, const Json& arguments) {
+    const std::string path = StringMember(arguments, member::kPath);
+    const std::string workgroup = StringMember(arguments, member::kWorkgroup);
     TargetWorkgroup(context, workgroup);
     const auto arrival = std::make_shared<Arrival>(context.manager.vault);
     return context.Defer(Deferral::LaneName::kFiles, [=](FontWorker& worker) {

@@ -8,7 +8,7 @@
 #include "agent/FontManager.h"
 #include "agent/Server.h"
 #include "common/AgentLock.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/LogFile.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"

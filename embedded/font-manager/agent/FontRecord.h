@@ -9,9 +9,6 @@
 
 namespace pellwick {
 
-/// A member that requests may have beside those of FontRecordKeys.h.
-inline constexpr char kStyleMember[] = "Style";
-
 Json FontRecord(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);

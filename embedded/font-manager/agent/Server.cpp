@@ -9,7 +9,8 @@
 #include <utility>
 
 #include "PrintableText.h"
-#include "common/Limits.h"
+#include "agent/VaultCommands.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Memory.h"
@@ -27,7 +28,7 @@ constexpr std::chrono::milliseconds kAdmissionPause{100};
 /// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
 /// same again, which undoes by itself what it did the first time.
 bool MayRepeatActivation(const Json& request) {
-    const std::string method = StringMember(request, "method");
+    const std::string method = StringMember(request, member::kMethod);
     return method == method::kHello || method == method::kGetStatus || method == method::kActivateFonts ||
            method == method::kActivateDocumentFonts;
 }
@@ -48,7 +49,6 @@ Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& loc
     : mManager(manager),
       mLog(log),
       mLock(lock),
-      mCommands(MakeCommandTable()),
       mLoop(1),
       mGroundTimer(mLoop),
       mSweepTimer(mLoop),
@@ -143,24 +143,24 @@ void Server::AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, De
 
 void Server::Open(platform::LocalStream stream, const HostProcess& process) {
     SessionOwner& owner = *this;
-    const auto session = std::make_shared<Session>(mLoop, std::move(stream), owner, process);
+    const auto session = std::make_shared<ClientSession>(mLoop, std::move(stream), owner, process);
     mSessions.insert(session);
     session->Start();
 }
 
-void Server::OnRequest(const std::shared_ptr<Session>& session, const Json& request) {
+void Server::OnRequest(const std::shared_ptr<ClientSession>& session, const Json& request) {
     mLastSignOfLife = std::chrono::steady_clock::now();
     if (!MayRepeatActivation(request))
         UndoWhatWasNotTaken(session->Peer());
-    Proceed({StringMember(request, "method"), IntegerMember(request, "id"), session},
-            [&](CommandContext& context) { return BeginRequest(mCommands, context, request); });
+    Proceed({StringMember(request, member::kMethod), IntegerMember(request, member::kID), session},
+            [&](CommandContext& context) { return BeginRequest(context, request); });
     if (mSweepDelay.count() == 0)
         SweepLeasesIn(kLongestSweepDelay);
 }
 
 template <class Step>
 void Server::Proceed(PendingCommand command, const Step& step) {
-    CommandContext context{mManager, ClientOf(command), *this, command.request};
+    CommandContext context{mManager, ClientOf(command), *this, command.request, FindMethod(command.method)};
     const std::optional<CommandAnswer> answer = step(context);
     if (answer)
         Finish(command, *answer);
@@ -220,7 +220,7 @@ void Server::KeepPendingAlive() {
     mPendingTimer.async_wait([this](const asio::error_code& failure) {
         if (failure || mPending.empty())
             return;
-        const std::string frame = FrameOf({{"working", true}});
+        const std::string frame = FrameOf({{member::kWorking, true}});
         for (const auto& [number, command] : mPending) {
             if (command.session)
                 command.session->Send(frame);
@@ -255,7 +255,7 @@ void Server::Note(const std::string& text) {
 }
 
 void Server::Announce(int32_t type, const Json& data) {
-    const std::string frame = FrameOf({{"notification", type}, {"data", data}});
+    const std::string frame = FrameOf({{member::kNotification, type}, {member::kData, data}});
     const auto sessions = mSessions;  // one that is closed for not reading leaves the set
     for (const auto& session : sessions) {
         if (session->Peer().isSubscribed)
@@ -269,7 +269,7 @@ void Server::KeepAlive() {
         return;
     mLastSignOfLife = now;
     mAddress.AdmitWaiting();  // they are to see signs of life as well
-    const std::string frame = FrameOf({{"working", true}});
+    const std::string frame = FrameOf({{member::kWorking, true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
         session->Send(frame);
@@ -317,7 +317,7 @@ void Server::OnClientTooSlow(const Client& client) {
                "\n");
 }
 
-void Server::OnClosed(const std::shared_ptr<Session>& session) {
+void Server::OnClosed(const std::shared_ptr<ClientSession>& session) {
     mSessions.erase(session);
     if (!mIsStopping)
         SweepLeasesIn(kFirstSweepDelay);
@@ -367,7 +367,7 @@ void Server::Stop() {
     mUndoTimer.cancel();
     mPendingTimer.cancel();
     mVaultTimer.cancel();
-    const std::string goodbye = FrameOf({{"goodbye", true}});
+    const std::string goodbye = FrameOf({{member::kGoodbye, true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
         session->SendLast(goodbye);

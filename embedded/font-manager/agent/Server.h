@@ -11,8 +11,8 @@
 #include <string>
 
 #include "agent/AgentAddress.h"
-#include "agent/Commands.h"
-#include "agent/Session.h"
+#include "agent/ClientSession.h"
+#include "agent/Requests.h"
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
 #include "platform/Files.h"
@@ -46,10 +46,10 @@ private:
     void Note(const std::string& text) override;
     void RequestStop() override { mStopsAfterCommand = true; }
     // SessionOwner
-    void OnRequest(const std::shared_ptr<Session>& session, const Json& request) override;
+    void OnRequest(const std::shared_ptr<ClientSession>& session, const Json& request) override;
     void OnAnswerLost(const Client& client) override;
     void OnClientTooSlow(const Client& client) override;
-    void OnClosed(const std::shared_ptr<Session>& session) override;
+    void OnClosed(const std::shared_ptr<ClientSession>& session) override;
 
     void WatchGround();
     void CheckGround();
@@ -60,7 +60,7 @@ private:
     struct PendingCommand {
         std::string method;
         long long request = 0;
-        std::shared_ptr<Session> session{};
+        std::shared_ptr<ClientSession> session{};
     };
 
     Client& ClientOf(const PendingCommand& command) {
@@ -91,14 +91,13 @@ private:
     FontManager& mManager;
     LogFile& mLog;
     const platform::FileLock& mLock;
-    const CommandTable mCommands;
     asio::io_context mLoop;
     std::optional<platform::EndRequests> mEndRequests;
     asio::steady_timer mGroundTimer;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
-    std::set<std::shared_ptr<Session>> mSessions;
+    std::set<std::shared_ptr<ClientSession>> mSessions;
     std::map<uint64_t, PendingCommand> mPending;  ///< by a number of their own
     uint64_t mLastPending = 0;
     Client mOwnClient;

@@ -1,7 +1,7 @@
 // Pellwick: the font manager's agent and, with a command, its command line.
 #include <cstdio>
 
-#include "cli/CommandLine.h"
+#include "cli/PellwickWords.h"
 #include "platform/PrivateFolder.h"
 #include "platform/ProgramArguments.h"
 
@@ -26,7 +26,7 @@ int Run(int count, char** words) {
     } catch (const CLI::ParseError& error) {
         return app->exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
-    Session session(arguments.options);
+    AgentSession session(arguments.options);
     return AfterOutput(chosen(session));
 }
 

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick {

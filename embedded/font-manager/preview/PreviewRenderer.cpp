@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "StringConversion.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/FreeTypeFace.h"
 
 #include FT_OUTLINE_H

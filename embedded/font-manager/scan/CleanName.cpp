@@ -1,7 +1,7 @@
 #include "scan/CleanName.h"
 
 #include "PrintableText.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 namespace {

@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "GFontManagerConstants.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
 #include "scan/FontFiles.h"
 #include "scan/FontNames.h"

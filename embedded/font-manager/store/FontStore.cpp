@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "FontRecordKeys.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "store/Database.h"
 #include "store/SmartListStore.h"
 

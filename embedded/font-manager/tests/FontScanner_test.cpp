@@ -4,7 +4,7 @@
 
 #include "GFontManagerConstants.h"
 #include "TestFonts.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
 #include "scan/FontFiles.h"
 

@@ -7,7 +7,7 @@
 #include "FontRecordKeys.h"
 #include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "store/ActivationStore.h"

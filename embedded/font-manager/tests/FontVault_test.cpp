@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "tests/support/TestWorld.h"
 #include "tests/support/VaultFiles.h"
 

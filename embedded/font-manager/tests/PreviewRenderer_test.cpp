@@ -5,7 +5,7 @@
 
 #include "HostileFonts.h"
 #include "TestFonts.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 namespace {

@@ -55,7 +55,7 @@ TEST_F(SmartListStoreTest, HoldsTheFontsThatAreInAnyOfItsSources) {
     EXPECT_EQ(FontsOf({{mFirst, mSecond}, {}, {}}), (IDs{1, 2, 3}));
     EXPECT_EQ(FontsOf({{mSecond}, {mSet}, {}}), (IDs{2, 3, 4}));
     EXPECT_EQ(FontsOf(SmartListQuery()), (IDs{1, 2, 3, 4}));
-    EXPECT_EQ(FontsOf({{kAllWorkgroupsID}, {}, {}}), (IDs{1, 2, 3, 4}));
+    EXPECT_EQ(FontsOf({{kWorkgroupID_All}, {}, {}}), (IDs{1, 2, 3, 4}));
     EXPECT_EQ(FontsOf(0, {{mSecond}, {mSet}, {}}, 2, 1), (IDs{3}));
 }
 

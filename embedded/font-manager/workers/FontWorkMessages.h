@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Worker.h"
 #include "preview/NameImage.h"
 #include "store/FontStore.h"

@@ -1,7 +1,7 @@
 #include "tests/support/PlainXmpPacket.h"
 
 #include "StringConversion.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick::test {
 
