@@ -8,7 +8,6 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "PrintableText.h"
 #include "agent/VaultCommands.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
@@ -93,7 +92,7 @@ bool Server::GoOn() {
 void Server::NoteLackOfMemory() noexcept {
     try {
         platform::ReleaseFreeMemory();
-        mLog.Write("out of memory; what was being done is given up\n");
+        mLog.WriteLine("out of memory; what was being done is given up");
     } catch (const std::bad_alloc&) {  // not even for that
     }
 }
@@ -114,8 +113,8 @@ void Server::CheckGround() {
         WatchGround();
         return;
     }
-    mLog.Write("the agent ends: " + mManager.locations.lockPath +
-               " is gone or another file, so that another agent may serve\n");
+    mLog.WriteLine("the agent ends: " + mManager.locations.lockPath +
+                   " is gone or another file, so that another agent may serve");
     Stop();
 }
 
@@ -249,9 +248,8 @@ void Server::CheckVaultLater() {
     });
 }
 
-/// Names that others chose make no lines of their own.
 void Server::Note(const std::string& text) {
-    mLog.Write(PrintableText(text) + "\n");
+    mLog.WriteLine(text);
 }
 
 void Server::Announce(int32_t type, const Json& data) {
@@ -290,7 +288,7 @@ bool Server::UndoRequests(const HostProcess& host, long long first, long long la
         AnnounceChanges(*this, mManager.UndoRequests(host, first, last));
         return true;
     } catch (const DatabaseError& error) {
-        mLog.Write(std::string("undoing an activation: ") + error.what() + "\n");
+        mLog.WriteLine(std::string("undoing an activation: ") + error.what());
         return false;
     }
 }
@@ -313,8 +311,7 @@ void Server::UndoLater() {
 }
 
 void Server::OnClientTooSlow(const Client& client) {
-    mLog.Write("dropped a client that does not read: process " + std::to_string(client.process.process) +
-               "\n");
+    mLog.WriteLine("dropped a client that does not read: process " + std::to_string(client.process.process));
 }
 
 void Server::OnClosed(const std::shared_ptr<ClientSession>& session) {
@@ -350,7 +347,7 @@ void Server::SweepLeases() {
         mSweepFailure.clear();
     } catch (const DatabaseError& error) {
         if (mSweepFailure != error.what())
-            mLog.Write(std::string("ending leases: ") + error.what() + "\n");
+            mLog.WriteLine(std::string("ending leases: ") + error.what());
         mSweepFailure = error.what();
     }
     if (isAnyLeft)

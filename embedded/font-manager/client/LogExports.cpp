@@ -39,10 +39,17 @@ std::shared_ptr<LogFile> OpenLog(const std::string& path) {
     if (log)
         return log;
     log = std::make_shared<LogFile>();
-    if (!log->Open(path))
+    if (log->Open(path))
         return nullptr;
     logs[path] = log;
     return log;
+}
+
+/// Whoever writes again tries again.
+ErrorCode CodeOf(const platform::SystemError& error) {
+    if (error.IsDiskFull())
+        return error_codes::GFileSystem::kDiskFull;
+    return error ? error_codes::GFile::kFileNotOpen : CoreErrorCodes::kSuccess;
 }
 
 /// A bare file name stands for one in the folder for logs.
@@ -96,8 +103,7 @@ uint32_t Log(PluginThreadInstanceRef thread, const char* text) {
         }
         if (!thread->log)
             return CoreErrorCodes::kNotInitialized;
-        thread->log->Write(text);
-        return CoreErrorCodes::kSuccess;
+        return CodeOf(thread->log->Write(text));
     });
 }
 

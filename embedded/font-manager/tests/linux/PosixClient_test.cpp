@@ -2,11 +2,15 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
+#include <memory>
 
+#include "platform/Files.h"
 #include "tests/support/RecoveryTest.h"
 
 namespace pellwick::test {
@@ -95,6 +99,71 @@ TEST_F(RecoveryTest, TheHostsSignalsDoNotReachTheThreadThatNotifies) {
     mWorld.RunForJson({"logout"});
     ASSERT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
     EXPECT_FALSE(isReachedBySignals);
+}
+
+/// How many descriptors a program has that this process starts.
+int CountInherited() {
+    std::unique_ptr<FILE, int (*)(FILE*)> output(popen("ls /proc/self/fd", "r"), pclose);
+    int count = 0;
+    for (int letter = 0; (letter = fgetc(output.get())) != EOF;)
+        count += letter == '\n';
+    return count;
+}
+
+TEST_F(RecoveryTest, ProgramsThatTheHostStartsInheritNothing) {
+    mLibrary.ResetPluginFacadeInstance();
+    const int before = CountInherited();
+    PluginThreadInstanceRef thread = nullptr;
+    ASSERT_EQ(mLibrary.InitThreadInstance(&thread), 0u);
+    ASSERT_EQ(mLibrary.BeginLogging(thread, "Plugin.log"), 0u);
+    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(CountInherited(), before);
+    mLibrary.DestroyThreadInstance(thread);
+}
+
+/// While it lives this process can write nothing to files.
+class NoRoom {
+public:
+    NoRoom() {
+        getrlimit(RLIMIT_FSIZE, &mBefore);
+        const rlimit none{0, mBefore.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &none);
+        mAction = signal(SIGXFSZ, SIG_IGN);
+    }
+    ~NoRoom() {
+        setrlimit(RLIMIT_FSIZE, &mBefore);
+        signal(SIGXFSZ, mAction);
+    }
+    NoRoom(const NoRoom&) = delete;
+    NoRoom& operator=(const NoRoom&) = delete;
+
+private:
+    rlimit mBefore{};
+    void (*mAction)(int) = SIG_DFL;
+};
+
+TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
+    const TestWorld world;
+    const TestLibrary library;
+    PluginThreadInstanceRef thread = nullptr;
+    ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
+    ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
+    {
+        const NoRoom noRoom;
+        EXPECT_EQ(library.Log(thread, "lost"), error_codes::GFile::kFileNotOpen);
+    }
+    EXPECT_EQ(library.Log(thread, "kept"), 0u);
+    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
+    std::string text;
+    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
+    EXPECT_EQ(text, "kept");
+    // Somebody clears the folder away.
+    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));
+    EXPECT_EQ(library.Log(thread, "anew"), 0u);
+    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
+    EXPECT_EQ(text, "anew");
+    library.DestroyThreadInstance(thread);
 }
 
 }  // namespace
