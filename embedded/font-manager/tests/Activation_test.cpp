@@ -159,14 +159,6 @@ TEST_P(ActivationTest, NotesAFileThatTheVaultHasLost) {
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
 }
 
-TEST_P(ActivationTest, TellsLeasesOfOneHostApartByTheirPurpose) {
-    Lease(0, kHost);
-    Lease(0, kHost, LeasePurpose::kDesign);
-    EXPECT_TRUE(EndLeases(0, kHost).deactivated.empty());
-    EXPECT_TRUE(EndLeases(0, kHost, LeasePurpose::kPreview).deactivated.empty());
-    EXPECT_EQ(EndLeases(0, kHost, LeasePurpose::kDesign).deactivated, std::vector{mIDs[0]});
-}
-
 TEST_P(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
     Lease(0, kHost);
     Lease(0, kOtherHost);

@@ -52,18 +52,6 @@ TEST_F(FontVaultTest, KeepsACopyOfAnySizeUnderItsChecksum) {
     EXPECT_EQ(world.FilesBelow("vault/incoming").size(), 0u);
 }
 
-TEST_F(FontVaultTest, LeavesNothingOfACopyThatDoesNotGetThere) {
-    {
-        ReceivedFile given;
-        ASSERT_EQ(Receive("given up", given), Outcome::kReceived);
-        EXPECT_EQ(world.FilesBelow("vault/incoming").size(), 1u);
-        ReceivedFile stopped;
-        const StopFlag isStopped{true};
-        EXPECT_EQ(Receive("stopped", stopped, isStopped), Outcome::kStopped);
-    }
-    EXPECT_EQ(world.FilesBelow("vault").size(), 0u);
-}
-
 TEST_F(FontVaultTest, SeesOtherBytesOfTheSameNumber) {
     const FontFile file = FileOf("abc");
     ASSERT_TRUE(test::PutIntoVault(vault, file, "abd"));
