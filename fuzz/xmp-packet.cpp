@@ -11,7 +11,7 @@
 #include "ScratchFile.h"
 #include "client/XmpPacket.h"
 #include "common/FontManagerLimits.h"
-#include "tests/support/PlainXmpPacket.h"
+#include "PlainXmpPacket.h"
 
 namespace {
 

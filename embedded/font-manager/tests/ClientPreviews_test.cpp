@@ -5,13 +5,11 @@
 #include <fstream>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <random>
 #include <set>
 
 #include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
-#include "tests/support/PlainXmpPacket.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
 
@@ -139,20 +137,6 @@ TEST_F(PreviewTest, TheMetadataOfAHugeDocumentIsLookedForAtBothEnds) {
     std::ofstream(platform::Utf8Path(path), std::ios::binary | std::ios::app) << packet;
     EXPECT_EQ(ReadXmp(path, text), 0u);
     EXPECT_EQ(text, packet);
-}
-
-TEST_F(PreviewTest, TheFirstPacketIsFoundAmongMarkersInAnyOrder) {
-    std::mt19937 random{20261122};
-    const std::vector<std::string> pieces = {"<?xpacket begin=", "<?xpacket end=", "?>", "\xFF", "x",
-                                             "<?xpacket "};
-    for (int round = 0; round < 200; ++round) {
-        std::string document;
-        for (size_t left = random() % 16; left > 0; --left)
-            document += pieces[random() % pieces.size()];
-        std::string text;
-        ReadXmp(mWorld.Write("document", document), text);
-        EXPECT_EQ(text, PlainXmpPacket(document)) << document;
-    }
 }
 
 // Where each beginning is looked into for its own end, any of these takes for ever.

@@ -98,30 +98,6 @@ TEST_F(RecoveryTest, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
     EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
 }
 
-TEST_F(RecoveryTest, WhatAHostHeldForDesignGoesWithIt) {
-    TestProcess host({TEST_HOST_PROGRAM, "--for-design", "1", "2"});
-    ASSERT_EQ(host.ReadLine(), "2");
-    EXPECT_EQ(mWorld.ActiveFiles().size(), 2u);
-    host.Finish();
-    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().empty(); }));
-}
-
-TEST_F(RecoveryTest, ActivatesThousandsOfFontsInOneCall) {
-    std::vector<std::string> names;
-    for (int number = 0; number < 300; ++number) {
-        names.push_back("Many" + std::to_string(number) + "-Regular");
-        mWorld.WriteFont(names.back());
-    }
-    mWorld.RunForJson({"add", mWorld.Path("fonts")});
-    for (int number = 0; number < 2000; ++number)
-        names.push_back("Absent" + std::to_string(number));
-    const auto ids = mLibrary.Activate("/document", names);
-    EXPECT_EQ(ids.size(), 300u);
-    EXPECT_EQ(mWorld.ActiveFiles().size(), 300u);
-    EXPECT_EQ(mLibrary.Deactivate(ids), 0u);
-    EXPECT_TRUE(mWorld.ActiveFiles().empty());
-}
-
 TEST_F(RecoveryTest, AFontWhoseFileIsGoneIsNotified) {
     ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
     mWorld.EmptyVault();

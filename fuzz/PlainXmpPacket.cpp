@@ -1,4 +1,4 @@
-#include "tests/support/PlainXmpPacket.h"
+#include "PlainXmpPacket.h"
 
 #include "StringConversion.h"
 #include "common/FontManagerLimits.h"
