@@ -45,7 +45,7 @@ std::string FolderOf(const std::string& path) {
     return platform::Utf8Text(platform::Utf8Path(path).parent_path());
 }
 
-// Copies on their way stand here, and what is not what its name says there.
+// Where incomplete copies are kept, and where damaged files are put.
 std::string IncomingFolder(const std::string& vault) {
     return vault + platform::kPathSeparator + "incoming";
 }

@@ -58,8 +58,8 @@ public:
     }
 
 private:
-    /// A host lets go of what was inactive before. So what others hold, or this host for something else than
-    /// a document, does not count: it ends without regard to this document.
+    /// A host deactivates what was inactive before. So what others hold, or this host for other purposes
+    /// than a document, counts as inactive: it ends independently of this document.
     Json RecordFromBefore(const Font& font) const {
         Json record = FontRecord(mContext.manager, font);
         if (font.activationState == kFontActivationState_ActivatedByPlugin &&

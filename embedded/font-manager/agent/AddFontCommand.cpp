@@ -59,7 +59,7 @@ Workgroup TargetWorkgroup(CommandContext& context, const std::string& name) {
                        reason);
 }
 
-/// What cannot be a font is not copied first.
+/// Refuses what cannot be a font before it is copied.
 void OpenFontFile(const std::string& path, platform::ReadOnlyFile& source) {
     constexpr char kTooLarge[] = "larger than any font file";
     uint64_t size = 0;
@@ -122,7 +122,7 @@ FontFile Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
     const auto known = manager.fonts.FindFile(arrival.file.checksum);
     isKnown = known.has_value();
     FontFile file = known.value_or(arrival.file);
-    // Somebody else's command may have come to another end meanwhile.
+    // Another command may have removed the file meanwhile.
     if (!manager.vault.Has(file) || (!isKnown && arrival.faces.empty()))
         throw CommandError(CoreErrorCodes::kNotFound, "it was removed at the same time; add it again");
     if (!isKnown) {
@@ -155,10 +155,10 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     Json fonts = FontRecords(manager, manager.fonts.FontsOfFile(file.id));
     RequireSendable(fonts);
     transaction.Commit();
-    // It stays, unless somebody else added the same under a name of another extension meanwhile.
+    // The file is kept, unless another command added it with another extension meanwhile.
     if (file.extension == arrival->file.extension)
         arrival->isNewInVault = false;
-    // A database that loses its log is not to have it removed once more.
+    // Otherwise a database that loses its log would remove the file again.
     if (wasRemoved && !manager.database.WriteBackLog())
         context.audience.Note("the database's log could not be written back");
     if (arrival->isRepaired)
@@ -168,7 +168,7 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     return {{member::kFonts, std::move(fonts)}, {member::kAlreadyKnown, isKnown}};
 }
 
-/// A file that is known need not be read again; its copy in the vault is made good if need be.
+/// A known file is not read again; a damaged copy in the vault is replaced.
 Json Identify(CommandContext& context, const Arriving& arrival, const std::string& workgroup) {
     const auto known = context.manager.fonts.FindFile(arrival->file.checksum);
     if (known)

@@ -128,7 +128,7 @@ void StandIn() {
     std::this_thread::sleep_for(kStandInTime);
 }
 
-/// What to do about a database depends on whether it is the database or its disk that is at fault.
+/// The advice depends on whether the database or its disk is at fault.
 std::string DatabaseProblem(const Locations& locations, const DatabaseError& error) {
     switch (error.Code()) {
         case GSqliteDatabase::kDatabaseFull:

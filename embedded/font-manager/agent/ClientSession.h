@@ -21,7 +21,7 @@ public:
     virtual void OnRequest(const std::shared_ptr<class ClientSession>& session, const Json& request) = 0;
     /// The connection is about to be closed, and the client has not taken what its last activation came to.
     virtual void OnAnswerLost(const Client& client) = 0;
-    /// So much waits for the client that the connection is about to be closed.
+    /// Too much output waits for the client; the connection is about to be closed.
     virtual void OnClientTooSlow(const Client& client) = 0;
     /// The connection is closed; the session is not to be used any more.
     virtual void OnClosed(const std::shared_ptr<ClientSession>& session) = 0;
@@ -48,7 +48,7 @@ public:
     Client& Peer() { return mClient; }
 
 private:
-    /// Does the next step. A session that runs out of memory within it cannot be gone on with: it is closed.
+    /// Runs the next step. A session that runs out of memory in it is closed.
     template <class Step>
     void Take(const Step& step);
     void Read();

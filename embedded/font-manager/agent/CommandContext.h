@@ -39,14 +39,14 @@ struct Client {
     std::map<int32_t, SmartListQuery> triedQueries;
 };
 
-/// What a command says to others than the one who asked.
+/// What a command tells anyone but the client that asked.
 class Audience {
 public:
     virtual ~Audience() = default;
 
     /// Tells every subscribed client; `type` is one of PluginNotificationType.
     virtual void Announce(int32_t type, const Json& data) = 0;
-    /// To be called every now and then by a command that may take long: clients learn that the agent lives.
+    /// To be called regularly by a command that may take long, so that clients see that the agent lives.
     virtual void KeepAlive() = 0;
     /// Writes a line into the log.
     virtual void Note(const std::string& text) = 0;

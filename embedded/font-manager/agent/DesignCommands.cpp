@@ -28,7 +28,7 @@ Json ConflictsOf(CommandContext& context, const std::vector<Font>& fonts) {
     return conflicts;
 }
 
-/// Which of the fonts this client now holds for that purpose.
+/// The fonts that this client now holds for that purpose.
 std::set<uint32_t> LeaseAll(CommandContext& context, const std::vector<Font>& fonts, LeasePurpose purpose) {
     std::set<uint32_t> leased;
     Activation activation = context.manager.BeginActivation();

@@ -8,7 +8,7 @@
 
 namespace pellwick {
 
-/// A number as an ID; 0, which is none, where it is too large for one.
+/// A number as an ID; 0, which nothing has, when it is out of range.
 int32_t IDOf(long long number);
 
 /// The ID after which the page begins that a request asks for.

@@ -12,7 +12,7 @@ Json Failure(const char* message) {
     return {{member::kMessage, message}};
 }
 
-/// What the request came to when it was made before; nothing where that is not kept.
+/// The kept answer of the same request made before; nothing when there is none.
 std::optional<Json> EarlierAnswer(CommandContext& context, const Json& request) {
     const long long repeats = IntegerMember(request, member::kRepeats);
     const auto answer =
@@ -23,9 +23,9 @@ std::optional<Json> EarlierAnswer(CommandContext& context, const Json& request) 
     return Json::parse(*answer);
 }
 
-/// Carries out a command or a part of one. What it throws becomes the code and the result of a failure.
+/// Runs a command or a part of one. What it throws becomes the code and the result of a failure.
 template <class Part>
-ErrorCode CarryOut(const Part& part, Json& result) {
+ErrorCode RunGuarded(const Part& part, Json& result) {
     try {
         result = part();
         return CoreErrorCodes::kSuccess;
@@ -49,7 +49,7 @@ ErrorCode CarryOut(const Part& part, Json& result) {
 
 using Command = Json (*)(CommandContext& context, const Json& arguments);
 
-/// Null for a method that there is not.
+/// Null for an unknown method.
 Command FindCommand(std::string_view method) {
 #define PELLWICK_COMMAND_ROW(name, arguments, result) {#name, commands::name},
     static constexpr std::pair<std::string_view, Command> kCommands[] = {
@@ -94,11 +94,11 @@ std::string AnswerFrame(const CommandContext& context, ErrorCode& code, const Js
     return *frame;
 }
 
-/// Nothing where the part has left work to a lane.
+/// Nothing when the part has deferred work to a lane.
 template <class Part>
 std::optional<CommandAnswer> AnswerOf(CommandContext& context, const Part& part) {
     Json result;
-    ErrorCode code = CarryOut(part, result);
+    ErrorCode code = RunGuarded(part, result);
     if (code == CoreErrorCodes::kSuccess && context.deferral)
         return std::nullopt;
     std::string frame = AnswerFrame(context, code, result);

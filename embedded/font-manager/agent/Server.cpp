@@ -77,8 +77,8 @@ void Server::Run() {
     }
 }
 
-/// False when it ran out of memory: whoever asked for too much has been let go of, and the others are served
-/// on.
+/// False when it ran out of memory. The client that asked for too much has been dropped; the others are
+/// still served.
 bool Server::GoOn() {
     try {
         mLoop.run();
@@ -106,7 +106,7 @@ void Server::WatchGround() {
     });
 }
 
-/// Puts right what others took away of what clients come by, or stops where nothing can be.
+/// Restores the address when others removed it, or stops when the lock is lost.
 void Server::CheckGround() {
     if (mLock.IsInPlace()) {
         mAddress.Check();
@@ -118,8 +118,8 @@ void Server::CheckGround() {
     Stop();
 }
 
-/// Nobody could tell when the leases of a process end that cannot be looked at. It may be that no descriptor
-/// is free for that; a client waits for its answer, and by then there may be one.
+/// A client whose process cannot be examined is not admitted: nobody could tell when its leases end. Perhaps
+/// no descriptor is free just now, so this is tried again for as long as the client waits.
 void Server::Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline) {
     platform::PeerIdentity peer;
     if (stream->IdentifyPeer(peer) || !peer.isSameUser)
@@ -322,7 +322,7 @@ void Server::OnClosed(const std::shared_ptr<ClientSession>& session) {
         mLoop.stop();
 }
 
-/// At the latest: clients that come and go without a pause do not put it off.
+/// At the latest then: clients that connect and leave without a pause do not postpone it.
 void Server::SweepLeasesIn(std::chrono::milliseconds delay) {
     const auto time = std::chrono::steady_clock::now() + delay;
     const bool isDueBefore = mSweepDelay.count() != 0 && mSweepTimer.expiry() <= time;

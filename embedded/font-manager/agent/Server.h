@@ -32,7 +32,7 @@ public:
     /// done; `problem` then tells people.
     bool Listen(std::string& problem) { return mAddress.Listen(problem); }
     const std::string& Address() const { return mAddress.Text(); }
-    /// Takes files of the vault that no record knows into the library, beside everything else.
+    /// Adds files of the vault that no record knows to the library, while serving.
     void TakeBackFonts(std::vector<std::string> paths);
     /// Serves until the agent is told to stop.
     void Run();
@@ -70,7 +70,7 @@ private:
     template <class Step>
     void Proceed(PendingCommand command, const Step& step);
     void Defer(PendingCommand command, Deferral deferral);
-    /// With the pending command of that number.
+    /// Continues the pending command of that number.
     void GoOnWith(uint64_t number, const Continuation& rest);
     void Finish(const PendingCommand& command, const CommandAnswer& answer);
     /// Tells those who wait for a lane that the agent is alive.
@@ -108,7 +108,7 @@ private:
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;
     bool mIsStopping = false;
-    // Their threads hand over to the loop.
+    // Their threads post to the loop.
     Lane mFileLane;
     Lane mPreviewLane;
     AgentAddress mAddress;  ///< goes first, so that nobody is sent to an agent that ends

@@ -49,7 +49,7 @@ SmartListQuery QueryMember(const Json& arguments) {
             IDsMember(arguments, kGS_SmartSetIDsKey)};
 }
 
-/// The name for a list that is made or renamed: no other list's.
+/// The new name of a list, which no other list has.
 std::string FreeName(CommandContext& context, const Json& arguments, int32_t listID) {
     const std::string name = NewName(arguments, kGS_SmartListNameKey, "the smart list's name");
     const auto other = context.manager.smartLists.FindByName(name);
@@ -122,7 +122,7 @@ Json commands::SetSmartListQuery(CommandContext& context, const Json& arguments)
     return Changed(context, list.id);
 }
 
-/// Whoever tries a query is told its fonts for the list, and nobody else is.
+/// Only the client that tries a query gets its fonts for the list.
 Json commands::TrySmartListQuery(CommandContext& context, const Json& arguments) {
     const long long id = IntegerMember(arguments, kGS_SmartListIDKey);
     const int32_t listID = id == 0 ? 0 : RequiredSmartList(context, id).id;

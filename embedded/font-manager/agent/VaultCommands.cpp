@@ -88,7 +88,7 @@ Json ReportRecords(CommandContext& context, const std::vector<std::string>& dama
             {member::kProblems, std::move(problems)}};
 }
 
-/// A file of the vault that no record knows, as far as it is what its name says.
+/// A file of the vault that no record knows, and what is in it.
 struct FoundFile {
     FontFile file;
     std::vector<FontFace> faces;

@@ -15,14 +15,14 @@ namespace pellwick::cli {
 namespace {
 
 // A person waits rather longer than a host may.
-constexpr std::chrono::seconds kAnswerLimit{30};
+constexpr std::chrono::seconds kPatienceOfPeople{30};
 constexpr std::chrono::seconds kStartLimit{10};
 // An agent that dies lets go of its connections first, and of its lock within this time.
 constexpr std::chrono::milliseconds kEndLimit{500};
 
 bool IsAgentListening() {
     ClientStream stream;
-    return stream.Connect(Locations::OfThisUser().AgentAddress(), ClientStream::Clock::now() + kAnswerLimit);
+    return stream.Connect(Locations::OfThisUser().AgentAddress(), ClientStream::Clock::now() + kPatienceOfPeople);
 }
 
 void Write(std::string line, std::FILE* stream) {
@@ -83,7 +83,7 @@ ErrorCode AgentSession::Try(const char* method, const Json& arguments, Json& res
 ErrorCode AgentSession::TryToReach(const char* method, const Json& arguments, Json& result) {
     assert(HoldsOnly(arguments, FindMethod(method)->arguments));
     if (!mConnection)
-        mConnection.emplace(kAnswerLimit);
+        mConnection.emplace(kPatienceOfPeople);
     return mConnection->Call(method, arguments, result);
 }
 

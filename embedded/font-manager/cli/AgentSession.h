@@ -55,7 +55,7 @@ std::optional<AgentHolder> FindLastingHolder();
 /// Why no agent answers: there is none, or it cannot be reached. What to do about it.
 std::string NoAgentText();
 
-/// This program, as it is to be called again.
+/// The full path of this program.
 std::string ProgramPath();
 
 /// Prints the value for programs, on a line of its own.

@@ -8,7 +8,7 @@
 namespace pellwick::cli {
 namespace {
 
-/// Results that nobody got are no results.
+/// Fails when the results could not be written.
 ExitStatus AfterOutput(ExitStatus status) {
     const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (isWritten || status != kExit_Done)

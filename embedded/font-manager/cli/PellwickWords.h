@@ -18,7 +18,7 @@ struct SmartListParts {
     std::vector<std::string> smartLists;
 };
 
-/// What the words are read into.
+/// What the words of the command line are parsed into.
 struct Arguments {
     Options options;
     std::vector<std::string> words;

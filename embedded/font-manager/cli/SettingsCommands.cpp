@@ -42,7 +42,7 @@ void PrintStatus(const Json& status) {
     PrintLine("active in   " + StringMember(status, member::kLinkFolder));
 }
 
-/// So that who comes next does not find a process that is about to go.
+/// So that the next command does not find a process that is about to end.
 void WaitForEndOf(platform::ProcessId agent) {
     const auto giveUpAt = std::chrono::steady_clock::now() + kPatienceWithEndingAgent;
     while (platform::ProcessStartTime(agent) != 0) {

@@ -20,7 +20,7 @@ TARNWICK_PLUGIN_FUNCTIONS(TARNWICK_DECLARE_EXPORT)
 
 namespace pellwick {
 
-/// Runs the body of an export; whatever it throws becomes a code.
+/// Runs the body of an export; exceptions become codes.
 template <class Body>
 ErrorCode Guarded(Body body) noexcept {
     try {

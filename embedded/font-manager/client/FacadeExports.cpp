@@ -39,7 +39,7 @@ uint32_t GetStatusText(PluginFacadeRef facade, const char* member, CFStringRef* 
     });
 }
 
-/// What is known without the agent, for a facade that holds.
+/// Answers without the agent, if the facade is valid.
 template <class Value>
 uint32_t Answer(PluginFacadeRef facade, Value* out, Value value) {
     return Guarded([&] {
@@ -103,7 +103,7 @@ uint32_t UnregisterForNotifications(PluginFacadeRef, PluginNotificationCallback 
     return Guarded([&] {
         if (callback == nullptr)
             return CoreErrorCodes::kNullPointer;
-        Library::Get().Listener().Remove(callback);  // whatever became of the facade
+        Library::Get().Listener().Remove(callback);  // also with a stale facade
         return CoreErrorCodes::kSuccess;
     });
 }
@@ -177,7 +177,7 @@ uint32_t GetPermission(PluginFacadeRef facade, int32_t permission, int32_t, bool
 }
 
 uint32_t MotherMayI(PluginFacadeRef facade, int32_t permission, bool* outIsPermitted) {
-    // On a machine of their own people may do what there is to be done, once they have said who they are.
+    // On a single machine everything is permitted to whoever is logged in.
     const uint32_t code = GetStatusFlag(facade, member::kLoggedIn, outIsPermitted);
     if (code == CoreErrorCodes::kSuccess && !IsPermission(permission))
         *outIsPermitted = false;

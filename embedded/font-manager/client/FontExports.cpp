@@ -19,7 +19,7 @@ ErrorCode Call(PluginFacadeRef facade, const char* method, const Json& arguments
     return Library::Get().Call(facade, method, arguments, result);
 }
 
-/// The database IDs of fonts, for what the agent needs nothing else of.
+/// The database IDs of fonts: for these methods the agent needs nothing else.
 Json IDsOf(const Json& fonts) {
     Json ids = Json::array();
     for (const Json& font : fonts)
@@ -27,7 +27,7 @@ Json IDsOf(const Json& fonts) {
     return ids;
 }
 
-/// Fonts of a request, so many that the request and its answer fit into messages.
+/// Splits the fonts of a request so that each part and its answer fit into messages.
 class FontParts {
 public:
     explicit FontParts(const Json& fonts) : mFonts(fonts) {}
@@ -110,7 +110,7 @@ uint32_t FindByName(PluginFacadeRef facade, const char* method, CFStringRef name
     });
 }
 
-/// What of a font's record tells it from others of its name, as an XML property list.
+/// The members of a font's record that distinguish it from others of its name, as an XML property list.
 CFRef<CFStringRef> FingerprintXML(const Json& font) {
     Json fingerprint = Json::object();
     for (const char* key : {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey,

@@ -26,7 +26,7 @@ private:
     AgentConnection::Clock::time_point& mEnd;
 };
 
-/// Greater than what a library that was in this process before can have counted to.
+/// Greater than any ID that a library used earlier in this process.
 long long FirstID() {
     using std::chrono::microseconds;
     return std::chrono::duration_cast<microseconds>(AgentConnection::Clock::now().time_since_epoch()).count();

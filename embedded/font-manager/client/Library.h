@@ -55,7 +55,7 @@ private:
     ErrorCode Greet(Clock::time_point begin);
     Request NextRequest(const char* method, const Json& arguments);
     void NoteOutcome(const Request& request);
-    /// When a call that begins now has to be over, whatever signs of life there are.
+    /// When a call that begins now has to end, even while the agent gives signs of life.
     Clock::time_point EndOfPatience(Clock::time_point begin) const;
 
     const platform::ProcessId mProcess;

@@ -19,7 +19,7 @@ struct OpaquePluginThreadInstance {
 
 namespace {
 
-/// The log that a thread began last: what threads write to that began none themselves.
+/// The log begun last in this process; threads that began none write to it.
 struct ProcessLog {
     std::mutex logLock;
     std::shared_ptr<LogFile> log;
@@ -45,7 +45,7 @@ std::shared_ptr<LogFile> OpenLog(const std::string& path) {
     return log;
 }
 
-/// Whoever writes again tries again.
+/// The next write tries again.
 ErrorCode CodeOf(const platform::SystemError& error) {
     if (error.IsDiskFull())
         return error_codes::GFileSystem::kDiskFull;

@@ -159,7 +159,7 @@ void NotificationListener::RemoveAll() {
 }
 
 void NotificationListener::Hurry() {
-    // Whoever holds it starts the listening anew, or ends it; and the caller may hold what they wait for.
+    // Its holder is starting or stopping the listener anyway, and may wait for a lock that the caller holds.
     const std::unique_lock control(mControlLock, std::try_to_lock);
     if (control && mListening)
         mListening->Hurry();
@@ -178,7 +178,7 @@ std::future<ErrorCode> NotificationListener::Start() {
             return CoreErrorCodes::kSuccess;
         });
     });
-    mListening = std::move(listening);  // not before there is a thread that it is about
+    mListening = std::move(listening);  // only once its thread exists
     return subscribed;
 }
 
@@ -194,7 +194,7 @@ void NotificationListener::Run(Listening& listening) {
     ErrorCode code = listening.Subscribe();
     listening.subscribed.set_value(code);
     if (code != CoreErrorCodes::kSuccess)
-        return;  // nobody waits for this thread but to see it end
+        return;  // the thread has nothing else to do
     while (!listening.IsStopped()) {
         FindNextAgent(listening, DeliverAll(listening) == GAgentIF::kShutdown);
         Deliver(listening, kPluginCallback_PanelDataChanged, nullptr);

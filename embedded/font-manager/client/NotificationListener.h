@@ -45,8 +45,7 @@ private:
     void Run(Listening& listening);
     /// Delivers what comes in until the agent ends: the code with which it did.
     ErrorCode DeliverAll(Listening& listening);
-    /// Subscribes with the next agent as soon as there is one. A goodbye is told when it lets itself be
-    /// waited for.
+    /// Subscribes with the next agent as soon as there is one. A goodbye is reported when that takes long.
     void FindNextAgent(Listening& listening, bool hasSaidGoodbye);
     void Deliver(const Listening& listening, int32_t type, const Json& data);
     /// Whether the caller is a callback.

@@ -10,11 +10,8 @@ using namespace pellwick;
 
 namespace {
 
-/// What a function was given as a query, and with it the list that it is for.
-Json QueryArguments(CFArrayRef workgroupIDs, CFArrayRef setIDs, CFArrayRef smartSetIDs,
-                    int32_t smartListID = 0) {
-    return {{kGS_SmartListIDKey, smartListID},
-            {kGS_WorkgroupIDsKey, JsonFromCF(workgroupIDs)},
+Json QueryArguments(CFArrayRef workgroupIDs, CFArrayRef setIDs, CFArrayRef smartSetIDs) {
+    return {{kGS_WorkgroupIDsKey, JsonFromCF(workgroupIDs)},
             {kGS_SetIDsKey, JsonFromCF(setIDs)},
             {kGS_SmartSetIDsKey, JsonFromCF(smartSetIDs)}};
 }
@@ -22,6 +19,12 @@ Json QueryArguments(CFArrayRef workgroupIDs, CFArrayRef setIDs, CFArrayRef smart
 uint32_t CallWithoutResult(PluginFacadeRef facade, const char* method, const Json& arguments) {
     Json ignored;
     return Library::Get().Call(facade, method, arguments, ignored);
+}
+
+/// Has the agent use the query for a list.
+uint32_t CallForQuery(PluginFacadeRef facade, const char* method, int32_t smartListID, Json query) {
+    query[kGS_SmartListIDKey] = smartListID;
+    return CallWithoutResult(facade, method, query);
 }
 
 ErrorCode ListSmartLists(PluginFacadeRef facade, Json& lists) {
@@ -113,16 +116,16 @@ uint32_t DeleteSmartList(PluginFacadeRef facade, int32_t smartListID) {
 uint32_t SetSmartListQuery(PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,
                            CFArrayRef setIDs, CFArrayRef smartSetIDs) {
     return Guarded([&] {
-        return CallWithoutResult(facade, method::kSetSmartListQuery,
-                                 QueryArguments(workgroupIDs, setIDs, smartSetIDs, smartListID));
+        return CallForQuery(facade, method::kSetSmartListQuery, smartListID,
+                            QueryArguments(workgroupIDs, setIDs, smartSetIDs));
     });
 }
 
 uint32_t QueryForSmartListFonts(PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs,
                                 CFArrayRef setIDs, CFArrayRef smartSetIDs) {
     return Guarded([&] {
-        return CallWithoutResult(facade, method::kTrySmartListQuery,
-                                 QueryArguments(workgroupIDs, setIDs, smartSetIDs, smartListID));
+        return CallForQuery(facade, method::kTrySmartListQuery, smartListID,
+                            QueryArguments(workgroupIDs, setIDs, smartSetIDs));
     });
 }
 

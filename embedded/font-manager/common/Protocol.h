@@ -1,4 +1,4 @@
-// What agent and clients say to one another.
+// The messages between the agent and its clients.
 //
 // Messages are MessagePack objects in frames: the payload's size in bytes as four bytes, little endian, then
 // the payload. A client sends {"id", "method", "args"}; the agent answers each in turn with {"id", "code",
@@ -117,8 +117,8 @@ inline constexpr char kWorkgroups[] = "workgroups";
 #define PELLWICK_SMART_LIST_QUERY kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey
 #define PELLWICK_SMART_LIST_RECORD kGS_SmartListIDKey, kGS_SmartListNameKey, PELLWICK_SMART_LIST_QUERY
 
-/// Every method: X(name, (members of its arguments), (members of its result)). The name's constant for callers
-/// and the handler's declaration for the agent are made from it; each handler stands in agent/…Commands.cpp.
+/// Every method: X(name, (members of its arguments), (members of its result)). Callers get a constant for the
+/// name, and the agent the declaration of its handler, which is defined in agent/…Commands.cpp.
 #define PELLWICK_METHODS(X)                                                                                  \
     X(Hello, (kProtocol, kTaken), ())                                                                        \
     X(Subscribe, (), ())                                                                                     \
@@ -150,8 +150,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(ListSmartLists, (), (kGS_SmartListsKey))                                                               \
     X(FindSmartList, (kGS_SmartListNameKey), (PELLWICK_SMART_LIST_RECORD))                                   \
     X(GetSmartList, (kGS_SmartListIDKey), (PELLWICK_SMART_LIST_RECORD))                                      \
-    X(CreateSmartList, (kGS_SmartListIDKey, kGS_SmartListNameKey, PELLWICK_SMART_LIST_QUERY),                \
-      (PELLWICK_SMART_LIST_RECORD))                                                                          \
+    X(CreateSmartList, (kGS_SmartListNameKey, PELLWICK_SMART_LIST_QUERY), (PELLWICK_SMART_LIST_RECORD))      \
     X(RenameSmartList, (kGS_SmartListIDKey, kGS_SmartListNameKey), (PELLWICK_SMART_LIST_RECORD))             \
     X(DeleteSmartList, (kGS_SmartListIDKey), (PELLWICK_SMART_LIST_RECORD))                                   \
     X(SetSmartListQuery, (kGS_SmartListIDKey, PELLWICK_SMART_LIST_QUERY), (PELLWICK_SMART_LIST_RECORD))      \
