@@ -4,6 +4,7 @@
 #include "HostileFonts.h"
 #include "Require.h"
 #include "TestFonts.h"
+#include "agent/VaultCommands.h"
 #include "common/Protocol.h"
 #include "ipc/FrameBuffer.h"
 #include "platform/Files.h"
@@ -136,14 +137,13 @@ void AgentWorld::MakeLists() {
 }
 
 void AgentWorld::Request(size_t client, const Json& request) {
-    static const auto* const table = new CommandTable(MakeCommandTable());
     Caller& caller = mCallers[client];
     while (caller.isAsking)
         GoOn(client);
     caller.isAsking = true;
     caller.request = IntegerMember(request, "id");
     Proceed(caller, [&](CommandContext& context) {
-        auto answer = BeginRequest(*table, context, request);
+        auto answer = BeginRequest(context, request);
         if (answer && answer->code == 0 && StringMember(request, "method") == method::kGetFont)
             CheckFont(*answer, IntegerMember(ObjectMember(request, "args"), "font"));
         return answer;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "ScratchFile.h"
-#include "agent/Commands.h"
+#include "agent/Requests.h"
 #include "platform/FontTable.h"
 
 /// What all inputs have in common: font files, and the process that reads them.

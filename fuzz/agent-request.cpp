@@ -15,7 +15,7 @@
 #include "Require.h"
 #include "Seeds.h"
 #include "TarnwickPluginInterface.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "ipc/FrameBuffer.h"
 
@@ -24,7 +24,7 @@ using namespace pellwick;
 namespace {
 
 constexpr const char* kMethods[] = {
-#define NAME_OF_METHOD(constant, name) name,
+#define NAME_OF_METHOD(name, arguments, result) #name,
     PELLWICK_METHODS(NAME_OF_METHOD)
 #undef NAME_OF_METHOD
 };
@@ -155,8 +155,8 @@ constexpr Member kMembers[] = {{"fonts", &ValueMaker::Fonts},
                                {"activate", &ValueMaker::Flag},
                                {"replace", &ValueMaker::Flag},
                                {"wholeFamily", &ValueMaker::Flag},
-                               {kVisibleMember, &ValueMaker::Flag},
-                               {kReplacementsMember, &ValueMaker::Number},
+                               {member::kVisible, &ValueMaker::Flag},
+                               {member::kReplacements, &ValueMaker::Number},
                                {kGS_SmartListIDKey, &ValueMaker::Number},
                                {kGS_SmartListNameKey, &ValueMaker::Text},
                                {kGS_WorkgroupIDsKey, &ValueMaker::Numbers},

@@ -1,4 +1,4 @@
-// What an agent answers to the interface library, and the process that reads fonts to the agent, of any
+// What an agent answers to the client library, and the process that reads fonts to the agent, of any
 // content: it is refused, or kept to the limits, and what is made of it can be made into a message again.
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 #include "Require.h"
 #include "Seeds.h"
 #include "StringConversion.h"
+#include "client/CFJson.h"
 #include "common/Protocol.h"
-#include "interface/CFJson.h"
 #include "ipc/AgentConnection.h"
 #include "ipc/FrameBuffer.h"
 #include "preview/PreviewFolder.h"
@@ -105,16 +105,15 @@ std::vector<std::string> Seeds() {
     FontFace face;
     face.postScriptName = "Sample-Bold";
     face.lookupNames = {"Sample Bold", "Sample"};
-    return {
-        "a" + Frame({{"id", 1}, {"code", 0}, {"result", {{"fonts", {record, record}}}}}),
-        "a" + Frame({{"working", true}}) +
-            Frame({{"id", 2}, {"code", 65537}, {"result", {{"message", "there is no such font"}}}}),
-        "a" + Frame({{"notification", 3},
-                     {"data", {{kPreviewFontMember, 1}, {"PNGFilename", "/a"}, {"2xPNGFilename", "/b"}}}}),
-        "b" + EncodeScanResult({{face, face}, ""}),
-        "b" + EncodeScanResult({{}, "damaged font file"}),
-        "c" + EncodeImage({3, 2, {0, 1, 2, 253, 254, 255}}),
-        "c" + EncodeImage({})};
+    return {"a" + Frame({{"id", 1}, {"code", 0}, {"result", {{"fonts", {record, record}}}}}),
+            "a" + Frame({{"working", true}}) +
+                Frame({{"id", 2}, {"code", 65537}, {"result", {{"message", "there is no such font"}}}}),
+            "a" + Frame({{"notification", 3},
+                         {"data", {{member::kFont, 1}, {"PNGFilename", "/a"}, {"2xPNGFilename", "/b"}}}}),
+            "b" + EncodeScanResult({{face, face}, ""}),
+            "b" + EncodeScanResult({{}, "damaged font file"}),
+            "c" + EncodeImage({3, 2, {0, 1, 2, 253, 254, 255}}),
+            "c" + EncodeImage({})};
 }
 
 }  // namespace

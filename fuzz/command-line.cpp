@@ -9,7 +9,7 @@
 #include "CommandLine.h"
 #include "PrintableText.h"
 #include "Require.h"
-#include "cli/CommandLine.h"
+#include "cli/PellwickWords.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "FontSeeds.h"
 #include "Require.h"
 #include "Seeds.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "preview/PreviewFolder.h"
 #include "preview/PreviewRenderer.h"
 

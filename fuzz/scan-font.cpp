@@ -8,7 +8,7 @@
 #include "PrintableText.h"
 #include "Require.h"
 #include "Seeds.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/FontScanner.h"
 
 namespace {

@@ -9,9 +9,9 @@
 
 #include "Require.h"
 #include "ScratchFile.h"
-#include "common/Limits.h"
-#include "interface/XmpPacket.h"
-#include "tests/support/PlainXmpPacket.h"
+#include "client/XmpPacket.h"
+#include "common/FontManagerLimits.h"
+#include "PlainXmpPacket.h"
 
 namespace {
 

@@ -16,9 +16,6 @@ inline constexpr size_t kTemporaryDigits = 6;
 /// The folder that the file at `path` stands in.
 std::string FolderOf(const std::string& path);
 
-/// Makes what was renamed in the folder last. Linux alone has it.
-SystemError FlushFolder(const std::string& folder);
-
 /// The system's own error for a file that is larger than can be taken.
 extern const SystemError kFileTooLarge;
 

@@ -9,17 +9,14 @@
 #include <cstdlib>
 #include <utility>
 
+#include "Descriptor.h"
 #include "FilesInternal.h"
+#include "LinuxFiles.h"
 
 namespace platform {
 
 struct FileWriter::Handle {
-    explicit Handle(int opened) : descriptor(opened) {}
-    ~Handle() { close(descriptor); }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    const int descriptor;
+    Descriptor descriptor;
 };
 
 FileWriter::FileWriter() = default;
@@ -38,36 +35,25 @@ FileWriter::~FileWriter() {
 
 SystemError FileWriter::Open(const std::string& folder) {
     std::string path = folder + "/" + std::string(kTemporaryDigits, 'X');
-    const int descriptor = mkostemp(path.data(), O_CLOEXEC);
-    if (descriptor < 0)
+    Descriptor descriptor(mkostemp(path.data(), O_CLOEXEC));
+    if (!descriptor.IsValid())
         return LastSystemError();
     *this = FileWriter();
-    mHandle = std::make_unique<Handle>(descriptor);
+    mHandle = std::make_unique<Handle>(Handle{std::move(descriptor)});
     mPath = std::move(path);
     return {};
 }
 
 SystemError FileWriter::Write(std::string_view bytes) {
-    if (!mHandle)
-        return SystemError{EBADF};
-    while (!bytes.empty()) {
-        const ssize_t written = write(mHandle->descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return LastSystemError();
-        bytes.remove_prefix(static_cast<size_t>(written));
-    }
-    return {};
+    return mHandle ? WriteAll(mHandle->descriptor.Get(), bytes) : SystemError{EBADF};
 }
 
 SystemError FileWriter::Finish() {
     if (!mHandle)
         return SystemError{EBADF};
     const std::unique_ptr<Handle> finished = std::move(mHandle);
-    if (fchmod(finished->descriptor, S_IRUSR) != 0 || fsync(finished->descriptor) != 0)
-        return LastSystemError();
-    return {};
+    const int file = finished->descriptor.Get();
+    return fchmod(file, S_IRUSR) == 0 ? Flush(file) : LastSystemError();
 }
 
 SystemError FileWriter::MoveTo(const std::string& path) {

@@ -15,6 +15,7 @@
 
 #include "Descriptor.h"
 #include "FilesInternal.h"
+#include "LinuxFiles.h"
 
 namespace platform {
 
@@ -29,22 +30,6 @@ SystemError StatRegularFile(const std::string& path, struct stat& info) {
     if (S_ISDIR(info.st_mode))
         return SystemError{EISDIR};
     return S_ISREG(info.st_mode) ? SystemError{} : SystemError{EINVAL};
-}
-
-SystemError WriteAll(int descriptor, std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t written = write(descriptor, content.data(), content.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return LastSystemError();
-        content.remove_prefix(static_cast<size_t>(written));
-    }
-    return {};
-}
-
-SystemError Flush(int descriptor) {
-    return fsync(descriptor) == 0 ? SystemError{} : LastSystemError();
 }
 
 SystemError CopyAll(ReadOnlyFile& source, int target) {
@@ -102,15 +87,6 @@ SystemError RenameToFreeName(const std::string& from, const std::string& to) {
 }
 
 }  // namespace
-
-/// Some file systems cannot, and need not be told to.
-SystemError FlushFolder(const std::string& folder) {
-    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor.IsValid())
-        return {};  // one that may be written to but not read
-    const SystemError error = Flush(descriptor.Get());
-    return error.code == EINVAL ? SystemError{} : error;
-}
 
 struct ReadOnlyFile::Handle {
     Descriptor descriptor;

@@ -30,6 +30,22 @@ bool IsNotTakenNow(const asio::error_code& failure) {
     return failure == asio::error::would_block || failure == asio::error::try_again;
 }
 
+/// Takes over a descriptor. No socket here is ever one that a program inherits which the host starts
+/// meanwhile, as Asio's own would be.
+asio::error_code Assign(Descriptor opened, auto& socket) {
+    asio::error_code failure;
+    if (!opened.IsValid())
+        return {errno, std::system_category()};
+    socket.assign(Protocol(), opened.Get(), failure);
+    if (!failure)
+        opened.Release();
+    return failure;
+}
+
+asio::error_code OpenSocket(auto& socket) {
+    return Assign(Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)), socket);
+}
+
 /// Which of the events hold for the descriptor now.
 short EventsNow(int descriptor, short events) {
     pollfd wanted{descriptor, events, 0};
@@ -208,9 +224,7 @@ asio::error_code LocalStream::Connect(const std::string& address, Deadline, cons
     if (address.empty() || address.size() > kPathLimit)
         return asio::error::name_too_long;
     Protocol::socket& socket = mState->socket;
-    socket.open(Protocol(), failure);
-    if (!failure && fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC) != 0)
-        failure.assign(errno, std::system_category());
+    failure = OpenSocket(socket);
     if (!failure)
         socket.non_blocking(true, failure);
     if (!failure)
@@ -284,17 +298,27 @@ struct LocalAcceptor::State : std::enable_shared_from_this<State> {
           handler(std::move(connectionHandler)) {}
 
     void Accept() {
-        acceptor.async_accept(
-            [self = shared_from_this()](const asio::error_code& failure, Protocol::socket socket) {
-                if (!self->acceptor.is_open())
-                    return;
-                if (failure) {
-                    self->AcceptLater();
-                    return;
-                }
-                self->Accept();  // first: handing it over may fail for lack of memory
-                self->Hand(std::move(socket));
-            });
+        acceptor.async_wait(Protocol::acceptor::wait_read,
+                            [self = shared_from_this()](const asio::error_code& cancelled) {
+                                if (!cancelled && self->acceptor.is_open())
+                                    self->TakeNext();
+                            });
+    }
+    void TakeNext() {
+        Protocol::socket socket(loop);
+        const asio::error_code failure = Take(socket);
+        if (failure && !IsNotTakenNow(failure)) {
+            AcceptLater();
+            return;
+        }
+        Accept();  // first: handing it over may fail for lack of memory
+        if (!failure)
+            Hand(std::move(socket));
+    }
+    asio::error_code Take(Protocol::socket& socket) {
+        return Assign(
+            Descriptor(accept4(acceptor.native_handle(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK)),
+            socket);
     }
     /// No descriptor is free, say: trying again at once would only keep the processor busy.
     void AcceptLater() {
@@ -334,7 +358,7 @@ SystemError LocalAcceptor::Listen(const std::string& address) {
         return error;
     std::error_code failure;
     Protocol::acceptor& acceptor = mState->acceptor;
-    acceptor.open(Protocol(), failure);
+    failure = OpenSocket(acceptor);
     if (!failure)
         failure.assign(place.Bind(acceptor.native_handle()).code, std::system_category());
     if (!failure)
@@ -358,7 +382,7 @@ void LocalAcceptor::AdmitWaiting() {
     asio::error_code failure;
     while (!failure && mState->acceptor.is_open()) {
         Protocol::socket socket(mState->loop);
-        mState->acceptor.accept(socket, failure);
+        failure = mState->Take(socket);
         if (!failure)
             mState->Hand(std::move(socket));
     }

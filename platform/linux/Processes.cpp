@@ -3,7 +3,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -25,6 +24,7 @@
 #include <thread>
 
 #include "Descriptor.h"
+#include "SpawnSettings.h"
 #include "platform/Files.h"
 
 extern "C" {  // which the header of glibc 2.36 does not say itself
@@ -124,45 +124,14 @@ std::vector<std::string> ChildEnvironment() {
     return variables;
 }
 
-/// What the child starts with: a session of its own, no streams of ours, default signals, the ready line.
-class SpawnSettings {
-public:
-    explicit SpawnSettings(int readyDescriptor) {
-        posix_spawn_file_actions_init(&mActions);
-        posix_spawnattr_init(&mAttributes);
-        // First of all: a host without standard streams may have been given one of their numbers for the
-        // line.
-        posix_spawn_file_actions_adddup2(&mActions, readyDescriptor, kReadyDescriptor);
-        posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&mActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        // The host's other descriptors are none of the agent's business.
-        posix_spawn_file_actions_addclosefrom_np(&mActions, kReadyDescriptor + 1);
-        posix_spawnattr_setflags(
-            &mAttributes,
-            static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&mAttributes, &signals);
-        sigaddset(&signals, SIGPIPE);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        posix_spawnattr_setsigdefault(&mAttributes, &signals);
-    }
-    ~SpawnSettings() {
-        posix_spawn_file_actions_destroy(&mActions);
-        posix_spawnattr_destroy(&mAttributes);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-    posix_spawn_file_actions_t* Actions() { return &mActions; }
-    posix_spawnattr_t* Attributes() { return &mAttributes; }
-
-private:
-    posix_spawn_file_actions_t mActions{};
-    posix_spawnattr_t mAttributes{};
-};
+/// What a host may have made of these is not the agent's business.
+sigset_t SignalsOfTheHost() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGPIPE, SIGINT, SIGTERM})
+        sigaddset(&signals, signal);
+    return signals;
+}
 
 /// What became of a child, told by the thread that started it and waits for it.
 class ChildWatch {
@@ -341,11 +310,11 @@ public:
             return nullptr;
         }
         std::vector<std::string> environment = ChildEnvironment();
-        SpawnSettings settings(ready->ChildEnd());
+        const SpawnSettings settings(ready->ChildEnd(), kReadyDescriptor, SignalsOfTheHost());
         const auto watch = std::make_shared<ChildWatch>();
         error = ChildWatch::Start(watch, [&](pid_t& child) {
-            return posix_spawn(&child, executablePath.c_str(), settings.Actions(), settings.Attributes(),
-                               PointersTo(arguments).data(), PointersTo(environment).data());
+            return settings.Spawn(executablePath.c_str(), PointersTo(arguments).data(),
+                                  PointersTo(environment).data(), child);
         });
         if (error)
             return nullptr;

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <seccomp.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -19,6 +18,8 @@
 #include <csignal>
 #include <cstring>
 #include <utility>
+
+#include "SpawnSettings.h"
 
 namespace platform {
 namespace {
@@ -201,45 +202,16 @@ private:
     bool mIsRunning = true;
 };
 
-/// No streams, no descriptors and no variables of ours, default signals, a session of its own.
-class SpawnSettings {
-public:
-    explicit SpawnSettings(int line) {
-        posix_spawn_file_actions_init(&mActions);
-        posix_spawnattr_init(&mAttributes);
-        posix_spawn_file_actions_adddup2(&mActions, line, kLine);
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            posix_spawn_file_actions_addopen(&mActions, stream, "/dev/null", O_RDWR, 0);
-        posix_spawn_file_actions_addclosefrom_np(&mActions, kLine + 1);
-        posix_spawnattr_setflags(
-            &mAttributes,
-            static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&mAttributes, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&mAttributes, &signals);
-    }
-    ~SpawnSettings() {
-        posix_spawn_file_actions_destroy(&mActions);
-        posix_spawnattr_destroy(&mAttributes);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-    int Spawn(const std::string& program, pid_t& process) {
-        std::string path = program;
-        std::string argument = kWorkerArgument;
-        std::array<char*, 3> words = {path.data(), argument.data(), nullptr};
-        std::array<char*, 1> variables = {nullptr};
-        return posix_spawn(&process, program.c_str(), &mActions, &mAttributes, words.data(),
-                           variables.data());
-    }
-
-private:
-    posix_spawn_file_actions_t mActions{};
-    posix_spawnattr_t mAttributes{};
-};
+/// Without variables of ours, and with the system's own way with every signal.
+int Spawn(const std::string& program, int line, pid_t& process) {
+    sigset_t all;
+    sigfillset(&all);
+    std::string path = program;
+    std::string argument = kWorkerArgument;
+    const std::array<char*, 3> words = {path.data(), argument.data(), nullptr};
+    const std::array<char*, 1> variables = {nullptr};
+    return SpawnSettings(line, kLine, all).Spawn(path.c_str(), words.data(), variables.data(), process);
+}
 
 #ifndef PLUGINCORE_UNCONFINED
 
@@ -353,7 +325,7 @@ std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const W
         return nullptr;
     }
     pid_t process = 0;
-    error.code = SpawnSettings(ends[1]).Spawn(executablePath, process);
+    error.code = Spawn(executablePath, ends[1], process);
     close(ends[1]);
     if (error) {
         close(ends[0]);

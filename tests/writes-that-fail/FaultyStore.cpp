@@ -139,7 +139,7 @@ Json FaultyStore::Records() {
     const Json sets = Ask(method::kListSets, Json::object());
     for (const Json& set : ArrayMember(sets, "sets"))
         records["sets"].push_back(
-            {set[kSetNameMember], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
+            {set[member::kName], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
     const Json workgroups = Ask(method::kListWorkgroups, Json::object());
     for (const Json& workgroup : ArrayMember(workgroups, "workgroups"))
         records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);

@@ -65,18 +65,14 @@ void Activation::NoteMissing(const FontFile& file) {
     mFonts.SetFileMissing(file.id, true);
 }
 
-bool Activation::EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose) {
-    if (!mActivations.EndLeases(host, purpose, fontID))
-        return false;
-    Released(fontID);
-    return true;
+void Activation::EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose) {
+    if (mActivations.EndLeases(host, purpose, fontID))
+        Released(fontID);
 }
 
-bool Activation::EndAllLeases(uint32_t fontID, const HostProcess& host) {
-    if (!mActivations.EndAllLeases(host, fontID))
-        return false;
-    Released(fontID);
-    return true;
+void Activation::EndAllLeases(uint32_t fontID, const HostProcess& host) {
+    if (mActivations.EndAllLeases(host, fontID))
+        Released(fontID);
 }
 
 void Activation::UndoRequests(const HostProcess& host, long long first, long long last) {
@@ -85,11 +81,9 @@ void Activation::UndoRequests(const HostProcess& host, long long first, long lon
         Released(fontID);
 }
 
-bool Activation::DeactivateForUser(uint32_t fontID) {
-    if (!mActivations.RemoveUserActivation(fontID))
-        return false;
-    Released(fontID);
-    return true;
+void Activation::DeactivateForUser(uint32_t fontID) {
+    if (mActivations.RemoveUserActivation(fontID))
+        Released(fontID);
 }
 
 void Activation::RemoveFile(const FontFile& file) {

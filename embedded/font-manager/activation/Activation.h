@@ -35,14 +35,14 @@ public:
     /// The user's own activation. False as above.
     bool ActivateForUser(const Font& font);
 
-    /// Ends the host's leases on the font for that purpose; false when it had none.
-    bool EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose);
+    /// Ends the host's leases on the font for that purpose.
+    void EndLeases(uint32_t fontID, const HostProcess& host, LeasePurpose purpose);
     /// Ends those for every purpose.
-    bool EndAllLeases(uint32_t fontID, const HostProcess& host);
+    void EndAllLeases(uint32_t fontID, const HostProcess& host);
     /// Ends the leases that the host's requests from `first` to `last` took.
     void UndoRequests(const HostProcess& host, long long first, long long last);
-    /// Ends the user's own activation; false when there was none.
-    bool DeactivateForUser(uint32_t fontID);
+    /// Ends the user's own activation.
+    void DeactivateForUser(uint32_t fontID);
     /// Removes the font's file with all its fonts.
     void RemoveFile(const FontFile& file);
 

@@ -11,7 +11,7 @@
 
 namespace pellwick {
 
-/// Thrown where the system does not let a font become active that is there; the message is for people.
+/// Thrown where the system refuses to make an existing font active; the message is for people.
 class ActivationRefused : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -31,8 +31,8 @@ public:
     virtual std::string PathOf(const FontFile& file) const = 0;
     /// Whether the file is active.
     virtual bool Has(const FontFile& file) const = 0;
-    /// Makes the file active; true at once when it is. False when that cannot be done, for one because the
-    /// vault has lost the file. Throws ActivationRefused where the disk is full or faulty.
+    /// Makes the file active; true at once when it is already. False when that cannot be done, for example
+    /// because the vault has lost the file. Throws ActivationRefused where the disk is full or faulty.
     virtual bool Add(const FontFile& file) = 0;
     /// Ends that. To be called before the vault's file is removed.
     virtual void Remove(const FontFile& file) = 0;

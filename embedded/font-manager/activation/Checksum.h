@@ -1,4 +1,4 @@
-// By what font files are told apart.
+// The checksum that identifies a font file.
 #pragma once
 
 #include <memory>

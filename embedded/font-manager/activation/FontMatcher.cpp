@@ -7,7 +7,7 @@
 namespace pellwick {
 namespace {
 
-/// Every font here is activated in the one way there is.
+/// All fonts here are activated the same way.
 constexpr int32_t kActivationMode = 1;
 
 BestMatchCandidate CandidateOf(const Font& font) {

@@ -1,4 +1,4 @@
-// Which fonts of the store answer to what a document asks for.
+// Finds the fonts in the store that match what a document asks for.
 #pragma once
 
 #include <cstdint>
@@ -20,10 +20,10 @@ struct RequestedFont {
 /// Fonts that match, up to kListPageSize of a family, in no order of their own. Throws DatabaseError.
 std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request);
 
-/// Where the best of the fonts stands that answer to the same request; 0 when there are none.
+/// The index of the best of fonts that match the same request; 0 when there are none.
 size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& request);
 
-/// Orders fonts that answer to the same request, best first. For a few: the time goes with their square.
+/// Sorts fonts that match the same request, best first. Takes quadratic time: meant for a few fonts.
 void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request);
 
 }  // namespace pellwick

@@ -5,14 +5,14 @@
 namespace pellwick {
 namespace {
 
-// The agents before this one that died with a file in the table, each of which added it once.
+// How many earlier agents may have died and left a file in the table, each adding it once.
 constexpr int kMostAdds = 64;
 
 platform::FontTable& Table() {
     return platform::Current<platform::FontTable>();
 }
 
-/// Takes the file out of the table, however often it is in it; how often that was.
+/// Removes the file from the table as often as it is there, and returns how often that was.
 int TakeOut(const std::string& path) {
     int count = 0;
     while (count < kMostAdds && Table().Remove(path))
@@ -47,7 +47,7 @@ void FontResources::AnnounceChanges() {
     mHasChanged = false;
 }
 
-/// Nobody can be asked what is in the table, and how often. So all that may be in it is taken out first.
+/// The table cannot be listed. So everything that may be in it is removed first.
 ActiveFonts::Repairs FontResources::Repair(const std::vector<FontFile>& activeFiles) {
     Repairs repairs;
     std::set<std::string> left;

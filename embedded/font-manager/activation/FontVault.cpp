@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "activation/Checksum.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 #include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"
@@ -45,7 +45,7 @@ std::string FolderOf(const std::string& path) {
     return platform::Utf8Text(platform::Utf8Path(path).parent_path());
 }
 
-// Copies on their way stand here, and what is not what its name says there.
+// Where incomplete copies are kept, and where damaged files are put.
 std::string IncomingFolder(const std::string& vault) {
     return vault + platform::kPathSeparator + "incoming";
 }

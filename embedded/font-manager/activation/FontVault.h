@@ -12,7 +12,7 @@
 
 namespace pellwick {
 
-/// Says that a long operation is to be given up: set by another thread.
+/// Set by another thread to cancel a long operation.
 using StopFlag = std::atomic<bool>;
 
 /// Below a folder: FOLDER/ab/abcd...ef.ttf, so that no single folder gets large.
@@ -23,7 +23,7 @@ std::string ShardedPath(const std::string& folder, const FontFile& file);
 /// the user pointed is the user's.
 std::vector<std::string> ShardedFiles(const std::string& folder);
 
-/// A copy on its way into the vault, which goes away unless it gets there.
+/// A copy on its way into the vault. It is deleted unless it gets there.
 struct ReceivedFile {
     platform::FileWriter copy;
     std::string checksum;  ///< SHA-256 (FIPS 180-4) as 64 lower-case hexadecimal digits
@@ -47,19 +47,19 @@ public:
     /// cannot be read or the other written.
     Outcome Receive(platform::ReadOnlyFile& source, const StopFlag& isStopped, ReceivedFile& received,
                     platform::SystemError& error) const;
-    /// Gives the copy its place, under its checksum. Whole or not at all.
+    /// Moves the copy to its place, under its checksum, atomically.
     platform::SystemError Place(ReceivedFile& received, const FontFile& file) const;
     /// Gives a file the place of another one of the same content; false when that cannot be done.
     bool Rename(const FontFile& file, const FontFile& target) const;
-    /// Removes the file; not being there is fine.
+    /// Removes the file; a missing one is no error.
     platform::SystemError Remove(const FontFile& file) const;
 
     /// The checksum by which a file of the vault is called.
     static std::string ChecksumOfName(const std::string& path);
     /// That of its content; empty when it cannot be read or reading it was stopped.
     static std::string ChecksumOfContent(const std::string& path, const StopFlag& isStopped);
-    /// Puts a file of the vault that is not what its name says where nobody uses it but people can find it.
-    /// Its path there; empty when it stays where it is.
+    /// Moves a damaged file of the vault to a folder where people can find it but nothing uses it. Returns
+    /// its new path; empty when it could not be moved.
     std::string SetAside(const std::string& path) const;
 
     struct Survey {
@@ -67,7 +67,7 @@ public:
         std::vector<FontFile> missing;     ///< known files that are not there with their size
         int removed = 0;                   ///< files that interrupted commands had left
     };
-    /// Looks at what is there, and removes what was left half-way. To be called while nothing is received.
+    /// Lists what is there, and removes incomplete copies. Call it while nothing is being received.
     Survey LookAround(const std::vector<FontFile>& known) const;
 
 private:

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "FontRecordKeys.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 namespace {

@@ -1,4 +1,4 @@
-// What could stand in for a font that the store does not have.
+// Finds replacements for fonts that the store does not have.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ private:
     /// Fonts by their position in mNames.
     using Positions = std::vector<uint32_t>;
     using Index = std::unordered_map<std::string, Positions>;
-    /// How far each font is from what was asked for.
+    /// How different each font is from what was asked for.
     using Distances = std::unordered_map<uint32_t, int>;
 
     struct NamedFont {

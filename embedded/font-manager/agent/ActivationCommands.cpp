@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -58,8 +58,8 @@ public:
     }
 
 private:
-    /// A host lets go of what was inactive before. So what others hold, or this host for something else than
-    /// a document, does not count: it ends without regard to this document.
+    /// A host deactivates what was inactive before. So what others hold, or this host for other purposes
+    /// than a document, counts as inactive: it ends independently of this document.
     Json RecordFromBefore(const Font& font) const {
         Json record = FontRecord(mContext.manager, font);
         if (font.activationState == kFontActivationState_ActivatedByPlugin &&
@@ -75,16 +75,6 @@ private:
     Json mMatched = Json::array();
 };
 
-Json ActivateFonts(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
-    LeasedFonts leases(context, StringMember(arguments, "document"));
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
-        if (const auto font = context.manager.fonts.Find(id))
-            leases.Lease(*font);
-    }
-    return {{"matched", leases.Commit()}};
-}
-
 /// The requested record completed by the font's own: what the host said stands, but for the state.
 Json ReportedFont(const Json& requested, const Json& before, const Json& after) {
     Json reported = after;
@@ -99,8 +89,8 @@ Json ReportedFont(const Json& requested, const Json& before, const Json& after) 
 /// What could replace the requests that were not matched, in their order and for the first of them: objects
 /// of font records by PostScript name.
 Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched) {
-    const Json& requests = ArrayMember(arguments, "fonts");
-    const long long wanted = IntegerMember(arguments, kReplacementsMember, kMaxFontsWithReplacements);
+    const Json& requests = ArrayMember(arguments, member::kFonts);
+    const long long wanted = IntegerMember(arguments, member::kReplacements, kMaxFontsWithReplacements);
     const size_t limit = wanted < 0 ? 0 : std::min<size_t>(wanted, kMaxFontsWithReplacements);
     Json replacements = Json::array();
     for (const Json& index : unmatched) {
@@ -116,11 +106,23 @@ Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json&
     return replacements;
 }
 
-Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
+}  // namespace
+
+Json commands::ActivateFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    LeasedFonts leases(context, StringMember(arguments, member::kDocument));
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
+        if (const auto font = context.manager.fonts.Find(id))
+            leases.Lease(*font);
+    }
+    return {{member::kMatched, leases.Commit()}};
+}
+
+Json commands::ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     FontManager& manager = context.manager;
-    const Json& requests = ArrayMember(arguments, "fonts");
-    LeasedFonts leases(context, StringMember(arguments, "document"));
+    const Json& requests = ArrayMember(arguments, member::kFonts);
+    LeasedFonts leases(context, StringMember(arguments, member::kDocument));
     Json unmatched = Json::array();
     std::vector<std::pair<size_t, uint32_t>> matches;  // of requests, by their position: the font's ID
     for (size_t index = 0; index < requests.size(); ++index) {
@@ -135,15 +137,15 @@ Json ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
         reported.push_back(ReportedFont(requests[index], leases.Before(fontID),
                                         FontRecord(manager, *manager.fonts.Find(fontID))));
     Json replacements = ReplacementsFor(context, arguments, unmatched);
-    return {{"matched", std::move(matched)},
-            {"unmatched", std::move(unmatched)},
-            {"replacements", std::move(replacements)},
-            {"reported", std::move(reported)}};
+    return {{member::kMatched, std::move(matched)},
+            {member::kUnmatched, std::move(unmatched)},
+            {member::kReplacements, std::move(replacements)},
+            {member::kReported, std::move(reported)}};
 }
 
-Json DeactivateFonts(CommandContext& context, const Json& arguments) {
+Json commands::DeactivateFonts(CommandContext& context, const Json& arguments) {
     Activation activation = context.manager.BeginActivation();
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
         context.audience.KeepAlive();
         activation.EndLeases(id, context.client.process, LeasePurpose::kDocument);
     }
@@ -151,25 +153,26 @@ Json DeactivateFonts(CommandContext& context, const Json& arguments) {
     for (const uint32_t id : activation.Changes().deactivated)
         deactivated.push_back(FontRecord(context.manager, *context.manager.fonts.Find(id)));
     RequireSendable(deactivated);
-    Json answer = {{"deactivated", std::move(deactivated)}};
+    Json answer = {{member::kDeactivated, std::move(deactivated)}};
     context.KeepAnswer(answer);
     AnnounceChanges(context.audience, activation.Commit());
     return answer;
 }
 
-Json GetClientStates(CommandContext& context, const Json& arguments) {
+Json commands::GetClientStates(CommandContext& context, const Json& arguments) {
     Json states = Json::array();
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts")))
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts)))
         states.push_back(
-            {{"font", id}, {"isActive", context.manager.activations.HasLease(context.client.process, id)}});
-    return {{"states", std::move(states)}};
+            {{member::kFont, id},
+             {member::kIsActive, context.manager.activations.HasLease(context.client.process, id)}});
+    return {{member::kStates, std::move(states)}};
 }
 
-Json ActivateForUser(CommandContext& context, const Json& arguments) {
+Json commands::ActivateForUser(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     Json failed = Json::array();
     Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
         context.audience.KeepAlive();
         const auto font = context.manager.fonts.Find(id);
         if (font && !activation.ActivateForUser(*font))
@@ -177,13 +180,13 @@ Json ActivateForUser(CommandContext& context, const Json& arguments) {
     }
     RequireSendable(failed);
     AnnounceChanges(context.audience, activation.Commit());
-    return {{"failed", std::move(failed)}};
+    return {{member::kFailed, std::move(failed)}};
 }
 
-Json DeactivateForUser(CommandContext& context, const Json& arguments) {
+Json commands::DeactivateForUser(CommandContext& context, const Json& arguments) {
     Json stillActive = Json::array();
     Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
-    const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, "fonts"));
+    const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, member::kFonts));
     for (const uint32_t id : ids) {
         context.audience.KeepAlive();
         activation.DeactivateForUser(id);
@@ -194,18 +197,7 @@ Json DeactivateForUser(CommandContext& context, const Json& arguments) {
         if (font && font->activationState == kFontActivationState_ActivatedByPlugin)
             stillActive.push_back(FontRecord(context.manager, *font));
     }
-    return {{"stillActive", std::move(stillActive)}};
-}
-
-}  // namespace
-
-void AddActivationCommands(CommandTable& table) {
-    table[method::kActivateFonts] = ActivateFonts;
-    table[method::kActivateDocumentFonts] = ActivateDocumentFonts;
-    table[method::kDeactivateFonts] = DeactivateFonts;
-    table[method::kGetClientStates] = GetClientStates;
-    table[method::kActivateForUser] = ActivateForUser;
-    table[method::kDeactivateForUser] = DeactivateForUser;
+    return {{member::kStillActive, std::move(stillActive)}};
 }
 
 }  // namespace pellwick

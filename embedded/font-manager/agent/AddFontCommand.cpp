@@ -3,9 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/NamedRecords.h"
+#include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "scan/FontFiles.h"
@@ -31,6 +32,7 @@ struct Arrival {
     bool isNewInVault = false;
     bool isRepaired = false;  ///< what stood in the vault was damaged
 };
+
 using Arriving = std::shared_ptr<Arrival>;
 
 Workgroup TargetWorkgroup(CommandContext& context, const std::string& name) {
@@ -57,7 +59,7 @@ Workgroup TargetWorkgroup(CommandContext& context, const std::string& name) {
                        reason);
 }
 
-/// What cannot be a font is not copied first.
+/// Refuses what cannot be a font before it is copied.
 void OpenFontFile(const std::string& path, platform::ReadOnlyFile& source) {
     constexpr char kTooLarge[] = "larger than any font file";
     uint64_t size = 0;
@@ -120,7 +122,7 @@ FontFile Note(CommandContext& context, const Arrival& arrival, bool& isKnown) {
     const auto known = manager.fonts.FindFile(arrival.file.checksum);
     isKnown = known.has_value();
     FontFile file = known.value_or(arrival.file);
-    // Somebody else's command may have come to another end meanwhile.
+    // Another command may have removed the file meanwhile.
     if (!manager.vault.Has(file) || (!isKnown && arrival.faces.empty()))
         throw CommandError(CoreErrorCodes::kNotFound, "it was removed at the same time; add it again");
     if (!isKnown) {
@@ -153,20 +155,20 @@ Json Record(CommandContext& context, const Arriving& arrival, const std::string&
     Json fonts = FontRecords(manager, manager.fonts.FontsOfFile(file.id));
     RequireSendable(fonts);
     transaction.Commit();
-    // It stays, unless somebody else added the same under a name of another extension meanwhile.
+    // The file is kept, unless another command added it with another extension meanwhile.
     if (file.extension == arrival->file.extension)
         arrival->isNewInVault = false;
-    // A database that loses its log is not to have it removed once more.
+    // Otherwise a database that loses its log would remove the file again.
     if (wasRemoved && !manager.database.WriteBackLog())
         context.audience.Note("the database's log could not be written back");
     if (arrival->isRepaired)
         ActivateRepaired(manager, arrival->file);
     if (!isKnown)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"fonts", std::move(fonts)}, {"alreadyKnown", isKnown}};
+    return {{member::kFonts, std::move(fonts)}, {member::kAlreadyKnown, isKnown}};
 }
 
-/// A file that is known need not be read again; its copy in the vault is made good if need be.
+/// A known file is not read again; a damaged copy in the vault is replaced.
 Json Identify(CommandContext& context, const Arriving& arrival, const std::string& workgroup) {
     const auto known = context.manager.fonts.FindFile(arrival->file.checksum);
     if (known)
@@ -183,9 +185,9 @@ Json Identify(CommandContext& context, const Arriving& arrival, const std::strin
 
 }  // namespace
 
-Json AddFile(CommandContext& context, const Json& arguments) {
-    const std::string path = StringMember(arguments, "path");
-    const std::string workgroup = StringMember(arguments, "workgroup");
+Json commands::AddFile(CommandContext& context, const Json& arguments) {
+    const std::string path = StringMember(arguments, member::kPath);
+    const std::string workgroup = StringMember(arguments, member::kWorkgroup);
     TargetWorkgroup(context, workgroup);
     const auto arrival = std::make_shared<Arrival>(context.manager.vault);
     return context.Defer(Deferral::LaneName::kFiles, [=](FontWorker& worker) {

@@ -8,7 +8,7 @@
 #include "agent/FontManager.h"
 #include "agent/Server.h"
 #include "common/AgentLock.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/LogFile.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
@@ -22,26 +22,26 @@ namespace {
 
 void LogStart(LogFile& log, const Server& server, int closed, const FontVault::Survey& survey,
               const ActiveFonts::Repairs& repairs) {
-    const int64_t now = platform::Current<platform::Clock>().Now();
-    log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " + server.Address() +
-              ", " + platform::LocalTimeText(now));
+    const std::string time = platform::LocalTimeText(platform::Current<platform::Clock>().Now());
+    log.WriteLine("Pellwick " + std::to_string(platform::CurrentProcessId()) + " starts at " +
+                  server.Address() + ", " + time.substr(0, time.find('\n')));
     if (closed != 0)
-        log.Write("folders put right: " + std::to_string(closed) + " closed that others could write to\n");
+        log.WriteLine("folders put right: " + std::to_string(closed) + " closed that others could write to");
     if (survey.removed != 0)
-        log.Write("vault put right: " + std::to_string(survey.removed) +
-                  " removed that interrupted commands left\n");
+        log.WriteLine("vault put right: " + std::to_string(survey.removed) +
+                      " removed that interrupted commands left");
     if (!survey.missing.empty())
-        log.Write(std::to_string(survey.missing.size()) +
-                  " files are gone from the vault; \"Pellwick doctor\" names them\n");
+        log.WriteLine(std::to_string(survey.missing.size()) +
+                      " files are gone from the vault; \"Pellwick doctor\" names them");
     if (!survey.unknown.empty())
-        log.Write(std::to_string(survey.unknown.size()) +
-                  " files of the vault stand in no record, and are taken back as fonts\n");
+        log.WriteLine(std::to_string(survey.unknown.size()) +
+                      " files of the vault stand in no record, and are taken back as fonts");
     if (repairs.added != 0 || repairs.removed != 0 || !repairs.missing.empty())
-        log.Write("active fonts put right: " + std::to_string(repairs.added) + " added, " +
-                  std::to_string(repairs.removed) + " removed, " + std::to_string(repairs.missing.size()) +
-                  " missing in the vault\n");
+        log.WriteLine("active fonts put right: " + std::to_string(repairs.added) + " added, " +
+                      std::to_string(repairs.removed) + " removed, " +
+                      std::to_string(repairs.missing.size()) + " missing in the vault");
     if (!repairs.problem.empty())
-        log.Write("active fonts not put right yet: " + repairs.problem + "\n");
+        log.WriteLine("active fonts not put right yet: " + repairs.problem);
 }
 
 /// `closed`: how many folders were open to others.
@@ -51,7 +51,7 @@ int Serve(const Locations& locations, const platform::FileLock& lock, int closed
     Server server(manager, log, lock);
     // First of all: whoever connects from here on waits for an answer, and does not start another agent.
     if (!server.Listen(problem)) {
-        log.Write(problem + "\n");
+        log.WriteLine(problem);
         return 1;
     }
     manager.EndLeasesOfEarlierEra();
@@ -63,7 +63,7 @@ int Serve(const Locations& locations, const platform::FileLock& lock, int closed
     platform::NotifyReadyForInput();
     server.TakeBackFonts(survey.unknown);
     server.Run();
-    log.Write("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends\n");
+    log.WriteLine("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends");
     return 0;
 }
 
@@ -128,7 +128,7 @@ void StandIn() {
     std::this_thread::sleep_for(kStandInTime);
 }
 
-/// What to do about a database depends on whether it is the database or its disk that is at fault.
+/// The advice depends on whether the database or its disk is at fault.
 std::string DatabaseProblem(const Locations& locations, const DatabaseError& error) {
     switch (error.Code()) {
         case GSqliteDatabase::kDatabaseFull:
@@ -161,11 +161,11 @@ int RunAgent(const Locations& locations, std::string& problem) {
         return Serve(locations, lock, closed, log, problem);
     } catch (const DatabaseError& error) {
         problem = DatabaseProblem(locations, error);
-        log.Write(problem + "\n");
+        log.WriteLine(problem);
         return 1;
     } catch (const std::exception& error) {
         problem = std::string("the agent cannot go on: ") + error.what();
-        log.Write(problem + "\n");
+        log.WriteLine(problem);
         return 1;
     }
 }

@@ -27,9 +27,9 @@ void AgentAddress::Check() {
     const bool isGone = !mAcceptor->IsInPlace();
     const bool isFound = isGone ? Listen(problem) : IsWrittenDown() || WriteDown(problem);
     if (isGone && isFound)
-        mLog.Write("the address was gone; the agent listens at " + mText + " now\n");
+        mLog.WriteLine("the address was gone; the agent listens at " + mText + " now");
     if (!isFound && problem != mProblem)
-        mLog.Write(problem + "\n");
+        mLog.WriteLine(problem);
     mProblem = problem;
 }
 
@@ -37,7 +37,7 @@ bool AgentAddress::ListenAt(const std::string& address) {
     auto acceptor = std::make_unique<platform::LocalAcceptor>(mLoop, mHandler);
     if (const platform::SystemError error = acceptor->Listen(address)) {
         if (mProblem.empty())
-            mLog.Write("cannot listen at " + address + ": " + platform::SystemErrorText(error) + "\n");
+            mLog.WriteLine("cannot listen at " + address + ": " + platform::SystemErrorText(error));
         return false;
     }
     if (mAcceptor)

@@ -13,8 +13,8 @@
 
 namespace pellwick {
 
-/// A listener, and the file that says where it listens. What others take away of the two is put right by
-/// Check; what is taken away at the end is this agent's own, never a successor's.
+/// A listener, and the file that says where it listens. Check restores either when others remove it. The
+/// destructor removes this agent's own, never a successor's.
 class AgentAddress {
 public:
     /// `handler` gets each connection.
@@ -31,9 +31,9 @@ public:
     /// Listens again where the listener is gone, and writes the address down again where the file is. A
     /// problem that lasts leaves one line in the log.
     void Check();
-    /// Takes those who wait to be connected now, without the loop.
+    /// Accepts waiting connections now, without the loop.
     void AdmitWaiting() { mAcceptor->AdmitWaiting(); }
-    /// No connection is taken any more.
+    /// Stops accepting connections.
     void Close() { mAcceptor->Close(); }
 
 private:

@@ -3,8 +3,9 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "agent/NamedRecords.h"
+#include "agent/Requests.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -27,16 +28,7 @@ Json ConflictsOf(CommandContext& context, const std::vector<Font>& fonts) {
     return conflicts;
 }
 
-std::vector<Font> KnownFonts(CommandContext& context, const Json& arguments) {
-    std::vector<Font> fonts;
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
-        if (auto font = context.manager.fonts.Find(id))
-            fonts.push_back(std::move(*font));
-    }
-    return fonts;
-}
-
-/// Which of the fonts this client now holds for that purpose.
+/// The fonts that this client now holds for that purpose.
 std::set<uint32_t> LeaseAll(CommandContext& context, const std::vector<Font>& fonts, LeasePurpose purpose) {
     std::set<uint32_t> leased;
     Activation activation = context.manager.BeginActivation();
@@ -70,19 +62,21 @@ std::vector<Font> BestOfEachName(const std::vector<Font>& fonts) {
     return best;
 }
 
-Json GetFontConflicts(CommandContext& context, const Json& arguments) {
-    return {{"conflicts", ConflictsOf(context, KnownFonts(context, arguments))}};
+}  // namespace
+
+Json commands::GetFontConflicts(CommandContext& context, const Json& arguments) {
+    return {{member::kConflicts, ConflictsOf(context, KnownFonts(context, arguments))}};
 }
 
-Json EnableDesignActivation(CommandContext& context, const Json& arguments) {
+Json commands::EnableDesignActivation(CommandContext& context, const Json& arguments) {
     const Font font = FindFont(context, arguments);
     std::vector<Font> family;  // but for further versions of the font itself
-    if (BoolMember(arguments, "wholeFamily"))
+    if (BoolMember(arguments, member::kWholeFamily))
         family = RestOfFamily(context.manager.fonts, font);
-    if (!BoolMember(arguments, "enable")) {
+    if (!BoolMember(arguments, member::kEnable)) {
         family.push_back(font);
         ReleaseAll(context, family, LeasePurpose::kDesign);
-        return {{"conflicts", Json::array()}};
+        return {{member::kConflicts, Json::array()}};
     }
     RequireLogIn(context);
     std::vector<Font> fonts = BestOfEachName(family);
@@ -91,27 +85,20 @@ Json EnableDesignActivation(CommandContext& context, const Json& arguments) {
     if (LeaseAll(context, fonts, LeasePurpose::kDesign).count(font.id) == 0)
         throw CommandError(error_codes::GZephyrinAssetManager::kFontMissing,
                            "the file of \"" + font.postScriptName + "\" is gone; add it again");
-    return {{"conflicts", std::move(conflicts)}};
+    return {{member::kConflicts, std::move(conflicts)}};
 }
 
-Json PreviewActivateFonts(CommandContext& context, const Json& arguments) {
+Json commands::PreviewActivateFonts(CommandContext& context, const Json& arguments) {
     const std::vector<Font> fonts = KnownFonts(context, arguments);
-    if (!BoolMember(arguments, "activate")) {
+    if (!BoolMember(arguments, member::kActivate)) {
         ReleaseAll(context, fonts, LeasePurpose::kPreview);
         return Json::object();
     }
     RequireLogIn(context);
-    if (LeaseAll(context, fonts, LeasePurpose::kPreview).empty() && !ArrayMember(arguments, "fonts").empty())
+    if (LeaseAll(context, fonts, LeasePurpose::kPreview).empty() &&
+        !ArrayMember(arguments, member::kFonts).empty())
         throw CommandError(CoreErrorCodes::kNotFound, "there is no file of any of these fonts");
     return Json::object();
-}
-
-}  // namespace
-
-void AddDesignCommands(CommandTable& table) {
-    table[method::kGetFontConflicts] = GetFontConflicts;
-    table[method::kEnableDesignActivation] = EnableDesignActivation;
-    table[method::kPreviewActivateFonts] = PreviewActivateFonts;
 }
 
 }  // namespace pellwick

@@ -4,23 +4,55 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/NamedRecords.h"
+#include "agent/Requests.h"
+#include "agent/SmartListCommands.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/FontTable.h"
 
 namespace pellwick {
 namespace {
 
+/// The next of all fonts, or of those in the set or the smart list that the request gives.
+std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
+    FontStore& store = context.manager.fonts;
+    const uint32_t after = PageStart(arguments);
+    if (arguments.contains(member::kSet))
+        return store.ListInSet(IDOf(IntegerMember(arguments, member::kSet)), after, kListPageSize);
+    if (arguments.contains(member::kSmartList))
+        return store.ListFrom(SourcesOfSmartList(context, IntegerMember(arguments, member::kSmartList)),
+                              after, kListPageSize);
+    return store.List(after, kListPageSize);
+}
+
+/// `visible`: what the system offers to programs; null when nobody asked for it.
+Json Page(CommandContext& context, const Json& arguments, const platform::VisibleFonts* visible) {
+    Json records = Json::array();
+    for (const Font& font : NextPage(context, arguments)) {
+        Json record = FontRecord(context.manager, font);
+        record[member::kStyle] = font.style;
+        record[member::kFullName] = font.fullName;
+        if (visible != nullptr)
+            record[member::kVisible] =
+                IsActive(font) &&
+                visible->Offers(context.manager.activeFonts->PathOf(font.file), font.postScriptName);
+        records.push_back(std::move(record));
+    }
+    return {{member::kFonts, std::move(records)}};
+}
+
+}  // namespace
+
 /// The next of the fonts to remove, each with all faces of its file. One answer holds only so many: the IDs
 /// that are left come back for another request.
-Json RemoveFonts(CommandContext& context, const Json& arguments) {
+Json commands::RemoveFonts(CommandContext& context, const Json& arguments) {
     FontManager& manager = context.manager;
     Json removed = Json::array();
     std::vector<FontFile> files;
     Activation activation = manager.BeginActivation(Durability::kPowerLoss);
-    std::vector<uint32_t> left = FontIDsOf(ArrayMember(arguments, "fonts"));
+    std::vector<uint32_t> left = FontIDsOf(ArrayMember(arguments, member::kFonts));
     std::reverse(left.begin(), left.end());
     for (; !left.empty() && removed.size() < kListPageSize; left.pop_back()) {
         context.audience.KeepAlive();
@@ -38,39 +70,12 @@ Json RemoveFonts(CommandContext& context, const Json& arguments) {
         (void)manager.vault.Remove(file);
     AnnounceChanges(context.audience, changes);
     context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{"removed", std::move(removed)}, {"left", std::vector<uint32_t>(left.rbegin(), left.rend())}};
+    return {{member::kRemoved, std::move(removed)},
+            {member::kLeft, std::vector<uint32_t>(left.rbegin(), left.rend())}};
 }
 
-/// The next of all fonts, or of those in the set or the smart list that the request gives.
-std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
-    FontStore& store = context.manager.fonts;
-    const uint32_t after = PageStart(arguments);
-    if (arguments.contains("set"))
-        return store.ListInSet(IDOf(IntegerMember(arguments, "set")), after, kListPageSize);
-    if (arguments.contains("smartList"))
-        return store.ListFrom(SourcesOfSmartList(context, IntegerMember(arguments, "smartList")), after,
-                              kListPageSize);
-    return store.List(after, kListPageSize);
-}
-
-/// `visible`: what the system offers to programs; null when nobody asked for it.
-Json Page(CommandContext& context, const Json& arguments, const platform::VisibleFonts* visible) {
-    Json records = Json::array();
-    for (const Font& font : NextPage(context, arguments)) {
-        Json record = FontRecord(context.manager, font);
-        record[kStyleMember] = font.style;
-        record[kFullNameMember] = font.fullName;
-        if (visible != nullptr)
-            record[kVisibleMember] =
-                IsActive(font) &&
-                visible->Offers(context.manager.activeFonts->PathOf(font.file), font.postScriptName);
-        records.push_back(std::move(record));
-    }
-    return {{"fonts", std::move(records)}};
-}
-
-Json ListFonts(CommandContext& context, const Json& arguments) {
-    if (!BoolMember(arguments, kVisibleMember))
+Json commands::ListFonts(CommandContext& context, const Json& arguments) {
+    if (!BoolMember(arguments, member::kVisible))
         return Page(context, arguments, nullptr);
     // The system may take long to say: it looks at all its fonts.
     return context.Defer(Deferral::LaneName::kFiles, [arguments](FontWorker&) {
@@ -78,14 +83,6 @@ Json ListFonts(CommandContext& context, const Json& arguments) {
             std::make_shared<platform::VisibleFonts>(platform::Current<platform::FontTable>().Visible());
         return [=](CommandContext& later) { return Page(later, arguments, visible.get()); };
     });
-}
-
-}  // namespace
-
-void AddFontCommands(CommandTable& table) {
-    table[method::kAddFile] = AddFile;
-    table[method::kRemoveFonts] = RemoveFonts;
-    table[method::kListFonts] = ListFonts;
 }
 
 }  // namespace pellwick

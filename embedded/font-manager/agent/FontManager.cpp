@@ -8,8 +8,8 @@
 namespace pellwick {
 namespace {
 
-/// Only the death of a process is its end: that of one that cannot be looked at, since no descriptor is free,
-/// say, would take a living host's fonts.
+/// False only for a process that is certainly dead. One that cannot be examined, for example because no
+/// descriptor is free, may be a living host whose fonts must stay.
 bool MayBeAlive(const HostProcess& host) {
     return platform::StateOfProcess(host.process, host.startTime) != platform::ProcessState::kGone;
 }
@@ -52,7 +52,7 @@ FontVault::Survey FontManager::LookAroundVault() {
             fonts.ForgetRemovedFile(checksum);
     }
     transaction.Commit();
-    // What is added from now on is not to be removed once more by a database that has lost its log.
+    // Otherwise a database that loses its log would remove fonts again that are added from now on.
     (void)database.WriteBackLog();
     return survey;
 }

@@ -33,14 +33,14 @@ public:
     /// Looks at what the vault holds: removes what interrupted commands left there, and notes which files are
     /// gone or there again. What no record knows stays, for who takes it back.
     FontVault::Survey LookAroundVault();
-    /// Makes what programs see agree with the records.
+    /// Makes the fonts that programs see match the records.
     ActiveFonts::Repairs RepairActiveFonts();
     /// Whether that failed the last time, so that it is to be tried again.
     bool NeedsRepair() const { return mNeedsRepair; }
     /// Ends the leases of processes that are gone, and forgets what they were answered.
     ActivationChanges EndLeasesOfDeadProcesses();
-    /// Does so with all of them, if the system was started anew since this was called last: by now their
-    /// identifiers may be those of others. To be called before any host is served.
+    /// Ends all leases if the system was restarted since the last call: by now other processes may have
+    /// these identifiers. To be called before any host is served.
     ActivationChanges EndLeasesOfEarlierEra();
     /// Ends the leases that the host's requests from `first` to `last` took.
     ActivationChanges UndoRequests(const HostProcess& host, long long first, long long last);

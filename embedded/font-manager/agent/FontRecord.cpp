@@ -54,7 +54,7 @@ RequestedFont RequestedFontOf(const Json& record) {
     }
     request.postScriptName = StringMember(record, kGS_PostScriptNameKey);
     request.family = StringMember(record, kGS_FamilyKey);
-    request.style = StringMember(record, kStyleMember);
+    request.style = StringMember(record, member::kStyle);
     request.foundry = StringMember(record, kGS_FoundryKey);
     request.kind = GFontManagerConstants::FontKindFromRecord(StringMember(record, kGS_FontKindKey));
     return request;

@@ -9,9 +9,6 @@
 
 namespace pellwick {
 
-/// A member that requests may have beside those of FontRecordKeys.h.
-inline constexpr char kStyleMember[] = "Style";
-
 Json FontRecord(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);
@@ -22,7 +19,7 @@ bool IsActive(const Font& font);
 /// What a request's font record, or a bare name in its place, asks for.
 RequestedFont RequestedFontOf(const Json& record);
 
-/// A number as a font's ID; 0, which is none, where it is too large for one.
+/// A number as a font's ID; 0, which no font has, when it is out of range.
 uint32_t FontIDOf(long long number);
 
 /// The numbers of an array of database IDs or of font records.

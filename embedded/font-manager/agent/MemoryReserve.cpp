@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick::memory_reserve {
 namespace {

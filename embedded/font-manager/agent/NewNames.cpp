@@ -4,8 +4,8 @@
 
 #include "PrintableText.h"
 #include "StringConversion.h"
-#include "agent/Commands.h"
-#include "common/Limits.h"
+#include "agent/CommandContext.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 

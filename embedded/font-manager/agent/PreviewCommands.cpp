@@ -3,9 +3,9 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -20,7 +20,7 @@ struct WantedPreview {
 
 std::vector<WantedPreview> WantedPreviews(CommandContext& context, const Json& arguments) {
     std::vector<WantedPreview> wanted;
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, "fonts"))) {
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
         if (auto font = context.manager.fonts.Find(id)) {
             const Preview preview = context.manager.previews.PathsOf(*font);
             const bool isThere = PreviewFolder::IsThere(preview);
@@ -57,7 +57,7 @@ Json Report(CommandContext& context, const std::vector<WantedPreview>& wanted) {
     Activation activation = context.manager.BeginActivation();
     for (const WantedPreview& each : wanted) {
         if (each.isThere)
-            previews.push_back({{kPreviewFontMember, each.font.id},
+            previews.push_back({{member::kFont, each.font.id},
                                 {kGS_PNGFilenameKey, each.preview.path},
                                 {kGS_2xPNGFilenameKey, each.preview.doublePath}});
         else if (each.isUndrawable)
@@ -69,10 +69,12 @@ Json Report(CommandContext& context, const std::vector<WantedPreview>& wanted) {
     AnnounceChanges(context.audience, activation.Commit());
     if (!previews.empty())
         context.audience.Announce(kPluginCallback_PreviewPNGsRendered, previews);
-    return {{"previews", std::move(previews)}};
+    return {{member::kPreviews, std::move(previews)}};
 }
 
-Json RenderPreviews(CommandContext& context, const Json& arguments) {
+}  // namespace
+
+Json commands::RenderPreviews(CommandContext& context, const Json& arguments) {
     std::vector<WantedPreview> wanted = WantedPreviews(context, arguments);
     bool isAnyToDraw = false;
     for (WantedPreview& each : wanted) {
@@ -87,12 +89,6 @@ Json RenderPreviews(CommandContext& context, const Json& arguments) {
         DrawAll(vault, drawn, worker);
         return [drawn](CommandContext& later) { return Report(later, drawn); };
     });
-}
-
-}  // namespace
-
-void AddPreviewCommands(CommandTable& table) {
-    table[method::kRenderPreviews] = RenderPreviews;
 }
 
 }  // namespace pellwick

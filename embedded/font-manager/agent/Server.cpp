@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "PrintableText.h"
-#include "common/Limits.h"
+#include "agent/VaultCommands.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Memory.h"
@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds kAdmissionPause{100};
 /// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
 /// same again, which undoes by itself what it did the first time.
 bool MayRepeatActivation(const Json& request) {
-    const std::string method = StringMember(request, "method");
+    const std::string method = StringMember(request, member::kMethod);
     return method == method::kHello || method == method::kGetStatus || method == method::kActivateFonts ||
            method == method::kActivateDocumentFonts;
 }
@@ -48,7 +48,6 @@ Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& loc
     : mManager(manager),
       mLog(log),
       mLock(lock),
-      mCommands(MakeCommandTable()),
       mLoop(1),
       mGroundTimer(mLoop),
       mSweepTimer(mLoop),
@@ -78,8 +77,8 @@ void Server::Run() {
     }
 }
 
-/// False when it ran out of memory: whoever asked for too much has been let go of, and the others are served
-/// on.
+/// False when it ran out of memory. The client that asked for too much has been dropped; the others are
+/// still served.
 bool Server::GoOn() {
     try {
         mLoop.run();
@@ -93,7 +92,7 @@ bool Server::GoOn() {
 void Server::NoteLackOfMemory() noexcept {
     try {
         platform::ReleaseFreeMemory();
-        mLog.Write("out of memory; what was being done is given up\n");
+        mLog.WriteLine("out of memory; what was being done is given up");
     } catch (const std::bad_alloc&) {  // not even for that
     }
 }
@@ -107,20 +106,20 @@ void Server::WatchGround() {
     });
 }
 
-/// Puts right what others took away of what clients come by, or stops where nothing can be.
+/// Restores the address when others removed it, or stops when the lock is lost.
 void Server::CheckGround() {
     if (mLock.IsInPlace()) {
         mAddress.Check();
         WatchGround();
         return;
     }
-    mLog.Write("the agent ends: " + mManager.locations.lockPath +
-               " is gone or another file, so that another agent may serve\n");
+    mLog.WriteLine("the agent ends: " + mManager.locations.lockPath +
+                   " is gone or another file, so that another agent may serve");
     Stop();
 }
 
-/// Nobody could tell when the leases of a process end that cannot be looked at. It may be that no descriptor
-/// is free for that; a client waits for its answer, and by then there may be one.
+/// A client whose process cannot be examined is not admitted: nobody could tell when its leases end. Perhaps
+/// no descriptor is free just now, so this is tried again for as long as the client waits.
 void Server::Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline) {
     platform::PeerIdentity peer;
     if (stream->IdentifyPeer(peer) || !peer.isSameUser)
@@ -143,24 +142,24 @@ void Server::AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, De
 
 void Server::Open(platform::LocalStream stream, const HostProcess& process) {
     SessionOwner& owner = *this;
-    const auto session = std::make_shared<Session>(mLoop, std::move(stream), owner, process);
+    const auto session = std::make_shared<ClientSession>(mLoop, std::move(stream), owner, process);
     mSessions.insert(session);
     session->Start();
 }
 
-void Server::OnRequest(const std::shared_ptr<Session>& session, const Json& request) {
+void Server::OnRequest(const std::shared_ptr<ClientSession>& session, const Json& request) {
     mLastSignOfLife = std::chrono::steady_clock::now();
     if (!MayRepeatActivation(request))
         UndoWhatWasNotTaken(session->Peer());
-    Proceed({StringMember(request, "method"), IntegerMember(request, "id"), session},
-            [&](CommandContext& context) { return BeginRequest(mCommands, context, request); });
+    Proceed({StringMember(request, member::kMethod), IntegerMember(request, member::kID), session},
+            [&](CommandContext& context) { return BeginRequest(context, request); });
     if (mSweepDelay.count() == 0)
         SweepLeasesIn(kLongestSweepDelay);
 }
 
 template <class Step>
 void Server::Proceed(PendingCommand command, const Step& step) {
-    CommandContext context{mManager, ClientOf(command), *this, command.request};
+    CommandContext context{mManager, ClientOf(command), *this, command.request, FindMethod(command.method)};
     const std::optional<CommandAnswer> answer = step(context);
     if (answer)
         Finish(command, *answer);
@@ -220,7 +219,7 @@ void Server::KeepPendingAlive() {
     mPendingTimer.async_wait([this](const asio::error_code& failure) {
         if (failure || mPending.empty())
             return;
-        const std::string frame = FrameOf({{"working", true}});
+        const std::string frame = FrameOf({{member::kWorking, true}});
         for (const auto& [number, command] : mPending) {
             if (command.session)
                 command.session->Send(frame);
@@ -249,13 +248,12 @@ void Server::CheckVaultLater() {
     });
 }
 
-/// Names that others chose make no lines of their own.
 void Server::Note(const std::string& text) {
-    mLog.Write(PrintableText(text) + "\n");
+    mLog.WriteLine(text);
 }
 
 void Server::Announce(int32_t type, const Json& data) {
-    const std::string frame = FrameOf({{"notification", type}, {"data", data}});
+    const std::string frame = FrameOf({{member::kNotification, type}, {member::kData, data}});
     const auto sessions = mSessions;  // one that is closed for not reading leaves the set
     for (const auto& session : sessions) {
         if (session->Peer().isSubscribed)
@@ -269,7 +267,7 @@ void Server::KeepAlive() {
         return;
     mLastSignOfLife = now;
     mAddress.AdmitWaiting();  // they are to see signs of life as well
-    const std::string frame = FrameOf({{"working", true}});
+    const std::string frame = FrameOf({{member::kWorking, true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
         session->Send(frame);
@@ -290,7 +288,7 @@ bool Server::UndoRequests(const HostProcess& host, long long first, long long la
         AnnounceChanges(*this, mManager.UndoRequests(host, first, last));
         return true;
     } catch (const DatabaseError& error) {
-        mLog.Write(std::string("undoing an activation: ") + error.what() + "\n");
+        mLog.WriteLine(std::string("undoing an activation: ") + error.what());
         return false;
     }
 }
@@ -313,11 +311,10 @@ void Server::UndoLater() {
 }
 
 void Server::OnClientTooSlow(const Client& client) {
-    mLog.Write("dropped a client that does not read: process " + std::to_string(client.process.process) +
-               "\n");
+    mLog.WriteLine("dropped a client that does not read: process " + std::to_string(client.process.process));
 }
 
-void Server::OnClosed(const std::shared_ptr<Session>& session) {
+void Server::OnClosed(const std::shared_ptr<ClientSession>& session) {
     mSessions.erase(session);
     if (!mIsStopping)
         SweepLeasesIn(kFirstSweepDelay);
@@ -325,7 +322,7 @@ void Server::OnClosed(const std::shared_ptr<Session>& session) {
         mLoop.stop();
 }
 
-/// At the latest: clients that come and go without a pause do not put it off.
+/// At the latest then: clients that connect and leave without a pause do not postpone it.
 void Server::SweepLeasesIn(std::chrono::milliseconds delay) {
     const auto time = std::chrono::steady_clock::now() + delay;
     const bool isDueBefore = mSweepDelay.count() != 0 && mSweepTimer.expiry() <= time;
@@ -350,7 +347,7 @@ void Server::SweepLeases() {
         mSweepFailure.clear();
     } catch (const DatabaseError& error) {
         if (mSweepFailure != error.what())
-            mLog.Write(std::string("ending leases: ") + error.what() + "\n");
+            mLog.WriteLine(std::string("ending leases: ") + error.what());
         mSweepFailure = error.what();
     }
     if (isAnyLeft)
@@ -367,7 +364,7 @@ void Server::Stop() {
     mUndoTimer.cancel();
     mPendingTimer.cancel();
     mVaultTimer.cancel();
-    const std::string goodbye = FrameOf({{"goodbye", true}});
+    const std::string goodbye = FrameOf({{member::kGoodbye, true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)
         session->SendLast(goodbye);

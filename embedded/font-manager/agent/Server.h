@@ -11,8 +11,8 @@
 #include <string>
 
 #include "agent/AgentAddress.h"
-#include "agent/Commands.h"
-#include "agent/Session.h"
+#include "agent/ClientSession.h"
+#include "agent/Requests.h"
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
 #include "platform/Files.h"
@@ -32,7 +32,7 @@ public:
     /// done; `problem` then tells people.
     bool Listen(std::string& problem) { return mAddress.Listen(problem); }
     const std::string& Address() const { return mAddress.Text(); }
-    /// Takes files of the vault that no record knows into the library, beside everything else.
+    /// Adds files of the vault that no record knows to the library, while serving.
     void TakeBackFonts(std::vector<std::string> paths);
     /// Serves until the agent is told to stop.
     void Run();
@@ -46,10 +46,10 @@ private:
     void Note(const std::string& text) override;
     void RequestStop() override { mStopsAfterCommand = true; }
     // SessionOwner
-    void OnRequest(const std::shared_ptr<Session>& session, const Json& request) override;
+    void OnRequest(const std::shared_ptr<ClientSession>& session, const Json& request) override;
     void OnAnswerLost(const Client& client) override;
     void OnClientTooSlow(const Client& client) override;
-    void OnClosed(const std::shared_ptr<Session>& session) override;
+    void OnClosed(const std::shared_ptr<ClientSession>& session) override;
 
     void WatchGround();
     void CheckGround();
@@ -60,7 +60,7 @@ private:
     struct PendingCommand {
         std::string method;
         long long request = 0;
-        std::shared_ptr<Session> session{};
+        std::shared_ptr<ClientSession> session{};
     };
 
     Client& ClientOf(const PendingCommand& command) {
@@ -70,7 +70,7 @@ private:
     template <class Step>
     void Proceed(PendingCommand command, const Step& step);
     void Defer(PendingCommand command, Deferral deferral);
-    /// With the pending command of that number.
+    /// Continues the pending command of that number.
     void GoOnWith(uint64_t number, const Continuation& rest);
     void Finish(const PendingCommand& command, const CommandAnswer& answer);
     /// Tells those who wait for a lane that the agent is alive.
@@ -91,14 +91,13 @@ private:
     FontManager& mManager;
     LogFile& mLog;
     const platform::FileLock& mLock;
-    const CommandTable mCommands;
     asio::io_context mLoop;
     std::optional<platform::EndRequests> mEndRequests;
     asio::steady_timer mGroundTimer;
     asio::steady_timer mSweepTimer;
     asio::steady_timer mUndoTimer;
     asio::steady_timer mGoodbyeTimer;
-    std::set<std::shared_ptr<Session>> mSessions;
+    std::set<std::shared_ptr<ClientSession>> mSessions;
     std::map<uint64_t, PendingCommand> mPending;  ///< by a number of their own
     uint64_t mLastPending = 0;
     Client mOwnClient;
@@ -109,7 +108,7 @@ private:
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;
     bool mIsStopping = false;
-    // Their threads hand over to the loop.
+    // Their threads post to the loop.
     Lane mFileLane;
     Lane mPreviewLane;
     AgentAddress mAddress;  ///< goes first, so that nobody is sent to an agent that ends

@@ -4,73 +4,71 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/NewNames.h"
+#include "agent/Requests.h"
 #include "common/Protocol.h"
 #include "platform/Processes.h"
 
 namespace pellwick {
-namespace {
+constexpr int kNoServer = 0;  ///< the server type of a log-in on this machine alone
 
-constexpr int kNoServer = 0;  ///< the "serverType" of a log-in on this machine alone
-
-Json Hello(CommandContext& context, const Json& arguments) {
-    const long long version = IntegerMember(arguments, "protocol");
+Json commands::Hello(CommandContext& context, const Json& arguments) {
+    const long long version = IntegerMember(arguments, member::kProtocol);
     if (version != kProtocolVersion)
         throw CommandError(CoreErrorCodes::kVersionMismatch,
                            "the running agent is of another version; stop it with \"Pellwick stop\"");
-    if (arguments.contains("taken")) {
+    if (arguments.contains(member::kTaken)) {
         context.client.isHost = true;
         // There is always a next one.
         context.client.lastTaken =
-            std::min(IntegerMember(arguments, "taken"), std::numeric_limits<long long>::max() - 1);
+            std::min(IntegerMember(arguments, member::kTaken), std::numeric_limits<long long>::max() - 1);
     }
-    return {{"protocol", kProtocolVersion}, {"process", platform::CurrentProcessId()}};
+    return Json::object();
 }
 
-Json Subscribe(CommandContext& context, const Json&) {
+Json commands::Subscribe(CommandContext& context, const Json&) {
     context.client.isSubscribed = true;
     return Json::object();
 }
 
-Json GetStatus(CommandContext& context, const Json&) {
+Json commands::GetStatus(CommandContext& context, const Json&) {
     FontManager& manager = context.manager;
-    return {{"process", platform::CurrentProcessId()},
-            {"fonts", manager.fonts.Count()},
-            {"activeFiles", manager.fonts.CountActiveFiles()},
-            {"hosts", manager.activations.Hosts().size()},
-            {"loggedIn", manager.settings.IsLoggedIn()},
-            {"userName", manager.settings.UserName()},
-            {"standalone", manager.settings.IsStandalone()},
-            {"googleWebFonts", manager.settings.AreGoogleWebFontsEnabled()},
-            {"schemaVersion", kSchemaVersion},
-            {"workgroup", manager.CurrentWorkgroup().name},
-            {"defaultWorkgroup", manager.DefaultWorkgroup().name},
-            {"vault", manager.vault.Folder()},
-            {"dataFolder", manager.locations.dataFolder},
-            {"previewFolder", manager.previews.Folder()},
-            {"linkFolder", manager.activeFonts->Folder()}};
+    return {{member::kProcess, platform::CurrentProcessId()},
+            {member::kFonts, manager.fonts.Count()},
+            {member::kActiveFiles, manager.fonts.CountActiveFiles()},
+            {member::kHosts, manager.activations.Hosts().size()},
+            {member::kLoggedIn, manager.settings.IsLoggedIn()},
+            {member::kUserName, manager.settings.UserName()},
+            {member::kStandalone, manager.settings.IsStandalone()},
+            {member::kGoogleWebFonts, manager.settings.AreGoogleWebFontsEnabled()},
+            {member::kSchemaVersion, kSchemaVersion},
+            {member::kWorkgroup, manager.CurrentWorkgroup().name},
+            {member::kDefaultWorkgroup, manager.DefaultWorkgroup().name},
+            {member::kVault, manager.vault.Folder()},
+            {member::kDataFolder, manager.locations.dataFolder},
+            {member::kPreviewFolder, manager.previews.Folder()},
+            {member::kLinkFolder, manager.activeFonts->Folder()}};
 }
 
-Json Stop(CommandContext& context, const Json&) {
+Json commands::Stop(CommandContext& context, const Json&) {
     context.audience.RequestStop();
-    return {{"process", platform::CurrentProcessId()}};
+    return {{member::kProcess, platform::CurrentProcessId()}};
 }
 
-Json LogIn(CommandContext& context, const Json& arguments) {
-    context.manager.settings.LogIn(NewName(arguments, "name", "the name to log in with"));
-    context.audience.Announce(kPluginCallback_LoggedIn, {{"serverType", kNoServer}});
+Json commands::LogIn(CommandContext& context, const Json& arguments) {
+    context.manager.settings.LogIn(NewName(arguments, member::kName, "the name to log in with"));
+    context.audience.Announce(kPluginCallback_LoggedIn, {{member::kServerType, kNoServer}});
     return Json::object();
 }
 
-Json LogOut(CommandContext& context, const Json&) {
+Json commands::LogOut(CommandContext& context, const Json&) {
     context.manager.settings.LogOut();
     context.audience.Announce(kPluginCallback_LoggedOut, nullptr);
     return Json::object();
 }
 
-Json SetStandalone(CommandContext& context, const Json& arguments) {
-    const bool isStandalone = BoolMember(arguments, "on");
+Json commands::SetStandalone(CommandContext& context, const Json& arguments) {
+    const bool isStandalone = BoolMember(arguments, member::kOn);
     if (context.manager.settings.IsStandalone() == isStandalone)
         return Json::object();
     context.manager.settings.SetStandalone(isStandalone);
@@ -79,24 +77,11 @@ Json SetStandalone(CommandContext& context, const Json& arguments) {
     return Json::object();
 }
 
-Json SetGoogleWebFonts(CommandContext& context, const Json& arguments) {
-    const bool isEnabled = BoolMember(arguments, "on");
+Json commands::SetGoogleWebFonts(CommandContext& context, const Json& arguments) {
+    const bool isEnabled = BoolMember(arguments, member::kOn);
     context.manager.settings.EnableGoogleWebFonts(isEnabled);
     context.audience.Announce(kPluginCallback_GoogleWebFontsEnabled, isEnabled);
     return Json::object();
-}
-
-}  // namespace
-
-void AddSessionCommands(CommandTable& table) {
-    table[method::kHello] = Hello;
-    table[method::kSubscribe] = Subscribe;
-    table[method::kGetStatus] = GetStatus;
-    table[method::kStop] = Stop;
-    table[method::kLogIn] = LogIn;
-    table[method::kLogOut] = LogOut;
-    table[method::kSetStandalone] = SetStandalone;
-    table[method::kSetGoogleWebFonts] = SetGoogleWebFonts;
 }
 
 }  // namespace pellwick

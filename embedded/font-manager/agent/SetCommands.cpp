@@ -3,26 +3,27 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "agent/NamedRecords.h"
 #include "agent/NewNames.h"
+#include "agent/Requests.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
 namespace {
 
 Json SetRecord(const FontSet& set) {
-    return {{kSetIDMember, set.id},
-            {kSetNameMember, set.name},
+    return {{member::kID, set.id},
+            {member::kName, set.name},
             {kGS_WorkgroupIDKey, set.workgroupID},
             {kGS_WorkgroupNameKey, set.workgroupName},
-            {kFontCountMember, set.fontCount}};
+            {member::kFontCount, set.fontCount}};
 }
 
 /// Leaves out sets of other workgroups, when the request names one.
 std::vector<FontSet> InNamedWorkgroup(CommandContext& context, std::vector<FontSet> sets,
                                       const Json& arguments) {
-    const std::string name = StringMember(arguments, "workgroup");
+    const std::string name = StringMember(arguments, member::kWorkgroup);
     if (name.empty())
         return sets;
     const int32_t id = FindWorkgroup(context, name).id;
@@ -32,27 +33,8 @@ std::vector<FontSet> InNamedWorkgroup(CommandContext& context, std::vector<FontS
     return sets;
 }
 
-Json ListSets(CommandContext& context, const Json& arguments) {
-    Json records = Json::array();
-    for (const FontSet& set : InNamedWorkgroup(context, context.manager.sets.List(), arguments))
-        records.push_back(SetRecord(set));
-    return {{"sets", std::move(records)}};
-}
-
-Json FindSet(CommandContext& context, const Json& arguments) {
-    const std::string name = StringMember(arguments, "name");
-    const auto sets = InNamedWorkgroup(context, context.manager.sets.FindByName(name), arguments);
-    if (sets.empty())
-        throw CommandError(GZephyrinSetManager::kSetNotFound,
-                           "there is no set \"" + name + "\" there; see \"Pellwick set list\"");
-    if (sets.size() > 1)
-        throw CommandError(CoreErrorCodes::kInvalidParam,
-                           "several workgroups have a set \"" + name + "\"; choose one with --workgroup");
-    return SetRecord(sets.front());
-}
-
 Workgroup WorkgroupByID(CommandContext& context, long long id) {
-    if (id == kAllWorkgroupsID)
+    if (id == kWorkgroupID_All)
         throw CommandError(GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup,
                            "a set is made in one workgroup, not in all of them together; choose one");
     const auto workgroup = context.manager.workgroups.FindByID(IDOf(id));
@@ -64,9 +46,9 @@ Workgroup WorkgroupByID(CommandContext& context, long long id) {
 
 /// Where a request wants a new set: in a workgroup that it gives by ID or by name, or where new fonts go.
 Workgroup WorkgroupForNewSet(CommandContext& context, const Json& arguments) {
-    const std::string name = StringMember(arguments, "workgroup");
-    Workgroup workgroup = arguments.contains("workgroupID")
-                              ? WorkgroupByID(context, IntegerMember(arguments, "workgroupID"))
+    const std::string name = StringMember(arguments, member::kWorkgroup);
+    Workgroup workgroup = arguments.contains(member::kWorkgroupID)
+                              ? WorkgroupByID(context, IntegerMember(arguments, member::kWorkgroupID))
                           : name.empty() ? context.manager.CurrentWorkgroup()
                                          : FindWorkgroup(context, name);
     if (workgroup.type == kWorkgroupType_System)
@@ -84,34 +66,12 @@ void RefuseTakenName(CommandContext& context, const Workgroup& workgroup, const 
     }
 }
 
-Json CreateSet(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
-    const std::string name = NewName(arguments, "name", "the set's name");
-    Transaction transaction(context.manager.database);
-    const Workgroup workgroup = WorkgroupForNewSet(context, arguments);
-    RefuseTakenName(context, workgroup, name);
-    const int32_t id = context.manager.sets.Create(workgroup.id, name);
-    Json record = SetRecord({id, name, workgroup.id, workgroup.name, 0});
-    context.KeepAnswer(record);
-    transaction.Commit();
-    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return record;
-}
-
 FontSet RequiredSet(CommandContext& context, const Json& id) {
     const auto set = context.manager.sets.Find(id.is_number_integer() ? IDOf(id.get<long long>()) : 0);
     if (!set)
         throw CommandError(GZephyrinSetManager::kSetNotFound,
                            "there is no such set any more; see \"Pellwick set list\"");
     return *set;
-}
-
-Json DeleteSet(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
-    const FontSet set = RequiredSet(context, IntegerMember(arguments, "set"));
-    context.manager.sets.Delete(set.id);
-    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return SetRecord(set);
 }
 
 std::vector<uint32_t> RequiredFonts(CommandContext& context, const Json& fonts) {
@@ -127,35 +87,68 @@ std::vector<uint32_t> RequiredFonts(CommandContext& context, const Json& fonts) 
     return ids;
 }
 
+}  // namespace
+
+Json commands::ListSets(CommandContext& context, const Json& arguments) {
+    Json records = Json::array();
+    for (const FontSet& set : InNamedWorkgroup(context, context.manager.sets.List(), arguments))
+        records.push_back(SetRecord(set));
+    return {{member::kSets, std::move(records)}};
+}
+
+Json commands::FindSet(CommandContext& context, const Json& arguments) {
+    const std::string name = StringMember(arguments, member::kName);
+    const auto sets = InNamedWorkgroup(context, context.manager.sets.FindByName(name), arguments);
+    if (sets.empty())
+        throw CommandError(GZephyrinSetManager::kSetNotFound,
+                           "there is no set \"" + name + "\" there; see \"Pellwick set list\"");
+    if (sets.size() > 1)
+        throw CommandError(CoreErrorCodes::kInvalidParam,
+                           "several workgroups have a set \"" + name + "\"; choose one with --workgroup");
+    return SetRecord(sets.front());
+}
+
+Json commands::CreateSet(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    const std::string name = NewName(arguments, member::kName, "the set's name");
+    Transaction transaction(context.manager.database);
+    const Workgroup workgroup = WorkgroupForNewSet(context, arguments);
+    RefuseTakenName(context, workgroup, name);
+    const int32_t id = context.manager.sets.Create(workgroup.id, name);
+    Json record = SetRecord({id, name, workgroup.id, workgroup.name, 0});
+    context.KeepAnswer(record);
+    transaction.Commit();
+    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    return record;
+}
+
+Json commands::DeleteSet(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    const FontSet set = RequiredSet(context, IntegerMember(arguments, member::kSet));
+    context.manager.sets.Delete(set.id);
+    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    return SetRecord(set);
+}
+
 /// All of the fonts into each of the sets, or none into any.
-Json AddFontsToSets(CommandContext& context, const Json& arguments) {
+Json commands::AddFontsToSets(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     Transaction transaction(context.manager.database);
-    const std::vector<uint32_t> fonts = RequiredFonts(context, ArrayMember(arguments, "fonts"));
+    const std::vector<uint32_t> fonts = RequiredFonts(context, ArrayMember(arguments, member::kFonts));
     int64_t added = 0;
-    for (const Json& setID : ArrayMember(arguments, "sets")) {
+    for (const Json& setID : ArrayMember(arguments, member::kSets)) {
         const FontSet set = RequiredSet(context, setID);
         for (const uint32_t fontID : fonts) {
             context.audience.KeepAlive();
             added += context.manager.sets.AddFont(set.id, fontID) ? 1 : 0;
         }
     }
-    Json answer = {{"added", added}};
+    Json answer = {{member::kAdded, added}};
     context.KeepAnswer(answer);
     transaction.Commit();
     if (added != 0)
         context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
     return answer;
-}
-
-}  // namespace
-
-void AddSetCommands(CommandTable& table) {
-    table[method::kListSets] = ListSets;
-    table[method::kFindSet] = FindSet;
-    table[method::kCreateSet] = CreateSet;
-    table[method::kDeleteSet] = DeleteSet;
-    table[method::kAddFontsToSets] = AddFontsToSets;
 }
 
 }  // namespace pellwick

@@ -2,8 +2,10 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
+#include "agent/NamedRecords.h"
 #include "agent/NewNames.h"
+#include "agent/Requests.h"
+#include "agent/SmartListCommands.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -33,7 +35,7 @@ std::vector<int32_t> IDsMember(const Json& arguments, const char* member) {
     std::vector<int32_t> ids;
     for (const Json& value : ArrayMember(arguments, member)) {
         const long long number = value.is_number_integer() ? value.get<long long>() : 0;
-        const bool isAll = number == kAllWorkgroupsID && member == std::string_view(kGS_WorkgroupIDsKey);
+        const bool isAll = number == kWorkgroupID_All && member == std::string_view(kGS_WorkgroupIDsKey);
         if (IDOf(number) == 0 && !isAll)
             throw CommandError(CoreErrorCodes::kInvalidParam,
                                std::string("what is in \"") + member + "\" must be numbers above 0");
@@ -47,7 +49,7 @@ SmartListQuery QueryMember(const Json& arguments) {
             IDsMember(arguments, kGS_SmartSetIDsKey)};
 }
 
-/// The name for a list that is made or renamed: no other list's.
+/// The new name of a list, which no other list has.
 std::string FreeName(CommandContext& context, const Json& arguments, int32_t listID) {
     const std::string name = NewName(arguments, kGS_SmartListNameKey, "the smart list's name");
     const auto other = context.manager.smartLists.FindByName(name);
@@ -63,14 +65,16 @@ Json Changed(CommandContext& context, int32_t listID) {
     return list ? SmartListRecord(*list) : Json::object();
 }
 
-Json ListSmartLists(CommandContext& context, const Json&) {
+}  // namespace
+
+Json commands::ListSmartLists(CommandContext& context, const Json&) {
     Json records = Json::array();
     for (const SmartList& list : context.manager.smartLists.List())
         records.push_back(SmartListRecord(list));
     return {{kGS_SmartListsKey, std::move(records)}};
 }
 
-Json FindSmartList(CommandContext& context, const Json& arguments) {
+Json commands::FindSmartList(CommandContext& context, const Json& arguments) {
     const std::string name = StringMember(arguments, kGS_SmartListNameKey);
     const auto list = context.manager.smartLists.FindByName(name);
     if (!list)
@@ -79,11 +83,11 @@ Json FindSmartList(CommandContext& context, const Json& arguments) {
     return SmartListRecord(*list);
 }
 
-Json GetSmartList(CommandContext& context, const Json& arguments) {
+Json commands::GetSmartList(CommandContext& context, const Json& arguments) {
     return SmartListRecord(RequiredSmartList(context, arguments));
 }
 
-Json CreateSmartList(CommandContext& context, const Json& arguments) {
+Json commands::CreateSmartList(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartListQuery query = QueryMember(arguments);
     Transaction transaction(context.manager.database);
@@ -92,14 +96,14 @@ Json CreateSmartList(CommandContext& context, const Json& arguments) {
     return Changed(context, id);
 }
 
-Json RenameSmartList(CommandContext& context, const Json& arguments) {
+Json commands::RenameSmartList(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartList list = RequiredSmartList(context, arguments);
     context.manager.smartLists.Rename(list.id, FreeName(context, arguments, list.id));
     return Changed(context, list.id);
 }
 
-Json DeleteSmartList(CommandContext& context, const Json& arguments) {
+Json commands::DeleteSmartList(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartList list = RequiredSmartList(context, arguments);
     context.manager.smartLists.Delete(list.id);
@@ -107,7 +111,7 @@ Json DeleteSmartList(CommandContext& context, const Json& arguments) {
     return SmartListRecord(list);
 }
 
-Json SetSmartListQuery(CommandContext& context, const Json& arguments) {
+Json commands::SetSmartListQuery(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
     const SmartListQuery query = QueryMember(arguments);
     Transaction transaction(context.manager.database);
@@ -118,15 +122,13 @@ Json SetSmartListQuery(CommandContext& context, const Json& arguments) {
     return Changed(context, list.id);
 }
 
-/// Whoever tries a query is told its fonts for the list, and nobody else is.
-Json TrySmartListQuery(CommandContext& context, const Json& arguments) {
+/// Only the client that tries a query gets its fonts for the list.
+Json commands::TrySmartListQuery(CommandContext& context, const Json& arguments) {
     const long long id = IntegerMember(arguments, kGS_SmartListIDKey);
     const int32_t listID = id == 0 ? 0 : RequiredSmartList(context, id).id;
     context.client.triedQueries[listID] = QueryMember(arguments);
     return Json::object();
 }
-
-}  // namespace
 
 FontSources SourcesOfSmartList(CommandContext& context, long long listID) {
     SmartListStore& store = context.manager.smartLists;
@@ -136,17 +138,6 @@ FontSources SourcesOfSmartList(CommandContext& context, long long listID) {
         return store.Resolve(0, tried->second);
     const SmartList list = RequiredSmartList(context, listID);
     return store.Resolve(list.id, isTried ? tried->second : list.query);
-}
-
-void AddSmartListCommands(CommandTable& table) {
-    table[method::kListSmartLists] = ListSmartLists;
-    table[method::kFindSmartList] = FindSmartList;
-    table[method::kGetSmartList] = GetSmartList;
-    table[method::kCreateSmartList] = CreateSmartList;
-    table[method::kRenameSmartList] = RenameSmartList;
-    table[method::kDeleteSmartList] = DeleteSmartList;
-    table[method::kSetSmartListQuery] = SetSmartListQuery;
-    table[method::kTrySmartListQuery] = TrySmartListQuery;
 }
 
 }  // namespace pellwick

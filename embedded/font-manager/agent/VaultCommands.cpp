@@ -3,9 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
-#include "common/Limits.h"
+#include "agent/Requests.h"
+#include "agent/VaultCommands.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "scan/FontFiles.h"
@@ -67,26 +68,9 @@ void NoteLost(CommandContext& context, const std::vector<CheckedFile>& checked, 
 Json Report(CommandContext& context, const std::vector<CheckedFile>& checked) {
     Json problems = Json::array();
     NoteLost(context, checked, problems);
-    return {{"checked", checked.size()},
-            {"after", checked.empty() ? 0 : checked.back().file.id},
-            {"problems", std::move(problems)}};
-}
-
-/// The files in their order after that ID, for as long as there is time.
-Json CheckFiles(CommandContext& context, const Json& arguments) {
-    constexpr int kMostFiles = 1000;
-    const FontVault& vault = context.manager.vault;
-    const auto files = context.manager.fonts.FilesAfter(IntegerMember(arguments, "after"), kMostFiles);
-    return context.Defer(Deferral::LaneName::kFiles, [&vault, files](FontWorker& worker) {
-        const auto deadline = std::chrono::steady_clock::now() + kVaultCheckTime;
-        std::vector<CheckedFile> checked;
-        for (const FontFile& file : files) {
-            if (worker.StopFlag() || std::chrono::steady_clock::now() > deadline)
-                break;
-            checked.push_back(Check(vault, file, worker.StopFlag()));
-        }
-        return [checked](CommandContext& later) { return Report(later, checked); };
-    });
+    return {{member::kChecked, checked.size()},
+            {member::kAfter, checked.empty() ? 0 : checked.back().file.id},
+            {member::kProblems, std::move(problems)}};
 }
 
 /// What can be put right without reading every font. `damage`: what SQLite finds wrong with the database.
@@ -99,22 +83,12 @@ Json ReportRecords(CommandContext& context, const std::vector<std::string>& dama
     const ActiveFonts::Repairs repairs = manager.RepairActiveFonts();
     if (!repairs.problem.empty())
         problems.push_back(repairs.problem);
-    return {{"fonts", manager.fonts.Count()},
-            {"files", manager.fonts.CountFiles()},
-            {"problems", std::move(problems)}};
+    return {{member::kFonts, manager.fonts.Count()},
+            {member::kFiles, manager.fonts.CountFiles()},
+            {member::kProblems, std::move(problems)}};
 }
 
-Json CheckRecords(CommandContext& context, const Json&) {
-    // Over a connection of its own: it reads the whole database.
-    const std::string path = context.manager.locations.databasePath;
-    return context.Defer(Deferral::LaneName::kFiles, [path](FontWorker&) {
-        return [damage = Database(path).FindDamage()](CommandContext& later) {
-            return ReportRecords(later, damage);
-        };
-    });
-}
-
-/// A file of the vault that no record knows, as far as it is what its name says.
+/// A file of the vault that no record knows, and what is in it.
 struct FoundFile {
     FontFile file;
     std::vector<FontFace> faces;
@@ -188,6 +162,33 @@ void Add(CommandContext& context, const FoundFile& found) {
 
 }  // namespace
 
+/// The files in their order after that ID, for as long as there is time.
+Json commands::CheckFiles(CommandContext& context, const Json& arguments) {
+    constexpr int kMostFiles = 1000;
+    const FontVault& vault = context.manager.vault;
+    const auto files = context.manager.fonts.FilesAfter(IntegerMember(arguments, member::kAfter), kMostFiles);
+    return context.Defer(Deferral::LaneName::kFiles, [&vault, files](FontWorker& worker) {
+        const auto deadline = std::chrono::steady_clock::now() + kVaultCheckTime;
+        std::vector<CheckedFile> checked;
+        for (const FontFile& file : files) {
+            if (worker.StopFlag() || std::chrono::steady_clock::now() > deadline)
+                break;
+            checked.push_back(Check(vault, file, worker.StopFlag()));
+        }
+        return [checked](CommandContext& later) { return Report(later, checked); };
+    });
+}
+
+Json commands::CheckRecords(CommandContext& context, const Json&) {
+    // Over a connection of its own: it reads the whole database.
+    const std::string path = context.manager.locations.databasePath;
+    return context.Defer(Deferral::LaneName::kFiles, [path](FontWorker&) {
+        return [damage = Database(path).FindDamage()](CommandContext& later) {
+            return ReportRecords(later, damage);
+        };
+    });
+}
+
 Json CheckNextFile(CommandContext& context) {
     const int64_t last = context.manager.settings.LastCheckedFile();
     auto files = context.manager.fonts.FilesAfter(last, 1);
@@ -230,11 +231,6 @@ Json TakeBack(CommandContext& context, const std::shared_ptr<std::vector<std::st
             return TakeBack(later, paths);
         };
     });
-}
-
-void AddVaultCommands(CommandTable& table) {
-    table[method::kCheckFiles] = CheckFiles;
-    table[method::kCheckRecords] = CheckRecords;
 }
 
 }  // namespace pellwick

@@ -2,9 +2,10 @@
 #include <nlohmann/json.hpp>
 
 #include "TarnwickPluginInterface.h"
-#include "agent/Commands.h"
 #include "agent/FontRecord.h"
+#include "agent/NamedRecords.h"
 #include "agent/NewNames.h"
+#include "agent/Requests.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -13,7 +14,7 @@ namespace {
 constexpr char kNewName[] = "the workgroup's name";
 
 std::string RequiredName(const Json& arguments) {
-    std::string name = StringMember(arguments, "name");
+    std::string name = StringMember(arguments, member::kName);
     if (name.empty())
         throw CommandError(CoreErrorCodes::kMissingParam, "give the workgroup's name");
     return name;
@@ -39,30 +40,33 @@ Json Changed(CommandContext& context) {
     return Json::object();
 }
 
-Json ListWorkgroups(CommandContext& context, const Json&) {
+}  // namespace
+
+Json commands::ListWorkgroups(CommandContext& context, const Json&) {
     Json records = Json::array();
     for (const Workgroup& workgroup : context.manager.workgroups.List())
         records.push_back(WorkgroupRecord(workgroup));
-    records.push_back(WorkgroupRecord({kAllWorkgroupsID, kAllWorkgroupsName, kWorkgroupType_All}));
-    return {{"workgroups", std::move(records)}, {"current", context.manager.CurrentWorkgroup().id}};
+    records.push_back(WorkgroupRecord({kWorkgroupID_All, kAllWorkgroupsName, kWorkgroupType_All}));
+    return {{member::kWorkgroups, std::move(records)},
+            {member::kCurrent, context.manager.CurrentWorkgroup().id}};
 }
 
-Json CreateWorkgroup(CommandContext& context, const Json& arguments) {
-    const std::string name = NewName(arguments, "name", kNewName);
+Json commands::CreateWorkgroup(CommandContext& context, const Json& arguments) {
+    const std::string name = NewName(arguments, member::kName, kNewName);
     RefuseTakenName(context, name);
     context.manager.workgroups.Create(name, kWorkgroupType_FontLibrary);
     return Changed(context);
 }
 
-Json RenameWorkgroup(CommandContext& context, const Json& arguments) {
+Json commands::RenameWorkgroup(CommandContext& context, const Json& arguments) {
     const Workgroup workgroup = FindOwnWorkgroup(context, arguments);
-    const std::string name = NewName(arguments, "newName", kNewName);
+    const std::string name = NewName(arguments, member::kNewName, kNewName);
     RefuseTakenName(context, name);
     context.manager.workgroups.Rename(workgroup.id, name);
     return Changed(context);
 }
 
-Json DeleteWorkgroup(CommandContext& context, const Json& arguments) {
+Json commands::DeleteWorkgroup(CommandContext& context, const Json& arguments) {
     const Workgroup workgroup = FindOwnWorkgroup(context, arguments);
     Transaction transaction(context.manager.database);
     context.manager.workgroups.Delete(workgroup.id, context.manager.DefaultWorkgroup().id);
@@ -70,23 +74,13 @@ Json DeleteWorkgroup(CommandContext& context, const Json& arguments) {
     return Changed(context);
 }
 
-Json UseWorkgroup(CommandContext& context, const Json& arguments) {
+Json commands::UseWorkgroup(CommandContext& context, const Json& arguments) {
     const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments));
     if (workgroup.type == kWorkgroupType_System)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "fonts cannot be added to the system's; use another workgroup");
     context.manager.settings.SetCurrentWorkgroup(workgroup.id);
     return Changed(context);
-}
-
-}  // namespace
-
-void AddWorkgroupCommands(CommandTable& table) {
-    table[method::kListWorkgroups] = ListWorkgroups;
-    table[method::kCreateWorkgroup] = CreateWorkgroup;
-    table[method::kRenameWorkgroup] = RenameWorkgroup;
-    table[method::kDeleteWorkgroup] = DeleteWorkgroup;
-    table[method::kUseWorkgroup] = UseWorkgroup;
 }
 
 }  // namespace pellwick

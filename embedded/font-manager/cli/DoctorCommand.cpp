@@ -2,7 +2,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "cli/Commands.h"
+#include "cli/PellwickWords.h"
 #include "cli/Progress.h"
 #include "common/Protocol.h"
 
@@ -15,37 +15,42 @@ void Append(const Json& problems, Json& all) {
 }
 
 /// How many files there were.
-long long CheckFiles(Session& session, long long expected, Json& problems) {
+long long CheckFiles(AgentSession& session, long long expected, Json& problems) {
     Progress progress(static_cast<size_t>(expected), "files");
     long long checked = 0;
     for (Json after = 0;;) {
-        const Json page = session.Call(method::kCheckFiles, {{"after", after}});
-        const long long count = IntegerMember(page, "checked");
+        const Json page = session.Call(method::kCheckFiles, {{member::kAfter, after}});
+        const long long count = IntegerMember(page, member::kChecked);
         if (count == 0)
             return checked;
-        after = page["after"];
+        after = page[member::kAfter];
         checked += count;
         progress.Advance(static_cast<size_t>(count));
-        Append(ArrayMember(page, "problems"), problems);
+        Append(ArrayMember(page, member::kProblems), problems);
     }
+}
+
+ExitStatus Examine(AgentSession& session) {
+    session.StartAgentIfNeeded();
+    Json problems = Json::array();
+    const Json records = session.Call(method::kCheckRecords, Json::object());
+    Append(ArrayMember(records, member::kProblems), problems);
+    const long long files = CheckFiles(session, IntegerMember(records, member::kFiles), problems);
+    if (session.PrintsJson())
+        PrintJson({{"fonts", records[member::kFonts]}, {"files", files}, {"problems", problems}});
+    else
+        PrintLine(std::to_string(IntegerMember(records, member::kFonts)) + " fonts in " +
+                  std::to_string(files) + " files, " +
+                  (problems.empty() ? "all as they should be" : "not all as they should be"));
+    for (const Json& problem : problems)
+        PrintError(problem.get<std::string>());
+    return problems.empty() ? kExit_Done : kExit_CouldNot;
 }
 
 }  // namespace
 
-ExitStatus Examine(Session& session) {
-    session.StartAgentIfNeeded();
-    Json problems = Json::array();
-    const Json records = session.Call(method::kCheckRecords, Json::object());
-    Append(ArrayMember(records, "problems"), problems);
-    const long long files = CheckFiles(session, IntegerMember(records, "files"), problems);
-    if (session.PrintsJson())
-        PrintJson({{"fonts", records["fonts"]}, {"files", files}, {"problems", problems}});
-    else
-        PrintLine(std::to_string(IntegerMember(records, "fonts")) + " fonts in " + std::to_string(files) +
-                  " files, " + (problems.empty() ? "all as they should be" : "not all as they should be"));
-    for (const Json& problem : problems)
-        PrintError(problem.get<std::string>());
-    return problems.empty() ? kExit_Done : kExit_CouldNot;
+void DescribeDoctorCommand(CLI::App& app, Arguments&, Action& chosen) {
+    AddCommand(app, chosen, "doctor", "Check all fonts and records, and put right what can be", Examine);
 }
 
 }  // namespace pellwick::cli

@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
-#include "cli/Commands.h"
 #include "cli/Fonts.h"
+#include "cli/PellwickWords.h"
 #include "cli/Progress.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
@@ -14,6 +14,10 @@
 #include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
+
+using exact_words::AddText;
+using exact_words::AddTexts;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -57,10 +61,10 @@ struct AddResult {
     int skipped = 0;  ///< files in folders that are no fonts
 };
 
-void AddFile(Session& session, const FoundFile& file, const std::string& workgroup, AddResult& result) {
+void AddFile(AgentSession& session, const FoundFile& file, const std::string& workgroup, AddResult& result) {
     Json answer;
     const ErrorCode code =
-        session.Try(method::kAddFile, {{"path", file.path}, {"workgroup", workgroup}}, answer);
+        session.Try(method::kAddFile, {{member::kPath, file.path}, {member::kWorkgroup, workgroup}}, answer);
     if (code != CoreErrorCodes::kSuccess) {
         const std::string reason = FailureText(code, answer);
         if (IsOfNoConcern(file, code))
@@ -69,8 +73,8 @@ void AddFile(Session& session, const FoundFile& file, const std::string& workgro
             result.failures.push_back({{"path", file.path}, {"reason", reason}});
         return;
     }
-    Json& list = BoolMember(answer, "alreadyKnown") ? result.known : result.added;
-    for (const Json& font : ArrayMember(answer, "fonts"))
+    Json& list = BoolMember(answer, member::kAlreadyKnown) ? result.known : result.added;
+    for (const Json& font : ArrayMember(answer, member::kFonts))
         list.push_back(font);
 }
 
@@ -83,9 +87,8 @@ void PrintAddResult(const AddResult& result) {
         PrintLine(std::to_string(result.skipped) + " other files left alone");
 }
 
-}  // namespace
-
-ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, const std::string& workgroup) {
+ExitStatus AddFonts(AgentSession& session, const std::vector<std::string>& paths,
+                    const std::string& workgroup) {
     AddResult result;
     std::vector<FoundFile> files;
     for (const std::string& path : paths)
@@ -113,38 +116,38 @@ ExitStatus AddFonts(Session& session, const std::vector<std::string>& paths, con
     return result.failures.empty() ? kExit_Done : kExit_CouldNot;
 }
 
-ExitStatus RemoveFonts(Session& session, const std::vector<std::string>& names) {
+ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
     Json left = IDsOf(FindFonts(session, names, isComplete));
     Json removed = Json::array();
     while (!left.empty()) {
-        const Json answer = session.Call(method::kRemoveFonts, {{"fonts", left}});
-        const Json& fonts = ArrayMember(answer, "removed");
+        const Json answer = session.Call(method::kRemoveFonts, {{member::kFonts, left}});
+        const Json& fonts = ArrayMember(answer, member::kRemoved);
         if (!session.PrintsJson())
             PrintFonts(fonts, "removed");  // as it happens: the rest may fail
         else
             removed.insert(removed.end(), fonts.begin(), fonts.end());
-        left = ArrayMember(answer, "left");
+        left = ArrayMember(answer, member::kLeft);
     }
     if (session.PrintsJson())
         PrintJson({{"removed", removed}});
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
-ExitStatus ListFonts(Session& session, bool isVisible) {
+ExitStatus ListFonts(AgentSession& session, bool isVisible) {
     session.StartAgentIfNeeded();
-    const Json fonts = ListFontsBy(session, {{kVisibleMember, isVisible}});
+    const Json fonts = ListFontsBy(session, {{member::kVisible, isVisible}});
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}});
     return kExit_Done;
 }
 
-ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names) {
+ExitStatus ActivateFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
-    const Json failed = CallForFonts(session, method::kActivateForUser, fonts, "failed");
+    const Json failed = CallForFonts(session, method::kActivateForUser, fonts, member::kFailed);
     for (const Json& font : failed)
         PrintError("the file of " + StringMember(font, kGS_PostScriptNameKey) +
                    " is gone from the vault; add the font again");
@@ -155,11 +158,11 @@ ExitStatus ActivateFonts(Session& session, const std::vector<std::string>& names
     return isComplete && failed.empty() ? kExit_Done : kExit_CouldNot;
 }
 
-ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& names) {
+ExitStatus DeactivateFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
-    const Json stillActive = CallForFonts(session, method::kDeactivateForUser, fonts, "stillActive");
+    const Json stillActive = CallForFonts(session, method::kDeactivateForUser, fonts, member::kStillActive);
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}, {"stillActive", stillActive}});
     else
@@ -167,6 +170,28 @@ ExitStatus DeactivateFonts(Session& session, const std::vector<std::string>& nam
     for (const Json& font : stillActive)
         PrintError(StringMember(font, kGS_PostScriptNameKey) + " stays active while open documents use it");
     return isComplete ? kExit_Done : kExit_CouldNot;
+}
+
+}  // namespace
+
+void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    auto* add = AddCommand(
+        app, chosen, "add", "Add font files, or folders of them",
+        [&](AgentSession& session) { return AddFonts(session, arguments.words, arguments.workgroup); });
+    AddTexts(*add, "PATH", arguments.words, "Files and folders")->required();
+    AddText(*add, "--workgroup", arguments.workgroup, "Where to put the fonts");
+    const auto withNames = [&](const char* name, const char* description, auto run) {
+        auto* command = AddCommand(app, chosen, name, description, [&arguments, run](AgentSession& session) {
+            return run(session, arguments.words);
+        });
+        AddTexts(*command, "NAME", arguments.words, kFontNameHelp)->required();
+    };
+    withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
+    withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
+    withNames("deactivate", "End that", DeactivateFonts);
+    AddCommand(app, chosen, "list", "List the fonts", [&](AgentSession& session) {
+        return ListFonts(session, arguments.isVisible);
+    })->add_flag("--visible", arguments.isVisible, "Only those that the system offers to programs now");
 }
 
 }  // namespace pellwick::cli

@@ -6,7 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
 namespace pellwick::cli {
@@ -33,11 +33,12 @@ void PrintFontRow(const Json& font) {
 }
 
 /// Appends the fonts that go by the name.
-void AppendFontsOf(Session& session, const std::string& name, Json& fonts) {
+void AppendFontsOf(AgentSession& session, const std::string& name, Json& fonts) {
     long long after = 0;
     for (size_t size = kListPageSize; size == kListPageSize;) {
-        const Json found = session.Call(method::kFindByAnyName, {{"name", name}, {"after", after}});
-        const Json& page = ArrayMember(found, "fonts");
+        const Json found =
+            session.Call(method::kFindByAnyName, {{member::kName, name}, {member::kAfter, after}});
+        const Json& page = ArrayMember(found, member::kFonts);
         size = page.size();
         if (size != 0)
             after = IntegerMember(page.back(), kGS_DatabaseIDKey);
@@ -47,7 +48,7 @@ void AppendFontsOf(Session& session, const std::string& name, Json& fonts) {
 
 }  // namespace
 
-Json FindFonts(Session& session, const std::vector<std::string>& names, bool& isComplete) {
+Json FindFonts(AgentSession& session, const std::vector<std::string>& names, bool& isComplete) {
     Json fonts = Json::array();
     isComplete = true;
     for (const std::string& name : names) {
@@ -68,13 +69,14 @@ Json IDsOf(const Json& fonts) {
     return ids;
 }
 
-Json CallForFonts(Session& session, const char* method, const Json& fonts, const char* member) {
+Json CallForFonts(AgentSession& session, const char* method, const Json& fonts, const char* member) {
     Json all = Json::array();
     const Json ids = IDsOf(fonts);
     for (size_t begin = 0; begin < ids.size(); begin += kListPageSize) {
         const auto first = ids.begin() + static_cast<std::ptrdiff_t>(begin);
         const auto size = static_cast<std::ptrdiff_t>(std::min<size_t>(kListPageSize, ids.size() - begin));
-        const Json answer = session.Call(method, {{"fonts", Json(Json::array_t(first, first + size))}});
+        const Json answer =
+            session.Call(method, {{member::kFonts, Json(Json::array_t(first, first + size))}});
         const Json& part = ArrayMember(answer, member);
         all.insert(all.end(), part.begin(), part.end());
     }
@@ -86,18 +88,18 @@ void PrintFonts(const Json& fonts, const char* action) {
         PrintLine(std::string(action) + " " + StringMember(font, kGS_PostScriptNameKey));
 }
 
-Json ListFontsBy(Session& session, Json filter) {
+Json ListFontsBy(AgentSession& session, Json filter) {
     Json all = Json::array();
-    const bool isOffered = BoolMember(filter, kVisibleMember);
-    filter["after"] = 0;
+    const bool isOffered = BoolMember(filter, member::kVisible);
+    filter[member::kAfter] = 0;
     for (;;) {
         const Json page = session.Call(method::kListFonts, filter);
-        const Json& fonts = ArrayMember(page, "fonts");
+        const Json& fonts = ArrayMember(page, member::kFonts);
         if (fonts.empty())
             return all;
-        filter["after"] = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
+        filter[member::kAfter] = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
         for (const Json& font : fonts) {
-            if (isOffered && !BoolMember(font, kVisibleMember))
+            if (isOffered && !BoolMember(font, member::kVisible))
                 continue;
             if (session.PrintsJson())
                 all.push_back(font);

@@ -4,26 +4,26 @@
 #include <string>
 #include <vector>
 
-#include "cli/Session.h"
+#include "cli/AgentSession.h"
 
 namespace pellwick::cli {
 
 /// The records of the fonts that go by these names. A name that no font goes by is reported and makes
 /// `isComplete` false.
-Json FindFonts(Session& session, const std::vector<std::string>& names, bool& isComplete);
+Json FindFonts(AgentSession& session, const std::vector<std::string>& names, bool& isComplete);
 
 /// The database IDs in the records.
 Json IDsOf(const Json& fonts);
 
 /// Has the agent carry out a method for the fonts, a page of them after the other, since a message has room
 /// for so many only; what its answers hold under `member`, together.
-Json CallForFonts(Session& session, const char* method, const Json& fonts, const char* member);
+Json CallForFonts(AgentSession& session, const char* method, const Json& fonts, const char* member);
 
 /// A line per font: what was done, and its name.
 void PrintFonts(const Json& fonts, const char* action);
 
 /// Prints the fonts in rows, or, for programs, returns their records. `filter`: arguments of the agent's
 /// ListFonts; where it asks what programs are offered, those fonts alone.
-Json ListFontsBy(Session& session, Json filter);
+Json ListFontsBy(AgentSession& session, Json filter);
 
 }  // namespace pellwick::cli

@@ -1,14 +1,14 @@
 // Pellwick: the font manager's agent and, with a command, its command line.
 #include <cstdio>
 
-#include "cli/CommandLine.h"
+#include "cli/PellwickWords.h"
 #include "platform/PrivateFolder.h"
 #include "platform/ProgramArguments.h"
 
 namespace pellwick::cli {
 namespace {
 
-/// Results that nobody got are no results.
+/// Fails when the results could not be written.
 ExitStatus AfterOutput(ExitStatus status) {
     const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (isWritten || status != kExit_Done)
@@ -26,7 +26,7 @@ int Run(int count, char** words) {
     } catch (const CLI::ParseError& error) {
         return app->exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
-    Session session(arguments.options);
+    AgentSession session(arguments.options);
     return AfterOutput(chosen(session));
 }
 

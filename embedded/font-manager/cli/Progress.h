@@ -11,7 +11,7 @@ namespace pellwick::cli {
 /// One line that keeps changing, where a person watches.
 class Progress {
 public:
-    /// `things`: what there are `total` of.
+    /// `things`: the plural of what is counted.
     Progress(size_t total, std::string things)
         : mTotal(total),
           mThings(std::move(things)),

@@ -1,4 +1,4 @@
-// status, login, logout, standalone, workgroup, stop, launch-info.
+// status, login, logout, standalone, stop, launch-info.
 #include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -6,18 +6,21 @@
 
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
-#include "cli/Commands.h"
+#include "cli/PellwickWords.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
+
+using exact_words::AddText;
+
 namespace {
 
 constexpr std::chrono::seconds kPatienceWithEndingAgent{10};
 
-ExitStatus Run(Session& session, const char* method, const Json& arguments) {
+ExitStatus Run(AgentSession& session, const char* method, const Json& arguments) {
     session.StartAgentIfNeeded();
     const Json answer = session.Call(method, arguments);
     if (session.PrintsJson())
@@ -26,19 +29,20 @@ ExitStatus Run(Session& session, const char* method, const Json& arguments) {
 }
 
 void PrintStatus(const Json& status) {
-    PrintLine("agent       process " + std::to_string(IntegerMember(status, "process")) +
-              (BoolMember(status, "standalone") ? ", standalone" : ", with a server"));
-    PrintLine("user        " +
-              (BoolMember(status, "loggedIn") ? StringMember(status, "userName") : "(logged out)"));
-    PrintLine("fonts       " + std::to_string(IntegerMember(status, "fonts")) + ", " +
-              std::to_string(IntegerMember(status, "activeFiles")) + " files active");
-    PrintLine("hosts       " + std::to_string(IntegerMember(status, "hosts")) + " with active fonts");
-    PrintLine("workgroup   " + StringMember(status, "workgroup"));
-    PrintLine("data        " + StringMember(status, "dataFolder"));
-    PrintLine("active in   " + StringMember(status, "linkFolder"));
+    PrintLine("agent       process " + std::to_string(IntegerMember(status, member::kProcess)) +
+              (BoolMember(status, member::kStandalone) ? ", standalone" : ", with a server"));
+    PrintLine("user        " + (BoolMember(status, member::kLoggedIn)
+                                    ? StringMember(status, member::kUserName)
+                                    : "(logged out)"));
+    PrintLine("fonts       " + std::to_string(IntegerMember(status, member::kFonts)) + ", " +
+              std::to_string(IntegerMember(status, member::kActiveFiles)) + " files active");
+    PrintLine("hosts       " + std::to_string(IntegerMember(status, member::kHosts)) + " with active fonts");
+    PrintLine("workgroup   " + StringMember(status, member::kWorkgroup));
+    PrintLine("data        " + StringMember(status, member::kDataFolder));
+    PrintLine("active in   " + StringMember(status, member::kLinkFolder));
 }
 
-/// So that who comes next does not find a process that is about to go.
+/// So that the next command does not find a process that is about to end.
 void WaitForEndOf(platform::ProcessId agent) {
     const auto giveUpAt = std::chrono::steady_clock::now() + kPatienceWithEndingAgent;
     while (platform::ProcessStartTime(agent) != 0) {
@@ -61,9 +65,7 @@ platform::ProcessId RequestEndOfHolder() {
     return holder->process;
 }
 
-}  // namespace
-
-ExitStatus ShowStatus(Session& session) {
+ExitStatus ShowStatus(AgentSession& session) {
     const Json status = session.Call(method::kGetStatus, Json::object());
     if (session.PrintsJson())
         PrintJson(status);
@@ -72,24 +74,24 @@ ExitStatus ShowStatus(Session& session) {
     return kExit_Done;
 }
 
-ExitStatus LogIn(Session& session, const std::string& name) {
-    return Run(session, method::kLogIn, {{"name", name}});
+ExitStatus LogIn(AgentSession& session, const std::string& name) {
+    return Run(session, method::kLogIn, {{member::kName, name}});
 }
 
-ExitStatus LogOut(Session& session) {
+ExitStatus LogOut(AgentSession& session) {
     return Run(session, method::kLogOut, Json::object());
 }
 
-ExitStatus SetStandalone(Session& session, bool isStandalone) {
-    return Run(session, method::kSetStandalone, {{"on", isStandalone}});
+ExitStatus SetStandalone(AgentSession& session, bool isStandalone) {
+    return Run(session, method::kSetStandalone, {{member::kOn, isStandalone}});
 }
 
-ExitStatus StopAgent(Session& session) {
+ExitStatus StopAgent(AgentSession& session) {
     Json answer;
     const ErrorCode code = session.TryToReach(method::kStop, Json::object(), answer);
     if (code != CoreErrorCodes::kSuccess)  // it may be of another version, too
-        answer = {{"process", RequestEndOfHolder()}};
-    WaitForEndOf(static_cast<platform::ProcessId>(IntegerMember(answer, "process")));
+        answer = {{member::kProcess, RequestEndOfHolder()}};
+    WaitForEndOf(static_cast<platform::ProcessId>(IntegerMember(answer, member::kProcess)));
     if (session.PrintsJson())
         PrintJson(answer);
     return kExit_Done;
@@ -112,24 +114,23 @@ ExitStatus WriteLaunchInfo(const Options& options) {
     return kExit_Done;
 }
 
-ExitStatus ListWorkgroups(Session& session) {
-    session.StartAgentIfNeeded();
-    const Json answer = session.Call(method::kListWorkgroups, Json::object());
-    if (session.PrintsJson()) {
-        PrintJson(answer);
-        return kExit_Done;
-    }
-    for (const Json& workgroup : ArrayMember(answer, "workgroups")) {
-        const long long id = IntegerMember(workgroup, kGS_WorkgroupIDKey);
-        std::printf("%c %4lld  %s\n", id == IntegerMember(answer, "current") ? '*' : ' ', id,
-                    PrintableText(StringMember(workgroup, kGS_WorkgroupNameKey)).c_str());
-    }
-    return kExit_Done;
-}
+}  // namespace
 
-ExitStatus ChangeWorkgroup(Session& session, const char* method, const std::string& name,
-                           const std::string& newName) {
-    return Run(session, method, {{"name", name}, {"newName", newName}});
+void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
+    AddCommand(app, chosen, "status", "Show how the agent stands", ShowStatus);
+    auto* logIn = AddCommand(app, chosen, "login", "Log in",
+                             [&](AgentSession& session) { return LogIn(session, arguments.name); });
+    AddText(*logIn, "NAME", arguments.name, "Who you are")->required();
+    AddCommand(app, chosen, "logout", "Log out; no fonts are activated until the next login", LogOut);
+    auto* standalone =
+        AddCommand(app, chosen, "standalone", "Run without a server (on), or with one (off)",
+                   [&](AgentSession& session) { return SetStandalone(session, arguments.name == "on"); });
+    AddText(*standalone, "STATE", arguments.name, "on or off")
+        ->required()
+        ->check(CLI::IsMember({member::kOn, "off"}));
+    AddCommand(app, chosen, "stop", "End the agent", StopAgent);
+    AddCommand(app, chosen, "launch-info", "Tell plug-ins how to start this agent",
+               [&](AgentSession&) { return WriteLaunchInfo(arguments.options); });
 }
 
 }  // namespace pellwick::cli

@@ -1,4 +1,4 @@
-// Where the font manager keeps its things. Agent, command line and interface library agree on these places
+// Where the font manager keeps its things. Agent, command line and client library agree on these places
 // because they all compute them here, from the user's data folder.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What agent and clients say to one another.
+// The messages between the agent and its clients.
 //
 // Messages are MessagePack objects in frames: the payload's size in bytes as four bytes, little endian, then
 // the payload. A client sends {"id", "method", "args"}; the agent answers each in turn with {"id", "code",
@@ -16,9 +16,13 @@
 // time.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "FontRecordKeys.h"
+#include "TarnwickPluginInterface.h"
 
 namespace pellwick {
 
@@ -27,86 +31,186 @@ constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
 constexpr int kSchemaVersion = 4;
 
-/// Every method: X(constant, name).
-#define PELLWICK_METHODS(X)                              \
-    X(kHello, "Hello")                                   \
-    X(kSubscribe, "Subscribe")                           \
-    X(kGetStatus, "GetStatus")                           \
-    X(kStop, "Stop")                                     \
-    X(kAddFile, "AddFile")                               \
-    X(kRemoveFonts, "RemoveFonts")                       \
-    X(kListFonts, "ListFonts")                           \
-    X(kCheckFiles, "CheckFiles")                         \
-    X(kCheckRecords, "CheckRecords")                     \
-    X(kActivateForUser, "ActivateForUser")               \
-    X(kDeactivateForUser, "DeactivateForUser")           \
-    X(kLogIn, "LogIn")                                   \
-    X(kLogOut, "LogOut")                                 \
-    X(kSetStandalone, "SetStandalone")                   \
-    X(kSetGoogleWebFonts, "SetGoogleWebFonts")           \
-    X(kListWorkgroups, "ListWorkgroups")                 \
-    X(kCreateWorkgroup, "CreateWorkgroup")               \
-    X(kRenameWorkgroup, "RenameWorkgroup")               \
-    X(kDeleteWorkgroup, "DeleteWorkgroup")               \
-    X(kUseWorkgroup, "UseWorkgroup")                     \
-    X(kListSets, "ListSets")                             \
-    X(kFindSet, "FindSet")                               \
-    X(kCreateSet, "CreateSet")                           \
-    X(kDeleteSet, "DeleteSet")                           \
-    X(kAddFontsToSets, "AddFontsToSets")                 \
-    X(kListSmartLists, "ListSmartLists")                 \
-    X(kFindSmartList, "FindSmartList")                   \
-    X(kGetSmartList, "GetSmartList")                     \
-    X(kCreateSmartList, "CreateSmartList")               \
-    X(kRenameSmartList, "RenameSmartList")               \
-    X(kDeleteSmartList, "DeleteSmartList")               \
-    X(kSetSmartListQuery, "SetSmartListQuery")           \
-    X(kTrySmartListQuery, "TrySmartListQuery")           \
-    X(kActivateFonts, "ActivateFonts")                   \
-    X(kActivateDocumentFonts, "ActivateDocumentFonts")   \
-    X(kDeactivateFonts, "DeactivateFonts")               \
-    X(kGetFontConflicts, "GetFontConflicts")             \
-    X(kEnableDesignActivation, "EnableDesignActivation") \
-    X(kPreviewActivateFonts, "PreviewActivateFonts")     \
-    X(kRenderPreviews, "RenderPreviews")                 \
-    X(kGetFont, "GetFont")                               \
-    X(kGetFonts, "GetFonts")                             \
-    X(kFindByPostScriptName, "FindByPostScriptName")     \
-    X(kFindByFamilyName, "FindByFamilyName")             \
-    X(kFindSameFamily, "FindSameFamily")                 \
-    X(kFindByAnyName, "FindByAnyName")                   \
-    X(kGetClientStates, "GetClientStates")               \
-    X(kSaveDocumentFonts, "SaveDocumentFonts")           \
-    X(kGetFontUsage, "GetFontUsage")                     \
-    X(kWriteFontUsage, "WriteFontUsage")                 \
-    X(kClearDocument, "ClearDocument")
+/// What messages and what is in them call their members. Records of fonts, workgroups and smart lists also
+/// hold those of FontRecordKeys.h and TarnwickPluginInterface.h.
+namespace member {
+// Of messages themselves, as they are described above; kID is also that of a set's record.
+inline constexpr char kID[] = "id";
+inline constexpr char kMethod[] = "method";
+inline constexpr char kArguments[] = "args";
+inline constexpr char kRepeats[] = "repeats";
+inline constexpr char kTaken[] = "taken";
+inline constexpr char kCode[] = "code";
+inline constexpr char kResult[] = "result";
+inline constexpr char kMessage[] = "message";
+inline constexpr char kProvisional[] = "provisional";
+inline constexpr char kWorking[] = "working";
+inline constexpr char kGoodbye[] = "goodbye";
+inline constexpr char kNotification[] = "notification";
+inline constexpr char kData[] = "data";
+// Of arguments and results.
+inline constexpr char kActivate[] = "activate";
+inline constexpr char kActiveFiles[] = "activeFiles";
+inline constexpr char kAdded[] = "added";
+inline constexpr char kAfter[] = "after";  ///< the ID behind which a page begins
+inline constexpr char kAlreadyKnown[] = "alreadyKnown";
+inline constexpr char kChecked[] = "checked";
+inline constexpr char kConflicts[] = "conflicts";
+inline constexpr char kCurrent[] = "current";
+inline constexpr char kDataFolder[] = "dataFolder";
+inline constexpr char kDeactivated[] = "deactivated";
+inline constexpr char kDefaultWorkgroup[] = "defaultWorkgroup";
+inline constexpr char kDocument[] = "document";
+inline constexpr char kEnable[] = "enable";
+inline constexpr char kFailed[] = "failed";
+inline constexpr char kFiles[] = "files";
+inline constexpr char kFont[] = "font";  ///< the ID of one, also beside the paths of its images
+inline constexpr char kFontCount[] = "fontCount";
+inline constexpr char kFonts[] = "fonts";
+inline constexpr char kFullName[] = "FullName";  ///< as the font has it, else family and style
+inline constexpr char kGoogleWebFonts[] = "googleWebFonts";
+inline constexpr char kHosts[] = "hosts";
+inline constexpr char kIsActive[] = "isActive";
+inline constexpr char kLeft[] = "left";  ///< IDs for another request: an answer holds only so many
+inline constexpr char kLinkFolder[] = "linkFolder";
+inline constexpr char kLoggedIn[] = "loggedIn";
+inline constexpr char kMatched[] = "matched";
+inline constexpr char kName[] = "name";
+inline constexpr char kNewName[] = "newName";
+inline constexpr char kOn[] = "on";
+inline constexpr char kPath[] = "path";
+inline constexpr char kPreviewFolder[] = "previewFolder";
+inline constexpr char kPreviews[] = "previews";
+inline constexpr char kProblems[] = "problems";
+inline constexpr char kProcess[] = "process";
+inline constexpr char kProtocol[] = "protocol";
+inline constexpr char kRemoved[] = "removed";
+inline constexpr char kReplace[] = "replace";
+inline constexpr char kReplacements[] = "replacements";  ///< in a request: for how many fonts
+inline constexpr char kReported[] = "reported";
+inline constexpr char kSchemaVersion[] = "schemaVersion";
+inline constexpr char kServerType[] = "serverType";  ///< of the notification of a log-in
+inline constexpr char kSet[] = "set";
+inline constexpr char kSets[] = "sets";
+inline constexpr char kSmartList[] = "smartList";
+inline constexpr char kStandalone[] = "standalone";
+inline constexpr char kStates[] = "states";
+inline constexpr char kStillActive[] = "stillActive";
+inline constexpr char kStyle[] = "Style";
+inline constexpr char kUnmatched[] = "unmatched";  ///< positions in the request
+inline constexpr char kUsage[] = "usage";
+inline constexpr char kUserName[] = "userName";
+inline constexpr char kVault[] = "vault";
+inline constexpr char kVisible[] = "visible";  ///< offered by the system to programs
+inline constexpr char kWholeFamily[] = "wholeFamily";
+inline constexpr char kWorkgroup[] = "workgroup";
+inline constexpr char kWorkgroupID[] = "workgroupID";
+inline constexpr char kWorkgroups[] = "workgroups";
+}  // namespace member
+
+// clang-format off
+#define PELLWICK_FONT_RECORD                                                                                 \
+    kGS_DatabaseIDKey, kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey,                \
+    kGS_VersionKey, kGS_ChecksumKey, kGS_OutlineFileNameKey, kGS_OutlineFileSizeKey, kGS_PathKey,            \
+    kGS_ActivationStateKey, kGS_WorkgroupIDKey, kGS_WorkgroupNameKey, kGS_WorkgroupTypeKey, kGS_LocationKey
+#define PELLWICK_SET_RECORD kID, kName, kGS_WorkgroupIDKey, kGS_WorkgroupNameKey, kFontCount
+#define PELLWICK_SMART_LIST_QUERY kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey
+#define PELLWICK_SMART_LIST_RECORD kGS_SmartListIDKey, kGS_SmartListNameKey, PELLWICK_SMART_LIST_QUERY
+
+/// Every method: X(name, (members of its arguments), (members of its result)). Callers get a constant for the
+/// name, and the agent the declaration of its handler, which is defined in agent/…Commands.cpp.
+#define PELLWICK_METHODS(X)                                                                                  \
+    X(Hello, (kProtocol, kTaken), ())                                                                        \
+    X(Subscribe, (), ())                                                                                     \
+    X(GetStatus, (), (kProcess, kFonts, kActiveFiles, kHosts, kLoggedIn, kUserName, kStandalone,             \
+      kGoogleWebFonts, kSchemaVersion, kWorkgroup, kDefaultWorkgroup, kVault, kDataFolder,                   \
+      kPreviewFolder, kLinkFolder))                                                                          \
+    X(Stop, (), (kProcess))                                                                                  \
+    X(AddFile, (kPath, kWorkgroup), (kFonts, kAlreadyKnown))                                                 \
+    X(RemoveFonts, (kFonts), (kRemoved, kLeft))                                                              \
+    X(ListFonts, (kAfter, kSet, kSmartList, kVisible), (kFonts))                                             \
+    X(CheckFiles, (kAfter), (kChecked, kAfter, kProblems))                                                   \
+    X(CheckRecords, (), (kFonts, kFiles, kProblems))                                                         \
+    X(ActivateForUser, (kFonts), (kFailed))                                                                  \
+    X(DeactivateForUser, (kFonts), (kStillActive))                                                           \
+    X(LogIn, (kName), ())                                                                                    \
+    X(LogOut, (), ())                                                                                        \
+    X(SetStandalone, (kOn), ())                                                                              \
+    X(SetGoogleWebFonts, (kOn), ())                                                                          \
+    X(ListWorkgroups, (), (kWorkgroups, kCurrent))                                                           \
+    X(CreateWorkgroup, (kName), ())                                                                          \
+    X(RenameWorkgroup, (kName, kNewName), ())                                                                \
+    X(DeleteWorkgroup, (kName), ())                                                                          \
+    X(UseWorkgroup, (kName), ())                                                                             \
+    X(ListSets, (kWorkgroup), (kSets))                                                                       \
+    X(FindSet, (kName, kWorkgroup), (PELLWICK_SET_RECORD))                                                   \
+    X(CreateSet, (kName, kWorkgroup, kWorkgroupID), (PELLWICK_SET_RECORD))                                   \
+    X(DeleteSet, (kSet), (PELLWICK_SET_RECORD))                                                              \
+    X(AddFontsToSets, (kFonts, kSets), (kAdded))                                                             \
+    X(ListSmartLists, (), (kGS_SmartListsKey))                                                               \
+    X(FindSmartList, (kGS_SmartListNameKey), (PELLWICK_SMART_LIST_RECORD))                                   \
+    X(GetSmartList, (kGS_SmartListIDKey), (PELLWICK_SMART_LIST_RECORD))                                      \
+    X(CreateSmartList, (kGS_SmartListNameKey, PELLWICK_SMART_LIST_QUERY), (PELLWICK_SMART_LIST_RECORD))      \
+    X(RenameSmartList, (kGS_SmartListIDKey, kGS_SmartListNameKey), (PELLWICK_SMART_LIST_RECORD))             \
+    X(DeleteSmartList, (kGS_SmartListIDKey), (PELLWICK_SMART_LIST_RECORD))                                   \
+    X(SetSmartListQuery, (kGS_SmartListIDKey, PELLWICK_SMART_LIST_QUERY), (PELLWICK_SMART_LIST_RECORD))      \
+    X(TrySmartListQuery, (kGS_SmartListIDKey, PELLWICK_SMART_LIST_QUERY), ())                                \
+    X(ActivateFonts, (kFonts, kDocument), (kMatched))                                                        \
+    X(ActivateDocumentFonts, (kFonts, kDocument, kReplacements), (kMatched, kUnmatched, kReplacements,       \
+      kReported))                                                                                            \
+    X(DeactivateFonts, (kFonts), (kDeactivated))                                                             \
+    X(GetFontConflicts, (kFonts), (kConflicts))                                                              \
+    X(EnableDesignActivation, (kFont, kWholeFamily, kEnable), (kConflicts))                                  \
+    X(PreviewActivateFonts, (kFonts, kActivate), ())                                                         \
+    X(RenderPreviews, (kFonts), (kPreviews))                                                                 \
+    X(GetFont, (kFont), (PELLWICK_FONT_RECORD))                                                              \
+    X(GetFonts, (kFonts), (kFonts))                                                                          \
+    X(FindByPostScriptName, (kName, kWorkgroup), (kFonts))                                                   \
+    X(FindByFamilyName, (kName, kWorkgroup), (kFonts))                                                       \
+    X(FindSameFamily, (kFont), (kFonts))                                                                     \
+    X(FindByAnyName, (kName, kAfter), (kFonts))                                                              \
+    X(GetClientStates, (kFonts), (kStates))                                                                  \
+    X(SaveDocumentFonts, (kPath, kReplace, kUsage), ())                                                      \
+    X(GetFontUsage, (kPath), (kUsage))                                                                       \
+    X(WriteFontUsage, (kPath, kUsage), ())                                                                   \
+    X(ClearDocument, (kPath), ())
+// clang-format on
 
 namespace method {
-#define PELLWICK_METHOD_CONSTANT(constant, name) inline constexpr char constant[] = name;
+#define PELLWICK_METHOD_CONSTANT(name, arguments, result) inline constexpr char k##name[] = #name;
 PELLWICK_METHODS(PELLWICK_METHOD_CONSTANT)
 #undef PELLWICK_METHOD_CONSTANT
 }  // namespace method
 
-/// The workgroup ID that stands for all workgroups together, and its name.
-constexpr int32_t kAllWorkgroupsID = kWorkgroupID_All;
+/// Names of members, and whether one is among them.
+class MemberNames {
+public:
+    template <class... Names>
+    constexpr explicit MemberNames(const Names&... names) : mNames{std::string_view(names)...} {}
+
+    constexpr bool Hold(std::string_view name) const {
+        for (const std::string_view each : mNames) {
+            if (!each.empty() && each == name)
+                return true;
+        }
+        return false;
+    }
+
+private:
+    std::array<std::string_view, 16> mNames;
+};
+
+/// A row of the table.
+struct Method {
+    std::string_view name;
+    MemberNames arguments;
+    MemberNames result;
+};
+
+/// Null for a name that no method has.
+const Method* FindMethod(std::string_view name);
+
+/// The name of kWorkgroupID_All.
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
-
-/// The full name of a font of a list, in its record: as the font has it, else family and style.
-inline constexpr char kFullNameMember[] = "FullName";
-
-/// In a request for a list: whether to ask the system which fonts it offers to programs. In a font's record:
-/// whether it is offered.
-inline constexpr char kVisibleMember[] = "visible";
-
-/// In a request for a document's fonts: for how many missing ones replacements are wanted.
-inline constexpr char kReplacementsMember[] = "replacements";
-
-/// The font's ID in the record of its images, beside their paths.
-inline constexpr char kPreviewFontMember[] = "font";
-
-// Members of a set's record, beside the workgroup's ID and name.
-inline constexpr char kSetIDMember[] = "id";
-inline constexpr char kSetNameMember[] = "name";
-inline constexpr char kFontCountMember[] = "fontCount";
 
 }  // namespace pellwick

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"
 
@@ -54,8 +54,11 @@ ErrorCode AgentConnection::Greet(const Json& greeting, const Patience& patience)
         if (!mStream.Connect(Locations::OfThisUser().AgentAddress(), deadline))
             return Fail(GIPCClient::kServiceUnavailable);
         Json arguments = greeting;
-        arguments["protocol"] = kProtocolVersion;
-        Send({{"id", kGreetingID}, {"method", method::kHello}, {"args", std::move(arguments)}}, deadline);
+        arguments[member::kProtocol] = kProtocolVersion;
+        Send({{member::kID, kGreetingID},
+              {member::kMethod, method::kHello},
+              {member::kArguments, std::move(arguments)}},
+             deadline);
         mState = State::kGreeting;
     }
     if (mState == State::kGreeting) {
@@ -71,9 +74,11 @@ ErrorCode AgentConnection::Greet(const Json& greeting, const Patience& patience)
 ErrorCode AgentConnection::Exchange(const Request& request, const Patience& patience, Json& result) {
     if (mState == State::kFailed)
         return mFailure;
-    Json message = {{"id", request.id}, {"method", request.method}, {"args", request.arguments}};
+    Json message = {{member::kID, request.id},
+                    {member::kMethod, request.method},
+                    {member::kArguments, request.arguments}};
     if (request.repeats != 0)
-        message["repeats"] = request.repeats;
+        message[member::kRepeats] = request.repeats;
     if (!Send(message, FirstDeadline(patience)))
         return error_codes::GIPCReceiver::kMessageTooLarge;
     const ErrorCode code = ReceiveAnswer(request.id, patience, result);
@@ -81,7 +86,7 @@ ErrorCode AgentConnection::Exchange(const Request& request, const Patience& pati
 }
 
 void AgentConnection::Acknowledge(long long id) {
-    Send({{"taken", id}}, Clock::now() + kNoWait);
+    Send({{member::kTaken, id}}, Clock::now() + kNoWait);
 }
 
 /// False when the message is larger than one may be. An agent that has gone may have left its goodbye behind:
@@ -102,16 +107,16 @@ ErrorCode AgentConnection::ReceiveAnswer(long long id, const Patience& patience,
         mHasTimedOut = outcome == Outcome::kTimeOver;
         if (outcome != Outcome::kMessage)
             return GIPCClient::kServiceUnavailable;
-        if (BoolMember(message, "goodbye"))
+        if (BoolMember(message, member::kGoodbye))
             return GAgentIF::kShutdown;
-        if (BoolMember(message, "working"))  // it is not one that stands still
+        if (BoolMember(message, member::kWorking))  // it is not one that stands still
             deadline = FirstDeadline({std::max(patience.sign, kAnswerLimit), patience.end});
-        if (!message.contains("id") || IntegerMember(message, "id") != id)
+        if (!message.contains(member::kID) || IntegerMember(message, member::kID) != id)
             continue;
-        if (BoolMember(message, "provisional"))
+        if (BoolMember(message, member::kProvisional))
             Acknowledge(id);
-        result = std::move(message["result"]);
-        return static_cast<ErrorCode>(IntegerMember(message, "code"));
+        result = std::move(message[member::kResult]);
+        return static_cast<ErrorCode>(IntegerMember(message, member::kCode));
     }
 }
 
@@ -123,7 +128,7 @@ bool AgentConnection::IsLost() {
             break;
         if (outcome == Outcome::kBroken)
             Fail(GIPCClient::kServiceUnavailable);
-        else if (BoolMember(message, "goodbye"))
+        else if (BoolMember(message, member::kGoodbye))
             Fail(GAgentIF::kShutdown);
     }
     return mState == State::kFailed;
@@ -134,18 +139,18 @@ ErrorCode AgentConnection::WaitForNotification(int32_t& type, Json& data) {
         Json message;
         if (mStream.Receive(message, Clock::time_point::max()) != Outcome::kMessage)
             return GIPCClient::kServiceUnavailable;
-        if (BoolMember(message, "goodbye"))
+        if (BoolMember(message, member::kGoodbye))
             return GAgentIF::kShutdown;
-        if (message.contains("notification")) {
-            type = static_cast<int32_t>(IntegerMember(message, "notification"));
-            data = std::move(message["data"]);
+        if (message.contains(member::kNotification)) {
+            type = static_cast<int32_t>(IntegerMember(message, member::kNotification));
+            data = std::move(message[member::kData]);
             return CoreErrorCodes::kSuccess;
         }
     }
 }
 
 std::string FailureText(ErrorCode code, const Json& result) {
-    const std::string message = StringMember(result, "message");
+    const std::string message = StringMember(result, member::kMessage);
     return message.empty() ? ErrorCodeToName(code) : message;
 }
 

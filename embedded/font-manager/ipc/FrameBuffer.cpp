@@ -1,6 +1,6 @@
 #include "ipc/FrameBuffer.h"
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 namespace {

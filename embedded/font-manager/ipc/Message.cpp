@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"
 
 namespace pellwick {
@@ -129,6 +129,14 @@ const Json& ObjectMember(const Json& object, const char* key) {
     static const Json* const empty = new Json(Json::object());
     const Json* member = Member(object, key);
     return member != nullptr && member->is_object() ? *member : *empty;
+}
+
+bool HoldsOnly(const Json& object, const MemberNames& names) {
+    for (const auto& [name, value] : object.items()) {
+        if (!names.Hold(name))
+            return false;
+    }
+    return true;
 }
 
 }  // namespace pellwick

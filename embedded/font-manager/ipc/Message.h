@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/Protocol.h"
+
 namespace pellwick {
 
 using Json = nlohmann::json;
@@ -49,5 +51,8 @@ bool BoolMember(const Json& object, const char* key);
 const Json& ArrayMember(const Json& object, const char* key);
 /// An empty object when there is none.
 const Json& ObjectMember(const Json& object, const char* key);
+
+/// Whether the object has no members but these.
+bool HoldsOnly(const Json& object, const MemberNames& names);
 
 }  // namespace pellwick

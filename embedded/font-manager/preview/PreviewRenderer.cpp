@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "StringConversion.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/FreeTypeFace.h"
 
 #include FT_OUTLINE_H
@@ -18,8 +18,7 @@ namespace {
 /// Size of the letters and their baseline, as parts of the image's height.
 constexpr double kTextSize = 0.7;
 constexpr double kBaseline = 0.75;
-/// A glyph that reaches further than this many times its size is drawn by nobody in earnest, and would only
-/// serve to exhaust the memory.
+/// No real glyph extends further than this many times its size; a larger one would only exhaust memory.
 constexpr int kMaxGlyphExtent = 8;
 
 constexpr FT_Pos kFractions = 64;  ///< of a pixel, in FreeType's measures
@@ -52,7 +51,7 @@ public:
                 Darken(left + column, top + row, bitmap.buffer[row * bitmap.pitch + column]);
         }
     }
-    /// As far to the right as something was drawn.
+    /// The width up to the last column that was drawn to.
     NameImage Image() const {
         NameImage image{mUsedWidth, mUsedWidth != 0 ? mHeight : 0, {}};
         for (int y = 0; y < image.height; ++y) {

@@ -1,12 +1,12 @@
 #include "scan/CleanName.h"
 
 #include "PrintableText.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 
 namespace pellwick {
 namespace {
 
-/// As much of the text as a name may have, without half a character at its end.
+/// The text cut to the length of a name, without half a character at its end.
 std::string Cut(const std::string& text) {
     constexpr size_t kMaxFollowingBytes = 3;  // of one character
     if (text.size() <= kMaxNameSize)
@@ -20,7 +20,7 @@ std::string Cut(const std::string& text) {
 }  // namespace
 
 std::string CleanName(const std::string& name) {
-    // What stands for bytes that are no text is longer than they are.
+    // The replacement for invalid bytes is longer than they are.
     const std::string clean = Cut(WithoutUnprintables(Cut(name)));
     const size_t first = clean.find_first_not_of(' ');
     if (first == std::string::npos)

@@ -1,4 +1,4 @@
-// What font files look like from outside.
+// Recognising font files by their first bytes and names.
 #pragma once
 
 #include <string>

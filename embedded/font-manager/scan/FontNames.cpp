@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "StringConversion.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
 
 namespace pellwick {

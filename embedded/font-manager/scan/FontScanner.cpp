@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "GFontManagerConstants.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
 #include "scan/FontFiles.h"
 #include "scan/FontNames.h"
@@ -119,14 +119,14 @@ FontFace Describe(FT_Face face, const NameTable& table, FT_Long faceIndex, const
     return names;
 }
 
-/// Why FreeType would not have it, in words of the user's. Its own codes depend on which of its drivers gave
-/// up last.
+/// Why FreeType refused the file, in plain words. Its error codes depend on which of its drivers gave up
+/// last.
 const char* ReasonFor(std::string_view content) {
     return MayBeFontFile(content) ? kReason_Damaged : kReason_NoFont;
 }
 
 /// FreeType opens a face whose outlines it cannot read; a font of which no glyph loads is of no use.
-/// One that is made of others counts by itself: how many these come to is up to the font.
+/// A glyph made of others counts as one: the font decides how many these are.
 bool HasUsableGlyphs(FT_Face face) {
     return face->num_glyphs > 0 && FT_Load_Glyph(face, 0, FT_LOAD_NO_RECURSE) == 0;
 }

@@ -85,8 +85,7 @@ public:
     /// log (https://www.sqlite.org/wal.html) beside it; false when that cannot be done now. Not within a
     /// transaction.
     bool WriteBackLog();
-    /// Whether what is committed from now on survives the end of the machine's power, and not only that of
-    /// this process.
+    /// Whether what is committed from now on survives a loss of power, not only the end of this process.
     void SetDurable(bool isDurable);
 
 private:

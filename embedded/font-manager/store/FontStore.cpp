@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "FontRecordKeys.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "store/Database.h"
 #include "store/SmartListStore.h"
 
@@ -43,7 +43,7 @@ constexpr char kByPostScriptName[] = "WHERE f.postscript_name = ?1";
 constexpr char kByPostScriptNameInAnyCase[] = "WHERE f.postscript_name = ?1 COLLATE NOCASE";
 constexpr char kByFamily[] = "WHERE f.family = ?1";
 constexpr char kByFamilyInAnyCase[] = "WHERE f.family = ?1 COLLATE NOCASE";
-// Nothing goes by a name of which nothing is left.
+// An empty name matches nothing.
 constexpr char kByLookupName[] =
     "JOIN lookup_names names ON names.font_id = f.id WHERE names.name = ?1 AND ?1 <> ''";
 
@@ -78,7 +78,7 @@ std::vector<Font> AllRows(Statement& statement) {
     return fonts;
 }
 
-/// For json_each, which makes rows of it.
+/// As json_each takes it.
 std::string JsonArray(const std::vector<int32_t>& numbers) {
     std::string text;
     for (const int32_t number : numbers)

@@ -104,7 +104,7 @@ public:
     std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
     /// The names of all fonts, each combination once.
     std::vector<FontNames> ListNames();
-    /// Another number after each change to which fonts there are.
+    /// Changes whenever fonts are added or removed.
     uint64_t Revision() const { return mRevision; }
     int64_t Count();
     int64_t CountFiles();

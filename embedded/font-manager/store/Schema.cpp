@@ -185,7 +185,7 @@ std::set<std::string> LayoutOf(Database& database) {
     return layout;
 }
 
-/// What is not ours is left alone, down to its settings.
+/// Databases of other programs are left alone, down to their settings.
 void RefuseForeign(Database& database, int64_t version, int target) {
     if (version > target)
         throw DatabaseError(CoreErrorCodes::kVersionMismatch,

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <set>
 
-#include "common/Protocol.h"
+#include "FontRecordKeys.h"
 #include "store/Database.h"
 
 namespace pellwick {
@@ -106,7 +106,7 @@ FontSources SmartListStore::Resolve(int32_t id, const SmartListQuery& query) {
         const auto& workgroups = current.workgroupIDs;
         sources.isEverything =
             sources.isEverything || current.IsEmpty() ||
-            std::find(workgroups.begin(), workgroups.end(), kAllWorkgroupsID) != workgroups.end();
+            std::find(workgroups.begin(), workgroups.end(), kWorkgroupID_All) != workgroups.end();
         Append(sources.workgroupIDs, workgroups);
         Append(sources.setIDs, current.setIDs);
         for (const int32_t listID : current.smartListIDs) {

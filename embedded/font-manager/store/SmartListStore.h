@@ -13,7 +13,7 @@ class Database;
 /// The fonts that are in any of these; all fonts where nothing is named. IDs of what has been deleted stay
 /// and match nothing: a list that loses its last set is empty, and does not become one of all fonts.
 struct SmartListQuery {
-    std::vector<int32_t> workgroupIDs;  ///< kAllWorkgroupsID may be among them
+    std::vector<int32_t> workgroupIDs;  ///< kWorkgroupID_All may be among them
     std::vector<int32_t> setIDs;
     std::vector<int32_t> smartListIDs;
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "FontRecordKeys.h"
 #include "TestFonts.h"
@@ -52,153 +53,97 @@ TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
     EXPECT_EQ(world.RunForJson({"list"})["fonts"].size(), 3u);
 }
 
-TEST(CommandLine, ActivatesAndRemovesByAnyName) {
+/// A command line, with "|" between its words; the status, and what is said, in the output or in one line of
+/// errors.
+struct Step {
+    const char* words;
+    int status;
+    const char* said;
+};
+
+constexpr Step kSteps[] = {
+    {"status", 5, "no agent is running; start it with"},
+    {"list|--no-start", 5, "no agent is running"},
+    {"activate", 2, ""},
+    {"dance", 2, ""},
+    {"--help", 0, "workgroup"},
+    {"workgroup|create|Project", 0, ""},
+    {"workgroup|create|Project", 1, "already; choose another name"},
+    {"workgroup|create|All Fonts", 1, "choose another name"},
+    {"workgroup|delete|System Fonts", 1, "always stays as it is"},
+    {"workgroup|use|Project", 0, ""},
+    {"workgroup|list", 0, "*    3  Project\n"},
+    {"add|FONTS/Sample-Bold-1.0.ttf|FONTS/Sample-Italic-1.0.ttf", 0,
+     "added Sample-Bold\nadded Sample-Italic\n"},
+    {"add|FONTS/Other-Regular-1.0.ttf|--workgroup|Font Library (LOCALIZE ME)", 0, "added Other-Regular\n"},
+    {"add|FONTS/Other-Regular-1.0.ttf|--workgroup|System Fonts", 1, "always stays as it is"},
+    {"activate|sample bold", 0, "activated Sample-Bold\n"},
+    {"activate|Sample", 0, "activated Sample-Bold\nactivated Sample-Italic\n"},
+    {"deactivate|2", 0, "deactivated Sample-Italic\n"},
+    {"activate|Nowhere", 1, "no font is called \"Nowhere\""},
+    {"list", 0, "     1  active   Sample-Bold"},
+    {"list", 0, "     2  -        Sample-Italic"},
+    {"status", 0, "fonts       3, 1 files active\n"},
+    {"set|create|Poster", 0, "created Poster in Project\n"},
+    {"set|create|Poster", 1, "already; choose another name"},
+    {"set|create| ", 1, "give the set's name"},
+    {"set|create|Flyer|--workgroup|Nowhere", 1, "no workgroup \"Nowhere\""},
+    {"set|create|Flyer|--workgroup|All Fonts", 1, "name one of them"},
+    {"set|create|Flyer|--workgroup|System Fonts", 1, "choose another workgroup"},
+    {"set|show|Poster|--workgroup|Font Library (LOCALIZE ME)", 1, "no set \"Poster\""},
+    {"set|create|Poster|--workgroup|Font Library (LOCALIZE ME)", 0, ""},
+    {"set|delete|Poster", 1, "choose one with --workgroup"},
+    {"set|add|Poster|Sample|--workgroup|Project", 0, "added Sample-Bold\nadded Sample-Italic\n"},
+    {"set|add|Poster|Sample-Bold|Nowhere|Other|--workgroup|Project", 1, "no font is called \"Nowhere\""},
+    {"set|list", 0, "     0 fonts  Poster in Font Library (LOCALIZE ME)\n     3 fonts  Poster in Project\n"},
+    {"set|list|--workgroup|Project|--json", 0, "\"fontCount\":3"},
+    {"smartlist|create|Posters|--set|Poster", 1, "choose one with --workgroup"},
+    {"set|delete|Poster|--workgroup|Font Library (LOCALIZE ME)", 0, ""},
+    {"smartlist|create|Posters|--set|Poster", 0, "created Posters\n"},
+    {"smartlist|create|--workgroup|Project|Work|--smartlist|Posters", 0, "created Work\n"},
+    {"smartlist|create|Work", 1, "choose another name"},
+    {"smartlist|create|New|--workgroup|Nowhere", 1, "no workgroup"},
+    {"smartlist|fonts|Work", 0, "Other-Regular"},
+    {"smartlist|fonts|Nowhere", 1, "no smart list \"Nowhere\""},
+    {"smartlist|rename|Work|Posters", 1, "choose another name"},
+    {"smartlist|rename|Work|Bills", 0, "renamed Work to Bills\n"},
+    {"smartlist|delete|Posters", 0, "deleted Posters"},
+    {"smartlist|list", 0, "Bills\n"},
+    {"remove|Sample-Bold", 0, "removed Sample-Bold\n"},
+    {"set|show|Poster|--json", 0, "\"fontCount\":2"},
+    {"workgroup|rename|Project|Done", 0, ""},
+    {"workgroup|delete|Done", 0, ""},
+    {"set|list|--json", 0, "\"sets\":[]"},
+    {"list|--json", 0, "\"WorkgroupName\":\"Font Library (LOCALIZE ME)\""},
+    {"list|--visible", 0, ""},
+    {"standalone|off", 0, ""},
+    {"logout", 0, ""},
+    {"set|create|Flyer", 1, "nobody is logged in"},
+    {"activate|Other", 1, "nobody is logged in"},
+    {"login|somebody", 0, ""},
+    {"status", 0, "user        somebody\n"},
+    {"status", 0, ", with a server\n"},
+    {"doctor", 0, "2 fonts in 2 files, all as they should be\n"},
+    {"stop", 0, ""},
+};
+
+TEST(CommandLine, DoesWhatItIsToldAndSaysInALineWhatItCannot) {
     TestWorld world;
-    world.WriteFont("Sample-Bold");
-    world.WriteFont("Sample-Italic");
-    world.RunForJson({"add", world.Path("fonts")});
-    EXPECT_EQ(world.RunForJson({"activate", "sample bold"})["fonts"].size(), 1u);
-    EXPECT_EQ(world.ActiveFiles().size(), 1u);
-    EXPECT_EQ(world.RunForJson({"activate", "Sample"})["fonts"].size(), 2u);
-    EXPECT_EQ(world.ActiveFiles().size(), 2u);
-    world.RunForJson({"deactivate", "Sample-Italic"});
-    EXPECT_EQ(world.ActiveFiles().size(), 1u);
-    EXPECT_EQ(world.RunForJson({"status"})["activeFiles"], 1);
-    EXPECT_EQ(world.FilesBelow(kVault).size(), 2u);
-    const ProgramResult unknown = world.Run({"activate", "Nowhere"});
-    EXPECT_EQ(unknown.status, 1);
-    EXPECT_NE(unknown.errors.find("no font is called \"Nowhere\""), std::string::npos);
-    world.RunForJson({"remove", "Sample-Bold"});
-    EXPECT_TRUE(world.ActiveFiles().empty());
-    EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Italic"});
-    EXPECT_EQ(world.FilesBelow(kVault).size(), 1u);
-}
-
-TEST(CommandLine, SaysWhatToDoWhenThereIsNoAgent) {
-    TestWorld world;
-    const ProgramResult result = world.Run({"status"});
-    EXPECT_EQ(result.status, 5);
-    EXPECT_NE(result.errors.find("no agent is running; start it with"), std::string::npos);
-    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
-    EXPECT_EQ(world.Run({"list", "--no-start"}).status, 5);
-    EXPECT_EQ(world.Run({"activate"}).status, 2);
-    EXPECT_EQ(world.Run({"dance"}).status, 2);
-    EXPECT_EQ(world.Run({"--help"}).status, 0);
-}
-
-TEST(CommandLine, ManagesWorkgroups) {
-    TestWorld world;
-    world.RunForJson({"workgroup", "create", "Project"});
-    EXPECT_EQ(world.Run({"workgroup", "create", "Project"}).status, 1);
-    world.RunForJson({"workgroup", "use", "Project"});
-    world.WriteFont("Sample-Bold");
-    const Json added = world.RunForJson({"add", world.Path("fonts")});
-    EXPECT_EQ(added["added"][0][kGS_WorkgroupNameKey], "Project");
-    world.RunForJson({"workgroup", "rename", "Project", "Done"});
-    world.RunForJson({"workgroup", "delete", "Done"});
-    EXPECT_EQ(world.RunForJson({"list"})["fonts"][0][kGS_WorkgroupNameKey], "Font Library (LOCALIZE ME)");
-    EXPECT_EQ(world.Run({"workgroup", "delete", "System Fonts"}).status, 1);
-}
-
-int SetSize(const Json& answer) {
-    return static_cast<int>(IntegerMember(answer["set"], "fontCount"));
-}
-
-TEST(CommandLine, ManagesSets) {
-    TestWorld world;
-    world.WriteFont("Sample-Bold");
-    world.WriteFont("Sample-Italic");
-    world.WriteFont("Other-Regular");
-    world.RunForJson({"add", world.Path("fonts")});
-    EXPECT_EQ(world.RunForJson({"set", "create", "Poster"})["set"][kGS_WorkgroupNameKey],
-              "Font Library (LOCALIZE ME)");
-    world.RunForJson({"workgroup", "create", "Project"});
-    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
-    EXPECT_EQ(world.RunForJson({"set", "add", "Poster", "Sample", "--workgroup", "Project"})["added"], 2);
-    const ProgramResult partly = world.Run(
-        {"set", "add", "Poster", "Sample-Bold", "Nowhere", "Other-Regular", "--workgroup", "Project"});
-    EXPECT_EQ(partly.status, 1);
-    EXPECT_NE(partly.errors.find("no font is called \"Nowhere\""), std::string::npos);
-    const Json shown = world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"});
-    EXPECT_EQ(SetSize(shown), 3);
-    EXPECT_EQ(shown["fonts"].size(), 3u);
-    EXPECT_EQ(world.Run({"set", "list"}).output,
-              "     0 fonts  Poster in Font Library (LOCALIZE ME)\n     3 fonts  Poster in Project\n");
-    EXPECT_EQ(world.RunForJson({"set", "list", "--workgroup", "Project"})["sets"].size(), 1u);
-
-    world.RunForJson({"remove", "Sample-Bold"});
-    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster", "--workgroup", "Project"})), 2);
-    world.RunForJson({"workgroup", "delete", "Project"});
-    EXPECT_EQ(SetSize(world.RunForJson({"set", "show", "Poster"})), 0);
-    EXPECT_EQ(world.RunForJson({"list"})["fonts"].size(), 2u);
-    world.RunForJson({"set", "delete", "Poster"});
-    EXPECT_TRUE(world.RunForJson({"set", "list"})["sets"].empty());
-}
-
-TEST(CommandLine, SaysWhatIsWrongAboutASet) {
-    TestWorld world;
-    world.RunForJson({"workgroup", "create", "Project"});
-    world.RunForJson({"set", "create", "Poster"});
-    const auto refusal = [&](const std::vector<std::string>& arguments) {
-        const ProgramResult result = world.Run(arguments);
-        EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
-        return result.errors;
-    };
-    EXPECT_THAT(refusal({"set", "create", "Poster"}), testing::HasSubstr("already; choose another name"));
-    EXPECT_THAT(refusal({"set", "create", " "}), testing::HasSubstr("give the set's name"));
-    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "Nowhere"}),
-                testing::HasSubstr("no workgroup \"Nowhere\""));
-    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "All Fonts"}),
-                testing::HasSubstr("name one of them"));
-    EXPECT_THAT(refusal({"set", "create", "Flyer", "--workgroup", "System Fonts"}),
-                testing::HasSubstr("choose another workgroup"));
-    EXPECT_THAT(refusal({"workgroup", "create", "All Fonts"}), testing::HasSubstr("choose another name"));
-    EXPECT_THAT(refusal({"set", "show", "Poster", "--workgroup", "Project"}),
-                testing::HasSubstr("no set \"Poster\""));
-    world.RunForJson({"set", "create", "Poster", "--workgroup", "Project"});
-    EXPECT_THAT(refusal({"set", "delete", "Poster"}), testing::HasSubstr("choose one with --workgroup"));
-    world.RunForJson({"logout"});
-    EXPECT_THAT(refusal({"set", "create", "Flyer"}), testing::HasSubstr("nobody is logged in"));
-    EXPECT_EQ(world.RunForJson({"set", "list"})["sets"].size(), 2u);
-}
-
-TEST(CommandLine, ManagesSmartLists) {
-    TestWorld world;
-    for (const char* name : {"Alpha-Regular", "Beta-Regular", "Gamma-Regular"})
+    for (const char* name : {"Sample-Bold", "Sample-Italic", "Other-Regular"})
         world.WriteFont(name);
-    world.RunForJson({"add", world.Path("fonts")});
-    world.RunForJson({"workgroup", "create", "Project"});
-    world.RunForJson({"add", world.Path("fonts/Alpha-Regular-1.0.ttf"), "--workgroup", "Project"});
-    world.RunForJson({"set", "create", "Poster"});
-    world.RunForJson({"set", "add", "Poster", "Beta"});
-    world.RunForJson({"smartlist", "create", "Posters", "--set", "Poster"});
-    world.RunForJson({"smartlist", "create", "--workgroup", "Project", "Work", "--smartlist", "Posters"});
-    world.RunForJson({"smartlist", "create", "Everything"});
-    const auto fonts = [&](const char* list) {
-        return NamesOf(world.RunForJson({"smartlist", "fonts", list})["fonts"]);
-    };
-    EXPECT_EQ(fonts("Posters"), std::vector<std::string>{"Beta-Regular"});
-    EXPECT_EQ(fonts("Work"), (std::vector<std::string>{"Alpha-Regular", "Beta-Regular"}));
-    EXPECT_EQ(fonts("Everything").size(), 3u);
-    world.RunForJson({"set", "add", "Poster", "Gamma"});
-    EXPECT_EQ(fonts("Work").size(), 3u);
-
-    const auto refusal = [&](const std::vector<std::string>& arguments) {
-        const ProgramResult result = world.Run(arguments);
-        EXPECT_EQ(result.status, 1);
-        return result.errors;
-    };
-    EXPECT_THAT(refusal({"smartlist", "rename", "Work", "Posters"}),
-                testing::HasSubstr("choose another name"));
-    EXPECT_THAT(refusal({"smartlist", "create", "New", "--set", "Nowhere"}), testing::HasSubstr("no set"));
-    EXPECT_THAT(refusal({"smartlist", "create", "New", "--workgroup", "Nowhere"}),
-                testing::HasSubstr("no workgroup"));
-    EXPECT_THAT(refusal({"smartlist", "fonts", "Nowhere"}), testing::HasSubstr("no smart list \"Nowhere\""));
-    world.RunForJson({"smartlist", "rename", "Work", "Project"});
-    world.RunForJson({"smartlist", "delete", "Posters"});
-    EXPECT_EQ(world.Run({"smartlist", "list"}).output, "Everything\nProject\n");
-    EXPECT_EQ(fonts("Project"), std::vector<std::string>{"Alpha-Regular"});
+    for (const Step& step : kSteps) {
+        std::istringstream line(step.words);
+        std::vector<std::string> words;
+        for (std::string word; std::getline(line, word, '|');)
+            words.push_back(word.starts_with("FONTS") ? world.Path("fonts" + word.substr(5)) : word);
+        const ProgramResult result = world.Run(words);
+        EXPECT_EQ(result.status, step.status) << step.words << ": " << result.errors;
+        EXPECT_THAT(result.output + result.errors, testing::HasSubstr(step.said)) << step.words;
+        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), step.status != 0 ? 1 : 0)
+            << result.errors;
+    }
+    EXPECT_TRUE(world.ActiveFiles().empty());
+    EXPECT_EQ(world.FilesBelow(kVault).size(), 2u);
 }
 
 TEST(CommandLine, TellsPluginsHowToStartTheAgent) {
@@ -233,22 +178,6 @@ TEST(Agent, IsStoppedThoughItsAddressLeadsNowhere) {
         EXPECT_THAT(world.Run({"stop"}).errors, testing::HasSubstr("no agent is running"));
         world.StartAgent();
     }
-}
-
-TEST(Agent, LosesNothingWhenItIsKilled) {
-    TestWorld world;
-    world.StartAgent();
-    world.WriteFont("Sample-Bold");
-    world.RunForJson({"add", world.Path("fonts")});
-    world.RunForJson({"activate", "Sample-Bold"});
-    world.RunForJson({"login", "someone"});
-    const auto links = world.ActiveFiles();
-    world.KillAgent();
-    world.Write("data/fonts/Vantorix/00/" + std::string(64, '0') + ".ttf", "stray");
-    world.StartAgent();
-    EXPECT_EQ(NamesOf(world.RunForJson({"list"})["fonts"]), std::vector<std::string>{"Sample-Bold"});
-    EXPECT_EQ(world.RunForJson({"status"})["userName"], "someone");
-    EXPECT_EQ(world.ActiveFiles(), links);
 }
 
 std::string AgentLog() {

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "GFontManagerConstants.h"
 #include "TestFonts.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
 #include "scan/FontFiles.h"
 
@@ -13,17 +15,25 @@ namespace {
 
 const TestFontNames kBold{"Sample-Bold", "Sample Sans", "Bold", "2.5"};
 
-TEST(FontScanner, ReadsTheNamesOfAFont) {
+TEST(FontScanner, ReadsEveryMemberOfACollectionAndSaysWhyAFileIsNone) {
+    FontScanner scanner;
     std::string reason;
-    const auto faces = FontScanner().Scan(MakeTestFont(kBold), reason);
-    ASSERT_EQ(faces.size(), 1u) << reason;
-    EXPECT_EQ(faces[0].postScriptName, "Sample-Bold");
-    EXPECT_EQ(faces[0].family, "Sample Sans");
+    const auto faces =
+        scanner.Scan(MakeTestFontCollection({kBold, {"Other", "Other", "Regular", "1"}}), reason);
+    ASSERT_EQ(faces.size(), 2u) << reason;
     EXPECT_EQ(faces[0].style, "Bold");
     EXPECT_EQ(faces[0].fullName, "Sample Sans Bold");
-    EXPECT_EQ(faces[0].version, "Version 2.5");
     EXPECT_EQ(faces[0].foundry, "TEST");
-    EXPECT_EQ(faces[0].kind, GFontManagerConstants::kFontKind_trueType);
+    EXPECT_EQ(faces[1].postScriptName, "Other");
+    EXPECT_EQ(faces[1].face, 1);
+    EXPECT_EQ(faces[1].kind, GFontManagerConstants::kFontKind_trueTypeCollection);
+    EXPECT_EQ(scanner.Scan(MakeTestFont(kBold), reason)[0].kind, GFontManagerConstants::kFontKind_trueType);
+    const std::string withoutOutlines = MakeTestFont(kBold).substr(0, 12 + 16 * 10 + 200);
+    for (const auto& [content, why] : std::map<std::string, std::string>{
+             {"wOF2@", "a web font, which documents cannot use"}, {withoutOutlines, kReason_Damaged}}) {
+        EXPECT_TRUE(scanner.Scan(content, reason).empty());
+        EXPECT_EQ(reason, why);
+    }
 }
 
 TEST(FontScanner, NamesLoseWhatWouldActOnATerminalOrHideThem) {
@@ -35,32 +45,6 @@ TEST(FontScanner, NamesLoseWhatWouldActOnATerminalOrHideThem) {
     EXPECT_EQ(faces[0].family, "Smpl");
     EXPECT_EQ(faces[0].style, "Bld");
     EXPECT_EQ(CleanName(" a\u202Eb\u2066c\u2029\u061C "), "abc");
-}
-
-TEST(FontScanner, ReadsEveryMemberOfACollection) {
-    std::string reason;
-    const auto faces =
-        FontScanner().Scan(MakeTestFontCollection({kBold, {"Other", "Other", "Regular", "1"}}), reason);
-    ASSERT_EQ(faces.size(), 2u) << reason;
-    EXPECT_EQ(faces[0].postScriptName, "Sample-Bold");
-    EXPECT_EQ(faces[1].postScriptName, "Other");
-    EXPECT_EQ(faces[1].face, 1);
-    EXPECT_EQ(faces[1].kind, GFontManagerConstants::kFontKind_trueTypeCollection);
-}
-
-TEST(FontScanner, SaysWhyAFileIsNoFont) {
-    FontScanner scanner;
-    const auto reasonFor = [&scanner](const std::string& content) {
-        std::string reason;
-        EXPECT_TRUE(scanner.Scan(content, reason).empty());
-        return reason;
-    };
-    EXPECT_EQ(reasonFor("Dear reader, this is a licence."), "not a font file");
-    EXPECT_EQ(reasonFor(""), "not a font file");
-    EXPECT_EQ(reasonFor("wOF2\0\1\0\0"), "a web font, which documents cannot use");
-    std::string withoutOutlines = MakeTestFont(kBold);
-    withoutOutlines.resize(12 + 16 * 10 + 200);
-    EXPECT_EQ(reasonFor(withoutOutlines), kReason_Damaged);
 }
 
 TEST(FontScanner, SurvivesFontsCutAndChangedAnywhere) {

@@ -7,7 +7,7 @@
 #include "FontRecordKeys.h"
 #include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "store/ActivationStore.h"
@@ -56,57 +56,38 @@ protected:
     int mFiles = 0;
 };
 
-TEST_F(FontStoreTest, MatchesPostScriptNamesExactlyBeforeInAnyCase) {
-    Add("sample-bold", "sample", "bold");  // 1
-    Add("Sample-Bold", "Sample", "Bold");  // 2
-    EXPECT_EQ(MatchOf({"Sample-Bold", "", "", "", 0}), "2");
-    EXPECT_EQ(MatchOf({"sample-bold", "", "", "", 0}), "1");
-    EXPECT_EQ(MatchOf({"SAMPLE-BOLD", "", "", "", 0}), "1 2");
-    EXPECT_EQ(MatchOf({"Sample", "", "", "", 0}), "");
-}
-
-TEST_F(FontStoreTest, MatchesFamilyAndStyleInTheirUsualForms) {
-    Add("SmplSns-Bd", "Sample Sans", "Bold");
-    Add("SmplSns-Rg", "Sample Sans", "Regular");
-    for (const char* name : {"Sample Sans Bold", "Sample Sans-Bold", "SampleSans-Bold", "sample sans bold"})
-        EXPECT_EQ(MatchOf({name, "", "", "", 0}), "1") << name;
-    EXPECT_EQ(MatchOf({"", "Sample Sans", "Bold", "", 0}), "1");
-    EXPECT_EQ(MatchOf({"", "Sample Sans", "", "", 0}), "2");  // a family alone means its regular style
-    EXPECT_EQ(MatchOf({"Unknown-Bold", "Sample Sans", "Bold", "", 0}), "1");
-    EXPECT_EQ(MatchOf({"", "Sample Sans", "Italic", "", 0}), "");
-}
-
-TEST_F(FontStoreTest, PutsTheBestOfSeveralFirst) {
-    Add("Sample", "Sample", "Regular", "Version 1.0");
-    Add("Sample", "Sample", "Regular", "Version 2.0");
-    Add("Sample", "Sample", "Regular", "Version 3.0", 5);
-    Add("Sample", "Sample", "Regular", "unreadable");
-    EXPECT_EQ(MatchOf({"Sample", "", "", "", 4}), "2 1 4 3");
-    EXPECT_EQ(MatchOf({"Sample", "", "", "", 5}).substr(0, 1), "3");
-    mFonts.SetFileMissing(mFonts.Find(2)->file.id, true);
-    EXPECT_EQ(MatchOf({"Sample", "", "", "", 4}).substr(0, 1), "1");
-}
-
-TEST_F(FontStoreTest, KnowsActivationStates) {
-    ActivationStore activations(mDatabase);
-    const uint32_t font = Add("Sample", "Sample", "Regular");
-    const auto state = [&] { return mFonts.Find(font)->activationState; };
-    EXPECT_EQ(state(), kFontActivationState_Inactive);
-    activations.AddLease(font, {{10, 20}, LeasePurpose::kDocument, "document"});
-    activations.AddLease(font, {{10, 20}, LeasePurpose::kDocument, "another"});
-    activations.AddLease(font, {{10, 21}, LeasePurpose::kPreview, ""});
-    EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);
-    activations.AddUserActivation(font);
-    EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
-    EXPECT_TRUE(activations.HasLease({10, 20}, font));
-    EXPECT_FALSE(activations.HasLease({10, 22}, font));
-    EXPECT_FALSE(activations.HasLease({11, 20}, font));
-    EXPECT_TRUE(activations.RemoveUserActivation(font));
-    EXPECT_TRUE(activations.EndLeases({10, 20}, LeasePurpose::kDocument, font));
-    EXPECT_FALSE(activations.EndLeases({10, 20}, LeasePurpose::kDocument, font));
-    EXPECT_EQ(state(), kFontActivationState_ActivatedByPlugin);  // the number was given to a new process
-    EXPECT_TRUE(activations.EndAllLeases({10, 21}, font));
-    EXPECT_EQ(state(), kFontActivationState_Inactive);
+TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
+    Add("sample-bold", "sample", "bold");              // 1
+    Add("Sample-Bold", "Sample", "Bold");              // 2
+    Add("SmplSns-Bd", "Sample Sans", "Bold");          // 3
+    Add("SmplSns-Rg", "Sample Sans", "Regular");       // 4
+    Add("Many", "Many", "Regular", "Version 1.0");     // 5
+    Add("Many", "Many", "Regular", "Version 2.0");     // 6
+    Add("Many", "Many", "Regular", "Version 3.0", 5);  // 7
+    Add("Many", "Many", "Regular", "unreadable");      // 8
+    Add("Hyphen", "-", "-");                           // 9
+    const struct {
+        RequestedFont request;
+        const char* found;
+    } cases[] = {{{"Sample-Bold", "", "", "", 0}, "2"},  // exactly, before in any case
+                 {{"sample-bold", "", "", "", 0}, "1"},
+                 {{"SAMPLE-BOLD", "", "", "", 0}, "1 2"},
+                 {{"Sample", "", "", "", 0}, ""},
+                 {{"Sample Sans Bold", "", "", "", 0}, "3"},
+                 {{"Sample Sans-Bold", "", "", "", 0}, "3"},
+                 {{"SampleSans-Bold", "", "", "", 0}, "3"},
+                 {{"", "Sample Sans", "Bold", "", 0}, "3"},
+                 {{"", "Sample Sans", "", "", 0}, "4"},  // a family alone means its regular style
+                 {{"Unknown-Bold", "Sample Sans", "Bold", "", 0}, "3"},
+                 {{"", "Sample Sans", "Italic", "", 0}, ""},
+                 {{"Many", "", "", "", 4}, "6 5 8 7"},
+                 {{"Many", "", "", "", 5}, "7 6 5 8"},
+                 {{"_", "", "", "", 0}, ""}};  // nothing goes by an empty name
+    for (const auto& [request, found] : cases)
+        EXPECT_EQ(MatchOf(request), found) << request.postScriptName << request.family << request.style;
+    EXPECT_TRUE(mFonts.ListNamed("", 0, kListPageSize).empty());
+    mFonts.SetFileMissing(mFonts.Find(6)->file.id, true);
+    EXPECT_EQ(MatchOf({"Many", "", "", "", 4}).substr(0, 1), "5");
 }
 
 TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) {
@@ -162,58 +143,6 @@ TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
     EXPECT_EQ(mFonts.FindActive("Many").front().id, first + 4000);
 }
 
-TEST_F(FontStoreTest, NothingGoesByAnEmptyName) {
-    Add("Hyphen", "-", "-");
-    EXPECT_EQ(MatchOf({"_", "", "", "", 0}), "");
-    EXPECT_TRUE(mFonts.ListNamed("", 0, kListPageSize).empty());
-}
-
-TEST_F(FontStoreTest, FontsOfADeletedWorkgroupMoveToItsHeir) {
-    WorkgroupStore workgroups(mDatabase);
-    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
-    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_FontLibrary);
-    const int32_t other = workgroups.Create("Other", kWorkgroupType_FontLibrary);
-    const uint32_t alone = Add("Alone", "Alone", "Regular");
-    const uint32_t shared = Add("Shared", "Shared", "Regular");
-    workgroups.AddFont(deleted, alone);
-    workgroups.AddFont(deleted, shared);
-    workgroups.AddFont(other, shared);
-    workgroups.Delete(deleted, heir);
-    EXPECT_EQ(mFonts.FindByPostScriptName("Alone", heir).size(), 1u);
-    EXPECT_EQ(mFonts.FindByFamily("Shared", heir).size(), 0u);
-    EXPECT_EQ(mFonts.FindByFamily("Shared", other).size(), 1u);
-}
-
-TEST_F(FontStoreTest, SetsGoWithTheirWorkgroupAndLoseRemovedFonts) {
-    WorkgroupStore workgroups(mDatabase);
-    SetStore sets(mDatabase);
-    const int32_t heir = workgroups.FirstOfType(kWorkgroupType_FontLibrary)->id;
-    const int32_t deleted = workgroups.Create("Project", kWorkgroupType_FontLibrary);
-    const uint32_t removed = Add("Removed", "Removed", "Regular");
-    const uint32_t kept = Add("Kept", "Kept", "Regular");
-    const uint32_t elsewhere = Add("Elsewhere", "Elsewhere", "Regular");
-    const int32_t doomed = sets.Create(deleted, "Poster");
-    const int32_t staying = sets.Create(heir, "Poster");
-    for (const uint32_t font : {kept, removed, elsewhere})
-        EXPECT_TRUE(sets.AddFont(doomed, font));
-    EXPECT_TRUE(sets.AddFont(staying, removed));
-    EXPECT_TRUE(sets.AddFont(staying, kept));
-    EXPECT_FALSE(sets.AddFont(staying, kept));
-    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 2u);
-    EXPECT_EQ(mFonts.ListInSet(doomed, 0, 2).size(), 2u);
-
-    mFonts.RemoveFile(mFonts.Find(removed)->file.id);
-    workgroups.Delete(deleted, heir);
-    EXPECT_FALSE(sets.Find(doomed));
-    ASSERT_EQ(sets.FindByName("Poster").size(), 1u);
-    EXPECT_EQ(sets.Find(staying)->fontCount, 1);
-    ASSERT_EQ(mFonts.ListInSet(staying, 0, 10).size(), 1u);
-    EXPECT_EQ(mFonts.ListInSet(staying, 0, 10)[0].id, kept);
-    EXPECT_TRUE(mFonts.ListInSet(staying, kept, 10).empty());
-    EXPECT_TRUE(mFonts.Find(elsewhere));
-    EXPECT_THROW(sets.AddFont(doomed, kept), DatabaseError);
-}
-
 TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
     DocumentStore documents(mDatabase);
     const uint32_t first = Add("First", "First", "Regular");
@@ -229,18 +158,6 @@ TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
     EXPECT_EQ(recorded(), second);
     EXPECT_TRUE(documents.Clear("/document"));
     EXPECT_EQ(recorded(), 0);
-}
-
-TEST(Database, TakesBackATransactionThatIsNotCommitted) {
-    Database database(":memory:");
-    PrepareSchema(database);
-    WorkgroupStore workgroups(database);
-    {
-        Transaction transaction(database);
-        workgroups.Create("Draft", kWorkgroupType_FontLibrary);
-    }
-    EXPECT_FALSE(workgroups.FindByName("Draft"));
-    EXPECT_THROW(workgroups.Create("System Fonts", 1), DatabaseError);
 }
 
 TEST(Schema, UpgradesADatabaseOfTheFirstVersion) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "tests/support/TestWorld.h"
 #include "tests/support/VaultFiles.h"
 
@@ -50,18 +50,6 @@ TEST_F(FontVaultTest, KeepsACopyOfAnySizeUnderItsChecksum) {
     }
     EXPECT_EQ(world.FilesBelow("vault").size(), 4u);
     EXPECT_EQ(world.FilesBelow("vault/incoming").size(), 0u);
-}
-
-TEST_F(FontVaultTest, LeavesNothingOfACopyThatDoesNotGetThere) {
-    {
-        ReceivedFile given;
-        ASSERT_EQ(Receive("given up", given), Outcome::kReceived);
-        EXPECT_EQ(world.FilesBelow("vault/incoming").size(), 1u);
-        ReceivedFile stopped;
-        const StopFlag isStopped{true};
-        EXPECT_EQ(Receive("stopped", stopped, isStopped), Outcome::kStopped);
-    }
-    EXPECT_EQ(world.FilesBelow("vault").size(), 0u);
 }
 
 TEST_F(FontVaultTest, SeesOtherBytesOfTheSameNumber) {

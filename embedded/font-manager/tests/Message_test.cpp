@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"
 
 namespace pellwick {

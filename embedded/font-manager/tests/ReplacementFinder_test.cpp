@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "store/Database.h"
 #include "store/Schema.h"
 

@@ -51,11 +51,13 @@ protected:
 };
 
 TEST_F(SmartListStoreTest, HoldsTheFontsThatAreInAnyOfItsSources) {
-    EXPECT_EQ(FontsOf({{mFirst}, {}, {}}), (IDs{1, 2}));
-    EXPECT_EQ(FontsOf({{mFirst, mSecond}, {}, {}}), (IDs{1, 2, 3}));
-    EXPECT_EQ(FontsOf({{mSecond}, {mSet}, {}}), (IDs{2, 3, 4}));
-    EXPECT_EQ(FontsOf(SmartListQuery()), (IDs{1, 2, 3, 4}));
-    EXPECT_EQ(FontsOf({{kAllWorkgroupsID}, {}, {}}), (IDs{1, 2, 3, 4}));
+    const std::pair<SmartListQuery, IDs> cases[] = {{{{mFirst}, {}, {}}, {1, 2}},
+                                                    {{{mFirst, mSecond}, {}, {}}, {1, 2, 3}},
+                                                    {{{mSecond}, {mSet}, {}}, {2, 3, 4}},
+                                                    {{}, {1, 2, 3, 4}},
+                                                    {{{kWorkgroupID_All}, {}, {}}, {1, 2, 3, 4}}};
+    for (const auto& [query, fonts] : cases)
+        EXPECT_EQ(FontsOf(query), fonts);
     EXPECT_EQ(FontsOf(0, {{mSecond}, {mSet}, {}}, 2, 1), (IDs{3}));
 }
 

@@ -1,7 +1,7 @@
 // The process that reads fonts for the agent. It has read what nobody vouches for, so it gets at nothing, and
 // the agent starts another one when it ends.
 #include "StringConversion.h"
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/ProgramArguments.h"
 #include "platform/Worker.h"
 #include "preview/PreviewRenderer.h"

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "ipc/Message.h"
 #include "preview/PreviewFolder.h"
 #include "scan/CleanName.h"

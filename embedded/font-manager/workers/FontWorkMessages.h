@@ -1,4 +1,4 @@
-// What the agent and the process that reads fonts for it say to one another.
+// The messages between the agent and the process that reads fonts for it.
 //
 // Messages are MessagePack objects. A request comes with a font file: {"method": "scan"} for its faces, or
 // {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name. Answers are
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Worker.h"
 #include "preview/NameImage.h"
 #include "store/FontStore.h"
@@ -41,7 +41,7 @@ std::string EncodeRequest(const FontWorkRequest& request);
 std::optional<FontWorkRequest> ParseRequest(std::string_view message);
 
 std::string EncodeScanResult(const ScanResult& result);
-/// Nothing for what no worker in its senses says.
+/// Nothing for a malformed answer.
 std::optional<ScanResult> ParseScanResult(std::string_view message);
 
 std::string EncodeImage(const NameImage& image);

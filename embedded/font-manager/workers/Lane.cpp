@@ -1,6 +1,6 @@
 #include "workers/Lane.h"
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Processes.h"
 
 namespace pellwick {

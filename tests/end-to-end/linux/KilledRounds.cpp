@@ -143,10 +143,10 @@ Observation KilledRounds::Observe() {
         NoteFont(fonts[index], states[index]["isActive"], seen);
     const Json sets = Call(connection, method::kListSets, Json::object());
     for (const Json& set : sets["sets"]) {
-        const std::string name = set[pellwick::kSetNameMember];
-        seen.ids.sets[name] = set[pellwick::kSetIDMember];
+        const std::string name = set[pellwick::member::kName];
+        seen.ids.sets[name] = set[pellwick::member::kID];
         std::set<std::string>& members = seen.facts.sets[name];
-        for (const Json& font : AllFonts(connection, {{"set", set[pellwick::kSetIDMember]}}))
+        for (const Json& font : AllFonts(connection, {{"set", set[pellwick::member::kID]}}))
             members.insert(font[kGS_ChecksumKey]);
     }
     for (const std::string& path : mWorld.FilesBelow(kVault))

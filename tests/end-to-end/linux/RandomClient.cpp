@@ -202,7 +202,7 @@ bool RandomClient::MakeSet() {
             method::kCreateSet, {{"name", name}}, [&](LibraryFacts& facts) { facts.sets[name]; }, result))
         return false;
     if (result.is_object())
-        mIDs.sets[name] = result[pellwick::kSetIDMember];
+        mIDs.sets[name] = result[pellwick::member::kID];
     return true;
 }
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "common/Limits.h"
+#include "common/FontManagerLimits.h"
 #include "ipc/AgentConnection.h"
 #include "ipc/FrameBuffer.h"
 #include "tests/support/RawClient.h"

@@ -1,4 +1,4 @@
-// The interface library in a world whose agent comes and goes, and what it reports meanwhile.
+// The client library in a world whose agent comes and goes, and what it reports meanwhile.
 #pragma once
 
 #include <gtest/gtest.h>

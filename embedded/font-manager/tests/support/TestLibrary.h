@@ -1,4 +1,4 @@
-// The interface library, bound as a plug-in binds it.
+// The client library, bound as a plug-in binds it.
 #pragma once
 
 #include <initializer_list>

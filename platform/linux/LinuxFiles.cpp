@@ -1,0 +1,36 @@
+#include "LinuxFiles.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "Descriptor.h"
+
+namespace platform {
+
+SystemError WriteAll(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = write(descriptor, content.data(), content.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return LastSystemError();
+        content.remove_prefix(static_cast<size_t>(written));
+    }
+    return {};
+}
+
+SystemError Flush(int descriptor) {
+    return fsync(descriptor) == 0 ? SystemError{} : LastSystemError();
+}
+
+SystemError FlushFolder(const std::string& folder) {
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.IsValid())
+        return {};  // one that may be written to but not read
+    const SystemError error = Flush(descriptor.Get());
+    return error.code == EINVAL ? SystemError{} : error;
+}
+
+}  // namespace platform
