@@ -230,12 +230,6 @@ TEST_F(FontResourcesTest, WhatTheSystemDoesNotTakeIsNotActive) {
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Inactive);
 }
 
-TEST_F(FontResourcesTest, AFileIsTakenOutOfTheTableBeforeItIsRemovedFromTheVault) {
-    Lease(0, kHost);
-    Apply([&](Activation& activation) { activation.RemoveFile(mFile); });
-    EXPECT_TRUE(mTable.counts.empty());
-}
-
 TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {
     Lease(0, kHost);
     const std::string stray = mWorld.Write("vault/ab/ab" + std::string(62, '0') + ".ttf", "not recorded");

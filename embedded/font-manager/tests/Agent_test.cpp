@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <list>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <sstream>
 
 #include "FontRecordKeys.h"
@@ -299,8 +301,17 @@ TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
         bad.Send(nonsense);
         EXPECT_TRUE(bad.IsClosedByAgent());
     }
-    RawClient half;
-    half.Send(std::string("\x20\0\0\0ha", 6));  // and then nothing: it may wait for as long as it likes
+    // Hundreds at once, with noise of a fixed seed. Requests of any content are tried by a fuzz target.
+    std::mt19937 random{20261121};
+    const std::string request = *EncodeMessage(
+        {{"id", 1}, {"method", "ListFonts"}, {"args", {{"after", 0}, {"fonts", {1, "x", nullptr}}}}});
+    std::list<RawClient> clients(500);
+    for (RawClient& client : clients) {
+        std::string burst = request + request;
+        for (size_t change = 0; change < 4; ++change)
+            burst[random() % burst.size()] = static_cast<char>(random());
+        client.Send(burst + std::string("\x20\0\0\0ha", 6));  // and half a frame, for which it may wait long
+    }
     EXPECT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
     EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}, result), CoreErrorCodes::kVersionMismatch);
     EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);
