@@ -222,6 +222,10 @@ TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
     Lease(0, kOtherHost);
     EXPECT_EQ(mTable.announcements, 1);
     EXPECT_EQ(mTable.counts, (Counts{{mWay->PathOf(mFile), 1}, {mWay->PathOf(other), 1}}));
+    EndLeases(0, kOtherHost);
+    EXPECT_EQ(mTable.announcements, 1);
+    EndLeases(0, kHost);
+    EXPECT_EQ(mTable.announcements, 2);
 }
 
 TEST_F(FontResourcesTest, WhatTheSystemDoesNotTakeIsNotActive) {

@@ -84,7 +84,7 @@ constexpr Step kSteps[] = {
     {"deactivate|2", 0, "deactivated Sample-Italic\n"},
     {"activate|Nowhere", 1, "no font is called \"Nowhere\""},
     {"list", 0, "     1  active   Sample-Bold"},
-    {"list", 0, "     2  -        Sample-Italic"},
+    {"list", 0, "     2  -        Sample-Italic                             Sample, Italic (TrueType)\n"},
     {"status", 0, "fonts       3, 1 files active\n"},
     {"set|create|Poster", 0, "created Poster in Project\n"},
     {"set|create|Poster", 1, "already; choose another name"},
