@@ -321,11 +321,11 @@ TEST_F(FontByFontTest, FailuresAreReportedAndALostFontManagerEndsTheLoop) {
 }
 
 TEST_F(FontByFontTest, OnlyWhatWasDeactivatedIsReported) {
+    fontManager.Match(5, "Shared");
     fontManager.Match(1, "Ours");
     fontManager.Match(2, "Failing");
     fontManager.Match(3, "Active before", 1);
     fontManager.Match(4, "Taken over");
-    fontManager.Match(5, "Shared");
     Open("A");
     fontManager.Match(5, "Shared");
     Open("B");

@@ -94,14 +94,10 @@ struct ReportKind {
 
 /// By type.
 inline constexpr ReportKind kReportKinds[] = {
-#define STATE_ROWS(name, key, onTrue, data, onFalse)                                                  \
-    {kPluginCallback_##onTrue, kPluginNotification_##name, ReportData::data, key, true,               \
-     ReportHearers::kCoreAndPanels},                                                                  \
-        {kPluginCallback_##onFalse,                                                                   \
-         kPluginNotification_##name,                                                                  \
-         ReportData::kNothing,                                                                        \
-         key,                                                                                         \
-         false,                                                                                       \
+#define STATE_ROWS(name, key, onTrue, data, onFalse)                                                 \
+    {kPluginCallback_##onTrue,     kPluginNotification_##name, ReportData::data, key, true,          \
+     ReportHearers::kCoreAndPanels},                                                                 \
+        {kPluginCallback_##onFalse,    kPluginNotification_##name, ReportData::kNothing, key, false, \
          ReportHearers::kCoreAndPanels},
 #define EVENT_ROW(name, data, key, hearers)                                     \
     {kPluginCallback_##name, kPluginNotification_##name, ReportData::data, key, \
