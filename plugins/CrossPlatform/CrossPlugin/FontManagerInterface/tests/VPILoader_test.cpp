@@ -113,7 +113,7 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_EQ(missingCount, 88u);
     EXPECT_EQ(version, "");
     for (const std::string& line : {"LoadLibraryA('" + kLibrary + "') returned error code 0x00000002 (2)\n",
-                                   "ERROR:  cannot find " + kLibrary + "\n"})
+                                    "ERROR:  cannot find " + kLibrary + "\n"})
         EXPECT_THAT(trace.Text(), HasSubstr(line));
     EXPECT_THAT(trace.Text(),
                 EndsWith("VPILoader::IsLoaded() returning false because all 88 functions are missing.\n"));
