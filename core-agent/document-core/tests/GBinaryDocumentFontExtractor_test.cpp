@@ -151,7 +151,11 @@ TEST_F(ExtractorTest, ChunksAreOfThePrescribedSize) {
 
 TEST(EraseImpossibleNames, LeavesNamesThatAFontCanHave) {
     Names names{"", "A", std::string(4096, 'b'), std::string(4097, 'c')};
+    CapturedTrace trace;
     EraseImpossibleNames(names);
+    EXPECT_EQ(trace.Text(), "2 name(s) left out that no font can have\n");
+    EraseImpossibleNames(names);
+    EXPECT_EQ(trace.LineCount(), 1u);
     EXPECT_THAT(names, ElementsAre("A", std::string(4096, 'b')));
 }
 

@@ -161,6 +161,7 @@ TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {
     EXPECT_EQ(read("Version 2.51;hotconv 1.0.109"), "2/51/0");
     EXPECT_EQ(read("1.002.003.4"), "1/2/3");
     EXPECT_EQ(read("3."), "3/0/0");
+    EXPECT_EQ(read("1.5"), "1/5/0");
     EXPECT_EQ(read(""), "unreadable");
     EXPECT_EQ(read("beta"), "unreadable");
     EXPECT_EQ(read("1.99999999999"), "unreadable");
