@@ -145,4 +145,6 @@ TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {
     LogMessage(-1, "Exiting");
     EXPECT_EQ(library.log, "Entering\nExiting\n");
     EXPECT_EQ(library.CallsOf("Log"), 2);
+    SetLogFile("host.log");
+    EXPECT_EQ(library.logFile, "host.log");
 }
