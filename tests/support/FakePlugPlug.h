@@ -24,6 +24,7 @@ public:
     FakePlugPlug& operator=(const FakePlugPlug&) = delete;
 
     int32_t answerToListeners = 0;  ///< 0 = success
+    int32_t answerToEvents = 0;     ///< 0 = success
     std::function<void()> whileAdding;
     std::function<void(const std::string& data)> whileDispatching;
     std::vector<std::string> listenedTo;
@@ -69,7 +70,7 @@ private:
         service->events.push_back({event->type, event->scope, event->appId, extensionId, event->data});
         if (service->whileDispatching)
             service->whileDispatching(event->data);
-        return 1;  // a failure: what is sent is sent
+        return service->answerToEvents;
     }
 
     std::string mBuffer;  ///< used again for each delivery, also one from within another

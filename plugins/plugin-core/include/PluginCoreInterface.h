@@ -289,13 +289,13 @@ PLUGINCORE_API uint32_t HandleCloseDocument(const char* path, const char* hint);
 /*
  * A document got a path, or another one. [main thread]
  *
- * path        in
+ * path        in: another document that had it loses it, and is known by its identifier from then on.
  * documentId  in: its identifier.
  *
  * Returns:
  *   PLUGINCORE_SUCCESS
  *   PLUGINCORE_NOT_FOUND      no document has the identifier.
- *   PLUGINCORE_INVALID_PARAM  a null pointer, or another document has the path.
+ *   PLUGINCORE_INVALID_PARAM  a null pointer.
  */
 PLUGINCORE_API uint32_t SetPathForDocument(const char* path, const char* documentId);
 

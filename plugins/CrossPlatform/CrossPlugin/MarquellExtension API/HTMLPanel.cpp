@@ -6,7 +6,7 @@
 
 #include "FailureReport.h"
 #include "FontID.h"
-#include "PanelMessages.h"
+#include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TarnwickPluginInterface.h"
 #include "TraceLog.h"
@@ -47,7 +47,7 @@ ErrorCode HTMLPanel::RegisterHandler() {
                   {"mPlugPlug->AddEventListener(\"com.vantorix.PanelToPlugin\", EventCallback, this) != "
                    "csxs::event::kEventErrorCode_Success",
                    __FILE__, __LINE__},
-                  CoreErrorCodes::kNotInitialized);
+                  CoreErrorCodes::kNotInitialized, GLogger::kDebug);  // expected while the host starts
     return CoreErrorCodes::kNotInitialized;
 }
 
@@ -101,9 +101,9 @@ uint32_t HTMLPanel::GetSocketPort() {
 ErrorCode HTMLPanel::SendMessage(const std::string& message) {
     RETURN_IF_NULL(mPlugPlug);
     const PlugPlugEvent event{kPluginToPanel, kApplicationScope, "HTML", nullptr, message.c_str()};
-    // Nobody can tell whether it arrives.
-    mPlugPlug->DispatchEvent(mPlugPlug, &event);
-    return CoreErrorCodes::kSuccess;
+    // What the service takes may still not arrive; nobody can tell.
+    return mPlugPlug->DispatchEvent(mPlugPlug, &event) == kEventErrorCode_Success ? CoreErrorCodes::kSuccess
+                                                                                  : CoreErrorCodes::kError;
 }
 
 void HTMLPanel::QueueFontImages(CFDictionaryRef fontPNGs) {
@@ -121,22 +121,13 @@ void HTMLPanel::QueueFontImages(CFDictionaryRef fontPNGs) {
 }
 
 ErrorCode HTMLPanel::SendFontImages(CFDictionaryRef fontPNGs) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetFontPNG, kMessageIDKey, root, jsonValue));
+    PanelMessage message(kGetFontPNG);
     QueueFontImages(fontPNGs);
-    JSONValue jsonArray;
-    RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(kFontsKey, root, jsonArray));
-    for (const FontImage& image : mPendingFontImages) {
-        JSONValue fontURLMap;
-        RETURN_IF_FAILED(GJSONUtils::AddMapToArray(jsonArray, fontURLMap));
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.fontID, kFontIDKey, fontURLMap, jsonValue));
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.location, kPngFilenameKey, fontURLMap, jsonValue));
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(image.doubleResolutionLocation, k2xPngFilenameKey,
-                                                    fontURLMap, jsonValue));
-    }
-    std::string responseMessage;
-    RETURN_IF_FAILED(GetMessageFromJSONValue(root, responseMessage));
-    return SendMessage(responseMessage);
+    PanelMessage::Node jsonArray = message.Root().AddArray(kFontsKey);
+    for (const FontImage& image : mPendingFontImages)
+        jsonArray.AddMap("fontURLMap")
+            .Set(kFontIDKey, image.fontID)
+            .Set(kPngFilenameKey, image.location)
+            .Set(k2xPngFilenameKey, image.doubleResolutionLocation);
+    return Send(message);
 }

@@ -1,11 +1,11 @@
 #include "MarquellPanel.h"
 
 #include <algorithm>
-#include <array>
 #include <cinttypes>
+#include <iterator>
 
 #include "FailureReport.h"
-#include "PanelMessages.h"
+#include "PanelMessage.h"
 #include "TraceLog.h"
 
 using namespace panel_messages;
@@ -15,46 +15,23 @@ constexpr char kLogCategory[] = "Miscellaneous";
 }
 
 MarquellPanel::Handler MarquellPanel::HandlerOf(int64_t operatorID) {
-    struct Request {
-        int operatorID;
-        Handler handler;
-    };
-    static constexpr std::array<Request, 28> kRequests{
-        {{kDesignActivateFamilyForFont, &MarquellPanel::DesignActivateFamilyForFont},
-         {kEnableGoogleFonts, &MarquellPanel::GoogleEnableWebFonts},
-         {kAreGoogleFontsEnabled, &MarquellPanel::IsGoogleWebFontsEnabled},
-         {kGetDimensions, &MarquellPanel::GetDimensions},
-         {kSetDimensions, &MarquellPanel::SetDimensions},
-         {kReleaseFontListFile, &MarquellPanel::ReleaseFontListFile},
-         {kIsWindows, &MarquellPanel::IsWindows},
-         {kSetDropDownSelection, &MarquellPanel::SetDropDownSelection},
-         {kGetDropDownSelection, &MarquellPanel::GetDropDownSelection},
-         {kGetFontPNG, &MarquellPanel::GetFontPNGs},
-         {kRenameSmartList, &MarquellPanel::RenameSmartList},
-         {kDeleteSmartList, &MarquellPanel::DeleteSmartList},
-         {kQuerySmartListFonts, &MarquellPanel::QuerySmartListFonts},
-         {kGetSmartList, &MarquellPanel::GetSmartList},
-         {kGetPanelSmartListTree, &MarquellPanel::GetPanelSmartListTree},
-         {kGetAllSmartLists, &MarquellPanel::GetAllSmartLists},
-         {kCreateSmartList, &MarquellPanel::CreateSmartList},
-         {kRequestSmartListFonts, &MarquellPanel::RequestSmartListFonts},
-         {kSetSmartListQuery, &MarquellPanel::SetSmartListQuery},
-         {kRenameSmartListByName, &MarquellPanel::RenameSmartListByName},
-         {kSetFontVersion, &MarquellPanel::SetFontVersion},
-         {kIgnored48, &MarquellPanel::IgnoreMessage},
-         {kIgnored49, &MarquellPanel::IgnoreMessage},
-         {kIgnored51, &MarquellPanel::IgnoreMessage},
-         {kCanAccessGoogleFonts, &MarquellPanel::CanAccessGoogleFonts},
-         {kIgnored59, &MarquellPanel::IgnoreMessage},
-         {kStartPanelInfo, &MarquellPanel::StartPanelInfo},
-         {kSendHostAppKeyPress, &MarquellPanel::SendHostAppKeyPress}}};
-    const auto found = std::find_if(kRequests.begin(), kRequests.end(),
-                                    [&](const Request& each) { return each.operatorID == operatorID; });
-    return found != kRequests.end() ? found->handler : nullptr;
+    switch (operatorID) {
+#define HANDLER_CASE(constant, id, handler) \
+    case id:                                \
+        return &MarquellPanel::handler;
+        PANEL_REQUESTS(HANDLER_CASE)
+#undef HANDLER_CASE
+        default:
+            break;
+    }
+    const bool isIgnored = std::find(std::begin(kIgnoredRequests), std::end(kIgnoredRequests), operatorID) !=
+                           std::end(kIgnoredRequests);
+    return isIgnored ? &MarquellPanel::IgnoreMessage : nullptr;
 }
 
 void MarquellPanel::Close() {
     mIsClosed = true;
+    mFontsToRender.clear();
     mFontListFiles.ReleaseAll();
 }
 
@@ -69,7 +46,7 @@ ErrorCode MarquellPanel::CallMethodForMessage(const std::string& message) {
     JSONValue root;
     RETURN_IF_FAILED(GetJSONValueFromMessage(message, root, jsonObject));
     int64_t operatorID = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(root, kMessageIDKey, operatorID));
+    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(root, kMessageIDKey.text, operatorID));
     const Handler handler = HandlerOf(operatorID);
     if (handler == nullptr) {
         LogMessage(0, "Unknown operator ID from panel '%" PRId64 "'.", operatorID);
@@ -90,72 +67,37 @@ ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSO
     return CoreErrorCodes::kSuccess;
 }
 
-JSONValue MarquellPanel::NewMessage(JSONObject& document) {
-    document.load_map();
-    return document.root();
-}
-
-ErrorCode MarquellPanel::GetMessageFromJSONValue(const JSONValue& root, std::string& message) {
-    try {
-        message = root.to_json();
-        return CoreErrorCodes::kSuccess;
-    } catch (const std::exception& exception) {
-        GLogger::GetSharedInstance().Log(kLogCategory, GLogger::kError, "Failed to write JSON: %s",
-                                         exception.what());
-        const ErrorCode err = CoreErrorCodes::kInvalidParam;
-        RETURN_IF_FAILED(err);
-        return err;
-    }
-}
-
-ErrorCode MarquellPanel::SendReply(const JSONValue& root) {
+ErrorCode MarquellPanel::Send(const PanelMessage& message) {
     std::string responseMessage;
-    RETURN_IF_FAILED(GetMessageFromJSONValue(root, responseMessage));
+    if (const ErrorCode code = message.Write(responseMessage))
+        return code;
     const ErrorCode code = SendMessage(responseMessage);
     if (code != CoreErrorCodes::kSuccess)
         ReportFailure(kLogCategory, {"SendMessageW(responseMessage)", __FILE__, __LINE__}, code);
     return code;
 }
 
-ErrorCode MarquellPanel::SendReturnCode(int messageID, ErrorCode returnCode) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(messageID, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(returnCode, kReturnCodeKey, root, jsonValue));
-    return SendReply(root);
+ErrorCode MarquellPanel::SendReturnCode(const MessageID& id, ErrorCode returnCode) {
+    return Send(PanelMessage(id).Set(kReturnCodeKey, returnCode));
 }
 
 ErrorCode MarquellPanel::SetEnabled(bool enabled) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kEnabled, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(enabled, kIsEnabledKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kEnabled).Set(kIsEnabledKey, enabled));
 }
 
 ErrorCode MarquellPanel::SendProgress(int messageID, const std::string& text, int stepIndex, int numSteps) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(messageID, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(text, kTextKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(stepIndex, kStepIndexKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(numSteps, kNumStepsKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(MessageID{messageID, "messageID"})
+                    .Set(kTextKey, text)
+                    .Set(kStepIndexKey, stepIndex)
+                    .Set(kNumStepsKey, numSteps));
 }
 
 ErrorCode MarquellPanel::FontActivationError(uint32_t fontID, uint32_t conflictID) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kFontActivationError, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(fontID, kFontIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(conflictID != 0, kIsConflictErrorKey, root, jsonValue));
+    PanelMessage message(kFontActivationError);
+    message.Set(kFontIDKey, fontID).Set(kIsConflictErrorKey, conflictID != 0);
     if (conflictID != 0)
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(conflictID, kConflictIDKey, root, jsonValue));
-    return SendReply(root);
+        message.Set(kConflictIDKey, conflictID);
+    return Send(message);
 }
 
 ErrorCode MarquellPanel::IgnoreMessage(const JSONValue&) {

@@ -7,6 +7,8 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <cstdint>
+#include <deque>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "ErrorCodes.h"
 #include "FontListFiles.h"
 #include "GJSONUtils.h"
+#include "PanelMessage.h"
 #include "VPILoader.h"
 
 class MarquellPanel {
@@ -36,22 +39,18 @@ public:
     virtual ErrorCode PushLoggedInStateChangedNotification(int32_t serverType);
     virtual ErrorCode PushOnlineStateChangedNotification(bool isOnline);
     virtual ErrorCode PushGoogleWebFontsEnabledNotificaton(bool enabled);
-    virtual ErrorCode PushFontActivatedNotification(uint32_t fontID);
-    virtual ErrorCode PushFontDeactivatedNotification(uint32_t fontID);
-    virtual ErrorCode PushFontMissingNotification(uint32_t fontID);
-    virtual ErrorCode PushFontNonCompliantNotification(uint32_t fontID);
-    virtual ErrorCode PushBulkReplicationProgressNotification(CFDictionaryRef details);
-    virtual ErrorCode PushBulkReplicationStoppedNotification();
-    virtual ErrorCode PushIncrementalReplicationProgressNotification(CFDictionaryRef details);
-    virtual ErrorCode PushIncrementalReplicationStoppedNotification();
-    virtual ErrorCode PushGoogleReplicationProgressNotification(CFDictionaryRef details);
-    virtual ErrorCode PushGoogleReplicationStoppedNotification();
-    virtual ErrorCode PushFontServerReplicationProgressNotification(CFDictionaryRef details);
-    virtual ErrorCode PushFontServerReplicationStoppedNotification();
-    virtual ErrorCode PushDataChangedNotification();
-    virtual ErrorCode PushSmartListsChangedNotification();
-    virtual ErrorCode PushOfflineDownloadFinishedNotification();
+    /// Nothing pushes this yet: SetEnabled tells panels whether the plug-in is available.
     virtual ErrorCode PushServicesEnabledNotification(bool enabled);
+#define DECLARE_FONT_PUSH(what, id, report) virtual ErrorCode Push##what##Notification(uint32_t fontID);
+#define DECLARE_PROGRESS_PUSH(what, id, report) \
+    virtual ErrorCode Push##what##Notification(CFDictionaryRef details);
+#define DECLARE_PUSH(what, id, report) virtual ErrorCode Push##what##Notification();
+    PANEL_FONT_NOTIFICATIONS(DECLARE_FONT_PUSH)
+    PANEL_PROGRESS_NOTIFICATIONS(DECLARE_PROGRESS_PUSH)
+    PANEL_PLAIN_NOTIFICATIONS(DECLARE_PUSH)
+#undef DECLARE_FONT_PUSH
+#undef DECLARE_PROGRESS_PUSH
+#undef DECLARE_PUSH
 
     // ---- Transport
 
@@ -71,64 +70,37 @@ public:
 
     // ---- Reports that belong to no request
 
-    /// How far a long piece of work has come, under the message ID of that work.
+    /// How far a long piece of work has come, under the message ID of that work. Nothing reports it yet: the
+    /// font manager's tasks are none that panels begin.
     ErrorCode SendProgress(int messageID, const std::string& text, int stepIndex, int numSteps);
     /// A font could not be activated; `conflictID` is the font that is in its way, 0 when that is not the
     /// reason.
     ErrorCode FontActivationError(uint32_t fontID, uint32_t conflictID);
 
 protected:
-    /// An empty JSON object in `document`.
-    static JSONValue NewMessage(JSONObject& document);
-    static ErrorCode GetMessageFromJSONValue(const JSONValue& root, std::string& message);
-    static ErrorCode GetJSONValueFromMessage(const std::string& message, JSONValue& jsonValue,
-                                             JSONObject& document);
+    /// Writes the message and sends it, unless it has failed.
+    ErrorCode Send(const PanelMessage& message);
 
 private:
     using Handler = ErrorCode (MarquellPanel::*)(const JSONValue& jsonValue);
 
-    /// What a smart list is made of, as messages and the font manager's functions carry it.
+    /// What a smart list is made of, as the font manager's functions take it.
     struct SmartListQuery {
-        std::vector<int32_t> workgroupIDs;
-        std::vector<int32_t> setIDs;
-        std::vector<int32_t> smartSetIDs;
+        CFRef<CFArrayRef> workgroupIDs;
+        CFRef<CFArrayRef> setIDs;
+        CFRef<CFArrayRef> smartSetIDs;
     };
 
     static Handler HandlerOf(int64_t operatorID);
-    ErrorCode SendReply(const JSONValue& root);
-    ErrorCode SendReturnCode(int messageID, ErrorCode returnCode);
+    static ErrorCode GetJSONValueFromMessage(const std::string& message, JSONValue& jsonValue,
+                                             JSONObject& document);
+    ErrorCode SendReturnCode(const panel_messages::MessageID& id, ErrorCode returnCode);
 
-    // Requests about the panel and the web fonts.
+#define DECLARE_HANDLER(constant, id, handler) ErrorCode handler(const JSONValue& jsonValue);
+    PANEL_REQUESTS(DECLARE_HANDLER)
+#undef DECLARE_HANDLER
     ErrorCode IgnoreMessage(const JSONValue& jsonValue);
-    ErrorCode StartPanelInfo(const JSONValue& jsonValue);
-    ErrorCode IsWindows(const JSONValue& jsonValue);
-    ErrorCode GetDimensions(const JSONValue& jsonValue);
-    ErrorCode SetDimensions(const JSONValue& jsonValue);
-    ErrorCode SetDropDownSelection(const JSONValue& jsonValue);
-    ErrorCode GetDropDownSelection(const JSONValue& jsonValue);
-    ErrorCode SendHostAppKeyPress(const JSONValue& jsonValue);
-    ErrorCode CanAccessGoogleFonts(const JSONValue& jsonValue);
-    ErrorCode GoogleEnableWebFonts(const JSONValue& jsonValue);
-    ErrorCode IsGoogleWebFontsEnabled(const JSONValue& jsonValue);
 
-    // Requests about fonts.
-    ErrorCode DesignActivateFamilyForFont(const JSONValue& jsonValue);
-    ErrorCode GetFontPNGs(const JSONValue& jsonValue);
-    ErrorCode SetFontVersion(const JSONValue& jsonValue);
-
-    // Requests about smart lists.
-    ErrorCode RenameSmartList(const JSONValue& jsonValue);
-    ErrorCode RenameSmartListByName(const JSONValue& jsonValue);
-    ErrorCode DeleteSmartList(const JSONValue& jsonValue);
-    ErrorCode QuerySmartListFonts(const JSONValue& jsonValue);
-    ErrorCode SetSmartListQuery(const JSONValue& jsonValue);
-    ErrorCode CreateSmartList(const JSONValue& jsonValue);
-    ErrorCode SendCreatedSmartList(int32_t smartListID, const std::string& smartListName);
-    ErrorCode GetSmartList(const JSONValue& request);
-    ErrorCode GetPanelSmartListTree(const JSONValue& request);
-    ErrorCode GetAllSmartLists(const JSONValue& jsonValue);
-    ErrorCode RequestSmartListFonts(const JSONValue& jsonValue);
-    ErrorCode ReleaseFontListFile(const JSONValue& jsonValue);
     ErrorCode GetSmartListFonts(int32_t smartListID);
     ErrorCode SendFontList(CFArrayRef fonts);
     using SmartListQueryFunction = uint32_t (*PluginFunctionTable::*)(PluginFacadeRef, int32_t, CFArrayRef,
@@ -138,20 +110,24 @@ private:
     static ErrorCode GetQuery(const JSONValue& jsonValue, SmartListQuery& query);
     static ErrorCode ReadSmartList(const JSONValue& jsonValue, int32_t& smartListID,
                                    CFRef<CFDictionaryRef>& smartList);
-    static ErrorCode AddIDs(const char* key, CFArrayRef ids, JSONValue& root);
 
     // Notifications.
-    ErrorCode Queue(int notificationID);
-    ErrorCode QueueFontEvent(uint32_t fontID, int notificationID);
-    std::set<uint32_t>* FontIDsOf(int notificationID);
+    ErrorCode Queue(const panel_messages::MessageID& notification);
+    ErrorCode QueueFontEvent(uint32_t fontID, const panel_messages::MessageID& notification);
     ErrorCode SendNotification(int notificationID);
+    /// Has the images of some fonts made that were asked for: a screenful at a time, so that the host's
+    /// thread is not kept.
+    ErrorCode RenderNextFonts();
 
     bool mIsClosed = false;
     FontListFiles mFontListFiles;
     bool mIsPopping = false;
     std::set<int> mPendingNotifications;
-    std::set<uint32_t> mActivatedFonts;
-    std::set<uint32_t> mDeactivatedFonts;
-    std::set<uint32_t> mMissingFonts;
-    std::set<uint32_t> mNonCompliantFonts;
+    /// Those pushed, by font notification.
+    std::map<int, std::set<uint32_t>> mFontIDs{
+#define NO_FONTS(what, id, report) {id, {}},
+        PANEL_FONT_NOTIFICATIONS(NO_FONTS)
+#undef NO_FONTS
+    };
+    std::deque<uint32_t> mFontsToRender;  ///< each once
 };

@@ -5,7 +5,7 @@
 #include "FailureReport.h"
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
-#include "PanelMessages.h"
+#include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 
@@ -15,48 +15,36 @@ namespace {
 constexpr char kLogCategory[] = "Miscellaneous";
 }
 
-ErrorCode MarquellPanel::Queue(int notificationID) {
-    mPendingNotifications.insert(notificationID);
+ErrorCode MarquellPanel::Queue(const MessageID& notification) {
+    mPendingNotifications.insert(notification.number);
     return CoreErrorCodes::kSuccess;
 }
 
-std::set<uint32_t>* MarquellPanel::FontIDsOf(int notificationID) {
-    switch (notificationID) {
-        case kFontActivatedNotification:
-            return &mActivatedFonts;
-        case kFontDeactivatedNotification:
-            return &mDeactivatedFonts;
-        case kFontMissingNotification:
-            return &mMissingFonts;
-        case kFontNonCompliantNotification:
-            return &mNonCompliantFonts;
-        default:
-            return nullptr;
-    }
-}
-
-ErrorCode MarquellPanel::QueueFontEvent(uint32_t fontID, int notificationID) {
+ErrorCode MarquellPanel::QueueFontEvent(uint32_t fontID, const MessageID& notification) {
     if (!MarquellGlobals::IsConnectedToCore())
         return CoreErrorCodes::kSuccess;
-    FontIDsOf(notificationID)->insert(fontID);
-    return Queue(notificationID);
+    mFontIDs.at(notification.number).insert(fontID);
+    return Queue(notification);
 }
 
-ErrorCode MarquellPanel::PushFontActivatedNotification(uint32_t fontID) {
-    return QueueFontEvent(fontID, kFontActivatedNotification);
-}
-
-ErrorCode MarquellPanel::PushFontDeactivatedNotification(uint32_t fontID) {
-    return QueueFontEvent(fontID, kFontDeactivatedNotification);
-}
-
-ErrorCode MarquellPanel::PushFontMissingNotification(uint32_t fontID) {
-    return QueueFontEvent(fontID, kFontMissingNotification);
-}
-
-ErrorCode MarquellPanel::PushFontNonCompliantNotification(uint32_t fontID) {
-    return QueueFontEvent(fontID, kFontNonCompliantNotification);
-}
+#define DEFINE_FONT_PUSH(what, id, report)                               \
+    ErrorCode MarquellPanel::Push##what##Notification(uint32_t fontID) { \
+        return QueueFontEvent(fontID, k##what##Notification);            \
+    }
+#define DEFINE_PROGRESS_PUSH(what, id, report)                           \
+    ErrorCode MarquellPanel::Push##what##Notification(CFDictionaryRef) { \
+        return Queue(k##what##Notification);                             \
+    }
+#define DEFINE_PUSH(what, id, report)                     \
+    ErrorCode MarquellPanel::Push##what##Notification() { \
+        return Queue(k##what##Notification);              \
+    }
+PANEL_FONT_NOTIFICATIONS(DEFINE_FONT_PUSH)
+PANEL_PROGRESS_NOTIFICATIONS(DEFINE_PROGRESS_PUSH)
+PANEL_PLAIN_NOTIFICATIONS(DEFINE_PUSH)
+#undef DEFINE_FONT_PUSH
+#undef DEFINE_PROGRESS_PUSH
+#undef DEFINE_PUSH
 
 ErrorCode MarquellPanel::PushGoogleWebFontsEnabledNotificaton(bool enabled) {
     if (!MarquellGlobals::IsConnectedToCore())
@@ -74,70 +62,23 @@ ErrorCode MarquellPanel::PushLoggedInStateChangedNotification(int32_t) {
     return Queue(kLoggedInStateChangedNotification);
 }
 
-ErrorCode MarquellPanel::PushBulkReplicationProgressNotification(CFDictionaryRef) {
-    return Queue(kBulkReplicationProgressNotification);
-}
-
-ErrorCode MarquellPanel::PushBulkReplicationStoppedNotification() {
-    return Queue(kBulkReplicationStoppedNotification);
-}
-
-ErrorCode MarquellPanel::PushIncrementalReplicationProgressNotification(CFDictionaryRef) {
-    return Queue(kIncrementalReplicationProgressNotification);
-}
-
-ErrorCode MarquellPanel::PushIncrementalReplicationStoppedNotification() {
-    return Queue(kIncrementalReplicationStoppedNotification);
-}
-
-ErrorCode MarquellPanel::PushGoogleReplicationProgressNotification(CFDictionaryRef) {
-    return Queue(kGoogleReplicationProgressNotification);
-}
-
-ErrorCode MarquellPanel::PushGoogleReplicationStoppedNotification() {
-    return Queue(kGoogleReplicationStoppedNotification);
-}
-
-ErrorCode MarquellPanel::PushFontServerReplicationProgressNotification(CFDictionaryRef) {
-    return Queue(kFontServerReplicationProgressNotification);
-}
-
-ErrorCode MarquellPanel::PushFontServerReplicationStoppedNotification() {
-    return Queue(kFontServerReplicationStoppedNotification);
-}
-
-ErrorCode MarquellPanel::PushDataChangedNotification() {
-    return Queue(kDataChangedNotification);
-}
-
-ErrorCode MarquellPanel::PushSmartListsChangedNotification() {
-    return Queue(kSmartListsChangedNotification);
-}
-
-ErrorCode MarquellPanel::PushOfflineDownloadFinishedNotification() {
-    return Queue(kOfflineDownloadFinishedNotification);
-}
-
 ErrorCode MarquellPanel::PushServicesEnabledNotification(bool enabled) {
     return Queue(enabled ? kServicesEnabledNotification : kServicesDisabledNotification);
 }
 
 ErrorCode MarquellPanel::SendNotification(int notificationID) {
-    const int* notification = &notificationID;
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(*notification, kMessageIDKey, root, jsonValue));
-    std::set<uint32_t>* fontIDs = FontIDsOf(notificationID);
-    if (fontIDs == nullptr)
-        return SendReply(root);
-    JSONValue jsonArray;
-    RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(kFontIDsKey, root, jsonArray));
-    for (const uint32_t fontID : *fontIDs)
-        RETURN_IF_FAILED(GJSONUtils::AddValueToArray(jsonArray, fontID, jsonValue));
-    std::set<uint32_t> unsent = std::exchange(*fontIDs, {});
-    const ScopeExit keepUnsent([&] { fontIDs->merge(unsent); });
-    const ErrorCode code = SendReply(root);
+    PanelMessage message(MessageID{notificationID, "*notification"});
+    const auto fonts = mFontIDs.find(notificationID);
+    if (fonts == mFontIDs.end())
+        return Send(message);
+    std::set<uint32_t>& fontIDs = fonts->second;
+    PanelMessage::Node jsonArray = message.Root().AddArray(kFontIDsKey);
+    for (const uint32_t fontID : fontIDs)
+        jsonArray.Add(fontID);
+    // What is pushed from within the sending waits for the next one.
+    std::set<uint32_t> unsent = std::exchange(fontIDs, {});
+    const ScopeExit keepUnsent([&] { fontIDs.merge(unsent); });
+    const ErrorCode code = Send(message);
     if (code == CoreErrorCodes::kSuccess)
         unsent.clear();
     return code;
@@ -153,6 +94,7 @@ ErrorCode MarquellPanel::PopNotifications() {
     if (mIsPopping || mIsClosed)
         return CoreErrorCodes::kSuccess;
     mIsPopping = true;
+    static_cast<void>(RenderNextFonts());  // reported there
     std::set<int> unsent = std::exchange(mPendingNotifications, {});
     bool haveFontsGone = false;
     const ScopeExit settle([&] {
@@ -165,9 +107,9 @@ ErrorCode MarquellPanel::PopNotifications() {
         const int notificationID = *unsent.begin();
         RETURN_IF_FAILED(SendNotification(notificationID));
         unsent.erase(unsent.begin());
-        haveFontsGone = haveFontsGone || notificationID == kFontDeactivatedNotification ||
-                        notificationID == kFontMissingNotification ||
-                        notificationID == kFontNonCompliantNotification;
+        haveFontsGone = haveFontsGone || notificationID == kFontDeactivatedNotification.number ||
+                        notificationID == kFontMissingNotification.number ||
+                        notificationID == kFontNonCompliantNotification.number;
     }
     return CoreErrorCodes::kSuccess;
 }

@@ -2,13 +2,19 @@
 
 #include <CoreFoundation++/CFRef.h>
 
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
 #include "FailureReport.h"
 #include "FontID.h"
 #include "FontManagerCall.h"
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
-#include "PanelMessages.h"
+#include "PanelMessage.h"
+#include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Files.h"
@@ -18,11 +24,8 @@ using namespace panel_messages;
 namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
-constexpr char kPanelWidthPreference[] = "CS5PanelWidth";
-constexpr char kPanelHeightPreference[] = "CS5PanelHeight";
-constexpr char kDropDownSelectionPreference[] = "DropDownSelection";
-constexpr char kDropDownSavesPreference[] = "DropDownSelectionSavesSmartLists";
-constexpr char kWebFontsEverEnabledPreference[] = "GWFHaveEverBeenEnabled";
+/// A screenful; each takes a few milliseconds of the host's thread when it was never made before.
+constexpr size_t kFontsRenderedAtOnce = 100;
 
 int64_t IntPreference(const char* key) {
     return MarquellGlobals::GetSharedVPFInterface()->GetIntPreference(key);
@@ -43,7 +46,7 @@ void StoreBool(const char* key, bool value) {
 
 ErrorCode EnableWebFonts() {
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfSetGoogleWebFontsEnabled, true));
-    StoreBool(kWebFontsEverEnabledPreference, true);
+    StoreBool(preferences::GWFHaveEverBeenEnabled, true);
     return CoreErrorCodes::kSuccess;
 }
 
@@ -56,8 +59,8 @@ struct WebFontsState {
 ErrorCode GetWebFontsState(WebFontsState& state) {
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetIsGoogleWebFontsEnabled, &state.isEnabled));
     // They may have been enabled by other means than this panel.
-    if (state.isEnabled && !BoolPreference(kWebFontsEverEnabledPreference))
-        StoreBool(kWebFontsEverEnabledPreference, true);
+    if (state.isEnabled && !BoolPreference(preferences::GWFHaveEverBeenEnabled))
+        StoreBool(preferences::GWFHaveEverBeenEnabled, true);
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetIsReplicationRunning, &state.isReplicating));
     RETURN_IF_FAILED(
         CallFontManager(&PluginFunctionTable::pfGetCurrentReplicationMode, &state.replicationMode));
@@ -91,76 +94,57 @@ ErrorCode ActivateFamilyForDesign(uint32_t fontID, uint32_t& conflictID) {
 ErrorCode MarquellPanel::StartPanelInfo(const JSONValue&) {
     bool isStandalone = false;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetRunningStandalone, &isStandalone));
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kConnectionComplete, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(isStandalone, kIsStandaloneKey, root, jsonValue));
-    return SendReply(root);
+    if (const ErrorCode code = Send(PanelMessage(kConnectionComplete).Set(kIsStandaloneKey, isStandalone)))
+        return code;
+    return SetEnabled(MarquellGlobals::ArePluginServicesEnabled());
 }
 
 ErrorCode MarquellPanel::IsWindows(const JSONValue&) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kIsWindows, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(platform::kPathSeparator == '\\', kIsWindowsKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kIsWindows).Set(kIsWindowsKey, platform::kPathSeparator == '\\'));
 }
 
 ErrorCode MarquellPanel::GetDimensions(const JSONValue&) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetDimensions, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(IntPreference(kPanelHeightPreference), kHeightKey, root, jsonValue));
-    RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(IntPreference(kPanelWidthPreference), kWidthKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kGetDimensions)
+                    .Set(kHeightKey, IntPreference(preferences::CS5PanelHeight))
+                    .Set(kWidthKey, IntPreference(preferences::CS5PanelWidth)));
 }
 
 ErrorCode MarquellPanel::SetDimensions(const JSONValue& jsonValue) {
     int32_t windowWidth = 0;
     int32_t windowHeight = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kWindowWidthKey, windowWidth));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kWindowHeightKey, windowHeight));
-    StoreInt(kPanelWidthPreference, windowWidth);
-    StoreInt(kPanelHeightPreference, windowHeight);
+    if (const ErrorCode code =
+            ReadMember(jsonValue, kWindowWidthKey, windowWidth, kWindowHeightKey, windowHeight))
+        return code;
+    StoreInt(preferences::CS5PanelWidth, windowWidth);
+    StoreInt(preferences::CS5PanelHeight, windowHeight);
     return CoreErrorCodes::kSuccess;
 }
 
 ErrorCode MarquellPanel::SetDropDownSelection(const JSONValue& jsonValue) {
     int32_t selection = 0;
     bool savesSmartList = false;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSelectionKey, selection));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSavesSmartListKey, savesSmartList));
-    StoreInt(kDropDownSelectionPreference, selection);
-    StoreBool(kDropDownSavesPreference, savesSmartList);
+    if (const ErrorCode code =
+            ReadMember(jsonValue, kSelectionKey, selection, kSavesSmartListKey, savesSmartList))
+        return code;
+    StoreInt(preferences::DropDownSelection, selection);
+    StoreBool(preferences::DropDownSelectionSavesSmartLists, savesSmartList);
     return CoreErrorCodes::kSuccess;
 }
 
 ErrorCode MarquellPanel::GetDropDownSelection(const JSONValue&) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetDropDownSelection, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(IntPreference(kDropDownSelectionPreference), kSelectionKey,
-                                                root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(BoolPreference(kDropDownSavesPreference), kSavesSmartListKey,
-                                                root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kGetDropDownSelection)
+                    .Set(kSelectionKey, IntPreference(preferences::DropDownSelection))
+                    .Set(kSavesSmartListKey, BoolPreference(preferences::DropDownSelectionSavesSmartLists)));
 }
 
 ErrorCode MarquellPanel::SendHostAppKeyPress(const JSONValue& jsonValue) {
     LogMessage(0, "kSendHostAppKeyPress -- Start");
     const ScopeExit endLine([] { LogMessage(0, "kSendHostAppKeyPress -- End"); });
     HostAppInterface::KeyPress keyPress;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kIsCtrlPressedKey, keyPress.isCtrlPressed));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kIsShiftPressedKey, keyPress.isShiftPressed));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kIsAltPressedKey, keyPress.isAltPressed));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kKeyCodeKey, keyPress.keyCode));
+    if (const ErrorCode code = ReadMember(jsonValue, kIsCtrlPressedKey, keyPress.isCtrlPressed,
+                                          kIsShiftPressedKey, keyPress.isShiftPressed, kIsAltPressedKey,
+                                          keyPress.isAltPressed, kKeyCodeKey, keyPress.keyCode))
+        return code;
     if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
         hostApp->SendKeyPress(keyPress);
     return CoreErrorCodes::kSuccess;
@@ -169,13 +153,7 @@ ErrorCode MarquellPanel::SendHostAppKeyPress(const JSONValue& jsonValue) {
 ErrorCode MarquellPanel::CanAccessGoogleFonts(const JSONValue&) {
     bool canAccessGoogleFonts = false;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCanAccessGoogleFonts, &canAccessGoogleFonts));
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kCanAccessGoogleFonts, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(
-        GJSONUtils::SetValueForKey(canAccessGoogleFonts, kCanAccessGoogleFontsKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kCanAccessGoogleFonts).Set(kCanAccessGoogleFontsKey, canAccessGoogleFonts));
 }
 
 ErrorCode MarquellPanel::GoogleEnableWebFonts(const JSONValue&) {
@@ -185,31 +163,29 @@ ErrorCode MarquellPanel::GoogleEnableWebFonts(const JSONValue&) {
 ErrorCode MarquellPanel::IsGoogleWebFontsEnabled(const JSONValue&) {
     WebFontsState state;
     const ErrorCode returnCode = GetWebFontsState(state);
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kAreGoogleFontsEnabled, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.isEnabled, kIsEnabledKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.isReplicating, kIsReplicatingKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(state.replicationMode, kReplicationModeKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(returnCode, kReturnCodeKey, root, jsonValue));
-    return SendReply(root);
+    return Send(PanelMessage(kAreGoogleFontsEnabled)
+                    .Set(kIsEnabledKey, state.isEnabled)
+                    .Set(kIsReplicatingKey, state.isReplicating)
+                    .Set(kReplicationModeKey, state.replicationMode)
+                    .Set(kReturnCodeKey, returnCode));
 }
 
 ErrorCode MarquellPanel::DesignActivateFamilyForFont(const JSONValue& jsonValue) {
     uint32_t fontID = 0;
     std::string postscriptName;
     std::string displayName;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFontIDKey, fontID));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kPostscriptNameKey, postscriptName));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kDisplayNameKey, displayName));
+    if (const ErrorCode code = ReadMember(jsonValue, kFontIDKey, fontID, kPostscriptNameKey, postscriptName,
+                                          kDisplayNameKey, displayName))
+        return code;
     LogMessage(0, "Activating the family of '%s' (%s)", displayName.c_str(), postscriptName.c_str());
     uint32_t conflictID = 0;
     const ErrorCode returnCode = ActivateFamilyForDesign(fontID, conflictID);
     if (returnCode != CoreErrorCodes::kSuccess)
         conflictID = 0;  // what is not active is in nobody's way
-    if (returnCode != CoreErrorCodes::kSuccess || conflictID != 0)
-        RETURN_IF_FAILED(FontActivationError(fontID, conflictID));
+    if (returnCode != CoreErrorCodes::kSuccess || conflictID != 0) {
+        if (const ErrorCode code = FontActivationError(fontID, conflictID))
+            return code;
+    }
     return SendReturnCode(kDesignActivateFamilyForFont, returnCode);
 }
 
@@ -217,21 +193,41 @@ ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
     std::vector<uint32_t> highPriorityFonts;
     std::vector<uint32_t> allFonts;
     int32_t smartListID = 0;  // tells the panel's own requests apart; the images are the same for all lists
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kHighPriorityFontIDsKey, highPriorityFonts));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFontIDsKey, allFonts));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
+    if (const ErrorCode code = ReadMember(jsonValue, kHighPriorityFontIDsKey, highPriorityFonts, kFontIDsKey,
+                                          allFonts, kSmartListIDKey, smartListID))
+        return code;
     if (allFonts.empty()) {
         ReportFailure(kLogCategory, {"allFonts.empty()", __FILE__, __LINE__}, CoreErrorCodes::kInvalidParam,
                       GLogger::kDebug);
         return CoreErrorCodes::kInvalidParam;
     }
-    const auto highPriority = cf::NumberArray(highPriorityFonts);
-    const auto fonts = cf::NumberArray(allFonts);
+    // Those that are wanted first, those that wait already, then the rest.
+    const std::deque<uint32_t> waiting = std::exchange(mFontsToRender, {});
+    std::unordered_set<uint32_t> listed;
+    const auto list = [&](const auto& fonts) {
+        std::copy_if(fonts.begin(), fonts.end(), std::back_inserter(mFontsToRender),
+                     [&](uint32_t fontID) { return listed.insert(fontID).second; });
+    };
+    list(highPriorityFonts);
+    list(waiting);
+    list(allFonts);
+    return RenderNextFonts();
+}
+
+ErrorCode MarquellPanel::RenderNextFonts() {
+    if (mFontsToRender.empty())
+        return CoreErrorCodes::kSuccess;
+    const auto end = mFontsToRender.begin() +
+                     static_cast<std::ptrdiff_t>(std::min(mFontsToRender.size(), kFontsRenderedAtOnce));
+    const auto fonts = cf::NumberArray(std::vector<uint32_t>(mFontsToRender.begin(), end));
+    mFontsToRender.erase(mFontsToRender.begin(), end);
     LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
-    const ErrorCode code = CallFontManager(
-        &PluginFunctionTable::pfRenderFontNamePreviewPNGs, static_cast<CFArrayRef>(highPriority.get()),
-        static_cast<CFArrayRef>(fonts.get()), static_cast<CFMutableDictionaryRef>(nullptr));
+    const ErrorCode code =
+        CallFontManager(&PluginFunctionTable::pfRenderFontNamePreviewPNGs, static_cast<CFArrayRef>(nullptr),
+                        static_cast<CFArrayRef>(fonts.get()), static_cast<CFMutableDictionaryRef>(nullptr));
     LogMessage(0, "END: RenderFontNamePreviewPNGs");
+    if (code != CoreErrorCodes::kSuccess)
+        mFontsToRender.clear();  // the panel asks again
     RETURN_IF_FAILED(code);
     return code;
 }
@@ -239,8 +235,8 @@ ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
 ErrorCode MarquellPanel::SetFontVersion(const JSONValue& jsonValue) {
     uint32_t fontID = 0;
     std::string version;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFontIDKey, fontID));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kVersionKey, version));
+    if (const ErrorCode code = ReadMember(jsonValue, kFontIDKey, fontID, kVersionKey, version))
+        return code;
     // Versions come from the font files; what a panel says of them is noted in the trace alone.
     LogMessage(0, "The panel shows version '%s' of font %d", version.c_str(), static_cast<int>(fontID));
     return CoreErrorCodes::kSuccess;

@@ -6,7 +6,7 @@
 #include "FailureReport.h"
 #include "FontManagerCall.h"
 #include "MarquellPanel.h"
-#include "PanelMessages.h"
+#include "PanelMessage.h"
 
 using namespace panel_messages;
 
@@ -58,13 +58,20 @@ std::string Base64Lines(std::string_view bytes) {
     return text;
 }
 
+void AddIDs(PanelMessage& message, const Key& key, CFArrayRef ids) {
+    PanelMessage::Node jsonArray = message.Root().AddArray(key);
+    for (CFIndex index = 0; index < cf::Count(ids); ++index)
+        jsonArray.Add(cf::ToInt64(CFArrayGetValueAtIndex(ids, index)).value_or(0));
+}
+
 }  // namespace
 
 ErrorCode MarquellPanel::RenameSmartList(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     std::string smartListName;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListNameKey, smartListName));
+    if (const ErrorCode code =
+            ReadMember(jsonValue, kSmartListIDKey, smartListID, kSmartListNameKey, smartListName))
+        return code;
     const CFRef<CFStringRef> name = cf::String(smartListName);
     RETURN_IF_NULL(name.get());  // no UTF-8
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfRenameSmartList, smartListID, name.get()));
@@ -77,28 +84,33 @@ ErrorCode MarquellPanel::RenameSmartListByName(const JSONValue& jsonValue) {
 
 ErrorCode MarquellPanel::DeleteSmartList(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
+    if (const ErrorCode code = ReadMember(jsonValue, kSmartListIDKey, smartListID))
+        return code;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfDeleteSmartList, smartListID));
     return CoreErrorCodes::kSuccess;
 }
 
 ErrorCode MarquellPanel::GetQuery(const JSONValue& jsonValue, SmartListQuery& query) {
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kWorkgroupIDsKey, query.workgroupIDs));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSetIDsKey, query.setIDs));
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartSetIDsKey, query.smartSetIDs));
+    std::vector<int32_t> workgroupIDs;
+    std::vector<int32_t> setIDs;
+    std::vector<int32_t> smartSetIDs;
+    if (const ErrorCode code = ReadMember(jsonValue, kWorkgroupIDsKey, workgroupIDs, kSetIDsKey, setIDs,
+                                          kSmartSetIDsKey, smartSetIDs))
+        return code;
+    query = {cf::NumberArray(workgroupIDs), cf::NumberArray(setIDs), cf::NumberArray(smartSetIDs)};
     return CoreErrorCodes::kSuccess;
 }
 
 ErrorCode MarquellPanel::CallWithQuery(const JSONValue& jsonValue, SmartListQueryFunction function) {
     int32_t smartListID = 0;
     SmartListQuery query;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
-    RETURN_IF_FAILED(GetQuery(jsonValue, query));
-    const CFRef<CFArrayRef> workgroupIDs = cf::NumberArray(query.workgroupIDs);
-    const CFRef<CFArrayRef> setIDs = cf::NumberArray(query.setIDs);
-    const CFRef<CFArrayRef> smartSetIDs = cf::NumberArray(query.smartSetIDs);
-    RETURN_IF_FAILED(
-        CallFontManager(function, smartListID, workgroupIDs.get(), setIDs.get(), smartSetIDs.get()));
+    ErrorCode code = ReadMember(jsonValue, kSmartListIDKey, smartListID);
+    if (code == CoreErrorCodes::kSuccess)
+        code = GetQuery(jsonValue, query);
+    if (code != CoreErrorCodes::kSuccess)
+        return code;
+    RETURN_IF_FAILED(CallFontManager(function, smartListID, query.workgroupIDs.get(), query.setIDs.get(),
+                                     query.smartSetIDs.get()));
     return CoreErrorCodes::kSuccess;
 }
 
@@ -113,105 +125,77 @@ ErrorCode MarquellPanel::SetSmartListQuery(const JSONValue& jsonValue) {
 ErrorCode MarquellPanel::CreateSmartList(const JSONValue& jsonValue) {
     std::string smartListName;
     SmartListQuery query;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListNameKey, smartListName));
-    RETURN_IF_FAILED(GetQuery(jsonValue, query));
+    ErrorCode code = ReadMember(jsonValue, kSmartListNameKey, smartListName);
+    if (code == CoreErrorCodes::kSuccess)
+        code = GetQuery(jsonValue, query);
+    if (code != CoreErrorCodes::kSuccess)
+        return code;
     const CFRef<CFStringRef> name = cf::String(smartListName);
     RETURN_IF_NULL(name.get());  // no UTF-8
-    const CFRef<CFArrayRef> workgroupIDs = cf::NumberArray(query.workgroupIDs);
-    const CFRef<CFArrayRef> setIDs = cf::NumberArray(query.setIDs);
-    const CFRef<CFArrayRef> smartSetIDs = cf::NumberArray(query.smartSetIDs);
     int32_t smartListID = 0;
-    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCreateSmartList, name.get(), workgroupIDs.get(),
-                                     setIDs.get(), smartSetIDs.get(), &smartListID));
-    return SendCreatedSmartList(smartListID, smartListName);
-}
-
-ErrorCode MarquellPanel::SendCreatedSmartList(int32_t smartListID, const std::string& smartListName) {
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    JSONValue smartList;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kCreateSmartList, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::AddMapForKey(kSmartListKey, root, smartList));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(smartListID, kSmartListIDKey, smartList, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(smartListName, kSmartListNameKey, smartList, jsonValue));
-    return SendReply(root);
+    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfCreateSmartList, name.get(),
+                                     query.workgroupIDs.get(), query.setIDs.get(), query.smartSetIDs.get(),
+                                     &smartListID));
+    PanelMessage reply(kCreateSmartList);
+    reply.Root()
+        .AddMap(kSmartListKey, "smartList")
+        .Set(kSmartListIDKey, smartListID)
+        .Set(kSmartListNameKey, smartListName);
+    return Send(reply);
 }
 
 ErrorCode MarquellPanel::GetAllSmartLists(const JSONValue&) {
     const CFRef<CFMutableArrayRef> smartLists = cf::MutableArray();
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetAllSmartLists, smartLists.get()));
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    JSONValue jsonArray;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetAllSmartLists, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(kSmartListsKey, root, jsonArray));
+    PanelMessage reply(kGetAllSmartLists);
+    PanelMessage::Node jsonArray = reply.Root().AddArray(kSmartListsKey);
     for (CFIndex index = 0; index < cf::Count(smartLists.get()); ++index) {
         const auto list = cf::Get<CFDictionaryRef>(smartLists.get(), index);
-        JSONValue smartList;
-        RETURN_IF_FAILED(GJSONUtils::AddMapToArray(jsonArray, smartList));
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(cf::GetInt64(list, kGS_SmartListIDKey).value_or(0),
-                                                    kSmartListIDKey, smartList, jsonValue));
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(cf::GetString(list, kGS_SmartListNameKey),
-                                                    kSmartListNameKey, smartList, jsonValue));
+        jsonArray.AddMap("smartList")
+            .Set(kSmartListIDKey, cf::GetInt64(list, kGS_SmartListIDKey).value_or(0))
+            .Set(kSmartListNameKey, cf::GetString(list, kGS_SmartListNameKey));
     }
-    return SendReply(root);
+    return Send(reply);
 }
 
 ErrorCode MarquellPanel::ReadSmartList(const JSONValue& jsonValue, int32_t& smartListID,
                                        CFRef<CFDictionaryRef>& smartList) {
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
+    if (const ErrorCode code = ReadMember(jsonValue, kSmartListIDKey, smartListID))
+        return code;
     CFDictionaryRef newSmartList = nullptr;
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetSmartList, smartListID, &newSmartList));
     smartList = CFRef<CFDictionaryRef>::Adopt(newSmartList);
     return CoreErrorCodes::kSuccess;
 }
 
-ErrorCode MarquellPanel::AddIDs(const char* key, CFArrayRef ids, JSONValue& root) {
-    JSONValue jsonArray;
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::AddArrayForKey(key, root, jsonArray));
-    for (CFIndex index = 0; index < cf::Count(ids); ++index)
-        RETURN_IF_FAILED(GJSONUtils::AddValueToArray(
-            jsonArray, cf::ToInt64(CFArrayGetValueAtIndex(ids, index)).value_or(0), jsonValue));
-    return CoreErrorCodes::kSuccess;
-}
-
-ErrorCode MarquellPanel::GetSmartList(const JSONValue& request) {
+ErrorCode MarquellPanel::GetSmartList(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     CFRef<CFDictionaryRef> list;
-    RETURN_IF_FAILED(ReadSmartList(request, smartListID, list));
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetSmartList, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(smartListID, kSmartListIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(cf::GetString(list.get(), kGS_SmartListNameKey),
-                                                kSmartListNameKey, root, jsonValue));
-    RETURN_IF_FAILED(AddIDs(kWorkgroupIDsKey, cf::GetArray(list.get(), kGS_WorkgroupIDsKey), root));
-    RETURN_IF_FAILED(AddIDs(kSetIDsKey, cf::GetArray(list.get(), kGS_SetIDsKey), root));
-    RETURN_IF_FAILED(AddIDs(kSmartSetIDsKey, cf::GetArray(list.get(), kGS_SmartSetIDsKey), root));
-    return SendReply(root);
+    if (const ErrorCode code = ReadSmartList(jsonValue, smartListID, list))
+        return code;
+    PanelMessage reply(kGetSmartList);
+    reply.Set(kSmartListIDKey, smartListID)
+        .Set(kSmartListNameKey, cf::GetString(list.get(), kGS_SmartListNameKey));
+    AddIDs(reply, kWorkgroupIDsKey, cf::GetArray(list.get(), kGS_WorkgroupIDsKey));
+    AddIDs(reply, kSetIDsKey, cf::GetArray(list.get(), kGS_SetIDsKey));
+    AddIDs(reply, kSmartSetIDsKey, cf::GetArray(list.get(), kGS_SmartSetIDsKey));
+    return Send(reply);
 }
 
-ErrorCode MarquellPanel::GetPanelSmartListTree(const JSONValue& request) {
+ErrorCode MarquellPanel::GetPanelSmartListTree(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
     CFRef<CFDictionaryRef> list;
-    RETURN_IF_FAILED(ReadSmartList(request, smartListID, list));
-    const std::string listDefinition = Base64Lines(cf::GetString(list.get(), kGS_ListDefinitionKey));
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kGetPanelSmartListTree, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(smartListID, kSmartListIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(listDefinition, kListDefinitionKey, root, jsonValue));
-    return SendReply(root);
+    if (const ErrorCode code = ReadSmartList(jsonValue, smartListID, list))
+        return code;
+    return Send(PanelMessage(kGetPanelSmartListTree)
+                    .Set(kSmartListIDKey, smartListID)
+                    .Set(kListDefinitionKey, Base64Lines(cf::GetString(list.get(), kGS_ListDefinitionKey))));
 }
 
 ErrorCode MarquellPanel::RequestSmartListFonts(const JSONValue& jsonValue) {
     int32_t smartListID = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID));
+    if (const ErrorCode code = ReadMember(jsonValue, kSmartListIDKey, smartListID))
+        return code;
     return GetSmartListFonts(smartListID);
 }
 
@@ -226,22 +210,15 @@ ErrorCode MarquellPanel::SendFontList(CFArrayRef fonts) {
     for (CFIndex index = 0; index < cf::Count(fonts); ++index)
         lines += FontListLine(cf::Get<CFDictionaryRef>(fonts, index));
     std::string url;
-    const ErrorCode created = mFontListFiles.Create(lines, url);  // reported there
-    JSONObject document;
-    JSONValue root = NewMessage(document);
-    JSONValue jsonValue;
-    if (created != CoreErrorCodes::kSuccess) {
-        RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kCouldNotCreateTmpFile, kMessageIDKey, root, jsonValue));
-        return SendReply(root);
-    }
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(kFontList, kMessageIDKey, root, jsonValue));
-    RETURN_IF_FAILED(GJSONUtils::SetValueForKey(url, kFilenameKey, root, jsonValue));
-    return SendReply(root);
+    if (mFontListFiles.Create(lines, url) != CoreErrorCodes::kSuccess)  // reported there
+        return Send(PanelMessage(kCouldNotCreateTmpFile));
+    return Send(PanelMessage(kFontList).Set(kFilenameKey, url));
 }
 
 ErrorCode MarquellPanel::ReleaseFontListFile(const JSONValue& jsonValue) {
     std::string filename;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(jsonValue, kFilenameKey, filename));
+    if (const ErrorCode code = ReadMember(jsonValue, kFilenameKey, filename))
+        return code;
     RETURN_IF_FAILED(mFontListFiles.Release(filename));
     return CoreErrorCodes::kSuccess;
 }

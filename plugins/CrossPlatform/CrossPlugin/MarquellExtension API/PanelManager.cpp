@@ -1,7 +1,7 @@
 #include "PanelManager.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <string_view>
 #include <type_traits>
 
@@ -68,38 +68,22 @@ ErrorCode ForwardFontImages(PanelManager& panels, CFDictionaryRef payload) {
 
 using Panels = PanelManager;
 
+#define FORWARD_FONT(what, id, report) \
+    {kPluginNotification_##report, ForwardFont<&Panels::Push##what##Notification>},
+#define FORWARD(what, id, report) \
+    {kPluginNotification_##report, ForwardTo<&Panels::Push##what##Notification>},
 // The tasks of the font manager are nothing that panels show.
-constexpr std::array<Forward, 21> kForwards{
-    {{kPluginNotification_OnlineStateChanged, ForwardOnlineState},
-     {kPluginNotification_LoggedInStateChanged, ForwardLoggedInState},
-     {kPluginNotification_PanelDataChanged, ForwardTo<&Panels::PushDataChangedNotification>},
-     {kPluginNotification_UserPermissionsChanged, ForwardTo<&Panels::PushDataChangedNotification>},
-     {kPluginNotification_FontActivated, ForwardFont<&Panels::PushFontActivatedNotification>},
-     {kPluginNotification_FontDeactivated, ForwardFont<&Panels::PushFontDeactivatedNotification>},
-     {kPluginNotification_FontMissing, ForwardFont<&Panels::PushFontMissingNotification>},
-     {kPluginNotification_DesignActivationNonCompliant,
-      ForwardFont<&Panels::PushFontNonCompliantNotification>},
-     {kPluginNotification_BulkReplicationProgress,
-      ForwardTo<&Panels::PushBulkReplicationProgressNotification>},
-     {kPluginNotification_BulkReplicationStopped, ForwardTo<&Panels::PushBulkReplicationStoppedNotification>},
-     {kPluginNotification_IncrementalReplicationProgress,
-      ForwardTo<&Panels::PushIncrementalReplicationProgressNotification>},
-     {kPluginNotification_IncrementalReplicationStopped,
-      ForwardTo<&Panels::PushIncrementalReplicationStoppedNotification>},
-     {kPluginNotification_GoogleReplicationProgress,
-      ForwardTo<&Panels::PushGoogleReplicationProgressNotification>},
-     {kPluginNotification_GoogleReplicationStopped,
-      ForwardTo<&Panels::PushGoogleReplicationStoppedNotification>},
-     {kPluginNotification_FontServerReplicationProgress,
-      ForwardTo<&Panels::PushFontServerReplicationProgressNotification>},
-     {kPluginNotification_FontServerReplicationStopped,
-      ForwardTo<&Panels::PushFontServerReplicationStoppedNotification>},
-     {kPluginNotification_GoogleWebFontsEnabled, ForwardWebFontsEnabled},
-     {kPluginNotification_PreviewPNGsRendered, ForwardFontImages},
-     {kPluginNotification_SmartListsChanged, ForwardTo<&Panels::PushSmartListsChangedNotification>},
-     {kPluginNotification_OfflineDownloadFinished,
-      ForwardTo<&Panels::PushOfflineDownloadFinishedNotification>},
-     {kPluginNotification_Enabled, ForwardEnabled}}};
+constexpr Forward kForwards[] = {
+    PANEL_FONT_NOTIFICATIONS(FORWARD_FONT) PANEL_PROGRESS_NOTIFICATIONS(FORWARD)
+        PANEL_PLAIN_NOTIFICATIONS(FORWARD)  //
+    {kPluginNotification_OnlineStateChanged, ForwardOnlineState},
+    {kPluginNotification_LoggedInStateChanged, ForwardLoggedInState},
+    {kPluginNotification_UserPermissionsChanged, ForwardTo<&Panels::PushDataChangedNotification>},
+    {kPluginNotification_GoogleWebFontsEnabled, ForwardWebFontsEnabled},
+    {kPluginNotification_PreviewPNGsRendered, ForwardFontImages},
+    {kPluginNotification_Enabled, ForwardEnabled}};
+#undef FORWARD_FONT
+#undef FORWARD
 
 }  // namespace
 
@@ -192,65 +176,24 @@ ErrorCode PanelManager::PushGoogleWebFontsEnabledNotificaton(bool enabled) {
     return TELL_PANELS(PushGoogleWebFontsEnabledNotificaton(enabled));
 }
 
-ErrorCode PanelManager::PushFontActivatedNotification(uint32_t fontID) {
-    return TELL_PANELS(PushFontActivatedNotification(fontID));
-}
-
-ErrorCode PanelManager::PushFontDeactivatedNotification(uint32_t fontID) {
-    return TELL_PANELS(PushFontDeactivatedNotification(fontID));
-}
-
-ErrorCode PanelManager::PushFontMissingNotification(uint32_t fontID) {
-    return TELL_PANELS(PushFontMissingNotification(fontID));
-}
-
-ErrorCode PanelManager::PushFontNonCompliantNotification(uint32_t fontID) {
-    return TELL_PANELS(PushFontNonCompliantNotification(fontID));
-}
-
-ErrorCode PanelManager::PushBulkReplicationProgressNotification(CFDictionaryRef details) {
-    return TELL_PANELS(PushBulkReplicationProgressNotification(details));
-}
-
-ErrorCode PanelManager::PushBulkReplicationStoppedNotification() {
-    return TELL_PANELS(PushBulkReplicationStoppedNotification());
-}
-
-ErrorCode PanelManager::PushIncrementalReplicationProgressNotification(CFDictionaryRef details) {
-    return TELL_PANELS(PushIncrementalReplicationProgressNotification(details));
-}
-
-ErrorCode PanelManager::PushIncrementalReplicationStoppedNotification() {
-    return TELL_PANELS(PushIncrementalReplicationStoppedNotification());
-}
-
-ErrorCode PanelManager::PushGoogleReplicationProgressNotification(CFDictionaryRef details) {
-    return TELL_PANELS(PushGoogleReplicationProgressNotification(details));
-}
-
-ErrorCode PanelManager::PushGoogleReplicationStoppedNotification() {
-    return TELL_PANELS(PushGoogleReplicationStoppedNotification());
-}
-
-ErrorCode PanelManager::PushFontServerReplicationProgressNotification(CFDictionaryRef details) {
-    return TELL_PANELS(PushFontServerReplicationProgressNotification(details));
-}
-
-ErrorCode PanelManager::PushFontServerReplicationStoppedNotification() {
-    return TELL_PANELS(PushFontServerReplicationStoppedNotification());
-}
-
-ErrorCode PanelManager::PushDataChangedNotification() {
-    return TELL_PANELS(PushDataChangedNotification());
-}
-
-ErrorCode PanelManager::PushSmartListsChangedNotification() {
-    return TELL_PANELS(PushSmartListsChangedNotification());
-}
-
-ErrorCode PanelManager::PushOfflineDownloadFinishedNotification() {
-    return TELL_PANELS(PushOfflineDownloadFinishedNotification());
-}
+#define FORWARD_FONT_PUSH(what, id, report)                             \
+    ErrorCode PanelManager::Push##what##Notification(uint32_t fontID) { \
+        return TELL_PANELS(Push##what##Notification(fontID));           \
+    }
+#define FORWARD_PROGRESS_PUSH(what, id, report)                                 \
+    ErrorCode PanelManager::Push##what##Notification(CFDictionaryRef details) { \
+        return TELL_PANELS(Push##what##Notification(details));                  \
+    }
+#define FORWARD_PUSH(what, id, report)                   \
+    ErrorCode PanelManager::Push##what##Notification() { \
+        return TELL_PANELS(Push##what##Notification());  \
+    }
+PANEL_FONT_NOTIFICATIONS(FORWARD_FONT_PUSH)
+PANEL_PROGRESS_NOTIFICATIONS(FORWARD_PROGRESS_PUSH)
+PANEL_PLAIN_NOTIFICATIONS(FORWARD_PUSH)
+#undef FORWARD_FONT_PUSH
+#undef FORWARD_PROGRESS_PUSH
+#undef FORWARD_PUSH
 
 ErrorCode PanelManager::SendFontImages(CFDictionaryRef fontPNGs) {
     return TELL_PANELS(SendFontImages(fontPNGs));
@@ -267,10 +210,10 @@ uint32_t PanelManager::GetSocketPort() {
 }
 
 ErrorCode PanelManager::Receive(const PluginNotification& notification) {
-    const auto found = std::find_if(kForwards.begin(), kForwards.end(),
+    const auto found = std::find_if(std::begin(kForwards), std::end(kForwards),
                                     [&](const Forward& each) { return each.name == notification.name; });
-    return found != kForwards.end() ? found->forward(*this, notification.payload.get())
-                                    : CoreErrorCodes::kSuccess;
+    return found != std::end(kForwards) ? found->forward(*this, notification.payload.get())
+                                        : CoreErrorCodes::kSuccess;
 }
 
 void PanelManager::Close() {

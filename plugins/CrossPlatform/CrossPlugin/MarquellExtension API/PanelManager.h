@@ -39,21 +39,15 @@ public:
     ErrorCode PushLoggedInStateChangedNotification(int32_t serverType);
     ErrorCode PushOnlineStateChangedNotification(bool isOnline);
     ErrorCode PushGoogleWebFontsEnabledNotificaton(bool enabled);
-    ErrorCode PushFontActivatedNotification(uint32_t fontID);
-    ErrorCode PushFontDeactivatedNotification(uint32_t fontID);
-    ErrorCode PushFontMissingNotification(uint32_t fontID);
-    ErrorCode PushFontNonCompliantNotification(uint32_t fontID);
-    ErrorCode PushBulkReplicationProgressNotification(CFDictionaryRef details);
-    ErrorCode PushBulkReplicationStoppedNotification();
-    ErrorCode PushIncrementalReplicationProgressNotification(CFDictionaryRef details);
-    ErrorCode PushIncrementalReplicationStoppedNotification();
-    ErrorCode PushGoogleReplicationProgressNotification(CFDictionaryRef details);
-    ErrorCode PushGoogleReplicationStoppedNotification();
-    ErrorCode PushFontServerReplicationProgressNotification(CFDictionaryRef details);
-    ErrorCode PushFontServerReplicationStoppedNotification();
-    ErrorCode PushDataChangedNotification();
-    ErrorCode PushSmartListsChangedNotification();
-    ErrorCode PushOfflineDownloadFinishedNotification();
+#define DECLARE_FONT_PUSH(what, id, report) ErrorCode Push##what##Notification(uint32_t fontID);
+#define DECLARE_PROGRESS_PUSH(what, id, report) ErrorCode Push##what##Notification(CFDictionaryRef details);
+#define DECLARE_PUSH(what, id, report) ErrorCode Push##what##Notification();
+    PANEL_FONT_NOTIFICATIONS(DECLARE_FONT_PUSH)
+    PANEL_PROGRESS_NOTIFICATIONS(DECLARE_PROGRESS_PUSH)
+    PANEL_PLAIN_NOTIFICATIONS(DECLARE_PUSH)
+#undef DECLARE_FONT_PUSH
+#undef DECLARE_PROGRESS_PUSH
+#undef DECLARE_PUSH
     ErrorCode SendFontImages(CFDictionaryRef fontPNGs);
 
     /// Tells the panels what the font manager's agent reported.

@@ -1,111 +1,147 @@
-// The vocabulary of panel messages: what stands under "messageID", and the other keys. docs/panel-messages.md
-// tells what each message holds.
+// The vocabulary of panel messages: the one list of what stands under "messageID", and of the other keys.
+// Handlers, pushes and their forwarding are made from it. docs/panel-messages.md tells what each message
+// holds.
 #pragma once
+
+/* clang-format off */
+/// Requests: X(constant, number, handler). A reply carries the number of its request unless noted.
+#define PANEL_REQUESTS(X)                                                                                   \
+    X(kDesignActivateFamilyForFont, 8, DesignActivateFamilyForFont)                                         \
+    X(kEnableGoogleFonts, 9, GoogleEnableWebFonts)                                                          \
+    X(kAreGoogleFontsEnabled, 10, IsGoogleWebFontsEnabled)                                                  \
+    X(kGetDimensions, 11, GetDimensions)                                                                    \
+    X(kSetDimensions, 12, SetDimensions)                                                                    \
+    X(kReleaseFontListFile, 13, ReleaseFontListFile)                                                        \
+    X(kIsWindows, 16, IsWindows)                                                                            \
+    X(kSetDropDownSelection, 17, SetDropDownSelection)                                                      \
+    X(kGetDropDownSelection, 18, GetDropDownSelection)                                                      \
+    X(kGetFontPNG, 32, GetFontPNGs)                                                                         \
+    X(kRenameSmartList, 33, RenameSmartList)                                                                \
+    X(kDeleteSmartList, 34, DeleteSmartList)                                                                \
+    X(kQuerySmartListFonts, 35, QuerySmartListFonts)                                                        \
+    X(kGetSmartList, 36, GetSmartList)                                                                      \
+    X(kGetPanelSmartListTree, 37, GetPanelSmartListTree)                                                    \
+    X(kGetAllSmartLists, 38, GetAllSmartLists)                                                              \
+    X(kCreateSmartList, 39, CreateSmartList)                                                                \
+    X(kRequestSmartListFonts, 40, RequestSmartListFonts) /* answered by kFontList */                        \
+    X(kSetSmartListQuery, 42, SetSmartListQuery)                                                            \
+    X(kRenameSmartListByName, 44, RenameSmartListByName)                                                    \
+    X(kSetFontVersion, 47, SetFontVersion)                                                                  \
+    X(kCanAccessGoogleFonts, 58, CanAccessGoogleFonts)                                                      \
+    X(kStartPanelInfo, 66, StartPanelInfo) /* answered by kConnectionComplete and kEnabled */               \
+    X(kSendHostAppKeyPress, 67, SendHostAppKeyPress)
+
+/// What the plug-in sends of its own accord, and replies with numbers of their own: X(constant, number).
+#define PANEL_MESSAGES(X)                                                                                   \
+    X(kCouldNotCreateTmpFile, 19)                                                                           \
+    X(kConnectionComplete, 20)                                                                              \
+    X(kEnabled, 30)                                                                                         \
+    X(kFontList, 41)                                                                                        \
+    X(kFontActivationError, 46)
+
+// Notifications: X(what, number, the agent's report). There is a push for each, PushWHATNotification.
+#define PANEL_PLAIN_NOTIFICATIONS(X)                                                                        \
+    X(GoogleReplicationStopped, 29, GoogleReplicationStopped)                                               \
+    X(SmartListsChanged, 43, SmartListsChanged)                                                             \
+    X(BulkReplicationStopped, 53, BulkReplicationStopped)                                                   \
+    X(IncrementalReplicationStopped, 55, IncrementalReplicationStopped)                                     \
+    X(DataChanged, 56, PanelDataChanged)                                                                    \
+    X(OfflineDownloadFinished, 63, OfflineDownloadFinished)                                                 \
+    X(FontServerReplicationStopped, 69, FontServerReplicationStopped)
+/// Pushed with the details of a progress, of which the message says nothing.
+#define PANEL_PROGRESS_NOTIFICATIONS(X)                                                                     \
+    X(GoogleReplicationProgress, 28, GoogleReplicationProgress)                                             \
+    X(BulkReplicationProgress, 52, BulkReplicationProgress)                                                 \
+    X(IncrementalReplicationProgress, 54, IncrementalReplicationProgress)                                   \
+    X(FontServerReplicationProgress, 68, FontServerReplicationProgress)
+/// Pushed with the ID of a font; the message holds the IDs of all that were pushed.
+#define PANEL_FONT_NOTIFICATIONS(X)                                                                         \
+    X(FontActivated, 24, FontActivated)                                                                     \
+    X(FontDeactivated, 25, FontDeactivated)                                                                 \
+    X(FontMissing, 45, FontMissing)                                                                         \
+    X(FontNonCompliant, 60, DesignActivationNonCompliant)
+/// States, whose pushes have forms of their own: X(constant, number).
+#define PANEL_STATE_NOTIFICATIONS(X)                                                                        \
+    X(kGoogleWebFontsEnabledNotification, 22)                                                               \
+    X(kGoogleWebFontsDisabledNotification, 23)                                                              \
+    X(kLoggedInStateChangedNotification, 50)                                                                \
+    X(kGoOfflineNotification, 61)                                                                           \
+    X(kGoOnlineNotification, 62)                                                                            \
+    X(kServicesEnabledNotification, 64)                                                                     \
+    X(kServicesDisabledNotification, 65)
+
+/// Keys: X(constant, text).
+#define PANEL_KEYS(X)                                                                                       \
+    X(kMessageIDKey, "messageID")                                                                           \
+    X(kReturnCodeKey, "returnCode")                                                                         \
+    X(kFontIDKey, "fontID")                                                                                 \
+    X(kFontIDsKey, "fontIDs")                                                                               \
+    X(kHighPriorityFontIDsKey, "highPriorityFontIDs")                                                       \
+    X(kFontsKey, "fonts")                                                                                   \
+    X(kPostscriptNameKey, "postscriptName")                                                                 \
+    X(kDisplayNameKey, "displayName")                                                                       \
+    X(kVersionKey, "version")                                                                               \
+    X(kPngFilenameKey, "pngFilename")                                                                       \
+    X(k2xPngFilenameKey, "2xPNGFilename")                                                                   \
+    X(kIsEnabledKey, "isEnabled")                                                                           \
+    X(kIsReplicatingKey, "isReplicating")                                                                   \
+    X(kReplicationModeKey, "replicationMode")                                                               \
+    X(kCanAccessGoogleFontsKey, "canAccessGoogleFonts")                                                     \
+    X(kHeightKey, "height")                                                                                 \
+    X(kWidthKey, "width")                                                                                   \
+    X(kWindowHeightKey, "windowHeight")                                                                     \
+    X(kWindowWidthKey, "windowWidth")                                                                       \
+    X(kSelectionKey, "selection")                                                                           \
+    X(kSavesSmartListKey, "savesSmartList")                                                                 \
+    X(kFilenameKey, "filename")                                                                             \
+    X(kIsWindowsKey, "isWindows")                                                                           \
+    X(kIsStandaloneKey, "isStandalone")                                                                     \
+    X(kSmartListKey, "smartList")                                                                           \
+    X(kSmartListsKey, "smartLists")                                                                         \
+    X(kSmartListIDKey, "smartListID")                                                                       \
+    X(kSmartListNameKey, "smartListName")                                                                   \
+    X(kWorkgroupIDsKey, "workgroupIDs")                                                                     \
+    X(kSetIDsKey, "setIDs")                                                                                 \
+    X(kSmartSetIDsKey, "smartSetIDs")                                                                       \
+    X(kListDefinitionKey, "listDefinition")                                                                 \
+    X(kIsConflictErrorKey, "isConflictError")                                                               \
+    X(kConflictIDKey, "conflictID")                                                                         \
+    X(kTextKey, "text")                                                                                     \
+    X(kStepIndexKey, "stepIndex")                                                                           \
+    X(kNumStepsKey, "numSteps")                                                                             \
+    X(kIsCtrlPressedKey, "isCtrlPressed")                                                                   \
+    X(kIsShiftPressedKey, "isShiftPressed")                                                                 \
+    X(kIsAltPressedKey, "isAltPressed")                                                                     \
+    X(kKeyCodeKey, "keyCode")
+/* clang-format on */
 
 namespace panel_messages {
 
-// Requests; a reply carries the number of its request unless noted.
-inline constexpr int kDesignActivateFamilyForFont = 8;
-inline constexpr int kEnableGoogleFonts = 9;
-inline constexpr int kAreGoogleFontsEnabled = 10;
-inline constexpr int kGetDimensions = 11;
-inline constexpr int kSetDimensions = 12;
-inline constexpr int kReleaseFontListFile = 13;
-inline constexpr int kIsWindows = 16;
-inline constexpr int kSetDropDownSelection = 17;
-inline constexpr int kGetDropDownSelection = 18;
-inline constexpr int kGetFontPNG = 32;
-inline constexpr int kRenameSmartList = 33;
-inline constexpr int kDeleteSmartList = 34;
-inline constexpr int kQuerySmartListFonts = 35;
-inline constexpr int kGetSmartList = 36;
-inline constexpr int kGetPanelSmartListTree = 37;
-inline constexpr int kGetAllSmartLists = 38;
-inline constexpr int kCreateSmartList = 39;
-inline constexpr int kRequestSmartListFonts = 40;  ///< answered by kFontList or kCouldNotCreateTmpFile
-inline constexpr int kSetSmartListQuery = 42;
-inline constexpr int kRenameSmartListByName = 44;
-inline constexpr int kSetFontVersion = 47;
-// What panels may still send and nobody acts upon.
-inline constexpr int kIgnored48 = 48;
-inline constexpr int kIgnored49 = 49;
-inline constexpr int kIgnored51 = 51;
-inline constexpr int kIgnored59 = 59;
-inline constexpr int kCanAccessGoogleFonts = 58;
-inline constexpr int kStartPanelInfo = 66;  ///< answered by kConnectionComplete
-inline constexpr int kSendHostAppKeyPress = 67;
+struct MessageID {
+    int number;
+    const char* name;  ///< as failure reports have it
+};
+struct Key {
+    const char* text;
+    const char* name;
+};
 
-// What the plug-in sends of its own accord, and replies with numbers of their own.
-inline constexpr int kCouldNotCreateTmpFile = 19;
-inline constexpr int kConnectionComplete = 20;
-inline constexpr int kEnabled = 30;
-inline constexpr int kFontList = 41;
-inline constexpr int kFontActivationError = 46;
+#define PANEL_MESSAGE_ID(constant, id, ...) inline constexpr MessageID constant{id, #constant};
+#define PANEL_NOTIFICATION_ID(what, id, report) \
+    inline constexpr MessageID k##what##Notification{id, "*notification"};
+#define PANEL_KEY(constant, text) inline constexpr Key constant{text, #constant};
+PANEL_REQUESTS(PANEL_MESSAGE_ID)
+PANEL_MESSAGES(PANEL_MESSAGE_ID)
+PANEL_PLAIN_NOTIFICATIONS(PANEL_NOTIFICATION_ID)
+PANEL_PROGRESS_NOTIFICATIONS(PANEL_NOTIFICATION_ID)
+PANEL_FONT_NOTIFICATIONS(PANEL_NOTIFICATION_ID)
+PANEL_STATE_NOTIFICATIONS(PANEL_MESSAGE_ID)
+PANEL_KEYS(PANEL_KEY)
+#undef PANEL_MESSAGE_ID
+#undef PANEL_NOTIFICATION_ID
+#undef PANEL_KEY
 
-// Notifications.
-inline constexpr int kGoogleWebFontsEnabledNotification = 22;
-inline constexpr int kGoogleWebFontsDisabledNotification = 23;
-inline constexpr int kFontActivatedNotification = 24;
-inline constexpr int kFontDeactivatedNotification = 25;
-inline constexpr int kGoogleReplicationProgressNotification = 28;
-inline constexpr int kGoogleReplicationStoppedNotification = 29;
-inline constexpr int kSmartListsChangedNotification = 43;
-inline constexpr int kFontMissingNotification = 45;
-inline constexpr int kLoggedInStateChangedNotification = 50;
-inline constexpr int kBulkReplicationProgressNotification = 52;
-inline constexpr int kBulkReplicationStoppedNotification = 53;
-inline constexpr int kIncrementalReplicationProgressNotification = 54;
-inline constexpr int kIncrementalReplicationStoppedNotification = 55;
-inline constexpr int kDataChangedNotification = 56;
-inline constexpr int kFontNonCompliantNotification = 60;
-inline constexpr int kGoOfflineNotification = 61;
-inline constexpr int kGoOnlineNotification = 62;
-inline constexpr int kOfflineDownloadFinishedNotification = 63;
-inline constexpr int kServicesEnabledNotification = 64;
-inline constexpr int kServicesDisabledNotification = 65;
-inline constexpr int kFontServerReplicationProgressNotification = 68;
-inline constexpr int kFontServerReplicationStoppedNotification = 69;
-
-inline constexpr char kMessageIDKey[] = "messageID";
-inline constexpr char kReturnCodeKey[] = "returnCode";
-inline constexpr char kFontIDKey[] = "fontID";
-inline constexpr char kFontIDsKey[] = "fontIDs";
-inline constexpr char kHighPriorityFontIDsKey[] = "highPriorityFontIDs";
-inline constexpr char kFontsKey[] = "fonts";
-inline constexpr char kPostscriptNameKey[] = "postscriptName";
-inline constexpr char kDisplayNameKey[] = "displayName";
-inline constexpr char kVersionKey[] = "version";
-inline constexpr char kPngFilenameKey[] = "pngFilename";
-inline constexpr char k2xPngFilenameKey[] = "2xPNGFilename";
-inline constexpr char kIsEnabledKey[] = "isEnabled";
-inline constexpr char kIsReplicatingKey[] = "isReplicating";
-inline constexpr char kReplicationModeKey[] = "replicationMode";
-inline constexpr char kCanAccessGoogleFontsKey[] = "canAccessGoogleFonts";
-inline constexpr char kHeightKey[] = "height";
-inline constexpr char kWidthKey[] = "width";
-inline constexpr char kWindowHeightKey[] = "windowHeight";
-inline constexpr char kWindowWidthKey[] = "windowWidth";
-inline constexpr char kSelectionKey[] = "selection";
-inline constexpr char kSavesSmartListKey[] = "savesSmartList";
-inline constexpr char kFilenameKey[] = "filename";
-inline constexpr char kIsWindowsKey[] = "isWindows";
-inline constexpr char kIsStandaloneKey[] = "isStandalone";
-inline constexpr char kSmartListKey[] = "smartList";
-inline constexpr char kSmartListsKey[] = "smartLists";
-inline constexpr char kSmartListIDKey[] = "smartListID";
-inline constexpr char kSmartListNameKey[] = "smartListName";
-inline constexpr char kWorkgroupIDsKey[] = "workgroupIDs";
-inline constexpr char kSetIDsKey[] = "setIDs";
-inline constexpr char kSmartSetIDsKey[] = "smartSetIDs";
-inline constexpr char kListDefinitionKey[] = "listDefinition";
-inline constexpr char kIsConflictErrorKey[] = "isConflictError";
-inline constexpr char kConflictIDKey[] = "conflictID";
-inline constexpr char kTextKey[] = "text";
-inline constexpr char kStepIndexKey[] = "stepIndex";
-inline constexpr char kNumStepsKey[] = "numSteps";
-inline constexpr char kIsCtrlPressedKey[] = "isCtrlPressed";
-inline constexpr char kIsShiftPressedKey[] = "isShiftPressed";
-inline constexpr char kIsAltPressedKey[] = "isAltPressed";
-inline constexpr char kKeyCodeKey[] = "keyCode";
+/// Requests that panels may still send, and upon which nobody acts.
+inline constexpr int kIgnoredRequests[] = {48, 49, 51, 59};
 
 }  // namespace panel_messages

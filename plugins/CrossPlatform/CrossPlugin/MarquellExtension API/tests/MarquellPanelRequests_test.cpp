@@ -38,7 +38,7 @@ const Request kCatalogue[] = {
      {},
      {R"({"messageID":18,"selection":4,"savesSmartList":true})"}},  // as chosen above
     {R"({"messageID":32,"highPriorityFontIDs":[7],"fontIDs":[5,4294967295,7],"smartListID":3})",
-     {"RenderFontNamePreviewPNGs([7], [5,4294967295,7])"},
+     {"RenderFontNamePreviewPNGs([], [7,5,4294967295])"},
      {}},
     {R"({"messageID":33,"smartListID":3,"smartListName":"Neü \"x\""})",
      {"RenameSmartList(3, 'Neü \"x\"')"},
@@ -69,7 +69,9 @@ const Request kCatalogue[] = {
     {R"({"messageID":51})", {}, {}},
     {R"({"messageID":59})", {}, {}},
     {R"({"messageID":58})", {}, {R"({"messageID":58,"canAccessGoogleFonts":true})"}},
-    {R"({"messageID":66})", {}, {R"({"messageID":20,"isStandalone":true})"}},
+    {R"({"messageID":66})",
+     {},
+     {R"({"messageID":20,"isStandalone":true})", R"({"messageID":30,"isEnabled":true})"}},
     {R"({"messageID":67,"isCtrlPressed":true,"isShiftPressed":false,"isAltPressed":true,"keyCode":65})",
      {},
      {}},
@@ -102,6 +104,22 @@ private:
 };
 
 }  // namespace
+
+TEST_F(PanelRequestsTest, ImagesOfManyFontsAreMadeSomeAtATime) {
+    std::string many = "1";
+    for (int fontID = 2; fontID <= 250; ++fontID)
+        many += "," + std::to_string(fontID);
+    Send(R"({"messageID":32,"highPriorityFontIDs":[],"smartListID":0,"fontIDs":[)" + many + "]}");
+    EXPECT_EQ(library.CallsOf("RenderFontNamePreviewPNGs"), 1);
+    // What is wanted first overtakes those that wait; nothing is made twice.
+    Send(R"({"messageID":32,"highPriorityFontIDs":[250],"smartListID":0,"fontIDs":[249,251]})");
+    EXPECT_THAT(library.panelCalls.back(),
+                testing::StartsWith("RenderFontNamePreviewPNGs([], [250,101,102,"));
+    for (int idle = 0; idle < 5; ++idle)
+        EXPECT_EQ(panel.PopNotifications(), 0u);
+    EXPECT_EQ(library.CallsOf("RenderFontNamePreviewPNGs"), 3);
+    EXPECT_THAT(library.panelCalls.back(), testing::EndsWith(",248,249,251])"));
+}
 
 TEST_F(PanelRequestsTest, EveryRequestMakesItsCallsAndGetsItsReply) {
     for (const Request& request : kCatalogue) {

@@ -85,7 +85,7 @@ TEST_F(VPFInterfaceTest, WithoutAFrameworkEverythingAnswersAsIfNoUserWereThere) 
                      interface->ChooseFolder("", "", folder));
         EXPECT_TRUE(interface->ShowProgress(1, 0, 2)) << "nobody stops it";
         interface->ShowMessageBox(message_boxes::kNotLoggedIn);
-        interface->ShowMessageAbout(message_boxes::kNotLoggedIn, "x");
+        interface->ShowMessageAbout(message_boxes::kDocumentNotOpen, "x");
         interface->SetParentWindowForUi(nullptr);
         EXPECT_EQ(std::to_string(number) + folder, "7kept");
     }
