@@ -67,18 +67,19 @@ function(plugincore_library name kind)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE plugincore-build-options ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# plugincore_test(NAME SOURCES ... LINKS ... [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
-# One GoogleTest program; ctest runs each of its cases as a process of its own, on Linux among processes of its own.
-# Where all see the same processes, cases with the same LOCK run one after the other.
+# plugincore_test(NAME SOURCES ... LINKS ... [EACH_CASE] [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
+# One GoogleTest program, which ctest runs as a whole and shuffled, on Linux among processes of its own; its report goes to
+# test-reports/NAME.xml. EACH_CASE: each of its cases is a process of its own. Where all see the same processes, what has
+# the same LOCK runs one after the other.
 function(plugincore_test name)
   if(NOT PLUGINCORE_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(ARG "" "LOCK" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "EACH_CASE" "LOCK" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
-  set(properties TIMEOUT 120)
+  set(properties "")
   if(WIN32)
     list(APPEND ARG_ENVIRONMENT PLUGINCORE_PORTABLE=1)  # tests have folders of their own
     if(ARG_LOCK)
@@ -87,11 +88,17 @@ function(plugincore_test name)
   else()
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/isolated")
   endif()
-  if(ARG_ENVIRONMENT)
-    list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
+  if(ARG_EACH_CASE)
+    if(ARG_ENVIRONMENT)
+      list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
+    endif()
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+      PROPERTIES TIMEOUT 120 ${properties})
+  else()
+    add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300
+      ENVIRONMENT "GTEST_OUTPUT=xml:${PROJECT_BINARY_DIR}/test-reports/${name}.xml;${ARG_ENVIRONMENT}" ${properties})
   endif()
-  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES ${properties})
 endfunction()
 
 # plugincore_window_test(NAME SOURCES ... LINKS ...)

@@ -61,7 +61,7 @@ std::string FontActivationTracker::GenerateUniqueIdentifier() {
     const auto uuid = CFRef<CFUUIDRef>::Adopt(CFUUIDCreate(kCFAllocatorDefault));
     const auto text =
         CFRef<CFStringRef>::Adopt(uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr);
-    const std::string identifier = IdentifierFromText(text.get());
+    std::string identifier = IdentifierFromText(text.get());
     LogMessage(0, "FontActivationTracker::GenerateUniqueIdentifier() returning '%s'", identifier.c_str());
     return identifier;
 }

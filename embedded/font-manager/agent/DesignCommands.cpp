@@ -57,6 +57,7 @@ std::vector<Font> BestOfEachName(const std::vector<Font>& fonts) {
     for (const Font& font : fonts)
         fontsByName[font.postScriptName].push_back(font);
     std::vector<Font> best;
+    best.reserve(fontsByName.size());
     for (auto& [name, sameName] : fontsByName)
         best.push_back(std::move(sameName[IndexOfBestMatch(sameName, RequestedFont())]));
     return best;

@@ -51,7 +51,7 @@ SmartListQuery QueryMember(const Json& arguments) {
 
 /// The new name of a list, which no other list has.
 std::string FreeName(CommandContext& context, const Json& arguments, int32_t listID) {
-    const std::string name = NewName(arguments, kGS_SmartListNameKey, "the smart list's name");
+    std::string name = NewName(arguments, kGS_SmartListNameKey, "the smart list's name");
     const auto other = context.manager.smartLists.FindByName(name);
     if (other && other->id != listID)
         throw CommandError(CoreErrorCodes::kItemAlreadyExists,

@@ -22,7 +22,7 @@ std::string RequiredName(const Json& arguments) {
 
 /// One that the user may change.
 Workgroup FindOwnWorkgroup(CommandContext& context, const Json& arguments) {
-    const Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments));
+    Workgroup workgroup = FindWorkgroup(context, RequiredName(arguments));
     if (workgroup.type == kWorkgroupType_System || workgroup.id == context.manager.DefaultWorkgroup().id)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "\"" + workgroup.name + "\" always stays as it is");

@@ -31,7 +31,7 @@ void DescribeProgram(CLI::App& app, Arguments& arguments) {
 CLI::App* AddCommand(CLI::App& app, Action& chosen, const char* name, const char* description,
                      Action action) {
     CLI::App* command = app.add_subcommand(name, description)->fallthrough();
-    command->callback([&chosen, action] { chosen = action; });
+    command->callback([&chosen, action = std::move(action)] { chosen = action; });
     return command;
 }
 

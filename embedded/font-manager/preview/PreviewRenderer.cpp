@@ -65,7 +65,8 @@ private:
     void Darken(int x, int y, uint8_t coverage) {
         if (coverage == 0 || x < 0 || y < 0 || x >= mWidth || y >= mHeight)
             return;
-        uint8_t& pixel = mCoverage[static_cast<size_t>(y * mWidth + x)];
+        uint8_t& pixel =
+            mCoverage[static_cast<size_t>(y) * static_cast<size_t>(mWidth) + static_cast<size_t>(x)];
         pixel = std::max(pixel, coverage);
         mUsedWidth = std::max(mUsedWidth, x + 1);
     }
@@ -107,7 +108,7 @@ bool IsDrawable(FT_GlyphSlot slot, int textSize) {
         return false;
     FT_BBox box{};
     FT_Outline_Get_CBox(&slot->outline, &box);
-    const FT_Pos limit = kMaxGlyphExtent * textSize * kFractions;
+    const FT_Pos limit = FT_Pos{kMaxGlyphExtent} * textSize * kFractions;
     return box.xMin > -limit && box.yMin > -limit && box.xMax < limit && box.yMax < limit;
 }
 

@@ -135,10 +135,10 @@ std::optional<NameImage> ParseImage(std::string_view message) {
         constexpr int kLargest = kPreviewScales.back();
         NameImage image{NumberOf<int>(decoded.at("width")), NumberOf<int>(decoded.at("height")),
                         decoded.at("coverage").get_binary()};
-        const bool isOfSize = image.width >= 0 && image.width <= kLargest * kMaxPreviewWidth &&
-                              image.height >= 0 && image.height <= kLargest * kPreviewHeight &&
-                              (image.width == 0) == (image.height == 0) &&
-                              image.coverage.size() == static_cast<size_t>(image.width * image.height);
+        const bool isOfSize =
+            image.width >= 0 && image.width <= kLargest * kMaxPreviewWidth && image.height >= 0 &&
+            image.height <= kLargest * kPreviewHeight && (image.width == 0) == (image.height == 0) &&
+            image.coverage.size() == static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
         return isOfSize ? std::optional(std::move(image)) : std::nullopt;
     });
 }

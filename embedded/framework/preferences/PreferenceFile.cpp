@@ -13,7 +13,7 @@ constexpr char kLogCategory[] = "Preferences";
 constexpr char kFileName[] = "Preferences.json";
 
 // Some hundred times what thirty plug-ins need; each read goes through the whole file.
-constexpr uint64_t kLargestFile = 1024 * 1024;
+constexpr uint64_t kLargestFile = uint64_t{1024} * 1024;
 // Plug-in, host application, key, and a few levels of structure in a value.
 constexpr int kDeepestNesting = 16;
 constexpr int kMostDamagedFiles = 1000;

@@ -120,7 +120,7 @@ void NotificationQueue::AddBeyondLimit(std::string_view kind) {
     mPositions[kind].clear();
 }
 
-void NotificationQueue::AddImages(PluginNotification notification) {
+void NotificationQueue::AddImages(const PluginNotification& notification) {
     const CFDictionaryRef images =
         cf::GetDictionary(notification.payload.get(), kPluginNotification_FontPNGs);
     if (!mImages)

@@ -54,7 +54,7 @@ private:
     // With the lock held.
     void Add(const Subject& subject, PluginNotification notification);
     void AddBeyondLimit(std::string_view kind);
-    void AddImages(PluginNotification notification);
+    void AddImages(const PluginNotification& notification);
     void Remove(Position position);
 
     mutable std::mutex mPendingLock;  ///< guards what follows
