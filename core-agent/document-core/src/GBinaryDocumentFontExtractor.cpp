@@ -240,16 +240,16 @@ std::optional<size_t> GBinaryDocumentFontExtractor::GetFontNamesFromByteVector(F
             const auto firstName = FindStartMarker(chunk, range, nameStart);
             if (!firstName)
                 continue;
-            FoundName found{rangeCount++, 0, {}};
+            size_t nameCount = 0;
             ForEachRange(chunk, {*firstName, range.end}, nameStart, markers.nameEnd, [&](ByteRange each) {
-                found.name = ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers);
+                std::string name = ReadName(chunk, {each.begin + nameStart.size(), each.end}, markers);
                 if (!chunk.IsIntact())
                     return;
                 LogMessage(0, "In %s(), adding '%s'",
-                           "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", found.name.c_str());
-                take(std::move(found));
-                ++found.index;
+                           "GBinaryDocumentFontExtractor::GetFontNamesFromByteVector", name.c_str());
+                take({rangeCount, nameCount++, std::move(name)});
             });
+            ++rangeCount;
         }
     });
 }

@@ -58,7 +58,7 @@ FontVault::Survey FontManager::LookAroundVault() {
 }
 
 ActiveFonts::Repairs FontManager::RepairActiveFonts() {
-    const ActiveFonts::Repairs repairs = activeFonts->Repair(fonts.ActiveFiles());
+    ActiveFonts::Repairs repairs = activeFonts->Repair(fonts.ActiveFiles());
     for (const FontFile& file : repairs.missing)
         fonts.SetFileMissing(file.id, true);
     mNeedsRepair = !repairs.problem.empty();

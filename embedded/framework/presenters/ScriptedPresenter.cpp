@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint64_t kLargestAnswersFile = 16 * 1024 * 1024;
+constexpr uint64_t kLargestAnswersFile = uint64_t{16} * 1024 * 1024;
 
 bool IsListOfObjects(const nlohmann::json& list) {
     return list.is_array() &&

@@ -89,7 +89,7 @@ void NotificationQueue::Post(PluginNotification notification) {
     if (!mIsOpen)
         return;
     if (notification.name == kPluginNotification_PreviewPNGsRendered)
-        AddImages(std::move(notification));
+        AddImages(notification);
     else
         Add(subject, std::move(notification));
 }
