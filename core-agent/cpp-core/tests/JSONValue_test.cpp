@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "TemporaryFolder.h"
+#include "platform/Environment.h"
 
 using testing::StartsWith;
 
@@ -80,7 +81,7 @@ TEST(JSONObject, NumbersAreReadAlikeWhateverTheHostsLocale) {
     const TemporaryFolder folder;
     if (std::system(("localedef -i de_DE -f UTF-8 '" + (folder / "de") + "' 2>/dev/null").c_str()) != 0)
         GTEST_SKIP() << "no locales to make";
-    setenv("LOCPATH", (folder / ".").c_str(), 1);
+    platform::SetEnvironment("LOCPATH", folder / ".");
     ASSERT_NE(std::setlocale(LC_NUMERIC, "de"), nullptr);
     JSONObject document;
     const auto numbers = Load(document, R"([2.5,1e3,1e999,7,{"a":[-0.5]}])").as_array();
