@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "FakeWorld.h"
+#include "PluginCoreInterface.h"
 #include "TemporaryFolder.h"
 #include "platform/Utf8Path.h"
 
@@ -83,6 +84,55 @@ TEST_F(DocumentEventsTest, WithoutAFontManagerADocumentIsTrackedWithoutFonts) {
     EXPECT_EQ(Close(), CoreErrorCodes::kUnknownError);
 }
 
+TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
+    MakeFunctional();
+    library.fonts = {{7, "Seven"}};
+    library.unmatchedFonts = {"Gone"};
+    ASSERT_EQ(Open(), PLUGINCORE_FONTS_ACTIVATED);
+    const std::string listA = bufferA.c_str();
+    const std::string listB = bufferB.c_str();
+    for (const auto& [roomA, roomB, result] : {std::tuple{1, 1, CoreErrorCodes::kSuccess},
+                                               {1, 0, CoreErrorCodes::kIndexOutOfRange},
+                                               {0, 1, CoreErrorCodes::kIndexOutOfRange}}) {
+        library.activationStateBefore = kFontActivationState_ActivatedByPlugin;
+        std::string a(4096, '#');
+        std::string b(4096, '#');
+        size_t sizeA = listA.size() + static_cast<size_t>(roomA);
+        size_t sizeB = listB.size() + static_cast<size_t>(roomB);
+        EXPECT_EQ(DocumentEvents::HandleOpenExistingDocument(path, "[]", a.data(), &sizeA, b.data(), &sizeB,
+                                                             &numFontsActivated),
+                  result);
+        EXPECT_EQ(a.substr(0, listA.size()) == listA, roomA == 1);
+        EXPECT_EQ(b.substr(0, listB.size()) == listB, roomB == 1);
+        EXPECT_EQ(sizeA, listA.size() + static_cast<size_t>(roomA));
+        EXPECT_EQ(sizeB, listB.size() + static_cast<size_t>(roomB));
+    }
+}
+
+TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
+    MakeFunctional();
+    Open();
+    const auto saved = [&] {
+        std::vector<std::string> calls;
+        for (const std::string& call : std::exchange(library.given, {})) {
+            if (call.starts_with("SaveDocumentFonts "))
+                calls.push_back(call);
+        }
+        return calls;
+    };
+    const auto handOver = [&](const std::string& usage) {
+        return "SaveDocumentFonts '" + path + "' 1 '" + usage + "' ";
+    };
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), 0u);
+    EXPECT_EQ(DocumentEvents::UpdateDocumentFontUsage(path, "stored"), 0u);
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, ""), 0u);
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), 0u);
+    EXPECT_THAT(saved(), ElementsAre(handOver("hint"), handOver("stored"), handOver("hint")));
+    ChangeFile();
+    EXPECT_EQ(Close("last"), 0u);
+    EXPECT_THAT(saved(), ElementsAre(handOver("last")));
+}
+
 TEST_F(DocumentEventsTest, AHandOverThatFailedIsTriedAgainAtClose) {
     MakeFunctional();
     Open();
@@ -150,8 +200,10 @@ TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
     EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, "{}", &count), CoreErrorCodes::kInvalidParam);
     Open();
     library.fonts = {{7, "Seven"}};
-    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7}])", &count), 0u);
+    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7},{"DatabaseID":8}])", &count),
+              0u);
     EXPECT_EQ(count, 1u);
+    EXPECT_THAT(library.given.back(), testing::StartsWith("ActivateFonts [2] '" + Identifier() + "'"));
 }
 
 TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFile) {
