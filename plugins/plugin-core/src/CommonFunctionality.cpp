@@ -11,6 +11,11 @@ CommonFunctionality::Document CommonFunctionality::FindDocument(const std::strin
     return document ? document : documents.FindTrackedDocumentByPath(identifierOrPath);
 }
 
+DialogTurn CommonFunctionality::TurnToMoveFonts(const char* caller) {
+    static bool isTaken = false;
+    return {isTaken, caller};
+}
+
 CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {
     CFIndex count = 0;
     for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "AllTrackedDocuments.h"
+#include "CallScopes.h"
 #include "ErrorCodes.h"
 
 class GeneralInterface;
@@ -23,6 +24,10 @@ using Document = AllTrackedDocuments::Document;
 
 /// The open document with that identifier, else with that path; an empty reference when there is none.
 Document FindDocument(const std::string& identifierOrPath);
+
+/// Taken by whatever moves a document's fonts in or out, any of which may show the dialogs of a lost agent:
+/// from behind these, no other one may.
+DialogTurn TurnToMoveFonts(const char* caller);
 
 /// How many of the font records say that their font is active.
 CFIndex CountActiveFonts(CFArrayRef fonts);

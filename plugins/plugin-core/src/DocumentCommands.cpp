@@ -51,6 +51,9 @@ std::string NameOf(const OneTrackedDocument& document) {
 }
 
 ErrorCode ActivateFonts(OneTrackedDocument& document, CFArrayRef fonts) {
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts("DocumentCommands::ActivateFonts");
+    if (!turn)
+        return CoreErrorCodes::kUnknownError;
     int numFontsActivated = 0;
     return CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated, document.DocumentFilePath(),
                                                               document, fonts);

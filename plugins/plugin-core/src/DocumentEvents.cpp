@@ -56,10 +56,6 @@ bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& 
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
 }
 
-/// Taken by the events that move fonts in or out, any of which may show the dialogs of a lost agent: from
-/// behind these, no other one may.
-bool isMovingFonts = false;
-
 }  // namespace
 
 namespace DocumentEvents {
@@ -90,7 +86,7 @@ ErrorCode HandleOpenExistingDocument(const std::string& path, const std::string&
         },
         "Entering %s('%s', ...)", kName, path.c_str());
     *numFontsActivated = 0;
-    const DialogTurn turn(isMovingFonts, kName);
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts(kName);
     if (!turn)
         return result;
     FontManagerInterface::GetSharedInstance().OnUserAction();
@@ -134,7 +130,7 @@ ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) 
     constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
-    const DialogTurn turn(isMovingFonts, kName);
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts(kName);
     if (!turn)
         return result;
     FontManagerInterface::GetSharedInstance().OnUserAction();
@@ -197,7 +193,7 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
     *outCount = 0;
-    const DialogTurn turn(isMovingFonts, kName);
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts(kName);
     if (!turn)
         return result;
     FontManagerInterface::GetSharedInstance().OnUserAction();

@@ -7,6 +7,7 @@
 #include "FontManagerInterface.h"
 #include "GMutex.h"
 #include "GeneralInterface.h"
+#include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
 #include "NotificationProcessor.h"
 #include "PanelManager.h"
@@ -71,6 +72,8 @@ void CheckFrameworkState(const VPFInterface& framework, bool allowDialogs) {
     if (state != VPFInterface::kLibraryNotFound && state != VPFInterface::kFactoryUnusable &&
         state != VPFInterface::kPreferencesUnusable)
         return;
+    // Where no notice can be shown, the trace alone has it.
+    LogMessage(0, "ERROR:  %s", localized::EnglishText(localized::kFrameworkFailure).data());
     if (allowDialogs)
         platform::Current<platform::Windowing>().ShowStringResourceNotice(framework.FrameworkPath(),
                                                                           localized::kFrameworkFailure);

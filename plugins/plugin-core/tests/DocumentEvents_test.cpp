@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "DocumentCommands.h"
 #include "FakeWorld.h"
 #include "PluginCoreInterface.h"
 #include "TemporaryFolder.h"
@@ -238,14 +239,16 @@ TEST_F(DocumentEventsTest, FromBehindADialogNoOtherEventMovesFonts) {
     library.codes["DeactivateFonts"] = {GAgentIF::kShutdown, GAgentIF::kShutdown, GAgentIF::kShutdown};
     std::vector<ErrorCode> refused;
     uint32_t count = 7;
+    bool isBehind = false;
     framework.whileDialogShows = [&] {
-        if (refused.empty())
-            refused = {Open(), Close(), DocumentEvents::ActivateChosenFonts(path, "[]", &count)};
+        if (!std::exchange(isBehind, true))
+            refused = {Open(), Close(), DocumentEvents::ActivateChosenFonts(path, "[]", &count),
+                       DocumentCommands::HandleCheckDocumentFonts(path, R"([{"PostScriptName":"Seven"}])")};
     };
     const int activations = library.CallsOf("ActivateDocumentFontsByPath");
     EXPECT_EQ(Close(), CoreErrorCodes::kSuccess);  // the agent is lost twice: the user is told
     EXPECT_THAT(refused, ElementsAre(CoreErrorCodes::kUnknownError, CoreErrorCodes::kUnknownError,
-                                     CoreErrorCodes::kUnknownError));
+                                     CoreErrorCodes::kUnknownError, CoreErrorCodes::kOutOfMemory));
     EXPECT_EQ(library.CallsOf("ActivateDocumentFontsByPath"), activations);
     EXPECT_THAT(trace.Text(),
                 HasSubstr("ERROR: PluginCoreInterface::HandleOpenExistingDocument() called recursively.\n"));
