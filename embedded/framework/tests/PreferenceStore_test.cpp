@@ -1,10 +1,13 @@
 #include "preferences/PreferenceStore.h"
 
+#include <CoreFoundation++/CFRef.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "FrameworkTestSupport.h"
+#include "library/TarnwickFramework.h"
+#include "presenters/SilentPresenter.h"
 
 namespace {
 
@@ -76,6 +79,33 @@ TEST_F(PreferenceStoreTest, DefaultsAreRegisteredOnceAndAgainWhenTheFileWasLost)
     EXPECT_FALSE(mStore.AreDefaultsRegistered());
     EXPECT_TRUE(mStore.RegisterDefaults(defaults));
     EXPECT_TRUE(mStore.GetBool("EnablePlugin"));
+}
+
+TEST_F(PreferenceStoreTest, TheFrameworkTakesAndGivesObjects) {
+    TarnwickFramework framework({"com.vantorix.Plugin", "Illustrator2025", ""},
+                                platform::Utf8Text(mFolder.Path()), "en",
+                                std::make_unique<SilentPresenter>());
+    EXPECT_TRUE(framework.SetBoolPreference("Bool", true));
+    EXPECT_TRUE(framework.SetIntPreference("Int", -5000000000));
+    EXPECT_TRUE(framework.SetStringPreference("String", cf::String("Grüße 😀").get()));
+    EXPECT_TRUE(framework.GetBoolPreference("Bool"));
+    EXPECT_EQ(framework.GetIntPreference("Int"), -5000000000);
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(framework.CopyStringPreference("String")).get()), "Grüße 😀");
+
+    const auto defaults = cf::MutableDictionary();
+    cf::Set(defaults, "EnablePlugin", true);
+    cf::Set(defaults, "Width", 260);
+    cf::Set(defaults, "Text", "ü");
+    cf::Set(defaults, "Wrong", cf::MutableArray());
+    EXPECT_FALSE(framework.RegisterDefaults(defaults.get())) << "as a whole or not at all";
+    EXPECT_FALSE(framework.AreDefaultsRegistered());
+    EXPECT_FALSE(framework.GetBoolPreference("EnablePlugin"));
+    cf::Set(defaults, "Wrong", 1.5);
+    EXPECT_TRUE(framework.RegisterDefaults(defaults.get()));
+    const json expected = json::parse(
+        R"({"EnablePlugin": true, "Width": 260, "Text": "ü", "Wrong": 1.5, "Bool": true, "Int": -5000000000,
+            "String": "Grüße 😀", "DefaultsRegistered": true})");
+    EXPECT_EQ(Stored()["com.vantorix.Plugin"]["Illustrator2025"], expected);
 }
 
 }  // namespace
