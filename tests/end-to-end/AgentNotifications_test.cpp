@@ -55,14 +55,6 @@ TEST_F(AgentNotificationsTest, TheWorkgroupThatIsWorkedInIsDeleted) {
     EXPECT_THAT(menuNow, testing::Not(HasSubstr("Print")));
 }
 
-TEST_F(AgentNotificationsTest, OnlineAndOffline) {
-    host.Start();
-    ASSERT_EQ(Pellwick({"standalone", "off"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Online state changed to 'true'"));
-    ASSERT_EQ(Pellwick({"standalone", "on"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Online state changed to 'false'"));
-}
-
 TEST_F(AgentNotificationsTest, AnAgentThatEndsIsToldAndTheNextCallStartsAnother) {
     host.Start();
     ASSERT_EQ(Pellwick({"stop"}), 0);

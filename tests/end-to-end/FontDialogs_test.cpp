@@ -122,15 +122,3 @@ TEST_F(FontDialogsTest, WithoutAChoiceOrPermissionEveryFontIsSkipped) {
     EXPECT_EQ(ListIn(answer, "skippedBuffer"), missing);
     EXPECT_EQ(Questions().size(), 1u) << "nobody may choose while nobody is logged in";
 }
-
-TEST_F(FontDialogsTest, RestrictedFontsAreShown) {
-    StartHost({{{"dialog", "RestrictedFonts"}, {"answer", true}}});
-    const json answer = host->Call("InvokeRestrictedFontsDialog",
-                                   {{"onlyNew", true}, {"fontsJSON", {{{"PostScriptName", "Sample-Bold"}}}}});
-    EXPECT_EQ(answer["code"], 0) << answer;
-    ASSERT_EQ(Questions().size(), 1u);
-    const json expected = {{"fonts", {"Sample-Bold"}}, {"onlyNew", true}};
-    EXPECT_EQ(Questions()[0]["details"], expected);
-    EXPECT_EQ(host->Call("InvokeRestrictedFontsDialog", {{"fontsJSON", "[]"}})["code"], 0);
-    EXPECT_EQ(Questions().size(), 1u);
-}

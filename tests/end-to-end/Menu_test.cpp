@@ -102,18 +102,6 @@ TEST_F(MenuTest, ADocumentSetHoldsTheDocumentsFonts) {
     EXPECT_EQ(Messages().back(), 659) << "a set belongs to one workgroup";
 }
 
-TEST_F(MenuTest, CheckingADocumentTellsWhatIsMissing) {
-    const std::string document = world.WriteDocument("poster.ai", {"Sample-Bold"});
-    ScriptedHost host;
-    host.Start();
-    host.Open(document);
-    Choose(host, document, "Check Document's Fonts");
-    world.WriteDocument("poster.ai", {"Sample-Bold", "Other-Regular", "Gone"});
-    Choose(host, document, "Check Document's Fonts");
-    EXPECT_THAT(Messages(), ElementsAre(655, 662));
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Other-Regular", "Sample-Bold")) << "those it has by now";
-}
-
 TEST_F(MenuTest, TheMenuIsInTheUsersLanguageAndItsChoicesLast) {
     ASSERT_EQ(world.FontManager().Run({"workgroup", "create", "Druck"}).status, 0);
     platform::SetEnvironment("LC_ALL", "de_DE.UTF-8");
