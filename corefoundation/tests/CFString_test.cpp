@@ -116,6 +116,8 @@ TEST(CFString, BytesAreCutBetweenCharactersOnly) {
     EXPECT_EQ(std::string(buffer, buffer + used), "???z");
     EXPECT_EQ(convert(CFRangeMake(0, 6), kCFStringEncodingISOLatin1, 0, 16), 2);
 
+    CFStringGetBytes(CFSTR("abcdef"), CFRangeMake(2, 3), kCFStringEncodingUTF8, 0, false, buffer, 16, &used);
+    EXPECT_EQ(std::string(buffer, buffer + used), "cde");
     EXPECT_EQ(CFStringGetMaximumSizeForEncoding(6, kCFStringEncodingUTF8), 18);
     EXPECT_EQ(CFStringGetMaximumSizeForEncoding(std::numeric_limits<CFIndex>::max(), kCFStringEncodingUTF8),
               kCFNotFound);

@@ -55,17 +55,6 @@ TEST_F(AgentNotificationsTest, TheWorkgroupThatIsWorkedInIsDeleted) {
     EXPECT_THAT(menuNow, testing::Not(HasSubstr("Print")));
 }
 
-TEST_F(AgentNotificationsTest, AnAgentThatEndsIsToldAndTheNextCallStartsAnother) {
-    host.Start();
-    ASSERT_EQ(Pellwick({"stop"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Agent shut down"));
-    EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), false) << "no agent runs";
-    EXPECT_EQ(Ask("ShouldShowLogin", "showLogin"), false) << "asking starts one";
-    EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), true);
-    ASSERT_EQ(Pellwick({"logout"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'false'")) << "the new one is heard";
-}
-
 TEST_F(AgentNotificationsTest, AnAgentThatWasReplacedBeforeTheHostWasIdleIsNotMissed) {
     host.Start();
     world.KillAgent();

@@ -50,9 +50,10 @@ TEST_F(PreferenceStoreTest, ReadersAreTolerantOfOtherTypes) {
     for (const Case& each :
          {Case{true, true, 1, ""}, Case{false, false, 0, ""}, Case{-3, true, -3, ""},
           Case{least, true, least, ""}, Case{0.5, true, 0, ""}, Case{-2.9, true, -2, ""},
-          Case{1e300, true, 0, ""}, Case{std::numeric_limits<uint64_t>::max(), false, 0, ""},
-          Case{"12", false, 0, "12"}, Case{"ü\n\"", false, 0, "ü\n\""}, Case{nullptr, false, 0, ""},
-          Case{{1, 2}, false, 0, ""}, Case{{{"a", 1}}, false, 0, ""}}) {
+          Case{1e300, true, 0, ""}, Case{0x1p63, true, 0, ""},
+          Case{std::numeric_limits<uint64_t>::max(), false, 0, ""}, Case{"12", false, 0, "12"},
+          Case{"ü\n\"", false, 0, "ü\n\""}, Case{nullptr, false, 0, ""}, Case{{1, 2}, false, 0, ""},
+          Case{{{"a", 1}}, false, 0, ""}}) {
         ASSERT_TRUE(mStore.Set("Key", each.value));
         EXPECT_EQ(mStore.GetBool("Key"), each.asBool) << each.value;
         EXPECT_EQ(mStore.GetInt("Key"), each.asInt) << each.value;

@@ -9,7 +9,9 @@
 #include <filesystem>
 
 #include "TemporaryFolder.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
 
 namespace fs = std::filesystem;
 
@@ -98,4 +100,17 @@ TEST(FileRights, OnlyRegularFilesAreOpenedAndNothingBlocks) {
     EXPECT_TRUE(file.Open("/dev/null"));
     EXPECT_FALSE(file.IsOpen());
     EXPECT_FALSE(platform::IsExistingFile(folder / "pipe"));
+}
+
+TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
+    const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
+    const auto folder = [](const char* value) {
+        platform::SetEnvironment("XDG_CONFIG_HOME", value);
+        return platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kConfiguration);
+    };
+    EXPECT_EQ(folder("/a b//"), "/a b");
+    EXPECT_EQ(folder("/a"), "/a");
+    EXPECT_EQ(folder("/"), "/");
+    EXPECT_EQ(folder("a/b"), folder("")) << "as if it were not set";
+    platform::SetEnvironment("XDG_CONFIG_HOME", saved);
 }
