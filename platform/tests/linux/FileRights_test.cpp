@@ -12,6 +12,7 @@
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
+#include "platform/PrivateFolder.h"
 
 namespace fs = std::filesystem;
 
@@ -56,6 +57,22 @@ TEST(FileRights, WhatIsMadeAndWhatIsAddedToIsClosedToOthers) {
     fs::permissions(folder / "log", fs::perms::all);
     EXPECT_FALSE(log.Open(folder / "log"));
     EXPECT_EQ(fs::status(folder / "log").permissions(), kFile);
+}
+
+TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALink) {
+    const TemporaryFolder folder, elsewhere;
+    fs::create_directories(folder / "a/b");
+    fs::create_directory(folder / "c");
+    fs::create_directory_symlink(elsewhere.Path(), folder / "link");
+    for (const fs::path& open : {fs::path(folder / "a/b"), fs::path(folder / "c"), elsewhere.Path()})
+        fs::permissions(open, fs::perms::all);
+    EXPECT_EQ(platform::CloseFoldersToOthers(folder / "."), 2);
+    EXPECT_EQ(platform::CloseFoldersToOthers(folder / "."), 0);
+    EXPECT_EQ(fs::status(folder / "a/b").permissions() & fs::perms::others_write, fs::perms::none);
+    EXPECT_EQ(fs::status(elsewhere.Path()).permissions(), fs::perms::all);
+    EXPECT_FALSE(platform::MakePrivateFolder(folder / "c/d/e"));
+    EXPECT_EQ(fs::status(folder / "c/d/e").permissions(), fs::perms::owner_all);
+    EXPECT_TRUE(platform::MakePrivateFolder(folder / "link"));
 }
 
 TEST(FileRights, ACopyIsAFileLikeAnyNewOne) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -113,6 +114,7 @@ TEST(ProcessDetails, AProcessIsAskedToEndByASignal) {
     const auto child =
         Launch("trap 'exit 3' TERM; : > '" + (folder / "ready") + "'; while :; do sleep 0.01; done");
     ASSERT_TRUE(Eventually([&] { return platform::IsExistingFile(folder / "ready"); }));
+    errno = EPERM;  // of an earlier call
     EXPECT_FALSE(platform::RequestEndOfProcess(child->Id(), platform::ProcessStartTime(child->Id())));
     EXPECT_EQ(WaitForExit(*child), 3);
 }

@@ -241,10 +241,6 @@ TEST(Disturbances, ADocumentIsOpenedSavedAndClosedWhileTheAgentIsKilled) {
     DisturbedRounds(1, 1).Run(25, 1);
 }
 
-TEST(Disturbances, TwoHostsShareFonts) {
-    DisturbedRounds(2, 4).Run(10, 0);
-}
-
 TEST(Disturbances, HostsLiveThroughKillsRestartsAndStalls) {
     for (const size_t hosts : {2, 3})
         DisturbedRounds(hosts, 4).Run(12, 3);
