@@ -118,18 +118,6 @@ void TestProcess::CloseInput() {
     mState->input.writeEnd = {};
 }
 
-void TestProcess::Kill() const {
-    KillProcess(Id());
-}
-
-void TestProcess::Suspend() const {
-    SuspendProcess(Id());
-}
-
-void TestProcess::Resume() const {
-    ResumeProcess(Id());
-}
-
 ProgramResult TestProcess::Finish() {
     CloseInput();
     ProgramResult result;

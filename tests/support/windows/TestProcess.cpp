@@ -194,18 +194,6 @@ void TestProcess::CloseInput() {
     mState->input.writeEnd = {};
 }
 
-void TestProcess::Kill() const {
-    TerminateProcess(mState->process.Get(), kKilledStatus);
-}
-
-void TestProcess::Suspend() const {
-    SuspendProcess(Id());
-}
-
-void TestProcess::Resume() const {
-    ResumeProcess(Id());
-}
-
 ProgramResult TestProcess::Finish() {
     CloseInput();
     ProgramResult result;
