@@ -10,17 +10,10 @@
 namespace {
 
 template <class T>
-struct Reading {
-    bool isExact;
-    T value;
-    bool operator==(const Reading&) const = default;
-};
-
-template <class T>
-Reading<T> Read(const CFRef<CFNumberRef>& number, CFNumberType type) {
-    T value{};
-    const bool isExact = CFNumberGetValue(number.get(), type, &value);
-    return {isExact, value};
+void ExpectReading(const CFRef<CFNumberRef>& number, CFNumberType type, bool isExact, T value) {
+    T read{};
+    EXPECT_EQ(CFNumberGetValue(number.get(), type, &read), isExact) << value;
+    EXPECT_EQ(read, value);
 }
 
 constexpr int64_t kLowest = std::numeric_limits<int64_t>::min();
@@ -32,7 +25,7 @@ void ExpectRoundTrip(CFNumberType type, CFNumberType stored) {
         const auto number = AdoptCF(CFNumberCreate(nullptr, type, &value));
         EXPECT_EQ(CFNumberGetType(number.get()), stored);
         EXPECT_EQ(CFNumberGetByteSize(number.get()), static_cast<CFIndex>(sizeof(T)));
-        EXPECT_EQ(Read<T>(number, type), (Reading<T>{true, value})) << type;
+        ExpectReading<T>(number, type, true, value);
     }
 }
 
@@ -56,26 +49,21 @@ TEST(CFNumber, EveryTypeReturnsWhatItWasGiven) {
 }
 
 TEST(CFNumber, LossyReadingsSaySoAndGiveTheNearestValue) {
-    EXPECT_EQ(Read<int8_t>(cf::Number(-129), kCFNumberSInt8Type), (Reading<int8_t>{false, -128}));
-    EXPECT_EQ(Read<int32_t>(cf::Number(kHighest), kCFNumberSInt32Type),
-              (Reading<int32_t>{false, 2147483647}));
-    EXPECT_EQ(Read<int32_t>(cf::RealNumber(-2.75), kCFNumberSInt32Type), (Reading<int32_t>{false, -2}));
-    EXPECT_EQ(Read<int8_t>(cf::RealNumber(-128.5), kCFNumberSInt8Type), (Reading<int8_t>{false, -128}));
-    EXPECT_EQ(Read<int64_t>(cf::RealNumber(std::ldexp(1, 63)), kCFNumberSInt64Type),
-              (Reading<int64_t>{false, kHighest}));
-    EXPECT_EQ(Read<int64_t>(cf::RealNumber(-std::ldexp(1, 63)), kCFNumberSInt64Type),
-              (Reading<int64_t>{true, kLowest}));
-    EXPECT_EQ(Read<int64_t>(cf::RealNumber(-INFINITY), kCFNumberSInt64Type),
-              (Reading<int64_t>{false, kLowest}));
-    EXPECT_EQ(Read<int32_t>(cf::RealNumber(NAN), kCFNumberSInt32Type), (Reading<int32_t>{false, 0}));
-    EXPECT_EQ(Read<double>(cf::Number(kHighest), kCFNumberDoubleType),
-              (Reading<double>{false, std::ldexp(1, 63)}));
-    EXPECT_EQ(Read<double>(cf::Number(int64_t{1} << 53), kCFNumberDoubleType),
-              (Reading<double>{true, 0x1p53}));
-    EXPECT_EQ(Read<float>(cf::RealNumber(-1e300), kCFNumberFloatType),
-              (Reading<float>{false, std::numeric_limits<float>::lowest()}));
-    EXPECT_EQ(Read<float>(cf::RealNumber(0.1), kCFNumberFloatType), (Reading<float>{false, 0.1F}));
-    EXPECT_EQ(Read<float>(cf::RealNumber(INFINITY), kCFNumberFloatType), (Reading<float>{true, INFINITY}));
+    const double two63 = std::ldexp(1, 63);
+    ExpectReading<int8_t>(cf::Number(-129), kCFNumberSInt8Type, false, -128);
+    ExpectReading<int32_t>(cf::Number(kHighest), kCFNumberSInt32Type, false, 2147483647);
+    ExpectReading<int32_t>(cf::RealNumber(-2.75), kCFNumberSInt32Type, false, -2);
+    ExpectReading<int8_t>(cf::RealNumber(-128.5), kCFNumberSInt8Type, false, -128);
+    ExpectReading<int64_t>(cf::RealNumber(two63), kCFNumberSInt64Type, false, kHighest);
+    ExpectReading<int64_t>(cf::RealNumber(-two63), kCFNumberSInt64Type, true, kLowest);
+    ExpectReading<int64_t>(cf::RealNumber(-INFINITY), kCFNumberSInt64Type, false, kLowest);
+    ExpectReading<int32_t>(cf::RealNumber(NAN), kCFNumberSInt32Type, false, 0);
+    ExpectReading<double>(cf::Number(kHighest), kCFNumberDoubleType, false, two63);
+    ExpectReading<double>(cf::Number(int64_t{1} << 53), kCFNumberDoubleType, true, 0x1p53);
+    ExpectReading<float>(cf::RealNumber(-1e300), kCFNumberFloatType, false,
+                         std::numeric_limits<float>::lowest());
+    ExpectReading<float>(cf::RealNumber(0.1), kCFNumberFloatType, false, 0.1F);
+    ExpectReading<float>(cf::RealNumber(INFINITY), kCFNumberFloatType, true, INFINITY);
 }
 
 TEST(CFNumber, OrdersByExactValueAcrossTypes) {

@@ -12,49 +12,55 @@
 
 namespace fs = std::filesystem;
 
-TEST(Files, AWrittenFileReplacesTheOldOneAndLeavesNothingBeside) {
+namespace {
+
+class Files : public testing::Test {
+protected:
+    /// What the file holds; "none" when it cannot be read.
+    static std::string Content(const std::string& path) {
+        std::string content;
+        return platform::ReadWholeFile(path, content, 4 << 20) ? "none" : content;
+    }
+    long Count() const {
+        return std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator());
+    }
+
     const TemporaryFolder folder;
+};
+
+}  // namespace
+
+TEST_F(Files, AWrittenFileReplacesTheOldOneAndLeavesNothingBeside) {
     const std::string path = folder.Write("preferences 字.json", "old");
     ASSERT_FALSE(platform::WriteWholeFile(path, "new content"));
-    std::string content;
-    ASSERT_FALSE(platform::ReadWholeFile(path, content, 100));
-    EXPECT_EQ(content, "new content");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
-}
-
-TEST(Files, AFailedWriteKeepsTheOldFile) {
-    const TemporaryFolder folder;
     fs::create_directories(platform::Utf8Path(folder / "taken/inside"));
     EXPECT_TRUE(platform::WriteWholeFile(folder / "taken", "text"));  // a folder stands there
     EXPECT_TRUE(platform::WriteWholeFile(folder / "missing/file", "text"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
+    EXPECT_EQ(Content(path), "new content");
+    EXPECT_EQ(Count(), 2);
 }
 
-TEST(Files, ACopyReplacesNothing) {
-    const TemporaryFolder folder;
+TEST_F(Files, ACopyReplacesNothing) {
     const std::string content(3 << 20, 'x');
     const std::string source = folder.Write("source", content);
     const std::string taken = folder.Write("taken", "");
     ASSERT_FALSE(platform::CopyToNewFile(source, folder / "copy 字"));
-    std::string copied;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "copy 字", copied, content.size()));
-    EXPECT_TRUE(copied == content);
+    EXPECT_TRUE(Content(folder / "copy 字") == content);
     for (const char* name : {"taken", "."})
         EXPECT_TRUE(platform::CopyToNewFile(source, folder / name).IsExisting()) << name;
     EXPECT_EQ(platform::IsExistingFile(taken) ? fs::file_size(platform::Utf8Path(taken)) : 1, 0u);
     EXPECT_TRUE(platform::CopyToNewFile(folder / "absent", folder / "new").IsNotFound());
     EXPECT_TRUE(platform::CopyToNewFile(source, folder / "absent/new").IsNotFound());
     EXPECT_TRUE(platform::CopyToNewFile(source, folder / std::string(256, 'x')).IsPathTooLong());
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 3);
+    EXPECT_EQ(Count(), 3);
 }
 
-TEST(Files, OfSeveralCopiesToOneNameTheFirstStays) {
-    const TemporaryFolder folder;
+TEST_F(Files, OfSeveralCopiesToOneNameTheFirstStays) {
     std::atomic<int> copies{0};
     std::vector<std::thread> threads;
     for (const char letter : {'a', 'b', 'c', 'd'}) {
         const std::string source = folder.Write(std::string(1, letter), std::string(3 << 20, letter));
-        threads.emplace_back([&copies, &folder, source] {
+        threads.emplace_back([this, &copies, source] {
             const auto error = platform::CopyToNewFile(source, folder / "copy");
             if (!error)
                 ++copies;
@@ -64,14 +70,12 @@ TEST(Files, OfSeveralCopiesToOneNameTheFirstStays) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(copies, 1);
-    std::string content;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "copy", content, 3 << 20));
+    const std::string content = Content(folder / "copy");
     EXPECT_TRUE(content == std::string(3 << 20, content.front()));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 5);
+    EXPECT_EQ(Count(), 5);
 }
 
-TEST(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
-    const TemporaryFolder folder;
+TEST_F(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
     const std::string path = folder.Write("file.json", "kept");
     for (const char* kept : {"file.json.backup", "file.json.writing-", "file.json.writing-mine.txt",
                              "other.json.writing-abc123", "file.json.damaged-1"})
@@ -80,12 +84,11 @@ TEST(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
     folder.Write("file.json.writing-XYZxyz", "");
     platform::RemoveAbandonedWrites(path);
     EXPECT_FALSE(fs::exists(platform::Utf8Path(folder / "file.json.writing-abc123")));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 6);
+    EXPECT_EQ(Count(), 6);
     platform::RemoveAbandonedWrites(folder / "missing/file");
 }
 
-TEST(Files, AFileLargerThanTheLimitIsRefused) {
-    const TemporaryFolder folder;
+TEST_F(Files, AFileLargerThanTheLimitIsRefused) {
     const std::string path = folder.Write("file", "12345");
     std::string content = "kept";
     EXPECT_TRUE(platform::ReadWholeFile(path, content, 4));
@@ -94,8 +97,7 @@ TEST(Files, AFileLargerThanTheLimitIsRefused) {
     EXPECT_EQ(content, "12345");
 }
 
-TEST(Files, FoldersAreMadeWithThoseAboveThem) {
-    const TemporaryFolder folder;
+TEST_F(Files, FoldersAreMadeWithThoseAboveThem) {
     EXPECT_FALSE(platform::MakeFolders(folder / "a/b/c", true));
     EXPECT_TRUE(fs::is_directory(platform::Utf8Path(folder / "a/b/c")));
     EXPECT_FALSE(platform::MakeFolders(folder / "a/b/c", true));
@@ -104,38 +106,26 @@ TEST(Files, FoldersAreMadeWithThoseAboveThem) {
     EXPECT_TRUE(platform::MakeFolders(folder / "file"));
 }
 
-TEST(Files, ALockKeepsOthersOutUntilItIsReleased) {
-    const TemporaryFolder folder;
-    platform::FileLock first;
-    platform::FileLock second;
-    ASSERT_FALSE(first.Acquire(folder / "lock", false));
-    EXPECT_TRUE(second.Acquire(folder / "lock", false));
-    first.Release();
-    EXPECT_FALSE(second.Acquire(folder / "lock", false));
-    EXPECT_TRUE(second.IsHeld());
-}
-
-TEST(Files, ALockTellsWhoHoldsItToWhoeverAsks) {
-    const TemporaryFolder folder;
+TEST_F(Files, ALockKeepsOthersOutUntilItIsReleasedAndTellsThemWhoHoldsIt) {
     const std::string path = folder / "lock";
     EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(path));
-    EXPECT_FALSE(fs::exists(platform::Utf8Path(path)));
-    platform::FileLock lock;
+    EXPECT_EQ(Count(), 0);
+    platform::FileLock lock, second;
     EXPECT_TRUE(lock.Write("x"));
     ASSERT_FALSE(lock.Acquire(path, false));
+    EXPECT_TRUE(second.Acquire(path, false));
     EXPECT_TRUE(platform::FileLock::IsHeldByAnyone(path));
     EXPECT_FALSE(lock.Write("somewhat longer"));
     EXPECT_FALSE(lock.Write("short"));
-    std::string content;
-    EXPECT_FALSE(platform::ReadWholeFile(path, content, 100));
-    EXPECT_EQ(content, "short");
+    EXPECT_EQ(Content(path), "short");
     lock.Release();
     EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(path));
     EXPECT_FALSE(lock.IsInPlace());
+    EXPECT_FALSE(second.Acquire(path, false));
+    EXPECT_TRUE(second.IsHeld());
 }
 
-TEST(Files, ALockKnowsWhetherItsFileIsStillTheOneAtItsPath) {
-    const TemporaryFolder folder;
+TEST_F(Files, ALockKnowsWhetherItsFileIsStillTheOneAtItsPath) {
     for (const bool isReplaced : {false, true}) {
         const std::string path = folder / "lock";
         platform::FileLock lock;
@@ -150,8 +140,7 @@ TEST(Files, ALockKnowsWhetherItsFileIsStillTheOneAtItsPath) {
     }
 }
 
-TEST(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
-    const TemporaryFolder folder;
+TEST_F(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
     const std::string path = folder.Write("file", "");
     platform::FileIdentity first;
     platform::FileIdentity again;
@@ -166,8 +155,7 @@ TEST(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
     EXPECT_FALSE(platform::IdentifyFile(folder / ".", again));
 }
 
-TEST(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
-    const TemporaryFolder folder;
+TEST_F(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
     const std::string path = folder / "log 字";
     platform::AppendedFile one;
     platform::AppendedFile other;
@@ -178,26 +166,22 @@ TEST(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
         EXPECT_FALSE(file->Append(file == &one ? "one " : "other "));
     one.Close();
     EXPECT_FALSE(one.IsOpen());
-    std::string content;
-    EXPECT_FALSE(platform::ReadWholeFile(path, content, 100));
-    EXPECT_EQ(content, "one other one ");
+    EXPECT_EQ(Content(path), "one other one ");
     EXPECT_TRUE(one.Open(folder / "absent/log").IsNotFound());
     EXPECT_TRUE(one.Open(folder / "."));
 }
 
-TEST(Files, PathsHaveAFolderAndAName) {
+TEST_F(Files, PathsHaveAFolderAndAName) {
     EXPECT_EQ(platform::FolderPart("/a b/c"), "/a b/");
     EXPECT_EQ(platform::NamePart("/a b/c"), "c");
     EXPECT_EQ(platform::FolderPart("c"), "");
     EXPECT_EQ(platform::NamePart("c"), "c");
     EXPECT_EQ(platform::NamePart("/a/"), "");
-    const TemporaryFolder folder;
     EXPECT_EQ(platform::FolderPart(folder / "x/y") + "y", folder / "x/y");
     EXPECT_EQ(platform::WithSlashes(folder / "x/y").find('\\'), std::string::npos);
 }
 
-TEST(Files, APathMayBeLong) {
-    const TemporaryFolder folder;
+TEST_F(Files, APathMayBeLong) {
     std::string path = folder.Path().empty() ? "" : folder / "x";
     for (int depth = 0; depth < 12; ++depth)
         path = platform::FolderPart(path) + std::string(40, 'y') + "/x";
@@ -205,9 +189,7 @@ TEST(Files, APathMayBeLong) {
     EXPECT_FALSE(platform::MakeFolders(platform::FolderPart(path)));
     EXPECT_FALSE(platform::WriteWholeFile(path, "deep"));
     EXPECT_FALSE(platform::CopyToNewFile(path, path + "2"));
-    std::string content;
-    EXPECT_FALSE(platform::ReadWholeFile(path + "2", content, 10));
-    EXPECT_EQ(content, "deep");
+    EXPECT_EQ(Content(path + "2"), "deep");
     EXPECT_FALSE(platform::RemoveFile(path));
     EXPECT_FALSE(platform::IsExistingFile(path));
 }

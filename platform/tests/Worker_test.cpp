@@ -41,20 +41,19 @@ TEST_F(WorkerTest, AnswersOneRequestAfterTheOther) {
     EXPECT_EQ(Ask(std::string(60000, 'x')), Outcome::kAnswered) << mProblem;
 }
 
-TEST_F(WorkerTest, IsEndedWhenItTakesTooLong) {
-    EXPECT_EQ(Ask("loop"), Outcome::kOverLimit);
-    EXPECT_EQ(mProblem, "took too long");
-    EXPECT_EQ(Ask("hello"), Outcome::kDied) << "there is no worker any more";
-}
-
-TEST_F(WorkerTest, IsEndedWhenItAnswersWithTooMuch) {
-    EXPECT_EQ(Ask("answer with much"), Outcome::kOverLimit);
-    EXPECT_EQ(mProblem, "answered with too much");
-}
-
-TEST_F(WorkerTest, ItsEndIsTold) {
-    EXPECT_EQ(Ask("crash"), Outcome::kDied);
-    EXPECT_NE(mProblem.find("crashed"), std::string::npos) << mProblem;
+TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {
+    const struct {
+        const char *request, *problem;
+        Outcome outcome;
+    } cases[] = {{"loop", "took too long", Outcome::kOverLimit},
+                 {"answer with much", "answered with too much", Outcome::kOverLimit},
+                 {"crash", "crashed", Outcome::kDied}};
+    for (const auto& each : cases) {
+        mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
+        EXPECT_EQ(Ask(each.request), each.outcome);
+        EXPECT_NE(mProblem.find(each.problem), std::string::npos) << mProblem;
+        EXPECT_EQ(Ask("hello"), Outcome::kDied);
+    }
 }
 
 TEST_F(WorkerTest, ACancellationEndsAnExchange) {

@@ -1,4 +1,4 @@
-// The agent goes away at bad moments.
+// The agent goes away at bad moments, or other things happen there.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,6 +23,25 @@ bool IsAnyAgentRunning() {
     });
 }
 
+/// What happens at the font manager reaches the host when it is idle.
+class AgentNotificationsTest : public testing::Test {
+protected:
+    AgentNotificationsTest() { world.AddFonts({"Sample-Bold"}); }
+
+    /// Idles until the trace holds the line.
+    bool IdleUntil(const std::string& line) {
+        return Eventually([&] {
+            host.Call("IdleEvent");
+            return world.Trace().find(line) != std::string::npos;
+        });
+    }
+    int Pellwick(const std::vector<std::string>& command) { return world.FontManager().Run(command).status; }
+    json Ask(const char* call, const char* output) { return host.Call(call)["out"][output]; }
+
+    HostWorld world;
+    ScriptedHost host;
+};
+
 }  // namespace
 
 TEST(AgentLoss, AKilledAgentIsStartedAgainOnceAndNothingIsLost) {
@@ -35,6 +54,8 @@ TEST(AgentLoss, AKilledAgentIsStartedAgainOnceAndNothingIsLost) {
     host.SetPreference("CloseFontsOnDocClose", 1);
     host.Open(first);
     world.KillAgent();
+    for (int time = 0; time < 20; ++time)
+        host.Call("IdleEvent");  // heals nothing, and says nothing
     EXPECT_EQ(host.Open(second), 1u);
     EXPECT_EQ(CountOf(world.Trace(), "automatically relaunching agent and retrying command\n"), 1);
     EXPECT_EQ(CountOf(world.Trace(), "Successfully launched Pellwick at: "), 1);
@@ -45,17 +66,6 @@ TEST(AgentLoss, AKilledAgentIsStartedAgainOnceAndNothingIsLost) {
     host.Close(first);
     host.Close(second);
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
-}
-
-TEST(AgentLoss, AnAgentThatEndsInOrderIsStartedAgainToo) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    ScriptedHost host;
-    host.Start();
-    ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
-    EXPECT_EQ(host.Open(document), 1u);
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
 }
 
 TEST(AgentLoss, TheCoreStartsTheAgentWhenNoneRuns) {
@@ -114,19 +124,6 @@ TEST(AgentLoss, AFrozenAgentIsUsedAgainWhenItIsWell) {
     EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Italic"));
 }
 
-TEST(AgentLoss, ACrashIsHealedSilentlyThoughTheHostIsIdleFirst) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    ScriptedHost host;
-    host.Start();
-    world.KillAgent();
-    for (int time = 0; time < 20; ++time)
-        host.Call("IdleEvent");
-    EXPECT_EQ(host.Open(document), 1u);
-    EXPECT_EQ(host.Call("PluginIsEnabled")["out"]["isEnabled"], true);
-}
-
 TEST(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
@@ -155,4 +152,39 @@ TEST(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
         other.Close(document);
     }
     EXPECT_EQ(CountOf(world.Trace(), "Attempting to launch"), 0);
+}
+
+TEST_F(AgentNotificationsTest, ALogoutAndALogin) {
+    host.Start();
+    ASSERT_EQ(Pellwick({"logout"}), 0);
+    EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'false'"));
+    EXPECT_EQ(host.Call("GetSettings")["codeName"], "CoreErrorCodes::kNotInitialized");
+    EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), false);
+    ASSERT_EQ(Pellwick({"login", "ana"}), 0);
+    EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'true'"));
+    EXPECT_EQ(host.Call("GetSettings")["code"], 0) << "without another question to PluginIsEnabled";
+    EXPECT_EQ(host.Open(world.WriteDocument("a.ai", {"Sample-Bold"})), 1u);
+    EXPECT_TRUE(IdleUntil(" activated\n"));
+}
+
+TEST_F(AgentNotificationsTest, TheWorkgroupThatIsWorkedInIsDeleted) {
+    ASSERT_EQ(Pellwick({"workgroup", "create", "Print"}), 0);
+    host.Start();
+    host.Call("SetPreference", {{"key", "CurrentWorkgroup"}, {"value", "Print"}});
+    const json menu{{"items", {{{"id", "w"}, {"label", "Print"}}}}};
+    host.Call("HandleMenuSelection", {{"menusJSON", menu}, {"selectedID", "w"}});
+    ASSERT_EQ(Pellwick({"workgroup", "delete", "Print"}), 0);
+    EXPECT_TRUE(IdleUntil(">>> notification: Workgroups changed"));
+    const std::string menuNow = Ask("GetMenus", "buffer");
+    EXPECT_THAT(menuNow, HasSubstr(R"({"checked":true,"enabled":true,"label":"8","title":"Font Library"})"));
+    EXPECT_THAT(menuNow, testing::Not(HasSubstr("Print")));
+}
+
+TEST_F(AgentNotificationsTest, AnAgentThatWasReplacedBeforeTheHostWasIdleIsNotMissed) {
+    host.Start();
+    world.KillAgent();
+    EXPECT_EQ(host.Open(world.WriteDocument("a.ai", {"Sample-Bold"})), 1u);
+    host.Call("IdleEvent");
+    EXPECT_THAT(world.Trace(), testing::Not(HasSubstr(">>> notification: Agent shut down")));
+    EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), true);
 }

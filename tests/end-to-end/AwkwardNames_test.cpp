@@ -55,6 +55,22 @@ const std::string kHostile =
     "2J\xE2\x80\xAE"
     "fdp\x7F";
 
+/// The words with kHostile for "X" and a document's path for "D".
+std::vector<std::string> CommandOf(const std::string& words, const std::string& document) {
+    std::istringstream stream(words);
+    std::vector<std::string> command;
+    for (std::string word; stream >> word;) {
+        for (const auto& [letter, text] : {std::pair('X', kHostile), std::pair('D', document)}) {
+            if (const size_t at = word.find(letter); at != std::string::npos) {
+                word.replace(at, 1, text);
+                break;
+            }
+        }
+        command.push_back(word);
+    }
+    return command;
+}
+
 }  // namespace
 
 TEST(AwkwardNames, AreTakenAsTheyAreTyped) {
@@ -111,46 +127,20 @@ TEST(AwkwardNames, DoNothingToATerminal) {
     const std::string document = fontManager.Write(kHostile + ".ai", name);
     fontManager.Run({"add", world.FontManager().WriteFont("Sample-Bold")});
     ASSERT_EQ(fontManager.Run({"launch-info"}).status, 0);
-    const std::vector<std::vector<std::string>> ofFontManager = {{"activate", kHostile},
-                                                                 {"add", document},
-                                                                 {"set", "show", kHostile},
-                                                                 {"set", "list", "--workgroup", kHostile},
-                                                                 {kHostile},
-                                                                 {"--" + kHostile},
-                                                                 {"standalone", kHostile},
-                                                                 {"smartlist", "fonts", kHostile},
-                                                                 {"login", kHostile},
-                                                                 {"workgroup", "create", kHostile},
-                                                                 {"--json", "add", document},
-                                                                 {"smartlist", "create", kHostile},
-                                                                 {"set", "create", kHostile},
-                                                                 {"remove", kHostile}};
-    for (const auto& command : ofFontManager) {
-        const auto result = fontManager.Run(command);
-        EXPECT_NE(result.status, 0) << command[0];
-        EXPECT_TRUE(IsHarmless(result.output + result.errors))
-            << command[0] << result.output << result.errors;
+    for (const char* words : {"activate X", "add D", "set show X", "set list --workgroup X", "X", "--X",
+                              "standalone X", "smartlist fonts X", "login X", "workgroup create X",
+                              "--json add D", "smartlist create X", "set create X", "remove X"}) {
+        const auto result = fontManager.Run(CommandOf(words, document));
+        EXPECT_NE(result.status, 0) << words;
+        EXPECT_TRUE(IsHarmless(result.output + result.errors)) << words << result.output << result.errors;
         EXPECT_LE(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
     }
-    const std::vector<std::vector<std::string>> ofHost = {{"fonts", document},
-                                                          {"fonts", document, document},
-                                                          {"fonts", kHostile},
-                                                          {"--json", "fonts", document},
-                                                          {"--json", "fonts", kHostile + "\xFF"},
-                                                          {"open", document, "--close"},
-                                                          {"--json", "open", document, "--close"},
-                                                          {"open", kHostile},
-                                                          {"settings", kHostile},
-                                                          {"settings", "CurrentWorkgroup", kHostile},
-                                                          {"menu", kHostile},
-                                                          {"menu", "--document", document},
-                                                          {"--" + kHostile},
-                                                          {"--core", kHostile, "settings"},
-                                                          {"--app", kHostile, "settings"}};
-    for (const auto& command : ofHost) {
-        const auto result = world.RunHost(command);
-        EXPECT_TRUE(IsHarmless(result.output + result.errors))
-            << command[0] << result.output << result.errors;
+    for (const char* words :
+         {"fonts D", "fonts D D", "fonts X", "--json fonts D", "--json fonts X\xFF", "open D --close",
+          "--json open D --close", "open X", "settings X", "settings CurrentWorkgroup X", "menu X",
+          "menu --document D", "--X", "--core X settings", "--app X settings"}) {
+        const auto result = world.RunHost(CommandOf(words, document));
+        EXPECT_TRUE(IsHarmless(result.output + result.errors)) << words << result.output << result.errors;
     }
     // Programs read the names as they are.
     const auto result = world.RunHost({"--json", "fonts", document});

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "HostWorld.h"
 
 using testing::HasSubstr;
@@ -104,34 +106,15 @@ TEST(CommandLine, WrongUsageIsStatusTwo) {
 TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
     HostWorld world;
     ScriptedHost host;
-    for (const char* name : {"GetAPIVersion",
-                             "PluginIsEnabled",
-                             "IdleEvent",
-                             "ShouldShowLogin",
-                             "ShowNotLoggedInMessageBox",
-                             "SetRebuildWorkgroupsMenuCallback",
-                             "GetSocketPort",
-                             "RegisterPlugPlug",
-                             "TryRegisterPlugPlug",
-                             "ProcessPanelMessages",
-                             "HandleCreateNewDocument",
-                             "HandleOpenExistingDocument",
-                             "HandleSaveDocument",
-                             "HandleCloseDocument",
-                             "SetPathForDocument",
-                             "GetIDForDocument",
-                             "UpdateDocumentFontUsage",
-                             "ActivateChosenFonts",
-                             "InvokeResolveDialog",
-                             "InvokeRestrictedFontsDialog",
-                             "GetMenus",
-                             "CreateMenusFromJSONBuffer",
-                             "HandleMenuSelection",
-                             "InvokeCommandDialog",
-                             "GetSettings",
-                             "SetPreference",
-                             "TerminatePluginCoreInterface",
-                             "InitializePluginCoreInterface"})
+    std::istringstream names(
+        "GetAPIVersion PluginIsEnabled IdleEvent ShouldShowLogin ShowNotLoggedInMessageBox "
+        "SetRebuildWorkgroupsMenuCallback GetSocketPort RegisterPlugPlug TryRegisterPlugPlug "
+        "ProcessPanelMessages HandleCreateNewDocument HandleOpenExistingDocument HandleSaveDocument "
+        "HandleCloseDocument SetPathForDocument GetIDForDocument UpdateDocumentFontUsage "
+        "ActivateChosenFonts InvokeResolveDialog InvokeRestrictedFontsDialog GetMenus "
+        "CreateMenusFromJSONBuffer HandleMenuSelection InvokeCommandDialog GetSettings SetPreference "
+        "TerminatePluginCoreInterface InitializePluginCoreInterface");
+    for (std::string name; names >> name;)
         EXPECT_EQ(host.Call(name)["call"], name);
     EXPECT_EQ(host.Call("HandleOpenExistingDocument")["codeName"], "CoreErrorCodes::kInvalidParam");
     EXPECT_EQ(host.Call("GetAPIVersion", {{"requestedVersion", 7}})["codeName"],

@@ -50,20 +50,6 @@ TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
 }
 
-TEST_F(DocumentRoadTest, ASharedFontStaysForTheDocumentThatStillNeedsIt) {
-    const std::string first = world.WriteDocument("first.ai", {"Sample-Bold", "Sample-Italic"});
-    const std::string second = world.WriteDocument("second.ai", {"Sample-Bold"});
-    ScriptedHost host;
-    host.Start();
-    host.SetPreference("CloseFontsOnDocClose", 1);
-    EXPECT_EQ(host.Open(first), 1u);
-    EXPECT_EQ(host.Open(second), 0u) << "nothing new became active";
-    host.Close(first);
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
-    host.Close(second);
-    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
-}
-
 TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
     const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
     ScriptedHost host;
@@ -101,31 +87,6 @@ TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthe
         host.Kill();
     }
     EXPECT_TRUE(Eventually([&] { return world.VisibleFonts() == std::set<std::string>{"Sample-Light"}; }));
-}
-
-TEST_F(DocumentRoadTest, TheRoadCanBeReadInTheTraceWithItsNesting) {
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    ScriptedHost host;
-    host.Start();
-    host.Open(document);
-    const std::string trace = world.Trace();
-    size_t position = 0;
-    for (const std::string line :
-         {"Entering CommonFunctionality::Startup(allowDialogs=0)\n",
-          "Exiting CommonFunctionality::Startup()\n",
-          "Entering PluginCoreInterface::HandleOpenExistingDocument('", " In GBinaryDocumentFontExtractor::",
-          " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=0, filePath='",
-          "  Entering FontActivationTracker::ActivateDocumentFonts(documentPath = \"",
-          "   Entering CoreAgentInterface::ActivateDocumentFontsByPath(..., '",
-          // Another thread's line may come between this one and its blanks.
-          "kGS_ActivationStateKey '0', kGS_DatabaseIDKey 1 for 'Sample-Bold')\n",
-          "   Entering RegisterFontWithDocument(postscriptName='Sample-Bold', sDocumentIdentifier='",
-          "   Exiting RegisterFontWithDocument\n", "  ActivateDocumentFonts returning 0\n",
-          " CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated=1, filePath='",
-          "\nExiting PluginCoreInterface::HandleOpenExistingDocument('"}) {
-        position = trace.find(line, position);
-        ASSERT_NE(position, std::string::npos) << "not found in its place: " << line << "\n" << trace;
-    }
 }
 
 TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {

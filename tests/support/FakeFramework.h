@@ -29,9 +29,8 @@ public:
     std::vector<std::string> subjects;             ///< of messages about something
     std::vector<std::array<int64_t, 3>> progress;  ///< title, done, total
     int stepsUntilStopped = 0;                     ///< the progress call that asks to stop; 0 for none
-    CFIndex offeredWorkgroups = 0;
-    std::optional<int32_t> chosenWorkgroup;  ///< nothing: the dialog is not confirmed
-    std::function<void()> whileDialogShows;  ///< called from within a dialog
+    std::optional<int32_t> chosenWorkgroup;        ///< nothing: the dialog is not confirmed
+    std::function<void()> whileDialogShows;        ///< called from within a dialog
     CFRef<CFDictionaryRef> commandBoxState;
     std::optional<int32_t> chosenCommand;
     /// Names of candidates by the names of the fonts that they replace.
@@ -94,37 +93,24 @@ public:
         return --stepsUntilStopped != 0;
     }
     bool ShowAbout() override { return Note("About"); }
-    bool ShowPreferences() override {
-        if (whileDialogShows)
-            whileDialogShows();
-        return Note("Preferences");
-    }
-    bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) override {
-        offeredWorkgroups = cf::Count(workgroups);
+    bool ShowPreferences() override { return Note("Preferences"); }
+    bool ShowSelectWorkgroup(CFArrayRef, int32_t* workgroupID) override {
         *workgroupID = chosenWorkgroup.value_or(*workgroupID);
-        if (whileDialogShows)
-            whileDialogShows();
         return Note("SelectWorkgroup") && chosenWorkgroup.has_value();
     }
     bool ShowCommandBox(CFDictionaryRef state, int32_t* command) override {
         commandBoxState = RetainCF(state);
-        if (whileDialogShows)
-            whileDialogShows();
         *command = chosenCommand.value_or(*command);
         return Note("CommandBox") && chosenCommand.has_value();
     }
     bool ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                           CFMutableArrayRef skippedFonts) override {
-        if (whileDialogShows)
-            whileDialogShows();
         for (CFIndex index = 0; index < cf::Count(fonts); ++index)
             SortOut(cf::Get<CFDictionaryRef>(fonts, index), resolvedFonts, skippedFonts);
         return Note("ResolveFonts") && replacements.has_value();
     }
     bool ShowRestrictedFonts(CFArrayRef, bool onlyNew) override {
         onlyNewFlags.push_back(onlyNew);
-        if (whileDialogShows)
-            whileDialogShows();
         return Note("RestrictedFonts");
     }
     bool ShowChooseFolder(CFStringRef, CFStringRef folder, CFStringRef* outNewFolder) override {
@@ -149,6 +135,8 @@ private:
     }
     bool Note(const char* dialog) {
         shownDialogs.emplace_back(dialog);
+        if (whileDialogShows)
+            whileDialogShows();
         return true;
     }
 };

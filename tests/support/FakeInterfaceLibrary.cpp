@@ -69,23 +69,23 @@ using Symbol = std::integral_constant<int, kIndex>;
 template <int kIndex, class... Arguments>
 void Perform(Symbol<kIndex>, Arguments...) {}
 
-void Perform(Symbol<kIndexOfGetIsLoggedIn>, PluginFacadeRef, bool* outIsLoggedIn) {
-    *outIsLoggedIn = current->isLoggedIn;
-}
-void Perform(Symbol<kIndexOfGetRunningStandalone>, PluginFacadeRef, bool* outIsStandalone) {
-    *outIsStandalone = current->isStandalone;
-}
-void Perform(Symbol<kIndexOfGetIsCoreAgentProcessRunning>, PluginFacadeRef, bool* outIsRunning) {
-    *outIsRunning = current->isAgentRunning;
-}
+#define ANSWER_WITH(symbol, member)                                         \
+    void Perform(Symbol<kIndexOf##symbol>, PluginFacadeRef, bool* output) { \
+        *output = current->member;                                          \
+    }
+ANSWER_WITH(GetIsLoggedIn, isLoggedIn)
+ANSWER_WITH(GetRunningStandalone, isStandalone)
+ANSWER_WITH(GetIsCoreAgentProcessRunning, isAgentRunning)
+ANSWER_WITH(GetAreSchemaVersionsInSync, areSchemaVersionsInSync)
+ANSWER_WITH(GetIsGoogleWebFontsEnabled, areWebFontsEnabled)
+ANSWER_WITH(GetIsReplicationRunning, isReplicationRunning)
+ANSWER_WITH(CanAccessGoogleFonts, canAccessWebFonts)
+#undef ANSWER_WITH
 void Perform(Symbol<kIndexOfCanExportFonts>, PluginFacadeRef, CFArrayRef, bool* outCanExport) {
     *outCanExport = current->canExport;
 }
 void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bool* outIsPermitted) {
     *outIsPermitted = current->permissions.contains(permission);
-}
-void Perform(Symbol<kIndexOfGetAreSchemaVersionsInSync>, PluginFacadeRef, bool* outAreInSync) {
-    *outAreInSync = current->areSchemaVersionsInSync;
 }
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
@@ -146,27 +146,6 @@ void Perform(Symbol<kIndexOfOSCreateDirectory>, const char* path) {
 
 // ---- What panels ask for
 
-std::string Text(int64_t number) {
-    return std::to_string(number);
-}
-std::string Text(CFStringRef string) {
-    return "'" + cf::ToUtf8(string) + "'";
-}
-std::string Text(CFArrayRef numbers) {
-    std::string text;
-    for (CFIndex index = 0; index < cf::Count(numbers); ++index)
-        text +=
-            (index > 0 ? "," : "") + Text(cf::ToInt64(CFArrayGetValueAtIndex(numbers, index)).value_or(-1));
-    return "[" + text + "]";
-}
-
-template <class First, class... Others>
-void NotePanelCall(const char* symbol, First first, Others... others) {
-    std::string text = std::string(symbol) + "(" + Text(first);
-    ((text += ", " + Text(others)), ...);
-    current->panelCalls.push_back(text + ")");
-}
-
 CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
     CFRef<CFMutableArrayRef> array = cf::MutableArray();
     for (const int32_t number : numbers)
@@ -174,67 +153,31 @@ CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
     return array;
 }
 
-void Perform(Symbol<kIndexOfGetIsGoogleWebFontsEnabled>, PluginFacadeRef, bool* outIsEnabled) {
-    *outIsEnabled = current->areWebFontsEnabled;
-}
 void Perform(Symbol<kIndexOfSetGoogleWebFontsEnabled>, PluginFacadeRef, bool isEnabled) {
-    NotePanelCall("SetGoogleWebFontsEnabled", isEnabled);
     current->areWebFontsEnabled = isEnabled;
-}
-void Perform(Symbol<kIndexOfGetIsReplicationRunning>, PluginFacadeRef, bool* outIsRunning) {
-    *outIsRunning = current->isReplicationRunning;
 }
 void Perform(Symbol<kIndexOfGetCurrentReplicationMode>, PluginFacadeRef, int32_t* outMode) {
     *outMode = current->replicationMode;
 }
-void Perform(Symbol<kIndexOfCanAccessGoogleFonts>, PluginFacadeRef, bool* outCanAccess) {
-    *outCanAccess = current->canAccessWebFonts;
-}
 void Perform(Symbol<kIndexOfGetFontInfoByID>, PluginFacadeRef, uint32_t fontID, CFDictionaryRef* outNewFont) {
-    NotePanelCall("GetFontInfoByID", fontID);
     const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
     cf::Set(font, kGS_DatabaseIDKey, fontID);
     *outNewFont = CFRef<CFDictionaryRef>(font).release();
 }
-void Perform(Symbol<kIndexOfGetFontConflicts>, PluginFacadeRef, CFArrayRef fontIDs,
+void Perform(Symbol<kIndexOfGetFontConflicts>, PluginFacadeRef, CFArrayRef,
              CFMutableArrayRef conflictingFonts) {
-    NotePanelCall("GetFontConflicts", fontIDs);
     for (const int64_t databaseID : current->conflictingFonts) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
         cf::Set(font, kGS_DatabaseIDKey, databaseID);
         cf::Append(conflictingFonts, font);
     }
 }
-void Perform(Symbol<kIndexOfEnableDesignActivation>, PluginFacadeRef, uint32_t fontID, bool wholeFamily,
-             bool enable, CFMutableArrayRef) {
-    NotePanelCall("EnableDesignActivation", fontID, wholeFamily, enable);
-}
-void Perform(Symbol<kIndexOfRenderFontNamePreviewPNGs>, PluginFacadeRef, CFArrayRef highPriorityFontIDs,
-             CFArrayRef fontIDs, CFMutableDictionaryRef) {
-    NotePanelCall("RenderFontNamePreviewPNGs", highPriorityFontIDs, fontIDs);
-}
-void Perform(Symbol<kIndexOfRenameSmartList>, PluginFacadeRef, int32_t smartListID, CFStringRef name) {
-    NotePanelCall("RenameSmartList", smartListID, name);
-}
-void Perform(Symbol<kIndexOfDeleteSmartList>, PluginFacadeRef, int32_t smartListID) {
-    NotePanelCall("DeleteSmartList", smartListID);
-}
-void Perform(Symbol<kIndexOfQueryForSmartListFonts>, PluginFacadeRef, int32_t smartListID,
-             CFArrayRef workgroupIDs, CFArrayRef setIDs, CFArrayRef smartSetIDs) {
-    NotePanelCall("QueryForSmartListFonts", smartListID, workgroupIDs, setIDs, smartSetIDs);
-}
-void Perform(Symbol<kIndexOfSetSmartListQuery>, PluginFacadeRef, int32_t smartListID, CFArrayRef workgroupIDs,
-             CFArrayRef setIDs, CFArrayRef smartSetIDs) {
-    NotePanelCall("SetSmartListQuery", smartListID, workgroupIDs, setIDs, smartSetIDs);
-}
-void Perform(Symbol<kIndexOfCreateSmartList>, PluginFacadeRef, CFStringRef name, CFArrayRef workgroupIDs,
-             CFArrayRef setIDs, CFArrayRef smartSetIDs, int32_t* outSmartListID) {
-    NotePanelCall("CreateSmartList", name, workgroupIDs, setIDs, smartSetIDs);
+void Perform(Symbol<kIndexOfCreateSmartList>, PluginFacadeRef, CFStringRef, CFArrayRef, CFArrayRef,
+             CFArrayRef, int32_t* outSmartListID) {
     *outSmartListID = 77;
 }
 void Perform(Symbol<kIndexOfGetSmartList>, PluginFacadeRef, int32_t smartListID,
              CFDictionaryRef* outNewSmartList) {
-    NotePanelCall("GetSmartList", smartListID);
     for (const auto& list : current->smartLists) {
         if (list.id != smartListID)
             continue;
@@ -256,9 +199,7 @@ void Perform(Symbol<kIndexOfGetAllSmartLists>, PluginFacadeRef, CFMutableArrayRe
         cf::Append(smartLists, record);
     }
 }
-void Perform(Symbol<kIndexOfGetSmartListFonts>, PluginFacadeRef, int32_t smartListID,
-             CFMutableArrayRef fonts) {
-    NotePanelCall("GetSmartListFonts", smartListID);
+void Perform(Symbol<kIndexOfGetSmartListFonts>, PluginFacadeRef, int32_t, CFMutableArrayRef fonts) {
     for (const auto& font : current->smartListFonts)
         cf::Append(fonts, font);
 }
@@ -279,27 +220,55 @@ constexpr const char* kSymbols[] = {
 #undef NAME_OF
 };
 
-/// Texts, numbers, and how many elements an array has; of other arguments nothing.
+/// Texts, numbers, and how many elements an array has, or those that it has; of other arguments nothing.
 template <class Argument>
-std::string TextOf(Argument argument) {
-    if constexpr (std::is_same_v<Argument, CFStringRef>)
-        return "'" + cf::ToUtf8(argument) + "' ";
-    else if constexpr (std::is_same_v<Argument, const char*>)
-        return "'" + std::string(argument) + "' ";
-    else if constexpr (std::is_same_v<Argument, CFArrayRef>)
-        return "[" + std::to_string(cf::Count(argument)) + "] ";
-    else if constexpr (std::is_integral_v<Argument>)
-        return std::to_string(argument) + " ";
-    else
+std::string TextOf(Argument argument, bool isPanels) {
+    if constexpr (std::is_same_v<Argument, CFStringRef>) {
+        return "'" + cf::ToUtf8(argument) + "'";
+    } else if constexpr (std::is_same_v<Argument, const char*>) {
+        return "'" + std::string(argument) + "'";
+    } else if constexpr (std::is_same_v<Argument, CFArrayRef>) {
+        std::string text;
+        for (CFIndex index = 0; isPanels && index < cf::Count(argument); ++index)
+            text += (index > 0 ? "," : "") +
+                    std::to_string(cf::ToInt64(CFArrayGetValueAtIndex(argument, index)).value_or(-1));
+        return "[" + (isPanels ? text : std::to_string(cf::Count(argument))) + "]";
+    } else if constexpr (std::is_integral_v<Argument>) {
+        return std::to_string(argument);
+    } else {
         return {};
+    }
+}
+
+/// The arguments that have a text, with `separator` between them.
+template <class... Arguments>
+std::string TextOfAll(const char* separator, Arguments... arguments) {
+    std::string all;
+    for (const std::string& text : {std::string(), TextOf(arguments, *separator == ',')...}) {
+        if (!text.empty())
+            all += (all.empty() ? "" : separator) + text;
+    }
+    return all;
+}
+
+bool IsPanelCall(const std::string& symbol) {
+    static const std::set<std::string> calls = {
+        "SetGoogleWebFontsEnabled",  "GetFontInfoByID", "GetFontConflicts", "EnableDesignActivation",
+        "RenderFontNamePreviewPNGs", "RenameSmartList", "DeleteSmartList",  "QueryForSmartListFonts",
+        "SetSmartListQuery",         "CreateSmartList", "GetSmartList",     "GetSmartListFonts"};
+    return calls.contains(symbol);
 }
 
 template <class... Arguments>
 template <int kIndex>
 uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
     const std::lock_guard guard(callsLock);
-    current->given.push_back((std::string(kSymbols[kIndex]) + " " + ... + TextOf(arguments)));
+    const std::string symbol = kSymbols[kIndex];
+    const std::string given = TextOfAll(" ", arguments...);
+    current->given.push_back(symbol + " " + given + (given.empty() ? "" : " "));
     const ErrorCode code = Answer(kSymbols[kIndex]);
+    if (code == CoreErrorCodes::kSuccess && IsPanelCall(symbol))
+        current->panelCalls.push_back(symbol + "(" + TextOfAll(", ", arguments...) + ")");
     if (code == CoreErrorCodes::kSuccess)
         Perform(Symbol<kIndex>(), arguments...);
     return code;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -11,45 +12,24 @@ constexpr std::array kExtensions{"ai"sv,  "ait"sv, "pdf"sv,  "psd"sv, "psb"sv,
                                  "aep"sv, "aet"sv, "aepx"sv, "eps"sv, "indd"sv};
 
 // Whole markers, halves of them, and what stands between them.
-constexpr std::array kPieces{"/FontName"sv,
-                             "/FontName /"sv,
-                             "/FontName/"sv,
-                             "/Font"sv,
-                             "Name /"sv,
-                             "+"sv,
-                             "/"sv,
-                             ">>"sv,
-                             ">"sv,
-                             "/FontSet ["sv,
-                             "/FontSet "sv,
-                             "["sv,
-                             "/Name ("sv,
-                             "/Name"sv,
-                             "\xFE\xFF"sv,
-                             "\xFE"sv,
-                             ")"sv,
-                             ") "sv,
-                             "]"sv,
-                             ">> /0 << /1 << /0 ["sv,
-                             ">> /0 << /1"sv,
-                             " << /0 ["sv,
-                             "<< /99 /CoolTypeFont /0"sv,
-                             "<< /99 "sv,
-                             "/CoolTypeFont /0"sv,
-                             "/0 ("sv,
-                             "] >>"sv,
-                             "\\"sv,
-                             "\0"sv,
-                             " "sv,
-                             "\n"sv,
-                             "\xE9"sv,
-                             "\x7F"sv,
-                             "MyriadPro-Regular"sv,
-                             "Myriad-Roman"sv,
-                             "AdobeInvisFont"sv,
-                             "\0A\0r\0i\0a\0l"sv,
-                             "ABCDEF+"sv,
-                             "Name-Bold"sv};
+const std::vector<std::string_view>& Pieces() {
+    static const std::vector<std::string_view> pieces = [] {
+        constexpr auto kAll =
+            "/FontName|/FontName /|/FontName/|/Font|Name /|+|/|>>|>|/FontSet [|/FontSet |[|/Name "
+            "(|/Name|\xFE\xFF|\xFE"
+            "|)|) |]|>> /0 << /1 << /0 [|>> /0 << /1| << /0 [|<< /99 /CoolTypeFont /0|<< /99 |/CoolTypeFont "
+            "/0|/0 ("
+            "|] >>|\\|\0| |\n|\xE9|\x7F|MyriadPro-Regular|Myriad-Roman|AdobeInvisFont|\0A\0r\0i\0a\0l|ABCDEF+"
+            "|Name-Bold"sv;
+        std::vector<std::string_view> found;
+        for (size_t begin = 0, end = 0; end != kAll.npos; begin = end + 1) {
+            end = kAll.find('|', begin);
+            found.push_back(kAll.substr(begin, end - begin));
+        }
+        return found;
+    }();
+    return pieces;
+}
 
 std::string Name(std::mt19937_64& random) {
     constexpr std::array kNames{"Arial"sv, "MyriadPro-Regular"sv, "Myriad-Roman"sv, "AdobeInvisFont"sv,
@@ -94,7 +74,7 @@ RandomDocument MakeRandomDocument(std::mt19937_64& random) {
         else if (choice == 4)
             document.content.append(random() % 200, '.');
         else
-            document.content += kPieces[random() % kPieces.size()];
+            document.content += Pieces()[random() % Pieces().size()];
     }
     document.chunkSize = 64 + random() % (document.content.size() + 64);
     document.windowSize = 1 + random() % (random() % 2 == 0 ? 64 : 1024);

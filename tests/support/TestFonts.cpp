@@ -72,21 +72,10 @@ std::string Cmap() {
 std::string Os2() {
     Bytes os2;
     os2.U16(4).U16(500).U16(400).U16(5).Zeros(24).Zeros(10).Zeros(16).Text("TEST");
-    return os2.U16(0x40)
-        .U16('A')
-        .U16('A')
-        .U16(800)
-        .U16(0xFF38)
-        .U16(0)
-        .U16(800)
-        .U16(200)
-        .Zeros(8)
-        .U16(500)
-        .U16(500)
-        .U16(0)
-        .U16(32)
-        .U16(1)
-        .Get();
+    for (const unsigned value :
+         {0x40u, 65u, 65u, 800u, 0xFF38u, 0u, 800u, 200u, 0u, 0u, 0u, 0u, 500u, 500u, 0u, 32u, 1u})
+        os2.U16(value);
+    return os2.Get();
 }
 
 std::string Post() {

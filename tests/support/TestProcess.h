@@ -15,6 +15,11 @@ struct ProgramResult {
     std::string errors;
 };
 
+// By force, without waiting until it is gone. A process that has ended is left alone.
+void KillProcess(platform::ProcessId id);
+void SuspendProcess(platform::ProcessId id);
+void ResumeProcess(platform::ProcessId id);
+
 /// A child process with pipes to its standard streams; it is killed and collected when the object dies. It
 /// inherits nothing else. Texts are UTF-8. One thread.
 class TestProcess {
@@ -32,9 +37,9 @@ public:
     void WriteLine(const std::string& line);
     void CloseInput();
     /// Ends it by force, without waiting until it is gone.
-    void Kill() const;
-    void Suspend() const;
-    void Resume() const;
+    void Kill() const { KillProcess(Id()); }
+    void Suspend() const { SuspendProcess(Id()); }
+    void Resume() const { ResumeProcess(Id()); }
     /// Closes its input and waits for the end. What ReadLine gave is not given again.
     ProgramResult Finish();
 
@@ -42,11 +47,6 @@ private:
     struct State;
     std::unique_ptr<State> mState;
 };
-
-// The same for processes that this one did not start. One that has ended is left alone.
-void KillProcess(platform::ProcessId id);
-void SuspendProcess(platform::ProcessId id);
-void ResumeProcess(platform::ProcessId id);
 
 /// Waits, for as long as a test may take, until the condition holds; false when it never does.
 bool Eventually(const std::function<bool()>& condition);

@@ -4,8 +4,6 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <initializer_list>
-#include <string>
-#include <vector>
 
 #include "FontRecordKeys.h"
 
@@ -38,21 +36,4 @@ inline RecordList Records(std::initializer_list<Record> records) {
     for (const Record& record : records)
         cf::Append(list, record);
     return list;
-}
-
-inline RecordList MissingFonts() {
-    return Records({FontRecord("Garamond", {"Zapf", "Arial", "Arial-Bold"}), FontRecord("Lost"),
-                    FontRecord("Helvetica", {"Zapf", "Arial-Bold"})});
-}
-
-inline std::vector<std::string> Names(const RecordList& fonts) {
-    std::vector<std::string> names;
-    for (CFIndex index = 0; index < cf::Count(fonts.get()); ++index)
-        names.push_back(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), index), kGS_PostScriptNameKey));
-    return names;
-}
-
-inline std::string ReplacementOf(const RecordList& fonts, CFIndex index) {
-    const auto font = cf::Get<CFDictionaryRef>(fonts.get(), index);
-    return cf::GetString(cf::GetDictionary(font, kGS_MatchedFontKey), kGS_PostScriptNameKey);
 }

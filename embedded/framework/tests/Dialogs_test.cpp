@@ -1,168 +1,378 @@
-// What answers from a file mean to the dialogs.
+// Each dialog, answered from a file, at a terminal and in windows: what the answers mean, and what is shown.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <stdexcept>
+
 #include "DialogTestSupport.h"
+#include "FakeNativeDialogs.h"
 #include "FrameworkTestSupport.h"
 #include "library/TarnwickFramework.h"
 #include "platform/Folders.h"
+#include "presenters/NativePresenter.h"
 #include "presenters/ScriptedPresenter.h"
+#include "presenters/TerminalPresenter.h"
 
 namespace {
 
 using nlohmann::json;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
+using Answers = std::vector<std::string>;
 
 class DialogsTest : public testing::Test {
 protected:
-    /// A framework that answers one question about `dialog`; `answer` is JSON.
-    TarnwickFramework Answering(const char* dialog, const std::string& answer) const {
-        const json answers = {{{"dialog", dialog}, {"answer", json::parse(answer)}}};
-        return {{"com.vantorix.Plugin", "Illustrator2025", "8.0"},
+    TarnwickFramework With(std::unique_ptr<Presenter> presenter, const std::string& language = "en") {
+        return {{"com.vantorix.Plugin", "Illustrator2025", "8.0.1"},
                 platform::Utf8Text(mFolder.Path()),
-                "en",
-                std::make_unique<ScriptedPresenter>(answers)};
+                language,
+                std::move(presenter)};
     }
-    /// Whether the last answer was reported as wrong, which an answer that says no is not.
-    bool WasReported() {
-        const bool wasReported = mLog.Text().find("means nothing") != std::string::npos;
+    std::string Ask(TarnwickFramework framework, const std::string& dialog) {
+        framework.SetParentWindowForUi(this);
+        std::istringstream words(dialog);
+        std::string name, state;
+        words >> name >> state;
+        const std::string outcome =
+            name == "SelectWorkgroup" ? SelectWorkgroup(framework, state)
+            : name == "CommandBox"    ? ChooseCommand(framework, state)
+            : name == "ResolveFonts"  ? ResolveFonts(framework)
+            : name == "ChooseFolder"  ? ChooseFolder(framework, state)
+            : name == "Preferences"   ? SetPreferences(framework)
+            : name == "Question"
+                ? std::to_string(framework.ShowMessageBox(609, 610, MessageBoxButtons::kYesNo))
+            : name == "Notice" ? std::to_string(framework.ShowMessageBox(204, 656, MessageBoxButtons::kOk))
+            : name == "About"  ? YesOrNo(framework.ShowAbout())
+                               : YesOrNo(framework.ShowRestrictedFonts(mFonts.get(), state == "new"));
+        const bool isReported = mLog.Text().find("means nothing") != std::string::npos;
         mLog.Clear();
-        return wasReported;
+        return outcome + (isReported ? ", reported" : "");
+    }
+    std::string AskScripted(const std::string& dialog, const std::string& answer) {
+        const json entry = {{"dialog", dialog.substr(0, dialog.find(' '))},
+                            {"titleID", dialog == "Notice" ? 204 : 609},
+                            {"answer", json::parse(answer)}};
+        return Ask(With(std::make_unique<ScriptedPresenter>(json::array({entry}))), dialog);
+    }
+    std::string AskAtTerminal(const std::string& dialog, const std::string& typed) {
+        std::istringstream input(typed);
+        std::ostringstream output;
+        const std::string outcome = Ask(
+            With(std::make_unique<TerminalPresenter>(Terminal::Streams{input, output, false}, "en")), dialog);
+        mShown = output.str();
+        EXPECT_THAT(mShown, testing::Not(testing::ContainsRegex("Message |%s|\033|\302\233")));
+        return outcome;
+    }
+    std::string AskInWindow(const std::string& dialog, const std::string& clicks) {
+        FakeNativeDialogs dialogs;
+        dialogs.clicks = clicks;
+        const std::string outcome = Ask(With(std::make_unique<NativePresenter>(dialogs, "en")), dialog);
+        EXPECT_EQ(dialogs.owners, std::vector<platform::WindowHandle>{this}) << "one dialog, the host's";
+        mShown = dialogs.shown;
+        return outcome;
+    }
+    /// Asks once per answer; the answers of a call mean the same. `dialog`: with the state that it is opened in.
+    void Expect(const char* dialog, const std::string& outcome, const Answers& written,
+                const Answers& typed = {}, const Answers& clicked = {}) {
+        for (const std::string& answer : written)
+            EXPECT_EQ(AskScripted(dialog, answer), outcome) << dialog << ": " << answer;
+        for (const std::string& answer : typed)
+            EXPECT_EQ(AskAtTerminal(dialog, answer), outcome) << dialog << ": " << answer;
+        for (const std::string& answer : clicked)
+            EXPECT_EQ(AskInWindow(dialog, answer), outcome) << dialog << ": " << answer;
+    }
+
+    /// What a terminal shows before the end of `typed`, and what a window does.
+    void ExpectShown(const char* dialog, const char* typed, const std::vector<std::string>& onTerminal,
+                     const std::vector<std::string>& inWindow) {
+        AskAtTerminal(dialog, typed);
+        for (const std::string& text : onTerminal)
+            EXPECT_THAT(mShown, HasSubstr(text));
+        AskInWindow(dialog, "");
+        for (const std::string& text : inWindow)
+            EXPECT_THAT(mShown, HasSubstr(text));
     }
 
     TemporaryFolder mFolder;
-    const std::string mPreferences = mFolder / "Preferences.json";
     CapturedTrace mLog;
+    std::string mShown;
+    RecordList mWorkgroups = Records(
+        {WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(-2, "Print"), cf::MutableDictionary(),
+         WorkgroupRecord(7, "Print 2024\033[2J\302\233"), WorkgroupRecord(0, "2")});
+    RecordList mFonts =
+        Records({FontRecord("Garamond", {"Zapf", "Arial", "Arial-Bold"}), FontRecord("Lost"),
+                 FontRecord("Helvetica", {"Zapf", "Arial-Bold"}), FontRecord("Garamond", {"Zapf", "Arial"})});
+
+private:
+    static std::string YesOrNo(bool isConfirmed) { return isConfirmed ? "yes" : "no"; }
+
+    std::string SelectWorkgroup(TarnwickFramework& framework, const std::string& current) {
+        int32_t chosen = std::stoi(current);
+        if (framework.ShowSelectWorkgroup(mWorkgroups.get(), &chosen))
+            return std::to_string(chosen);
+        return std::to_string(chosen) == current ? "no" : "changed";
+    }
+    /// `state`: the number of the current workgroup, "none" or "offline".
+    std::string ChooseCommand(TarnwickFramework& framework, const std::string& state) {
+        const auto values = cf::MutableDictionary();
+        if (state != "offline") {
+            cf::Set(values, "Workgroups", mWorkgroups);
+            cf::Set(values, "ButtonsEnabled", state != "none");
+            cf::Set(values, "IsOnline", true);
+            cf::Set(values, "IsLocalPersonal", state == "0");
+        }
+        if (state != "offline" && state != "none")
+            cf::Set(values, "CurrentWorkgroupID", std::stoi(state));
+        int32_t command = -1;
+        const bool isConfirmed = framework.ShowCommandBox(values.get(), &command);
+        EXPECT_EQ(isConfirmed, command != -1);
+        return isConfirmed ? std::to_string(command) : "no";
+    }
+    /// The names of the fonts with their replacements, and of those without.
+    std::string ResolveFonts(TarnwickFramework& framework) {
+        const auto resolved = cf::MutableArray(), skipped = cf::MutableArray();
+        std::string outcome =
+            YesOrNo(framework.ShowResolveFonts(mFonts.get(), resolved.get(), skipped.get()));
+        for (CFIndex index = 0; index < cf::Count(resolved.get()); ++index) {
+            const auto font = cf::Get<CFDictionaryRef>(resolved.get(), index);
+            EXPECT_TRUE(cf::GetDictionary(font, kGS_PossibleReplacementsKey)) << "the record is whole";
+            outcome += " " + cf::GetString(font, kGS_PostScriptNameKey) + "=" +
+                       cf::GetString(cf::GetDictionary(font, kGS_MatchedFontKey), kGS_PostScriptNameKey);
+        }
+        for (CFIndex index = 0; index < cf::Count(skipped.get()); ++index)
+            outcome +=
+                " " + cf::GetString(cf::Get<CFDictionaryRef>(skipped.get(), index), kGS_PostScriptNameKey);
+        return outcome;
+    }
+    std::string ChooseFolder(TarnwickFramework& framework, const std::string& initialFolder) {
+        const auto initial = initialFolder.empty() ? nullptr : cf::String(initialFolder);
+        const auto prompt = initialFolder.empty() ? nullptr : cf::String("Where to... exactly?");
+        CFStringRef chosen = nullptr;
+        const bool isConfirmed = framework.ShowChooseFolder(prompt.get(), initial.get(), &chosen);
+        const auto owned = AdoptCF(chosen);
+        EXPECT_EQ(isConfirmed, chosen != nullptr);
+        return isConfirmed ? "'" + cf::ToUtf8(chosen) + "'" : "no";
+    }
+    /// Of a plug-in that is enabled: answers with what is stored afterwards.
+    std::string SetPreferences(TarnwickFramework& framework) {
+        const std::string path = mFolder / "Preferences.json";
+        WriteText(path, R"({"com.vantorix.Plugin": {"Illustrator2025": {"EnablePlugin": true}}})");
+        const bool isConfirmed = framework.ShowPreferences();
+        return YesOrNo(isConfirmed) + " " +
+               json::parse(ReadText(path))["com.vantorix.Plugin"]["Illustrator2025"].dump();
+    }
 };
 
+TEST_F(DialogsTest, AMessageIsAnsweredByItsButtons) {
+    Expect("Question", "1", {"1"}, {"1\n", "y\n", " YES \r\n", "1", "maybe\n3\nye\n"}, {"Yes"});
+    Expect("Question", "2", {"2", "3", "0", "\"1\"", "1.5", "true", "4294967297", "null"},
+           {"2\n", "N\n", "no\n", "\n", "", "  \n", "yes!\n", "q\n1\n"}, {"No"});
+    Expect("Notice", "1", {"1", "2"}, {"", "2\n"}, {"OK", ""});
+}
+
+TEST_F(DialogsTest, WhatHasNoChoicesIsConfirmedOrNot) {
+    Expect("About", "yes", {"true"}, {""}, {"OK", ""});
+    Expect("RestrictedFonts new", "yes", {"true", "{}"}, {"\n", "y\n", "what\n\n"}, {"OK"});
+    Expect("RestrictedFonts", "no", {"false", "null"}, {"n\n", "q\n", "", "what\n"}, {"Cancel", ""});
+    Expect("RestrictedFonts", "no, reported", {"1", "[]", "\"true\""});
+}
+
 TEST_F(DialogsTest, OnlyAWorkgroupOfTheListCanBeChosen) {
-    const auto workgroups = Records({WorkgroupRecord(3, "Name"), WorkgroupRecord(7, "Name")});
-    const auto choose = [&](const std::string& answer, int32_t current) {
-        const bool isConfirmed =
-            Answering("SelectWorkgroup", answer).ShowSelectWorkgroup(workgroups.get(), &current);
-        return std::pair(isConfirmed, current);
-    };
-    EXPECT_EQ(choose(R"({"workgroupID": 3})", 7), std::pair(true, 3));
-    EXPECT_EQ(choose("true", 7), std::pair(true, 7));
-    for (const char* no : {"false", "null"}) {
-        EXPECT_EQ(choose(no, 7), std::pair(false, 7));
-        EXPECT_FALSE(WasReported()) << no;
-    }
-    EXPECT_EQ(choose("true", 1), std::pair(false, 1)) << "the current one is not in the list";
-    for (const char* wrong : {R"({"workgroupID": 8})", R"({"workgroupID": "3"})",
-                              R"({"workgroupID": 4294967299})", "{}", "3", "[]", R"("Name")"}) {
-        EXPECT_EQ(choose(wrong, 7), std::pair(false, 7)) << wrong;
-        EXPECT_TRUE(WasReported()) << wrong;
-    }
+    Expect("SelectWorkgroup 7", "30", {R"({"workgroupID": 30})"}, {" PERS \n", "pri\n0\n5\n1\n"});
+    Expect("SelectWorkgroup 7", "30", {}, {}, {"Personal Library|OK"});
+    Expect("SelectWorkgroup 30", "7", {R"({"workgroupID": 7})"}, {"3\n"});
+    Expect("SelectWorkgroup 30", "-2", {R"({"workgroupID": -2})"}, {"2\n", "print\n"}, {"Print|OK"});
+    Expect("SelectWorkgroup 7", "7", {"true"}, {"\n"}, {"OK"});
+    Expect("SelectWorkgroup 7", "no", {"false", "null"}, {"q\n", "Cancel\n", "", "nonsense\n", "0\n-1\n"},
+           {"Print|Cancel", "-|OK"});
+    Expect("SelectWorkgroup 99", "no", {}, {"\n"}, {"OK"});
+    Expect("SelectWorkgroup 99", "no, reported", {"true"});
+    Expect("SelectWorkgroup 7", "no, reported",
+           {R"({"workgroupID": 8})", R"({"workgroupID": "30"})", R"({"workgroupID": 4294967326})", "{}", "30",
+            "[]", R"("Print")"});
+
+    mWorkgroups = cf::MutableArray();
+    Expect("SelectWorkgroup 7", "no", {}, {"1\n"}, {"OK"});
+
+    EXPECT_THAT(mShown, HasSubstr("No Workgroup Available"));
 }
 
 TEST_F(DialogsTest, OnlyACommandThatIsOfferedCanBeChosen) {
-    const auto state = cf::MutableDictionary();
-    const auto choose = [&](const std::string& answer) {
-        int32_t command = -1;
-        const bool isConfirmed = Answering("CommandBox", answer).ShowCommandBox(state.get(), &command);
-        EXPECT_EQ(isConfirmed, command != -1);
-        return command;
-    };
-    cf::Set(state, "Workgroups", Records({cf::MutableDictionary(), WorkgroupRecord(-2, "Name")}));
-    EXPECT_EQ(choose(R"({"command": 6})"), 6);
-    EXPECT_EQ(choose(R"({"command": 9})"), 9) << "a record that says nothing still has its place";
-    EXPECT_EQ(choose("false"), -1);
-    EXPECT_FALSE(WasReported());
-    for (const char* wrong :
-         {R"({"command": 5})", R"({"command": 10})", R"({"command": "6"})", "true", "6"}) {
-        EXPECT_EQ(choose(wrong), -1) << wrong;
-        EXPECT_TRUE(WasReported()) << wrong;
+    for (const int command : {3, 4, 5, 6, 7, 8, 9, 10, 11, 12}) {
+        const std::string number = std::to_string(command);
+        Expect("CommandBox 30", number, {R"({"command": )" + number + "}"}, {number + "\n"});
     }
-    cf::Set(state, "ButtonsEnabled", true);
-    EXPECT_EQ(choose(R"({"command": 4})"), 4);
-    cf::Set(state, "CurrentWorkgroupID", -2);
-    EXPECT_EQ(choose(R"({"command": 4})"), -1) << "no set can be made of that workgroup";
-    EXPECT_EQ(choose(R"({"command": 5})"), 5);
+    Expect("CommandBox 7", "5", {}, {"13\n0\n1\n5\n"}, {"Check Document's Fonts"});
+    Expect("CommandBox -2", "3", {}, {"4\n3\n"}, {"Create Document Set...|Collect Fonts for Output..."});
+    Expect("CommandBox none", "6", {}, {"3\n4\n5\n6\n"}, {"Check Document's Fonts|Preferences..."});
+    Expect("CommandBox 30", "8", {}, {}, {"Select Workgroup"});
+    Expect("CommandBox 0", "9", {}, {}, {"Print|Select Library"});
+    Expect("CommandBox 30", "no", {"false"}, {"\n", "q\n", "", "nothing\n"}, {"Close", "-|Select Workgroup"});
+    Expect("CommandBox -2", "no, reported", {R"({"command": 4})"});
+    Expect("CommandBox offline", "no, reported", {R"({"command": 5})", R"({"command": 8})"});
+    Expect("CommandBox none", "no, reported",
+           {R"({"command": 5})", R"({"command": 13})", R"({"command": "6"})", "true", "6"});
+    Expect("CommandBox offline", "7", {R"({"command": 7})"}, {"8\n7\n"}, {"About..."});
 }
 
 TEST_F(DialogsTest, PreferencesThatChangeAreStoredTogetherAndNoOthers) {
-    const auto stored = [this] {
-        return json::parse(ReadText(mPreferences))["com.vantorix.Plugin"]["Illustrator2025"];
-    };
-    TarnwickFramework framework = Answering("Preferences", R"({"EnableLogging": true, "PickBestMatch": false,
-        "EnablePlugin": false, "LastUsername": "ana", "CS5PanelWidth": true})");
-    framework.SetIntPreference("EnablePlugin", 1);
-    EXPECT_TRUE(framework.ShowPreferences());
-    EXPECT_EQ(stored(), json({{"EnableLogging", true}, {"EnablePlugin", false}}));
-    EXPECT_THAT(mLog.Text(), HasSubstr("no switch 'LastUsername'"));
-    EXPECT_THAT(mLog.Text(), HasSubstr("no switch 'CS5PanelWidth'"));
-    EXPECT_TRUE(Answering("Preferences", "true").ShowPreferences());
-    for (const char* wrong : {R"({"EnableLogging": false, "EnablePlugin": 1})", "[]", "1"}) {
-        EXPECT_FALSE(Answering("Preferences", wrong).ShowPreferences()) << wrong;
-        EXPECT_TRUE(WasReported()) << wrong;
-    }
-    EXPECT_EQ(stored(), json({{"EnableLogging", true}, {"EnablePlugin", false}}));
+    Expect("Preferences", R"(yes {"EnableLogging":true,"EnablePlugin":false})",
+           {R"({"EnableLogging": true, "PickBestMatch": false, "EnablePlugin": false, "LastUsername": "ana",
+                  "CS5PanelWidth": true})"},
+           {"1\n9\n4\n4\n10\nkeep\nkeep\n\n"},
+           {"Activate fonts automatically|Keep a log for troubleshooting|OK"});
+    Expect("Preferences", R"(yes {"EnablePlugin":true})", {"true"}, {"\n"}, {"OK"});
+    Expect("Preferences", R"(no {"EnablePlugin":true})", {"false"}, {"1\n9\nq\n", "1\n", "1\ncancel\n", ""},
+           {"Activate fonts automatically|Cancel"});
+    Expect("Preferences", R"(no {"EnablePlugin":true}, reported)",
+           {R"({"EnableLogging": true, "EnablePlugin": 1})", "[]", "1"});
 }
 
 TEST_F(DialogsTest, FontsAreResolvedAsAnsweredAndAllOthersSkipped) {
-    RecordList resolved, skipped;
-    const auto resolve = [&](const std::string& answer) {
-        resolved = cf::MutableArray();
-        skipped = cf::MutableArray();
-        return Answering("ResolveFonts", answer)
-            .ShowResolveFonts(MissingFonts().get(), resolved.get(), skipped.get());
-    };
-    EXPECT_TRUE(resolve(R"({"replacements": {"Helvetica": "Zapf"}})"));
-    EXPECT_THAT(Names(resolved), ElementsAre("Helvetica"));
-    EXPECT_THAT(Names(skipped), ElementsAre("Garamond", "Lost"));
-    EXPECT_EQ(ReplacementOf(resolved, 0), "Zapf");
-    EXPECT_TRUE(cf::GetDictionary(cf::Get<CFDictionaryRef>(resolved.get(), 0), kGS_PossibleReplacementsKey))
-        << "the record is whole";
-    for (const char* none : {"true", R"({"replacements": {}})"}) {
-        EXPECT_TRUE(resolve(none));
-        EXPECT_THAT(Names(skipped), ElementsAre("Garamond", "Lost", "Helvetica"));
-    }
-    for (const char* wrong :
-         {R"({"replacements": {"Garamond": "Zapf", "Helvetica": "Arial"}})",
-          R"({"replacements": {"Lost": "Zapf"}})", R"({"replacements": {"Other": "Zapf"}})",
-          R"({"replacements": {"Garamond": 1}})", R"({"replacements": ["Zapf"]})", "{}", "[]", "1"}) {
-        EXPECT_FALSE(resolve(wrong)) << wrong;
-        EXPECT_THAT(Names(resolved), IsEmpty()) << wrong;
-        EXPECT_THAT(Names(skipped), ElementsAre("Garamond", "Lost", "Helvetica")) << wrong;
-        EXPECT_TRUE(WasReported()) << wrong;
-    }
-    EXPECT_FALSE(resolve("false"));
-    EXPECT_FALSE(WasReported());
+    Expect("ResolveFonts", "yes Garamond=Arial Garamond=Arial Lost Helvetica",
+           {R"({"replacements": {"Garamond": "Arial"}})"}, {"arial\n\n", "huh\n1\n\n"},
+           {"Arial (Family, 2.1)|OK"});
+    Expect("ResolveFonts", "yes Garamond=Zapf Helvetica=Zapf Garamond=Zapf Lost",
+           {R"({"replacements": {"Garamond": "Zapf", "Helvetica": "Zapf"}})"}, {"4\n3\n2\n"},
+           {"Zapf (Family, 2.1)|OK"});
+    Expect("ResolveFonts", "yes Garamond Lost Helvetica Garamond", {"true", R"({"replacements": {}})"},
+           {"\n\n"}, {"OK", "Zapf (Family, 2.1)|Do not replace|OK"});
+    Expect("ResolveFonts", "no Garamond Lost Helvetica Garamond", {"false"}, {"1\nq\n", "1\n", ""},
+           {"Zapf (Family, 2.1)|Cancel"});
+    Expect("ResolveFonts", "no Garamond Lost Helvetica Garamond, reported",
+           {R"({"replacements": {"Garamond": "Zapf", "Helvetica": "Arial"}})",
+            R"({"replacements": {"Lost": "Zapf"}})", R"({"replacements": {"Other": "Zapf"}})",
+            R"({"replacements": {"Garamond": 1}})", R"({"replacements": ["Zapf"]})", "{}", "[]", "1"});
 }
 
 TEST_F(DialogsTest, AFolderThatIsNamedOrProposedIsChosen) {
-    const auto choose = [&](const std::string& answer, const char* initialFolder) {
-        const auto initial = cf::String(initialFolder);
-        CFStringRef folder = nullptr;
-        const bool isConfirmed =
-            Answering("ChooseFolder", answer).ShowChooseFolder(CFSTR("Where?"), initial.get(), &folder);
-        const auto owned = AdoptCF(folder);
-        EXPECT_EQ(isConfirmed, folder != nullptr);
-        return cf::ToUtf8(folder);
-    };
-    EXPECT_EQ(choose(R"({"folder": "/für/../neu/"})", ""), platform::FullPath("/neu"));
-    EXPECT_EQ(choose("true", "/before"), platform::FullPath("/before"));
-    EXPECT_EQ(choose(R"({"folder": null})", "/before"), "") << "chosen, but no folder of a file system";
-    WriteText(mFolder / "file", "");
-    for (const std::string& wrong :
-         {json({{"folder", mFolder / "file"}}).dump(), std::string("true"), std::string(R"({"folder": ""})"),
-          std::string(R"({"folder": 1})"), std::string("{}"), std::string(R"("/x")")}) {
-        EXPECT_EQ(choose(wrong, ""), "") << wrong;
-        EXPECT_TRUE(WasReported()) << wrong;
-    }
+    const std::string file = mFolder / "file", folder = mFolder / "für den Druck";
+    const auto quoted = [](const std::string& path) { return "'" + platform::FullPath(path) + "'"; };
+    WriteText(file, "");
+    Expect("ChooseFolder", quoted("/neu"), {R"({"folder": "/für/../neu/"})"}, {"/neu\n"});
+    Expect("ChooseFolder /ü/before", quoted("/ü/before"), {"true"}, {"\n"});
+    Expect("ChooseFolder", quoted(folder), {}, {folder + "\n", file + "\n" + folder}, {folder});
+    Expect("ChooseFolder", "''", {R"({"folder": null})"}, {}, {"?"});
+    Expect("ChooseFolder /before", "no", {"false"}, {"q\n", ""}, {""});
+    Expect("ChooseFolder", "no", {}, {"\n"});
+    Expect("ChooseFolder", "no, reported", {}, {"\377\n"});
+    Expect(
+        "ChooseFolder", "no, reported",
+        {json({{"folder", file}}).dump(), "true", R"({"folder": ""})", R"({"folder": 1})", "{}", R"("/x")"});
+
+    AskAtTerminal("ChooseFolder", file + "\n");
+    EXPECT_THAT(mShown, HasSubstr("file cannot be used as a folder.\n"));
 }
 
-TEST_F(DialogsTest, ADialogWithoutChoicesIsConfirmedOrNot) {
-    const auto fonts = Records({FontRecord("Didot")});
-    EXPECT_TRUE(Answering("About", "true").ShowAbout());
-    EXPECT_TRUE(Answering("RestrictedFonts", "true").ShowRestrictedFonts(fonts.get(), true));
-    EXPECT_FALSE(Answering("RestrictedFonts", "false").ShowRestrictedFonts(fonts.get(), true));
-    EXPECT_FALSE(WasReported());
-    EXPECT_FALSE(Answering("RestrictedFonts", "1").ShowRestrictedFonts(fonts.get(), true));
-    EXPECT_TRUE(WasReported());
+TEST_F(DialogsTest, WhatIsShownSaysWhatIsChosenAndWhatStandsNow) {
+    ExpectShown("Notice", "", {"Collect Fonts for Output\nThe document uses"},
+                {"Collect Fonts for Output\nThe d", "<OK>"});
+    ExpectShown("Question", "huh\n", {"1: Yes  2: No  [2] That is not one of the choices.\n"},
+                {"<Yes> <No>"});
+    ExpectShown("About", "", {"Quillon Type Client\nPlug-in version 8.0.1\nActivates"},
+                {"About\nQuillon Type Client\nPlug-in version 8.0.1\nActivates", "<OK> by default"});
+    ExpectShown(
+        "Preferences", "1\n",
+        {"Preferences\n   1  Activate fonts automatically  [on]\n   2  ",
+         "   1  Activate fonts automatically  [off]\n", "   9  Keep a log for troubleshooting  [off]\n"},
+        {"Preferences\n[x] Activate fonts automatically\n[ ] ",
+         "[ ] Keep a log for troubleshooting\n<OK> by"});
+    ExpectShown(
+        "SelectWorkgroup 7", "x\n",
+        {"Select Workgroup\n   1  Personal Library\n   2  Print\n*  3  Print 2024[2J\n   4  2\n",
+         "Enter for Print 2024[2J, q to cancel: ", "That is not one of the choices.\n"},
+        {"Select Workgroup\no Personal Library\no Print\n* Print 2024", "<OK> by default\n<Cancel>\n"});
+    ExpectShown(
+        "CommandBox 30", "",
+        {"Quillon Type Client\nOnline\nCurrent workgroup: Personal Library\n   3  Collect Fonts for "
+         "Output...\n   4  Create Document Set...\n   5  Check Document's Fonts\n   6  Preferences...\n   7  "
+         "About...\nSelect Workgroup\n*  8  Personal Library\n   9  Print\n  10  \n  11  Print 2024[2J\n  12 "
+         " 2\nNumber"},
+        {"Quillon Type Client\nOnline\n<Collect Fonts for Output...>\n<Create Document Set...>\n",
+         "<About...>\nCurrent workgroup: Personal Library\n* Personal Library\no Print\n", "<Close>\n"});
+    ExpectShown("CommandBox offline", "",
+                {"Quillon Type Client\nOffline\n   6  Preferences...\n   7  About...\nNumber"},
+                {"Quillon Type Client\nOffline\n<Preferences...>\n<About...>\n<Close> by default\n"});
+    ExpectShown("ResolveFonts", "\n",
+                {"Garamond can be replaced with:\n   1  Arial  [Family, 2.1]\n   2  Arial-Bold  [Family, "
+                 "2.1]\n   3  Z",
+                 "No replacement was found for Lost.\nHelvetica can be"},
+                {"Garamond can be replaced with: *Do not replace oArial (Family, 2.1) oArial-Bold (Family, "
+                 "2.1) oZapf",
+                 "No replacement was found for Lost.\nHelvetica can be replaced with: *Do not replace "
+                 "oArial-Bold (Family, 2.1) oZapf (Family, 2.1)\n\n<OK> by default"});
+    ExpectShown("RestrictedFonts new", "", {"new in the document", "\n  Garamond\n  Lost\n"},
+                {"new in the document", "\n- Garamond\n- Lost\n"});
+    ExpectShown("ChooseFolder /ü", "", {"Where to... exactly?\nFolder, Enter for /ü, q to cancel: "},
+                {"Where to... exactly?\n/ü\n"});
+    ExpectShown("ChooseFolder", "", {"Choose a Folder\n"}, {"Choose a Folder\n\n"});
+    AskAtTerminal("CommandBox none", "");
+    EXPECT_THAT(mShown, testing::Not(testing::ContainsRegex("Current workgroup|\\*|Check")));
+    AskAtTerminal("RestrictedFonts", "");
+    EXPECT_THAT(mShown, testing::Not(HasSubstr("new in the document")));
+}
+
+TEST_F(DialogsTest, PreferencesThatCannotBeStoredAreToldAbout) {
+    std::filesystem::create_directories(platform::Utf8Path(mFolder / "Preferences.json"));
+    std::istringstream input("1\n\n");
+    std::ostringstream output;
+    EXPECT_FALSE(With(std::make_unique<TerminalPresenter>(Terminal::Streams{input, output, false}, "en"))
+                     .ShowPreferences());
+    EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("could not be saved"),
+                                             HasSubstr(platform::Utf8Text(mFolder.Path()))));
+}
+
+TEST_F(DialogsTest, MessagesAreInTheUsersLanguageAndNameTheirSubjectWhateverItHolds) {
+    std::istringstream input("j\n");
+    std::ostringstream output;
+    TarnwickFramework framework =
+        With(std::make_unique<TerminalPresenter>(Terminal::Streams{input, output, false}, "de"), "de");
+    EXPECT_EQ(framework.ShowMessageBox(609, 610, MessageBoxButtons::kYesNo), 1);
+    EXPECT_THAT(output.str(), HasSubstr("Nicht angemeldet\n"));
+    framework.ShowMessageAbout(1, 650, cf::String("/100%s %n\033[31m/ü").get());
+    EXPECT_THAT(output.str(), HasSubstr("Message 1\n"));
+    EXPECT_THAT(output.str(), HasSubstr(" /100%s %n[31m/ü "));
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(framework.CopyLocalizedString(208)).get()), "Arbeitsgruppe auswählen");
+    EXPECT_EQ(framework.CopyLocalizedString(1), nullptr);
+}
+
+class ThrowingPresenter : public Presenter {
+public:
+    int32_t AskMessageBox(const MessageBoxQuestion&) override { throw std::runtime_error("box"); }
+    DialogAnswer AskDialog(const DialogQuestion&) override { throw 5; }
+    bool ShowProgress(const ProgressStep&) override { throw 5; }
+};
+
+TEST_F(DialogsTest, NullArgumentsAndExceptionsEndAtTheBorder) {
+    const auto throwing = std::make_unique<ThrowingPresenter>;
+    for (const char* dialog :
+         {"About", "SelectWorkgroup 7", "CommandBox 7", "RestrictedFonts", "ChooseFolder"})
+        EXPECT_EQ(Ask(With(throwing()), dialog), "no") << dialog;
+    EXPECT_EQ(Ask(With(throwing()), "Preferences"), R"(no {"EnablePlugin":true})");
+    EXPECT_EQ(Ask(With(throwing()), "ResolveFonts"), "no Garamond Lost Helvetica Garamond");
+    EXPECT_EQ(Ask(With(throwing()), "Question"), "2");
+    EXPECT_EQ(Ask(With(throwing()), "Notice"), "1");
+    TarnwickFramework framework = With(throwing());
+    const auto fonts = cf::MutableArray();
+    int32_t number = 42;
+    EXPECT_TRUE(framework.ShowProgress(204, 1, 2)) << "the work matters more than its display";
+    framework.ShowMessageAbout(204, 650, nullptr);
+    EXPECT_FALSE(framework.ShowSelectWorkgroup(nullptr, &number));
+    EXPECT_FALSE(framework.ShowSelectWorkgroup(mWorkgroups.get(), nullptr));
+    EXPECT_FALSE(framework.ShowCommandBox(nullptr, &number));
+    EXPECT_FALSE(framework.ShowCommandBox(nullptr, nullptr));
+    EXPECT_FALSE(framework.ShowRestrictedFonts(nullptr, false));
+    EXPECT_FALSE(framework.ShowChooseFolder(nullptr, nullptr, nullptr));
+    EXPECT_FALSE(framework.ShowResolveFonts(nullptr, fonts.get(), fonts.get()));
+    EXPECT_FALSE(framework.ShowResolveFonts(mFonts.get(), nullptr, fonts.get()));
+    EXPECT_FALSE(framework.ShowResolveFonts(mFonts.get(), fonts.get(), nullptr));
+    EXPECT_EQ(number, 42);
+    EXPECT_FALSE(framework.GetBoolPreference(nullptr));
+    EXPECT_EQ(framework.GetIntPreference(nullptr), 0);
+    EXPECT_TRUE(AdoptCF(framework.CopyStringPreference(nullptr)));
+    EXPECT_FALSE(framework.SetIntPreference(nullptr, 1));
+    EXPECT_FALSE(framework.SetStringPreference("Key", nullptr));
+    EXPECT_TRUE(framework.RegisterDefaults(nullptr));
 }
 
 }  // namespace

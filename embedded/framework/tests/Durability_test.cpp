@@ -1,4 +1,4 @@
-// What becomes of the preferences when hosts are killed and files are cut: seen through the real library, in
+// What becomes of the preferences when hosts are killed and store at once: seen through the real library, in
 // processes of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,25 +84,6 @@ TEST_F(DurabilityTest, HostsThatStoreAtOnceLoseNothing) {
         EXPECT_EQ(host->Finish().status, 0);
     for (const char* key : {"a", "b", "c"})
         EXPECT_EQ(StoredNumber(key), kChanges) << key;
-}
-
-TEST_F(DurabilityTest, WithAFileCutAnywhereAPlugInStartsAsIfItWereTheFirstTime) {
-    const std::string whole =
-        R"({"plug-in": {"Unknown": {"DefaultsRegistered": true, "EnablePlugin": false}}})";
-    for (size_t length = 0; length <= whole.size(); ++length) {
-        const bool isWhole = length == whole.size();
-        std::filesystem::remove_all(platform::Utf8Path(mPath).parent_path());
-        std::filesystem::remove(platform::Utf8Path(mFolder / "log"));
-        WriteText(mPath, whole.substr(0, length));
-        TestProcess host({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "start"});
-        EXPECT_EQ(host.ReadLine(), isWhole ? "usable 1, registered 1, then 1, enabled 0"
-                                           : "usable 1, registered 0, then 1, enabled 1")
-            << length;
-        EXPECT_EQ(host.Finish().status, 0);
-        const std::string log = ReadText(mFolder / "log");
-        EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), isWhole ? 0 : 1) << log;
-        EXPECT_EQ(ReadText(mPath + ".damaged-1"), isWhole ? "" : whole.substr(0, length));
-    }
 }
 
 }  // namespace

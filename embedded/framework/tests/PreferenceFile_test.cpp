@@ -32,6 +32,8 @@ TEST_F(PreferenceFileTest, TwoInstancesSeeEachOthersChangesAtOnceAndLoseNone) {
     PreferenceFile one(mFolder), other(mFolder);
     EXPECT_TRUE(one.Read()->empty());
     EXPECT_FALSE(std::filesystem::exists(platform::Utf8Path(mFolder))) << "reading makes nothing";
+    EXPECT_TRUE(one.IsUsable());
+    EXPECT_TRUE(std::filesystem::is_empty(platform::Utf8Path(mFolder)));
     for (int round = 0; round < 10; ++round) {  // as long as the one before, and written in the same instant
         ASSERT_TRUE(SetMember(one, "one", round));
         EXPECT_EQ((*other.Read())["one"], round);
@@ -112,12 +114,6 @@ TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSo)
     PreferenceFile file(mFolder);
     EXPECT_FALSE(file.IsUsable());
     EXPECT_FALSE(SetMember(file, "a", 1));
-}
-
-TEST_F(PreferenceFileTest, AskingWhetherItIsUsableMakesTheFolderAndLeavesNothingInIt) {
-    PreferenceFile file(mFolder);
-    EXPECT_TRUE(file.IsUsable());
-    EXPECT_TRUE(std::filesystem::is_empty(platform::Utf8Path(mFolder)));
 }
 
 TEST_F(PreferenceFileTest, LinksThatWerePlantedCostNobodyTheirFiles) {

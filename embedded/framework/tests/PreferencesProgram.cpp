@@ -1,7 +1,6 @@
-// Uses the framework as a host does, for tests that kill it or look at its log.
+// Uses the framework as a host does, for tests that kill it or let its writes fail.
 //
 //   framework-preferences-program LIBRARY count KEY TIMES   stores ever higher numbers and prints each
-//   framework-preferences-program LIBRARY start             what a plug-in does at its start
 //   framework-preferences-program LIBRARY obey              answers the lines usable, store NUMBER and read
 #include <CoreFoundation++/CFRef.h>
 
@@ -9,7 +8,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
-#include <string_view>
 
 #include "VantorixPluginFramework.h"
 #include "platform/DynamicLibrary.h"
@@ -38,18 +36,6 @@ int Count(VantorixPluginFramework& framework, const char* key, int times) {
     return 0;
 }
 
-int Start(VantorixPluginFramework& framework) {
-    const auto defaults = cf::MutableDictionary();
-    cf::Set(defaults, "EnablePlugin", true);
-    const bool isUsable = framework.IsPreferenceStoreUsable();
-    const bool wereRegistered = framework.AreDefaultsRegistered();
-    const bool areRegistered =
-        framework.RegisterDefaults(defaults.get()) && framework.AreDefaultsRegistered();
-    std::printf("usable %d, registered %d, then %d, enabled %d\n", isUsable, wereRegistered, areRegistered,
-                framework.GetBoolPreference("EnablePlugin"));
-    return 0;
-}
-
 int Obey(VantorixPluginFramework& framework) {
     for (std::string line; std::getline(std::cin, line);) {
         int64_t answer = 0;
@@ -71,10 +57,7 @@ int main(int argc, char** argv) {
     VantorixPluginFramework* framework = argc > 2 ? CreateFramework(argv[1]) : nullptr;
     if (framework == nullptr)
         return 2;
-    const bool isCounting = argc == 5 && std::string_view(argv[2]) == "count";
-    const int result = isCounting                            ? Count(*framework, argv[3], std::atoi(argv[4]))
-                       : std::string_view(argv[2]) == "obey" ? Obey(*framework)
-                                                             : Start(*framework);
+    const int result = argc == 5 ? Count(*framework, argv[3], std::atoi(argv[4])) : Obey(*framework);
     framework->Release();
     return result;
 }

@@ -3,7 +3,9 @@
 
 #include <sstream>
 
+#include "FakeNativeDialogs.h"
 #include "FrameworkTestSupport.h"
+#include "presenters/NativePresenter.h"
 #include "presenters/Presenter.h"
 #include "presenters/RecordingPresenter.h"
 #include "presenters/ScriptedPresenter.h"
@@ -50,15 +52,6 @@ TEST(ScriptedPresenter, TakesTheFirstEntryThatFitsAndUsesItUpUnlessItRepeats) {
     EXPECT_TRUE(presenter.AskDialog({"About", {}}).is_null());
     EXPECT_EQ(presenter.AskDialog({"SelectWorkgroup", {}}), json({{"workgroupID", 3}}));
     EXPECT_TRUE(presenter.AskDialog({"SelectWorkgroup", {}}).is_null());
-}
-
-TEST(ScriptedPresenter, AnAnswerThatIsNoButtonIsReportedAndTheDefaultServes) {
-    CapturedTrace log;
-    for (const json& answer : {json(3), json(0), json("1"), json(1.5), json(true), json(1ull << 32 | 1)}) {
-        ScriptedPresenter presenter(json::array({{{"titleID", 609}, {"answer", answer}}}));
-        EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2) << answer;
-    }
-    EXPECT_THAT(log.Text(), HasSubstr("not the number of a button"));
 }
 
 /// The step at which a work of `total` steps is told to stop; -1 for never.
@@ -116,32 +109,13 @@ TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
               "\"total\":3},\"answer\":true}\n");
 }
 
-int32_t AskInTerminal(const std::string& typed, const std::string& language, std::string* shown = nullptr) {
-    std::istringstream input(typed);
-    std::ostringstream output;
-    TerminalPresenter presenter({input, output, false}, language);
-    const int32_t answer = presenter.AskMessageBox(Question(609, 610));
-    if (shown != nullptr)
-        *shown = output.str();
-    return answer;
-}
-
-TEST(TerminalPresenter, UnderstandsNumbersAndTheNamesOfTheButtons) {
-    for (const char* yes : {"1\n", "y\n", " YES \r\n", "1", "maybe\n3\nye\n"})
-        EXPECT_EQ(AskInTerminal(yes, "en"), 1) << yes;
-    for (const char* no : {"2\n", "N\n", "no\n", "\n", "", "  \n", "yes!\n", "q\n1\n"})
-        EXPECT_EQ(AskInTerminal(no, "en"), 2) << no;
-    EXPECT_EQ(AskInTerminal("j\n", "de"), 1);
+TEST(TerminalPresenter, TheEndOfInputIsNotForEver) {
     std::istringstream input;
     std::ostringstream output;
     TerminalPresenter presenter({input, output, false}, "en");
     EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2);
     input.str("1\n");
-    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 1) << "the end of input is not for ever";
-    std::string shown;
-    AskInTerminal("huh\n", "en", &shown);
-    EXPECT_THAT(shown, HasSubstr("Title\nText\n"));
-    EXPECT_THAT(shown, HasSubstr("1: Yes  2: No  [2] That is not one of the choices.\n"));
+    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 1);
 }
 
 TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional) {
@@ -154,6 +128,69 @@ TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional)
     EXPECT_THAT(colored.str(), HasSubstr("\033["));
     const ScopedVariable noColor("NO_COLOR", "1");
     EXPECT_FALSE(Terminal::StandardStreams().hasColor);
+}
+
+TEST(TerminalPresenter, ProgressIsDrawnOverItselfAndLeavesAWholeLine) {
+    std::istringstream input;
+    std::ostringstream output;
+    TerminalPresenter presenter({input, output, false}, "en");
+    EXPECT_EQ(StoppedAt(presenter, 1), -1);
+    EXPECT_TRUE(presenter.ShowProgress({204, "Collect...", 3, 4}));
+    presenter.AskMessageBox(Question(600, 601, kOk));
+    EXPECT_EQ(output.str(),
+              "\rCollect  [....................] 0/1\rCollect  [####################] 1/1\n"
+              "\rCollect  [###############.....] 3/4\nTitle\nText\n");
+}
+
+TEST(NativePresenter, AWorkHasAWindowUntilItEndsOrIsStoppedOrSomethingElseIsShown) {
+    FakeNativeDialogs dialogs;
+    NativePresenter presenter(dialogs, "en");
+    EXPECT_EQ(StoppedAt(presenter, 2), -1);
+    dialogs.stopAt = 1;
+    EXPECT_EQ(StoppedAt(presenter, 2), 1);
+    presenter.ShowProgress({204, "Collect...", 0, 2});
+    presenter.AskMessageBox(Question(600, 601, kOk));
+    EXPECT_TRUE(presenter.ShowProgress({204, "Collect...", 1, 2})) << "a step of a work whose window is gone";
+    EXPECT_EQ(dialogs.shown,
+              "open Collect <Cancel>\n0/2\n1/2\n2/2\nclose\n"
+              "open Collect <Cancel>\n0/2\n1/2\nclose\n"
+              "open Collect <Cancel>\n0/2\nclose\nTitle\nText\n<OK>\n");
+}
+
+/// Whom the environment chooses where the system can show dialogs, told by who answers.
+TEST(ChoosePresenter, AnswersComeBeforeTheOneThatIsNamedAndWindowsBeforeAllElse) {
+    TemporaryFolder folder;
+    FakeNativeDialogs dialogs;
+    dialogs.clicks = "Yes";
+    const platform::ScopedOverride<platform::NativeDialogs> override(dialogs);
+    const ScopedVariable noLog("PLUGINCORE_ANSWERS_LOG", "");
+    WriteText(folder / "answers", R"([{"titleID": 609, "answer": 2}])");
+    const struct {
+        const char *named, *answers;
+        bool isAvailable;
+        int answer;
+        const char* reported;
+    } cases[] = {{"", "", true, 1, ""},
+                 {"native", "answers", true, 2, ""},
+                 {"silent", "", true, 2, "button 2"},
+                 {"native", "", true, 1, ""},
+                 {"native", "", false, 2, "No dialogs can be shown here"},
+                 {"Native", "", true, 1, "'Native'"}};
+    for (const auto& each : cases) {
+        CapturedTrace log;
+        dialogs.isAvailable = each.isAvailable;
+        dialogs.owners.clear();
+        const ScopedVariable named("PLUGINCORE_PRESENTER", each.named);
+        const ScopedVariable answers("PLUGINCORE_ANSWERS", *each.answers ? folder / each.answers : "");
+        EXPECT_EQ(ChoosePresenter("en")->AskMessageBox(Question(609, 610)), each.answer) << each.named;
+        EXPECT_EQ(dialogs.owners.size(), each.answer == 1 ? 1u : 0u) << each.named;
+        EXPECT_EQ(log.Text().empty(), *each.reported == 0);
+        EXPECT_THAT(log.Text(), HasSubstr(each.reported));
+    }
+    const ScopedVariable terminal("PLUGINCORE_PRESENTER", "terminal"), noAnswers("PLUGINCORE_ANSWERS", "");
+    testing::internal::CaptureStderr();
+    ChoosePresenter("en")->AskDialog({"About", {{"version", ""}}});
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Quillon Type Client"));
 }
 
 }  // namespace

@@ -9,7 +9,10 @@
 #include <filesystem>
 
 #include "TemporaryFolder.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/PrivateFolder.h"
 
 namespace fs = std::filesystem;
 
@@ -56,6 +59,22 @@ TEST(FileRights, WhatIsMadeAndWhatIsAddedToIsClosedToOthers) {
     EXPECT_EQ(fs::status(folder / "log").permissions(), kFile);
 }
 
+TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALink) {
+    const TemporaryFolder folder, elsewhere;
+    fs::create_directories(folder / "a/b");
+    fs::create_directory(folder / "c");
+    fs::create_directory_symlink(elsewhere.Path(), folder / "link");
+    for (const fs::path& open : {fs::path(folder / "a/b"), fs::path(folder / "c"), elsewhere.Path()})
+        fs::permissions(open, fs::perms::all);
+    EXPECT_EQ(platform::CloseFoldersToOthers(folder / "."), 2);
+    EXPECT_EQ(platform::CloseFoldersToOthers(folder / "."), 0);
+    EXPECT_EQ(fs::status(folder / "a/b").permissions() & fs::perms::others_write, fs::perms::none);
+    EXPECT_EQ(fs::status(elsewhere.Path()).permissions(), fs::perms::all);
+    EXPECT_FALSE(platform::MakePrivateFolder(folder / "c/d/e"));
+    EXPECT_EQ(fs::status(folder / "c/d/e").permissions(), fs::perms::owner_all);
+    EXPECT_TRUE(platform::MakePrivateFolder(folder / "link"));
+}
+
 TEST(FileRights, ACopyIsAFileLikeAnyNewOne) {
     const TemporaryFolder folder;
     const std::string source = folder.Write("source", "x");
@@ -98,4 +117,17 @@ TEST(FileRights, OnlyRegularFilesAreOpenedAndNothingBlocks) {
     EXPECT_TRUE(file.Open("/dev/null"));
     EXPECT_FALSE(file.IsOpen());
     EXPECT_FALSE(platform::IsExistingFile(folder / "pipe"));
+}
+
+TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
+    const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
+    const auto folder = [](const char* value) {
+        platform::SetEnvironment("XDG_CONFIG_HOME", value);
+        return platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kConfiguration);
+    };
+    EXPECT_EQ(folder("/a b//"), "/a b");
+    EXPECT_EQ(folder("/a"), "/a");
+    EXPECT_EQ(folder("/"), "/");
+    EXPECT_EQ(folder("a/b"), folder("")) << "as if it were not set";
+    platform::SetEnvironment("XDG_CONFIG_HOME", saved);
 }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -40,8 +41,6 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
     const auto child = Launch("exit 7");
     EXPECT_EQ(WaitForExit(*child), 7);
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
-    const auto killed = Launch("kill -9 $$");
-    EXPECT_EQ(WaitForExit(*killed), 128 + SIGKILL);
 }
 
 TEST(ProcessDetails, AProgramWithQuotesInItsPathKeepsItsOwnNameAndItsArguments) {
@@ -115,6 +114,7 @@ TEST(ProcessDetails, AProcessIsAskedToEndByASignal) {
     const auto child =
         Launch("trap 'exit 3' TERM; : > '" + (folder / "ready") + "'; while :; do sleep 0.01; done");
     ASSERT_TRUE(Eventually([&] { return platform::IsExistingFile(folder / "ready"); }));
+    errno = EPERM;  // of an earlier call
     EXPECT_FALSE(platform::RequestEndOfProcess(child->Id(), platform::ProcessStartTime(child->Id())));
     EXPECT_EQ(WaitForExit(*child), 3);
 }

@@ -162,29 +162,23 @@ extern "C" {
 // Each has the signature of the C library's function of its name.
 #pragma GCC visibility push(default)
 
-int open(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = ModeOf(flags, rest);
-    va_end(rest);
-    return Open<decltype(open)>("open", path, flags, mode);
-}
+#define OPEN_FILE(name)                                        \
+    int name(const char* path, int flags, ...) {               \
+        va_list rest;                                          \
+        va_start(rest, flags);                                 \
+        const mode_t mode = ModeOf(flags, rest);               \
+        va_end(rest);                                          \
+        return Open<decltype(name)>(#name, path, flags, mode); \
+    }
+OPEN_FILE(open)
+OPEN_FILE(open64)
 
-int open64(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = ModeOf(flags, rest);
-    va_end(rest);
-    return Open<decltype(open64)>("open64", path, flags, mode);
-}
-
-FILE* fopen(const char* path, const char* mode) {
-    return OpenStream("fopen", path, mode);
-}
-
-FILE* fopen64(const char* path, const char* mode) {
-    return OpenStream("fopen64", path, mode);
-}
+#define OPEN_STREAM(name)                            \
+    FILE* name(const char* path, const char* mode) { \
+        return OpenStream(#name, path, mode);        \
+    }
+OPEN_STREAM(fopen)
+OPEN_STREAM(fopen64)
 
 int mkostemp(char* path, int flags) {
     return Attempt("mkostemp", path, [=] { return Next<decltype(mkostemp)>("mkostemp")(path, flags); });
@@ -204,17 +198,14 @@ ssize_t write(int file, const void* bytes, size_t size) {
                         [=](size_t some) { return Next<decltype(write)>("write")(file, bytes, some); });
 }
 
-ssize_t pwrite(int file, const void* bytes, size_t size, off_t offset) {
-    return AttemptWrite("pwrite", file, size, [=](size_t some) {
-        return Next<decltype(pwrite)>("pwrite")(file, bytes, some, offset);
-    });
-}
-
-ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t offset) {
-    return AttemptWrite("pwrite64", file, size, [=](size_t some) {
-        return Next<decltype(pwrite64)>("pwrite64")(file, bytes, some, offset);
-    });
-}
+#define WRITE_AT(name)                                                     \
+    ssize_t name(int file, const void* bytes, size_t size, off_t offset) { \
+        return AttemptWrite(#name, file, size, [=](size_t some) {          \
+            return Next<decltype(name)>(#name)(file, bytes, some, offset); \
+        });                                                                \
+    }
+WRITE_AT(pwrite)
+WRITE_AT(pwrite64)
 
 ssize_t writev(int file, const iovec* pieces, int count) {
     return Attempt("writev", PathOf(file),
@@ -227,22 +218,19 @@ ssize_t sendfile(int target, int source, off_t* offset, size_t size) noexcept {
     });
 }
 
-int fsync(int file) {
-    return Attempt("fsync", PathOf(file), [=] { return Next<decltype(fsync)>("fsync")(file); });
-}
+#define FLUSH(name)                                                                             \
+    int name(int file) {                                                                        \
+        return Attempt(#name, PathOf(file), [=] { return Next<decltype(name)>(#name)(file); }); \
+    }
+FLUSH(fsync)
+FLUSH(fdatasync)
 
-int fdatasync(int file) {
-    return Attempt("fdatasync", PathOf(file), [=] { return Next<decltype(fdatasync)>("fdatasync")(file); });
-}
-
-int ftruncate(int file, off_t size) noexcept {
-    return Attempt("ftruncate", PathOf(file), [=] { return Next<int(int, off_t)>("ftruncate")(file, size); });
-}
-
-int ftruncate64(int file, off64_t size) noexcept {
-    return Attempt("ftruncate64", PathOf(file),
-                   [=] { return Next<int(int, off64_t)>("ftruncate64")(file, size); });
-}
+#define TRUNCATE(name)                                                                                 \
+    int name(int file, off_t size) noexcept {                                                          \
+        return Attempt(#name, PathOf(file), [=] { return Next<int(int, off_t)>(#name)(file, size); }); \
+    }
+TRUNCATE(ftruncate)
+TRUNCATE(ftruncate64)
 
 int rename(const char* from, const char* to) noexcept {
     return Attempt("rename", to, [=] { return Next<int(const char*, const char*)>("rename")(from, to); });

@@ -12,6 +12,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "Descriptor.h"
+
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{60'000};
@@ -34,28 +36,16 @@ int ExitStatus(int status) {
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-void Close(int& descriptor) {
-    if (descriptor >= 0)
-        close(descriptor);
-    descriptor = -1;
-}
-
 struct Pipe {
     Pipe() {
+        int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0)
             throw std::runtime_error("no pipe");
+        readEnd = platform::Descriptor(ends[0]);
+        writeEnd = platform::Descriptor(ends[1]);
     }
-    ~Pipe() {
-        Close(ends[0]);
-        Close(ends[1]);
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
 
-    int& ReadEnd() { return ends[0]; }
-    int& WriteEnd() { return ends[1]; }
-
-    int ends[2] = {-1, -1};
+    platform::Descriptor readEnd, writeEnd;
 };
 
 }  // namespace
@@ -78,9 +68,9 @@ struct TestProcess::State {
 TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::make_unique<State>()) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, mState->input.ReadEnd(), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, mState->output.WriteEnd(), STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, mState->errors.WriteEnd(), STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, mState->input.readEnd.Get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, mState->output.writeEnd.Get(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, mState->errors.writeEnd.Get(), STDERR_FILENO);
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     std::vector<std::string> words = command;
     std::vector<char*> pointers;
@@ -90,8 +80,8 @@ TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::
     const int failure =
         posix_spawn(&mState->process, words[0].c_str(), &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    for (int* theirs : {&mState->input.ReadEnd(), &mState->output.WriteEnd(), &mState->errors.WriteEnd()})
-        Close(*theirs);
+    for (auto* theirs : {&mState->input.readEnd, &mState->output.writeEnd, &mState->errors.writeEnd})
+        *theirs = {};
     if (failure != 0)
         throw std::runtime_error("cannot start " + command[0]);
 }
@@ -108,7 +98,7 @@ platform::ProcessId TestProcess::Id() const {
 }
 
 std::string TestProcess::ReadLine() {
-    const int output = mState->output.ReadEnd();
+    const int output = mState->output.readEnd.Get();
     char character = 0;
     std::string line;
     while (IsReadable(output) && read(output, &character, 1) == 1 && character != '\n')
@@ -120,30 +110,19 @@ std::string TestProcess::ReadLine() {
 
 void TestProcess::WriteLine(const std::string& line) {
     const std::string text = line + "\n";
-    ASSERT_EQ(write(mState->input.WriteEnd(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    ASSERT_EQ(write(mState->input.writeEnd.Get(), text.data(), text.size()),
+              static_cast<ssize_t>(text.size()));
 }
 
 void TestProcess::CloseInput() {
-    Close(mState->input.WriteEnd());
-}
-
-void TestProcess::Kill() const {
-    KillProcess(Id());
-}
-
-void TestProcess::Suspend() const {
-    SuspendProcess(Id());
-}
-
-void TestProcess::Resume() const {
-    ResumeProcess(Id());
+    mState->input.writeEnd = {};
 }
 
 ProgramResult TestProcess::Finish() {
     CloseInput();
     ProgramResult result;
-    std::thread errors([&] { result.errors = ReadToEnd(mState->errors.ReadEnd()); });
-    result.output = ReadToEnd(mState->output.ReadEnd());
+    std::thread errors([&] { result.errors = ReadToEnd(mState->errors.readEnd.Get()); });
+    result.output = ReadToEnd(mState->output.readEnd.Get());
     errors.join();
     result.status = mState->Collect();
     return result;

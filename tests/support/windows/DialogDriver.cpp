@@ -7,26 +7,17 @@
 #include <cwchar>
 
 #include "TestProcess.h"
+#include "WideText.h"
 #include "platform/Windowing.h"
 
 namespace {
 
 constexpr std::chrono::seconds kLongestDialog{30};
 
-std::string ToUtf8(const std::wstring& text) {
-    const int size = static_cast<int>(text.size());
-    std::string narrow(static_cast<size_t>(
-                           WideCharToMultiByte(CP_UTF8, 0, text.c_str(), size, nullptr, 0, nullptr, nullptr)),
-                       '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), size, narrow.data(), static_cast<int>(narrow.size()),
-                        nullptr, nullptr);
-    return narrow;
-}
-
 std::string ClassOf(HWND window) {
     wchar_t name[64] = L"";
     GetClassNameW(window, name, 64);
-    return ToUtf8(name);
+    return platform::ToUtf8(name);
 }
 
 bool IsOpenDialog(HWND window) {
@@ -132,7 +123,7 @@ DialogDriver::DialogDriver(std::function<void(HWND dialog)> actions)
 DialogDriver::~DialogDriver() = default;
 
 std::string TextOf(HWND window) {
-    return ToUtf8(WideTextOf(window));
+    return platform::ToUtf8(WideTextOf(window));
 }
 
 std::vector<DialogControl> ControlsOf(HWND dialog) {
@@ -170,7 +161,7 @@ std::vector<std::string> EntriesOf(HWND list) {
         SendMessageW(list, isDropDown ? CB_GETLBTEXT : LB_GETTEXT, place,
                      reinterpret_cast<LPARAM>(text.data()));
         text.resize(static_cast<size_t>(length));
-        entries.push_back(ToUtf8(text));
+        entries.push_back(platform::ToUtf8(text));
     }
     return entries;
 }

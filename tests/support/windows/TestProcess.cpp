@@ -5,39 +5,20 @@
 // winternl.h has no declaration of the two functions that suspend a process as a whole.
 
 #include <chrono>
-#include <filesystem>
 #include <stdexcept>
-#include <string_view>
 #include <thread>
 #include <utility>
 
+#include "OwnedHandle.h"
+#include "WideText.h"
 #include "platform/Utf8Path.h"
 
 namespace {
 
+using platform::OwnedHandle;
+
 constexpr std::chrono::seconds kPatience{60};
 constexpr UINT kKilledStatus = 128 + 9;
-
-class Handle {
-public:
-    Handle() = default;
-    explicit Handle(HANDLE handle) : mHandle(handle) {}
-    ~Handle() { Close(); }
-    Handle(Handle&& other) noexcept : mHandle(std::exchange(other.mHandle, nullptr)) {}
-    Handle& operator=(Handle&& other) noexcept {
-        std::swap(mHandle, other.mHandle);
-        return *this;
-    }
-
-    HANDLE Get() const { return mHandle; }
-    void Close() {
-        if (mHandle != nullptr)
-            CloseHandle(std::exchange(mHandle, nullptr));
-    }
-
-private:
-    HANDLE mHandle = nullptr;
-};
 
 struct Pipe {
     enum class Inherited { kReadEnd, kWriteEnd };
@@ -48,14 +29,14 @@ struct Pipe {
         HANDLE writeHandle = nullptr;
         if (!CreatePipe(&readHandle, &writeHandle, &attributes, 0))
             throw std::runtime_error("no pipe");
-        readEnd = Handle(readHandle);
-        writeEnd = Handle(writeHandle);
-        const Handle& ours = inherited == Inherited::kReadEnd ? writeEnd : readEnd;
+        readEnd = OwnedHandle(readHandle);
+        writeEnd = OwnedHandle(writeHandle);
+        const OwnedHandle& ours = inherited == Inherited::kReadEnd ? writeEnd : readEnd;
         SetHandleInformation(ours.Get(), HANDLE_FLAG_INHERIT, 0);
     }
 
-    Handle readEnd;
-    Handle writeEnd;
+    OwnedHandle readEnd;
+    OwnedHandle writeEnd;
 };
 
 /// What a child is allowed to inherit.
@@ -104,7 +85,7 @@ std::wstring Quoted(const std::wstring& word) {
 std::wstring CommandLine(const std::vector<std::string>& words) {
     std::wstring line;
     for (const std::string& word : words)
-        line += (line.empty() ? L"" : L" ") + Quoted(platform::Utf8Path(word).wstring());
+        line += (line.empty() ? L"" : L" ") + Quoted(platform::ToWide(word));
     return line;
 }
 
@@ -139,7 +120,7 @@ bool ReadMore(HANDLE pipe, std::string& text) {
 using ProcessFunction = LONG(NTAPI*)(HANDLE);
 
 void CallSystem(const char* function, platform::ProcessId id) {
-    const Handle process(OpenProcess(PROCESS_SUSPEND_RESUME, FALSE, static_cast<DWORD>(id)));
+    const OwnedHandle process(OpenProcess(PROCESS_SUSPEND_RESUME, FALSE, static_cast<DWORD>(id)));
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), function);
     if (process.Get() != nullptr && found != nullptr)
         reinterpret_cast<ProcessFunction>(reinterpret_cast<void*>(found))(process.Get());
@@ -148,7 +129,7 @@ void CallSystem(const char* function, platform::ProcessId id) {
 }  // namespace
 
 struct TestProcess::State {
-    Handle process;
+    OwnedHandle process;
     DWORD id = 0;
     Pipe input{Pipe::Inherited::kReadEnd};
     Pipe output{Pipe::Inherited::kWriteEnd};
@@ -172,12 +153,12 @@ TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::
                         EXTENDED_STARTUPINFO_PRESENT | CREATE_NO_WINDOW, nullptr, nullptr,
                         &startup.StartupInfo, &started))
         throw std::runtime_error("cannot start " + command[0]);
-    mState->process = Handle(started.hProcess);
+    mState->process = OwnedHandle(started.hProcess);
     mState->id = started.dwProcessId;
     CloseHandle(started.hThread);
-    mState->input.readEnd.Close();
-    mState->output.writeEnd.Close();
-    mState->errors.writeEnd.Close();
+    mState->input.readEnd = {};
+    mState->output.writeEnd = {};
+    mState->errors.writeEnd = {};
 }
 
 TestProcess::~TestProcess() {
@@ -210,19 +191,7 @@ void TestProcess::WriteLine(const std::string& line) {
 }
 
 void TestProcess::CloseInput() {
-    mState->input.writeEnd.Close();
-}
-
-void TestProcess::Kill() const {
-    TerminateProcess(mState->process.Get(), kKilledStatus);
-}
-
-void TestProcess::Suspend() const {
-    SuspendProcess(Id());
-}
-
-void TestProcess::Resume() const {
-    ResumeProcess(Id());
+    mState->input.writeEnd = {};
 }
 
 ProgramResult TestProcess::Finish() {
@@ -239,7 +208,7 @@ ProgramResult TestProcess::Finish() {
 }
 
 void KillProcess(platform::ProcessId id) {
-    const Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(id)));
+    const OwnedHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(id)));
     if (process.Get() != nullptr)
         TerminateProcess(process.Get(), kKilledStatus);
 }

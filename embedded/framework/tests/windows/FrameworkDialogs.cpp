@@ -15,34 +15,17 @@ RecordList Workgroups() {
                     WorkgroupRecord(8, "Web & Screen"), WorkgroupRecord(9, "Corporate Design, Europe")});
 }
 
-Record FontOf(const char* name, const char* family, const char* foundry) {
-    auto record = cf::MutableDictionary();
-    cf::Set(record, kGS_PostScriptNameKey, name);
-    cf::Set(record, kGS_FamilyKey, family);
-    cf::Set(record, kGS_FoundryKey, foundry);
-    cf::Set(record, kGS_VersionKey, "1.001");
-    return record;
-}
-
-Record MissingFont(const char* name, const std::vector<Record>& candidates) {
-    auto record = FontOf(name, name, "");
-    const auto replacements = cf::MutableDictionary();
-    for (const Record& candidate : candidates)
-        cf::Set(replacements, cf::GetString(candidate.get(), kGS_PostScriptNameKey).c_str(), candidate);
-    cf::Set(record, kGS_PossibleReplacementsKey, replacements);
-    return record;
-}
-
 /// Enough of them to scroll.
 RecordList FontsToResolve() {
-    const std::vector<Record> serifs = {
-        FontOf("EBGaramond-Regular", "EB Garamond", "Georg Duffner"),
-        FontOf("CormorantGaramond-Regular", "Cormorant Garamond", "Catharsis Fonts")};
-    const std::vector<Record> sans = {FontOf("LiberationSans", "Liberation Sans", "Ascender")};
-    return Records({MissingFont("AGaramondPro-Regular", serifs), MissingFont("Helvetica", sans),
-                    MissingFont("Zapfino", {}), MissingFont("Helvetica-Bold", sans),
-                    MissingFont("AGaramondPro-Italic", serifs), MissingFont("Garamond", serifs),
-                    MissingFont("Arial", sans)});
+    RecordList fonts = cf::MutableArray();
+    for (const char* name :
+         {"AGaramondPro-Regular", "Helvetica", "Zapfino", "Helvetica-Bold", "Garamond", "Arial"}) {
+        const bool isSerif = std::string(name).find("Garamond") != std::string::npos;
+        cf::Append(fonts, name == std::string("Zapfino") ? FontRecord(name)
+                          : isSerif ? FontRecord(name, {"EBGaramond-Regular", "CormorantGaramond-Regular"})
+                                    : FontRecord(name, {"LiberationSans"}));
+    }
+    return fonts;
 }
 
 void ShowSelectWorkgroup(VantorixPluginFramework& framework) {

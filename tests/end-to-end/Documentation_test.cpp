@@ -1,17 +1,48 @@
-// The documented life of a panel still goes as the page says.
+// What the pages of docs/ show goes in and comes out as they say.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <sstream>
 
 #include "HostWorld.h"
-#include "ScriptPage.h"
+#include "PanelSchemas.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
+using panel_schemas::Direction;
+
 namespace {
+
+/// A line that goes in, after its mark, and the lines that it is answered with.
+struct PageExchange {
+    char mark;  ///< '>' for a line that is written, '$' for a command that is run
+    std::string request;
+    std::vector<std::string> answers;
+};
+
+/// What stands in the blocks of the page, in its order. Answers before the first line that goes in are an
+/// exchange without mark and request.
+std::vector<PageExchange> ReadScriptPage(const std::string& name) {
+    std::ifstream page(std::string(DOCS) + "/" + name);
+    std::vector<PageExchange> script;
+    bool isInBlock = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line == "```") {
+            isInBlock = !isInBlock;
+        } else if (isInBlock && (line.starts_with("> ") || line.starts_with("$ "))) {
+            script.push_back({line[0], line.substr(2), {}});
+        } else if (isInBlock) {
+            if (script.empty())
+                script.push_back({'\0', "", {}});
+            script.back().answers.push_back(line);
+        }
+    }
+    return script;
+}
 
 /// The page was written on a system other than Windows, and one message tells.
 json OnThisSystem(json answer) {
@@ -104,6 +135,13 @@ protected:
     FileNames names;
 };
 
+/// Holds the example against the schemas, and takes the message that it is from those without an example.
+void Check(Direction direction, const std::string& example, std::set<std::string>& withoutExample) {
+    const panel_schemas::Match match = panel_schemas::Find(direction, json::parse(example, nullptr, false));
+    EXPECT_EQ(match.faults, "");
+    withoutExample.erase(match.name);
+}
+
 }  // namespace
 
 TEST_F(PanelScript, GoesAsThePageSays) {
@@ -112,4 +150,52 @@ TEST_F(PanelScript, GoesAsThePageSays) {
     for (const PageExchange& exchange : script)
         Play(exchange);
     EXPECT_EQ(host.Finish().status, 0);
+}
+
+TEST(ExampleScript, GoesAsThePageSays) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string answers = world.Path("answers.json");
+    std::ofstream(platform::Utf8Path(answers))
+        << R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}},)"
+           R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])";
+    const std::vector<PageExchange> script = ReadScriptPage("example-script.md");
+    ASSERT_GT(script.size(), 10u);
+    TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});
+    for (const PageExchange& exchange : script) {
+        host.WriteLine(exchange.request);
+        for (const std::string& answer : exchange.answers)
+            EXPECT_EQ(json::parse(host.ReadLine()), json::parse(answer)) << exchange.request;
+    }
+    EXPECT_EQ(host.Finish().status, 0);
+}
+
+TEST(PanelDocumentation, ShowsAnExampleOfEveryMessageByTheSchemas) {
+    std::set<std::string> requests = panel_schemas::Names(Direction::kToPlugin);
+    std::set<std::string> answers = panel_schemas::Names(Direction::kToPanel);
+    for (const PageExchange& exchange : ReadScriptPage("panel-messages.md")) {
+        if (exchange.mark == '>')
+            Check(Direction::kToPlugin, exchange.request, requests);
+        for (const std::string& answer : exchange.answers)
+            Check(Direction::kToPanel, answer, answers);
+    }
+    EXPECT_THAT(requests, testing::IsEmpty()) << "have no example";
+    EXPECT_THAT(answers, testing::IsEmpty()) << "have no example";
+}
+
+TEST(PanelDocumentation, TheSchemasRefuseWhatIsNoMessage) {
+    const auto faults = [](Direction direction, const char* text) {
+        return panel_schemas::Find(direction, json::parse(text)).faults;
+    };
+    for (const char* text :
+         {R"({"messageID":7})", R"({})", R"([66])", R"({"messageID":66,"more":1})",
+          R"({"messageID":12,"windowWidth":1})", R"({"messageID":12,"windowWidth":1,"windowHeight":"2"})"})
+        EXPECT_NE(faults(Direction::kToPlugin, text), "") << text;
+    for (const char* text : {R"({"messageID":20})", R"({"messageID":41,"filename":"/tmp/a"})",
+                             R"({"messageID":46,"fontID":1,"isConflictError":true})",
+                             R"({"messageID":46,"fontID":1,"isConflictError":false,"conflictID":2})",
+                             R"({"messageID":24,"fontIDs":[1,"2"]})",
+                             R"({"messageID":37,"smartListID":1,"listDefinition":"e\n"})"})
+        EXPECT_NE(faults(Direction::kToPanel, text), "") << text;
+    EXPECT_EQ(faults(Direction::kToPanel, R"({"messageID":46,"fontID":1,"isConflictError":false})"), "");
 }
