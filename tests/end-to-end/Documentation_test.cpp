@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "HostWorld.h"
+#include "PanelMessages.h"
 #include "PanelSchemas.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
@@ -135,12 +136,21 @@ protected:
     FileNames names;
 };
 
-/// Holds the example against the schemas, and takes the message that it is from those without an example.
-void Check(Direction direction, const std::string& example, std::set<std::string>& withoutExample) {
-    const panel_schemas::Match match = panel_schemas::Find(direction, json::parse(example, nullptr, false));
-    EXPECT_EQ(match.faults, "");
-    withoutExample.erase(match.name);
-}
+/// The messages of one direction that have no example yet.
+struct Undocumented {
+    Direction direction;
+    std::set<int> numbers;
+    std::set<std::string> names = panel_schemas::Names(direction);  ///< of schemas
+
+    /// Holds the example against the schemas, and takes it off the lists.
+    void Take(const std::string& example) {
+        const json message = json::parse(example, nullptr, false);
+        const panel_schemas::Match match = panel_schemas::Find(direction, message);
+        EXPECT_EQ(match.faults, "");
+        names.erase(match.name);
+        numbers.erase(message.value("messageID", 0));
+    }
+};
 
 }  // namespace
 
@@ -171,16 +181,23 @@ TEST(ExampleScript, GoesAsThePageSays) {
 }
 
 TEST(PanelDocumentation, ShowsAnExampleOfEveryMessageByTheSchemas) {
-    std::set<std::string> requests = panel_schemas::Names(Direction::kToPlugin);
-    std::set<std::string> answers = panel_schemas::Names(Direction::kToPanel);
+#define NUMBER_OF(constant, id, ...) id,
+    Undocumented requests{Direction::kToPlugin, {PANEL_REQUESTS(NUMBER_OF)}};
+    Undocumented answers{Direction::kToPanel,
+                         {PANEL_MESSAGES(NUMBER_OF) PANEL_PLAIN_NOTIFICATIONS(NUMBER_OF)
+                              PANEL_PROGRESS_NOTIFICATIONS(NUMBER_OF) PANEL_FONT_NOTIFICATIONS(NUMBER_OF)
+                                  PANEL_STATE_NOTIFICATIONS(NUMBER_OF)}};
+#undef NUMBER_OF
     for (const PageExchange& exchange : ReadScriptPage("panel-messages.md")) {
         if (exchange.mark == '>')
-            Check(Direction::kToPlugin, exchange.request, requests);
+            requests.Take(exchange.request);
         for (const std::string& answer : exchange.answers)
-            Check(Direction::kToPanel, answer, answers);
+            answers.Take(answer);
     }
-    EXPECT_THAT(requests, testing::IsEmpty()) << "have no example";
-    EXPECT_THAT(answers, testing::IsEmpty()) << "have no example";
+    for (const Undocumented& rest : {requests, answers}) {
+        EXPECT_THAT(rest.names, testing::IsEmpty()) << "have no example";
+        EXPECT_THAT(rest.numbers, testing::IsEmpty()) << "have no example";
+    }
 }
 
 TEST(PanelDocumentation, TheSchemasRefuseWhatIsNoMessage) {
