@@ -73,7 +73,8 @@ class TraceScope {
 public:
     /// `closing` writes the closing line, with an indentDelta of -1, and refers to what outlives the scope;
     /// in it stand the values that there are then. `format` and what follows are the opening line.
-    TraceScope(Closing closing, const char* format, ...) TRACE_LOG_PRINTF(3);
+    /// By reference: with an object that has no members by value, a compiler for Windows loses the arguments.
+    TraceScope(const Closing& closing, const char* format, ...) TRACE_LOG_PRINTF(3);
     ~TraceScope();
     TraceScope(const TraceScope&) = delete;
     TraceScope& operator=(const TraceScope&) = delete;
@@ -88,7 +89,7 @@ inline auto ReturningCode(const char* name, const uint32_t& code) {
 }
 
 template <class Closing>
-TraceScope<Closing>::TraceScope(Closing closing, const char* format, ...) : mClosing(std::move(closing)) {
+TraceScope<Closing>::TraceScope(const Closing& closing, const char* format, ...) : mClosing(closing) {
     va_list arguments;
     va_start(arguments, format);
     LogMessageV(1, format, arguments);

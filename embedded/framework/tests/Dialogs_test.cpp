@@ -60,7 +60,8 @@ protected:
         const std::string outcome = Ask(
             With(std::make_unique<TerminalPresenter>(Terminal::Streams{input, output, false}, "en")), dialog);
         mShown = output.str();
-        EXPECT_THAT(mShown, testing::Not(testing::ContainsRegex("Message |%s|\033|\302\233")));
+        EXPECT_THAT(mShown, testing::Not(testing::AnyOf(HasSubstr("Message "), HasSubstr("%s"),
+                                                        HasSubstr("\033"), HasSubstr("\302\233"))));
         return outcome;
     }
     std::string AskInWindow(const std::string& dialog, const std::string& clicks) {
@@ -307,7 +308,8 @@ TEST_F(DialogsTest, WhatIsShownSaysWhatIsChosenAndWhatStandsNow) {
                 {"Where to... exactly?\n/ü\n"});
     ExpectShown("ChooseFolder", "", {"Choose a Folder\n"}, {"Choose a Folder\n\n"});
     AskAtTerminal("CommandBox none", "");
-    EXPECT_THAT(mShown, testing::Not(testing::ContainsRegex("Current workgroup|\\*|Check")));
+    EXPECT_THAT(mShown, testing::Not(testing::AnyOf(HasSubstr("Current workgroup"), HasSubstr("*"),
+                                                    HasSubstr("Check"))));
     AskAtTerminal("RestrictedFonts", "");
     EXPECT_THAT(mShown, testing::Not(HasSubstr("new in the document")));
 }
