@@ -237,7 +237,8 @@ void AgentWorld::Restart() {
     mManager->EndLeasesOfDeadProcesses();
     mManager->RepairActiveFonts();
     const FontVault::Survey survey = mManager->LookAroundVault();
-    RunOwn([&](CommandContext& context) { return TakeBack(context, survey.unknown); });
+    const auto unknown = std::make_shared<std::vector<std::string>>(survey.unknown);
+    RunOwn([&](CommandContext& context) { return TakeBack(context, unknown); });
 }
 
 void AgentWorld::LoseFile(size_t number, bool isDamaged) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <vector>
@@ -42,6 +43,7 @@ public:
     Json Flag() { return OrOther(mInput.ConsumeBool()); }
     Json Number() { return OrOther(PlainNumber()); }
     Json Text() { return OrOther(PlainText()); }
+    Json TextOrNumber() { return mInput.ConsumeBool() ? Text() : Number(); }
     Json Path() {
         const auto& paths = Library().Paths();
         return OrOther(paths[mInput.ConsumeIntegralInRange<size_t>(0, paths.size() - 1)]);
@@ -127,41 +129,32 @@ private:
     FuzzedDataProvider& mInput;
 };
 
-struct Member {
-    const char* name;
-    Json (ValueMaker::*make)();
-};
-
-constexpr size_t kUsualMembers = 4;
-/// What commands read of their arguments; the first few are always there.
-constexpr Member kMembers[] = {{"fonts", &ValueMaker::Fonts},
-                               {"font", &ValueMaker::Number},
-                               {"name", &ValueMaker::Text},
-                               {"path", &ValueMaker::Path},
-                               {"newName", &ValueMaker::Text},
-                               {"document", &ValueMaker::Text},
-                               {"usage", &ValueMaker::Text},
-                               {"workgroup", &ValueMaker::Text},
-                               {"workgroup", &ValueMaker::Number},
-                               {"workgroupID", &ValueMaker::Number},
-                               {"set", &ValueMaker::Number},
-                               {"sets", &ValueMaker::Numbers},
-                               {"smartList", &ValueMaker::Number},
-                               {"after", &ValueMaker::Number},
-                               {"protocol", &ValueMaker::Number},
-                               {"taken", &ValueMaker::Number},
-                               {"on", &ValueMaker::Flag},
-                               {"enable", &ValueMaker::Flag},
-                               {"activate", &ValueMaker::Flag},
-                               {"replace", &ValueMaker::Flag},
-                               {"wholeFamily", &ValueMaker::Flag},
-                               {member::kVisible, &ValueMaker::Flag},
-                               {member::kReplacements, &ValueMaker::Number},
-                               {kGS_SmartListIDKey, &ValueMaker::Number},
-                               {kGS_SmartListNameKey, &ValueMaker::Text},
-                               {kGS_WorkgroupIDsKey, &ValueMaker::Numbers},
-                               {kGS_SetIDsKey, &ValueMaker::Numbers},
-                               {kGS_SmartSetIDsKey, &ValueMaker::Numbers}};
+/// What a command may take for a member of its arguments.
+Json ValueFor(ValueMaker& values, std::string_view name) {
+    using Make = Json (ValueMaker::*)();
+    using namespace member;
+    static const auto& makers =
+        *new std::map<std::string_view, Make>{{kFonts, &ValueMaker::Fonts},
+                                              {kPath, &ValueMaker::Path},
+                                              {kName, &ValueMaker::Text},
+                                              {kNewName, &ValueMaker::Text},
+                                              {kDocument, &ValueMaker::Text},
+                                              {kUsage, &ValueMaker::Text},
+                                              {kSets, &ValueMaker::Numbers},
+                                              {kOn, &ValueMaker::Flag},
+                                              {kEnable, &ValueMaker::Flag},
+                                              {kActivate, &ValueMaker::Flag},
+                                              {kReplace, &ValueMaker::Flag},
+                                              {kWholeFamily, &ValueMaker::Flag},
+                                              {kVisible, &ValueMaker::Flag},
+                                              {kWorkgroup, &ValueMaker::TextOrNumber},
+                                              {kGS_SmartListNameKey, &ValueMaker::Text},
+                                              {kGS_WorkgroupIDsKey, &ValueMaker::Numbers},
+                                              {kGS_SetIDsKey, &ValueMaker::Numbers},
+                                              {kGS_SmartSetIDsKey, &ValueMaker::Numbers}};
+    const auto found = makers.find(name);
+    return (values.*(found != makers.end() ? found->second : &ValueMaker::Number))();
+}
 
 /// No file outside the folder is to be looked at, whatever a request says.
 void StayInFolder(Json& request) {
@@ -178,15 +171,14 @@ void StayInFolder(Json& request) {
 
 Json MakeRequest(FuzzedDataProvider& input, long long& lastID) {
     ValueMaker values(input);
+    const std::string method = input.PickValueInArray(kMethods);
     Json arguments = Json::object();
-    // Few at a time: one that is wrong spoils all the others.
-    const uint32_t chosen = input.ConsumeIntegral<uint32_t>() & input.ConsumeIntegral<uint32_t>();
-    for (uint32_t index = 0; index < std::size(kMembers); ++index) {
-        if (index < kUsualMembers || (chosen >> index & 1) != 0)
-            arguments[kMembers[index].name] = (values.*kMembers[index].make)();
+    for (const std::string_view name : FindMethod(method)->arguments.Names()) {
+        if (!name.empty() && input.ConsumeIntegralInRange(0, 15) != 0)
+            arguments[std::string(name)] = ValueFor(values, name);
     }
     Json request = {
-        {"id", ++lastID}, {"method", input.PickValueInArray(kMethods)}, {"args", std::move(arguments)}};
+        {member::kID, ++lastID}, {member::kMethod, method}, {member::kArguments, std::move(arguments)}};
     switch (input.ConsumeIntegralInRange(0, 9)) {
         case 0:
             request["repeats"] = lastID - 1;

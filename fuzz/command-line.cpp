@@ -20,10 +20,10 @@ public:
 
     void AddWord(const std::string& word) { mWords.push_back(word); }
 
-    /// An option with a text, now and then; the text, or `without` where there is none.
-    std::string AddOption(const std::string& name, const std::string& without = {}) {
+    /// An option with a text, now and then; the text, if any.
+    std::string AddOption(const std::string& name) {
         if (mInput.ConsumeBool())
-            return without;
+            return {};
         std::string text = Text();
         if (IsOption(text) || mInput.ConsumeBool()) {
             AddWord(name + "=" + text);
@@ -102,54 +102,24 @@ void CheckFontManager(FuzzedDataProvider& input) {
     const auto app = DescribeCommandLine(arguments, chosen);
     TypedLine line(input);
     Arguments typed;
-    const auto add = [&](const std::vector<std::string>& command) {
-        for (const std::string& word : command)
-            line.AddWord(word);
-    };
-    switch (input.ConsumeIntegralInRange(0, 6)) {
-        case 0:
-            add({"add"});
-            typed.workgroup = line.AddOption("--workgroup");
-            typed.words = line.AddArguments();
-            break;
-        case 1:
-            add({input.PickValueInArray({"remove", "activate", "deactivate"})});
-            typed.words = line.AddArguments();
-            break;
-        case 2:
-            add({"workgroup", "rename"});
-            typed.name = line.AddArgument();
-            typed.newName = line.AddArgument();
-            break;
-        case 3:
-            add({"set", input.PickValueInArray({"show", "create", "delete"})});
-            typed.workgroup = line.AddOption("--workgroup");
-            typed.name = line.AddArgument();
-            break;
-        case 4:
-            add({"set", "add"});
-            typed.workgroup = line.AddOption("--workgroup");
-            typed.name = line.AddArgument();
-            typed.words = line.AddArguments();
-            break;
-        case 5:
-            add({"smartlist", "create"});
-            typed.parts = {line.AddOptions("--workgroup"), line.AddOptions("--set"),
-                           line.AddOptions("--smartlist")};
-            typed.name = line.AddArgument();
-            break;
-        default:
-            add({"login"});
-            typed.name = line.AddArgument();
+    if (input.ConsumeBool()) {
+        line.AddWord("set");
+        line.AddWord("add");
+        typed.workgroup = line.AddOption("--workgroup");
+        typed.name = line.AddArgument();
+        typed.words = line.AddArguments();
+    } else {
+        line.AddWord("smartlist");
+        line.AddWord("create");
+        typed.parts = {line.AddOptions("--workgroup"), line.AddOptions("--set"), {}};
+        typed.name = line.AddArgument();
     }
     ParseWhole(*app, line);
     Require(arguments.words == typed.words && arguments.name == typed.name &&
-                arguments.newName == typed.newName && arguments.workgroup == typed.workgroup,
+                arguments.workgroup == typed.workgroup &&
+                arguments.parts.workgroups == typed.parts.workgroups &&
+                arguments.parts.sets == typed.parts.sets,
             "texts arrive as they were typed");
-    Require(arguments.parts.workgroups == typed.parts.workgroups &&
-                arguments.parts.sets == typed.parts.sets &&
-                arguments.parts.smartLists == typed.parts.smartLists,
-            "texts that are repeated arrive as they were typed");
     Require(!arguments.options.json && !arguments.options.noStart, "no text counts as an option");
 }
 
@@ -159,34 +129,11 @@ void CheckHost(FuzzedDataProvider& input) {
     const auto app = DescribeCommandLine(parsed);
     TypedLine line(input);
     typed.answers = line.AddOption("--answers");
-    typed.host.corePath = line.AddOption("--core", typed.host.corePath);
-    switch (input.ConsumeIntegralInRange(0, 3)) {
-        case 0:
-            line.AddWord("open");
-            typed.open.files = line.AddArguments();
-            break;
-        case 1:
-            line.AddWord("fonts");
-            typed.files = line.AddArguments();
-            break;
-        case 2:
-            line.AddWord("settings");
-            typed.settings.key = line.AddArgument();
-            if (input.ConsumeBool())
-                typed.settings.value = line.AddArgument();
-            break;
-        default:
-            line.AddWord("menu");
-            typed.menu.document = line.AddOption("--document");
-            typed.menu.choice = line.AddArgument();
-    }
+    line.AddWord("open");
+    typed.open.files = line.AddArguments();
     ParseWhole(*app, line);
-    Require(parsed.answers == typed.answers && parsed.host.corePath == typed.host.corePath &&
-                parsed.host.app == typed.host.app && !parsed.json && !parsed.open.closeAtOnce,
-            "options arrive as they were typed");
-    Require(parsed.open.files == typed.open.files && parsed.files == typed.files &&
-                parsed.settings.key == typed.settings.key && parsed.settings.value == typed.settings.value &&
-                parsed.menu.choice == typed.menu.choice && parsed.menu.document == typed.menu.document,
+    Require(parsed.answers == typed.answers && parsed.open.files == typed.open.files && !parsed.json &&
+                !parsed.open.closeAtOnce,
             "texts arrive as they were typed");
     Require(static_cast<bool>(parsed.run), "a command is chosen");
 }

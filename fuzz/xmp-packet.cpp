@@ -7,11 +7,11 @@
 #include <string>
 #include <string_view>
 
+#include "PlainXmpPacket.h"
 #include "Require.h"
 #include "ScratchFile.h"
 #include "client/XmpPacket.h"
 #include "common/FontManagerLimits.h"
-#include "PlainXmpPacket.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Has the writes of other processes go wrong, one after the other, and counts what came of it.
+// Has the writes of other processes go wrong, one after the other.
 #pragma once
 
 #include <functional>
@@ -51,7 +51,6 @@ public:
 };
 
 /// Calls `attempt` once without a fault to learn how many calls there are, then for each call and each kind
-/// of fault; unless PLUGINCORE_EVERY_FAULT is set, for a sample of these. Each attempt is judged by whether
-/// it added a failure to the test. Prints one line of counts under the name.
+/// of fault; unless PLUGINCORE_EVERY_FAULT is set, for a sample of these. Prints how many there were.
 void MeetEveryFault(const std::string& name, FaultControl& faults,
                     const std::function<void(const Fault& fault, int at)>& attempt);

@@ -11,7 +11,6 @@
 #include <thread>
 
 #include "FaultyStore.h"
-#include "TestFonts.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "tests/support/TestLibrary.h"
@@ -49,7 +48,7 @@ Change Command(const std::vector<std::string>& words) {
     return [words](FaultyStore& store) {
         std::vector<std::string> all = words;
         for (std::string& word : all) {
-            if (word.ends_with(".ttf") || word.ends_with(".ttc"))
+            if (word.ends_with(".ttf"))
                 word = store.World().Path("fonts/" + word);
         }
         all.push_back("--no-start");
@@ -114,18 +113,13 @@ const std::vector<std::string> kActivateBoth = {"activate", "Sample-Bold", "Samp
 std::vector<Case> Cases() {
     return {
         {"Add", After({}), Command({"add", "Sample-Bold-1.0.ttf"})},
-        {"AddCollection", After({{"add", "Sample-Bold-1.0.ttf"}}), Command({"add", "Collection.ttc"})},
         {"AddWhatWasLost", LoseFile, Command({"add", "Sample-Bold-1.0.ttf"})},
         {"AddWhenTheLogIsFull", FillLog, Command({"add", "Sample-Italic-1.0.ttf"}), false, true},
         {"Activate", After({kAddBoth}), Command(kActivateBoth)},
         {"Deactivate", After({kAddBoth, kActivateBoth}), Command({"deactivate", "Sample-Bold"})},
         {"RemoveActive", After({kAddBoth, kActivateBoth}), Command({"remove", "Sample-Bold"})},
         {"LogIn", After({{"logout"}}), Command({"login", "someone"})},
-        {"LogOut", After({}), Command({"logout"})},
-        {"Standalone", After({}), Command({"standalone", "off"})},
         {"CreateWorkgroup", After({}), Command({"workgroup", "create", "Project"})},
-        {"UseWorkgroup", After({{"workgroup", "create", "Project"}}),
-         Command({"workgroup", "use", "Project"})},
         {"DeleteWorkgroup",
          After(
              {{"workgroup", "create", "Project"}, {"add", "Sample-Bold-1.0.ttf", "--workgroup", "Project"}}),
@@ -133,8 +127,6 @@ std::vector<Case> Cases() {
         {"CreateSet", After({}), Command({"set", "create", "Poster"})},
         {"AddToSet", After({kAddBoth, {"set", "create", "Poster"}}),
          Command({"set", "add", "Poster", "Sample-Bold", "Sample-Italic"})},
-        {"DeleteSet", After({kAddBoth, {"set", "create", "Poster"}, {"set", "add", "Poster", "Sample-Bold"}}),
-         Command({"set", "delete", "Poster"})},
         {"CreateSmartList", After({{"set", "create", "Poster"}}),
          Command({"smartlist", "create", "Posters", "--set", "Poster"})},
         {"OpenDocument", After({kAddBoth}), OpenDocument},
@@ -162,8 +154,6 @@ protected:
     void SetUp() override {
         mStore.World().WriteFont("Sample-Bold");
         mStore.World().WriteFont("Sample-Italic");
-        mStore.World().Write("fonts/Collection.ttc",
-                             MakeTestFontCollection({{"One", "One"}, {"Two", "Two"}}));
         if (GetParam().prepare)
             Prepare();
     }

@@ -22,7 +22,8 @@ constexpr std::chrono::milliseconds kEndLimit{500};
 
 bool IsAgentListening() {
     ClientStream stream;
-    return stream.Connect(Locations::OfThisUser().AgentAddress(), ClientStream::Clock::now() + kPatienceOfPeople);
+    return stream.Connect(Locations::OfThisUser().AgentAddress(),
+                          ClientStream::Clock::now() + kPatienceOfPeople);
 }
 
 void Write(std::string line, std::FILE* stream) {

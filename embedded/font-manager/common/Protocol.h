@@ -195,6 +195,8 @@ public:
         }
         return false;
     }
+    /// Empty ones stand for none.
+    constexpr const auto& Names() const { return mNames; }
 
 private:
     std::array<std::string_view, 16> mNames;

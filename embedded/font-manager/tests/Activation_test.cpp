@@ -222,18 +222,16 @@ TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
     Lease(0, kOtherHost);
     EXPECT_EQ(mTable.announcements, 1);
     EXPECT_EQ(mTable.counts, (Counts{{mWay->PathOf(mFile), 1}, {mWay->PathOf(other), 1}}));
+    EndLeases(0, kOtherHost);
+    EXPECT_EQ(mTable.announcements, 1);
+    EndLeases(0, kHost);
+    EXPECT_EQ(mTable.announcements, 2);
 }
 
 TEST_F(FontResourcesTest, WhatTheSystemDoesNotTakeIsNotActive) {
     mTable.isFull = true;
     Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Inactive);
-}
-
-TEST_F(FontResourcesTest, AFileIsTakenOutOfTheTableBeforeItIsRemovedFromTheVault) {
-    Lease(0, kHost);
-    Apply([&](Activation& activation) { activation.RemoveFile(mFile); });
-    EXPECT_TRUE(mTable.counts.empty());
 }
 
 TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <list>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <sstream>
 
 #include "FontRecordKeys.h"
@@ -82,7 +84,7 @@ constexpr Step kSteps[] = {
     {"deactivate|2", 0, "deactivated Sample-Italic\n"},
     {"activate|Nowhere", 1, "no font is called \"Nowhere\""},
     {"list", 0, "     1  active   Sample-Bold"},
-    {"list", 0, "     2  -        Sample-Italic"},
+    {"list", 0, "     2  -        Sample-Italic                             Sample, Italic (TrueType)\n"},
     {"status", 0, "fonts       3, 1 files active\n"},
     {"set|create|Poster", 0, "created Poster in Project\n"},
     {"set|create|Poster", 1, "already; choose another name"},
@@ -299,8 +301,17 @@ TEST(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
         bad.Send(nonsense);
         EXPECT_TRUE(bad.IsClosedByAgent());
     }
-    RawClient half;
-    half.Send(std::string("\x20\0\0\0ha", 6));  // and then nothing: it may wait for as long as it likes
+    // Hundreds at once, with noise of a fixed seed. Requests of any content are tried by a fuzz target.
+    std::mt19937 random{20261121};
+    const std::string request = *EncodeMessage(
+        {{"id", 1}, {"method", "ListFonts"}, {"args", {{"after", 0}, {"fonts", {1, "x", nullptr}}}}});
+    std::list<RawClient> clients(500);
+    for (RawClient& client : clients) {
+        std::string burst = request + request;
+        for (size_t change = 0; change < 4; ++change)
+            burst[random() % burst.size()] = static_cast<char>(random());
+        client.Send(burst + std::string("\x20\0\0\0ha", 6));  // and half a frame, for which it may wait long
+    }
     EXPECT_EQ(good.Call("GetStatus", Json::object(), result), CoreErrorCodes::kSuccess);
     EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}, result), CoreErrorCodes::kVersionMismatch);
     EXPECT_EQ(good.Call("Dance", Json::object(), result), CoreErrorCodes::kNotImplemented);

@@ -160,6 +160,25 @@ TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
     EXPECT_EQ(recorded(), 0);
 }
 
+TEST(Database, IsAsDurableAsATransactionAsks) {
+    const TemporaryFolder folder;
+    Database database(folder / "database");
+    PrepareSchema(database);
+    const auto synchronous = [&] {
+        Statement query = database.Prepare("PRAGMA synchronous");
+        return query.Step() ? query.Integer(0) : -1;
+    };
+    constexpr int64_t kNormal = 1;
+    constexpr int64_t kFull = 2;
+    {
+        Transaction transaction(database, Durability::kProcess);
+        EXPECT_EQ(synchronous(), kNormal);
+    }
+    EXPECT_EQ(synchronous(), kFull);
+    Transaction transaction(database);
+    EXPECT_EQ(synchronous(), kFull);
+}
+
 TEST(Schema, UpgradesADatabaseOfTheFirstVersion) {
     Database database(":memory:");
     EXPECT_TRUE(PrepareSchema(database, 1));

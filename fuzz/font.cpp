@@ -1,4 +1,5 @@
-// Font files of any content: what is found in them keeps to the limits and is fit to show.
+// Font files of any content: what is found in them keeps to the limits and is fit to show, and each image of
+// a name has the size that it may have.
 
 #include <cstdint>
 #include <string>
@@ -9,6 +10,8 @@
 #include "Require.h"
 #include "Seeds.h"
 #include "common/FontManagerLimits.h"
+#include "preview/PreviewFolder.h"
+#include "preview/PreviewRenderer.h"
 #include "scan/FontScanner.h"
 
 namespace {
@@ -35,6 +38,35 @@ void CheckFace(const FontFace& face) {
             "fonts have names");
 }
 
+void CheckImage(const NameImage& image, int scale) {
+    Require(image.width >= 0 && image.width <= scale * kMaxPreviewWidth, "an image is as wide as it may be");
+    Require(image.height == (image.width != 0 ? scale * kPreviewHeight : 0),
+            "an image is as high as all are");
+    Require(image.coverage.size() == static_cast<size_t>(image.width) * static_cast<size_t>(image.height),
+            "an image has all its pixels");
+}
+
+/// Names that the face has letters for, and others; the second face, and a named instance.
+void CheckDrawing(std::string_view content) {
+    static auto* const renderer = new PreviewRenderer;
+    const struct {
+        int64_t face;
+        std::string fullName;
+        std::string postScriptName;
+    } names[] = {{0, "A AA", "A"},
+                 {0, "Caf\u00E9 \u5B57\U0001F600", std::string(200, 'A')},
+                 {1, "\xFF", "AxA"},
+                 {1 << 16, "", "A"}};
+    for (const auto& [number, fullName, postScriptName] : names) {
+        FontFace face;
+        face.face = number;
+        face.fullName = fullName;
+        face.postScriptName = postScriptName;
+        for (const int scale : kPreviewScales)
+            CheckImage(renderer->Render(content, face, scale), scale);
+    }
+}
+
 }  // namespace
 
 extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned random) {
@@ -45,10 +77,12 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static auto* const scanner = new FontScanner;
     std::string reason;
-    const auto faces = scanner->Scan({reinterpret_cast<const char*>(data), size}, reason);
+    const std::string_view content(reinterpret_cast<const char*>(data), size);
+    const auto faces = scanner->Scan(content, reason);
     Require(faces.size() <= kMaxFontsPerFile, "a file has as many fonts as it may have");
     Require(faces.empty() != reason.empty(), "there is a reason where there are no fonts");
     for (const FontFace& face : faces)
         CheckFace(face);
+    CheckDrawing(content);
     return 0;
 }
