@@ -28,8 +28,8 @@ public:
     enum OpenMode : unsigned { eRead = 1, eBinary = 2 };
     enum Origin { eBeginning, eCurrent };
 
-    /// GFileSystem::kFileNotFound when nothing is there; kOpenFailed when it is no regular file or may not be
-    /// read.
+    /// GFileSystem::kFileNotFound when nothing is there; kOpenFailed when it is not a regular file or may not
+    /// be read.
     [[nodiscard]] ErrorCode Open(const GFileSystemSpec& spec, unsigned mode);
     /// Moves the read position; `offset` in bytes from `origin`.
     [[nodiscard]] ErrorCode SetFilePosition(Origin origin, uint64_t offset);
@@ -45,7 +45,7 @@ private:
 
 class GFileSystem : public error_codes::GFileSystem {
 public:
-    /// Size of a regular file in bytes. kFileNotFound, kInvalidPath for what is no regular file.
+    /// Size of a regular file in bytes. kFileNotFound, kInvalidPath for a folder or a device.
     [[nodiscard]] static ErrorCode OSGetFileSize(const GFileSystemSpec& spec, uint64_t& size);
 };
 

@@ -27,6 +27,8 @@ public:
     /// Appends a stream; every line is written to all streams in this order. Any thread.
     void AddStream(std::shared_ptr<std::ostream> stream);
 
+    // Levels are set while looking for a fault; the core itself sets none and reads no names yet.
+
     /// Sets or replaces the level of a logger name. Any thread.
     void SetLevel(const std::string& loggerName, int level);
     /// The level of the name, else that of "default". Any thread.

@@ -30,7 +30,7 @@ private:
     std::atomic<std::thread::id> mHolder{};
 };
 
-/// Holds a GMutex for a scope, if it could be had: ask Status().
+/// Holds a GMutex for a scope, unless the thread held it already: ask Status().
 class GScopedLock : public error_codes::GScopedLock {
 public:
     explicit GScopedLock(GMutex& mutex) : mMutex(mutex), mStatus(mutex.Lock()) {}

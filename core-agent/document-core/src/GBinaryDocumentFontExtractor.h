@@ -19,7 +19,7 @@
 #include "GFile.h"
 #include "MarkerSearch.h"
 
-/// Takes out what a damaged document may hold in place of names, and nobody can look for: empty ones, and
+/// Takes out what a damaged document may hold in place of names and no font is called: empty ones, and
 /// those that are many times as long as the name of any font.
 void EraseImpossibleNames(std::set<std::string>& fontNames);
 
@@ -28,10 +28,10 @@ public:
     explicit GBinaryDocumentFontExtractor(GFileSystemSpec fileSpec) : mFileSpec(std::move(fileSpec)) {}
     virtual ~GBinaryDocumentFontExtractor() = default;
 
-    /// From now on an extraction that takes longer gives way to the user who waits for it: what it has found
-    /// until then is its result.
+    /// An extraction that takes longer than this stops, since the user waits for it; its result is what it
+    /// has found by then.
     void SetTimeLimit(std::chrono::milliseconds limit) { mTimeLimit = limit; }
-    /// Whether the last extraction did, and has not searched all of the file.
+    /// Whether the last extraction stopped before the end of the file.
     bool HasGivenWay() const { return mHasGivenWay; }
 
     /// Replaces `fontNames` by the PostScript names found, UTF-8, as they stand in the file. The file name's
@@ -50,10 +50,9 @@ protected:
 
 private:
     using FontNames = std::set<std::string>;
-    /// A name and where it stood: the how many-th of which range with a name start, both from 0 on.
     struct FoundName {
-        size_t range;
-        size_t index;
+        size_t range;  ///< its range, counted from 0 among those that hold names
+        size_t index;  ///< in that range, from 0
         std::string name;
     };
     using NameTaker = std::function<void(FoundName&& found)>;
@@ -61,7 +60,7 @@ private:
     struct Markers {
         std::string_view rangeStart;
         std::span<const std::string_view> nameStarts;  ///< writers differ
-        std::string_view prefixSeparator;              ///< what stands before it is no part of the name
+        std::string_view prefixSeparator;              ///< ends a prefix that does not belong to the name
         std::string_view nameEnd;
         std::string_view rangeEnd;
     };

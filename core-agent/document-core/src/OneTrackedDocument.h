@@ -1,4 +1,4 @@
-// What is remembered about one document that the host has open.
+// The record of one document that the host has open.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>

@@ -93,13 +93,13 @@ TEST(AllTrackedDocuments, WhatIsAskedOfThemStandsInTheLog) {
     documents.FindTrackedDocumentByIdentifier("id of /a.ai");
     documents.FindTrackedDocumentByIdentifier("other");
     documents.RemoveClosedDocument(OneTrackedDocument(), nullptr);
-    constexpr char kFind[] = "AllTrackedDocuments::FindTrackedDocumentByIdentifier(";
-    EXPECT_EQ(trace.Text(), "AllTrackedDocuments::AddDocument(pInfo=" + std::string(address) +
-                                ", path='/a.ai')\nEntering " + kFind + "inDocument=id of /a.ai)\n" + kFind +
-                                ") returning " + address + "\nEntering " + kFind + "inDocument=other)\n" +
-                                kFind + ") returning 0x00000000\n" +
-                                "Entering AllTrackedDocuments::RemoveClosedDocument()\n" +
-                                "Exiting AllTrackedDocuments::RemoveClosedDocument()\n");
+    for (const std::string& line :
+         {"AllTrackedDocuments::AddDocument(pInfo=" + std::string(address) + ", path='/a.ai')\n",
+          "(inDocument=id of /a.ai)\nAllTrackedDocuments::FindTrackedDocumentByIdentifier() returning " +
+              std::string(address) + "\n",
+          std::string("(inDocument=other)\nAllTrackedDocuments::FindTrackedDocumentByIdentifier() returning "
+                      "0x00000000\nEntering AllTrackedDocuments::RemoveClosedDocument()\nExiting ")})
+        EXPECT_THAT(trace.Text(), HasSubstr(line));
     EXPECT_EQ(documents.Documents().size(), 1u);
 }
 
@@ -132,6 +132,8 @@ TEST(OneTrackedDocument, HoldsItsFontListsEachUnderItsName) {
         EXPECT_EQ(document.FontArrayA(), reported.get());
         EXPECT_EQ(document.FontArrayB(), unmatched.get());
         EXPECT_EQ(CFGetRetainCount(reported.get()), 2);
+        document.SetLastKnownModificationTime(7);
+        EXPECT_EQ(document.LastKnownModificationTime(), 7);
         document.SetFontArrays({});
         EXPECT_EQ(CFGetRetainCount(reported.get()), 1);
     }

@@ -56,29 +56,26 @@ TEST(FontActivationTracker, WithoutAUUIDAnIdentifierIsASingleByte) {
     EXPECT_EQ(FontActivationTracker::IdentifierFromText(nullptr), std::string(1, expected));
 }
 
-TEST_F(FontActivationTrackerTest, ADocumentsRoadReadsLikeThisInTheLog) {
+TEST_F(FontActivationTrackerTest, ADocumentsRoadIsToldInTheTrace) {
     fontManager.Match(7, "Seven");
     fontManager.Match(8, "Eight", std::nullopt);
     Open("A");
     Close("A");
     tracker.CloseAllFonts(false);
-    EXPECT_EQ(trace.Text(), R"(Entering FontActivationTracker::ActivateDocumentFonts(documentPath = "/doc/A")
- kGS_ActivationStateKey '0', kGS_DatabaseIDKey 7 for 'Seven')
- Entering RegisterFontWithDocument(postscriptName='Seven', sDocumentIdentifier='A')
- Exiting RegisterFontWithDocument
- kGS_ActivationStateKey 'NULL', kGS_DatabaseIDKey 8 for 'Eight')
- Entering RegisterFontWithDocument(postscriptName='Eight', sDocumentIdentifier='A')
- Exiting RegisterFontWithDocument
-ActivateDocumentFonts returning 0
-Entering FontActivationTracker::CloseAllFontsForIdentifier('A', bDeactivateClosedFonts=1, fontsDeactivated=0x00000000)
- Considering whether to deactivate databaseID 7
- Adding 'Seven' to fontsToDeactivate.
- Considering whether to deactivate databaseID 8
- Adding 'Eight' to fontsToDeactivate.
-FontActivationTracker::CloseAllFontsForIdentifier() returning 0
-Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=0)
-FontActivationTracker::CloseAllFonts() returning 0
-)");
+    for (const char* lines :
+         {"Entering FontActivationTracker::ActivateDocumentFonts(documentPath = \"/doc/A\")\n"
+          " kGS_ActivationStateKey '0', kGS_DatabaseIDKey 7 for 'Seven')\n"
+          " Entering RegisterFontWithDocument(postscriptName='Seven', sDocumentIdentifier='A')\n"
+          " Exiting RegisterFontWithDocument\n"
+          " kGS_ActivationStateKey 'NULL', kGS_DatabaseIDKey 8 for 'Eight')\n",
+          "\nActivateDocumentFonts returning 0\n"
+          "Entering FontActivationTracker::CloseAllFontsForIdentifier('A', bDeactivateClosedFonts=1, "
+          "fontsDeactivated=0x00000000)\n"
+          " Considering whether to deactivate databaseID 7\n",
+          "\nFontActivationTracker::CloseAllFontsForIdentifier() returning 0\n"
+          "Entering  FontActivationTracker::CloseAllFonts(bDeactivateClosedFonts=0)\n"
+          "FontActivationTracker::CloseAllFonts() returning 0\n"})
+        EXPECT_THAT(trace.Text(), HasSubstr(lines));
 }
 
 TEST_F(FontActivationTrackerTest, AFontGoesWithTheLastDocumentThatUsesIt) {
@@ -126,24 +123,54 @@ TEST_F(FontActivationTrackerTest, ClosingWithoutDeactivationLeavesTheFontsForThe
     EXPECT_EQ(fontManager.deactivated.size(), 2u) << "the register was not emptied";
 }
 
-TEST_F(FontActivationTrackerTest, AFontThatSomeoneElseTookOverIsLeftAlone) {
-    fontManager.Match(7, "Seven");
-    fontManager.Match(8, "Eight");
-    Open("A");
-    fontManager.states = {{7, false}};  // and nothing known of 8
-    Close("A");
-    EXPECT_THAT(fontManager.deactivated, ElementsAre(8));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Not deactivating 'Seven' because it is no longer plugin activated\n"));
+TEST_F(FontActivationTrackerTest, AFontThatSomeoneElseTookOverIsLeftAloneAtCloseAndAtQuit) {
+    for (const bool quits : {false, true}) {
+        fontManager.deactivated.clear();
+        for (uint32_t databaseID = 7; databaseID <= 9; ++databaseID)
+            fontManager.Match(databaseID, "Font");
+        Open("A");
+        fontManager.states = {{7, false}, {8, true}};  // and nothing known of 9
+        if (quits)
+            tracker.CloseAllFonts(true);
+        else
+            Close("A");
+        EXPECT_THAT(fontManager.deactivated, ElementsAre(8, 9));
+        EXPECT_THAT(trace.Text(),
+                    HasSubstr("Not deactivating 'Font' because it is no longer plugin activated\n"));
+    }
 }
 
-TEST_F(FontActivationTrackerTest, AtQuitAFontThatSomeoneElseTookOverIsLeftAlone) {
+TEST_F(FontActivationTrackerTest, WhatIsClosedWithoutAFontManagerIsCaughtUpWith) {
     fontManager.Match(7, "Seven");
-    fontManager.Match(8, "Eight");
     Open("A");
-    fontManager.states = {{7, false}, {8, true}};
-    tracker.CloseAllFonts(true);
-    EXPECT_THAT(fontManager.deactivated, ElementsAre(8));
+    fontManager.Match(8, "Eight");
+    Open("B");
+    fontManager.isRunning = false;
+    tracker.CloseLater("A", true);
+    tracker.CloseLater("B", false);
+    tracker.CatchUp();
+    EXPECT_TRUE(tracker.HasClosesToCatchUp());
+    fontManager.isRunning = true;
+    Open("C");
+    EXPECT_FALSE(tracker.HasClosesToCatchUp());
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
+    fontManager.isRunning = false;
+    tracker.CloseLater("C", true);
+    fontManager.isRunning = true;
+    fontManager.whileDeactivating = [this] { fontManager.isRunning = false; };
+    tracker.CatchUp();
+    EXPECT_FALSE(tracker.HasClosesToCatchUp());
+}
+
+TEST_F(FontActivationTrackerTest, ACloseWithoutDeactivationCountsEveryFont) {
+    for (const char* document : {"A", "B"}) {
+        fontManager.Match(7, "Seven");
+        fontManager.Match(8, "Eight");
+        Open(document);
+    }
+    Close("A", false);
+    Close("B");
+    EXPECT_THAT(fontManager.deactivated, ElementsAre(7, 8));
 }
 
 TEST_F(FontActivationTrackerTest, AQuitWithoutDeactivationForgetsTheFonts) {
@@ -259,10 +286,20 @@ TEST_F(FontActivationTrackerTest, ChosenFontsAreCountedAndRegistered) {
 TEST_F(FontActivationTrackerTest, AHostThatComesBackFromBehindADialogIsRefused) {
     fontManager.Match(7, "Seven");
     Open("A");
-    ErrorCode inner = 0;
-    fontManager.whileDeactivating = [&] { inner = Close("B"); };
+    fontManager.Match(9, "Nine");
+    Open("C");
+    std::vector<ErrorCode> inner;
+    fontManager.whileDeactivating = [&] {
+        uint32_t count = 0;
+        inner = {Close("B"), tracker.CloseAllFonts(true)};
+        fontManager.Match(8, "Eight");
+        inner.push_back(Open("B"));
+        fontManager.Match(8, "Eight");
+        inner.push_back(tracker.ActivateFontsByID("B", nullptr, count));
+        EXPECT_EQ(count, 1u);
+    };
     EXPECT_EQ(Close("A"), 0u);
-    EXPECT_EQ(inner, CoreErrorCodes::kUnknownError);
+    EXPECT_THAT(inner, testing::AllOf(testing::SizeIs(4), testing::Each(CoreErrorCodes::kUnknownError)));
     EXPECT_THAT(trace.Text(), HasSubstr("called recursively."));
     EXPECT_EQ(Close("A"), 0u) << "the lock was let go";
 }
@@ -284,11 +321,11 @@ TEST_F(FontByFontTest, FailuresAreReportedAndALostFontManagerEndsTheLoop) {
 }
 
 TEST_F(FontByFontTest, OnlyWhatWasDeactivatedIsReported) {
+    fontManager.Match(5, "Shared");
     fontManager.Match(1, "Ours");
     fontManager.Match(2, "Failing");
     fontManager.Match(3, "Active before", 1);
     fontManager.Match(4, "Taken over");
-    fontManager.Match(5, "Shared");
     Open("A");
     fontManager.Match(5, "Shared");
     Open("B");

@@ -39,6 +39,12 @@ using IllustratorTest = ExtractorTest;
 using PhotoshopTest = ExtractorTest;
 using AfterEffectsTest = ExtractorTest;
 
+/// Time goes by with each look at the clock.
+class BusyClock : public FakeClock {
+public:
+    uint32_t TickCount() override { return ++ticks; }
+};
+
 std::string Descriptor(const std::string& name, const std::string& separator = " /") {
     return "<< /Type /FontDescriptor /FontName" + separator + name + " /Flags 4 >>\n";
 }
@@ -128,6 +134,29 @@ TEST_F(ExtractorTest, TheExtensionPicksTheKindExactly) {
     GBinaryDocumentFontExtractor extractor{GFileSystemSpec(large)};
     EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kSuccess);
     EXPECT_THAT(names, IsEmpty());
+    std::filesystem::resize_file(platform::Utf8Path(large), 0x3FFFFFFF);
+    BusyClock clock;
+    extractor.SetTimeLimit(std::chrono::milliseconds(40));
+    EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kSuccess);
+    EXPECT_THAT(names, ElementsAre("Illustrator"));
+}
+
+TEST_F(ExtractorTest, ChunksAreOfThePrescribedSize) {
+    struct Exposed : GBinaryDocumentFontExtractor {
+        using GBinaryDocumentFontExtractor::ChunkSize;
+        using GBinaryDocumentFontExtractor::GBinaryDocumentFontExtractor;
+    };
+    EXPECT_EQ(Exposed(GFileSystemSpec("")).ChunkSize(), 512u * 1024 * 1024);
+}
+
+TEST(EraseImpossibleNames, LeavesNamesThatAFontCanHave) {
+    Names names{"", "A", std::string(4096, 'b'), std::string(4097, 'c')};
+    CapturedTrace trace;
+    EraseImpossibleNames(names);
+    EXPECT_EQ(trace.Text(), "2 name(s) left out that no font can have\n");
+    EraseImpossibleNames(names);
+    EXPECT_EQ(trace.LineCount(), 1u);
+    EXPECT_THAT(names, ElementsAre("A", std::string(4096, 'b')));
 }
 
 TEST_F(ExtractorTest, WhatAChunkCutsIsFoundInTheNext) {
@@ -215,16 +244,6 @@ TEST_F(ExtractorTest, NamesAndRangesLongerThanAWindowAreWhole) {
         Extract("a.psd", "/FontSet [ " + padding + " /Name (" + Utf16Name("One") + ")" + padding + "]"),
         ElementsAre("One"));
 }
-
-namespace {
-
-/// Time goes by with each look at the clock.
-class BusyClock : public FakeClock {
-public:
-    uint32_t TickCount() override { return ++ticks; }
-};
-
-}  // namespace
 
 TEST_F(ExtractorTest, GivesWayToTheHostAndKeepsWhatItHasFound) {
     std::string pdf;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 std::string Describe(const FontNameParts& parts) {
@@ -42,6 +44,36 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
     };
     for (const auto& [name, expected] : cases)
         EXPECT_EQ(Describe(ParsePostScriptName(name)), expected) << name;
+}
+
+TEST(FontNameParts, StyleWordsHaveTheirWeightsAndWidths) {
+    const std::pair<int, std::vector<const char*>> weights[] = {
+        {100, {"Thin", "Th"}},
+        {200, {"ExtraLight", "UltraLight"}},
+        {300, {"Light", "Lt"}},
+        {400, {"Regular", "Normal", "Roman", "Plain", "Book", "Rg", "Reg", "Italic", "Oblique", "Kursiv"}},
+        {500, {"Medium", "Md", "Med"}},
+        {600, {"SemiBold", "DemiBold", "Demi", "Sb"}},
+        {700, {"Bold", "Bd"}},
+        {800, {"ExtraBold", "UltraBold", "Heavy", "Hv"}},
+        {900, {"Black", "ExtraBlack", "UltraBlack", "Blk"}}};
+    const std::vector<const char*> widths[] = {{"UltraCondensed"},
+                                               {"ExtraCondensed", "Compressed"},
+                                               {"Condensed", "Narrow", "Cond", "Cn"},
+                                               {"SemiCondensed"},
+                                               {"Regular"},
+                                               {"SemiExpanded", "SemiExtended"},
+                                               {"Expanded", "Wide", "Ex"},
+                                               {"ExtraExpanded", "ExtraExtended"},
+                                               {"UltraExpanded"}};
+    for (const auto& [weight, words] : weights) {
+        for (const char* word : words)
+            EXPECT_EQ(ParsePostScriptName(std::string("S-") + word).style.weight, weight) << word;
+    }
+    for (size_t index = 0; index < std::size(widths); ++index) {
+        for (const char* word : widths[index])
+            EXPECT_EQ(ParsePostScriptName(std::string("S-") + word).style.width, index + 1) << word;
+    }
 }
 
 TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {

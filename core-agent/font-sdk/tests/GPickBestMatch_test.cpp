@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
+#include <functional>
 #include <vector>
 
+#include "CapturedTrace.h"
 #include "GFontManagerConstants.h"
 #include "GLogger.h"
 
@@ -39,24 +40,28 @@ void ExpectWins(const BestMatchCandidate& better, const BestMatchCandidate& wors
     EXPECT_FALSE(LeftIsBetter(worse, better, requestedKind, preferredText));
 }
 
-std::string LogOf(const std::function<void()>& action) {
-    auto stream = std::make_shared<std::ostringstream>();
-    GLogger::GetSharedInstance().AddStream(stream);
+/// What the action writes when debug lines are admitted; without them nothing of it is written.
+std::string DebugLogOf(const std::function<void()>& action) {
+    CapturedTrace trace;
+    GLogger& logger = GLogger::GetSharedInstance();
+    const auto setLevels = [&](int level) {
+        for (const char* category : {"GPickBestMatch", "GFontManagerConstants"})
+            logger.SetLevel(category, level);
+    };
     action();
-    // What is expected in normal use is written at debug level alone.
-    EXPECT_EQ(stream->str().find("VersionStringToNumber"), std::string::npos);
-    EXPECT_EQ(stream->str().find("Unsupported"), std::string::npos);
-    for (const char* category : {"GPickBestMatch", "GFontManagerConstants"})
-        GLogger::GetSharedInstance().SetLevel(category, GLogger::kDebug);
+    for (const char* expected : {"VersionStringToNumber", "Unsupported"})
+        EXPECT_EQ(trace.Text().find(expected), std::string::npos);
+    setLevels(GLogger::kDebug);
     action();
-    return stream->str();
+    setLevels(GLogger::kWarning);
+    return trace.Text();
 }
 
 TEST(GPickBestMatch, RefusesAnInvalidModeOnEitherSide) {
     BestMatchCandidate invalid = Candidate(1);
     invalid.mode = -1;
     bool leftIsBetter = false;
-    const std::string log = LogOf([&] {
+    const std::string log = DebugLogOf([&] {
         EXPECT_EQ(GPickBestMatch::Compare(invalid, Candidate(2), leftIsBetter, false, "", 0),
                   CoreErrorCodes::kInvalidParam);
         EXPECT_TRUE(leftIsBetter);
@@ -125,17 +130,24 @@ TEST(GPickBestMatch, PrefersTheFlavourThatWasAskedFor) {
 }
 
 TEST(GPickBestMatch, RanksStatusesAmongEqualVersions) {
-    const std::vector<int32_t> bestFirst = {3, 1, 2, 14, 9, 10, 11, 12, 13, 0};
-    for (size_t index = 0; index + 1 < bestFirst.size(); ++index) {
-        BestMatchCandidate better = Candidate(2);
-        BestMatchCandidate worse = Candidate(1);
-        better.status = bestFirst[index];
-        worse.status = bestFirst[index + 1];
-        ExpectWins(better, worse);
+    // Those of the second list lose to all of the first, by a rule that comes earlier.
+    const std::vector<int32_t> bestFirst[] = {{3, 1, 2, 14, 9, 10, 11, 12, 13, 0}, {5, 4, 6, 7, 8}};
+    for (const std::vector<int32_t>& list : bestFirst) {
+        for (size_t index = 0; index + 1 < list.size(); ++index) {
+            SCOPED_TRACE(list[index]);
+            BestMatchCandidate better = Candidate(2);
+            BestMatchCandidate worse = Candidate(1);
+            better.status = list[index];
+            worse.status = list[index + 1];
+            ExpectWins(better, worse);
+        }
     }
     BestMatchCandidate outOfTable = Candidate(1);
+    BestMatchCandidate last = Candidate(2);
     outOfTable.status = 15;
-    ExpectWins(outOfTable, Candidate(2));  // ranks like 0, so the smaller identity decides
+    ExpectWins(outOfTable, last);  // ranks like 0, so the smaller identity decides
+    last.status = 13;
+    ExpectWins(last, outOfTable);
 }
 
 TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {
@@ -149,6 +161,7 @@ TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {
     EXPECT_EQ(read("Version 2.51;hotconv 1.0.109"), "2/51/0");
     EXPECT_EQ(read("1.002.003.4"), "1/2/3");
     EXPECT_EQ(read("3."), "3/0/0");
+    EXPECT_EQ(read("1.5"), "1/5/0");
     EXPECT_EQ(read(""), "unreadable");
     EXPECT_EQ(read("beta"), "unreadable");
     EXPECT_EQ(read("1.99999999999"), "unreadable");
@@ -159,7 +172,7 @@ TEST(GPickBestMatch, ReportsAndSkipsAVersionThatCannotBeRead) {
     unreadable.version = "none";
     BestMatchCandidate newer = Candidate(2);
     newer.version = "9.0";
-    const std::string log = LogOf([&] {
+    const std::string log = DebugLogOf([&] {
         EXPECT_TRUE(LeftIsBetter(unreadable, newer));
         EXPECT_FALSE(LeftIsBetter(newer, unreadable));
     });
@@ -173,7 +186,11 @@ TEST(GFontManagerConstants, KnowsItsKindsByNameAndReportsOthers) {
     for (int32_t kind = 0; kind <= 9; ++kind)
         EXPECT_EQ(Kinds::FontKindFromName(Kinds::FontKindToName(kind)), kind);
     EXPECT_STREQ(Kinds::FontKindToName(10), "--");
-    const std::string log = LogOf([] { EXPECT_EQ(Kinds::FontKindFromName("Bitmap"), 0); });
+    EXPECT_EQ(Kinds::FontKindFromRecord("OpenType"), Kinds::kFontKind_openTypeTT);
+    EXPECT_EQ(Kinds::FontKindFromRecord("Postscript"), Kinds::kFontKind_postScript);
+    EXPECT_EQ(Kinds::FontKindFromRecord("CID"), Kinds::kFontKind_cid);
+    EXPECT_EQ(Kinds::FontKindFromRecord(""), Kinds::kFontKind_unknown);
+    const std::string log = DebugLogOf([] { EXPECT_EQ(Kinds::FontKindFromName("Bitmap"), 0); });
     EXPECT_NE(log.find("Unsupported font type"), std::string::npos);
 }
 

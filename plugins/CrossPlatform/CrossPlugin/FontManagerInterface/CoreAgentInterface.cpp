@@ -64,7 +64,7 @@ int CoreAgentInterface::RelaunchZephyrinAgent() {
 void CoreAgentInterface::OnAgentBack() {
     HostPatience::NoteRecovery();
     ListenForNotifications();
-    // What was said of the end of the agent before concerns nobody any more.
+    // The report that the old agent has ended is out of date.
     NotificationQueue::GetSharedInstance().Drop(kPluginNotification_AgentShutdown);
 }
 

@@ -63,12 +63,12 @@ public:
     [[nodiscard]] ErrorCode SaveDocumentFonts(const std::string& documentPath, bool replace,
                                               CFStringRef fontUsage);
 
-    /// Told before each font how many of how many are done, and after the last; false stops the collecting.
-    /// Must not be empty.
+    /// Called before each font and after the last with the number of fonts done and of all fonts; false stops
+    /// the collecting. Must not be empty.
     using CollectingProgress = std::function<bool(int done, int total)>;
-    /// Copies the files of the fonts into the folder, which is made if it is missing. What is there already
-    /// under a font's name is never replaced. Fonts whose files are not to be had are passed over and
-    /// answered with kFontUnavailableToExport in the end; kTaskStopped when `progress` said so.
+    /// Copies the files of the fonts into the folder, which is made if it is missing. A file of the same name
+    /// is never replaced. Fonts whose files cannot be read are passed over, and kFontUnavailableToExport is
+    /// answered in the end; kTaskStopped when `progress` said so.
     [[nodiscard]] ErrorCode CollectFontsUsedByCurrentDocument(const std::string& documentPath,
                                                               const std::string& destinationFolder,
                                                               CFArrayRef fonts,
@@ -140,7 +140,7 @@ private:
             return bound != nullptr ? bound(facade, arguments...) : CoreErrorCodes::kNotImplemented;
         };
     }
-    /// The answer of a yes-or-no question; `otherwise` when it cannot be had.
+    /// The agent's answer to a yes-or-no question; `otherwise` when the call fails.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
     ErrorCode ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,

@@ -29,9 +29,8 @@ public:
 
     // ---- Workgroups
 
-    /// Makes sure that there is a workgroup to work in: unless one was chosen in this process, and if the
-    /// plug-in works at all, runs HandleSelectWorkgroup. Whatever comes of it, plug-in functionality is
-    /// enabled.
+    /// Enables plug-in functionality and makes sure that there is a workgroup to work in: if none was chosen
+    /// in this process and the plug-in is usable, runs HandleSelectWorkgroup.
     void InitializeDefaultWorkgroup();
     /// Has a workgroup chosen: the one chosen last time while the user still has it, the only one there is,
     /// else by the Select Workgroup dialog. Plug-in services are disabled until one was chosen.
@@ -41,10 +40,10 @@ public:
     /// The workgroup to work in; nothing while none was chosen.
     std::optional<int32_t> GetDefaultWorkgroupID() const { return mDefaultWorkgroupID; }
     void SetDefaultWorkgroupID(int32_t workgroupID);
-    /// Works in none when the user does not have the workgroup any more.
+    /// Forgets the workgroup if the user does not have it any more.
     void ForgetWorkgroupThatIsGone();
-    /// Works in that workgroup from now on, and after the next start. Plug-in services are enabled, if the
-    /// agent is reached and the user logged in.
+    /// Works in that workgroup from now on, also after the next start. Enables plug-in services if the agent
+    /// is connected and the user logged in.
     void SetCurrentWorkgroup(int32_t workgroupID);
     /// The same for a name as shown to the user; kNotFound when the user has no workgroup of that name.
     ErrorCode SetCurrentWorkgroup(CFStringRef name);
@@ -73,8 +72,8 @@ public:
     bool ShowSaveFolderDialog(const std::string& initialPath, std::string& inOutSavePath);
     /// The user does something in the host. See CoreAgentInterface::OnUserAction.
     void OnUserAction();
-    /// The host is idle: reacts to what the agent reported, and catches up with what could not be done while
-    /// it was not to be reached. The status of those who were told.
+    /// To be called when the host is idle: reacts to the agent's reports, and makes up for what could not be
+    /// done while it was out of reach. The status of the receiver of notifications.
     ErrorCode OnIdle();
     /// Whether fonts may be asked for: a compatible font manager was found, the plug-in is functional, and
     /// the user has not switched it off.
@@ -106,8 +105,8 @@ private:
     /// True when it made the font-manager object.
     bool CreateFontManager();
     void ReleaseFontManager();
-    /// Lets go of fonts that could not be let go of when it was time, if the agent can be reached now. False
-    /// when there are still some.
+    /// Deactivates the fonts that the agent could not be told of before, if it can be reached now. False when
+    /// some are left.
     bool CatchUp();
     void OpenSelectWorkgroupDialog();
     ErrorCode ListWorkgroups(std::vector<Workgroup>& workgroups);

@@ -1,10 +1,10 @@
-// What the core does about the agent's reports, on the host's main thread.
+// How the core reacts to the agent's reports, on the host's main thread.
 #pragma once
 
 #include "ErrorCodes.h"
 #include "PluginNotifications.h"
 
-/// Who else hears of notifications: the panels.
+/// Takes notifications after the core: the panels.
 class NotificationReceiver {
 public:
     virtual ~NotificationReceiver() = default;
@@ -20,9 +20,9 @@ public:
     /// Not owned; null for none.
     void SetReceiver(NotificationReceiver* receiver) { mReceiver = receiver; }
 
-    /// Reacts to what waits in the shared queue, in its order; what comes meanwhile waits
-    /// for the next call. A call from behind a dialog that a reaction shows does nothing. 0, or the last code
-    /// with which the receiver failed.
+    /// Reacts to the notifications in the shared queue, in order; those that come meanwhile wait for the next
+    /// call. A call from behind a dialog that a reaction shows does nothing. 0, or the last code with which
+    /// the receiver failed.
     ErrorCode ProcessNotifications();
 
 private:

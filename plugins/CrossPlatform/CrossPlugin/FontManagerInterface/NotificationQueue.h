@@ -1,5 +1,5 @@
-// The way of the agent's reports from the interface library's thread to the main thread: the callback only
-// records, the main thread takes what was recorded when the host is idle.
+// Carries the agent's reports from the interface library's thread to the main thread. The callback only
+// records; the main thread takes the records when the host is idle.
 #pragma once
 
 #include <cstdint>
@@ -12,26 +12,25 @@
 #include "ErrorCodes.h"
 #include "PluginNotifications.h"
 
-/// What waits says how things are now: news of the same thing replaces what waits of it, and stands last. The
-/// same thing is: whether one font is active; that one font is missing, or not compliant; for each other
-/// name, that name. Images of fonts are joined. So a host that is not idle for long finds a short queue. Any
-/// thread.
+/// A report replaces an earlier one on the same subject and takes the last place, so a host that is not idle
+/// for long finds a short queue. Subjects are: whether a font is active; that a font is missing; that a font
+/// is not compliant; and each other name by itself. Images of fonts are joined. Any thread.
 class NotificationQueue {
 public:
-    /// How many fonts may wait with news of one kind, about 3 MB: more than a panel would take one by one.
-    /// With one more, panels are told to read their data anew: instead of all that waits of activations,
-    /// which the data show; for fonts that are missing or not compliant, which they may not show, beside what
-    /// waits already.
+    /// The number of fonts that may wait on one subject, about 3 MB: more than a panel would take one by one.
+    /// Beyond it panels are told to read their data again. That replaces all waiting activations, which the
+    /// data show; reports of fonts that are missing or not compliant stay, since the data may not show them.
     static constexpr size_t kMostFonts = 4096;
-    /// How many images of fonts may wait, about 18 MB of file names: more than the fonts of a long list.
-    /// Those beyond it are asked for again by panels that read their data anew.
+    /// The number of images of fonts that may wait, about 18 MB of file names: more than a long list of fonts
+    /// has. Panels ask again for those beyond it when they read their data again.
     static constexpr size_t kMostImages = 16384;
 
     /// The queue that the callback fills; lives to process end.
     static NotificationQueue& GetSharedInstance();
 
-    /// Reports are taken from now on, or not any more; what is waiting is dropped with the latter.
+    /// From now on reports are taken.
     void Open();
+    /// From now on they are not, and those that wait are dropped.
     void Close();
     bool IsOpen() const;
 
@@ -45,7 +44,7 @@ public:
 private:
     using Position = std::list<PluginNotification>::iterator;
     static constexpr int64_t kNoFont = -1;
-    /// What a notification speaks of.
+    /// What a notification is about.
     struct Subject {
         std::string_view kind;
         int64_t fontID;

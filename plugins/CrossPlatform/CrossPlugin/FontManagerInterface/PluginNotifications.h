@@ -39,7 +39,7 @@ enum class ReportData {
 enum class ReportHearers { kCore, kCoreAndPanels };
 
 /* clang-format off */
-/* States: X(name, key of the truth in the payload, report when it is true, its data, report when it is not) */
+/* States: X(name, key of the truth in the payload, report of true, its data, report of false) */
 #define PLUGIN_STATE_NOTIFICATIONS(X)                                                        \
     X(OnlineStateChanged, kNotificationIsOnlineKey, WentOnline, kNothing, WentOffline)       \
     X(LoggedInStateChanged, kNotificationIsLoggedInKey, LoggedIn, kDictionary, LoggedOut)
@@ -94,21 +94,20 @@ struct ReportKind {
 
 /// By type.
 inline constexpr ReportKind kReportKinds[] = {
-#define STATE_ROWS(name, key, onTrue, data, onFalse)                                                  \
-    {kPluginCallback_##onTrue, kPluginNotification_##name, ReportData::data, key, true,               \
-     ReportHearers::kCoreAndPanels},                                                                  \
-        {kPluginCallback_##onFalse,                                                                   \
-         kPluginNotification_##name,                                                                  \
-         ReportData::kNothing,                                                                        \
-         key,                                                                                         \
-         false,                                                                                       \
-         ReportHearers::kCoreAndPanels},
-#define EVENT_ROW(name, data, key, hearers)                                     \
-    {kPluginCallback_##name, kPluginNotification_##name, ReportData::data, key, \
-     std::nullopt,           ReportHearers::hearers},
-    PLUGIN_STATE_NOTIFICATIONS(STATE_ROWS) PLUGIN_EVENT_NOTIFICATIONS(EVENT_ROW)
-#undef STATE_ROWS
+/* clang-format off */
+#define REPORT_ROW(type, name, data, key, state, hearers)                                   \
+    {kPluginCallback_##type, kPluginNotification_##name, ReportData::data, key, state,      \
+     ReportHearers::hearers},
+#define STATE_ROWS(name, key, onTrue, data, onFalse)                                        \
+    REPORT_ROW(onTrue, name, data, key, true, kCoreAndPanels)                               \
+    REPORT_ROW(onFalse, name, kNothing, key, false, kCoreAndPanels)
+#define EVENT_ROW(name, data, key, hearers) REPORT_ROW(name, name, data, key, std::nullopt, hearers)
+    PLUGIN_STATE_NOTIFICATIONS(STATE_ROWS)
+    PLUGIN_EVENT_NOTIFICATIONS(EVENT_ROW)
 #undef EVENT_ROW
+#undef STATE_ROWS
+#undef REPORT_ROW
+    /* clang-format on */
 };
 
 consteval bool IsEveryReportInItsPlace() {

@@ -45,7 +45,7 @@ public:
     CFStringRef VersionStringRef() const;
 
     /// The calling thread's instance of the interface library, made on the thread's first call and kept; null
-    /// when there is none to be had.
+    /// when the library gives none.
     PluginThreadInstanceRef ThreadInstance() const;
 
 private:

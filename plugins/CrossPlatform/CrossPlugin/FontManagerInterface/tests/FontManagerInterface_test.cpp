@@ -119,3 +119,26 @@ TEST_F(FacadeTest, TheHostShutsDownOnce) {
                                                 "FontManagerInterface::OnHostAppShuttingDown\n"));
     EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
 }
+
+TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
+    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
+    cf::Append(fonts, cf::MutableDictionary());
+    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout, 0};
+    EXPECT_EQ(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), GIPCClient::kReplyTimeout);
+    fontManager.OnUserAction();
+    fontManager.OnUserAction();
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 2);
+}
+
+TEST_F(FacadeTest, AWorkgroupIsAvailableWhenTheAgentNamesOneOfTheUsersOwn) {
+    EXPECT_TRUE(fontManager.IsWorkgroupAvailable());
+    library.codes["GetAllWorkgroupsForUser"] = {CoreErrorCodes::kError};
+    EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
+    library.workgroups = {{-2, kWorkgroupType_All, "All"}};
+    EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
+    const CFRef<CFArrayRef> records = WorkgroupRecords({{3, kWorkgroupType_CloudLibrary, "Cloud"}});
+    const auto record = cf::Get<CFDictionaryRef>(records.get(), 0);
+    EXPECT_EQ(cf::GetInt64(record, kGS_WorkgroupIDKey), 3);
+    EXPECT_EQ(cf::GetInt64(record, kGS_WorkgroupTypeKey), kWorkgroupType_CloudLibrary);
+    EXPECT_EQ(cf::GetString(record, kGS_WorkgroupNameKey), "Cloud");
+}

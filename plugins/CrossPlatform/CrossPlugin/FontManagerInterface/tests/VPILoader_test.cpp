@@ -113,7 +113,7 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_EQ(missingCount, 88u);
     EXPECT_EQ(version, "");
     for (const std::string& line : {"LoadLibraryA('" + kLibrary + "') returned error code 0x00000002 (2)\n",
-                                   "ERROR:  cannot find " + kLibrary + "\n"})
+                                    "ERROR:  cannot find " + kLibrary + "\n"})
         EXPECT_THAT(trace.Text(), HasSubstr(line));
     EXPECT_THAT(trace.Text(),
                 EndsWith("VPILoader::IsLoaded() returning false because all 88 functions are missing.\n"));
@@ -145,4 +145,6 @@ TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {
     LogMessage(-1, "Exiting");
     EXPECT_EQ(library.log, "Entering\nExiting\n");
     EXPECT_EQ(library.CallsOf("Log"), 2);
+    SetLogFile("host.log");
+    EXPECT_EQ(library.logFile, "host.log");
 }

@@ -1,4 +1,4 @@
-// What is known about host applications by their names.
+// Host applications by their names: kinds, short names, windows, versions.
 #pragma once
 
 #include <string>

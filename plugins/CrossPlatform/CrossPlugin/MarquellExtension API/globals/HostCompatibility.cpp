@@ -1,3 +1,5 @@
+#include "HostCompatibility.h"
+
 #include <algorithm>
 #include <array>
 

@@ -1,3 +1,5 @@
+#include "HostWindow.h"
+
 #include <algorithm>
 
 #include "MarquellGlobals.h"

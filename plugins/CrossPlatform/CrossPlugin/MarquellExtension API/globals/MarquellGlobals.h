@@ -10,6 +10,8 @@
 #include "FontActivationTracker.h"
 #include "HostAppInterface.h"
 #include "HostApplication.h"
+#include "HostCompatibility.h"
+#include "HostWindow.h"
 #include "VPFInterface.h"
 
 namespace MarquellGlobals {
@@ -75,17 +77,6 @@ FontActivationTracker* GetSharedFontActivationTracker();
 /// Null until one was set.
 HostAppInterface* GetSharedHostAppInterface();
 void SetSharedHostAppInterface(std::unique_ptr<HostAppInterface> hostApp);
-
-// ---- The host.
-
-/// Whether the host process is one that this plug-in serves. Sets `disableDialogs` in a process that is no
-/// host.
-bool RunningInCompatibleHostApp(bool& disableDialogs);
-/// The window that dialogs belong to, or null.
-void* GetHostAppMainWindow();
-/// The first top-level window whose title contains `topTitle` and, when `childTitle` is given, that has a
-/// window below it whose title contains this; else null. Titles are UTF-8.
-void* FindWindowWithMatchingTitle(const char* topTitle, const char* childTitle);
 
 // ---- Fonts.
 

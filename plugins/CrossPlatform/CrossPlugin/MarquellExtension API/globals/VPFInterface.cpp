@@ -12,8 +12,8 @@ const char* OrNull(const std::optional<std::string>& text) {
     return text ? text->c_str() : "NULL";
 }
 
-/// While the framework shows something. What answered at once has shown nothing: there may be nobody to show
-/// it to.
+/// Lasts while the framework shows something. A framework that answers at once has shown nothing, since there
+/// may be no user to show it to.
 class Showing {
 public:
     ~Showing() {
@@ -141,7 +141,7 @@ void VPFInterface::ShowMessageAbout(MessageBoxAbout strings, const std::string& 
 }
 
 bool VPFInterface::ShowProgress(uint32_t titleID, int done, int total) {
-    // Nobody is there to stop it.
+    // There is no user to stop it.
     return mFramework == nullptr || mFramework->ShowProgress(titleID, done, total);
 }
 

@@ -43,8 +43,8 @@ public:
     VPFInterface& operator=(const VPFInterface&) = delete;
 
     bool IsMade() const { return mState != kNotMade; }
-    /// Always: an interface is made anew for other reasons, and whoever asks takes a framework that is
-    /// missing for one that knows no preferences.
+    /// Always true: without a framework the interface still answers, so callers need no case of their own for
+    /// it.
     bool IsValid() const { return true; }
     FrameworkState GetFrameworkState() const { return mState; }
     /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known. Not owned.

@@ -48,11 +48,16 @@ TEST(HostApplication, BundleIdentifiersMapExactly) {
 }
 
 TEST(HostApplication, VersionsCompareByTheirNumbers) {
-    EXPECT_EQ(CompareVersions("12.1", "12.0.9"), 1);
-    EXPECT_EQ(CompareVersions("12", "12.0.0"), 0);
-    EXPECT_EQ(CompareVersions("9", "10"), -1);
-    EXPECT_EQ(CompareVersions("", "0.0"), 0);
-    EXPECT_EQ(CompareVersions("1.0.1", "1.0"), 1);
-    EXPECT_EQ(CompareVersions("1a", "19"), 1) << "characters are not checked: 'a' counts 49";
-    EXPECT_EQ(CompareVersions("99999999999999999999", "99999999999999999999"), 0);
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"12.1", "12.0.9", 1},
+        {"12", "12.0.0", 0},
+        {"9", "10", -1},
+        {"", "0.0", 0},
+        {"1.0.1", "1.0", 1},
+        {"1a", "19", 1},  // characters are not checked: 'a' counts 49
+        {"99999999999999999999", "99999999999999999999", 0}};
+    for (const auto& [a, b, result] : cases) {
+        EXPECT_EQ(CompareVersions(a, b), result) << a << " " << b;
+        EXPECT_EQ(CompareVersions(b, a), -result) << b << " " << a;
+    }
 }

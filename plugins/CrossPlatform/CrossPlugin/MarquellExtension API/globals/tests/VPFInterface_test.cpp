@@ -41,6 +41,7 @@ TEST_F(VPFInterfaceTest, BindsTheFrameworkBesideTheCore) {
         EXPECT_EQ(identifierGiven, "com.vantorix.X");
         EXPECT_EQ(cf::GetString(interface.Identification(), "HostApp"), "Illustrator2025");
         EXPECT_EQ(cf::GetString(interface.Identification(), "VantorixPluginInterfaceVersion"), "8.1");
+        EXPECT_EQ(interface.FrameworkPath(), fake_paths::kFramework);
         framework.numbers["EnablePlugin"] = 1;
         EXPECT_TRUE(interface.GetBoolPreference("EnablePlugin"));
         framework.answers = {1, 2};
@@ -65,11 +66,27 @@ TEST_F(VPFInterfaceTest, EachWayToFailHasItsState) {
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
 }
 
-TEST_F(VPFInterfaceTest, WithoutAFrameworkEverythingAnswersAsIfNobodyWereThere) {
-    VPFInterface interface(kIdentity, nullptr);
-    EXPECT_FALSE(interface.GetBoolPreference("EnablePlugin"));
-    EXPECT_EQ(interface.GetIntPreference("CS5PanelWidth"), 0);
-    EXPECT_FALSE(interface.SetIntPreference("CS5PanelWidth", 1));
-    EXPECT_FALSE(interface.AskYesNo(message_boxes::kRelaunchAgent));
-    interface.ShowMessageBox(message_boxes::kNotLoggedIn);
+TEST_F(VPFInterfaceTest, WithoutAFrameworkEverythingAnswersAsIfNoUserWereThere) {
+    VPFInterface unbound(kIdentity, nullptr);
+    VPFInterface notMade;
+    EXPECT_TRUE(unbound.IsMade() && !notMade.IsMade());
+    for (VPFInterface* interface : {&unbound, &notMade}) {
+        int32_t number = 7;
+        std::string folder = "kept";
+        EXPECT_FALSE(interface->GetBoolPreference("EnablePlugin") || interface->SetBoolPreference("E", true));
+        EXPECT_FALSE(interface->SetIntPreference("W", 1) || interface->SetStringPreference("S", ""));
+        EXPECT_EQ(interface->GetIntPreference("CS5PanelWidth"), 0);
+        EXPECT_EQ(interface->GetStringPreference("S") + interface->LocalizedString(600), "");
+        EXPECT_FALSE(interface->AskYesNo(message_boxes::kRelaunchAgent) || interface->ShowAbout() ||
+                     interface->ShowPreferences() || interface->ShowSelectWorkgroup(nullptr, number) ||
+                     interface->ShowCommandBox(nullptr, number) ||
+                     interface->ShowResolveFonts(nullptr, nullptr, nullptr) ||
+                     interface->ShowRestrictedFonts(nullptr, true) ||
+                     interface->ChooseFolder("", "", folder));
+        EXPECT_TRUE(interface->ShowProgress(1, 0, 2)) << "nobody stops it";
+        interface->ShowMessageBox(message_boxes::kNotLoggedIn);
+        interface->ShowMessageAbout(message_boxes::kNotLoggedIn, "x");
+        interface->SetParentWindowForUi(nullptr);
+        EXPECT_EQ(std::to_string(number) + folder, "7kept");
+    }
 }
