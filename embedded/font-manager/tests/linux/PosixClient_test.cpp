@@ -1,5 +1,4 @@
 // The client library where the system has fork, signals, and limits to threads.
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -8,28 +7,30 @@
 
 #include <atomic>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 
-#include "platform/Files.h"
-#include "tests/support/RecoveryTest.h"
+#include "tests/support/ClientTest.h"
 
 namespace pellwick::test {
 namespace {
 
-TEST_F(RecoveryTest, AForkedProcessHasAConnectionOfItsOwn) {
-    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    const PluginFacadeRef parents = mLibrary.Facade();
+using PosixClient = ClientTest;
+
+TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
+    ASSERT_EQ(AskWhetherLoggedIn(), 0u);
+    const PluginFacadeRef parents = Facade();
     const pid_t child = fork();
     if (child == 0) {
         bool isLoggedIn = false;
-        const bool isRight = mLibrary.GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed &&
-                             AskWhetherLoggedIn() == CoreErrorCodes::kSuccess;
+        const bool isRight =
+            GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed && AskWhetherLoggedIn() == 0;
         _exit(isRight ? 0 : 1);
     }
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(AskWhetherLoggedIn(), 0u);
 }
 
 /// While it lives, this process gets no further threads: none could have a stack of that size.
@@ -60,28 +61,26 @@ void CountCall(int32_t, const void*) {
     ++callsOfAnother;
 }
 
-TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
+TEST_F(PosixClient, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
     {
         const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), CountCall), 0u);
+        EXPECT_NE(Ask(RegisterForNotifications, Note), 0u);
+        EXPECT_NE(Ask(RegisterForNotifications, CountCall), 0u);
     }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    Listen();
     mWorld.RunForJson({"logout"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
-    mWorld.RunForJson({"login", "somebody"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedOut));
     EXPECT_EQ(callsOfAnother, 0);
 
-    mLibrary.ResetPluginFacadeInstance();
+    ResetPluginFacadeInstance();
     {
         const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.Facade(), nullptr);
-        EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+        EXPECT_NE(Facade(), nullptr);
+        EXPECT_EQ(AskWhetherLoggedIn(), 0u);
     }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    Listen();
     mWorld.RunForJson({"standalone", "off"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_WentOnline); }));
+    EXPECT_TRUE(IsNoted(kPluginCallback_WentOnline));
 }
 
 std::atomic<bool> isReachedBySignals{false};
@@ -93,33 +92,31 @@ void LookAtSignals(int32_t, const void*) {
         isReachedBySignals = true;
 }
 
-TEST_F(RecoveryTest, TheHostsSignalsDoNotReachTheThreadThatNotifies) {
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), LookAtSignals), 0u);
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+TEST_F(PosixClient, TheHostsSignalsDoNotReachTheThreadThatNotifies) {
+    ASSERT_EQ(Ask(RegisterForNotifications, LookAtSignals), 0u);
+    Listen();
     mWorld.RunForJson({"logout"});
-    ASSERT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    ASSERT_TRUE(IsNoted(kPluginCallback_LoggedOut));
     EXPECT_FALSE(isReachedBySignals);
 }
 
-/// How many descriptors a program has that this process starts.
-int CountInherited() {
-    std::unique_ptr<FILE, int (*)(FILE*)> output(popen("ls /proc/self/fd", "r"), pclose);
-    int count = 0;
-    for (int letter = 0; (letter = fgetc(output.get())) != EOF;)
-        count += letter == '\n';
-    return count;
-}
-
-TEST_F(RecoveryTest, ProgramsThatTheHostStartsInheritNothing) {
-    mLibrary.ResetPluginFacadeInstance();
-    const int before = CountInherited();
+TEST_F(PosixClient, ProgramsThatTheHostStartsInheritNothing) {
+    const auto countInherited = [] {
+        std::unique_ptr<FILE, int (*)(FILE*)> output(popen("ls /proc/self/fd", "r"), pclose);
+        int count = 0;
+        for (int letter = 0; (letter = fgetc(output.get())) != EOF;)
+            count += letter == '\n';
+        return count;
+    };
+    ResetPluginFacadeInstance();
+    const int before = countInherited();
     PluginThreadInstanceRef thread = nullptr;
-    ASSERT_EQ(mLibrary.InitThreadInstance(&thread), 0u);
-    ASSERT_EQ(mLibrary.BeginLogging(thread, "Plugin.log"), 0u);
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(CountInherited(), before);
-    mLibrary.DestroyThreadInstance(thread);
+    ASSERT_EQ(InitThreadInstance(&thread), 0u);
+    ASSERT_EQ(BeginLogging(thread, "Plugin.log"), 0u);
+    Listen();
+    ASSERT_EQ(AskWhetherLoggedIn(), 0u);
+    EXPECT_EQ(countInherited(), before);
+    DestroyThreadInstance(thread);
 }
 
 /// While it lives this process can write nothing to files.
@@ -146,6 +143,7 @@ private:
 TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
     const TestWorld world;
     const TestLibrary library;
+    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
     PluginThreadInstanceRef thread = nullptr;
     ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
     ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
@@ -154,15 +152,10 @@ TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
         EXPECT_EQ(library.Log(thread, "lost"), error_codes::GFile::kFileNotOpen);
     }
     EXPECT_EQ(library.Log(thread, "kept"), 0u);
-    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
-    std::string text;
-    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
-    EXPECT_EQ(text, "kept");
-    // Somebody clears the folder away.
-    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));
+    EXPECT_EQ(ContentOf(path), "kept");
+    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));  // somebody clears it away
     EXPECT_EQ(library.Log(thread, "anew"), 0u);
-    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
-    EXPECT_EQ(text, "anew");
+    EXPECT_EQ(ContentOf(path), "anew");
     library.DestroyThreadInstance(thread);
 }
 

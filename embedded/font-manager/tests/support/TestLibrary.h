@@ -12,6 +12,8 @@
 
 namespace pellwick::test {
 
+using IDs = std::vector<int64_t>;
+
 /// Every function of the library, by its name; null when the library lacks it.
 struct TestLibrary {
 #define TEST_LIBRARY_MEMBER(symbol, parameters) PluginFunction_##symbol symbol = nullptr;
@@ -26,8 +28,8 @@ struct TestLibrary {
     ErrorCode Activate(const std::string& document, const std::vector<std::string>& names,
                        CFRef<CFMutableArrayRef>& matched) const;
     /// The same, where success is expected: the IDs of those matched.
-    std::vector<int64_t> Activate(const std::string& document, const std::vector<std::string>& names) const;
-    ErrorCode Deactivate(const std::vector<int64_t>& fontIDs) const;
+    IDs Activate(const std::string& document, const std::vector<std::string>& names) const;
+    ErrorCode Deactivate(const IDs& fontIDs) const;
     int32_t StateOf(int64_t fontID) const;
 };
 
@@ -35,6 +37,6 @@ struct TestLibrary {
 std::set<std::string> ExportedNames();
 
 CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames);
-CFRef<CFMutableArrayRef> IDsArray(const std::vector<int64_t>& fontIDs);
+CFRef<CFMutableArrayRef> IDsArray(const IDs& fontIDs);
 
 }  // namespace pellwick::test

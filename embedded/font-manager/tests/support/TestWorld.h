@@ -51,6 +51,10 @@ public:
     void EmptyVault() const;
     /// Every file below PATH, at any depth.
     std::vector<std::string> FilesBelow(const std::string& path) const;
+    /// Those that the font manager keeps of its fonts.
+    std::vector<std::string> VaultFiles() const { return FilesBelow("data/Vantorix/Pellwick/vault"); }
+    /// What the agent has logged.
+    std::string AgentLog() const;
 
 private:
     const TemporaryFolder mTemporaryFolder;
@@ -58,5 +62,10 @@ private:
     std::unique_ptr<TestProcess> mAgent;
     std::map<std::string, std::string> mSavedVariables;
 };
+
+/// Of at most 16 MiB; empty when there is no such file.
+std::string ContentOf(const std::string& path);
+/// The PostScript names of font records.
+std::vector<std::string> NamesOf(const Json& fonts);
 
 }  // namespace pellwick::test

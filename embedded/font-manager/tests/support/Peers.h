@@ -1,23 +1,25 @@
-// A local stream whose calls wait until they are done: either end of a connection, for tests that play a
-// client or an agent.
+// Either end of a connection to the agent, for tests that play a client or an agent.
 #pragma once
 
 #include <asio/buffer.hpp>
 #include <asio/io_context.hpp>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
+#include <thread>
 
+#include "common/Locations.h"
 #include "ipc/Message.h"
 #include "platform/LocalStream.h"
+#include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
 
-/// One thread at a time.
+/// A local stream whose calls wait until they are done. One thread at a time.
 class WaitingStream {
 public:
     void Connect(const std::string& address) {
@@ -39,8 +41,7 @@ public:
 
     /// False when the other side closes before all have come.
     bool Read(char* bytes, size_t size) {
-        for (size_t count = 0; count < size;) {
-            size_t piece = 0;
+        for (size_t count = 0, piece = 1; count < size && piece != 0; count += piece) {
             mStream.Read(asio::buffer(bytes + count, size - count),
                          [&](const asio::error_code&, size_t received) {
                              piece = received;
@@ -49,27 +50,20 @@ public:
             Run();
             if (piece == 0)
                 return false;
-            count += piece;
         }
         return true;
     }
-    /// False when the other side closes before the system has taken them.
-    bool Write(const std::string& bytes) {
-        bool isTaken = false;
-        mStream.Write(bytes, [&](const asio::error_code& failure) {
-            isTaken = !failure;
-            mIsDone = true;
-        });
+    void Write(const std::string& bytes) {
+        mStream.Write(bytes, [this](const asio::error_code&) { mIsDone = true; });
         Run();
-        return isTaken;
     }
+    void Send(const Json& message) { Write(*EncodeMessage(message)); }
     /// The next message, of less than 64 KiB; an empty object when the other side closes before it has come.
     Json ReadMessage() {
-        std::string header(4, '\0');
-        if (!Read(header.data(), header.size()))
+        unsigned char header[4];
+        if (!Read(reinterpret_cast<char*>(header), sizeof header))
             return Json::object();
-        std::string payload(
-            static_cast<unsigned char>(header[0]) | static_cast<unsigned char>(header[1]) << 8, '\0');
+        std::string payload(header[0] | header[1] << 8, '\0');
         Read(payload.data(), payload.size());
         return DecodeMessage(payload).value_or(Json::object());
     }
@@ -87,6 +81,49 @@ private:
     platform::LocalStream mStream{mLoop};
     std::optional<platform::LocalAcceptor> mAcceptor;
     bool mIsDone = false;
+};
+
+/// A client that says what it likes.
+class RawClient : public WaitingStream {
+public:
+    RawClient() { Connect(Locations::OfThisUser().AgentAddress()); }
+    /// Whether the agent ends the connection without another word.
+    bool IsClosedByAgent() {
+        char byte = 0;
+        return !Read(&byte, 1);
+    }
+};
+
+/// An agent that answers the greeting and then does as a script says.
+class ScriptedAgent : public WaitingStream {
+public:
+    using Script = std::function<void(ScriptedAgent&)>;
+
+    ScriptedAgent(const TestWorld& world, const Script& script) {
+        const std::string address =
+            platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
+        Listen(address);
+        world.Write("data/Vantorix/Pellwick/agent.address", address);
+        mThread = std::thread([this, script] {
+            Welcome();
+            script(*this);
+            Close();
+        });
+    }
+    ~ScriptedAgent() { mThread.join(); }
+    ScriptedAgent(const ScriptedAgent&) = delete;
+    ScriptedAgent& operator=(const ScriptedAgent&) = delete;
+
+    void Welcome() {
+        Accept();
+        Answer(ReadMessage());
+    }
+    void Answer(const Json& request, ErrorCode code = CoreErrorCodes::kSuccess) {
+        Send({{"id", request["id"]}, {"code", code}, {"result", {{"loggedIn", true}}}});
+    }
+
+private:
+    std::thread mThread;
 };
 
 }  // namespace pellwick::test

@@ -1,10 +1,13 @@
 #include <windows.h>
 
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "FontRecordKeys.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Folders.h"
 #include "tests/support/TestLibrary.h"
+#include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
 
@@ -25,6 +28,14 @@ std::set<std::string> ExportedNames() {
     for (DWORD index = 0; index < exports->NumberOfNames; ++index)
         names.insert(reinterpret_cast<const char*>(image + offsets[index]));
     return names;
+}
+
+std::vector<std::string> TestWorld::ActiveFiles() const {
+    std::set<std::string> files;  // a file may have several fonts
+    const Json visible = RunForJson({"list", "--visible", "--no-start"});
+    for (const Json& font : ArrayMember(visible, "fonts"))
+        files.insert(StringMember(font, kGS_PathKey));
+    return {files.begin(), files.end()};
 }
 
 }  // namespace pellwick::test

@@ -1,9 +1,13 @@
 #include <sstream>
 
-#include "TestProcess.h"
 #include "tests/support/TestLibrary.h"
+#include "tests/support/TestWorld.h"
 
 namespace pellwick::test {
+
+std::vector<std::string> TestWorld::ActiveFiles() const {
+    return FilesBelow("data/fonts/Vantorix");
+}
 
 std::set<std::string> ExportedNames() {
     std::istringstream symbols(
