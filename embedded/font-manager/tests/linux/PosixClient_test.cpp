@@ -34,26 +34,14 @@ TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
 }
 
 /// While it lives, this process gets no further threads: none could have a stack of that size.
-class NoFurtherThreads {
-public:
-    NoFurtherThreads() {
-        pthread_getattr_default_np(&mSaved);
-        pthread_attr_t attributes;
-        pthread_attr_init(&attributes);
-        pthread_attr_setstacksize(&attributes, size_t{1} << 50);
-        pthread_setattr_default_np(&attributes);
-        pthread_attr_destroy(&attributes);
-    }
-    ~NoFurtherThreads() {
-        pthread_setattr_default_np(&mSaved);
-        pthread_attr_destroy(&mSaved);
-    }
-    NoFurtherThreads(const NoFurtherThreads&) = delete;
-    NoFurtherThreads& operator=(const NoFurtherThreads&) = delete;
-
-private:
-    pthread_attr_t mSaved;
-};
+AtEnd AllowNoFurtherThreads() {
+    pthread_attr_t before;
+    pthread_getattr_default_np(&before);
+    pthread_attr_t attributes = before;
+    pthread_attr_setstacksize(&attributes, size_t{1} << 50);
+    pthread_setattr_default_np(&attributes);
+    return AtEnd([before] { pthread_setattr_default_np(&before); });
+}
 
 std::atomic<int> callsOfAnother{0};
 
@@ -63,7 +51,7 @@ void CountCall(int32_t, const void*) {
 
 TEST_F(PosixClient, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
     {
-        const NoFurtherThreads noFurtherThreads;
+        const AtEnd limit = AllowNoFurtherThreads();
         EXPECT_NE(Ask(RegisterForNotifications, Note), 0u);
         EXPECT_NE(Ask(RegisterForNotifications, CountCall), 0u);
     }
@@ -74,7 +62,7 @@ TEST_F(PosixClient, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) 
 
     ResetPluginFacadeInstance();
     {
-        const NoFurtherThreads noFurtherThreads;
+        const AtEnd limit = AllowNoFurtherThreads();
         EXPECT_NE(Facade(), nullptr);
         EXPECT_EQ(AskWhetherLoggedIn(), 0u);
     }
@@ -120,25 +108,17 @@ TEST_F(PosixClient, ProgramsThatTheHostStartsInheritNothing) {
 }
 
 /// While it lives this process can write nothing to files.
-class NoRoom {
-public:
-    NoRoom() {
-        getrlimit(RLIMIT_FSIZE, &mBefore);
-        const rlimit none{0, mBefore.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-        mAction = signal(SIGXFSZ, SIG_IGN);
-    }
-    ~NoRoom() {
-        setrlimit(RLIMIT_FSIZE, &mBefore);
-        signal(SIGXFSZ, mAction);
-    }
-    NoRoom(const NoRoom&) = delete;
-    NoRoom& operator=(const NoRoom&) = delete;
-
-private:
-    rlimit mBefore{};
-    void (*mAction)(int) = SIG_DFL;
-};
+AtEnd LeaveNoRoom() {
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const auto action = signal(SIGXFSZ, SIG_IGN);
+    return AtEnd([before, action] {
+        setrlimit(RLIMIT_FSIZE, &before);
+        signal(SIGXFSZ, action);
+    });
+}
 
 TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
     const TestWorld world;
@@ -148,7 +128,7 @@ TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
     ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
     ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
     {
-        const NoRoom noRoom;
+        const AtEnd limit = LeaveNoRoom();
         EXPECT_EQ(library.Log(thread, "lost"), error_codes::GFile::kFileNotOpen);
     }
     EXPECT_EQ(library.Log(thread, "kept"), 0u);

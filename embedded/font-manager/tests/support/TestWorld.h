@@ -1,6 +1,7 @@
 // A user's world for one test: folders of its own, and an agent that lives in them.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -61,6 +62,18 @@ private:
     const std::filesystem::path mFolder;
     std::unique_ptr<TestProcess> mAgent;
     std::map<std::string, std::string> mSavedVariables;
+};
+
+/// Puts back what a test has changed when its scope ends.
+class AtEnd {
+public:
+    explicit AtEnd(std::function<void()> putBack) : mPutBack(std::move(putBack)) {}
+    ~AtEnd() { mPutBack(); }
+    AtEnd(const AtEnd&) = delete;
+    AtEnd& operator=(const AtEnd&) = delete;
+
+private:
+    const std::function<void()> mPutBack;
 };
 
 /// Of at most 16 MiB; empty when there is no such file.
