@@ -5,7 +5,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <new>
@@ -14,27 +13,8 @@
 #include "platform/Environment.h"
 #include "platform/Files.h"
 
-namespace {
-
-constexpr Fault kNoFault{"none", FaultPlan::kNothing, false};
-constexpr std::array<Fault, 5> kFaults = {{{"disk full once", FaultPlan::kDiskFull, false},
-                                           {"disk stays full", FaultPlan::kDiskFull, true},
-                                           {"I/O error once", FaultPlan::kInputOutputError, false},
-                                           {"I/O errors from then on", FaultPlan::kInputOutputError, true},
-                                           {"killed after it", FaultPlan::kKill, false}}};
-
-bool MeetsEveryFault() {
-    return !platform::EnvironmentVariable("PLUGINCORE_EVERY_FAULT").empty();
-}
-
-/// Every other call and one kind of fault for it, each in turn.
-bool IsInSample(int at, size_t kind) {
-    return at % 2 == 1 && static_cast<size_t>(at / 2) % kFaults.size() == kind;
-}
-
-}  // namespace
-
-FaultControl::FaultControl(const std::string& path) : mPath(path) {
+FaultControl::FaultControl(const std::string& path, std::string folder)
+    : mPath(path), mFolder(std::move(folder)) {
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     void* memory = file >= 0 && ftruncate(file, sizeof(FaultPlan)) == 0
                        ? mmap(nullptr, sizeof(FaultPlan), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
@@ -47,6 +27,22 @@ FaultControl::FaultControl(const std::string& path) : mPath(path) {
 
 FaultControl::~FaultControl() {
     munmap(mPlan, sizeof(FaultPlan));
+}
+
+std::unique_ptr<TestProcess> FaultControl::Start(const std::vector<std::string>& command) const {
+    const std::filesystem::path library = FAILING_WRITES_LIBRARY;
+    // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
+    const std::pair<const char*, std::string> variables[] = {
+        {"LD_PRELOAD", library.filename()},
+        {"LD_LIBRARY_PATH", library.parent_path()},
+        {"FAILING_WRITES_PLAN", mPath},
+        {"FAILING_WRITES_BELOW", std::filesystem::weakly_canonical(mFolder)}};
+    for (const auto& [name, value] : variables)
+        platform::SetEnvironment(name, value);
+    auto process = std::make_unique<TestProcess>(command);
+    for (const auto& [name, value] : variables)
+        platform::SetEnvironment(name, "");
+    return process;
 }
 
 void FaultControl::Begin(const Fault& fault, int at) {
@@ -65,34 +61,26 @@ void FaultControl::End() {
     mCount = mPlan->count;
 }
 
-FaultyStart::FaultyStart(const FaultControl& faults, const std::string& folder) {
-    // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
-    platform::SetEnvironment("LD_PRELOAD", platform::NamePart(FAILING_WRITES_LIBRARY));
-    platform::SetEnvironment("LD_LIBRARY_PATH",
-                             std::filesystem::path(FAILING_WRITES_LIBRARY).parent_path().string());
-    platform::SetEnvironment("FAILING_WRITES_PLAN", faults.Path());
-    platform::SetEnvironment("FAILING_WRITES_BELOW", std::filesystem::weakly_canonical(folder).string());
-}
-
-FaultyStart::~FaultyStart() {
-    for (const char* variable :
-         {"LD_PRELOAD", "LD_LIBRARY_PATH", "FAILING_WRITES_PLAN", "FAILING_WRITES_BELOW"})
-        platform::SetEnvironment(variable, "");
-}
-
-void MeetEveryFault(const std::string& name, FaultControl& faults,
-                    const std::function<void(const Fault&, int)>& attempt) {
-    attempt(kNoFault, 0);
-    const int calls = faults.Count();
+void FaultControl::MeetEvery(const std::string& name, const std::function<void(const Fault&, int)>& attempt) {
+    static constexpr Fault kFaults[] = {{"disk full once", FaultPlan::kDiskFull, false},
+                                        {"disk stays full", FaultPlan::kDiskFull, true},
+                                        {"I/O error once", FaultPlan::kInputOutputError, false},
+                                        {"I/O errors from then on", FaultPlan::kInputOutputError, true},
+                                        {"killed after it", FaultPlan::kKill, false}};
+    const bool isEvery = !platform::EnvironmentVariable("PLUGINCORE_EVERY_FAULT").empty();
+    attempt({"none", FaultPlan::kNothing, false}, 0);
+    const int calls = mCount;
     ASSERT_GT(calls, 0) << name << ": no write was seen";
     int met = 0;
-    const int first = static_cast<int>(name.size());  // not the same sample for all
     for (int at = 1; at <= calls; ++at) {
-        for (size_t kind = 0; kind < kFaults.size(); ++kind) {
-            if (!MeetsEveryFault() && !IsInSample(at + first, kind))
+        // Every other call and one kind of fault for it, each in turn; not the same sample for all.
+        const size_t turn = static_cast<size_t>(at) + name.size();
+        for (size_t kind = 0; kind < std::size(kFaults); ++kind) {
+            if (!isEvery && (turn % 2 == 0 || turn / 2 % std::size(kFaults) != kind))
                 continue;
             SCOPED_TRACE(name + ", call " + std::to_string(at) + ": " + kFaults[kind].name);
             attempt(kFaults[kind], at);
+            EXPECT_GE(mCount, at) << "it takes fewer writes than it did";
             ++met;
         }
     }
