@@ -70,72 +70,68 @@ protected:
         mHost->WriteLine(command);
         return mHost->ReadLine();
     }
-    void ExpectToBeSaid(const Fault& fault, bool isDone) const;
-    void ExpectToGoOn(int number);
-    void ExpectNoOtherFiles() const;
-    void Attempt(const Fault& fault, int at);
+    void ExpectToBeSaid(const Fault& fault, bool isDone) const {
+        const bool isFailure = !isDone && !fault.IsKill();
+        EXPECT_LE(LinesInLog(), isFailure + platform::IsExistingFile(mPath + ".damaged-1")) << Log();
+        if (!isFailure)
+            return;
+        EXPECT_THAT(Log(), testing::HasSubstr(mFolder / "configuration/Vantorix"));
+        EXPECT_THAT(Log(), testing::HasSubstr(fault.kind == FaultPlan::kDiskFull ? "the disk is full"
+                                                                                 : "Input/output error"));
+    }
+
+    /// The host that met the fault, or the next one where that is dead.
+    void ExpectToGoOn(int number) {
+        const long lines = LinesInLog();
+        EXPECT_EQ(Ask("usable"), "1");
+        EXPECT_EQ(Ask("store " + std::to_string(number)), "1");
+        EXPECT_EQ(Ask("read"), std::to_string(number));
+        EXPECT_EQ(StoredNumber(), number);
+        EXPECT_EQ(mHost->Finish().status, 0);
+        EXPECT_LE(LinesInLog(), lines + IsDamaged()) << Log();
+    }
+
+    void ExpectNoOtherFiles() const {
+        std::error_code noFolder;
+        for (const auto& entry : fs::directory_iterator(fs::path(mPath).parent_path(), noFolder))
+            EXPECT_THAT(
+                entry.path().filename().string(),
+                testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
+    }
+
+    void Attempt(const Fault& fault, int at) {
+        fs::remove_all(mFolder / "configuration");
+        fs::remove(mFolder / "log");
+        fs::create_directory(mFolder / "configuration");
+        if (GetParam().before != nullptr)
+            mFolder.Write("configuration/Vantorix/Preferences.json", GetParam().before);
+        StartHost();
+        mFaults.Begin(fault, at);
+        const std::string answer = Ask(GetParam().command);
+        mFaults.End();
+        EXPECT_EQ(answer.empty(), fault.IsKill());
+        SCOPED_TRACE(mFaults.Where());
+        const bool isDone = answer == "1";
+        EXPECT_THAT(StoredNumber(), testing::AnyOf(GetParam().newNumber,
+                                                   isDone ? GetParam().newNumber : GetParam().oldNumber));
+        ExpectToBeSaid(fault, isDone);
+        EXPECT_TRUE(!IsDamaged() || ContentOf(mPath) == kDamaged ||
+                    ContentOf(mPath + ".damaged-1") == kDamaged);
+        if (answer.empty())
+            StartHost();
+        else if (!mFaults.HasKeptFile())
+            ExpectNoOtherFiles();
+        ExpectToGoOn(3);
+        StartHost();
+        ExpectToGoOn(4);
+        ExpectNoOtherFiles();
+    }
 
     const TemporaryFolder mFolder;
     const std::string mPath = mFolder / "configuration/Vantorix/Preferences.json";
     FaultControl mFaults{mFolder / "plan", mFolder / "configuration"};
     std::unique_ptr<TestProcess> mHost;
 };
-
-void PreferenceWritesThatFail::ExpectToBeSaid(const Fault& fault, bool isDone) const {
-    const bool isFailure = !isDone && !fault.IsKill();
-    EXPECT_LE(LinesInLog(), isFailure + platform::IsExistingFile(mPath + ".damaged-1")) << Log();
-    if (!isFailure)
-        return;
-    EXPECT_THAT(Log(), testing::HasSubstr(mFolder / "configuration/Vantorix"));
-    EXPECT_THAT(Log(), testing::HasSubstr(fault.kind == FaultPlan::kDiskFull ? "the disk is full"
-                                                                             : "Input/output error"));
-}
-
-/// The host that met the fault, or the next one where that is dead.
-void PreferenceWritesThatFail::ExpectToGoOn(int number) {
-    const long lines = LinesInLog();
-    EXPECT_EQ(Ask("usable"), "1");
-    EXPECT_EQ(Ask("store " + std::to_string(number)), "1");
-    EXPECT_EQ(Ask("read"), std::to_string(number));
-    EXPECT_EQ(StoredNumber(), number);
-    EXPECT_EQ(mHost->Finish().status, 0);
-    EXPECT_LE(LinesInLog(), lines + IsDamaged()) << Log();
-}
-
-void PreferenceWritesThatFail::ExpectNoOtherFiles() const {
-    std::error_code noFolder;
-    for (const auto& entry : fs::directory_iterator(fs::path(mPath).parent_path(), noFolder))
-        EXPECT_THAT(
-            entry.path().filename().string(),
-            testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
-}
-
-void PreferenceWritesThatFail::Attempt(const Fault& fault, int at) {
-    fs::remove_all(mFolder / "configuration");
-    fs::remove(mFolder / "log");
-    fs::create_directory(mFolder / "configuration");
-    if (GetParam().before != nullptr)
-        mFolder.Write("configuration/Vantorix/Preferences.json", GetParam().before);
-    StartHost();
-    mFaults.Begin(fault, at);
-    const std::string answer = Ask(GetParam().command);
-    mFaults.End();
-    EXPECT_EQ(answer.empty(), fault.IsKill());
-    SCOPED_TRACE(mFaults.Where());
-    const bool isDone = answer == "1";
-    EXPECT_THAT(StoredNumber(),
-                testing::AnyOf(GetParam().newNumber, isDone ? GetParam().newNumber : GetParam().oldNumber));
-    ExpectToBeSaid(fault, isDone);
-    EXPECT_TRUE(!IsDamaged() || ContentOf(mPath) == kDamaged || ContentOf(mPath + ".damaged-1") == kDamaged);
-    if (answer.empty())
-        StartHost();
-    else if (!mFaults.HasKeptFile())
-        ExpectNoOtherFiles();
-    ExpectToGoOn(3);
-    StartHost();
-    ExpectToGoOn(4);
-    ExpectNoOtherFiles();
-}
 
 TEST_P(PreferenceWritesThatFail, LeaveTheOldOrTheNewValueAndOneLine) {
     mFaults.MeetEvery(GetParam().name, [this](const Fault& fault, int at) { Attempt(fault, at); });

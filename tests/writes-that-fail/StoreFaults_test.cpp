@@ -80,6 +80,12 @@ const Case kCases[] = {
     {"StartAfterAKill", {kAddBoth, kActivateBoth, kLeaveStray}, kStart, true},
 };
 
+const TestLibrary& Library() {
+    static const TestLibrary* const library = new TestLibrary;
+    library->ResetPluginFacadeInstance();
+    return *library;
+}
+
 class WritesThatFail : public testing::TestWithParam<Case> {
 protected:
     void SetUp() override {
@@ -98,40 +104,284 @@ protected:
         Copy("data", "kept");
     }
 
-    Outcome Do(const std::string& change);
-    Outcome DoCommand(const std::string& words);
-    Outcome OpenDocument();
-    Outcome Start();
-    void StopAgent();
-    void KillAgent();
-    ProgramResult CollectAgent();
     bool IsAgentAlive() const { return mAgent && platform::ProcessStartTime(mAgent->Id()) != 0; }
-    void StartAgentIfGone();
-    void FillLog();
     void LeaveStrayFile() { mWorld.Write("data/Vantorix/Pellwick/vault/incoming/a1B2c3", "stray"); }
-    void Copy(const std::string& from, const std::string& to) const;
-
-    Json Ask(const char* method, const Json& arguments = Json::object());
     Json List(const char* method, const char* key) { return ArrayMember(Ask(method), key); }
-    Json Fonts(const Json& filter);
-    /// Everything that users and plug-ins can see of the store; IDs left out.
-    Json Records();
-    /// Which files there are.
-    Json Files() const;
-    /// All of it; without the files where some could not be removed, which the next start will.
-    Json State();
-    /// Whether it is what it was, or what it was to become.
-    bool Is(const Json& state, Json expected) const;
-    void ExpectNew(const char* when);
-    /// How many lines of the agent's log tell of a failure.
-    size_t FailureLines() const;
-    void ExpectWholeDatabase() const;
 
-    void Attempt(const Fault& fault, int at);
-    void Learn(const Outcome& outcome);
-    void ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const;
-    void ExpectOldOrNew(const Outcome& outcome);
-    void ExpectToGoOn();
+    Outcome Do(const std::string& change) {
+        if (change == kOpen)
+            return OpenDocument();
+        if (change == kClose)
+            return {Library().Deactivate({1, 2}) == CoreErrorCodes::kSuccess, {}, false};
+        if (change == kStart)
+            return Start();
+        if (change == kFillLog)
+            FillLog();
+        else if (change == kLoseFiles)
+            mWorld.EmptyVault();
+        else if (change == kLeaveStray) {
+            LeaveStrayFile();
+            fs::remove(mWorld.ActiveFiles().at(0));
+        } else {
+            return DoCommand(change);
+        }
+        return {true, {}};
+    }
+
+    Outcome DoCommand(const std::string& words) {
+        std::istringstream line(words);
+        std::vector<std::string> command;
+        for (std::string word; line >> word;)
+            command.push_back(word.ends_with(".ttf") ? mWorld.Path("fonts/" + word) : word);
+        command.push_back("--no-start");
+        const ProgramResult result = mWorld.Run(command);
+        return {result.status == 0, result.errors};
+    }
+
+    Outcome OpenDocument() {
+        CFRef<CFMutableArrayRef> matched;
+        const ErrorCode code = Library().Activate("/document", {"Sample-Bold", "Sample-Italic"}, matched);
+        return {code == CoreErrorCodes::kSuccess && cf::Count(matched.get()) == 2, {}, false};
+    }
+
+    Outcome Start() {
+        mAgent = mFaults.Start({PELLWICK_PROGRAM});
+        const bool isServing = Eventually([this] {
+            Json status;
+            AgentConnection connection(std::chrono::seconds(30));
+            return !IsAgentAlive() || connection.Call(method::kGetStatus, Json::object(), status) == 0;
+        });
+        if (isServing && IsAgentAlive())
+            return {true, {}};
+        return {false, CollectAgent().errors};
+    }
+
+    void StopAgent() {
+        const ProgramResult result = mWorld.Run({"stop", "--no-start"});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(CollectAgent().status, 0);
+    }
+
+    void KillAgent() {
+        mAgent->Kill();
+        CollectAgent();
+    }
+
+    /// Waits for the end of one that ends or has ended.
+    ProgramResult CollectAgent() {
+        const auto agent = std::exchange(mAgent, nullptr);
+        return agent ? agent->Finish() : ProgramResult();
+    }
+
+    void StartAgentIfGone() {
+        if (IsAgentAlive())
+            return;
+        CollectAgent();
+        const Outcome outcome = Start();
+        EXPECT_TRUE(outcome.isDone) << outcome.said;
+    }
+
+    /// With so many small changes that the next one has SQLite move the log into the database.
+    void FillLog() {
+        constexpr uint64_t kFullLog = 1000 * (4096 + 24);  // pages with their headers
+        for (uint64_t size = 0; size < kFullLog * 99 / 100;) {
+            for (const bool isOn : {true, false})
+                Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
+            platform::FileSize(mWorld.Path("data/Vantorix/Pellwick/fonts.sqlite-wal"), size);
+        }
+    }
+
+    /// Folders and regular files; a killed agent leaves its socket as well.
+    void Copy(const std::string& from, const std::string& to) const {
+        fs::remove_all(mWorld.Path(to));
+        fs::create_directories(mWorld.Path(to));
+        for (const auto& entry : fs::recursive_directory_iterator(mWorld.Path(from))) {
+            const fs::path target = mWorld.Path(to) / fs::relative(entry.path(), mWorld.Path(from));
+            if (entry.is_directory())
+                fs::create_directory(target, entry.path());
+            else if (entry.is_regular_file())
+                fs::copy_file(entry.path(), target);
+        }
+    }
+
+    Json Ask(const char* method, const Json& arguments = Json::object()) {
+        Json answer;
+        const ErrorCode code = AgentConnection(std::chrono::seconds(30)).Call(method, arguments, answer);
+        EXPECT_EQ(code, 0u) << method << ": " << FailureText(code, answer);
+        return answer;
+    }
+
+    Json Fonts(const Json& filter) {
+        Json fonts = Ask(method::kListFonts, filter)["fonts"];
+        for (Json& font : fonts) {
+            for (const char* key : {kGS_DatabaseIDKey, kGS_WorkgroupIDKey})
+                font.erase(key);
+            font.erase(kGS_OutlineFileNameKey);  // one that was taken back has lost it
+        }
+        std::sort(fonts.begin(), fonts.end());
+        return fonts;
+    }
+
+    /// Everything that users and plug-ins can see of the store; IDs left out.
+    Json Records() {
+        Json records = {{"fonts", Fonts({{"after", 0}})}};
+        for (const Json& set : List(method::kListSets, "sets"))
+            records["sets"].push_back(
+                {set[member::kName], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
+        for (const Json& workgroup : List(method::kListWorkgroups, "workgroups"))
+            records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);
+        for (const Json& list : List(method::kListSmartLists, kGS_SmartListsKey))
+            records["smartLists"].push_back(list[kGS_SmartListNameKey]);
+        const Json status = Ask(method::kGetStatus);
+        for (const char* member : {"userName", "standalone", "workgroup", "hosts", "activeFiles"})
+            records["status"][member] = status[member];
+        return records;
+    }
+
+    /// Which files there are.
+    Json Files() const {
+        // Whose content changes with every run, or matters to nobody.
+        const std::set<std::string> ofTheAgentItself = {"fonts.sqlite",     "fonts.sqlite-wal",
+                                                        "fonts.sqlite-shm", "agent.lock",
+                                                        "agent.address",    "Pellwick.log"};
+        Json files = Json::array();
+        for (const std::string& path : mWorld.FilesBelow("data")) {
+            const std::string name = platform::NamePart(path);
+            if (ofTheAgentItself.contains(name))
+                continue;
+            // A font's file is named by what is in it.
+            const std::string checksum = ChecksumOf(ContentOf(path));
+            files.push_back({path, name.substr(0, name.find('.')) == checksum ? "whole" : checksum});
+        }
+        std::sort(files.begin(), files.end());
+        return files;
+    }
+
+    /// All of it; without the files where some could not be removed, which the next start will.
+    Json State() {
+        Json state = Records();
+        if (!mHasStrayFiles)
+            state["files"] = Files();
+        return state;
+    }
+
+    /// Whether it is what it was, or what it was to become.
+    bool Is(const Json& state, Json expected) const {
+        if (mHasStrayFiles)
+            expected.erase("files");
+        return state == expected;
+    }
+
+    void ExpectNew(const char* when) {
+        const Json state = State();
+        EXPECT_TRUE(Is(state, mNew)) << when << ": " << Json::diff(mNew, state);
+    }
+
+    /// How many lines of the agent's log tell of a failure.
+    size_t FailureLines() const {
+        std::istringstream log(mWorld.AgentLog());
+        size_t count = 0;
+        for (std::string line; std::getline(log, line);)  // but those of starts and ends
+            count += line.starts_with("Pellwick") || line.find(" put right: ") != std::string::npos ? 0 : 1;
+        return count;
+    }
+
+    void ExpectWholeDatabase() const {
+        Database database(Locations::OfThisUser().databasePath);
+        Statement check = database.Prepare("PRAGMA integrity_check");
+        EXPECT_EQ(check.Step() ? check.Text(0) : "no answer", "ok");
+        EXPECT_FALSE(database.Prepare("PRAGMA foreign_key_check").Step())
+            << "a row refers to one that is gone";
+    }
+
+    void ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const {
+        const bool isStart = GetParam().IsStart();
+        const size_t expected = outcome.isDone || fault.IsKill() ? 0 : 1;
+        EXPECT_LE(logLines, isStart ? 1 : expected);
+        EXPECT_GE(logLines, isStart || fault.lasts || mFaults.Where().ends_with(".log") ? 0 : expected);
+        if (outcome.isDone || !outcome.isForPeople) {
+            EXPECT_EQ(outcome.said, "");
+            return;
+        }
+        if (fault.IsKill() && isStart)
+            return;  // nobody is left to say it
+        EXPECT_EQ(std::count(outcome.said.begin(), outcome.said.end(), '\n'), 1) << outcome.said;
+        if (fault.IsKill()) {
+            EXPECT_THAT(outcome.said, HasSubstr("no agent is running; start it"));
+            return;
+        }
+        EXPECT_THAT(outcome.said, HasSubstr(mWorld.Path("data")));
+        EXPECT_THAT(outcome.said, HasSubstr("; ")) << "what to do";
+        EXPECT_THAT(outcome.said, HasSubstr(fault.kind == FaultPlan::kDiskFull ? "disk is full" : ""));
+    }
+
+    void ExpectOldOrNew(const Outcome& outcome) {
+        if (GetParam().IsStart())
+            return;
+        // What was in the vault when the agent died is taken back after the start.
+        Json state;
+        EXPECT_TRUE(Eventually([&] {
+            state = State();
+            return Is(state, mOld) || Is(state, mNew);
+        })) << "half of it is there: "
+            << Json::diff(mOld, state);
+        // Without its files, the old state may look like the new one.
+        if (Is(state, mNew) && (outcome.isDone || !Is(state, mOld)))
+            return;
+        EXPECT_FALSE(outcome.isDone) << "what was answered as done is not there: " << Json::diff(mNew, state);
+        const Outcome again = Do(GetParam().change);
+        EXPECT_TRUE(again.isDone) << "the fault is gone: " << again.said;
+    }
+
+    void ExpectToGoOn() {
+        for (const bool isOn : {true, false})
+            Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
+        // Links that a start could not make are made soon after.
+        EXPECT_TRUE(Eventually([this] { return !GetParam().IsStart() || Is(State(), mNew); }));
+        ExpectNew("when the fault is gone");
+        StopAgent();
+        EXPECT_TRUE(mWorld.AgentLog().ends_with(" ends\n"));
+        LeaveStrayFile();
+        StartAgentIfGone();
+        mHasStrayFiles = false;
+        ExpectNew("after the next start, which removes what was left half-way");
+        ExpectWholeDatabase();
+        StopAgent();
+    }
+
+    void Learn(const Outcome& outcome) {
+        EXPECT_TRUE(outcome.isDone) << outcome.said;
+        const bool isOfStore = IsAgentAlive() && !GetParam().IsStart();
+        StartAgentIfGone();
+        mNew = State();
+        if (!isOfStore)
+            mOld = mNew;
+        EXPECT_TRUE(mOld != mNew || !isOfStore) << "the change does not show";
+    }
+
+    void Attempt(const Fault& fault, int at) {
+        if (mAgent)
+            KillAgent();
+        Copy("kept", "data");
+        if (!GetParam().IsStart())
+            StartAgentIfGone();
+        if (at == 0 && !GetParam().IsStart())
+            mOld = State();
+        const size_t logLines = FailureLines();
+        mFaults.Begin(fault, at);
+        const Outcome outcome = Do(GetParam().change);
+        mFaults.End();
+        if (at == 0)
+            return Learn(outcome);
+        const bool isKilled = fault.IsKill() && mFaults.HasHappened();
+        EXPECT_TRUE(Eventually([&] { return !isKilled || !IsAgentAlive(); }));
+        SCOPED_TRACE(mFaults.Where());
+        ExpectToBeSaid(fault, outcome, FailureLines() - logLines);
+        mHasStrayFiles = IsAgentAlive() && mFaults.HasKeptFile();
+        StartAgentIfGone();
+        ExpectOldOrNew(outcome);
+        ExpectToGoOn();
+    }
 
     TestWorld mWorld;
     FaultControl mFaults{mWorld.Write("plan", ""), mWorld.Path("data")};
@@ -140,280 +390,6 @@ protected:
     Json mNew;
     bool mHasStrayFiles = false;
 };
-
-const TestLibrary& Library() {
-    static const TestLibrary* const library = new TestLibrary;
-    library->ResetPluginFacadeInstance();
-    return *library;
-}
-
-Outcome WritesThatFail::Do(const std::string& change) {
-    if (change == kOpen)
-        return OpenDocument();
-    if (change == kClose)
-        return {Library().Deactivate({1, 2}) == CoreErrorCodes::kSuccess, {}, false};
-    if (change == kStart)
-        return Start();
-    if (change == kFillLog)
-        FillLog();
-    else if (change == kLoseFiles)
-        mWorld.EmptyVault();
-    else if (change == kLeaveStray) {
-        LeaveStrayFile();
-        fs::remove(mWorld.ActiveFiles().at(0));
-    } else {
-        return DoCommand(change);
-    }
-    return {true, {}};
-}
-
-Outcome WritesThatFail::DoCommand(const std::string& words) {
-    std::istringstream line(words);
-    std::vector<std::string> command;
-    for (std::string word; line >> word;)
-        command.push_back(word.ends_with(".ttf") ? mWorld.Path("fonts/" + word) : word);
-    command.push_back("--no-start");
-    const ProgramResult result = mWorld.Run(command);
-    return {result.status == 0, result.errors};
-}
-
-Outcome WritesThatFail::OpenDocument() {
-    CFRef<CFMutableArrayRef> matched;
-    const ErrorCode code = Library().Activate("/document", {"Sample-Bold", "Sample-Italic"}, matched);
-    return {code == CoreErrorCodes::kSuccess && cf::Count(matched.get()) == 2, {}, false};
-}
-
-Outcome WritesThatFail::Start() {
-    mAgent = mFaults.Start({PELLWICK_PROGRAM});
-    const bool isServing = Eventually([this] {
-        Json status;
-        AgentConnection connection(std::chrono::seconds(30));
-        return !IsAgentAlive() || connection.Call(method::kGetStatus, Json::object(), status) == 0;
-    });
-    if (isServing && IsAgentAlive())
-        return {true, {}};
-    return {false, CollectAgent().errors};
-}
-
-void WritesThatFail::StopAgent() {
-    const ProgramResult result = mWorld.Run({"stop", "--no-start"});
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(CollectAgent().status, 0);
-}
-
-void WritesThatFail::KillAgent() {
-    mAgent->Kill();
-    CollectAgent();
-}
-
-/// Waits for the end of one that ends or has ended.
-ProgramResult WritesThatFail::CollectAgent() {
-    const auto agent = std::exchange(mAgent, nullptr);
-    return agent ? agent->Finish() : ProgramResult();
-}
-
-void WritesThatFail::StartAgentIfGone() {
-    if (IsAgentAlive())
-        return;
-    CollectAgent();
-    const Outcome outcome = Start();
-    EXPECT_TRUE(outcome.isDone) << outcome.said;
-}
-
-/// With so many small changes that the next one has SQLite move the log into the database.
-void WritesThatFail::FillLog() {
-    constexpr uint64_t kFullLog = 1000 * (4096 + 24);  // pages with their headers
-    for (uint64_t size = 0; size < kFullLog * 99 / 100;) {
-        for (const bool isOn : {true, false})
-            Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
-        platform::FileSize(mWorld.Path("data/Vantorix/Pellwick/fonts.sqlite-wal"), size);
-    }
-}
-
-/// Folders and regular files; a killed agent leaves its socket as well.
-void WritesThatFail::Copy(const std::string& from, const std::string& to) const {
-    fs::remove_all(mWorld.Path(to));
-    fs::create_directories(mWorld.Path(to));
-    for (const auto& entry : fs::recursive_directory_iterator(mWorld.Path(from))) {
-        const fs::path target = mWorld.Path(to) / fs::relative(entry.path(), mWorld.Path(from));
-        if (entry.is_directory())
-            fs::create_directory(target, entry.path());
-        else if (entry.is_regular_file())
-            fs::copy_file(entry.path(), target);
-    }
-}
-
-Json WritesThatFail::Ask(const char* method, const Json& arguments) {
-    Json answer;
-    const ErrorCode code = AgentConnection(std::chrono::seconds(30)).Call(method, arguments, answer);
-    EXPECT_EQ(code, 0u) << method << ": " << FailureText(code, answer);
-    return answer;
-}
-
-Json WritesThatFail::Fonts(const Json& filter) {
-    Json fonts = Ask(method::kListFonts, filter)["fonts"];
-    for (Json& font : fonts) {
-        for (const char* key : {kGS_DatabaseIDKey, kGS_WorkgroupIDKey})
-            font.erase(key);
-        font.erase(kGS_OutlineFileNameKey);  // one that was taken back has lost it
-    }
-    std::sort(fonts.begin(), fonts.end());
-    return fonts;
-}
-
-Json WritesThatFail::Records() {
-    Json records = {{"fonts", Fonts({{"after", 0}})}};
-    for (const Json& set : List(method::kListSets, "sets"))
-        records["sets"].push_back(
-            {set[member::kName], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
-    for (const Json& workgroup : List(method::kListWorkgroups, "workgroups"))
-        records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);
-    for (const Json& list : List(method::kListSmartLists, kGS_SmartListsKey))
-        records["smartLists"].push_back(list[kGS_SmartListNameKey]);
-    const Json status = Ask(method::kGetStatus);
-    for (const char* member : {"userName", "standalone", "workgroup", "hosts", "activeFiles"})
-        records["status"][member] = status[member];
-    return records;
-}
-
-Json WritesThatFail::Files() const {
-    // Whose content changes with every run, or matters to nobody.
-    const std::set<std::string> ofTheAgentItself = {"fonts.sqlite", "fonts.sqlite-wal", "fonts.sqlite-shm",
-                                                    "agent.lock",   "agent.address",    "Pellwick.log"};
-    Json files = Json::array();
-    for (const std::string& path : mWorld.FilesBelow("data")) {
-        const std::string name = platform::NamePart(path);
-        if (ofTheAgentItself.contains(name))
-            continue;
-        // A font's file is named by what is in it.
-        const std::string checksum = ChecksumOf(ContentOf(path));
-        files.push_back({path, name.substr(0, name.find('.')) == checksum ? "whole" : checksum});
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-Json WritesThatFail::State() {
-    Json state = Records();
-    if (!mHasStrayFiles)
-        state["files"] = Files();
-    return state;
-}
-
-bool WritesThatFail::Is(const Json& state, Json expected) const {
-    if (mHasStrayFiles)
-        expected.erase("files");
-    return state == expected;
-}
-
-void WritesThatFail::ExpectNew(const char* when) {
-    const Json state = State();
-    EXPECT_TRUE(Is(state, mNew)) << when << ": " << Json::diff(mNew, state);
-}
-
-size_t WritesThatFail::FailureLines() const {
-    std::istringstream log(mWorld.AgentLog());
-    size_t count = 0;
-    for (std::string line; std::getline(log, line);)  // but those of starts and ends
-        count += line.starts_with("Pellwick") || line.find(" put right: ") != std::string::npos ? 0 : 1;
-    return count;
-}
-
-void WritesThatFail::ExpectWholeDatabase() const {
-    Database database(Locations::OfThisUser().databasePath);
-    Statement check = database.Prepare("PRAGMA integrity_check");
-    EXPECT_EQ(check.Step() ? check.Text(0) : "no answer", "ok");
-    EXPECT_FALSE(database.Prepare("PRAGMA foreign_key_check").Step()) << "a row refers to one that is gone";
-}
-
-void WritesThatFail::ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const {
-    const bool isStart = GetParam().IsStart();
-    const size_t expected = outcome.isDone || fault.IsKill() ? 0 : 1;
-    EXPECT_LE(logLines, isStart ? 1 : expected);
-    EXPECT_GE(logLines, isStart || fault.lasts || mFaults.Where().ends_with(".log") ? 0 : expected);
-    if (outcome.isDone || !outcome.isForPeople) {
-        EXPECT_EQ(outcome.said, "");
-        return;
-    }
-    if (fault.IsKill() && isStart)
-        return;  // nobody is left to say it
-    EXPECT_EQ(std::count(outcome.said.begin(), outcome.said.end(), '\n'), 1) << outcome.said;
-    if (fault.IsKill()) {
-        EXPECT_THAT(outcome.said, HasSubstr("no agent is running; start it"));
-        return;
-    }
-    EXPECT_THAT(outcome.said, HasSubstr(mWorld.Path("data")));
-    EXPECT_THAT(outcome.said, HasSubstr("; ")) << "what to do";
-    EXPECT_THAT(outcome.said, HasSubstr(fault.kind == FaultPlan::kDiskFull ? "disk is full" : ""));
-}
-
-void WritesThatFail::ExpectOldOrNew(const Outcome& outcome) {
-    if (GetParam().IsStart())
-        return;
-    // What was in the vault when the agent died is taken back after the start.
-    Json state;
-    EXPECT_TRUE(Eventually([&] {
-        state = State();
-        return Is(state, mOld) || Is(state, mNew);
-    })) << "half of it is there: "
-        << Json::diff(mOld, state);
-    // Without its files, the old state may look like the new one.
-    if (Is(state, mNew) && (outcome.isDone || !Is(state, mOld)))
-        return;
-    EXPECT_FALSE(outcome.isDone) << "what was answered as done is not there: " << Json::diff(mNew, state);
-    const Outcome again = Do(GetParam().change);
-    EXPECT_TRUE(again.isDone) << "the fault is gone: " << again.said;
-}
-
-void WritesThatFail::ExpectToGoOn() {
-    for (const bool isOn : {true, false})
-        Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
-    // Links that a start could not make are made soon after.
-    EXPECT_TRUE(Eventually([this] { return !GetParam().IsStart() || Is(State(), mNew); }));
-    ExpectNew("when the fault is gone");
-    StopAgent();
-    EXPECT_TRUE(mWorld.AgentLog().ends_with(" ends\n"));
-    LeaveStrayFile();
-    StartAgentIfGone();
-    mHasStrayFiles = false;
-    ExpectNew("after the next start, which removes what was left half-way");
-    ExpectWholeDatabase();
-    StopAgent();
-}
-
-void WritesThatFail::Learn(const Outcome& outcome) {
-    EXPECT_TRUE(outcome.isDone) << outcome.said;
-    const bool isOfStore = IsAgentAlive() && !GetParam().IsStart();
-    StartAgentIfGone();
-    mNew = State();
-    if (!isOfStore)
-        mOld = mNew;
-    EXPECT_TRUE(mOld != mNew || !isOfStore) << "the change does not show";
-}
-
-void WritesThatFail::Attempt(const Fault& fault, int at) {
-    if (mAgent)
-        KillAgent();
-    Copy("kept", "data");
-    if (!GetParam().IsStart())
-        StartAgentIfGone();
-    if (at == 0 && !GetParam().IsStart())
-        mOld = State();
-    const size_t logLines = FailureLines();
-    mFaults.Begin(fault, at);
-    const Outcome outcome = Do(GetParam().change);
-    mFaults.End();
-    if (at == 0)
-        return Learn(outcome);
-    const bool isKilled = fault.IsKill() && mFaults.HasHappened();
-    EXPECT_TRUE(Eventually([&] { return !isKilled || !IsAgentAlive(); }));
-    SCOPED_TRACE(mFaults.Where());
-    ExpectToBeSaid(fault, outcome, FailureLines() - logLines);
-    mHasStrayFiles = IsAgentAlive() && mFaults.HasKeptFile();
-    StartAgentIfGone();
-    ExpectOldOrNew(outcome);
-    ExpectToGoOn();
-}
 
 TEST_P(WritesThatFail, LeaveTheOldOrTheNewStateAndOneLine) {
     mFaults.MeetEvery(GetParam().name, [this](const Fault& fault, int at) { Attempt(fault, at); });

@@ -216,15 +216,6 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
     EXPECT_EQ(Run({"add", font, "--workgroup", "System Fonts"}), 1);
 }
 
-TEST(AgentElsewhere, WorksInFoldersOfAnyNameAndLength) {
-    TestWorld world("Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600 " +
-                    std::string(100, 'x'));
-    world.StartAgent();
-    world.RunForJson({"add", world.WriteFont("Sample-Bold")});
-    world.RunForJson({"activate", "Sample-Bold"});
-    EXPECT_EQ(world.ActiveFiles().size(), 1u);
-}
-
 TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     GoodClient good;
     for (const std::string& nonsense :

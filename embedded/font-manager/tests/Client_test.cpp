@@ -51,18 +51,6 @@ protected:
     static constexpr int64_t kNewItalic = 5;
 };
 
-TEST(ClientLibrary, ExportsTheContractAndNothingElse) {
-    std::set<std::string> expected;
-    const TestLibrary library;
-#define CHECK_BOUND(symbol, parameters) \
-    expected.insert(#symbol);           \
-    EXPECT_NE(library.symbol, nullptr) << #symbol;
-    TARNWICK_PLUGIN_FUNCTIONS(CHECK_BOUND)
-#undef CHECK_BOUND
-    ASSERT_EQ(expected.size(), 86u);
-    EXPECT_EQ(ExportedNames(), expected);
-}
-
 TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     const auto requested = NamesArray({"Sample-Bold", "Absent-Bold", "Sample Italic", "sample-bold"});
     const Opened opened = Open(requested);

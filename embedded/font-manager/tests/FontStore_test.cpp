@@ -215,9 +215,7 @@ TEST_F(SmartListStoreTest, HoldsTheFontsThatAreInAnyOfItsSources) {
     for (const auto& [query, fonts] : cases)
         EXPECT_EQ(FontsOf(0, query), fonts);
     EXPECT_EQ(FontsOf(0, {{mSecond}, {mSet}, {}}, 2, 1), (IDs{3}));
-}
-
-TEST_F(SmartListStoreTest, FollowsOtherListsAndGetsOutOfCircles) {
+    // And other lists are followed, but not in circles.
     const int32_t inner = mLists.Create("Inner", {{}, {mSet}, {}});
     const int32_t middle = mLists.Create("Middle", {{mFirst}, {}, {inner}});
     const int32_t outer = mLists.Create("Outer", {{}, {}, {middle, inner}});
@@ -228,17 +226,14 @@ TEST_F(SmartListStoreTest, FollowsOtherListsAndGetsOutOfCircles) {
     mLists.SetQuery(inner, {{}, {}, {inner}});
     EXPECT_EQ(FontsOf(inner), IDs());
     EXPECT_EQ(FontsOf(inner, {{}, {mSet}, {middle}}), (IDs{1, 2, 4})) << "as it is tried, in its place";
-}
-
-TEST_F(SmartListStoreTest, AListThatLosesItsLastSourceIsEmpty) {
-    const int32_t inner = mLists.Create("Inner", {});
-    const int32_t list = mLists.Create("List", {{}, {mSet}, {}});
-    const int32_t outer = mLists.Create("Outer", {{}, {}, {inner}});
+    // One that loses its last source is empty.
+    const int32_t last = mLists.Create("List", {{}, {mSet}, {}});
+    mLists.SetQuery(outer, {{}, {}, {inner}});
     mSets.Delete(mSet);
     mLists.Delete(inner);
-    EXPECT_EQ(FontsOf(list), IDs());
+    EXPECT_EQ(FontsOf(last), IDs());
     EXPECT_EQ(FontsOf(outer), IDs());
-    EXPECT_GT(mLists.Create("New", {}), outer);
+    EXPECT_GT(mLists.Create("New", {}), last);
 }
 
 TEST(Database, IsAsDurableAsATransactionAsks) {

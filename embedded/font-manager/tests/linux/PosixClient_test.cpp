@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <set>
+#include <sstream>
 
 #include "tests/support/ClientTest.h"
 
@@ -16,6 +18,20 @@ namespace pellwick::test {
 namespace {
 
 using PosixClient = ClientTest;
+
+TEST(ClientLibrary, ExportsTheContractAndNothingElse) {
+    std::set<std::string> expected;
+#define COLLECT(symbol, parameters) expected.insert(#symbol);
+    TARNWICK_PLUGIN_FUNCTIONS(COLLECT)
+#undef COLLECT
+    ASSERT_EQ(expected.size(), 86u);
+    std::istringstream symbols(
+        TestProcess({NM_PROGRAM, "-D", "--defined-only", TARNWICK_LIBRARY}).Finish().output);
+    std::set<std::string> exported;
+    for (std::string address, type, name; symbols >> address >> type >> name;)
+        exported.insert(name.substr(0, name.find('@')));
+    EXPECT_EQ(exported, expected);
+}
 
 TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
     ASSERT_EQ(AskWhetherLoggedIn(), 0u);

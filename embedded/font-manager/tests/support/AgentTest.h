@@ -54,7 +54,9 @@ protected:
     int Run(const std::vector<std::string>& words) const { return mWorld.Run(words).status; }
     Json Fonts() const { return mWorld.RunForJson({"list"})["fonts"]; }
 
-    TestWorld mWorld;
+    /// Its name has all that names may have, and is too long for the addresses of sockets.
+    TestWorld mWorld{"Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600 " +
+                     std::string(100, 'x')};
     const Locations mPlaces = Locations::OfThisUser();
 };
 

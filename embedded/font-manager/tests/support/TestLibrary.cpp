@@ -14,8 +14,10 @@ TestLibrary::TestLibrary() {
         libraries.LoadFromPath(platform::FullPath(TARNWICK_LIBRARY), error);
     if (library == nullptr)
         throw std::runtime_error(libraries.LastLoadFailure());
-#define TEST_LIBRARY_BIND(symbol, parameters) \
-    symbol = reinterpret_cast<PluginFunction_##symbol>(libraries.FindSymbol(library, #symbol));
+#define TEST_LIBRARY_BIND(symbol, parameters)                                                   \
+    symbol = reinterpret_cast<PluginFunction_##symbol>(libraries.FindSymbol(library, #symbol)); \
+    if (symbol == nullptr)                                                                      \
+        throw std::runtime_error("the library lacks " #symbol);
     TARNWICK_PLUGIN_FUNCTIONS(TEST_LIBRARY_BIND)
 #undef TEST_LIBRARY_BIND
 }

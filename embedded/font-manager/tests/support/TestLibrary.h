@@ -2,7 +2,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -14,13 +13,13 @@ namespace pellwick::test {
 
 using IDs = std::vector<int64_t>;
 
-/// Every function of the library, by its name; null when the library lacks it.
+/// Every function of the library, by its name.
 struct TestLibrary {
 #define TEST_LIBRARY_MEMBER(symbol, parameters) PluginFunction_##symbol symbol = nullptr;
     TARNWICK_PLUGIN_FUNCTIONS(TEST_LIBRARY_MEMBER)
 #undef TEST_LIBRARY_MEMBER
 
-    /// Loads the library; it stays loaded.
+    /// Loads the library; it stays loaded. Throws when it lacks one.
     TestLibrary();
 
     PluginFacadeRef Facade() const;
@@ -32,9 +31,6 @@ struct TestLibrary {
     ErrorCode Deactivate(const IDs& fontIDs) const;
     int32_t StateOf(int64_t fontID) const;
 };
-
-/// Every name that the library's file lets out.
-std::set<std::string> ExportedNames();
 
 CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames);
 CFRef<CFMutableArrayRef> IDsArray(const IDs& fontIDs);
