@@ -214,6 +214,13 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
         EXPECT_EQ(state(), kFontActivationState_Missing);
     }
     EXPECT_EQ(Run({"add", font, "--workgroup", "System Fonts"}), 1);
+    Run({"add", font});
+    mWorld.StopAgent();
+    const fs::path file = platform::Utf8Path(mWorld.VaultFiles().at(0));
+    fs::rename(file, fs::path(file).replace_extension(".otf"));
+    mWorld.StartAgent();
+    EXPECT_TRUE(Eventually([&] { return state() == kFontActivationState_Inactive; }));
+    EXPECT_EQ(platform::Utf8Path(mWorld.VaultFiles().at(0)), file);
 }
 
 TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {

@@ -127,7 +127,10 @@ TEST_F(ClientFonts, AreFoundByNameFamilyAndFingerprint) {
     EXPECT_TRUE(Filled(GetFontsByPostscriptName, "Sample-Bold", kSystemID).empty());
     EXPECT_EQ(Filled(GetFontsByFamilyName, "Sample", -2).size(), 2u);
     EXPECT_EQ(NamesOf(Filled(FindFontsInSameFamilyForActivation, kBold)), Names{"Sample-Italic"});
-    EXPECT_EQ(Given<CFDictionaryRef>(GetFontInfoByID, kBold)[kGS_FamilyKey], "Sample");
+    const Json info = Given<CFDictionaryRef>(GetFontInfoByID, kBold);
+    EXPECT_EQ(info[kGS_FamilyKey], "Sample");
+    EXPECT_EQ(info[kGS_FoundryKey], "TEST");
+    EXPECT_EQ(Told<int32_t>(GetFoundryNameColumnID), 6);
     CFDictionaryRef font = nullptr;
     EXPECT_EQ(Ask(GetFontInfoByID, 999, &font), CoreErrorCodes::kNotFound);
 
