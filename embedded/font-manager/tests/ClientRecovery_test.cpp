@@ -84,15 +84,13 @@ TEST_F(ClientRecovery, AHostThatDiesLeavesNothingBehind) {
         }
         return false;
     }));
-}
 
-TEST_F(ClientRecovery, AHostThatDiesWhileNoAgentRunsIsFoundOutAtTheNextStart) {
     const auto dying = StartHost({"Sample-Bold"});
     const auto living = StartHost({"Sample-Italic"});
     mWorld.KillAgent();
     dying->Finish();
     mWorld.StartAgent();
-    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u) << "the other died while there was no agent";
     living->Finish();  // it has no connection to this agent
     EXPECT_TRUE(AreActiveFiles(0));
 }
@@ -133,8 +131,10 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
     for (int time = 0; time < 2; ++time)  // what is missing is said once
         EXPECT_TRUE(Activate("/document", {"Sample-Bold"}).empty());
     expected.emplace_back(kPluginCallback_FontMissing, kBold);
-    EXPECT_EQ(Ask(SetGoogleWebFontsEnabled, true), 0u);
-    expected.emplace_back(kPluginCallback_GoogleWebFontsEnabled, 1);
+    for (int64_t time = 0; time < 2000; ++time) {  // however many there are
+        EXPECT_EQ(Ask(SetGoogleWebFontsEnabled, time % 2 == 0), 0u);
+        expected.emplace_back(kPluginCallback_GoogleWebFontsEnabled, time % 2 == 0);
+    }
     EXPECT_TRUE(Eventually([&] {
         const std::lock_guard guard(notes.notesLock);
         return notes.received.size() >= expected.size();
@@ -142,19 +142,6 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
     EXPECT_EQ(Ask(UnregisterForNotifications, Note), 0u);
     mWorld.RunForJson({"logout"});
     EXPECT_EQ(notes.received, expected);
-}
-
-TEST_F(ClientRecovery, TenThousandNotificationsArriveInOrder) {
-    constexpr int kCount = 10'000;
-    Listen();
-    for (int index = 0; index < kCount; ++index)
-        ASSERT_EQ(Ask(SetGoogleWebFontsEnabled, index % 2 == 0), 0u);
-    mWorld.RunForJson({"logout"});
-    ASSERT_TRUE(IsNoted(kPluginCallback_LoggedOut));
-    Ask(UnregisterForNotifications, Note);
-    ASSERT_EQ(notes.received.size(), kCount + 1u);
-    for (int index = 0; index < kCount; ++index)
-        ASSERT_EQ(notes.received[static_cast<size_t>(index)].second, index % 2 == 0 ? 1 : 0);
 }
 
 TEST_F(ClientRecovery, AGoodbyeIsNotifiedAndEachNewAgentIsHeard) {

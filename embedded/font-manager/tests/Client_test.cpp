@@ -52,14 +52,26 @@ protected:
 };
 
 TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
-    const auto requested = NamesArray({"Sample-Bold", "Absent-Bold", "Sample Italic", "sample-bold"});
+    const auto requested =
+        NamesArray({"Sample-Bold", "Sample-Black", "Sample Italic", "sample-bold", "Gone"});
+    const auto stale = cf::MutableDictionary();
+    cf::Set(stale, "Stale", cf::MutableDictionary());
+    for (const auto font : cf::Elements<CFDictionaryRef>(requested.get()))
+        cf::Set(const_cast<CFMutableDictionaryRef>(font), kGS_PossibleReplacementsKey, stale);
+    cf::Append(requested, "Sample-Thin");
     const Opened opened = Open(requested);
     const Json matched = JsonOf(opened.matched);
     EXPECT_EQ(NamesOf(matched), (Names{"Sample-Bold", "Sample-Italic"})) << "each once";
     EXPECT_EQ(matched[0][kGS_ActivationStateKey], kFontActivationState_Inactive);
-    ASSERT_EQ(cf::Count(opened.unmatched.get()), 1);
-    EXPECT_EQ(CFArrayGetValueAtIndex(opened.unmatched.get(), 0), CFArrayGetValueAtIndex(requested.get(), 1))
-        << "the very object";
+    const Json unmatched = JsonOf(opened.unmatched);
+    ASSERT_EQ(unmatched.size(), 3u);
+    const Json& replacements = unmatched[0][kGS_PossibleReplacementsKey];
+    EXPECT_EQ(replacements.size(), 2u);
+    EXPECT_TRUE(replacements.contains("Sample-Italic"));
+    EXPECT_EQ(replacements["Sample-Bold"][kGS_DatabaseIDKey], kBold);
+    EXPECT_EQ(unmatched[1], (Json{{kGS_PostScriptNameKey, "Gone"}}));
+    EXPECT_EQ(CFArrayGetValueAtIndex(opened.unmatched.get(), 2), CFArrayGetValueAtIndex(requested.get(), 5))
+        << "the very object, and a bare name stays one";
     ASSERT_EQ(cf::Count(opened.reported.get()), 3);
     const Json report = JsonOf(opened.reported)[1];
     EXPECT_EQ(report[kGS_PostScriptNameKey], "Sample Italic") << "as the host calls it";
@@ -76,26 +88,6 @@ TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
                   index == 0);
     EXPECT_EQ(Filled(DeactivateFonts, opened.matched, 0).size(), 2u);
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
-}
-
-TEST_F(ClientFonts, FontsThatAreNotThereComeWithThoseThatAreNear) {
-    const auto requested = NamesArray({"Sample-Black", "Gone-Black"});
-    const auto stale = cf::MutableDictionary();
-    cf::Set(stale, "Stale", cf::MutableDictionary());
-    for (const auto font : cf::Elements<CFDictionaryRef>(requested.get()))
-        cf::Set(const_cast<CFMutableDictionaryRef>(font), kGS_PossibleReplacementsKey, stale);
-    cf::Append(requested, "Sample-Thin");
-    const Json unmatched = JsonOf(Open(requested).unmatched);
-    ASSERT_EQ(unmatched.size(), 3u);
-    const Json replacements = unmatched[0][kGS_PossibleReplacementsKey];
-    EXPECT_EQ(replacements.size(), 2u);
-    EXPECT_TRUE(replacements.contains("Sample-Italic"));
-    EXPECT_EQ(replacements["Sample-Bold"][kGS_DatabaseIDKey], kBold);
-    EXPECT_EQ(replacements["Sample-Bold"][kGS_FamilyKey], "Sample");
-    EXPECT_EQ(replacements["Sample-Bold"][kGS_ActivationStateKey], kFontActivationState_Inactive);
-    EXPECT_EQ(unmatched[1], (Json{{kGS_PostScriptNameKey, "Gone-Black"}}));
-    EXPECT_EQ(unmatched[2], "Sample-Thin") << "a bare name stays one";
-    EXPECT_TRUE(mWorld.ActiveFiles().empty()) << "nothing is activated unasked";
 }
 
 TEST_F(ClientFonts, MoreFontsThanAMessageHoldsAreAskedForInParts) {

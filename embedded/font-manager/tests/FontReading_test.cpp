@@ -82,13 +82,11 @@ TEST(FontScanner, SurvivesFontsCutAndChangedAnywhereAsTheRendererDoes) {
     for (size_t position = 0; position < font.size(); ++position) {
         scanner.Scan(font.substr(0, position), reason);
         renderer.Render(font.substr(0, position), name, 1);
-        for (const char damage : {'\x00', '\x7F', '\xFF'}) {
-            std::string damaged = font;
-            damaged[position] = damage;
-            ASSERT_LE(renderer.Render(damaged, name, 1).width, kMaxPreviewWidth);
-            for (const FontFace& face : scanner.Scan(damaged, reason))
-                EXPECT_FALSE(face.postScriptName.empty());
-        }
+        std::string damaged = font;
+        damaged[position] = static_cast<char>(~damaged[position]);
+        ASSERT_LE(renderer.Render(damaged, name, 1).width, kMaxPreviewWidth);
+        for (const FontFace& face : scanner.Scan(damaged, reason))
+            EXPECT_FALSE(face.postScriptName.empty());
     }
     FontFace absent = name;
     absent.face = 7;

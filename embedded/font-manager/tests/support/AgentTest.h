@@ -56,7 +56,7 @@ protected:
 
     /// Its name has all that names may have, and is too long for the addresses of sockets.
     TestWorld mWorld{"Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600 " +
-                     std::string(100, 'x')};
+                     std::string(30, 'x')};
     const Locations mPlaces = Locations::OfThisUser();
 };
 

@@ -41,17 +41,15 @@ public:
 
     /// False when the other side closes before all have come.
     bool Read(char* bytes, size_t size) {
-        for (size_t count = 0, piece = 1; count < size && piece != 0; count += piece) {
-            mStream.Read(asio::buffer(bytes + count, size - count),
-                         [&](const asio::error_code&, size_t received) {
-                             piece = received;
-                             mIsDone = true;
-                         });
+        size_t piece = 1;
+        for (; size > 0 && piece != 0; bytes += piece, size -= piece) {
+            mStream.Read(asio::buffer(bytes, size), [&](const asio::error_code&, size_t received) {
+                piece = received;
+                mIsDone = true;
+            });
             Run();
-            if (piece == 0)
-                return false;
         }
-        return true;
+        return size == 0;
     }
     void Write(const std::string& bytes) {
         mStream.Write(bytes, [this](const asio::error_code&) { mIsDone = true; });
