@@ -39,44 +39,32 @@ protected:
 };
 
 TEST_F(ClientLists, FontsArePutTogetherInSets) {
-    const auto create = [&](const char* name, int32_t workgroup, int32_t& set) {
-        return Ask(CreateTopLevelSet, name, workgroup, &set);
-    };
-    int64_t sets[2];
-    const char* const names[] = {"Plakat \u5b57\u4f53", "Flyer"};
-    for (const int number : {0, 1})
-        sets[number] = Told<int32_t>(CreateTopLevelSet, names[number], kLibraryID);
+    const char* const name = "Flugblatt \u5b57\u4f53";
+    const int64_t poster = CreatePoster();
+    const int64_t flyer = Told<int32_t>(CreateTopLevelSet, name, kLibraryID);
     int32_t untouched = -5;
-    const struct {
-        const char* name;
-        int32_t workgroup;
-        ErrorCode code;
-    } refusals[] = {
-        {"Flyer", kLibraryID, CoreErrorCodes::kItemAlreadyExists},
-        {"", kLibraryID, CoreErrorCodes::kMissingParam},
-        {"New", kWorkgroupID_All, GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup},
-        {"New", kSystemID, GZephyrinSetManager::kCannotAddSetsToSystemWorkgroup},
-        {"New", 999, GZephyrinSetManager::kWorkGroupIDDoesNotExist}};
-    for (const auto& [name, workgroup, code] : refusals)
-        EXPECT_EQ(create(name, workgroup, untouched), code) << name << workgroup;
+    const auto create = [&](const char* newName, int32_t workgroup) {
+        return Ask(CreateTopLevelSet, newName, workgroup, &untouched);
+    };
+    const auto add = [&](const IDs& fonts, const IDs& sets) { return Ask(AddFontsToSets, fonts, sets); };
+    const auto expectSizes = [&](size_t sizeOfPoster, size_t sizeOfFlyer) {
+        EXPECT_EQ(mWorld.RunForJson({"set", "show", "Poster"})["fonts"].size(), sizeOfPoster);
+        EXPECT_EQ(mWorld.RunForJson({"set", "show", name})["fonts"].size(), sizeOfFlyer);
+    };
+    ExpectCodes(
+        {{create("Poster", kLibraryID), CoreErrorCodes::kItemAlreadyExists},
+         {create("", kLibraryID), CoreErrorCodes::kMissingParam},
+         {create("New", kWorkgroupID_All), GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup},
+         {create("New", kSystemID), GZephyrinSetManager::kCannotAddSetsToSystemWorkgroup},
+         {create("New", 999), GZephyrinSetManager::kWorkGroupIDDoesNotExist},
+         {add({kBold, 999}, {poster}), CoreErrorCodes::kNotFound},
+         {add({kBold, -1}, {poster}), CoreErrorCodes::kNotFound},
+         {add({kBold}, {poster, 999}), GZephyrinSetManager::kSetNotFound},
+         {add({kBold}, {poster, (int64_t{1} << 32) + flyer}), GZephyrinSetManager::kSetNotFound}});
     EXPECT_EQ(untouched, -5);
-    const struct {
-        IDs fonts;
-        IDs sets;
-        ErrorCode code;
-        size_t sizes[2];
-    } additions[] = {
-        {{kBold, 999}, {sets[0]}, CoreErrorCodes::kNotFound, {0, 0}},
-        {{kBold, -1}, {sets[0]}, CoreErrorCodes::kNotFound, {0, 0}},
-        {{kBold}, {sets[0], 999}, GZephyrinSetManager::kSetNotFound, {0, 0}},
-        {{kBold}, {sets[0], (int64_t{1} << 32) + sets[1]}, GZephyrinSetManager::kSetNotFound, {0, 0}},
-        {{kBold}, {sets[0], sets[1]}, 0, {1, 1}},
-        {{kBold, kItalic}, {sets[0]}, 0, {2, 1}}};
-    for (const auto& [fonts, into, code, sizes] : additions) {
-        EXPECT_EQ(Ask(AddFontsToSets, fonts, into), code);
-        for (const int number : {0, 1})
-            EXPECT_EQ(mWorld.RunForJson({"set", "show", names[number]})["fonts"].size(), sizes[number]);
-    }
+    expectSizes(1, 0);
+    EXPECT_EQ(add({kBold, kItalic}, {poster, flyer}), 0u);
+    expectSizes(2, 2);
 }
 
 TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
@@ -98,20 +86,18 @@ TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
     int32_t untouched = -5;
     CFDictionaryRef found = nullptr;
     const auto fonts = cf::MutableArray();
-    const std::pair<ErrorCode, ErrorCode> answers[] = {
-        {CreateList("Everything", {}, untouched), CoreErrorCodes::kItemAlreadyExists},
-        {CreateList(" ", {}, untouched), CoreErrorCodes::kMissingParam},
-        {CreateList("New", {0}, untouched), CoreErrorCodes::kInvalidParam},
-        {CreateList("New", {(int64_t{1} << 32) + 1}, untouched), CoreErrorCodes::kInvalidParam},
-        {Ask(RenameSmartList, posters, "Everything"), CoreErrorCodes::kItemAlreadyExists},
-        {Ask(RenameSmartList, posters, "Posters"), 0},
-        {Ask(DeleteSmartList, all), 0},
-        {Ask(DeleteSmartList, all), GZephyrinSetManager::kSetNotFound},
-        {Ask(GetSmartList, all, &found), GZephyrinSetManager::kSetNotFound},
-        {Ask(GetSmartListFonts, all, fonts), GZephyrinSetManager::kSetNotFound},
-        {Ask(SetSmartListQuery, all, nullptr, nullptr, nullptr), GZephyrinSetManager::kSetNotFound}};
-    for (size_t index = 0; index < std::size(answers); ++index)
-        EXPECT_EQ(answers[index].first, answers[index].second) << index;
+    ExpectCodes(
+        {{CreateList("Everything", {}, untouched), CoreErrorCodes::kItemAlreadyExists},
+         {CreateList(" ", {}, untouched), CoreErrorCodes::kMissingParam},
+         {CreateList("New", {0}, untouched), CoreErrorCodes::kInvalidParam},
+         {CreateList("New", {(int64_t{1} << 32) + 1}, untouched), CoreErrorCodes::kInvalidParam},
+         {Ask(RenameSmartList, posters, "Everything"), CoreErrorCodes::kItemAlreadyExists},
+         {Ask(RenameSmartList, posters, "Posters"), 0},
+         {Ask(DeleteSmartList, all), 0},
+         {Ask(DeleteSmartList, all), GZephyrinSetManager::kSetNotFound},
+         {Ask(GetSmartList, all, &found), GZephyrinSetManager::kSetNotFound},
+         {Ask(GetSmartListFonts, all, fonts), GZephyrinSetManager::kSetNotFound},
+         {Ask(SetSmartListQuery, all, nullptr, nullptr, nullptr), GZephyrinSetManager::kSetNotFound}});
     EXPECT_EQ(untouched, -5);
     mWorld.RunForJson({"logout"});
     EXPECT_EQ(CreateList("New", {}, untouched), GZephyrinServerFacade::kNotLoggedIn);

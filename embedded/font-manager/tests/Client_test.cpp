@@ -274,21 +274,19 @@ TEST(ClientLibrary, AnswersNullAndStaleArgumentsWithCodes) {
     library.ResetPluginFacadeInstance();
     const PluginFacadeRef facade = library.Facade();
     const auto array = cf::MutableArray();
-    const std::pair<ErrorCode, ErrorCode> answers[] = {
-        {library.GetIsLoggedIn(nullptr, &truth), GAgentIF::kUninitialized},
-        {library.GetGoogleFonts(nullptr, array.get()), GAgentIF::kUninitialized},
-        {library.GetIsLoggedIn(stale, &truth), GAgentIF::kAgentIFDestroyed},
-        {library.GetIsLoggedIn(facade, &truth), GIPCClient::kServiceUnavailable},
-        {library.RegisterForNotifications(facade, Note), GIPCClient::kServiceUnavailable},
-        {library.GetIsLoggedIn(facade, nullptr), CoreErrorCodes::kNullPointer},
-        {library.ActivateFonts(facade, nullptr, nullptr, nullptr, nullptr), CoreErrorCodes::kNullPointer},
-        {library.GetPluginFacadeInstance(nullptr), CoreErrorCodes::kNullPointer},
-        {library.RegisterForNotifications(facade, nullptr), CoreErrorCodes::kNullPointer},
-        {library.GetGlyphscanXMPData(facade, 1, nullptr), CoreErrorCodes::kNullPointer},
-        {library.RenderFontNamePreviewPNGs(facade, nullptr, nullptr, nullptr), CoreErrorCodes::kNullPointer},
-        {library.TrackFontPanelClick(facade, 1), CoreErrorCodes::kNotImplemented}};
-    for (size_t index = 0; index < std::size(answers); ++index)
-        EXPECT_EQ(answers[index].first, answers[index].second) << index;
+    ExpectCodes(
+        {{library.GetIsLoggedIn(nullptr, &truth), GAgentIF::kUninitialized},
+         {library.GetGoogleFonts(nullptr, array.get()), GAgentIF::kUninitialized},
+         {library.GetIsLoggedIn(stale, &truth), GAgentIF::kAgentIFDestroyed},
+         {library.GetIsLoggedIn(facade, &truth), GIPCClient::kServiceUnavailable},
+         {library.RegisterForNotifications(facade, Note), GIPCClient::kServiceUnavailable},
+         {library.GetIsLoggedIn(facade, nullptr), CoreErrorCodes::kNullPointer},
+         {library.ActivateFonts(facade, nullptr, nullptr, nullptr, nullptr), CoreErrorCodes::kNullPointer},
+         {library.GetPluginFacadeInstance(nullptr), CoreErrorCodes::kNullPointer},
+         {library.RegisterForNotifications(facade, nullptr), CoreErrorCodes::kNullPointer},
+         {library.GetGlyphscanXMPData(facade, 1, nullptr), CoreErrorCodes::kNullPointer},
+         {library.RenderFontNamePreviewPNGs(facade, nullptr, nullptr, nullptr), CoreErrorCodes::kNullPointer},
+         {library.TrackFontPanelClick(facade, 1), CoreErrorCodes::kNotImplemented}});
 }
 
 }  // namespace

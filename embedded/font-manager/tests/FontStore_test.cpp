@@ -285,33 +285,35 @@ ErrorCode RefusalOf(Database& database) {
     }
 }
 
-TEST(Schema, RefusesADatabaseThatIsNoneOfOurs) {
+TEST(Schema, RefusesADatabaseThatIsNoneOfOursAndLeavesItAsItWas) {
     const auto version = [](int number) { return "PRAGMA user_version = " + std::to_string(number); };
-    const std::pair<std::string, ErrorCode> changes[] = {
-        {version(kSchemaVersion + 1), CoreErrorCodes::kVersionMismatch},
-        {version(INT_MAX), CoreErrorCodes::kVersionMismatch},
-        {version(-1), GSqliteDatabase::kInvalidDatabaseFile},
-        {version(INT_MIN), GSqliteDatabase::kInvalidDatabaseFile},
-        {"DROP TABLE settings", GSqliteDatabase::kInvalidDatabaseFile},
-        {"ALTER TABLE leases DROP COLUMN request", GSqliteDatabase::kInvalidDatabaseFile},
-        {"DROP TABLE document_fonts", GSqliteDatabase::kInvalidDatabaseFile}};
-    for (const auto& [change, code] : changes) {
-        Database database(":memory:");
-        PrepareSchema(database);
-        database.Execute(change.c_str());
-        EXPECT_EQ(RefusalOf(database), code) << change;
-    }
-}
-
-TEST(Schema, LeavesTheDatabaseOfAnotherProgramAsItWas) {
-    for (const char* const change : {"", "; PRAGMA user_version = 1", "; PRAGMA user_version = 3"}) {
+    const std::string notes = "CREATE TABLE notes (text TEXT);";
+    const struct {
+        bool isOurs;
+        std::string change;
+        ErrorCode code;
+    } cases[] = {{true, version(kSchemaVersion + 1), CoreErrorCodes::kVersionMismatch},
+                 {true, version(INT_MAX), CoreErrorCodes::kVersionMismatch},
+                 {true, version(-1), GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, version(INT_MIN), GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "DROP TABLE settings", GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "ALTER TABLE leases DROP COLUMN request", GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "DROP TABLE document_fonts", GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes, GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes + version(1), GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes + version(3), GSqliteDatabase::kInvalidDatabaseFile}};
+    for (const auto& [isOurs, change, code] : cases) {
         const TemporaryFolder folder;
-        const std::string path = folder / "notes";
-        Database(path).Execute((std::string("CREATE TABLE notes (text TEXT)") + change).c_str());
+        const std::string path = folder / "database";
+        {
+            Database database(path);
+            EXPECT_TRUE(!isOurs || PrepareSchema(database));
+            database.Execute(change.c_str());
+        }
         const std::string before = test::ContentOf(path);
         {
             Database database(path);
-            EXPECT_EQ(RefusalOf(database), GSqliteDatabase::kInvalidDatabaseFile) << change;
+            EXPECT_EQ(RefusalOf(database), code) << change;
         }
         EXPECT_EQ(test::ContentOf(path), before) << change;
     }

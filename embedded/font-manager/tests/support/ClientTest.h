@@ -88,6 +88,12 @@ inline bool IsNoted(int32_t type) {
     return Eventually([type] { return notes.Has(type); });
 }
 
+/// What calls have come to, and what they should.
+inline void ExpectCodes(const std::vector<std::pair<ErrorCode, ErrorCode>>& answers) {
+    for (size_t index = 0; index < answers.size(); ++index)
+        EXPECT_EQ(answers[index].first, answers[index].second) << index;
+}
+
 class ClientTest : public testing::Test, protected TestLibrary {
 protected:
     // Fonts, and the workgroups of a fresh machine.
