@@ -1,18 +1,11 @@
 // What an agent answers to the client library, and the process that reads fonts to the agent, of any
 // content: it is refused, or kept to the limits, and what is made of it can be made into a message again.
-
 #include <algorithm>
-#include <cstdint>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "FontRecordKeys.h"
+#include "Fuzz.h"
 #include "PrintableText.h"
-#include "Require.h"
-#include "Seeds.h"
-#include "StringConversion.h"
 #include "client/CFJson.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
@@ -20,9 +13,9 @@
 #include "preview/PreviewFolder.h"
 #include "workers/FontWorkMessages.h"
 
-namespace {
-
 using namespace pellwick;
+
+namespace {
 
 /// From JSON to CoreFoundation and back; what comes back makes the trip unchanged.
 void CheckConversions(const Json& result) {
@@ -92,50 +85,29 @@ std::string Frame(const Json& message) {
     return EncodeMessage(message).value();
 }
 
+}  // namespace
+
 /// The first byte chooses who reads the rest.
 std::vector<std::string> Seeds() {
-    const Json record = {{kGS_DatabaseIDKey, 7},
-                         {kGS_PostScriptNameKey, "Sample-Bold"},
-                         {kGS_ActivationStateKey, 1},
-                         {kGS_KeywordsKey, {"a", "b", nullptr}},
-                         {"FullName", "\xFF"},
-                         {"ratio", 0.5},
-                         {kGS_OutlineFileSizeKey, 1 << 30},
+    const Json record = {{kGS_DatabaseIDKey, 7}, {kGS_PostScriptNameKey, "Sample-Bold"},
+                         {"FullName", "\xFF"},   {kGS_KeywordsKey, {"a", "b", nullptr}},
+                         {"ratio", 0.5},         {kGS_OutlineFileSizeKey, 1 << 30},
                          {"visible", true}};
+    const Json images = {{member::kFont, 1}, {"PNGFilename", "/a"}, {"2xPNGFilename", "/b"}};
     FontFace face;
     face.postScriptName = "Sample-Bold";
     face.lookupNames = {"Sample Bold", "Sample"};
     return {"a" + Frame({{"id", 1}, {"code", 0}, {"result", {{"fonts", {record, record}}}}}),
-            "a" + Frame({{"working", true}}) +
-                Frame({{"id", 2}, {"code", 65537}, {"result", {{"message", "there is no such font"}}}}),
-            "a" + Frame({{"notification", 3},
-                         {"data", {{member::kFont, 1}, {"PNGFilename", "/a"}, {"2xPNGFilename", "/b"}}}}),
+            "a" + Frame({{"id", 2}, {"code", 65537}, {"result", {{"message", "there is no such font"}}}}),
+            "a" + Frame({{"notification", 3}, {"data", images}}),
             "b" + EncodeScanResult({{face, face}, ""}),
             "b" + EncodeScanResult({{}, "damaged font file"}),
             "c" + EncodeImage({3, 2, {0, 1, 2, 253, 254, 255}}),
             "c" + EncodeImage({})};
 }
 
-}  // namespace
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t maxSize, unsigned random) {
-    static const auto* const seeds = new std::vector<std::string>(Seeds());
-    return MutateOrSeed(*seeds, data, size, maxSize, random);
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0)
-        return 0;
-    const std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
-    switch (data[0] % 3) {
-        case 'a' % 3:
-            CheckMessages(rest);
-            break;
-        case 'b' % 3:
-            CheckScan(rest);
-            break;
-        default:
-            CheckImage(rest);
-    }
-    return 0;
+void TryInput(const std::string& input) {
+    constexpr void (*kChecks[])(std::string_view) = {CheckMessages, CheckScan, CheckImage};
+    if (!input.empty())
+        kChecks[static_cast<unsigned char>(input[0] - 'a') % 3](std::string_view(input).substr(1));
 }

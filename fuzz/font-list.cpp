@@ -1,17 +1,16 @@
 // Font lists as hosts pass them, in and out again.
-
 #include <CoreFoundation++/CFRef.h>
 
-#include <cstdint>
-#include <string>
-
 #include "FontListJSON.h"
+#include "Fuzz.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+std::vector<std::string> Seeds() {
+    return {R"({"fonts":[{"PostScriptName":"Sample-Bold"},"Sample"]})"};
+}
+
+void TryInput(const std::string& input) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    static_cast<void>(AppendFontsFromJSON(text, FontListForm::kArrayOrObject, fonts.get()));
+    static_cast<void>(AppendFontsFromJSON(input, FontListForm::kArrayOrObject, fonts.get()));
     std::string written;
     static_cast<void>(FontsToJSON(fonts.get(), written));
-    return 0;
 }

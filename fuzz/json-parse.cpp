@@ -1,21 +1,13 @@
 // Both kinds of JSON: whatever the text, no more than a code; and a tree that was read is written as text
-// from which the same tree is read.
-
-#include <cstdint>
-#include <cstdlib>
+// from which the same tree is read, also when it is built anew.
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
-#include <string>
 
+#include "Fuzz.h"
 #include "GJSONUtils.h"
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 /// Builds what `source` holds anew below `target`, an array, with the functions that messages are built with.
 void CopyInto(JSONValue& target, const JSONValue& source) {
@@ -31,70 +23,50 @@ void CopyInto(JSONValue& target, const JSONValue& source) {
         code = GJSONUtils::AddValueToArray(target, source.as_double(), copy);
     else if (source.is_array())
         code = GJSONUtils::AddArrayToArray(target, copy);
-    Require(code == 0);
+    Require(code == 0, "values can be added");
     if (source.is_array()) {
         for (const JSONValue& element : source.as_array())
             CopyInto(copy, element);
     }
 }
 
-/// The tree as text; none when it is nested deeper than can be written.
-std::optional<std::string> Written(const JSONValue& root) {
-    try {
-        return root.to_json();
-    } catch (const std::runtime_error&) {
-        return std::nullopt;
-    }
-}
-
-void CheckBuilding(const JSONValue& root) {
-    JSONObject document;
-    JSONValue target;
-    Require(GJSONUtils::Parse(document, "[]", target) == 0);
-    CopyInto(target, root);
-    JSONObject readBack;
-    JSONValue copy;
-    // One level deeper than the text that was read.
-    const std::optional<std::string> written = Written(target);
-    if (!written)
-        return;
-    Require(GJSONUtils::Parse(readBack, *written, copy) == 0);
-    Require(copy.to_json() == *written);
-}
-
-void CheckTree(const std::string& text) {
-    JSONObject document;
-    JSONValue root;
-    if (GJSONUtils::Parse(document, text, root) != 0)
-        return;
-    const std::optional<std::string> written = Written(root);
-    if (!written)
-        return;
-    JSONObject documentReadBack;
-    JSONValue rootReadBack;
-    Require(GJSONUtils::Parse(documentReadBack, *written, rootReadBack) == 0);
-    Require(rootReadBack.to_json() == *written);
-    CheckBuilding(root);
-}
-
-void CheckDocument(const std::string& text) {
-    nlohmann::json document;
+/// False where it is nested deeper than can be written.
+bool IsReadAsItIsWritten(const JSONValue& root) {
     std::string written;
-    if (GJSONUtils::Parse(text, document) != 0)
-        return;
-    Require(GJSONUtils::Serialise(document, written) == 0);
-    nlohmann::json documentReadBack;
-    Require(GJSONUtils::Parse(written, documentReadBack) == 0);
-    Require(documentReadBack == document);
+    try {
+        written = root.to_json();
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+    JSONObject document;
+    JSONValue readBack;
+    Require(GJSONUtils::Parse(document, written, readBack) == 0, "what is written can be read");
+    Require(readBack.to_json() == written, "it is what was written");
+    return true;
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    CheckTree(text);
-    CheckDocument(text);
+std::vector<std::string> Seeds() {
+    return {R"([1,-2.5,true,null,"\u5b57",[[]],{"a":{"b":[]}}])"};
+}
+
+void TryInput(const std::string& input) {
+    JSONObject read;
+    JSONObject built;
+    JSONValue root;
+    JSONValue target;
+    if (GJSONUtils::Parse(read, input, root) == 0 && IsReadAsItIsWritten(root)) {
+        Require(GJSONUtils::Parse(built, "[]", target) == 0, "an array can be read");
+        CopyInto(target, root);
+        IsReadAsItIsWritten(target);  // one level deeper
+    }
     nlohmann::json document;
-    static_cast<void>(GJSONUtils::Parse(std::vector<char>(text.begin(), text.end()), document));
-    return 0;
+    nlohmann::json readBack;
+    std::string written;
+    if (GJSONUtils::Parse(input, document) == 0) {
+        Require(GJSONUtils::Serialise(document, written) == 0, "a document can be written");
+        Require(GJSONUtils::Parse(written, readBack) == 0 && readBack == document, "it is read as it is");
+    }
+    static_cast<void>(GJSONUtils::Parse(std::vector<char>(input.begin(), input.end()), document));
 }

@@ -1,15 +1,12 @@
 // The launch-info file, whatever stands in it.
-
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
 #include "AgentLauncher.h"
+#include "Fuzz.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string content(reinterpret_cast<const char*>(data), size);
-    const std::string value = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
-    if (value.find_first_of("\r\n") != std::string::npos)
-        std::abort();
-    return 0;
+std::vector<std::string> Seeds() {
+    return {"# of old\r\npellwick.path=/opt/Pellwick\r\npellwick.args=serve\n"};
+}
+
+void TryInput(const std::string& input) {
+    const std::string value = AgentLauncher::LaunchInfoValue(input, "pellwick.path");
+    Require(value.find_first_of("\r\n") == std::string::npos, "a value is in one line");
 }

@@ -1,12 +1,7 @@
 // What panels send, of any content. Every reply is a JSON object with a number, and the panel sends each
 // reply back as its next request, as a panel that misunderstands everything would.
-
-#include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-
 #include "FakePlugPlug.h"
+#include "Fuzz.h"
 #include "GJSONUtils.h"
 #include "HTMLPanel.h"
 #include "SilentWorld.h"
@@ -22,8 +17,7 @@ struct PanelWorld : SilentWorld {
         cf::Set(font, kGS_PostScriptNameKey, "Tab\tbed");
         library.smartListFonts = {font};
         library.conflictingFonts = {9};
-        if (!MakeFunctional() || panel.RegisterHandler() != 0)
-            std::abort();
+        Require(MakeFunctional() && panel.RegisterHandler() == 0, "the panel is there");
         MarquellGlobals::SetConnectedToCore(true);
         service.whileDispatching = [this](const std::string& data) { OnMessage(data); };
     }
@@ -32,9 +26,9 @@ struct PanelWorld : SilentWorld {
         JSONObject document;
         JSONValue root;
         int messageID = 0;
-        if (GJSONUtils::Parse(document, data, root) != 0 ||
-            GJSONUtils::GetValueForKey(root, "messageID", messageID) != 0)
-            std::abort();
+        Require(GJSONUtils::Parse(document, data, root) == 0 &&
+                    GJSONUtils::GetValueForKey(root, "messageID", messageID) == 0,
+                "a reply has a number");
         service.events.clear();
         // Two that would go on for ever: replies that are requests again.
         if (repliesLeft-- > 0)
@@ -55,8 +49,11 @@ struct PanelWorld : SilentWorld {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+std::vector<std::string> Seeds() {
+    return {};
+}
+
+void TryInput(const std::string& input) {
     static PanelWorld world;
-    world.Receive(std::string(reinterpret_cast<const char*>(data), size));
-    return 0;
+    world.Receive(input);
 }

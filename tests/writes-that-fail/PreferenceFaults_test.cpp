@@ -5,16 +5,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "FaultRun.h"
 #include "TemporaryFolder.h"
-#include "TestProcess.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
-#include "platform/Utf8Path.h"
 
 namespace {
 
@@ -31,15 +28,15 @@ struct Case {
     int newNumber;
 };
 
+void PrintTo(const Case& each, std::ostream* out) {
+    *out << each.name;
+}
+
 const Case kCases[] = {{"StoreANumber", kOld, "store 2", 1, 2},
                        {"StoreTheFirstNumber", nullptr, "store 2", 0, 2},
                        {"StoreOverADamagedFile", kDamaged, "store 2", 0, 2},
                        {"AskWhetherItIsUsable", kOld, "usable", 1, 1},
                        {"AskForTheFirstTime", nullptr, "usable", 0, 0}};
-
-void PrintTo(const Case& each, std::ostream* out) {
-    *out << each.name;
-}
 
 class PreferenceWritesThatFail : public testing::TestWithParam<Case> {
 protected:
@@ -48,7 +45,7 @@ protected:
         platform::SetEnvironment("PLUGINCORE_DEBUG_OUTPUT", mFolder / "log");
     }
 
-    std::string ContentOf(const std::string& path) const {
+    static std::string ContentOf(const std::string& path) {
         std::string content;
         platform::ReadWholeFile(path, content, 1 << 20);
         return content;
@@ -58,105 +55,86 @@ protected:
         const auto root = nlohmann::json::parse(ContentOf(mPath), nullptr, false);
         return root.is_object() ? root.at("plug-in").at("Unknown").value("number", int64_t{0}) : 0;
     }
+    std::string Log() const { return ContentOf(mFolder / "log"); }
     long LinesInLog() const {
-        const std::string log = ContentOf(mFolder / "log");
+        const std::string log = Log();
         return std::count(log.begin(), log.end(), '\n');
     }
-    bool IsDamagedFileKept() const {
-        return ContentOf(mPath) == kDamaged || ContentOf(mPath + ".damaged-1") == kDamaged;
+    bool IsDamaged() const { return GetParam().before == kDamaged; }
+
+    void StartHost() {
+        mHost = mFaults.Start({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "obey"});
+    }
+    /// Empty when the host has died.
+    std::string Ask(const std::string& command) const {
+        mHost->WriteLine(command);
+        return mHost->ReadLine();
+    }
+    void ExpectToBeSaid(const Fault& fault, bool isDone) const {
+        const bool isFailure = !isDone && !fault.IsKill();
+        EXPECT_LE(LinesInLog(), isFailure + platform::IsExistingFile(mPath + ".damaged-1")) << Log();
+        if (!isFailure)
+            return;
+        EXPECT_THAT(Log(), testing::HasSubstr(mFolder / "configuration/Vantorix"));
+        EXPECT_THAT(Log(), testing::HasSubstr(fault.kind == FaultPlan::kDiskFull ? "the disk is full"
+                                                                                 : "Input/output error"));
     }
 
-    void SetBack();
-    void StartHost();
-    std::string Ask(const std::string& command) const;
-    void Attempt(const Fault& fault, int at);
-    void ExpectToBeSaid(const Fault& fault, bool isDone) const;
-    void ExpectToGoOn(int number);
-    void ExpectNoOtherFiles() const;
+    /// The host that met the fault, or the next one where that is dead.
+    void ExpectToGoOn(int number) {
+        const long lines = LinesInLog();
+        EXPECT_EQ(Ask("usable"), "1");
+        EXPECT_EQ(Ask("store " + std::to_string(number)), "1");
+        EXPECT_EQ(Ask("read"), std::to_string(number));
+        EXPECT_EQ(StoredNumber(), number);
+        EXPECT_EQ(mHost->Finish().status, 0);
+        EXPECT_LE(LinesInLog(), lines + IsDamaged()) << Log();
+    }
+
+    void ExpectNoOtherFiles() const {
+        std::error_code noFolder;
+        for (const auto& entry : fs::directory_iterator(fs::path(mPath).parent_path(), noFolder))
+            EXPECT_THAT(
+                entry.path().filename().string(),
+                testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
+    }
+
+    void Attempt(const Fault& fault, int at) {
+        fs::remove_all(mFolder / "configuration");
+        fs::remove(mFolder / "log");
+        fs::create_directory(mFolder / "configuration");
+        if (GetParam().before != nullptr)
+            mFolder.Write("configuration/Vantorix/Preferences.json", GetParam().before);
+        StartHost();
+        mFaults.Begin(fault, at);
+        const std::string answer = Ask(GetParam().command);
+        mFaults.End();
+        EXPECT_EQ(answer.empty(), fault.IsKill());
+        SCOPED_TRACE(mFaults.Where());
+        const bool isDone = answer == "1";
+        EXPECT_THAT(StoredNumber(), testing::AnyOf(GetParam().newNumber,
+                                                   isDone ? GetParam().newNumber : GetParam().oldNumber));
+        ExpectToBeSaid(fault, isDone);
+        EXPECT_TRUE(!IsDamaged() || ContentOf(mPath) == kDamaged ||
+                    ContentOf(mPath + ".damaged-1") == kDamaged);
+        if (answer.empty())
+            StartHost();
+        else if (!mFaults.HasKeptFile())
+            ExpectNoOtherFiles();
+        ExpectToGoOn(3);
+        StartHost();
+        ExpectToGoOn(4);
+        ExpectNoOtherFiles();
+    }
 
     const TemporaryFolder mFolder;
     const std::string mPath = mFolder / "configuration/Vantorix/Preferences.json";
-    FaultControl mFaults{mFolder / "plan"};
+    FaultControl mFaults{mFolder / "plan", mFolder / "configuration"};
     std::unique_ptr<TestProcess> mHost;
 };
 
-void PreferenceWritesThatFail::SetBack() {
-    fs::remove_all(platform::Utf8Path(mFolder / "configuration"));
-    platform::RemoveFile(mFolder / "log");
-    fs::create_directory(platform::Utf8Path(mFolder / "configuration"));
-    if (GetParam().before != nullptr)
-        mFolder.Write("configuration/Vantorix/Preferences.json", GetParam().before);
-}
-
-void PreferenceWritesThatFail::StartHost() {
-    const FaultyStart start(mFaults, mFolder / "configuration");
-    mHost = std::make_unique<TestProcess>(
-        std::vector<std::string>{PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "obey"});
-}
-
-/// Empty when the host has died.
-std::string PreferenceWritesThatFail::Ask(const std::string& command) const {
-    mHost->WriteLine(command);
-    return mHost->ReadLine();
-}
-
-void PreferenceWritesThatFail::ExpectToBeSaid(const Fault& fault, bool isDone) const {
-    const bool isSetAside = platform::IsExistingFile(mPath + ".damaged-1");
-    const bool isFailure = !isDone && fault.kind != FaultPlan::kKill;
-    const std::string log = ContentOf(mFolder / "log");
-    EXPECT_LE(LinesInLog(), (isFailure ? 1 : 0) + (isSetAside ? 1 : 0)) << log;
-    if (!isFailure)
-        return;
-    EXPECT_THAT(log, testing::HasSubstr(mFolder / "configuration/Vantorix"));
-    EXPECT_THAT(log, testing::HasSubstr(fault.kind == FaultPlan::kDiskFull ? "the disk is full"
-                                                                           : "Input/output error"));
-}
-
-/// The host that met the fault, or the next one where that is dead.
-void PreferenceWritesThatFail::ExpectToGoOn(int number) {
-    const long lines = LinesInLog();
-    EXPECT_EQ(Ask("usable"), "1");
-    EXPECT_EQ(Ask("store " + std::to_string(number)), "1");
-    EXPECT_EQ(Ask("read"), std::to_string(number));
-    EXPECT_EQ(StoredNumber(), number);
-    EXPECT_EQ(mHost->Finish().status, 0);
-    EXPECT_LE(LinesInLog(), lines + (GetParam().before == kDamaged ? 1 : 0)) << ContentOf(mFolder / "log");
-}
-
-void PreferenceWritesThatFail::ExpectNoOtherFiles() const {
-    std::error_code noFolder;
-    for (const auto& entry : fs::directory_iterator(platform::Utf8Path(mPath).parent_path(), noFolder))
-        EXPECT_THAT(
-            platform::Utf8Text(entry.path().filename()),
-            testing::AnyOf("Preferences.json", "Preferences.json.lock", "Preferences.json.damaged-1"));
-}
-
-void PreferenceWritesThatFail::Attempt(const Fault& fault, int at) {
-    SetBack();
-    StartHost();
-    mFaults.Begin(fault, at);
-    const std::string answer = Ask(GetParam().command);
-    mFaults.End();
-    EXPECT_EQ(answer.empty(), fault.kind == FaultPlan::kKill);
-    EXPECT_GE(mFaults.Count(), at);
-    SCOPED_TRACE(mFaults.Where());
-    const bool isDone = answer == "1";
-    EXPECT_THAT(StoredNumber(),
-                testing::AnyOf(GetParam().newNumber, isDone ? GetParam().newNumber : GetParam().oldNumber));
-    ExpectToBeSaid(fault, isDone);
-    EXPECT_TRUE(GetParam().before != kDamaged || IsDamagedFileKept());
-    if (answer.empty())
-        StartHost();
-    else if (!mFaults.HasKeptFile())
-        ExpectNoOtherFiles();
-    ExpectToGoOn(3);
-    StartHost();
-    ExpectToGoOn(4);
-    ExpectNoOtherFiles();
-}
-
 TEST_P(PreferenceWritesThatFail, LeaveTheOldOrTheNewValueAndOneLine) {
-    MeetEveryFault(GetParam().name, mFaults, [this](const Fault& fault, int at) { Attempt(fault, at); });
+    mFaults.MeetEvery(GetParam().name, [this](const Fault& fault, int at) { Attempt(fault, at); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Preferences, PreferenceWritesThatFail, testing::ValuesIn(kCases),

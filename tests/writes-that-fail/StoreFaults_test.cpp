@@ -4,19 +4,28 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <thread>
+#include <set>
+#include <sstream>
 
-#include "FaultyStore.h"
+#include "FaultRun.h"
+#include "common/Locations.h"
+#include "common/Protocol.h"
+#include "ipc/AgentConnection.h"
 #include "platform/Files.h"
-#include "platform/Utf8Path.h"
+#include "store/Database.h"
 #include "tests/support/TestLibrary.h"
+#include "tests/support/TestWorld.h"
+#include "tests/support/VaultFiles.h"
 
 namespace pellwick::test {
 namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using Commands = std::vector<std::string>;  ///< with blanks between the words
 
 /// How a change was answered.
 struct Outcome {
@@ -25,284 +34,368 @@ struct Outcome {
     bool isForPeople = true;  ///< or for a plug-in, which gets a code
 };
 
-using Change = std::function<Outcome(FaultyStore&)>;
+// What is done beside commands.
+constexpr char kOpen[] = "(open a document)";
+constexpr char kClose[] = "(close it)";
+constexpr char kStart[] = "(start)";
+constexpr char kFillLog[] = "(have the next change move the log into the database)";
+constexpr char kLoseFiles[] = "(lose the vault)";
+constexpr char kLeaveStray[] = "(leave what a killed agent leaves)";
+constexpr char kAddBoth[] = "add Sample-Bold-1.0.ttf Sample-Italic-1.0.ttf";
+constexpr char kActivateBoth[] = "activate Sample-Bold Sample-Italic";
 
 struct Case {
-    std::string name;
-    std::function<void(FaultyStore&)> prepare;  ///< what was before, with an agent
-    Change change;
-    bool beginsWithoutAgent = false;
+    const char* name;
+    Commands before;  ///< done by an agent that has then been ended
+    const char* change;
     bool isEndedByKill = false;  ///< the agent before
+
+    bool IsStart() const { return change == kStart; }  ///< which no agent is there for
 };
 
 void PrintTo(const Case& each, std::ostream* out) {
     *out << each.name;
 }
 
+const Case kCases[] = {
+    {"Add", {}, "add Sample-Bold-1.0.ttf"},
+    {"AddWhatWasLost", {"add Sample-Bold-1.0.ttf", kLoseFiles}, "add Sample-Bold-1.0.ttf"},
+    {"AddWhenTheLogIsFull", {"add Sample-Bold-1.0.ttf", kFillLog}, "add Sample-Italic-1.0.ttf", true},
+    {"Activate", {kAddBoth}, kActivateBoth},
+    {"Deactivate", {kAddBoth, kActivateBoth}, "deactivate Sample-Bold"},
+    {"RemoveActive", {kAddBoth, kActivateBoth}, "remove Sample-Bold"},
+    {"LogIn", {"logout"}, "login someone"},
+    {"CreateWorkgroup", {}, "workgroup create Project"},
+    {"DeleteWorkgroup",
+     {"workgroup create Project", "add Sample-Bold-1.0.ttf --workgroup Project"},
+     "workgroup delete Project"},
+    {"CreateSet", {}, "set create Poster"},
+    {"AddToSet", {kAddBoth, "set create Poster"}, "set add Poster Sample-Bold Sample-Italic"},
+    {"CreateSmartList", {"set create Poster"}, "smartlist create Posters --set Poster"},
+    {"OpenDocument", {kAddBoth}, kOpen},
+    {"CloseDocument", {kAddBoth, kOpen}, kClose},
+    {"Stop", {kAddBoth, kActivateBoth}, "stop"},
+    {"FirstStart", {}, kStart},
+    {"StartAfterAStop", {kAddBoth, kActivateBoth}, kStart},
+    {"StartAfterAKill", {kAddBoth, kActivateBoth, kLeaveStray}, kStart, true},
+};
+
 const TestLibrary& Library() {
     static const TestLibrary* const library = new TestLibrary;
+    library->ResetPluginFacadeInstance();
     return *library;
-}
-
-Change Command(const std::vector<std::string>& words) {
-    return [words](FaultyStore& store) {
-        std::vector<std::string> all = words;
-        for (std::string& word : all) {
-            if (word.ends_with(".ttf"))
-                word = store.World().Path("fonts/" + word);
-        }
-        all.push_back("--no-start");
-        const ProgramResult result = store.World().Run(all);
-        return Outcome{result.status == 0, result.errors};
-    };
-}
-
-void Do(FaultyStore& store, const std::vector<std::string>& words) {
-    const Outcome outcome = Command(words)(store);
-    EXPECT_TRUE(outcome.isDone) << words[0] << ": " << outcome.said;
-}
-
-std::function<void(FaultyStore&)> After(const std::vector<std::vector<std::string>>& commands) {
-    return [commands](FaultyStore& store) {
-        for (const auto& words : commands)
-            Do(store, words);
-    };
-}
-
-Outcome OpenDocument(FaultyStore&) {
-    Library().ResetPluginFacadeInstance();
-    CFRef<CFMutableArrayRef> matched;
-    const ErrorCode code = Library().Activate("/document", {"Sample-Bold", "Sample-Italic"}, matched);
-    return {code == CoreErrorCodes::kSuccess && cf::Count(matched.get()) == 2, {}, false};
-}
-
-Outcome CloseDocument(FaultyStore&) {
-    Library().ResetPluginFacadeInstance();
-    return {Library().Deactivate({1, 2}) == CoreErrorCodes::kSuccess, {}, false};
-}
-
-Outcome Start(FaultyStore& store) {
-    Outcome outcome;
-    outcome.isDone = store.StartAgent(outcome.said);
-    return outcome;
-}
-
-/// So many small changes that the next one has SQLite move the log into the database.
-void FillLog(FaultyStore& store) {
-    Do(store, {"add", "Sample-Bold-1.0.ttf"});
-    constexpr uint64_t kFullLog = 1000 * (4096 + 24);  // pages with their headers
-    for (uint64_t size = 0; size < kFullLog * 99 / 100;) {
-        ASSERT_EQ(store.TryToWrite(), 0u);
-        platform::FileSize(store.World().Path("data/Vantorix/Pellwick/fonts.sqlite-wal"), size);
-    }
-}
-
-void LoseFile(FaultyStore& store) {
-    After({{"add", "Sample-Bold-1.0.ttf"}})(store);
-    store.World().EmptyVault();
-}
-
-/// As a killed agent leaves it.
-void LeaveStrayFile(const FaultyStore& store) {
-    store.World().Write("data/Vantorix/Pellwick/vault/incoming/a1B2c3", "stray");
-}
-
-const std::vector<std::string> kAddBoth = {"add", "Sample-Bold-1.0.ttf", "Sample-Italic-1.0.ttf"};
-const std::vector<std::string> kActivateBoth = {"activate", "Sample-Bold", "Sample-Italic"};
-
-std::vector<Case> Cases() {
-    return {
-        {"Add", After({}), Command({"add", "Sample-Bold-1.0.ttf"})},
-        {"AddWhatWasLost", LoseFile, Command({"add", "Sample-Bold-1.0.ttf"})},
-        {"AddWhenTheLogIsFull", FillLog, Command({"add", "Sample-Italic-1.0.ttf"}), false, true},
-        {"Activate", After({kAddBoth}), Command(kActivateBoth)},
-        {"Deactivate", After({kAddBoth, kActivateBoth}), Command({"deactivate", "Sample-Bold"})},
-        {"RemoveActive", After({kAddBoth, kActivateBoth}), Command({"remove", "Sample-Bold"})},
-        {"LogIn", After({{"logout"}}), Command({"login", "someone"})},
-        {"CreateWorkgroup", After({}), Command({"workgroup", "create", "Project"})},
-        {"DeleteWorkgroup",
-         After(
-             {{"workgroup", "create", "Project"}, {"add", "Sample-Bold-1.0.ttf", "--workgroup", "Project"}}),
-         Command({"workgroup", "delete", "Project"})},
-        {"CreateSet", After({}), Command({"set", "create", "Poster"})},
-        {"AddToSet", After({kAddBoth, {"set", "create", "Poster"}}),
-         Command({"set", "add", "Poster", "Sample-Bold", "Sample-Italic"})},
-        {"CreateSmartList", After({{"set", "create", "Poster"}}),
-         Command({"smartlist", "create", "Posters", "--set", "Poster"})},
-        {"OpenDocument", After({kAddBoth}), OpenDocument},
-        {"CloseDocument",
-         [](FaultyStore& store) {
-             Do(store, kAddBoth);
-             EXPECT_TRUE(OpenDocument(store).isDone);
-         },
-         CloseDocument},
-        {"Stop", After({kAddBoth, kActivateBoth}), Command({"stop"})},
-        {"FirstStart", nullptr, Start, true},
-        {"StartAfterAStop", After({kAddBoth, kActivateBoth}), Start, true},
-        {"StartAfterAKill",
-         [](FaultyStore& store) {
-             After({kAddBoth, kActivateBoth})(store);
-             LeaveStrayFile(store);
-             std::filesystem::remove(platform::Utf8Path(store.World().ActiveFiles().at(0)));
-         },
-         Start, true, true},
-    };
 }
 
 class WritesThatFail : public testing::TestWithParam<Case> {
 protected:
     void SetUp() override {
-        mStore.World().WriteFont("Sample-Bold");
-        mStore.World().WriteFont("Sample-Italic");
-        if (GetParam().prepare)
-            Prepare();
-    }
-    void Prepare() {
-        mStore.StartAgent();
-        GetParam().prepare(mStore);
-        if (GetParam().isEndedByKill)
-            mStore.KillAgent();
-        else
-            mStore.StopAgent();
-        mStore.Keep();
+        fs::create_directories(mWorld.Path("data"));
+        for (const char* font : {"Sample-Bold", "Sample-Italic"})
+            mWorld.WriteFont(font);
+        if (std::string(GetParam().name) != "FirstStart") {
+            EXPECT_TRUE(Start().isDone);
+            for (const std::string& command : GetParam().before)
+                EXPECT_TRUE(Do(command).isDone) << command;
+            if (GetParam().isEndedByKill)
+                KillAgent();
+            else
+                StopAgent();
+        }
+        Copy("data", "kept");
     }
 
-    void Attempt(const Fault& fault, int at);
-    void Learn();
-    void ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const;
-    void ExpectOldOrNew(const Outcome& outcome);
-    void ExpectToGoOn();
-    void ExpectNew(const char* when);
-    Json State() { return mHasStrayFiles ? mStore.Records() : mStore.State(); }
+    bool IsAgentAlive() const { return mAgent && platform::ProcessStartTime(mAgent->Id()) != 0; }
+    void LeaveStrayFile() { mWorld.Write("data/Vantorix/Pellwick/vault/incoming/a1B2c3", "stray"); }
+    Json List(const char* method, const char* key) { return ArrayMember(Ask(method), key); }
+
+    Outcome Do(const std::string& change) {
+        if (change == kOpen)
+            return OpenDocument();
+        if (change == kClose)
+            return {Library().Deactivate({1, 2}) == CoreErrorCodes::kSuccess, {}, false};
+        if (change == kStart)
+            return Start();
+        if (change == kFillLog)
+            FillLog();
+        else if (change == kLoseFiles)
+            mWorld.EmptyVault();
+        else if (change == kLeaveStray) {
+            LeaveStrayFile();
+            fs::remove(mWorld.ActiveFiles().at(0));
+        } else {
+            return DoCommand(change);
+        }
+        return {true, {}};
+    }
+
+    Outcome DoCommand(const std::string& words) {
+        std::istringstream line(words);
+        std::vector<std::string> command;
+        for (std::string word; line >> word;)
+            command.push_back(word.ends_with(".ttf") ? mWorld.Path("fonts/" + word) : word);
+        command.push_back("--no-start");
+        const ProgramResult result = mWorld.Run(command);
+        return {result.status == 0, result.errors};
+    }
+
+    Outcome OpenDocument() {
+        CFRef<CFMutableArrayRef> matched;
+        const ErrorCode code = Library().Activate("/document", {"Sample-Bold", "Sample-Italic"}, matched);
+        return {code == CoreErrorCodes::kSuccess && cf::Count(matched.get()) == 2, {}, false};
+    }
+
+    Outcome Start() {
+        mAgent = mFaults.Start({PELLWICK_PROGRAM});
+        const bool isServing = Eventually([this] {
+            Json status;
+            AgentConnection connection(std::chrono::seconds(30));
+            return !IsAgentAlive() || connection.Call(method::kGetStatus, Json::object(), status) == 0;
+        });
+        if (isServing && IsAgentAlive())
+            return {true, {}};
+        return {false, CollectAgent().errors};
+    }
+
+    void StopAgent() {
+        const ProgramResult result = mWorld.Run({"stop", "--no-start"});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(CollectAgent().status, 0);
+    }
+
+    void KillAgent() {
+        mAgent->Kill();
+        CollectAgent();
+    }
+
+    /// Waits for the end of one that ends or has ended.
+    ProgramResult CollectAgent() {
+        const auto agent = std::exchange(mAgent, nullptr);
+        return agent ? agent->Finish() : ProgramResult();
+    }
+
+    void StartAgentIfGone() {
+        if (IsAgentAlive())
+            return;
+        CollectAgent();
+        const Outcome outcome = Start();
+        EXPECT_TRUE(outcome.isDone) << outcome.said;
+    }
+
+    /// With so many small changes that the next one has SQLite move the log into the database.
+    void FillLog() {
+        constexpr uint64_t kFullLog = 1000 * (4096 + 24);  // pages with their headers
+        for (uint64_t size = 0; size < kFullLog * 99 / 100;) {
+            for (const bool isOn : {true, false})
+                Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
+            platform::FileSize(mWorld.Path("data/Vantorix/Pellwick/fonts.sqlite-wal"), size);
+        }
+    }
+
+    /// Folders and regular files; a killed agent leaves its socket as well.
+    void Copy(const std::string& from, const std::string& to) const {
+        fs::remove_all(mWorld.Path(to));
+        fs::create_directories(mWorld.Path(to));
+        for (const auto& entry : fs::recursive_directory_iterator(mWorld.Path(from))) {
+            const fs::path target = mWorld.Path(to) / fs::relative(entry.path(), mWorld.Path(from));
+            if (entry.is_directory())
+                fs::create_directory(target, entry.path());
+            else if (entry.is_regular_file())
+                fs::copy_file(entry.path(), target);
+        }
+    }
+
+    Json Ask(const char* method, const Json& arguments = Json::object()) {
+        Json answer;
+        const ErrorCode code = AgentConnection(std::chrono::seconds(30)).Call(method, arguments, answer);
+        EXPECT_EQ(code, 0u) << method << ": " << FailureText(code, answer);
+        return answer;
+    }
+
+    Json Fonts(const Json& filter) {
+        Json fonts = Ask(method::kListFonts, filter)["fonts"];
+        for (Json& font : fonts) {
+            for (const char* key : {kGS_DatabaseIDKey, kGS_WorkgroupIDKey})
+                font.erase(key);
+            font.erase(kGS_OutlineFileNameKey);  // one that was taken back has lost it
+        }
+        std::sort(fonts.begin(), fonts.end());
+        return fonts;
+    }
+
+    /// Everything that users and plug-ins can see of the store; IDs left out.
+    Json Records() {
+        Json records = {{"fonts", Fonts({{"after", 0}})}};
+        for (const Json& set : List(method::kListSets, "sets"))
+            records["sets"].push_back(
+                {set[member::kName], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
+        for (const Json& workgroup : List(method::kListWorkgroups, "workgroups"))
+            records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);
+        for (const Json& list : List(method::kListSmartLists, kGS_SmartListsKey))
+            records["smartLists"].push_back(list[kGS_SmartListNameKey]);
+        const Json status = Ask(method::kGetStatus);
+        for (const char* member : {"userName", "standalone", "workgroup", "hosts", "activeFiles"})
+            records["status"][member] = status[member];
+        return records;
+    }
+
+    /// Which files there are.
+    Json Files() const {
+        // Whose content changes with every run, or matters to nobody.
+        const std::set<std::string> ofTheAgentItself = {"fonts.sqlite",     "fonts.sqlite-wal",
+                                                        "fonts.sqlite-shm", "agent.lock",
+                                                        "agent.address",    "Pellwick.log"};
+        Json files = Json::array();
+        for (const std::string& path : mWorld.FilesBelow("data")) {
+            const std::string name = platform::NamePart(path);
+            if (ofTheAgentItself.contains(name))
+                continue;
+            // A font's file is named by what is in it.
+            const std::string checksum = ChecksumOf(ContentOf(path));
+            files.push_back({path, name.substr(0, name.find('.')) == checksum ? "whole" : checksum});
+        }
+        std::sort(files.begin(), files.end());
+        return files;
+    }
+
+    /// All of it; without the files where some could not be removed, which the next start will.
+    Json State() {
+        Json state = Records();
+        if (!mHasStrayFiles)
+            state["files"] = Files();
+        return state;
+    }
+
     /// Whether it is what it was, or what it was to become.
-    bool Is(Json state, Json expected) const;
-    void StartAgentIfGone();
+    bool Is(const Json& state, Json expected) const {
+        if (mHasStrayFiles)
+            expected.erase("files");
+        return state == expected;
+    }
 
-    FaultyStore mStore;
+    void ExpectNew(const char* when) {
+        const Json state = State();
+        EXPECT_TRUE(Is(state, mNew)) << when << ": " << Json::diff(mNew, state);
+    }
+
+    /// How many lines of the agent's log tell of a failure.
+    size_t FailureLines() const {
+        std::istringstream log(mWorld.AgentLog());
+        size_t count = 0;
+        for (std::string line; std::getline(log, line);)  // but those of starts and ends
+            count += line.starts_with("Pellwick") || line.find(" put right: ") != std::string::npos ? 0 : 1;
+        return count;
+    }
+
+    void ExpectWholeDatabase() const {
+        Database database(Locations::OfThisUser().databasePath);
+        Statement check = database.Prepare("PRAGMA integrity_check");
+        EXPECT_EQ(check.Step() ? check.Text(0) : "no answer", "ok");
+        EXPECT_FALSE(database.Prepare("PRAGMA foreign_key_check").Step())
+            << "a row refers to one that is gone";
+    }
+
+    void ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const {
+        const bool isStart = GetParam().IsStart();
+        const size_t expected = outcome.isDone || fault.IsKill() ? 0 : 1;
+        EXPECT_LE(logLines, isStart ? 1 : expected);
+        EXPECT_GE(logLines, isStart || fault.lasts || mFaults.Where().ends_with(".log") ? 0 : expected);
+        if (outcome.isDone || !outcome.isForPeople) {
+            EXPECT_EQ(outcome.said, "");
+            return;
+        }
+        if (fault.IsKill() && isStart)
+            return;  // nobody is left to say it
+        EXPECT_EQ(std::count(outcome.said.begin(), outcome.said.end(), '\n'), 1) << outcome.said;
+        if (fault.IsKill()) {
+            EXPECT_THAT(outcome.said, HasSubstr("no agent is running; start it"));
+            return;
+        }
+        EXPECT_THAT(outcome.said, HasSubstr(mWorld.Path("data")));
+        EXPECT_THAT(outcome.said, HasSubstr("; ")) << "what to do";
+        EXPECT_THAT(outcome.said, HasSubstr(fault.kind == FaultPlan::kDiskFull ? "disk is full" : ""));
+    }
+
+    void ExpectOldOrNew(const Outcome& outcome) {
+        if (GetParam().IsStart())
+            return;
+        // What was in the vault when the agent died is taken back after the start.
+        Json state;
+        EXPECT_TRUE(Eventually([&] {
+            state = State();
+            return Is(state, mOld) || Is(state, mNew);
+        })) << "half of it is there: "
+            << Json::diff(mOld, state);
+        // Without its files, the old state may look like the new one.
+        if (Is(state, mNew) && (outcome.isDone || !Is(state, mOld)))
+            return;
+        EXPECT_FALSE(outcome.isDone) << "what was answered as done is not there: " << Json::diff(mNew, state);
+        const Outcome again = Do(GetParam().change);
+        EXPECT_TRUE(again.isDone) << "the fault is gone: " << again.said;
+    }
+
+    void ExpectToGoOn() {
+        for (const bool isOn : {true, false})
+            Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
+        // Links that a start could not make are made soon after.
+        EXPECT_TRUE(Eventually([this] { return !GetParam().IsStart() || Is(State(), mNew); }));
+        ExpectNew("when the fault is gone");
+        StopAgent();
+        EXPECT_TRUE(mWorld.AgentLog().ends_with(" ends\n"));
+        LeaveStrayFile();
+        StartAgentIfGone();
+        mHasStrayFiles = false;
+        ExpectNew("after the next start, which removes what was left half-way");
+        ExpectWholeDatabase();
+        StopAgent();
+    }
+
+    void Learn(const Outcome& outcome) {
+        EXPECT_TRUE(outcome.isDone) << outcome.said;
+        const bool isOfStore = IsAgentAlive() && !GetParam().IsStart();
+        StartAgentIfGone();
+        mNew = State();
+        if (!isOfStore)
+            mOld = mNew;
+        EXPECT_TRUE(mOld != mNew || !isOfStore) << "the change does not show";
+    }
+
+    void Attempt(const Fault& fault, int at) {
+        if (mAgent)
+            KillAgent();
+        Copy("kept", "data");
+        if (!GetParam().IsStart())
+            StartAgentIfGone();
+        if (at == 0 && !GetParam().IsStart())
+            mOld = State();
+        const size_t logLines = FailureLines();
+        mFaults.Begin(fault, at);
+        const Outcome outcome = Do(GetParam().change);
+        mFaults.End();
+        if (at == 0)
+            return Learn(outcome);
+        const bool isKilled = fault.IsKill() && mFaults.HasHappened();
+        EXPECT_TRUE(Eventually([&] { return !isKilled || !IsAgentAlive(); }));
+        SCOPED_TRACE(mFaults.Where());
+        ExpectToBeSaid(fault, outcome, FailureLines() - logLines);
+        mHasStrayFiles = IsAgentAlive() && mFaults.HasKeptFile();
+        StartAgentIfGone();
+        ExpectOldOrNew(outcome);
+        ExpectToGoOn();
+    }
+
+    TestWorld mWorld;
+    FaultControl mFaults{mWorld.Write("plan", ""), mWorld.Path("data")};
+    std::unique_ptr<TestProcess> mAgent;
     Json mOld;
     Json mNew;
-    bool mHasStrayFiles = false;  ///< that could not be removed; the next start will
+    bool mHasStrayFiles = false;
 };
 
-void WritesThatFail::StartAgentIfGone() {
-    if (mStore.IsAgentAlive())
-        return;
-    mStore.CollectAgent();
-    mStore.StartAgent();
-}
-
-bool WritesThatFail::Is(Json state, Json expected) const {
-    if (mHasStrayFiles)
-        expected.erase("files");
-    return state == expected;
-}
-
-void WritesThatFail::ExpectNew(const char* when) {
-    const Json state = State();
-    EXPECT_TRUE(Is(state, mNew)) << when << ": " << Json::diff(mNew, state);
-}
-
-void WritesThatFail::ExpectToBeSaid(const Fault& fault, const Outcome& outcome, size_t logLines) const {
-    const bool isLogToo = fault.lasts || mStore.Faults().Where().ends_with(".log");
-    const size_t expected = outcome.isDone || fault.kind == FaultPlan::kKill ? 0 : 1;
-    EXPECT_LE(logLines, GetParam().beginsWithoutAgent ? 1 : expected);
-    if (!GetParam().beginsWithoutAgent && !isLogToo) {
-        EXPECT_EQ(logLines, expected);
-    }
-    if (outcome.isDone || !outcome.isForPeople) {
-        EXPECT_EQ(outcome.said, "");
-        return;
-    }
-    if (fault.kind == FaultPlan::kKill && GetParam().beginsWithoutAgent)
-        return;  // nobody is left to say it
-    EXPECT_EQ(std::count(outcome.said.begin(), outcome.said.end(), '\n'), 1) << outcome.said;
-    if (fault.kind == FaultPlan::kKill) {
-        EXPECT_THAT(outcome.said, testing::HasSubstr("no agent is running; start it"));
-        return;
-    }
-    EXPECT_THAT(outcome.said, testing::HasSubstr(mStore.World().Path("data")));
-    EXPECT_THAT(outcome.said, testing::HasSubstr("; ")) << "what to do";
-    if (fault.kind == FaultPlan::kDiskFull) {
-        EXPECT_THAT(outcome.said, testing::HasSubstr("disk is full"));
-    }
-}
-
-void WritesThatFail::ExpectOldOrNew(const Outcome& outcome) {
-    if (GetParam().beginsWithoutAgent)
-        return;
-    // What was in the vault when the agent died is taken back after the start.
-    Json state;
-    EXPECT_TRUE(Eventually([&] {
-        state = State();
-        return Is(state, mOld) || Is(state, mNew);
-    })) << "half of it is there: "
-        << Json::diff(mOld, state);
-    // Without its files, the old state may look like the new one.
-    const bool mayBeOld = !outcome.isDone && Is(state, mOld);
-    if (Is(state, mNew) && !mayBeOld)
-        return;
-    EXPECT_FALSE(outcome.isDone) << "what was answered as done is not there: " << Json::diff(mNew, state);
-    const Outcome again = GetParam().change(mStore);
-    EXPECT_TRUE(again.isDone) << "the fault is gone: " << again.said;
-}
-
-void WritesThatFail::ExpectToGoOn() {
-    EXPECT_EQ(mStore.TryToWrite(), CoreErrorCodes::kSuccess);
-    // Links that a start could not make are made soon after.
-    EXPECT_TRUE(Eventually([this] { return !GetParam().beginsWithoutAgent || Is(State(), mNew); }));
-    ExpectNew("when the fault is gone");
-    mStore.StopAgent();
-    EXPECT_TRUE(mStore.IsEndLogged());
-    LeaveStrayFile(mStore);
-    mStore.StartAgent();
-    mHasStrayFiles = false;
-    ExpectNew("after the next start, which removes what was left half-way");
-    EXPECT_EQ(mStore.CheckDatabase(), "ok");
-    mStore.StopAgent();
-}
-
-void WritesThatFail::Learn() {
-    const bool isOfStore = mStore.IsAgentAlive() && !GetParam().beginsWithoutAgent;
-    StartAgentIfGone();
-    mNew = mStore.State();
-    if (!isOfStore)
-        mOld = mNew;
-    EXPECT_TRUE(mOld != mNew || !isOfStore) << "the change does not show";
-}
-
-void WritesThatFail::Attempt(const Fault& fault, int at) {
-    mStore.BringBack();
-    if (!GetParam().beginsWithoutAgent)
-        mStore.StartAgent();
-    if (at == 0 && !GetParam().beginsWithoutAgent)
-        mOld = mStore.State();
-    const size_t logLines = mStore.FailureLines();
-    mStore.Faults().Begin(fault, at);
-    const Outcome outcome = GetParam().change(mStore);
-    mStore.Faults().End();
-    if (fault.kind == FaultPlan::kKill && mStore.Faults().HasHappened()) {
-        EXPECT_TRUE(Eventually([this] { return !mStore.IsAgentAlive(); }));
-    }
-    if (at == 0) {
-        EXPECT_TRUE(outcome.isDone) << outcome.said;
-        Learn();
-        return;
-    }
-    SCOPED_TRACE(mStore.Faults().Where());
-    EXPECT_GE(mStore.Faults().Count(), at) << "the change takes fewer writes than it did";
-    ExpectToBeSaid(fault, outcome, mStore.FailureLines() - logLines);
-    mHasStrayFiles = mStore.IsAgentAlive() && mStore.Faults().HasKeptFile();
-    StartAgentIfGone();
-    ExpectOldOrNew(outcome);
-    ExpectToGoOn();
-}
-
 TEST_P(WritesThatFail, LeaveTheOldOrTheNewStateAndOneLine) {
-    MeetEveryFault(GetParam().name, mStore.Faults(),
-                   [this](const Fault& fault, int at) { Attempt(fault, at); });
+    mFaults.MeetEvery(GetParam().name, [this](const Fault& fault, int at) { Attempt(fault, at); });
 }
 
-INSTANTIATE_TEST_SUITE_P(Store, WritesThatFail, testing::ValuesIn(Cases()),
+INSTANTIATE_TEST_SUITE_P(Store, WritesThatFail, testing::ValuesIn(kCases),
                          [](const testing::TestParamInfo<Case>& each) { return each.param.name; });
 
 }  // namespace

@@ -1,50 +1,86 @@
+// Fonts that become active for other programs, and the vault that they stand in.
 #include "activation/Activation.h"
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "FontRecordKeys.h"
+#include "activation/Checksum.h"
 #include "activation/FontResources.h"
 #include "activation/LinkFolder.h"
-#include "platform/Files.h"
+#include "agent/FontManager.h"
+#include "platform/FontTable.h"
+#include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"
-#include "store/Schema.h"
-#include "tests/support/FakeFontTable.h"
+#include "tests/support/StoreTest.h"
 #include "tests/support/TestWorld.h"
-#include "tests/support/VaultFiles.h"
 
 namespace pellwick {
 namespace {
 
+namespace fs = std::filesystem;
+using Outcome = FontVault::Outcome;
+
 constexpr HostProcess kHost{100, 1};
 constexpr HostProcess kOtherHost{200, 1};
+const StopFlag kGoesOn{false};
 
-using MakeWay = std::unique_ptr<ActiveFonts> (*)(const std::string& folder, const FontVault& vault);
+/// A session's table of fonts that a test can look into.
+class FakeFontTable : public platform::FontTable {
+public:
+    bool IsFilledFromFolders() override { return false; }
+    bool Add(const std::string& path) override {
+        counts[path] += isFull ? 0 : 1;
+        return !isFull;
+    }
+    bool Remove(const std::string& path) override {
+        const auto found = counts.find(path);
+        if (found == counts.end())
+            return false;
+        if (--found->second == 0)
+            counts.erase(found);
+        return true;
+    }
+    void AnnounceChange() override { ++announcements; }
+    platform::VisibleFonts Visible() override { return {}; }
 
-std::unique_ptr<ActiveFonts> MakeLinks(const std::string& folder, const FontVault& vault) {
-    return std::make_unique<LinkFolder>(folder, vault);
-}
+    using Counts = std::map<std::string, int>;
+    Counts counts;  ///< how often each file is in it
+    int announcements = 0;
+    bool isFull = false;
+};
 
-std::unique_ptr<ActiveFonts> MakeResources(const std::string&, const FontVault& vault) {
-    return std::make_unique<FontResources>(vault);
-}
-
-/// A store with one file of two faces, whose name has all that names may have, and a way of making it active.
-class Store {
+class VaultTest : public StoreTest {
 protected:
-    explicit Store(MakeWay makeWay) : mWay(makeWay(mWorld.Path("data/fonts"), mVault)) {
-        PrepareSchema(mDatabase);
-        mFile.checksum = test::ChecksumOf(mContent);
-        mFile.name = "font.ttc";
-        mFile.extension = ".ttc";
-        mFile.size = mContent.size();
-        EXPECT_TRUE(test::PutIntoVault(mVault, mFile, mContent));
-        FontFace first;
+    static FontFile FileOf(const std::string& content, const std::string& extension = ".ttf") {
+        Checksum checksum;
+        checksum.Append(content);
+        return {0, checksum.Digits(), "font" + extension, extension, content.size()};
+    }
+    /// Writes the content where the vault has that file, whatever its checksum.
+    void Put(const FontFile& file, const std::string& content) {
+        mWorld.Write(mVault.PathOf(file).substr(mWorld.Path("").size()), content);
+    }
+
+    test::TestWorld mWorld{"Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600"};
+    FontVault mVault{mWorld.Path("vault")};
+};
+
+/// A file of two faces, whose name has all that names may have, and a way of making it active.
+class ActivationTest : public VaultTest {
+protected:
+    ActivationTest() {
+        Put(mFile, mContent);
         FontFace second;
         second.face = 1;
-        for (const Font& font : mFonts.FontsOfFile(mFonts.Add(mFile, {first, second})))
+        for (const Font& font : mFonts.FontsOfFile(mFonts.Add(mFile, {FontFace(), second})))
             mIDs.push_back(font.id);
+        SetWay(false);
+    }
+    void SetWay(bool isLinks) {
+        if (isLinks)
+            mWay = std::make_unique<LinkFolder>(mWorld.Path("data/fonts"), mVault);
+        else
+            mWay = std::make_unique<FontResources>(mVault);
     }
 
     Font FontAt(size_t index) { return *mFonts.Find(mIDs[index]); }
@@ -55,63 +91,54 @@ protected:
         change(activation);
         return activation.Commit();
     }
-
-    ActivationChanges Lease(size_t index, const HostProcess& host,
-                            LeasePurpose purpose = LeasePurpose::kDocument) {
+    ActivationChanges Lease(size_t index, const HostProcess& host, bool isTaken = true) {
+        return Apply(
+            [&](Activation& activation) { EXPECT_EQ(activation.Lease(FontAt(index), {host}), isTaken); });
+    }
+    bool TryToActivate() {
+        bool isActive = false;
+        Apply([&](Activation& activation) { isActive = activation.ActivateForUser(FontAt(0)); });
+        return isActive;
+    }
+    ActivationChanges EndLeases(size_t index, const HostProcess& host) {
         return Apply([&](Activation& activation) {
-            EXPECT_TRUE(activation.Lease(FontAt(index), {host, purpose}));
+            activation.EndLeases(mIDs[index], host, LeasePurpose::kDocument);
         });
     }
-
-    ActivationChanges EndLeases(size_t index, const HostProcess& host,
-                                LeasePurpose purpose = LeasePurpose::kDocument) {
-        return Apply([&](Activation& activation) { activation.EndLeases(mIDs[index], host, purpose); });
+    bool IsVaultsFileActive() {
+        return fs::equivalent(platform::Utf8Path(mWay->PathOf(mFile)),
+                              platform::Utf8Path(mVault.PathOf(mFile)));
     }
 
-    test::TestWorld mWorld{"Ein Ordner \u0448\u0440\u0438\u0444\u0442 \u5b57\u4f53 \U0001F600"};
     const std::string mContent = "pretend that this is a font";
-    Database mDatabase{":memory:"};
-    FontStore mFonts{mDatabase};
-    ActivationStore mActivations{mDatabase};
-    FontVault mVault{mWorld.Path("vault")};
-    test::FakeFontTable mTable;
+    const FontFile mFile = FileOf(mContent, ".ttc");
+    FakeFontTable mTable;
     const platform::ScopedOverride<platform::FontTable> mOverride{mTable};
-    const std::unique_ptr<ActiveFonts> mWay;
-    FontFile mFile;
+    std::unique_ptr<ActiveFonts> mWay;
     std::vector<uint32_t> mIDs;
 };
 
-class ActivationTest : public Store, public testing::TestWithParam<const char*> {
+class EveryWay : public ActivationTest, public testing::WithParamInterface<bool> {
 protected:
-    ActivationTest() : Store(GetParam() == kLinks ? MakeLinks : MakeResources) {}
-
-    static constexpr std::string_view kLinks = "links";
+    EveryWay() { SetWay(GetParam()); }
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryWay, ActivationTest, testing::Values("links", "resources"));
+INSTANTIATE_TEST_SUITE_P(LinksOrResources, EveryWay, testing::Bool());
 
-class LinkFolderTest : public Store, public testing::Test {
+class LinkFolderTest : public ActivationTest {
 protected:
-    LinkFolderTest() : Store(MakeLinks) {}
+    LinkFolderTest() { SetWay(true); }
+
+    const std::string mStray = "ab/ab" + std::string(62, '0') + ".ttf";
 };
 
-class FontResourcesTest : public Store, public testing::Test {
-protected:
-    FontResourcesTest() : Store(MakeResources) {}
+using FontResourcesTest = ActivationTest;
 
-    using Counts = std::map<std::string, int>;
-};
-
-TEST(Checksum, IsThatOfTheStandard) {
-    EXPECT_EQ(test::ChecksumOf("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
-}
-
-TEST_P(ActivationTest, KeepsAFileActiveWhileAnyOfItsFontsIsHeldByAnybody) {
+TEST_P(EveryWay, KeepsAFileActiveWhileAnyOfItsFontsIsHeldByAnybody) {
     EXPECT_EQ(Lease(0, kHost).activated, std::vector{mIDs[0]});
     EXPECT_TRUE(Lease(0, kOtherHost).activated.empty());
     EXPECT_EQ(Lease(1, kHost).activated, std::vector{mIDs[1]});
-    EXPECT_TRUE(std::filesystem::equivalent(platform::Utf8Path(mWay->PathOf(mFile)),
-                                            platform::Utf8Path(mVault.PathOf(mFile))));
+    EXPECT_TRUE(IsVaultsFileActive());
     EXPECT_TRUE(EndLeases(0, kHost).deactivated.empty());
     EXPECT_EQ(EndLeases(0, kOtherHost).deactivated, std::vector{mIDs[0]});
     EXPECT_TRUE(mWay->Has(mFile));
@@ -120,8 +147,8 @@ TEST_P(ActivationTest, KeepsAFileActiveWhileAnyOfItsFontsIsHeldByAnybody) {
     EXPECT_TRUE(mWorld.FilesBelow("data/fonts").empty() && mTable.counts.empty());
 }
 
-TEST_P(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
-    Apply([&](Activation& activation) { EXPECT_TRUE(activation.ActivateForUser(FontAt(0))); });
+TEST_P(EveryWay, APluginNeverTakesAwayWhatTheUserActivated) {
+    EXPECT_TRUE(TryToActivate());
     EXPECT_TRUE(Lease(0, kHost).activated.empty());
     EXPECT_TRUE(EndLeases(0, kHost).deactivated.empty());
     EXPECT_TRUE(mWay->Has(mFile));
@@ -131,7 +158,7 @@ TEST_P(ActivationTest, APluginNeverTakesAwayWhatTheUserActivated) {
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
 }
 
-TEST_P(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
+TEST_P(EveryWay, WhatIsNotCommittedLeavesNoTrace) {
     {
         Activation activation(mDatabase, mFonts, mActivations, *mWay);
         EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
@@ -141,28 +168,28 @@ TEST_P(ActivationTest, WhatIsNotCommittedLeavesNoTrace) {
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Inactive);
 }
 
-TEST_P(ActivationTest, NotesAFileThatTheVaultHasLost) {
+TEST_P(EveryWay, NotesAFileThatTheVaultHasLost) {
     ASSERT_FALSE(mVault.Remove(mFile));
     const ActivationChanges changes = Apply([&](Activation& activation) {
-        EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDesign}));
-        EXPECT_FALSE(activation.Lease(FontAt(1), {kHost, LeasePurpose::kDesign}));
+        for (const size_t font : {0, 1})
+            EXPECT_FALSE(activation.Lease(FontAt(font), {kHost, LeasePurpose::kDesign}));
     });
-    EXPECT_EQ(changes.missing, mIDs);  // each once
-    Apply([&](Activation& activation) {
-        EXPECT_FALSE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
-    });
+    EXPECT_EQ(changes.missing, mIDs) << "each once";
+    Lease(0, kHost, false);
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
-    ASSERT_TRUE(test::PutIntoVault(mVault, mFile, "cut off"));
-    Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
-    ASSERT_TRUE(test::PutIntoVault(mVault, mFile, mContent));
+    Put(mFile, "cut off");
+    EXPECT_FALSE(TryToActivate());
+    Put(mFile, mContent);
     EXPECT_EQ(Lease(0, kHost).activated, std::vector{mIDs[0]});
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_ActivatedByPlugin);
 }
 
-TEST_P(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
+TEST_P(EveryWay, EndsTheLeasesOfHostsThatAreGone) {
     Lease(0, kHost);
     Lease(0, kOtherHost);
-    Lease(1, kOtherHost, LeasePurpose::kPreview);
+    Apply([&](Activation& activation) {
+        EXPECT_TRUE(activation.Lease(FontAt(1), {kOtherHost, LeasePurpose::kPreview}));
+    });
     Activation activation(mDatabase, mFonts, mActivations, *mWay);
     const ActivationChanges changes =
         EndLeasesOfDeadHosts(mActivations, activation, [](const HostProcess& host) { return host == kHost; });
@@ -172,18 +199,17 @@ TEST_P(ActivationTest, EndsTheLeasesOfHostsThatAreGone) {
 }
 
 TEST_F(LinkFolderTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
-    const std::string stray = "ab/ab" + std::string(62, '0') + ".ttf";
     for (const std::string& name :
-         {std::string("zz/mine.ttf"), std::string("notes.txt"), "cd" + stray.substr(2)})
+         {std::string("zz/mine.ttf"), std::string("notes.txt"), "cd" + mStray.substr(2)})
         mWorld.Write("data/fonts/" + name, "the user's own");
     EXPECT_EQ(mWay->Repair({}).removed, 0);
     EXPECT_EQ(mWorld.FilesBelow("data/fonts").size(), 3u);
     // A folder that the user put in the place of ours is the user's altogether.
-    mWorld.Write("elsewhere/" + stray, "the user's own");
-    std::filesystem::remove_all(platform::Utf8Path(mWorld.Path("data/fonts")));
+    mWorld.Write("elsewhere/" + mStray, "the user's own");
+    const fs::path folder = platform::Utf8Path(mWorld.Path("data/fonts"));
+    fs::remove_all(folder);
     std::error_code failure;
-    std::filesystem::create_directory_symlink(platform::Utf8Path(mWorld.Path("elsewhere")),
-                                              platform::Utf8Path(mWorld.Path("data/fonts")), failure);
+    fs::create_directory_symlink(platform::Utf8Path(mWorld.Path("elsewhere")), folder, failure);
     if (failure)
         GTEST_SKIP() << "this user may not make symbolic links here";
     EXPECT_EQ(mWay->Repair({}).removed, 0);
@@ -192,51 +218,52 @@ TEST_F(LinkFolderTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
 TEST_F(LinkFolderTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
     platform::RemoveFile(mWay->PathOf(mFile));
-    mWorld.Write("data/fonts/ab/ab" + std::string(62, '0') + ".ttf", "stray");
+    mWorld.Write("data/fonts/" + mStray, "stray");
     ActiveFonts::Repairs repairs = mWay->Repair(mFonts.ActiveFiles());
     EXPECT_EQ(repairs.added, 1);
     EXPECT_EQ(repairs.removed, 1);
     EXPECT_EQ(mWorld.FilesBelow("data/fonts"), std::vector{mWay->PathOf(mFile)});
 
     platform::RemoveFile(mWay->PathOf(mFile));  // or the vault's file would be cut as well
-    mWorld.Write("data/fonts/" + mFile.checksum.substr(0, 2) + "/" + mFile.checksum + ".ttc", "cut");
+    const std::string shard = "data/fonts/" + mFile.checksum.substr(0, 2);
+    mWorld.Write(shard + "/" + mFile.checksum + ".ttc", "cut");
     mWay->Repair(mFonts.ActiveFiles());
-    EXPECT_TRUE(std::filesystem::equivalent(platform::Utf8Path(mWay->PathOf(mFile)),
-                                            platform::Utf8Path(mVault.PathOf(mFile))));
+    EXPECT_TRUE(IsVaultsFileActive());
 
+    fs::remove_all(platform::Utf8Path(mWorld.Path("data/fonts")));
+    mWorld.Write("data/fonts", "no folder");
+    repairs = mWay->Repair(mFonts.ActiveFiles());
+    EXPECT_EQ(repairs.added, 0);
+    EXPECT_NE(repairs.problem, "");
+    EXPECT_THROW(Lease(1, kHost), ActivationRefused);
     ASSERT_FALSE(mVault.Remove(mFile));
-    platform::RemoveFile(mWay->PathOf(mFile));
     EXPECT_EQ(mWay->Repair(mFonts.ActiveFiles()).missing.size(), 1u);
 }
 
 TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
-    FontFile other = mFile;
-    other.checksum = test::ChecksumOf("another");
-    ASSERT_TRUE(test::PutIntoVault(mVault, other, mContent));
+    const FontFile other = FileOf("another");
+    Put(other, "another");
     const uint32_t otherID = mFonts.FontsOfFile(mFonts.Add(other, {FontFace{}})).front().id;
     Apply([&](Activation& activation) {
-        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument}));
-        EXPECT_TRUE(activation.Lease(*mFonts.Find(otherID), {kHost, LeasePurpose::kDocument}));
+        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost}));
+        EXPECT_TRUE(activation.Lease(*mFonts.Find(otherID), {kHost}));
     });
     EXPECT_EQ(mTable.announcements, 1);
     Lease(0, kOtherHost);
-    EXPECT_EQ(mTable.announcements, 1);
-    EXPECT_EQ(mTable.counts, (Counts{{mWay->PathOf(mFile), 1}, {mWay->PathOf(other), 1}}));
+    EXPECT_EQ(mTable.counts, (FakeFontTable::Counts{{mWay->PathOf(mFile), 1}, {mWay->PathOf(other), 1}}));
     EndLeases(0, kOtherHost);
     EXPECT_EQ(mTable.announcements, 1);
     EndLeases(0, kHost);
     EXPECT_EQ(mTable.announcements, 2);
-}
-
-TEST_F(FontResourcesTest, WhatTheSystemDoesNotTakeIsNotActive) {
     mTable.isFull = true;
-    Apply([&](Activation& activation) { EXPECT_FALSE(activation.ActivateForUser(FontAt(0))); });
+    EXPECT_FALSE(TryToActivate()) << "what the system does not take is not active";
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Inactive);
 }
 
 TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {
-    Lease(0, kHost);
-    const std::string stray = mWorld.Write("vault/ab/ab" + std::string(62, '0') + ".ttf", "not recorded");
+    using Counts = FakeFontTable::Counts;
+    const std::string stray =
+        mWorld.Write("vault/" + std::string("ab/ab") + std::string(62, '0') + ".ttf", "");
     // What three agents left that died: one before it added the file, two after.
     for (const Counts& left : {Counts{}, Counts{{mVault.PathOf(mFile), 1}},
                                Counts{{mVault.PathOf(mFile), 3}, {stray, 2}, {"C:\\Fonts\\user.ttf", 1}}}) {
@@ -254,6 +281,87 @@ TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {
     FontResources last(mVault);
     EXPECT_EQ(last.Repair({mFile}).missing.size(), 1u);
     EXPECT_FALSE(last.Has(mFile));
+}
+
+TEST_F(VaultTest, KeepsACopyOfAnySizeUnderItsChecksum) {
+    EXPECT_EQ(FileOf("abc").checksum, "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    for (const size_t size : {size_t{0}, size_t{1}, size_t{1} << 20, (size_t{2} << 20) + 7}) {
+        const std::string content(size, 'x');
+        const FontFile file = FileOf(content);
+        ReceivedFile received;
+        platform::ReadOnlyFile source;
+        platform::SystemError error;
+        ASSERT_FALSE(source.Open(mWorld.Write("source", content)));
+        ASSERT_EQ(mVault.Receive(source, kGoesOn, received, error), Outcome::kReceived);
+        EXPECT_EQ(received.checksum, file.checksum);
+        EXPECT_EQ(received.size, size);
+        ASSERT_FALSE(mVault.Place(received, file));
+        EXPECT_TRUE(mVault.IsIntact(file, kGoesOn));
+        // Links give other programs the very same file; none of them is to write to it by mistake.
+        using fs::perms;
+        const perms allowed = fs::status(platform::Utf8Path(mVault.PathOf(file))).permissions();
+        EXPECT_EQ(allowed & (perms::owner_write | perms::group_write | perms::others_write), perms::none);
+    }
+    EXPECT_EQ(mWorld.FilesBelow("vault").size(), 4u);
+}
+
+TEST_F(VaultTest, LooksAroundForWhatIsMissingUnknownDamagedOrLeftHalfWay) {
+    const FontFile known = FileOf("known");
+    const FontFile cut = FileOf("cut");
+    const FontFile damaged = FileOf("abc");
+    const FontFile unknown = FileOf("unknown");
+    Put(known, "known");
+    Put(cut, "c");
+    Put(damaged, "abd");
+    Put(unknown, "unknown");
+    mWorld.Write("vault/incoming/a1B2c3", "half");
+    mWorld.Write(mVault.PathOf(known).substr(mWorld.Path("").size()) + ".a1B2c3", "half");
+    const std::string foreign = mWorld.Write("vault/zz/mine.ttf", "the user's own");
+    EXPECT_TRUE(mVault.Has(damaged) && !mVault.IsIntact(damaged, kGoesOn));
+    EXPECT_TRUE(platform::IsExistingFile(mVault.SetAside(mVault.PathOf(damaged))));
+    EXPECT_FALSE(mVault.Has(damaged));
+
+    const FontVault::Survey survey = mVault.LookAround({known, cut, FileOf("gone")});
+    EXPECT_EQ(survey.unknown, std::vector{mVault.PathOf(unknown)}) << "and not what was set aside";
+    ASSERT_EQ(survey.missing.size(), 2u);
+    EXPECT_EQ(survey.missing[0].checksum, cut.checksum);
+    EXPECT_EQ(survey.removed, 2);
+    EXPECT_TRUE(platform::IsExistingFile(foreign));
+}
+
+TEST(FontManager, EndsTheLeasesOfDeadProcessesAndOfEarlierErasOnce) {
+    const test::TestWorld world;
+    const Locations places = Locations::OfThisUser();
+    ASSERT_FALSE(platform::MakePrivateFolder(places.dataFolder));
+    FontManager manager(places);
+    manager.EndLeasesOfEarlierEra();
+    const uint32_t font = manager.fonts.FontsOfFile(manager.fonts.Add({}, {FontFace{}})).front().id;
+    const platform::ProcessId process = platform::CurrentProcessId();
+    const HostProcess self{process, platform::ProcessStartTime(process)};
+    const auto lease = [&](const HostProcess& host) {
+        manager.activations.AddLease(font, {host});
+        manager.activations.KeepAnswer(host, 1, "{}");
+    };
+    const auto hosts = [&] {
+        EXPECT_EQ(manager.activations.HostsWithAnswers(), manager.activations.Hosts());
+        return manager.activations.Hosts();
+    };
+    lease(self);
+    lease({process, self.startTime + 1});  // whose identifier is this process's now
+    lease({0, 0});
+    EXPECT_EQ(manager.EndLeasesOfDeadProcesses().deactivated, std::vector<uint32_t>{});
+    EXPECT_EQ(hosts(), std::vector{self});
+
+    const std::string era = manager.settings.Era();
+    EXPECT_EQ(era, platform::ProcessEra());
+    // An older version noted none.
+    for (const std::string& noted : {era, std::string(), std::string("another"), era}) {
+        lease(self);
+        manager.settings.NoteEra(noted);
+        manager.EndLeasesOfEarlierEra();
+        EXPECT_EQ(manager.settings.Era(), era);
+        EXPECT_EQ(hosts().empty(), noted == "another" && !era.empty()) << noted;
+    }
 }
 
 }  // namespace

@@ -1,59 +1,40 @@
 #include "store/FontStore.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 
-#include "FontRecordKeys.h"
 #include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
-#include "common/FontManagerLimits.h"
-#include "common/Protocol.h"
+#include "activation/ReplacementFinder.h"
 #include "platform/Files.h"
-#include "store/ActivationStore.h"
-#include "store/Database.h"
 #include "store/DocumentStore.h"
-#include "store/Schema.h"
-#include "store/SetStore.h"
-#include "store/SmartListStore.h"
-#include "store/WorkgroupStore.h"
+#include "tests/support/StoreTest.h"
+#include "tests/support/TestWorld.h"
 
 namespace pellwick {
 namespace {
 
-class FontStoreTest : public testing::Test {
+using testing::ElementsAre;
+using IDs = std::vector<uint32_t>;
+
+class FontStoreTest : public StoreTest {
 protected:
-    FontStoreTest() { PrepareSchema(mDatabase); }
-
-    uint32_t Add(const std::string& postScriptName, const std::string& family, const std::string& style,
-                 const std::string& version = "Version 1.0", int32_t kind = 4) {
-        FontFace face;
-        face.postScriptName = postScriptName;
-        face.family = family;
-        face.style = style;
-        face.fullName = family + " " + style;
-        face.version = version;
-        face.kind = kind;
-        face.lookupNames = {family + style, face.fullName};
-        const int64_t file =
-            mFonts.Add({0, "checksum" + std::to_string(++mFiles), "font.ttf", ".ttf", 10}, {face});
-        return mFonts.FontsOfFile(file).front().id;
-    }
-
-    std::string MatchOf(const RequestedFont& request) {
-        std::string ids;
+    IDs MatchOf(const RequestedFont& request) {
         std::vector<Font> fonts = MatchFonts(mFonts, request);
         const uint32_t best = fonts.empty() ? 0 : fonts[IndexOfBestMatch(fonts, request)].id;
         SortByMatch(fonts, request);
         EXPECT_EQ(fonts.empty() ? 0 : fonts.front().id, best);
+        return IDsOf(fonts);
+    }
+    IDs ReplacementsFor(const RequestedFont& request) { return IDsOf(mFinder.Find(request)); }
+    IDs ReplacementsFor(const char* name) { return ReplacementsFor({name, "", "", "", 0}); }
+    static IDs IDsOf(const std::vector<Font>& fonts) {
+        IDs ids;
         for (const Font& font : fonts)
-            ids += (ids.empty() ? "" : " ") + std::to_string(font.id);
+            ids.push_back(font.id);
         return ids;
     }
 
-    Database mDatabase{":memory:"};
-    FontStore mFonts{mDatabase};
-    int mFiles = 0;
+    ReplacementFinder mFinder{mFonts};
 };
 
 TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
@@ -66,67 +47,61 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
     Add("Many", "Many", "Regular", "Version 3.0", 5);  // 7
     Add("Many", "Many", "Regular", "unreadable");      // 8
     Add("Hyphen", "-", "-");                           // 9
-    const struct {
-        RequestedFont request;
-        const char* found;
-    } cases[] = {{{"Sample-Bold", "", "", "", 0}, "2"},  // exactly, before in any case
-                 {{"sample-bold", "", "", "", 0}, "1"},
-                 {{"SAMPLE-BOLD", "", "", "", 0}, "1 2"},
-                 {{"Sample", "", "", "", 0}, ""},
-                 {{"Sample Sans Bold", "", "", "", 0}, "3"},
-                 {{"Sample Sans-Bold", "", "", "", 0}, "3"},
-                 {{"SampleSans-Bold", "", "", "", 0}, "3"},
-                 {{"", "Sample Sans", "Bold", "", 0}, "3"},
-                 {{"", "Sample Sans", "", "", 0}, "4"},  // a family alone means its regular style
-                 {{"Unknown-Bold", "Sample Sans", "Bold", "", 0}, "3"},
-                 {{"", "Sample Sans", "Italic", "", 0}, ""},
-                 {{"Many", "", "", "", 4}, "6 5 8 7"},
-                 {{"Many", "", "", "", 5}, "7 6 5 8"},
-                 {{"_", "", "", "", 0}, ""}};  // nothing goes by an empty name
+    const std::pair<RequestedFont, IDs> cases[] = {
+        {{"Sample-Bold", "", "", "", 0}, {2}},  // exactly, before in any case
+        {{"sample-bold", "", "", "", 0}, {1}},
+        {{"SAMPLE-BOLD", "", "", "", 0}, {1, 2}},
+        {{"Sample", "", "", "", 0}, {}},
+        {{"Sample Sans Bold", "", "", "", 0}, {3}},
+        {{"Sample Sans-Bold", "", "", "", 0}, {3}},
+        {{"SampleSans-Bold", "", "", "", 0}, {3}},
+        {{"", "Sample Sans", "Bold", "", 0}, {3}},
+        {{"", "Sample Sans", "", "", 0}, {4}},  // a family alone means its regular style
+        {{"Unknown-Bold", "Sample Sans", "Bold", "", 0}, {3}},
+        {{"", "Sample Sans", "Italic", "", 0}, {}},
+        {{"Many", "", "", "", 4}, {6, 5, 8, 7}},
+        {{"Many", "", "", "", 5}, {7, 6, 5, 8}},
+        {{"_", "", "", "", 0}, {}}};  // nothing goes by an empty name
     for (const auto& [request, found] : cases)
         EXPECT_EQ(MatchOf(request), found) << request.postScriptName << request.family << request.style;
     EXPECT_TRUE(mFonts.ListNamed("", 0, kListPageSize).empty());
-    mFonts.SetFileMissing(mFonts.Find(6)->file.id, true);
-    EXPECT_EQ(MatchOf({"Many", "", "", "", 4}).substr(0, 1), "5");
+    SetMissing(6);
+    EXPECT_EQ(MatchOf({"Many", "", "", "", 4}).front(), 5u);
 }
 
 TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) {
-    ActivationStore activations(mDatabase);
     const uint32_t font = Add("Sample", "Sample", "Regular");
-    activations.AddUserActivation(font);
-    mFonts.RemoveFile(mFonts.Find(font)->file.id);
+    mActivations.AddUserActivation(font);
+    Remove(font);
     EXPECT_FALSE(mFonts.Find(font));
     EXPECT_TRUE(mFonts.ActiveFiles().empty());
-    EXPECT_EQ(MatchOf({"Sample Regular", "", "", "", 0}), "");
+    EXPECT_EQ(MatchOf({"Sample Regular", "", "", "", 0}), IDs());
     EXPECT_GT(Add("Sample", "Sample", "Regular"), font);
 }
 
 // A collection may hold so many faces of one name that comparing each with each would never end.
 TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
     constexpr size_t kFaces = 50000;
+    const uint32_t missing = Add("Many", "Many", "Regular");
+    SetMissing(missing);
     FontFace face;
-    face.postScriptName = "Many";
-    face.family = "Many";
+    face.postScriptName = face.family = "Many";
     face.style = "Regular";
     face.lookupNames = {"ManyRegular"};
-    int64_t missing = 0;
+    std::vector<FontFace> faces(kFaces, face);
+    for (size_t index = 0; index < faces.size(); ++index)
+        faces[index].face = static_cast<int64_t>(index);
     {
         Transaction transaction(mDatabase);
-        missing = mFonts.Add({0, "missing", "many.ttc", ".ttc", 10}, {face});
-        mFonts.SetFileMissing(missing, true);
-        std::vector<FontFace> faces(kFaces, face);
-        for (size_t index = 0; index < faces.size(); ++index)
-            faces[index].face = static_cast<int64_t>(index);
         mFonts.Add({0, "present", "many.ttc", ".ttc", 10}, faces);
         transaction.Commit();
     }
-    const uint32_t first = mFonts.FontsOfFile(missing).front().id;
-    const RequestedFont byName{"Many", "", "", "", 0};
-    for (const std::vector<Font>& fonts : {MatchFonts(mFonts, byName), mFonts.FindByPostScriptName("many"),
-                                           mFonts.FindByLookupName("Many Regular")}) {
+    for (const std::vector<Font>& fonts :
+         {MatchFonts(mFonts, {"Many", "", "", "", 0}), mFonts.FindByPostScriptName("many"),
+          mFonts.FindByLookupName("Many Regular")}) {
         ASSERT_EQ(fonts.size(), size_t{kMaxFontsOfName});
-        EXPECT_EQ(fonts.front().id, first + 1) << "the missing one comes last";
-        EXPECT_EQ(fonts.back().id, first + kMaxFontsOfName);
+        EXPECT_EQ(fonts.front().id, missing + 1) << "the missing one comes last";
+        EXPECT_EQ(fonts.back().id, missing + kMaxFontsOfName);
     }
     EXPECT_EQ(MatchFonts(mFonts, {"", "Many", "", "", 0}).size(), size_t{kMaxFontsOfName});
     EXPECT_EQ(mFonts.FindByFamily("Many").size(), size_t{kListPageSize});
@@ -134,13 +109,12 @@ TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
     // People mean them all.
     const std::vector<Font> page = mFonts.ListNamed("Many", 0, kListPageSize);
     ASSERT_EQ(page.size(), size_t{kListPageSize});
-    EXPECT_EQ(page.front().id, first);
+    EXPECT_EQ(page.front().id, missing);
     EXPECT_EQ(mFonts.ListNamed("Many", page.back().id, kListPageSize).front().id, page.back().id + 1);
-    EXPECT_TRUE(mFonts.ListNamed("many", first + kFaces, kListPageSize).empty());
+    EXPECT_TRUE(mFonts.ListNamed("many", missing + kFaces, kListPageSize).empty());
     // Those that are active are found wherever they stand.
-    ActivationStore(mDatabase).AddUserActivation(first + 4000);
-    ASSERT_EQ(mFonts.FindActive("Many").size(), 1u);
-    EXPECT_EQ(mFonts.FindActive("Many").front().id, first + 4000);
+    mActivations.AddUserActivation(missing + 4000);
+    EXPECT_EQ(IDsOf(mFonts.FindActive("Many")), IDs{missing + 4000});
 }
 
 TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
@@ -160,10 +134,111 @@ TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
     EXPECT_EQ(recorded(), 0);
 }
 
+TEST_F(FontStoreTest, NamesThatAreOnlySpelledDifferentlyAreTheNearest) {
+    Add("SampleSansStd-Bold", "Sample Sans Std", "Bold");
+    Add("SampleSansStd-Black", "Sample Sans Std", "Black");
+    Add("Other-Bold", "Other", "Bold");
+    for (const char* name :
+         {"SampleSans-Bold", "SAMPLE SANS BOLD", "SampleSansPS-BoldMT", "SampleSansLT-Bold",
+          "ABCDEF+SampleSansPro-Bold", "SampleSans,Bold", "SampleSans-Bd"})
+        EXPECT_THAT(ReplacementsFor(name), ElementsAre(1, 2)) << name;
+    EXPECT_THAT(ReplacementsFor("samplesansstd bold"), ElementsAre(1))
+        << "without capitals a family's words cannot be told apart";
+    Add("Claim-Bold", "Claim", "Regular");
+    Add("Claim-Semibold", "Claim", "Semibold");
+    EXPECT_THAT(ReplacementsFor("CLAIM BOLD"), ElementsAre(4, 5)) << "whatever style it claims";
+    for (const char* name : {"Specimen-Bold", "Sam-Bold", "SampleSerif-Bold", "", "-", "Bold-Sample"})
+        EXPECT_THAT(ReplacementsFor(name), ElementsAre()) << name;
+}
+
+TEST_F(FontStoreTest, InTheFamilyTheNearestStylesAreOffered) {
+    Add("Fam-1", "Sample", "Regular");
+    Add("Fam-2", "Sample", "Italic");
+    Add("Fam-3", "Sample", "Bold");
+    Add("Fam-4", "Sample", "Bold Italic");
+    Add("Fam-5", "Sample Condensed", "Bold");
+    Add("Fam-6", "Sample Light", "Italic");
+    Add("Fam-7", "Samples", "Black");
+    ASSERT_EQ(kMaxReplacements, 5u);
+    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(3, 1, 4, 5, 2));
+    EXPECT_EQ(ReplacementsFor("SampleNarrow-Bold").front(), 5u);
+    EXPECT_EQ(ReplacementsFor({"MadeUpName", "Sample", "Light Oblique", "", 0}).front(), 6u);
+    EXPECT_EQ(ReplacementsFor({"", "sample", "", "", 0}).front(), 1u);
+}
+
+TEST_F(FontStoreTest, OfOneNameTheBestFontThatIsThereIsOffered) {
+    Add("Sample-Bold", "Sample", "Bold", "Version 1.0");
+    const uint32_t newer = Add("Sample-Bold", "Sample", "Bold", "Version 2.0");
+    SetMissing(Add("Sample-Bold", "Sample", "Bold", "Version 3.0"));
+    SetMissing(Add("Sample-Thin", "Sample", "Thin"));
+    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(newer));
+    const uint32_t nearer = Add("Sample-Heavy", "Sample", "Heavy");
+    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(nearer, newer));
+    Remove(nearer);
+    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(newer));
+}
+
+/// Fonts 1 and 2 are in the first workgroup, 2 and 3 in the second, 4 in a set.
+class SmartListStoreTest : public StoreTest {
+protected:
+    SmartListStoreTest() {
+        for (const char* name : {"One", "Two", "Three", "Four"})
+            Add(name, name, "Regular");
+        for (const auto& [workgroup, font] :
+             {std::pair{mFirst, 1u}, {mFirst, 2u}, {mSecond, 2u}, {mSecond, 3u}})
+            mWorkgroups.AddFont(workgroup, font);
+        mSets.AddFont(mSet, 4);
+    }
+
+    IDs FontsOf(int32_t id, const SmartListQuery& query, uint32_t after = 0, int limit = 100) {
+        IDs ids;
+        for (const Font& font : mFonts.ListFrom(mLists.Resolve(id, query), after, limit))
+            ids.push_back(font.id);
+        return ids;
+    }
+    IDs FontsOf(int32_t id) { return FontsOf(id, mLists.Find(id)->query); }
+
+    WorkgroupStore mWorkgroups{mDatabase};
+    SetStore mSets{mDatabase};
+    SmartListStore mLists{mDatabase};
+    const int32_t mFirst = 1;
+    const int32_t mSecond = mWorkgroups.Create("Project", kWorkgroupType_FontLibrary);
+    const int32_t mSet = mSets.Create(mFirst, "Poster");
+};
+
+TEST_F(SmartListStoreTest, HoldsTheFontsThatAreInAnyOfItsSources) {
+    const std::pair<SmartListQuery, IDs> cases[] = {{{{mFirst}, {}, {}}, {1, 2}},
+                                                    {{{mFirst, mSecond}, {}, {}}, {1, 2, 3}},
+                                                    {{{mSecond}, {mSet}, {}}, {2, 3, 4}},
+                                                    {{}, {1, 2, 3, 4}},
+                                                    {{{kWorkgroupID_All}, {}, {}}, {1, 2, 3, 4}}};
+    for (const auto& [query, fonts] : cases)
+        EXPECT_EQ(FontsOf(0, query), fonts);
+    EXPECT_EQ(FontsOf(0, {{mSecond}, {mSet}, {}}, 2, 1), (IDs{3}));
+    // And other lists are followed, but not in circles.
+    const int32_t inner = mLists.Create("Inner", {{}, {mSet}, {}});
+    const int32_t middle = mLists.Create("Middle", {{mFirst}, {}, {inner}});
+    const int32_t outer = mLists.Create("Outer", {{}, {}, {middle, inner}});
+    EXPECT_EQ(FontsOf(outer), (IDs{1, 2, 4}));
+    mLists.SetQuery(inner, {{mSecond}, {}, {outer, inner}});
+    EXPECT_EQ(FontsOf(outer), (IDs{1, 2, 3}));
+    EXPECT_EQ(FontsOf(inner), (IDs{1, 2, 3}));
+    mLists.SetQuery(inner, {{}, {}, {inner}});
+    EXPECT_EQ(FontsOf(inner), IDs());
+    EXPECT_EQ(FontsOf(inner, {{}, {mSet}, {middle}}), (IDs{1, 2, 4})) << "as it is tried, in its place";
+    // One that loses its last source is empty.
+    const int32_t last = mLists.Create("List", {{}, {mSet}, {}});
+    mLists.SetQuery(outer, {{}, {}, {inner}});
+    mSets.Delete(mSet);
+    mLists.Delete(inner);
+    EXPECT_EQ(FontsOf(last), IDs());
+    EXPECT_EQ(FontsOf(outer), IDs());
+    EXPECT_GT(mLists.Create("New", {}), last);
+}
+
 TEST(Database, IsAsDurableAsATransactionAsks) {
     const TemporaryFolder folder;
     Database database(folder / "database");
-    PrepareSchema(database);
     const auto synchronous = [&] {
         Statement query = database.Prepare("PRAGMA synchronous");
         return query.Step() ? query.Integer(0) : -1;
@@ -179,32 +254,25 @@ TEST(Database, IsAsDurableAsATransactionAsks) {
     EXPECT_EQ(synchronous(), kFull);
 }
 
-TEST(Schema, UpgradesADatabaseOfTheFirstVersion) {
+TEST(Schema, UpgradesADatabaseOfTheFirstVersionOrLeavesItAsItWas) {
     Database database(":memory:");
     EXPECT_TRUE(PrepareSchema(database, 1));
     database.Execute(
         "INSERT INTO files VALUES (7, 'checksum', 'font.ttf', '.ttf', 10, 0);"
         "INSERT INTO fonts VALUES (9, 7, 0, 'Sample', 'Sample', 'Regular', 'Sample', '', '1', 4);"
         "INSERT INTO leases VALUES (9, 10, 20, '/document');"
-        "INSERT INTO workgroups (name, type) VALUES ('Project', 1)");
+        "INSERT INTO workgroups (name, type) VALUES ('Project', 1);"
+        "CREATE TABLE smart_list_members (whose INTEGER)");
+    EXPECT_THROW(PrepareSchema(database), DatabaseError);
+    database.Execute("DROP TABLE smart_list_members");
     EXPECT_FALSE(PrepareSchema(database));
     EXPECT_FALSE(PrepareSchema(database));
-    EXPECT_EQ(ActivationStore(database).FontsLeasedFor({10, 20}, "/document"), std::vector{uint32_t{9}});
+    EXPECT_EQ(ActivationStore(database).FontsLeasedFor({10, 20}, "/document"), IDs{9});
     EXPECT_EQ(WorkgroupStore(database).List().size(), 3u);
     EXPECT_GT(SmartListStore(database).Create("All", {}), 0);
     FontStore(database).RemoveFile(7);
     EXPECT_TRUE(ActivationStore(database).Hosts().empty());
     EXPECT_THROW(PrepareSchema(database, 1), DatabaseError);
-}
-
-TEST(Schema, LeavesADatabaseThatCannotBeUpgradedAsItWas) {
-    Database database(":memory:");
-    PrepareSchema(database, 1);
-    database.Execute("CREATE TABLE smart_list_members (whose INTEGER)");
-    EXPECT_THROW(PrepareSchema(database), DatabaseError);
-    database.Execute("DROP TABLE smart_list_members; INSERT INTO smart_lists (name, query) VALUES ('', '')");
-    EXPECT_FALSE(PrepareSchema(database));
-    EXPECT_TRUE(SmartListStore(database).List().empty());
 }
 
 /// The code with which it is refused; 0 when it is not.
@@ -217,63 +285,51 @@ ErrorCode RefusalOf(Database& database) {
     }
 }
 
-TEST(Schema, RefusesADatabaseWhoseVersionIsNoneOfOurs) {
-    for (const auto& [version, code] :
-         std::vector<std::pair<int, ErrorCode>>{{kSchemaVersion + 1, CoreErrorCodes::kVersionMismatch},
-                                                {INT_MAX, CoreErrorCodes::kVersionMismatch},
-                                                {-1, GSqliteDatabase::kInvalidDatabaseFile},
-                                                {-1000, GSqliteDatabase::kInvalidDatabaseFile},
-                                                {INT_MIN, GSqliteDatabase::kInvalidDatabaseFile}}) {
-        Database database(":memory:");
-        PrepareSchema(database);
-        database.Execute(("PRAGMA user_version = " + std::to_string(version)).c_str());
-        EXPECT_EQ(RefusalOf(database), code) << version;
-    }
-}
-
-TEST(Schema, LeavesTheDatabaseOfAnotherProgramAsItWas) {
-    const TemporaryFolder folder;
-    const auto contentOf = [](const std::string& path) {
-        std::string content;
-        EXPECT_FALSE(platform::ReadWholeFile(path, content, 1 << 20));
-        return content;
-    };
-    for (const char* change :
-         {"CREATE TABLE notes (text TEXT)", "CREATE TABLE notes (text TEXT); PRAGMA user_version = 1",
-          "CREATE TABLE notes (text TEXT); PRAGMA user_version = 3"}) {
-        const std::string path = folder / "notes";
-        platform::RemoveFile(path);
-        Database(path).Execute(change);
-        const std::string before = contentOf(path);
+TEST(Schema, RefusesADatabaseThatIsNoneOfOursAndLeavesItAsItWas) {
+    const auto version = [](int number) { return "PRAGMA user_version = " + std::to_string(number); };
+    const std::string notes = "CREATE TABLE notes (text TEXT);";
+    const struct {
+        bool isOurs;
+        std::string change;
+        ErrorCode code;
+    } cases[] = {{true, version(kSchemaVersion + 1), CoreErrorCodes::kVersionMismatch},
+                 {true, version(INT_MAX), CoreErrorCodes::kVersionMismatch},
+                 {true, version(-1), GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, version(INT_MIN), GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "DROP TABLE settings", GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "ALTER TABLE leases DROP COLUMN request", GSqliteDatabase::kInvalidDatabaseFile},
+                 {true, "DROP TABLE document_fonts", GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes, GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes + version(1), GSqliteDatabase::kInvalidDatabaseFile},
+                 {false, notes + version(3), GSqliteDatabase::kInvalidDatabaseFile}};
+    for (const auto& [isOurs, change, code] : cases) {
+        const TemporaryFolder folder;
+        const std::string path = folder / "database";
         {
             Database database(path);
-            EXPECT_EQ(RefusalOf(database), GSqliteDatabase::kInvalidDatabaseFile) << change;
+            EXPECT_TRUE(!isOurs || PrepareSchema(database));
+            database.Execute(change.c_str());
         }
-        EXPECT_EQ(contentOf(path), before) << change;
-    }
-    for (const char* loss :
-         {"DROP TABLE settings", "ALTER TABLE leases DROP COLUMN request", "DROP TABLE document_fonts"}) {
-        Database database(":memory:");
-        PrepareSchema(database);
-        database.Execute(loss);
-        EXPECT_EQ(RefusalOf(database), GSqliteDatabase::kInvalidDatabaseFile) << loss;
+        const std::string before = test::ContentOf(path);
+        {
+            Database database(path);
+            EXPECT_EQ(RefusalOf(database), code) << change;
+        }
+        EXPECT_EQ(test::ContentOf(path), before) << change;
     }
 }
 
 TEST(Schema, AFileThatIsCutAnywhereIsRefusedOrNewAndNeverMore) {
     const TemporaryFolder folder;
-    const std::string path = folder / "whole";
     {
-        Database database(path);
+        Database database(folder / "whole");
         PrepareSchema(database);
     }
-    std::string whole;
-    ASSERT_FALSE(platform::ReadWholeFile(path, whole, 1 << 24));
+    const std::string whole = test::ContentOf(folder / "whole");
     constexpr size_t kPage = 4096;  // of the last one SQLite misses nothing before it is used
     for (size_t size = 0; size <= whole.size() - kPage; size += size < 200 ? 7 : 1111) {
-        const std::string cut = folder.Write("cut", std::string_view(whole).substr(0, size));
         {
-            Database database(cut);
+            Database database(folder.Write("cut", std::string_view(whole).substr(0, size)));
             EXPECT_EQ(RefusalOf(database) == 0, size == 0) << size;
         }
         for (const char* file : {"cut-wal", "cut-shm"})

@@ -1,21 +1,20 @@
+// What goes over connections, and how a client gets on with agents that are slow, old or foreign.
 #include "ipc/Message.h"
-
-#include <gtest/gtest.h>
-
-#include <nlohmann/json.hpp>
 
 #include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"
+#include "tests/support/AgentTest.h"
 
-namespace pellwick {
+namespace pellwick::test {
 namespace {
 
 std::string Payload(const Json& message) {
     return EncodeMessage(message)->substr(4);
 }
 
-TEST(FrameBuffer, CutsAStreamThatArrivesInPiecesOfAnySize) {
-    const std::string stream = *MakeFrame("first") + *MakeFrame("") + *MakeFrame(std::string(300, 'x'));
+TEST(FrameBuffer, CutsAStreamThatArrivesInPiecesUntilAFrameIsTooLarge) {
+    const std::string stream = *MakeFrame("first") + *MakeFrame("") + *MakeFrame(std::string(300, 'x')) +
+                               std::string("\x01\x00\x00\x01", 4);  // one byte more than the limit
     for (const size_t pieceSize : {size_t{1}, size_t{3}, size_t{7}, stream.size()}) {
         FrameBuffer buffer;
         std::vector<std::string> payloads;
@@ -26,24 +25,24 @@ TEST(FrameBuffer, CutsAStreamThatArrivesInPiecesOfAnySize) {
                 payloads.push_back(*payload);
         }
         EXPECT_EQ(payloads, (std::vector<std::string>{"first", "", std::string(300, 'x')})) << pieceSize;
+        EXPECT_TRUE(buffer.IsBroken());
     }
+    EXPECT_FALSE(MakeFrame(std::string(kMaxMessageSize + 1, 'x')));
 }
 
-TEST(FrameBuffer, IsBrokenByAFrameThatIsTooLarge) {
+TEST(FrameBuffer, KeepsNoMemoryOfALargeMessage) {
     FrameBuffer buffer;
-    const std::string good = *MakeFrame("good");
-    buffer.Append(good.data(), good.size());
-    buffer.Append("\x01\x00\x00\x01", 4);  // one byte more than the limit
-    EXPECT_EQ(buffer.Next(), "good");
-    EXPECT_FALSE(buffer.Next());
-    EXPECT_TRUE(buffer.IsBroken());
-    EXPECT_FALSE(MakeFrame(std::string(kMaxMessageSize + 1, 'x')));
+    const std::string frames = *MakeFrame(std::string(kMaxMessageSize, 'x')) + *MakeFrame("small");
+    buffer.Append(frames.data(), frames.size());
+    EXPECT_EQ(buffer.Next()->size(), kMaxMessageSize);
+    EXPECT_EQ(buffer.Next(), "small");
+    EXPECT_LE(buffer.Capacity(), kMaxIdleBuffer);
 }
 
 TEST(Message, TakesNothingButWholeObjects) {
     const Json message = {{"id", 7}, {"args", {{"name", "\xD0\xB0"}, {"list", {1, -2, 2.5, true, nullptr}}}}};
-    EXPECT_EQ(DecodeMessage(Payload(message)), message);
     const std::string payload = Payload(message);
+    EXPECT_EQ(DecodeMessage(payload), message);
     for (size_t size = 0; size < payload.size(); ++size)
         EXPECT_FALSE(DecodeMessage(payload.substr(0, size))) << size;
     const std::string nesting = std::string("\x81\xA1") + "a" + std::string(1000000, '\x91');
@@ -68,31 +67,55 @@ TEST(Message, RefusesMoreValuesThanMemoryIsFor) {
             bytes += element;
         return bytes;
     };
-    const std::string values[] = {
-        "\x90", "\x80", "\xC3", "\x01", "\xA0", std::string("\xCA\0\0\0\0", 5), std::string("\xC4\0", 2)};
-    for (const std::string& value : values) {
-        const size_t most = kMaxMessageValues - 2;  // the object and the array count as well
+    const size_t most = kMaxMessageValues - 2;  // the object and the array count as well
+    for (const std::string& value :
+         {std::string("\x90"), std::string("\x80"), std::string("\xC3"), std::string("\x01"),
+          std::string("\xA0"), std::string("\xCA\0\0\0\0", 5), std::string("\xC4\0", 2)})
         EXPECT_FALSE(DecodeMessage(payload(value, most + 1))) << int(value[0]);
-    }
-    EXPECT_TRUE(DecodeMessage(payload(values[0], kMaxMessageValues - 2)));
+    EXPECT_TRUE(DecodeMessage(payload("\x90", most)));
     EXPECT_FALSE(DecodeMessage(payload("\x81\xA0\x90", kMaxMessageValues / 2)));
     // What would not be taken is not sent.
-    EXPECT_TRUE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 2, 1)}}));
-    EXPECT_FALSE(EncodeMessage({{"a", Json::array_t(kMaxMessageValues - 1, 1)}}));
+    EXPECT_TRUE(EncodeMessage({{"a", Json::array_t(most, 1)}}));
+    EXPECT_FALSE(EncodeMessage({{"a", Json::array_t(most + 1, 1)}}));
 }
 
-TEST(FrameBuffer, KeepsNoMemoryOfALargeMessage) {
-    FrameBuffer buffer;
-    const std::string large = *MakeFrame(std::string(kMaxMessageSize, 'x'));
-    const std::string small = *MakeFrame("small");
-    buffer.Append(large.data(), large.size());
-    buffer.Append(small.data(), small.size());
-    EXPECT_EQ(buffer.Next()->size(), kMaxMessageSize);
-    EXPECT_EQ(buffer.Next(), "small");
-    EXPECT_LE(buffer.Capacity(), kMaxIdleBuffer);
-    buffer.Append(small.data(), small.size());
-    EXPECT_EQ(buffer.Next(), "small");
+TEST(AgentConnection, WaitsForSignsOfLifeAndTellsAGoodbyeFromABreakAndFromNonsense) {
+    const std::pair<ErrorCode, ScriptedAgent::Script> scripts[] = {
+        {CoreErrorCodes::kNotFound,
+         [](ScriptedAgent& agent) {
+             const Json request = agent.ReadMessage();
+             for (int count = 0; count < 6; ++count) {
+                 std::this_thread::sleep_for(std::chrono::milliseconds(500));
+                 agent.Send({{"working", true}});
+             }
+             agent.Answer(request, CoreErrorCodes::kNotFound);
+         }},
+        {CoreErrorCodes::kSuccess,
+         [](ScriptedAgent& agent) {
+             const Json request = agent.ReadMessage();
+             agent.Send({{"id", 999}, {"code", 1}});
+             agent.Send({{"notification", 4}, {"data", nullptr}});
+             agent.Answer(request);
+         }},
+        {GAgentIF::kShutdown,
+         [](ScriptedAgent& agent) {
+             agent.Send({{"goodbye", true}});
+         }},
+        {GIPCClient::kServiceUnavailable, [](ScriptedAgent& agent) { agent.ReadMessage(); }},
+        {GIPCClient::kServiceUnavailable, [](ScriptedAgent& agent) {
+             agent.ReadMessage();
+             agent.Write(std::string("\4\0\0\0junk", 8));
+         }}};
+    for (const auto& [code, script] : scripts) {
+        const TestWorld world;
+        const ScriptedAgent agent(world, script);
+        AgentConnection connection(std::chrono::seconds(2));
+        Json result;
+        EXPECT_EQ(connection.Call(method::kGetStatus, Json::object(), result), code);
+        const bool isOpen = code == CoreErrorCodes::kSuccess || code == CoreErrorCodes::kNotFound;
+        EXPECT_TRUE(isOpen || connection.Call(method::kGetStatus, Json::object(), result) == code);
+    }
 }
 
 }  // namespace
-}  // namespace pellwick
+}  // namespace pellwick::test

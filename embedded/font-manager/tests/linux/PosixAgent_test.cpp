@@ -1,111 +1,146 @@
-// The agent where the system has signals and fork.
-#include <gtest/gtest.h>
+// The agent where the system has signals, fork, and limits to a process: what other users could get at, and
+// what becomes of it without descriptors or memory.
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <nlohmann/json.hpp>
-#include <thread>
+#include <fstream>
 
-#include "ipc/AgentConnection.h"
-#include "ipc/Message.h"
-#include "tests/support/RawClient.h"
+#include "common/FontManagerLimits.h"
+#include "ipc/FrameBuffer.h"
+#include "tests/support/AgentTest.h"
 #include "tests/support/TestLibrary.h"
-#include "tests/support/TestWorld.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SKIP_WITH_SANITIZERS() GTEST_SKIP() << "sanitizers need memory and descriptors of their own"
+#else
+#define SKIP_WITH_SANITIZERS()
+#endif
 
 namespace pellwick::test {
 namespace {
 
-TEST(PosixAgent, EndsInOrderOnASignal) {
+constexpr size_t kMegabyte = size_t{1} << 20;
+
+class PosixAgent : public AgentTest {
+protected:
+    pid_t Process() const { return static_cast<pid_t>(mWorld.AgentProcess()); }
+    /// While it lives, the agent gets no descriptors beyond so many; those that it has it keeps.
+    AtEnd LimitDescriptors(rlim_t count) const {
+        rlimit before{};
+        prlimit(Process(), RLIMIT_NOFILE, nullptr, &before);
+        const rlimit few{count, before.rlim_max};
+        prlimit(Process(), RLIMIT_NOFILE, &few, nullptr);
+        return AtEnd([process = Process(), before] { prlimit(process, RLIMIT_NOFILE, &before, nullptr); });
+    }
+    /// A line of what the system says about the agent, in bytes.
+    size_t Memory(const std::string& name) const {
+        std::ifstream file("/proc/" + std::to_string(Process()) + "/status");
+        for (std::string line; std::getline(file, line);) {
+            if (line.starts_with(name + ":"))
+                return std::stoul(line.substr(name.size() + 1)) << 10;
+        }
+        return 0;
+    }
+    /// As many bytes in a message of as many values as there may be.
+    static std::string LargeMessage() {
+        const size_t count = kMaxMessageValues - 100;
+        const Json texts = Json::array_t(count, std::string(kMaxMessageSize / count - 4, 'x'));
+        return *EncodeMessage({{"id", 1}, {"method", "GetFonts"}, {"args", {{"fonts", texts}}}});
+    }
+};
+
+TEST_F(PosixAgent, EndsInOrderOnASignal) {
     for (const int signal : {SIGTERM, SIGINT}) {
-        TestWorld world;
-        world.StartAgent();
-        kill(static_cast<pid_t>(world.AgentProcess()), signal);
-        world.WaitForAgentToEnd();
-        EXPECT_TRUE(Locations::OfThisUser().AgentAddress().empty());
+        kill(Process(), signal);
+        mWorld.WaitForAgentToEnd();
+        EXPECT_TRUE(mPlaces.AgentAddress().empty());
+        mWorld.StartAgent();
     }
 }
 
-TEST(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
-    TestWorld world;
-    world.StartAgent();
+TEST_F(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
     const ProgramResult result =
         TestProcess({"/bin/sh", "-c", "exec '" PELLWICK_PROGRAM "' status >/dev/full"}).Finish();
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.errors,
-              "Pellwick: done, but the results cannot be written to standard output; see whether its disk is"
-              " full\n");
+    EXPECT_THAT(result.errors, HasSubstr("Pellwick: done, but the results cannot be written"));
 }
 
-/// While it lives, the process gets no descriptors beyond so many; those that it has it keeps.
-class FewDescriptors {
-public:
-    FewDescriptors(platform::ProcessId process, rlim_t count) : mProcess(static_cast<pid_t>(process)) {
-        prlimit(mProcess, RLIMIT_NOFILE, nullptr, &mSaved);
-        const rlimit few{count, mSaved.rlim_max};
-        prlimit(mProcess, RLIMIT_NOFILE, &few, nullptr);
-    }
-    ~FewDescriptors() { prlimit(mProcess, RLIMIT_NOFILE, &mSaved, nullptr); }
-    FewDescriptors(const FewDescriptors&) = delete;
-    FewDescriptors& operator=(const FewDescriptors&) = delete;
-
-private:
-    const pid_t mProcess;
-    rlimit mSaved{};
-};
-
-/// The lowest that is free.
-rlim_t FreeDescriptorOf(platform::ProcessId process) {
-    rlim_t number = 0;
-    while (std::filesystem::is_symlink("/proc/" + std::to_string(process) + "/fd/" + std::to_string(number)))
-        ++number;
-    return number;
-}
-
-TEST(PosixAgent, WithoutFreeDescriptorsNoHostLosesItsFontsAndNoClientIsTurnedAway) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "sanitizers need descriptors of their own, to tell memory from what is none";
-#endif
-    TestWorld world;
-    world.StartAgent();
-    world.WriteFont("Sample-Bold");
-    world.RunForJson({"add", world.Path("fonts")});
+TEST_F(PosixAgent, WithoutFreeDescriptorsNoHostLosesItsFontsAndNoClientIsTurnedAway) {
+    SKIP_WITH_SANITIZERS();
+    Add("Sample-Bold");
     const TestLibrary library;
     ASSERT_EQ(library.Activate("/document", {"Sample-Bold"}).size(), 1u);
-    AgentConnection kept(std::chrono::seconds(30));
-    Json answer;
-    ASSERT_EQ(kept.Call("GetStatus", Json::object(), answer), 0u);
+    GoodClient kept;
     {
-        auto leaving = std::make_unique<AgentConnection>(std::chrono::seconds(30));
-        ASSERT_EQ(leaving->Call("GetStatus", Json::object(), answer), 0u);
-        const FewDescriptors few(world.AgentProcess(), 3);
+        auto leaving = std::make_unique<GoodClient>();
+        const AtEnd limit = LimitDescriptors(3);
         leaving.reset();  // now the agent looks at its hosts
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        ASSERT_EQ(kept.Call("GetStatus", Json::object(), answer), 0u);
-        EXPECT_EQ(answer["hosts"], 1);
+        kept.ExpectToBeServed();
+        EXPECT_EQ(kept.result["hosts"], 1);
     }
-    EXPECT_EQ(world.ActiveFiles().size(), 1u);
+    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
     // One is left for a new client, none to look at it.
-    auto few =
-        std::make_unique<FewDescriptors>(world.AgentProcess(), FreeDescriptorOf(world.AgentProcess()) + 1);
-    std::thread client([] {
-        AgentConnection late(std::chrono::seconds(30));
-        Json status;
-        EXPECT_EQ(late.Call("GetStatus", Json::object(), status), 0u);
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    few.reset();
+    rlim_t lowestFree = 0;
+    while (fs::is_symlink("/proc/" + std::to_string(Process()) + "/fd/" + std::to_string(lowestFree)))
+        ++lowestFree;
+    std::thread client;
+    {
+        const AtEnd limit = LimitDescriptors(lowestFree + 1);
+        client = std::thread([] { GoodClient(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    }
     client.join();
     library.CleanUpOnShutdown();
 }
 
-TEST(PosixAgent, LetsNoOtherUserIn) {
+TEST_F(PosixAgent, UsesNoMoreMemoryThanAMessageMayCostAndGivesItBack) {
+    SKIP_WITH_SANITIZERS();
+    const size_t before = Memory("VmRSS");
+    const size_t count = kMaxMessageSize - 11;
+    std::string nonsense =
+        "\x81\xA4"
+        "args"
+        "\xDD";
+    for (int shift = 24; shift >= 0; shift -= 8)
+        nonsense += static_cast<char>(count >> shift & 0xFF);
+    nonsense.append(count, '\x90');
+    RawClient client;
+    client.Write(*MakeFrame(nonsense));
+    EXPECT_TRUE(client.IsClosedByAgent());
+    EXPECT_LT(Memory("VmHWM"), before + 180 * kMegabyte);
+    const auto isGivenBack = [&] { return Memory("VmRSS") < before + 20 * kMegabyte; };
+    EXPECT_TRUE(Eventually(isGivenBack)) << Memory("VmRSS");
+    RawClient().Write(LargeMessage());
+    GoodClient();
+    EXPECT_LT(Memory("VmHWM"), before + 220 * kMegabyte);
+    EXPECT_TRUE(Eventually(isGivenBack)) << Memory("VmRSS");
+}
+
+TEST_F(PosixAgent, WithoutMemoryLetsGoOfOneClientAndServesTheOthers) {
+    SKIP_WITH_SANITIZERS();
+    GoodClient other;
+    const std::string message = LargeMessage();
+    // Enough for part of it: for the bytes, say, but not for the values.
+    for (const size_t megabytes : {30, 20, 10, 5}) {
+        const rlimit limits{Memory("VmSize") + megabytes * kMegabyte, RLIM_INFINITY};
+        ASSERT_EQ(prlimit(Process(), RLIMIT_AS, &limits, nullptr), 0);
+        RawClient client;
+        client.Write(message);
+        EXPECT_TRUE(client.IsClosedByAgent()) << megabytes;
+        other.ExpectToBeServed();
+        GoodClient newcomer;
+        EXPECT_EQ(newcomer.result["process"], mWorld.AgentProcess());
+    }
+    EXPECT_THAT(mWorld.AgentLog(), HasSubstr("out of memory"));
+}
+
+TEST_F(PosixAgent, LetsNoOtherUserIn) {
     if (getuid() != 0)
         GTEST_SKIP() << "only root can become somebody else";
-    TestWorld world;
-    world.StartAgent();
     const pid_t child = fork();
     if (child == 0) {
         constexpr uid_t kNobody = 65534;
@@ -113,7 +148,7 @@ TEST(PosixAgent, LetsNoOtherUserIn) {
             _exit(2);
         try {
             RawClient client;
-            client.Send(*EncodeMessage({{"id", 1}, {"method", "GetStatus"}}));
+            client.Send({{"id", 1}, {"method", "GetStatus"}});
             _exit(client.IsClosedByAgent() ? 0 : 1);
         } catch (const std::exception&) {
             _exit(0);  // not even the socket could be reached
@@ -122,6 +157,78 @@ TEST(PosixAgent, LetsNoOtherUserIn) {
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
+}
+
+/// Everything of ours is closed to others, at any depth.
+void ExpectPrivate(const TestWorld& world) {
+    constexpr fs::perms kOthersWrite = fs::perms::group_write | fs::perms::others_write;
+    constexpr fs::perms kOthers = fs::perms::group_all | fs::perms::others_all;
+    int count = 0;
+    for (const char* ours : {"data/Vantorix", "data/fonts/Vantorix", "cache/Vantorix", "config/Vantorix"}) {
+        const fs::path folder = world.Path(ours);
+        if (!fs::exists(folder))
+            continue;
+        EXPECT_EQ(fs::status(folder).permissions() & kOthers, fs::perms::none) << folder;
+        for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+            const fs::perms closed = entry.is_directory() ? kOthers : kOthersWrite;
+            EXPECT_TRUE(entry.is_symlink() || (entry.status().permissions() & closed) == fs::perms::none)
+                << entry.path();
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 0);
+}
+
+TEST(OtherUsers, NothingIsLeftOpenWhateverTheMaskAndWhoeverComesFirst) {
+    const auto useLibrary = [] {
+        static const TestLibrary& bound = *new TestLibrary;
+        PluginThreadInstanceRef thread = nullptr;
+        ASSERT_EQ(bound.InitThreadInstance(&thread), 0u);
+        EXPECT_EQ(bound.BeginLogging(thread, "host.log"), 0u);
+        EXPECT_EQ(bound.Log(thread, "a line\n"), 0u);
+        EXPECT_EQ(bound.DestroyThreadInstance(thread), 0u);
+        EXPECT_EQ(bound.OSCreateDirectory(Locations::OfThisUser().logFolder.c_str()), 0u);
+        EXPECT_EQ(umask(0), 0u) << "a library leaves the host's mask alone";
+    };
+    for (const std::string steps :
+         {"agent library info", "library", "info", "library agent", "info agent library"}) {
+        TestWorld world;
+        const AtEnd mask([before = umask(0)] { umask(before); });
+        std::istringstream words(steps);
+        for (std::string step; words >> step;) {
+            if (step == "library")
+                useLibrary();
+            else if (step == "info")
+                world.RunForJson({"launch-info"});
+            else {
+                world.StartAgent();
+                world.RunForJson({"add", world.WriteFont("Sample-Bold")});
+                world.RunForJson({"activate", "Sample-Bold"});
+            }
+        }
+        ExpectPrivate(world);
+    }
+}
+
+TEST(OtherUsers, WhatIsOpenIsClosedWhenTheAgentStarts) {
+    TestWorld world;
+    world.Write("data/Vantorix/Logs/Pellwick.log", "of an earlier agent\n");
+    for (const char* file :
+         {"data/Vantorix/Pellwick/vault/ab/note", "data/fonts/Vantorix/ab/mine.ttf", "data/fonts/others.ttf",
+          "cache/Vantorix/Pellwick/previews/cd/image", "config/Vantorix/Preferences.json", "elsewhere/file"})
+        world.Write(file, "");
+    fs::create_directory_symlink(world.Path("elsewhere"), world.Path("data/Vantorix/link"));
+    for (const auto& entry : fs::recursive_directory_iterator(world.Path("."))) {
+        const bool isOpen = entry.is_directory() || entry.path().filename() == "Pellwick.log";
+        if (!entry.is_symlink())
+            fs::permissions(entry.path(), isOpen ? fs::perms::all : fs::perms::owner_read);
+    }
+    world.StartAgent();
+    ExpectPrivate(world);
+    for (const char* notOurs : {"data/fonts", "elsewhere"})
+        EXPECT_EQ(fs::status(world.Path(notOurs)).permissions(), fs::perms::all) << notOurs;
+    EXPECT_THAT(world.AgentLog(), testing::StartsWith("of an earlier agent"));
+    EXPECT_THAT(world.AgentLog(), HasSubstr("folders put right: "));
 }
 
 }  // namespace

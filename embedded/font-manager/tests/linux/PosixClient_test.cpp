@@ -1,5 +1,4 @@
 // The client library where the system has fork, signals, and limits to threads.
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -8,51 +7,57 @@
 
 #include <atomic>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
+#include <set>
+#include <sstream>
 
-#include "platform/Files.h"
-#include "tests/support/RecoveryTest.h"
+#include "tests/support/ClientTest.h"
 
 namespace pellwick::test {
 namespace {
 
-TEST_F(RecoveryTest, AForkedProcessHasAConnectionOfItsOwn) {
-    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    const PluginFacadeRef parents = mLibrary.Facade();
+using PosixClient = ClientTest;
+
+TEST(ClientLibrary, ExportsTheContractAndNothingElse) {
+    std::set<std::string> expected;
+#define COLLECT(symbol, parameters) expected.insert(#symbol);
+    TARNWICK_PLUGIN_FUNCTIONS(COLLECT)
+#undef COLLECT
+    ASSERT_EQ(expected.size(), 86u);
+    std::istringstream symbols(
+        TestProcess({NM_PROGRAM, "-D", "--defined-only", TARNWICK_LIBRARY}).Finish().output);
+    std::set<std::string> exported;
+    for (std::string address, type, name; symbols >> address >> type >> name;)
+        exported.insert(name.substr(0, name.find('@')));
+    EXPECT_EQ(exported, expected);
+}
+
+TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
+    ASSERT_EQ(AskWhetherLoggedIn(), 0u);
+    const PluginFacadeRef parents = Facade();
     const pid_t child = fork();
     if (child == 0) {
         bool isLoggedIn = false;
-        const bool isRight = mLibrary.GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed &&
-                             AskWhetherLoggedIn() == CoreErrorCodes::kSuccess;
+        const bool isRight =
+            GetIsLoggedIn(parents, &isLoggedIn) == GAgentIF::kAgentIFDestroyed && AskWhetherLoggedIn() == 0;
         _exit(isRight ? 0 : 1);
     }
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(AskWhetherLoggedIn(), 0u);
 }
 
 /// While it lives, this process gets no further threads: none could have a stack of that size.
-class NoFurtherThreads {
-public:
-    NoFurtherThreads() {
-        pthread_getattr_default_np(&mSaved);
-        pthread_attr_t attributes;
-        pthread_attr_init(&attributes);
-        pthread_attr_setstacksize(&attributes, size_t{1} << 50);
-        pthread_setattr_default_np(&attributes);
-        pthread_attr_destroy(&attributes);
-    }
-    ~NoFurtherThreads() {
-        pthread_setattr_default_np(&mSaved);
-        pthread_attr_destroy(&mSaved);
-    }
-    NoFurtherThreads(const NoFurtherThreads&) = delete;
-    NoFurtherThreads& operator=(const NoFurtherThreads&) = delete;
-
-private:
-    pthread_attr_t mSaved;
-};
+AtEnd AllowNoFurtherThreads() {
+    pthread_attr_t before;
+    pthread_getattr_default_np(&before);
+    pthread_attr_t attributes = before;
+    pthread_attr_setstacksize(&attributes, size_t{1} << 50);
+    pthread_setattr_default_np(&attributes);
+    return AtEnd([before] { pthread_setattr_default_np(&before); });
+}
 
 std::atomic<int> callsOfAnother{0};
 
@@ -60,28 +65,26 @@ void CountCall(int32_t, const void*) {
     ++callsOfAnother;
 }
 
-TEST_F(RecoveryTest, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
+TEST_F(PosixClient, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
     {
-        const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-        EXPECT_NE(mLibrary.RegisterForNotifications(mLibrary.Facade(), CountCall), 0u);
+        const AtEnd limit = AllowNoFurtherThreads();
+        EXPECT_NE(Ask(RegisterForNotifications, Note), 0u);
+        EXPECT_NE(Ask(RegisterForNotifications, CountCall), 0u);
     }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    Listen();
     mWorld.RunForJson({"logout"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
-    mWorld.RunForJson({"login", "somebody"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedIn); }));
+    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedOut));
     EXPECT_EQ(callsOfAnother, 0);
 
-    mLibrary.ResetPluginFacadeInstance();
+    ResetPluginFacadeInstance();
     {
-        const NoFurtherThreads noFurtherThreads;
-        EXPECT_NE(mLibrary.Facade(), nullptr);
-        EXPECT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
+        const AtEnd limit = AllowNoFurtherThreads();
+        EXPECT_NE(Facade(), nullptr);
+        EXPECT_EQ(AskWhetherLoggedIn(), 0u);
     }
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+    Listen();
     mWorld.RunForJson({"standalone", "off"});
-    EXPECT_TRUE(Eventually([] { return notes.Has(kPluginCallback_WentOnline); }));
+    EXPECT_TRUE(IsNoted(kPluginCallback_WentOnline));
 }
 
 std::atomic<bool> isReachedBySignals{false};
@@ -93,76 +96,62 @@ void LookAtSignals(int32_t, const void*) {
         isReachedBySignals = true;
 }
 
-TEST_F(RecoveryTest, TheHostsSignalsDoNotReachTheThreadThatNotifies) {
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), LookAtSignals), 0u);
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
+TEST_F(PosixClient, TheHostsSignalsDoNotReachTheThreadThatNotifies) {
+    ASSERT_EQ(Ask(RegisterForNotifications, LookAtSignals), 0u);
+    Listen();
     mWorld.RunForJson({"logout"});
-    ASSERT_TRUE(Eventually([] { return notes.Has(kPluginCallback_LoggedOut); }));
+    ASSERT_TRUE(IsNoted(kPluginCallback_LoggedOut));
     EXPECT_FALSE(isReachedBySignals);
 }
 
-/// How many descriptors a program has that this process starts.
-int CountInherited() {
-    std::unique_ptr<FILE, int (*)(FILE*)> output(popen("ls /proc/self/fd", "r"), pclose);
-    int count = 0;
-    for (int letter = 0; (letter = fgetc(output.get())) != EOF;)
-        count += letter == '\n';
-    return count;
-}
-
-TEST_F(RecoveryTest, ProgramsThatTheHostStartsInheritNothing) {
-    mLibrary.ResetPluginFacadeInstance();
-    const int before = CountInherited();
+TEST_F(PosixClient, ProgramsThatTheHostStartsInheritNothing) {
+    const auto countInherited = [] {
+        std::unique_ptr<FILE, int (*)(FILE*)> output(popen("ls /proc/self/fd", "r"), pclose);
+        int count = 0;
+        for (int letter = 0; (letter = fgetc(output.get())) != EOF;)
+            count += letter == '\n';
+        return count;
+    };
+    ResetPluginFacadeInstance();
+    const int before = countInherited();
     PluginThreadInstanceRef thread = nullptr;
-    ASSERT_EQ(mLibrary.InitThreadInstance(&thread), 0u);
-    ASSERT_EQ(mLibrary.BeginLogging(thread, "Plugin.log"), 0u);
-    ASSERT_EQ(mLibrary.RegisterForNotifications(mLibrary.Facade(), Note), 0u);
-    ASSERT_EQ(AskWhetherLoggedIn(), CoreErrorCodes::kSuccess);
-    EXPECT_EQ(CountInherited(), before);
-    mLibrary.DestroyThreadInstance(thread);
+    ASSERT_EQ(InitThreadInstance(&thread), 0u);
+    ASSERT_EQ(BeginLogging(thread, "Plugin.log"), 0u);
+    Listen();
+    ASSERT_EQ(AskWhetherLoggedIn(), 0u);
+    EXPECT_EQ(countInherited(), before);
+    DestroyThreadInstance(thread);
 }
 
 /// While it lives this process can write nothing to files.
-class NoRoom {
-public:
-    NoRoom() {
-        getrlimit(RLIMIT_FSIZE, &mBefore);
-        const rlimit none{0, mBefore.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-        mAction = signal(SIGXFSZ, SIG_IGN);
-    }
-    ~NoRoom() {
-        setrlimit(RLIMIT_FSIZE, &mBefore);
-        signal(SIGXFSZ, mAction);
-    }
-    NoRoom(const NoRoom&) = delete;
-    NoRoom& operator=(const NoRoom&) = delete;
-
-private:
-    rlimit mBefore{};
-    void (*mAction)(int) = SIG_DFL;
-};
+AtEnd LeaveNoRoom() {
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const auto action = signal(SIGXFSZ, SIG_IGN);
+    return AtEnd([before, action] {
+        setrlimit(RLIMIT_FSIZE, &before);
+        signal(SIGXFSZ, action);
+    });
+}
 
 TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
     const TestWorld world;
     const TestLibrary library;
+    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
     PluginThreadInstanceRef thread = nullptr;
     ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
     ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
     {
-        const NoRoom noRoom;
+        const AtEnd limit = LeaveNoRoom();
         EXPECT_EQ(library.Log(thread, "lost"), error_codes::GFile::kFileNotOpen);
     }
     EXPECT_EQ(library.Log(thread, "kept"), 0u);
-    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
-    std::string text;
-    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
-    EXPECT_EQ(text, "kept");
-    // Somebody clears the folder away.
-    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));
+    EXPECT_EQ(ContentOf(path), "kept");
+    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));  // somebody clears it away
     EXPECT_EQ(library.Log(thread, "anew"), 0u);
-    EXPECT_FALSE(platform::ReadWholeFile(path, text, 100));
-    EXPECT_EQ(text, "anew");
+    EXPECT_EQ(ContentOf(path), "anew");
     library.DestroyThreadInstance(thread);
 }
 

@@ -14,8 +14,10 @@ TestLibrary::TestLibrary() {
         libraries.LoadFromPath(platform::FullPath(TARNWICK_LIBRARY), error);
     if (library == nullptr)
         throw std::runtime_error(libraries.LastLoadFailure());
-#define TEST_LIBRARY_BIND(symbol, parameters) \
-    symbol = reinterpret_cast<PluginFunction_##symbol>(libraries.FindSymbol(library, #symbol));
+#define TEST_LIBRARY_BIND(symbol, parameters)                                                   \
+    symbol = reinterpret_cast<PluginFunction_##symbol>(libraries.FindSymbol(library, #symbol)); \
+    if (symbol == nullptr)                                                                      \
+        throw std::runtime_error("the library lacks " #symbol);
     TARNWICK_PLUGIN_FUNCTIONS(TEST_LIBRARY_BIND)
 #undef TEST_LIBRARY_BIND
 }
@@ -33,18 +35,17 @@ ErrorCode TestLibrary::Activate(const std::string& document, const std::vector<s
                                        matched.get(), nullptr, nullptr);
 }
 
-std::vector<int64_t> TestLibrary::Activate(const std::string& document,
-                                           const std::vector<std::string>& names) const {
+IDs TestLibrary::Activate(const std::string& document, const std::vector<std::string>& names) const {
     CFRef<CFMutableArrayRef> matched;
     if (const ErrorCode code = Activate(document, names, matched); code != CoreErrorCodes::kSuccess)
         throw std::runtime_error("activation: " + ErrorCodeToName(code));
-    std::vector<int64_t> ids;
-    for (CFIndex index = 0; index < cf::Count(matched.get()); ++index)
-        ids.push_back(*cf::GetInt64(cf::Get<CFDictionaryRef>(matched.get(), index), kGS_DatabaseIDKey));
+    IDs ids;
+    for (const auto font : cf::Elements<CFDictionaryRef>(matched.get()))
+        ids.push_back(*cf::GetInt64(font, kGS_DatabaseIDKey));
     return ids;
 }
 
-ErrorCode TestLibrary::Deactivate(const std::vector<int64_t>& fontIDs) const {
+ErrorCode TestLibrary::Deactivate(const IDs& fontIDs) const {
     return DeactivateFonts(Facade(), IDsArray(fontIDs).get(), 0, nullptr);
 }
 
@@ -64,11 +65,8 @@ CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNa
     return array;
 }
 
-CFRef<CFMutableArrayRef> IDsArray(const std::vector<int64_t>& fontIDs) {
-    auto array = cf::MutableArray();
-    for (const int64_t id : fontIDs)
-        cf::Append(array, id);
-    return array;
+CFRef<CFMutableArrayRef> IDsArray(const IDs& fontIDs) {
+    return cf::NumberArray(fontIDs);
 }
 
 }  // namespace pellwick::test

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -12,13 +11,15 @@
 
 namespace pellwick::test {
 
-/// Every function of the library, by its name; null when the library lacks it.
+using IDs = std::vector<int64_t>;
+
+/// Every function of the library, by its name.
 struct TestLibrary {
 #define TEST_LIBRARY_MEMBER(symbol, parameters) PluginFunction_##symbol symbol = nullptr;
     TARNWICK_PLUGIN_FUNCTIONS(TEST_LIBRARY_MEMBER)
 #undef TEST_LIBRARY_MEMBER
 
-    /// Loads the library; it stays loaded.
+    /// Loads the library; it stays loaded. Throws when it lacks one.
     TestLibrary();
 
     PluginFacadeRef Facade() const;
@@ -26,15 +27,12 @@ struct TestLibrary {
     ErrorCode Activate(const std::string& document, const std::vector<std::string>& names,
                        CFRef<CFMutableArrayRef>& matched) const;
     /// The same, where success is expected: the IDs of those matched.
-    std::vector<int64_t> Activate(const std::string& document, const std::vector<std::string>& names) const;
-    ErrorCode Deactivate(const std::vector<int64_t>& fontIDs) const;
+    IDs Activate(const std::string& document, const std::vector<std::string>& names) const;
+    ErrorCode Deactivate(const IDs& fontIDs) const;
     int32_t StateOf(int64_t fontID) const;
 };
 
-/// Every name that the library's file lets out.
-std::set<std::string> ExportedNames();
-
 CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames);
-CFRef<CFMutableArrayRef> IDsArray(const std::vector<int64_t>& fontIDs);
+CFRef<CFMutableArrayRef> IDsArray(const IDs& fontIDs);
 
 }  // namespace pellwick::test

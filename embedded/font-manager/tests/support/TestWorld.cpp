@@ -5,7 +5,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "FontRecordKeys.h"
 #include "TestFonts.h"
+#include "common/Locations.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
@@ -108,7 +110,7 @@ Json TestWorld::RunForJson(std::vector<std::string> arguments) const {
 }
 
 void TestWorld::EmptyVault() const {
-    for (const std::string& file : FilesBelow("data/Vantorix/Pellwick/vault"))
+    for (const std::string& file : VaultFiles())
         EXPECT_FALSE(platform::RemoveFile(file)) << file;
 }
 
@@ -124,6 +126,23 @@ std::vector<std::string> TestWorld::FilesBelow(const std::string& path) const {
     }
     // The agent may have removed a folder under our feet.
     return failure && fs::exists(folder) ? FilesBelow(path) : files;
+}
+
+std::string TestWorld::AgentLog() const {
+    return ContentOf(Locations::OfThisUser().logFolder + "/Pellwick.log");
+}
+
+std::string ContentOf(const std::string& path) {
+    std::string content;
+    platform::ReadWholeFile(path, content, 1 << 24);
+    return content;
+}
+
+std::vector<std::string> NamesOf(const Json& fonts) {
+    std::vector<std::string> names;
+    for (const Json& font : fonts)
+        names.push_back(StringMember(font, kGS_PostScriptNameKey));
+    return names;
 }
 
 }  // namespace pellwick::test

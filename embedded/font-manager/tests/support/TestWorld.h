@@ -1,6 +1,7 @@
 // A user's world for one test: folders of its own, and an agent that lives in them.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -51,6 +52,10 @@ public:
     void EmptyVault() const;
     /// Every file below PATH, at any depth.
     std::vector<std::string> FilesBelow(const std::string& path) const;
+    /// Those that the font manager keeps of its fonts.
+    std::vector<std::string> VaultFiles() const { return FilesBelow("data/Vantorix/Pellwick/vault"); }
+    /// What the agent has logged.
+    std::string AgentLog() const;
 
 private:
     const TemporaryFolder mTemporaryFolder;
@@ -58,5 +63,22 @@ private:
     std::unique_ptr<TestProcess> mAgent;
     std::map<std::string, std::string> mSavedVariables;
 };
+
+/// Puts back what a test has changed when its scope ends.
+class AtEnd {
+public:
+    explicit AtEnd(std::function<void()> putBack) : mPutBack(std::move(putBack)) {}
+    ~AtEnd() { mPutBack(); }
+    AtEnd(const AtEnd&) = delete;
+    AtEnd& operator=(const AtEnd&) = delete;
+
+private:
+    const std::function<void()> mPutBack;
+};
+
+/// Of at most 16 MiB; empty when there is no such file.
+std::string ContentOf(const std::string& path);
+/// The PostScript names of font records.
+std::vector<std::string> NamesOf(const Json& fonts);
 
 }  // namespace pellwick::test

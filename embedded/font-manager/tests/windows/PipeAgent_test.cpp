@@ -1,17 +1,13 @@
 // The agent at a pipe whose name others know.
-#include <gtest/gtest.h>
 #include <windows.h>
 
-#include "common/Locations.h"
 #include "platform/LocalStream.h"
-#include "platform/Utf8Path.h"
-#include "tests/support/RawClient.h"
-#include "tests/support/TestWorld.h"
+#include "tests/support/AgentTest.h"
 
 namespace pellwick::test {
 namespace {
 
-TEST(PipeAgent, ListensElsewhereWhereSomebodyHasItsName) {
+TEST(PipeAgent, StartsWhileSomebodyHasItsNameOrAClientOfADeadAgentItsPipe) {
     TestWorld world;
     const Locations locations = Locations::OfThisUser();
     const std::string name =
@@ -23,11 +19,6 @@ TEST(PipeAgent, ListensElsewhereWhereSomebodyHasItsName) {
     EXPECT_NE(locations.AgentAddress(), name);
     EXPECT_EQ(world.Run({"status", "--no-start"}).status, 0);
     CloseHandle(foreign);
-}
-
-TEST(PipeAgent, StartsWhileAClientOfADeadAgentHoldsOnToItsPipe) {
-    TestWorld world;
-    world.StartAgent();
     const RawClient client;
     world.KillAgent();
     world.StartAgent();

@@ -1,0 +1,220 @@
+// What a plug-in's panels get from the client library: sets, smart lists, images of names, and what is known of
+// documents.
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "common/FontManagerLimits.h"
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
+#include "tests/support/ClientTest.h"
+
+namespace pellwick::test {
+namespace {
+
+class ClientLists : public ClientTest {
+protected:
+    ErrorCode CreateList(const char* name, const IDs& sets, int32_t& list) {
+        return Ask(CreateSmartList, name, nullptr, sets, nullptr, &list);
+    }
+    int32_t CreateList(const char* name, const IDs& sets) {
+        return Told<int32_t>(CreateSmartList, name, nullptr, sets, nullptr);
+    }
+    /// A set with one font.
+    int32_t CreatePoster() {
+        const auto set = Told<int32_t>(CreateTopLevelSet, "Poster", kLibraryID);
+        EXPECT_EQ(Ask(AddFontsToSets, IDs{kItalic}, IDs{set}), 0u);
+        return set;
+    }
+    size_t CountFonts(int32_t list) { return Filled(GetSmartListFonts, list).size(); }
+    std::string PathIn(CFMutableDictionaryRef fontPNGs, int64_t font, const char* key) {
+        return StringMember(JsonOf(CFDictionaryGetValue(fontPNGs, cf::Number(font).get())), key);
+    }
+    ErrorCode ReadXmp(const std::string& path, std::string& text) {
+        CFStringRef xmp = nullptr;
+        const ErrorCode code = Ask(GetAdobeXMPData, path, &xmp);
+        text = cf::ToUtf8(AdoptCF(xmp).get());
+        return code;
+    }
+};
+
+TEST_F(ClientLists, FontsArePutTogetherInSets) {
+    const char* const name = "Flugblatt \u5b57\u4f53";
+    const int64_t poster = CreatePoster();
+    const int64_t flyer = Told<int32_t>(CreateTopLevelSet, name, kLibraryID);
+    int32_t untouched = -5;
+    const auto create = [&](const char* newName, int32_t workgroup) {
+        return Ask(CreateTopLevelSet, newName, workgroup, &untouched);
+    };
+    const auto add = [&](const IDs& fonts, const IDs& sets) { return Ask(AddFontsToSets, fonts, sets); };
+    const auto expectSizes = [&](size_t sizeOfPoster, size_t sizeOfFlyer) {
+        EXPECT_EQ(mWorld.RunForJson({"set", "show", "Poster"})["fonts"].size(), sizeOfPoster);
+        EXPECT_EQ(mWorld.RunForJson({"set", "show", name})["fonts"].size(), sizeOfFlyer);
+    };
+    ExpectCodes(
+        {{create("Poster", kLibraryID), CoreErrorCodes::kItemAlreadyExists},
+         {create("", kLibraryID), CoreErrorCodes::kMissingParam},
+         {create("New", kWorkgroupID_All), GZephyrinSetManager::kCannotCreateSharedSetsInAllFontsWorkgroup},
+         {create("New", kSystemID), GZephyrinSetManager::kCannotAddSetsToSystemWorkgroup},
+         {create("New", 999), GZephyrinSetManager::kWorkGroupIDDoesNotExist},
+         {add({kBold, 999}, {poster}), CoreErrorCodes::kNotFound},
+         {add({kBold, -1}, {poster}), CoreErrorCodes::kNotFound},
+         {add({kBold}, {poster, 999}), GZephyrinSetManager::kSetNotFound},
+         {add({kBold}, {poster, (int64_t{1} << 32) + flyer}), GZephyrinSetManager::kSetNotFound}});
+    EXPECT_EQ(untouched, -5);
+    expectSizes(1, 0);
+    EXPECT_EQ(add({kBold, kItalic}, {poster, flyer}), 0u);
+    expectSizes(2, 2);
+}
+
+TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
+    const int32_t set = CreatePoster();
+    const int32_t posters = CreateList("Plakate \u5b57\u4f53", {set});
+    const int32_t all = CreateList("Everything", {});
+    EXPECT_EQ(NamesOf(Filled(GetSmartListFonts, posters)), std::vector<std::string>{"Sample-Italic"});
+    EXPECT_EQ(CountFonts(all), 3u);
+    EXPECT_EQ(Ask(RenameSmartList, posters, "Posters"), 0u);
+    EXPECT_EQ(Ask(SetSmartListQuery, posters, IDs{1}, IDs{9, set}, IDs{all}), 0u);
+    const Json list = Given<CFDictionaryRef>(GetSmartList, posters);
+    EXPECT_EQ(list[kGS_SmartListIDKey], posters);
+    EXPECT_EQ(Json::parse(StringMember(list, kGS_ListDefinitionKey)), (Json{{"smartListID", posters},
+                                                                            {"smartListName", "Posters"},
+                                                                            {"workgroupIDs", {1}},
+                                                                            {"setIDs", {set, 9}},
+                                                                            {"smartSetIDs", {all}}}));
+    EXPECT_EQ(Filled(GetAllSmartLists)[1][kGS_SmartListNameKey], "Posters");
+    int32_t untouched = -5;
+    CFDictionaryRef found = nullptr;
+    const auto fonts = cf::MutableArray();
+    ExpectCodes(
+        {{CreateList("Everything", {}, untouched), CoreErrorCodes::kItemAlreadyExists},
+         {CreateList(" ", {}, untouched), CoreErrorCodes::kMissingParam},
+         {CreateList("New", {0}, untouched), CoreErrorCodes::kInvalidParam},
+         {CreateList("New", {(int64_t{1} << 32) + 1}, untouched), CoreErrorCodes::kInvalidParam},
+         {Ask(RenameSmartList, posters, "Everything"), CoreErrorCodes::kItemAlreadyExists},
+         {Ask(RenameSmartList, posters, "Posters"), 0},
+         {Ask(DeleteSmartList, all), 0},
+         {Ask(DeleteSmartList, all), GZephyrinSetManager::kSetNotFound},
+         {Ask(GetSmartList, all, &found), GZephyrinSetManager::kSetNotFound},
+         {Ask(GetSmartListFonts, all, fonts), GZephyrinSetManager::kSetNotFound},
+         {Ask(SetSmartListQuery, all, nullptr, nullptr, nullptr), GZephyrinSetManager::kSetNotFound}});
+    EXPECT_EQ(untouched, -5);
+    mWorld.RunForJson({"logout"});
+    EXPECT_EQ(CreateList("New", {}, untouched), GZephyrinServerFacade::kNotLoggedIn);
+    EXPECT_EQ(Ask(DeleteSmartList, posters), GZephyrinServerFacade::kNotLoggedIn);
+}
+
+TEST_F(ClientLists, AQueryIsTriedForTheOneWhoTriesItAndNotSaved) {
+    const int32_t set = CreatePoster();
+    const int32_t list = CreateList("Everything", {});
+    const auto attempt = [&](int32_t id) {
+        return Ask(QueryForSmartListFonts, id, nullptr, IDs{set}, nullptr);
+    };
+    EXPECT_EQ(attempt(list), 0u);
+    EXPECT_EQ(CountFonts(list), 1u);
+    EXPECT_EQ(mWorld.RunForJson({"smartlist", "fonts", "Everything"})["fonts"].size(), 3u);
+    EXPECT_EQ(Ask(SetSmartListQuery, list, nullptr, nullptr, nullptr), 0u);
+    EXPECT_EQ(CountFonts(list), 3u);
+    EXPECT_EQ(attempt(list + 1), GZephyrinSetManager::kSetNotFound);
+    EXPECT_EQ(Ask(GetSmartListFonts, 0, cf::MutableArray()), GZephyrinSetManager::kSetNotFound);
+    EXPECT_EQ(attempt(0), 0u);
+    EXPECT_EQ(CountFonts(0), 1u);
+
+    const Json tree = Given<CFDictionaryRef>(GetPanelSmartListTree);
+    ASSERT_EQ(tree[kGS_WorkgroupsKey].size(), 2u);
+    ASSERT_EQ(tree[kGS_WorkgroupsKey][0][kGS_SetsKey].size(), 1u);
+    const Json& poster = tree[kGS_WorkgroupsKey][0][kGS_SetsKey][0];
+    EXPECT_EQ(poster[kGS_SetIDKey], set);
+    EXPECT_EQ(poster[kGS_SetNameKey], "Poster");
+    EXPECT_TRUE(tree[kGS_WorkgroupsKey][1][kGS_SetsKey].empty());
+    ASSERT_EQ(tree[kGS_SmartListsKey].size(), 1u);
+    EXPECT_EQ(tree[kGS_SmartListsKey][0][kGS_SmartListIDKey], list);
+    EXPECT_EQ(Filled(GetSmartListFonts, list)[0][kGS_DisplayNameKey], "Sample Bold");
+}
+
+TEST_F(ClientLists, PreviewsArriveByFontAndThoseOfHighPriorityFirst) {
+    Listen();
+    const auto fontPNGs = cf::MutableDictionary();
+    ASSERT_EQ(Ask(RenderFontNamePreviewPNGs, IDs{3}, IDs{1, 2, 3, 999}, fontPNGs), 0u);
+    EXPECT_EQ(CFDictionaryGetCount(fontPNGs.get()), 3);
+    EXPECT_EQ(Given<CFStringRef>(GetRenderedPNGsDirectory), mWorld.Path("cache/Vantorix/Pellwick/previews"));
+    std::set<std::string> paths;
+    for (const int64_t font : {1, 2, 3}) {
+        for (const char* key : {kGS_PNGFilenameKey, kGS_2xPNGFilenameKey}) {
+            const std::string path = PathIn(fontPNGs.get(), font, key);
+            EXPECT_TRUE(path.starts_with(mWorld.Path("cache/")) && platform::IsExistingFile(path)) << path;
+            paths.insert(path);
+        }
+    }
+    EXPECT_EQ(paths.size(), 6u);
+    mWorld.RunForJson({"logout"});
+    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedOut));
+    EXPECT_EQ(notes.received, (std::vector<Notes::Note>{{kPluginCallback_PreviewPNGsRendered, 1},
+                                                        {kPluginCallback_PreviewPNGsRendered, 2},
+                                                        {kPluginCallback_LoggedOut, 0}}));
+}
+
+TEST_F(ClientLists, PreviewsAreLeftOutWhereTheFontIsGone) {
+    mWorld.EmptyVault();
+    const auto none = cf::MutableDictionary();
+    EXPECT_EQ(Ask(RenderFontNamePreviewPNGs, IDs{}, IDs{1, 999}, none), 0u);
+    EXPECT_EQ(CFDictionaryGetCount(none.get()), 0);
+    EXPECT_EQ(StateOf(1), kFontActivationState_Missing);
+}
+
+TEST_F(ClientLists, WhatADocumentUsesIsRemembered) {
+    const char* const path = "/Dokumente/\u0448\u0440\u0438\u0444\u0442.indd";
+    CFStringRef usage = nullptr;
+    EXPECT_EQ(Ask(GetFontUsage, path, &usage), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(Ask(SaveDocumentFonts, path, true, "{\"pages\":3}"), 0u);
+    EXPECT_EQ(Ask(SaveDocumentFonts, path, false, nullptr), 0u);
+    EXPECT_EQ(Given<CFStringRef>(GetFontUsage, path), "{\"pages\":3}");
+    EXPECT_EQ(Ask(ClearDocumentSlug, path), 0u);
+    EXPECT_EQ(Ask(GetFontUsage, path, &usage), CoreErrorCodes::kNotFound);
+}
+
+TEST_F(ClientLists, TheMetadataOfADocumentIsItsFirstWholePacket) {
+    const std::string packet =
+        "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0\"?><x>\u5b57\u4f53</x><?xpacket end=\"w\"?>";
+    const std::string filler(1 << 20, '\xFE');
+    const std::string rest = packet + filler + "<?xpacket begin=''?>later<?xpacket end='w'?>";
+    const auto repeated = [](const std::string& text) {
+        std::string document;
+        while (document.size() < kMaxXmpSearch / 4)
+            document += text;
+        return document;
+    };
+    const std::string farEnd = "<?xpacket end='w'?>";
+    const std::pair<std::string, bool> documents[] = {
+        {rest, true},
+        {filler.substr(7) + rest, true},  // the marker stands across two pieces
+        {filler + "<?xpacket begin=''?>\xFF<?xpacket end='r'?>" + rest, true},
+        {"", false},
+        {packet.substr(0, packet.size() - 1), false},
+        {"<?xpacket begin=''?>" + std::string(kMaxXmpPacket, 'x') + packet.substr(40), false},
+        // Where each beginning is looked into for its own end, any of these takes for ever.
+        {repeated("<?xpacket begin="), false},
+        {repeated("<?xpacket begin=<?xpacket end="), false},
+        {repeated(std::string(1 << 10, 'x') + "<?xpacket begin=") + "\xFF" + farEnd, false},
+        {repeated("<?xpacket begin=\xFF") + farEnd, false},
+        {repeated("<?xpacket begin=\xFF<?xpacket end=") + farEnd, false},
+        {repeated("<?xpacket begin=<?xpacket end=\xFF?>"), false},
+        {repeated("<?xpacket begin=\xC3") + "?>", false}};
+    std::string text;
+    for (const auto& [document, isFound] : documents) {
+        EXPECT_EQ(ReadXmp(mWorld.Write("document", document), text), isFound ? 0u : CoreErrorCodes::kNotFound)
+            << document.substr(0, 60);
+        EXPECT_EQ(text, isFound ? packet : "");
+    }
+    for (const char* path : {"absent", ""})
+        EXPECT_EQ(ReadXmp(mWorld.Path(path), text), error_codes::GFileSystem::kFileNotFound);
+    // A huge one is searched at both ends; it takes no room on the disk.
+    const std::string huge = mWorld.Write("document", "x");
+    std::filesystem::resize_file(platform::Utf8Path(huge), 2 * kMaxXmpSearch);
+    EXPECT_EQ(ReadXmp(huge, text), CoreErrorCodes::kNotFound);
+    std::ofstream(platform::Utf8Path(huge), std::ios::binary | std::ios::app) << packet;
+    EXPECT_EQ(ReadXmp(huge, text), 0u);
+}
+
+}  // namespace
+}  // namespace pellwick::test
