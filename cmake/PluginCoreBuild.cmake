@@ -95,9 +95,13 @@ function(plugincore_test name)
     gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
       PROPERTIES TIMEOUT 120 ${properties})
   else()
+    set(report "${PROJECT_BINARY_DIR}/test-reports/${name}.xml")
+    if(WIN32 AND CMAKE_CROSSCOMPILING)
+      set(report "Z:${report}")  # as Wine has it
+    endif()
     add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1)
     set_tests_properties(${name} PROPERTIES TIMEOUT 300
-      ENVIRONMENT "GTEST_OUTPUT=xml:${PROJECT_BINARY_DIR}/test-reports/${name}.xml;${ARG_ENVIRONMENT}" ${properties})
+      ENVIRONMENT "GTEST_OUTPUT=xml:${report};${ARG_ENVIRONMENT}" ${properties})
   endif()
 endfunction()
 
