@@ -209,11 +209,15 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
     }
     EXPECT_EQ(Run({"add", font, "--workgroup", "System Fonts"}), 1);
     Run({"add", font});
-    mWorld.StopAgent();
+    Run({"activate", "Sample-Bold"});
+    const fs::path active = platform::Utf8Path(mWorld.ActiveFiles().at(0));
     const fs::path file = platform::Utf8Path(mWorld.VaultFiles().at(0));
+    mWorld.StopAgent();
     fs::rename(file, fs::path(file).replace_extension(".otf"));
+    fs::remove(active);  // its link, if that is how fonts become active
     mWorld.StartAgent();
-    EXPECT_TRUE(Eventually([&] { return state() == kFontActivationState_Inactive; }));
+    EXPECT_TRUE(Eventually([&] { return mWorld.ActiveFiles().size() == 1; }));
+    EXPECT_EQ(state(), kFontActivationState_ActivatedByUser);
     EXPECT_EQ(platform::Utf8Path(mWorld.VaultFiles().at(0)), file);
 }
 
