@@ -8,41 +8,41 @@
 #include "LocalizedStrings.h"
 
 /// X(key, kind, default, title of its switch in the preferences dialog), in the order in which hosts are given
-/// them. What has no default reads as 0 or as the empty text. Those marked * are kept for hosts and panels;
+/// them. What has no default reads as 0 or as the empty text. Those marked "kept" are there for hosts and panels;
 /// nothing here acts on them.
 /* clang-format off */
 #define PREFERENCES(X)                                                                                      \
     X(EnablePlugin,                     kSwitch, 1,            kEnablePluginSwitch)                         \
-    X(EnableGlyphscan,                  kSwitch, 1,            kEnableGlyphscanSwitch)          /* * */     \
-    X(PickBestMatch,                    kSwitch, 1,            kPickBestMatchSwitch)            /* * */     \
-    X(SupportEmbeddedObjects,           kSwitch, 1,            kSupportEmbeddedObjectsSwitch)   /* * */     \
+    X(EnableGlyphscan,                  kSwitch, 1,            kEnableGlyphscanSwitch)          /* kept */  \
+    X(PickBestMatch,                    kSwitch, 1,            kPickBestMatchSwitch)            /* kept */  \
+    X(SupportEmbeddedObjects,           kSwitch, 1,            kSupportEmbeddedObjectsSwitch)   /* kept */  \
     X(CloseFontsOnHostAppQuit,          kSwitch, 1,            kCloseFontsOnHostAppQuitSwitch)              \
     X(CloseFontsOnDocClose,             kSwitch, 0,            kCloseFontsOnDocCloseSwitch)                 \
-    X(ActivateEntireFamilies,           kSwitch, 0,            kActivateEntireFamiliesSwitch)   /* * */     \
-    X(ActivateGlobally,                 kSwitch, std::nullopt, kNoSwitch)                       /* * */     \
-    X(ActivateLocally,                  kSwitch, std::nullopt, kNoSwitch)                       /* * */     \
+    X(ActivateEntireFamilies,           kSwitch, 0,            kActivateEntireFamiliesSwitch)   /* kept */  \
+    X(ActivateGlobally,                 kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(ActivateLocally,                  kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
     X(CurrentWorkgroup,                 kNumber, std::nullopt, kNoSwitch)                                   \
-    X(DialogSuppression,                kSwitch, 1,            kDialogSuppressionSwitch)        /* * */     \
-    X(GWFHaveEverBeenEnabled,           kSwitch, std::nullopt, kNoSwitch)                       /* * */     \
+    X(DialogSuppression,                kSwitch, 1,            kDialogSuppressionSwitch)        /* kept */  \
+    X(GWFHaveEverBeenEnabled,           kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
     X(LastCFOFolder,                    kText,   std::nullopt, kNoSwitch)                                   \
-    X(RMF4,                             kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(RMF5,                             kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(RMF6,                             kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(RMF7,                             kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(NotificationDelay,                kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(SuppressPanelLaunch,              kSwitch, std::nullopt, kNoSwitch)                       /* * */     \
-    X(CS5PanelWidth,                    kNumber, 260,          kNoSwitch)                       /* * */     \
-    X(CS5PanelHeight,                   kNumber, 350,          kNoSwitch)                       /* * */     \
-    X(CS6PanelWidth,                    kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(CS6PanelHeight,                   kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(CS7PanelWidth,                    kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(CS7PanelHeight,                   kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(DropDownSelection,                kSwitch, 0,            kNoSwitch)                       /* * */     \
-    X(DropDownSelectionSavesSmartLists, kSwitch, std::nullopt, kNoSwitch)                       /* * */     \
+    X(RMF4,                             kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(RMF5,                             kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(RMF6,                             kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(RMF7,                             kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(NotificationDelay,                kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(SuppressPanelLaunch,              kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(CS5PanelWidth,                    kNumber, 260,          kNoSwitch)                       /* kept */  \
+    X(CS5PanelHeight,                   kNumber, 350,          kNoSwitch)                       /* kept */  \
+    X(CS6PanelWidth,                    kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(CS6PanelHeight,                   kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(CS7PanelWidth,                    kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(CS7PanelHeight,                   kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(DropDownSelection,                kSwitch, 0,            kNoSwitch)                       /* kept */  \
+    X(DropDownSelectionSavesSmartLists, kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
     X(EnableLogging,                    kSwitch, std::nullopt, kEnableLoggingSwitch)                        \
-    X(LastAddress,                      kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(LastPort,                         kNumber, std::nullopt, kNoSwitch)                       /* * */     \
-    X(LastUsername,                     kText,   std::nullopt, kNoSwitch)                       /* * */
+    X(LastAddress,                      kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(LastPort,                         kNumber, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(LastUsername,                     kText,   std::nullopt, kNoSwitch)                       /* kept */
 /* clang-format on */
 
 namespace preferences {

@@ -48,8 +48,7 @@ public:
     bool find(const std::string& key, JSONValue& value) const;
 
     // Adds a member to this object. False, with the object as it was, when this is no object or memory runs
-    // out. `newValue` is the node that was made. Texts are UTF-8; a
-    // zero byte in one becomes U+FFFD.
+    // out. `newValue` is the node that was made. Texts are UTF-8; a zero byte in one becomes U+FFFD.
     bool add_string(const std::string& key, const std::string& value, JSONValue& newValue);
     bool add_int64(const std::string& key, int64_t value, JSONValue& newValue);
     bool add_double(const std::string& key, double value, JSONValue& newValue);

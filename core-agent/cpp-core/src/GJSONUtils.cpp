@@ -13,7 +13,7 @@ constexpr char kLogCategory[] = "Miscellaneous";
 // Documents are written by recursion. Those of the exports are a few levels deep; this many fit on any stack.
 constexpr size_t kDeepestNesting = 512;
 
-/// Without recursion, of course.
+/// Without recursion, which is what the limit is about.
 bool IsNestedDeeper(const nlohmann::json& document, size_t deepest) {
     std::vector<std::pair<const nlohmann::json*, size_t>> pending{{&document, 0}};
     while (!pending.empty()) {

@@ -1,23 +1,7 @@
 // The numbers under which the columns of font records are known.
 #include "client/Exports.h"
-#include "client/Library.h"
 
 using namespace pellwick;
-
-namespace {
-
-uint32_t AnswerColumn(PluginFacadeRef facade, int32_t columnID, int32_t* outColumnID) {
-    return Guarded([&] {
-        if (outColumnID == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        const ErrorCode code = Library::Get().CheckFacade(facade);
-        if (code == CoreErrorCodes::kSuccess)
-            *outColumnID = columnID;
-        return code;
-    });
-}
-
-}  // namespace
 
 // Panels keep these numbers in their settings: none is ever given another meaning.
 #define COLUMNS(X)                                \
@@ -47,7 +31,7 @@ uint32_t AnswerColumn(PluginFacadeRef facade, int32_t columnID, int32_t* outColu
 
 #define DEFINE_COLUMN(symbol, columnID)                             \
     uint32_t symbol(PluginFacadeRef facade, int32_t* outColumnID) { \
-        return AnswerColumn(facade, columnID, outColumnID);         \
+        return Answer(facade, outColumnID, columnID);               \
     }
 COLUMNS(DEFINE_COLUMN)
 #undef DEFINE_COLUMN

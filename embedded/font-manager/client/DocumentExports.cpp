@@ -3,7 +3,6 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/Library.h"
 #include "client/XmpPacket.h"
 #include "common/Protocol.h"
 

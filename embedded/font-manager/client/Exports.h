@@ -6,6 +6,7 @@
 
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
+#include "client/Library.h"
 
 // The build defines this where shared libraries mark their exports differently.
 #ifndef TARNWICK_EXPORT
@@ -30,6 +31,19 @@ ErrorCode Guarded(Body body) noexcept {
     } catch (...) {
         return CoreErrorCodes::kExceptionThrownError;
     }
+}
+
+/// Answers without the agent, if the facade is valid.
+template <class Value>
+uint32_t Answer(PluginFacadeRef facade, Value* out, Value value) {
+    return Guarded([&] {
+        if (out == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        const ErrorCode code = Library::Get().CheckFacade(facade);
+        if (code == CoreErrorCodes::kSuccess)
+            *out = value;
+        return code;
+    });
 }
 
 }  // namespace pellwick

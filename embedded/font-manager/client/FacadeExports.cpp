@@ -3,7 +3,6 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/Library.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -36,19 +35,6 @@ uint32_t GetStatusFlag(PluginFacadeRef facade, const char* member, bool* out) {
 uint32_t GetStatusText(PluginFacadeRef facade, const char* member, CFStringRef* out) {
     return AnswerFromStatus(facade, out, [&](const Json& status) {
         return static_cast<CFStringRef>(cf::String(StringMember(status, member)).release());
-    });
-}
-
-/// Answers without the agent, if the facade is valid.
-template <class Value>
-uint32_t Answer(PluginFacadeRef facade, Value* out, Value value) {
-    return Guarded([&] {
-        if (out == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        const ErrorCode code = Library::Get().CheckFacade(facade);
-        if (code == CoreErrorCodes::kSuccess)
-            *out = value;
-        return code;
     });
 }
 

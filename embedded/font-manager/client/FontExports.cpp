@@ -7,7 +7,6 @@
 #include "client/CFJson.h"
 #include "client/Exports.h"
 #include "client/FontExporter.h"
-#include "client/Library.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -126,8 +125,18 @@ CFRef<CFStringRef> FingerprintXML(const Json& font) {
                        static_cast<size_t>(CFDataGetLength(data.get()))});
 }
 
-ErrorCode GetFont(PluginFacadeRef facade, uint32_t fontID, Json& font) {
-    return Call(facade, method::kGetFont, {{member::kFont, fontID}}, font);
+/// Answers with what `read` takes from the font's record.
+template <class Value, class Read>
+uint32_t AnswerFromFont(PluginFacadeRef facade, uint32_t fontID, Value* out, Read read) {
+    return Guarded([&] {
+        if (out == nullptr)
+            return CoreErrorCodes::kNullPointer;
+        Json font;
+        const ErrorCode code = Call(facade, method::kGetFont, {{member::kFont, fontID}}, font);
+        if (code == CoreErrorCodes::kSuccess)
+            *out = read(font);
+        return code;
+    });
 }
 
 /// Whether there is a file for each of the fonts that were asked for.
@@ -280,38 +289,19 @@ uint32_t GetClientFontActivationStates(PluginFacadeRef facade, CFArrayRef fontID
 }
 
 uint32_t GetFontInfoByID(PluginFacadeRef facade, uint32_t fontID, CFDictionaryRef* outNewFont) {
-    return Guarded([&] {
-        if (outNewFont == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        Json font;
-        const ErrorCode code = GetFont(facade, fontID, font);
-        if (code == CoreErrorCodes::kSuccess)
-            *outNewFont = static_cast<CFDictionaryRef>(CFFromJson(font).release());
-        return code;
+    return AnswerFromFont(facade, fontID, outNewFont, [](const Json& font) {
+        return static_cast<CFDictionaryRef>(CFFromJson(font).release());
     });
 }
 
 uint32_t GetGlyphscanXMPData(PluginFacadeRef facade, uint32_t fontID, CFStringRef* outNewXML) {
-    return Guarded([&] {
-        if (outNewXML == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        Json font;
-        const ErrorCode code = GetFont(facade, fontID, font);
-        if (code == CoreErrorCodes::kSuccess)
-            *outNewXML = FingerprintXML(font).release();
-        return code;
-    });
+    return AnswerFromFont(facade, fontID, outNewXML,
+                          [](const Json& font) { return FingerprintXML(font).release(); });
 }
 
 uint32_t GetFontIsActivated(PluginFacadeRef facade, uint32_t fontID, int32_t* outActivationState) {
-    return Guarded([&] {
-        if (outActivationState == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        Json font;
-        const ErrorCode code = GetFont(facade, fontID, font);
-        if (code == CoreErrorCodes::kSuccess)
-            *outActivationState = static_cast<int32_t>(IntegerMember(font, kGS_ActivationStateKey));
-        return code;
+    return AnswerFromFont(facade, fontID, outActivationState, [](const Json& font) {
+        return static_cast<int32_t>(IntegerMember(font, kGS_ActivationStateKey));
     });
 }
 

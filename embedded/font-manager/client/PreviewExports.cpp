@@ -4,7 +4,6 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/Library.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 

@@ -3,7 +3,6 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/Library.h"
 #include "common/Protocol.h"
 
 using namespace pellwick;

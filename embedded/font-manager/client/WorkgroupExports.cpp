@@ -3,7 +3,6 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/Library.h"
 #include "common/Protocol.h"
 
 using namespace pellwick;
@@ -50,12 +49,5 @@ uint32_t GetSystemWorkgroupID(PluginFacadeRef facade, int32_t* outWorkgroupID) {
 }
 
 uint32_t IsAllWorkgroups(PluginFacadeRef facade, int32_t workgroupID, bool* outIsAll) {
-    return Guarded([&] {
-        if (outIsAll == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        const ErrorCode code = Library::Get().CheckFacade(facade);
-        if (code == CoreErrorCodes::kSuccess)
-            *outIsAll = workgroupID == kWorkgroupID_All;
-        return code;
-    });
+    return Answer(facade, outIsAll, workgroupID == kWorkgroupID_All);
 }

@@ -30,10 +30,6 @@ void DisablePluginServices() {
     MarquellGlobals::SetConnectedToCore(false);
 }
 
-void ShowMessageBox(MessageBoxStrings strings) {
-    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(strings);
-}
-
 }  // namespace
 
 int CoreAgentInterface::LaunchZephyrinAgentIfNeeded() {
@@ -103,7 +99,7 @@ void CoreAgentInterface::LoseServices() {
 void CoreAgentInterface::DisableAndNotify() {
     LoseServices();
     if (!mIsQuitting)
-        ShowMessageBox(message_boxes::kAgentNotRunning);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kAgentNotRunning);
 }
 
 ErrorCode CoreAgentInterface::GiveUp(ErrorCode code) {
@@ -238,13 +234,13 @@ void CoreAgentInterface::ReportInitializationFailure(ErrorCode code) {
     } else if (code == GZephyrinSdk::kVaultInUse) {
         LogMessage(0, "GZephyrinSdk::Initialize FAILED, error code = %d (GZephyrinSdk::kVaultInUse).",
                    static_cast<int>(code));
-        ShowMessageBox(message_boxes::kVaultInUse);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kVaultInUse);
     } else {
         const bool isInvalidVault = code == GZephyrinSdk::kInvalidVault;
         LogMessage(0, "GZephyrinSdk::Initialize FAILED, error code = %d (%s).", static_cast<int>(code),
                    isInvalidVault ? "GZephyrinSdk::kInvalidVault" : "???");
-        ShowMessageBox(isInvalidVault ? message_boxes::kInvalidVault
-                                      : message_boxes::kAgentFailedToInitialize);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(
+            isInvalidVault ? message_boxes::kInvalidVault : message_boxes::kAgentFailedToInitialize);
     }
     LogMessage(0,
                "Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "

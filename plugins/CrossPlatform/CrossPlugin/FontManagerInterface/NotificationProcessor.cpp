@@ -21,10 +21,6 @@ int FontID(const PluginNotification& notification) {
         cf::GetInt64(notification.payload.get(), kPluginNotification_FontActivation_Font_ID).value_or(0));
 }
 
-void ShowMessageBox(MessageBoxStrings strings) {
-    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(strings);
-}
-
 void RefreshWorkgroups() {
     if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
         hostApp->OnWorkgroupsChanged();
@@ -46,7 +42,7 @@ void OnLoggedInStateChanged(const PluginNotification& notification) {
         fontManager.ForgetWorkgroupThatIsGone();  // it may have been somebody else's
         fontManager.HandleSelectWorkgroup();
     } else {  // nothing to choose from
-        ShowMessageBox(message_boxes::kNotLoggedIn);
+        MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kNotLoggedIn);
     }
     RefreshWorkgroups();
 }
@@ -71,7 +67,7 @@ void OnAgentShutdown(const PluginNotification&) {
     LogMessage(0, "Disabling plugin functionality");
     agent->LoseServices();
     LogMessage(0, "Informing user that plugin functionality will be disabled...");
-    ShowMessageBox(message_boxes::kAgentNotRunning);
+    MarquellGlobals::GetSharedVPFInterface()->ShowMessageBox(message_boxes::kAgentNotRunning);
 }
 
 void OnFontActivated(const PluginNotification& notification) {

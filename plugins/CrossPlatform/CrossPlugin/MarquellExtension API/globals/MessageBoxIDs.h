@@ -3,29 +3,23 @@
 
 #include "LocalizedStrings.h"
 
+/// A title and a text, which has a place for a name or has none.
+template <bool kNamesSomething>
+struct MessageBoxNumbers {
+    consteval MessageBoxNumbers(localized::StringID title, localized::StringID text)
+        : titleID(title), textID(text) {
+        if (localized::NamesSomething(localized::EnglishText(text)) != kNamesSomething)
+            throw "the text is one for the other kind of box";
+    }
+
+    localized::StringID titleID;
+    localized::StringID textID;
+};
+
 /// One that says the same each time.
-struct MessageBoxStrings {
-    consteval MessageBoxStrings(localized::StringID title, localized::StringID text)
-        : titleID(title),
-          textID(localized::NamesSomething(localized::EnglishText(text))
-                     ? throw "the text has a place for a name"
-                     : text) {}
-
-    localized::StringID titleID;
-    localized::StringID textID;
-};
-
+using MessageBoxStrings = MessageBoxNumbers<false>;
 /// One that names a folder, a set or what is missing.
-struct MessageBoxAbout {
-    consteval MessageBoxAbout(localized::StringID title, localized::StringID text)
-        : titleID(title),
-          textID(localized::NamesSomething(localized::EnglishText(text))
-                     ? text
-                     : throw "the text has no place for a name") {}
-
-    localized::StringID titleID;
-    localized::StringID textID;
-};
+using MessageBoxAbout = MessageBoxNumbers<true>;
 
 namespace message_boxes {
 
