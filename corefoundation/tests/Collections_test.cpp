@@ -5,7 +5,6 @@
 #include <map>
 #include <random>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -39,27 +38,22 @@ void ExpectEqual(CFTypeRef left, CFTypeRef right) {
     EXPECT_EQ(CFHash(left), CFHash(right));
 }
 
-TEST(CFArray, KeepsItsOrderThroughChanges) {
+TEST(CFArray, KeepsItsOrderThroughChangesAndFindsByEqualityWithinTheRange) {
     const auto array = Numbers({1, 2, 3});
     CFArrayInsertValueAtIndex(array.get(), 0, cf::Number(0).get());
     CFArrayInsertValueAtIndex(array.get(), 4, cf::Number(4).get());
     CFArraySetValueAtIndex(array.get(), 5, cf::Number(5).get());
     CFArraySetValueAtIndex(array.get(), 1, cf::Number(10).get());
     CFArrayRemoveValueAtIndex(array.get(), 2);
-    EXPECT_EQ(Text(array.get()), "(0, 10, 3, 4, 5)");
     CFArrayAppendArray(array.get(), array.get(), CFRangeMake(1, 4));
     EXPECT_EQ(Text(array.get()), "(0, 10, 3, 4, 5, 10, 3, 4, 5)");
+    const auto ten = cf::Number(10);
+    EXPECT_EQ(CFArrayGetFirstIndexOfValue(array.get(), CFRangeMake(0, 9), ten.get()), 1);
+    EXPECT_EQ(CFArrayGetFirstIndexOfValue(array.get(), CFRangeMake(2, 4), ten.get()), 5);
+    EXPECT_FALSE(CFArrayContainsValue(array.get(), CFRangeMake(2, 3), ten.get()));
+    EXPECT_FALSE(CFArrayContainsValue(array.get(), CFRangeMake(9, 0), ten.get()));
     CFArrayRemoveAllValues(array.get());
     EXPECT_EQ(CFArrayGetCount(array.get()), 0);
-}
-
-TEST(CFArray, FindsByEqualityWithinTheRange) {
-    const auto array = Numbers({7, 8, 7});
-    const auto seven = cf::Number(7);
-    EXPECT_EQ(CFArrayGetFirstIndexOfValue(array.get(), CFRangeMake(0, 3), seven.get()), 0);
-    EXPECT_EQ(CFArrayGetFirstIndexOfValue(array.get(), CFRangeMake(1, 2), seven.get()), 2);
-    EXPECT_FALSE(CFArrayContainsValue(array.get(), CFRangeMake(1, 1), seven.get()));
-    EXPECT_FALSE(CFArrayContainsValue(array.get(), CFRangeMake(3, 0), seven.get()));
 }
 
 TEST(CFArray, SortsTheRangeAndKeepsEqualValuesInOrder) {
@@ -73,17 +67,6 @@ TEST(CFArray, SortsTheRangeAndKeepsEqualValuesInOrder) {
     int divisor = 10;
     CFArraySortValues(array.get(), CFRangeMake(1, 4), byTens, &divisor);
     EXPECT_EQ(Text(array.get()), "(99, 12, 11, 31, 32, 0)");
-}
-
-TEST(CFArray, PlainPointersAreHeldAsTheyAre) {
-    int first = 0, second = 0, visits = 0;
-    const void* values[] = {&first, &second, nullptr};
-    const auto array = AdoptCF(CFArrayCreate(nullptr, values, 3, nullptr));
-    EXPECT_EQ(CFArrayGetFirstIndexOfValue(array.get(), CFRangeMake(0, 3), &second), 1);
-    CFArrayApplyFunction(
-        array.get(), CFRangeMake(0, 2), [](const void*, void* context) { ++*static_cast<int*>(context); },
-        &visits);
-    EXPECT_EQ(visits, 2);
 }
 
 TEST(CFCollections, CopiesAreIndependentAndFixedOnesShared) {
@@ -105,13 +88,10 @@ TEST(CFCollections, CopiesAreIndependentAndFixedOnesShared) {
     EXPECT_EQ(Text(data.get()) + Text(growing.get()) + Text(other.get()), "<abcd><abcdab><abcdcd>");
     EXPECT_EQ(AdoptCF(CFDataCreateCopy(nullptr, data.get())).get(), data.get());
     ExpectEqual(Data("\xAB\xCD").get(), data.get());
+    UInt8 buffer[2] = {'.', '.'};
+    CFDataGetBytes(growing.get(), CFRangeMake(1, 1), buffer);
+    EXPECT_EQ(std::string(buffer, buffer + 2), "\xCD.");
     EXPECT_EQ(CFDataGetLength(AdoptCF(CFDataCreate(nullptr, nullptr, 0)).get()), 0);
-}
-
-TEST(CFData, CopiesOutTheRangeAlone) {
-    UInt8 buffer[4] = {'.', '.', '.', '.'};
-    CFDataGetBytes(Data("abcdef").get(), CFRangeMake(2, 3), buffer);
-    EXPECT_EQ(std::string(buffer, buffer + 4), "cde.");
 }
 
 TEST(CFDictionary, SetAddReplaceAndRemoveDoWhatTheirNamesSay) {
@@ -137,11 +117,6 @@ TEST(CFDictionary, VisitsKeysInTheOrderOfTheirFirstSetting) {
     cf::Set(dictionary, "zebra", 3);
     EXPECT_EQ(Text(AdoptCF(CFDictionaryCreateCopy(nullptr, dictionary.get())).get()),
               "{apple = 2, mango = 1, fig = 1, zebra = 3}");
-    const void* keys[4];
-    const void* values[4];
-    CFDictionaryGetKeysAndValues(dictionary.get(), keys, values);
-    EXPECT_TRUE(CFEqual(keys[3], CFSTR("zebra")));
-    EXPECT_EQ(cf::ToInt64(values[3]), 3);
     std::string visited;
     CFDictionaryApplyFunction(
         dictionary.get(),
@@ -207,16 +182,6 @@ TEST(CFBase, EqualityNeedsOneTypeAndValueAndNoOrderOfKeys) {
     EXPECT_FALSE(CFEqual(cf::Number(1).get(), cf::String("1").get()));
 }
 
-TEST(CFBase, DescriptionsShowWhatIsInside) {
-    const auto dictionary = cf::MutableDictionary();
-    const auto array = Numbers({1});
-    cf::Append(array, Data("\xCA\xFE"));
-    cf::Append(array, 2.5);
-    cf::Set(dictionary, "flag", true);
-    cf::Set(dictionary, "values", array);
-    EXPECT_EQ(Text(dictionary.get()), "{flag = true, values = (1, <cafe>, 2.5)}");
-}
-
 TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
     const auto text = cf::String("held");
     const auto array = cf::MutableArray();
@@ -239,22 +204,6 @@ TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
     CFDictionarySetValue(dictionary.get(), CFSTR("key"), cf::Get(dictionary.get(), "key"));
     EXPECT_EQ(Text(CFArrayGetValueAtIndex(array.get(), 1)) + Text(dictionary.get()),
               "owned by it alone{key = owned by it alone}");
-}
-
-TEST(CFBase, ManyThreadsMayRetainAndReleaseOneObject) {
-    const auto text = cf::String("shared");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&text] {
-            for (int turn = 0; turn < 20000; ++turn) {
-                const CFRef<CFStringRef> copy = text;
-                cf::Append(cf::MutableArray(), copy);
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_EQ(CFGetRetainCount(text.get()), 1);
 }
 
 TEST(CFBase, ConstantsOutliveEveryRelease) {
@@ -284,16 +233,14 @@ TEST(CFBaseDeathTest, WrongTypesAndChangesOfImmutableObjectsAreRefused) {
     EXPECT_EQ(value, nullptr);
 }
 
-TEST(CFRef, EveryOwnerCountsOnce) {
-    auto first = AdoptCF(CFStringCreateWithCString(nullptr, "owned", kCFStringEncodingUTF8));
+TEST(CFRef, EveryOwnerCountsOnceAndCastsAreChecked) {
+    auto first = cf::String("owned");
     const CFStringRef object = first.get();
-    EXPECT_EQ(CFGetRetainCount(object), 1);
     auto second = first;
     const auto third = RetainCF(object);
     EXPECT_EQ(CFGetRetainCount(object), 3);
     const auto moved = std::move(second);
     first = moved;
-    EXPECT_EQ(CFGetRetainCount(object), 3);
     const auto& self = first;
     first = self;
     EXPECT_EQ(CFGetRetainCount(object), 3);
@@ -303,12 +250,8 @@ TEST(CFRef, EveryOwnerCountsOnce) {
     CFRelease(general.release());
     EXPECT_EQ(CFGetRetainCount(object), 2);
     EXPECT_FALSE(CFRef<CFStringRef>::Retain(nullptr));
-}
-
-TEST(CFRef, CastsAreChecked) {
-    const auto text = cf::String("text");
-    EXPECT_EQ(cf::As<CFStringRef>(text.get()), text.get());
-    EXPECT_EQ(cf::As<CFArrayRef>(text.get()), nullptr);
+    EXPECT_EQ(cf::As<CFStringRef>(object), object);
+    EXPECT_EQ(cf::As<CFArrayRef>(object), nullptr);
     EXPECT_EQ(cf::As<CFStringRef>(nullptr), nullptr);
 }
 
@@ -319,6 +262,7 @@ TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
     cf::Set(dictionary, "real", 2.5);
     cf::Set(dictionary, "flag", true);
     cf::Set(dictionary, "list", cf::MutableArray());
+    EXPECT_TRUE(Text(dictionary.get()).ends_with("z, whole = 65535, real = 2.5, flag = true, list = ()}"));
     const CFDictionaryRef values = dictionary.get();
     EXPECT_EQ(cf::GetString(values, "text"), std::string("\u00E9\0z", 4));
     EXPECT_EQ(cf::GetString(values, "whole"), "");

@@ -61,15 +61,6 @@ TEST_F(LocalStreamTest, EitherEndKnowsWhoIsAtTheOther) {
     }
 }
 
-TEST_F(LocalStreamTest, WhatIsWrittenArrivesInOrderThoughTheWritersLoopStandsStill) {
-    std::string expected;
-    for (int count = 0; count < 200; ++count) {
-        mClient.Write(std::to_string(count) + " ", [](const asio::error_code&) {});
-        expected += std::to_string(count) + " ";
-    }
-    EXPECT_EQ(ReceiveAll(expected.size()), expected);
-}
-
 TEST_F(LocalStreamTest, WritingNeverWaitsForAnEndThatDoesNotRead) {
     constexpr int kPieces = 64;
     int taken = 0;
@@ -86,13 +77,18 @@ TEST_F(LocalStreamTest, WritingNeverWaitsForAnEndThatDoesNotRead) {
     EXPECT_EQ(taken, kPieces);
 }
 
-TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredAfterTheEndIsClosed) {
-    bool isTaken = false;
-    mClient.Write("the last word", [&](const asio::error_code& failure) { isTaken = !failure; });
+TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredInOrderAfterTheEndIsClosed) {
+    int taken = 0;
+    std::string expected;
+    for (int count = 0; count < 200; ++count) {
+        const std::string piece = std::to_string(count) + " ";
+        mClient.Write(piece, [&](const asio::error_code& failure) { taken += failure ? 0 : 1; });
+        expected += piece;
+    }
     mClientLoop.run();
-    EXPECT_TRUE(isTaken);
+    EXPECT_EQ(taken, 200);
     mClient.Close();
-    EXPECT_EQ(ReceiveAll(1000), "the last word");
+    EXPECT_EQ(ReceiveAll(expected.size() + 1), expected);
 }
 
 TEST_F(LocalStreamTest, WritesUnderWayEndWhenTheOtherEndCloses) {
@@ -107,54 +103,50 @@ TEST_F(LocalStreamTest, WritesUnderWayEndWhenTheOtherEndCloses) {
     EXPECT_EQ(failures, 3);
 }
 
-TEST_F(LocalStreamTest, ACancelledReadSaysSo) {
+TEST_F(LocalStreamTest, ACancelledReadSaysSoAndTheConnectionGoesOn) {
     char byte = 0;
     asio::error_code result;
-    mClient.Read(asio::buffer(&byte, 1), [&](const asio::error_code& failure, size_t) { result = failure; });
+    const auto read = [&] {
+        mClient.Read(asio::buffer(&byte, 1),
+                     [&](const asio::error_code& failure, size_t) { result = failure; });
+    };
+    read();
     mClientLoop.run_for(10ms);
     mClient.Cancel();
     mClientLoop.restart();
     mClientLoop.run();
     EXPECT_EQ(result, asio::error::operation_aborted);
     mServer->Write("x", [](const asio::error_code&) {});
-    mClient.Read(asio::buffer(&byte, 1), [&](const asio::error_code& failure, size_t) { result = failure; });
+    read();
     mClientLoop.restart();
     mClientLoop.run();
-    EXPECT_EQ(byte, 'x') << "the connection goes on";
+    EXPECT_EQ(byte, 'x');
 }
 
-TEST(LocalAcceptor, TakesThoseWhoWaitThoughItsLoopStandsStill) {
+TEST(LocalAcceptor, TakesThoseWhoWaitThoughItsLoopStandsStillAndNobodyAfterItsEnd) {
     const TemporaryFolder folder;
     const std::string address = LocalStreamAddresses("Test", "Waiting", folder / "data").front();
-    asio::io_context loop;
-    int admitted = 0;
-    LocalAcceptor acceptor(loop, [&](LocalStream) { ++admitted; });
-    ASSERT_FALSE(acceptor.Listen(address).code);
     const std::atomic<bool> isCancelled{false};
-    constexpr int kClients = 5;
-    std::vector<LocalStream> clients;
-    for (int count = 0; count < kClients; ++count) {
-        clients.emplace_back(loop);
-        EXPECT_FALSE(clients.back().Connect(address, std::chrono::steady_clock::now() + 10s, isCancelled));
-    }
-    acceptor.AdmitWaiting();
-    EXPECT_EQ(admitted, kClients);
-    loop.poll();
-    EXPECT_EQ(admitted, kClients) << "each once";
-}
-
-TEST(LocalAcceptor, NobodyListensAtAnAddressThatWasGivenUp) {
-    const TemporaryFolder folder;
-    const std::string address = LocalStreamAddresses("Test", "GivenUp", folder / "data").front();
-    const std::atomic<bool> isCancelled{false};
-    for (int time = 0; time < 2; ++time) {
+    for (const char* time : {"first", "second"}) {
         asio::io_context loop;
+        int admitted = 0;
+        std::vector<LocalStream> clients;
+        const auto connect = [&] {
+            clients.emplace_back(loop);
+            return clients.back().Connect(address, std::chrono::steady_clock::now() + 10s, isCancelled);
+        };
         {
-            LocalAcceptor acceptor(loop, [](LocalStream) {});
-            ASSERT_FALSE(acceptor.Listen(address).code) << "also a second time";
+            LocalAcceptor acceptor(loop, [&](LocalStream) { ++admitted; });
+            ASSERT_FALSE(acceptor.Listen(address).code) << time;
+            for (int count = 0; count < 5; ++count)
+                EXPECT_FALSE(connect());
+            acceptor.AdmitWaiting();
+            EXPECT_EQ(admitted, 5);
+            loop.poll();
+            EXPECT_EQ(admitted, 5) << "each once";
         }
         loop.poll();
-        EXPECT_TRUE(LocalStream(loop).Connect(address, std::chrono::steady_clock::now() + 10s, isCancelled));
+        EXPECT_TRUE(connect());
     }
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <thread>
 
 namespace {
 
@@ -48,12 +47,4 @@ TEST(ErrorCodes, WhatIsNotInTheTableIsUnknown) {
         EXPECT_EQ(ErrorCodeToName(code), "Unknown error code");
     for (const char* name : {"gagentif::kshutdown", "kShutdown", ""})
         EXPECT_EQ(ErrorNameToCode(name), CoreErrorCodes::kUnknownError);
-}
-
-TEST(ErrorCodes, ManyThreadsMayAskFirst) {
-    std::vector<std::thread> threads;
-    for (int index = 0; index < 8; ++index)
-        threads.emplace_back([] { EXPECT_EQ(ErrorCodeToName(0x01001004), "GFile::kFileNotOpen"); });
-    for (std::thread& thread : threads)
-        thread.join();
 }

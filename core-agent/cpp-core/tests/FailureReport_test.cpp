@@ -33,33 +33,33 @@ ErrorCode Check(const Checked& checked) {
 }  // namespace
 
 TEST(FailureReport, AFailedCheckIsReportedInOneLineAndReturned) {
-    constexpr char kBegin[] =
-        "[FailureReportTest]\t[Error]\tError='%s'  "
-        "File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line=";
-    const std::tuple<Checked, ErrorCode, const char*, const char*> cases[] = {
-        {{.code = GIPCClient::kServiceUnavailable},
-         GIPCClient::kServiceUnavailable,
-         "GIPCClient::kServiceUnavailable",
-         "  Expression='code'  Code='50335758'  \n"},
-        {{.code = 12345}, 12345, "Unknown error code", "  Expression='code'  Code='12345'  \n"},
-        {{.mode = -1},
-         CoreErrorCodes::kInvalidParam,
-         "CoreErrorCodes::kInvalidParam",
-         "  Expression='!(mode != -1)'  Code='67108864'  \n"},
-        {{.mPlugPlug = nullptr},
-         CoreErrorCodes::kNullPointer,
-         "CoreErrorCodes::kNullPointer",
-         "  Expression='(mPlugPlug) == nullptr'  Code='83886080'  \n"}};
-    CapturedTrace trace;
+    const struct {
+        Checked checked;
+        ErrorCode code;
+        const char *name, *end;
+    } cases[] = {{{.code = GIPCClient::kServiceUnavailable},
+                  GIPCClient::kServiceUnavailable,
+                  "GIPCClient::kServiceUnavailable",
+                  "  Expression='code'  Code='50335758'  \n"},
+                 {{.code = 12345}, 12345, "Unknown error code", "  Expression='code'  Code='12345'  \n"},
+                 {{.mode = -1},
+                  CoreErrorCodes::kInvalidParam,
+                  "CoreErrorCodes::kInvalidParam",
+                  "  Expression='!(mode != -1)'  Code='67108864'  \n"},
+                 {{.mPlugPlug = nullptr},
+                  CoreErrorCodes::kNullPointer,
+                  "CoreErrorCodes::kNullPointer",
+                  "  Expression='(mPlugPlug) == nullptr'  Code='83886080'  \n"}};
     for (const auto& [checked, code, name, end] : cases) {
-        trace.Clear();
+        CapturedTrace trace;
         EXPECT_EQ(Check(checked), code);
         EXPECT_THAT(trace.Text(),
-                    StartsWith(std::string(kBegin).replace(std::string(kBegin).find("%s"), 2, name)));
+                    StartsWith("[FailureReportTest]\t[Error]\tError='" + std::string(name) +
+                               "'  File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line="));
         EXPECT_THAT(trace.Text(), EndsWith(end));
         EXPECT_EQ(trace.LineCount(), 1u);
     }
-    trace.Clear();
+    CapturedTrace trace;
     EXPECT_EQ(Check({}), 0xFFFFFFFFu);
     EXPECT_EQ(Check({.code = 1, .level = GLogger::kDebug}), 1u) << "expected in normal use";
     EXPECT_EQ(trace.Text(), "");
@@ -69,11 +69,7 @@ TEST(FailureReport, ASystemFailureTellsTheSystemsErrorAndPrintsTheCodeSigned) {
     CapturedTrace trace;
     ReportSystemFailure(kLogCategory, {"open(path)", "File.cpp", 7}, 0xFFFFFFFF,
                         platform::SystemError{ENOENT});
-    const std::string text = platform::SystemErrorText({ENOENT});
     EXPECT_THAT(trace.Text(),
-                EndsWith("Error='Unknown error code'  File='File.cpp'  Line=7  Expression='open(path)'  "
-                         "Window's Error=2: '" +
-                         text + "'  Code='-1'  \n"));
-    EXPECT_EQ(platform::SystemErrorText({12345678}), "FormatMessage Failed");
-    EXPECT_TRUE(text.size() > 4 && text != "FormatMessage Failed" && text != "Null message");
+                EndsWith("File='File.cpp'  Line=7  Expression='open(path)'  Window's Error=2: '" +
+                         platform::SystemErrorText({ENOENT}) + "'  Code='-1'  \n"));
 }

@@ -7,11 +7,13 @@
 #include "TemporaryFolder.h"
 
 TEST(GFileSystemSpec, TheExtensionIsWhatFollowsTheLastDotOfTheName) {
-    EXPECT_EQ(GFileSystemSpec("/a.b/name").Extension(), "");
-    EXPECT_EQ(GFileSystemSpec("/a/name.tar.AI").Extension(), "AI");
-    EXPECT_EQ(GFileSystemSpec("/a/.ai").Extension(), "ai");
-    EXPECT_EQ(GFileSystemSpec("/a/name.").Extension(), "");
-    EXPECT_EQ(GFileSystemSpec("name.pdf").FileName(), "name.pdf");
+    for (const auto& [path, extension] : {std::pair("/a.b/name", ""),
+                                          {"/a/name.tar.AI", "AI"},
+                                          {"/a/.ai", "ai"},
+                                          {"/a/name.", ""},
+                                          {"name.pdf", "pdf"}})
+        EXPECT_EQ(GFileSystemSpec(path).Extension(), extension) << path;
+    EXPECT_EQ(GFileSystemSpec("/a/name.pdf").FileName(), "name.pdf");
 }
 
 TEST(GFile, ReadsFromAPositionWhatWasAskedForOrNothing) {

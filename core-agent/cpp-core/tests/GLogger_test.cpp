@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <thread>
 
 #include "CapturedTrace.h"
 
@@ -15,17 +14,6 @@ protected:
 
     GLogger logger;
     const std::shared_ptr<std::ostringstream> stream = std::make_shared<std::ostringstream>();
-};
-
-/// Takes nothing while it is full.
-class FullBuffer : public std::stringbuf {
-public:
-    bool isFull = true;
-
-protected:
-    std::streamsize xsputn(const char* text, std::streamsize size) override {
-        return isFull ? 0 : std::stringbuf::xsputn(text, size);
-    }
 };
 
 class DeafDebugOutput : public platform::DebugOutput {
@@ -43,14 +31,14 @@ private:
 }  // namespace
 
 TEST_F(LoggerTest, LevelsHaveNames) {
-    const std::pair<const char*, int> names[] = {{"Error", 1}, {"Warning", 2},    {"Warn", 2},
-                                                 {"Info", 3},  {"Debug", 4},      {"None", 0},
-                                                 {"warn", -1}, {"Debugging", -1}, {"", -1}};
+    const std::pair<const char*, int> names[] = {
+        {"None", 0}, {"Error", 1}, {"Warning", 2}, {"Info", 3}, {"Debug", 4}};
     for (const auto& [name, level] : names) {
         EXPECT_EQ(GLogger::LevelFromString(name), level) << name;
-        const std::string written = GLogger::LevelToString(level);
-        EXPECT_EQ(written, level < 0 ? "" : level == 2 ? "Warning" : name);
+        EXPECT_EQ(GLogger::LevelToString(level), name);
     }
+    EXPECT_EQ(GLogger::LevelFromString("Warn"), 2);
+    EXPECT_EQ(GLogger::LevelFromString("warn"), -1);
     EXPECT_EQ(GLogger::LevelToString(5), "");
 }
 
@@ -64,43 +52,10 @@ TEST_F(LoggerTest, WritesWhatItsLevelOrTheDefaultOneAdmits) {
         logger.SetLevel("Panel", level);
         logger.Log("Panel", GLogger::kError, "dropped");
     }
-    EXPECT_EQ(stream->str(), "[Panel]\t[Warning]\tkept 1\n[Other]\t[Debug]\tkept 2\n");
-}
-
-TEST_F(LoggerTest, EveryStreamGetsWholeLinesFromAllThreads) {
-    const auto second = std::make_shared<std::ostringstream>();
-    logger.AddStream(second);
-    const auto write = [&] {
-        for (int index = 0; index < 100; ++index) {
-            logger.SetLevel("Thread", GLogger::kInfo);
-            logger.Log("Thread", GLogger::kInfo, "%s", "0123456789");
-        }
-    };
-    std::thread other(write);
-    write();
-    other.join();
-    EXPECT_EQ(stream->str(), second->str());
-    std::istringstream lines(stream->str());
-    int count = 0;
-    for (std::string line; std::getline(lines, line); ++count)
-        EXPECT_EQ(line, "[Thread]\t[Info]\t0123456789");
-    EXPECT_EQ(count, 200);
-}
-
-TEST_F(LoggerTest, AStreamThatFailsHarmsNoOtherLine) {
-    FullBuffer buffer;
-    const auto full = std::make_shared<std::ostream>(&buffer);
-    const auto last = std::make_shared<std::ostringstream>();
-    logger.AddStream(full);
-    logger.AddStream(last);
-    logger.Log("A", GLogger::kError, "one");
-    full->clear();
-    full->exceptions(std::ios::badbit | std::ios::failbit);
-    EXPECT_NO_THROW(logger.Log("A", GLogger::kError, "two"));
-    buffer.isFull = false;
-    logger.Log("A", GLogger::kError, "three");
-    EXPECT_EQ(buffer.str(), "[A]\t[Error]\tthree\n");
-    EXPECT_EQ(last->str(), "[A]\t[Error]\tone\n[A]\t[Error]\ttwo\n[A]\t[Error]\tthree\n");
+    stream->setstate(std::ios::badbit);  // as when the disk is full; it may have room again
+    logger.Log("Other", GLogger::kError, "kept %d", 3);
+    EXPECT_EQ(stream->str(),
+              "[Panel]\t[Warning]\tkept 1\n[Other]\t[Debug]\tkept 2\n[Other]\t[Error]\tkept 3\n");
 }
 
 TEST(SharedLogger, WritesWholeLinesToTheDebuggerAndKeepsNothing) {

@@ -56,7 +56,7 @@ TEST(JSONObject, HoldsOneTreeAtATimeThroughWhichPathsLead) {
 TEST(JSONObject, RefusesWhatIsNoJSON) {
     const std::string texts[] = {
         // Comments, which could hide brackets.
-        "/*\"*/" + Nested(300000), "/*]]]]*/" + Nested(300000), "//\"\n" + Nested(300000), "{}//x",
+        "/*\"*/" + Nested(300000), "//\"\n" + Nested(300000), "{}//x",
         // Bytes that are no UTF-8.
         "[\"\xC0\x80\"]", "[\"\xED\xA0\x80\"]", "[\"\xF5\x80\x80\x80\"]", "[\"\xE5\xAD\"]",
         // Halves of surrogate pairs, zero characters and zero bytes.
@@ -66,13 +66,11 @@ TEST(JSONObject, RefusesWhatIsNoJSON) {
     for (const std::string& text : texts)
         EXPECT_THAT(Thrown([&] { document.load(text); }), StartsWith("JSON parse error:\n"))
             << text.substr(0, 20);
-    for (const std::string& text : {Nested(513), std::string(10'000'000, '[')})
-        EXPECT_EQ(Thrown([&] { document.load(text); }), "JSON parse error:\nnested too deep\n");
+    EXPECT_EQ(Thrown([&] { document.load(Nested(513)); }), "JSON parse error:\nnested too deep\n");
     document.load(Nested(512));
-    const auto taken =
-        Load(document, R"(["[[[\"[[[", "http://x", "\uD83D\uDE42\uDBFF\uDFFF\u00e9\\uDC00", "\uD7FF\uE000"])")
-            .as_array();
-    EXPECT_EQ(taken[2].as_string(), "🙂\U0010FFFFé\\uDC00");
+    const JSONValue root =
+        Load(document, R"(["[[[\"[[[", "\uD83D\uDE42\uDBFF\uDFFF\u00e9\\uDC00\uD7FF\uE000"])");
+    EXPECT_EQ(root.as_array()[1].as_string(), "🙂\U0010FFFFé\\uDC00\uD7FF\uE000");
     document.load(Nested(200));
     EXPECT_EQ(Thrown([&] { document.root().to_json(); }), "YAJL's maximum generation depth was exceeded");
 }
@@ -143,9 +141,7 @@ TEST(JSONValue, FindsTheFirstMemberOfThatKeyOneLevelDown) {
 TEST(JSONValue, BuildsWhatItWrites) {
     JSONObject document;
     JSONValue root = Load(document, R"({"list":[1,2,3]})");
-    JSONValue list;
-    JSONValue map;
-    JSONValue value;
+    JSONValue list, map, value;
     ASSERT_TRUE(root.find("list", list));
     for (int number = 4; number < 100; ++number)
         ASSERT_TRUE(list.add_int64(number, value));
@@ -166,19 +162,10 @@ TEST(JSONValue, BuildsWhatItWrites) {
         << "a zero byte cuts nothing off";
     EXPECT_FALSE(root.add_int64(1, value) || root.add_map(value) || list.add_bool("k", true, value));
     EXPECT_EQ(list.as_array().size(), 6u);
-}
 
-TEST(JSONValue, WhatIsNoJSONCannotBeWritten) {
-    JSONObject document;
-    JSONValue value;
-    for (const char* text : {"\xFF", "\xC0\x80", "\xED\xB0\x80", "\xF5\x80\x80\x80"}) {
-        JSONValue root = Load(document, "{}");
-        ASSERT_TRUE(root.add_string("k", text, value));
-        EXPECT_EQ(Thrown([&] { root.to_json(); }),
-                  "An invalid UTF-8 string was passed to the JSON generator");
-    }
-    JSONValue root = Load(document, "{}");
+    ASSERT_TRUE(root.add_string("k", "\xED\xB0\x80", value));
+    EXPECT_EQ(Thrown([&] { root.to_json(); }), "An invalid UTF-8 string was passed to the JSON generator");
+    root = Load(document, "{}");
     ASSERT_TRUE(root.add_double("k", std::numeric_limits<double>::infinity(), value));
-    EXPECT_EQ(Thrown([&] { root.to_json(); }),
-              "An invalid floating point value was passed to the JSON generator (infinity or NaN)");
+    EXPECT_THAT(Thrown([&] { root.to_json(); }), StartsWith("An invalid floating point value was passed"));
 }

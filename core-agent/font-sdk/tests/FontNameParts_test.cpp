@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <sstream>
 
 namespace {
 
@@ -35,10 +35,7 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
         {"Sample-BoldItallic", "sample 700 5 slanted"},
         {"Bold-Italic", "bold 400 5 slanted"},
         {"Univers-UltraCondensedThin", "univers 100 1"},
-        {"\xC3\x9C"
-         "berschrift-Fett",
-         "\xC3\x9C"
-         "berschriftfett 400 5"},
+        {"\u00DCberschrift-Fett", "\u00DCberschriftfett 400 5"},
         {"-", " 400 5"},
         {"", " 400 5"},
     };
@@ -47,45 +44,46 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
 }
 
 TEST(FontNameParts, StyleWordsHaveTheirWeightsAndWidths) {
-    const std::pair<int, std::vector<const char*>> weights[] = {
-        {100, {"Thin", "Th"}},
-        {200, {"ExtraLight", "UltraLight"}},
-        {300, {"Light", "Lt"}},
-        {400, {"Regular", "Normal", "Roman", "Plain", "Book", "Rg", "Reg", "Italic", "Oblique", "Kursiv"}},
-        {500, {"Medium", "Md", "Med"}},
-        {600, {"SemiBold", "DemiBold", "Demi", "Sb"}},
-        {700, {"Bold", "Bd"}},
-        {800, {"ExtraBold", "UltraBold", "Heavy", "Hv"}},
-        {900, {"Black", "ExtraBlack", "UltraBlack", "Blk"}}};
-    const std::vector<const char*> widths[] = {{"UltraCondensed"},
-                                               {"ExtraCondensed", "Compressed"},
-                                               {"Condensed", "Narrow", "Cond", "Cn"},
-                                               {"SemiCondensed"},
-                                               {"Regular"},
-                                               {"SemiExpanded", "SemiExtended"},
-                                               {"Expanded", "Wide", "Ex"},
-                                               {"ExtraExpanded", "ExtraExtended"},
-                                               {"UltraExpanded"}};
-    for (const auto& [weight, words] : weights) {
-        for (const char* word : words)
-            EXPECT_EQ(ParsePostScriptName(std::string("S-") + word).style.weight, weight) << word;
-    }
-    for (size_t index = 0; index < std::size(widths); ++index) {
-        for (const char* word : widths[index])
-            EXPECT_EQ(ParsePostScriptName(std::string("S-") + word).style.width, index + 1) << word;
-    }
+    const std::pair<int, const char*> weights[] = {
+        {100, "Thin Th"},
+        {200, "ExtraLight UltraLight"},
+        {300, "Light Lt"},
+        {400, "Regular Normal Roman Plain Book Rg Reg Italic Oblique Kursiv"},
+        {500, "Medium Md Med"},
+        {600, "SemiBold DemiBold Demi Sb"},
+        {700, "Bold Bd"},
+        {800, "ExtraBold UltraBold Heavy Hv"},
+        {900, "Black ExtraBlack UltraBlack Blk"}};
+    const std::pair<int, const char*> widths[] = {{1, "UltraCondensed"},
+                                                  {2, "ExtraCondensed Compressed"},
+                                                  {3, "Condensed Narrow Cond Cn"},
+                                                  {4, "SemiCondensed"},
+                                                  {5, "Regular"},
+                                                  {6, "SemiExpanded SemiExtended"},
+                                                  {7, "Expanded Wide Ex"},
+                                                  {8, "ExtraExpanded ExtraExtended"},
+                                                  {9, "UltraExpanded"}};
+    const auto check = [](const auto& table, int FontStyle::*part) {
+        for (const auto& [value, words] : table) {
+            std::istringstream stream(words);
+            for (std::string word; stream >> word;)
+                EXPECT_EQ(ParsePostScriptName("S-" + word).style.*part, value) << word;
+        }
+    };
+    check(weights, &FontStyle::weight);
+    check(widths, &FontStyle::width);
 }
 
 TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
-    const std::pair<std::pair<const char*, const char*>, const char*> cases[] = {
-        {{"Helvetica Neue LT Std", "77 Bold Condensed"}, "HelveticaNeueLTStd-BdCn"},
-        {{"Helvetica Neue LT Std Light", "Italic"}, "HelveticaNeueLTStd-LtIt"},
-        {{"Arial Black", "Regular"}, "Arial-Black"},
-        {{"Times New Roman", "Bold Italic"}, "TimesNewRomanPS-BoldItalicMT"},
-        {{"Sample", ""}, "Sample-Regular"},
-    };
-    for (const auto& [names, postScriptName] : cases)
-        EXPECT_EQ(Describe(ParseFamilyAndStyle(names.first, names.second)),
+    const struct {
+        const char *family, *style, *postScriptName;
+    } cases[] = {{"Helvetica Neue LT Std", "77 Bold Condensed", "HelveticaNeueLTStd-BdCn"},
+                 {"Helvetica Neue LT Std Light", "Italic", "HelveticaNeueLTStd-LtIt"},
+                 {"Arial Black", "Regular", "Arial-Black"},
+                 {"Times New Roman", "Bold Italic", "TimesNewRomanPS-BoldItalicMT"},
+                 {"Sample", "", "Sample-Regular"}};
+    for (const auto& [family, style, postScriptName] : cases)
+        EXPECT_EQ(Describe(ParseFamilyAndStyle(family, style)),
                   Describe(ParsePostScriptName(postScriptName)));
 }
 

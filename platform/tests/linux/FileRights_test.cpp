@@ -16,17 +16,32 @@
 
 namespace fs = std::filesystem;
 
-TEST(FileRights, WhatIsWrittenIsForThisUserAlone) {
+constexpr fs::perms kFile = fs::perms::owner_read | fs::perms::owner_write;
+
+TEST(FileRights, WhatIsMadeAndWhatIsAddedToIsClosedToOthers) {
     const TemporaryFolder folder;
-    ASSERT_FALSE(platform::WriteWholeFile(folder / "file", ""));
-    EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    const mode_t saved = umask(0);
     std::string temporary;
-    ASSERT_FALSE(platform::WriteTemporaryFile(folder / ".", "a", "b", "", temporary));
-    EXPECT_EQ(fs::status(temporary).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    platform::AppendedFile log;
+    platform::FileLock lock;
+    EXPECT_FALSE(platform::WriteWholeFile(folder / "file", ""));
+    EXPECT_FALSE(platform::WriteTemporaryFile(folder / ".", "a", "b", "", temporary));
+    EXPECT_FALSE(log.Open(folder / "log"));
+    EXPECT_FALSE(lock.Acquire(folder / "lock", false));
+    EXPECT_FALSE(platform::MakeFolders(folder / "a/b", true));
+    umask(saved);
+    for (const std::string& path : {folder / "file", temporary, folder / "log", folder / "lock"})
+        EXPECT_EQ(fs::status(path).permissions(), kFile) << path;
+    for (const char* name : {"a", "a/b"})
+        EXPECT_EQ(fs::status(folder / name).permissions(), fs::perms::owner_all);
+    fs::permissions(folder / "log", fs::perms::all);
+    EXPECT_FALSE(log.Open(folder / "log"));
+    EXPECT_EQ(fs::status(folder / "log").permissions(), kFile);
 }
 
-TEST(FileRights, LinksAndPipesAreNeitherLogsNorLocks) {
+TEST(FileRights, LinksPipesAndDevicesAreNeitherFilesNorLogsNorLocksAndNothingBlocks) {
     const TemporaryFolder folder;
+    platform::ReadOnlyFile file;
     folder.Write("target", "precious");
     fs::create_symlink("target", folder / "link");
     fs::create_symlink("missing", folder / "dangling");
@@ -38,25 +53,10 @@ TEST(FileRights, LinksAndPipesAreNeitherLogsNorLocks) {
     }
     EXPECT_FALSE(fs::exists(folder / "missing"));
     EXPECT_EQ(fs::file_size(folder / "target"), 8u);
-}
-
-TEST(FileRights, WhatIsMadeAndWhatIsAddedToIsClosedToOthers) {
-    const TemporaryFolder folder;
-    const mode_t saved = umask(0);
-    platform::AppendedFile log;
-    EXPECT_FALSE(log.Open(folder / "log"));
-    platform::FileLock lock;
-    EXPECT_FALSE(lock.Acquire(folder / "lock", false));
-    EXPECT_FALSE(platform::MakeFolders(folder / "a/b", true));
-    umask(saved);
-    constexpr fs::perms kFile = fs::perms::owner_read | fs::perms::owner_write;
-    for (const char* name : {"log", "lock"})
-        EXPECT_EQ(fs::status(folder / name).permissions(), kFile);
-    for (const char* name : {"a", "a/b"})
-        EXPECT_EQ(fs::status(folder / name).permissions(), fs::perms::owner_all);
-    fs::permissions(folder / "log", fs::perms::all);
-    EXPECT_FALSE(log.Open(folder / "log"));
-    EXPECT_EQ(fs::status(folder / "log").permissions(), kFile);
+    for (const std::string& path : {folder / "pipe", folder / ".", std::string("/dev/null")})
+        EXPECT_TRUE(file.Open(path)) << path;
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(platform::IsExistingFile(folder / "pipe"));
 }
 
 TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALink) {
@@ -106,17 +106,6 @@ TEST(FileRights, ACopyThatIsCutOffNeverHasItsName) {
     EXPECT_EQ(WTERMSIG(copyWithRoomForHalf(SIG_DFL)), SIGXFSZ);  // killed in the middle
     EXPECT_FALSE(fs::exists(folder / "copy"));
     EXPECT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
-}
-
-TEST(FileRights, OnlyRegularFilesAreOpenedAndNothingBlocks) {
-    const TemporaryFolder folder;
-    platform::ReadOnlyFile file;
-    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    EXPECT_TRUE(file.Open(folder / "pipe"));
-    EXPECT_TRUE(file.Open(folder / "."));
-    EXPECT_TRUE(file.Open("/dev/null"));
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_FALSE(platform::IsExistingFile(folder / "pipe"));
 }
 
 TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {

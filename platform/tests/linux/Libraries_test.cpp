@@ -11,22 +11,6 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-/// The working folder is another one for as long as it lives.
-class ScopedWorkingFolder {
-public:
-    explicit ScopedWorkingFolder(const fs::path& folder) { fs::current_path(folder); }
-    ~ScopedWorkingFolder() { fs::current_path(mPrevious); }
-    ScopedWorkingFolder(const ScopedWorkingFolder&) = delete;
-    ScopedWorkingFolder& operator=(const ScopedWorkingFolder&) = delete;
-
-private:
-    const fs::path mPrevious = fs::current_path();
-};
-
-}  // namespace
-
 TEST(Libraries, NothingIsLoadedFromAPlaceThatTheWorkingFolderDecides) {
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     platform::SystemError error;
@@ -35,7 +19,8 @@ TEST(Libraries, NothingIsLoadedFromAPlaceThatTheWorkingFolderDecides) {
     ASSERT_FALSE(platform::MakeFolders(folder / "sub"));
     for (const char* copy : {"planted.so", "sub/planted.so"})
         ASSERT_FALSE(platform::CopyToNewFile(installed, folder / copy)) << installed;
-    const ScopedWorkingFolder inIt(folder.Path());
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.Path());
     const std::string cutOff = (folder / "planted.so") + std::string("\0.so", 4);
     for (const std::string& path :
          {std::string("planted.so"), std::string("./planted.so"), std::string("sub/planted.so"),
@@ -45,6 +30,7 @@ TEST(Libraries, NothingIsLoadedFromAPlaceThatTheWorkingFolderDecides) {
         EXPECT_TRUE(error) << path;
         EXPECT_THAT(libraries.LastLoadFailure(), testing::EndsWith(": not a full path"));
     }
+    fs::current_path(before);
     EXPECT_NE(libraries.LoadFromPath(folder / "sub/planted.so", error), nullptr)
         << libraries.LastLoadFailure();
 }
