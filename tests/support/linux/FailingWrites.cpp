@@ -12,9 +12,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -63,9 +61,6 @@ bool Exists(const char* path) {
     return access(path, F_OK) == 0;
 }
 
-constexpr std::string_view kUnlink = "unlink";
-constexpr std::string_view kRemove = "remove";
-
 enum class Verdict { kGoOn, kFail, kDieAfter };
 
 /// The next call of the process, which it makes to the file.
@@ -75,7 +70,7 @@ Verdict Judge(const char* call, const std::string& path) {
     FaultPlan& plan = *Plan();
     const int number = ++plan.count;
     const int kind = plan.kind;
-    const bool isRemoval = call == kUnlink || call == kRemove;
+    const bool isRemoval = call == std::string_view("unlink") || call == std::string_view("remove");
     const bool isMeant = plan.lasts ? number >= plan.at : number == plan.at;
     if (kind == FaultPlan::kNothing || !isMeant || (kind == FaultPlan::kDiskFull && isRemoval))
         return Verdict::kGoOn;
@@ -122,138 +117,56 @@ ssize_t AttemptWrite(const char* name, int file, size_t size, const Call& writeS
     return -1;
 }
 
-template <class Call>
-auto AttemptToMake(const char* name, const char* path, const Call& call) {
-    return Exists(path) ? call() : Attempt(name, path, call);
-}
-
-template <class Function>
-int Open(const char* name, const char* path, int flags, mode_t mode) {
-    const auto open = [=] { return Next<Function>(name)(path, flags, mode); };
-    return (flags & O_CREAT) != 0 ? AttemptToMake(name, path, open) : open();
-}
-
 mode_t ModeOf(int flags, va_list rest) {
     return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
-}
-
-int Remove(const char* name, const char* path) {
-    const auto remove = [=] { return Next<int(const char*)>(name)(path); };
-    return Exists(path) ? Attempt(name, path, remove) : remove();
-}
-
-FILE* OpenStream(const char* name, const char* path, const char* mode) {
-    FILE* stream = nullptr;
-    const auto open = [&] {
-        stream = Next<FILE*(const char*, const char*)>(name)(path, mode);
-        return 0;
-    };
-    if (std::strpbrk(mode, "wa") != nullptr)
-        AttemptToMake(name, path, open);
-    else
-        open();
-    return stream;
 }
 
 }  // namespace
 
 extern "C" {
 
-// Each has the signature of the C library's function of its name.
+// Each has the signature of the C library's function of its name: what our processes change files with.
 #pragma GCC visibility push(default)
 
-#define OPEN_FILE(name)                                        \
-    int name(const char* path, int flags, ...) {               \
-        va_list rest;                                          \
-        va_start(rest, flags);                                 \
-        const mode_t mode = ModeOf(flags, rest);               \
-        va_end(rest);                                          \
-        return Open<decltype(name)>(#name, path, flags, mode); \
+#define OPEN_FILE(name)                                                                               \
+    int name(const char* path, int flags, ...) {                                                      \
+        va_list rest;                                                                                 \
+        va_start(rest, flags);                                                                        \
+        const mode_t mode = ModeOf(flags, rest);                                                      \
+        va_end(rest);                                                                                 \
+        const auto call = [=] { return Next<int(const char*, int, ...)>(#name)(path, flags, mode); }; \
+        return (flags & O_CREAT) != 0 && !Exists(path) ? Attempt(#name, path, call) : call();         \
     }
 OPEN_FILE(open)
 OPEN_FILE(open64)
-
-#define OPEN_STREAM(name)                            \
-    FILE* name(const char* path, const char* mode) { \
-        return OpenStream(#name, path, mode);        \
-    }
-OPEN_STREAM(fopen)
-OPEN_STREAM(fopen64)
-
-int mkostemp(char* path, int flags) {
-    return Attempt("mkostemp", path, [=] { return Next<decltype(mkostemp)>("mkostemp")(path, flags); });
-}
-
-int mkostemps(char* path, int suffixLength, int flags) {
-    return Attempt("mkostemps", path,
-                   [=] { return Next<decltype(mkostemps)>("mkostemps")(path, suffixLength, flags); });
-}
-
-int mkdir(const char* path, mode_t mode) noexcept {
-    return AttemptToMake("mkdir", path, [=] { return Next<int(const char*, mode_t)>("mkdir")(path, mode); });
-}
 
 ssize_t write(int file, const void* bytes, size_t size) {
     return AttemptWrite("write", file, size,
                         [=](size_t some) { return Next<decltype(write)>("write")(file, bytes, some); });
 }
-
-#define WRITE_AT(name)                                                     \
-    ssize_t name(int file, const void* bytes, size_t size, off_t offset) { \
-        return AttemptWrite(#name, file, size, [=](size_t some) {          \
-            return Next<decltype(name)>(#name)(file, bytes, some, offset); \
-        });                                                                \
-    }
-WRITE_AT(pwrite)
-WRITE_AT(pwrite64)
-
-ssize_t writev(int file, const iovec* pieces, int count) {
-    return Attempt("writev", PathOf(file),
-                   [=] { return Next<decltype(writev)>("writev")(file, pieces, count); });
-}
-
-ssize_t sendfile(int target, int source, off_t* offset, size_t size) noexcept {
-    return Attempt("sendfile", PathOf(target), [=] {
-        return Next<ssize_t(int, int, off_t*, size_t)>("sendfile")(target, source, offset, size);
+ssize_t pwrite64(int file, const void* bytes, size_t size, off_t offset) {
+    return AttemptWrite("pwrite64", file, size, [=](size_t some) {
+        return Next<decltype(pwrite64)>("pwrite64")(file, bytes, some, offset);
     });
 }
 
-#define FLUSH(name)                                                                             \
-    int name(int file) {                                                                        \
-        return Attempt(#name, PathOf(file), [=] { return Next<decltype(name)>(#name)(file); }); \
+// One that is counted if it changes what there is.
+#define COUNTED(name, parameters, specifier, path, changes, arguments)           \
+    int name parameters specifier {                                              \
+        const auto call = [=] { return Next<int parameters>(#name) arguments; }; \
+        return changes ? Attempt(#name, path, call) : call();                    \
     }
-FLUSH(fsync)
-FLUSH(fdatasync)
-
-#define TRUNCATE(name)                                                                                 \
-    int name(int file, off_t size) noexcept {                                                          \
-        return Attempt(#name, PathOf(file), [=] { return Next<int(int, off_t)>(#name)(file, size); }); \
-    }
-TRUNCATE(ftruncate)
-TRUNCATE(ftruncate64)
-
-int rename(const char* from, const char* to) noexcept {
-    return Attempt("rename", to, [=] { return Next<int(const char*, const char*)>("rename")(from, to); });
-}
-
-int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
-    return Attempt("renameat2", to, [=] {
-        return Next<int(int, const char*, int, const char*, unsigned)>("renameat2")(fromFolder, from,
-                                                                                    toFolder, to, flags);
-    });
-}
-
-int link(const char* from, const char* to) noexcept {
-    return Attempt("link", to, [=] { return Next<int(const char*, const char*)>("link")(from, to); });
-}
-
-int unlink(const char* path) noexcept {
-    return Remove("unlink", path);
-}
-
-int remove(const char* path) noexcept {
-    return Remove("remove", path);
-}
+COUNTED(mkostemp, (char* path, int flags), , path, true, (path, flags))
+COUNTED(mkostemps, (char* path, int suffixLength, int flags), , path, true, (path, suffixLength, flags))
+COUNTED(mkdir, (const char* path, mode_t mode), noexcept, path, !Exists(path), (path, mode))
+COUNTED(fsync, (int file), , PathOf(file), true, (file))
+COUNTED(fdatasync, (int file), , PathOf(file), true, (file))
+COUNTED(ftruncate, (int file, off_t size), noexcept, PathOf(file), true, (file, size))
+COUNTED(ftruncate64, (int file, off_t size), noexcept, PathOf(file), true, (file, size))
+COUNTED(rename, (const char* from, const char* to), noexcept, to, true, (from, to))
+COUNTED(link, (const char* from, const char* to), noexcept, to, true, (from, to))
+COUNTED(unlink, (const char* path), noexcept, path, Exists(path), (path))
+COUNTED(remove, (const char* path), noexcept, path, Exists(path), (path))
 
 #pragma GCC visibility pop
 
