@@ -65,11 +65,8 @@ void HostWorld::KillAgent() const {
     ASSERT_TRUE(Eventually([&] { return platform::ProcessStartTime(agent) == 0; }));
 }
 
-void HostWorld::LoseFontFiles() const {
-    const std::filesystem::path vault = platform::Utf8Path(Path("data/Vantorix/Pellwick/vault"));
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(vault))
-        std::filesystem::permissions(entry, std::filesystem::perms::owner_all);  // they are protected
-    std::filesystem::remove_all(vault);
+void HostWorld::RemoveLaunchInformation() const {
+    std::filesystem::remove(platform::Utf8Path(Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf")));
 }
 
 std::string HostWorld::Trace() const {

@@ -37,8 +37,8 @@ public:
     platform::ProcessId Agent() const;
     /// Ends the agent at once and waits until it is gone.
     void KillAgent() const;
-    /// Removes the files of all fonts behind the agent's back.
-    void LoseFontFiles() const;
+    /// From now on no host can start an agent.
+    void RemoveLaunchInformation() const;
     /// The trace that the processes of this world wrote so far.
     std::string Trace() const;
 

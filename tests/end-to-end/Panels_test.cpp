@@ -101,7 +101,7 @@ TEST_F(PanelTest, SurvivesTheLossOfTheAgent) {
 }
 
 TEST_F(PanelTest, IsToldWhichFontCannotBeActivated) {
-    world.LoseFontFiles();
+    world.FontManager().EmptyVault();
     const std::vector<json> answers = host.Panel({{"messageID", 8},
                                                   {"fontID", 3},
                                                   {"postscriptName", "Other-Regular"},

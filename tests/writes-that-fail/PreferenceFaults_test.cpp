@@ -24,8 +24,7 @@ struct Case {
     const char* name;
     const char* before;  ///< the file's content; null for no folder
     const char* command;
-    int oldNumber;
-    int newNumber;
+    int oldNumber, newNumber;
 };
 
 void PrintTo(const Case& each, std::ostream* out) {
@@ -56,11 +55,6 @@ protected:
         return root.is_object() ? root.at("plug-in").at("Unknown").value("number", int64_t{0}) : 0;
     }
     std::string Log() const { return ContentOf(mFolder / "log"); }
-    long LinesInLog() const {
-        const std::string log = Log();
-        return std::count(log.begin(), log.end(), '\n');
-    }
-    bool IsDamaged() const { return GetParam().before == kDamaged; }
 
     void StartHost() {
         mHost = mFaults.Start({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "obey"});
@@ -72,23 +66,22 @@ protected:
     }
     void ExpectToBeSaid(const Fault& fault, bool isDone) const {
         const bool isFailure = !isDone && !fault.IsKill();
-        EXPECT_LE(LinesInLog(), isFailure + platform::IsExistingFile(mPath + ".damaged-1")) << Log();
-        if (!isFailure)
-            return;
-        EXPECT_THAT(Log(), testing::HasSubstr(mFolder / "configuration/Vantorix"));
-        EXPECT_THAT(Log(), testing::HasSubstr(fault.kind == FaultPlan::kDiskFull ? "the disk is full"
-                                                                                 : "Input/output error"));
+        const std::string log = Log();
+        EXPECT_LE(std::count(log.begin(), log.end(), '\n'),
+                  isFailure + platform::IsExistingFile(mPath + ".damaged-1"))
+            << log;
+        if (isFailure) {
+            EXPECT_THAT(log, testing::HasSubstr(mFolder / "configuration/Vantorix"));
+        }
     }
 
     /// The host that met the fault, or the next one where that is dead.
     void ExpectToGoOn(int number) {
-        const long lines = LinesInLog();
         EXPECT_EQ(Ask("usable"), "1");
         EXPECT_EQ(Ask("store " + std::to_string(number)), "1");
         EXPECT_EQ(Ask("read"), std::to_string(number));
         EXPECT_EQ(StoredNumber(), number);
         EXPECT_EQ(mHost->Finish().status, 0);
-        EXPECT_LE(LinesInLog(), lines + IsDamaged()) << Log();
     }
 
     void ExpectNoOtherFiles() const {
@@ -115,7 +108,7 @@ protected:
         EXPECT_THAT(StoredNumber(), testing::AnyOf(GetParam().newNumber,
                                                    isDone ? GetParam().newNumber : GetParam().oldNumber));
         ExpectToBeSaid(fault, isDone);
-        EXPECT_TRUE(!IsDamaged() || ContentOf(mPath) == kDamaged ||
+        EXPECT_TRUE(GetParam().before != kDamaged || ContentOf(mPath) == kDamaged ||
                     ContentOf(mPath + ".damaged-1") == kDamaged);
         if (answer.empty())
             StartHost();

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -30,10 +29,8 @@ namespace method = pellwick::method;
 
 namespace {
 
-constexpr unsigned kLatestKill = 60000;  // microseconds
-constexpr unsigned kRoundsPerKilledStart = 4;
-
 void SleepAtRandom(std::mt19937& random) {
+    constexpr unsigned kLatestKill = 60000;
     std::this_thread::sleep_for(std::chrono::microseconds(random() % kLatestKill));
 }
 
@@ -45,7 +42,7 @@ struct FontState {
     bool operator==(const FontState&) const = default;
 };
 
-/// Fonts by the checksums of their files, and the fonts in sets.
+/// Fonts by their PostScript names, and the fonts in sets.
 struct Library {
     std::map<std::string, FontState> fonts;
     std::map<std::string, std::set<std::string>> sets;
@@ -53,191 +50,132 @@ struct Library {
     bool operator==(const Library&) const = default;
 };
 
-/// What the agent calls them; of a file its first face.
-struct LibraryIDs {
-    std::map<std::string, uint32_t> fonts;
-    std::map<std::string, int64_t> sets;
-};
-
 /// What one client asks the agent for.
 struct Request {
     const char* method;
     Json arguments;
-    std::function<void(Library&)> change;  ///< what is the case afterwards
+    Library after;  ///< what is the case when it was carried out
     std::function<void(const Json& result)> learn = [](const Json&) {};
-    bool mayBeRefused = false;
 };
 
-/// Does one thing after the other at random with fonts of its own, of which nothing else makes use, and disturbs
-/// those that it shares with others.
+/// Does one thing after the other at random with fonts and sets of its own, whose names begin with its own.
 class RandomClient {
 public:
     RandomClient(const TestWorld& world, const std::string& name, unsigned seed)
         : mName(name), mRandom(seed) {
-        for (int font = 0; font < 16; ++font)
-            MakeSource(world, (font < 12 ? name : "Shared") + std::to_string(font), font % 4 == 0);
+        for (int number = 0; number < 12; ++number) {
+            const std::string family = name + std::to_string(number);
+            const std::string font = MakeTestFont({family + "-Bold", family, "Bold"});
+            for (const char* extension : {".ttf", ".OTF", ""})  // files of the same content
+                mSources[family + "-Bold"].push_back(world.Write("fonts/" + family + extension, font));
+        }
     }
 
     /// Goes on until the agent is gone.
     void Work() {
         AgentConnection connection(std::chrono::seconds(30));
         while (!connection.HasFailed()) {
-            const Request request = NextRequest();
-            Library after = known;
-            request.change(after);
+            Request request = NextRequest();
             Json result;
             const ErrorCode code = connection.Call(request.method, request.arguments, result);
             if (connection.HasFailed()) {
-                perhaps = std::move(after);
-            } else if (code == CoreErrorCodes::kSuccess) {
-                known = std::move(after);
-                request.learn(result);
-                ++done;
-            } else {
-                EXPECT_TRUE(request.mayBeRefused) << request.method << pellwick::FailureText(code, result);
+                perhaps = std::move(request.after);
+                return;
             }
+            EXPECT_EQ(code, 0u) << request.method << pellwick::FailureText(code, result);
+            known = std::move(request.after);
+            request.learn(result);
+            ++done;
         }
     }
     /// Those of its own.
     Library Part(Library library) const {
-        const auto owns = [this](const auto& font) {
-            return std::any_of(mSources.begin(), mSources.begin() + 12,
-                               [&](const Source& source) { return source.checksum == font.first; });
-        };
-        std::erase_if(library.fonts, [&](const auto& font) { return !owns(font); });
-        std::erase_if(library.sets, [&](const auto& set) { return !set.first.starts_with(mName); });
+        const auto isOthers = [this](const auto& each) { return !each.first.starts_with(mName); };
+        std::erase_if(library.fonts, isOthers);
+        std::erase_if(library.sets, isOthers);
         return library;
     }
 
     Library known;                   ///< by what was answered
     std::optional<Library> perhaps;  ///< the case if the last request, which got no answer, was carried out
-    LibraryIDs ids;
+    std::map<std::string, int64_t> ids;  ///< what the agent calls fonts and sets
     int done = 0;
 
 private:
-    struct Source {
-        std::string name, checksum;
-        std::vector<std::string> paths;  ///< files of the same content
-    };
-
-    void MakeSource(const TestWorld& world, const std::string& name, bool isCollection) {
-        const TestFontNames names{name + "-Bold", name, "Bold"};
-        const std::string content = isCollection
-                                        ? MakeTestFontCollection({names, {name + "-Italic", name, "Italic"}})
-                                        : MakeTestFont(names);
-        mSources.push_back({names.postScriptName, pellwick::test::ChecksumOf(content), {}});
-        for (const char* extension : {".ttf", ".OTF", ""})
-            mSources.back().paths.push_back(world.Write("fonts/" + name + extension, content));
-    }
     size_t Random(size_t count) { return mRandom() % count; }
-    std::vector<std::string> SomeFonts(size_t most) {
-        std::vector<std::string> there;
-        for (const auto& [checksum, state] : known.fonts)
-            there.push_back(checksum);
-        std::shuffle(there.begin(), there.end(), mRandom);
-        there.resize(std::min(there.size(), 1 + Random(most)));
-        return there;
+    template <class Map>
+    std::string AnyOf(const Map& map) {
+        return std::next(map.begin(), static_cast<std::ptrdiff_t>(Random(map.size())))->first;
     }
-    Json IDsOf(const std::vector<std::string>& checksums) const {
+    std::set<std::string> SomeFonts() {
+        std::set<std::string> fonts;
+        for (size_t count = known.fonts.empty() ? 0 : 1 + Random(3); count > 0; --count)
+            fonts.insert(AnyOf(known.fonts));
+        return fonts;
+    }
+    Json IDsOf(const std::set<std::string>& names) const {
         Json numbers = Json::array();
-        for (const std::string& checksum : checksums)
-            numbers.push_back(ids.fonts.at(checksum));
+        for (const std::string& name : names)
+            numbers.push_back(ids.at(name));
         return numbers;
     }
 
     Request NextRequest() {
-        const size_t kind = Random(10);
-        if (kind < 2)
-            return Add(mSources[Random(12)], false);
-        if (kind < 6)
-            return ChangeFonts(kind);
-        return kind < 8 ? ChangeSets() : DisturbShared();
-    }
-    Request Add(const Source& source, bool isShared) {
-        return {
-            method::kAddFile,
-            {{"path", source.paths[Random(source.paths.size())]}},
-            [=](Library& library) {
-                if (!isShared)
-                    library.fonts.try_emplace(source.checksum);
-            },
-            [=, this](const Json& result) { ids.fonts[source.checksum] = result["fonts"][0]["DatabaseID"]; },
-            isShared};
+        const size_t kind = Random(8);
+        if (kind < 2) {
+            const std::string font = AnyOf(mSources);
+            Library after = known;
+            after.fonts.try_emplace(font);
+            return {method::kAddFile,
+                    {{"path", mSources[font][Random(3)]}},
+                    after,
+                    [=, this](const Json& result) { ids[font] = result["fonts"][0]["DatabaseID"]; }};
+        }
+        return kind < 6 ? ChangeFonts(kind) : ChangeSets();
     }
     Request ChangeFonts(size_t kind) {
-        const std::vector<std::string> fonts = SomeFonts(3);
+        const std::set<std::string> fonts = SomeFonts();
         const bool isOn = Random(2) == 0;
-        Json arguments{{"fonts", IDsOf(fonts)}};
+        const Json arguments{{"fonts", IDsOf(fonts)}, {"document", mName}};
+        Library after = known;
+        for (const std::string& font : fonts) {
+            if (kind == 2) {
+                after.fonts.erase(font);
+                for (auto& [name, members] : after.sets)
+                    members.erase(font);
+            } else {
+                (kind == 3 ? after.fonts[font].isUsers : after.fonts[font].isLeased) = isOn;
+            }
+        }
         if (kind == 2)
-            return {method::kRemoveFonts, arguments, [=](Library& library) {
-                        for (const std::string& font : fonts) {
-                            library.fonts.erase(font);
-                            for (auto& [name, members] : library.sets)
-                                members.erase(font);
-                        }
-                    }};
+            return {method::kRemoveFonts, arguments, after};
         if (kind == 3)
-            return {isOn ? method::kActivateForUser : method::kDeactivateForUser, arguments,
-                    [=](Library& library) {
-                        for (const std::string& font : fonts)
-                            library.fonts[font].isUsers = isOn;
-                    },
-                    [=](const Json& result) { EXPECT_TRUE(!isOn || result["failed"].empty()); }};
-        const bool isByName = isOn && fonts.size() == 1;
-        arguments["document"] = mName;
-        if (isByName)
-            arguments["fonts"] = {std::find_if(mSources.begin(), mSources.end(), [&](const Source& source) {
-                                      return source.checksum == fonts[0];
-                                  })->name};
-        return {isByName ? method::kActivateDocumentFonts
-                : isOn   ? method::kActivateFonts
-                         : method::kDeactivateFonts,
-                arguments,
-                [=](Library& library) {
-                    for (const std::string& font : fonts)
-                        library.fonts[font].isLeased = isOn;
-                },
-                [=](const Json& result) { EXPECT_TRUE(!isByName || result["matched"].size() == 1); }};
+            return {isOn ? method::kActivateForUser : method::kDeactivateForUser, arguments, after};
+        return {isOn ? method::kActivateFonts : method::kDeactivateFonts, arguments, after};
     }
     Request ChangeSets() {
         constexpr size_t kMostSets = 8;
         const size_t kind = known.sets.empty() ? 0 : known.sets.size() < kMostSets ? Random(5) : 2;
+        Library after = known;
         if (kind < 2) {
             const std::string name = mName + " " + std::to_string(++mSetNumber);
-            return {method::kCreateSet,
-                    {{"name", name}},
-                    [=](Library& library) { library.sets[name]; },
-                    [=, this](const Json& result) { ids.sets[name] = result[pellwick::member::kID]; }};
-        }
-        const auto set =
-            std::next(known.sets.begin(), static_cast<std::ptrdiff_t>(Random(known.sets.size())));
-        const std::string name = set->first;
-        if (kind == 2)
-            return {method::kDeleteSet, {{"set", ids.sets.at(name)}}, [=](Library& library) {
-                        library.sets.erase(name);
+            after.sets[name];
+            return {method::kCreateSet, {{"name", name}}, after, [=, this](const Json& result) {
+                        ids[name] = result[pellwick::member::kID];
                     }};
-        const std::vector<std::string> fonts = SomeFonts(5);
-        return {method::kAddFontsToSets,
-                {{"fonts", IDsOf(fonts)}, {"sets", {ids.sets.at(name)}}},
-                [=](Library& library) { library.sets[name].insert(fonts.begin(), fonts.end()); }};
-    }
-    /// What becomes of it depends on the others.
-    Request DisturbShared() {
-        const Source& source = mSources[12 + Random(4)];
-        const auto id = ids.fonts.find(source.checksum);
-        if (id == ids.fonts.end() || Random(2) == 0)
-            return Add(source, true);
-        const char* const methods[] = {method::kRemoveFonts, method::kActivateForUser, method::kActivateFonts,
-                                       method::kDeactivateForUser};
-        const char* const chosen = methods[Random(4)];
-        const Json arguments{{"fonts", {id->second}}, {"document", "shared"}};
-        if (chosen == method::kRemoveFonts)
-            ids.fonts.erase(id);
-        return {chosen, arguments, [](Library&) {}, [](const Json&) {}, true};
+        }
+        const std::string name = AnyOf(known.sets);
+        if (kind == 2) {
+            after.sets.erase(name);
+            return {method::kDeleteSet, {{"set", ids.at(name)}}, after};
+        }
+        const std::set<std::string> fonts = SomeFonts();
+        after.sets[name].insert(fonts.begin(), fonts.end());
+        return {method::kAddFontsToSets, {{"fonts", IDsOf(fonts)}, {"sets", {ids.at(name)}}}, after};
     }
 
     const std::string mName;
-    std::vector<Source> mSources;  ///< twelve of its own, then those that it shares
+    std::map<std::string, std::vector<std::string>> mSources;  ///< paths of the font's files, by its name
     std::mt19937 mRandom;
     int mSetNumber = 0;
 };
@@ -245,58 +183,45 @@ private:
 /// What the agent and its folders hold, seen from outside. Files go by their names.
 struct Observation {
     Library library;
-    LibraryIDs ids;
-    std::map<std::string, std::string> recorded;  ///< checksums
-    std::map<std::string, std::string> vault;     ///< paths
+    std::map<std::string, int64_t> ids;
+    std::map<std::string, std::string> recorded, vault;  ///< checksums
     std::set<std::string> active, links;
-
-    bool IsVaultAsRecorded() const {
-        return std::equal(recorded.begin(), recorded.end(), vault.begin(), vault.end(),
-                          [](const auto& left, const auto& right) { return left.first == right.first; });
-    }
 };
 
-std::vector<Json> AllFonts(AgentConnection& connection, Json arguments) {
-    std::vector<Json> fonts;
-    for (Json page; fonts.empty() || !page["fonts"].empty();) {
-        arguments["after"] = fonts.empty() ? Json(0) : fonts.back()[kGS_DatabaseIDKey];
-        EXPECT_EQ(connection.Call(method::kListFonts, arguments, page), CoreErrorCodes::kSuccess);
-        if (page["fonts"].empty())
-            break;
-        fonts.insert(fonts.end(), page["fonts"].begin(), page["fonts"].end());
-    }
-    return fonts;
+Json Ask(AgentConnection& connection, const char* method, const Json& arguments) {
+    Json result;
+    EXPECT_EQ(connection.Call(method, arguments, result), CoreErrorCodes::kSuccess) << method;
+    return result;
 }
 
 Observation Observe(const TestWorld& world) {
     Observation seen;
     AgentConnection connection(std::chrono::seconds(30));
-    const std::vector<Json> fonts = AllFonts(connection, Json::object());
-    Json states, sets;
-    EXPECT_EQ(connection.Call(method::kGetClientStates, {{"fonts", fonts}}, states),
-              CoreErrorCodes::kSuccess);
-    EXPECT_EQ(connection.Call(method::kListSets, Json::object(), sets), CoreErrorCodes::kSuccess);
+    const Json fonts = Ask(connection, method::kListFonts, {{"after", 0}})["fonts"];
+    const Json states = Ask(connection, method::kGetClientStates, {{"fonts", fonts}})["states"];
     for (size_t index = 0; index < fonts.size(); ++index) {
-        const std::string checksum = fonts[index][kGS_ChecksumKey];
-        const int state = fonts[index][kGS_ActivationStateKey];
-        const std::string name = platform::NamePart(fonts[index][kGS_PathKey].get<std::string>());
-        EXPECT_NE(state, kFontActivationState_Missing) << name;
-        seen.recorded[name] = checksum;
+        const Json& font = fonts[index];
+        const int state = font[kGS_ActivationStateKey];
+        const std::string file = platform::NamePart(font[kGS_PathKey].get<std::string>());
+        seen.recorded[file] = font[kGS_ChecksumKey];
         if (state == kFontActivationState_ActivatedByUser || state == kFontActivationState_ActivatedByPlugin)
-            seen.active.insert(name);
-        if (seen.ids.fonts.try_emplace(checksum, fonts[index][kGS_DatabaseIDKey].get<uint32_t>()).second)
-            seen.library.fonts[checksum] = {state == kFontActivationState_ActivatedByUser,
-                                            states["states"][index]["isActive"]};
+            seen.active.insert(file);
+        seen.ids[font[kGS_PostScriptNameKey]] = font[kGS_DatabaseIDKey];
+        seen.library.fonts[font[kGS_PostScriptNameKey]] = {state == kFontActivationState_ActivatedByUser,
+                                                           states[index]["isActive"]};
     }
-    for (const Json& set : sets["sets"]) {
+    const Json sets = Ask(connection, method::kListSets, Json::object())["sets"];
+    for (const Json& set : sets) {
         const std::string name = set[pellwick::member::kName];
-        seen.ids.sets[name] = set[pellwick::member::kID];
+        seen.ids[name] = set[pellwick::member::kID];
         seen.library.sets[name];
-        for (const Json& font : AllFonts(connection, {{"set", set[pellwick::member::kID]}}))
-            seen.library.sets[name].insert(font[kGS_ChecksumKey]);
+        const Json members =
+            Ask(connection, method::kListFonts, {{"after", 0}, {"set", seen.ids[name]}})["fonts"];
+        for (const Json& font : members)
+            seen.library.sets[name].insert(font[kGS_PostScriptNameKey]);
     }
-    for (const std::string& path : world.FilesBelow("data/Vantorix/Pellwick/vault"))
-        seen.vault[platform::NamePart(path)] = path;
+    for (const std::string& path : world.VaultFiles())
+        seen.vault[platform::NamePart(path)] = pellwick::test::ChecksumOf(pellwick::test::ContentOf(path));
     for (const std::string& path : world.ActiveFiles())
         seen.links.insert(platform::NamePart(path));
     return seen;
@@ -314,7 +239,7 @@ void WorkUntilKilled(TestWorld& world, std::vector<RandomClient>& clients, std::
 
 /// Perhaps first one that dies while it puts things right.
 void StartAgent(TestWorld& world, std::mt19937& random) {
-    if (random() % kRoundsPerKilledStart == 0) {
+    if (random() % 4 == 0) {
         TestProcess agent({PELLWICK_PROGRAM});
         SleepAtRandom(random);
         agent.Kill();
@@ -326,12 +251,7 @@ void StartAgent(TestWorld& world, std::mt19937& random) {
 /// That all is as it was answered to be, and records, vault and active files agree; the clients go on from it.
 void Check(const TestWorld& world, std::vector<RandomClient>& clients) {
     Observation seen;
-    EXPECT_TRUE(Eventually([&] { return (seen = Observe(world)).IsVaultAsRecorded(); }));
-    for (const auto& [name, path] : seen.vault) {
-        std::string content;
-        EXPECT_FALSE(platform::ReadWholeFile(path, content, 1 << 20));
-        EXPECT_EQ(pellwick::test::ChecksumOf(content), seen.recorded[name]) << name;
-    }
+    EXPECT_TRUE(Eventually([&] { return (seen = Observe(world)).recorded == seen.vault; }));
     EXPECT_EQ(seen.active, seen.links);
     const ProgramResult doctor = world.Run({"doctor", "--no-start"});
     EXPECT_EQ(doctor.status, 0) << doctor.errors;
