@@ -77,44 +77,31 @@ TEST(AwkwardNames, AreTakenAsTheyAreTyped) {
     HostWorld world;
     ASSERT_NO_FATAL_FAILURE(AddAwkwardFonts(world));
     const auto& fontManager = world.FontManager();
+    const auto ask = [&](const std::vector<std::string>& words) {
+        const auto result = fontManager.Run(words);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return json::parse(result.output, nullptr, false);
+    };
     for (const std::string& name : kAwkwardNames) {
-        auto result = fontManager.Run({"--json", "activate", "--", name});
-        ASSERT_EQ(result.status, 0) << name << result.errors;
-        EXPECT_THAT(NamesOf(json::parse(result.output)["fonts"]), ElementsAre(name));
+        EXPECT_THAT(NamesOf(ask({"--json", "activate", "--", name})["fonts"]), ElementsAre(name));
         if (name.front() != '-' || name == "-") {
-            const auto alone = fontManager.Run({"activate", name, "--json"});
-            EXPECT_THAT(NamesOf(json::parse(alone.output, nullptr, false)["fonts"]), ElementsAre(name));
+            EXPECT_THAT(NamesOf(ask({"activate", name, "--json"})["fonts"]), ElementsAre(name));
         }
-        result = fontManager.Run({"--json", "deactivate", "n", "--", name, "f"});
-        EXPECT_THAT(NamesOf(json::parse(result.output, nullptr, false)["fonts"]), ElementsAre("n", name, "f"))
-            << result.errors;
-        result = world.RunHost({"--json", "fonts", "--", name});
-        EXPECT_EQ(json::parse(result.output, nullptr, false)["file"], name) << result.errors;
-    }
-    const auto result = fontManager.Run({"activate", ""});
-    EXPECT_THAT(result.errors, HasSubstr("no font is called \"\""));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(fontManager.Run({"activate", "--", "-x", "[a,b]", "--no-start"}).status, 1)
-        << "behind the two hyphens there are no options";
-}
-
-TEST(AwkwardNames, AreTakenAsTheyAreTypedAsValuesOfOptions) {
-    HostWorld world;
-    const auto& fontManager = world.FontManager();
-    for (const std::string& name : kAwkwardNames) {
+        EXPECT_THAT(NamesOf(ask({"--json", "deactivate", "n", "--", name, "f"})["fonts"]),
+                    ElementsAre("n", name, "f"));
+        EXPECT_EQ(json::parse(world.RunHost({"--json", "fonts", "--", name}).output)["file"], name);
+        // As values of options.
         ASSERT_EQ(fontManager.Run({"workgroup", "create", "--", name}).status, 0) << name;
         ASSERT_EQ(fontManager.Run({"set", "create", "--workgroup=" + name, "--", name}).status, 0) << name;
-        const auto result = fontManager.Run({"--json", "set", "list", "--workgroup=" + name});
-        EXPECT_EQ(json::parse(result.output).at("sets").at(0).at("name"), name);
-        const auto made = fontManager.Run(
-            {"smartlist", "create", "--set=" + name, "--workgroup=" + name, "--", "list of " + name});
-        EXPECT_EQ(made.status, 0) << made.errors;
+        EXPECT_EQ(ask({"--json", "set", "list", "--workgroup=" + name})["sets"][0]["name"], name);
+        const auto list = fontManager.Run({"smartlist", "create", "--set=" + name, "--", "list of " + name});
+        EXPECT_EQ(list.status, 0) << list.errors;
     }
-    // An option without a text does not take the next word for it.
-    EXPECT_EQ(fontManager.Run({"set", "create", "--workgroup=", "[a,b]"}).status, 0);
-    const auto result = fontManager.Run({"activate", "x", "--json=[a,b]"});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_TRUE(IsHarmless(result.errors)) << result.errors;
+    EXPECT_THAT(fontManager.Run({"activate", ""}).errors, HasSubstr("no font is called \"\""));
+    EXPECT_EQ(fontManager.Run({"activate", "--", "-x", "[a,b]", "--no-start"}).status, 1)
+        << "behind the two hyphens there are no options";
+    EXPECT_EQ(fontManager.Run({"set", "create", "--workgroup=", "an option without a text"}).status, 0);
+    EXPECT_EQ(fontManager.Run({"activate", "x", "--json=[a,b]"}).status, 2);
 }
 
 TEST(AwkwardNames, DoNothingToATerminal) {
@@ -158,21 +145,15 @@ TEST(AwkwardNames, AreRefusedWhereTheyAreNew) {
         EXPECT_EQ(result.status, 1) << command[0];
         return result.errors;
     };
-    const std::string tooLong(1025, 'x');
-    for (const auto& words : std::vector<std::vector<std::string>>{
-             {"workgroup", "create"}, {"set", "create"}, {"smartlist", "create"}, {"login"}}) {
-        const auto with = [&](const std::string& name) {
-            std::vector<std::string> command = words;
-            command.push_back(name);
-            return command;
-        };
-        EXPECT_THAT(refusal(with("a\xE2\x80\xAE")), HasSubstr("type it without"));
-        EXPECT_THAT(refusal(with("a\n")), HasSubstr("type it without"));
-        EXPECT_THAT(refusal(with("a\xFF")), HasSubstr("UTF-8"));
-        EXPECT_THAT(refusal(with(tooLong)), HasSubstr("shorter"));
-        EXPECT_THAT(refusal(with(" \xC2\xA0")), HasSubstr("give the"));
-        EXPECT_EQ(fontManager.Run(with("字 ‍🙂")).status, 0);
+    for (const char* kind : {"workgroup", "set", "smartlist"}) {
+        const auto refuse = [&](const std::string& name) { return refusal({kind, "create", name}); };
+        EXPECT_THAT(refuse("a\xE2\x80\xAE"), HasSubstr("type it without"));
+        EXPECT_THAT(refuse("a\xFF"), HasSubstr("UTF-8"));
+        EXPECT_THAT(refuse(std::string(1025, 'x')), HasSubstr("shorter"));
+        EXPECT_THAT(refuse(" \xC2\xA0"), HasSubstr("give the"));
+        EXPECT_EQ(fontManager.Run({kind, "create", "字 ‍🙂"}).status, 0);
     }
+    EXPECT_THAT(refusal({"login", "a\n"}), HasSubstr("type it without"));
     EXPECT_THAT(refusal({"workgroup", "rename", "字 ‍🙂", "a\x9B"}), HasSubstr("UTF-8"));
     EXPECT_THAT(refusal({"smartlist", "rename", "字 ‍🙂", "a\x1B"}), HasSubstr("type it without"));
 }

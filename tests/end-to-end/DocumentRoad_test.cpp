@@ -3,11 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "HostWorld.h"
-#include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -20,18 +16,19 @@ protected:
     DocumentRoadTest() { world.AddFonts({"Sample-Bold", "Sample-Italic", "Sample-Light"}); }
 
     HostWorld world;
+    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
 };
 
 }  // namespace
 
 TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
-    const std::string document =
+    const std::string title =
         world.WriteDocument("Титул 字 🙂.pdf", {"Sample-Bold", "Sample-Italic", "Missing-Font"});
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
     ScriptedHost host;
     host.Start();
     host.SetPreference("CloseFontsOnDocClose", 1);
-    const json answer = host.Call("HandleOpenExistingDocument", {{"path", document}});
+    const json answer = host.Call("HandleOpenExistingDocument", {{"path", title}});
     EXPECT_EQ(answer["code"], 1);
     EXPECT_EQ(answer["out"]["numFontsActivated"], 2);
     EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Italic"));
@@ -45,19 +42,18 @@ TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
     ASSERT_EQ(unmatched.size(), 1u);
     EXPECT_EQ(unmatched[0]["PostScriptName"], "Missing-Font");
 
-    EXPECT_EQ(host.Call("HandleSaveDocument", {{"path", document}, {"hint", "Sample-Bold 12pt"}})["code"], 0);
-    EXPECT_EQ(host.Close(document), 0u);
+    EXPECT_EQ(host.Call("HandleSaveDocument", {{"path", title}, {"hint", "Sample-Bold 12pt"}})["code"], 0);
+    EXPECT_EQ(host.Close(title), 0u);
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
 }
 
 TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
     ScriptedHost host;
     host.Start();
     host.SetPreference("CloseFontsOnDocClose", 0);
     host.Open(document);
     host.Close(document);
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Light"));
     EXPECT_EQ(host.Call("TerminatePluginCoreInterface")["code"], 0);
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
     EXPECT_EQ(host.Finish().status, 0);
@@ -65,7 +61,6 @@ TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
 
 TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
     ASSERT_EQ(world.FontManager().Run({"activate", "Sample-Bold"}).status, 0);
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
     ScriptedHost host;
     host.Start();
     host.SetPreference("CloseFontsOnDocClose", 1);
@@ -75,7 +70,6 @@ TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
 }
 
 TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthers) {
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
     const std::string others = world.WriteDocument("others.ai", {"Sample-Light"});
     ScriptedHost other;
     other.Start();
@@ -90,32 +84,24 @@ TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthe
 }
 
 TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    {
-        ScriptedHost host;
+    const auto openAndReadLog = [this](ScriptedHost host) {
         host.Start();
         host.SetPreference("EnableLogging", 1);
         host.Open(document);
-    }
-    const std::string log = world.Path("data/Vantorix/Logs/Illustrator2025.log");
-    std::ostringstream silent;
-    silent << std::ifstream(platform::Utf8Path(log)).rdbuf();
-    EXPECT_THAT(silent.str(), testing::StartsWith("\n=======\n"));
-    EXPECT_THAT(silent.str(), testing::Not(HasSubstr("Entering"))) << "it counts from the next start on";
-    ScriptedHost host;
-    host.Start();
-    host.Open(document);
-    std::ostringstream text;
-    text << std::ifstream(platform::Utf8Path(log)).rdbuf();
-    EXPECT_THAT(text.str(),
-                HasSubstr("\nEntering PluginCoreInterface::HandleOpenExistingDocument('" + document));
-    EXPECT_THAT(text.str(), HasSubstr("\n CommonFunctionality::ActivateDocumentFontsSilently("))
+        return pellwick::test::ContentOf(world.Path("data/Vantorix/Logs/Illustrator2025.log"));
+    };
+    const std::string silent = openAndReadLog({});
+    EXPECT_THAT(silent, testing::StartsWith("\n=======\n"));
+    EXPECT_THAT(silent, testing::Not(HasSubstr("Entering"))) << "it counts from the next start on";
+    const std::string log = openAndReadLog({});
+    EXPECT_THAT(log, HasSubstr("\nEntering PluginCoreInterface::HandleOpenExistingDocument('" + document));
+    EXPECT_THAT(log, HasSubstr("\n CommonFunctionality::ActivateDocumentFontsSilently("))
         << "with its nesting";
 }
 
 TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {
-    const std::string document = world.WriteDocument("document.pdf", {"Sample-Bold", "Missing"});
-    const auto result = TestProcess({THIN_HOST_PROGRAM, document}).Finish();
+    const std::string pdf = world.WriteDocument("document.pdf", {"Sample-Bold", "Missing"});
+    const auto result = TestProcess({THIN_HOST_PROGRAM, pdf}).Finish();
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("1 fonts activated\n"));
     EXPECT_THAT(result.output, HasSubstr("missing: [{\"PostScriptName\":\"Missing\"}]"));

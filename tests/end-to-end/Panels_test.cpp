@@ -101,25 +101,19 @@ TEST_F(PanelTest, SurvivesTheLossOfTheAgent) {
 }
 
 TEST_F(PanelTest, IsToldWhichFontCannotBeActivated) {
+    const auto activate = [this](int font) {
+        return host.Panel(
+            {{"messageID", 8}, {"fontID", font}, {"postscriptName", "x"}, {"displayName", "x"}});
+    };
     world.FontManager().EmptyVault();
-    const std::vector<json> answers = host.Panel({{"messageID", 8},
-                                                  {"fontID", 3},
-                                                  {"postscriptName", "Other-Regular"},
-                                                  {"displayName", "Other Regular"}});
+    const std::vector<json> answers = activate(3);
     ASSERT_EQ(answers.size(), 2u) << json(answers);
     EXPECT_EQ(answers[0], (json{{"messageID", 46}, {"fontID", 3}, {"isConflictError", false}}));
     EXPECT_NE(answers[1]["returnCode"], 0);
     EXPECT_EQ(WaitFor(45)["fontIDs"], json({3}));
     ASSERT_EQ(Pellwick({"logout"}), 0);
-    EXPECT_EQ(host.Panel({{"messageID", 8},
-                          {"fontID", 1},
-                          {"postscriptName", "Sample-Bold"},
-                          {"displayName", "Sample Bold"}})
-                  .size(),
-              2u)
-        << "nobody is logged in";
-    const std::vector<json> unknown = host.Panel(
-        {{"messageID", 8}, {"fontID", 999}, {"postscriptName", "Gone"}, {"displayName", "Gone with it"}});
+    EXPECT_EQ(activate(1).size(), 2u) << "nobody is logged in";
+    const std::vector<json> unknown = activate(999);
     ASSERT_FALSE(unknown.empty());
     EXPECT_NE(unknown.back()["returnCode"], 0);
 }
@@ -148,6 +142,11 @@ TEST_F(PanelTest, HasTheFilesOfFontListsUntilItLetsGoOfThemOrTheHostQuits) {
     const std::string precious = world.FontManager().Write("tmp/font-list-mine.txt", "precious");
     EXPECT_THAT(host.Panel({{"messageID", 13}, {"filename", "file://" + precious}}), IsEmpty());
     EXPECT_TRUE(platform::IsExistingFile(precious)) << "it is nobody's font list";
+    const std::filesystem::path folder = platform::Utf8Path(world.Path("tmp"));
+    std::filesystem::rename(folder, platform::Utf8Path(world.Path("away")));
+    EXPECT_EQ(Ask({{"messageID", 40}, {"smartListID", 1}}), (json{{"messageID", 19}}))
+        << "no place for files";
+    std::filesystem::rename(platform::Utf8Path(world.Path("away")), folder);
     const std::string second = FontListPath(1);
     EXPECT_NE(second, path);
     EXPECT_TRUE(platform::IsExistingFile(path) && platform::IsExistingFile(second));
@@ -155,50 +154,31 @@ TEST_F(PanelTest, HasTheFilesOfFontListsUntilItLetsGoOfThemOrTheHostQuits) {
     EXPECT_FALSE(platform::IsExistingFile(path) || platform::IsExistingFile(second));
 }
 
-TEST_F(PanelTest, IsToldThatThereIsNoPlaceForFiles) {
-    ASSERT_EQ(Pellwick({"smartlist", "create", "Everything"}), 0);
-    std::filesystem::remove_all(platform::Utf8Path(world.Path("tmp")));
-    EXPECT_EQ(Ask({{"messageID", 40}, {"smartListID", 1}}), (json{{"messageID", 19}}));
-    std::filesystem::create_directories(platform::Utf8Path(world.Path("tmp")));
-    EXPECT_EQ(Ask({{"messageID", 40}, {"smartListID", 1}})["messageID"], 41);
-}
-
-TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnter) {
+TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
     TestProcess events({HOST_PROGRAM, "events"});
     // Activated and deactivated until it listens.
     std::string line;
     std::thread reader([&] { line = events.ReadLine(); });
-    const auto isHeard = [&] { return world.Trace().find("font 1 activated") != std::string::npos; };
     EXPECT_TRUE(Eventually([&] {
         world.FontManager().Run({"deactivate", "1"});
         world.FontManager().Run({"activate", "1"});
-        return isHeard();
+        return world.Trace().find("font 1 activated") != std::string::npos;
     }));
     reader.join();
-    const json message = json::parse(line);
-    EXPECT_EQ(message["fontIDs"], json({1})) << line;
+    EXPECT_EQ(json::parse(line)["fontIDs"], json({1})) << line;
     EXPECT_TRUE(line.starts_with(R"({"messageID":2)")) << "the text as it was sent: " << line;
     events.WriteLine("");
     const auto result = events.Finish();
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.errors, HasSubstr("Press Enter"));
     EXPECT_THAT(world.Trace(), HasSubstr("CloseAllFonts() returning 0")) << "the core was ended";
-}
-
-TEST(EventsCommand, EndsOnEnterAndWhenItsTimeIsOver) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
-    TestProcess events({HOST_PROGRAM, "events"});
-    events.WriteLine("");
-    EXPECT_EQ(events.Finish().status, 0);
-    const auto result = world.RunHost({"events", "--for", "0.1"});
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "");
+    const auto timed = world.RunHost({"events", "--for", "0.1"});
+    EXPECT_EQ(timed.status, 0) << timed.errors;
+    EXPECT_EQ(timed.output, "");
     EXPECT_EQ(world.RunHost({"events", "--for", "soon"}).status, 2);
     ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
-    std::filesystem::remove(
-        platform::Utf8Path(world.Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf")));
+    world.RemoveLaunchInformation();
     EXPECT_EQ(world.RunHost({"events", "--for", "0"}).status, 5);
 }

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <sstream>
 
 #include "CapturedTrace.h"
 #include "FakePlatform.h"
@@ -72,42 +73,20 @@ std::string TextLayer(const std::vector<std::string>& names) {
 
 /// A document of no sense: dictionaries, markers, halves of them, and what stands between them.
 std::string RandomDocument(std::mt19937_64& random) {
-    const std::vector<std::string> pieces = {"/FontName",
-                                             "/FontName /",
-                                             "/FontName/",
-                                             "/Font",
-                                             "+",
-                                             "/",
-                                             ">>",
-                                             ">",
-                                             "/FontSet [",
-                                             "/FontSet ",
-                                             "[",
-                                             "/Name (",
-                                             "/Name",
-                                             "\xFE\xFF",
-                                             "\xFE",
-                                             ")",
-                                             ") ",
-                                             "]",
-                                             ">> /0 << /1 << /0 [",
-                                             ">> /0 << /1",
-                                             " << /0 [",
-                                             "<< /99 /CoolTypeFont /0",
-                                             "<< /99 ",
-                                             "/0 (",
-                                             "] >>",
-                                             "\\",
-                                             " ",
-                                             "\xE9",
-                                             "Myriad-Roman",
-                                             "AdobeInvisFont",
-                                             "ABCDEF+",
-                                             std::string(150, '.'),
-                                             Descriptor("ABCDEF+MyriadPro-Regular"),
-                                             Descriptor("Times-Bold", "/"),
-                                             FontSet({"Arial", "AdobeInvisFont"}),
-                                             TextLayer({"Myriad-Roman", "Arial", "AdobeInvisFont"})};
+    std::vector<std::string> pieces{Descriptor("ABCDEF+MyriadPro-Regular"),
+                                    FontSet({"Arial", "AdobeInvisFont"}),
+                                    TextLayer({"Myriad-Roman", "Arial", "AdobeInvisFont"}),
+                                    Descriptor("Times-Bold", "/"),
+                                    std::string(150, '.'),
+                                    "\\"};
+    std::istringstream parts(
+        "/FontName|/FontName /|/FontName/|/Font|+|/|>>|>|/FontSet [|/FontSet |[|/Name "
+        "(|/Name|\xFE\xFF|\xFE|)|) |]|"
+        ">> /0 << /1 << /0 [|>> /0 << /1| << /0 [|<< /99 /CoolTypeFont /0|<< /99 |/0 (|] >>| "
+        "|\xE9|Myriad-Roman|"
+        "AdobeInvisFont|ABCDEF+");
+    for (std::string part; std::getline(parts, part, '|');)
+        pieces.push_back(part);
     std::string content;
     for (size_t count = random() % 60; count > 0; --count)
         content += pieces[random() % pieces.size()];
@@ -117,37 +96,30 @@ std::string RandomDocument(std::mt19937_64& random) {
 }  // namespace
 
 TEST_F(ExtractorTest, FindsTheNamesThatEachKindOfDocumentHas) {
-    const struct {
-        const char* file;
-        std::string content;
-        Names expected;
-    } cases[] = {
-        {"a.ai",
-         Descriptor("ABCDEF+ComicNeue-Bold") + Descriptor("Helvetica") +
-             Descriptor("GHIJKL+Arial-BoldMT", "/"),
-         {"Arial-BoldMT", "ComicNeue-Bold", "Helvetica"}},
-        {"a.pdf", "/FontName /Times\r\n\t /Flags >> /FontName /Two Words /x >>", {"Times", "Two Words"}},
-        {"a.pdf", "/FontName /NoEnd >> /Flags", {}},
-        {"a.pdf", std::string("/FontName /Caf\xE9x\0y /F >>", 24), {"Caféxy"}},
-        // The default font alone is no choice.
-        {"a.ait", Descriptor("AAAAAA+MyriadPro-Regular"), {}},
-        {"a.ai", Descriptor("MyriadPro-Regular") + Descriptor("Courier"), {"Courier", "MyriadPro-Regular"}},
-        // Escaped text is passed over; right at the start the byte before is not looked at.
-        {"a.ai", "xx\\/FontName /Escaped /F >> " + Descriptor("Real"), {"Real"}},
-        {"a.ai", "\\/FontName /AtOffsetOne /F >>", {"AtOffsetOne"}},
-        // The invisible font ends the list that it does not open.
-        {"a.psd", FontSet({"AdobeInvisFont", "One", "Two"}), {"One", "Two"}},
-        {"a.psb", FontSet({"One", "AdobeInvisFont", "Unused"}) + FontSet({"Three"}), {"One", "Three"}},
-        // The default font counts when the invisible one follows.
-        {"a.aep", TextLayer({"One", "Two"}), {"One", "Two"}},
-        {"a.aet", TextLayer({"Myriad-Roman", "One"}), {"One"}},
-        {"a.aepx", TextLayer({"Myriad-Roman", "One", "AdobeInvisFont", "Two"}), {"Myriad-Roman", "One"}},
-        {"a.aep", TextLayer({"One", "Myriad-Roman", "AdobeInvisFont"}), {"One"}},
-        {"a.aep", TextLayer({"AdobeInvisFont", "One"}) + TextLayer({"Two"}), {"Two"}},
-        {"a.ai", "", {}},
+    const auto expect = [this](const char* file, const std::string& content, const Names& names) {
+        EXPECT_EQ(Extract(file, content), names) << content;
     };
-    for (const auto& [file, content, expected] : cases)
-        EXPECT_EQ(Extract(file, content), expected) << file << ": " << content;
+    expect("a.ai", Descriptor("ABCDEF+Comic-Bold") + Descriptor("GHIJKL+Arial", "/"),
+           {"Arial", "Comic-Bold"});
+    expect("a.pdf", "/FontName /Times\r\n\t /Flags >> /FontName /Two Words /x >>", {"Times", "Two Words"});
+    expect("a.pdf", "/FontName /NoEnd >> /Flags", {});
+    expect("a.pdf", std::string("/FontName /Caf\xE9x\0y /F >>", 24), {"Caféxy"});
+    // The default font alone is no choice.
+    expect("a.ait", Descriptor("AAAAAA+MyriadPro-Regular"), {});
+    expect("a.ai", Descriptor("MyriadPro-Regular") + Descriptor("Courier"), {"Courier", "MyriadPro-Regular"});
+    // Escaped text is passed over; right at the start the byte before is not looked at.
+    expect("a.ai", "xx\\/FontName /Escaped /F >> " + Descriptor("Real"), {"Real"});
+    expect("a.ai", "\\/FontName /AtOffsetOne /F >>", {"AtOffsetOne"});
+    // The invisible font ends the list that it does not open.
+    expect("a.psd", FontSet({"AdobeInvisFont", "One", "Two"}), {"One", "Two"});
+    expect("a.psb", FontSet({"One", "AdobeInvisFont", "Unused"}) + FontSet({"Three"}), {"One", "Three"});
+    // The default font counts when the invisible one follows.
+    expect("a.aep", TextLayer({"One", "Two"}), {"One", "Two"});
+    expect("a.aet", TextLayer({"Myriad-Roman", "One"}), {"One"});
+    expect("a.aepx", TextLayer({"Myriad-Roman", "One", "AdobeInvisFont", "Two"}), {"Myriad-Roman", "One"});
+    expect("a.aep", TextLayer({"One", "Myriad-Roman", "AdobeInvisFont"}), {"One"});
+    expect("a.aep", TextLayer({"AdobeInvisFont", "One"}) + TextLayer({"Two"}), {"Two"});
+    expect("a.ai", "", {});
 }
 
 TEST_F(ExtractorTest, TheExtensionPicksTheKindExactly) {
