@@ -4,7 +4,6 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -98,169 +97,6 @@ FontLibrary& Library() {
     static FontLibrary library;
     return library;
 }
-
-/// An agent as it is for one input, without its loop. As the real one, it carries out a part of one client's
-/// command while the next part of another's is still to come.
-class AgentWorld {
-public:
-    /// Two hosts, of which the second is a process that is gone, and a command line.
-    static constexpr size_t kClients = 3;
-
-    AgentWorld() {
-        std::filesystem::remove_all(Library().places.dataFolder);
-        mManager = std::make_unique<FontManager>(Library().places);
-        mManager->settings.LogIn("Somebody");
-        for (const FontLibrary::Known& known : Library().known) {
-            WriteScratch(mManager->vault.PathOf(known.file), known.content);
-            for (const Font& font : mManager->fonts.FontsOfFile(mManager->fonts.Add(known.file, known.faces)))
-                mManager->workgroups.AddFont(mManager->DefaultWorkgroup().id, font.id);
-        }
-        const int32_t workgroup = mManager->workgroups.Create("Mine", kWorkgroupType_FontLibrary);
-        const int32_t set = mManager->sets.Create(workgroup, "Mine");
-        mManager->sets.AddFont(set, 1);
-        const int32_t list = mManager->smartLists.Create("Mine", {{}, {set}, {}});
-        mManager->smartLists.Create("Yours", {{workgroup}, {}, {list}});
-        const auto self = platform::CurrentProcessId();
-        const uint64_t startTime = platform::ProcessStartTime(self);
-        mCallers[0].client.process = mCallers[2].client.process = {self, startTime};
-        mCallers[1].client.process = {self, startTime + 1};
-        mCallers[0].client.isHost = mCallers[1].client.isHost = true;
-    }
-
-    /// Has the agent begin with a request. One that the client made before is finished first.
-    void Request(size_t client, const Json& request) {
-        Caller& caller = mCallers[client];
-        Finish(client);
-        caller.request = IntegerMember(request, "id");
-        Proceed(caller, [&](CommandContext& context) { return BeginRequest(context, request); });
-    }
-    /// The next part of the client's request, if there is one under way.
-    void GoOn(size_t client) {
-        Caller& caller = mCallers[client];
-        if (!caller.isAsking)
-            return;
-        const Deferral deferral = std::move(*caller.deferral);
-        Continuation rest;
-        try {
-            rest = deferral.work(Library().worker);
-        } catch (...) {
-            rest = [problem = std::current_exception()](CommandContext&) -> Json {
-                std::rethrow_exception(problem);
-            };
-        }
-        Proceed(caller, [&](CommandContext& context) { return ContinueRequest(context, rest); });
-    }
-    /// The client has taken the answer to its last request.
-    void Acknowledge(size_t client) {
-        if (!mCallers[client].isAsking)
-            mCallers[client].client.provisionalRequest = 0;
-    }
-    /// The client closes its connection and makes another; an answer that it has not taken is lost.
-    void Reconnect(size_t client) {
-        Finish(client);
-        LoseAnswer(mCallers[client]);
-        Client next;
-        next.process = mCallers[client].client.process;
-        next.isHost = mCallers[client].client.isHost;
-        mCallers[client].client = next;
-    }
-    /// The agent looks at the next file of the vault.
-    void CheckVault() { mCallers[kClients].isAsking ? GoOn(kClients) : RunOwn(CheckNextFile); }
-    /// The agent looks for processes that are gone.
-    void Sweep() { mManager->EndLeasesOfDeadProcesses(); }
-    /// A file of the vault is gone, or has another content of the same size.
-    void LoseFile(size_t number, bool isDamaged) {
-        const FontLibrary::Known& known = Library().known[number % Library().known.size()];
-        const std::string path = mManager->vault.PathOf(known.file);
-        if (!isDamaged)
-            std::filesystem::remove(path);
-        else if (std::filesystem::exists(path))
-            WriteScratch(path, std::string(known.content.size(), 'x'));
-    }
-    /// What is under way comes to its end; then the agent begins anew.
-    void Restart() {
-        for (size_t client = 0; client < kClients; ++client)
-            Reconnect(client);
-        Finish(kClients);
-        mManager->EndLeasesOfEarlierEra();
-        Sweep();
-        mManager->RepairActiveFonts();
-        const auto unknown = std::make_shared<std::vector<std::string>>(mManager->LookAroundVault().unknown);
-        RunOwn([&](CommandContext& context) { return TakeBack(context, unknown); });
-    }
-    /// Finishes what is under way and has the hosts end. Checks what then has to hold.
-    void End() {
-        for (size_t client = 0; client <= kClients; ++client)
-            Finish(client);
-        CheckDatabase();
-        Sweep();
-        for (const HostProcess& host : mManager->activations.Hosts())
-            Require(host == mCallers[0].client.process, "what is gone holds nothing");
-        CheckDatabase();
-    }
-
-private:
-    struct Caller {
-        Client client;
-        bool isAsking = false;
-        long long request = 0;
-        std::optional<Deferral> deferral;  ///< what is to be done next
-    };
-
-    void Finish(size_t client) {
-        while (mCallers[client].isAsking)
-            GoOn(client);
-    }
-    void RunOwn(const Continuation& command) {
-        Proceed(mCallers[kClients],
-                [&](CommandContext& context) { return ContinueRequest(context, command); });
-    }
-    template <class Step>
-    void Proceed(Caller& caller, const Step& step) {
-        Nobody audience;
-        CommandContext context{*mManager, caller.client, audience, caller.request};
-        caller.isAsking = true;
-        const std::optional<CommandAnswer> answer = step(context);
-        caller.deferral = std::move(context.deferral);
-        if (!answer)
-            return;
-        CheckAnswer(*answer, caller.request);
-        caller.isAsking = false;
-        if (answer->code != 0 && caller.client.provisionalRequest == caller.request)
-            LoseAnswer(caller);
-    }
-    void LoseAnswer(Caller& caller) {
-        const long long request = std::exchange(caller.client.provisionalRequest, 0);
-        if (request != 0)
-            mManager->UndoRequests(caller.client.process, request, request);
-    }
-    static void CheckAnswer(const CommandAnswer& answer, long long request) {
-        FrameBuffer buffer;
-        buffer.Append(answer.frame.data(), answer.frame.size());
-        const auto payload = buffer.Next();
-        const auto message = payload ? DecodeMessage(*payload) : std::nullopt;
-        Require(message && buffer.IsEmpty(), "an answer is one message");
-        Require(IntegerMember(*message, "id") == request &&
-                    IntegerMember(*message, "code") == static_cast<long long>(answer.code) &&
-                    message->contains("result"),
-                "an answer says what it answers");
-        Require((answer.code == 0) == answer.problem.empty(), "a failure, and nothing else, has a reason");
-        // Commands refuse what they cannot do: what comes from below them was not thought of.
-        for (const ErrorCode code : {CoreErrorCodes::kExceptionThrownError, CoreErrorCodes::kDatabaseError,
-                                     GSqliteDatabase::kConstraintViolation})
-            Require(answer.code != code, answer.problem.c_str());
-    }
-    void CheckDatabase() {
-        Require(!mManager->database.Prepare("PRAGMA foreign_key_check").Step(),
-                "records refer to what is there");
-        const ActiveFonts::Repairs repairs = mManager->RepairActiveFonts();
-        Require(repairs.problem.empty() && repairs.added == 0, "programs see what the records call active");
-        Require(repairs.removed == 0, "programs see nothing else");
-    }
-
-    std::unique_ptr<FontManager> mManager;
-    std::array<Caller, kClients + 1> mCallers;  ///< the last is the agent itself
-};
 
 /// Makes values out of an input.
 class ValueMaker {
@@ -357,64 +193,174 @@ Json InsideFolder(Json request) {
     return request;
 }
 
-Json MakeRequest(FuzzedDataProvider& input, long long& lastID) {
-    static constexpr const char* kMethods[] = {
+/// An agent as it is for one input, without its loop.
+class AgentWorld {
+public:
+    explicit AgentWorld(FuzzedDataProvider& input) : mInput(input), mValues(input) {
+        std::filesystem::remove_all(Library().places.dataFolder);
+        mManager = std::make_unique<FontManager>(Library().places);
+        mManager->settings.LogIn("Somebody");
+        for (const FontLibrary::Known& known : Library().known) {
+            WriteScratch(mManager->vault.PathOf(known.file), known.content);
+            for (const Font& font : mManager->fonts.FontsOfFile(mManager->fonts.Add(known.file, known.faces)))
+                mManager->workgroups.AddFont(mManager->DefaultWorkgroup().id, font.id);
+        }
+        const int32_t workgroup = mManager->workgroups.Create("Mine", kWorkgroupType_FontLibrary);
+        const int32_t set = mManager->sets.Create(workgroup, "Mine");
+        mManager->sets.AddFont(set, 1);
+        const int32_t list = mManager->smartLists.Create("Mine", {{}, {set}, {}});
+        mManager->smartLists.Create("Yours", {{workgroup}, {}, {list}});
+        const auto self = platform::CurrentProcessId();
+        const uint64_t startTime = platform::ProcessStartTime(self);
+        mClients[0].process = mClients[2].process = {self, startTime};
+        mClients[1].process = {self, startTime + 1};
+        mClients[0].isHost = mClients[1].isHost = true;
+    }
+
+    /// Something that happens to the agent. As on its loop, other steps come between the parts of a command:
+    /// `underWay` says of how many commands.
+    void TakeStep(size_t underWay = 0) {
+        const size_t client = (underWay == 0 ? mFirstClient = mInput.ConsumeIntegralInRange<size_t>(0, 2)
+                                             : mFirstClient + underWay) %
+                              std::size(mClients);
+        const int kind = mValues.UpTo(31);
+        if (kind == 0)
+            return Reconnect(client);
+        if (kind == 1)
+            mClients[client].provisionalRequest = 0;  // the answer is taken
+        else if (kind == 2)
+            mManager->EndLeasesOfDeadProcesses();
+        else if (kind == 3)
+            LoseFile();
+        else if (kind == 4 && underWay == 0)
+            RunOwn(CheckNextFile);
+        else if (kind == 5 && underWay == 0)
+            Restart();
+        else
+            Request(client, MakeRequest(), underWay);
+    }
+    /// A text in the place of a request.
+    void TakeText() {
+        if (const auto message = DecodeMessage(mInput.ConsumeRandomLengthString(4096)))
+            Request(0, InsideFolder(*message), 0);
+    }
+    /// Has the hosts end. Checks what then has to hold.
+    void End() {
+        CheckDatabase();
+        mManager->EndLeasesOfDeadProcesses();
+        for (const HostProcess& host : mManager->activations.Hosts())
+            Require(host == mClients[0].process, "what is gone holds nothing");
+        CheckDatabase();
+    }
+
+private:
+    Json MakeRequest() {
+        static constexpr const char* kMethods[] = {
 #define NAME_OF_METHOD(name, arguments, result) #name,
-        PELLWICK_METHODS(NAME_OF_METHOD)
+            PELLWICK_METHODS(NAME_OF_METHOD)
 #undef NAME_OF_METHOD
-    };
-    ValueMaker values(input);
-    const std::string method = input.PickValueInArray(kMethods);
-    Json arguments = Json::object();
-    for (const std::string_view name : FindMethod(method)->arguments.Names()) {
-        if (!name.empty() && values.UpTo(15) != 0)
-            arguments[std::string(name)] = values.For(name);
+        };
+        const std::string method = mInput.PickValueInArray(kMethods);
+        Json arguments = Json::object();
+        for (const std::string_view name : FindMethod(method)->arguments.Names()) {
+            if (!name.empty() && mValues.UpTo(15) != 0)
+                arguments[std::string(name)] = mValues.For(name);
+        }
+        Json request = {
+            {member::kID, ++mLastID}, {member::kMethod, method}, {member::kArguments, std::move(arguments)}};
+        if (const int change = mValues.UpTo(9); change == 0)
+            request["repeats"] = mLastID - 1;
+        else if (change == 1)
+            request[mInput.PickValueInArray({"id", "method", "args", "repeats"})] = mValues.Number();
+        Require(DecodeMessage(EncodeMessage(request).value().substr(4)) == request,
+                "a message arrives as it was sent");
+        return InsideFolder(request);
     }
-    Json request = {
-        {member::kID, ++lastID}, {member::kMethod, method}, {member::kArguments, std::move(arguments)}};
-    if (const int change = values.UpTo(9); change == 0)
-        request["repeats"] = lastID - 1;
-    else if (change == 1)
-        request[input.PickValueInArray({"id", "method", "args", "repeats"})] = values.Number();
-    Require(DecodeMessage(EncodeMessage(request).value().substr(4)) == request,
-            "a message arrives as it was sent");
-    return request;
-}
-
-void TakeStep(FuzzedDataProvider& input, AgentWorld& world, long long& lastID) {
-    const auto client = input.ConsumeIntegralInRange<size_t>(0, AgentWorld::kClients - 1);
-    switch (input.ConsumeIntegralInRange(0, 31)) {
-        case 0:
-            return world.GoOn(client);
-        case 1:
-            return world.Acknowledge(client);
-        case 2:
-            world.Reconnect(client);
-            if (input.ConsumeBool())  // as a host greets the agent
-                world.Request(
-                    client,
-                    {{"id", 0},
-                     {"method", method::kHello},
-                     {"args", {{"protocol", int{kProtocolVersion}}, {"taken", ValueMaker(input).Number()}}}});
-            return;
-        case 3:
-            return world.Sweep();
-        case 4:
-            return world.CheckVault();
-        case 5:
-            return world.LoseFile(input.ConsumeIntegral<uint8_t>(), input.ConsumeBool());
-        case 6:
-            return world.Restart();
-        default:
-            world.Request(client, InsideFolder(MakeRequest(input, lastID)));
+    void Request(size_t client, const Json& request, size_t underWay) {
+        CarryOut(mClients[client], IntegerMember(request, "id"), underWay,
+                 [&](CommandContext& context) { return BeginRequest(context, request); });
     }
-}
+    void RunOwn(const Continuation& command) {
+        Client own;
+        CarryOut(own, 0, 0, [&](CommandContext& context) { return ContinueRequest(context, command); });
+    }
+    template <class Begin>
+    void CarryOut(Client& client, long long request, size_t underWay, const Begin& begin) {
+        Nobody audience;
+        CommandContext context{*mManager, client, audience, request};
+        std::optional<CommandAnswer> answer = begin(context);
+        while (!answer) {
+            const Deferral deferral = *std::exchange(context.deferral, std::nullopt);
+            const Continuation rest = deferral.work(Library().worker);
+            if (underWay + 1 < std::size(mClients) && mInput.ConsumeBool())
+                TakeStep(underWay + 1);
+            answer = ContinueRequest(context, rest);
+        }
+        CheckAnswer(*answer, request);
+        if (answer->code != 0 && client.provisionalRequest == request)
+            LoseAnswer(client);
+    }
+    static void CheckAnswer(const CommandAnswer& answer, long long request) {
+        FrameBuffer buffer;
+        buffer.Append(answer.frame.data(), answer.frame.size());
+        const auto payload = buffer.Next();
+        const auto message = payload ? DecodeMessage(*payload) : std::nullopt;
+        Require(message && buffer.IsEmpty(), "an answer is one message");
+        Require(IntegerMember(*message, "id") == request &&
+                    IntegerMember(*message, "code") == static_cast<long long>(answer.code) &&
+                    message->contains("result"),
+                "an answer says what it answers");
+        Require((answer.code == 0) == answer.problem.empty(), "a failure, and nothing else, has a reason");
+        // Commands refuse what they cannot do: what comes from below them was not thought of.
+        for (const ErrorCode code : {CoreErrorCodes::kExceptionThrownError, CoreErrorCodes::kDatabaseError,
+                                     GSqliteDatabase::kConstraintViolation})
+            Require(answer.code != code, answer.problem.c_str());
+    }
+    void LoseAnswer(Client& client) {
+        if (const long long request = std::exchange(client.provisionalRequest, 0))
+            mManager->UndoRequests(client.process, request, request);
+    }
+    /// The client closes its connection and makes another; an answer that it has not taken is lost.
+    void Reconnect(size_t client) {
+        LoseAnswer(mClients[client]);
+        Client next;
+        next.process = mClients[client].process;
+        next.isHost = mClients[client].isHost;
+        mClients[client] = next;
+    }
+    /// A file of the vault is gone, or has another content of the same size.
+    void LoseFile() {
+        const FontLibrary::Known& known = Library().known[mInput.ConsumeBool() ? 1 : 0];
+        const std::string path = mManager->vault.PathOf(known.file);
+        if (mInput.ConsumeBool())
+            std::filesystem::remove(path);
+        else if (std::filesystem::exists(path))
+            WriteScratch(path, std::string(known.content.size(), 'x'));
+    }
+    void Restart() {
+        for (size_t client = 0; client < std::size(mClients); ++client)
+            Reconnect(client);
+        mManager->EndLeasesOfEarlierEra();
+        mManager->EndLeasesOfDeadProcesses();
+        mManager->RepairActiveFonts();
+        const auto unknown = std::make_shared<std::vector<std::string>>(mManager->LookAroundVault().unknown);
+        RunOwn([&](CommandContext& context) { return TakeBack(context, unknown); });
+    }
+    void CheckDatabase() {
+        Require(!mManager->database.Prepare("PRAGMA foreign_key_check").Step(),
+                "records refer to what is there");
+        const ActiveFonts::Repairs repairs = mManager->RepairActiveFonts();
+        Require(repairs.problem.empty() && repairs.added == 0 && repairs.removed == 0,
+                "programs see what the records call active, and nothing else");
+    }
 
-/// What is no request, or one that nobody would send.
-void TakeBytes(FuzzedDataProvider& input, AgentWorld& world) {
-    if (const auto message = DecodeMessage(input.ConsumeRandomLengthString(4096)))
-        world.Request(0, InsideFolder(*message));
-}
+    FuzzedDataProvider& mInput;
+    ValueMaker mValues;
+    std::unique_ptr<FontManager> mManager;
+    Client mClients[3];  ///< two hosts, of which the second is a process that is gone, and a command line
+    size_t mFirstClient = 0;
+    long long mLastID = 0;
+};
 
 }  // namespace
 
@@ -431,11 +377,10 @@ std::vector<std::string> Seeds() {
 
 void TryInput(const std::string& bytes) {
     FuzzedDataProvider input(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
-    AgentWorld world;
-    long long lastID = 0;
+    AgentWorld world(input);
     if (input.ConsumeIntegralInRange(0, 7) == 0)
-        TakeBytes(input, world);
+        world.TakeText();
     while (input.remaining_bytes() > 0)
-        TakeStep(input, world, lastID);
+        world.TakeStep();
     world.End();
 }

@@ -48,11 +48,10 @@ TEST_F(LocalSocketTest, TakesThePlaceOfADeadProcesssSocketAndOfNothingElse) {
     EXPECT_TRUE(mAcceptor.Listen(mAddress));
     EXPECT_TRUE(IsExistingFile(mFolder / "file"));
     fs::remove(mAddress);
-    {
-        LocalAcceptor dead(mLoop, [](LocalStream) {});
-        ASSERT_FALSE(dead.Listen(mAddress));
-        fs::rename(mAddress, mAddress + "2");
-    }
+    auto dead = std::make_unique<LocalAcceptor>(mLoop, [](LocalStream) {});
+    ASSERT_FALSE(dead->Listen(mAddress));
+    fs::rename(mAddress, mAddress + "2");
+    dead.reset();
     fs::rename(mAddress + "2", mAddress);
     EXPECT_FALSE(mAcceptor.Listen(mAddress));
     EXPECT_TRUE(IsReached());

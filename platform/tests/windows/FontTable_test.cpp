@@ -39,12 +39,8 @@ TEST_P(FontTableTest, AFontIsVisibleUntilItWasRemovedAsOftenAsItWasAdded) {
     EXPECT_FALSE(mTable.Remove(mPath));
     EXPECT_FALSE(IsVisible());
     EXPECT_FALSE(RemoveFile(mPath)) << "nothing holds the file any more";
-}
-
-TEST_P(FontTableTest, WhatIsNoFontIsNotTaken) {
+    EXPECT_FALSE(mTable.Add(mPath));
     EXPECT_FALSE(mTable.Add(mFolder.Write("text.ttf", "no font at all")));
-    EXPECT_FALSE(mTable.Add(mFolder / "absent.ttf"));
-    EXPECT_FALSE(mTable.IsFilledFromFolders());
 }
 
 }  // namespace

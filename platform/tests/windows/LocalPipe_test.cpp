@@ -89,30 +89,26 @@ TEST_F(LocalPipeTest, IsOpenToThisUserAlone) {
     CloseHandle(pipe);
 }
 
-TEST_F(LocalPipeTest, WaitsForAPlaceUntilTheDeadline) {
+TEST_F(LocalPipeTest, WaitsForAPlaceUntilTheDeadlineOrACancellation) {
     ForeignPipe busy(mAddress);
     const HANDLE first = busy.Connect();
     ASSERT_NE(first, INVALID_HANDLE_VALUE);
     EXPECT_EQ(Connect(200ms), asio::error::timed_out);
-    std::thread freeing([&] {
-        std::this_thread::sleep_for(100ms);
+    const auto connectWhile = [&](const std::function<void()>& change) {
+        std::thread changing([&] {
+            std::this_thread::sleep_for(100ms);
+            change();
+        });
+        const asio::error_code result = Connect(1h);
+        changing.join();
+        return result;
+    };
+    EXPECT_EQ(connectWhile([&] { mIsCancelled = true; }), asio::error::operation_aborted);
+    mIsCancelled = false;
+    EXPECT_FALSE(connectWhile([&] {
         CloseHandle(first);
         busy.FreePlace();
-    });
-    EXPECT_FALSE(Connect(30s));
-    freeing.join();
-}
-
-TEST_F(LocalPipeTest, GivesUpWaitingWhenItIsCancelled) {
-    ForeignPipe busy(mAddress);
-    const HANDLE first = busy.Connect();
-    std::thread cancelling([&] {
-        std::this_thread::sleep_for(100ms);
-        mIsCancelled = true;
-    });
-    EXPECT_EQ(Connect(1h), asio::error::operation_aborted);
-    cancelling.join();
-    CloseHandle(first);
+    }));
 }
 
 TEST_F(LocalPipeTest, ConnectsToPipesOfThisMachineAlone) {

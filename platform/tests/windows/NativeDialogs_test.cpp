@@ -87,9 +87,7 @@ TEST_F(NativeDialogsTest, AnOwnerThatIsGoneOrAnothersIsNone) {
     const HWND gone =
         CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
     DestroyWindow(gone);
-    const HWND others = FindWindowW(L"Shell_TrayWnd", nullptr);
-    ASSERT_NE(others, nullptr) << "the task bar, which every desktop has";
-    for (const HWND owner : {gone, others}) {
+    for (const HWND owner : {gone, FindWindowW(L"Shell_TrayWnd", nullptr)}) {
         const DialogDriver user([&](HWND dialog) {
             EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
             PressKey(dialog, VK_ESCAPE);
@@ -122,18 +120,16 @@ TEST_F(NativeDialogsTest, WhatFailsInADialogEndsItAndIsThrownBehindTheSystem) {
 }
 
 TEST_F(NativeDialogsTest, CheckBoxesComeBackAsTheyWereLeftUnlessTheUserGivesUp) {
-    const auto toggle = [](HWND dialog) {
-        EXPECT_EQ(TextOf(dialog), "Überschrift 字");
-        SendMessageW(FindControl(dialog, "Button", "Erste && einzige"), BM_CLICK, 0, 0);
-        EXPECT_EQ(FocusOf(dialog), FindControl(dialog, "Button", "Erste && einzige"));
-        PressTab(dialog);
-        PressKey(dialog, VK_SPACE);
-    };
     for (const bool isConfirmed : {false, true}) {
         Form form = FormWith(FormCheckBox{"Erste & einzige", false});
         form.controls.emplace_back(FormCheckBox{std::string(150, 'M') + " Zweite", true});
         const int answer = Show(form, [&](HWND dialog) {
-            toggle(dialog);
+            EXPECT_EQ(TextOf(dialog), "Überschrift 字");
+            const HWND first = FindControl(dialog, "Button", "Erste && einzige");
+            SendMessageW(first, BM_CLICK, 0, 0);
+            EXPECT_EQ(FocusOf(dialog), first);
+            PressTab(dialog);
+            PressKey(dialog, VK_SPACE);
             PressKey(dialog, isConfirmed ? VK_RETURN : VK_ESCAPE);
         });
         EXPECT_EQ(answer, isConfirmed ? 1 : kFormCancelled);
@@ -144,20 +140,22 @@ TEST_F(NativeDialogsTest, CheckBoxesComeBackAsTheyWereLeftUnlessTheUserGivesUp) 
 
 TEST_F(NativeDialogsTest, EveryWayToGiveUpAnswersTheSame) {
     Form form = FormWith(FormText{"Text"});
-    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Abbrechen && zurück"); }), kFormCancelled);
-    EXPECT_EQ(Show(form, [](HWND dialog) { PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); }),
-              kFormCancelled);
-    form.buttons.pop_back();
-    EXPECT_EQ(Show(form, [](HWND dialog) { PressKey(dialog, VK_ESCAPE); }), kFormCancelled)
-        << "also without a button for it";
+    const std::function<void(HWND)> ways[] = {
+        [](HWND dialog) { PressButton(dialog, "Abbrechen && zurück"); },
+        [](HWND dialog) { PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); },
+        [](HWND dialog) { PressKey(dialog, VK_ESCAPE); }};
+    for (const auto& giveUp : ways) {
+        if (&giveUp == &ways[2])
+            form.buttons.pop_back();  // also without a button for it
+        EXPECT_EQ(Show(form, giveUp), kFormCancelled);
+    }
 }
 
 TEST_F(NativeDialogsTest, AListBeginsWithItsSelectionAndADoubleClickConfirms) {
-    std::vector<std::string> names;
-    for (int number = 0; number < 40; ++number)
-        names.push_back("Größe 字 " + std::to_string(number));
+    std::vector<std::string> names(40, "Größe 字");
     names.push_back(std::string(300, 'W'));
     Form form = FormWith(FormList{names, 20});
+    std::optional<size_t>& selected = std::get<FormList>(form.controls[0]).selected;
     const auto chooseByDoubleClick = [&](HWND dialog) {
         const HWND list = FindControl(dialog, "ListBox");
         EXPECT_EQ(EntriesOf(list), names);
@@ -169,18 +167,17 @@ TEST_F(NativeDialogsTest, AListBeginsWithItsSelectionAndADoubleClickConfirms) {
                      reinterpret_cast<LPARAM>(list));
     };
     EXPECT_EQ(Show(form, chooseByDoubleClick), 1);
-    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, 3u);
-    std::get<FormList>(form.controls[0]).selected.reset();
+    EXPECT_EQ(selected, 3u);
+    selected.reset();
     EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "OK"); }), 1);
-    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, std::nullopt);
+    EXPECT_EQ(selected, std::nullopt);
+    selected = 0;
     const auto chooseByKeys = [](HWND dialog) {
-        PressKey(dialog, VK_DOWN);
-        PressKey(dialog, VK_DOWN);
-        PressKey(dialog, VK_RETURN);
+        for (const WORD key : {VK_DOWN, VK_DOWN, VK_RETURN})
+            PressKey(dialog, key);
     };
-    std::get<FormList>(form.controls[0]).selected = 0;
     EXPECT_EQ(Show(form, chooseByKeys), 1);
-    EXPECT_EQ(std::get<FormList>(form.controls[0]).selected, 2u);
+    EXPECT_EQ(selected, 2u);
 }
 
 TEST_F(NativeDialogsTest, ButtonsAmongTheControlsAnswerWithTheirNumbers) {
@@ -189,22 +186,11 @@ TEST_F(NativeDialogsTest, ButtonsAmongTheControlsAnswerWithTheirNumbers) {
     EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Info..."); }), 7);
     EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Schriften des Dokuments prüfen"); }), 5);
     const auto goToTheSecond = [](HWND dialog) {
-        PressTab(dialog);  // from OK, the default, to Cancel and around to the first
-        PressTab(dialog);
-        PressTab(dialog);
+        for (int step = 0; step < 3; ++step)
+            PressTab(dialog);  // from OK, the default, to Cancel and around to the first
         PressKey(dialog, VK_RETURN);
     };
     EXPECT_EQ(Show(form, goToTheSecond), 7) << "Enter presses the button that has the keyboard";
-}
-
-FormChoices ManyChoices() {
-    FormChoices choices;
-    for (int number = 0; number < 12; ++number)
-        choices.rows.push_back({"Garamond " + std::to_string(number) + " kann ersetzt werden durch:",
-                                {"Nicht ersetzen", "Arial (Familie, 2.1)", "Zapf"},
-                                0});
-    choices.rows[1] = {"Für Lost wurde kein Ersatz gefunden.", {}, 0};
-    return choices;
 }
 
 std::vector<HWND> DropDownsOf(HWND dialog) {
@@ -225,7 +211,11 @@ bool IsInView(HWND control) {
 }
 
 TEST_F(NativeDialogsTest, ChoicesScrollToWhereTheKeyboardIs) {
-    Form form = FormWith(ManyChoices());
+    FormChoices choices;
+    choices.rows.assign(
+        12, {"Garamond kann ersetzt werden durch:", {"Nicht ersetzen", "Arial (Familie, 2.1)", "Zapf"}, 0});
+    choices.rows[1] = {"Für Lost wurde kein Ersatz gefunden.", {}, 0};
+    Form form = FormWith(choices);
     const auto chooseLast = [](HWND dialog) {
         const std::vector<HWND> dropDowns = DropDownsOf(dialog);
         ASSERT_EQ(dropDowns.size(), 11u);

@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <future>
-#include <thread>
-
 #include "platform/Processes.h"
 #include "windows/DialogDriver.h"
 
@@ -14,7 +11,6 @@ namespace {
 
 using platform::WindowHandle;
 using platform::WindowInfo;
-using testing::HasSubstr;
 
 platform::Windowing& Windows() {
     return platform::SystemDefault<platform::Windowing>();
@@ -37,13 +33,6 @@ private:
     HWND mWindow;
 };
 
-void RegisterHostClass() {
-    WNDCLASSW host{};
-    host.lpfnWndProc = DefWindowProcW;
-    host.lpszClassName = kHostClass;
-    RegisterClassW(&host);
-}
-
 std::string TitleIn(const std::vector<WindowInfo>& windows, WindowHandle handle) {
     for (const WindowInfo& window : windows) {
         if (window.handle == handle)
@@ -53,7 +42,10 @@ std::string TitleIn(const std::vector<WindowInfo>& windows, WindowHandle handle)
 }
 
 TEST(Windowing, FindsTheHostsWindowsByClassAndTitleAtAnyDepth) {
-    RegisterHostClass();
+    WNDCLASSW host{};
+    host.lpfnWndProc = DefWindowProcW;
+    host.lpszClassName = kHostClass;
+    RegisterClassW(&host);
     EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), nullptr);
     const TestWindow top(kHostClass, L"Größe 字 😀", WS_OVERLAPPEDWINDOW, nullptr);
     const TestWindow child(L"STATIC", L"child", WS_CHILD, top.Get());
@@ -71,19 +63,6 @@ TEST(Windowing, FindsTheHostsWindowsByClassAndTitleAtAnyDepth) {
     EXPECT_TRUE(Windows().Descendants(nullptr).empty()) << "not those of the desktop";
 }
 
-TEST(Windowing, AWindowWhoseThreadIsBusyHoldsUpNobody) {
-    std::promise<HWND> made;
-    std::promise<void> end;
-    std::thread busy([&, isOver = end.get_future()]() {
-        const TestWindow window(L"STATIC", L"busy", WS_OVERLAPPEDWINDOW, nullptr);
-        made.set_value(window.Get());
-        isOver.wait();
-    });
-    EXPECT_EQ(TitleIn(Windows().TopLevelWindows(), made.get_future().get()), "busy");
-    end.set_value();
-    busy.join();
-}
-
 /// What the notice shows, and its window's extended style.
 std::pair<std::vector<std::string>, LONG_PTR> ShownNotice(const std::string& path, unsigned stringID) {
     std::pair<std::vector<std::string>, LONG_PTR> shown;
@@ -98,16 +77,13 @@ std::pair<std::vector<std::string>, LONG_PTR> ShownNotice(const std::string& pat
     return shown;
 }
 
-TEST(Windowing, ANoticeShowsTheTextOfAModuleAboveAllWindows) {
-    const std::string program = platform::SystemDefault<platform::Processes>().CurrentExecutablePath();
-    const auto [texts, style] = ShownNotice(program, 105);
+TEST(Windowing, ANoticeShowsTheTextOfAModuleOrItsNameAboveAllWindows) {
+    const auto [texts, style] =
+        ShownNotice(platform::SystemDefault<platform::Processes>().CurrentExecutablePath(), 105);
     EXPECT_THAT(texts, testing::Contains("Prüfung: это не работает."));
     EXPECT_NE(style & WS_EX_TOPMOST, 0) << "system-modal";
-}
-
-TEST(Windowing, ANoticeWithoutItsTextNamesTheModule) {
     EXPECT_THAT(ShownNotice("C:\\no ü\\library.dll", 105).first,
-                testing::Contains(HasSubstr("C:\\no ü\\library.dll\n\n")));
+                testing::Contains(testing::HasSubstr("C:\\no ü\\library.dll\n\n")));
     EXPECT_THAT(ShownNotice("", 105).first, testing::Contains(testing::Not("")));
 }
 

@@ -1,0 +1,80 @@
+// What files, programs and libraries are on Windows: shares and devices, rights, names of their own.
+#include <gtest/gtest.h>
+#include <windows.h>
+// After windows.h, which it needs.
+#include <aclapi.h>
+#include <sddl.h>
+
+#include <filesystem>
+
+#include "TemporaryFolder.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/Processes.h"
+#include "platform/Utf8Path.h"
+
+TEST(Paths, AShareIsARootBehindWhichFoldersAreMade) {
+    EXPECT_EQ(platform::AbsolutePath(R"(\\server\share\a\..\für)"), R"(\\server\share\für)");
+    EXPECT_EQ(platform::AbsolutePath("//server/share/./x"), R"(\\server\share\x)");
+    EXPECT_EQ(platform::FullPath(R"(\\server\share\x\)"), R"(\\server\share\x)");
+    EXPECT_EQ(platform::AbsolutePath(R"(\\?\C:\a\x)"), R"(\\?\C:\a\x)");
+    const TemporaryFolder folder;
+    for (const char* device : {R"(\\?\)", R"(\\.\)"}) {
+        const std::string made = platform::AbsolutePath(folder / (device[2] == '?' ? "a/字" : "b/c"));
+        EXPECT_FALSE(platform::MakeFolders(device + made));
+        EXPECT_TRUE(std::filesystem::is_directory(platform::Utf8Path(made)));
+    }
+}
+
+TEST(Rights, WhatIsWrittenIsClosedToEveryone) {
+    const TemporaryFolder folder;
+    ASSERT_FALSE(platform::WriteWholeFile(folder / "file", "x"));
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    char* text = nullptr;
+    GetNamedSecurityInfoW(platform::Utf8Path(folder / "file").c_str(), SE_FILE_OBJECT,
+                          DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr, &descriptor);
+    ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, SDDL_REVISION_1,
+                                                         DACL_SECURITY_INFORMATION, &text, nullptr);
+    const std::string rights = text != nullptr ? text : "";
+    LocalFree(text);
+    LocalFree(descriptor);
+    EXPECT_NE(rights.find("(A;"), std::string::npos) << rights;
+    for (const char* others : {";WD)", ";BU)"})
+        EXPECT_EQ(rights.find(others), std::string::npos) << rights;
+}
+
+TEST(Devices, AreNoFiles) {
+    platform::ReadOnlyFile file;
+    const std::string name = R"(\\.\pipe\plugincore-test-)" + std::to_string(GetCurrentProcessId());
+    HANDLE pipe = CreateNamedPipeA(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 0, 0, 0, nullptr);
+    ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+    for (const std::string& path : {name, std::string("NUL"), std::string(".")})
+        EXPECT_TRUE(file.Open(path)) << path;
+    CloseHandle(pipe);
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(platform::IsExistingFile("."));
+}
+
+TEST(Programs, AProgramHasTheNameOfItsFileAndWorksInItsFolder) {
+    const TemporaryFolder folder;
+    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, folder / "Photoshop.exe"));
+    const std::string program = platform::AbsolutePath(folder / "PHOTOshop.EXE");
+    platform::SystemError error;
+    const auto child = platform::Current<platform::Processes>().Launch(
+        program, "\"" + program + "\" tell \"" + folder / "told" + "\"", error);
+    ASSERT_TRUE(child);
+    child->WaitUntilIdle(std::chrono::seconds(10));
+    std::string told;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "told", told, 1000));
+    EXPECT_EQ(told, "Photoshop|" + platform::AbsolutePath(platform::Utf8Text(folder.Path())));
+}
+
+TEST(Libraries, AModuleThatIsKeptOutlivesItsLoaders) {
+    constexpr wchar_t kLibrary[] = L"msimg32.dll";
+    ASSERT_EQ(GetModuleHandleW(kLibrary), nullptr) << "something else has it loaded";
+    HMODULE library = LoadLibraryW(kLibrary);
+    platform::KeepModuleLoaded(library);
+    FreeLibrary(library);
+    EXPECT_EQ(GetModuleHandleW(kLibrary), library);
+}
