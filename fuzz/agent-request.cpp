@@ -291,7 +291,14 @@ private:
         std::optional<CommandAnswer> answer = begin(context);
         while (!answer) {
             const Deferral deferral = *std::exchange(context.deferral, std::nullopt);
-            const Continuation rest = deferral.work(Library().worker);
+            Continuation rest;
+            try {
+                rest = deferral.work(Library().worker);
+            } catch (...) {  // as a lane hands it on
+                rest = [problem = std::current_exception()](CommandContext&) -> Json {
+                    std::rethrow_exception(problem);
+                };
+            }
             if (underWay + 1 < std::size(mClients) && mInput.ConsumeBool())
                 TakeStep(underWay + 1);
             answer = ContinueRequest(context, rest);

@@ -66,7 +66,6 @@ public:
         mPlan->lasts = fault.lasts;
         mPlan->count = 0;
         mPlan->failedCalls = 0;
-        mPlan->keptFile = false;
         mPlan->where[0] = '\0';
         mPlan->kind = at != 0 ? fault.kind : FaultPlan::kNothing;
     }
@@ -78,7 +77,6 @@ public:
 
     int Count() const { return mCount; }
     bool HasHappened() const { return mPlan->failedCalls != 0; }
-    bool HasKeptFile() const { return mPlan->keptFile; }
     /// The call and its file.
     std::string Where() const { return mPlan->where; }
 

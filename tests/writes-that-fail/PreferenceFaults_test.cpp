@@ -112,7 +112,7 @@ protected:
                     ContentOf(mPath + ".damaged-1") == kDamaged);
         if (answer.empty())
             StartHost();
-        else if (!mFaults.HasKeptFile())
+        else
             ExpectNoOtherFiles();
         ExpectToGoOn(3);
         StartHost();

@@ -4,8 +4,9 @@
 //   FAILING_WRITES_BELOW   the folder, a full path without symbolic links
 //   FAILING_WRITES_PLAN    the file that holds the FaultPlan
 //
-// Counted are the calls that need room, flush, rename, link, make or remove. What only opens an existing file
-// is not: it changes nothing. Sockets, pipes and standard streams stand in no folder and always work.
+// Counted are the calls that need room, flush, rename, link, make or remove; those that remove never fail. What only
+// opens an existing file is not: it changes nothing. Sockets, pipes and standard streams stand in no folder and always
+// work.
 #include "FaultPlan.h"
 
 #include <dlfcn.h>
@@ -72,14 +73,12 @@ Verdict Judge(const char* call, const std::string& path) {
     const int kind = plan.kind;
     const bool isRemoval = call == std::string_view("unlink") || call == std::string_view("remove");
     const bool isMeant = plan.lasts ? number >= plan.at : number == plan.at;
-    if (kind == FaultPlan::kNothing || !isMeant || (kind == FaultPlan::kDiskFull && isRemoval))
+    if (kind == FaultPlan::kNothing || !isMeant || (isRemoval && kind != FaultPlan::kKill))
         return Verdict::kGoOn;
     if (++plan.failedCalls == 1)
         std::snprintf(plan.where, sizeof plan.where, "%s %s", call, path.c_str());
     if (kind == FaultPlan::kKill)
         return Verdict::kDieAfter;
-    if (isRemoval)
-        plan.keptFile = true;
     errno = kind == FaultPlan::kDiskFull ? ENOSPC : EIO;
     return Verdict::kFail;
 }

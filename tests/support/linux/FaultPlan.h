@@ -12,6 +12,5 @@ struct FaultPlan {
     std::atomic<bool> lasts;       ///< and to every later one
     std::atomic<int> count;        ///< calls so far
     std::atomic<int> failedCalls;  ///< those that it happened to
-    std::atomic<bool> keptFile;    ///< one of them was to remove a file
     char where[512];               ///< the first of them, and its file
 };
