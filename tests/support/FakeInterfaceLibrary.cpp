@@ -26,14 +26,28 @@ ErrorCode Answer(const char* symbol) {
     return code;
 }
 
+/// A dictionary of keys and values, one after the other.
+template <class... Rest>
+CFRef<CFMutableDictionaryRef> Record(const Rest&... keysAndValues) {
+    CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
+    const auto set = [&](const auto& self, const char* key, const auto& value, const auto&... rest) {
+        cf::Set(record, key, value);
+        if constexpr (sizeof...(rest) > 0)
+            self(self, rest...);
+    };
+    set(set, keysAndValues...);
+    return record;
+}
+
+CFDictionaryRef NewRecord(const CFRef<CFMutableDictionaryRef>& record) {
+    return CFRef<CFDictionaryRef>(record).release();
+}
+
 void AppendFonts(CFMutableArrayRef fonts, int64_t activationState) {
     for (const auto& [databaseID, name] : current->fonts) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_PostScriptNameKey, name);
-        cf::Set(font, kGS_DatabaseIDKey, databaseID);
-        cf::Set(font, kGS_ActivationStateKey, activationState);
-        cf::Set(font, kGS_FontKindKey, "OpenType - TT");
-        cf::Set(font, kGS_LocationKey, current->remoteFonts.contains(databaseID) ? 0 : 1);
+        const auto font = Record(kGS_PostScriptNameKey, name, kGS_DatabaseIDKey, databaseID,
+                                 kGS_ActivationStateKey, activationState, kGS_FontKindKey, "OpenType - TT",
+                                 kGS_LocationKey, current->remoteFonts.contains(databaseID) ? 0 : 1);
         if (current->fontVersions.contains(databaseID))
             cf::Set(font, kGS_VersionKey, current->fontVersions[databaseID]);
         if (fonts != nullptr)
@@ -43,15 +57,10 @@ void AppendFonts(CFMutableArrayRef fonts, int64_t activationState) {
 
 void AppendUnmatchedFonts(CFMutableArrayRef fonts) {
     for (const std::string& name : current->unmatchedFonts) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_PostScriptNameKey, name);
-        if (current->replacementID != 0) {
-            const CFRef<CFMutableDictionaryRef> replacement = cf::MutableDictionary();
-            cf::Set(replacement, kGS_DatabaseIDKey, current->replacementID);
-            const CFRef<CFMutableDictionaryRef> replacements = cf::MutableDictionary();
-            cf::Set(replacements, "Replacement", replacement);
-            cf::Set(font, kGS_PossibleReplacementsKey, replacements);
-        }
+        const auto font = Record(kGS_PostScriptNameKey, name);
+        if (current->replacementID != 0)
+            cf::Set(font, kGS_PossibleReplacementsKey,
+                    Record("Replacement", Record(kGS_DatabaseIDKey, current->replacementID)));
         cf::Append(fonts, font);
     }
 }
@@ -118,13 +127,9 @@ void Perform(Symbol<kIndexOfGetClientFontActivationStates>, PluginFacadeRef, CFA
         CFDictionarySetValue(states, cf::Number(databaseID).get(), cf::Bool(isActive));
 }
 void Perform(Symbol<kIndexOfGetAllWorkgroupsForUser>, PluginFacadeRef, CFMutableArrayRef workgroups) {
-    for (const auto& [id, type, name] : current->workgroups) {
-        const CFRef<CFMutableDictionaryRef> workgroup = cf::MutableDictionary();
-        cf::Set(workgroup, kGS_WorkgroupIDKey, id);
-        cf::Set(workgroup, kGS_WorkgroupTypeKey, type);
-        cf::Set(workgroup, kGS_WorkgroupNameKey, name);
-        cf::Append(workgroups, workgroup);
-    }
+    for (const auto& [id, type, name] : current->workgroups)
+        cf::Append(workgroups,
+                   Record(kGS_WorkgroupIDKey, id, kGS_WorkgroupTypeKey, type, kGS_WorkgroupNameKey, name));
 }
 void Perform(Symbol<kIndexOfCreateTopLevelSet>, PluginFacadeRef, CFStringRef name, int32_t workgroupID,
              int32_t* outSetID) {
@@ -160,17 +165,12 @@ void Perform(Symbol<kIndexOfGetCurrentReplicationMode>, PluginFacadeRef, int32_t
     *outMode = current->replicationMode;
 }
 void Perform(Symbol<kIndexOfGetFontInfoByID>, PluginFacadeRef, uint32_t fontID, CFDictionaryRef* outNewFont) {
-    const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-    cf::Set(font, kGS_DatabaseIDKey, fontID);
-    *outNewFont = CFRef<CFDictionaryRef>(font).release();
+    *outNewFont = NewRecord(Record(kGS_DatabaseIDKey, fontID));
 }
 void Perform(Symbol<kIndexOfGetFontConflicts>, PluginFacadeRef, CFArrayRef,
              CFMutableArrayRef conflictingFonts) {
-    for (const int64_t databaseID : current->conflictingFonts) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, databaseID);
-        cf::Append(conflictingFonts, font);
-    }
+    for (const int64_t databaseID : current->conflictingFonts)
+        cf::Append(conflictingFonts, Record(kGS_DatabaseIDKey, databaseID));
 }
 void Perform(Symbol<kIndexOfCreateSmartList>, PluginFacadeRef, CFStringRef, CFArrayRef, CFArrayRef,
              CFArrayRef, int32_t* outSmartListID) {
@@ -179,25 +179,16 @@ void Perform(Symbol<kIndexOfCreateSmartList>, PluginFacadeRef, CFStringRef, CFAr
 void Perform(Symbol<kIndexOfGetSmartList>, PluginFacadeRef, int32_t smartListID,
              CFDictionaryRef* outNewSmartList) {
     for (const auto& list : current->smartLists) {
-        if (list.id != smartListID)
-            continue;
-        const CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
-        cf::Set(record, kGS_SmartListIDKey, list.id);
-        cf::Set(record, kGS_SmartListNameKey, list.name);
-        cf::Set(record, kGS_WorkgroupIDsKey, Numbers(list.workgroupIDs));
-        cf::Set(record, kGS_SetIDsKey, Numbers(list.setIDs));
-        cf::Set(record, kGS_SmartSetIDsKey, Numbers(list.smartSetIDs));
-        cf::Set(record, kGS_ListDefinitionKey, list.definition);
-        *outNewSmartList = CFRef<CFDictionaryRef>(record).release();
+        if (list.id == smartListID)
+            *outNewSmartList = NewRecord(
+                Record(kGS_SmartListIDKey, list.id, kGS_SmartListNameKey, list.name, kGS_WorkgroupIDsKey,
+                       Numbers(list.workgroupIDs), kGS_SetIDsKey, Numbers(list.setIDs), kGS_SmartSetIDsKey,
+                       Numbers(list.smartSetIDs), kGS_ListDefinitionKey, list.definition));
     }
 }
 void Perform(Symbol<kIndexOfGetAllSmartLists>, PluginFacadeRef, CFMutableArrayRef smartLists) {
-    for (const auto& list : current->smartLists) {
-        const CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
-        cf::Set(record, kGS_SmartListIDKey, list.id);
-        cf::Set(record, kGS_SmartListNameKey, list.name);
-        cf::Append(smartLists, record);
-    }
+    for (const auto& list : current->smartLists)
+        cf::Append(smartLists, Record(kGS_SmartListIDKey, list.id, kGS_SmartListNameKey, list.name));
 }
 void Perform(Symbol<kIndexOfGetSmartListFonts>, PluginFacadeRef, int32_t, CFMutableArrayRef fonts) {
     for (const auto& font : current->smartListFonts)
