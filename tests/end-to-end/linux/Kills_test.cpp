@@ -3,10 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -14,7 +12,6 @@
 #include <set>
 #include <thread>
 
-#include "TestFonts.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Environment.h"
@@ -34,40 +31,24 @@ void SleepAtRandom(std::mt19937& random) {
     std::this_thread::sleep_for(std::chrono::microseconds(random() % kLatestKill));
 }
 
-/// Whether a font is active for the user, and for a document of this process.
-struct FontState {
-    bool isUsers = false;
-    bool isLeased = false;
-
-    bool operator==(const FontState&) const = default;
-};
-
-/// Fonts by their PostScript names, and the fonts in sets.
-struct Library {
-    std::map<std::string, FontState> fonts;
-    std::map<std::string, std::set<std::string>> sets;
-
-    bool operator==(const Library&) const = default;
-};
+/// Which fonts there are, by their PostScript names, and whether they are active for the user.
+using Library = std::map<std::string, bool>;
 
 /// What one client asks the agent for.
 struct Request {
     const char* method;
     Json arguments;
     Library after;  ///< what is the case when it was carried out
-    std::function<void(const Json& result)> learn = [](const Json&) {};
 };
 
-/// Does one thing after the other at random with fonts and sets of its own, whose names begin with its own.
+/// Does one thing after the other at random with fonts of its own, whose names begin with its own.
 class RandomClient {
 public:
     RandomClient(const TestWorld& world, const std::string& name, unsigned seed)
         : mName(name), mRandom(seed) {
         for (int number = 0; number < 12; ++number) {
             const std::string family = name + std::to_string(number);
-            const std::string font = MakeTestFont({family + "-Bold", family, "Bold"});
-            for (const char* extension : {".ttf", ".OTF", ""})  // files of the same content
-                mSources[family + "-Bold"].push_back(world.Write("fonts/" + family + extension, font));
+            mFiles[family + "-Bold"] = world.WriteFont(family + "-Bold");
         }
     }
 
@@ -84,100 +65,55 @@ public:
             }
             EXPECT_EQ(code, 0u) << request.method << pellwick::FailureText(code, result);
             known = std::move(request.after);
-            request.learn(result);
+            if (request.method == method::kAddFile)
+                ids[result["fonts"][0][kGS_PostScriptNameKey]] = result["fonts"][0][kGS_DatabaseIDKey];
             ++done;
         }
     }
     /// Those of its own.
     Library Part(Library library) const {
-        const auto isOthers = [this](const auto& each) { return !each.first.starts_with(mName); };
-        std::erase_if(library.fonts, isOthers);
-        std::erase_if(library.sets, isOthers);
+        std::erase_if(library, [this](const auto& font) { return !font.first.starts_with(mName); });
         return library;
     }
 
     Library known;                   ///< by what was answered
     std::optional<Library> perhaps;  ///< the case if the last request, which got no answer, was carried out
-    std::map<std::string, int64_t> ids;  ///< what the agent calls fonts and sets
+    std::map<std::string, int64_t> ids;  ///< what the agent calls the fonts
     int done = 0;
 
 private:
-    size_t Random(size_t count) { return mRandom() % count; }
     template <class Map>
     std::string AnyOf(const Map& map) {
-        return std::next(map.begin(), static_cast<std::ptrdiff_t>(Random(map.size())))->first;
+        return std::next(map.begin(), static_cast<std::ptrdiff_t>(mRandom() % map.size()))->first;
     }
-    std::set<std::string> SomeFonts() {
-        std::set<std::string> fonts;
-        for (size_t count = known.fonts.empty() ? 0 : 1 + Random(3); count > 0; --count)
-            fonts.insert(AnyOf(known.fonts));
-        return fonts;
-    }
-    Json IDsOf(const std::set<std::string>& names) const {
-        Json numbers = Json::array();
-        for (const std::string& name : names)
-            numbers.push_back(ids.at(name));
-        return numbers;
-    }
-
     Request NextRequest() {
-        const size_t kind = Random(8);
-        if (kind < 2) {
-            const std::string font = AnyOf(mSources);
-            Library after = known;
-            after.fonts.try_emplace(font);
-            return {method::kAddFile,
-                    {{"path", mSources[font][Random(3)]}},
-                    after,
-                    [=, this](const Json& result) { ids[font] = result["fonts"][0]["DatabaseID"]; }};
-        }
-        return kind < 6 ? ChangeFonts(kind) : ChangeSets();
-    }
-    Request ChangeFonts(size_t kind) {
-        const std::set<std::string> fonts = SomeFonts();
-        const bool isOn = Random(2) == 0;
-        const Json arguments{{"fonts", IDsOf(fonts)}, {"document", mName}};
         Library after = known;
+        const size_t kind = mRandom() % 8;
+        if (kind < 3 || known.empty()) {
+            const std::string font = AnyOf(mFiles);
+            after.try_emplace(font);
+            return {method::kAddFile, {{"path", mFiles[font]}}, after};
+        }
+        std::set<std::string> fonts;
+        for (size_t count = 1 + mRandom() % 3; count > 0; --count)
+            fonts.insert(AnyOf(known));
+        Json numbers = Json::array();
         for (const std::string& font : fonts) {
-            if (kind == 2) {
-                after.fonts.erase(font);
-                for (auto& [name, members] : after.sets)
-                    members.erase(font);
-            } else {
-                (kind == 3 ? after.fonts[font].isUsers : after.fonts[font].isLeased) = isOn;
-            }
+            numbers.push_back(ids.at(font));
+            if (kind == 3)
+                after.erase(font);
+            else
+                after[font] = kind < 6;
         }
-        if (kind == 2)
-            return {method::kRemoveFonts, arguments, after};
-        if (kind == 3)
-            return {isOn ? method::kActivateForUser : method::kDeactivateForUser, arguments, after};
-        return {isOn ? method::kActivateFonts : method::kDeactivateFonts, arguments, after};
-    }
-    Request ChangeSets() {
-        constexpr size_t kMostSets = 8;
-        const size_t kind = known.sets.empty() ? 0 : known.sets.size() < kMostSets ? Random(5) : 2;
-        Library after = known;
-        if (kind < 2) {
-            const std::string name = mName + " " + std::to_string(++mSetNumber);
-            after.sets[name];
-            return {method::kCreateSet, {{"name", name}}, after, [=, this](const Json& result) {
-                        ids[name] = result[pellwick::member::kID];
-                    }};
-        }
-        const std::string name = AnyOf(known.sets);
-        if (kind == 2) {
-            after.sets.erase(name);
-            return {method::kDeleteSet, {{"set", ids.at(name)}}, after};
-        }
-        const std::set<std::string> fonts = SomeFonts();
-        after.sets[name].insert(fonts.begin(), fonts.end());
-        return {method::kAddFontsToSets, {{"fonts", IDsOf(fonts)}, {"sets", {ids.at(name)}}}, after};
+        const char* const changed = kind == 3  ? method::kRemoveFonts
+                                    : kind < 6 ? method::kActivateForUser
+                                               : method::kDeactivateForUser;
+        return {changed, {{"fonts", numbers}}, after};
     }
 
     const std::string mName;
-    std::map<std::string, std::vector<std::string>> mSources;  ///< paths of the font's files, by its name
+    std::map<std::string, std::string> mFiles;
     std::mt19937 mRandom;
-    int mSetNumber = 0;
 };
 
 /// What the agent and its folders hold, seen from outside. Files go by their names.
@@ -188,37 +124,18 @@ struct Observation {
     std::set<std::string> active, links;
 };
 
-Json Ask(AgentConnection& connection, const char* method, const Json& arguments) {
-    Json result;
-    EXPECT_EQ(connection.Call(method, arguments, result), CoreErrorCodes::kSuccess) << method;
-    return result;
-}
-
 Observation Observe(const TestWorld& world) {
     Observation seen;
-    AgentConnection connection(std::chrono::seconds(30));
-    const Json fonts = Ask(connection, method::kListFonts, {{"after", 0}})["fonts"];
-    const Json states = Ask(connection, method::kGetClientStates, {{"fonts", fonts}})["states"];
-    for (size_t index = 0; index < fonts.size(); ++index) {
-        const Json& font = fonts[index];
-        const int state = font[kGS_ActivationStateKey];
+    Json result;
+    EXPECT_EQ(AgentConnection(std::chrono::seconds(30)).Call(method::kListFonts, {{"after", 0}}, result), 0u);
+    for (const Json& font : result["fonts"]) {
+        const std::string name = font[kGS_PostScriptNameKey];
         const std::string file = platform::NamePart(font[kGS_PathKey].get<std::string>());
+        seen.ids[name] = font[kGS_DatabaseIDKey];
+        seen.library[name] = font[kGS_ActivationStateKey] == int{kFontActivationState_ActivatedByUser};
         seen.recorded[file] = font[kGS_ChecksumKey];
-        if (state == kFontActivationState_ActivatedByUser || state == kFontActivationState_ActivatedByPlugin)
+        if (seen.library[name])
             seen.active.insert(file);
-        seen.ids[font[kGS_PostScriptNameKey]] = font[kGS_DatabaseIDKey];
-        seen.library.fonts[font[kGS_PostScriptNameKey]] = {state == kFontActivationState_ActivatedByUser,
-                                                           states[index]["isActive"]};
-    }
-    const Json sets = Ask(connection, method::kListSets, Json::object())["sets"];
-    for (const Json& set : sets) {
-        const std::string name = set[pellwick::member::kName];
-        seen.ids[name] = set[pellwick::member::kID];
-        seen.library.sets[name];
-        const Json members =
-            Ask(connection, method::kListFonts, {{"after", 0}, {"set", seen.ids[name]}})["fonts"];
-        for (const Json& font : members)
-            seen.library.sets[name].insert(font[kGS_PostScriptNameKey]);
     }
     for (const std::string& path : world.VaultFiles())
         seen.vault[platform::NamePart(path)] = pellwick::test::ChecksumOf(pellwick::test::ContentOf(path));
@@ -258,8 +175,7 @@ void Check(const TestWorld& world, std::vector<RandomClient>& clients) {
     for (RandomClient& client : clients) {
         const Library part = client.Part(seen.library);
         EXPECT_TRUE(part == client.known || part == client.perhaps)
-            << testing::PrintToString(part.sets) << part.fonts.size() << " fonts; was "
-            << testing::PrintToString(client.known.sets) << client.known.fonts.size();
+            << testing::PrintToString(part) << "; was " << testing::PrintToString(client.known);
         client.known = part;
         client.perhaps.reset();
         client.ids = seen.ids;
