@@ -10,14 +10,10 @@
 #include <sstream>
 
 #include "FaultRun.h"
-#include "common/Locations.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
-#include "platform/Files.h"
-#include "store/Database.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
-#include "tests/support/VaultFiles.h"
 
 namespace pellwick::test {
 namespace {
@@ -220,37 +216,18 @@ protected:
         return records;
     }
 
-    /// Which files there are, but those that the agent writes for itself.
-    Json Files() const {
-        Json files = Json::array();
-        for (const std::string& path : mWorld.FilesBelow("data")) {
-            const std::string name = platform::NamePart(path);
-            if (name.starts_with("fonts.sqlite") || name.starts_with("agent.") || name == "Pellwick.log")
-                continue;
-            // A font's file is named by what is in it.
-            const std::string checksum = ChecksumOf(ContentOf(path));
-            files.push_back({path, name.substr(0, name.find('.')) == checksum ? "whole" : checksum});
-        }
-        std::sort(files.begin(), files.end());
-        return files;
-    }
-
+    /// With the files of the vault and those of active fonts, which `doctor` compares with their checksums.
     Json State() {
         Json state = Records();
-        state["files"] = Files();
+        state["files"] = mWorld.VaultFiles();
+        state["active"] = mWorld.ActiveFiles();
+        for (const char* list : {"files", "active"})
+            std::sort(state[list].begin(), state[list].end());
         return state;
     }
     void ExpectNew(const char* when) {
         const Json state = State();
         EXPECT_EQ(state, mNew) << when << ": " << Json::diff(mNew, state);
-    }
-
-    void ExpectWholeDatabase() const {
-        Database database(Locations::OfThisUser().databasePath);
-        Statement check = database.Prepare("PRAGMA integrity_check");
-        EXPECT_EQ(check.Step() ? check.Text(0) : "no answer", "ok");
-        EXPECT_FALSE(database.Prepare("PRAGMA foreign_key_check").Step())
-            << "a row refers to one that is gone";
     }
 
     /// What people are told is one line, of what is wrong and what to do; plug-ins get a code.
@@ -294,7 +271,8 @@ protected:
         LeaveStrayFile();
         StartAgentIfGone();
         ExpectNew("after the next start, which removes what was left half-way");
-        ExpectWholeDatabase();
+        const ProgramResult doctor = mWorld.Run({"doctor", "--no-start"});
+        EXPECT_EQ(doctor.status, 0) << doctor.errors;
         StopAgent();
     }
 

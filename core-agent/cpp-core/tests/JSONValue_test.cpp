@@ -66,7 +66,8 @@ TEST(JSONObject, RefusesWhatIsNoJSON) {
     for (const std::string& text : texts)
         EXPECT_THAT(Thrown([&] { document.load(text); }), StartsWith("JSON parse error:\n"))
             << text.substr(0, 20);
-    EXPECT_EQ(Thrown([&] { document.load(Nested(513)); }), "JSON parse error:\nnested too deep\n");
+    for (const std::string& text : {Nested(513), "[\"ab\"," + Nested(512) + "]"})
+        EXPECT_EQ(Thrown([&] { document.load(text); }), "JSON parse error:\nnested too deep\n");
     document.load(Nested(512));
     const JSONValue root =
         Load(document, R"(["[[[\"[[[", "\uD83D\uDE42\uDBFF\uDFFF\u00e9\\uDC00\uD7FF\uE000"])");

@@ -234,7 +234,7 @@ TEST_F(FontByFontTest, OnlyWhatWasDeactivatedIsReported) {
     Close("B", false);
     EXPECT_EQ(cf::Count(deactivated.get()), 2);
     fontManager.isBatchMode = true;
-    fontManager.Match(6, "Active before", 1);
+    fontManager.Match(3, "Active before", 1);
     Open("C");
     fontManager.isBatchMode = false;
     EXPECT_EQ(Open("D", {9}), 0u) << "nothing is activated font by font";
