@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 
 #include "HostWorld.h"
@@ -49,27 +50,25 @@ std::vector<PageExchange> ReadScriptPage(const std::string& name) {
 class FileNames {
 public:
     /// The line of the page with the names of now.
-    std::string Translate(std::string text) const {
+    json Translate(std::string text) const {
         for (const auto& [onPage, now] : mNames) {
             for (size_t at = text.find(onPage); at != std::string::npos;
                  at = text.find(onPage, at + now.size()))
                 text.replace(at, onPage.size(), now);
         }
-        return text;
+        return json::parse(text);
     }
     /// Learns the names in an answer where the page has others.
     void Learn(const json& onPage, const json& now) {
-        if (onPage.is_string() && now.is_string() && StartsWithURL(onPage) && StartsWithURL(now))
-            mNames[onPage.get<std::string>()] = now.get<std::string>();
-        if (!onPage.is_structured() || onPage.type() != now.type() || onPage.size() != now.size())
-            return;
-        for (const auto& [key, value] : onPage.items())
-            Learn(value, onPage.is_object() ? now.value(key, json()) : now[std::stoul(key)]);
+        static const std::regex url(R"(file://[^"]*)");
+        const std::string left = onPage.dump(), right = now.dump();
+        std::sregex_iterator before(left.begin(), left.end(), url), after(right.begin(), right.end(), url),
+            end;
+        for (; before != end && after != end; ++before, ++after)
+            mNames[before->str()] = after->str();
     }
 
 private:
-    static bool StartsWithURL(const json& text) { return text.get<std::string>().starts_with("file://"); }
-
     std::map<std::string, std::string> mNames = {  // the page was written on another system than Windows
         {R"("isWindows":false)",
          platform::kPathSeparator == '\\' ? R"("isWindows":true)" : R"("isWindows":false)"}};
@@ -116,13 +115,12 @@ protected:
             EXPECT_EQ(world.FontManager().Run(words).status, 0) << exchange.request;
             return;
         }
-        const json request = json::parse(names.Translate(exchange.request));
+        const json request = names.Translate(exchange.request);
         const std::vector<json> answers = WriteUntilAnswered(request, exchange.answers.size());
         ASSERT_EQ(answers.size(), exchange.answers.size()) << exchange.request << json(answers);
         for (size_t index = 0; index < answers.size(); ++index) {
             names.Learn(json::parse(exchange.answers[index]), answers[index]);
-            EXPECT_EQ(answers[index], json::parse(names.Translate(exchange.answers[index])))
-                << exchange.request;
+            EXPECT_EQ(answers[index], names.Translate(exchange.answers[index])) << exchange.request;
         }
     }
 
