@@ -112,12 +112,10 @@ public:
         };
         if (UpTo(15) == 0)
             return Any(0);
-        if (name == kFonts)
-            return Repeated([this] { return mInput.ConsumeBool() ? Number() : Font(); });
         if (name == kPath)
             return Library().paths[mInput.ConsumeIntegralInRange<size_t>(0, Library().paths.size() - 1)];
-        if (isOneOf({kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey}))
-            return Repeated([this] { return Number(); });
+        if (isOneOf({kFonts, kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey}))
+            return Repeated([&] { return name == kFonts && mInput.ConsumeBool() ? Font() : Number(); });
         if (isOneOf({kOn, kEnable, kActivate, kReplace, kWholeFamily, kVisible}))
             return mInput.ConsumeBool();
         if (isOneOf({kName, kNewName, kDocument, kUsage, kGS_SmartListNameKey}) ||
@@ -134,41 +132,32 @@ public:
 
 private:
     Json Font() {
-        if (mInput.ConsumeBool())
-            return Text();
         Json font = {{kGS_DatabaseIDKey, For({})}};
         for (const char* key :
              {kGS_PostScriptNameKey, kGS_FamilyKey, "Style", kGS_FoundryKey, kGS_FontKindKey})
-            font[key] = UpTo(15) != 0 ? Json(Text()) : Any(0);
-        return font;
+            font[key] = Text();
+        return mInput.ConsumeBool() ? font : Text();
     }
-    std::string Text() {
-        if (const int kind = UpTo(9); kind == 0)
+    Json Text() {
+        if (UpTo(9) == 0)
             return mInput.ConsumeRandomLengthString(40);
-        else if (kind == 1)
-            return std::string(mInput.PickValueInArray<size_t>({kMaxNameSize, kMaxNameSize + 1}), 'x');
-        return mInput.PickValueInArray<std::string>({"Alpha-Regular", "alpha-regular", "Alpha", "Alpha Bold",
-                                                     "Beta", "1", "Mine", "Yours", "", "\xFF",
-                                                     std::string("a\0b", 3), kAllWorkgroupsName, "/doc.ai"});
+        return mInput.PickValueInArray<std::string>(
+            {"Alpha-Regular", "alpha-regular", "Alpha", "Alpha Bold", "Beta", "1", "Mine", "Yours", "",
+             "\xFF", std::string("a\0b", 3), std::string(kMaxNameSize + 1, 'x'), kAllWorkgroupsName,
+             "/doc.ai"});
     }
     Json Any(int depth) {
-        constexpr int kMaxDepth = 3;
-        switch (UpTo(depth < kMaxDepth ? 6 : 4)) {
-            case 0:
-                return nullptr;
-            case 1:
-                return mInput.ConsumeBool();
-            case 2:
-                return mInput.PickValueInArray({0.5, -1e300, std::numeric_limits<double>::infinity()});
-            case 3:
-                return mInput.ConsumeIntegral<uint64_t>();
-            case 4:
-                return Text();
-            case 5:
-                return Repeated([&] { return Any(depth + 1); });
-            default:
-                return {{Text(), Any(depth + 1)}, {kGS_DatabaseIDKey, Any(depth + 1)}};
-        }
+        const int kind = UpTo(depth < 3 ? 4 : 2);
+        if (kind == 0)
+            return mInput.PickValueInArray<Json>(
+                {nullptr, true, 0.5, -1e300, uint64_t{UINT64_MAX}, std::numeric_limits<double>::infinity()});
+        if (kind == 1)
+            return Number();
+        if (kind == 2)
+            return Text();
+        if (kind == 3)
+            return Repeated([&] { return Any(depth + 1); });
+        return {{Text().get<std::string>(), Any(depth + 1)}, {kGS_DatabaseIDKey, Any(depth + 1)}};
     }
     template <class Make>
     Json Repeated(const Make& make) {
@@ -374,11 +363,9 @@ private:
 /// Any bytes are requests; many requests are many bytes.
 std::vector<std::string> Seeds() {
     std::mt19937 random;
-    std::vector<std::string> seeds(64);
-    for (std::string& seed : seeds) {
-        seed.resize(random() % 2048);
+    std::vector<std::string> seeds(64, std::string(1024, 0));
+    for (std::string& seed : seeds)
         std::generate(seed.begin(), seed.end(), [&] { return static_cast<char>(random()); });
-    }
     return seeds;
 }
 

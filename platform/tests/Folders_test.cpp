@@ -35,11 +35,3 @@ TEST(Folders, WhatIsTypedBecomesAFullPath) {
     folders.paths.clear();
     EXPECT_EQ(platform::FullPath("~/x"), "") << "nobody's home";
 }
-
-TEST(SystemErrors, HaveATextThatSaysWhatIsWrong) {
-    std::string content;
-    const platform::SystemError error = platform::ReadWholeFile(Native("no/such/file"), content, 1);
-    ASSERT_TRUE(error.IsNotFound());
-    EXPECT_NE(platform::SystemErrorText(error), platform::SystemErrorText({987654}));
-    EXPECT_EQ(platform::SystemErrorText({987654}), "FormatMessage Failed");
-}

@@ -92,8 +92,3 @@ TEST(Processes, OnlyTheProcessOfTheStartTimeIsAlive) {
     EXPECT_TRUE(platform::RequestEndOfProcess(child->Id(), 1));
     EXPECT_TRUE(platform::RequestEndOfProcess(-1, 1));
 }
-
-TEST(Processes, TheProcessCanCallItselfOtherwise) {
-    platform::SetCurrentProcessName("Illustrator2025");
-    EXPECT_EQ(Processes().CurrentName(), "Illustrator2025");
-}

@@ -170,14 +170,6 @@ TEST_F(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
     EXPECT_EQ(CountOf(world.Trace(), "Attempting to launch"), 0);
 }
 
-TEST_F(AgentLoss, AnAgentThatWasReplacedBeforeTheHostWasIdleIsNotMissed) {
-    world.KillAgent();
-    EXPECT_EQ(host.Open(first), 1u);
-    host.Call("IdleEvent");
-    EXPECT_THAT(world.Trace(), Not(HasSubstr(">>> notification: Agent shut down")));
-    EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), true);
-}
-
 TEST_F(AgentLoss, ALogoutAndALoginReachTheHostWhenItIsIdle) {
     ASSERT_EQ(Pellwick({"logout"}), 0);
     EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'false'"));

@@ -31,22 +31,6 @@ TEST(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
         EXPECT_THAT(result.output, HasSubstr(part));
 }
 
-TEST(CommandLine, MoreFontsThanThereIsTimeForAreNoAbsenceOfFonts) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
-    std::string document;
-    for (int index = 1000000; index < 1520000; ++index)
-        document += "<</FontName /Unknown-" + std::to_string(index) + "/>>";
-    const std::string path = world.FontManager().Write("many.ai", document);
-    const auto result = world.RunHost({"open", path, "--close"});
-    EXPECT_THAT(result.output, testing::Not(HasSubstr("no fonts")));
-    if (result.status != 3) {  // 3: this machine is fast
-        EXPECT_EQ(result.status, 1);
-        EXPECT_THAT(result.errors, HasSubstr("was opened, but"));
-        EXPECT_THAT(result.output, IsEmpty());
-    }
-}
-
 TEST(CommandLine, DamagedFontsAreNamedAndTheRestIsAdded) {
     HostWorld world;
     auto& fontManager = world.FontManager();

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "TemporaryFolder.h"
@@ -49,22 +48,6 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
     const auto child = LaunchScript("exit 7");
     EXPECT_EQ(WaitForExit(*child), 7);
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
-}
-
-TEST(ProcessDetails, AProgramWithQuotesInItsPathKeepsItsOwnNameAndItsArguments) {
-    const TemporaryFolder folder;
-    for (const char* name : {"a \" child", "\" -x \""}) {
-        const std::string program = folder / name;
-        std::filesystem::create_symlink(CHILD_PROGRAM, program);
-        const auto child = Launch(program, "be-ready \"two words\"");
-        EXPECT_TRUE(child->WaitUntilIdle(10s));
-        std::ifstream commandLine("/proc/" + std::to_string(child->Id()) + "/cmdline");
-        std::string words;
-        std::getline(commandLine, words);
-        std::replace(words.begin(), words.end(), '\0', '|');
-        EXPECT_EQ(words, program + "|be-ready|two words|");
-        KillProcess(child->Id());
-    }
 }
 
 TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {

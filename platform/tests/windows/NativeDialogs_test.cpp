@@ -18,7 +18,6 @@ namespace {
 
 using platform::FolderAnswer;
 using platform::Form;
-using platform::FormButton;
 using platform::FormCheckBox;
 using platform::FormChoices;
 using platform::FormList;
@@ -81,20 +80,6 @@ TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
         PostMessageW(dialog, WM_COMMAND, IDYES, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDYES)));
     });
     EXPECT_TRUE(Dialogs().ShowMessage(mOwner, "Title", "Text", MessageButtons::kYesNo));
-}
-
-TEST_F(NativeDialogsTest, AnOwnerThatIsGoneOrAnothersIsNone) {
-    const HWND gone =
-        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    DestroyWindow(gone);
-    for (const HWND owner : {gone, FindWindowW(L"Shell_TrayWnd", nullptr)}) {
-        const DialogDriver user([&](HWND dialog) {
-            EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
-            PressKey(dialog, VK_ESCAPE);
-        });
-        Form form = FormWith(FormText{"Text"});
-        EXPECT_EQ(Dialogs().ShowForm(owner, form), kFormCancelled);
-    }
 }
 
 class FailingDialog : public platform::DialogWindow {
@@ -178,19 +163,6 @@ TEST_F(NativeDialogsTest, AListBeginsWithItsSelectionAndADoubleClickConfirms) {
     };
     EXPECT_EQ(Show(form, chooseByKeys), 1);
     EXPECT_EQ(selected, 2u);
-}
-
-TEST_F(NativeDialogsTest, ButtonsAmongTheControlsAnswerWithTheirNumbers) {
-    Form form = FormWith(FormButton{5, "Schriften des Dokuments prüfen"});
-    form.controls.emplace_back(FormButton{7, "Info..."});
-    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Info..."); }), 7);
-    EXPECT_EQ(Show(form, [](HWND dialog) { PressButton(dialog, "Schriften des Dokuments prüfen"); }), 5);
-    const auto goToTheSecond = [](HWND dialog) {
-        for (int step = 0; step < 3; ++step)
-            PressTab(dialog);  // from OK, the default, to Cancel and around to the first
-        PressKey(dialog, VK_RETURN);
-    };
-    EXPECT_EQ(Show(form, goToTheSecond), 7) << "Enter presses the button that has the keyboard";
 }
 
 std::vector<HWND> DropDownsOf(HWND dialog) {
