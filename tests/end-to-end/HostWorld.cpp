@@ -4,32 +4,27 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "PanelSchemas.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
-    const std::map<std::string, std::string> variables{{"XDG_CONFIG_HOME", Path("config")},
-                                                       {"XDG_CACHE_HOME", Path("cache")},
-                                                       {"XDG_DATA_DIRS", Path("all users")},
-                                                       {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
-                                                       {"PLUGINCORE_ANSWERS", ""},
-                                                       {"PLUGINCORE_PRESENTER", "silent"},
-                                                       {"LC_ALL", "C.UTF-8"}};
-    for (const auto& [variable, value] : variables) {
-        mSavedVariables[variable] = platform::EnvironmentVariable(variable.c_str());
-        platform::SetEnvironment(variable.c_str(), value);
-    }
+    const std::pair<const char*, std::string> variables[] = {{"XDG_CONFIG_HOME", Path("config")},
+                                                             {"XDG_CACHE_HOME", Path("cache")},
+                                                             {"XDG_DATA_DIRS", Path("all users")},
+                                                             {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
+                                                             {"PLUGINCORE_ANSWERS", ""},
+                                                             {"PLUGINCORE_PRESENTER", "silent"},
+                                                             {"LC_ALL", "C.UTF-8"}};
+    for (const auto& [variable, value] : variables)
+        platform::SetEnvironment(variable, value);
 }
 
 HostWorld::~HostWorld() {
     // Also the agents that hosts started again.
     if (const platform::ProcessId agent = Agent())
         KillAgent();
-    for (const auto& [variable, value] : mSavedVariables)
-        platform::SetEnvironment(variable.c_str(), value);
 }
 
 void HostWorld::AddFonts(const std::vector<std::string>& postScriptNames) {
@@ -70,9 +65,8 @@ void HostWorld::RemoveLaunchInformation() const {
 }
 
 std::string HostWorld::Trace() const {
-    std::ostringstream text;
-    text << std::ifstream(platform::Utf8Path(Path("trace"))).rdbuf();
-    return text.str();
+    std::ifstream trace(platform::Utf8Path(Path("trace")));
+    return {std::istreambuf_iterator<char>(trace), {}};
 }
 
 int CountOf(const std::string& text, const std::string& part) {

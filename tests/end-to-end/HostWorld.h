@@ -1,7 +1,6 @@
 // A user's world with an agent, in which hosts run.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -44,7 +43,6 @@ public:
 
 private:
     pellwick::test::TestWorld mWorld;
-    std::map<std::string, std::string> mSavedVariables;
 };
 
 /// How often `part` stands in `text`.

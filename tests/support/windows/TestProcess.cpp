@@ -7,7 +7,6 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
-#include <utility>
 
 #include "OwnedHandle.h"
 #include "WideText.h"
@@ -37,32 +36,6 @@ struct Pipe {
 
     OwnedHandle readEnd;
     OwnedHandle writeEnd;
-};
-
-/// What a child is allowed to inherit.
-class InheritedHandles {
-public:
-    explicit InheritedHandles(std::vector<HANDLE> handles) : mHandles(std::move(handles)) {
-        SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-        mMemory.resize(size);
-        if (!InitializeProcThreadAttributeList(List(), 1, 0, &size))
-            throw std::runtime_error("no attribute list");
-        if (!UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, mHandles.data(),
-                                       mHandles.size() * sizeof(HANDLE), nullptr, nullptr))
-            throw std::runtime_error("no list of handles");
-    }
-    ~InheritedHandles() { DeleteProcThreadAttributeList(List()); }
-    InheritedHandles(const InheritedHandles&) = delete;
-    InheritedHandles& operator=(const InheritedHandles&) = delete;
-
-    LPPROC_THREAD_ATTRIBUTE_LIST List() {
-        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(mMemory.data());
-    }
-
-private:
-    std::vector<HANDLE> mHandles;
-    std::vector<std::byte> mMemory;
 };
 
 /// As CommandLineToArgvW and the C runtime take it apart again: backslashes are themselves unless a quotation
@@ -97,24 +70,16 @@ std::string ReadToEnd(HANDLE pipe) {
     return text;
 }
 
-/// Waits for something to read or the end, and appends what there is; false at the end, or when nothing
-/// comes, so that a test fails instead of hanging.
-bool ReadMore(HANDLE pipe, std::string& text) {
+/// Waits for something to read or the end; false when nothing comes, so that a test fails instead of hanging.
+bool IsReadable(HANDLE pipe) {
     const auto deadline = std::chrono::steady_clock::now() + kPatience;
     DWORD available = 0;
-    while (available == 0) {
-        if (!PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) ||
-            std::chrono::steady_clock::now() > deadline)
+    while (PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) && available == 0) {
+        if (std::chrono::steady_clock::now() > deadline)
             return false;
-        if (available == 0)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    const size_t before = text.size();
-    text.resize(before + available);
-    DWORD size = 0;
-    const bool isRead = ReadFile(pipe, text.data() + before, available, &size, nullptr) && size > 0;
-    text.resize(before + size);
-    return isRead;
+    return available > 0;
 }
 
 using ProcessFunction = LONG(NTAPI*)(HANDLE);
@@ -134,24 +99,33 @@ struct TestProcess::State {
     Pipe input{Pipe::Inherited::kReadEnd};
     Pipe output{Pipe::Inherited::kWriteEnd};
     Pipe errors{Pipe::Inherited::kWriteEnd};
-    std::string readAhead;  ///< output behind the last line that was read
 };
 
 TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::make_unique<State>()) {
     STARTUPINFOEXW startup{};
     startup.StartupInfo.cb = sizeof startup;
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-    startup.StartupInfo.hStdInput = mState->input.readEnd.Get();
-    startup.StartupInfo.hStdOutput = mState->output.writeEnd.Get();
-    startup.StartupInfo.hStdError = mState->errors.writeEnd.Get();
-    InheritedHandles inherited(
-        {startup.StartupInfo.hStdInput, startup.StartupInfo.hStdOutput, startup.StartupInfo.hStdError});
-    startup.lpAttributeList = inherited.List();
+    HANDLE inherited[] = {mState->input.readEnd.Get(), mState->output.writeEnd.Get(),
+                          mState->errors.writeEnd.Get()};
+    startup.StartupInfo.hStdInput = inherited[0];
+    startup.StartupInfo.hStdOutput = inherited[1];
+    startup.StartupInfo.hStdError = inherited[2];
+    // It inherits these handles alone, whatever other threads open meanwhile.
+    SIZE_T size = 0;
+    InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+    std::vector<std::byte> attributes(size);
+    startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(attributes.data());
     PROCESS_INFORMATION started{};
     std::wstring line = CommandLine(command);
-    if (!CreateProcessW(platform::Utf8Path(command[0]).c_str(), line.data(), nullptr, nullptr, TRUE,
-                        EXTENDED_STARTUPINFO_PRESENT | CREATE_NO_WINDOW, nullptr, nullptr,
-                        &startup.StartupInfo, &started))
+    const bool isStarted =
+        InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size) &&
+        UpdateProcThreadAttribute(startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, inherited,
+                                  sizeof inherited, nullptr, nullptr) &&
+        CreateProcessW(platform::Utf8Path(command[0]).c_str(), line.data(), nullptr, nullptr, TRUE,
+                       EXTENDED_STARTUPINFO_PRESENT | CREATE_NO_WINDOW, nullptr, nullptr,
+                       &startup.StartupInfo, &started);
+    DeleteProcThreadAttributeList(startup.lpAttributeList);
+    if (!isStarted)
         throw std::runtime_error("cannot start " + command[0]);
     mState->process = OwnedHandle(started.hProcess);
     mState->id = started.dwProcessId;
@@ -171,12 +145,12 @@ platform::ProcessId TestProcess::Id() const {
 }
 
 std::string TestProcess::ReadLine() {
-    std::string& text = mState->readAhead;
-    size_t end = 0;
-    while ((end = text.find('\n')) == std::string::npos && ReadMore(mState->output.readEnd.Get(), text)) {
-    }
-    std::string line = text.substr(0, end);
-    text.erase(0, line.size() + 1);
+    const HANDLE output = mState->output.readEnd.Get();
+    char character = 0;
+    DWORD size = 0;
+    std::string line;
+    while (IsReadable(output) && ReadFile(output, &character, 1, &size, nullptr) && character != '\n')
+        line += character;
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
     return line;
@@ -198,7 +172,7 @@ ProgramResult TestProcess::Finish() {
     CloseInput();
     ProgramResult result;
     std::thread errors([&] { result.errors = ReadToEnd(mState->errors.readEnd.Get()); });
-    result.output = std::exchange(mState->readAhead, {}) + ReadToEnd(mState->output.readEnd.Get());
+    result.output = ReadToEnd(mState->output.readEnd.Get());
     errors.join();
     WaitForSingleObject(mState->process.Get(), INFINITE);
     DWORD status = 0;
