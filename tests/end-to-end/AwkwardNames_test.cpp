@@ -7,6 +7,7 @@
 
 #include "FontRecordKeys.h"
 #include "HostWorld.h"
+#include "PrintableText.h"
 #include "TestFonts.h"
 #include "platform/Files.h"
 
@@ -40,13 +41,10 @@ std::vector<std::string> NamesOf(const json& fonts) {
     return names;
 }
 
-/// No byte that a terminal acts on, but for the ends of lines.
-bool IsHarmless(const std::string& text) {
-    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
-        return (static_cast<unsigned char>(character) < 0x20 && character != '\n') || character == '\x7F';
-    });
-    return !hasControl && text.find("\xC2\x9B") == std::string::npos &&
-           text.find("\xE2\x80\xAE") == std::string::npos && text.find('\xFF') == std::string::npos;
+/// Nothing that a terminal acts on, but for the ends of lines.
+bool IsHarmless(std::string text) {
+    std::erase(text, '\n');
+    return IsPlainText(text);
 }
 
 /// A name with a control sequence of either kind, a forged line, an override and a byte that is no text.

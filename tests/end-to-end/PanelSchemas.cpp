@@ -43,12 +43,6 @@ std::string Faults(const json& definitions, const json& schemaText, const json& 
     return faults;
 }
 
-/// Whether the message's number, if not the rest of it, is that of the definition.
-bool HasNumberOf(const json& definitions, const std::string& name, const json& message) {
-    const json& numberSchema = definitions.at(name).at("properties").at("messageID");
-    return Faults(definitions, numberSchema, message.value("messageID", json())).empty();
-}
-
 }  // namespace
 
 std::set<std::string> Names(Direction direction) {
@@ -62,17 +56,17 @@ Match Find(Direction direction, const json& message) {
     if (!message.is_object())
         return {"", message.dump() + " is no JSON object"};
     const json& definitions = SchemaOf(direction).at("definitions");
-    std::string fewestFaults;  // of those that have its number
+    std::string faultsByNumber;  // by the schema that has its number
     for (const std::string& name : Names(direction)) {
-        if (!HasNumberOf(definitions, name, message))
-            continue;
-        const std::string faults = Faults(definitions, definitions.at(name), message);
+        const json& schema = definitions.at(name);
+        const std::string faults = Faults(definitions, schema, message);
         if (faults.empty())
             return {name, ""};
-        if (fewestFaults.empty() || faults.size() < fewestFaults.size())
-            fewestFaults = faults;
+        const json number = message.value("messageID", json());
+        if (Faults(definitions, schema.at("properties").at("messageID"), number).empty())
+            faultsByNumber = faults;
     }
-    return {"", message.dump() + " stands in no schema" + fewestFaults};
+    return {"", message.dump() + " stands in no schema" + faultsByNumber};
 }
 
 }  // namespace panel_schemas

@@ -12,10 +12,12 @@
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
+#include "tests/support/TestWorld.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using pellwick::test::ContentOf;
 
 const char* const kOld = R"({"plug-in": {"Unknown": {"number": 1}}})";
 const char* const kDamaged = R"({"plug-in": {"Unknown": {"num)";
@@ -44,18 +46,11 @@ protected:
         platform::SetEnvironment("PLUGINCORE_DEBUG_OUTPUT", mFolder / "log");
     }
 
-    static std::string ContentOf(const std::string& path) {
-        std::string content;
-        platform::ReadWholeFile(path, content, 1 << 20);
-        return content;
-    }
     /// As it stands in the file; 0 when there is none, or it is damaged.
     int64_t StoredNumber() const {
         const auto root = nlohmann::json::parse(ContentOf(mPath), nullptr, false);
         return root.is_object() ? root.at("plug-in").at("Unknown").value("number", int64_t{0}) : 0;
     }
-    std::string Log() const { return ContentOf(mFolder / "log"); }
-
     void StartHost() {
         mHost = mFaults.Start({PREFERENCES_PROGRAM, platform::FullPath(FRAMEWORK_LIBRARY), "obey"});
     }
@@ -66,7 +61,7 @@ protected:
     }
     void ExpectToBeSaid(const Fault& fault, bool isDone) const {
         const bool isFailure = !isDone && !fault.IsKill();
-        const std::string log = Log();
+        const std::string log = ContentOf(mFolder / "log");
         EXPECT_LE(std::count(log.begin(), log.end(), '\n'),
                   isFailure + platform::IsExistingFile(mPath + ".damaged-1"))
             << log;

@@ -87,6 +87,9 @@ TEST(ProcessDetails, WithoutAFreeDescriptorOnlyAProcessThatIsThereCannotBeTold) 
     EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kCannotBeTold);
     EXPECT_EQ(platform::StateOfProcess(ended->Id(), 1), ProcessState::kGone);
     EXPECT_EQ(platform::ProcessEra(), "");
+    platform::SystemError error;
+    EXPECT_EQ(Processes().Launch("/bin/sh", "\"/bin/sh\" -c :", error), nullptr);
+    EXPECT_TRUE(error);
     setrlimit(RLIMIT_NOFILE, &saved);
     EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kAlive);
     EXPECT_NE(platform::ProcessEra(), "");
