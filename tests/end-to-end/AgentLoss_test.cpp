@@ -69,14 +69,6 @@ protected:
         host.SetPreference("CloseFontsOnDocClose", 1);
     }
 
-    /// Idles until the trace holds the line.
-    bool IdleUntil(const std::string& line) {
-        return Eventually([&] {
-            host.Call("IdleEvent");
-            return world.Trace().find(line) != std::string::npos;
-        });
-    }
-    int Pellwick(const std::vector<std::string>& command) { return world.FontManager().Run(command).status; }
     json Ask(const char* call, const char* output) { return host.Call(call)["out"][output]; }
 
     HostWorld world;
@@ -155,11 +147,12 @@ TEST_F(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
     ScriptedHost other;
     other.Start();
     for (const bool isIdleInBetween : {false, true}) {
-        ASSERT_EQ(Pellwick({"stop"}), 0);
+        ASSERT_EQ(world.Pellwick("stop"), 0);
         if (isIdleInBetween) {
-            EXPECT_TRUE(IdleUntil("Informing user that plugin functionality will be disabled"));
+            EXPECT_TRUE(
+                host.IdleUntilTraced(world, "Informing user that plugin functionality will be disabled"));
         }
-        ASSERT_EQ(Pellwick({"list"}), 0);
+        ASSERT_EQ(world.Pellwick("list"), 0);
         const platform::ProcessId agent = world.Agent();
         for (ScriptedHost* each : {&host, &other})
             EXPECT_EQ(each->Open(first), 1u);
@@ -171,24 +164,24 @@ TEST_F(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
 }
 
 TEST_F(AgentLoss, ALogoutAndALoginReachTheHostWhenItIsIdle) {
-    ASSERT_EQ(Pellwick({"logout"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'false'"));
+    ASSERT_EQ(world.Pellwick("logout"), 0);
+    EXPECT_TRUE(host.IdleUntilTraced(world, ">>> notification: Logged-in state changed to 'false'"));
     EXPECT_EQ(host.Call("GetSettings")["codeName"], "CoreErrorCodes::kNotInitialized");
     EXPECT_EQ(Ask("PluginIsEnabled", "isEnabled"), false);
-    ASSERT_EQ(Pellwick({"login", "ana"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Logged-in state changed to 'true'"));
+    ASSERT_EQ(world.Pellwick("login ana"), 0);
+    EXPECT_TRUE(host.IdleUntilTraced(world, ">>> notification: Logged-in state changed to 'true'"));
     EXPECT_EQ(host.Call("GetSettings")["code"], 0) << "without another question to PluginIsEnabled";
     EXPECT_EQ(host.Open(first), 1u);
-    EXPECT_TRUE(IdleUntil(" activated\n"));
+    EXPECT_TRUE(host.IdleUntilTraced(world, " activated\n"));
 }
 
 TEST_F(AgentLoss, TheWorkgroupThatIsWorkedInIsDeleted) {
-    ASSERT_EQ(Pellwick({"workgroup", "create", "Print"}), 0);
+    ASSERT_EQ(world.Pellwick("workgroup create Print"), 0);
     host.Call("SetPreference", {{"key", "CurrentWorkgroup"}, {"value", "Print"}});
     const json menu{{"items", {{{"id", "w"}, {"label", "Print"}}}}};
     host.Call("HandleMenuSelection", {{"menusJSON", menu}, {"selectedID", "w"}});
-    ASSERT_EQ(Pellwick({"workgroup", "delete", "Print"}), 0);
-    EXPECT_TRUE(IdleUntil(">>> notification: Workgroups changed"));
+    ASSERT_EQ(world.Pellwick("workgroup delete Print"), 0);
+    EXPECT_TRUE(host.IdleUntilTraced(world, ">>> notification: Workgroups changed"));
     const std::string menuNow = Ask("GetMenus", "buffer");
     EXPECT_THAT(menuNow, HasSubstr(R"({"checked":true,"enabled":true,"label":"8","title":"Font Library"})"));
     EXPECT_THAT(menuNow, Not(HasSubstr("Print")));
@@ -197,7 +190,7 @@ TEST_F(AgentLoss, TheWorkgroupThatIsWorkedInIsDeleted) {
 TEST(WithoutAnAgent, TheCoreStartsOne) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
-    ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
+    ASSERT_EQ(world.Pellwick("stop"), 0);
     const auto result =
         world.RunHost({"--json", "open", world.WriteDocument("document.ai", {"Sample-Bold"}), "--close"});
     EXPECT_EQ(result.status, 0) << result.errors;

@@ -60,7 +60,7 @@ TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
 }
 
 TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
-    ASSERT_EQ(world.FontManager().Run({"activate", "Sample-Bold"}).status, 0);
+    ASSERT_EQ(world.Pellwick("activate Sample-Bold"), 0);
     ScriptedHost host;
     host.Start();
     host.SetPreference("CloseFontsOnDocClose", 1);

@@ -107,12 +107,8 @@ protected:
     }
     void Play(const PageExchange& exchange) {
         if (exchange.mark == '$') {
-            std::vector<std::string> words;
-            std::istringstream command(exchange.request);
-            for (std::string word; command >> word;)
-                words.push_back(word);
-            words.erase(words.begin());
-            EXPECT_EQ(world.FontManager().Run(words).status, 0) << exchange.request;
+            const std::string words = exchange.request.substr(exchange.request.find(' '));
+            EXPECT_EQ(world.Pellwick(words), 0) << exchange.request;
             return;
         }
         const json request = names.Translate(exchange.request);

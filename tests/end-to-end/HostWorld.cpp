@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "PanelSchemas.h"
 #include "platform/Environment.h"
@@ -41,6 +43,11 @@ std::string HostWorld::WriteDocument(const std::string& name,
     for (const std::string& font : postScriptNames)
         content += "<< /Type /FontDescriptor /FontName /ABCDEF+" + font + " /Flags 4 >>\n";
     return mWorld.Write(name, content);
+}
+
+int HostWorld::Pellwick(const std::string& words) const {
+    std::istringstream stream(words);
+    return mWorld.Run({std::istream_iterator<std::string>(stream), {}}).status;
 }
 
 ProgramResult HostWorld::RunHost(std::vector<std::string> arguments) const {
@@ -120,6 +127,13 @@ uint32_t ScriptedHost::Close(const std::string& path) {
 
 void ScriptedHost::SetPreference(const std::string& key, int value) {
     ASSERT_EQ(Call("SetPreference", {{"key", key}, {"value", std::to_string(value)}})["code"], 0);
+}
+
+bool ScriptedHost::IdleUntilTraced(const HostWorld& world, const std::string& text) {
+    return Eventually([&] {
+        Call("IdleEvent");
+        return world.Trace().find(text) != std::string::npos;
+    });
 }
 
 void ScriptedHost::Kill() const {

@@ -28,6 +28,8 @@ public:
     std::string WriteDocument(const std::string& name, const std::vector<std::string>& postScriptNames);
     std::string Path(const std::string& name) const { return mWorld.Path(name); }
 
+    /// Runs the font manager's command line with the words of the text; its exit status.
+    int Pellwick(const std::string& words) const;
     /// Runs plugincore-host to its end.
     ProgramResult RunHost(std::vector<std::string> arguments) const;
     /// PostScript names of the font manager's fonts that a program of its own, fc-list, sees.
@@ -65,6 +67,8 @@ public:
     uint32_t Open(const std::string& path);
     uint32_t Close(const std::string& path);
     void SetPreference(const std::string& key, int value);
+    /// Idles until the trace of its world holds the text; false when it never does.
+    bool IdleUntilTraced(const HostWorld& world, const std::string& text);
     void Start();
     platform::ProcessId Id() const { return mProcess.Id(); }
     void Kill() const;

@@ -165,14 +165,14 @@ TEST_F(MenuTest, WithoutAChoiceOrPermissionEveryFontIsSkipped) {
     EXPECT_EQ(ListIn(answer, "resultBuffer"), json::array());
     EXPECT_EQ(ListIn(answer, "skippedBuffer"), gone);
 
-    ASSERT_EQ(world.FontManager().Run({"logout"}).status, 0);
+    ASSERT_EQ(world.Pellwick("logout"), 0);
     answer = Resolve(false, missing);
     EXPECT_EQ(answer["code"], 0);
     EXPECT_EQ(ListIn(answer, "skippedBuffer"), missing);
     EXPECT_EQ(Questions().size(), 1u) << "nobody may choose while nobody is logged in";
 }
 TEST_F(MenuTest, TheMenuIsInTheUsersLanguageAndItsChoicesLast) {
-    ASSERT_EQ(world.FontManager().Run({"workgroup", "create", "Druck"}).status, 0);
+    ASSERT_EQ(world.Pellwick("workgroup create Druck"), 0);
     platform::SetEnvironment("LC_ALL", "de_DE.UTF-8");
     const auto result = world.RunHost({"menu"});
     EXPECT_EQ(result.status, 0) << result.errors;

@@ -28,7 +28,6 @@ protected:
         EXPECT_EQ(host.Call("RegisterPlugPlug")["code"], 0);
     }
 
-    int Pellwick(const std::vector<std::string>& command) { return world.FontManager().Run(command).status; }
     /// Idles until the panel is told that; the message.
     json WaitFor(int messageID) {
         json found;
@@ -43,12 +42,6 @@ protected:
         })) << "no message "
             << messageID;
         return found;
-    }
-    bool IdleUntilTraced(const std::string& text) {
-        return Eventually([&] {
-            host.Call("IdleEvent");
-            return world.Trace().find(text) != std::string::npos;
-        });
     }
     /// The only answer to the request.
     json Ask(const json& request) {
@@ -68,22 +61,23 @@ protected:
 }  // namespace
 
 TEST_F(PanelTest, HearsOfFontsThatAreActivatedElsewhere) {
-    ASSERT_EQ(Pellwick({"activate", "Sample-Italic", "Sample-Bold"}), 0);
-    ASSERT_TRUE(IdleUntilTraced("font 1 activated") && IdleUntilTraced("font 2 activated"));
-    ASSERT_EQ(Pellwick({"deactivate", "Sample-Italic"}), 0);
-    ASSERT_TRUE(IdleUntilTraced("font 2 deactivated"));
+    ASSERT_EQ(world.Pellwick("activate Sample-Italic Sample-Bold"), 0);
+    ASSERT_TRUE(host.IdleUntilTraced(world, "font 1 activated") &&
+                host.IdleUntilTraced(world, "font 2 activated"));
+    ASSERT_EQ(world.Pellwick("deactivate Sample-Italic"), 0);
+    ASSERT_TRUE(host.IdleUntilTraced(world, "font 2 deactivated"));
     host.TakePanelMessages();
     host.Call("ProcessPanelMessages");
     EXPECT_EQ(host.TakePanelMessages(), (std::vector<json>{{{"messageID", 24}, {"fontIDs", {1, 2}}},
                                                            {{"messageID", 25}, {"fontIDs", {2}}}}))
         << "one message of a kind, in the order of their numbers";
-    ASSERT_EQ(Pellwick({"activate", "Other-Regular"}), 0);
+    ASSERT_EQ(world.Pellwick("activate Other-Regular"), 0);
     EXPECT_EQ(WaitFor(24)["fontIDs"], json({3})) << "the others were told";
 }
 
 TEST_F(PanelTest, SurvivesTheLossOfTheAgent) {
-    ASSERT_EQ(Pellwick({"stop"}), 0);
-    ASSERT_TRUE(IdleUntilTraced(">>> notification: Agent shut down"));
+    ASSERT_EQ(world.Pellwick("stop"), 0);
+    ASSERT_TRUE(host.IdleUntilTraced(world, ">>> notification: Agent shut down"));
     EXPECT_THAT(host.Panel({{"messageID", 38}}), IsEmpty()) << "there is nothing to tell";
     EXPECT_NE(Ask({{"messageID", 9}})["returnCode"], 0);
     EXPECT_EQ(Ask({{"messageID", 11}})["height"], 350) << "the panel's own affairs go on";
@@ -95,8 +89,8 @@ TEST_F(PanelTest, SurvivesTheLossOfTheAgent) {
     EXPECT_EQ(host.Call("PluginIsEnabled")["out"]["isEnabled"], true);
     EXPECT_THAT(host.TakePanelMessages(), Contains(json{{"messageID", 30}, {"isEnabled", true}}));
     EXPECT_EQ(Ask({{"messageID", 38}})["smartLists"], json::array());
-    ASSERT_EQ(Pellwick({"activate", "Other-Regular"}), 0);
-    ASSERT_TRUE(IdleUntilTraced("font 3 activated")) << "the new agent is heard";
+    ASSERT_EQ(world.Pellwick("activate Other-Regular"), 0);
+    ASSERT_TRUE(host.IdleUntilTraced(world, "font 3 activated")) << "the new agent is heard";
     EXPECT_THAT(WaitFor(24)["fontIDs"], Contains(3));
 }
 
@@ -111,7 +105,7 @@ TEST_F(PanelTest, IsToldWhichFontCannotBeActivated) {
     EXPECT_EQ(answers[0], (json{{"messageID", 46}, {"fontID", 3}, {"isConflictError", false}}));
     EXPECT_NE(answers[1]["returnCode"], 0);
     EXPECT_EQ(WaitFor(45)["fontIDs"], json({3}));
-    ASSERT_EQ(Pellwick({"logout"}), 0);
+    ASSERT_EQ(world.Pellwick("logout"), 0);
     EXPECT_EQ(activate(1).size(), 2u) << "nobody is logged in";
     const std::vector<json> unknown = activate(999);
     ASSERT_FALSE(unknown.empty());
@@ -129,8 +123,8 @@ TEST_F(PanelTest, KeepsItsSizeFromOneRunOfTheHostToTheNext) {
 }
 
 TEST_F(PanelTest, HasTheFilesOfFontListsUntilItLetsGoOfThemOrTheHostQuits) {
-    ASSERT_EQ(Pellwick({"activate", "Sample-Italic"}), 0);
-    ASSERT_EQ(Pellwick({"smartlist", "create", "Everything"}), 0);
+    ASSERT_EQ(world.Pellwick("activate Sample-Italic"), 0);
+    ASSERT_EQ(world.Pellwick("smartlist create Everything"), 0);
     EXPECT_EQ(WaitFor(43), (json{{"messageID", 43}}));
     std::string content;
     const std::string path = FontListPath(1);
@@ -178,7 +172,7 @@ TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     EXPECT_EQ(timed.status, 0) << timed.errors;
     EXPECT_EQ(timed.output, "");
     EXPECT_EQ(world.RunHost({"events", "--for", "soon"}).status, 2);
-    ASSERT_EQ(world.FontManager().Run({"stop"}).status, 0);
+    ASSERT_EQ(world.Pellwick("stop"), 0);
     world.RemoveLaunchInformation();
     EXPECT_EQ(world.RunHost({"events", "--for", "0"}).status, 5);
 }

@@ -194,7 +194,7 @@ TEST(Disturbances, QuittingWithManyDocumentsAsksNothingWhateverTheAgentDoes) {
             ResumeProcess(agent);
         EXPECT_EQ(host.Finish().status, 0);
         EXPECT_EQ(CountOf(world.Trace(), "Nobody to show"), 0);
-        EXPECT_EQ(world.FontManager().Run({"list"}).status, 0) << "its user starts it where nobody did";
+        EXPECT_EQ(world.Pellwick("list"), 0) << "its user starts it where nobody did";
         EXPECT_TRUE(Eventually([&] { return world.FontManager().ActiveFiles().empty(); }));
     }
 }
