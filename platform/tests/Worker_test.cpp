@@ -46,6 +46,7 @@ TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {
         const char *request, *problem;
         Outcome outcome;
     } cases[] = {{"loop", "took too long", Outcome::kOverLimit},
+                 {"wait", "took too long", Outcome::kOverLimit},
                  {"answer with much", "answered with too much", Outcome::kOverLimit},
                  {"crash", "crashed", Outcome::kDied}};
     for (const auto& each : cases) {

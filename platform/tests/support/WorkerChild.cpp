@@ -1,7 +1,9 @@
 // A worker that does as it is told, also what it must not.
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,11 @@ std::string AnswerTo(const std::string& request, std::string_view file) {
     if (request == "loop") {
         for (;;)
             turns = turns + 1;
+    }
+    if (request == "wait") {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable().wait(lock, [] { return false; });
     }
     if (request == "crash")
         std::abort();
