@@ -9,11 +9,13 @@
 
 class CapturedTrace : public platform::DebugOutput {
 public:
+    bool isListening = true;
+
     void Write(const char* text) noexcept override {
         const std::lock_guard guard(mTextLock);
         mText += text;
     }
-    bool IsListening() noexcept override { return true; }
+    bool IsListening() noexcept override { return isListening; }
 
     std::string Text() {
         const std::lock_guard guard(mTextLock);

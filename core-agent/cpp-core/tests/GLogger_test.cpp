@@ -16,18 +16,6 @@ protected:
     const std::shared_ptr<std::ostringstream> stream = std::make_shared<std::ostringstream>();
 };
 
-class DeafDebugOutput : public platform::DebugOutput {
-public:
-    void Write(const char* text) noexcept override { written += text; }
-    bool IsListening() noexcept override { return isListening; }
-
-    bool isListening = false;
-    std::string written;
-
-private:
-    platform::ScopedOverride<platform::DebugOutput> mOverride{*this};
-};
-
 }  // namespace
 
 TEST_F(LoggerTest, LevelsHaveNames) {
@@ -59,10 +47,11 @@ TEST_F(LoggerTest, WritesWhatItsLevelOrTheDefaultOneAdmits) {
 }
 
 TEST(SharedLogger, WritesWholeLinesToTheDebuggerAndKeepsNothing) {
-    DeafDebugOutput output;
+    CapturedTrace output;
+    output.isListening = false;
     GLogger& shared = GLogger::GetSharedInstance();
     shared.Log("A", GLogger::kError, "unheard");
     output.isListening = true;
     shared.Log("A", GLogger::kError, "%s", std::string(100000, 'x').c_str());
-    EXPECT_EQ(output.written, "[A]\t[Error]\t" + std::string(100000, 'x') + "\n");
+    EXPECT_EQ(output.Text(), "[A]\t[Error]\t" + std::string(100000, 'x') + "\n");
 }

@@ -24,12 +24,6 @@ public:
     ~RecordingSink() override { SetTraceSink(nullptr); }
 };
 
-class DeafDebugOutput : public platform::DebugOutput {
-public:
-    void Write(const char*) noexcept override {}
-    bool IsListening() noexcept override { return false; }
-};
-
 uint32_t Step(bool throws) {
     uint32_t code = 21;
     const TraceScope scope(ReturningCode("Step", code), "Entering %s('%s')", "Step", "a");
@@ -74,13 +68,13 @@ TEST(TraceLog, LongTextsAreCutAndTheLongestGetNoLineFeed) {
 
 // The logging switch cannot be turned back.
 TEST(TraceLog, IsHeardByTheDebuggerAndOnceLoggingIsOnByTheSink) {
-    DeafDebugOutput deaf;
-    const platform::ScopedOverride<platform::DebugOutput> override(deaf);
+    CapturedTrace trace;
+    trace.isListening = false;
     EXPECT_FALSE(IsTraceHeard());
     LogMessage(1, "nesting is kept while nobody listens");
     RecordingSink sink;
     const bool wasLoggingOn = IsTraceHeard();
-    CapturedTrace trace;
+    trace.isListening = true;
     EXPECT_TRUE(IsTraceHeard());
     LogMessage(0, "before");
     EXPECT_EQ(sink.pieces.empty(), !wasLoggingOn);
@@ -90,12 +84,11 @@ TEST(TraceLog, IsHeardByTheDebuggerAndOnceLoggingIsOnByTheSink) {
     LogMessage(-1, "Exiting");
     const std::vector<std::string> pieces{" ", "Entering\n", " ", "Exiting\n"};
     EXPECT_EQ(sink.pieces, pieces);
-    {
-        const platform::ScopedOverride<platform::DebugOutput> deafAgain(deaf);
-        EXPECT_TRUE(IsTraceHeard());
-        sink.isReady = false;
-        EXPECT_FALSE(IsTraceHeard());
-    }
+    trace.isListening = false;
+    EXPECT_TRUE(IsTraceHeard());
+    sink.isReady = false;
+    EXPECT_FALSE(IsTraceHeard());
+    trace.isListening = true;
     LogMessage(-1, "Exiting");
     EXPECT_EQ(sink.pieces, pieces);
     EXPECT_EQ(trace.Text(), " before\n Entering\n Exiting\nExiting\n");

@@ -16,19 +16,12 @@
 
 namespace {
 
-using platform::FolderAnswer;
-using platform::Form;
-using platform::FormCheckBox;
-using platform::FormChoices;
-using platform::FormList;
-using platform::FormText;
-using platform::kFormCancelled;
-using platform::MessageButtons;
+using namespace platform;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-platform::NativeDialogs& Dialogs() {
-    return platform::SystemDefault<platform::NativeDialogs>();
+NativeDialogs& Dialogs() {
+    return SystemDefault<NativeDialogs>();
 }
 
 /// A host's main window, which each dialog belongs to.
@@ -82,7 +75,7 @@ TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
     EXPECT_TRUE(Dialogs().ShowMessage(mOwner, "Title", "Text", MessageButtons::kYesNo));
 }
 
-class FailingDialog : public platform::DialogWindow {
+class FailingDialog : public DialogWindow {
 public:
     FailingDialog(HWND owner, bool failsOnOpen) : mFailsOnOpen(failsOnOpen) { RunModal(owner, L"Failing"); }
 
@@ -219,8 +212,7 @@ TEST_F(NativeDialogsTest, ChoicesScrollToWhereTheKeyboardIs) {
 }
 
 TEST_F(NativeDialogsTest, AFolderIsProposedChosenOrNot) {
-    const std::string proposed =
-        platform::SystemDefault<platform::Folders>().PathOf(platform::KnownFolder::kTemporary);
+    const std::string proposed = SystemDefault<Folders>().PathOf(KnownFolder::kTemporary);
     const auto choose = [&](const std::function<void(HWND)>& actions) {
         const DialogDriver user(actions);
         return Dialogs().ChooseFolder(mOwner, "Wohin damit?", proposed);
