@@ -48,6 +48,8 @@ TEST_F(Files, ACopyReplacesNothing) {
     EXPECT_EQ(platform::IsExistingFile(taken) ? fs::file_size(platform::Utf8Path(taken)) : 1, 0u);
     const platform::SystemError absent = platform::CopyToNewFile(folder / "absent", folder / "new");
     EXPECT_TRUE(absent.IsNotFound());
+    EXPECT_NE(platform::SystemErrorText(absent), platform::SystemErrorText({987654}));
+    EXPECT_NE(platform::SystemErrorText(absent), "Null message");
     EXPECT_FALSE(absent.IsNotPermitted() || absent.IsExisting() || absent.IsDiskFull());
     EXPECT_TRUE(platform::CopyToNewFile(source, folder / "absent/new").IsNotFound());
     EXPECT_TRUE(platform::CopyToNewFile(source, folder / std::string(256, 'x')).IsPathTooLong());

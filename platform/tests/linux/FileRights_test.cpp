@@ -71,7 +71,8 @@ TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALin
     EXPECT_EQ(fs::status(folder / "a/b").permissions() & fs::perms::others_write, fs::perms::none);
     EXPECT_EQ(fs::status(elsewhere.Path()).permissions(), fs::perms::all);
     EXPECT_FALSE(platform::MakePrivateFolder(folder / "c/d/e"));
-    EXPECT_EQ(fs::status(folder / "c/d/e").permissions(), fs::perms::owner_all);
+    for (const char* made : {"c/d", "c/d/e"})
+        EXPECT_EQ(fs::status(folder / made).permissions(), fs::perms::owner_all);
     EXPECT_TRUE(platform::MakePrivateFolder(folder / "link"));
 }
 
@@ -119,4 +120,18 @@ TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
     EXPECT_EQ(folder("/"), "/");
     EXPECT_EQ(folder("a/b"), folder("")) << "as if it were not set";
     platform::SetEnvironment("XDG_CONFIG_HOME", saved);
+}
+
+TEST(UserLanguage, IsThatOfTheFirstVariableThatSaysOne) {
+    const std::string saved = platform::EnvironmentVariable("LC_ALL");
+    const auto language = [](const char* all, const char* messages) {
+        platform::SetEnvironment("LC_ALL", all);
+        platform::SetEnvironment("LC_MESSAGES", messages);
+        return platform::UserLanguage();
+    };
+    EXPECT_EQ(language("de_DE.UTF-8", "fr_FR"), "de");
+    EXPECT_EQ(language("", "fr_FR"), "fr");
+    EXPECT_EQ(language("C", "fr_FR"), "en");
+    platform::SetEnvironment("LC_ALL", saved);
+    platform::SetEnvironment("LC_MESSAGES", "");
 }

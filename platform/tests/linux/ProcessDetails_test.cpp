@@ -14,6 +14,7 @@
 #include "TemporaryFolder.h"
 #include "TestProcess.h"
 #include "platform/DebugOutput.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -45,8 +46,10 @@ std::optional<int> WaitForExit(platform::ChildProcess& child) {
 }  // namespace
 
 TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
-    const auto child = LaunchScript("exit 7");
-    EXPECT_EQ(WaitForExit(*child), 7);
+    platform::SetEnvironment("PLUGINCORE_READY_DESCRIPTOR", "99");  // as where the host was launched itself
+    const auto child = LaunchScript("exit $PLUGINCORE_READY_DESCRIPTOR");
+    platform::SetEnvironment("PLUGINCORE_READY_DESCRIPTOR", "");
+    EXPECT_EQ(WaitForExit(*child), 3);
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
 }
 
