@@ -55,6 +55,7 @@ TEST(CFString, EveryEncodingReturnsWhatItWasGiven) {
         latin += static_cast<char>(byte);
     EXPECT_EQ(BytesOf(FromBytes(latin, kCFStringEncodingISOLatin1).get(), kCFStringEncodingISOLatin1), latin);
     EXPECT_EQ(BytesOf(cf::String("\U0001F601").get(), kCFStringEncodingUTF16BE), "\xD8\x3D\xDE\x01");
+    EXPECT_EQ(BytesOf(cf::String("\U0010FFFF").get(), kCFStringEncodingASCII, '?'), "?");
 }
 
 TEST(CFString, InvalidBytesMakeNoString) {

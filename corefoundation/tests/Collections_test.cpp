@@ -195,7 +195,9 @@ TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
     EXPECT_EQ(CFGetRetainCount(text.get()), 3);
     cf::Set(dictionary, text.get(), 1);
     EXPECT_EQ(CFGetRetainCount(text.get()), 2);
-    CFDictionaryRemoveValue(dictionary.get(), text.get());
+    cf::Set(dictionary, "value", text);
+    for (const CFStringRef key : {text.get(), CFSTR("value")})
+        CFDictionaryRemoveValue(dictionary.get(), key);
     EXPECT_EQ(CFGetRetainCount(text.get()), 1);
 
     cf::Append(array, "owned by it alone");  // a replaced value may be its own replacement
