@@ -148,6 +148,7 @@ TEST(JSONValue, BuildsWhatItWrites) {
         ASSERT_TRUE(list.add_int64(number, value));
     EXPECT_EQ(list.as_array().size(), 99u);
     EXPECT_EQ(list.as_array().back().as_int64(), 99);
+    EXPECT_EQ(list.as_array().back().as_double(), 99);
 
     root = Load(document, "{}");
     ASSERT_TRUE(root.add_int64("messageID", std::numeric_limits<int64_t>::min(), value) &&

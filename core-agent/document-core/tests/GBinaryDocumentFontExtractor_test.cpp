@@ -103,6 +103,7 @@ TEST_F(ExtractorTest, FindsTheNamesThatEachKindOfDocumentHas) {
            {"Arial", "Comic-Bold"});
     expect("a.pdf", "/FontName /Times\r\n\t /Flags >> /FontName /Two Words /x >>", {"Times", "Two Words"});
     expect("a.pdf", "/FontName /NoEnd >> /Flags", {});
+    expect("a.pdf", "/FontName //>>", {""});
     expect("a.pdf", std::string("/FontName /Caf\xE9x\0y /F >>", 24), {"Caféxy"});
     // The default font alone is no choice.
     expect("a.ait", Descriptor("AAAAAA+MyriadPro-Regular"), {});
