@@ -70,8 +70,10 @@ TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALin
     EXPECT_EQ(platform::CloseFoldersToOthers(folder / "."), 0);
     EXPECT_EQ(fs::status(folder / "a/b").permissions() & fs::perms::others_write, fs::perms::none);
     EXPECT_EQ(fs::status(elsewhere.Path()).permissions(), fs::perms::all);
-    EXPECT_FALSE(platform::MakePrivateFolder(folder / "c/d/e"));
-    for (const char* made : {"c/d", "c/d/e"})
+    fs::permissions(folder / "c", fs::perms::all);
+    for (const char* made : {"c", "c/d/e"})
+        EXPECT_FALSE(platform::MakePrivateFolder(folder / made)) << made;
+    for (const char* made : {"c", "c/d", "c/d/e"})
         EXPECT_EQ(fs::status(folder / made).permissions(), fs::perms::owner_all);
     EXPECT_TRUE(platform::MakePrivateFolder(folder / "link"));
 }
