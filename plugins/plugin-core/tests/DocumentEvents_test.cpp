@@ -57,9 +57,6 @@ TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
     EXPECT_EQ(numFontsActivated, 2);
     EXPECT_EQ(json::parse(bufferA.c_str()).size(), 2u);
     EXPECT_STREQ(bufferB.c_str(), "[]");
-    EXPECT_THAT(trace.Text(),
-                testing::StartsWith("Entering PluginCoreInterface::HandleOpenExistingDocument('" + path));
-    EXPECT_THAT(trace.Text(), testing::EndsWith("with result 1\n"));
     const std::string identifier = Identifier();
     library.activationStateBefore = 2;
     EXPECT_EQ(Open(), 0u) << "all were active already";
@@ -92,21 +89,18 @@ TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
     ASSERT_EQ(Open(), PLUGINCORE_FONTS_ACTIVATED);
     const std::string listA = bufferA.c_str();
     const std::string listB = bufferB.c_str();
-    for (const auto& [roomA, roomB, result] : {std::tuple{1, 1, CoreErrorCodes::kSuccess},
-                                               {1, 0, CoreErrorCodes::kIndexOutOfRange},
-                                               {0, 1, CoreErrorCodes::kIndexOutOfRange}}) {
+    for (const auto& [roomA, roomB] : {std::pair{1u, 1u}, {1u, 0u}, {0u, 1u}}) {
         library.activationStateBefore = kFontActivationState_ActivatedByPlugin;
         std::string a(4096, '#');
         std::string b(4096, '#');
-        size_t sizeA = listA.size() + static_cast<size_t>(roomA);
-        size_t sizeB = listB.size() + static_cast<size_t>(roomB);
+        size_t sizeA = listA.size() + roomA;
+        size_t sizeB = listB.size() + roomB;
         EXPECT_EQ(DocumentEvents::HandleOpenExistingDocument(path, "[]", a.data(), &sizeA, b.data(), &sizeB,
                                                              &numFontsActivated),
-                  result);
-        EXPECT_EQ(a.substr(0, listA.size()) == listA, roomA == 1);
-        EXPECT_EQ(b.substr(0, listB.size()) == listB, roomB == 1);
-        EXPECT_EQ(sizeA, listA.size() + static_cast<size_t>(roomA));
-        EXPECT_EQ(sizeB, listB.size() + static_cast<size_t>(roomB));
+                  roomA + roomB == 2 ? CoreErrorCodes::kSuccess : CoreErrorCodes::kIndexOutOfRange);
+        EXPECT_EQ(a.starts_with(listA), roomA == 1);
+        EXPECT_EQ(b.starts_with(listB), roomB == 1);
+        EXPECT_EQ(sizeA + sizeB, listA.size() + roomA + listB.size() + roomB);
     }
 }
 
@@ -114,46 +108,29 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     MakeFunctional();
     Open();
     const auto saved = [&] {
-        std::vector<std::string> calls;
-        for (const std::string& call : std::exchange(library.given, {})) {
-            if (call.starts_with("SaveDocumentFonts "))
-                calls.push_back(call);
-        }
-        return calls;
-    };
-    const auto handOver = [&](const std::string& usage) {
-        return "SaveDocumentFonts '" + path + "' 1 '" + usage + "' ";
+        std::string usages;
+        const std::string call = "SaveDocumentFonts '" + path + "' 1 ";
+        for (const std::string& each : std::exchange(library.given, {}))
+            usages += each.starts_with(call) ? each.substr(call.size()) : "";
+        return usages;
     };
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), 0u);
     EXPECT_EQ(DocumentEvents::UpdateDocumentFontUsage(path, "stored"), 0u);
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, ""), 0u);
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), 0u);
-    EXPECT_THAT(saved(), ElementsAre(handOver("hint"), handOver("stored"), handOver("hint")));
+    EXPECT_EQ(saved(), "'hint' 'stored' 'hint' ");
     ChangeFile();
     EXPECT_EQ(Close("last"), 0u);
-    EXPECT_THAT(saved(), ElementsAre(handOver("last")));
-}
-
-TEST_F(DocumentEventsTest, AHandOverThatFailedIsTriedAgainAtClose) {
-    MakeFunctional();
+    EXPECT_EQ(saved(), "'last' ") << "written behind the host";
     Open();
     library.codes["SaveDocumentFonts"] = {CoreErrorCodes::kError};
-    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "usage"), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "failed"), CoreErrorCodes::kUnknownError);
     EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 2);
-    library.calls.clear();
+    EXPECT_EQ(saved(), "'failed' '' ") << "tried again at close";
     Open();
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "usage"), 0u);
     EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 1) << "nothing is left to hand over";
-}
-
-TEST_F(DocumentEventsTest, AFileWrittenBehindTheHostIsHandedOverAtClose) {
-    MakeFunctional();
-    Open();
-    ChangeFile();
-    EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 1);
+    EXPECT_EQ(saved(), "'usage' ") << "nothing is left to hand over";
 }
 
 TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLater) {
@@ -213,10 +190,8 @@ TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFile) {
     folder.Write("Dokument 字.ai", "/FontName /ABCDEF+ComicNeue-Bold /Flags 4 >>");
     Open("");
     EXPECT_THAT(trace.Text(), HasSubstr("adding 'ComicNeue-Bold'\n"));
-    trace.Clear();
     path = folder / "missing.ai";
     EXPECT_EQ(Open(""), 0u) << "a failed extraction leaves the list empty";
-    EXPECT_THAT(trace.Text(), HasSubstr("Error='GFileSystem::kFileNotFound'"));
 }
 
 TEST_F(DocumentEventsTest, AtTheEndEveryDocumentIsClosed) {
@@ -251,8 +226,6 @@ TEST_F(DocumentEventsTest, FromBehindADialogNoOtherEventMovesFonts) {
     EXPECT_THAT(refused, ElementsAre(CoreErrorCodes::kUnknownError, CoreErrorCodes::kUnknownError,
                                      CoreErrorCodes::kUnknownError, CoreErrorCodes::kOutOfMemory));
     EXPECT_EQ(library.CallsOf("ActivateDocumentFontsByPath"), activations);
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("ERROR: PluginCoreInterface::HandleOpenExistingDocument() called recursively.\n"));
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(Close(), CoreErrorCodes::kUnknownError) << "the outer close did its work";
 }

@@ -26,7 +26,9 @@ TEST(FontListJSON, EveryKindOfValueCrossesBothWays) {
 
 TEST(FontListJSON, WhatIsNoFontIsPassedOver) {
     EXPECT_EQ(RoundTrip(R"([1,"x",null,[],{"PostScriptName":null},{}])"), "[{},{}]");
-    EXPECT_EQ(RoundTrip(R"([{"huge":18446744073709551615}])"), R"([{"huge":1.8446744073709552e+19}])");
+    EXPECT_EQ(RoundTrip(R"([{"x":9223372036854775807},{"x":9223372036854775808}])"),
+              R"([{"x":9223372036854775807},{"x":9.223372036854776e+18}])");
+    EXPECT_EQ(RoundTrip(R"([{"x":1e400}])"), "error");
 }
 
 TEST(FontListJSON, OtherFormsAreRefused) {
@@ -34,14 +36,6 @@ TEST(FontListJSON, OtherFormsAreRefused) {
         EXPECT_EQ(RoundTrip(text), "error") << text;
     EXPECT_EQ(RoundTrip(R"({"DocumentFonts":[]})", FontListForm::kArray), "error");
     EXPECT_EQ(RoundTrip("[]", FontListForm::kArray), "[]");
-}
-
-TEST(FontListJSON, NumbersKeepWhatACFNumberCanHold) {
-    const std::string fonts =
-        R"([{"highest":9223372036854775807,"lowest":-9223372036854775808,"whole":2.0}])";
-    EXPECT_EQ(RoundTrip(fonts), fonts);
-    EXPECT_EQ(RoundTrip(R"([{"x":9223372036854775808}])"), R"([{"x":9.223372036854776e+18}])");
-    EXPECT_EQ(RoundTrip(R"([{"x":1e400}])"), "error");
 }
 
 TEST(FontListJSON, TextsAreUnescapedAndMembersSorted) {

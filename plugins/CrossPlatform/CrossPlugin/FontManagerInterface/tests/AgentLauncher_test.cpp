@@ -44,9 +44,6 @@ TEST_F(AgentLauncherTest, ARunningProcessIsFoundByItsNameInAnyCase) {
     processes.running = {{1, "/a/PellwickHelper"}, {2, "/b/pellwick.EXE"}, {3, "/c/Pellwick"}};
     EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pellwick", found), 0u);
     EXPECT_EQ(found, "/b/");
-    EXPECT_EQ(trace.Text(),
-              "Entering GetPathToRunningProcessExe('Pellwick', ...)\n"
-              "GetPathToRunningProcessExe('Pellwick', '/b/') returned 0\n");
     EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("pellwick.exe", found), 0u);
     EXPECT_EQ(AgentLauncher::GetPathToRunningProcessExe("Pell.wick", found), CoreErrorCodes::kUnknownError)
         << "a name with a dot is taken as it is";
@@ -59,13 +56,11 @@ TEST_F(AgentLauncherTest, LaunchInfoLinesHaveAKeyAndAValue) {
     const auto path = [](const std::string& text) {
         return AgentLauncher::LaunchInfoValue(text, "pellwick.path");
     };
-    EXPECT_EQ(path("pellwick.args=-x\r\npellwick.path=/a b/P\r\n"), "/a b/P");
-    EXPECT_EQ(path("pellwick.path=/end/of/text"), "/end/of/text");
-    EXPECT_EQ(path("junk\n=\n\rpellwick.path=/a=b\r"), "/a=b");
-    EXPECT_EQ(path("pellwick.path\n=/no"), "");
-    EXPECT_EQ(path("Pellwick.path=/case\n pellwick.path=/blank"), "");
-    EXPECT_EQ(path("pellwick.path=/first\npellwick.path=/second"), "/first");
-    EXPECT_EQ(path(""), "");
+    for (const char* text : {"pellwick.args=-x\r\npellwick.path=/a=b c\r\n", "pellwick.path=/a=b c",
+                             "junk\n=\n\rpellwick.path=/a=b c\rpellwick.path=/second"})
+        EXPECT_EQ(path(text), "/a=b c") << text;
+    for (const char* text : {"pellwick.path\n=/no", "Pellwick.path=/case\n pellwick.path=/blank", ""})
+        EXPECT_EQ(path(text), "") << text;
 }
 
 TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArguments) {
@@ -73,7 +68,6 @@ TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArguments) {
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
     EXPECT_EQ(found, local / "agent 字/");
     EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" --quiet"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Attempting to launch Pellwick: \"" + agent + "\" --quiet\n"));
     EXPECT_THAT(trace.Text(), HasSubstr("Successfully launched Pellwick at: " + agent + " --quiet\n"));
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(nullptr), 0u);
 }
@@ -84,8 +78,6 @@ TEST_F(AgentLauncherTest, AMissingAgentFallsBackToTheUsersOwnFolder) {
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
     EXPECT_THAT(trace.Text(),
                 HasSubstr("but the Pellwick.exe was not found at the specified path (/no/such/Pellwick)\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning fail\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr(" GetLaunchInfoFileValues returning success\n"));
 }
 
 TEST_F(AgentLauncherTest, ValuesThatMeanAnotherFileElsewhereNameNoAgent) {
@@ -116,7 +108,5 @@ TEST_F(AgentLauncherTest, EachWayToFailEndsInAgentNotFound) {
     processes.childExitStatus = 9;
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
     EXPECT_THAT(trace.Text(), HasSubstr("'\"" + agent + "\" ' already exited with error 9\n"));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr(" Could not launch Pellwick.exe\nFindAndLaunchPellwick returning 33562629\n"));
     EXPECT_EQ(found, "");
 }

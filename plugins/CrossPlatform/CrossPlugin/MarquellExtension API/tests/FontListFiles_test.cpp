@@ -31,10 +31,8 @@ protected:
         return platform::Utf8Path(PathOfFileURL(url)).make_preferred();
     }
     size_t FileCount() const {
-        size_t count = 0;
-        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.Path()))
-            ++count;
-        return count;
+        const std::filesystem::directory_iterator entries(folder.Path());
+        return static_cast<size_t>(std::distance(begin(entries), end(entries)));
     }
 
     CapturedTrace trace;

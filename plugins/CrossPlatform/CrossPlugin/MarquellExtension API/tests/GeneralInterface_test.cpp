@@ -4,11 +4,7 @@
 
 #include "CapturedTrace.h"
 
-namespace {
-
-int rebuilds = 0;
-
-}  // namespace
+static int rebuilds = 0;
 
 TEST(GeneralInterface, TheHostRebuildsItsMenuThroughTheLastCallbackGiven) {
     rebuilds = 0;
@@ -27,14 +23,9 @@ TEST(GeneralInterface, TheHostRebuildsItsMenuThroughTheLastCallbackGiven) {
     EXPECT_EQ(rebuilds, 2);
 }
 
-TEST(GeneralInterface, HintsGoToTheTrace) {
+TEST(GeneralInterface, HintsAndKeysGoToTheTrace) {
     CapturedTrace trace;
     GeneralInterface().ShowProgressHint("...100% done");
-    EXPECT_EQ(trace.Text(), "...100% done\n");
-}
-
-TEST(GeneralInterface, KeysAreNotedInTheTrace) {
-    CapturedTrace trace;
     GeneralInterface().SendKeyPress({.isCtrlPressed = true, .isAltPressed = true, .keyCode = 65});
-    EXPECT_EQ(trace.Text(), "Key 65 pressed in a panel (ctrl=1, shift=0, alt=1)\n");
+    EXPECT_EQ(trace.Text(), "...100% done\nKey 65 pressed in a panel (ctrl=1, shift=0, alt=1)\n");
 }

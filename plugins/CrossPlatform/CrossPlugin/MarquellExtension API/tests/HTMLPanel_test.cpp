@@ -14,14 +14,15 @@ namespace {
 using HTMLPanelTest = PanelTest;
 
 /// What the font manager says of one font's images; an empty path is left out.
-void AddImages(const CFRef<CFMutableDictionaryRef>& fontPNGs, int64_t fontID, const std::string& path,
-               const std::string& doubleResolutionPath) {
+CFRef<CFMutableDictionaryRef> Images(int64_t fontID, const std::string& path, const std::string& path2x) {
     const CFRef<CFMutableDictionaryRef> paths = cf::MutableDictionary();
     if (!path.empty())
         cf::Set(paths, kGS_PNGFilenameKey, path);
-    if (!doubleResolutionPath.empty())
-        cf::Set(paths, kGS_2xPNGFilenameKey, doubleResolutionPath);
-    CFDictionarySetValue(fontPNGs.get(), cf::Number(fontID).get(), paths.get());
+    if (!path2x.empty())
+        cf::Set(paths, kGS_2xPNGFilenameKey, path2x);
+    CFRef<CFMutableDictionaryRef> images = cf::MutableDictionary();
+    CFDictionarySetValue(images.get(), cf::Number(fontID).get(), paths.get());
+    return images;
 }
 
 }  // namespace
@@ -31,9 +32,8 @@ TEST_F(HTMLPanelTest, RequestsComeInOnOneEventAndRepliesLeaveOnAnother) {
     service.Deliver(R"({"messageID":16})");
     ASSERT_EQ(service.events.size(), 1u);
     const FakePlugPlug::Event& event = service.events[0];
-    EXPECT_EQ(event.type, "com.vantorix.PluginToPanel");
-    EXPECT_EQ(event.scope, 1);
-    EXPECT_EQ(event.appId, "HTML");
+    EXPECT_EQ(event.type + "/" + std::to_string(event.scope) + "/" + event.appId,
+              "com.vantorix.PluginToPanel/1/HTML");
     EXPECT_EQ(event.extensionId, std::nullopt);
     EXPECT_THAT(event.data, testing::StartsWith(R"({"messageID":16,"isWindows":)"));
 }
@@ -64,54 +64,31 @@ TEST_F(HTMLPanelTest, AServiceThatRefusesIsReported) {
     EXPECT_EQ(withoutService.SendMessage("{}"), CoreErrorCodes::kNullPointer);
     EXPECT_THAT(trace.Text(), HasSubstr("Expression='(mPlugPlug) == nullptr'"));
     EXPECT_EQ(withoutService.RegisterHandler(), CoreErrorCodes::kNullPointer);
-    EXPECT_EQ(withoutService.SetEnabled(true), CoreErrorCodes::kNullPointer);
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='SendMessageW(responseMessage)'"));
-}
-
-TEST_F(HTMLPanelTest, ThereIsNoSocket) {
-    EXPECT_EQ(panel.SelectSocket(true), 0u);
-    EXPECT_EQ(panel.GetSocketPort(), 0u);
 }
 
 TEST_F(HTMLPanelTest, ImagesAreSentWithTheirLocations) {
-    EXPECT_EQ(panel.SendFontImages(cf::MutableDictionary().get()), 0u);
-    EXPECT_EQ(panel.SendFontImages(nullptr), 0u);
-    EXPECT_THAT(service.TakeMessages(),
-                ElementsAre(R"({"messageID":32,"fonts":[]})", R"({"messageID":32,"fonts":[]})"));
-
-    const CFRef<CFMutableDictionaryRef> fontPNGs = cf::MutableDictionary();
-    AddImages(fontPNGs, 4294967295, "/tmp/ü \"1\".png", "/tmp/1@2x.png");
-    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
-    EXPECT_THAT(
-        service.TakeMessages(),
-        ElementsAre(
-            R"({"messageID":32,"fonts":[{"fontID":4294967295,"pngFilename":"file:///tmp/ü \"1\".png",)"
-            R"("2xPNGFilename":"file:///tmp/1@2x.png"}]})"));
-
-    CFDictionaryRemoveAllValues(fontPNGs.get());
-    AddImages(fontPNGs, 8, "/tmp/8.png", "");
-    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
-    CFDictionaryRemoveAllValues(fontPNGs.get());
-    AddImages(fontPNGs, 9, "", "C:/9@2x.png");
-    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
-    EXPECT_THAT(
-        service.TakeMessages(),
-        ElementsAre(
-            R"({"messageID":32,"fonts":[{"fontID":8,"pngFilename":"file:///tmp/8.png","2xPNGFilename":""}]})",
-            R"({"messageID":32,"fonts":[{"fontID":9,"pngFilename":"","2xPNGFilename":"file://C:/9@2x.png"}]})"))
-        << "what was sent before does not come again";
-}
-
-TEST_F(HTMLPanelTest, ImagesOfNoFontAreLeftOut) {
-    const CFRef<CFMutableDictionaryRef> fontPNGs = cf::MutableDictionary();
-    AddImages(fontPNGs, 4294967296, "/tmp/1.png", "");
-    AddImages(fontPNGs, -1, "/tmp/1.png", "");
-    CFDictionarySetValue(fontPNGs.get(), cf::String("5").get(), cf::MutableDictionary().get());
-    CFDictionarySetValue(fontPNGs.get(), cf::Number(6).get(), cf::String("no dictionary").get());
-    EXPECT_EQ(panel.SendFontImages(fontPNGs.get()), 0u);
-    EXPECT_THAT(
-        service.TakeMessages(),
-        ElementsAre(R"({"messageID":32,"fonts":[{"fontID":6,"pngFilename":"","2xPNGFilename":""}]})"));
+    const CFRef<CFMutableDictionaryRef> notOfFonts = Images(-1, "/tmp/1.png", "");
+    CFDictionarySetValue(notOfFonts.get(), cf::String("5").get(), cf::MutableDictionary().get());
+    CFDictionarySetValue(notOfFonts.get(), cf::Number(6).get(), cf::String("no dictionary").get());
+    const std::pair<CFRef<CFMutableDictionaryRef>, const char*> cases[] = {
+        {nullptr, "[]"},
+        {cf::MutableDictionary(), "[]"},
+        {Images(4294967295, "/tmp/ü \"1\".png", "/tmp/1@2x.png"),
+         R"([{"fontID":4294967295,"pngFilename":"file:///tmp/ü \"1\".png","2xPNGFilename":"file:///tmp/1@2x.png"}])"},
+        {Images(8, "/tmp/8.png", ""),
+         R"([{"fontID":8,"pngFilename":"file:///tmp/8.png","2xPNGFilename":""}])"},
+        {Images(9, "", "C:/9@2x.png"),
+         R"([{"fontID":9,"pngFilename":"","2xPNGFilename":"file://C:/9@2x.png"}])"},
+        {Images(4294967296, "/tmp/1.png", ""), "[]"},
+        {notOfFonts, R"([{"fontID":6,"pngFilename":"","2xPNGFilename":""}])"},
+    };
+    for (const auto& [images, fonts] : cases) {
+        EXPECT_EQ(panel.SendFontImages(images.get()), 0u);
+        EXPECT_THAT(service.TakeMessages(),
+                    ElementsAre(R"({"messageID":32,"fonts":)" + std::string(fonts) + "}"));
+    }
+    EXPECT_EQ(panel.SelectSocket(true), 0u);
+    EXPECT_EQ(panel.GetSocketPort(), 0u) << "there is none";
 }
 
 TEST_F(HTMLPanelTest, WhatAPanelAnswersAtOnceIsHandledInTurn) {
@@ -128,13 +105,10 @@ TEST_F(HTMLPanelTest, WhatAPanelAnswersAtOnceIsHandledInTurn) {
     };
     service.Deliver(R"({"messageID":16})");
     EXPECT_EQ(deepest, 1) << "no reply is sent from within the sending of another";
-    std::vector<std::string> ids;
+    std::string ids;
     for (const std::string& message : service.TakeMessages())
-        ids.push_back(message.substr(0, 15));
-    const std::string reply16 = R"({"messageID":16)";
-    const std::string reply18 = R"({"messageID":18)";
-    const std::string reply11 = R"({"messageID":11)";
-    EXPECT_THAT(ids, ElementsAre(reply16, reply18, reply11, reply18, reply11, reply18, reply11));
+        ids += message.substr(13, 2) + " ";
+    EXPECT_EQ(ids, "16 18 11 18 11 18 11 ");
 }
 
 TEST_F(HTMLPanelTest, APanelCannotKeepTheHostBusyForEver) {
@@ -164,14 +138,8 @@ TEST_F(HTMLPanelTest, NothingIsThrownIntoTheHost) {
     EXPECT_EQ(service.events.size(), 1u);
 }
 
-TEST_F(HTMLPanelTest, LargeMessagesAndManyOfThemAreServed) {
-    const std::string huge =
-        R"({"messageID":16,"padding":")" + std::string(size_t{64} << 20, 'x') + R"(","list":[1,2,3]})";
-    service.Deliver(huge);
-    EXPECT_EQ(service.TakeMessages().size(), 1u);
-    for (int count = 0; count < 5000; ++count) {
-        service.Deliver(R"({"messageID":18})");
-        trace.Clear();
-    }
-    EXPECT_EQ(service.events.size(), 5000u);
+TEST_F(HTMLPanelTest, ALargeMessageIsServed) {
+    service.Deliver(R"({"messageID":16,"padding":")" + std::string(size_t{64} << 20, 'x') +
+                    R"(","list":[1]})");
+    EXPECT_EQ(service.events.size(), 1u);
 }

@@ -126,8 +126,6 @@ TEST_F(PanelRequestsTest, EveryRequestMakesItsCallsAndGetsItsReply) {
         Forget();
         EXPECT_EQ(Send(request.message), request.replies) << request.message;
         EXPECT_EQ(library.panelCalls, request.calls) << request.message;
-        EXPECT_THAT(trace.Text(), StartsWith("Entering MarquellPanel::CallMethodForMessage()\n"));
-        EXPECT_THAT(trace.Text(), testing::EndsWith("Exiting MarquellPanel::CallMethodForMessage()\n"));
         EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Unknown"))) << request.message;
     }
 }
@@ -162,15 +160,6 @@ TEST_F(PanelRequestsTest, ARequestWithAMissingOrMistypedKeyIsReportedAndDropped)
     }
 }
 
-TEST_F(PanelRequestsTest, FailedChecksStandInTheLogAsWritten) {
-    Send(R"({"messageID":34})");
-    EXPECT_THAT(trace.Text(), HasSubstr("[Miscellaneous]\t[Error]\tError='CoreErrorCodes::kNotFound'"));
-    EXPECT_THAT(
-        trace.Text(),
-        HasSubstr("Expression='GJSONUtils::GetValueForKey(jsonValue, kSmartListIDKey, smartListID)'"));
-    EXPECT_THAT(trace.Text(), HasSubstr("MarquellPanel"));
-}
-
 TEST_F(PanelRequestsTest, UnknownNumbersAreLoggedAndNothingElse) {
     for (const char* id : {"7", "68", "15", "0", "-1", "43", "99", "4294967312", "-9223372036854775807"}) {
         Forget();
@@ -180,19 +169,13 @@ TEST_F(PanelRequestsTest, UnknownNumbersAreLoggedAndNothingElse) {
                                     "Exiting MarquellPanel::CallMethodForMessage()\n");
         EXPECT_THAT(service.events, IsEmpty());
     }
-    Forget();
-    EXPECT_EQ(panel.CallMethodForMessage(R"({"messageID":48})"), 0u);
-    EXPECT_EQ(trace.LineCount(), 2u) << "accepted silently";
 }
 
 TEST_F(PanelRequestsTest, OnlyObjectsAreRequests) {
-    for (const char* root : {"[]", R"([{"messageID":16}])", "16", R"("messageID")", "true", "null"}) {
-        Forget();
+    for (const char* root : {"[]", R"([{"messageID":16}])", "16", R"("messageID")", "true", "null"})
         EXPECT_EQ(panel.CallMethodForMessage(root), CoreErrorCodes::kError) << root;
-        EXPECT_THAT(trace.Text(), HasSubstr("Expression='!jsonValue.is_map()'")) << root;
-        EXPECT_THAT(trace.Text(),
-                    HasSubstr("Expression='GetJSONValueFromMessage(message, root, jsonObject)'"));
-    }
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='!jsonValue.is_map()'"));
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='GetJSONValueFromMessage(message, root, jsonObject)'"));
     EXPECT_EQ(panel.CallMethodForMessage("{"), CoreErrorCodes::kInvalidParam);
     EXPECT_EQ(panel.CallMethodForMessage("{}"), CoreErrorCodes::kNotFound);
     EXPECT_THAT(service.events, IsEmpty());
@@ -217,10 +200,6 @@ TEST_F(PanelRequestsTest, KeysGoToTheHost) {
     Send(R"({"messageID":67,"isCtrlPressed":true,"isShiftPressed":false,"isAltPressed":true,"keyCode":65})");
     Send(R"({"messageID":67,"isCtrlPressed":false,"isShiftPressed":true,"isAltPressed":false,"keyCode":9})");
     EXPECT_THAT(keys, ElementsAre("65 ctrl alt", "9 shift"));
-    Forget();
-    Send(R"({"messageID":67})");
-    EXPECT_THAT(trace.Text(), HasSubstr(" kSendHostAppKeyPress -- Start\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr(" kSendHostAppKeyPress -- End\n")) << "whatever becomes of it";
 }
 
 TEST_F(PanelRequestsTest, AConflictIsToldBeforeTheResult) {
@@ -234,12 +213,7 @@ TEST_F(PanelRequestsTest, AConflictIsToldBeforeTheResult) {
     EXPECT_THAT(Send(kMessage), ElementsAre(R"({"messageID":46,"fontID":5,"isConflictError":false})",
                                             R"({"messageID":8,"returnCode":117440512})"));
     library.codes["GetFontConflicts"] = {CoreErrorCodes::kNotFound};
-    Forget();
     EXPECT_THAT(Send(kMessage), ElementsAre(R"({"messageID":8,"returnCode":0})")) << "activated all the same";
-    EXPECT_THAT(
-        trace.Text(),
-        HasSubstr("Expression='fontManager->GetFontConflicts({static_cast<UInt32>(outFontInfo.databaseID)}"
-                  ", conflicts)'"));
     library.codes["GetFontInfoByID"] = {CoreErrorCodes::kNotFound};
     Forget();
     EXPECT_THAT(Send(kMessage), testing::Contains(R"({"messageID":8,"returnCode":117440512})"));
@@ -253,19 +227,22 @@ TEST_F(PanelRequestsTest, RepliesWithAReturnCodeTellOfFailures) {
         EXPECT_THAT(Send(R"({"messageID":10})"),
                     ElementsAre(testing::EndsWith(R"("returnCode":117440512})")));
     }
-    framework.numbers["GWFHaveEverBeenEnabled"] = 0;
     library.codes["SetGoogleWebFontsEnabled"] = {CoreErrorCodes::kNotFound};
     EXPECT_THAT(Send(R"({"messageID":9})"), ElementsAre(R"({"messageID":9,"returnCode":117440512})"));
-    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 0);
-    Send(R"({"messageID":9})");
-    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 1);
+}
+
+TEST_F(PanelRequestsTest, ItIsRememberedThatWebFontsWereEnabledOnce) {
+    int64_t& haveEverBeenEnabled = framework.numbers["GWFHaveEverBeenEnabled"];
     library.areWebFontsEnabled = false;
-    framework.numbers["GWFHaveEverBeenEnabled"] = 0;
+    library.codes["SetGoogleWebFontsEnabled"] = {CoreErrorCodes::kNotFound};
+    Send(R"({"messageID":9})");
     Send(R"({"messageID":10})");
-    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 0);
+    EXPECT_EQ(haveEverBeenEnabled, 0);
+    Send(R"({"messageID":9})");
+    EXPECT_EQ(std::exchange(haveEverBeenEnabled, 0), 1);
     library.areWebFontsEnabled = true;
     Send(R"({"messageID":10})");
-    EXPECT_EQ(framework.numbers["GWFHaveEverBeenEnabled"], 1) << "enabled by other means";
+    EXPECT_EQ(haveEverBeenEnabled, 1) << "enabled by other means";
 }
 
 TEST_F(PanelRequestsTest, AFontManagerThatFailsLeavesOtherRequestsWithoutReply) {
@@ -298,28 +275,21 @@ TEST_F(PanelRequestsTest, AnInterfaceLibraryThatLacksAFunctionFailsTheRequest) {
 
 TEST_F(PanelRequestsTest, NamesThatAreNoUtf8ReachNobody) {
     // JSON's own check lets overlong forms and surrogates pass.
-    for (const char* name : {"\xc0\xaf", "\xed\xa0\x80"}) {
-        Send(std::string(R"({"messageID":33,"smartListID":3,"smartListName":")") + name + "\"}");
-        Send(std::string(
-                 R"({"messageID":39,"workgroupIDs":[],"setIDs":[],"smartSetIDs":[],"smartListName":")") +
-             name + "\"}");
+    for (const std::string name : {"\xc0\xaf", "\xed\xa0\x80"}) {
+        Send(R"({"messageID":33,"smartListID":3,"smartListName":")" + name + "\"}");
+        Send(R"({"messageID":39,"workgroupIDs":[],"setIDs":[],"smartSetIDs":[],"smartListName":")" + name +
+             "\"}");
     }
     EXPECT_THAT(library.panelCalls, IsEmpty());
     EXPECT_THAT(service.events, IsEmpty());
 }
 
 TEST_F(PanelRequestsTest, NothingIsRenderedForNoFonts) {
-    EXPECT_THAT(Send(R"({"messageID":32,"highPriorityFontIDs":[7],"fontIDs":[],"smartListID":3})"),
-                IsEmpty());
+    for (const char* fontIDs : {"", "4294967296"})  // cut to 32 bits it would be another font
+        Send(R"({"messageID":32,"highPriorityFontIDs":[7],"smartListID":3,"fontIDs":[)" +
+             std::string(fontIDs) + "]}");
+    EXPECT_THAT(service.events, IsEmpty());
     EXPECT_THAT(library.panelCalls, IsEmpty());
-    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("RenderFontNamePreviewPNGs")));
-    Send(R"({"messageID":32,"highPriorityFontIDs":[],"fontIDs":[1],"smartListID":3})");
-    EXPECT_THAT(trace.Text(),
-                HasSubstr(" CALLING: RenderFontNamePreviewPNGs\n END: RenderFontNamePreviewPNGs\n"));
-    Forget();
-    EXPECT_THAT(Send(R"({"messageID":32,"highPriorityFontIDs":[],"fontIDs":[4294967296],"smartListID":3})"),
-                IsEmpty());
-    EXPECT_THAT(library.panelCalls, IsEmpty()) << "cut to 32 bits it would be another font";
 }
 
 TEST_F(PanelRequestsTest, AListDefinitionIsWrappedWithoutALineFeedAtItsEnd) {
