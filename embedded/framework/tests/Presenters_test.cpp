@@ -30,7 +30,6 @@ TEST(SilentPresenter, GivesTheDefaultAnswerAndLogsIt) {
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 605)), 2);
     EXPECT_EQ(presenter.AskMessageBox(Question(600, 601, kOk)), 1);
     EXPECT_TRUE(presenter.AskDialog({"About", {}}).is_null());
-    EXPECT_EQ(log.LineCount(), 3u);
     EXPECT_THAT(log.Text(), HasSubstr("604/605"));
 }
 
@@ -80,17 +79,16 @@ TEST(ScriptedPresenter, AnEntryStopsOneWorkAtItsStep) {
 
 TEST(ScriptedPresenter, AFileThatIsNoListOfAnswersIsReported) {
     TemporaryFolder folder;
-    EXPECT_EQ(ReadAnswersFile((WriteText(folder / "good", R"([{"titleID": 1}])"), folder / "good")).size(),
-              1u);
-    for (const char* content : {"{}", "[", "[1]", ""}) {
+    const std::string path = folder / "answers";
+    for (const char* content : {"(missing)", "{}", "[", "[1]", ""}) {
         CapturedTrace log;
-        WriteText(folder / "bad", content);
-        EXPECT_TRUE(ReadAnswersFile(folder / "bad").empty());
+        if (*content != '(')
+            WriteText(path, content);
+        EXPECT_TRUE(ReadAnswersFile(path).empty());
         EXPECT_EQ(log.LineCount(), 1u) << content;
     }
-    CapturedTrace log;
-    EXPECT_TRUE(ReadAnswersFile(folder / "missing").empty());
-    EXPECT_THAT(log.Text(), HasSubstr("missing"));
+    WriteText(path, R"([{"titleID": 1}])");
+    EXPECT_EQ(ReadAnswersFile(path).size(), 1u);
 }
 
 TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
@@ -107,15 +105,6 @@ TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
               "{\"dialog\":\"About\",\"details\":{\"version\":\"8\"},\"answer\":null}\n"
               "{\"dialog\":\"Progress\",\"details\":{\"titleID\":204,\"title\":\"Collect\",\"done\":1,"
               "\"total\":3},\"answer\":true}\n");
-}
-
-TEST(TerminalPresenter, TheEndOfInputIsNotForEver) {
-    std::istringstream input;
-    std::ostringstream output;
-    TerminalPresenter presenter({input, output, false}, "en");
-    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2);
-    input.str("1\n");
-    EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 1);
 }
 
 TEST(TerminalPresenter, AMessageWithOneButtonIsNotWaitedForAndColorsAreOptional) {
