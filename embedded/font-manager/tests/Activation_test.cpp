@@ -91,9 +91,8 @@ protected:
         change(activation);
         return activation.Commit();
     }
-    ActivationChanges Lease(size_t index, const HostProcess& host, bool isTaken = true) {
-        return Apply(
-            [&](Activation& activation) { EXPECT_EQ(activation.Lease(FontAt(index), {host}), isTaken); });
+    ActivationChanges Lease(size_t index, const HostProcess& host) {
+        return Apply([&](Activation& activation) { EXPECT_TRUE(activation.Lease(FontAt(index), {host})); });
     }
     bool TryToActivate() {
         bool isActive = false;
@@ -159,11 +158,7 @@ TEST_P(EveryWay, APluginNeverTakesAwayWhatTheUserActivated) {
 }
 
 TEST_P(EveryWay, WhatIsNotCommittedLeavesNoTrace) {
-    {
-        Activation activation(mDatabase, mFonts, mActivations, *mWay);
-        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost, LeasePurpose::kDocument, "document"}));
-        EXPECT_TRUE(mWay->Has(mFile));
-    }
+    EXPECT_TRUE(Activation(mDatabase, mFonts, mActivations, *mWay).Lease(FontAt(0), {kHost}));
     EXPECT_FALSE(mWay->Has(mFile));
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Inactive);
 }
@@ -175,7 +170,6 @@ TEST_P(EveryWay, NotesAFileThatTheVaultHasLost) {
             EXPECT_FALSE(activation.Lease(FontAt(font), {kHost, LeasePurpose::kDesign}));
     });
     EXPECT_EQ(changes.missing, mIDs) << "each once";
-    Lease(0, kHost, false);
     EXPECT_EQ(FontAt(0).activationState, kFontActivationState_Missing);
     Put(mFile, "cut off");
     EXPECT_FALSE(TryToActivate());
@@ -187,9 +181,7 @@ TEST_P(EveryWay, NotesAFileThatTheVaultHasLost) {
 TEST_P(EveryWay, EndsTheLeasesOfHostsThatAreGone) {
     Lease(0, kHost);
     Lease(0, kOtherHost);
-    Apply([&](Activation& activation) {
-        EXPECT_TRUE(activation.Lease(FontAt(1), {kOtherHost, LeasePurpose::kPreview}));
-    });
+    Lease(1, kOtherHost);
     Activation activation(mDatabase, mFonts, mActivations, *mWay);
     const ActivationChanges changes =
         EndLeasesOfDeadHosts(mActivations, activation, [](const HostProcess& host) { return host == kHost; });
@@ -219,9 +211,8 @@ TEST_F(LinkFolderTest, RepairMakesTheLinksAgreeWithTheRecords) {
     Lease(0, kHost);
     platform::RemoveFile(mWay->PathOf(mFile));
     mWorld.Write("data/fonts/" + mStray, "stray");
-    ActiveFonts::Repairs repairs = mWay->Repair(mFonts.ActiveFiles());
-    EXPECT_EQ(repairs.added, 1);
-    EXPECT_EQ(repairs.removed, 1);
+    const ActiveFonts::Repairs repairs = mWay->Repair(mFonts.ActiveFiles());
+    EXPECT_EQ(std::pair(repairs.added, repairs.removed), std::pair(1, 1));
     EXPECT_EQ(mWorld.FilesBelow("data/fonts"), std::vector{mWay->PathOf(mFile)});
 
     platform::RemoveFile(mWay->PathOf(mFile));  // or the vault's file would be cut as well
@@ -232,9 +223,7 @@ TEST_F(LinkFolderTest, RepairMakesTheLinksAgreeWithTheRecords) {
 
     fs::remove_all(platform::Utf8Path(mWorld.Path("data/fonts")));
     mWorld.Write("data/fonts", "no folder");
-    repairs = mWay->Repair(mFonts.ActiveFiles());
-    EXPECT_EQ(repairs.added, 0);
-    EXPECT_NE(repairs.problem, "");
+    EXPECT_NE(mWay->Repair(mFonts.ActiveFiles()).problem, "");
     EXPECT_THROW(Lease(1, kHost), ActivationRefused);
     ASSERT_FALSE(mVault.Remove(mFile));
     EXPECT_EQ(mWay->Repair(mFonts.ActiveFiles()).missing.size(), 1u);
@@ -245,8 +234,8 @@ TEST_F(FontResourcesTest, TellsProgramsOnceACommandAndOnlyOfChanges) {
     Put(other, "another");
     const uint32_t otherID = mFonts.FontsOfFile(mFonts.Add(other, {FontFace{}})).front().id;
     Apply([&](Activation& activation) {
-        EXPECT_TRUE(activation.Lease(FontAt(0), {kHost}));
-        EXPECT_TRUE(activation.Lease(*mFonts.Find(otherID), {kHost}));
+        for (const uint32_t id : {mIDs[0], otherID})
+            EXPECT_TRUE(activation.Lease(*mFonts.Find(id), {kHost}));
     });
     EXPECT_EQ(mTable.announcements, 1);
     Lease(0, kOtherHost);
@@ -306,14 +295,11 @@ TEST_F(VaultTest, KeepsACopyOfAnySizeUnderItsChecksum) {
 }
 
 TEST_F(VaultTest, LooksAroundForWhatIsMissingUnknownDamagedOrLeftHalfWay) {
-    const FontFile known = FileOf("known");
-    const FontFile cut = FileOf("cut");
-    const FontFile damaged = FileOf("abc");
-    const FontFile unknown = FileOf("unknown");
-    Put(known, "known");
-    Put(cut, "c");
-    Put(damaged, "abd");
-    Put(unknown, "unknown");
+    const FontFile known = FileOf("known"), cut = FileOf("cut"), damaged = FileOf("abc"),
+                   unknown = FileOf("unknown");
+    for (const auto& [file, content] :
+         {std::pair{known, "known"}, {cut, "c"}, {damaged, "abd"}, {unknown, "unknown"}})
+        Put(file, content);
     mWorld.Write("vault/incoming/a1B2c3", "half");
     mWorld.Write(mVault.PathOf(known).substr(mWorld.Path("").size()) + ".a1B2c3", "half");
     const std::string foreign = mWorld.Write("vault/zz/mine.ttf", "the user's own");
@@ -349,13 +335,13 @@ TEST(FontManager, EndsTheLeasesOfDeadProcessesAndOfEarlierErasOnce) {
     lease(self);
     lease({process, self.startTime + 1});  // whose identifier is this process's now
     lease({0, 0});
-    EXPECT_EQ(manager.EndLeasesOfDeadProcesses().deactivated, std::vector<uint32_t>{});
+    EXPECT_TRUE(manager.EndLeasesOfDeadProcesses().deactivated.empty());
     EXPECT_EQ(hosts(), std::vector{self});
 
     const std::string era = manager.settings.Era();
     EXPECT_EQ(era, platform::ProcessEra());
-    // An older version noted none.
-    for (const std::string& noted : {era, std::string(), std::string("another"), era}) {
+    for (const std::string& noted :
+         {era, std::string(), std::string("another")}) {  // an older version noted none
         lease(self);
         manager.settings.NoteEra(noted);
         manager.EndLeasesOfEarlierEra();

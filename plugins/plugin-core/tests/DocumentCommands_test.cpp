@@ -83,21 +83,16 @@ TEST_F(DocumentCommandsTest, WhatCollectingCameToIsTold) {
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 654)));
 }
 
-TEST_F(DocumentCommandsTest, ADocumentWithoutFontsGetsAnEmptyFolder) {
+TEST_F(DocumentCommandsTest, WithoutFontsThereIsAnEmptyFolderAndWithoutAFolderNothing) {
     library.fonts.clear();
     OpenDocument();
+    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
+    EXPECT_TRUE(framework.shownBoxes.empty()) << "the user knows";
+    EXPECT_EQ(framework.texts["LastCFOFolder"], "");
     framework.chosenFolder = "/output";
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
     EXPECT_THAT(library.foldersMade, ElementsAre(kDestination));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 652)));
-}
-
-TEST_F(DocumentCommandsTest, WithoutAFolderNothingIsCollected) {
-    OpenDocument();
-    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
-    EXPECT_TRUE(library.exportedTo.empty());
-    EXPECT_TRUE(framework.shownBoxes.empty()) << "the user knows";
-    EXPECT_EQ(framework.texts["LastCFOFolder"], "");
 }
 
 TEST_F(DocumentCommandsTest, ASetOfTheDocumentsFontsIsMadeUnderAFreeName) {

@@ -22,25 +22,23 @@ protected:
 
     /// A panel of the shared panel manager; lives to process end, and answers with success unless told not
     /// to.
-    class FakePanel : public MarquellPanel {
-    public:
+    struct FakePanel : MarquellPanel {
         ErrorCode SelectSocket(bool close) override {
             selections.push_back(close);
             return selectCode;
         }
         uint32_t GetSocketPort() override { return 0; }
-        ErrorCode SetEnabled(bool enabled) override {
-            enabledStates.push_back(enabled);
+        ErrorCode PopNotifications() override { return popCode; }
+        ErrorCode SendMessage(const std::string& message) override {
+            sent.push_back(message);
             return 0;
         }
-        ErrorCode PopNotifications() override { return popCode; }
-        ErrorCode SendMessage(const std::string&) override { return 0; }
         ErrorCode SendFontImages(CFDictionaryRef) override { return 0; }
 
         ErrorCode selectCode = 0;
         ErrorCode popCode = 0;
         std::vector<bool> selections;
-        std::vector<bool> enabledStates;
+        std::vector<std::string> sent;
     };
     static FakePanel* AddPanel() {
         auto panel = std::make_unique<FakePanel>();

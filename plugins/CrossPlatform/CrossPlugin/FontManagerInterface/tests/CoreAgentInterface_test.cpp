@@ -83,7 +83,10 @@ TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
     EXPECT_TRUE(agent.CanExportFromWorkgroup(fonts.get()));
     EXPECT_FALSE(agent.canShowPostscriptReplacements());
     EXPECT_FALSE(agent.AreSchemaVersionsInSync());
-    std::erase(library.given, "GetPluginFacadeInstance ");
+    std::erase_if(library.given, [](const std::string& call) {
+        return call == "GetPluginFacadeInstance " || call == "InitThreadInstance " ||
+               call.starts_with("Log ");
+    });
     EXPECT_THAT(
         library.given,
         ElementsAre("ActivateDocumentFontsByPath '/a.ai' [2] ", "ActivateFonts [1] 'A' 'ActivateLocally' ",

@@ -202,18 +202,6 @@ TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound)
                                             "kPluginNotification_SmartListsChanged"));
 }
 
-TEST_F(NotificationsTest, AReactionThatBringsTheAgentBackUndoesItsEnd) {
-    InstallAgent();
-    Report(kPluginCallback_WorkgroupsChanged);
-    Report(kPluginCallback_AgentShutdown);
-    library.codes["GetAllWorkgroupsForUser"] = {GAgentIF::kShutdown};
-    library.isAgentRunning = false;
-    Process();
-    EXPECT_EQ(processes.launchedCommandLines.size(), 1u);
-    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
-    EXPECT_TRUE(framework.shownBoxes.empty());
-}
-
 TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProcessedOrAskedAgain) {
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
     library.isAgentRunning = false;
@@ -265,16 +253,20 @@ TEST_F(NotificationsTest, NewsOfTheSameThingIsToldOnceAndAsItIsNow) {
     EXPECT_FALSE(MarquellGlobals::IsBulkReplicationRunning());
 }
 
-TEST_F(NotificationsTest, ImagesOfFontsAreJoined) {
+TEST_F(NotificationsTest, ImagesOfFontsAreJoinedUpToALimit) {
     ReportImages({"1", "2"}, " old");
     Report(kPluginCallback_SmartListsChanged);
     ReportImages({"2", "3"}, " new");
-    EXPECT_EQ(NotificationQueue::GetSharedInstance().Count(), 2u);
     Process();
-    ReportImages({"last"}, " newer");
+    std::vector<std::string> fontIDs;
+    while (fontIDs.size() < NotificationQueue::kMostImages - 1)
+        fontIDs.push_back(std::to_string(fontIDs.size() + 1));
+    ReportImages(fontIDs, " x");
+    ReportImages({"last"}, " y");
+    ReportImages({"one more"}, " z");
     Process();
     EXPECT_THAT(Told(), ElementsAre("SmartListsChanged", "PreviewPNGsRendered old new new",
-                                    "PreviewPNGsRendered newer"));
+                                    "PreviewPNGsRendered x x x y", "PanelDataChanged"));
 }
 
 TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
@@ -295,17 +287,6 @@ TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
     const std::vector<std::string> told = Told();
     EXPECT_EQ(told[kMost - 1], "FontMissing " + std::to_string(kMost));
     EXPECT_THAT(std::vector(told.end() - 2, told.end()), ElementsAre("PanelDataChanged", "FontActivated 7"));
-}
-
-TEST_F(NotificationsTest, OfMoreImagesThanWaitPanelsReadTheirDataAnew) {
-    std::vector<std::string> fontIDs;
-    while (fontIDs.size() < NotificationQueue::kMostImages - 1)
-        fontIDs.push_back(std::to_string(fontIDs.size() + 1));
-    ReportImages(fontIDs, "x");
-    ReportImages({"last"}, "y");
-    ReportImages({"one more"}, "z");
-    Process();
-    EXPECT_THAT(Told(), ElementsAre("PreviewPNGsRenderedxxxy", "PanelDataChanged"));
 }
 
 TEST_F(NotificationsTest, UnderAFloodFromAnotherThreadTheLastWordOnEachFontArrives) {

@@ -73,14 +73,10 @@ TEST_F(FontListFilesTest, WhatOthersMadeIsNotTouched) {
 }
 
 TEST_F(FontListFilesTest, NothingIsLeftInTheEnd) {
-    {
-        FontListFiles ofOnePanel;
-        std::string url;
-        EXPECT_EQ(ofOnePanel.Create("x", url), 0u);
-        EXPECT_EQ(FileCount(), 1u);
-    }
+    std::string url;
+    EXPECT_EQ(FontListFiles().Create("x", url), 0u);
     EXPECT_EQ(FileCount(), 0u);
-    const std::string url = Create("x");
+    url = Create("x");
     std::filesystem::remove(PathOf(url));
     EXPECT_EQ(files.Release(url), 0u) << "somebody tidied up before";
 }
@@ -91,8 +87,7 @@ TEST_F(FontListFilesTest, APanelThatReleasesNothingDoesNotFillTheDisk) {
         Create("");
     EXPECT_EQ(FileCount(), 100u);
     EXPECT_EQ(files.Release(first), CoreErrorCodes::kNotFound) << "the oldest went first";
-    const std::string last = Create("");
-    EXPECT_TRUE(std::filesystem::exists(PathOf(last)));
+    EXPECT_TRUE(std::filesystem::exists(PathOf(Create(""))));
 }
 
 TEST_F(FontListFilesTest, AFolderThatCannotBeWrittenToIsReported) {

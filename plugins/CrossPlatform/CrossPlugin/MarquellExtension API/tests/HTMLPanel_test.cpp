@@ -39,11 +39,9 @@ TEST_F(HTMLPanelTest, RequestsComeInOnOneEventAndRepliesLeaveOnAnother) {
 }
 
 TEST_F(HTMLPanelTest, EventsThatAreNoMessageAreDropped) {
-    service.Deliver("no JSON");
-    EXPECT_THAT(trace.Text(), HasSubstr("Failed to parse JSON: JSON parse error:\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='GetJSONValueFromMessage(message, root, jsonObject)'"));
-    for (const char* each : {"", "OK", "{", "\xff", "null", R"({"messageID":16} trailing)"})
+    for (const char* each : {"no JSON", "", "{", "\xff", "null", R"({"messageID":16} trailing)"})
         service.Deliver(each);
+    EXPECT_THAT(trace.Text(), HasSubstr("Failed to parse JSON: JSON parse error:\n"));
     trace.Clear();
     service.Deliver(static_cast<const char*>(nullptr));
     service.Listener()(nullptr, service.Context());
@@ -62,7 +60,6 @@ TEST_F(HTMLPanelTest, AServiceThatRefusesIsReported) {
     EXPECT_THAT(trace.Text(), HasSubstr("Expression='SendMessageW(responseMessage)'"));
     HTMLPanel withoutService(nullptr);
     EXPECT_EQ(withoutService.SendMessage("{}"), CoreErrorCodes::kNullPointer);
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='(mPlugPlug) == nullptr'"));
     EXPECT_EQ(withoutService.RegisterHandler(), CoreErrorCodes::kNullPointer);
 }
 
