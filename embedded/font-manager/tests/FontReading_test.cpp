@@ -73,26 +73,6 @@ TEST(FontScanner, NamesAreMadeFitToShow) {
     EXPECT_LE(CleanName(std::string(100000, '\xFF')).size(), kMaxNameSize);
 }
 
-TEST(FontScanner, SurvivesFontsCutAndChangedAnywhereAsTheRendererDoes) {
-    FontScanner scanner;
-    PreviewRenderer renderer;
-    const std::string font = MakeTestFontCollection({{"X", "X"}, {"Y", "Y"}});
-    const FontFace name = FaceNamed("AAAA", "AAAA");
-    std::string reason;
-    for (size_t position = 0; position < font.size(); ++position) {
-        scanner.Scan(font.substr(0, position), reason);
-        renderer.Render(font.substr(0, position), name, 1);
-        std::string damaged = font;
-        damaged[position] = static_cast<char>(~damaged[position]);
-        ASSERT_LE(renderer.Render(damaged, name, 1).width, kMaxPreviewWidth);
-        for (const FontFace& face : scanner.Scan(damaged, reason))
-            EXPECT_FALSE(face.postScriptName.empty());
-    }
-    FontFace absent = name;
-    absent.face = 7;
-    EXPECT_EQ(renderer.Render(font, absent, 1).width, 0);
-}
-
 /// How many columns have something in them.
 int InkedColumns(const NameImage& image) {
     int inked = 0;
@@ -124,9 +104,9 @@ TEST(PreviewRenderer, ShowsTheFullNameOrElseThePostScriptNameInBothSizes) {
     const int longest = renderer.Render(font, FaceNamed(std::string(100000, 'A'), ""), 2).width;
     EXPECT_NEAR(longest, 2 * kMaxPreviewWidth - 20, 20);
 
-    const std::string file = EncodePng({2, 1, {200, 0}});
     png_image decoded{};
     decoded.version = PNG_IMAGE_VERSION;
+    const std::string file = EncodePng({2, 1, {200, 0}});
     ASSERT_NE(png_image_begin_read_from_memory(&decoded, file.data(), file.size()), 0) << decoded.message;
     decoded.format = PNG_FORMAT_GA;
     std::vector<uint8_t> pixels(PNG_IMAGE_SIZE(decoded));
@@ -192,22 +172,19 @@ TEST(FontWorkMessages, AreNotBelievedBeyondWhatTheyMaySay) {
         EXPECT_FALSE(ParseImage(EncodeImage(wrong))) << wrong.width;
     EXPECT_FALSE(ParseScanResult(EncodeImage(image)));
     EXPECT_FALSE(ParseScanResult("nonsense"));
-    ScanResult good;
-    good.faces.resize(1);
-    good.faces[0].family = "bad\nname";
-    EXPECT_EQ(ParseScanResult(EncodeScanResult(good))->faces[0].family, "badname");
-    const auto isTaken = [&](auto change) {
-        ScanResult result = good;
-        change(result.faces);
-        return ParseScanResult(EncodeScanResult(result)).has_value();
-    };
     using Faces = std::vector<FontFace>;
-    EXPECT_FALSE(isTaken([](Faces& faces) { faces.clear(); })) << "neither fonts nor the reason why";
-    EXPECT_FALSE(isTaken([](Faces& faces) { faces.resize(kMaxFontsPerFile + 1); }));
-    EXPECT_FALSE(isTaken([](Faces& faces) { faces.resize(2); })) << "one face twice";
-    EXPECT_FALSE(isTaken([](Faces& faces) { faces[0].lookupNames.resize(1000); }));
-    EXPECT_FALSE(isTaken([](Faces& faces) { faces[0].face = (int64_t{1} << 32) + 1; }))
-        << "it would be face 1";
+    const auto taken = [](void (*change)(Faces&)) {
+        ScanResult result;
+        result.faces.resize(1);
+        change(result.faces);
+        return ParseScanResult(EncodeScanResult(result));
+    };
+    EXPECT_EQ(taken([](Faces& faces) { faces[0].family = "bad\nname"; })->faces[0].family, "badname");
+    EXPECT_FALSE(taken([](Faces& faces) { faces.clear(); })) << "neither fonts nor the reason why";
+    EXPECT_FALSE(taken([](Faces& faces) { faces.resize(kMaxFontsPerFile + 1); }));
+    EXPECT_FALSE(taken([](Faces& faces) { faces.resize(2); })) << "one face twice";
+    EXPECT_FALSE(taken([](Faces& faces) { faces[0].lookupNames.resize(1000); }));
+    EXPECT_FALSE(taken([](Faces& faces) { faces[0].face = (int64_t{1} << 32) + 1; })) << "it would be face 1";
 }
 
 }  // namespace

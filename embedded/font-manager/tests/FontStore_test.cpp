@@ -5,8 +5,6 @@
 #include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
 #include "activation/ReplacementFinder.h"
-#include "platform/Files.h"
-#include "store/DocumentStore.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/TestWorld.h"
 
@@ -106,23 +104,6 @@ TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
     EXPECT_EQ(mFonts.ListNamed("Many", page.back().id, kListPageSize).front().id, page.back().id + 1);
     mActivations.AddUserActivation(missing + 4000);
     EXPECT_EQ(IDsOf(mFonts.FindActive("Many")), IDs{missing + 4000}) << "wherever it stands";
-}
-
-TEST_F(FontStoreTest, KeepsWhichFontsADocumentUsesUntilItIsCleared) {
-    DocumentStore documents(mDatabase);
-    const uint32_t first = Add("First", "First", "Regular");
-    const uint32_t second = Add("Second", "Second", "Regular");
-    const auto recorded = [&] {
-        Statement query = mDatabase.Prepare("SELECT SUM(font_id) FROM document_fonts");
-        return query.Step() ? query.Integer(0) : -1;
-    };
-    documents.SaveFonts("/document", {first}, false);
-    documents.SaveFonts("/document", {first, second}, false);
-    EXPECT_EQ(recorded(), first + second);
-    documents.SaveFonts("/document", {second}, true);
-    EXPECT_EQ(recorded(), second);
-    EXPECT_TRUE(documents.Clear("/document"));
-    EXPECT_EQ(recorded(), 0);
 }
 
 TEST_F(FontStoreTest, NamesThatAreOnlySpelledDifferentlyAreTheNearest) {
@@ -303,24 +284,6 @@ TEST(Schema, RefusesADatabaseThatIsNoneOfOursAndLeavesItAsItWas) {
             EXPECT_EQ(RefusalOf(database), code) << change;
         }
         EXPECT_EQ(test::ContentOf(path), before) << change;
-    }
-}
-
-TEST(Schema, AFileThatIsCutAnywhereIsRefusedOrNewAndNeverMore) {
-    const TemporaryFolder folder;
-    {
-        Database database(folder / "whole");
-        PrepareSchema(database);
-    }
-    const std::string whole = test::ContentOf(folder / "whole");
-    constexpr size_t kPage = 4096;  // of the last one SQLite misses nothing before it is used
-    for (size_t size = 0; size <= whole.size() - kPage; size += size < 200 ? 7 : 1111) {
-        {
-            Database database(folder.Write("cut", std::string_view(whole).substr(0, size)));
-            EXPECT_EQ(RefusalOf(database) == 0, size == 0) << size;
-        }
-        for (const char* file : {"cut-wal", "cut-shm"})
-            platform::RemoveFile(folder / file);
     }
 }
 

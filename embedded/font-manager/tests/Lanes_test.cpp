@@ -31,14 +31,15 @@ protected:
         worker = Workers().at(0);
         SuspendProcess(worker);
     }
-    std::unique_ptr<TestProcess> BeginToAdd(const std::string& font) {
-        return std::make_unique<TestProcess>(std::vector<std::string>{PELLWICK_PROGRAM, "add", font});
-    }
-    /// Until its copy has arrived, which waits to be read.
-    std::unique_ptr<TestProcess> BeginToAddSecond() {
-        auto adding = BeginToAdd(mWorld.WriteFont("Second-Bold"));
-        EXPECT_TRUE(Eventually([&] { return !Arriving().empty(); }));
+    /// `waits`: until its copy has arrived, which waits to be read.
+    std::unique_ptr<TestProcess> BeginToAdd(const std::string& font, bool waits = false) {
+        const std::vector<std::string> command = {PELLWICK_PROGRAM, "add", font};
+        auto adding = std::make_unique<TestProcess>(command);
+        EXPECT_TRUE(!waits || Eventually([&] { return !Arriving().empty(); }));
         return adding;
+    }
+    std::unique_ptr<TestProcess> BeginToAddSecond() {
+        return BeginToAdd(mWorld.WriteFont("Second-Bold"), true);
     }
     std::vector<std::string> Arriving() { return mWorld.FilesBelow("data/Vantorix/Pellwick/vault/incoming"); }
 
@@ -69,15 +70,11 @@ TEST_F(LanesTest, AWorkerOrAClientThatIsEndedCostsNoFont) {
     SuspendProcess(Workers().at(0));
     const auto adding = BeginToAddSecond();
     KillProcess(Workers().at(0));
-    const ProgramResult result = adding->Finish();
-    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(adding->Finish().status, 0);
     EXPECT_EQ(Fonts().size(), 3u);
     worker = Workers().at(0);
     SuspendProcess(worker);
-    const auto dying = BeginToAdd(mWorld.WriteFont("Fourth-Bold"));
-    EXPECT_TRUE(Eventually([&] { return !Arriving().empty(); }));
-    dying->Kill();
-    dying->Finish();
+    BeginToAdd(mWorld.WriteFont("Fourth-Bold"), true)->Kill();
     ResumeProcess(worker);
     EXPECT_TRUE(Eventually([&] { return Fonts().size() == 4; }));
     EXPECT_EQ(Run({"doctor"}), 0);

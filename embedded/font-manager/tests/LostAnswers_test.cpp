@@ -110,18 +110,6 @@ TEST_F(LostAnswers, AnActivationIsKeptWhereTheAgentIsStoppedBeforeItHearsThatIts
     EXPECT_EQ(states["result"]["states"][0]["isActive"], true);
 }
 
-TEST_F(LostAnswers, WhatIsUndoneAndDoneAgainIsNoNews) {
-    HostConnection first;
-    first.Open(5);
-    ReplaceKilledAgent();
-    HostConnection listener(std::nullopt);
-    listener.Ask(1, method::kSubscribe, Json::object());
-    HostConnection second;
-    EXPECT_EQ(second.Open(6), kBefore);
-    mWorld.RunForJson({"logout"});
-    EXPECT_EQ(IntegerMember(listener.ReadMessage(), "notification"), kPluginCallback_LoggedOut);
-}
-
 TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
     HostConnection first;
     first.Open(5);
@@ -133,10 +121,9 @@ TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
     const Json set = second.CreateSet(8)["result"];
     ReplaceKilledAgent();
     HostConnection third(7);
-    EXPECT_EQ(third.CreateSet(9, 8)["result"], set);
-    EXPECT_EQ(third.CreateSet(10, 9)["result"], set) << "a second time";
+    for (const int time : {9, 10})
+        EXPECT_EQ(third.CreateSet(time, time - 1)["result"], set);
     EXPECT_EQ(third.CreateSet(11)["code"], CoreErrorCodes::kItemAlreadyExists) << "a request of its own";
-    EXPECT_EQ(CountSets(), 1u);
 }
 
 TEST_F(LostAnswers, ARequestWhoseClientHasGoneIsNotBegun) {

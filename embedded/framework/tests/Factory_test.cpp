@@ -1,43 +1,21 @@
 // The library as the core finds it: loaded at run time.
-#include <CoreFoundation++/CFRef.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
 #include "FrameworkTestSupport.h"
-#include "VantorixPluginFramework.h"
-#include "platform/DynamicLibrary.h"
+#include "LoadedFramework.h"
 #include "platform/Folders.h"
 
 namespace {
 
-struct Releaser {
-    void operator()(VantorixPluginFramework* framework) const { framework->Release(); }
-};
-using OwnedFramework = std::unique_ptr<VantorixPluginFramework, Releaser>;
-
 class FactoryTest : public testing::Test {
 protected:
-    FactoryTest() {
-        auto& libraries = platform::Current<platform::DynamicLibraries>();
-        platform::SystemError error;
-        const platform::LibraryHandle library =
-            libraries.LoadFromPath(platform::FullPath(FRAMEWORK_LIBRARY), error);
-        if (library != nullptr)
-            mCreate = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
-                libraries.FindSymbol(library, kCreateVantorixPluginFramework));
+    static OwnedFramework Create(uint32_t version = VantorixPluginFramework::kInterfaceVersion) {
+        return LoadFramework(platform::FullPath(FRAMEWORK_LIBRARY), version);
     }
 
-    void SetUp() override { ASSERT_NE(mCreate, nullptr) << FRAMEWORK_LIBRARY; }
-
-    OwnedFramework Create(uint32_t version = VantorixPluginFramework::kInterfaceVersion) const {
-        const auto identification = cf::MutableDictionary();
-        cf::Set(identification, "HostApp", "Illustrator2025");
-        return OwnedFramework(mCreate(version, "com.vantorix.Plugin", identification.get()));
-    }
-
-    CreateVantorixPluginFrameworkFunction mCreate = nullptr;
     TemporaryFolder mFolder;
     const std::string mPreferences = mFolder / "Vantorix/Preferences.json";
     ScopedVariable mConfiguration{"XDG_CONFIG_HOME", platform::Utf8Text(mFolder.Path())};
@@ -52,7 +30,8 @@ TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {
     EXPECT_FALSE(Create(0));
     EXPECT_FALSE(Create(VantorixPluginFramework::kInterfaceVersion + 1));
     EXPECT_TRUE(Create());
-    EXPECT_TRUE(OwnedFramework(mCreate(VantorixPluginFramework::kInterfaceVersion, nullptr, nullptr)));
+    const auto create = FrameworkFactory(platform::FullPath(FRAMEWORK_LIBRARY));
+    EXPECT_TRUE(OwnedFramework(create(VantorixPluginFramework::kInterfaceVersion, nullptr, nullptr)));
 }
 
 TEST_F(FactoryTest, PreferencesStandBelowTheConfigurationFolderOfTheUser) {

@@ -66,15 +66,13 @@ TEST(ScriptedPresenter, AnEntryStopsOneWorkAtItsStep) {
     CapturedTrace log;
     ScriptedPresenter presenter(json::parse(R"([
         {"dialog": "Progress", "answer": {"stopAt": 2}}, {"dialog": "Progress", "answer": true},
-        {"dialog": "Progress", "answer": false}])"));
-    EXPECT_EQ(StoppedAt(presenter, 5), 2);
-    EXPECT_EQ(StoppedAt(presenter, 5), -1);
-    EXPECT_EQ(StoppedAt(presenter, 5), 0);
-    EXPECT_EQ(StoppedAt(presenter, 5), -1) << "nothing was said about this one";
+        {"dialog": "Progress", "answer": false}, {"dialog": "Progress", "answer": {"stopAt": "2"}}])"));
+    for (const int32_t step : {2, -1, 0})
+        EXPECT_EQ(StoppedAt(presenter, 5), step);
     EXPECT_EQ(log.Text(), "");
-    ScriptedPresenter wrong(json::parse(R"([{"dialog": "Progress", "answer": {"stopAt": "2"}}])"));
-    EXPECT_EQ(StoppedAt(wrong, 5), -1);
+    EXPECT_EQ(StoppedAt(presenter, 5), -1);
     EXPECT_THAT(log.Text(), HasSubstr("names no step to stop at"));
+    EXPECT_EQ(StoppedAt(presenter, 5), -1) << "nothing was said about this one";
 }
 
 TEST(ScriptedPresenter, AFileThatIsNoListOfAnswersIsReported) {

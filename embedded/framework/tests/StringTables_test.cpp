@@ -27,13 +27,10 @@ TEST(LocalizedStrings, EveryTextIsOneToShow) {
             EXPECT_EQ(Conversions(entry.text), std::vector<std::string>(names ? 1 : 0, "%s")) << entry.id;
         }
     }
+    EXPECT_STREQ(FindLocalizedString("fr", 200), "Preferences...") << "without a table";
+    EXPECT_STREQ(FindLocalizedString("de", 200), "Einstellungen...");
     EXPECT_EQ(FindLocalizedString("en", 607), nullptr);
     EXPECT_EQ(FindLocalizedString("de", 0), nullptr);
-}
-
-TEST(LocalizedStrings, ALanguageWithoutATableIsServedInEnglish) {
-    EXPECT_STREQ(FindLocalizedString("fr", 200), "Preferences...");
-    EXPECT_STREQ(FindLocalizedString("de", 200), "Einstellungen...");
 }
 
 TEST(LocalizedStrings, WhatIsFilledInIsTakenAsItIs) {

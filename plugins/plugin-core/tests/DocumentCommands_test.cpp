@@ -154,9 +154,10 @@ TEST_F(DocumentCommandsTest, MissingFontsAreNamedAndReplacedAsTheUserChooses) {
 }
 
 TEST_F(DocumentCommandsTest, ADocumentThatIsNotOpenIsNamed) {
-    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), kNotCompleted);
-    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted);
-    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, ""), kNotCompleted);
-    EXPECT_THAT(framework.shownBoxes, testing::Each(MessageBox(199, 660)));
-    EXPECT_THAT(framework.subjects, ElementsAre("/nowhere.ai", "/nowhere.ai", "/nowhere.ai"));
+    for (const ErrorCode code : {DocumentCommands::HandleExportDocumentFonts(document),
+                                 DocumentCommands::HandleCreateDocumentSet(document),
+                                 DocumentCommands::HandleCheckDocumentFonts(document, "")})
+        EXPECT_EQ(code, kNotCompleted);
+    EXPECT_EQ(framework.shownBoxes, std::vector(3, MessageBox(199, 660)));
+    EXPECT_EQ(framework.subjects, std::vector<std::string>(3, "/nowhere.ai"));
 }

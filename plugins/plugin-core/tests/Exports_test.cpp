@@ -85,29 +85,29 @@ TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
 
 TEST_F(ExportsTest, BeforeItIsStartedNothingIsOffered) {
     FontManagerInterface::GetSharedInstance().OnHostAppShuttingDown();
-    bool flag = false;
-    ShouldShowLogin(&flag);
-    EXPECT_TRUE(flag);
-    flag = true;
-    EXPECT_EQ(PluginIsEnabled(true, &flag), PLUGINCORE_UNKNOWN_ERROR);
-    EXPECT_FALSE(flag);
+    bool shouldLogIn = false;
+    ShouldShowLogin(&shouldLogIn);
+    bool isEnabled = true;
+    EXPECT_EQ(PluginIsEnabled(true, &isEnabled), PLUGINCORE_UNKNOWN_ERROR);
+    EXPECT_TRUE(shouldLogIn && !isEnabled);
     EXPECT_EQ(GetSettings(text, &size), PLUGINCORE_NOT_INITIALIZED);
     EXPECT_EQ(SetPreference("RMF4", "1"), PLUGINCORE_NOT_INITIALIZED);
     EXPECT_STREQ(text, "untouched");
-    EXPECT_EQ(HandleSaveDocument("/d.ai", ""), PLUGINCORE_UNKNOWN_ERROR);
-    EXPECT_EQ(HandleCloseDocument("/d.ai", ""), PLUGINCORE_SUCCESS);
-    EXPECT_EQ(HandleOpenExistingDocument("/d.ai", "[]", text, &size, other, &otherSize, &fontCount),
-              PLUGINCORE_SUCCESS);
-    EXPECT_EQ(fontCount, 0);
     EXPECT_EQ(InvokeCommandDialog(""), PLUGINCORE_INVALID_PARAM) << "no framework to show it";
     const char* resolvable = R"([{"PossibleReplacements":{"a":{}}}])";
-    EXPECT_EQ(InvokeResolveDialog(true, resolvable, text, &size, other, &otherSize),
-              PLUGINCORE_UNKNOWN_ERROR);
-    EXPECT_EQ(InvokeRestrictedFontsDialog(false, resolvable), PLUGINCORE_UNKNOWN_ERROR);
-    EXPECT_EQ(HandleMenuSelection("/d.ai", R"({"m":[{"id":"x","label":"About..."}]})", "x", ""), 0u);
-    EXPECT_EQ(IdleEvent(), 0u);
-    EXPECT_EQ(ProcessPanelMessages(true), 0u);
-    EXPECT_EQ(TerminatePluginCoreInterface(), 0u);
+    const std::vector<uint32_t> refused = {
+        HandleSaveDocument("/d.ai", ""), InvokeRestrictedFontsDialog(false, resolvable),
+        InvokeResolveDialog(true, resolvable, text, &size, other, &otherSize)};
+    EXPECT_THAT(refused, testing::Each(PLUGINCORE_UNKNOWN_ERROR));
+    const std::vector<uint32_t> done = {
+        HandleCloseDocument("/d.ai", ""),
+        HandleOpenExistingDocument("/d.ai", "[]", text, &size, other, &otherSize, &fontCount),
+        HandleMenuSelection("/d.ai", R"({"m":[{"id":"x","label":"About..."}]})", "x", ""),
+        IdleEvent(),
+        ProcessPanelMessages(true),
+        TerminatePluginCoreInterface()};
+    EXPECT_THAT(done, testing::Each(PLUGINCORE_SUCCESS));
+    EXPECT_EQ(fontCount, 0);
 }
 
 TEST_F(ExportsTest, TextThatIsNotUtf8IsAnsweredWithACode) {

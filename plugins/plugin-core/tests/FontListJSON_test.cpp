@@ -3,6 +3,8 @@
 #include <CoreFoundation++/CFRef.h>
 #include <gtest/gtest.h>
 
+#include "TextBuffer.h"
+
 namespace {
 
 /// What the text becomes when it is read and written again.
@@ -55,4 +57,24 @@ TEST(FontListJSON, EndlessNestingIsCut) {
     EXPECT_NE(RoundTrip(nested(40)), nested(40));
     EXPECT_EQ(RoundTrip(nested(40)), RoundTrip(nested(41)));
     EXPECT_LT(RoundTrip(nested(100000)).size(), 200u);
+}
+
+TEST(TextBuffer, ATextMustBeShorterThanItsBuffer) {
+    for (const size_t room : {0, 4, 5, 6}) {
+        char buffer[16] = "untouched";
+        size_t size = room;
+        EXPECT_EQ(CopyTextToBuffer("12345", buffer, &size), room > 5 ? 0 : CoreErrorCodes::kIndexOutOfRange);
+        EXPECT_STREQ(buffer, room > 5 ? "12345" : "untouched");
+        EXPECT_EQ(size, room > 5 ? room : 5) << "the length, without the terminating zero";
+    }
+}
+
+TEST(TextBuffer, ANullListWritesNothing) {
+    char buffer[] = "untouched";
+    size_t size = 0;
+    EXPECT_EQ(CopyFontsToBuffer(nullptr, buffer, &size), CoreErrorCodes::kSuccess);
+    EXPECT_STREQ(buffer, "untouched");
+    size = sizeof buffer;
+    EXPECT_EQ(CopyFontsToBuffer(cf::MutableArray().get(), buffer, &size), CoreErrorCodes::kSuccess);
+    EXPECT_STREQ(buffer, "[]");
 }

@@ -101,10 +101,7 @@ TEST_F(PosixAgent, UsesNoMoreMemoryThanAMessageMayCostAndGivesItBack) {
     SKIP_WITH_SANITIZERS();
     const size_t before = Memory("VmRSS");
     const size_t count = kMaxMessageSize - 11;
-    std::string nonsense =
-        "\x81\xA4"
-        "args"
-        "\xDD";
+    std::string nonsense = std::string("\x81\xA4") + "args\xDD";
     for (int shift = 24; shift >= 0; shift -= 8)
         nonsense += static_cast<char>(count >> shift & 0xFF);
     nonsense.append(count, '\x90');
@@ -180,32 +177,27 @@ void ExpectPrivate(const TestWorld& world) {
 }
 
 TEST(OtherUsers, NothingIsLeftOpenWhateverTheMaskAndWhoeverComesFirst) {
-    const auto useLibrary = [] {
-        static const TestLibrary& bound = *new TestLibrary;
-        PluginThreadInstanceRef thread = nullptr;
-        ASSERT_EQ(bound.InitThreadInstance(&thread), 0u);
-        EXPECT_EQ(bound.BeginLogging(thread, "host.log"), 0u);
-        EXPECT_EQ(bound.Log(thread, "a line\n"), 0u);
-        EXPECT_EQ(bound.DestroyThreadInstance(thread), 0u);
-        EXPECT_EQ(bound.OSCreateDirectory(Locations::OfThisUser().logFolder.c_str()), 0u);
-        EXPECT_EQ(umask(0), 0u) << "a library leaves the host's mask alone";
-    };
-    for (const std::string steps :
-         {"agent library info", "library", "info", "library agent", "info agent library"}) {
+    const TestLibrary library;
+    for (const bool isLibraryFirst : {true, false}) {
         TestWorld world;
         const AtEnd mask([before = umask(0)] { umask(before); });
-        std::istringstream words(steps);
-        for (std::string step; words >> step;) {
-            if (step == "library")
-                useLibrary();
-            else if (step == "info")
-                world.RunForJson({"launch-info"});
-            else {
-                world.StartAgent();
-                world.RunForJson({"add", world.WriteFont("Sample-Bold")});
-                world.RunForJson({"activate", "Sample-Bold"});
-            }
-        }
+        const auto useAgent = [&] {
+            world.StartAgent();
+            world.RunForJson({"add", world.WriteFont("Sample-Bold")});
+            world.RunForJson({"activate", "Sample-Bold"});
+        };
+        if (!isLibraryFirst)
+            useAgent();
+        PluginThreadInstanceRef thread = nullptr;
+        ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
+        EXPECT_EQ(library.BeginLogging(thread, "host.log"), 0u);
+        EXPECT_EQ(library.Log(thread, "a line\n"), 0u);
+        EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
+        EXPECT_EQ(umask(0), 0u) << "a library leaves the host's mask alone";
+        ExpectPrivate(world);
+        if (isLibraryFirst)
+            useAgent();
+        world.RunForJson({"launch-info"});
         ExpectPrivate(world);
     }
 }

@@ -12,29 +12,22 @@ namespace {
 
 using testing::HasSubstr;
 
-int32_t AskIn(Presenter& presenter) {
-    return presenter.AskMessageBox({609, 610, MessageBoxButtons::kYesNo, "Title", "Text"});
-}
-
-int ExitStatus(pid_t child) {
-    int status = 0;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 /// Asks, in a child process with a terminal of its own, whoever the environment says; answers the child's
 /// exit status, which is the answer, and what the terminal showed.
 std::pair<int, std::string> AskWithTerminal(const std::string& typed) {
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0)
-        _exit(AskIn(*ChoosePresenter("en")));
+        _exit(ChoosePresenter("en")->AskMessageBox({609, 610, MessageBoxButtons::kYesNo, "Title", "Text"}));
     EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
     std::string shown;
     char bytes[256];
     for (ssize_t count = 0; (count = read(terminal, bytes, sizeof bytes)) > 0;)
         shown.append(bytes, static_cast<size_t>(count));
     close(terminal);
-    return {ExitStatus(child), shown};
+    int status = -1;
+    waitpid(child, &status, 0);
+    return {WEXITSTATUS(status), shown};
 }
 
 TEST(ChoosePresenter, AsksInTheTerminalUnlessThereAreAnswers) {

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/DynamicLibrary.h"
 #include "platform/Folders.h"
 #include "platform/Windowing.h"
 #include "tests/DialogTestSupport.h"
@@ -28,11 +27,6 @@ RecordList FontsToResolve() {
     return fonts;
 }
 
-void ShowSelectWorkgroup(VantorixPluginFramework& framework) {
-    int32_t workgroup = 7;
-    framework.ShowSelectWorkgroup(Workgroups().get(), &workgroup);
-}
-
 void ShowCommandBox(VantorixPluginFramework& framework) {
     const auto state = cf::MutableDictionary();
     cf::Set(state, "Workgroups", Workgroups());
@@ -41,17 +35,6 @@ void ShowCommandBox(VantorixPluginFramework& framework) {
     cf::Set(state, "IsOnline", true);
     int32_t command = 0;
     framework.ShowCommandBox(state.get(), &command);
-}
-
-void ShowResolveFonts(VantorixPluginFramework& framework) {
-    framework.ShowResolveFonts(FontsToResolve().get(), cf::MutableArray().get(), cf::MutableArray().get());
-}
-
-void ShowRestrictedFonts(VantorixPluginFramework& framework) {
-    framework.ShowRestrictedFonts(Records({FontRecord("Didot"), FontRecord("BodoniURW-Regular"),
-                                           FontRecord("Frutiger-Black"), FontRecord("OptimaNova-Medium")})
-                                      .get(),
-                                  true);
 }
 
 void ShowChooseFolder(VantorixPluginFramework& framework) {
@@ -72,31 +55,24 @@ void ShowProgress(VantorixPluginFramework& framework) {
 
 }  // namespace
 
-OwnedFramework LoadFramework(const std::string& libraryPath) {
-    auto& libraries = platform::SystemDefault<platform::DynamicLibraries>();
-    platform::SystemError error;
-    const platform::LibraryHandle library = libraries.LoadFromPath(libraryPath, error);
-    if (library == nullptr)
-        return nullptr;
-    const auto create = reinterpret_cast<CreateVantorixPluginFrameworkFunction>(
-        libraries.FindSymbol(library, kCreateVantorixPluginFramework));
-    const auto identification = cf::MutableDictionary();
-    cf::Set(identification, "HostApp", "Illustrator2025");
-    cf::Set(identification, "PluginVersion", "8.0.0");
-    return OwnedFramework(
-        create(VantorixPluginFramework::kInterfaceVersion, "com.vantorix.Plugin", identification.get()));
-}
-
 std::vector<FrameworkDialog> FrameworkDialogs(const std::string& libraryPath) {
     using Framework = VantorixPluginFramework;
     return {{"message", [](Framework& it) { it.ShowMessageBox(600, 601, MessageBoxButtons::kOk); }},
             {"question", [](Framework& it) { it.ShowMessageBox(604, 605, MessageBoxButtons::kYesNo); }},
             {"about", [](Framework& it) { it.ShowAbout(); }},
             {"preferences", [](Framework& it) { it.ShowPreferences(); }},
-            {"select-workgroup", ShowSelectWorkgroup},
+            {"select-workgroup",
+             [](Framework& it) {
+                 int32_t workgroup = 7;
+                 it.ShowSelectWorkgroup(Workgroups().get(), &workgroup);
+             }},
             {"command-box", ShowCommandBox},
-            {"resolve-fonts", ShowResolveFonts},
-            {"restricted-fonts", ShowRestrictedFonts},
+            {"resolve-fonts",
+             [](Framework& it) {
+                 it.ShowResolveFonts(FontsToResolve().get(), cf::MutableArray().get(),
+                                     cf::MutableArray().get());
+             }},
+            {"restricted-fonts", [](Framework& it) { it.ShowRestrictedFonts(FontsToResolve().get(), true); }},
             {"choose-folder", ShowChooseFolder},
             {"progress", ShowProgress},
             {"notice", [libraryPath](Framework&) {

@@ -2,19 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "VantorixPluginFramework.h"
-
-struct FrameworkReleaser {
-    void operator()(VantorixPluginFramework* framework) const { framework->Release(); }
-};
-using OwnedFramework = std::unique_ptr<VantorixPluginFramework, FrameworkReleaser>;
-
-/// From the library at that path, as a host gets it; null when it cannot be had.
-OwnedFramework LoadFramework(const std::string& libraryPath);
+#include "tests/LoadedFramework.h"
 
 struct FrameworkDialog {
     std::string name;  ///< as part of a file's name

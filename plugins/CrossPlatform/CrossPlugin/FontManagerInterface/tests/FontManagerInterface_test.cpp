@@ -81,14 +81,12 @@ TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
         << "with a server, what is remote counts";
 }
 
-TEST_F(FacadeTest, TheOwnVersionIsReadWithItsSize) {
+TEST_F(FacadeTest, TheOwnVersionIsRead) {
     versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.1";
     EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "8.1");
-    EXPECT_THAT(trace.Text(), HasSubstr("Got version resource info of size 1 bytes.\n"));
     libraries.pathOfThisModule = std::string(2000, 'x');
     EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "x.x.x.x");
     EXPECT_THAT(trace.Text(), HasSubstr("*** ERROR:  Buffer not large enough for plugin DLL file path!\n"));
-    EXPECT_THAT(trace.Text(), HasSubstr(" (TRUNCATED!!!)\n"));
 }
 
 TEST_F(FacadeTest, TheHostShutsDownOnce) {
@@ -114,9 +112,4 @@ TEST_F(FacadeTest, AWorkgroupIsAvailableWhenTheAgentNamesOneOfTheUsersOwn) {
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
     library.workgroups = {{-2, kWorkgroupType_All, "All"}};
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
-    const CFRef<CFArrayRef> records = WorkgroupRecords({{3, kWorkgroupType_CloudLibrary, "Cloud"}});
-    const auto record = cf::Get<CFDictionaryRef>(records.get(), 0);
-    EXPECT_EQ(cf::GetInt64(record, kGS_WorkgroupIDKey), 3);
-    EXPECT_EQ(cf::GetInt64(record, kGS_WorkgroupTypeKey), kWorkgroupType_CloudLibrary);
-    EXPECT_EQ(cf::GetString(record, kGS_WorkgroupNameKey), "Cloud");
 }

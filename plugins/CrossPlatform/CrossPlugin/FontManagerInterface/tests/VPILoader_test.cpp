@@ -7,7 +7,6 @@
 
 #include "FontManagerWorld.h"
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -83,16 +82,10 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_FALSE(IsLoaded());
     EXPECT_EQ(missingCount, 88u);
     EXPECT_EQ(version, "");
-    for (const std::string& line : {"LoadLibraryA('" + kLibrary + "') returned error code 0x00000002 (2)\n",
-                                    "ERROR:  cannot find " + kLibrary + "\n"})
-        EXPECT_THAT(trace.Text(), HasSubstr(line));
-    EXPECT_THAT(trace.Text(),
-                EndsWith("VPILoader::IsLoaded() returning false because all 88 functions are missing.\n"));
+    EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  cannot find " + kLibrary + "\n"));
     libraries.loadable = {kLibrary};
     EXPECT_FALSE(IsLoaded()) << "a failed load is not tried again";
     EXPECT_FALSE(VPILoader::GetSharedInstance()->IsLoaded(&path, nullptr, &missingCount));
-    EXPECT_THAT(trace.Text(),
-                EndsWith("VPILoader::IsLoaded() returning false because it was called incorrectly.\n"));
 }
 
 TEST_F(VPILoaderTest, ALibraryInTheSearchPathServesWithoutAnAgent) {
@@ -103,8 +96,6 @@ TEST_F(VPILoaderTest, ALibraryInTheSearchPathServesWithoutAnAgent) {
         EXPECT_EQ(path, length < 260 ? libraries.pathOfLoaded : "");
         delete VPILoader::GetSharedInstance();
     }
-    EXPECT_THAT(trace.Text(), HasSubstr("; path='xxx"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Failure in GetModuleFileNameA(0x"));
 }
 
 TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {

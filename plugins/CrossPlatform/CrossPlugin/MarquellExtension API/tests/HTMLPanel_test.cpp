@@ -128,7 +128,6 @@ TEST_F(HTMLPanelTest, NothingIsThrownIntoTheHost) {
     EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in HTMLPanel::EventCallback(): lost\n"));
     service.whileDispatching = [](const std::string&) { throw 5; };
     service.Deliver(R"({"messageID":16})");
-    EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in HTMLPanel::EventCallback()\n"));
     service.whileDispatching = nullptr;
     service.events.clear();
     service.Deliver(R"({"messageID":16})");

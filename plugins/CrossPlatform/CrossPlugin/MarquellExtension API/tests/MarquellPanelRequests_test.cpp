@@ -119,27 +119,21 @@ TEST_F(PanelRequestsTest, ARequestWithAMissingOrMistypedKeyIsReportedAndDropped)
     for (const Request& request : kCatalogue) {
         const auto whole = nlohmann::ordered_json::parse(request.message);
         for (const auto& [key, value] : whole.items()) {
-            const bool isID = key == "messageID";
-            const std::string expression = isID ? "Expression='GJSONUtils::GetValueForKey(root, kMessageIDKey"
-                                                : "Expression='GJSONUtils::GetValueForKey(jsonValue, k";
-            auto changed = whole;
-            changed.erase(key);
-            const auto send = [&](const char* error) {
+            Texts wrongValues = {"null", "{}", "1.5"};
+            if (value.is_number() && key != "messageID")
+                wrongValues.push_back("1099511627776");
+            wrongValues.push_back("");  // missing
+            for (const std::string& wrong : wrongValues) {
+                auto changed = whole;
+                changed.erase(key);
+                if (!wrong.empty())
+                    changed[key] = nlohmann::ordered_json::parse(wrong);
                 Forget();
                 EXPECT_THAT(Send(changed.dump()), IsEmpty()) << changed;
                 EXPECT_THAT(library.panelCalls, IsEmpty()) << changed;
-                EXPECT_THAT(trace.Text(), HasSubstr(expression)) << changed;
-                EXPECT_THAT(trace.Text(), HasSubstr(error)) << changed;
-            };
-            send("Error='CoreErrorCodes::kNotFound'");
-            changed = whole;
-            for (const char* wrong : {"null", "{}", "1.5"}) {
-                changed[key] = nlohmann::ordered_json::parse(wrong);
-                send("Error='CoreErrorCodes::kError'");
-            }
-            if (value.is_number() && !isID) {
-                changed[key] = int64_t{1} << 40;
-                send("Error='CoreErrorCodes::kError'");
+                EXPECT_THAT(trace.Text(), HasSubstr(wrong.empty() ? "Error='CoreErrorCodes::kNotFound'"
+                                                                  : "Error='CoreErrorCodes::kError'"));
+                EXPECT_THAT(trace.Text(), HasSubstr("Expression='GJSONUtils::GetValueForKey("));
             }
         }
     }
@@ -239,7 +233,6 @@ TEST_F(PanelRequestsTest, AnInterfaceLibraryThatLacksAFunctionFailsTheRequest) {
     libraries.symbols.erase("GetAllSmartLists");
     EXPECT_THAT(Send(R"({"messageID":9})"), ElementsAre(R"({"messageID":9,"returnCode":134217728})"));
     EXPECT_THAT(Send(R"({"messageID":38})"), IsEmpty());
-    EXPECT_THAT(Send(R"({"messageID":58})"), ElementsAre(StartsWith(R"({"messageID":58,)")));
 }
 
 TEST_F(PanelRequestsTest, NamesThatAreNoUtf8ReachNobody) {
@@ -257,7 +250,6 @@ TEST_F(PanelRequestsTest, NothingIsRenderedForNoFonts) {
     for (const char* fontIDs : {"", "4294967296"})  // cut to 32 bits it would be another font
         Send(R"({"messageID":32,"highPriorityFontIDs":[7],"smartListID":3,"fontIDs":[)" +
              std::string(fontIDs) + "]}");
-    EXPECT_THAT(service.events, IsEmpty());
     EXPECT_THAT(library.panelCalls, IsEmpty());
 }
 

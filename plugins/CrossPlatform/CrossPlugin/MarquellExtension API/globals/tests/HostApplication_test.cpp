@@ -16,7 +16,7 @@ TEST(HostApplication, KindsShortCodesAndWindowNamesGoByTheName) {
                 {"InDesign2024", HostKind::kInDesign, "id", "indesign"},
                 {"InCopy2024", HostKind::kInCopy, "id", "incopy"},
                 {"Photoshop2024", HostKind::kPhotoshop, "ps", "Photoshop"},
-                {"sketch", HostKind::kOther, "sk", "???"}};
+                {"MySketch", HostKind::kOther, "sk", "???"}};
     for (const auto& row : rows) {
         EXPECT_EQ(HostKindFromName(row.hostApp), row.kind) << row.hostApp;
         EXPECT_EQ(HostShortCode(row.hostApp), row.shortCode) << row.hostApp;

@@ -63,15 +63,13 @@ TEST_F(MarquellGlobalsTest, APathReadsThatFilesVersions) {
     EXPECT_EQ(MarquellGlobals::GetPluginPath(), "/p/ae.plugin");
 }
 
-TEST_F(MarquellGlobalsTest, WithoutAModuleTheVersionIsUnknown) {
+TEST_F(MarquellGlobalsTest, WithoutAModuleOrAShortPathThereIsNoPath) {
     libraries.isModuleKnown = false;
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
     EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "x.x.x.x");
     EXPECT_EQ(MarquellGlobals::GetPluginPath(), "");
     EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "Illustrator2025");
-}
-
-TEST_F(MarquellGlobalsTest, AModuleWithTooLongAPathHasItsVersionsAllTheSame) {
+    libraries.isModuleKnown = true;
     libraries.pathOfThisModule = std::string(4096, 'x');
     versions.values[{libraries.pathOfThisModule, "PrivateBuild"}] = std::string(2000, '8');
     SetUpIdentity("com.vantorix.AutoActivationPlugin.AI29");
@@ -144,11 +142,10 @@ TEST_F(MarquellGlobalsTest, WithoutAHostTheInterfaceIsMadeAllTheSame) {
 }
 
 TEST_F(MarquellGlobalsTest, SketchIsRecognisedAnywhereInTheName) {
-    MarquellGlobals::SetHostApp("MySketch");
-    EXPECT_TRUE(MarquellGlobals::HostAppIsSketch());
-    EXPECT_EQ(MarquellGlobals::GetHostShortCode(), "sk");
-    MarquellGlobals::SetHostApp("mysketch");
-    EXPECT_FALSE(MarquellGlobals::HostAppIsSketch());
+    for (const auto& [name, isSketch] : {std::pair{"MySketch", true}, {"mysketch", false}}) {
+        MarquellGlobals::SetHostApp(name);
+        EXPECT_EQ(MarquellGlobals::HostAppIsSketch(), isSketch);
+    }
 }
 
 TEST_F(MarquellGlobalsTest, FontsAreHandedOverOnlyWhenThePluginWorks) {

@@ -1,0 +1,175 @@
+// The lists of fonts that panels get as files. What becomes of smart lists themselves stands with the
+// requests.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "FileURL.h"
+#include "FontListFiles.h"
+#include "PanelTest.h"
+#include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+std::filesystem::path PathOf(const std::string& url) {
+    return platform::Utf8Path(PathOfFileURL(url)).make_preferred();
+}
+
+std::string ContentOf(const std::string& url) {
+    std::stringstream content;
+    content << std::ifstream(PathOf(url), std::ios::binary).rdbuf();
+    return content.str();
+}
+
+class FontListFilesTest : public testing::Test {
+protected:
+    FontListFilesTest() { folders.paths[platform::KnownFolder::kTemporary] = folder / ""; }
+
+    std::string Create(const std::string& content) {
+        std::string url;
+        EXPECT_EQ(files.Create(content, url), 0u);
+        return url;
+    }
+    size_t FileCount() const {
+        const std::filesystem::directory_iterator entries(folder.Path());
+        return static_cast<size_t>(std::distance(begin(entries), end(entries)));
+    }
+
+    CapturedTrace trace;
+    TemporaryFolder folder;
+    FakeFolders folders;
+    FontListFiles files;
+};
+
+class FontListTest : public PanelTest {
+protected:
+    FontListTest() { folders.paths[platform::KnownFolder::kTemporary] = folder / ""; }
+
+    void AddFont(int64_t id, const std::string& postScriptName, const std::string& displayName, int state,
+                 int workgroupType) {
+        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
+        cf::Set(font, kGS_DatabaseIDKey, id);
+        cf::Set(font, kGS_PostScriptNameKey, postScriptName);
+        cf::Set(font, kGS_DisplayNameKey, displayName);
+        cf::Set(font, kGS_ActivationStateKey, state);
+        cf::Set(font, kGS_WorkgroupTypeKey, workgroupType);
+        cf::Set(font, kGS_WorkgroupIDKey, id % 10);
+        library.smartListFonts.push_back(font);
+    }
+    /// Asks for a list; what stands in its file.
+    std::string FontList() {
+        const std::vector<std::string> replies = Send(R"({"messageID":40,"smartListID":3})");
+        if (replies.size() != 1 || !replies[0].starts_with(R"({"messageID":41,"filename":"file:///)"))
+            return "no list";
+        url = nlohmann::json::parse(replies[0])["filename"];
+        return ContentOf(url);
+    }
+    bool IsFileThere() const { return std::filesystem::exists(PathOf(url)); }
+
+    TemporaryFolder folder;
+    std::string url;
+};
+
+}  // namespace
+
+TEST_F(FontListTest, AListIsAFileWithALineForEachFont) {
+    EXPECT_EQ(FontList(), "");
+    AddFont(4294967295, "S-Bold", "S Bold", kFontActivationState_ActivatedByPlugin,
+            kWorkgroupType_FontLibrary);
+    AddFont(12, "Tab\tbed", "Two\nlines\r\x01\x1F.", kFontActivationState_Inactive, kWorkgroupType_System);
+    AddFont(13, "ü", "", kFontActivationState_SystemFont, kWorkgroupType_GoogleLibrary);
+    AddFont(14, "", "字", kFontActivationState_Missing, kWorkgroupType_TypekitLibrary);
+    library.smartListFonts.push_back(cf::MutableDictionary());
+    EXPECT_EQ(FontList(),
+              "4294967295\tS-Bold\tS Bold\t1\tdesktop\t5\n"
+              "12\tTab bed\tTwo lines   .\t0\tsystem\t2\n"
+              "13\tü\t\t1\tgoogle\t3\n"
+              "14\t\t字\t0\ttypekit\t4\n"
+              "0\t\t\t0\tdesktop\t0\n");
+    EXPECT_THAT(library.panelCalls, testing::Each("GetSmartListFonts(3)"));
+}
+
+TEST_F(FontListTest, TheFileStaysUntilThePanelOrTheHostIsDone) {
+    FontList();
+    EXPECT_TRUE(IsFileThere());
+    Send(R"({"messageID":13,"filename":"file:///etc/passwd"})");
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='mFontListFiles.Release(filename)'"));
+    EXPECT_TRUE(IsFileThere());
+    Send(nlohmann::json{{"messageID", 13}, {"filename", url}}.dump());
+    EXPECT_FALSE(IsFileThere());
+    FontList();
+    panel.Close();
+    EXPECT_FALSE(IsFileThere());
+    library.panelCalls.clear();
+    EXPECT_TRUE(Send(R"({"messageID":40,"smartListID":3})").empty()) << "the host has quit";
+    EXPECT_TRUE(library.panelCalls.empty());
+}
+
+TEST_F(FontListTest, AListThatIsNotNamedIsNotFetchedAndAFileThatCannotBeMadeIsToldToThePanel) {
+    for (const char* request : {R"({"messageID":40})", R"({"messageID":40,"smartListID":4294967299})"})
+        EXPECT_TRUE(Send(request).empty()) << request;
+    EXPECT_TRUE(library.panelCalls.empty());
+    folders.paths[platform::KnownFolder::kTemporary] = folder / "missing";
+    EXPECT_THAT(Send(R"({"messageID":40,"smartListID":3})"), ElementsAre(R"({"messageID":19})"));
+}
+
+TEST_F(FontListFilesTest, AFileIsThereUntilItIsReleased) {
+    const std::string url = Create("1\tSample\n");
+    EXPECT_THAT(url, testing::StartsWith("file:///"));
+    EXPECT_EQ(ContentOf(url), "1\tSample\n");
+    const std::string other = Create("");
+    EXPECT_NE(other, url);
+    EXPECT_EQ(files.Release(url), 0u);
+    EXPECT_FALSE(std::filesystem::exists(PathOf(url)));
+    EXPECT_EQ(files.Release(url), CoreErrorCodes::kNotFound) << "once";
+    const std::string otherPath = platform::Utf8Text(PathOf(other));
+    EXPECT_EQ(files.Release("http://elsewhere" + otherPath), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(files.Release(otherPath), 0u) << "by path as well";
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(FontListFilesTest, WhatOthersMadeIsNotTouched) {
+    const std::string document = folder.Write("font-list-mine.txt", "precious");
+    FontListFiles othersFiles;
+    std::string othersURL;
+    EXPECT_EQ(othersFiles.Create("theirs", othersURL), 0u);
+    for (const std::string& name : {document, "file://" + document, othersURL, std::string()})
+        EXPECT_EQ(files.Release(name), CoreErrorCodes::kNotFound) << name;
+    files.ReleaseAll();
+    EXPECT_EQ(FileCount(), 2u);
+}
+
+TEST_F(FontListFilesTest, NothingIsLeftInTheEnd) {
+    std::string url;
+    EXPECT_EQ(FontListFiles().Create("x", url), 0u);
+    EXPECT_EQ(FileCount(), 0u);
+    url = Create("x");
+    std::filesystem::remove(PathOf(url));
+    EXPECT_EQ(files.Release(url), 0u) << "somebody tidied up before";
+}
+
+TEST_F(FontListFilesTest, APanelThatReleasesNothingDoesNotFillTheDisk) {
+    const std::string first = Create("");
+    for (int count = 1; count < 250; ++count)
+        Create("");
+    EXPECT_EQ(FileCount(), 100u);
+    EXPECT_EQ(files.Release(first), CoreErrorCodes::kNotFound) << "the oldest went first";
+    EXPECT_TRUE(std::filesystem::exists(PathOf(Create(""))));
+}
+
+TEST_F(FontListFilesTest, AFolderThatCannotBeWrittenToIsReported) {
+    std::string url = "untouched";
+    for (const std::string& unusable : {folder / "missing", folder.Write("file", ""), std::string()}) {
+        folders.paths[platform::KnownFolder::kTemporary] = unusable;
+        EXPECT_NE(files.Create("x", url), 0u) << unusable;
+    }
+    EXPECT_EQ(url, "untouched");
+    EXPECT_THAT(trace.Text(), HasSubstr("WriteTemporaryFile("));
+}
