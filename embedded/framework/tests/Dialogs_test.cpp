@@ -83,14 +83,6 @@ protected:
             EXPECT_EQ(AskInWindow(dialog, answer), outcome) << dialog << ": " << answer;
     }
 
-    /// What a terminal shows before the end of `typed`, and what a window does.
-    void ExpectShown(const char* dialog, const char* typed, const char* onTerminal, const char* inWindow) {
-        AskAtTerminal(dialog, typed);
-        EXPECT_THAT(mShown, HasSubstr(onTerminal));
-        AskInWindow(dialog, "");
-        EXPECT_THAT(mShown, HasSubstr(inWindow));
-    }
-
     TemporaryFolder mFolder;
     CapturedTrace mLog;
     std::string mShown;
@@ -261,31 +253,37 @@ TEST_F(DialogsTest, AFolderThatIsNamedOrProposedIsChosen) {
 }
 
 TEST_F(DialogsTest, WhatIsShownSaysWhatIsChosenAndWhatStandsNow) {
-    ExpectShown("Notice", "", "Collect Fonts for Output\nThe document uses", "<OK>");
-    ExpectShown("Question", "huh\n", "1: Yes  2: No  [2] That is not one of the choices.\n", "<Yes> <No>");
-    ExpectShown("About", "", "Quillon Type Client\nPlug-in version 8.0.1\nActivates", "<OK> by default");
-    ExpectShown("Preferences", "1\n", "\n   1  Activate fonts automatically  [off]\n   2  ",
-                "[x] Activate fonts automatically\n[ ] ");
-    ExpectShown("SelectWorkgroup 7", "x\n", "\n   2  Print\n*  3  Print 2024[2J\n   4  2\n",
-                "\no Personal Library\no Print\n* Print 2024");
-    ExpectShown("SelectWorkgroup 7", "x\n",
-                "Enter for Print 2024[2J, q to cancel: ", "<OK> by default\n<Cancel>\n");
-    ExpectShown("CommandBox 30", "",
-                "Online\nCurrent workgroup: Personal Library\n   3  Collect Fonts for Output...\n   4",
-                "Quillon Type Client\nOnline\n<Collect Fonts for Output...>\n<Create Document Set...>\n");
-    ExpectShown("CommandBox 30", "", "\nSelect Workgroup\n*  8  Personal Library\n   9  Print\n  10  \n  11",
-                "Current workgroup: Personal Library\n* Personal Library\no Print\n");
-    ExpectShown("CommandBox offline", "", "Client\nOffline\n   6  Preferences...\n   7  About...\nNumber",
-                "Client\nOffline\n<Preferences...>\n<About...>\n<Close> by default\n");
-    ExpectShown("ResolveFonts", "\n",
-                "Garamond can be replaced with:\n   1  Arial  [Family, 2.1]\n   2  Arial-Bold",
-                "Garamond can be replaced with: *Do not replace oArial (Family, 2.1) oArial-Bold");
-    ExpectShown("ResolveFonts", "\n", "No replacement was found for Lost.\nHelvetica can be",
-                "No replacement was found for Lost.\nHelvetica can be");
-    ExpectShown("RestrictedFonts new", "", "new in the document", "\n- Garamond\n- Lost\n");
-    ExpectShown("ChooseFolder /ü", "",
-                "Where to... exactly?\nFolder, Enter for /ü, q to cancel: ", "Where to... exactly?\n/ü\n");
-    ExpectShown("ChooseFolder", "", "Choose a Folder\n", "Choose a Folder\n\n");
+    const struct {
+        const char *dialog, *typed, *onTerminal, *inWindow;
+    } cases[] = {
+        {"Notice", "", "Collect Fonts for Output\nThe document uses", "<OK>"},
+        {"Question", "huh\n", "1: Yes  2: No  [2] That is not one of the choices.\n", "<Yes> <No>"},
+        {"About", "", "Quillon Type Client\nPlug-in version 8.0.1\nActivates", "<OK> by default"},
+        {"Preferences", "1\n", "   1  Activate fonts automatically  [off]\n", "[x] Activate fonts"},
+        {"SelectWorkgroup 7", "x\n", "\n   2  Print\n*  3  Print 2024[2J\n   4  2\n",
+         "o Print\n* Print 2024"},
+        {"SelectWorkgroup 7", "x\n", "Enter for Print 2024[2J, q to cancel: ", "by default\n<Cancel>\n"},
+        {"CommandBox 30", "",
+         "Online\nCurrent workgroup: Personal Library\n   3  Collect Fonts for Output...\n",
+         "Online\n<Collect Fonts for Output...>\n<Create Document Set...>\n"},
+        {"CommandBox 30", "", "\nSelect Workgroup\n*  8  Personal Library\n   9  Print\n  10  \n  11",
+         "Current workgroup: Personal Library\n* Personal Library\no Print\n"},
+        {"CommandBox offline", "", "Client\nOffline\n   6  Preferences...\n   7  About...\nNumber",
+         "Client\nOffline\n<Preferences...>\n<About...>\n<Close> by default\n"},
+        {"ResolveFonts", "\n", "Garamond can be replaced with:\n   1  Arial  [Family, 2.1]\n   2  Arial-Bold",
+         "Garamond can be replaced with: *Do not replace oArial (Family, 2.1) oArial-Bold"},
+        {"ResolveFonts", "\n", "No replacement was found for Lost.\nHelvetica can be",
+         "found for Lost.\nHel"},
+        {"RestrictedFonts new", "", "new in the document", "\n- Garamond\n- Lost\n"},
+        {"ChooseFolder /ü", "",
+         "exactly?\nFolder, Enter for /ü, q to cancel: ", "Where to... exactly?\n/ü\n"},
+        {"ChooseFolder", "", "Choose a Folder\n", "Choose a Folder\n\n"}};
+    for (const auto& each : cases) {
+        AskAtTerminal(each.dialog, each.typed);
+        EXPECT_THAT(mShown, HasSubstr(each.onTerminal));
+        AskInWindow(each.dialog, "");
+        EXPECT_THAT(mShown, HasSubstr(each.inWindow));
+    }
     AskAtTerminal("CommandBox none", "");
     EXPECT_THAT(mShown, testing::Not(testing::AnyOf(HasSubstr("Current workgroup"), HasSubstr("*"),
                                                     HasSubstr("Check"))));

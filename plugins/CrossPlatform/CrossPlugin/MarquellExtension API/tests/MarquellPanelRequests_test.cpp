@@ -254,9 +254,9 @@ TEST_F(PanelRequestsTest, NothingIsRenderedForNoFonts) {
 }
 
 TEST_F(PanelRequestsTest, AListDefinitionIsWrappedWithoutALineFeedAtItsEnd) {
-    library.smartLists = {{3, "", {}, {}, {}, std::string(58, 'a')}, {4, "", {}, {}, {}, ""}};
+    library.smartLists = {{3, "", {}, {}, {}, std::string(120, 'a')}, {4, "", {}, {}, {}, ""}};
     EXPECT_THAT(Send(R"({"messageID":37,"smartListID":3})"),
-                ElementsAre(testing::EndsWith(R"(YWFh\nYQ=="})")));
+                ElementsAre(testing::EndsWith(R"(YWFh\nYWFhYWFh"})")));
     EXPECT_THAT(Send(R"({"messageID":37,"smartListID":4})"),
                 ElementsAre(R"({"messageID":37,"smartListID":4,"listDefinition":""})"));
 }
