@@ -147,21 +147,14 @@ TEST_F(ExportsTest, TextThatIsNotUtf8IsAnsweredWithACode) {
     EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 3);
 }
 
-TEST_F(ExportsTest, TheVersionIsAgreedOn) {
-    MakeFunctional();
-    for (const uint32_t good : {0u, 8u}) {
+TEST_F(ExportsTest, TheVersionIsAgreedOnAtAnyTime) {
+    const auto agrees = [&](uint32_t version) {
         number = 0;
-        EXPECT_EQ(GetAPIVersion(&number, good), 0u);
+        const uint32_t code = GetAPIVersion(&number, version);
         EXPECT_EQ(number, 8u);
-    }
-    EXPECT_TRUE(framework.shownBoxes.empty());
-    EXPECT_EQ(GetAPIVersion(&number, 7), PLUGINCORE_NOT_IMPLEMENTED);
-    EXPECT_EQ(number, 8u);
-    EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(602u, 603u)));
-}
-
-TEST_F(ExportsTest, WhatIsCalledBeforeTheStartDoesNotSpoilIt) {
-    EXPECT_EQ(GetAPIVersion(&number, 7), PLUGINCORE_NOT_IMPLEMENTED);
+        return code;
+    };
+    EXPECT_EQ(agrees(7), PLUGINCORE_NOT_IMPLEMENTED);
     EXPECT_EQ(GetMenus("", text, &size), PLUGINCORE_INDEX_OUT_OF_RANGE);
     EXPECT_TRUE(framework.shownBoxes.empty()) << "nobody knows yet whose framework it would be";
     EXPECT_EQ(InitializePluginCoreInterface("com.vantorix.AutoActivationPlugin.AI29", ""), 0u);
@@ -169,6 +162,10 @@ TEST_F(ExportsTest, WhatIsCalledBeforeTheStartDoesNotSpoilIt) {
     EXPECT_EQ(PluginIsEnabled(false, &isEnabled), 0u);
     EXPECT_TRUE(isEnabled);
     EXPECT_EQ(SetPreference("RMF4", "1"), 0u);
+    EXPECT_EQ(agrees(0) + agrees(8), 0u);
+    EXPECT_TRUE(framework.shownBoxes.empty());
+    EXPECT_EQ(agrees(7), PLUGINCORE_NOT_IMPLEMENTED);
+    EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(602u, 603u)));
 }
 
 TEST_F(ExportsTest, TheLoginMessageCountsTheUserAsLoggedOut) {
