@@ -64,14 +64,6 @@ TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
     EXPECT_EQ(Identifier(), identifier) << "one record for one path";
 }
 
-TEST_F(DocumentEventsTest, WithoutAFontManagerADocumentIsTrackedWithoutFonts) {
-    EXPECT_EQ(Open("not json"), 0u);
-    EXPECT_EQ(numFontsActivated, 0);
-    EXPECT_STREQ(bufferA.c_str(), "");
-    EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(Close(), CoreErrorCodes::kUnknownError);
-}
-
 TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
     MakeFunctional();
     library.fonts = {{7, "Seven"}};

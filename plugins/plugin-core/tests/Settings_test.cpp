@@ -78,12 +78,3 @@ TEST_F(SettingsTest, TheWorkgroupMayBeNamed) {
     EXPECT_EQ(Settings::SetPreference("RMF4", "Print"), CoreErrorCodes::kInvalidParam);
     EXPECT_EQ(Settings::SetPreference("CurrentWorkgroup", "12"), CoreErrorCodes::kSuccess);
 }
-
-TEST_F(SettingsTest, NothingIsToldWhileThePluginIsNotFunctional) {
-    MarquellGlobals::SetLoggedIn(false);
-    char buffer[2048] = "untouched";
-    size_t size = sizeof buffer;
-    EXPECT_EQ(Settings::GetSettings(buffer, &size), CoreErrorCodes::kNotInitialized);
-    EXPECT_STREQ(buffer, "untouched");
-    EXPECT_EQ(Settings::SetPreference("PickBestMatch", "0"), CoreErrorCodes::kNotInitialized);
-}

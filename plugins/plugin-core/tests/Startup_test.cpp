@@ -149,14 +149,6 @@ TEST_F(StartupTest, DialogsAreAllowedByAMinimumVersionInThePluginsFile) {
     EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{602, 603}}));
 }
 
-TEST_F(StartupTest, TextsThatCannotBeTakenStopItBeforeItBegins) {
-    for (const auto& [identifier, prefix] : std::initializer_list<std::pair<const char*, const char*>>{
-             {nullptr, ""}, {"x", nullptr}, {"\xff", ""}, {"x", "\xc3"}})
-        EXPECT_EQ(InitializeFromIdentifier(identifier, prefix), CoreErrorCodes::kInvalidParam);
-    EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "");
-    EXPECT_EQ(Start(), 0u) << "and does not count";
-}
-
 // ---- The workgroup
 
 TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {

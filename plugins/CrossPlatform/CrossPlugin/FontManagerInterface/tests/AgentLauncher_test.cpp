@@ -63,21 +63,17 @@ TEST_F(AgentLauncherTest, LaunchInfoLinesHaveAKeyAndAValue) {
         EXPECT_EQ(path(text), "") << text;
 }
 
-TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArguments) {
-    WriteInfo(allUsers, agent, "--quiet");
+TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArgumentsFromTheUsersOwnFolderIfNeedBe) {
+    WriteInfo(allUsers, "/no/such/Pellwick");
+    WriteInfo(local, agent, "--quiet");
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
     EXPECT_EQ(found, local / "agent 字/");
-    EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" --quiet"));
-    EXPECT_THAT(trace.Text(), HasSubstr("Successfully launched Pellwick at: " + agent + " --quiet\n"));
-    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(nullptr), 0u);
-}
-
-TEST_F(AgentLauncherTest, AMissingAgentFallsBackToTheUsersOwnFolder) {
-    WriteInfo(allUsers, "/no/such/Pellwick");
-    WriteInfo(local, agent);
-    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
     EXPECT_THAT(trace.Text(),
                 HasSubstr("but the Pellwick.exe was not found at the specified path (/no/such/Pellwick)\n"));
+    WriteInfo(allUsers, agent);
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(nullptr), 0u);
+    EXPECT_THAT(processes.launchedCommandLines,
+                ElementsAre("\"" + agent + "\" --quiet", "\"" + agent + "\" "));
 }
 
 TEST_F(AgentLauncherTest, ValuesThatMeanAnotherFileElsewhereNameNoAgent) {

@@ -89,13 +89,6 @@ TEST_F(FacadeTest, TheOwnVersionIsRead) {
     EXPECT_THAT(trace.Text(), HasSubstr("*** ERROR:  Buffer not large enough for plugin DLL file path!\n"));
 }
 
-TEST_F(FacadeTest, TheHostShutsDownOnce) {
-    fontManager.OnHostAppShuttingDown();
-    EXPECT_EQ(fontManager.GetFontManager(), nullptr);
-    fontManager.OnHostAppShuttingDown();
-    EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
-}
-
 TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, cf::MutableDictionary());

@@ -154,19 +154,6 @@ TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
     EXPECT_TRUE(receiver.names.empty());
 }
 
-TEST_F(NotificationsTest, TheEndOfTheAgentIsToldUnlessAnotherOneHasTakenItsPlace) {
-    Report(kPluginCallback_AgentShutdown);
-    Process();
-    EXPECT_TRUE(MarquellGlobals::ArePluginServicesEnabled());
-    EXPECT_TRUE(framework.shownBoxes.empty());
-    library.isAgentRunning = false;
-    Report(kPluginCallback_AgentShutdown);
-    Process();
-    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
-    EXPECT_FALSE(MarquellGlobals::IsConnectedToCore());
-    EXPECT_THAT(framework.shownBoxes, ElementsAre(std::pair(600u, 601u)));
-}
-
 TEST_F(NotificationsTest, ReplicationIsRemembered) {
     const auto isRunning = [] {
         return std::pair(MarquellGlobals::IsBulkReplicationRunning(),
