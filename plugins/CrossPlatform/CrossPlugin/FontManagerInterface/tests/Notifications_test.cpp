@@ -87,37 +87,26 @@ TEST_F(NotificationsTest, TheCallbackOnlyRecordsAndAFailingPanelHoldsNothingUp) 
 }
 
 TEST_F(NotificationsTest, ReportsBecomePayloadsThatOutliveThem) {
+    constexpr auto kFontID = kPluginNotification_FontActivation_Font_ID;
     const uint32_t fontID = 4000000000;
     const bool truth = true;
     const CFRef<CFMutableDictionaryRef> details = cf::MutableDictionary();
-    const struct {
-        PluginNotificationType type;
-        const void* data;
-        const char* name;
-        const char* key;
-        std::optional<int64_t> value;  ///< under the key
-    } reports[] = {
-        {kPluginCallback_WentOnline, nullptr, "OnlineStateChanged", "isOnline", 1},
-        {kPluginCallback_WentOffline, nullptr, "OnlineStateChanged", "isOnline", 0},
-        {kPluginCallback_LoggedIn, details.get(), "LoggedInStateChanged", "isLoggedIn", 1},
-        {kPluginCallback_LoggedIn, details.get(), "LoggedInStateChanged", "numFonts", 3},
-        {kPluginCallback_TaskProgress, details.get(), "TaskProgress", "numFonts", 3},
-        {kPluginCallback_TaskProgress, nullptr, "TaskProgress", "numFonts", std::nullopt},
-        {kPluginCallback_FontMissing, &fontID, "FontMissing", "kPluginNotification_FontActivation_Font_ID",
-         fontID},
-        {kPluginCallback_FontMissing, nullptr, "FontMissing", "kPluginNotification_FontActivation_Font_ID",
-         std::nullopt},
-        {kPluginCallback_Enabled, &truth, "Enabled", "isEnabled", 1},
-    };
+    const std::tuple<PluginNotificationType, const void*, const char*, std::optional<int64_t>> reports[] = {
+        {kPluginCallback_WentOnline, nullptr, "isOnline", 1},
+        {kPluginCallback_WentOffline, nullptr, "isOnline", 0},
+        {kPluginCallback_LoggedIn, details.get(), "isLoggedIn", 1},
+        {kPluginCallback_LoggedIn, details.get(), "numFonts", 3},
+        {kPluginCallback_TaskProgress, details.get(), "numFonts", 3},
+        {kPluginCallback_TaskProgress, nullptr, "numFonts", std::nullopt},
+        {kPluginCallback_FontMissing, &fontID, kFontID, fontID},
+        {kPluginCallback_FontMissing, nullptr, kFontID, std::nullopt},
+        {kPluginCallback_Enabled, &truth, "isEnabled", 1}};
     NotificationQueue& queue = NotificationQueue::GetSharedInstance();
-    for (const auto& each : reports) {
+    for (const auto& [type, data, key, value] : reports) {
         cf::Set(details, "numFonts", 3);
-        Report(each.type, each.data);
+        Report(type, data);
         cf::Set(details, "numFonts", 4);
-        const auto posted = queue.TakeNext();
-        ASSERT_TRUE(posted) << each.name;
-        EXPECT_EQ(posted->name, "kPluginNotification_" + std::string(each.name));
-        EXPECT_EQ(cf::GetInt64(posted->payload.get(), each.key), each.value) << each.name;
+        EXPECT_EQ(cf::GetInt64(queue.TakeNext()->payload.get(), key), value) << type;
     }
     for (const int32_t unknown : {-1, kPluginCallback_Enabled + 1, INT32_MAX, INT32_MIN})
         CoreAgentNotificationCallback(unknown, nullptr);
