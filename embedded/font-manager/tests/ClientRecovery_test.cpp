@@ -1,5 +1,4 @@
 // Agents and hosts that die, freeze or come back, and the notifications.
-#include <filesystem>
 #include <iterator>
 #include <sstream>
 

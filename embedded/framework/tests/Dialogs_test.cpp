@@ -263,6 +263,8 @@ TEST_F(DialogsTest, WhatIsShownSaysWhatIsChosenAndWhatStandsNow) {
          "o Print\n* Print 2024"},
         {"CommandBox 30", "", "\nSelect Workgroup\n*  8  Personal Library\n   9  Print\n  10  \n  11",
          "Current workgroup: Personal Library\n* Personal Library\no Print\n"},
+        {"CommandBox 30", "", "Current workgroup: Personal Library\n   3  Collect",
+         "<Select Workgroup>\n<Close>\n"},
         {"CommandBox offline", "", "Client\nOffline\n   6  Preferences...\n   7  About...\nNumber",
          "Client\nOffline\n<Preferences...>\n<About...>\n<Close> by default\n"},
         {"ResolveFonts", "\n", "No replacement was found for Lost.\nHelvetica can be",

@@ -1,6 +1,5 @@
 #include "strings/StringTables.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <regex>

@@ -1,7 +1,6 @@
 // The client library, bound as a plug-in binds it.
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
