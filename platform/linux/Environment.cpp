@@ -1,11 +1,20 @@
 #include "platform/Environment.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cctype>
 #include <cstdlib>
 
 namespace platform {
+namespace {
+
+int DescriptorOf(StandardStream stream) {
+    constexpr int kDescriptors[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+    return kDescriptors[static_cast<size_t>(stream)];
+}
+
+}  // namespace
 
 std::string EnvironmentVariable(const char* name) {
     const char* value = std::getenv(name);
@@ -20,15 +29,12 @@ void SetEnvironment(const char* name, const std::string& value) {
 }
 
 bool IsTerminal(StandardStream stream) {
-    switch (stream) {
-        case StandardStream::kInput:
-            return isatty(STDIN_FILENO) != 0;
-        case StandardStream::kOutput:
-            return isatty(STDOUT_FILENO) != 0;
-        case StandardStream::kError:
-            return isatty(STDERR_FILENO) != 0;
-    }
-    return false;
+    return isatty(DescriptorOf(stream)) != 0;
+}
+
+int TerminalWidth(StandardStream stream) {
+    winsize size{};
+    return ioctl(DescriptorOf(stream), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 std::string UserLanguage() {

@@ -16,6 +16,10 @@ namespace {
 struct Fontconfig {
     decltype(&FcInitLoadConfigAndFonts) initLoadConfigAndFonts;
     decltype(&FcConfigGetFonts) configGetFonts;
+    decltype(&FcConfigGetFontDirs) configGetFontDirs;
+    decltype(&FcConfigGetConfigDirs) configGetConfigDirs;
+    decltype(&FcStrListNext) strListNext;
+    decltype(&FcStrListDone) strListDone;
     decltype(&FcPatternGetString) patternGetString;
     decltype(&FcConfigDestroy) configDestroy;
 
@@ -32,11 +36,57 @@ struct Fontconfig {
         };
         if (!bind(functions.initLoadConfigAndFonts, "FcInitLoadConfigAndFonts") ||
             !bind(functions.configGetFonts, "FcConfigGetFonts") ||
+            !bind(functions.configGetFontDirs, "FcConfigGetFontDirs") ||
+            !bind(functions.configGetConfigDirs, "FcConfigGetConfigDirs") ||
+            !bind(functions.strListNext, "FcStrListNext") || !bind(functions.strListDone, "FcStrListDone") ||
             !bind(functions.patternGetString, "FcPatternGetString") ||
             !bind(functions.configDestroy, "FcConfigDestroy"))
             return std::nullopt;
         return functions;
     }
+};
+
+/// What fontconfig finds now. A configuration of its own looks at the folders as they are; the one that a
+/// process shares may be 30 seconds old.
+class FontconfigSurvey {
+public:
+    FontconfigSurvey() : mFontconfig(Fontconfig::Load()) {
+        if (mFontconfig)
+            mConfig = {mFontconfig->initLoadConfigAndFonts(), mFontconfig->configDestroy};
+    }
+
+    /// False where fontconfig is not installed, or has nothing to go by.
+    bool IsThere() const { return mConfig != nullptr; }
+
+    /// A collection stands there once.
+    std::set<std::string> Files() const {
+        std::set<std::string> files;
+        for (const FcSetName set : {FcSetSystem, FcSetApplication}) {
+            const FcFontSet* fonts = mFontconfig->configGetFonts(mConfig.get(), set);
+            for (int index = 0; fonts != nullptr && index < fonts->nfont; ++index) {
+                FcChar8* file = nullptr;
+                if (mFontconfig->patternGetString(fonts->fonts[index], FC_FILE, 0, &file) == FcResultMatch)
+                    files.insert(reinterpret_cast<const char*>(file));
+            }
+        }
+        return files;
+    }
+
+    /// Those of the configuration, and all below them.
+    std::set<std::string> Folders() const {
+        std::set<std::string> folders;
+        for (const auto list : {mFontconfig->configGetConfigDirs, mFontconfig->configGetFontDirs}) {
+            const std::unique_ptr<FcStrList, decltype(&FcStrListDone)> names(list(mConfig.get()),
+                                                                             mFontconfig->strListDone);
+            while (const FcChar8* name = names ? mFontconfig->strListNext(names.get()) : nullptr)
+                folders.insert(reinterpret_cast<const char*>(name));
+        }
+        return folders;
+    }
+
+private:
+    const std::optional<Fontconfig> mFontconfig;
+    std::unique_ptr<FcConfig, decltype(&FcConfigDestroy)> mConfig{nullptr, nullptr};
 };
 
 class LinuxFontTable : public FontTable {
@@ -46,27 +96,9 @@ public:
     bool Remove(const std::string&) override { return false; }
     void AnnounceChange() override {}
 
-    /// None where fontconfig is not installed.
     VisibleFonts Visible() override {
-        VisibleFonts visible;
-        const std::optional<Fontconfig> fontconfig = Fontconfig::Load();
-        if (!fontconfig)
-            return visible;
-        // A configuration of its own looks at the folders as they are now; the shared one may be 30 seconds
-        // old.
-        const std::unique_ptr<FcConfig, decltype(&FcConfigDestroy)> config(
-            fontconfig->initLoadConfigAndFonts(), fontconfig->configDestroy);
-        if (!config)
-            return visible;
-        for (const FcSetName set : {FcSetSystem, FcSetApplication}) {
-            const FcFontSet* fonts = fontconfig->configGetFonts(config.get(), set);
-            for (int index = 0; fonts != nullptr && index < fonts->nfont; ++index) {
-                FcChar8* file = nullptr;
-                if (fontconfig->patternGetString(fonts->fonts[index], FC_FILE, 0, &file) == FcResultMatch)
-                    visible.files.insert(reinterpret_cast<const char*>(file));
-            }
-        }
-        return visible;
+        const FontconfigSurvey survey;
+        return survey.IsThere() ? VisibleFonts{survey.Files(), {}} : VisibleFonts();
     }
 };
 
@@ -76,6 +108,15 @@ template <>
 FontTable& SystemDefault<FontTable>() {
     static LinuxFontTable table;
     return table;
+}
+
+std::optional<InstalledFonts> FindInstalledFonts() {
+    const FontconfigSurvey survey;
+    if (!survey.IsThere())
+        return std::nullopt;
+    const std::set<std::string> files = survey.Files();
+    const std::set<std::string> folders = survey.Folders();
+    return InstalledFonts{{files.begin(), files.end()}, {folders.begin(), folders.end()}};
 }
 
 }  // namespace platform

@@ -151,7 +151,7 @@ public:
 private:
     bool HandOver(std::string_view request, const ReadOnlyFile& file) {
         RequestHeader header{};
-        if (request.size() > kMaxRequest || file.Size(header.fileSize))
+        if (request.size() > kMaxRequest || (file.IsOpen() && file.Size(header.fileSize)))
             return false;
         header.size = static_cast<uint32_t>(request.size());
         std::string bytes(reinterpret_cast<const char*>(&header), sizeof header);
@@ -202,15 +202,17 @@ private:
     bool mIsRunning = true;
 };
 
-/// Without variables of ours, and with the system's own way with every signal.
-int Spawn(const std::string& program, int line, pid_t& process) {
+/// With the system's own way with every signal.
+int Spawn(const std::string& program, int line, Worker::Variables variables, pid_t& process) {
     sigset_t all;
     sigfillset(&all);
     std::string path = program;
     std::string argument = kWorkerArgument;
     const std::array<char*, 3> words = {path.data(), argument.data(), nullptr};
-    const std::array<char*, 1> variables = {nullptr};
-    return SpawnSettings(line, kLine, all).Spawn(path.c_str(), words.data(), variables.data(), process);
+    const std::array<char*, 1> none = {nullptr};
+    return SpawnSettings(line, kLine, all)
+        .Spawn(path.c_str(), words.data(), variables == Worker::Variables::kOurs ? environ : none.data(),
+               process);
 }
 
 #ifndef PLUGINCORE_UNCONFINED
@@ -318,14 +320,14 @@ private:
 }  // namespace
 
 std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const WorkerLimits& limits,
-                                      SystemError& error) {
+                                      SystemError& error, Variables variables) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         error = LastSystemError();
         return nullptr;
     }
     pid_t process = 0;
-    error.code = Spawn(executablePath, ends[1], process);
+    error.code = Spawn(executablePath, ends[1], variables, process);
     close(ends[1]);
     if (error) {
         close(ends[0]);

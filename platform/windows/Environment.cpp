@@ -24,6 +24,11 @@ std::string SystemLanguage() {
     return IsLanguageCode(language) ? language.substr(0, 2) : "en";
 }
 
+HANDLE HandleOf(StandardStream stream) {
+    constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    return GetStdHandle(kHandles[static_cast<size_t>(stream)]);
+}
+
 }  // namespace
 
 std::string EnvironmentVariable(const char* name) {
@@ -39,9 +44,15 @@ void SetEnvironment(const char* name, const std::string& value) {
 }
 
 bool IsTerminal(StandardStream stream) {
-    constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
     DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(kHandles[static_cast<size_t>(stream)]), &mode) != FALSE;
+    return GetConsoleMode(HandleOf(stream), &mode) != FALSE;
+}
+
+int TerminalWidth(StandardStream stream) {
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    return GetConsoleScreenBufferInfo(HandleOf(stream), &screen) != FALSE
+               ? screen.srWindow.Right - screen.srWindow.Left + 1
+               : 0;
 }
 
 std::string UserLanguage() {

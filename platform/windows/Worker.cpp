@@ -168,9 +168,12 @@ private:
     bool HandOver(std::string_view request, const ReadOnlyFile& file) {
         RequestHeader header{};
         HANDLE copy = nullptr;
-        if (request.size() > kMaxRequest || file.Size(header.fileSize) ||
-            !DuplicateHandle(GetCurrentProcess(), reinterpret_cast<HANDLE>(file.NativeHandle()),
-                             mProcess.Get(), &copy, GENERIC_READ, FALSE, 0))
+        if (request.size() > kMaxRequest)
+            return false;
+        if (file.IsOpen() &&
+            (file.Size(header.fileSize) ||
+             !DuplicateHandle(GetCurrentProcess(), reinterpret_cast<HANDLE>(file.NativeHandle()),
+                              mProcess.Get(), &copy, GENERIC_READ, FALSE, 0)))
             return false;
         header.file = reinterpret_cast<uintptr_t>(copy);
         header.size = static_cast<uint32_t>(request.size());
@@ -277,7 +280,7 @@ public:
         request.resize(header.size);
         if (!ReadAll(mLine.Get(), request.data(), request.size()))
             return false;
-        file = Map(handle.Get(), header.fileSize);
+        file = header.file != 0 ? Map(handle.Get(), header.fileSize) : std::string_view();
         return true;
     }
     bool Answer(std::string_view answer) override {
@@ -309,7 +312,7 @@ private:
 }  // namespace
 
 std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const WorkerLimits& limits,
-                                      SystemError& error) {
+                                      SystemError& error, Variables /*variables*/) {
     LineEnds line;
     OwnedHandle job = MakeJob(limits);
     if (!job.IsValid() || !line.Make()) {

@@ -1,8 +1,10 @@
 // The fonts that the system offers to programs.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "platform/Service.h"
 
@@ -41,5 +43,16 @@ public:
 
 template <>
 FontTable& SystemDefault<FontTable>();
+
+/// The font files that the system offers to every program, by being in a folder or a list of the system's or
+/// the user's. Full paths, UTF-8.
+struct InstalledFonts {
+    std::vector<std::string> files;
+    std::vector<std::string> folders;  ///< which they come from, also those that are not there yet
+};
+
+/// What is installed; nothing where that cannot be told. Linux: what fontconfig finds, which reads fonts in
+/// this process where it has not kept what is in a folder. Windows: the lists in the registry.
+std::optional<InstalledFonts> FindInstalledFonts();
 
 }  // namespace platform

@@ -26,10 +26,15 @@ class Worker {
 public:
     virtual ~Worker() = default;  ///< ends the process
 
+    /// Linux: what the process gets of our environment. Windows: it always gets all.
+    enum class Variables {
+        kNone,
+        kOurs  ///< for one that looks for what is the user's
+    };
     /// Starts the program, whose main function is to make a WorkerLine. Null and the reason in `error` on
     /// failure.
     static std::unique_ptr<Worker> Start(const std::string& executablePath, const WorkerLimits& limits,
-                                         SystemError& error);
+                                         SystemError& error, Variables variables = Variables::kNone);
 
     enum class Outcome {
         kAnswered,
@@ -37,8 +42,8 @@ public:
         kDied,       ///< crashed, or was ended: perhaps by something else than the request
         kUnfit       ///< it could not be confined (kUnfitStatus), and has not looked at the request
     };
-    /// Hands over a request with an open file, and waits for the answer. Without one the process is ended,
-    /// and `problem` says for people what it did, as in "took too long".
+    /// Hands over a request, with the file if it is open, and waits for the answer. Without one the process
+    /// is ended, and `problem` says for people what it did, as in "took too long".
     virtual Outcome Exchange(std::string_view request, const ReadOnlyFile& file, std::string& answer,
                              std::string& problem) = 0;
     /// Ends the process, and with it an Exchange under way. Any thread.
@@ -61,7 +66,8 @@ public:
     /// a low integrity level. To be called before anything foreign is read, and after what needs files, such
     /// as loading a conversion of the iconv library. False when that cannot be had.
     virtual bool Confine(const WorkerLimits& limits) = 0;
-    /// Waits for the next request. `file`: the content of the file handed over, valid until the next call.
+    /// Waits for the next request. `file`: the content of the file handed over, if any, valid until the next
+    /// call.
     /// False when there will be none.
     virtual bool Receive(std::string& request, std::string_view& file) = 0;
     /// False when nobody takes it any more.
