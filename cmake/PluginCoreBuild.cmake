@@ -86,6 +86,8 @@ function(plugincore_test name)
       list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
     endif()
   else()
+    # The only fonts that their system has are those of the test's own user.
+    list(APPEND ARG_ENVIRONMENT "FONTCONFIG_FILE=${PROJECT_SOURCE_DIR}/tests/support/fonts.conf")
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/isolated")
   endif()
   if(ARG_EACH_CASE)

@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS PluginCore CoreFoundation EXPORT PluginCoreTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 install(TARGETS TarnwickPluginFramework LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS Pellwick PellwickFontWorker TarnwickPluginInterfaceX64
+install(TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginInterfaceX64
         RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
 if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)

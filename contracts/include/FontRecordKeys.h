@@ -19,6 +19,7 @@
     X(kGS_OutlineFileSizeKey, "OutlineFileSize")   /* number, bytes */                                      \
     X(kGS_AssignedFamilyIDKey, "AssignedFamilyID") /* number */                                             \
     X(kGS_FamilyKey, "Family")                                                                              \
+    X(kGS_StyleKey, "Style") /* as the font has it: "Bold Italic" */                                        \
     X(kGS_PrinterFontKey, "PrinterFont")                                                                    \
     X(kGS_AssignedFamilyNameKey, "AssignedFamilyName")                                                      \
     X(kGS_PathKey, "Path")         /* where the active font file stands, else where it is kept; UTF-8 */    \

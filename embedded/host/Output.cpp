@@ -13,23 +13,8 @@
 
 namespace {
 
-size_t CodePoints(const std::string& text) {
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
 // With the bar before it, this fits on a line of 80 characters.
 constexpr size_t kLongestStepName = 36;
-
-/// The beginning of the text, of at most so many code points.
-std::string FirstCodePoints(const std::string& text, size_t count) {
-    size_t length = 0;
-    for (; length < text.size(); ++length) {
-        if ((text[length] & 0xC0) != 0x80 && count-- == 0)
-            break;
-    }
-    return text.substr(0, length);
-}
 
 bool UseColour() {
     return platform::EnvironmentVariable("NO_COLOR").empty() &&
@@ -77,7 +62,7 @@ void PrintTable(std::vector<std::vector<std::string>> rows) {
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], CodePoints(row[column]));
+            widths[column] = std::max(widths[column], CountCodePoints(row[column]));
     }
     bool isHeading = true;
     for (const auto& row : rows) {
@@ -85,7 +70,7 @@ void PrintTable(std::vector<std::vector<std::string>> rows) {
         for (size_t column = 0; column < row.size(); ++column) {
             line += row[column];
             if (column + 1 < row.size())
-                line.append(widths[column] - CodePoints(row[column]) + 2, ' ');
+                line.append(widths[column] - CountCodePoints(row[column]) + 2, ' ');
         }
         if (isHeading && UseColour())
             line = fmt::format(fmt::emphasis::bold, "{}", line);

@@ -26,5 +26,9 @@ std::string PrintableText(std::string_view text);
 /// that is no UTF-8 becomes U+FFFD.
 std::string PrintableJson(std::string_view json);
 
+/// How many characters (code points) UTF-8 text has, and its beginning of at most so many.
+size_t CountCodePoints(std::string_view text);
+std::string FirstCodePoints(std::string_view text, size_t count);
+
 /// The text without such characters; each ill-formed sequence becomes U+FFFD.
 std::string WithoutUnprintables(std::string_view text);

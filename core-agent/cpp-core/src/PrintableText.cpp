@@ -1,5 +1,7 @@
 #include "PrintableText.h"
 
+#include <algorithm>
+
 #include <utf8.h>
 
 #include <cstddef>
@@ -105,4 +107,18 @@ std::string WithoutUnprintables(std::string_view text) {
             clean += bytes;
     });
     return clean;
+}
+
+size_t CountCodePoints(std::string_view text) {
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
+std::string FirstCodePoints(std::string_view text, size_t count) {
+    size_t length = 0;
+    for (; length < text.size(); ++length) {
+        if ((text[length] & 0xC0) != 0x80 && count-- == 0)
+            break;
+    }
+    return std::string(text.substr(0, length));
 }

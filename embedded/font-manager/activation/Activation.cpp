@@ -27,6 +27,8 @@ Activation::~Activation() {
 }
 
 bool Activation::Lease(const Font& font, const LeaseTerms& terms) {
+    if (font.file.IsSystems())
+        return true;
     if (!MakeActive(font))
         return false;
     mActivations.AddLease(font.id, terms);
@@ -34,6 +36,8 @@ bool Activation::Lease(const Font& font, const LeaseTerms& terms) {
 }
 
 bool Activation::ActivateForUser(const Font& font) {
+    if (font.file.IsSystems())
+        return true;
     if (!MakeActive(font))
         return false;
     mActivations.AddUserActivation(font.id);

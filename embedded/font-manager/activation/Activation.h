@@ -30,6 +30,8 @@ public:
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
 
+    // The system's own fonts are always active: nothing is done for them.
+
     /// Leases the font to a host. False when the font's file is gone, which is noted.
     bool Lease(const Font& font, const LeaseTerms& terms);
     /// The user's own activation. False as above.

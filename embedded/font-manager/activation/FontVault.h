@@ -36,7 +36,10 @@ public:
     explicit FontVault(std::string folder) : mFolder(std::move(folder)) {}
 
     const std::string& Folder() const { return mFolder; }
-    std::string PathOf(const FontFile& file) const { return ShardedPath(mFolder, file); }
+    /// Where the file is kept: here, or where the system has it.
+    std::string PathOf(const FontFile& file) const {
+        return file.IsSystems() ? file.path : ShardedPath(mFolder, file);
+    }
     /// Whether the file is there, with the size it should have.
     bool Has(const FontFile& file) const;
     /// Whether its content is also what its checksum says. Reads all of it.

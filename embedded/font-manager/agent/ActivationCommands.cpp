@@ -1,11 +1,13 @@
 // Activating fonts, for documents and for the user.
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
 #include "agent/FontRecord.h"
 #include "agent/Requests.h"
+#include "agent/SystemFonts.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -106,20 +108,7 @@ Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json&
     return replacements;
 }
 
-}  // namespace
-
-Json commands::ActivateFonts(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
-    LeasedFonts leases(context, StringMember(arguments, member::kDocument));
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
-        if (const auto font = context.manager.fonts.Find(id))
-            leases.Lease(*font);
-    }
-    return {{member::kMatched, leases.Commit()}};
-}
-
-Json commands::ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
+Json ActivateForDocument(CommandContext& context, const Json& arguments) {
     FontManager& manager = context.manager;
     const Json& requests = ArrayMember(arguments, member::kFonts);
     LeasedFonts leases(context, StringMember(arguments, member::kDocument));
@@ -141,6 +130,35 @@ Json commands::ActivateDocumentFonts(CommandContext& context, const Json& argume
             {member::kUnmatched, std::move(unmatched)},
             {member::kReplacements, std::move(replacements)},
             {member::kReported, std::move(reported)}};
+}
+
+/// Once the system's fonts are recorded, or after the time.
+Json ActivateWhenFontsAreKnown(CommandContext& context, const Json& arguments,
+                               std::chrono::steady_clock::time_point deadline) {
+    if (!AreSystemFontsIncomplete(context.manager) || std::chrono::steady_clock::now() > deadline)
+        return ActivateForDocument(context, arguments);
+    // Behind what is being read.
+    return context.Defer(Deferral::LaneName::kSystemFonts, [=](FontWorker&) {
+        return [=](CommandContext& later) { return ActivateWhenFontsAreKnown(later, arguments, deadline); };
+    });
+}
+
+}  // namespace
+
+Json commands::ActivateFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    LeasedFonts leases(context, StringMember(arguments, member::kDocument));
+    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
+        if (const auto font = context.manager.fonts.Find(id))
+            leases.Lease(*font);
+    }
+    return {{member::kMatched, leases.Commit()}};
+}
+
+Json commands::ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    return ActivateWhenFontsAreKnown(context, arguments,
+                                     std::chrono::steady_clock::now() + kSystemFontsPatience);
 }
 
 Json commands::DeactivateFonts(CommandContext& context, const Json& arguments) {

@@ -63,8 +63,9 @@ using Continuation = std::function<Json(CommandContext& context)>;
 /// A part of a command that takes long and does not touch what is the loop's.
 struct Deferral {
     enum class LaneName {
-        kFiles,    ///< copies, checks and reads the files of fonts
-        kPreviews  ///< draws: hosts wait for that, and it is not to wait for files that are added
+        kFiles,       ///< copies, checks and reads the files of fonts
+        kPreviews,    ///< draws: hosts wait for that, and it is not to wait for files that are added
+        kSystemFonts  ///< reads those, however many files are being added
     };
     LaneName lane;
     std::function<Continuation(FontWorker& worker)> work;

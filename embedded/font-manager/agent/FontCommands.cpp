@@ -15,7 +15,7 @@
 namespace pellwick {
 namespace {
 
-/// The next of all fonts, or of those in the set or the smart list that the request gives.
+/// The next of all fonts, or of those that the request gives.
 std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
     FontStore& store = context.manager.fonts;
     const uint32_t after = PageStart(arguments);
@@ -24,7 +24,26 @@ std::vector<Font> NextPage(CommandContext& context, const Json& arguments) {
     if (arguments.contains(member::kSmartList))
         return store.ListFrom(SourcesOfSmartList(context, IntegerMember(arguments, member::kSmartList)),
                               after, kListPageSize);
+    if (arguments.contains(member::kWorkgroup))
+        return store.ListFrom(
+            {false, {FindWorkgroup(context, StringMember(arguments, member::kWorkgroup)).id}, {}}, after,
+            kListPageSize);
+    if (arguments.contains(member::kSystem))
+        return store.ListOfKind(BoolMember(arguments, member::kSystem), after, kListPageSize);
     return store.List(after, kListPageSize);
+}
+
+/// On Linux the system reads fonts to tell: not in this process.
+platform::VisibleFonts LookAtVisibleFonts(FontWorker& worker) {
+    auto& table = platform::Current<platform::FontTable>();
+    if (!table.IsFilledFromFolders())
+        return table.Visible();
+    std::string problem;
+    const auto installed = worker.ListInstalled(problem);
+    if (!installed)
+        throw CommandError(GFontActivationManager::kOSFileSystemError,
+                           "what programs see cannot be told: " + problem);
+    return {{installed->files.begin(), installed->files.end()}, {}};
 }
 
 /// `visible`: what the system offers to programs; null when nobody asked for it.
@@ -32,15 +51,23 @@ Json Page(CommandContext& context, const Json& arguments, const platform::Visibl
     Json records = Json::array();
     for (const Font& font : NextPage(context, arguments)) {
         Json record = FontRecord(context.manager, font);
-        record[member::kStyle] = font.style;
         record[member::kFullName] = font.fullName;
         if (visible != nullptr)
             record[member::kVisible] =
-                IsActive(font) &&
-                visible->Offers(context.manager.activeFonts->PathOf(font.file), font.postScriptName);
+                IsActive(font) && visible->Offers(context.manager.PathOf(font), font.postScriptName);
         records.push_back(std::move(record));
     }
     return {{member::kFonts, std::move(records)}};
+}
+
+void RefuseSystemFonts(CommandContext& context, const std::vector<uint32_t>& ids) {
+    for (const uint32_t id : ids) {
+        const auto font = context.manager.fonts.Find(id);
+        if (font && font->file.IsSystems())
+            throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+                               "\"" + font->postScriptName + "\" is the system's own: " + font->file.path +
+                                   " stays where it is");
+    }
 }
 
 }  // namespace
@@ -53,6 +80,7 @@ Json commands::RemoveFonts(CommandContext& context, const Json& arguments) {
     std::vector<FontFile> files;
     Activation activation = manager.BeginActivation(Durability::kPowerLoss);
     std::vector<uint32_t> left = FontIDsOf(ArrayMember(arguments, member::kFonts));
+    RefuseSystemFonts(context, left);
     std::reverse(left.begin(), left.end());
     for (; !left.empty() && removed.size() < kListPageSize; left.pop_back()) {
         context.audience.KeepAlive();
@@ -78,9 +106,8 @@ Json commands::ListFonts(CommandContext& context, const Json& arguments) {
     if (!BoolMember(arguments, member::kVisible))
         return Page(context, arguments, nullptr);
     // The system may take long to say: it looks at all its fonts.
-    return context.Defer(Deferral::LaneName::kFiles, [arguments](FontWorker&) {
-        const auto visible =
-            std::make_shared<platform::VisibleFonts>(platform::Current<platform::FontTable>().Visible());
+    return context.Defer(Deferral::LaneName::kFiles, [arguments](FontWorker& worker) {
+        const auto visible = std::make_shared<platform::VisibleFonts>(LookAtVisibleFonts(worker));
         return [=](CommandContext& later) { return Page(later, arguments, visible.get()); };
     });
 }

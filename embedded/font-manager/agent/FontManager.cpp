@@ -1,5 +1,6 @@
 #include "agent/FontManager.h"
 
+#include "FontRecordKeys.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
@@ -95,6 +96,12 @@ ActivationChanges FontManager::UndoRequests(const HostProcess& host, long long f
     Activation activation = BeginActivation();
     activation.UndoRequests(host, first, last);
     return activation.Commit();
+}
+
+std::string FontManager::PathOf(const Font& font) const {
+    if (FontActivationStateCountsAsActive(font.activationState) != 0 && !font.file.IsSystems())
+        return activeFonts->PathOf(font.file);
+    return vault.PathOf(font.file);
 }
 
 Workgroup FontManager::CurrentWorkgroup() {

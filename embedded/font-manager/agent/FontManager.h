@@ -20,6 +20,8 @@
 
 namespace pellwick {
 
+struct SystemFontReading;
+
 /// One thread.
 class FontManager {
 public:
@@ -44,6 +46,8 @@ public:
     ActivationChanges EndLeasesOfEarlierEra();
     /// Ends the leases that the host's requests from `first` to `last` took.
     ActivationChanges UndoRequests(const HostProcess& host, long long first, long long last);
+    /// Where programs find the font when it is active, else where it is kept.
+    std::string PathOf(const Font& font) const;
     /// The workgroup that new fonts go to.
     Workgroup CurrentWorkgroup();
     /// The user's first workgroup, which is always there.
@@ -62,7 +66,8 @@ public:
     FontVault vault;
     const std::unique_ptr<ActiveFonts> activeFonts;
     PreviewFolder previews;
-    std::set<uint32_t> undrawable;  ///< fonts of which no image could be made
+    std::set<uint32_t> undrawable;                       ///< fonts of which no image could be made
+    std::weak_ptr<SystemFontReading> systemFontReading;  ///< the one under way, if any
 
 private:
     ActivationChanges EndLeasesUnless(bool (*mayBeAlive)(const HostProcess& host), Activation& activation);

@@ -6,11 +6,9 @@
 #include "GFontManagerConstants.h"
 
 namespace pellwick {
-namespace {}  // namespace
 
 bool IsActive(const Font& font) {
-    return font.activationState == kFontActivationState_ActivatedByUser ||
-           font.activationState == kFontActivationState_ActivatedByPlugin;
+    return FontActivationStateCountsAsActive(font.activationState) != 0;
 }
 
 Json FontRecord(const FontManager& manager, const Font& font) {
@@ -18,14 +16,14 @@ Json FontRecord(const FontManager& manager, const Font& font) {
     return {{kGS_DatabaseIDKey, font.id},
             {kGS_PostScriptNameKey, font.postScriptName},
             {kGS_FamilyKey, font.family},
+            {kGS_StyleKey, font.style},
             {kGS_FoundryKey, font.foundry},
             {kGS_FontKindKey, GFontManagerConstants::FontKindToName(font.kind)},
             {kGS_VersionKey, font.version},
             {kGS_ChecksumKey, font.file.checksum},
             {kGS_OutlineFileNameKey, font.file.name},
             {kGS_OutlineFileSizeKey, font.file.size},
-            {kGS_PathKey,
-             IsActive(font) ? manager.activeFonts->PathOf(font.file) : manager.vault.PathOf(font.file)},
+            {kGS_PathKey, manager.PathOf(font)},
             {kGS_ActivationStateKey, font.activationState},
             {kGS_WorkgroupIDKey, font.workgroupID},
             {kGS_WorkgroupNameKey, font.workgroupName},
@@ -54,7 +52,7 @@ RequestedFont RequestedFontOf(const Json& record) {
     }
     request.postScriptName = StringMember(record, kGS_PostScriptNameKey);
     request.family = StringMember(record, kGS_FamilyKey);
-    request.style = StringMember(record, member::kStyle);
+    request.style = StringMember(record, kGS_StyleKey);
     request.foundry = StringMember(record, kGS_FoundryKey);
     request.kind = GFontManagerConstants::FontKindFromRecord(StringMember(record, kGS_FontKindKey));
     return request;

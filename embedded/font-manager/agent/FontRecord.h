@@ -13,7 +13,7 @@ Json FontRecord(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);
 
-/// Whether the user or a plug-in holds the font active.
+/// Whether the user or a plug-in holds the font active, or the system offers it.
 bool IsActive(const Font& font);
 
 /// What a request's font record, or a bare name in its place, asks for.

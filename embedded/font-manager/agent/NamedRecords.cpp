@@ -12,7 +12,9 @@ int32_t IDOf(long long number) {
 }
 
 Workgroup FindWorkgroup(CommandContext& context, const std::string& name) {
-    const auto workgroup = context.manager.workgroups.FindByName(name);
+    auto workgroup = context.manager.workgroups.FindByName(name);
+    if (!workgroup)  // as people are shown it
+        workgroup = context.manager.workgroups.FindByName(name + kNameToBeLocalized);
     if (!workgroup && name == kAllWorkgroupsName)
         throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
                            "\"" + name + "\" stands for all workgroups together; name one of them");

@@ -63,7 +63,7 @@ Json Report(CommandContext& context, const std::vector<WantedPreview>& wanted) {
         else if (each.isUndrawable)
             context.manager.undrawable.insert(each.font.id);
         else if (const auto font = context.manager.fonts.Find(each.font.id);
-                 font && !context.manager.vault.Has(font->file))
+                 font && !font->file.IsSystems() && !context.manager.vault.Has(font->file))
             activation.NoteMissing(font->file);
     }
     AnnounceChanges(context.audience, activation.Commit());

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "agent/SystemFonts.h"
 #include "agent/VaultCommands.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
@@ -55,8 +56,10 @@ Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& loc
       mGoodbyeTimer(mLoop),
       mPendingTimer(mLoop),
       mVaultTimer(mLoop),
+      mSystemFontsTimer(mLoop),
       mFileLane(FontWorkerPath()),
       mPreviewLane(FontWorkerPath()),
+      mSystemFontsLane(FontWorkerPath()),
       mAddress(mLoop, manager.locations, log, [this](platform::LocalStream stream) {
           try {
               Admit(std::make_shared<platform::LocalStream>(std::move(stream)),
@@ -72,6 +75,8 @@ void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
     CheckVaultLater();
+    mFontWatch.emplace(mLoop, [this] { ReadSystemFontsLater(); });
+    ReadSystemFonts();
     WatchGround();
     while (!GoOn()) {
     }
@@ -189,8 +194,7 @@ void Server::Defer(PendingCommand command, Deferral deferral) {
         KeepPendingAlive();
     const uint64_t number = ++mLastPending;
     mPending.emplace(number, std::move(command));
-    Lane& lane = deferral.lane == Deferral::LaneName::kFiles ? mFileLane : mPreviewLane;
-    lane.Post([this, number, work = std::move(deferral.work)](FontWorker& worker) {
+    LaneOf(deferral.lane).Post([this, number, work = std::move(deferral.work)](FontWorker& worker) {
         Continuation rest;
         try {
             rest = work(worker);
@@ -201,6 +205,18 @@ void Server::Defer(PendingCommand command, Deferral deferral) {
         }
         asio::post(mLoop, [this, number, rest = std::move(rest)] { GoOnWith(number, rest); });
     });
+}
+
+Lane& Server::LaneOf(Deferral::LaneName name) {
+    switch (name) {
+        case Deferral::LaneName::kFiles:
+            return mFileLane;
+        case Deferral::LaneName::kPreviews:
+            return mPreviewLane;
+        case Deferral::LaneName::kSystemFonts:
+            return mSystemFontsLane;
+    }
+    return mFileLane;
 }
 
 void Server::GoOnWith(uint64_t number, const Continuation& rest) {
@@ -245,6 +261,27 @@ void Server::CheckVaultLater() {
         if (mFileLane.IsIdle())
             RunOwn("checking the vault", CheckNextFile);
         CheckVaultLater();
+    });
+}
+
+void Server::ReadSystemFonts() {
+    RunOwn("reading the system's fonts", [this](CommandContext& context) {
+        return pellwick::ReadSystemFonts(context, [this](const std::vector<std::string>& folders) {
+            if (!mIsStopping && mFontWatch->Watch(folders))
+                ReadSystemFontsLater();
+        });
+    });
+}
+
+void Server::ReadSystemFontsLater() {
+    mSystemFontsTimer.expires_after(kFontChangePause);
+    mSystemFontsTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure)
+            return;
+        if (mManager.systemFontReading.expired())
+            ReadSystemFonts();
+        else
+            ReadSystemFontsLater();
     });
 }
 
@@ -364,6 +401,8 @@ void Server::Stop() {
     mUndoTimer.cancel();
     mPendingTimer.cancel();
     mVaultTimer.cancel();
+    mSystemFontsTimer.cancel();
+    mFontWatch.reset();
     const std::string goodbye = FrameOf({{member::kGoodbye, true}});
     const auto sessions = mSessions;
     for (const auto& session : sessions)

@@ -16,6 +16,7 @@
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
 #include "platform/Files.h"
+#include "platform/FontWatch.h"
 #include "platform/LocalStream.h"
 #include "workers/Lane.h"
 
@@ -70,6 +71,7 @@ private:
     template <class Step>
     void Proceed(PendingCommand command, const Step& step);
     void Defer(PendingCommand command, Deferral deferral);
+    Lane& LaneOf(Deferral::LaneName name);
     /// Continues the pending command of that number.
     void GoOnWith(uint64_t number, const Continuation& rest);
     void Finish(const PendingCommand& command, const CommandAnswer& answer);
@@ -78,6 +80,9 @@ private:
     /// Carries out a command of the agent's own.
     void RunOwn(const char* method, const Continuation& command);
     void CheckVaultLater();
+    void ReadSystemFonts();
+    /// Once the system has nothing more to report for a while.
+    void ReadSystemFontsLater();
     bool GoOn();
     void NoteLackOfMemory() noexcept;
     /// False when that could not be written.
@@ -103,6 +108,8 @@ private:
     Client mOwnClient;
     asio::steady_timer mPendingTimer;
     asio::steady_timer mVaultTimer;
+    asio::steady_timer mSystemFontsTimer;
+    std::optional<platform::FontWatch> mFontWatch;
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;
@@ -111,6 +118,7 @@ private:
     // Their threads post to the loop.
     Lane mFileLane;
     Lane mPreviewLane;
+    Lane mSystemFontsLane;
     AgentAddress mAddress;  ///< goes first, so that nobody is sent to an agent that ends
 };
 

@@ -35,6 +35,7 @@ Json commands::GetStatus(CommandContext& context, const Json&) {
     FontManager& manager = context.manager;
     return {{member::kProcess, platform::CurrentProcessId()},
             {member::kFonts, manager.fonts.Count()},
+            {member::kSystemFonts, manager.fonts.CountSystemFonts()},
             {member::kActiveFiles, manager.fonts.CountActiveFiles()},
             {member::kHosts, manager.activations.Hosts().size()},
             {member::kLoggedIn, manager.settings.IsLoggedIn()},

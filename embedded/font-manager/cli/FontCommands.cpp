@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "FontRecordKeys.h"
 #include "cli/Fonts.h"
@@ -119,7 +121,10 @@ ExitStatus AddFonts(AgentSession& session, const std::vector<std::string>& paths
 ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
-    Json left = IDsOf(FindFonts(session, names, isComplete));
+    const Json found = FindFonts(session, names, isComplete);
+    const Json own = WithoutSystemFonts(found, "and stays where it is");
+    isComplete = isComplete && (found.empty() || !own.empty());
+    Json left = IDsOf(own);
     Json removed = Json::array();
     while (!left.empty()) {
         const Json answer = session.Call(method::kRemoveFonts, {{member::kFonts, left}});
@@ -135,9 +140,15 @@ ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& na
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
-ExitStatus ListFonts(AgentSession& session, bool isVisible) {
+/// Those of the system are listed where they are asked for, in whatever way.
+ExitStatus ListFonts(AgentSession& session, const FontFilter& filter) {
     session.StartAgentIfNeeded();
-    const Json fonts = ListFontsBy(session, {{member::kVisible, isVisible}});
+    Json source = Json::object();
+    if (!filter.workgroup.empty())
+        source[member::kWorkgroup] = filter.workgroup;
+    else if (filter.isSystems || (filter.text + filter.family + filter.state).empty())
+        source[member::kSystem] = filter.isSystems;
+    const Json fonts = ListFontsBy(session, source, filter);
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}});
     return kExit_Done;
@@ -146,7 +157,8 @@ ExitStatus ListFonts(AgentSession& session, bool isVisible) {
 ExitStatus ActivateFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
-    const Json fonts = FindFonts(session, names, isComplete);
+    const Json found = FindFonts(session, names, isComplete);
+    const Json fonts = WithoutSystemFonts(found, "and always active");
     const Json failed = CallForFonts(session, method::kActivateForUser, fonts, member::kFailed);
     for (const Json& font : failed)
         PrintError("the file of " + StringMember(font, kGS_PostScriptNameKey) +
@@ -158,15 +170,28 @@ ExitStatus ActivateFonts(AgentSession& session, const std::vector<std::string>& 
     return isComplete && failed.empty() ? kExit_Done : kExit_CouldNot;
 }
 
+/// The fonts that are not among the others.
+Json Without(const Json& fonts, const Json& others) {
+    std::set<long long> unwanted;
+    for (const Json& font : others)
+        unwanted.insert(IntegerMember(font, kGS_DatabaseIDKey));
+    Json rest = Json::array();
+    std::copy_if(fonts.begin(), fonts.end(), std::back_inserter(rest), [&](const Json& font) {
+        return unwanted.count(IntegerMember(font, kGS_DatabaseIDKey)) == 0;
+    });
+    return rest;
+}
+
 ExitStatus DeactivateFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
-    const Json fonts = FindFonts(session, names, isComplete);
+    const Json found = FindFonts(session, names, isComplete);
+    const Json fonts = WithoutSystemFonts(found, "and always active");
     const Json stillActive = CallForFonts(session, method::kDeactivateForUser, fonts, member::kStillActive);
     if (session.PrintsJson())
         PrintJson({{"fonts", fonts}, {"stillActive", stillActive}});
     else
-        PrintFonts(fonts, "deactivated");
+        PrintFonts(Without(fonts, stillActive), "deactivated");
     for (const Json& font : stillActive)
         PrintError(StringMember(font, kGS_PostScriptNameKey) + " stays active while open documents use it");
     return isComplete ? kExit_Done : kExit_CouldNot;
@@ -189,9 +214,16 @@ void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
     withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
     withNames("deactivate", "End that", DeactivateFonts);
-    AddCommand(app, chosen, "list", "List the fonts", [&](AgentSession& session) {
-        return ListFonts(session, arguments.isVisible);
-    })->add_flag("--visible", arguments.isVisible, "Only those that the system offers to programs now");
+    FontFilter& filter = arguments.filter;
+    auto* list = AddCommand(app, chosen, "list", "List the fonts, but for the system's",
+                            [&](AgentSession& session) { return ListFonts(session, filter); });
+    AddText(*list, "TEXT", filter.text, "Those with this in their name, the system's included");
+    AddText(*list, "--family", filter.family, "Those of this family, the system's included");
+    AddText(*list, "--workgroup", filter.workgroup, "Those in this workgroup");
+    AddText(*list, "--state", filter.state, "Those in this state: active, in use, missing, system, or -")
+        ->check(CLI::IsMember({"active", "in use", "missing", "system", "-"}));
+    list->add_flag("--system", filter.isSystems, "The system's");
+    list->add_flag("--visible", filter.isVisible, "Those that the system offers to programs now");
 }
 
 }  // namespace pellwick::cli

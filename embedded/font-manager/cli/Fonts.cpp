@@ -8,6 +8,7 @@
 #include "PrintableText.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
+#include "platform/Environment.h"
 
 namespace pellwick::cli {
 namespace {
@@ -20,16 +21,49 @@ const char* StateText(long long state) {
             return "in use";
         case kFontActivationState_Missing:
             return "missing";
+        case kFontActivationState_SystemFont:
+            return "system";
         default:
             return "-";
     }
 }
 
-void PrintFontRow(const Json& font) {
+/// Filled up to so many columns, for a terminal that gives each character one.
+std::string Filled(std::string text, size_t width) {
+    const size_t length = CountCodePoints(text);
+    return length < width ? text.append(width - length, ' ') : text;
+}
+
+/// A person sees one line a font; programs and files get all of it.
+void PrintFontRow(const Json& font, int width) {
     const auto text = [&](const char* key) { return PrintableText(StringMember(font, key)); };
-    std::printf("%6lld  %-7s  %-40s  %s, %s (%s)\n", IntegerMember(font, kGS_DatabaseIDKey),
-                StateText(IntegerMember(font, kGS_ActivationStateKey)), text(kGS_PostScriptNameKey).c_str(),
-                text(kGS_FamilyKey).c_str(), text("Style").c_str(), text(kGS_FontKindKey).c_str());
+    std::string row = Filled(std::to_string(IntegerMember(font, kGS_DatabaseIDKey)), 6) + " " +
+                      Filled(StateText(IntegerMember(font, kGS_ActivationStateKey)), 7) + " " +
+                      Filled(text(kGS_PostScriptNameKey), 32) + " " + text(kGS_FamilyKey) + ", " +
+                      text(kGS_StyleKey) + " (" + text(kGS_FontKindKey) + ")";
+    if (width > 1 && CountCodePoints(row) > static_cast<size_t>(width))
+        row = FirstCodePoints(row, static_cast<size_t>(width) - 1) + "\u2026";
+    std::puts(row.c_str());
+}
+
+std::string LowerCase(std::string text) {
+    for (char& character : text) {
+        if (character >= 'A' && character <= 'Z')
+            character = static_cast<char>(character - 'A' + 'a');
+    }
+    return text;
+}
+
+bool IsWanted(const Json& font, const FontFilter& filter) {
+    const auto contains = [&](const char* key) {
+        return LowerCase(StringMember(font, key)).find(LowerCase(filter.text)) != std::string::npos;
+    };
+    return (!filter.isVisible || BoolMember(font, member::kVisible)) &&
+           (filter.family.empty() ||
+            LowerCase(StringMember(font, kGS_FamilyKey)) == LowerCase(filter.family)) &&
+           (filter.state.empty() || filter.state == StateText(IntegerMember(font, kGS_ActivationStateKey))) &&
+           (filter.text.empty() || contains(kGS_PostScriptNameKey) || contains(kGS_FamilyKey) ||
+            contains(member::kFullName));
 }
 
 /// Appends the fonts that go by the name.
@@ -88,25 +122,45 @@ void PrintFonts(const Json& fonts, const char* action) {
         PrintLine(std::string(action) + " " + StringMember(font, kGS_PostScriptNameKey));
 }
 
-Json ListFontsBy(AgentSession& session, Json filter) {
+Json ListFontsBy(AgentSession& session, Json source, const FontFilter& filter) {
+    const int width = platform::TerminalWidth(platform::StandardStream::kOutput);
     Json all = Json::array();
-    const bool isOffered = BoolMember(filter, member::kVisible);
-    filter[member::kAfter] = 0;
+    source[member::kVisible] = filter.isVisible;
+    source[member::kAfter] = 0;
     for (;;) {
-        const Json page = session.Call(method::kListFonts, filter);
+        const Json page = session.Call(method::kListFonts, source);
         const Json& fonts = ArrayMember(page, member::kFonts);
         if (fonts.empty())
             return all;
-        filter[member::kAfter] = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
+        source[member::kAfter] = IntegerMember(fonts.back(), kGS_DatabaseIDKey);
         for (const Json& font : fonts) {
-            if (isOffered && !BoolMember(font, member::kVisible))
+            if (!IsWanted(font, filter))
                 continue;
             if (session.PrintsJson())
                 all.push_back(font);
             else
-                PrintFontRow(font);
+                PrintFontRow(font, width);
         }
     }
+}
+
+Json WithoutSystemFonts(const Json& fonts, const char* why) {
+    Json own = Json::array();
+    Json systems = Json::array();
+    for (const Json& font : fonts) {
+        const bool isSystems = IntegerMember(font, kGS_ActivationStateKey) == kFontActivationState_SystemFont;
+        (isSystems ? systems : own).push_back(font);
+    }
+    if (own.empty()) {
+        for (const Json& font : systems)
+            PrintError(StringMember(font, kGS_PostScriptNameKey) + " is the system's own, " + why);
+    }
+    return own;
+}
+
+std::string ShownWorkgroupName(const std::string& name) {
+    constexpr std::string_view kMark = kNameToBeLocalized;
+    return name.ends_with(kMark) ? name.substr(0, name.size() - kMark.size()) : name;
 }
 
 }  // namespace pellwick::cli

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/AgentSession.h"
+#include "cli/PellwickWords.h"
 
 namespace pellwick::cli {
 
@@ -22,8 +23,16 @@ Json CallForFonts(AgentSession& session, const char* method, const Json& fonts, 
 /// A line per font: what was done, and its name.
 void PrintFonts(const Json& fonts, const char* action);
 
-/// Prints the fonts in rows, or, for programs, returns their records. `filter`: arguments of the agent's
-/// ListFonts; where it asks what programs are offered, those fonts alone.
-Json ListFontsBy(AgentSession& session, Json filter);
+/// Prints the fonts in rows, or, for programs, returns their records. `source`: arguments of the agent's
+/// ListFonts.
+Json ListFontsBy(AgentSession& session, Json source, const FontFilter& filter = {});
+
+/// The records but for the system's fonts. When there are no others, people are told of each that it is the
+/// system's, and `why` that matters.
+Json WithoutSystemFonts(const Json& fonts, const char* why);
+
+/// The name as people see it: some that are made by the font manager carry a mark for programs that put a
+/// word of the user's language in their place.
+std::string ShownWorkgroupName(const std::string& name);
 
 }  // namespace pellwick::cli

@@ -18,6 +18,16 @@ struct SmartListParts {
     std::vector<std::string> smartLists;
 };
 
+/// Which fonts to list; what is empty or false makes no difference.
+struct FontFilter {
+    std::string text;  ///< part of a name, in any letter case
+    std::string family;
+    std::string workgroup;
+    std::string state;  ///< a word of the list's
+    bool isSystems = false;
+    bool isVisible = false;
+};
+
 /// What the words of the command line are parsed into.
 struct Arguments {
     Options options;
@@ -26,7 +36,7 @@ struct Arguments {
     std::string newName;
     std::string workgroup;
     SmartListParts parts;
-    bool isVisible = false;
+    FontFilter filter;
 };
 
 /// Carries out a command. Returns an exit status or throws Failure.

@@ -6,6 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
+#include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
@@ -35,9 +36,10 @@ void PrintStatus(const Json& status) {
                                     ? StringMember(status, member::kUserName)
                                     : "(logged out)"));
     PrintLine("fonts       " + std::to_string(IntegerMember(status, member::kFonts)) + ", " +
-              std::to_string(IntegerMember(status, member::kActiveFiles)) + " files active");
+              std::to_string(IntegerMember(status, member::kActiveFiles)) + " files active; " +
+              std::to_string(IntegerMember(status, member::kSystemFonts)) + " of the system");
     PrintLine("hosts       " + std::to_string(IntegerMember(status, member::kHosts)) + " with active fonts");
-    PrintLine("workgroup   " + StringMember(status, member::kWorkgroup));
+    PrintLine("workgroup   " + ShownWorkgroupName(StringMember(status, member::kWorkgroup)));
     PrintLine("data        " + StringMember(status, member::kDataFolder));
     PrintLine("active in   " + StringMember(status, member::kLinkFolder));
 }

@@ -4,6 +4,7 @@
 
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
+#include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
 #include "common/Protocol.h"
 
@@ -23,7 +24,7 @@ ExitStatus ListWorkgroups(AgentSession& session) {
     for (const Json& workgroup : ArrayMember(answer, member::kWorkgroups)) {
         const long long id = IntegerMember(workgroup, kGS_WorkgroupIDKey);
         std::printf("%c %4lld  %s\n", id == IntegerMember(answer, member::kCurrent) ? '*' : ' ', id,
-                    PrintableText(StringMember(workgroup, kGS_WorkgroupNameKey)).c_str());
+                    PrintableText(ShownWorkgroupName(StringMember(workgroup, kGS_WorkgroupNameKey))).c_str());
     }
     return kExit_Done;
 }

@@ -98,6 +98,16 @@ constexpr std::chrono::milliseconds kWorkerTime{10000};
 /// How long it stays after it was used last.
 constexpr std::chrono::seconds kWorkerIdleTime{10};
 
+/// How long the system may take to tell its fonts: after thousands of new ones it reads them first.
+constexpr std::chrono::milliseconds kSystemFontsTime{120000};
+/// The system's fonts are looked at when it has reported no change for so long: many change together.
+constexpr std::chrono::milliseconds kFontChangePause{700};
+/// New ones are read for so long before those that are read are recorded.
+constexpr std::chrono::milliseconds kReadingTime{200};
+/// How long a host waits while new fonts of the system are read, in place of being told that its document's
+/// are missing.
+constexpr std::chrono::milliseconds kSystemFontsPatience{3000};
+
 /// How much of a document is searched for metadata, and how large these may be: a packet has a few thousand
 /// bytes, with thumbnails some hundred thousand.
 constexpr uint64_t kMaxXmpSearch = uint64_t{64} << 20;

@@ -29,7 +29,7 @@ namespace pellwick {
 /// Goes up with every change that an older client or agent would not understand.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 4;
+constexpr int kSchemaVersion = 5;
 
 /// What messages and what is in them call their members. Records of fonts, workgroups and smart lists also
 /// hold those of FontRecordKeys.h and TarnwickPluginInterface.h.
@@ -39,6 +39,8 @@ inline constexpr char kID[] = "id";
 inline constexpr char kMethod[] = "method";
 inline constexpr char kArguments[] = "args";
 inline constexpr char kRepeats[] = "repeats";
+inline constexpr char kSystem[] = "system";  ///< the system's fonts alone, or none of them
+inline constexpr char kSystemFonts[] = "systemFonts";
 inline constexpr char kTaken[] = "taken";
 inline constexpr char kCode[] = "code";
 inline constexpr char kResult[] = "result";
@@ -96,7 +98,6 @@ inline constexpr char kSmartList[] = "smartList";
 inline constexpr char kStandalone[] = "standalone";
 inline constexpr char kStates[] = "states";
 inline constexpr char kStillActive[] = "stillActive";
-inline constexpr char kStyle[] = "Style";
 inline constexpr char kUnmatched[] = "unmatched";  ///< positions in the request
 inline constexpr char kUsage[] = "usage";
 inline constexpr char kUserName[] = "userName";
@@ -110,7 +111,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
 
 // clang-format off
 #define PELLWICK_FONT_RECORD                                                                                 \
-    kGS_DatabaseIDKey, kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey,                \
+    kGS_DatabaseIDKey, kGS_PostScriptNameKey, kGS_FamilyKey, kGS_StyleKey, kGS_FoundryKey, kGS_FontKindKey,                \
     kGS_VersionKey, kGS_ChecksumKey, kGS_OutlineFileNameKey, kGS_OutlineFileSizeKey, kGS_PathKey,            \
     kGS_ActivationStateKey, kGS_WorkgroupIDKey, kGS_WorkgroupNameKey, kGS_WorkgroupTypeKey, kGS_LocationKey
 #define PELLWICK_SET_RECORD kID, kName, kGS_WorkgroupIDKey, kGS_WorkgroupNameKey, kFontCount
@@ -122,13 +123,13 @@ inline constexpr char kWorkgroups[] = "workgroups";
 #define PELLWICK_METHODS(X)                                                                                  \
     X(Hello, (kProtocol, kTaken), ())                                                                        \
     X(Subscribe, (), ())                                                                                     \
-    X(GetStatus, (), (kProcess, kFonts, kActiveFiles, kHosts, kLoggedIn, kUserName, kStandalone,             \
+    X(GetStatus, (), (kProcess, kFonts, kSystemFonts, kActiveFiles, kHosts, kLoggedIn, kUserName, kStandalone,             \
       kGoogleWebFonts, kSchemaVersion, kWorkgroup, kDefaultWorkgroup, kVault, kDataFolder,                   \
       kPreviewFolder, kLinkFolder))                                                                          \
     X(Stop, (), (kProcess))                                                                                  \
     X(AddFile, (kPath, kWorkgroup), (kFonts, kAlreadyKnown))                                                 \
     X(RemoveFonts, (kFonts), (kRemoved, kLeft))                                                              \
-    X(ListFonts, (kAfter, kSet, kSmartList, kVisible), (kFonts))                                             \
+    X(ListFonts, (kAfter, kSet, kSmartList, kWorkgroup, kSystem, kVisible), (kFonts))                                             \
     X(CheckFiles, (kAfter), (kChecked, kAfter, kProblems))                                                   \
     X(CheckRecords, (), (kFonts, kFiles, kProblems))                                                         \
     X(ActivateForUser, (kFonts), (kFailed))                                                                  \
@@ -199,7 +200,7 @@ public:
     constexpr const auto& Names() const { return mNames; }
 
 private:
-    std::array<std::string_view, 16> mNames;
+    std::array<std::string_view, 20> mNames;
 };
 
 /// A row of the table.
@@ -212,6 +213,8 @@ struct Method {
 /// Null for a name that no method has.
 const Method* FindMethod(std::string_view name);
 
+/// What the names of workgroups end in that are shown in the user's language, without it.
+inline constexpr char kNameToBeLocalized[] = " (LOCALIZE ME)";
 /// The name of kWorkgroupID_All.
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 

@@ -14,8 +14,8 @@ namespace {
 // A font is in several workgroups at most for the user; its record names the first.
 #define SELECT_FONTS                                                                                        \
     "SELECT f.id, f.face, f.postscript_name, f.family, f.style, f.full_name, f.foundry, f.version, f.kind," \
-    " files.id, files.checksum, files.name, files.extension, files.size,"                                   \
-    " CASE WHEN files.missing THEN 7"                                                                       \
+    " files.id, files.checksum, files.name, files.extension, files.size, files.path,"                       \
+    " CASE WHEN files.path <> '' THEN 3 WHEN files.missing THEN 7"                                          \
     "  WHEN EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id) THEN 1"                        \
     "  WHEN EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                      \
     " w.id, w.name, w.type"                                                                                 \
@@ -24,19 +24,21 @@ namespace {
     "  (SELECT MIN(workgroup_id) FROM workgroup_fonts wf WHERE wf.font_id = f.id) "
 
 static_assert(kFontActivationState_Missing == 7 && kFontActivationState_ActivatedByUser == 1 &&
-              kFontActivationState_ActivatedByPlugin == 2);
+              kFontActivationState_ActivatedByPlugin == 2 && kFontActivationState_SystemFont == 3);
 
-#define SELECT_FILES "SELECT id, checksum, name, extension, size FROM files "
+#define SELECT_FILES "SELECT id, checksum, name, extension, size, path, modified FROM files "
 
 #define SELECT_ACTIVE_FILE_IDS                       \
     "SELECT DISTINCT file_id FROM fonts WHERE id IN" \
     " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases)"
 
-#define IS_ACTIVE                                                            \
-    " AND (EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)" \
+#define IS_ACTIVE                                                       \
+    "(EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)" \
     " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id))"
+#define IS_SYSTEMS "files.path <> ''"
 
-constexpr char kSelectActiveFontOfFile[] = "SELECT 1 FROM fonts f WHERE f.file_id = ?" IS_ACTIVE " LIMIT 1";
+constexpr char kSelectActiveFontOfFile[] =
+    "SELECT 1 FROM fonts f WHERE f.file_id = ? AND " IS_ACTIVE " LIMIT 1";
 
 // The ways in which fonts answer to a name, ?1.
 constexpr char kByPostScriptName[] = "WHERE f.postscript_name = ?1";
@@ -62,12 +64,13 @@ Font FontOfRow(const Statement& row) {
     font.foundry = row.Text(6);
     font.version = row.Text(7);
     font.kind = static_cast<int32_t>(row.Integer(8));
-    font.file = {row.Integer(9), row.Text(10), row.Text(11), row.Text(12),
-                 static_cast<uint64_t>(row.Integer(13))};
-    font.activationState = static_cast<int32_t>(row.Integer(14));
-    font.workgroupID = static_cast<int32_t>(row.Integer(15));
-    font.workgroupName = row.Text(16);
-    font.workgroupType = static_cast<int32_t>(row.Integer(17));
+    font.file = {
+        row.Integer(9), row.Text(10), row.Text(11), row.Text(12), static_cast<uint64_t>(row.Integer(13)),
+        row.Text(14)};
+    font.activationState = static_cast<int32_t>(row.Integer(15));
+    font.workgroupID = static_cast<int32_t>(row.Integer(16));
+    font.workgroupName = row.Text(17);
+    font.workgroupType = static_cast<int32_t>(row.Integer(18));
     return font;
 }
 
@@ -87,7 +90,8 @@ std::string JsonArray(const std::vector<int32_t>& numbers) {
 }
 
 FontFile FileOfRow(const Statement& row) {
-    return {row.Integer(0), row.Text(1), row.Text(2), row.Text(3), static_cast<uint64_t>(row.Integer(4))};
+    return {row.Integer(0), row.Text(1),   row.Text(2), row.Text(3), static_cast<uint64_t>(row.Integer(4)),
+            row.Text(5),    row.Integer(6)};
 }
 
 std::vector<FontFile> AllFiles(Statement& statement) {
@@ -129,7 +133,7 @@ std::string SimplifyName(std::string_view name) {
 }
 
 std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
-    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE checksum = ?");
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE checksum = ? AND path = ''");
     if (!query.Bind(checksum).Step())
         return std::nullopt;
     return FileOfRow(query);
@@ -137,11 +141,14 @@ std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
 
 int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
     ++mRevision;
-    mDatabase.Prepare("INSERT INTO files (checksum, name, extension, size) VALUES (?, ?, ?, ?)")
-        .Bind(file.checksum, file.name, file.extension, file.size)
+    mDatabase
+        .Prepare(
+            "INSERT INTO files (checksum, name, extension, size, path, modified) VALUES (?, ?, ?, ?, ?, ?)")
+        .Bind(file.checksum, file.name, file.extension, file.size, file.path, file.modified)
         .Run();
     const int64_t fileID = mDatabase.LastInsertedID();
-    ForgetRemovedFile(file.checksum);
+    if (!file.IsSystems())
+        ForgetRemovedFile(file.checksum);
     for (const FontFace& face : faces)
         AddFace(mDatabase, fileID, face);
     return fileID;
@@ -153,6 +160,11 @@ void FontStore::RemoveFile(int64_t fileID) {
         .Bind(fileID)
         .Run();
     mDatabase.Prepare("DELETE FROM files WHERE id = ?").Bind(fileID).Run();
+}
+
+void FontStore::ForgetSystemFile(int64_t fileID) {
+    ++mRevision;
+    mDatabase.Prepare("DELETE FROM files WHERE id = ? AND path <> ''").Bind(fileID).Run();
 }
 
 std::vector<std::string> FontStore::RemovedFiles() {
@@ -231,8 +243,8 @@ std::vector<Font> FontStore::FindByLookupName(const std::string& name) {
 }
 
 std::vector<Font> FontStore::FindActive(const std::string& postScriptName) {
-    Statement query =
-        mDatabase.Prepare(SELECT_FONTS "WHERE f.postscript_name = ?" IS_ACTIVE " ORDER BY f.id LIMIT ?");
+    Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.postscript_name = ? AND (" IS_SYSTEMS
+                                                     " OR " IS_ACTIVE ") ORDER BY f.id LIMIT ?");
     return AllRows(query.Bind(postScriptName, kMaxFontsOfName));
 }
 
@@ -253,6 +265,12 @@ std::vector<Font> FontStore::ListNamed(const char* clause, std::string_view name
 std::vector<Font> FontStore::List(uint32_t after, int limit) {
     Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.id > ? ORDER BY f.id LIMIT ?");
     return AllRows(query.Bind(after, limit));
+}
+
+std::vector<Font> FontStore::ListOfKind(bool isSystems, uint32_t after, int limit) {
+    Statement query =
+        mDatabase.Prepare(SELECT_FONTS "WHERE (" IS_SYSTEMS ") = ? AND f.id > ? ORDER BY f.id LIMIT ?");
+    return AllRows(query.Bind(isSystems, after, limit));
 }
 
 std::vector<Font> FontStore::ListInSet(int32_t setID, uint32_t after, int limit) {
@@ -284,11 +302,17 @@ std::vector<FontNames> FontStore::ListNames() {
 
 int64_t FontStore::Count() {
     Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM fonts");
+    return query.Step() ? query.Integer(0) - CountSystemFonts() : 0;
+}
+
+int64_t FontStore::CountSystemFonts() {
+    Statement query =
+        mDatabase.Prepare("SELECT COUNT(*) FROM files JOIN fonts ON file_id = files.id WHERE " IS_SYSTEMS);
     return query.Step() ? query.Integer(0) : 0;
 }
 
 int64_t FontStore::CountFiles() {
-    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM files");
+    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM files WHERE path = ''");
     return query.Step() ? query.Integer(0) : 0;
 }
 
@@ -303,12 +327,17 @@ int64_t FontStore::CountActiveFiles() {
 }
 
 std::vector<FontFile> FontStore::Files() {
-    Statement query = mDatabase.Prepare(SELECT_FILES);
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE path = ''");
+    return AllFiles(query);
+}
+
+std::vector<FontFile> FontStore::SystemFiles() {
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE path <> ''");
     return AllFiles(query);
 }
 
 std::vector<FontFile> FontStore::FilesAfter(int64_t after, int limit) {
-    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE id > ? ORDER BY id LIMIT ?");
+    Statement query = mDatabase.Prepare(SELECT_FILES "WHERE id > ? AND path = '' ORDER BY id LIMIT ?");
     return AllFiles(query.Bind(after, limit));
 }
 

@@ -13,13 +13,17 @@ class Database;
 class Statement;
 struct FontSources;
 
-/// A file in the vault.
+/// A file in the vault, or one of the system's, which stays where it is.
 struct FontFile {
     int64_t id = 0;
     std::string checksum;   ///< SHA-256, lower-case hexadecimal
     std::string name;       ///< the name under which it was added
     std::string extension;  ///< with its dot, lower case
     uint64_t size = 0;      ///< bytes
+    std::string path{};     ///< of the system's: its full path; empty for the vault's
+    int64_t modified = 0;   ///< of the system's: seconds since 1970-01-01 UTC
+
+    bool IsSystems() const { return !path.empty(); }
 };
 
 /// What a scan finds out about one face of a file.
@@ -62,16 +66,20 @@ public:
 
     explicit FontStore(Database& database) : mDatabase(database) {}
 
-    /// The file with that checksum.
+    /// The file of the vault with that checksum.
     std::optional<FontFile> FindFile(const std::string& checksum);
     /// Every file that there should be in the vault.
     std::vector<FontFile> Files();
-    /// Up to `limit` of them with a larger ID than `after`, by ID.
+    /// The system's files, as they were read last; some hold no font that can be used.
+    std::vector<FontFile> SystemFiles();
+    /// Up to `limit` of the vault's with a larger ID than `after`, by ID.
     std::vector<FontFile> FilesAfter(int64_t after, int limit);
     /// Adds a file and its faces; the file's new ID.
     int64_t Add(const FontFile& file, const std::vector<FontFace>& faces);
-    /// Removes a file and all its fonts. It is among RemovedFiles from then on.
+    /// Removes a file of the vault and all its fonts. It is among RemovedFiles from then on.
     void RemoveFile(int64_t fileID);
+    /// Forgets a file of the system's and all its fonts.
+    void ForgetSystemFile(int64_t fileID);
     /// The checksums of files that were removed, and may yet stand in the vault.
     std::vector<std::string> RemovedFiles();
     bool IsRemovedFile(const std::string& checksum);
@@ -91,13 +99,15 @@ public:
     /// Fonts that go by a simplified name: family and style together, or the full name. As many, in that
     /// order.
     std::vector<Font> FindByLookupName(const std::string& name);
-    /// Active fonts with exactly that PostScript name, up to kMaxFontsOfName, by ID.
+    /// Active fonts, the system's included, with exactly that PostScript name, up to kMaxFontsOfName, by ID.
     std::vector<Font> FindActive(const std::string& postScriptName);
     /// What people mean by a name: fonts with that PostScript name, else of that family, else those that go
     /// by it. Up to `limit` with a larger ID than `after`, by ID.
     std::vector<Font> ListNamed(const std::string& name, uint32_t after, int limit);
     /// Up to `limit` fonts with a larger ID than `after`, by ID.
     std::vector<Font> List(uint32_t after, int limit);
+    /// The same of the system's fonts, or of the vault's.
+    std::vector<Font> ListOfKind(bool isSystems, uint32_t after, int limit);
     /// The same of the fonts that are in a set.
     std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
     /// The same of the fonts that come from any of the sources.
@@ -106,7 +116,10 @@ public:
     std::vector<FontNames> ListNames();
     /// Changes whenever fonts are added or removed.
     uint64_t Revision() const { return mRevision; }
+    /// Those of the vault, and those of the system.
     int64_t Count();
+    int64_t CountSystemFonts();
+    /// Of the vault.
     int64_t CountFiles();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();

@@ -14,7 +14,6 @@ namespace {
 constexpr char kSettings[] = R"sql(
 PRAGMA journal_mode = WAL;
 PRAGMA synchronous = FULL;
-PRAGMA foreign_keys = ON;
 )sql";
 
 // The layouts in the order of their versions, each as the steps from the one before it. What a version has
@@ -154,7 +153,29 @@ CREATE TABLE removed_files (
 ) WITHOUT ROWID;
 )sql";
 
-constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4};
+// Files of the system's fonts stand beside those of the vault. The checksums of the vault alone are different
+// from one another, so the table is made anew.
+constexpr char kVersion5[] = R"sql(
+CREATE TABLE files_of_version_5 (
+    id INTEGER PRIMARY KEY,
+    checksum TEXT NOT NULL,
+    name TEXT NOT NULL,               -- the name under which it was added
+    extension TEXT NOT NULL,          -- with its dot, lower case
+    size INTEGER NOT NULL,
+    missing INTEGER NOT NULL DEFAULT 0,
+    path TEXT NOT NULL DEFAULT '',    -- where the system has it; empty for a file of the vault
+    modified INTEGER NOT NULL DEFAULT 0  -- when the system's was, in seconds since 1970
+);
+INSERT INTO files_of_version_5 (id, checksum, name, extension, size, missing)
+    SELECT id, checksum, name, extension, size, missing FROM files;
+DROP TABLE files;
+ALTER TABLE files_of_version_5 RENAME TO files;
+CREATE UNIQUE INDEX files_of_vault ON files (checksum) WHERE path = '';
+CREATE UNIQUE INDEX files_of_system ON files (path) WHERE path <> '';
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4,
+                                                               kVersion5};
 
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";
@@ -211,13 +232,16 @@ bool PrepareSchema(Database& database, int target) {
     const int64_t version = SchemaVersionOf(database);
     RefuseForeign(database, version, target);
     database.Execute(kSettings);
-    if (version == target)
-        return false;
-    Transaction transaction(database);
-    Upgrade(database, version, target);
-    if (version == 0)
-        AddFirstWorkgroups(database);
-    transaction.Commit();
+    if (version != target) {
+        // A table may give its place to another one: what refers to it is to stay.
+        database.Execute("PRAGMA foreign_keys = OFF");
+        Transaction transaction(database);
+        Upgrade(database, version, target);
+        if (version == 0)
+            AddFirstWorkgroups(database);
+        transaction.Commit();
+    }
+    database.Execute("PRAGMA foreign_keys = ON");
     return version == 0;
 }
 

@@ -1,10 +1,13 @@
 #include "workers/FontWorkMessages.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <utility>
 
+#include "StringConversion.h"
 #include "common/FontManagerLimits.h"
 #include "ipc/Message.h"
 #include "preview/PreviewFolder.h"
@@ -60,6 +63,12 @@ FontFace FaceOf(const Json& row) {
     for (const Json& name : row.at(8))
         face.lookupNames.push_back(NameOf(name));
     return face;
+}
+
+Json TextsOf(const std::vector<std::string>& paths) {
+    Json texts = Json::array();
+    std::copy_if(paths.begin(), paths.end(), std::back_inserter(texts), IsValidUtf8);
+    return texts;
 }
 
 /// What the messages' schema does not say comes as an exception, most often of the JSON library.
@@ -122,6 +131,17 @@ std::optional<ScanResult> ParseScanResult(std::string_view message) {
         }
         const bool isOneOfTwo = result.faces.empty() != result.reason.empty();
         return isOneOfTwo ? std::optional(std::move(result)) : std::nullopt;
+    });
+}
+
+std::string EncodeInstalledFonts(const platform::InstalledFonts& fonts) {
+    return Encode({{"files", TextsOf(fonts.files)}, {"folders", TextsOf(fonts.folders)}});
+}
+
+std::optional<platform::InstalledFonts> ParseInstalledFonts(std::string_view message) {
+    return Parsed(message, [](const Json& decoded) -> std::optional<platform::InstalledFonts> {
+        return platform::InstalledFonts{decoded.at("files").get<std::vector<std::string>>(),
+                                        decoded.at("folders").get<std::vector<std::string>>()};
     });
 }
 

@@ -5,6 +5,9 @@
 // {"faces": [[face, PostScript name, family, style, full name, foundry, version, kind, [lookup names]]]} or
 // {"reason"}, and {"width", "height", "coverage"}. The process has read what nobody vouches for, so its
 // answers are trusted no more than fonts are.
+//
+// The process that asks the system for its fonts gets any request, and answers {"files": [path],
+// "folders": [path]}, or nothing where the system does not tell.
 #pragma once
 
 #include <optional>
@@ -13,6 +16,7 @@
 #include <vector>
 
 #include "common/FontManagerLimits.h"
+#include "platform/FontTable.h"
 #include "platform/Worker.h"
 #include "preview/NameImage.h"
 #include "store/FontStore.h"
@@ -21,9 +25,14 @@ namespace pellwick {
 
 /// The program, which stands beside the agent's.
 inline constexpr char kFontWorkerProgram[] = "PellwickFontWorker";
+/// The one that asks the system for its fonts, which stands there too.
+inline constexpr char kSystemFontsProgram[] = "PellwickSystemFonts";
 
 inline constexpr platform::WorkerLimits kFontWorkerLimits = {kWorkerMemory, kWorkerProcessorTime, kWorkerTime,
                                                              kMaxMessageSize};
+/// It reads nothing but lists, unless the system has to look at new fonts.
+inline constexpr platform::WorkerLimits kSystemFontsLimits = {kWorkerMemory, kSystemFontsTime,
+                                                              kSystemFontsTime, kMaxMessageSize};
 
 struct FontWorkRequest {
     bool isForImage = false;
@@ -43,6 +52,11 @@ std::optional<FontWorkRequest> ParseRequest(std::string_view message);
 std::string EncodeScanResult(const ScanResult& result);
 /// Nothing for a malformed answer.
 std::optional<ScanResult> ParseScanResult(std::string_view message);
+
+/// Without what is not UTF-8, which nobody could be told of.
+std::string EncodeInstalledFonts(const platform::InstalledFonts& fonts);
+/// Nothing for a malformed answer, or an empty one.
+std::optional<platform::InstalledFonts> ParseInstalledFonts(std::string_view message);
 
 std::string EncodeImage(const NameImage& image);
 /// As above.

@@ -1,6 +1,12 @@
 #include "workers/FontWorker.h"
 
+#include "platform/DynamicLibrary.h"
+
 namespace pellwick {
+
+FontWorker::FontWorker(const std::string& program)
+    : mReaderProgram(program),
+      mListProgram(platform::FolderPart(program) + platform::ProgramFileName(kSystemFontsProgram)) {}
 
 ScanResult FontWorker::Scan(const platform::ReadOnlyFile& file) {
     std::string answer;
@@ -19,14 +25,32 @@ NameImage FontWorker::Draw(const platform::ReadOnlyFile& file, const FontFace& f
     return ParseImage(answer).value_or(NameImage());
 }
 
+std::optional<platform::InstalledFonts> FontWorker::ListInstalled(std::string& problem) {
+    std::string answer;
+    Rest();
+    const auto outcome = Process(mListProgram, kSystemFontsLimits, platform::Worker::Variables::kOurs)
+                             .Exchange({}, platform::ReadOnlyFile(), answer, problem);
+    Rest();
+    if (mIsStopped)
+        throw NoFontWorker("the agent ends; try again");
+    if (outcome != platform::Worker::Outcome::kAnswered) {
+        problem = "listing them " + problem;
+        return std::nullopt;
+    }
+    auto fonts = ParseInstalledFonts(answer);
+    if (!fonts)
+        problem = "the system does not tell; is fontconfig installed?";
+    return fonts;
+}
+
 bool FontWorker::Ask(const FontWorkRequest& request, const platform::ReadOnlyFile& file, std::string& answer,
                      std::string& problem) {
     using Outcome = platform::Worker::Outcome;
     const bool isFresh = !mProcess;
-    Outcome outcome = Process().Exchange(EncodeRequest(request), file, answer, problem);
+    Outcome outcome = Reader().Exchange(EncodeRequest(request), file, answer, problem);
     if (outcome == Outcome::kDied && !isFresh) {  // it may have died before, of something else
         Rest();
-        outcome = Process().Exchange(EncodeRequest(request), file, answer, problem);
+        outcome = Reader().Exchange(EncodeRequest(request), file, answer, problem);
     }
     if (outcome == Outcome::kAnswered)
         return true;
@@ -34,19 +58,24 @@ bool FontWorker::Ask(const FontWorkRequest& request, const platform::ReadOnlyFil
     if (mIsStopped)
         throw NoFontWorker("the agent ends; try again");
     if (outcome == Outcome::kUnfit)
-        throw NoFontWorker(mProgram +
+        throw NoFontWorker(mReaderProgram +
                            " cannot be confined here, and so reads no fonts; the system must allow"
                            " seccomp filters");
     return false;
 }
 
-platform::Worker& FontWorker::Process() {
+platform::Worker& FontWorker::Reader() {
+    return Process(mReaderProgram, kFontWorkerLimits, platform::Worker::Variables::kNone);
+}
+
+platform::Worker& FontWorker::Process(const std::string& program, const platform::WorkerLimits& limits,
+                                      platform::Worker::Variables variables) {
     const std::lock_guard guard(mProcessLock);
     platform::SystemError error;
     if (!mProcess && !mIsStopped)
-        mProcess = platform::Worker::Start(mProgram, kFontWorkerLimits, error);
+        mProcess = platform::Worker::Start(program, limits, error, variables);
     if (!mProcess)
-        throw NoFontWorker("cannot start " + mProgram + " (" + platform::SystemErrorText(error) +
+        throw NoFontWorker("cannot start " + program + " (" + platform::SystemErrorText(error) +
                            "); install Pellwick again, or try again when less is running");
     return *mProcess;
 }

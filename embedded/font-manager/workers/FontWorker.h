@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -21,8 +22,8 @@ public:
 /// The process is started when it is needed first, and again after it has died. One thread, but for Stop.
 class FontWorker {
 public:
-    /// `program`: its full path.
-    explicit FontWorker(std::string program) : mProgram(std::move(program)) {}
+    /// `program`: its full path. The one that asks the system stands beside it.
+    explicit FontWorker(const std::string& program);
 
     /// The faces in a font file: each member of a collection, each named instance of a variable font. None,
     /// and the reason, when it is no font that can be used, which includes one that the process dies of.
@@ -30,6 +31,10 @@ public:
     ScanResult Scan(const platform::ReadOnlyFile& file);
     /// The font's name in its own face; of no width when it cannot be shown.
     NameImage Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale);
+
+    /// What the system offers to every program, by another process: it is asked for rarely, and may die of a
+    /// font as well. Nothing, and why, where that cannot be told. Throws NoFontWorker as above.
+    std::optional<platform::InstalledFonts> ListInstalled(std::string& problem);
 
     /// Ends the process; the next request starts another.
     void Rest();
@@ -42,9 +47,13 @@ private:
     /// False, and the reason, when there is no answer.
     bool Ask(const FontWorkRequest& request, const platform::ReadOnlyFile& file, std::string& answer,
              std::string& problem);
-    platform::Worker& Process();
+    /// The process under way, or a fresh one of that program.
+    platform::Worker& Process(const std::string& program, const platform::WorkerLimits& limits,
+                              platform::Worker::Variables variables);
+    platform::Worker& Reader();
 
-    const std::string mProgram;
+    const std::string mReaderProgram;
+    const std::string mListProgram;
     std::atomic<bool> mIsStopped{false};
     std::mutex mProcessLock;  ///< guards that it comes and goes
     std::unique_ptr<platform::Worker> mProcess;
