@@ -60,6 +60,7 @@ void DescribeDocumentCommands(CLI::App& program, CommandLine& line) {
     CLI::App* open = AddCommand(program, line, "open", "Open documents and have their fonts activated",
                                 [&line] { return RunOpen(line.host, line.open); });
     AddTexts(*open, "FILE", line.open.files, "The documents")->required();
+    open->add_flag("--paths", line.open.showsPaths, "Show the fonts' files");
     CLI::Option* close = open->add_flag("--close", line.open.closeAtOnce, "Close them at once");
     AddSeconds(*open, line.open.seconds, "Close them after so many seconds; else on Enter")->excludes(close);
 

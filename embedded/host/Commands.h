@@ -10,6 +10,7 @@
 struct OpenOptions {
     std::vector<std::string> files;
     bool json = false;
+    bool showsPaths = false;  ///< of the fonts' files
     bool closeAtOnce = false;
     std::optional<double> seconds;  ///< how long the documents stay open; else until Enter
 };

@@ -17,38 +17,69 @@ namespace {
 
 using nlohmann::json;
 
-std::string StateText(const json& font) {
-    const int64_t state = font.value(kGS_ActivationStateKey, int64_t{kFontActivationState_Unknown});
-    switch (state) {
+int64_t StateOf(const json& font) {
+    return font.value(kGS_ActivationStateKey, int64_t{kFontActivationState_Unknown});
+}
+
+bool IsActive(const json& font) {
+    return FontActivationStateCountsAsActive(StateOf(font)) != 0;
+}
+
+/// What opening the document did for the font that matched, by its record from before and the one now.
+std::string OutcomeText(const json& before, const json& now, bool isVisible) {
+    if (!IsActive(now))
+        return "not activated";
+    if (!IsActive(before))
+        return isVisible ? "activated" : "activated, not seen yet";
+    switch (StateOf(before)) {
+        case kFontActivationState_SystemFont:
+            return "the system's";
         case kFontActivationState_ActivatedByUser:
             return "active (user)";
-        case kFontActivationState_ActivatedByPlugin:
-            return "active";
-        case kFontActivationState_SystemFont:
-            return "active (system)";
         default:
-            return FontActivationStateCountsAsActive(state) ? "active" : "inactive";
+            return "in use already";
     }
 }
 
-void PrintFonts(const OpenedDocument& document) {
+/// Family and style, or the PostScript name where a font has neither.
+std::string NameForPeople(const json& font) {
+    const std::string family = font.value(kGS_FamilyKey, "");
+    const std::string style = font.value(kGS_StyleKey, "");
+    if (family.empty())
+        return font.value(kGS_PostScriptNameKey, "?");
+    return style.empty() ? family : family + ", " + style;
+}
+
+/// What could be chosen in place of a font that is missing.
+std::string ReplacementsText(const json& font) {
+    std::string names;
+    const json replacements = font.value(kGS_PossibleReplacementsKey, json::object());
+    for (const auto& [name, replacement] : replacements.items())
+        names += (names.empty() ? "perhaps " : " or ") + name;
+    return names;
+}
+
+void PrintFonts(const OpenedDocument& document, bool showsPaths) {
     PrintLine(document.path);
     if (document.matched.empty() && document.unmatched.empty()) {
         fmt::print("  no fonts\n");
         return;
     }
     const platform::VisibleFonts visible = platform::Current<platform::FontTable>().Visible();
-    std::vector<std::vector<std::string>> rows{{"  FONT", "MATCHED", "BEFORE", "AFTER", "VISIBLE", "FILE"}};
+    std::vector<std::vector<std::string>> rows{{"  FONT", "STATE", showsPaths ? "FILE" : "BY"}};
+    size_t active = 0;
     for (const json& font : document.matched) {
         const std::string file = font.value(kGS_PathKey, "");
         const json before = font.value(kGS_MatchedFontKey, json::object());
-        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"),
-                        before.value(kGS_PostScriptNameKey, "yes"), StateText(before), StateText(font),
-                        visible.Offers(file, before.value(kGS_PostScriptNameKey, "")) ? "yes" : "no", file});
+        const bool isVisible = visible.Offers(file, before.value(kGS_PostScriptNameKey, ""));
+        active += IsActive(font) ? 1 : 0;
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), OutcomeText(before, font, isVisible),
+                        showsPaths ? file : NameForPeople(before)});
     }
     for (const json& font : document.unmatched)
-        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "no", "missing", "missing", "-", "-"});
+        rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "missing", ReplacementsText(font)});
     PrintTable(rows);
+    fmt::print("  {} of {} active\n", active, document.matched.size() + document.unmatched.size());
 }
 
 /// What a document's lists leave unsaid: the core's result speaks of them alone, and they are empty as well
@@ -89,12 +120,12 @@ void PrintAsJSON(const OpenedDocument& document, const std::string& problem) {
 }
 
 /// Shows an opened document; what it means for the program's exit status.
-int Show(const OpenedDocument& document, bool asJSON) {
+int Show(const OpenedDocument& document, const OpenOptions& options) {
     const std::string problem = WhyNoFontsAreKnown(document);
-    if (asJSON)
+    if (options.json)
         PrintAsJSON(document, problem);
     else if (problem.empty())
-        PrintFonts(document);
+        PrintFonts(document, options.showsPaths);
     if (!problem.empty()) {
         PrintError(document.path + " was opened, but " + problem);
         return exit_status::kFailed;
@@ -143,7 +174,7 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
             progress.Advance(platform::Utf8Text(platform::Utf8Path(path).filename()));
             const OpenedDocument document = OpenDocument(session.Core(), path);
             progress.Hide();
-            const int documentStatus = Show(document, options.json);
+            const int documentStatus = Show(document, options);
             if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
                 status = documentStatus;
         }
