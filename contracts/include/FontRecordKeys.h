@@ -33,7 +33,9 @@
     X(kGS_WorkgroupNameKey, "WorkgroupName")                                                                \
     X(kGS_WorkgroupIDKey, "WorkgroupID")     /* number */                                                   \
     X(kGS_LocationKey, "Location")           /* number: 1 = file on this machine, 0 = only on the server */ \
-    X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */
+    X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */                                \
+    X(kGS_ReasonKey, "Reason") /* for people: how a font came to match, or in what a replacement is like */ \
+    X(kGS_RankKey, "Rank")     /* number, of a replacement: 1 is the best */
 /* clang-format on */
 
 /* A workgroup record holds kGS_WorkgroupIDKey, kGS_WorkgroupNameKey and kGS_WorkgroupTypeKey. */

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdlib>
 #include <vector>
 
@@ -176,6 +177,17 @@ const StyleWord* LastStyleWord(const Words& words, WordForm form, size_t& count)
     return nullptr;
 }
 
+/// A weight as in style sheets, "700"; 0 for any other word.
+int WeightOfNumber(const std::string& text) {
+    constexpr int kLightest = 100;
+    constexpr int kBlackest = 950;
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isWeight = error == std::errc() && end == text.data() + text.size() && number >= kLightest &&
+                          number <= kBlackest && number % (kWeightStep / 2) == 0;
+    return isWeight ? number : 0;
+}
+
 void Apply(const StyleWord& word, FontStyle& style) {
     // A regular weight says nothing against one that the name tells elsewhere: "Arial Black Regular".
     if (word.weight != 0 && word.weight != kRegularWeight)
@@ -195,8 +207,12 @@ bool TakeStyle(Words words, FontStyle& style) {
             isStyle = true;
         } else {
             const Word& other = words.back();
-            if (!other.isMark && !IsDigit(other.text.front()))  // numbers tell the style once more
+            if (const int weight = WeightOfNumber(other.text)) {
+                style.weight = weight;
+                isStyle = true;
+            } else if (!other.isMark && !IsDigit(other.text.front())) {  // numbers tell the style once more
                 style.others.insert(0, other.text);
+            }
             count = 1;
         }
         words.resize(words.size() - count);
@@ -255,6 +271,23 @@ int StyleDistance(const FontStyle& left, const FontStyle& right) {
     return std::abs(left.weight - right.weight) / kWeightStep +
            std::abs(left.width - right.width) * kStepsPerWidth +
            (left.isSlanted != right.isSlanted ? kStepsForSlope : 0) + (left.others != right.others ? 1 : 0);
+}
+
+std::string StyleText(const FontStyle& style) {
+    constexpr const char* kWeights[] = {"Thin",     "ExtraLight", "Light",     "Regular", "Medium",
+                                        "SemiBold", "Bold",       "ExtraBold", "Black"};
+    constexpr const char* kWidths[] = {
+        "UltraCondensed", "ExtraCondensed", "Condensed",     "SemiCondensed", "",
+        "SemiExpanded",   "Expanded",       "ExtraExpanded", "UltraExpanded"};
+    constexpr int kRegularWidth = 5;
+    const auto weight = static_cast<size_t>(std::clamp(style.weight / kWeightStep, 1, 9) - 1);
+    const auto width = static_cast<size_t>(std::clamp(style.width, 1, 9) - 1);
+    const bool saysMore = style.width != kRegularWidth || style.isSlanted;
+    std::string text = style.weight == kRegularWeight && saysMore ? "" : kWeights[weight];
+    for (const std::string& word :
+         {std::string(kWidths[width]), std::string(style.isSlanted ? "Italic" : ""), style.others})
+        text += (text.empty() || word.empty() ? "" : " ") + word;
+    return text;
 }
 
 FontNameParts ParsePostScriptName(std::string_view name) {

@@ -13,7 +13,12 @@ struct FontStyle {
     int width = 5;     ///< 1 (ultra-condensed) to 9 (ultra-expanded)
     bool isSlanted = false;
     std::string others;  ///< what else the style is called, optical sizes for example
+
+    bool operator==(const FontStyle&) const = default;
 };
+
+/// The style in words, for people: "Regular", "SemiBold Condensed Italic".
+std::string StyleText(const FontStyle& style);
 
 /// How unlike two styles look, 0 for the same: in steps of weight, of which one of width counts for two and
 /// the slope for three.

@@ -1,7 +1,11 @@
 #include "activation/FontMatcher.h"
 
+#include <algorithm>
+#include <optional>
+#include <string_view>
 #include <utility>
 
+#include "FontNameParts.h"
 #include "GPickBestMatch.h"
 
 namespace pellwick {
@@ -27,6 +31,72 @@ bool IsBetter(const BestMatchCandidate& left, const BestMatchCandidate& right, c
     const ErrorCode code =
         GPickBestMatch::Compare(left, right, leftIsBetter, false, request.foundry, request.kind);
     return code == CoreErrorCodes::kSuccess && leftIsBetter;
+}
+
+bool IsInstance(const Font& font) {
+    return font.face >> 16 != 0;
+}
+
+/// An instance of a variable font gives way to the font that is drawn for its style.
+void PreferStatic(std::vector<Font>& fonts) {
+    if (!std::all_of(fonts.begin(), fonts.end(), IsInstance))
+        fonts.erase(std::remove_if(fonts.begin(), fonts.end(), IsInstance), fonts.end());
+}
+
+/// Fonts of the family that look so, whatever words their style is told in.
+std::vector<Font> FindByStyle(FontStore& fonts, const std::string& family, const FontStyle& style) {
+    std::vector<Font> found = fonts.FindByFamily(family);
+    std::erase_if(
+        found, [&](const Font& font) { return ParseFamilyAndStyle(font.family, font.style).style != style; });
+    return found;
+}
+
+/// A family alone means its regular style, or the one that the PostScript name tells, and if it has neither,
+/// any of its fonts.
+std::vector<Font> MatchFamily(FontStore& fonts, const RequestedFont& request) {
+    if (request.family.empty())
+        return {};
+    const FontNameParts byName = ParsePostScriptName(request.postScriptName);
+    const bool tellsStyle = byName.style != FontStyle() &&
+                            byName.familyName == ParseFamilyAndStyle(request.family, {}).familyName;
+    std::vector<Font> matches;
+    if (!request.style.empty() || !tellsStyle)
+        matches =
+            fonts.FindByLookupName(request.family + (request.style.empty() ? "Regular" : request.style));
+    if (matches.empty() && (!request.style.empty() || tellsStyle))
+        matches = FindByStyle(
+            fonts, request.family,
+            request.style.empty() ? byName.style : ParseFamilyAndStyle(request.family, request.style).style);
+    if (matches.empty() && request.style.empty() && !tellsStyle)
+        matches = fonts.FindByFamily(request.family);
+    return matches;
+}
+
+/// Reads "Family:style=Bold Italic" and "Family:bold:italic", as fontconfig writes names
+/// (https://www.freedesktop.org/software/fontconfig/fontconfig-user.html, "Font Names"): of several families and
+/// styles the first. Nothing for a name of another form.
+std::optional<RequestedFont> PatternOf(const std::string& name) {
+    const auto first = [](std::string_view list) { return std::string(list.substr(0, list.find(','))); };
+    constexpr std::string_view kStyle = "style=";
+    size_t end = name.find(':');
+    if (end == std::string::npos)
+        return std::nullopt;
+    RequestedFont request;
+    const std::string family = first(std::string_view(name).substr(0, end));
+    for (const char character : family) {
+        if (character != '\\')  // before a hyphen, which otherwise begins a size
+            request.family += character;
+    }
+    while (end != std::string::npos) {
+        const size_t begin = end + 1;
+        end = name.find(':', begin);
+        const std::string property = name.substr(begin, end == std::string::npos ? end : end - begin);
+        if (property.starts_with(kStyle))
+            request.style = first(std::string_view(property).substr(kStyle.size()));
+        else if (property.find('=') == std::string::npos)
+            request.style += (request.style.empty() ? "" : " ") + property;
+    }
+    return request;
 }
 
 }  // namespace
@@ -61,14 +131,41 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
     std::vector<Font> matches;
     if (!request.postScriptName.empty())
         matches = fonts.FindByPostScriptName(request.postScriptName);
-    if (matches.empty() && !request.family.empty())
-        matches =
-            fonts.FindByLookupName(request.family + (request.style.empty() ? "Regular" : request.style));
-    if (matches.empty() && !request.family.empty() && request.style.empty())
-        matches = fonts.FindByFamily(request.family);
     if (matches.empty() && !request.postScriptName.empty())
         matches = fonts.FindByLookupName(request.postScriptName);
+    if (matches.empty())
+        matches = MatchFamily(fonts, request);
+    if (const auto pattern = matches.empty() ? PatternOf(request.postScriptName) : std::nullopt)
+        matches = MatchFamily(fonts, *pattern);
+    PreferStatic(matches);
     return matches;
+}
+
+std::string MatchReason(const Font& font, const RequestedFont& request) {
+    std::string reason;
+    if (!request.postScriptName.empty() &&
+        SimplifyName(font.postScriptName) != SimplifyName(request.postScriptName))
+        reason = SimplifyName(font.fullName) == SimplifyName(request.postScriptName) ? "by its full name"
+                                                                                     : "by family and style";
+    if (IsInstance(font))
+        reason += (reason.empty() ? "" : ", ") + ("an instance of the variable font " + font.file.name);
+    return reason;
+}
+
+std::string ReplacementReason(const Font& font, const RequestedFont& request) {
+    const FontNameParts has = ParseFamilyAndStyle(font.family, font.style);
+    const FontNameParts isCalled = ParsePostScriptName(font.postScriptName);
+    const FontNameParts byName = ParsePostScriptName(request.postScriptName);
+    const FontNameParts byFamily = ParseFamilyAndStyle(request.family, request.style);
+    for (const FontNameParts& wanted : {byName, byFamily}) {
+        if (!wanted.wholeName.empty() &&
+            (wanted.wholeName == has.wholeName || wanted.wholeName == isCalled.wholeName))
+            return "same name, written differently";
+    }
+    const FontNameParts& wanted = byName.familyName.empty() ? byFamily : byName;
+    if (wanted.style == has.style)
+        return "same style of a like-named family";
+    return "same family, " + font.style + " instead of " + StyleText(wanted.style);
 }
 
 }  // namespace pellwick

@@ -10,15 +10,20 @@
 namespace pellwick {
 
 struct RequestedFont {
-    std::string postScriptName;  ///< goes first
-    std::string family;          ///< used when no font has the PostScript name
-    std::string style;
-    std::string foundry;  ///< preferred among equals; may be empty
-    int32_t kind = 0;     ///< a kind of GFontManagerConstants
+    std::string postScriptName;  ///< goes first; a full name or a name as fontconfig writes it serves as well
+    std::string family;          ///< used when no font has that name
+    std::string style;           ///< "Bold Italic", "Oblique", "700"
+    std::string foundry;         ///< preferred among equals; may be empty
+    int32_t kind = 0;            ///< a kind of GFontManagerConstants
 };
 
 /// Fonts that match, up to kListPageSize of a family, in no order of their own. Throws DatabaseError.
 std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request);
+
+/// How the font came to match, for people; empty when it is the font of that PostScript name and no more.
+std::string MatchReason(const Font& font, const RequestedFont& request);
+/// In what the font, which is no match, comes near: "same family, Bold instead of SemiBold".
+std::string ReplacementReason(const Font& font, const RequestedFont& request);
 
 /// The index of the best of fonts that match the same request; 0 when there are none.
 size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& request);

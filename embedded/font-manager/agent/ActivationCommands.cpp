@@ -78,13 +78,16 @@ private:
 };
 
 /// The requested record completed by the font's own: what the host said stands, but for the state.
-Json ReportedFont(const Json& requested, const Json& before, const Json& after) {
+Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
+    const Json after = FontRecord(manager, font);
     Json reported = after;
     if (requested.is_object())
         reported.update(requested);
     for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
         reported[key] = after[key];
     reported[kGS_MatchedFontKey] = before;
+    if (std::string reason = MatchReason(font, RequestedFontOf(requested)); !reason.empty())
+        reported[kGS_ReasonKey] = std::move(reason);
     return reported;
 }
 
@@ -100,9 +103,13 @@ Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json&
             break;
         context.audience.KeepAlive();
         Json records = Json::object();
-        for (const Font& font :
-             context.manager.replacements.Find(RequestedFontOf(requests[index.get<size_t>()])))
-            records[font.postScriptName] = FontRecord(context.manager, font);
+        const RequestedFont request = RequestedFontOf(requests[index.get<size_t>()]);
+        for (const Font& font : context.manager.replacements.Find(request)) {
+            Json record = FontRecord(context.manager, font);
+            record[kGS_RankKey] = records.size() + 1;
+            record[kGS_ReasonKey] = ReplacementReason(font, request);
+            records[font.postScriptName] = std::move(record);
+        }
         replacements.push_back(std::move(records));
     }
     return replacements;
@@ -123,8 +130,8 @@ Json ActivateForDocument(CommandContext& context, const Json& arguments) {
     Json matched = leases.Commit();
     Json reported = Json::array();
     for (const auto& [index, fontID] : matches)
-        reported.push_back(ReportedFont(requests[index], leases.Before(fontID),
-                                        FontRecord(manager, *manager.fonts.Find(fontID))));
+        reported.push_back(
+            ReportedFont(requests[index], leases.Before(fontID), manager, *manager.fonts.Find(fontID)));
     Json replacements = ReplacementsFor(context, arguments, unmatched);
     return {{member::kMatched, std::move(matched)},
             {member::kUnmatched, std::move(unmatched)},
