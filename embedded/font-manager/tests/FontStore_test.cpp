@@ -45,6 +45,7 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
     Add("Many", "Many", "Regular", "Version 3.0", 5);  // 7
     Add("Many", "Many", "Regular", "unreadable");      // 8
     Add("Hyphen", "-", "-");                           // 9
+    Add("SmplSns-Ob", "Sample Sans", "Oblique");       // 10
     const std::pair<RequestedFont, IDs> cases[] = {
         {{"Sample-Bold", "", "", "", 0}, {2}},  // exactly, before in any case
         {{"sample-bold", "", "", "", 0}, {1}},
@@ -56,7 +57,18 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
         {{"", "Sample Sans", "Bold", "", 0}, {3}},
         {{"", "Sample Sans", "", "", 0}, {4}},  // a family alone means its regular style
         {{"Unknown-Bold", "Sample Sans", "Bold", "", 0}, {3}},
-        {{"", "Sample Sans", "Italic", "", 0}, {}},
+        {{"", "Sample Sans", "Medium", "", 0}, {}},
+        {{"Sample Sans Bold", "Sample Sans", "", "", 0}, {3}},  // the full name before the family alone
+        {{"SampleSans-Bd", "Sample Sans", "", "", 0}, {3}},
+        {{"SampleSans-Light", "Sample Sans", "", "", 0}, {}},  // it tells the style, which is not there
+        {{"Unknown-Light", "Sample Sans", "", "", 0}, {4}},
+        {{"", "Sample Sans", "Italic", "", 0}, {10}},  // styles in other words
+        {{"", "Sample Sans", "700", "", 0}, {3}},
+        {{"", "Sample Sans", "650", "", 0}, {}},
+        {{"Sample Sans:style=Bold", "", "", "", 0}, {3}},  // as fontconfig writes names
+        {{"Sample Sans,Other:style=Oblique,Italic:lang=de", "", "", "", 0}, {10}},
+        {{"Sample Sans:bold", "", "", "", 0}, {3}},
+        {{"Sample\\ Sans:", "", "", "", 0}, {4}},
         {{"Many", "", "", "", 4}, {6, 5, 8, 7}},
         {{"Many", "", "", "", 5}, {7, 6, 5, 8}},
         {{"_", "", "", "", 0}, {}}};  // nothing goes by an empty name
@@ -65,6 +77,41 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
     EXPECT_TRUE(mFonts.ListNamed("", 0, kListPageSize).empty());
     SetMissing(6);
     EXPECT_EQ(MatchOf({"Many", "", "", "", 4}).front(), 5u);
+}
+
+TEST_F(FontStoreTest, AFontDrawnForItsStyleGoesBeforeAnInstanceOfAVariableOne) {
+    FontFace instance;
+    instance.face = 3 << 16;
+    instance.postScriptName = "Sample-SemiBold";
+    instance.family = "Sample";
+    instance.style = "SemiBold";
+    instance.version = "Version 9.0";
+    mFonts.Add({0, "variable", "Sample-VF.ttf", ".ttf", 10}, {instance});
+    const RequestedFont request{"Sample-SemiBold", "", "", "", 0};
+    ASSERT_EQ(MatchOf(request).size(), 1u);
+    EXPECT_EQ(MatchReason(MatchFonts(mFonts, request).front(), request),
+              "an instance of the variable font Sample-VF.ttf");
+    const uint32_t drawn = Add("Sample-SemiBold", "Sample", "SemiBold");
+    EXPECT_EQ(MatchOf(request), IDs{drawn});
+    EXPECT_EQ(MatchReason(MatchFonts(mFonts, request).front(), request), "");
+}
+
+TEST_F(FontStoreTest, MatchesAndReplacementsHaveReasons) {
+    const Font font = *mFonts.Find(Add("SmplSns-BdIt", "Sample Sans", "Bold Italic"));
+    const std::pair<RequestedFont, const char*> matches[] = {
+        {{"smplsns-bdit", "", "", "", 0}, ""},
+        {{"", "Sample Sans", "Bold Italic", "", 0}, ""},
+        {{"Sample Sans Bold Italic", "", "", "", 0}, "by its full name"},
+        {{"Other", "Sample Sans", "700 Oblique", "", 0}, "by family and style"}};
+    for (const auto& [request, reason] : matches)
+        EXPECT_EQ(MatchReason(font, request), reason) << request.postScriptName;
+    const std::pair<RequestedFont, const char*> replacements[] = {
+        {{"SampleSansPS-BoldItalicMT", "", "", "", 0}, "same name, written differently"},
+        {{"SampleSans-SemiboldCond", "", "", "", 0},
+         "same family, Bold Italic instead of SemiBold Condensed"},
+        {{"", "Sample Sans", "", "", 0}, "same family, Bold Italic instead of Regular"}};
+    for (const auto& [request, reason] : replacements)
+        EXPECT_EQ(ReplacementReason(font, request), reason) << request.postScriptName;
 }
 
 TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) {
