@@ -35,7 +35,10 @@
     X(kGS_LocationKey, "Location")           /* number: 1 = file on this machine, 0 = only on the server */ \
     X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */                                \
     X(kGS_ReasonKey, "Reason") /* for people: how a font came to match, or in what a replacement is like */ \
-    X(kGS_RankKey, "Rank")     /* number, of a replacement: 1 is the best */
+    X(kGS_RankKey, "Rank")     /* number, of a replacement: 1 is the best */                                \
+    /* Of a request, how its font is to be looked for; booleans. */                                         \
+    X(kGS_ExactMatchKey, "ExactMatch")     /* by the PostScript name as it is written alone */              \
+    X(kGS_EntireFamilyKey, "EntireFamily") /* with the rest of its family */
 /* clang-format on */
 
 /* A workgroup record holds kGS_WorkgroupIDKey, kGS_WorkgroupNameKey and kGS_WorkgroupTypeKey. */

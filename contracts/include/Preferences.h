@@ -9,20 +9,20 @@
 
 /// X(key, kind, default, title of its switch in the preferences dialog), in the order in which hosts are given
 /// them. What has no default reads as 0 or as the empty text. Those marked "kept" are there for hosts and panels;
-/// nothing here acts on them.
+/// nothing here acts on them, and on "DialogSuppression" hosts do.
 /* clang-format off */
 #define PREFERENCES(X)                                                                                      \
     X(EnablePlugin,                     kSwitch, 1,            kEnablePluginSwitch)                         \
-    X(EnableGlyphscan,                  kSwitch, 1,            kEnableGlyphscanSwitch)          /* kept */  \
-    X(PickBestMatch,                    kSwitch, 1,            kPickBestMatchSwitch)            /* kept */  \
-    X(SupportEmbeddedObjects,           kSwitch, 1,            kSupportEmbeddedObjectsSwitch)   /* kept */  \
+    X(EnableGlyphscan,                  kSwitch, 1,            kEnableGlyphscanSwitch)                      \
+    X(PickBestMatch,                    kSwitch, 1,            kPickBestMatchSwitch)                        \
+    X(SupportEmbeddedObjects,           kSwitch, 1,            kSupportEmbeddedObjectsSwitch)               \
     X(CloseFontsOnHostAppQuit,          kSwitch, 1,            kCloseFontsOnHostAppQuitSwitch)              \
     X(CloseFontsOnDocClose,             kSwitch, 0,            kCloseFontsOnDocCloseSwitch)                 \
-    X(ActivateEntireFamilies,           kSwitch, 0,            kActivateEntireFamiliesSwitch)   /* kept */  \
-    X(ActivateGlobally,                 kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
+    X(ActivateEntireFamilies,           kSwitch, 0,            kActivateEntireFamiliesSwitch)               \
+    X(ActivateGlobally,                 kSwitch, std::nullopt, kNoSwitch)                                   \
     X(ActivateLocally,                  kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
     X(CurrentWorkgroup,                 kNumber, std::nullopt, kNoSwitch)                                   \
-    X(DialogSuppression,                kSwitch, 1,            kDialogSuppressionSwitch)        /* kept */  \
+    X(DialogSuppression,                kSwitch, 1,            kDialogSuppressionSwitch)                    \
     X(GWFHaveEverBeenEnabled,           kSwitch, std::nullopt, kNoSwitch)                       /* kept */  \
     X(LastCFOFolder,                    kText,   std::nullopt, kNoSwitch)                                   \
     X(RMF4,                             kNumber, std::nullopt, kNoSwitch)                       /* kept */  \

@@ -133,10 +133,12 @@ enum PluginPermission {
 #define TARNWICK_PLUGIN_FUNCTIONS(X) \
     /* Activates fonts by their IDs for a document of this process.
      *
-     *   fonts               in: font records.
+     *   fonts               in: font records; null with kGS_ActivateGlobally: all that this process holds for
+     *                       documents.
      *   documentIdentifier  in: what the document is told apart by; may be null.
-     *   mode                in: kGS_ActivateLocally or kGS_ActivateGlobally; null: locally. This font manager
-     *                       has one way to activate and does the same for both.
+     *   mode                in: kGS_ActivateLocally or null: until this process lets them go, or ends.
+     *                       kGS_ActivateGlobally: beyond that, until the font manager ends or the user
+     *                       deactivates them.
      *   matchedFonts        in/out, appended to: the record of each font that is known, with the activation
      *                       state from before; may be null.
      *

@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
+#include "MissingFonts.h"
 #include "OpenedDocument.h"
 #include "Output.h"
 #include "platform/Console.h"
@@ -172,8 +173,9 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
             if (platform::WasInterrupted())
                 break;
             progress.Advance(platform::Utf8Text(platform::Utf8Path(path).filename()));
-            const OpenedDocument document = OpenDocument(session.Core(), path);
+            OpenedDocument document = OpenDocument(session.Core(), path);
             progress.Hide();
+            OfferReplacements(session.Core(), document);
             const int documentStatus = Show(document, options);
             if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
                 status = documentStatus;

@@ -59,6 +59,76 @@ TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
     EXPECT_EQ(host.Finish().status, 0);
 }
 
+// Each switch of the preferences that changes what opening a document does, seen by what programs are offered.
+TEST_F(DocumentRoadTest, EachSwitchDoesWhatItSays) {
+    const json requested = {{{"PostScriptName", "Sample-Bold"}},
+                            {{"PostScriptName", "sample-italic"}},
+                            {{"PostScriptName", "Sample-Light"}, {"SubDocumentsWithFont", {"placed.ai"}}}};
+    const struct {
+        const char* key;
+        int value;
+        std::set<std::string> expected;
+    } kSwitches[] = {{"PickBestMatch", 1, {"Sample-Bold", "Sample-Italic", "Sample-Light"}},
+                     {"PickBestMatch", 0, {"Sample-Bold", "Sample-Light"}},
+                     {"SupportEmbeddedObjects", 0, {"Sample-Bold", "Sample-Italic"}},
+                     {"EnablePlugin", 0, {}}};
+    for (const auto& [key, value, expected] : kSwitches) {
+        ScriptedHost host;
+        host.Start();
+        host.SetPreference("CloseFontsOnDocClose", 1);
+        host.SetPreference(key, value);
+        host.Call("HandleOpenExistingDocument", {{"path", document}, {"fontsJSON", requested.dump()}});
+        EXPECT_EQ(world.VisibleFonts(), expected) << key << value;
+        host.SetPreference(key, 1);
+        host.Call("TerminatePluginCoreInterface");
+        host.Finish();
+    }
+    ScriptedHost families;
+    families.Start();
+    families.SetPreference("ActivateEntireFamilies", 1);
+    const std::string one = world.WriteDocument("one.ai", {"Sample-Bold"});
+    EXPECT_EQ(families.Open(one), 1u);
+    EXPECT_EQ(world.VisibleFonts().size(), 3u);
+    families.SetPreference("CloseFontsOnDocClose", 1);
+    families.Close(one);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}
+
+TEST_F(DocumentRoadTest, FontsThatAHostLeavesActiveStayUntilTheyAreLetGoOrTheAgentEnds) {
+    const auto leaveActive = [&] {
+        ScriptedHost host;
+        host.Start();
+        host.SetPreference("CloseFontsOnHostAppQuit", 0);
+        host.Open(document);
+        host.Call("TerminatePluginCoreInterface");
+        host.Finish();
+        EXPECT_TRUE(Eventually([&] { return world.FontManager().RunForJson({"status"})["hosts"] == 0; }));
+        EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Light"));
+    };
+    leaveActive();
+    EXPECT_EQ(world.Pellwick("deactivate Sample-Bold"), 0);
+    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Light"));
+    EXPECT_EQ(world.Pellwick("stop"), 0);
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+    leaveActive();
+    world.KillAgent();
+    EXPECT_EQ(world.Pellwick("list"), 0) << "starts the next one";
+    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
+}
+
+TEST_F(DocumentRoadTest, ReplacementsAreOfferedUnlessDialogsAreSuppressed) {
+    const std::string missing = world.WriteDocument("missing.ai", {"Sample-Black"});
+    const std::string answers = world.FontManager().Write(
+        "answers.json",
+        R"([{"dialog": "ResolveFonts", "answer": {"replacements": {"Sample-Black": "Sample-Bold"}}}])");
+    EXPECT_EQ(world.RunHost({"open", missing, "--close", "--answers", answers}).status, 3);
+    ASSERT_EQ(world.RunHost({"settings", "DialogSuppression", "0"}).status, 0);
+    const ProgramResult result = world.RunHost({"open", missing, "--close", "--answers", answers});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("Sample-Black  activated"));
+    EXPECT_THAT(result.output, HasSubstr("Sample, Bold\n  1 of 1 active"));
+}
+
 TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
     ASSERT_EQ(world.Pellwick("activate Sample-Bold"), 0);
     ScriptedHost host;

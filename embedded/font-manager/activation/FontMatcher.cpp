@@ -1,6 +1,7 @@
 #include "activation/FontMatcher.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -37,10 +38,11 @@ bool IsInstance(const Font& font) {
     return font.face >> 16 != 0;
 }
 
-/// An instance of a variable font gives way to the font that is drawn for its style.
-void PreferStatic(std::vector<Font>& fonts) {
-    if (!std::all_of(fonts.begin(), fonts.end(), IsInstance))
-        fonts.erase(std::remove_if(fonts.begin(), fonts.end(), IsInstance), fonts.end());
+/// Leaves out the other fonts, unless it is all of them.
+template <class Predicate>
+void KeepIfAny(std::vector<Font>& fonts, Predicate predicate) {
+    if (std::any_of(fonts.begin(), fonts.end(), predicate))
+        std::erase_if(fonts, [&](const Font& font) { return !predicate(font); });
 }
 
 /// Fonts of the family that look so, whatever words their style is told in.
@@ -116,6 +118,17 @@ size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& req
     return best;
 }
 
+std::vector<Font> BestOfEachName(const std::vector<Font>& fonts) {
+    std::map<std::string, std::vector<Font>> fontsByName;
+    for (const Font& font : fonts)
+        fontsByName[font.postScriptName].push_back(font);
+    std::vector<Font> best;
+    best.reserve(fontsByName.size());
+    for (auto& [name, sameName] : fontsByName)
+        best.push_back(std::move(sameName[IndexOfBestMatch(sameName, RequestedFont())]));
+    return best;
+}
+
 void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request) {
     std::vector<Font> sorted;
     sorted.reserve(fonts.size());
@@ -131,13 +144,20 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
     std::vector<Font> matches;
     if (!request.postScriptName.empty())
         matches = fonts.FindByPostScriptName(request.postScriptName);
+    if (request.isExact) {
+        std::erase_if(matches,
+                      [&](const Font& font) { return font.postScriptName != request.postScriptName; });
+        KeepIfAny(matches, [&](const Font& font) { return font.file.checksum == request.checksum; });
+        return matches;
+    }
     if (matches.empty() && !request.postScriptName.empty())
         matches = fonts.FindByLookupName(request.postScriptName);
     if (matches.empty())
         matches = MatchFamily(fonts, request);
     if (const auto pattern = matches.empty() ? PatternOf(request.postScriptName) : std::nullopt)
         matches = MatchFamily(fonts, *pattern);
-    PreferStatic(matches);
+    KeepIfAny(matches, [&](const Font& font) { return font.file.checksum == request.checksum; });
+    KeepIfAny(matches, [](const Font& font) { return !IsInstance(font); });
     return matches;
 }
 

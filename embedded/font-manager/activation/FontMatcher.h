@@ -15,6 +15,9 @@ struct RequestedFont {
     std::string style;           ///< "Bold Italic", "Oblique", "700"
     std::string foundry;         ///< preferred among equals; may be empty
     int32_t kind = 0;            ///< a kind of GFontManagerConstants
+    std::string checksum{};  ///< of the file that the document was made with; decides among fonts that match
+    bool isExact = false;    ///< only the PostScript name counts, as it is written
+    bool wantsFamily = false;  ///< the rest of the family is to be active with it
 };
 
 /// Fonts that match, up to kListPageSize of a family, in no order of their own. Throws DatabaseError.
@@ -27,6 +30,9 @@ std::string ReplacementReason(const Font& font, const RequestedFont& request);
 
 /// The index of the best of fonts that match the same request; 0 when there are none.
 size_t IndexOfBestMatch(const std::vector<Font>& fonts, const RequestedFont& request);
+
+/// Of several versions of a font the best: together they would only conflict.
+std::vector<Font> BestOfEachName(const std::vector<Font>& fonts);
 
 /// Sorts fonts that match the same request, best first. Takes quadratic time: meant for a few fonts.
 void SortByMatch(std::vector<Font>& fonts, const RequestedFont& request);

@@ -6,6 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "agent/FontRecord.h"
+#include "agent/NamedRecords.h"
 #include "agent/Requests.h"
 #include "agent/SystemFonts.h"
 #include "common/FontManagerLimits.h"
@@ -40,8 +41,11 @@ public:
         std::vector<Font> candidates = MatchFonts(mContext.manager.fonts, request);
         while (!candidates.empty()) {
             const size_t best = IndexOfBestMatch(candidates, request);
-            if (Lease(candidates[best]))
+            if (Lease(candidates[best])) {
+                if (request.wantsFamily)
+                    LeaseFamilyOf(candidates[best]);
                 return candidates[best].id;
+            }
             candidates.erase(candidates.begin() + static_cast<std::ptrdiff_t>(best));
         }
         return 0;
@@ -60,6 +64,12 @@ public:
     }
 
 private:
+    /// Members whose file is gone are left out: nobody asked for them by name.
+    void LeaseFamilyOf(const Font& font) {
+        for (const Font& member : BestOfEachName(RestOfFamily(mContext.manager.fonts, font)))
+            Lease(member);
+    }
+
     /// A host deactivates what was inactive before. So what others hold, or this host for other purposes
     /// than a document, counts as inactive: it ends independently of this document.
     Json RecordFromBefore(const Font& font) const {
@@ -83,6 +93,8 @@ Json ReportedFont(const Json& requested, const Json& before, const FontManager& 
     Json reported = after;
     if (requested.is_object())
         reported.update(requested);
+    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
+        reported.erase(key);
     for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
         reported[key] = after[key];
     reported[kGS_MatchedFontKey] = before;
@@ -168,6 +180,24 @@ Json commands::ActivateDocumentFonts(CommandContext& context, const Json& argume
                                      std::chrono::steady_clock::now() + kSystemFontsPatience);
 }
 
+/// They become the agent's own, and end with it.
+Json commands::KeepFonts(CommandContext& context, const Json& arguments) {
+    RequireLogIn(context);
+    FontManager& manager = context.manager;
+    const std::vector<uint32_t> ids = arguments.contains(member::kFonts)
+                                          ? FontIDsOf(ArrayMember(arguments, member::kFonts))
+                                          : manager.activations.FontsLeasedBy(context.client.process);
+    Activation activation = manager.BeginActivation();
+    for (const uint32_t id : ids) {
+        context.audience.KeepAlive();
+        const auto font = manager.fonts.Find(id);
+        if (font && manager.activations.HasLease(context.client.process, id, LeasePurpose::kDocument))
+            activation.Lease(*font, {manager.self, LeasePurpose::kDocument});
+    }
+    AnnounceChanges(context.audience, activation.Commit());
+    return Json::object();
+}
+
 Json commands::DeactivateFonts(CommandContext& context, const Json& arguments) {
     Activation activation = context.manager.BeginActivation();
     for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
@@ -215,6 +245,7 @@ Json commands::DeactivateForUser(CommandContext& context, const Json& arguments)
     for (const uint32_t id : ids) {
         context.audience.KeepAlive();
         activation.DeactivateForUser(id);
+        activation.EndAllLeases(id, context.manager.self);
     }
     AnnounceChanges(context.audience, activation.Commit());
     for (const uint32_t id : ids) {

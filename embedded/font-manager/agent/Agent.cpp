@@ -63,6 +63,8 @@ int Serve(const Locations& locations, const platform::FileLock& lock, int closed
     platform::NotifyReadyForInput();
     server.TakeBackFonts(survey.unknown);
     server.Run();
+    manager.LetGoOfKeptFonts();
+    manager.EndLeasesOfDeadProcesses();
     log.WriteLine("Pellwick " + std::to_string(platform::CurrentProcessId()) + " ends");
     return 0;
 }

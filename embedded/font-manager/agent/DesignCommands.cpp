@@ -51,18 +51,6 @@ void ReleaseAll(CommandContext& context, const std::vector<Font>& fonts, LeasePu
     AnnounceChanges(context.audience, activation.Commit());
 }
 
-/// Of several versions of a font the best: together they would only conflict.
-std::vector<Font> BestOfEachName(const std::vector<Font>& fonts) {
-    std::map<std::string, std::vector<Font>> fontsByName;
-    for (const Font& font : fonts)
-        fontsByName[font.postScriptName].push_back(font);
-    std::vector<Font> best;
-    best.reserve(fontsByName.size());
-    for (auto& [name, sameName] : fontsByName)
-        best.push_back(std::move(sameName[IndexOfBestMatch(sameName, RequestedFont())]));
-    return best;
-}
-
 }  // namespace
 
 Json commands::GetFontConflicts(CommandContext& context, const Json& arguments) {

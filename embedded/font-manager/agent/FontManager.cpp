@@ -1,5 +1,7 @@
 #include "agent/FontManager.h"
 
+#include <algorithm>
+
 #include "FontRecordKeys.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
@@ -19,6 +21,7 @@ bool MayBeAlive(const HostProcess& host) {
 
 FontManager::FontManager(const Locations& places)
     : locations(places),
+      self{platform::CurrentProcessId(), platform::ProcessStartTime(platform::CurrentProcessId())},
       database(places.databasePath),
       fonts(database),
       replacements(fonts),
@@ -90,6 +93,18 @@ ActivationChanges FontManager::EndLeasesUnless(bool (*mayBeAlive)(const HostProc
             activations.ForgetAnswer(host);
     }
     return EndLeasesOfDeadHosts(activations, activation, mayBeAlive);
+}
+
+int64_t FontManager::CountHosts() {
+    const std::vector<HostProcess> hosts = activations.Hosts();
+    return std::count_if(hosts.begin(), hosts.end(), [&](const HostProcess& host) { return host != self; });
+}
+
+void FontManager::LetGoOfKeptFonts() {
+    Activation activation = BeginActivation();
+    for (const uint32_t fontID : activations.FontsLeasedBy(self))
+        activation.EndAllLeases(fontID, self);
+    activation.Commit();
 }
 
 ActivationChanges FontManager::UndoRequests(const HostProcess& host, long long first, long long last) {

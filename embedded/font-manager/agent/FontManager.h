@@ -53,7 +53,13 @@ public:
     /// The user's first workgroup, which is always there.
     Workgroup DefaultWorkgroup();
 
+    /// Host processes that hold fonts.
+    int64_t CountHosts();
+    /// Ends what is kept for as long as the agent runs.
+    void LetGoOfKeptFonts();
+
     const Locations locations;
+    const HostProcess self;  ///< the agent, which keeps fonts that hosts leave active
     Database database;
     FontStore fonts;
     ReplacementFinder replacements;

@@ -55,6 +55,9 @@ RequestedFont RequestedFontOf(const Json& record) {
     request.style = StringMember(record, kGS_StyleKey);
     request.foundry = StringMember(record, kGS_FoundryKey);
     request.kind = GFontManagerConstants::FontKindFromRecord(StringMember(record, kGS_FontKindKey));
+    request.checksum = StringMember(record, kGS_ChecksumKey);
+    request.isExact = BoolMember(record, kGS_ExactMatchKey);
+    request.wantsFamily = BoolMember(record, kGS_EntireFamilyKey);
     return request;
 }
 

@@ -380,7 +380,7 @@ void Server::SweepLeases() {
         AnnounceChanges(*this, mManager.EndLeasesOfDeadProcesses());
         if (mManager.NeedsRepair())
             mManager.RepairActiveFonts();
-        isAnyLeft = mManager.NeedsRepair() || !mManager.activations.Hosts().empty();
+        isAnyLeft = mManager.NeedsRepair() || mManager.CountHosts() != 0;
         mSweepFailure.clear();
     } catch (const DatabaseError& error) {
         if (mSweepFailure != error.what())

@@ -37,7 +37,7 @@ Json commands::GetStatus(CommandContext& context, const Json&) {
             {member::kFonts, manager.fonts.Count()},
             {member::kSystemFonts, manager.fonts.CountSystemFonts()},
             {member::kActiveFiles, manager.fonts.CountActiveFiles()},
-            {member::kHosts, manager.activations.Hosts().size()},
+            {member::kHosts, manager.CountHosts()},
             {member::kLoggedIn, manager.settings.IsLoggedIn()},
             {member::kUserName, manager.settings.UserName()},
             {member::kStandalone, manager.settings.IsStandalone()},

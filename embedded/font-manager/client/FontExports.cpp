@@ -152,10 +152,11 @@ bool AreAllAvailable(const Json& fonts, size_t askedFor) {
 /// stays one.
 CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
     const auto record = cf::As<CFDictionaryRef>(requested);
-    const bool hasStaleReplacements = cf::Get(record, kGS_PossibleReplacementsKey) != nullptr;
-    if (record == nullptr || (replacements.empty() && !hasStaleReplacements))
+    if (record == nullptr)
         return RetainCF(requested);
     auto unmatched = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record));
+    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
+        CFDictionaryRemoveValue(unmatched.get(), cf::String(key).get());
     cf::Set(unmatched, kGS_PossibleReplacementsKey,
             replacements.empty() ? nullptr : CFFromJson(replacements));
     return unmatched;
@@ -196,14 +197,22 @@ void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts
 
 }  // namespace
 
-uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier, CFStringRef,
-                       CFMutableArrayRef matchedFonts) {
+uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier,
+                       CFStringRef mode, CFMutableArrayRef matchedFonts) {
     return Guarded([&] {
+        const bool isGlobal = cf::ToUtf8(mode) == kGS_ActivateGlobally;
+        Json ignored;
         if (fonts == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        return CallInPartsForFonts(facade, method::kActivateFonts,
-                                   {{member::kDocument, cf::ToUtf8(documentIdentifier)}}, fonts,
-                                   member::kMatched, matchedFonts);
+            return isGlobal ? Call(facade, method::kKeepFonts, Json::object(), ignored)
+                            : ErrorCode{CoreErrorCodes::kNullPointer};
+        const ErrorCode code = CallInPartsForFonts(facade, method::kActivateFonts,
+                                                   {{member::kDocument, cf::ToUtf8(documentIdentifier)}},
+                                                   fonts, member::kMatched, matchedFonts);
+        if (code != CoreErrorCodes::kSuccess || !isGlobal)
+            return code;
+        Json arguments = Json::object();
+        return CallInParts(facade, method::kKeepFonts, arguments, IDsOf(JsonFromCF(fonts)),
+                           [](const Json&, size_t) {});
     });
 }
 

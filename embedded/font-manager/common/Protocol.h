@@ -159,6 +159,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(ActivateFonts, (kFonts, kDocument), (kMatched))                                                        \
     X(ActivateDocumentFonts, (kFonts, kDocument, kReplacements), (kMatched, kUnmatched, kReplacements,       \
       kReported))                                                                                            \
+    X(KeepFonts, (kFonts), ())                                                                               \
     X(DeactivateFonts, (kFonts), (kDeactivated))                                                             \
     X(GetFontConflicts, (kFonts), (kConflicts))                                                              \
     X(EnableDesignActivation, (kFont, kWholeFamily, kEnable), (kConflicts))                                  \

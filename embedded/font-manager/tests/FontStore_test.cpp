@@ -71,6 +71,8 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
         {{"Sample\\ Sans:", "", "", "", 0}, {4}},
         {{"Many", "", "", "", 4}, {6, 5, 8, 7}},
         {{"Many", "", "", "", 5}, {7, 6, 5, 8}},
+        {{"Many", "", "", "", 5, "checksum8"}, {8}},  // the file that the document was made with
+        {{"Many", "", "", "", 5, "elsewhere"}, {7, 6, 5, 8}},
         {{"_", "", "", "", 0}, {}}};  // nothing goes by an empty name
     for (const auto& [request, found] : cases)
         EXPECT_EQ(MatchOf(request), found) << request.postScriptName << request.family << request.style;

@@ -1,5 +1,6 @@
 #include "CommonFunctionality.h"
 
+#include "DocumentFonts.h"
 #include "FontManagerInterface.h"
 #include "GeneralInterface.h"
 #include "MarquellGlobals.h"
@@ -43,7 +44,8 @@ ErrorCode CommonFunctionality::ActivateDocumentFontsSilently(int& numFontsActiva
     const CFRef<CFMutableArrayRef> unmatchedFonts = cf::MutableArray();
     if (!matchedFonts || !reportedFonts || !unmatchedFonts)
         return CoreErrorCodes::kOutOfMemory;
-    const DocumentFontLists lists{.requestedFonts = fonts,
+    const CFRef<CFMutableArrayRef> requests = RequestsByPreference(fonts);
+    const DocumentFontLists lists{.requestedFonts = requests.get(),
                                   .matchedFonts = matchedFonts.get(),
                                   .reportedFonts = reportedFonts.get(),
                                   .unmatchedFonts = unmatchedFonts.get()};

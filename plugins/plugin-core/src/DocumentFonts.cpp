@@ -7,6 +7,8 @@
 #include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "GFile.h"
+#include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 namespace {
@@ -29,6 +31,40 @@ void AppendFontsFromFile(const std::string& path, CFMutableArrayRef fonts) {
     }
 }
 
+bool IsOfPlacedDocuments(CFDictionaryRef font) {
+    return cf::Count(cf::GetArray(font, kGS_SubDocumentsWithFontKey)) != 0;
+}
+
+/// Switches of the preferences that change what is asked for; as they are at first, nothing.
+struct RequestPreferences {
+    bool picksBestMatch =
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::PickBestMatch);
+    bool usesFingerprints =
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnableGlyphscan);
+    bool readsPlacedDocuments =
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::SupportEmbeddedObjects);
+    bool wantsFamilies =
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::ActivateEntireFamilies);
+
+    CFRef<CFTypeRef> Apply(CFTypeRef font) const {
+        const auto record = cf::As<CFDictionaryRef>(font);
+        const CFRef<CFMutableDictionaryRef> request =
+            record != nullptr ? AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record))
+                              : cf::MutableDictionary();
+        if (record == nullptr)
+            CFDictionarySetValue(request.get(), cf::String(kGS_PostScriptNameKey).get(), font);
+        for (const char* key : {kGS_ChecksumKey, kGS_GlyphscanChecksumKey}) {
+            if (!usesFingerprints)
+                CFDictionaryRemoveValue(request.get(), cf::String(key).get());
+        }
+        if (!picksBestMatch)
+            cf::Set(request, kGS_ExactMatchKey, true);
+        if (wantsFamilies)
+            cf::Set(request, kGS_EntireFamilyKey, true);
+        return request;
+    }
+};
+
 }  // namespace
 
 CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::string& fontsJSON) {
@@ -43,4 +79,15 @@ CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::str
         static_cast<void>(AppendFontsFromJSON(fontsJSON, FontListForm::kArrayOrObject, fonts.get()));
     }
     return fonts;
+}
+
+CFRef<CFMutableArrayRef> RequestsByPreference(CFArrayRef fonts) {
+    const RequestPreferences preferences;
+    const CFRef<CFMutableArrayRef> requests = cf::MutableArray();
+    for (const CFTypeRef font : cf::Elements<CFTypeRef>(fonts)) {
+        const auto record = cf::As<CFDictionaryRef>(font);
+        if (preferences.readsPlacedDocuments || record == nullptr || !IsOfPlacedDocuments(record))
+            cf::Append(requests, preferences.Apply(font));
+    }
+    return requests;
 }

@@ -56,6 +56,8 @@ public:
                                              CFMutableArrayRef matchedFonts);
     [[nodiscard]] ErrorCode ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
                                               CFMutableArrayRef matchedFonts);
+    /// Leaves the documents' fonts active when this process has ended.
+    [[nodiscard]] ErrorCode KeepFonts();
     [[nodiscard]] ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t context,
                                             CFMutableArrayRef deactivatedFonts);
     [[nodiscard]] ErrorCode GetClientFontActivationStates(const std::vector<uint32_t>& databaseIDs,
@@ -143,8 +145,9 @@ private:
     /// The agent's answer to a yes-or-no question; `otherwise` when the call fails.
     bool Ask(uint32_t (*PluginFunctionTable::*function)(PluginFacadeRef, bool*), bool otherwise);
 
-    ErrorCode ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
-                              CFMutableArrayRef matchedFonts);
+    /// As the preference "ActivateGlobally" has it.
+    ErrorCode Activate(CFArrayRef fonts, const std::string& documentIdentifier,
+                       CFMutableArrayRef matchedFonts);
     ErrorCode CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                            const CollectingProgress& progress);
     static ErrorCode MakeEmptyFolder(const std::string& path);

@@ -1,6 +1,8 @@
 // The operations of the core agent interface: each is one call through its wrapper.
 #include "CoreAgentInterface.h"
 #include "HostPatience.h"
+#include "MarquellGlobals.h"
+#include "Preferences.h"
 #include "TraceLog.h"
 
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
@@ -23,7 +25,7 @@ ErrorCode CoreAgentInterface::ActivateFontByID(CFDictionaryRef font, const std::
                            documentIdentifier.c_str());
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, font);
-    return code = ActivateLocally(fonts.get(), documentIdentifier, matchedFonts);
+    return code = Activate(fonts.get(), documentIdentifier, matchedFonts);
 }
 
 ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::string& documentIdentifier,
@@ -33,15 +35,23 @@ ErrorCode CoreAgentInterface::ActivateFontsByID(CFArrayRef fonts, const std::str
     const TraceScope trace(ReturningCode(kName, code),
                            "Entering %s(CFArrayGetCount(fonts)=%d, documentIdentifier='%s', ...)", kName,
                            static_cast<int>(cf::Count(fonts)), documentIdentifier.c_str());
-    return code = ActivateLocally(fonts, documentIdentifier, matchedFonts);
+    return code = Activate(fonts, documentIdentifier, matchedFonts);
 }
 
-ErrorCode CoreAgentInterface::ActivateLocally(CFArrayRef fonts, const std::string& documentIdentifier,
-                                              CFMutableArrayRef matchedFonts) {
+ErrorCode CoreAgentInterface::Activate(CFArrayRef fonts, const std::string& documentIdentifier,
+                                       CFMutableArrayRef matchedFonts) {
     const CFRef<CFStringRef> identifier = cf::String(documentIdentifier);
-    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateLocally);
+    const bool isGlobal =
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::ActivateGlobally);
+    const CFRef<CFStringRef> mode = cf::String(isGlobal ? kGS_ActivateGlobally : kGS_ActivateLocally);
     mHasActivatedFonts = true;  // perhaps even when it fails
     return Call(&PluginFunctionTable::pfActivateFonts, fonts, identifier.get(), mode.get(), matchedFonts);
+}
+
+ErrorCode CoreAgentInterface::KeepFonts() {
+    const CFRef<CFStringRef> mode = cf::String(kGS_ActivateGlobally);
+    return Call(&PluginFunctionTable::pfActivateFonts, static_cast<CFArrayRef>(nullptr),
+                static_cast<CFStringRef>(nullptr), mode.get(), static_cast<CFMutableArrayRef>(nullptr));
 }
 
 ErrorCode CoreAgentInterface::DeactivateFonts(CFArrayRef fonts, uint64_t context,

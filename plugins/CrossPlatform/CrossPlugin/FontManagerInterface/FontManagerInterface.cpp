@@ -148,9 +148,12 @@ void FontManagerInterface::OnHostAppShuttingDown() {
         return;
     }
     const ScopeExit release([this] { ReleaseFontManager(); });
-    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::CloseFontsOnHostAppQuit) &&
-        IsLoggedIn())
+    if (!IsLoggedIn())
+        return;
+    if (MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::CloseFontsOnHostAppQuit))
         MarquellGlobals::GetSharedFontActivationTracker()->CloseAllFonts(true);
+    else
+        static_cast<void>(sm_pFontManager->KeepFonts());  // reported where it failed
 }
 
 void FontManagerInterface::ReleaseFontManager() {
