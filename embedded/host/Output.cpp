@@ -48,6 +48,8 @@ std::string ResultName(uint32_t code) {
             return "FontsActivated";
         case PLUGINCORE_NO_PREFERENCES:
             return "NoPreferences";
+        case PLUGINCORE_NO_FONT_MANAGER:
+            return "NoFontManager";
         case PLUGINCORE_NOT_STARTED:
             return "NotStarted";
         default:

@@ -25,8 +25,8 @@ void PrintJson(const std::string& json);
 /// Writes out what standard output holds back; false after an error line when something was lost.
 bool FlushOutput();
 
-/// "CoreErrorCodes::kNotFound" and the like; "FontsActivated", "NoPreferences" and "NotStarted" for the results
-/// that are no error codes.
+/// "CoreErrorCodes::kNotFound" and the like; "FontsActivated", "NoPreferences", "NoFontManager" and "NotStarted" for
+/// the results that are no error codes.
 std::string ResultName(uint32_t code);
 
 /// Rows below a heading in columns, on standard output, whatever names are in them. Columns are as wide as

@@ -25,6 +25,8 @@ void AllTrackedDocuments::AddDocument(Document& pInfo, const std::string& path) 
 }
 
 void AllTrackedDocuments::AddNewDocument(const Document& document) {
+    LogMessage(0, "AllTrackedDocuments::AddDocument(pInfo=0x%08x, path='%s')", TraceAddress(document.get()),
+               "");
     if (document)
         mDocuments.push_back(document);
 }

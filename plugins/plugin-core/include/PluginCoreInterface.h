@@ -29,7 +29,7 @@
  *
  * Hosts. The library serves a process whose name holds one of the words After, Illustrator, InCopy, InDesign,
  * Photoshop and Sketch, in this spelling. In any other one InitializePluginCoreInterface answers
- * PLUGINCORE_NOT_STARTED, shows nothing, and the functions answer as for a plug-in that is switched off.
+ * PLUGINCORE_NOT_STARTED, asks nothing, and the functions answer as for a plug-in that is switched off.
  *
  * Loading. On Windows the library needs CoreFoundation.dll beside it. A plug-in in another folder than the
  * host's program loads it by its full path with LoadLibraryEx and LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
@@ -59,6 +59,7 @@ extern "C" {
 #define PLUGINCORE_SUCCESS 0u
 #define PLUGINCORE_FONTS_ACTIVATED 1u             /* success, and the document should be redrawn */
 #define PLUGINCORE_NO_PREFERENCES 2u              /* there is nothing to keep preferences with */
+#define PLUGINCORE_NO_FONT_MANAGER 1000u          /* the font manager is known to be gone */
 #define PLUGINCORE_NOT_STARTED 0xFFFFFFFFu        /* not a host to serve, no font manager, or started */
 #define PLUGINCORE_INVALID_PARAM 0x04000000u      /* a null pointer, or not what was asked for */
 #define PLUGINCORE_NULL_POINTER 0x05000000u       /* a null panel event service */
@@ -241,8 +242,10 @@ PLUGINCORE_API uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBuffer
  *                    "PossibleReplacements" as for InvokeResolveDialog.
  * numFontsActivated  out: how many became active; written in any case but that of a null pointer.
  *
- * While the font manager cannot be asked, or the plug-in is off, the buffers are left alone and the answer is
- * PLUGINCORE_SUCCESS: the document opens as it would without the plug-in. Put a zero into them first.
+ * While the font manager cannot be asked, or the plug-in is off, the answer is PLUGINCORE_SUCCESS: the document
+ * opens as it would without the plug-in. The buffers are left alone then, but for a document that is open
+ * already, whose lists stay as they were, and empty lists where the font manager is lost in the call. Put a
+ * zero into them first.
  *
  * Returns:
  *   PLUGINCORE_FONTS_ACTIVATED     the document should be redrawn.
@@ -335,13 +338,14 @@ PLUGINCORE_API uint32_t UpdateDocumentFontUsage(const char* document, const char
  * outCount   out: how many of them the font manager matched; 0 unless the document is tracked.
  *
  * Returns:
- *   PLUGINCORE_SUCCESS        done; also for a document that is not tracked when all fonts say that they are
- *                             active.
- *   PLUGINCORE_NOT_FOUND      the document is not tracked, or the font manager cannot be used, and some of
- *                             the fonts are not active.
- *   PLUGINCORE_INVALID_PARAM  no array, or a null path or outCount.
- *   PLUGINCORE_UNKNOWN_ERROR  called from behind a dialog of another call.
- *   another code              the font manager's.
+ *   PLUGINCORE_SUCCESS          done; also for a document that is not tracked when all fonts say that they
+ *                               are active.
+ *   PLUGINCORE_NOT_FOUND        the document is not tracked, or the font manager was lost in the call, and
+ *                               some of the fonts are not active.
+ *   PLUGINCORE_NO_FONT_MANAGER  the font manager was lost before.
+ *   PLUGINCORE_INVALID_PARAM    no array, or a null path or outCount.
+ *   PLUGINCORE_UNKNOWN_ERROR    called from behind a dialog of another call.
+ *   another code                the font manager's.
  */
 PLUGINCORE_API uint32_t ActivateChosenFonts(const char* path, const char* fontsJSON, uint32_t* outCount);
 

@@ -7,6 +7,7 @@
 #include "AllTrackedDocuments.h"
 #include "CallScopes.h"
 #include "CommonFunctionality.h"
+#include "CoreAgentInterface.h"
 #include "DocumentFonts.h"
 #include "FontListJSON.h"
 #include "FontManagerInterface.h"
@@ -54,6 +55,31 @@ bool HandOverFonts(const std::string& path, const OneTrackedDocument& record, co
 /// The file was written since the host last told of it.
 bool WasWrittenBehindTheHost(const std::string& path, const OneTrackedDocument& record) {
     return VantorixFileUtils::GetFileModificationDate(path) > record.LastKnownModificationTime();
+}
+
+/// A host that quits may do so from behind a dialog of another call.
+enum class CloseReason { kUser, kHostQuits };
+
+ErrorCode Close(const std::string& path, const std::string& hint, CloseReason reason) {
+    constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
+    ErrorCode result = CoreErrorCodes::kUnknownError;
+    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts(kName);
+    if (!turn && reason == CloseReason::kUser)
+        return result;
+    FontManagerInterface::GetSharedInstance().OnUserAction();
+    Document record = Documents().FindTrackedDocumentByPath(path);
+    if (!record)  // one that was never saved has its identifier alone
+        record = Documents().FindTrackedDocumentByIdentifier(path);
+    if (!record)
+        return result;
+    const std::string filePath = record->DocumentFilePath();
+    if (record->isSavePending || WasWrittenBehindTheHost(filePath, *record)) {
+        HandOverFonts(filePath, *record, hint);
+        record->isSavePending = false;
+    }
+    Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());
+    return result = CoreErrorCodes::kSuccess;
 }
 
 }  // namespace
@@ -127,25 +153,7 @@ ErrorCode HandleSaveDocument(const std::string& path, const std::string& hint) {
 }
 
 ErrorCode HandleCloseDocument(const std::string& path, const std::string& hint) {
-    constexpr char kName[] = "PluginCoreInterface::HandleCloseDocument";
-    ErrorCode result = CoreErrorCodes::kUnknownError;
-    const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName, path.c_str());
-    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts(kName);
-    if (!turn)
-        return result;
-    FontManagerInterface::GetSharedInstance().OnUserAction();
-    Document record = Documents().FindTrackedDocumentByPath(path);
-    if (!record)  // one that was never saved has its identifier alone
-        record = Documents().FindTrackedDocumentByIdentifier(path);
-    if (!record)
-        return result;
-    const std::string filePath = record->DocumentFilePath();
-    if (record->isSavePending || WasWrittenBehindTheHost(filePath, *record)) {
-        HandOverFonts(filePath, *record, hint);
-        record->isSavePending = false;
-    }
-    Documents().RemoveClosedDocument(*record, MarquellGlobals::GetSharedFontActivationTracker());
-    return result = CoreErrorCodes::kSuccess;
+    return Close(path, hint, CloseReason::kUser);
 }
 
 ErrorCode SetPathForDocument(const std::string& path, const std::string& documentId) {
@@ -205,6 +213,8 @@ ErrorCode ActivateChosenFonts(const std::string& path, const std::string& fontsJ
     if (record)
         result = MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(record->Identifier(),
                                                                                       fonts.get(), *outCount);
+    if (CoreAgentInterface::IsUndelivered(result))
+        result = CoreErrorCodes::kUnknownError;
     if (result == CoreErrorCodes::kUnknownError) {
         const CFIndex missing = cf::Count(fonts.get()) - CommonFunctionality::CountActiveFonts(fonts.get()) -
                                 static_cast<CFIndex>(*outCount);
@@ -220,7 +230,7 @@ void CloseAllDocuments() {
     const std::vector<Document> documents = Documents().Documents();
     for (const Document& document : documents) {
         try {
-            HandleCloseDocument(document->DocumentFilePath(), "");
+            Close(document->DocumentFilePath(), "", CloseReason::kHostQuits);
         } catch (const std::exception& exception) {
             LogMessage(0, "Exception thrown in %s(): %s", "DocumentEvents::CloseAllDocuments",
                        exception.what());

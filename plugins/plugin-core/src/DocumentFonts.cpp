@@ -4,6 +4,7 @@
 #include <set>
 
 #include "FontListJSON.h"
+#include "FontManagerInterface.h"
 #include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "GFile.h"
@@ -70,6 +71,8 @@ struct RequestPreferences {
 CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::string& fontsJSON) {
     CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (fontsJSON.empty()) {
+        if (!FontManagerInterface::GetSharedInstance().IsUsable())
+            return fonts;  // nobody would be asked for them
         try {
             AppendFontsFromFile(path, fonts.get());
         } catch (const std::exception& exception) {  // memory; the document is open all the same

@@ -6,7 +6,7 @@
 #include <string>
 
 /// Font records. `fontsJSON` is the host's list; text that does not parse counts as no fonts. Empty: the
-/// names that the document's file holds stand in for it.
+/// names that the document's file holds stand in for it, if the plug-in can be used.
 CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::string& fontsJSON);
 
 /// The fonts of a document as the preferences have them looked for: "PickBestMatch" off asks for exact names

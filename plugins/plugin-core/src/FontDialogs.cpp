@@ -79,10 +79,10 @@ ErrorCode InvokeResolveDialog(bool onlyIfResolvable, const std::string& fontsJSO
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     if (AppendFontsFromJSON(fontsJSON, FontListForm::kArray, fonts.get()) != CoreErrorCodes::kSuccess)
         return result = CoreErrorCodes::kInvalidParam;
-    if (cf::Count(fonts.get()) == 0) {
+    if (CountResolvable(fonts.get()) == 0)
         LogMessage(0, "WARNING: nothing to resolve in %s", kName);
+    if (cf::Count(fonts.get()) == 0)
         return result = CoreErrorCodes::kInvalidParam;
-    }
     if (onlyIfResolvable && CountResolvable(fonts.get()) == 0)
         return result = CoreErrorCodes::kNotFound;
     const SortedFonts sorted;

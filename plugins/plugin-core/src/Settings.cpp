@@ -27,6 +27,11 @@ const Preference* FindPreference(std::string_view key) {
 /// Numbers of preferences have 32 bits with sign. One of them is what hosts pass for a text that is no number.
 std::optional<int32_t> NumberFromText(std::string_view text) {
     constexpr auto kNoNumber = static_cast<int32_t>(0x80000001);
+    constexpr std::string_view kBlanks = " \t";
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-')
+        text.remove_prefix(1);
     int32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     const bool isNumber = error == std::errc() && end == text.data() + text.size() && number != kNoNumber;

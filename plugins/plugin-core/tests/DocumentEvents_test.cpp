@@ -50,6 +50,17 @@ protected:
 
 }  // namespace
 
+TEST_F(DocumentEventsTest, ADocumentIsNotSearchedWhileThePluginIsOff) {
+    MakeFunctional();
+    framework.numbers["EnablePlugin"] = 0;
+    path += ".is not there.ai";  // so that a search fails and is reported
+    EXPECT_EQ(Open(""), CoreErrorCodes::kSuccess);
+    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Error=")));
+    framework.numbers["EnablePlugin"] = 1;
+    EXPECT_EQ(Open(""), CoreErrorCodes::kSuccess);
+    EXPECT_THAT(trace.Text(), HasSubstr("Error="));
+}
+
 TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
     MakeFunctional();
     library.fonts = {{7, "Seven"}, {8, "Eight"}};

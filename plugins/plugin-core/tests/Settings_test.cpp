@@ -51,12 +51,13 @@ TEST_F(SettingsTest, SettingsComeInTheirOrderAndFitOrAreCut) {
 }
 
 TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesRefused) {
-    for (const auto& [value, number] : {std::pair{"-12", -12}, {"-2147483648", INT32_MIN}, {"0", 0}}) {
+    for (const auto& [value, number] :
+         {std::pair{"-12", -12}, {" +7 ", 7}, {"-2147483648", INT32_MIN}, {"0", 0}}) {
         EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", value), CoreErrorCodes::kSuccess);
         EXPECT_EQ(framework.numbers["CS5PanelWidth"], number);
     }
     // Numbers of 32 bits, of which one stands for none.
-    for (const char* value : {"", "yes", "1x", " 1", "4294967296", "2147483648", "-2147483647"})
+    for (const char* value : {"", "yes", "1x", "+-1", "1 2", "4294967296", "2147483648", "-2147483647"})
         EXPECT_EQ(Settings::SetPreference("CS5PanelWidth", value), CoreErrorCodes::kInvalidParam) << value;
     EXPECT_EQ(framework.numbers["CS5PanelWidth"], 0);
     EXPECT_EQ(Settings::SetPreference("NoSuchKey", "1"), CoreErrorCodes::kInvalidParam);

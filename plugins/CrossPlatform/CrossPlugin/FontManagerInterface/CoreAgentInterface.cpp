@@ -180,6 +180,10 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
             HostPatience::NoteRecovery();
             continue;
         }
+        if (!HostPatience::AllowsLaunch()) {
+            LogMessage(0, "The host has waited for too long already, the agent is not started");
+            return code;
+        }
         mIsRecovering = true;
         const ScopeExit recovered([this] { mIsRecovering = false; });
         if (automaticRelaunchesLeft > 0) {

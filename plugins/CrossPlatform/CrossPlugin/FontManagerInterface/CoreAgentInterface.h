@@ -37,7 +37,7 @@ public:
     /// Nothing is offered until the agent is back.
     void LoseServices();
     /// Everything is offered again.
-    void ServicesAreBack() { mHasLostServices = false; }
+    void ServicesAreBack() { mHasLostServices = mHasGivenUp = false; }
     /// Whether a lost agent is being brought back, perhaps behind a dialog.
     bool IsRecovering() const { return mIsRecovering; }
 

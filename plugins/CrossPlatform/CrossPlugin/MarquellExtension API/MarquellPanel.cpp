@@ -46,7 +46,7 @@ ErrorCode MarquellPanel::CallMethodForMessage(const std::string& message) {
     JSONValue root;
     RETURN_IF_FAILED(GetJSONValueFromMessage(message, root, jsonObject));
     int64_t operatorID = 0;
-    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(root, kMessageIDKey.text, operatorID));
+    RETURN_IF_FAILED(GJSONUtils::GetValueForKey(root, kMessageIDKey, operatorID));
     const Handler handler = HandlerOf(operatorID);
     if (handler == nullptr) {
         LogMessage(0, "Unknown operator ID from panel '%" PRId64 "'.", operatorID);

@@ -96,7 +96,7 @@ ErrorCode MarquellPanel::StartPanelInfo(const JSONValue&) {
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetRunningStandalone, &isStandalone));
     if (const ErrorCode code = Send(PanelMessage(kConnectionComplete).Set(kIsStandaloneKey, isStandalone)))
         return code;
-    return SetEnabled(MarquellGlobals::ArePluginServicesEnabled());
+    return SetEnabled(MarquellGlobals::IsPluginFunctional());
 }
 
 ErrorCode MarquellPanel::IsWindows(const JSONValue&) {

@@ -49,11 +49,11 @@ std::string FontListLine(CFDictionaryRef font) {
            std::to_string(cf::GetInt64(font, kGS_WorkgroupIDKey).value_or(0)) + "\n";
 }
 
-/// Base64 in lines of 76 characters with line feeds between them, as mail has it (RFC 2045, 6.8).
+/// Base64 as mail has it (RFC 2045, 6.8), with a line feed behind each full line of 76 characters.
 std::string Base64Lines(std::string_view bytes) {
     constexpr size_t kLineLength = 76;
     std::string text = cf::EncodeBase64(bytes);
-    for (size_t end = kLineLength; end < text.size(); end += kLineLength + 1)
+    for (size_t end = kLineLength; end <= text.size(); end += kLineLength + 1)
         text.insert(end, 1, '\n');
     return text;
 }

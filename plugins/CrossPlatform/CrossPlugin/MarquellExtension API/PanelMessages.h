@@ -3,6 +3,8 @@
 // holds.
 #pragma once
 
+#include <string>
+
 /* clang-format off */
 /// Requests: X(constant, number, handler). A reply carries the number of its request unless noted.
 #define PANEL_REQUESTS(X)                                                                                   \
@@ -124,6 +126,8 @@ struct MessageID {
 struct Key {
     const char* text;
     const char* name;
+
+    operator std::string() const { return text; }
 };
 
 #define PANEL_MESSAGE_ID(constant, id, ...) inline constexpr MessageID constant{id, #constant};

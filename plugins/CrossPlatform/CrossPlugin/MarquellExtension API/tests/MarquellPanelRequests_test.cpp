@@ -115,6 +115,11 @@ TEST_F(PanelRequestsTest, EveryRequestMakesItsCallsAndGetsItsReply) {
     }
 }
 
+TEST_F(PanelRequestsTest, APanelThatStartsIsToldWhatTheHostIsTold) {
+    MarquellGlobals::SetLoggedIn(false);
+    EXPECT_THAT(Send(R"({"messageID":66})"), testing::Contains(R"({"messageID":30,"isEnabled":false})"));
+}
+
 TEST_F(PanelRequestsTest, ARequestWithAMissingOrMistypedKeyIsReportedAndDropped) {
     for (const Request& request : kCatalogue) {
         const auto whole = nlohmann::ordered_json::parse(request.message);
