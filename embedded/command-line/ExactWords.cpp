@@ -100,7 +100,14 @@ void Parse(CLI::App& app, int count, const char* const* words) {
             parsed.push_back(AsParsed(word));
     }
     std::reverse(parsed.begin(), parsed.end());  // as the parser takes them
-    app.parse(std::move(parsed));
+    try {
+        app.parse(std::move(parsed));
+    } catch (const CLI::ParseError&) {  // of its own accord it names no command that there is none of
+        const std::vector<std::string> left = app.remaining();
+        if (!app.get_subcommands().empty() || left.empty() || left.front().starts_with('-'))
+            throw;
+        throw CLI::ParseError("there is no command \"" + left.front() + "\"", CLI::ExitCodes::ExtrasError);
+    }
 }
 
 std::string FailureText(const CLI::Error& error) {

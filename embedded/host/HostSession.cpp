@@ -2,6 +2,9 @@
 
 #include "HostApplications.h"
 #include "Output.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 std::string PluginIdentifierFor(const std::string& app) {
     std::string identifier(kPluginIdentifierPrefix);
@@ -10,6 +13,17 @@ std::string PluginIdentifierFor(const std::string& app) {
             return identifier += each.identifierEnd;
     }
     return identifier += app;
+}
+
+std::string PellwickCommand(const std::string& words) {
+    const std::string folder = platform::FolderPart(CoreLibrary::DefaultPath());
+    for (const char* place : {"vantorix", "../lib/vantorix"}) {
+        const auto program = (platform::Utf8Path(folder) / place).lexically_normal() /
+                             platform::Utf8Path(platform::ProgramFileName("Pellwick"));
+        if (platform::IsExistingFile(platform::Utf8Text(program)))
+            return "\"" + platform::Utf8Text(program) + "\" " + words;
+    }
+    return "Pellwick " + words;
 }
 
 HostSession::~HostSession() {
@@ -30,10 +44,8 @@ int HostSession::Start(const HostOptions& options, Needs needs) {
         return exit_status::kFailed;
     }
     if (code != PLUGINCORE_SUCCESS) {
-        PrintError(
-            "the font manager cannot be reached; start it with 'Pellwick serve', or run 'Pellwick "
-            "launch-info' "
-            "once so that it is started for you");
+        PrintError("the font manager cannot be reached; start it with: " + PellwickCommand("serve") +
+                   ", or have it started for you from now on: " + PellwickCommand("launch-info"));
         return exit_status::kFontManagerUnreachable;
     }
     bool isEnabled = false;
@@ -47,10 +59,9 @@ std::string HostSession::WhyNotEnabled() const {
     bool showLogin = false;
     mCore.ShouldShowLogin(&showLogin);
     if (showLogin)
-        return "nobody is logged in to the font manager; log in with 'Pellwick login NAME'";
+        return "nobody is logged in to the font manager; log in with: " + PellwickCommand("login NAME");
     return "the plug-in cannot be used: it may be switched off ('plugincore-host settings EnablePlugin 1' "
            "switches it on), "
-           "its framework or its preferences may be out of reach, or there may be no workgroup ('Pellwick "
-           "workgroup list'); "
-           "PLUGINCORE_DEBUG_OUTPUT=- shows which";
+           "its framework or its preferences may be out of reach, or there may be no workgroup (" +
+           PellwickCommand("workgroup list") + "); PLUGINCORE_DEBUG_OUTPUT=- shows which";
 }

@@ -14,6 +14,9 @@ struct HostOptions {
 /// The bundle identifier of the plug-in that serves the application.
 std::string PluginIdentifierFor(const std::string& app);
 
+/// What to type for that command of the font manager that comes with this program.
+std::string PellwickCommand(const std::string& words);
+
 class HostSession {
 public:
     HostSession() = default;

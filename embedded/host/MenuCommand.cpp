@@ -12,6 +12,7 @@ namespace {
 using nlohmann::json;
 
 constexpr size_t kMenuSize = size_t{1} << 20;
+constexpr int kFirstWorkgroupLabel = 8;
 
 /// An empty object after an error line.
 json ReadMenu(const CoreLibrary& core, const std::string& document) {
@@ -56,6 +57,23 @@ const json* FindItem(const json& item, const std::string& choice) {
     return nullptr;
 }
 
+/// As a host keeps its menu: its own identifiers beside the texts. A workgroup is the current one afterwards.
+int SelectItem(const CoreLibrary& core, const json& item, const std::string& document) {
+    const std::string label = item.at("label");
+    const json hostMenu{{"items", {{{"id", label}, {"label", item.at("title")}}}}};
+    core.HandleMenuSelection(document.c_str(), hostMenu.dump().c_str(), label.c_str(), nullptr);
+    if (!item.contains("checked") || std::stoi(label) < kFirstWorkgroupLabel)
+        return exit_status::kDone;
+    const json menu = ReadMenu(core, document);
+    const json* now = FindItem(menu, label);
+    if (now != nullptr && now->value("checked", false)) {
+        PrintLine("done: the current workgroup is " + now->value("title", ""));
+        return exit_status::kDone;
+    }
+    PrintError("the current workgroup is another one; 'menu' shows it");
+    return exit_status::kFailed;
+}
+
 int Choose(const CoreLibrary& core, const json& menu, const std::string& document,
            const std::string& choice) {
     const json* item = FindItem(menu, choice);
@@ -68,11 +86,7 @@ int Choose(const CoreLibrary& core, const json& menu, const std::string& documen
                    (document.empty() ? "; name a document with --document" : ""));
         return exit_status::kFailed;
     }
-    // As a host keeps its menu: its own identifiers beside the texts.
-    const json hostMenu{{"items", {{{"id", item->at("label")}, {"label", item->at("title")}}}}};
-    core.HandleMenuSelection(document.c_str(), hostMenu.dump().c_str(),
-                             item->at("label").get<std::string>().c_str(), nullptr);
-    return exit_status::kDone;
+    return SelectItem(core, *item, document);
 }
 
 }  // namespace

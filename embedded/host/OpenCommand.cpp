@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
+#include "HostSession.h"
 #include "MissingFonts.h"
 #include "OpenedDocument.h"
 #include "Output.h"
@@ -99,10 +100,10 @@ std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
     EraseImpossibleNames(names);
     if (!names.empty())
         return fmt::format(
-            "the font manager has not answered for its {} fonts; see how it is with 'Pellwick status' and "
-            "open "
-            "the document again, or fewer fonts at once",
-            names.size());
+            "the font manager has not answered for its {} fonts; see how it is with: {}, and open the "
+            "document "
+            "again",
+            names.size(), PellwickCommand("status"));
     return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
                                      "'plugincore-host fonts' searches all of it"
                                    : "";

@@ -1,11 +1,25 @@
 // plugincore-host: drives the core from the command line as a host application would.
 
+#include <nlohmann/json.hpp>
+
 #include "CommandLine.h"
 #include "Output.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/ProgramArguments.h"
+
+namespace {
+
+/// The dialogs would be answered by default, and nobody be told why.
+bool CanAnswer(const std::string& file) {
+    constexpr uint64_t kLargest = uint64_t{16} << 20;
+    std::string text;
+    return !platform::ReadWholeFile(file, text, kLargest) &&
+           nlohmann::json::parse(text, nullptr, false).is_array();
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     platform::ProgramArguments arguments(argc, argv);
@@ -19,6 +33,10 @@ int main(int argc, char** argv) {
     }
 
     platform::SetCurrentProcessName(line.host.app);
+    if (!line.answers.empty() && !CanAnswer(line.answers)) {
+        PrintError(line.answers + " holds no list of answers; docs/framework.md tells how to write one");
+        return exit_status::kFailed;
+    }
     if (!line.answers.empty())
         platform::SetEnvironment("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
     line.open.json = line.settings.json = line.menu.json = line.json;

@@ -46,7 +46,7 @@ std::optional<AgentHolder> FindLastingHolder() {
 std::string NoAgentText() {
     const std::optional<AgentHolder> holder = FindLastingHolder();
     return holder ? UnreachableAgentText(Locations::OfThisUser(), *holder)
-                  : "no agent is running; start it with \"" + ProgramPath() + " serve\"";
+                  : "no agent is running; start it with: \"" + ProgramPath() + "\" serve";
 }
 
 void AgentSession::StartAgentIfNeeded() {
