@@ -157,6 +157,7 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
     if (const auto pattern = matches.empty() ? PatternOf(request.postScriptName) : std::nullopt)
         matches = MatchFamily(fonts, *pattern);
     KeepIfAny(matches, [&](const Font& font) { return font.file.checksum == request.checksum; });
+    KeepIfAny(matches, [](const Font& font) { return font.isPreferred; });
     KeepIfAny(matches, [](const Font& font) { return !IsInstance(font); });
     return matches;
 }

@@ -3,9 +3,11 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "TarnwickPluginInterface.h"
 #include "agent/FontRecord.h"
 #include "agent/NamedRecords.h"
 #include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -55,6 +57,37 @@ void ReleaseAll(CommandContext& context, const std::vector<Font>& fonts, LeasePu
 
 Json commands::GetFontConflicts(CommandContext& context, const Json& arguments) {
     return {{member::kConflicts, ConflictsOf(context, KnownFonts(context, arguments))}};
+}
+
+/// Of each name the font that a document is given, and why the others are not: their records tell versions
+/// and states. Pages go by names.
+Json commands::ListRivals(CommandContext& context, const Json& arguments) {
+    FontStore& fonts = context.manager.fonts;
+    Json records = Json::array();
+    std::string name;
+    uint32_t chosen = 0;
+    for (const Font& font : fonts.ListRivals(StringMember(arguments, member::kAfter), kListPageSize / 10)) {
+        context.audience.KeepAlive();
+        if (font.postScriptName != name) {
+            name = font.postScriptName;
+            const RequestedFont request{name, {}, {}, {}, 0};
+            const std::vector<Font> matches = MatchFonts(fonts, request);
+            chosen = matches.empty() ? 0 : matches[IndexOfBestMatch(matches, request)].id;
+        }
+        Json record = FontRecord(context.manager, font);
+        record[member::kIsChosen] = font.id == chosen;
+        record[member::kIsPreferred] = font.isPreferred;
+        records.push_back(std::move(record));
+    }
+    return {{member::kFonts, std::move(records)}};
+}
+
+Json commands::PreferFont(CommandContext& context, const Json& arguments) {
+    Transaction transaction(context.manager.database);
+    context.manager.fonts.SetPreferred(FindFont(context, arguments), BoolMember(arguments, member::kOn));
+    transaction.Commit();
+    context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    return Json::object();
 }
 
 Json commands::EnableDesignActivation(CommandContext& context, const Json& arguments) {

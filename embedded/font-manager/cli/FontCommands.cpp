@@ -197,6 +197,64 @@ ExitStatus DeactivateFonts(AgentSession& session, const std::vector<std::string>
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
+void PrintRival(const Json& font) {
+    PrintLine(std::string(BoolMember(font, member::kIsChosen) ? "  * " : "    ") +
+              std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + "  " +
+              StringMember(font, kGS_VersionKey) + " (" + StringMember(font, kGS_FontKindKey) + ")" +
+              (BoolMember(font, member::kIsPreferred) ? ", preferred" : "") + ", " +
+              (IntegerMember(font, kGS_WorkgroupTypeKey) == kWorkgroupType_System
+                   ? StringMember(font, kGS_PathKey)
+                   : "added as " + StringMember(font, kGS_OutlineFileNameKey)));
+}
+
+/// Fonts of one name in files that differ.
+ExitStatus ListConflicts(AgentSession& session) {
+    session.StartAgentIfNeeded();
+    Json all = Json::array();
+    std::string name;
+    for (;;) {
+        const Json page = session.Call(method::kListRivals, {{member::kAfter, name}});
+        const Json& fonts = ArrayMember(page, member::kFonts);
+        if (fonts.empty())
+            break;
+        for (const Json& font : fonts) {
+            if (session.PrintsJson()) {
+                all.push_back(font);
+            } else {
+                if (StringMember(font, kGS_PostScriptNameKey) != name)
+                    PrintLine(StringMember(font, kGS_PostScriptNameKey));
+                PrintRival(font);
+            }
+            name = StringMember(font, kGS_PostScriptNameKey);
+        }
+    }
+    if (session.PrintsJson())
+        PrintJson({{"fonts", all}});
+    else
+        PrintLine(name.empty() ? "no two fonts of one name differ"
+                               : "* is what documents are given; \"prefer\" and a number choose another");
+    return kExit_Done;
+}
+
+ExitStatus PreferFont(AgentSession& session, const std::string& name, bool isForgotten) {
+    session.StartAgentIfNeeded();
+    bool isComplete = false;
+    const Json fonts = FindFonts(session, {name}, isComplete);
+    if (!isComplete)
+        return kExit_CouldNot;
+    if (fonts.size() > 1)
+        throw Failure(kExit_CouldNot, std::to_string(fonts.size()) + " fonts are called \"" + name +
+                                          "\"; give the number of one, see \"Pellwick conflicts\"");
+    const Json& font = fonts.front();
+    session.Call(method::kPreferFont,
+                 {{member::kFont, font[kGS_DatabaseIDKey]}, {member::kOn, !isForgotten}});
+    if (session.PrintsJson())
+        PrintJson(font);
+    else
+        PrintFonts({font}, isForgotten ? "no longer preferred:" : "preferred:");
+    return kExit_Done;
+}
+
 }  // namespace
 
 void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
@@ -214,6 +272,13 @@ void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
     withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
     withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
     withNames("deactivate", "End that", DeactivateFonts);
+    AddCommand(app, chosen, "conflicts",
+               "List fonts of one name that differ, and which of them documents get", ListConflicts);
+    auto* prefer = AddCommand(
+        app, chosen, "prefer", "Give documents this font of its name",
+        [&](AgentSession& session) { return PreferFont(session, arguments.name, arguments.isForgotten); });
+    AddText(*prefer, "FONT", arguments.name, kFontNameHelp)->required();
+    prefer->add_flag("--forget", arguments.isForgotten, "No longer; the best by version goes again");
     FontFilter& filter = arguments.filter;
     auto* list = AddCommand(app, chosen, "list", "List the fonts, but for the system's",
                             [&](AgentSession& session) { return ListFonts(session, filter); });

@@ -37,6 +37,7 @@ struct Arguments {
     std::string workgroup;
     SmartListParts parts;
     FontFilter filter;
+    bool isForgotten = false;
 };
 
 /// Carries out a command. Returns an exit status or throws Failure.

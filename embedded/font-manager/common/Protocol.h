@@ -57,6 +57,8 @@ inline constexpr char kAdded[] = "added";
 inline constexpr char kAfter[] = "after";  ///< the ID behind which a page begins
 inline constexpr char kAlreadyKnown[] = "alreadyKnown";
 inline constexpr char kChecked[] = "checked";
+inline constexpr char kIsChosen[] = "isChosen";  ///< what a document that asks for the name is given
+inline constexpr char kIsPreferred[] = "isPreferred";
 inline constexpr char kConflicts[] = "conflicts";
 inline constexpr char kCurrent[] = "current";
 inline constexpr char kDataFolder[] = "dataFolder";
@@ -161,6 +163,8 @@ inline constexpr char kWorkgroups[] = "workgroups";
       kReported))                                                                                            \
     X(KeepFonts, (kFonts), ())                                                                               \
     X(DeactivateFonts, (kFonts), (kDeactivated))                                                             \
+    X(ListRivals, (kAfter), (kFonts))                                                                        \
+    X(PreferFont, (kFont, kOn), ())                                                                          \
     X(GetFontConflicts, (kFonts), (kConflicts))                                                              \
     X(EnableDesignActivation, (kFont, kWholeFamily, kEnable), (kConflicts))                                  \
     X(PreviewActivateFonts, (kFonts, kActivate), ())                                                         \

@@ -18,7 +18,7 @@ namespace {
     " CASE WHEN files.path <> '' THEN 3 WHEN files.missing THEN 7"                                          \
     "  WHEN EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id) THEN 1"                        \
     "  WHEN EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                      \
-    " w.id, w.name, w.type"                                                                                 \
+    " w.id, w.name, w.type, f.preferred"                                                                    \
     " FROM fonts f JOIN files ON files.id = f.file_id"                                                      \
     " LEFT JOIN workgroups w ON w.id ="                                                                     \
     "  (SELECT MIN(workgroup_id) FROM workgroup_fonts wf WHERE wf.font_id = f.id) "
@@ -71,6 +71,7 @@ Font FontOfRow(const Statement& row) {
     font.workgroupID = static_cast<int32_t>(row.Integer(16));
     font.workgroupName = row.Text(17);
     font.workgroupType = static_cast<int32_t>(row.Integer(18));
+    font.isPreferred = row.Integer(19) != 0;
     return font;
 }
 
@@ -246,6 +247,22 @@ std::vector<Font> FontStore::FindActive(const std::string& postScriptName) {
     Statement query = mDatabase.Prepare(SELECT_FONTS "WHERE f.postscript_name = ? AND (" IS_SYSTEMS
                                                      " OR " IS_ACTIVE ") ORDER BY f.id LIMIT ?");
     return AllRows(query.Bind(postScriptName, kMaxFontsOfName));
+}
+
+std::vector<Font> FontStore::ListRivals(const std::string& afterName, int limit) {
+    Statement query = mDatabase.Prepare(
+        SELECT_FONTS
+        "WHERE f.postscript_name IN"
+        " (SELECT postscript_name FROM fonts JOIN files ON files.id = file_id WHERE postscript_name > ?"
+        " GROUP BY postscript_name HAVING COUNT(DISTINCT checksum) > 1 ORDER BY postscript_name LIMIT ?)"
+        " ORDER BY f.postscript_name, f.id");
+    return AllRows(query.Bind(afterName, limit));
+}
+
+void FontStore::SetPreferred(const Font& font, bool isPreferred) {
+    mDatabase.Prepare("UPDATE fonts SET preferred = (id = ? AND ?) WHERE postscript_name = ?")
+        .Bind(font.id, isPreferred, font.postScriptName)
+        .Run();
 }
 
 std::vector<Font> FontStore::ListNamed(const std::string& name, uint32_t after, int limit) {

@@ -47,6 +47,7 @@ struct Font : FontFace {
     int32_t workgroupID = 0;
     std::string workgroupName;
     int32_t workgroupType = 0;
+    bool isPreferred = false;  ///< by the user, to other fonts of its PostScript name
 };
 
 /// What a font is called.
@@ -101,6 +102,11 @@ public:
     std::vector<Font> FindByLookupName(const std::string& name);
     /// Active fonts, the system's included, with exactly that PostScript name, up to kMaxFontsOfName, by ID.
     std::vector<Font> FindActive(const std::string& postScriptName);
+    /// Fonts with a PostScript name that fonts of other files have, too, unless these are the same bytes: all
+    /// of up to `limit` names that come after `afterName`, by name and ID.
+    std::vector<Font> ListRivals(const std::string& afterName, int limit);
+    /// Prefers the font to others of its name; without `isPreferred` none of them is preferred any more.
+    void SetPreferred(const Font& font, bool isPreferred);
     /// What people mean by a name: fonts with that PostScript name, else of that family, else those that go
     /// by it. Up to `limit` with a larger ID than `after`, by ID.
     std::vector<Font> ListNamed(const std::string& name, uint32_t after, int limit);

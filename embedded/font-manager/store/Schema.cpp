@@ -154,7 +154,7 @@ CREATE TABLE removed_files (
 )sql";
 
 // Files of the system's fonts stand beside those of the vault. The checksums of the vault alone are different
-// from one another, so the table is made anew.
+// from one another, so the table is made anew. Of fonts of one name the user may prefer one.
 constexpr char kVersion5[] = R"sql(
 CREATE TABLE files_of_version_5 (
     id INTEGER PRIMARY KEY,
@@ -172,6 +172,7 @@ DROP TABLE files;
 ALTER TABLE files_of_version_5 RENAME TO files;
 CREATE UNIQUE INDEX files_of_vault ON files (checksum) WHERE path = '';
 CREATE UNIQUE INDEX files_of_system ON files (path) WHERE path <> '';
+ALTER TABLE fonts ADD COLUMN preferred INTEGER NOT NULL DEFAULT 0;  -- by the user, to others of its name
 )sql";
 
 constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4,

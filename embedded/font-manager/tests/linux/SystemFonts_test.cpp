@@ -113,6 +113,19 @@ TEST_F(SystemFonts, GiveWayToANewerVersionAlone) {
         ASSERT_EQ(matched.size(), 1u);
         EXPECT_EQ(matched[0][kGS_ActivationStateKey], expectedState) << version;
     }
+    // Until the user prefers another one of the name.
+    const Json rivals = mWorld.RunForJson({"conflicts"})["fonts"];
+    ASSERT_EQ(rivals.size(), 4u);
+    EXPECT_EQ(rivals[3][member::kIsChosen], true);
+    const std::string systems = std::to_string(IntegerMember(rivals[0], kGS_DatabaseIDKey));
+    EXPECT_EQ(Run({"prefer", "Plain-Regular"}), 1) << "four are called so";
+    EXPECT_EQ(Run({"prefer", systems}), 0);
+    EXPECT_THAT(mWorld.Run({"conflicts"}).output, HasSubstr("  * " + systems + "  Version 2.0"));
+    GoodClient host;
+    EXPECT_EQ(Activate(host, "Plain-Regular")[member::kMatched][0][kGS_ActivationStateKey],
+              kFontActivationState_SystemFont);
+    EXPECT_EQ(Run({"prefer", "--forget", systems}), 0);
+    EXPECT_EQ(mWorld.RunForJson({"conflicts"})["fonts"][3][member::kIsChosen], true);
 }
 
 }  // namespace
