@@ -14,6 +14,9 @@ constexpr int kSamePlainName = 0;
 constexpr int kSameWholeName = 1;
 constexpr int kSameFamily = 2;
 
+/// Some milliseconds' work.
+constexpr int kNamesIndexedAtOnce = 1000;
+
 void Enter(std::unordered_map<std::string, std::vector<uint32_t>>& index, const std::string& name,
            uint32_t position) {
     if (name.empty())
@@ -26,13 +29,17 @@ void Enter(std::unordered_map<std::string, std::vector<uint32_t>>& index, const 
 
 }  // namespace
 
-void ReplacementFinder::MakeIndex() {
-    mNames.clear();
-    for (Index* index : {&mByPlainName, &mByWholeName, &mByFamily})
-        index->clear();
-    for (const FontNames& names : mFonts.ListNames())
-        Add(names);
-    mRevision = mFonts.Revision();
+bool ReplacementFinder::IndexSome() {
+    const std::vector<FontNames> names = mFonts.NamesAfter(mLastFont, kNamesIndexedAtOnce);
+    for (const FontNames& each : names) {
+        if (mSeen
+                .insert(
+                    std::hash<std::string>()(each.postScriptName + '\n' + each.family + '\n' + each.style))
+                .second)
+            Add(each);
+        mLastFont = each.id;
+    }
+    return !names.empty();
 }
 
 void ReplacementFinder::Add(const FontNames& names) {
@@ -76,8 +83,8 @@ void ReplacementFinder::AppendBestOf(const std::string& postScriptName, const Re
 }
 
 std::vector<Font> ReplacementFinder::Find(const RequestedFont& request) {
-    if (mRevision != mFonts.Revision())
-        MakeIndex();
+    while (IndexSome()) {
+    }
     Distances distances;
     Measure(ParsePostScriptName(request.postScriptName), distances);
     Measure(ParseFamilyAndStyle(request.family, request.style), distances);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "FontNameParts.h"
@@ -12,7 +13,8 @@
 
 namespace pellwick {
 
-/// Keeps an index of the names in the store, which is made anew when fonts have come or gone.
+/// Keeps an index of the names in the store. New fonts have larger IDs than those before, so they are added to it;
+/// the names of fonts that are gone stay, and lead to nothing.
 class ReplacementFinder {
 public:
     explicit ReplacementFinder(FontStore& fonts) : mFonts(fonts) {}
@@ -20,6 +22,8 @@ public:
     /// Fonts that come near, best first, up to kMaxReplacements; of those with the same PostScript name the
     /// best. None whose file is missing; none at all when nothing comes near. Throws DatabaseError.
     std::vector<Font> Find(const RequestedFont& request);
+    /// Adds the next fonts that are not in the index, so that Find has less to do; false when there are none.
+    bool IndexSome();
 
 private:
     /// Fonts by their position in mNames.
@@ -33,7 +37,6 @@ private:
         FontStyle style;
     };
 
-    void MakeIndex();
     void Add(const FontNames& names);
     void Measure(const FontNameParts& wanted, Distances& distances) const;
     /// The best of the fonts with that PostScript name, or none.
@@ -41,7 +44,8 @@ private:
                       std::vector<Font>& replacements);
 
     FontStore& mFonts;
-    uint64_t mRevision = 0;  ///< of the store, when the index was made
+    uint32_t mLastFont = 0;            ///< of those in the index
+    std::unordered_set<size_t> mSeen;  ///< hashes of the names in it: many fonts have the same
     std::vector<NamedFont> mNames;
     Index mByPlainName;
     Index mByWholeName;

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "TarnwickPluginInterface.h"
 #include "agent/SystemFonts.h"
 #include "agent/VaultCommands.h"
 #include "common/FontManagerLimits.h"
@@ -24,6 +25,7 @@ namespace {
 constexpr std::chrono::milliseconds kFirstSweepDelay{20};
 constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
 constexpr std::chrono::milliseconds kAdmissionPause{100};
+constexpr std::chrono::milliseconds kIndexPause{10};  // between two parts of the index of names
 
 /// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
 /// same again, which undoes by itself what it did the first time.
@@ -57,6 +59,7 @@ Server::Server(FontManager& manager, LogFile& log, const platform::FileLock& loc
       mPendingTimer(mLoop),
       mVaultTimer(mLoop),
       mSystemFontsTimer(mLoop),
+      mIndexTimer(mLoop),
       mFileLane(FontWorkerPath()),
       mPreviewLane(FontWorkerPath()),
       mSystemFontsLane(FontWorkerPath()),
@@ -75,6 +78,7 @@ void Server::Run() {
     mEndRequests.emplace(mLoop, [this] { Stop(); });
     SweepLeasesIn(kFirstSweepDelay);
     CheckVaultLater();
+    IndexNames();
     mFontWatch.emplace(mLoop, [this] { ReadSystemFontsLater(); });
     ReadSystemFonts();
     WatchGround();
@@ -264,6 +268,21 @@ void Server::CheckVaultLater() {
     });
 }
 
+void Server::IndexNames() {
+    mIndexTimer.expires_after(kIndexPause);
+    mIndexTimer.async_wait([this](const asio::error_code& failure) {
+        if (failure)
+            return;
+        bool isMore = false;
+        try {
+            isMore = mManager.replacements.IndexSome();
+        } catch (const DatabaseError&) {  // whoever needs it is told
+        }
+        if (isMore)
+            IndexNames();
+    });
+}
+
 void Server::ReadSystemFonts() {
     RunOwn("reading the system's fonts", [this](CommandContext& context) {
         return pellwick::ReadSystemFonts(context, [this](const std::vector<std::string>& folders) {
@@ -290,6 +309,8 @@ void Server::Note(const std::string& text) {
 }
 
 void Server::Announce(int32_t type, const Json& data) {
+    if (type == kPluginCallback_PanelDataChanged && !mIsStopping)
+        IndexNames();  // fonts may have come
     const std::string frame = FrameOf({{member::kNotification, type}, {member::kData, data}});
     const auto sessions = mSessions;  // one that is closed for not reading leaves the set
     for (const auto& session : sessions) {
@@ -402,6 +423,7 @@ void Server::Stop() {
     mPendingTimer.cancel();
     mVaultTimer.cancel();
     mSystemFontsTimer.cancel();
+    mIndexTimer.cancel();
     mFontWatch.reset();
     const std::string goodbye = FrameOf({{member::kGoodbye, true}});
     const auto sessions = mSessions;

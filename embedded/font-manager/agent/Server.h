@@ -80,6 +80,8 @@ private:
     /// Carries out a command of the agent's own.
     void RunOwn(const char* method, const Continuation& command);
     void CheckVaultLater();
+    /// Adds new names to the index, bit by bit, so that a document finds little left to do.
+    void IndexNames();
     void ReadSystemFonts();
     /// Once the system has nothing more to report for a while.
     void ReadSystemFontsLater();
@@ -109,6 +111,7 @@ private:
     asio::steady_timer mPendingTimer;
     asio::steady_timer mVaultTimer;
     asio::steady_timer mSystemFontsTimer;
+    asio::steady_timer mIndexTimer;
     std::optional<platform::FontWatch> mFontWatch;
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line

@@ -9,6 +9,7 @@
 #include "TarnwickPluginInterface.h"
 #include "common/FontManagerLimits.h"
 #include "platform/Files.h"
+#include "platform/Memory.h"
 #include "scan/FontFiles.h"
 
 namespace pellwick {
@@ -82,6 +83,7 @@ void NoteEnd(CommandContext& context, const SystemFontReading& reading) {
     context.audience.Note("the system's fonts: " + std::to_string(reading.count) + " files read, " +
                           std::to_string(reading.known.size()) + " changed or gone");
     context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
+    platform::ReleaseFreeMemory();
 }
 
 void Forget(FontManager& manager, const std::map<std::string, FontFile>& files) {

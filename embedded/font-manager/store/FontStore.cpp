@@ -141,7 +141,6 @@ std::optional<FontFile> FontStore::FindFile(const std::string& checksum) {
 }
 
 int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces) {
-    ++mRevision;
     mDatabase
         .Prepare(
             "INSERT INTO files (checksum, name, extension, size, path, modified) VALUES (?, ?, ?, ?, ?, ?)")
@@ -156,7 +155,6 @@ int64_t FontStore::Add(const FontFile& file, const std::vector<FontFace>& faces)
 }
 
 void FontStore::RemoveFile(int64_t fileID) {
-    ++mRevision;
     mDatabase.Prepare("INSERT OR IGNORE INTO removed_files SELECT checksum FROM files WHERE id = ?")
         .Bind(fileID)
         .Run();
@@ -164,7 +162,6 @@ void FontStore::RemoveFile(int64_t fileID) {
 }
 
 void FontStore::ForgetSystemFile(int64_t fileID) {
-    ++mRevision;
     mDatabase.Prepare("DELETE FROM files WHERE id = ? AND path <> ''").Bind(fileID).Run();
 }
 
@@ -309,11 +306,14 @@ std::vector<Font> FontStore::ListFrom(const FontSources& sources, uint32_t after
     return AllRows(query.Bind(JsonArray(sources.workgroupIDs), JsonArray(sources.setIDs), after, limit));
 }
 
-std::vector<FontNames> FontStore::ListNames() {
-    Statement query = mDatabase.Prepare("SELECT DISTINCT postscript_name, family, style FROM fonts");
+std::vector<FontNames> FontStore::NamesAfter(uint32_t after, int limit) {
+    Statement query = mDatabase.Prepare(
+        "SELECT id, postscript_name, family, style FROM fonts WHERE id > ? ORDER BY id LIMIT ?");
+    query.Bind(after, limit);
     std::vector<FontNames> names;
     while (query.Step())
-        names.push_back({query.Text(0), query.Text(1), query.Text(2)});
+        names.push_back(
+            {static_cast<uint32_t>(query.Integer(0)), query.Text(1), query.Text(2), query.Text(3)});
     return names;
 }
 

@@ -52,6 +52,7 @@ struct Font : FontFace {
 
 /// What a font is called.
 struct FontNames {
+    uint32_t id = 0;
     std::string postScriptName;
     std::string family;
     std::string style;
@@ -118,10 +119,8 @@ public:
     std::vector<Font> ListInSet(int32_t setID, uint32_t after, int limit);
     /// The same of the fonts that come from any of the sources.
     std::vector<Font> ListFrom(const FontSources& sources, uint32_t after, int limit);
-    /// The names of all fonts, each combination once.
-    std::vector<FontNames> ListNames();
-    /// Changes whenever fonts are added or removed.
-    uint64_t Revision() const { return mRevision; }
+    /// The names of up to `limit` fonts with a larger ID than `after`, by ID.
+    std::vector<FontNames> NamesAfter(uint32_t after, int limit);
     /// Those of the vault, and those of the system.
     int64_t Count();
     int64_t CountSystemFonts();
@@ -138,7 +137,6 @@ private:
     bool IsAnyNamed(const char* clause, std::string_view name);
 
     Database& mDatabase;
-    uint64_t mRevision = 1;
 };
 
 }  // namespace pellwick
