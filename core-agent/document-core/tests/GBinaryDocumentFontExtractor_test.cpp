@@ -261,7 +261,8 @@ TEST(DocumentCorpus, EveryDocumentYieldsItsNames) {
     if (corpus.empty())
         GTEST_SKIP() << "PLUGINCORE_CORPUS is not set";
     std::ifstream stream(platform::Utf8Path(corpus + "/expected.json"));
-    for (const auto& [file, expected] : nlohmann::json::parse(stream).items()) {
+    const nlohmann::json documents = nlohmann::json::parse(stream);
+    for (const auto& [file, expected] : documents.items()) {
         Names names;
         EXPECT_EQ(GBinaryDocumentFontExtractor{GFileSystemSpec(corpus + "/" + file)}.ExtractFontNames(names),
                   0u);

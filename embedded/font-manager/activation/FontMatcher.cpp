@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "FontNameParts.h"
+#include "FontRecordKeys.h"
 #include "GPickBestMatch.h"
 
 namespace pellwick {
@@ -38,11 +39,14 @@ bool IsInstance(const Font& font) {
     return font.face >> 16 != 0;
 }
 
-/// Leaves out the other fonts, unless it is all of them.
+/// Leaves out the other fonts, unless it is all of them whose files are there.
 template <class Predicate>
 void KeepIfAny(std::vector<Font>& fonts, Predicate predicate) {
-    if (std::any_of(fonts.begin(), fonts.end(), predicate))
-        std::erase_if(fonts, [&](const Font& font) { return !predicate(font); });
+    const auto isWanted = [&](const Font& font) {
+        return font.activationState != kFontActivationState_Missing && predicate(font);
+    };
+    if (std::any_of(fonts.begin(), fonts.end(), isWanted))
+        std::erase_if(fonts, [&](const Font& font) { return !isWanted(font); });
 }
 
 /// Fonts of the family that look so, whatever words their style is told in.

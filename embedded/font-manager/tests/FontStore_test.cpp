@@ -95,6 +95,10 @@ TEST_F(FontStoreTest, AFontDrawnForItsStyleGoesBeforeAnInstanceOfAVariableOne) {
               "an instance of the variable font Sample-VF.ttf");
     const uint32_t drawn = Add("Sample-SemiBold", "Sample", "SemiBold");
     EXPECT_EQ(MatchOf(request), IDs{drawn});
+    mFonts.SetPreferred(*mFonts.Find(drawn), true);
+    SetMissing(drawn);
+    EXPECT_EQ(MatchOf(request), (IDs{1, drawn})) << "whatever is preferred, its file is gone";
+    mFonts.SetFileMissing(mFonts.Find(drawn)->file.id, false);
     EXPECT_EQ(MatchReason(MatchFonts(mFonts, request).front(), request), "");
 }
 
