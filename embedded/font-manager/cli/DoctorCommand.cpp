@@ -1,21 +1,106 @@
 // doctor.
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "FontRecordKeys.h"
+#include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
 #include "cli/Progress.h"
+#include "common/Locations.h"
 #include "common/Protocol.h"
+#include "platform/Files.h"
 
 namespace pellwick::cli {
 namespace {
 
-void Append(const Json& problems, Json& all) {
+// How something stands.
+constexpr char kOk[] = "ok";
+constexpr char kWarning[] = "warning";
+constexpr char kWrong[] = "wrong";
+
+std::string Command(const std::string& words) {
+    return "\"" + ProgramPath() + "\" " + words;
+}
+
+/// What was looked at, in the order in which it is told.
+class Findings {
+public:
+    /// `mend`: what to do about it; empty where there is nothing to do.
+    void Add(const char* state, const std::string& about, const std::string& text,
+             const std::string& mend = {}) {
+        mAll.push_back({{"state", state}, {"about", about}, {"text", text}, {"mend", mend}});
+        mIsAnythingWrong = mIsAnythingWrong || state == std::string_view(kWrong);
+    }
+    void Print() const {
+        for (const Json& each : mAll) {
+            const std::string mend = StringMember(each, "mend");
+            std::string state = StringMember(each, "state");
+            state.resize(sizeof kWarning, ' ');
+            PrintLine(state + StringMember(each, "about") + ": " + StringMember(each, "text") +
+                      (mend.empty() ? "" : "; " + mend));
+        }
+    }
+    const Json& All() const { return mAll; }
+    ExitStatus Status() const { return mIsAnythingWrong ? kExit_CouldNot : kExit_Done; }
+
+private:
+    Json mAll = Json::array();
+    bool mIsAnythingWrong = false;
+};
+
+void AddProblems(const Json& problems, const char* about, Findings& findings) {
     for (const Json& problem : problems)
-        all.push_back(problem);
+        findings.Add(kWrong, about, problem.get<std::string>());
+}
+
+void ExamineAgent(const Json& status, Findings& findings) {
+    findings.Add(kOk, "agent",
+                 "process " + std::to_string(IntegerMember(status, member::kProcess)) + ", listens at " +
+                     Locations::OfThisUser().AgentAddress());
+    if (BoolMember(status, member::kLoggedIn))
+        findings.Add(kOk, "user", StringMember(status, member::kUserName) + " is logged in");
+    else
+        findings.Add(kWarning, "user", "nobody is logged in, so no fonts are activated",
+                     Command("login NAME"));
+    findings.Add(kOk, "hosts", std::to_string(IntegerMember(status, member::kHosts)) + " hold fonts active");
+}
+
+/// Plug-ins start the agent that the file names.
+void ExamineLaunchInformation(Findings& findings) {
+    constexpr uint64_t kLargest = 65536;
+    const std::string path = Locations::OfThisUser().launchInfoPath;
+    std::string text;
+    if (platform::ReadWholeFile(path, text, kLargest))
+        findings.Add(kWarning, "launch-info",
+                     "plug-ins cannot start the agent by themselves: there is no " + path,
+                     Command("launch-info"));
+    else if (text.find("pellwick.path=" + ProgramPath() + "\n") == std::string::npos)
+        findings.Add(kWarning, "launch-info", path + " names another agent than this one",
+                     Command("launch-info"));
+    else
+        findings.Add(kOk, "launch-info", path);
+}
+
+/// Last: an agent that was started for this may still be reading them.
+void ExamineSystemFonts(AgentSession& session, Findings& findings) {
+    const Json status = session.Call(method::kGetStatus, Json::object());
+    const long long count = IntegerMember(status, member::kSystemFonts);
+    if (count == 0)
+        findings.Add(kWarning, "system fonts", "none are known; perhaps the system does not tell",
+                     "see the log");
+    else
+        findings.Add(kOk, "system fonts", std::to_string(count));
+}
+
+void ExamineConflicts(AgentSession& session, Findings& findings) {
+    const Json rivals = session.Call(method::kListRivals, {{member::kAfter, ""}});
+    if (ArrayMember(rivals, member::kFonts).empty())
+        findings.Add(kOk, "conflicts", "no two fonts of one name differ");
+    else
+        findings.Add(kWarning, "conflicts", "fonts of one name differ", Command("conflicts"));
 }
 
 /// How many files there were.
-long long CheckFiles(AgentSession& session, long long expected, Json& problems) {
+long long ExamineFiles(AgentSession& session, long long expected, Findings& findings) {
     Progress progress(static_cast<size_t>(expected), "files");
     long long checked = 0;
     for (Json after = 0;;) {
@@ -26,31 +111,87 @@ long long CheckFiles(AgentSession& session, long long expected, Json& problems) 
         after = page[member::kAfter];
         checked += count;
         progress.Advance(static_cast<size_t>(count));
-        Append(ArrayMember(page, member::kProblems), problems);
+        AddProblems(ArrayMember(page, member::kProblems), "files", findings);
     }
 }
 
-ExitStatus Examine(AgentSession& session) {
+ExitStatus ExamineAll(AgentSession& session) {
     session.StartAgentIfNeeded();
-    Json problems = Json::array();
+    Findings findings;
+    ExamineAgent(session.Call(method::kGetStatus, Json::object()), findings);
+    ExamineLaunchInformation(findings);
     const Json records = session.Call(method::kCheckRecords, Json::object());
-    Append(ArrayMember(records, member::kProblems), problems);
-    const long long files = CheckFiles(session, IntegerMember(records, member::kFiles), problems);
+    const Json& problems = ArrayMember(records, member::kProblems);
+    AddProblems(problems, "records", findings);
+    if (problems.empty())
+        findings.Add(kOk, "records", "the database, links and leases are as they should be");
+    ExamineConflicts(session, findings);
+    const long long files = ExamineFiles(session, IntegerMember(records, member::kFiles), findings);
+    findings.Add(kOk, "files",
+                 std::to_string(IntegerMember(records, member::kFonts)) + " fonts in " +
+                     std::to_string(files) + " files were compared with their checksums");
+    ExamineSystemFonts(session, findings);
     if (session.PrintsJson())
-        PrintJson({{"fonts", records[member::kFonts]}, {"files", files}, {"problems", problems}});
+        PrintJson({{"fonts", records[member::kFonts]}, {"files", files}, {"findings", findings.All()}});
     else
-        PrintLine(std::to_string(IntegerMember(records, member::kFonts)) + " fonts in " +
-                  std::to_string(files) + " files, " +
-                  (problems.empty() ? "all as they should be" : "not all as they should be"));
-    for (const Json& problem : problems)
-        PrintError(problem.get<std::string>());
-    return problems.empty() ? kExit_Done : kExit_CouldNot;
+        findings.Print();
+    return findings.Status();
+}
+
+/// Why the font is active, or is not.
+void ExamineFont(const Json& font, bool isVisible, Findings& findings) {
+    const std::string name = StringMember(font, kGS_PostScriptNameKey) + " (" +
+                             std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + ")";
+    const std::string seen = isVisible ? ", and programs see it" : ", but programs do not see it";
+    const char* state = isVisible ? kOk : kWrong;
+    const std::string mend = isVisible ? "" : "start the program again, or see " + Command("doctor");
+    switch (IntegerMember(font, kGS_ActivationStateKey)) {
+        case kFontActivationState_SystemFont:
+            return findings.Add(state, name, "the system has it at " + StringMember(font, kGS_PathKey) + seen,
+                                mend);
+        case kFontActivationState_ActivatedByUser:
+            return findings.Add(state, name, "active, as you chose" + seen, mend);
+        case kFontActivationState_ActivatedByPlugin:
+            return findings.Add(state, name, "active, since open documents need it" + seen, mend);
+        case kFontActivationState_Missing:
+            return findings.Add(kWrong, name, "its file is gone from the vault",
+                                "add " + StringMember(font, kGS_OutlineFileNameKey) + " again");
+        default:
+            return findings.Add(
+                kOk, name, "not active: no open document needs it, and you did not activate it",
+                Command("activate " + std::to_string(IntegerMember(font, kGS_DatabaseIDKey))));
+    }
+}
+
+ExitStatus ExamineFonts(AgentSession& session, const std::vector<std::string>& names) {
+    session.StartAgentIfNeeded();
+    bool isComplete = false;
+    const Json fonts = FindFonts(session, names, isComplete);
+    Findings findings;
+    for (const Json& font : fonts) {
+        const long long before = IntegerMember(font, kGS_DatabaseIDKey) - 1;
+        const Json page =
+            session.Call(method::kListFonts, {{member::kAfter, before}, {member::kVisible, true}});
+        const Json& listed = ArrayMember(page, member::kFonts);
+        ExamineFont(font, !listed.empty() && BoolMember(listed.front(), member::kVisible), findings);
+    }
+    if (session.PrintsJson())
+        PrintJson({{"findings", findings.All()}});
+    else
+        findings.Print();
+    return isComplete ? findings.Status() : kExit_CouldNot;
 }
 
 }  // namespace
 
-void DescribeDoctorCommand(CLI::App& app, Arguments&, Action& chosen) {
-    AddCommand(app, chosen, "doctor", "Check all fonts and records, and put right what can be", Examine);
+void DescribeDoctorCommand(CLI::App& app, Arguments& arguments, Action& chosen) {
+    auto* doctor = AddCommand(
+        app, chosen, "doctor",
+        "Check everything, and put right what can be; or say why a font is active or not",
+        [&](AgentSession& session) {
+            return arguments.words.empty() ? ExamineAll(session) : ExamineFonts(session, arguments.words);
+        });
+    exact_words::AddTexts(*doctor, "FONT", arguments.words, kFontNameHelp);
 }
 
 }  // namespace pellwick::cli

@@ -96,7 +96,7 @@ constexpr Step kSteps[] = {
     {"login|somebody", 0, ""},
     {"status", 0, "user        somebody\n"},
     {"status", 0, ", with a server\n"},
-    {"doctor", 0, "2 fonts in 2 files, all as they should be\n"},
+    {"doctor", 0, "ok      files: 2 fonts in 2 files were compared"},
 };
 
 TEST(CommandLine, DoesWhatItIsToldAndSaysInALineWhatItCannot) {
@@ -180,7 +180,7 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
     EXPECT_EQ(ContentOf(mWorld.ActiveFiles().at(0)), ContentOf(font));
     EXPECT_EQ(Run({"doctor"}), 0);
     damage();
-    EXPECT_THAT(mWorld.Run({"doctor"}).errors, HasSubstr("is damaged, and was put into"));
+    EXPECT_THAT(mWorld.Run({"doctor"}).output, HasSubstr("is damaged, and was put into"));
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
     EXPECT_EQ(Run({"activate", "Sample-Bold"}), 1);
     for (const bool isAtWork : {true, false}) {
