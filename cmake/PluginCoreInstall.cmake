@@ -11,7 +11,7 @@ install(TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginIn
 if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)
   install(FILES "$<TARGET_FILE:CoreFoundation>" DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
 endif()
-install(TARGETS plugincore-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS plugincore-host plugincore-document-reader RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES plugins/plugin-core/include/PluginCoreInterface.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 # The borders behind which other font managers and frameworks can stand.
 install(TARGETS contracts EXPORT PluginCoreTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)

@@ -14,6 +14,8 @@ using exact_words::AddOptionalText;
 using exact_words::AddText;
 using exact_words::AddTexts;
 
+constexpr char kRawHelp[] = "Know no formats: search the files' bytes for font names, as the core does";
+
 constexpr char kHostNamesHelp[] =
     "name a host application: it holds After, Illustrator, InCopy, InDesign, Photoshop or Sketch";
 
@@ -61,12 +63,15 @@ void DescribeDocumentCommands(CLI::App& program, CommandLine& line) {
                                 [&line] { return RunOpen(line.host, line.open); });
     AddTexts(*open, "FILE", line.open.files, "The documents")->required();
     open->add_flag("--paths", line.open.showsPaths, "Show the fonts' files");
+    open->add_flag("--raw", line.open.searchesBytes, kRawHelp);
     CLI::Option* close = open->add_flag("--close", line.open.closeAtOnce, "Close them at once");
     AddSeconds(*open, line.open.seconds, "Close them after so many seconds; else on Enter")->excludes(close);
 
-    CLI::App* fonts = AddCommand(program, line, "fonts", "List the font names that documents hold",
-                                 [&line] { return RunFonts(line.files, line.json); });
-    AddTexts(*fonts, "FILE", line.files, "The documents")->required();
+    CLI::App* fonts = AddCommand(program, line, "fonts", "List the fonts that documents use",
+                                 [&line] { return RunFonts(line.fonts); });
+    AddTexts(*fonts, "FILE", line.fonts.files, "The documents")->required();
+    fonts->add_flag("--where", line.fonts.showsPlaces, "Show where in the document each is used");
+    fonts->add_flag("--raw", line.fonts.searchesBytes, kRawHelp);
 }
 
 void DescribeOtherCommands(CLI::App& program, CommandLine& line) {

@@ -16,7 +16,7 @@ struct CommandLine {
     std::string answers;
     bool json = false;
     OpenOptions open;
-    std::vector<std::string> files;
+    FontsOptions fonts;
     SettingsOptions settings;
     MenuOptions menu;
     EventsOptions events;

@@ -10,9 +10,17 @@
 struct OpenOptions {
     std::vector<std::string> files;
     bool json = false;
-    bool showsPaths = false;  ///< of the fonts' files
+    bool showsPaths = false;     ///< of the fonts' files
+    bool searchesBytes = false;  ///< as the core does without a list of fonts, whatever the format
     bool closeAtOnce = false;
     std::optional<double> seconds;  ///< how long the documents stay open; else until Enter
+};
+
+struct FontsOptions {
+    std::vector<std::string> files;
+    bool json = false;
+    bool showsPlaces = false;    ///< where in the document each font is used
+    bool searchesBytes = false;  ///< by the core's search alone
 };
 
 struct SettingsOptions {
@@ -34,8 +42,8 @@ struct EventsOptions {
 /// Opens documents, shows their fonts, keeps them open, closes them.
 int RunOpen(const HostOptions& host, const OpenOptions& options);
 
-/// Lists the font names that the extractor finds in files. The core is not loaded.
-int RunFonts(const std::vector<std::string>& files, bool json);
+/// Lists the fonts that documents use. The core is not loaded.
+int RunFonts(const FontsOptions& options);
 
 /// Shows or stores preferences.
 int RunSettings(const HostOptions& host, const SettingsOptions& options);

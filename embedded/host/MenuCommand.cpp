@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
+#include "FoundFonts.h"
 #include "OpenedDocument.h"
 #include "Output.h"
 #include "platform/Files.h"
@@ -101,7 +102,7 @@ int RunMenu(const HostOptions& host, const MenuOptions& options) {
         return startStatus;
     const std::string document = platform::AbsolutePath(options.document);
     if (!document.empty())
-        OpenDocument(session.Core(), document);
+        OpenDocument(session.Core(), document, FontFinder().FindForCore(document));
     const json menu = ReadMenu(session.Core(), document);
     if (menu.empty())
         return exit_status::kFailed;

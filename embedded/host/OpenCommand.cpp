@@ -5,6 +5,7 @@
 
 #include "Commands.h"
 #include "FontRecordKeys.h"
+#include "FoundFonts.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "HostSession.h"
 #include "MissingFonts.h"
@@ -84,6 +85,30 @@ void PrintFonts(const OpenedDocument& document, bool showsPaths) {
     fmt::print("  {} of {} active\n", active, document.matched.size() + document.unmatched.size());
 }
 
+/// What is wrong where a document's fonts were named, and the font manager's answer has none of them.
+std::string NoAnswerText(size_t numFonts) {
+    return fmt::format(
+        "the font manager has not answered for its {} fonts; see how it is with 'Pellwick status' and open "
+        "the document again, or fewer fonts at once",
+        numFonts);
+}
+
+/// What is wrong where the core searched a document and no fonts are known. Empty: it has none.
+std::string WhySearchFoundNothing(const std::string& path) {
+    constexpr std::chrono::seconds kPatience{2};
+    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(path)};
+    extractor.SetTimeLimit(kPatience);
+    std::set<std::string> names;
+    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
+        return {};
+    EraseImpossibleNames(names);
+    if (!names.empty())
+        return NoAnswerText(names.size());
+    return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
+                                     "'plugincore-host fonts' searches all of it"
+                                   : "";
+}
+
 /// What a document's lists leave unsaid: the core's result speaks of them alone, and they are empty as well
 /// when the font manager could not be asked for the fonts, or the document not be searched. Empty: nothing.
 std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
@@ -91,22 +116,9 @@ std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
         return "its fonts are not known: " + ResultName(document.code);
     if (!document.matched.empty() || !document.unmatched.empty())
         return {};
-    constexpr std::chrono::seconds kPatience{2};
-    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(document.path)};
-    extractor.SetTimeLimit(kPatience);
-    std::set<std::string> names;
-    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
-        return {};
-    EraseImpossibleNames(names);
-    if (!names.empty())
-        return fmt::format(
-            "the font manager has not answered for its {} fonts; see how it is with: {}, and open the "
-            "document "
-            "again",
-            names.size(), PellwickCommand("status"));
-    return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
-                                     "'plugincore-host fonts' searches all of it"
-                                   : "";
+    if (!document.numFontsNamed)
+        return WhySearchFoundNothing(document.path);
+    return *document.numFontsNamed > 0 ? NoAnswerText(*document.numFontsNamed) : "";
 }
 
 void PrintAsJSON(const OpenedDocument& document, const std::string& problem) {
@@ -169,12 +181,14 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
     if (const int startStatus = session.Start(host))
         return startStatus;
     {
+        FontFinder finder;
         ProgressBar progress(paths.size());
         for (const std::string& path : paths) {
             if (platform::WasInterrupted())
                 break;
             progress.Advance(platform::Utf8Text(platform::Utf8Path(path).filename()));
-            OpenedDocument document = OpenDocument(session.Core(), path);
+            const json fonts = options.searchesBytes ? json() : finder.FindForCore(path);
+            OpenedDocument document = OpenDocument(session.Core(), path, fonts);
             progress.Hide();
             OfferReplacements(session.Core(), document);
             const int documentStatus = Show(document, options);

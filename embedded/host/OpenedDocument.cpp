@@ -21,17 +21,22 @@ bool IsSuccess(uint32_t code) {
     return code == PLUGINCORE_SUCCESS || code == PLUGINCORE_FONTS_ACTIVATED;
 }
 
-OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path) {
+OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path, const json& fonts) {
     OpenedDocument document;
     document.path = path;
+    std::string list;
+    if (!fonts.is_null()) {
+        document.numFontsNamed = fonts.size();
+        list = fonts.dump(-1, ' ', false, json::error_handler_t::replace);
+    }
     const auto matched = std::make_unique_for_overwrite<char[]>(kFontListSize);
     const auto unmatched = std::make_unique_for_overwrite<char[]>(kFontListSize);
     matched[0] = unmatched[0] = '\0';
     size_t matchedSize = kFontListSize;
     size_t unmatchedSize = kFontListSize;
     document.code =
-        core.HandleOpenExistingDocument(path.c_str(), nullptr, matched.get(), &matchedSize, unmatched.get(),
-                                        &unmatchedSize, &document.numFontsActivated);
+        core.HandleOpenExistingDocument(path.c_str(), list.c_str(), matched.get(), &matchedSize,
+                                        unmatched.get(), &unmatchedSize, &document.numFontsActivated);
     if (IsSuccess(document.code)) {
         document.matched = FontList(matched.get());
         document.unmatched = FontList(unmatched.get());

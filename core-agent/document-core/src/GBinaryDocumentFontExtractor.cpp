@@ -143,6 +143,10 @@ void EraseImpossibleNames(std::set<std::string>& fontNames) {
         LogMessage(0, "%d name(s) left out that no font can have", static_cast<int>(erased));
 }
 
+bool GBinaryDocumentFontExtractor::KnowsKindOf(const GFileSystemSpec& fileSpec) {
+    return KindOfExtension(fileSpec.Extension()) != DocumentKind::kUnknown;
+}
+
 ErrorCode GBinaryDocumentFontExtractor::ExtractFontNames(std::set<std::string>& fontNames) {
     fontNames.clear();
     mHasGivenWay = false;

@@ -28,6 +28,9 @@ public:
     explicit GBinaryDocumentFontExtractor(GFileSystemSpec fileSpec) : mFileSpec(std::move(fileSpec)) {}
     virtual ~GBinaryDocumentFontExtractor() = default;
 
+    /// Whether the file name's extension is that of a kind whose names can be found. Any thread.
+    static bool KnowsKindOf(const GFileSystemSpec& fileSpec);
+
     /// An extraction that takes longer than this stops, since the user waits for it; its result is what it
     /// has found by then.
     void SetTimeLimit(std::chrono::milliseconds limit) { mTimeLimit = limit; }

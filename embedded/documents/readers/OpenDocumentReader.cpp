@@ -1,0 +1,17 @@
+#include "OpenDocumentListener.h"
+#include "Readers.h"
+#include "ZipArchive.h"
+
+namespace documents {
+
+void ReadOpenDocument(std::string_view content, FontList& fonts) {
+    constexpr char kStyles[] = "styles.xml";
+    ZipArchive archive(content);
+    OpenDocumentListener listener(fonts);
+    if (archive.Has(kStyles))
+        archive.ReadXml(kStyles, listener);
+    archive.ReadXml("content.xml", listener);
+    listener.Finish();
+}
+
+}  // namespace documents

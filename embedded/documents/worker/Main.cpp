@@ -1,0 +1,35 @@
+// The process that reads documents for the host program. It has read what nobody vouches for, so it gets at
+// nothing, and the program starts another one when it ends.
+#include "DocumentLimits.h"
+#include "Readers.h"
+#include "platform/ProgramArguments.h"
+#include "platform/Worker.h"
+
+namespace {
+
+int Work(platform::WorkerLine& line) {
+    documents::PrepareReaders();
+    if (!line.Confine(documents::kDocumentWorkerLimits))
+        return platform::kUnfitStatus;
+    std::string extension;
+    std::string_view content;
+    while (line.Receive(extension, content)) {
+        if (!line.Answer(EncodeDocumentFonts(documents::ReadDocumentFonts(content, extension))))
+            return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    platform::ProgramArguments arguments(count, words);
+    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
+    if (!line)
+        return 2;  // people do not start it
+    try {
+        return Work(*line);
+    } catch (const std::exception&) {  // no memory is left: this is the answer
+        return 1;
+    }
+}
