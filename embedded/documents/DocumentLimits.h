@@ -21,8 +21,8 @@ inline constexpr int64_t kMaxArchiveEntries = 100'000;
 /// Elements within one another. Word processors nest tables and frames some dozen deep.
 inline constexpr size_t kMaxXmlDepth = 256;
 
-/// Objects of a PDF that are visited, each page's anew: some seconds' work.
-inline constexpr size_t kMaxPdfVisits = 2'000'000;
+/// Objects of a PDF that are visited, each page's anew: a catalogue of 10,000 pages has as many
+inline constexpr size_t kMaxPdfVisits = 10'000'000;
 
 /// Fonts of one document; a catalogue of fonts has some thousand.
 inline constexpr size_t kMaxFonts = 10'000;

@@ -1,187 +1,52 @@
-#include <algorithm>
 #include <qpdf/Buffer.hh>
 #include <qpdf/BufferInputSource.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
-#include <set>
+
+#include <map>
 
 #include "DocumentLimits.h"
+#include "PdfFont.h"
+#include "PdfPage.h"
 #include "ReadProblem.h"
 #include "Readers.h"
-#include "StringConversion.h"
+#include "XmpFonts.h"
 
 namespace documents {
 namespace {
 
 using Object = QPDFObjectHandle;
 
-/// Names are UTF-8 today and were any bytes once, which read as Latin-1 then.
-std::string TextOf(const std::string& bytes) {
-    if (IsValidUtf8(bytes))
-        return bytes;
-    std::u16string units;
-    for (const char byte : bytes)
-        units.push_back(static_cast<unsigned char>(byte));
-    return Utf16ToUtf8(units);
-}
-
-/// "ABCDEF+", in front of the name of a font of which a part is embedded.
-bool HasSubsetTag(std::string_view name) {
-    constexpr size_t kLength = 6;
-    return name.size() > kLength && name[kLength] == '+' &&
-           std::all_of(name.begin(), name.begin() + kLength,
-                       [](char each) { return each >= 'A' && each <= 'Z'; });
-}
-
-/// Some programs put a tag in front of a tag.
-std::string FontName(Object name) {
-    std::string text = name.isName() ? TextOf(name.getName().substr(1)) : "";
-    while (HasSubsetTag(text))
-        text.erase(0, text.find('+') + 1);
-    return text;
-}
-
-/// Of a dictionary or a stream.
-Object Entry(Object holder, const std::string& key) {
-    return holder.isStream() ? holder.getDict().getKey(key) : holder.getKeyIfDict(key);
-}
-
-template <class Visit>
-void ForEachValue(Object dictionary, const Visit& visit) {
-    if (!dictionary.isDictionary())
-        return;
-    for (auto& [key, value] : dictionary.getDictAsMap())
-        visit(value);
-}
-
-/// The font that has the glyphs: what a composite font is composed of.
-Object SimpleFont(Object font) {
-    const Object descendants = font.getKeyIfDict("/DescendantFonts");
-    return Object(descendants).isArray() ? Object(descendants).getArrayItem(0) : font;
-}
-
-bool IsEmbedded(Object descriptor) {
-    for (const char* file : {"/FontFile", "/FontFile2", "/FontFile3"}) {
-        if (!descriptor.getKeyIfDict(file).isNull())
-            return true;
+/// What a stream holds; nothing where it is damaged.
+std::string ContentOf(Object stream) {
+    try {
+        const auto bytes = stream.isStream() ? stream.getStreamData(qpdf_dl_generalized) : nullptr;
+        return bytes ? std::string(reinterpret_cast<char*>(bytes->getBuffer()), bytes->getSize()) : "";
+    } catch (const std::runtime_error&) {
+        return {};
     }
-    return false;
 }
-
-/// A TrueType font without a PostScript name stands as "Family,Style" (ISO 32000-1, 9.6.3).
-void SplitTrueTypeName(DocumentFont& font) {
-    const size_t comma = font.postScriptName.find(',');
-    if (comma == std::string::npos || comma == 0 || !font.family.empty())
-        return;
-    font.family = font.postScriptName.substr(0, comma);
-    font.style = font.postScriptName.substr(comma + 1);
-}
-
-/// What there is to tell of a font dictionary; without a name where it draws its glyphs itself.
-DocumentFont FontOf(Object dictionary) {
-    Object font = SimpleFont(dictionary);
-    Object descriptor = font.getKeyIfDict("/FontDescriptor");
-    Object family = descriptor.getKeyIfDict("/FontFamily");
-    DocumentFont result;
-    result.postScriptName = FontName(font.getKeyIfDict("/BaseFont"));
-    if (result.postScriptName.empty())
-        result.postScriptName = FontName(descriptor.getKeyIfDict("/FontName"));
-    if (family.isString())
-        result.family = family.getUTF8Value();
-    result.isEmbedded = IsEmbedded(descriptor);
-    SplitTrueTypeName(result);
-    return result;
-}
-
-bool IsType3(Object font) {
-    Object subtype = font.getKeyIfDict("/Subtype");
-    return subtype.isName() && subtype.getName() == "/Type3";
-}
-
-/// The fonts of one page, through all that is drawn on it. Each object is visited once, and what is still to
-/// be visited is kept in a list: documents may hold loops, and forms within forms without end.
-class PageFonts {
-public:
-    explicit PageFonts(size_t& visitsLeft) : mVisitsLeft(visitsLeft) {}
-
-    /// `page`: whose resources count, inherited ones included.
-    void Visit(Object page, Object resources) {
-        Enter(resources, &PageFonts::VisitResources);
-        const Object annotations = page.getKeyIfDict("/Annots");
-        if (Object(annotations).isArray()) {
-            for (Object& annotation : Object(annotations).getArrayAsVector())
-                Enter(annotation.getKeyIfDict("/AP"), &PageFonts::VisitLooks);
-        }
-        while (!mWaiting.empty()) {
-            const auto [object, visit] = mWaiting.back();
-            mWaiting.pop_back();
-            (this->*visit)(object);
-        }
-    }
-    std::vector<Object>& Fonts() { return mFonts; }
-
-private:
-    using Visitor = void (PageFonts::*)(Object);
-
-    void Enter(Object object, Visitor visit) {
-        if (object.isNull() || (object.isIndirect() && !mSeen.insert(object.getObjGen()).second))
-            return;
-        if (mVisitsLeft-- == 0) {
-            mVisitsLeft = 0;
-            throw ReadProblem("has more parts than can be looked at");
-        }
-        mWaiting.emplace_back(object, visit);
-    }
-    void VisitResources(Object resources) {
-        ForEachValue(resources.getKeyIfDict("/Font"),
-                     [&](Object font) { Enter(font, &PageFonts::VisitFont); });
-        for (const char* drawings : {"/XObject", "/Pattern"})
-            ForEachValue(resources.getKeyIfDict(drawings),
-                         [&](Object drawing) { Enter(drawing, &PageFonts::VisitDrawing); });
-        ForEachValue(resources.getKeyIfDict("/ExtGState"),
-                     [&](Object state) { Enter(state, &PageFonts::VisitState); });
-    }
-    void VisitFont(Object font) {
-        if (IsType3(font))
-            VisitDrawing(font);
-        else
-            mFonts.push_back(font);
-    }
-    /// What has resources of its own.
-    void VisitDrawing(Object drawing) { Enter(Entry(drawing, "/Resources"), &PageFonts::VisitResources); }
-    void VisitState(Object state) {
-        Object font = state.getKeyIfDict("/Font");
-        if (font.isArray() && font.getArrayNItems() > 0)
-            Enter(font.getArrayItem(0), &PageFonts::VisitFont);
-        Enter(state.getKeyIfDict("/SMask").getKeyIfDict("/G"), &PageFonts::VisitDrawing);
-        ForEachValue(state.getKeyIfDict("/Pattern"),
-                     [&](Object drawing) { Enter(drawing, &PageFonts::VisitDrawing); });
-    }
-    /// How an annotation looks, in each of its states.
-    void VisitLooks(Object looks) {
-        if (looks.isStream())
-            VisitDrawing(looks);
-        else
-            ForEachValue(looks, [&](Object look) { Enter(look, &PageFonts::VisitLooks); });
-    }
-
-    size_t& mVisitsLeft;
-    std::set<QPDFObjGen> mSeen;
-    std::vector<std::pair<Object, Visitor>> mWaiting;
-    std::vector<Object> mFonts;
-};
 
 class PdfFonts {
 public:
+    explicit PdfFonts(Object root)
+        : mFormFonts(root.getKeyIfDict("/AcroForm").getKeyIfDict("/DR").getKeyIfDict("/Font")) {}
+
     void Visit(int number, QPDFPageObjectHelper page) {
-        PageFonts fonts(mVisitsLeft);
-        fonts.Visit(page.getObjectHandle(), page.getAttribute("/Resources", false));
-        for (Object& font : fonts.Fonts())
+        for (const Object& font : FontsOfPage(page, mFormFonts, mVisitsLeft))
             Note(number, font);
     }
+    /// Those that the document's own list names, whether pages use them or not.
+    void NoteListed(Object metadata) {
+        for (DocumentFont& font : ReadXmpFonts(ContentOf(metadata))) {
+            font.postScriptName = WithoutSubsetTags(font.postScriptName);
+            font.isEmbedded = mUses.contains(font.postScriptName);
+            Merge(std::move(font));
+        }
+    }
     void AddTo(FontList& fonts) {
-        for (Use& use : mUses) {
-            use.font.where = PagesText(use.pages);
+        for (auto& [name, use] : mUses) {
+            use.font.where = use.pages.empty() ? "the document's list of fonts" : PagesText(use.pages);
             fonts.Add(std::move(use.font));
         }
     }
@@ -197,25 +62,31 @@ private:
         if (use.pages.empty() || use.pages.back() != number)
             use.pages.push_back(number);
     }
-    /// Fonts of one name are one, however many dictionaries they have.
     Use& UseOf(Object dictionary) {
         const auto known = mKnown.find(dictionary.getObjGen());
         if (dictionary.isIndirect() && known != mKnown.end())
-            return mUses[known->second];
-        DocumentFont font = FontOf(dictionary);
-        const auto [named, isNew] = mNamed.emplace(std::pair(font.postScriptName, font.family), mUses.size());
-        if (isNew)
-            mUses.push_back({std::move(font), {}});
-        else
-            mUses[named->second].font.isEmbedded &= font.isEmbedded;
-        mKnown[dictionary.getObjGen()] = named->second;
-        return mUses[named->second];
+            return *known->second;
+        Use& use = Merge(FontOf(dictionary));
+        mKnown[dictionary.getObjGen()] = &use;
+        return use;
+    }
+    /// Fonts of one name are one, however many dictionaries they have.
+    Use& Merge(DocumentFont font) {
+        const auto [found, isNew] = mUses.try_emplace(font.postScriptName);
+        Use& use = found->second;
+        font.isEmbedded = font.isEmbedded && (isNew || use.font.isEmbedded);
+        if (font.family.empty()) {
+            font.family = use.font.family;
+            font.style = use.font.style;
+        }
+        use.font = std::move(font);
+        return use;
     }
 
     size_t mVisitsLeft = kMaxPdfVisits;
-    std::map<QPDFObjGen, size_t> mKnown;
-    std::map<std::pair<std::string, std::string>, size_t> mNamed;
-    std::vector<Use> mUses;
+    Object mFormFonts;
+    std::map<std::string, Use> mUses;
+    std::map<QPDFObjGen, Use*> mKnown;  ///< by dictionary
 };
 
 void Open(QPDF& pdf, std::string_view content) {
@@ -231,17 +102,22 @@ void ReadPdf(std::string_view content, FontList& fonts) {
     try {
         QPDF pdf;
         Open(pdf, content);
-        PdfFonts found;
+        PdfFonts found(pdf.getRoot());
         int number = 0;
         for (const QPDFPageObjectHelper& page : QPDFPageDocumentHelper(pdf).getAllPages())
             found.Visit(++number, page);
         if (number == 0)
             throw ReadProblem("is damaged: it has no pages");
+        found.NoteListed(pdf.getRoot().getKey("/Metadata"));
         found.AddTo(fonts);
     } catch (const QPDFExc& problem) {
         throw ReadProblem(problem.getErrorCode() == qpdf_e_password
                               ? "is locked by a password"
                               : "is damaged: " + problem.getMessageDetail());
+    } catch (const ReadProblem&) {
+        throw;
+    } catch (const std::runtime_error& problem) {
+        throw ReadProblem(std::string("is damaged: ") + problem.what());
     } catch (const std::logic_error& problem) {  // what the library did not expect
         throw ReadProblem(std::string("is damaged: ") + problem.what());
     }

@@ -1,0 +1,22 @@
+// What a PDF tells of a font.
+#pragma once
+
+#include <qpdf/QPDFObjectHandle.hh>
+
+#include <string>
+
+#include "DocumentFonts.h"
+
+namespace documents {
+
+/// Of a font dictionary: names and whether it is embedded. No name where it has none.
+DocumentFont FontOf(QPDFObjectHandle dictionary);
+
+/// Whether the font draws its glyphs itself, by what else the document has.
+bool IsType3(QPDFObjectHandle dictionary);
+
+/// A name without "ABCDEF+" in front of it, which tells that a part of the font is embedded. Some programs put
+/// a tag in front of a tag.
+std::string WithoutSubsetTags(std::string name);
+
+}  // namespace documents
