@@ -60,13 +60,36 @@ TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
         EXPECT_GT(json::parse(line)["code"], 0);
     }
     std::getline(lines, line);
-    EXPECT_EQ(json::parse(line), (json{{"file", empty}, {"fonts", json::array()}}));
+    EXPECT_EQ(json::parse(line), (json{{"file", empty}, {"fonts", json::array()}, {"reader", "search"}}));
     const std::string evil = world.FontManager().Write("evil.ai", "/FontName /Red\033[31m\nTwo /F >>");
     EXPECT_EQ(world.RunHost({"fonts", evil}).output, "Red\\x1B[31m\\x0ATwo\n");
     // The core opens such a document all the same, without fonts.
     const auto opened = world.RunHost({"--json", "open", empty, "--close"});
     EXPECT_EQ(opened.status, 0) << opened.errors;
     EXPECT_EQ(json::parse(opened.output)["matched"], json::array());
+}
+
+TEST(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string drawing = world.FontManager().Write(
+        "a.svg", "<svg><text id='t' font-family='Sample-Bold'>x</text><!-- /FontName /Other /F >> --></svg>");
+    const json found = json::parse(world.RunHost({"fonts", "--json", drawing}).output);
+    EXPECT_EQ(found["fonts"], json::array({"Sample-Bold"}));
+    EXPECT_EQ(found["reader"], "svg");
+    EXPECT_EQ(found["details"][0]["where"], "text t");
+    EXPECT_THAT(world.RunHost({"fonts", "--where", drawing}).output,
+                HasSubstr("Sample-Bold  no        text t"));
+    EXPECT_EQ(world.RunHost({"fonts", "--raw", drawing}).output, "Other\n");
+    const auto opened = world.RunHost({"--json", "open", "--close", drawing});
+    EXPECT_EQ(json::parse(opened.output)["numFontsActivated"], 1) << opened.output << opened.errors;
+    EXPECT_EQ(world.RunHost({"open", "--raw", "--close", drawing}).status, 3);
+    const std::string letter = world.FontManager().Write("letter.txt", "Dear reader");
+    const std::string damaged = world.FontManager().Write("damaged.svg", "<svg>");
+    for (const std::string& file : {letter, damaged}) {
+        EXPECT_EQ(world.RunHost({"fonts", file}).status, 1) << file;
+        EXPECT_EQ(world.RunHost({"fonts", "--raw", file}).status, 0) << file;
+    }
 }
 
 TEST(CommandLine, WrongUsageIsStatusTwo) {
