@@ -1,11 +1,10 @@
 // What a PDF tells of a font.
 #pragma once
 
-#include <qpdf/QPDFObjectHandle.hh>
-
 #include <string>
 
 #include "DocumentFonts.h"
+#include "Qpdf.h"
 
 namespace documents {
 

@@ -1,10 +1,10 @@
 // The fonts that a page of a PDF is drawn with.
 #pragma once
 
-#include <qpdf/QPDFPageObjectHelper.hh>
-
 #include <cstddef>
 #include <vector>
+
+#include "Qpdf.h"
 
 namespace documents {
 

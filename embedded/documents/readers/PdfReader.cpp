@@ -1,13 +1,9 @@
-#include <qpdf/Buffer.hh>
-#include <qpdf/BufferInputSource.hh>
-#include <qpdf/QPDF.hh>
-#include <qpdf/QPDFPageDocumentHelper.hh>
-
 #include <map>
 
 #include "DocumentLimits.h"
 #include "PdfFont.h"
 #include "PdfPage.h"
+#include "Qpdf.h"
 #include "ReadProblem.h"
 #include "Readers.h"
 #include "XmpFonts.h"

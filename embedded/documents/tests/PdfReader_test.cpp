@@ -1,5 +1,5 @@
-#include <qpdf/Buffer.hh>
-#include <qpdf/QPDF.hh>
+#include "Qpdf.h"
+
 #include <qpdf/QPDFWriter.hh>
 
 #include "ReaderTest.h"
