@@ -32,12 +32,15 @@ public:
     std::string root;
 };
 
+/// Enough for the comments and declarations before the outermost element.
+std::string_view Beginning(std::string_view content) {
+    return content.substr(0, size_t{64} << 10);
+}
+
 std::string RootOf(std::string_view content) {
-    // Comments and declarations come before it.
-    constexpr size_t kBeginning = size_t{64} << 10;
     RootListener listener;
     try {
-        ReadXml(content.substr(0, kBeginning), listener);
+        ReadXml(Beginning(content), listener);
     } catch (const RootListener::Found&) {
     } catch (const ReadProblem&) {
     }
@@ -56,7 +59,8 @@ const Format* FormatOfXml(std::string_view content) {
         return &kAfterEffectsXml;
     if (root == "svg")
         return &kSvg;
-    if (root == "document")
+    if (root == "document" &&
+        Beginning(content).find("urn:oasis:names:tc:opendocument") != std::string_view::npos)
         return &kFlatOpenDocument;
     return root.starts_with("SCRIBUS") ? &kScribus : nullptr;
 }

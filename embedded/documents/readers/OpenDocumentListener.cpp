@@ -50,13 +50,13 @@ void OpenDocumentListener::OnText(std::string_view text) {
 void OpenDocumentListener::DeclareStyle(const XmlElement& element) {
     const std::string name(element.Value("name"));
     const std::string_view displayName = element.Value("display-name");
-    std::string title = displayName.empty() ? name : std::string(displayName);
+    std::string where = "style " + (displayName.empty() ? name : std::string(displayName));
     if (mIsByHand)
-        title.clear();
+        where = "text";
     else if (name.empty())
-        title = "by default";
+        where = "the default style";
     mStyles.Declare(std::string(element.Value("family")), name,
-                    {std::string(element.Value("parent-style-name")), title, {}});
+                    {std::string(element.Value("parent-style-name")), where, {}});
 }
 
 /// Text in an element with a style looks as the style says, and else as what is around it.

@@ -62,8 +62,7 @@ void OpenDocumentStyles::AddFont(const TextProperties& properties, std::string w
 void OpenDocumentStyles::AddFonts(FontList& fonts) const {
     for (const auto& [key, style] : mStyles) {
         if (!style.properties.family.empty())
-            AddFont(*Find(key.first, key.second), style.title.empty() ? "text" : "style " + style.title,
-                    fonts);
+            AddFont(*Find(key.first, key.second), style.where, fonts);
     }
 }
 

@@ -18,7 +18,7 @@ class OpenDocumentStyles {
 public:
     struct Style {
         std::string parent;
-        std::string title;          ///< as people know it; empty for what an author set by hand
+        std::string where;          ///< "style Heading", or "text" for what an author set by hand
         TextProperties properties;  ///< its own
     };
 

@@ -92,7 +92,8 @@ TEST(XmlDocuments, WhatIsDamagedOrOverALimitIsOneLine) {
 TEST(Formats, TheContentGoesBeforeTheExtension) {
     const std::string svg = Svg("<text font-family=\"A\">x</text>");
     EXPECT_THAT(Fonts("\xEF\xBB\xBF<!-- a drawing -->\n" + svg, "pdf"), ElementsAre("A | A |  | text"));
-    EXPECT_THAT(Fonts("<html/>", "html"), ElementsAre("unknown"));
+    for (const char* other : {"<html/>", "<document/>"})
+        EXPECT_THAT(Fonts(other, "xml"), ElementsAre("unknown"));
     EXPECT_THAT(Fonts("Dear reader", "Svg"), ElementsAre(HasSubstr("it is damaged")));
     EXPECT_THAT(Fonts(std::string("8BPS\0\1", 6), "psd"), ElementsAre("unknown"));
     EXPECT_THAT(Fonts("PK\3\4", "docx"), ElementsAre("unknown"));
@@ -118,7 +119,7 @@ TEST(ScribusReader, TextsAndStylesNameFonts) {
 
 TEST(OpenDocumentReader, TextLooksAsItsStylesAndThoseBelowThemSay) {
     const std::string head =
-        R"(<office:document xmlns:office="o" xmlns:style="s" xmlns:svg="v" xmlns:fo="f" xmlns:text="t">
+        R"(<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0" xmlns:style="s" xmlns:svg="v" xmlns:fo="f" xmlns:text="t">
 <office:font-face-decls><style:font-face style:name="F1" svg:font-family="'Comic Neue'"/>
 <style:font-face style:name="F2" svg:font-family="Unused"/><style:font-face style:name="F3" svg:font-family="Own">
 <svg:font-face-src/></style:font-face></office:font-face-decls><office:styles>
@@ -132,7 +133,7 @@ TEST(OpenDocumentReader, TextLooksAsItsStylesAndThoseBelowThemSay) {
 <office:body><text:p text:style-name="Loud">a<text:span text:style-name="T1">b</text:span> <text:span text:style-name="T2">c</text:span></text:p>
 <text:p text:style-name="Loop">d</text:p></office:body></office:document>)";
     EXPECT_THAT(Fonts(head + body), ElementsAre("Beta Bold | Beta | Bold | style Head 1",
-                                                "Comic Neue | Comic Neue |  | style by default",
+                                                "Comic Neue | Comic Neue |  | the default style",
                                                 "Comic Neue Bold | Comic Neue | Bold | text",
                                                 "Comic Neue Bold Italic | Comic Neue | Bold Italic | text"));
 }
