@@ -88,9 +88,9 @@ void PrintFonts(const OpenedDocument& document, bool showsPaths) {
 /// What is wrong where a document's fonts were named, and the font manager's answer has none of them.
 std::string NoAnswerText(size_t numFonts) {
     return fmt::format(
-        "the font manager has not answered for its {} fonts; see how it is with 'Pellwick status' and open "
-        "the document again, or fewer fonts at once",
-        numFonts);
+        "the font manager has not answered for its {} fonts; see how it is with: {}, and open the document "
+        "again",
+        numFonts, PellwickCommand("status"));
 }
 
 /// What is wrong where the core searched a document and no fonts are known. Empty: it has none.
