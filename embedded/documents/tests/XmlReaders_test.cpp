@@ -43,9 +43,10 @@ TEST(SvgReader, TextTakesItsFontFromWhatIsNearest) {
     EXPECT_THAT(Fonts(Svg(R"(<title font-family="Aside">x</title>
 <g font-family="'Comic Neue', sans-serif" font-weight="700"> <text id="a">x<tspan font-style="italic">y</tspan></text>
 <text style="font-family:Beta;font-weight:normal">x</text><text font-family="sans-serif">x</text>
-<rect font-family="Unused"/></g><text>x</text>)")),
+<text font-family='"Odd, Name",serif' font-weight="900">x</text><rect font-family="Unused"/></g><text>x</text>)")),
                 ElementsAre("Beta | Beta | Regular | text", "Comic Neue Bold | Comic Neue | Bold | text a",
-                            "Comic Neue Bold Italic | Comic Neue | Bold Italic | text a"));
+                            "Comic Neue Bold Italic | Comic Neue | Bold Italic | text a",
+                            "Odd, Name Black | Odd, Name | Black | text"));
 }
 
 TEST(SvgReader, StyleSheetsCountByTheWeightOfTheirSelectors) {
