@@ -62,7 +62,7 @@ std::string WithoutSubsetTags(std::string name) {
     return name;
 }
 
-DocumentFont FontOf(Object dictionary) {
+DocumentFont FontOf(const Object& dictionary) {
     Object font = SimpleFont(dictionary);
     Object descriptor = font.getKeyIfDict("/FontDescriptor");
     Object family = descriptor.getKeyIfDict("/FontFamily");

@@ -9,7 +9,7 @@
 namespace documents {
 
 /// Of a font dictionary: names and whether it is embedded. No name where it has none.
-DocumentFont FontOf(QPDFObjectHandle dictionary);
+DocumentFont FontOf(const QPDFObjectHandle& dictionary);
 
 /// Whether the font draws its glyphs itself, by what else the document has.
 bool IsType3(QPDFObjectHandle dictionary);

@@ -54,10 +54,10 @@ Object FieldEntry(Object field, const std::string& key) {
 class PageFonts {
 public:
     /// `formFonts`: by the names that fields use for them.
-    PageFonts(Object formFonts, size_t& visitsLeft) : mFormFonts(formFonts), mVisitsLeft(visitsLeft) {}
+    PageFonts(const Object& formFonts, size_t& visitsLeft) : mFormFonts(formFonts), mVisitsLeft(visitsLeft) {}
 
     /// `page`: whose resources count, inherited ones included.
-    void Visit(Object page, Object resources) {
+    void Visit(Object page, const Object& resources) {
         Enter(resources, &PageFonts::VisitResources);
         Object annotations = page.getKeyIfDict("/Annots");
         if (annotations.isArray()) {
@@ -65,7 +65,7 @@ public:
                 Enter(annotation, &PageFonts::VisitAnnotation);
         }
         while (!mWaiting.empty()) {
-            const auto [object, visit] = mWaiting.back();
+            auto [object, visit] = mWaiting.back();
             mWaiting.pop_back();
             (this->*visit)(object);
         }
@@ -73,7 +73,7 @@ public:
     std::vector<Object>& Fonts() { return mFonts; }
 
 private:
-    using Visitor = void (PageFonts::*)(Object);
+    using Visitor = void (PageFonts::*)(Object&);  // qpdf's objects are handles, and their getters not const
 
     void Enter(Object object, Visitor visit) {
         if (object.isNull() || (object.isIndirect() && !mSeen.insert(object.getObjGen()).second))
@@ -84,30 +84,30 @@ private:
         }
         mWaiting.emplace_back(object, visit);
     }
-    void VisitResources(Object resources) {
+    void VisitResources(Object& resources) {
         ForEachValue(resources.getKeyIfDict("/Font"),
-                     [&](Object font) { Enter(font, &PageFonts::VisitFont); });
+                     [&](const Object& font) { Enter(font, &PageFonts::VisitFont); });
         for (const char* drawings : {"/XObject", "/Pattern"})
             ForEachValue(resources.getKeyIfDict(drawings),
-                         [&](Object drawing) { Enter(drawing, &PageFonts::VisitDrawing); });
+                         [&](const Object& drawing) { Enter(drawing, &PageFonts::VisitDrawing); });
         ForEachValue(resources.getKeyIfDict("/ExtGState"),
-                     [&](Object state) { Enter(state, &PageFonts::VisitState); });
+                     [&](const Object& state) { Enter(state, &PageFonts::VisitState); });
     }
-    void VisitFont(Object font) {
+    void VisitFont(Object& font) {
         if (IsType3(font))
             VisitDrawing(font);
         else
             mFonts.push_back(font);
     }
     /// What has resources of its own.
-    void VisitDrawing(Object drawing) { Enter(Entry(drawing, "/Resources"), &PageFonts::VisitResources); }
-    void VisitState(Object state) {
+    void VisitDrawing(Object& drawing) { Enter(Entry(drawing, "/Resources"), &PageFonts::VisitResources); }
+    void VisitState(Object& state) {
         Object font = state.getKeyIfDict("/Font");
         if (font.isArray() && font.getArrayNItems() > 0)
             Enter(font.getArrayItem(0), &PageFonts::VisitFont);
         Enter(state.getKeyIfDict("/SMask").getKeyIfDict("/G"), &PageFonts::VisitDrawing);
     }
-    void VisitAnnotation(Object annotation) {
+    void VisitAnnotation(Object& annotation) {
         Enter(annotation.getKeyIfDict("/AP"), &PageFonts::VisitLooks);
         Object appearance = FieldEntry(annotation, "/DA");
         if (appearance.isString())
@@ -115,11 +115,11 @@ private:
                   &PageFonts::VisitFont);
     }
     /// How an annotation looks, in each of its states.
-    void VisitLooks(Object looks) {
+    void VisitLooks(Object& looks) {
         if (looks.isStream())
             VisitDrawing(looks);
         else
-            ForEachValue(looks, [&](Object look) { Enter(look, &PageFonts::VisitLooks); });
+            ForEachValue(looks, [&](const Object& look) { Enter(look, &PageFonts::VisitLooks); });
     }
 
     Object mFormFonts;
@@ -131,7 +131,7 @@ private:
 
 }  // namespace
 
-std::vector<Object> FontsOfPage(QPDFPageObjectHelper page, Object formFonts, size_t& visitsLeft) {
+std::vector<Object> FontsOfPage(QPDFPageObjectHelper page, const Object& formFonts, size_t& visitsLeft) {
     PageFonts fonts(formFonts, visitsLeft);
     fonts.Visit(page.getObjectHandle(), page.getAttribute("/Resources", false));
     return std::move(fonts.Fonts());

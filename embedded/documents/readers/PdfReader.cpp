@@ -28,12 +28,12 @@ public:
     explicit PdfFonts(Object root)
         : mFormFonts(root.getKeyIfDict("/AcroForm").getKeyIfDict("/DR").getKeyIfDict("/Font")) {}
 
-    void Visit(int number, QPDFPageObjectHelper page) {
+    void Visit(int number, const QPDFPageObjectHelper& page) {
         for (const Object& font : FontsOfPage(page, mFormFonts, mVisitsLeft))
             Note(number, font);
     }
     /// Those that the document's own list names, whether pages use them or not.
-    void NoteListed(Object metadata) {
+    void NoteListed(const Object& metadata) {
         for (DocumentFont& font : ReadXmpFonts(ContentOf(metadata))) {
             font.postScriptName = WithoutSubsetTags(font.postScriptName);
             font.isEmbedded = mUses.contains(font.postScriptName);
@@ -53,12 +53,12 @@ private:
         std::vector<int> pages;
     };
 
-    void Note(int number, Object font) {
+    void Note(int number, const Object& font) {
         Use& use = UseOf(font);
         if (use.pages.empty() || use.pages.back() != number)
             use.pages.push_back(number);
     }
-    Use& UseOf(Object dictionary) {
+    Use& UseOf(const Object& dictionary) {
         const auto known = mKnown.find(dictionary.getObjGen());
         if (dictionary.isIndirect() && known != mKnown.end())
             return *known->second;

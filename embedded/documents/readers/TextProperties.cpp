@@ -9,11 +9,11 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 /// Where the first family of a list ends: at a comma that no quotes enclose.
 size_t EndOfFirst(std::string_view list) {
-    char quote = 0;
+    char quote = '\0';
     for (size_t at = 0; at < list.size(); ++at) {
         const char character = list[at];
-        if (quote != 0)
-            quote = character == quote ? 0 : quote;
+        if (quote != '\0')
+            quote = character == quote ? '\0' : quote;
         else if (character == '\'' || character == '"')
             quote = character;
         else if (character == ',')

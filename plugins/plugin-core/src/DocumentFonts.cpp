@@ -86,7 +86,7 @@ CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::str
 
 CFRef<CFMutableArrayRef> RequestsByPreference(CFArrayRef fonts) {
     const RequestPreferences preferences;
-    const CFRef<CFMutableArrayRef> requests = cf::MutableArray();
+    CFRef<CFMutableArrayRef> requests = cf::MutableArray();
     for (const CFTypeRef font : cf::Elements<CFTypeRef>(fonts)) {
         const auto record = cf::As<CFDictionaryRef>(font);
         if (preferences.readsPlacedDocuments || record == nullptr || !IsOfPlacedDocuments(record))
