@@ -4,10 +4,13 @@
 #include <shlobj.h>
 
 #include <array>
+#include <filesystem>
 #include <set>
 #include <utility>
 
 #include "WideText.h"
+#include "platform/Environment.h"
+#include "platform/Folders.h"
 #include "platform/FontTable.h"
 #include "platform/Utf8Path.h"
 
@@ -51,7 +54,24 @@ std::vector<std::wstring> FontListKey::Files() const {
     return files;
 }
 
+namespace {
+
+/// Those that a test or a portable installation brings along.
+InstalledFonts FontsInFolder(const std::string& folder) {
+    InstalledFonts fonts;
+    fonts.folders.push_back(folder);
+    std::error_code failure;
+    for (std::filesystem::recursive_directory_iterator entry(Utf8Path(folder), failure), end;
+         !failure && entry != end; entry.increment(failure))
+        fonts.files.push_back(Utf8Text(entry->path()));
+    return fonts;
+}
+
+}  // namespace
+
 std::optional<InstalledFonts> FindInstalledFonts() {
+    if (!EnvironmentVariable("PLUGINCORE_PORTABLE").empty())
+        return FontsInFolder(Current<Folders>().PathOf(KnownFolder::kLocalApplicationData) + "\\fonts");
     std::array<wchar_t, MAX_PATH> folder{};
     SHGetFolderPathW(nullptr, CSIDL_FONTS, nullptr, SHGFP_TYPE_CURRENT, folder.data());
     std::set<std::string> files;

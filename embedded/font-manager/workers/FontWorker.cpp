@@ -52,7 +52,7 @@ bool FontWorker::Ask(const FontWorkRequest& request, const platform::ReadOnlyFil
         Rest();
         outcome = Reader().Exchange(EncodeRequest(request), file, answer, problem);
     }
-    if (outcome == Outcome::kAnswered)
+    if (outcome == Outcome::kAnswered && !mIsStopped)
         return true;
     Rest();
     if (mIsStopped)
