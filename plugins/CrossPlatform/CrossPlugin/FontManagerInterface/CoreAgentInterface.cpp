@@ -182,6 +182,7 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
         }
         if (!HostPatience::AllowsLaunch()) {
             LogMessage(0, "The host has waited for too long already, the agent is not started");
+            LoseServices();
             return code;
         }
         mIsRecovering = true;
