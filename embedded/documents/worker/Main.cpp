@@ -2,7 +2,6 @@
 // nothing, and the program starts another one when it ends.
 #include "DocumentLimits.h"
 #include "Readers.h"
-#include "platform/ProgramArguments.h"
 #include "platform/Worker.h"
 
 namespace {
@@ -23,13 +22,5 @@ int Work(platform::WorkerLine& line) {
 }  // namespace
 
 int main(int count, char** words) {
-    platform::ProgramArguments arguments(count, words);
-    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
-    if (!line)
-        return 2;  // people do not start it
-    try {
-        return Work(*line);
-    } catch (const std::exception&) {  // no memory is left: this is the answer
-        return 1;
-    }
+    return platform::RunWorker(count, words, Work);
 }

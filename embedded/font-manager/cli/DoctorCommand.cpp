@@ -1,5 +1,6 @@
 // doctor.
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "FontRecordKeys.h"
 #include "cli/Fonts.h"
@@ -163,18 +164,36 @@ void ExamineFont(const Json& font, bool isVisible, Findings& findings) {
     }
 }
 
+/// The IDs of those that the system offers to programs. For each page of the list the system looks at all its
+/// fonts, so that only pages that one of these may be in are asked for.
+std::set<long long> VisibleAmong(AgentSession& session, const Json& fonts) {
+    std::set<long long> ids;
+    for (const Json& font : fonts)
+        ids.insert(IntegerMember(font, kGS_DatabaseIDKey));
+    std::set<long long> visible;
+    for (auto next = ids.begin(); next != ids.end();) {
+        const Json page =
+            session.Call(method::kListFonts, {{member::kAfter, *next - 1}, {member::kVisible, true}});
+        const Json& listed = ArrayMember(page, member::kFonts);
+        if (listed.empty())
+            break;
+        for (const Json& font : listed) {
+            if (BoolMember(font, member::kVisible))
+                visible.insert(IntegerMember(font, kGS_DatabaseIDKey));
+        }
+        next = ids.upper_bound(IntegerMember(listed.back(), kGS_DatabaseIDKey));
+    }
+    return visible;
+}
+
 ExitStatus ExamineFonts(AgentSession& session, const std::vector<std::string>& names) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json fonts = FindFonts(session, names, isComplete);
+    const std::set<long long> visible = VisibleAmong(session, fonts);
     Findings findings;
-    for (const Json& font : fonts) {
-        const long long before = IntegerMember(font, kGS_DatabaseIDKey) - 1;
-        const Json page =
-            session.Call(method::kListFonts, {{member::kAfter, before}, {member::kVisible, true}});
-        const Json& listed = ArrayMember(page, member::kFonts);
-        ExamineFont(font, !listed.empty() && BoolMember(listed.front(), member::kVisible), findings);
-    }
+    for (const Json& font : fonts)
+        ExamineFont(font, visible.count(IntegerMember(font, kGS_DatabaseIDKey)) != 0, findings);
     if (session.PrintsJson())
         PrintJson({{"findings", findings.All()}});
     else

@@ -251,7 +251,7 @@ ExitStatus PreferFont(AgentSession& session, const std::string& name, bool isFor
     if (session.PrintsJson())
         PrintJson(font);
     else
-        PrintFonts({font}, isForgotten ? "no longer preferred:" : "preferred:");
+        PrintFonts(Json::array({font}), isForgotten ? "no longer preferred:" : "preferred:");
     return kExit_Done;
 }
 

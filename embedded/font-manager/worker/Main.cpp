@@ -2,7 +2,6 @@
 // the agent starts another one when it ends.
 #include "StringConversion.h"
 #include "common/FontManagerLimits.h"
-#include "platform/ProgramArguments.h"
 #include "platform/Worker.h"
 #include "preview/PreviewRenderer.h"
 #include "scan/FontScanner.h"
@@ -40,13 +39,5 @@ int Work(platform::WorkerLine& line) {
 }  // namespace pellwick
 
 int main(int count, char** words) {
-    platform::ProgramArguments arguments(count, words);
-    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
-    if (!line)
-        return 2;  // people do not start it
-    try {
-        return pellwick::Work(*line);
-    } catch (const std::exception&) {  // no memory is left: this is the answer
-        return 1;
-    }
+    return platform::RunWorker(count, words, pellwick::Work);
 }

@@ -66,12 +66,15 @@ public:
     /// a low integrity level. To be called before anything foreign is read, and after what needs files, such
     /// as loading a conversion of the iconv library. False when that cannot be had.
     virtual bool Confine(const WorkerLimits& limits) = 0;
-    /// Waits for the next request. `file`: the content of the file handed over, if any, valid until the next
-    /// call.
-    /// False when there will be none.
+    /// Waits for the next request; false when there will be none. `file`: the content of the file handed over,
+    /// if any, valid until the next call.
     virtual bool Receive(std::string& request, std::string_view& file) = 0;
     /// False when nobody takes it any more.
     virtual bool Answer(std::string_view answer) = 0;
 };
+
+/// What the main function of a worker's program does: has `work` serve the line. The exit status of the
+/// process: that of `work`, 1 where it throws, 2 where no Worker has started the process.
+int RunWorker(int argumentCount, char** arguments, int (*work)(WorkerLine& line));
 
 }  // namespace platform

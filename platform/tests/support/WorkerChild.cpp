@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "WorkerTestLimits.h"
-#include "platform/ProgramArguments.h"
 #include "platform/Worker.h"
 
 namespace {
@@ -43,18 +42,20 @@ std::string AnswerTo(const std::string& request, std::string_view file) {
     return request + std::string(file);
 }
 
-}  // namespace
-
-int main(int count, char** words) {
-    platform::ProgramArguments arguments(count, words);
-    const auto line = platform::WorkerLine::Open(arguments.Count(), arguments.Words());
-    if (!line || !line->Confine(kTestWorkerLimits))
-        return 2;
+int Work(platform::WorkerLine& line) {
+    if (!line.Confine(kTestWorkerLimits))
+        return platform::kUnfitStatus;
     std::string request;
     std::string_view file;
-    while (line->Receive(request, file)) {
-        if (!line->Answer(AnswerTo(request, file)))
+    while (line.Receive(request, file)) {
+        if (!line.Answer(AnswerTo(request, file)))
             return 1;
     }
     return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    return platform::RunWorker(count, words, Work);
 }

@@ -36,24 +36,20 @@ bool IsOfPlacedDocuments(CFDictionaryRef font) {
     return cf::Count(cf::GetArray(font, kGS_SubDocumentsWithFontKey)) != 0;
 }
 
+bool IsOn(const char* preference) {
+    return MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preference);
+}
+
 /// Switches of the preferences that change what is asked for; as they are at first, nothing.
 struct RequestPreferences {
-    bool picksBestMatch =
-        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::PickBestMatch);
-    bool usesFingerprints =
-        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnableGlyphscan);
-    bool readsPlacedDocuments =
-        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::SupportEmbeddedObjects);
-    bool wantsFamilies =
-        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::ActivateEntireFamilies);
+    const bool picksBestMatch = IsOn(preferences::PickBestMatch);
+    const bool usesFingerprints = IsOn(preferences::EnableGlyphscan);
+    const bool readsPlacedDocuments = IsOn(preferences::SupportEmbeddedObjects);
+    const bool wantsFamilies = IsOn(preferences::ActivateEntireFamilies);
 
-    CFRef<CFTypeRef> Apply(CFTypeRef font) const {
-        const auto record = cf::As<CFDictionaryRef>(font);
-        const CFRef<CFMutableDictionaryRef> request =
-            record != nullptr ? AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record))
-                              : cf::MutableDictionary();
-        if (record == nullptr)
-            CFDictionarySetValue(request.get(), cf::String(kGS_PostScriptNameKey).get(), font);
+    CFRef<CFMutableDictionaryRef> RequestFor(CFDictionaryRef font) const {
+        CFRef<CFMutableDictionaryRef> request =
+            AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, font));
         for (const char* key : {kGS_ChecksumKey, kGS_GlyphscanChecksumKey}) {
             if (!usesFingerprints)
                 CFDictionaryRemoveValue(request.get(), cf::String(key).get());
@@ -87,10 +83,9 @@ CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::str
 CFRef<CFMutableArrayRef> RequestsByPreference(CFArrayRef fonts) {
     const RequestPreferences preferences;
     CFRef<CFMutableArrayRef> requests = cf::MutableArray();
-    for (const CFTypeRef font : cf::Elements<CFTypeRef>(fonts)) {
-        const auto record = cf::As<CFDictionaryRef>(font);
-        if (preferences.readsPlacedDocuments || record == nullptr || !IsOfPlacedDocuments(record))
-            cf::Append(requests, preferences.Apply(font));
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        if (preferences.readsPlacedDocuments || !IsOfPlacedDocuments(font))
+            cf::Append(requests, preferences.RequestFor(font));
     }
     return requests;
 }

@@ -11,5 +11,5 @@ CFRef<CFMutableArrayRef> FontsOfDocument(const std::string& path, const std::str
 
 /// The fonts of a document as the preferences have them looked for: "PickBestMatch" off asks for exact names
 /// alone, "EnableGlyphscan" off leaves fingerprints out, "SupportEmbeddedObjects" off the fonts that placed
-/// documents use, "ActivateEntireFamilies" on asks for the rest of each family. `fonts`: records, or bare names.
+/// documents use, "ActivateEntireFamilies" on asks for the rest of each family. `fonts`: records.
 CFRef<CFMutableArrayRef> RequestsByPreference(CFArrayRef fonts);
