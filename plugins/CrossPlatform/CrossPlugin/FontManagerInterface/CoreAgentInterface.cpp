@@ -182,8 +182,7 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
         }
         if (!HostPatience::AllowsLaunch()) {
             LogMessage(0, "The host has waited for too long already, the agent is not started");
-            LoseServices();
-            return code;
+            return GiveUp(code);
         }
         mIsRecovering = true;
         const ScopeExit recovered([this] { mIsRecovering = false; });
