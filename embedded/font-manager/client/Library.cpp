@@ -85,13 +85,13 @@ ErrorCode Library::CallConnected(const char* method, const Json& arguments, Cloc
                                  Json& result) {
     if (begin - mLastEnd > kHostPause) {
         mBeginOfRow = begin;
-        if (!mIsStalled && !mUnanswered)
+        if (!mHasWaitedInVain && !mUnanswered)
             mEndOfPatience = {};
     }
     const ScopedEnd end(mLastEnd);
     ErrorCode code = Greet(begin);
     if (code == CoreErrorCodes::kSuccess) {
-        mIsStalled = false;
+        mIsStalled = mHasWaitedInVain = false;
         const Request request = NextRequest(method, arguments);
         code = mConnection->Exchange(request, {kAnswerLimit, EndOfPatience(begin)}, result);
         NoteOutcome(request);
@@ -99,7 +99,7 @@ ErrorCode Library::CallConnected(const char* method, const Json& arguments, Cloc
     if (mConnection->HasTimedOut()) {
         if (Clock::now() >= mEndOfPatience)
             mEndOfPatience = begin + kCallLimit;
-        mIsStalled = true;
+        mIsStalled = mHasWaitedInVain = true;
     }
     return code;
 }

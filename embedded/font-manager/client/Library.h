@@ -66,7 +66,8 @@ private:
     long long mLastID;
     long long mLastTaken;  ///< the last request whose answer arrived, or what came before the first
     std::optional<Unanswered> mUnanswered;
-    bool mIsStalled = false;  ///< the agent has given no sign of life since a wait for it was over
+    bool mIsStalled = false;        ///< the agent has given no sign of life since a wait for it was over
+    bool mHasWaitedInVain = false;  ///< and no agent has answered since, an earlier one or another
     Clock::time_point
         mEndOfPatience{};             ///< of the last call that waited in vain, and of those that follow it
     Clock::time_point mBeginOfRow{};  ///< of calls that followed one another without a pause
