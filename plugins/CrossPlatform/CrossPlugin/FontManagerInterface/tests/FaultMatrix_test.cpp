@@ -1,7 +1,10 @@
 // A call of the interface library, which stands for all, against every way to lose the agent. The library is
 // scripted; the cases are computed, and so is what is to come of each.
 
+#include <gmock/gmock.h>
+
 #include "FacadeTest.h"
+#include "HostPatience.h"
 #include "NotificationQueue.h"
 
 namespace {
@@ -153,4 +156,22 @@ TEST_F(FaultMatrix, EveryCallHealsOrGivesUpAsDocumented) {
             return;
         trace.Clear();
     }
+}
+
+// Otherwise each call of a host whose agent does not move would wait for it again.
+TEST_F(FaultMatrix, AnAgentThatTookTheHostsWholePatienceIsNotWaitedForAgain) {
+    FakeClock clock;
+    library.isAgentRunning = false;
+    library.answer = [&](const std::string& called) {
+        clock.ticks += called == kSymbol ? 3000 : 0;
+        return called == kSymbol ? ErrorCode{GIPCClient::kServiceUnavailable} : CoreErrorCodes::kSuccess;
+    };
+    for (const int call : {1, 2}) {
+        const HostPatience::Call scope;
+        EXPECT_NE(fontManager.GetFontManager()->DeactivateFonts(nullptr, 0, nullptr), 0u);
+        EXPECT_EQ(library.CallsOf(kSymbol), call);
+        EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    }
+    EXPECT_THAT(processes.launchedCommandLines, testing::IsEmpty());
+    EXPECT_THAT(trace.Text(), testing::HasSubstr("done attempting to relaunch"));
 }
