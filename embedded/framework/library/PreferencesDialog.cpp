@@ -4,13 +4,9 @@
 #include <vector>
 
 #include "Preferences.h"
-#include "TraceLog.h"
-#include "library/DialogQuestions.h"
 #include "strings/StringTables.h"
 
 namespace {
-
-using nlohmann::json;
 
 /// In the order of their titles' numbers.
 std::vector<preferences::Preference> Switches() {
@@ -24,41 +20,21 @@ std::vector<preferences::Preference> Switches() {
     return switches;
 }
 
-/// Null for a key that the dialog does not show.
-const json* FindSwitch(const DialogQuestion& question, const std::string& key) {
-    const json& switches = question.details.at("switches");
-    const auto found = std::find_if(switches.begin(), switches.end(),
-                                    [&key](const json& each) { return each.at("key") == key; });
-    return found != switches.end() ? &*found : nullptr;
-}
-
 }  // namespace
 
-DialogQuestion PreferencesQuestion(PreferenceStore& store, std::string_view language) {
-    json switches = json::array();
+PreferencesDialog MakePreferencesDialog(PreferenceStore& preferences, std::string_view language) {
+    PreferencesDialog dialog;
     for (const preferences::Preference& each : Switches())
-        switches.push_back({{"key", each.key},
-                            {"title", LocalizedText(language, each.switchTitle)},
-                            {"isOn", store.GetBool(each.key)}});
-    return {"Preferences", {{"switches", std::move(switches)}}};
+        dialog.switches.push_back(
+            {each.key, LocalizedText(language, each.switchTitle), preferences.GetBool(each.key)});
+    return dialog;
 }
 
-std::optional<json> ChangedPreferences(const DialogQuestion& question, const DialogAnswer& answer) {
-    json changed = json::object();
-    if (IsDeclined(answer))
-        return std::nullopt;
-    bool isUnderstood = answer == true || answer.is_object();
-    const json choices = answer.is_object() ? answer : json::object();
-    for (const auto& [key, value] : choices.items()) {
-        const json* shown = FindSwitch(question, key);
-        if (shown == nullptr)
-            LogMessage(0, "The preferences have no switch '%s'; ignored", key.c_str());
-        else if (shown->at("isOn") != value)
-            changed[key] = value;
-        isUnderstood = isUnderstood && (shown == nullptr || value.is_boolean());
+nlohmann::json ChangedPreferences(const PreferencesDialog& shown, const PreferencesDialog& chosen) {
+    nlohmann::json changed = nlohmann::json::object();
+    for (size_t index = 0; index < shown.switches.size(); ++index) {
+        if (shown.switches[index].isOn != chosen.switches[index].isOn)
+            changed[shown.switches[index].key] = chosen.switches[index].isOn;
     }
-    if (isUnderstood)
-        return changed;
-    ReportWrongAnswer(question, answer);
-    return std::nullopt;
+    return changed;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "TraceLog.h"
-#include "library/DialogQuestions.h"
+#include "library/DialogContents.h"
 #include "library/PreferencesDialog.h"
 #include "library/ResolveFontsDialog.h"
 #include "platform/Environment.h"
@@ -174,21 +174,23 @@ bool TarnwickFramework::ShowProgress(uint32_t titleID, int32_t done, int32_t tot
     });
 }
 
-bool TarnwickFramework::Confirm(const DialogQuestion& question) {
-    return IsConfirmed(question, mPresenter->AskDialog(question));
+template <class AnyDialog>
+std::optional<AnyDialog> TarnwickFramework::Ask(AnyDialog dialog) {
+    Dialog asked = std::move(dialog);
+    return mPresenter->AskDialog(asked) ? std::optional(std::get<AnyDialog>(std::move(asked))) : std::nullopt;
 }
 
 bool TarnwickFramework::ShowAbout() {
-    return Guarded(__func__, false, [this] { return Confirm(AboutQuestion(mPluginVersion)); });
+    return Guarded(__func__, false, [this] { return Ask(AboutDialog{mPluginVersion}).has_value(); });
 }
 
 bool TarnwickFramework::ShowPreferences() {
     return Guarded(__func__, false, [this] {
-        const DialogQuestion question = PreferencesQuestion(mPreferences, mLanguage);
-        const auto changed = ChangedPreferences(question, mPresenter->AskDialog(question));
-        if (!changed)
+        const PreferencesDialog shown = MakePreferencesDialog(mPreferences, mLanguage);
+        const auto chosen = Ask(shown);
+        if (!chosen)
             return false;
-        const bool areStored = mPreferences.SetAll(*changed);
+        const bool areStored = mPreferences.SetAll(ChangedPreferences(shown, *chosen));
         if (!areStored)
             Tell(localized::kPreferences, localized::kPreferencesNotStored, mPreferencesFolder);
         return areStored;
@@ -199,9 +201,9 @@ bool TarnwickFramework::ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* work
     return Guarded(__func__, false, [=, this] {
         if (workgroups == nullptr || workgroupID == nullptr)
             return false;
-        const DialogQuestion question = SelectWorkgroupQuestion(workgroups, *workgroupID);
-        const auto chosen = ChosenWorkgroup(question, mPresenter->AskDialog(question));
-        *workgroupID = chosen.value_or(*workgroupID);
+        const auto chosen = Ask(MakeSelectWorkgroupDialog(workgroups, *workgroupID));
+        if (chosen)
+            *workgroupID = chosen->workgroupID;
         return chosen.has_value();
     });
 }
@@ -210,9 +212,9 @@ bool TarnwickFramework::ShowCommandBox(CFDictionaryRef state, int32_t* command) 
     return Guarded(__func__, false, [=, this] {
         if (command == nullptr)
             return false;
-        const DialogQuestion question = CommandBoxQuestion(state, mLanguage);
-        const auto chosen = ChosenCommand(question, mPresenter->AskDialog(question));
-        *command = chosen.value_or(*command);
+        const auto chosen = Ask(MakeCommandBoxDialog(state, mLanguage));
+        if (chosen)
+            *command = chosen->command;
         return chosen.has_value();
     });
 }
@@ -222,18 +224,17 @@ bool TarnwickFramework::ShowResolveFonts(CFArrayRef fonts, CFMutableArrayRef res
                                          CFMutableArrayRef skippedFonts) {
     if (fonts == nullptr || resolvedFonts == nullptr || skippedFonts == nullptr)
         return false;
-    const auto chosen = Guarded(__func__, std::optional<Replacements>(), [=, this] {
-        const DialogQuestion question = ResolveFontsQuestion(fonts);
-        return ChosenReplacements(question, mPresenter->AskDialog(question));
-    });
+    const auto chosen = Guarded(__func__, std::optional<ResolveFontsDialog>(),
+                                [=, this] { return Ask(MakeResolveFontsDialog(fonts)); });
     return Guarded(__func__, false, [&] {
-        SortOutFonts(fonts, chosen.value_or(Replacements()), resolvedFonts, skippedFonts);
+        SortOutFonts(fonts, chosen.value_or(ResolveFontsDialog()).replacements, resolvedFonts, skippedFonts);
         return chosen.has_value();
     });
 }
 
 bool TarnwickFramework::ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) {
-    return Guarded(__func__, false, [=, this] { return Confirm(RestrictedFontsQuestion(fonts, onlyNew)); });
+    return Guarded(__func__, false,
+                   [=, this] { return Ask(MakeRestrictedFontsDialog(fonts, onlyNew)).has_value(); });
 }
 
 bool TarnwickFramework::ShowChooseFolder(CFStringRef prompt, CFStringRef initialFolder,
@@ -241,10 +242,10 @@ bool TarnwickFramework::ShowChooseFolder(CFStringRef prompt, CFStringRef initial
     return Guarded(__func__, false, [=, this] {
         if (outNewFolder == nullptr)
             return false;
-        const DialogQuestion question = ChooseFolderQuestion(prompt, initialFolder);
-        const auto chosen = ChosenFolder(question, mPresenter->AskDialog(question));
-        if (chosen)
-            *outNewFolder = cf::String(*chosen).release();
-        return chosen.has_value();
+        const auto chosen = Ask(MakeChooseFolderDialog(prompt, initialFolder));
+        const auto folder = chosen ? ChosenFolder(*chosen) : std::nullopt;
+        if (folder)
+            *outNewFolder = cf::String(*folder).release();
+        return folder.has_value();
     });
 }

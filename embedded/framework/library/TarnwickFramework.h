@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "VantorixPluginFramework.h"
@@ -57,7 +58,9 @@ public:
 
 private:
     bool Store(const char* key, const nlohmann::json& value);
-    bool Confirm(const DialogQuestion& question);
+    /// What the user made of the dialog; nothing when it was not confirmed.
+    template <class AnyDialog>
+    std::optional<AnyDialog> Ask(AnyDialog dialog);
     void Tell(uint32_t titleID, uint32_t textID, const std::string& subject);
     std::string Text(uint32_t stringID) const;
 

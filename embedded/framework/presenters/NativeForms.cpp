@@ -1,10 +1,8 @@
 #include "presenters/NativeForms.h"
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 
-#include "presenters/DialogDetails.h"
 #include "strings/StringTables.h"
 
 std::string NativeStage::Text(localized::StringID id) const {
@@ -21,7 +19,6 @@ std::string NativeStage::Title(localized::StringID id) const {
 
 namespace {
 
-using nlohmann::json;
 using platform::Form;
 using platform::FormButton;
 using platform::FormCheckBox;
@@ -46,79 +43,35 @@ bool IsConfirmedIn(const NativeStage& stage, Form& form) {
     return stage.dialogs.ShowForm(stage.owner, form) == kConfirmed;
 }
 
-DialogAnswer ShowAbout(const NativeStage& stage, const json& details) {
-    const std::string version = StringIn(details, "version");
-    Form form{
-        stage.Title(localized::kAbout), {}, {{kConfirmed, stage.Text(localized::kOkButton)}}, kConfirmed};
-    form.controls.emplace_back(FormText{stage.Text(localized::kProductName), true});
-    if (!version.empty())
-        form.controls.emplace_back(FormText{stage.Text(localized::kVersion, version)});
-    form.controls.emplace_back(FormText{stage.Text(localized::kAboutText)});
-    stage.dialogs.ShowForm(stage.owner, form);
-    return true;
-}
-
-DialogAnswer AskForPreferences(const NativeStage& stage, const json& details) {
-    const json& switches = details.at("switches");
-    Form form = MakeForm(stage, localized::kPreferences);
-    for (const json& each : switches)
-        form.controls.emplace_back(FormCheckBox{StringIn(each, "title"), IsTrue(each, "isOn")});
-    if (!IsConfirmedIn(stage, form))
-        return false;
-    json byKey = json::object();
-    for (size_t index = 0; index < switches.size(); ++index)
-        byKey[StringIn(switches[index], "key")] = std::get<FormCheckBox>(form.controls[index]).isChecked;
-    return byKey;
-}
-
-/// A list of the objects in `entries`, shown by `nameMember`, with the one of the current workgroup selected.
-FormList WorkgroupList(const json& entries, const char* nameMember, const json& currentID) {
+FormList WorkgroupList(const SelectWorkgroupDialog& dialog) {
     FormList list;
-    for (const json& entry : entries) {
-        if (entry.at("workgroupID") == currentID && !currentID.is_null())
+    for (const SelectWorkgroupDialog::Workgroup& workgroup : dialog.workgroups) {
+        if (workgroup.id == dialog.workgroupID)
             list.selected = list.entries.size();
-        list.entries.push_back(StringIn(entry, nameMember));
+        list.entries.push_back(workgroup.name);
     }
     return list;
 }
 
-DialogAnswer AskForWorkgroup(const NativeStage& stage, const json& details) {
-    const json& workgroups = details.at("workgroups");
-    Form form = MakeForm(stage, localized::kSelectWorkgroup);
-    if (workgroups.empty()) {
-        stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(localized::kNoWorkgroupTitle),
-                                  platform::MessageButtons::kOk);
-        return false;
+FormList WorkgroupList(const CommandBoxDialog& dialog) {
+    FormList list;
+    for (const CommandBoxDialog::WorkgroupCommand& workgroup : dialog.workgroups) {
+        if (workgroup.workgroupID && workgroup.workgroupID == dialog.currentWorkgroupID)
+            list.selected = list.entries.size();
+        list.entries.push_back(workgroup.name);
     }
-    form.controls.emplace_back(WorkgroupList(workgroups, "name", details.at("workgroupID")));
-    const auto& list = std::get<FormList>(form.controls.front());
-    if (!IsConfirmedIn(stage, form) || !list.selected)
-        return false;
-    return {{"workgroupID", workgroups.at(*list.selected).at("workgroupID")}};
+    return list;
 }
 
-/// The commands of the command box: those with a workgroup stand in its list, the others have buttons.
-json CommandsOf(const json& details, bool areWorkgroups) {
-    json commands = json::array();
-    for (const json& command : details.at("commands")) {
-        if (command.contains("workgroupID") == areWorkgroups)
-            commands.push_back(command);
-    }
-    return commands;
-}
-
-void AddCommandButtons(Form& form, const json& commands) {
-    for (const json& command : commands)
-        form.controls.emplace_back(FormButton{command.at("command").get<int>(), StringIn(command, "title")});
-}
-
-void AddWorkgroups(const NativeStage& stage, Form& form, FormList workgroups, bool areLibraries) {
+void AddWorkgroups(const NativeStage& stage, Form& form, const CommandBoxDialog& dialog) {
+    FormList workgroups = WorkgroupList(dialog);
     if (workgroups.selected)
         form.controls.emplace_back(
             FormText{stage.Text(localized::kCurrentWorkgroup, workgroups.entries[*workgroups.selected])});
     form.controls.emplace_back(std::move(workgroups));
     form.controls.emplace_back(FormButton{
-        kConfirmed, stage.Text(areLibraries ? localized::kSelectLibrary : localized::kSelectWorkgroup)});
+        kConfirmed,
+        stage.Text(dialog.isLocalPersonal ? localized::kSelectLibrary : localized::kSelectWorkgroup)});
     form.defaultButton = kConfirmed;
 }
 
@@ -131,112 +84,122 @@ std::optional<size_t> SelectedWorkgroup(const Form& form) {
     return std::nullopt;
 }
 
-// The numbers of commands begin above kConfirmed, which stands for the workgroup selected.
-DialogAnswer AskForCommand(const NativeStage& stage, const json& details) {
-    const json workgroups = CommandsOf(details, true);
-    Form form{stage.Text(localized::kProductName),
-              {},
-              {{kFormCancelled, stage.Text(localized::kCloseButton)}},
-              kFormCancelled};
-    form.controls.emplace_back(
-        FormText{stage.Text(IsTrue(details, "IsOnline") ? localized::kOnline : localized::kOffline)});
-    AddCommandButtons(form, CommandsOf(details, false));
-    if (!workgroups.empty())
-        AddWorkgroups(stage, form, WorkgroupList(workgroups, "title", details.at("CurrentWorkgroupID")),
-                      IsTrue(details, "IsLocalPersonal"));
-    const int number = stage.dialogs.ShowForm(stage.owner, form);
-    const auto selected = SelectedWorkgroup(form);
-    if (number == kFormCancelled || (number == kConfirmed && !selected))
-        return false;
-    return {{"command", number == kConfirmed ? workgroups.at(*selected).at("command") : json(number)}};
+std::string CandidateText(const ResolveFontsDialog::Candidate& candidate) {
+    return candidate.name + (candidate.description.empty() ? "" : " (" + candidate.description + ")");
 }
 
-std::string CandidateText(const json& candidate) {
-    const std::string description = StringIn(candidate, "description");
-    return StringIn(candidate, "name") + (description.empty() ? "" : " (" + description + ")");
-}
-
-FormChoices::Row ReplacementRow(const NativeStage& stage, const json& font) {
-    const json& candidates = font.at("candidates");
-    FormChoices::Row row{stage.Text(candidates.empty() ? localized::kNoReplacement : localized::kReplacements,
-                                    StringIn(font, "name")),
-                         {},
-                         0};
-    if (!candidates.empty())
+FormChoices::Row ReplacementRow(const NativeStage& stage, const ResolveFontsDialog::Font& font) {
+    const bool isLost = font.candidates.empty();
+    FormChoices::Row row{
+        stage.Text(isLost ? localized::kNoReplacement : localized::kReplacements, font.name), {}, 0};
+    if (!isLost)
         row.options.push_back(stage.Text(localized::kNoReplacementOption));
-    for (const json& candidate : candidates)
+    for (const ResolveFontsDialog::Candidate& candidate : font.candidates)
         row.options.push_back(CandidateText(candidate));
     return row;
 }
 
 /// One of each name, since a choice is for all fonts of the name.
-json FontsToAskAbout(const json& details) {
+std::vector<const ResolveFontsDialog::Font*> FontsToAskAbout(const ResolveFontsDialog& dialog) {
     std::set<std::string> names;
-    json fonts = json::array();
-    for (const json& font : details.at("fonts")) {
-        if (names.insert(StringIn(font, "name")).second)
-            fonts.push_back(font);
+    std::vector<const ResolveFontsDialog::Font*> fonts;
+    for (const ResolveFontsDialog::Font& font : dialog.fonts) {
+        if (names.insert(font.name).second)
+            fonts.push_back(&font);
     }
     return fonts;
 }
 
-DialogAnswer AskForReplacements(const NativeStage& stage, const json& details) {
-    const json fonts = FontsToAskAbout(details);
+}  // namespace
+
+bool AskInWindow(const NativeStage& stage, AboutDialog& dialog) {
+    Form form{
+        stage.Title(localized::kAbout), {}, {{kConfirmed, stage.Text(localized::kOkButton)}}, kConfirmed};
+    form.controls.emplace_back(FormText{stage.Text(localized::kProductName), true});
+    if (!dialog.version.empty())
+        form.controls.emplace_back(FormText{stage.Text(localized::kVersion, dialog.version)});
+    form.controls.emplace_back(FormText{stage.Text(localized::kAboutText)});
+    stage.dialogs.ShowForm(stage.owner, form);
+    return true;
+}
+
+bool AskInWindow(const NativeStage& stage, PreferencesDialog& dialog) {
+    Form form = MakeForm(stage, localized::kPreferences);
+    for (const PreferencesDialog::Switch& each : dialog.switches)
+        form.controls.emplace_back(FormCheckBox{each.title, each.isOn});
+    if (!IsConfirmedIn(stage, form))
+        return false;
+    for (size_t index = 0; index < dialog.switches.size(); ++index)
+        dialog.switches[index].isOn = std::get<FormCheckBox>(form.controls[index]).isChecked;
+    return true;
+}
+
+bool AskInWindow(const NativeStage& stage, SelectWorkgroupDialog& dialog) {
+    Form form = MakeForm(stage, localized::kSelectWorkgroup);
+    if (dialog.workgroups.empty()) {
+        stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(localized::kNoWorkgroupTitle),
+                                  platform::MessageButtons::kOk);
+        return false;
+    }
+    form.controls.emplace_back(WorkgroupList(dialog));
+    const auto& list = std::get<FormList>(form.controls.front());
+    if (!IsConfirmedIn(stage, form) || !list.selected)
+        return false;
+    dialog.workgroupID = dialog.workgroups[*list.selected].id;
+    return true;
+}
+
+// The numbers of commands begin above kConfirmed, which stands for the workgroup selected.
+bool AskInWindow(const NativeStage& stage, CommandBoxDialog& dialog) {
+    Form form{stage.Text(localized::kProductName),
+              {},
+              {{kFormCancelled, stage.Text(localized::kCloseButton)}},
+              kFormCancelled};
+    form.controls.emplace_back(
+        FormText{stage.Text(dialog.isOnline ? localized::kOnline : localized::kOffline)});
+    for (const CommandBoxDialog::Command& command : dialog.commands)
+        form.controls.emplace_back(FormButton{command.number, command.title});
+    if (!dialog.workgroups.empty())
+        AddWorkgroups(stage, form, dialog);
+    const int number = stage.dialogs.ShowForm(stage.owner, form);
+    const auto selected = SelectedWorkgroup(form);
+    if (number == kFormCancelled || (number == kConfirmed && !selected))
+        return false;
+    dialog.command = number == kConfirmed ? dialog.workgroups[*selected].number : number;
+    return true;
+}
+
+bool AskInWindow(const NativeStage& stage, ResolveFontsDialog& dialog) {
+    const std::vector<const ResolveFontsDialog::Font*> fonts = FontsToAskAbout(dialog);
     FormChoices choices;
-    for (const json& font : fonts)
-        choices.rows.push_back(ReplacementRow(stage, font));
+    for (const ResolveFontsDialog::Font* font : fonts)
+        choices.rows.push_back(ReplacementRow(stage, *font));
     Form form = MakeForm(stage, localized::kResolveFontsTitle);
     form.controls.emplace_back(std::move(choices));
     if (!IsConfirmedIn(stage, form))
         return false;
-    json replacements = json::object();
     for (size_t index = 0; index < fonts.size(); ++index) {
         const size_t selected = std::get<FormChoices>(form.controls.front()).rows[index].selected;
         if (selected > 0)
-            replacements[StringIn(fonts[index], "name")] =
-                fonts[index].at("candidates").at(selected - 1).at("name");
+            dialog.replacements[fonts[index]->name] = fonts[index]->candidates.at(selected - 1).name;
     }
-    return {{"replacements", std::move(replacements)}};
+    return true;
 }
 
-DialogAnswer ShowRestrictedFonts(const NativeStage& stage, const json& details) {
-    const localized::StringID textID =
-        IsTrue(details, "onlyNew") ? localized::kNewRestrictedFontsText : localized::kRestrictedFontsText;
+bool AskInWindow(const NativeStage& stage, RestrictedFontsDialog& dialog) {
     Form form = MakeForm(stage, localized::kRestrictedFontsTitle);
-    form.controls.emplace_back(FormText{stage.Text(textID)});
-    form.controls.emplace_back(
-        FormList{details.at("fonts").get<std::vector<std::string>>(), std::nullopt, false});
+    form.controls.emplace_back(FormText{
+        stage.Text(dialog.onlyNew ? localized::kNewRestrictedFontsText : localized::kRestrictedFontsText)});
+    form.controls.emplace_back(FormList{dialog.fonts, std::nullopt, false});
     return IsConfirmedIn(stage, form);
 }
 
-DialogAnswer AskForFolder(const NativeStage& stage, const json& details) {
+bool AskInWindow(const NativeStage& stage, ChooseFolderDialog& dialog) {
     using Outcome = platform::FolderAnswer::Outcome;
-    const std::string prompt = StringIn(details, "prompt");
     const platform::FolderAnswer answer = stage.dialogs.ChooseFolder(
-        stage.owner, prompt.empty() ? stage.Text(localized::kChooseFolderTitle) : prompt,
-        StringIn(details, "initialFolder"));
-    if (answer.outcome == Outcome::kCancelled)
-        return false;
-    return {{"folder", answer.outcome == Outcome::kChosen ? json(answer.path) : json()}};
-}
-
-struct NamedForm {
-    std::string_view dialog;
-    NativeForm form;
-};
-
-constexpr NamedForm kForms[] = {{"About", ShowAbout},
-                                {"Preferences", AskForPreferences},
-                                {"SelectWorkgroup", AskForWorkgroup},
-                                {"CommandBox", AskForCommand},
-                                {"ResolveFonts", AskForReplacements},
-                                {"RestrictedFonts", ShowRestrictedFonts},
-                                {"ChooseFolder", AskForFolder}};
-
-}  // namespace
-
-NativeForm FindNativeForm(std::string_view dialog) {
-    const auto found = std::find_if(std::begin(kForms), std::end(kForms),
-                                    [dialog](const NamedForm& each) { return each.dialog == dialog; });
-    return found != std::end(kForms) ? found->form : nullptr;
+        stage.owner, dialog.prompt.empty() ? stage.Text(localized::kChooseFolderTitle) : dialog.prompt,
+        dialog.initialFolder);
+    if (answer.outcome == Outcome::kChosen)
+        dialog.folder = answer.path;
+    return answer.outcome != Outcome::kCancelled;
 }

@@ -6,7 +6,8 @@
 
 #include "LocalizedStrings.h"
 #include "platform/NativeDialogs.h"
-#include "presenters/Presenter.h"
+#include "platform/Windowing.h"
+#include "presenters/Dialogs.h"
 
 /// Where a dialog appears, and in which language.
 struct NativeStage {
@@ -20,8 +21,12 @@ struct NativeStage {
     std::string Title(localized::StringID id) const;
 };
 
-/// Shows `details`, a DialogQuestion's, and asks. False when the user gives up.
-using NativeForm = DialogAnswer (*)(const NativeStage& stage, const nlohmann::json& details);
+// Each shows the dialog and asks, and answers whether the user confirmed it.
 
-/// The form for the dialog of that name; null when there is none.
-NativeForm FindNativeForm(std::string_view dialog);
+bool AskInWindow(const NativeStage& stage, AboutDialog& dialog);
+bool AskInWindow(const NativeStage& stage, PreferencesDialog& dialog);
+bool AskInWindow(const NativeStage& stage, SelectWorkgroupDialog& dialog);
+bool AskInWindow(const NativeStage& stage, CommandBoxDialog& dialog);
+bool AskInWindow(const NativeStage& stage, ResolveFontsDialog& dialog);
+bool AskInWindow(const NativeStage& stage, RestrictedFontsDialog& dialog);
+bool AskInWindow(const NativeStage& stage, ChooseFolderDialog& dialog);

@@ -11,10 +11,9 @@ int32_t NativePresenter::AskMessageBox(const MessageBoxQuestion& question) {
     return isFirstButton ? 1 : DefaultAnswer(question);
 }
 
-DialogAnswer NativePresenter::AskDialog(const DialogQuestion& question) {
+bool NativePresenter::AskDialog(Dialog& dialog) {
     mProgress.reset();
-    const NativeForm form = FindNativeForm(question.dialog);
-    return form != nullptr ? form(mStage, question.details) : mDefault.AskDialog(question);
+    return std::visit([this](auto& each) { return AskInWindow(mStage, each); }, dialog);
 }
 
 bool NativePresenter::ShowProgress(const ProgressStep& step) {

@@ -5,7 +5,6 @@
 
 #include "presenters/NativeForms.h"
 #include "presenters/Presenter.h"
-#include "presenters/SilentPresenter.h"
 
 class NativePresenter : public Presenter {
 public:
@@ -15,12 +14,11 @@ public:
 
     void SetParentWindow(platform::WindowHandle window) override { mStage.owner = window; }
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
-    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool AskDialog(Dialog& dialog) override;
     /// The window stays until the last step, the user's wish to stop, or the next question.
     bool ShowProgress(const ProgressStep& step) override;
 
 private:
     NativeStage mStage;
     std::unique_ptr<platform::ProgressWindow> mProgress;  ///< while a work goes on
-    SilentPresenter mDefault;
 };

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "VantorixPluginFramework.h"
 #include "platform/Windowing.h"
+#include "presenters/Dialogs.h"
 
 struct MessageBoxQuestion {
     uint32_t titleID = 0;
@@ -22,17 +22,6 @@ struct MessageBoxQuestion {
 int32_t ButtonCount(const MessageBoxQuestion& question);
 /// The answer when there is nobody to ask: 1 for one button, 2 (no) for two.
 int32_t DefaultAnswer(const MessageBoxQuestion& question);
-
-/// A dialog is a name and what it shows. How each is composed, and what its answer means, is the business of
-/// DialogQuestions.h; presenters only show and answer.
-struct DialogQuestion {
-    std::string dialog;  ///< "About", "Preferences", "SelectWorkgroup", "CommandBox", ...
-    nlohmann::json details;
-};
-
-/// Null or false: the dialog was not confirmed, which is also the default. True: confirmed as it stood. An
-/// object: confirmed with these choices.
-using DialogAnswer = nlohmann::json;
 
 /// How far a long work has come: the first step has `done` 0, the last one `done` equal to `total`, which is
 /// above 0.
@@ -52,7 +41,8 @@ public:
     virtual void SetParentWindow(platform::WindowHandle) {}
     /// The number of the button, from 1 to ButtonCount.
     virtual int32_t AskMessageBox(const MessageBoxQuestion& question) = 0;
-    virtual DialogAnswer AskDialog(const DialogQuestion& question) = 0;
+    /// Whether the user confirmed the dialog, which then holds what was chosen.
+    virtual bool AskDialog(Dialog& dialog) = 0;
     /// Whether the work is to go on.
     virtual bool ShowProgress(const ProgressStep& step) = 0;
 };

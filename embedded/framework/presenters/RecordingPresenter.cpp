@@ -4,6 +4,7 @@
 
 #include "TraceLog.h"
 #include "platform/Utf8Path.h"
+#include "presenters/DialogJson.h"
 
 int32_t RecordingPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     const int32_t answer = mPresenter->AskMessageBox(question);
@@ -16,10 +17,13 @@ int32_t RecordingPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     return answer;
 }
 
-DialogAnswer RecordingPresenter::AskDialog(const DialogQuestion& question) {
-    DialogAnswer answer = mPresenter->AskDialog(question);
-    Append({{"dialog", question.dialog}, {"details", question.details}, {"answer", answer}});
-    return answer;
+bool RecordingPresenter::AskDialog(Dialog& dialog) {
+    nlohmann::json details = DialogDetails(dialog);
+    const bool isConfirmed = mPresenter->AskDialog(dialog);
+    Append({{"dialog", DialogName(dialog)},
+            {"details", std::move(details)},
+            {"answer", isConfirmed ? ChosenAnswer(dialog) : nlohmann::json(false)}});
+    return isConfirmed;
 }
 
 bool RecordingPresenter::ShowProgress(const ProgressStep& step) {

@@ -1,6 +1,8 @@
 // Records what another presenter is asked and what it answers: one JSON object per line, appended to a file.
 #pragma once
 
+#include <nlohmann/json.hpp>
+
 #include "presenters/Presenter.h"
 
 class RecordingPresenter : public Presenter {
@@ -10,7 +12,7 @@ public:
 
     void SetParentWindow(platform::WindowHandle window) override { mPresenter->SetParentWindow(window); }
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
-    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool AskDialog(Dialog& dialog) override;
     bool ShowProgress(const ProgressStep& step) override;
 
 private:

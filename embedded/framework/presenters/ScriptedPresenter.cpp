@@ -5,6 +5,7 @@
 
 #include "TraceLog.h"
 #include "platform/Files.h"
+#include "presenters/DialogJson.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ bool IsButton(const nlohmann::json& answer, const MessageBoxQuestion& question) 
     return answer.is_number_integer() && answer >= 1 && answer <= ButtonCount(question);
 }
 
-int64_t StopAt(const DialogAnswer& answer) {
+int64_t StopAt(const nlohmann::json& answer) {
     constexpr int64_t kNever = std::numeric_limits<int64_t>::max();
     if (answer.is_object() && answer.contains("stopAt") && answer["stopAt"].is_number_integer())
         return answer["stopAt"].get<int64_t>();
@@ -43,19 +44,19 @@ ScriptedPresenter::ScriptedPresenter(nlohmann::json answers) : mEntries(answers.
 
 // Null when no entry fits.
 template <class Fits>
-DialogAnswer ScriptedPresenter::TakeAnswer(Fits fits) {
+nlohmann::json ScriptedPresenter::TakeEntry(Fits fits) {
     const auto found = std::find_if(mEntries.begin(), mEntries.end(), fits);
     if (found == mEntries.end())
         return nullptr;
-    DialogAnswer answer = found->contains("answer") ? (*found)["answer"] : nlohmann::json();
+    nlohmann::json answer = found->contains("answer") ? (*found)["answer"] : nlohmann::json();
     if (!found->contains("repeat") || (*found)["repeat"] != true)
         mEntries.erase(found);
     return answer;
 }
 
 int32_t ScriptedPresenter::AskMessageBox(const MessageBoxQuestion& question) {
-    const DialogAnswer answer =
-        TakeAnswer([&question](const nlohmann::json& entry) { return FitsMessageBox(entry, question); });
+    const nlohmann::json answer =
+        TakeEntry([&question](const nlohmann::json& entry) { return FitsMessageBox(entry, question); });
     if (IsButton(answer, question))
         return answer.get<int32_t>();
     if (!answer.is_null())
@@ -64,13 +65,13 @@ int32_t ScriptedPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     return mDefault.AskMessageBox(question);
 }
 
-DialogAnswer ScriptedPresenter::AskDialog(const DialogQuestion& question) {
-    const DialogAnswer answer = TakeDialogAnswer(question.dialog);
-    return answer.is_null() ? mDefault.AskDialog(question) : answer;
+bool ScriptedPresenter::AskDialog(Dialog& dialog) {
+    const nlohmann::json answer = TakeDialogEntry(DialogName(dialog));
+    return answer.is_null() ? mDefault.AskDialog(dialog) : TakeAnswer(answer, dialog);
 }
 
-DialogAnswer ScriptedPresenter::TakeDialogAnswer(const std::string& dialog) {
-    return TakeAnswer([&dialog](const nlohmann::json& entry) {
+nlohmann::json ScriptedPresenter::TakeDialogEntry(const std::string& dialog) {
+    return TakeEntry([&dialog](const nlohmann::json& entry) {
         return entry.contains("dialog") && entry["dialog"] == dialog;
     });
 }
@@ -78,7 +79,7 @@ DialogAnswer ScriptedPresenter::TakeDialogAnswer(const std::string& dialog) {
 // One entry serves for a whole work.
 bool ScriptedPresenter::ShowProgress(const ProgressStep& step) {
     if (step.done == 0)
-        mStopAt = StopAt(TakeDialogAnswer("Progress"));
+        mStopAt = StopAt(TakeDialogEntry("Progress"));
     return step.done < mStopAt;
 }
 

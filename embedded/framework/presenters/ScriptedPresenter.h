@@ -12,6 +12,8 @@
 // question unless "repeat" is true. Questions without an entry get the default answer.
 #pragma once
 
+#include <limits>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "presenters/Presenter.h"
@@ -22,17 +24,18 @@ public:
     explicit ScriptedPresenter(nlohmann::json answers);
 
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
-    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool AskDialog(Dialog& dialog) override;
     bool ShowProgress(const ProgressStep& step) override;
 
 private:
     template <class Fits>
-    DialogAnswer TakeAnswer(Fits fits);
-    DialogAnswer TakeDialogAnswer(const std::string& dialog);
+    nlohmann::json TakeEntry(Fits fits);
+    nlohmann::json TakeDialogEntry(const std::string& dialog);
 
     std::vector<nlohmann::json> mEntries;  ///< those not used up
     SilentPresenter mDefault;
-    int64_t mStopAt = 0;  ///< the step at which the work that goes on now is stopped
+    /// The step at which the work that goes on now is stopped; never, unless an entry says so.
+    int64_t mStopAt = std::numeric_limits<int64_t>::max();
 };
 
 /// The list in the file at `path`, UTF-8; an empty one, after a log line, when the file cannot be read or

@@ -1,6 +1,7 @@
 #include "presenters/SilentPresenter.h"
 
 #include "TraceLog.h"
+#include "presenters/DialogJson.h"
 
 int32_t ButtonCount(const MessageBoxQuestion& question) {
     return question.buttons == MessageBoxButtons::kYesNo ? 2 : 1;
@@ -17,7 +18,7 @@ int32_t SilentPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     return answer;
 }
 
-DialogAnswer SilentPresenter::AskDialog(const DialogQuestion& question) {
-    LogMessage(0, "Nobody to show the dialog %s to; answered as not confirmed", question.dialog.c_str());
-    return nullptr;
+bool SilentPresenter::AskDialog(Dialog& dialog) {
+    LogMessage(0, "Nobody to show the dialog %s to; answered as not confirmed", DialogName(dialog).c_str());
+    return false;
 }

@@ -6,7 +6,7 @@
 class SilentPresenter : public Presenter {
 public:
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
-    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool AskDialog(Dialog& dialog) override;
     /// Goes on; not worth a line per step.
     bool ShowProgress(const ProgressStep&) override { return true; }
 };

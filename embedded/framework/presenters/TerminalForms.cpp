@@ -1,66 +1,30 @@
 #include "presenters/TerminalForms.h"
-#include "LocalizedStrings.h"
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
 #include <set>
 
+#include "LocalizedStrings.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
-#include "presenters/DialogDetails.h"
 
 namespace {
 
-using nlohmann::json;
-
-DialogAnswer ShowAbout(Terminal& terminal, const json& details) {
-    const std::string version = StringIn(details, "version");
-    terminal.PrintTitle(terminal.Text(localized::kProductName));
-    if (!version.empty())
-        terminal.PrintLine(terminal.Text(localized::kVersion, version));
-    terminal.PrintLine(terminal.Text(localized::kAboutText));
-    return true;
-}
-
-Choices SwitchChoices(const Terminal& terminal, const json& switches) {
+Choices SwitchChoices(const Terminal& terminal, const PreferencesDialog& dialog) {
     Choices choices;
-    for (const json& each : switches)
-        choices.push_back({static_cast<int32_t>(choices.size()) + 1, StringIn(each, "title"),
-                           terminal.Text(IsTrue(each, "isOn") ? localized::kOn : localized::kOff), false});
+    for (const PreferencesDialog::Switch& each : dialog.switches)
+        choices.push_back({static_cast<int32_t>(choices.size()) + 1, each.title,
+                           terminal.Text(each.isOn ? localized::kOn : localized::kOff), false});
     return choices;
 }
 
-DialogAnswer SwitchesByKey(const json& switches) {
-    json byKey = json::object();
-    for (const json& each : switches)
-        byKey[StringIn(each, "key")] = each.at("isOn");
-    return byKey;
-}
-
-DialogAnswer AskForPreferences(Terminal& terminal, const json& details) {
-    json switches = details.at("switches");
-    for (;;) {
-        const Choices choices = SwitchChoices(terminal, switches);
-        terminal.PrintTitle(terminal.Text(localized::kPreferences));
-        terminal.PrintChoices(choices);
-        const auto number = terminal.AskForChoice(terminal.Text(localized::kSwitchPrompt), choices);
-        if (!number)
-            return false;
-        if (*number == 0)
-            return SwitchesByKey(switches);
-        json& isOn = switches[static_cast<size_t>(*number) - 1].at("isOn");
-        isOn = !isOn.get<bool>();
-    }
-}
-
-Choices WorkgroupChoices(const json& details) {
+Choices WorkgroupChoices(const SelectWorkgroupDialog& dialog) {
     Choices choices;
-    for (const json& workgroup : details.at("workgroups"))
+    for (const SelectWorkgroupDialog::Workgroup& workgroup : dialog.workgroups)
         choices.push_back({static_cast<int32_t>(choices.size()) + 1,
-                           StringIn(workgroup, "name"),
+                           workgroup.name,
                            {},
-                           workgroup.at("workgroupID") == details.at("workgroupID")});
+                           workgroup.id == dialog.workgroupID});
     return choices;
 }
 
@@ -70,8 +34,69 @@ std::string WorkgroupPrompt(const Terminal& terminal, const Choices& choices) {
                                     : terminal.Text(localized::kChoosePromptWithDefault, current->name);
 }
 
-DialogAnswer AskForWorkgroup(Terminal& terminal, const json& details) {
-    const Choices choices = WorkgroupChoices(details);
+Choices CommandChoices(const CommandBoxDialog& dialog) {
+    Choices choices;
+    for (const CommandBoxDialog::Command& command : dialog.commands)
+        choices.push_back({command.number, command.title, {}, false});
+    return choices;
+}
+
+Choices WorkgroupChoices(const CommandBoxDialog& dialog) {
+    Choices choices;
+    for (const CommandBoxDialog::WorkgroupCommand& workgroup : dialog.workgroups)
+        choices.push_back({workgroup.number,
+                           workgroup.name,
+                           {},
+                           workgroup.workgroupID && workgroup.workgroupID == dialog.currentWorkgroupID});
+    return choices;
+}
+
+void PrintState(Terminal& terminal, bool isOnline, const Choices& workgroups) {
+    terminal.PrintLine(terminal.Text(isOnline ? localized::kOnline : localized::kOffline));
+    for (const Choice& workgroup : workgroups) {
+        if (workgroup.isCurrent)
+            terminal.PrintLine(terminal.Text(localized::kCurrentWorkgroup, workgroup.name));
+    }
+}
+
+Choices CandidateChoices(const ResolveFontsDialog::Font& font) {
+    Choices choices;
+    for (const ResolveFontsDialog::Candidate& candidate : font.candidates)
+        choices.push_back(
+            {static_cast<int32_t>(choices.size()) + 1, candidate.name, candidate.description, false});
+    return choices;
+}
+
+std::string FolderPrompt(const Terminal& terminal, const std::string& initialFolder) {
+    return initialFolder.empty() ? terminal.Text(localized::kFolderPrompt)
+                                 : terminal.Text(localized::kFolderPromptWithDefault, initialFolder);
+}
+
+}  // namespace
+
+bool AskInTerminal(Terminal& terminal, AboutDialog& dialog) {
+    terminal.PrintTitle(terminal.Text(localized::kProductName));
+    if (!dialog.version.empty())
+        terminal.PrintLine(terminal.Text(localized::kVersion, dialog.version));
+    terminal.PrintLine(terminal.Text(localized::kAboutText));
+    return true;
+}
+
+bool AskInTerminal(Terminal& terminal, PreferencesDialog& dialog) {
+    for (;;) {
+        const Choices choices = SwitchChoices(terminal, dialog);
+        terminal.PrintTitle(terminal.Text(localized::kPreferences));
+        terminal.PrintChoices(choices);
+        const auto number = terminal.AskForChoice(terminal.Text(localized::kSwitchPrompt), choices);
+        if (!number || *number == 0)
+            return number.has_value();
+        bool& isOn = dialog.switches[static_cast<size_t>(*number) - 1].isOn;
+        isOn = !isOn;
+    }
+}
+
+bool AskInTerminal(Terminal& terminal, SelectWorkgroupDialog& dialog) {
+    const Choices choices = WorkgroupChoices(dialog);
     if (choices.empty()) {
         terminal.PrintLine(terminal.Text(localized::kNoWorkgroupTitle));
         return false;
@@ -83,125 +108,65 @@ DialogAnswer AskForWorkgroup(Terminal& terminal, const json& details) {
         return false;
     if (*number == 0)
         return std::any_of(choices.begin(), choices.end(), std::mem_fn(&Choice::isCurrent));
-    const json& chosen = details.at("workgroups").at(static_cast<size_t>(*number) - 1);
-    return {{"workgroupID", chosen.at("workgroupID")}};
+    dialog.workgroupID = dialog.workgroups[static_cast<size_t>(*number) - 1].id;
+    return true;
 }
 
-/// The entries of the command box, those of the menu or the workgroups below it.
-Choices CommandChoices(const json& details, bool areWorkgroups) {
-    const json& current = details.at("CurrentWorkgroupID");
-    Choices choices;
-    for (const json& command : details.at("commands")) {
-        if (command.contains("workgroupID") == areWorkgroups)
-            choices.push_back({command.at("command").get<int32_t>(),
-                               StringIn(command, "title"),
-                               {},
-                               areWorkgroups && !current.is_null() && command["workgroupID"] == current});
-    }
-    return choices;
-}
-
-void PrintState(Terminal& terminal, const json& details, const Choices& workgroups) {
-    terminal.PrintLine(terminal.Text(IsTrue(details, "IsOnline") ? localized::kOnline : localized::kOffline));
-    for (const Choice& workgroup : workgroups) {
-        if (workgroup.isCurrent)
-            terminal.PrintLine(terminal.Text(localized::kCurrentWorkgroup, workgroup.name));
-    }
-}
-
-DialogAnswer AskForCommand(Terminal& terminal, const json& details) {
-    Choices choices = CommandChoices(details, false);
-    const Choices workgroups = CommandChoices(details, true);
+bool AskInTerminal(Terminal& terminal, CommandBoxDialog& dialog) {
+    Choices choices = CommandChoices(dialog);
+    const Choices workgroups = WorkgroupChoices(dialog);
     terminal.PrintTitle(terminal.Text(localized::kProductName));
-    PrintState(terminal, details, workgroups);
+    PrintState(terminal, dialog.isOnline, workgroups);
     terminal.PrintChoices(choices);
     if (!workgroups.empty())
-        terminal.PrintTitle(terminal.Text(IsTrue(details, "IsLocalPersonal") ? localized::kSelectLibrary
-                                                                             : localized::kSelectWorkgroup));
+        terminal.PrintTitle(
+            terminal.Text(dialog.isLocalPersonal ? localized::kSelectLibrary : localized::kSelectWorkgroup));
     terminal.PrintChoices(workgroups);
     choices.insert(choices.end(), workgroups.begin(), workgroups.end());
-    const int32_t number =
-        terminal.AskForChoice(terminal.Text(localized::kCommandPrompt), choices).value_or(0);
-    return number != 0 ? DialogAnswer{{"command", number}} : DialogAnswer(false);
+    dialog.command = terminal.AskForChoice(terminal.Text(localized::kCommandPrompt), choices).value_or(0);
+    return dialog.command != 0;
 }
 
-Choices CandidateChoices(const json& font) {
-    Choices choices;
-    for (const json& candidate : font.at("candidates"))
-        choices.push_back({static_cast<int32_t>(choices.size()) + 1, StringIn(candidate, "name"),
-                           StringIn(candidate, "description"), false});
-    return choices;
-}
-
-DialogAnswer AskForReplacements(Terminal& terminal, const json& details) {
-    json replacements = json::object();
+bool AskInTerminal(Terminal& terminal, ResolveFontsDialog& dialog) {
     std::set<std::string> asked;  // a choice is for all fonts of the name
     terminal.PrintTitle(terminal.Text(localized::kResolveFontsTitle));
-    for (const json& font : details.at("fonts")) {
-        const std::string name = StringIn(font, "name");
+    for (const ResolveFontsDialog::Font& font : dialog.fonts) {
         const Choices candidates = CandidateChoices(font);
-        terminal.PrintLine(
-            terminal.Text(candidates.empty() ? localized::kNoReplacement : localized::kReplacements, name));
-        if (candidates.empty() || !asked.insert(name).second)
+        terminal.PrintLine(terminal.Text(
+            candidates.empty() ? localized::kNoReplacement : localized::kReplacements, font.name));
+        if (candidates.empty() || !asked.insert(font.name).second)
             continue;
         terminal.PrintChoices(candidates);
         const auto number = terminal.AskForChoice(terminal.Text(localized::kResolvePrompt), candidates);
         if (!number)
             return false;
         if (*number != 0)
-            replacements[name] = candidates[static_cast<size_t>(*number) - 1].name;
+            dialog.replacements[font.name] = candidates[static_cast<size_t>(*number) - 1].name;
     }
-    return {{"replacements", replacements}};
+    return true;
 }
 
-DialogAnswer ShowRestrictedFonts(Terminal& terminal, const json& details) {
+bool AskInTerminal(Terminal& terminal, RestrictedFontsDialog& dialog) {
     terminal.PrintTitle(terminal.Text(localized::kRestrictedFontsTitle));
-    terminal.PrintLine(terminal.Text(IsTrue(details, "onlyNew") ? localized::kNewRestrictedFontsText
-                                                                : localized::kRestrictedFontsText));
-    for (const json& name : details.at("fonts"))
-        terminal.PrintLine("  " + name.get<std::string>());
+    terminal.PrintLine(
+        terminal.Text(dialog.onlyNew ? localized::kNewRestrictedFontsText : localized::kRestrictedFontsText));
+    for (const std::string& name : dialog.fonts)
+        terminal.PrintLine("  " + name);
     const Choices answers = {{1, terminal.Text(localized::kYes), {}, false},
                              {2, terminal.Text(localized::kNo), {}, false}};
     const auto number = terminal.AskForChoice(terminal.Text(localized::kContinuePrompt), answers);
     return number.has_value() && *number != 2;
 }
 
-std::string FolderPrompt(const Terminal& terminal, const std::string& initialFolder) {
-    return initialFolder.empty() ? terminal.Text(localized::kFolderPrompt)
-                                 : terminal.Text(localized::kFolderPromptWithDefault, initialFolder);
-}
-
-DialogAnswer AskForFolder(Terminal& terminal, const json& details) {
-    const std::string initialFolder = StringIn(details, "initialFolder");
-    const std::string title = StringIn(details, "prompt");
-    terminal.PrintTitle(title.empty() ? terminal.Text(localized::kChooseFolderTitle) : title);
-    while (const auto typed = terminal.Ask(FolderPrompt(terminal, initialFolder))) {
+bool AskInTerminal(Terminal& terminal, ChooseFolderDialog& dialog) {
+    terminal.PrintTitle(dialog.prompt.empty() ? terminal.Text(localized::kChooseFolderTitle) : dialog.prompt);
+    while (const auto typed = terminal.Ask(FolderPrompt(terminal, dialog.initialFolder))) {
+        dialog.folder = typed->empty() ? dialog.initialFolder : *typed;
         if (typed->empty())
-            return !initialFolder.empty();
+            return !dialog.initialFolder.empty();
         if (!platform::IsExistingFile(platform::FullPath(*typed)))
-            return {{"folder", *typed}};
+            return true;
         terminal.PrintLine(terminal.Text(localized::kNoFolder, *typed));
     }
     return false;
-}
-
-struct NamedForm {
-    std::string_view dialog;
-    TerminalForm form;
-};
-
-constexpr NamedForm kForms[] = {{"About", ShowAbout},
-                                {"Preferences", AskForPreferences},
-                                {"SelectWorkgroup", AskForWorkgroup},
-                                {"CommandBox", AskForCommand},
-                                {"ResolveFonts", AskForReplacements},
-                                {"RestrictedFonts", ShowRestrictedFonts},
-                                {"ChooseFolder", AskForFolder}};
-
-}  // namespace
-
-TerminalForm FindTerminalForm(std::string_view dialog) {
-    const auto found = std::find_if(std::begin(kForms), std::end(kForms),
-                                    [dialog](const NamedForm& each) { return each.dialog == dialog; });
-    return found != std::end(kForms) ? found->form : nullptr;
 }

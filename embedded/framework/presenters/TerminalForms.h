@@ -1,13 +1,15 @@
 // The dialogs as forms in a terminal.
 #pragma once
 
-#include <string_view>
-
-#include "presenters/Presenter.h"
+#include "presenters/Dialogs.h"
 #include "presenters/Terminal.h"
 
-/// Shows `details`, a DialogQuestion's, and asks. False when the user cancels and at the end of input.
-using TerminalForm = DialogAnswer (*)(Terminal& terminal, const nlohmann::json& details);
+// Each shows the dialog and asks, and answers whether the user confirmed it: not at the end of input.
 
-/// The form for the dialog of that name; null when there is none.
-TerminalForm FindTerminalForm(std::string_view dialog);
+bool AskInTerminal(Terminal& terminal, AboutDialog& dialog);
+bool AskInTerminal(Terminal& terminal, PreferencesDialog& dialog);
+bool AskInTerminal(Terminal& terminal, SelectWorkgroupDialog& dialog);
+bool AskInTerminal(Terminal& terminal, CommandBoxDialog& dialog);
+bool AskInTerminal(Terminal& terminal, ResolveFontsDialog& dialog);
+bool AskInTerminal(Terminal& terminal, RestrictedFontsDialog& dialog);
+bool AskInTerminal(Terminal& terminal, ChooseFolderDialog& dialog);

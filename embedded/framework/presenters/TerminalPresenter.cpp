@@ -20,9 +20,8 @@ int32_t TerminalPresenter::AskForButton(const MessageBoxQuestion& question) {
     return chosen != 0 ? chosen : byDefault;
 }
 
-DialogAnswer TerminalPresenter::AskDialog(const DialogQuestion& question) {
-    const TerminalForm form = FindTerminalForm(question.dialog);
-    return form != nullptr ? form(mTerminal, question.details) : mDefault.AskDialog(question);
+bool TerminalPresenter::AskDialog(Dialog& dialog) {
+    return std::visit([this](auto& each) { return AskInTerminal(mTerminal, each); }, dialog);
 }
 
 bool TerminalPresenter::ShowProgress(const ProgressStep& step) {

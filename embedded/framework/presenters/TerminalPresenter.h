@@ -2,7 +2,6 @@
 #pragma once
 
 #include "presenters/Presenter.h"
-#include "presenters/SilentPresenter.h"
 #include "presenters/Terminal.h"
 
 /// A message with one button is printed and not waited for. A question with two waits for a line: 1 or 2, or
@@ -13,12 +12,11 @@ public:
         : mTerminal(streams, std::move(language)) {}
 
     int32_t AskMessageBox(const MessageBoxQuestion& question) override;
-    DialogAnswer AskDialog(const DialogQuestion& question) override;
+    bool AskDialog(Dialog& dialog) override;
     bool ShowProgress(const ProgressStep& step) override;
 
 private:
     int32_t AskForButton(const MessageBoxQuestion& question);
 
     Terminal mTerminal;
-    SilentPresenter mDefault;
 };

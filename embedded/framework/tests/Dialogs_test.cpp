@@ -312,7 +312,7 @@ TEST_F(DialogsTest, MessagesAreInTheUsersLanguageAndNameTheirSubjectWhateverItHo
 class ThrowingPresenter : public Presenter {
 public:
     int32_t AskMessageBox(const MessageBoxQuestion&) override { throw std::runtime_error("box"); }
-    DialogAnswer AskDialog(const DialogQuestion&) override { throw 5; }
+    bool AskDialog(Dialog&) override { throw 5; }
     bool ShowProgress(const ProgressStep&) override { throw 5; }
 };
 

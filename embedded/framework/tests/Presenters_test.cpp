@@ -24,12 +24,16 @@ MessageBoxQuestion Question(uint32_t titleID, uint32_t textID, MessageBoxButtons
     return {titleID, textID, buttons, "Title", "Text"};
 }
 
+bool Confirms(Presenter& presenter, Dialog dialog) {
+    return presenter.AskDialog(dialog);
+}
+
 TEST(SilentPresenter, GivesTheDefaultAnswerAndLogsIt) {
     CapturedTrace log;
     SilentPresenter presenter;
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 605)), 2);
     EXPECT_EQ(presenter.AskMessageBox(Question(600, 601, kOk)), 1);
-    EXPECT_TRUE(presenter.AskDialog({"About", {}}).is_null());
+    EXPECT_FALSE(Confirms(presenter, AboutDialog()));
     EXPECT_THAT(log.Text(), HasSubstr("604/605"));
 }
 
@@ -48,9 +52,9 @@ TEST(ScriptedPresenter, TakesTheFirstEntryThatFitsAndUsesItUpUnlessItRepeats) {
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 606)), 2);
     for (int round = 0; round < 3; ++round)
         EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 1);
-    EXPECT_TRUE(presenter.AskDialog({"About", {}}).is_null());
-    EXPECT_EQ(presenter.AskDialog({"SelectWorkgroup", {}}), json({{"workgroupID", 3}}));
-    EXPECT_TRUE(presenter.AskDialog({"SelectWorkgroup", {}}).is_null());
+    EXPECT_FALSE(Confirms(presenter, AboutDialog()));
+    EXPECT_TRUE(Confirms(presenter, SelectWorkgroupDialog{{{3, "Print"}}, 1}));
+    EXPECT_FALSE(Confirms(presenter, SelectWorkgroupDialog{{{3, "Print"}}, 3}));
 }
 
 /// The step at which a work of `total` steps is told to stop; -1 for never.
@@ -92,15 +96,18 @@ TEST(ScriptedPresenter, AFileThatIsNoListOfAnswersIsReported) {
 TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
     TemporaryFolder folder;
     WriteText(folder / "log", "before\n");
-    RecordingPresenter presenter(std::make_unique<SilentPresenter>(), folder / "log");
+    const json answers = {{{"dialog", "About"}, {"answer", json::object()}}};
+    RecordingPresenter presenter(std::make_unique<ScriptedPresenter>(answers), folder / "log");
     EXPECT_EQ(presenter.AskMessageBox({604, 605, kYesNo, "Über\n", "\xFF"}), 2);
-    EXPECT_TRUE(presenter.AskDialog({"About", {{"version", "8"}}}).is_null());
+    EXPECT_TRUE(Confirms(presenter, AboutDialog{"8"}));
+    EXPECT_FALSE(Confirms(presenter, AboutDialog{"9"}));
     EXPECT_TRUE(presenter.ShowProgress({204, "Collect", 1, 3}));
     EXPECT_EQ(ReadText(folder / "log"),
               "before\n"
               "{\"titleID\":604,\"textID\":605,\"title\":\"Über\\n\",\"text\":\"\uFFFD\",\"buttons\":2,"
               "\"answer\":2}\n"
-              "{\"dialog\":\"About\",\"details\":{\"version\":\"8\"},\"answer\":null}\n"
+              "{\"dialog\":\"About\",\"details\":{\"version\":\"8\"},\"answer\":true}\n"
+              "{\"dialog\":\"About\",\"details\":{\"version\":\"9\"},\"answer\":false}\n"
               "{\"dialog\":\"Progress\",\"details\":{\"titleID\":204,\"title\":\"Collect\",\"done\":1,"
               "\"total\":3},\"answer\":true}\n");
 }
@@ -176,7 +183,7 @@ TEST(ChoosePresenter, AnswersComeBeforeTheOneThatIsNamedAndWindowsBeforeAllElse)
     }
     const ScopedVariable terminal("PLUGINCORE_PRESENTER", "terminal"), noAnswers("PLUGINCORE_ANSWERS", "");
     testing::internal::CaptureStderr();
-    ChoosePresenter("en")->AskDialog({"About", {{"version", ""}}});
+    EXPECT_TRUE(Confirms(*ChoosePresenter("en"), AboutDialog()));
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Quillon Type Client"));
 }
 
