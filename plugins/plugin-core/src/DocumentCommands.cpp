@@ -135,10 +135,9 @@ ErrorCode CreateSetOfFonts(CoreAgentInterface& agent, CFArrayRef fonts, std::str
 /// The fonts that the document lacks: those without a match, and those that could not be made active.
 CFRef<CFMutableArrayRef> MissingFonts(const OneTrackedDocument& document) {
     CFRef<CFMutableArrayRef> missing = cf::MutableArray();
-    for (CFIndex index = 0; index < cf::Count(document.FontArrayB()); ++index)
-        cf::Append(missing, cf::Get<CFDictionaryRef>(document.FontArrayB(), index));
-    for (CFIndex index = 0; index < cf::Count(document.FontArrayA()); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(document.FontArrayA(), index);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(document.FontArrayB()))
+        cf::Append(missing, font);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(document.FontArrayA())) {
         const auto state = cf::GetInt64(font, kGS_ActivationStateKey);
         if (state && !FontActivationStateCountsAsActive(*state))
             cf::Append(missing, font);
@@ -148,9 +147,9 @@ CFRef<CFMutableArrayRef> MissingFonts(const OneTrackedDocument& document) {
 
 std::string NamesOf(CFArrayRef fonts) {
     std::string names;
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
         names += names.empty() ? "" : ", ";
-        names += cf::GetString(cf::Get<CFDictionaryRef>(fonts, index), kGS_PostScriptNameKey);
+        names += cf::GetString(font, kGS_PostScriptNameKey);
     }
     return names;
 }
@@ -164,9 +163,8 @@ ErrorCode ResolveFonts(const OneTrackedDocument& document, CFArrayRef missingFon
     if (code != CoreErrorCodes::kSuccess)
         return code;
     const CFRef<CFMutableArrayRef> replacements = cf::MutableArray();
-    for (CFIndex index = 0; index < cf::Count(resolved.get()); ++index)
-        cf::Append(replacements,
-                   cf::GetDictionary(cf::Get<CFDictionaryRef>(resolved.get(), index), kGS_MatchedFontKey));
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(resolved.get()))
+        cf::Append(replacements, cf::GetDictionary(font, kGS_MatchedFontKey));
     if (cf::Count(replacements.get()) == 0)
         return CoreErrorCodes::kSuccess;
     uint32_t matchedCount = 0;

@@ -23,8 +23,8 @@ bool MayShowFontsWithoutReplacements() {
 }
 
 void LogSkippedFonts(CFArrayRef fonts) {
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        const std::string name = cf::GetString(cf::Get<CFDictionaryRef>(fonts, index), kGS_PostScriptNameKey);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
+        const std::string name = cf::GetString(font, kGS_PostScriptNameKey);
         LogMessage(0, "This font was skipped:  '%s' -- host app's Find Fonts dialog will be displayed",
                    name.c_str());
     }
@@ -51,8 +51,7 @@ namespace FontDialogs {
 
 CFIndex CountResolvable(CFArrayRef fonts) {
     CFIndex count = 0;
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index) {
-        const auto font = cf::Get<CFDictionaryRef>(fonts, index);
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
         if (cf::Count(cf::GetDictionary(font, kGS_PossibleReplacementsKey)) > 0)
             ++count;
     }

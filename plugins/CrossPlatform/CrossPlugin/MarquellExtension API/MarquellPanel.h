@@ -118,6 +118,7 @@ private:
     /// Has the images of some fonts made that were asked for: a screenful at a time, so that the host's
     /// thread is not kept.
     ErrorCode RenderNextFonts();
+    ErrorCode RenderFewFonts();
 
     bool mIsClosed = false;
     FontListFiles mFontListFiles;

@@ -17,6 +17,7 @@
 #include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
+#include "platform/Clock.h"
 #include "platform/Files.h"
 
 using namespace panel_messages;
@@ -24,8 +25,10 @@ using namespace panel_messages;
 namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
-/// A screenful; each takes a few milliseconds of the host's thread when it was never made before.
-constexpr size_t kFontsRenderedAtOnce = 100;
+/// Each takes a few milliseconds of the host's thread when it was never made before.
+constexpr size_t kFontsRenderedAtOnce = 10;
+/// What the host does not notice; no further fonts are rendered after it until it is idle again.
+constexpr uint32_t kRenderingMilliseconds = 50;
 
 int64_t IntPreference(const char* key) {
     return MarquellGlobals::GetSharedVPFInterface()->GetIntPreference(key);
@@ -215,8 +218,14 @@ ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
 }
 
 ErrorCode MarquellPanel::RenderNextFonts() {
-    if (mFontsToRender.empty())
-        return CoreErrorCodes::kSuccess;
+    auto& clock = platform::Current<platform::Clock>();
+    const uint32_t start = clock.TickCount();
+    while (!mFontsToRender.empty() && clock.TickCount() - start < kRenderingMilliseconds)
+        RETURN_IF_FAILED(RenderFewFonts());
+    return CoreErrorCodes::kSuccess;
+}
+
+ErrorCode MarquellPanel::RenderFewFonts() {
     const auto end = mFontsToRender.begin() +
                      static_cast<std::ptrdiff_t>(std::min(mFontsToRender.size(), kFontsRenderedAtOnce));
     const auto fonts = cf::NumberArray(std::vector<uint32_t>(mFontsToRender.begin(), end));
@@ -228,7 +237,6 @@ ErrorCode MarquellPanel::RenderNextFonts() {
     LogMessage(0, "END: RenderFontNamePreviewPNGs");
     if (code != CoreErrorCodes::kSuccess)
         mFontsToRender.clear();  // the panel asks again
-    RETURN_IF_FAILED(code);
     return code;
 }
 

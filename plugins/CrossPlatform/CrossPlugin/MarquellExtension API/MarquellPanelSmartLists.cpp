@@ -60,8 +60,8 @@ std::string Base64Lines(std::string_view bytes) {
 
 void AddIDs(PanelMessage& message, const Key& key, CFArrayRef ids) {
     PanelMessage::Node jsonArray = message.Root().AddArray(key);
-    for (CFIndex index = 0; index < cf::Count(ids); ++index)
-        jsonArray.Add(cf::ToInt64(CFArrayGetValueAtIndex(ids, index)).value_or(0));
+    for (const CFNumberRef id : cf::Elements<CFNumberRef>(ids))
+        jsonArray.Add(cf::ToInt64(id).value_or(0));
 }
 
 }  // namespace
@@ -149,8 +149,7 @@ ErrorCode MarquellPanel::GetAllSmartLists(const JSONValue&) {
     RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetAllSmartLists, smartLists.get()));
     PanelMessage reply(kGetAllSmartLists);
     PanelMessage::Node jsonArray = reply.Root().AddArray(kSmartListsKey);
-    for (CFIndex index = 0; index < cf::Count(smartLists.get()); ++index) {
-        const auto list = cf::Get<CFDictionaryRef>(smartLists.get(), index);
+    for (const CFDictionaryRef list : cf::Elements<CFDictionaryRef>(smartLists.get())) {
         jsonArray.AddMap("smartList")
             .Set(kSmartListIDKey, cf::GetInt64(list, kGS_SmartListIDKey).value_or(0))
             .Set(kSmartListNameKey, cf::GetString(list, kGS_SmartListNameKey));
@@ -207,8 +206,8 @@ ErrorCode MarquellPanel::GetSmartListFonts(int32_t smartListID) {
 
 ErrorCode MarquellPanel::SendFontList(CFArrayRef fonts) {
     std::string lines;
-    for (CFIndex index = 0; index < cf::Count(fonts); ++index)
-        lines += FontListLine(cf::Get<CFDictionaryRef>(fonts, index));
+    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts))
+        lines += FontListLine(font);
     std::string url;
     if (mFontListFiles.Create(lines, url) != CoreErrorCodes::kSuccess)  // reported there
         return Send(PanelMessage(kCouldNotCreateTmpFile));
