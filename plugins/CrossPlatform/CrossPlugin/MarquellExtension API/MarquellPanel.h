@@ -115,8 +115,7 @@ private:
     ErrorCode Queue(const panel_messages::MessageID& notification);
     ErrorCode QueueFontEvent(uint32_t fontID, const panel_messages::MessageID& notification);
     ErrorCode SendNotification(int notificationID);
-    /// Has the images of some fonts made that were asked for: a screenful at a time, so that the host's
-    /// thread is not kept.
+    /// Has images made that were asked for, for as long as the host's thread may be kept.
     ErrorCode RenderNextFonts();
     ErrorCode RenderFewFonts();
 
