@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -70,6 +71,17 @@ SystemError MakePrivateFolder(const std::string& path) {
 
 int CloseFoldersToOthers(const std::string& path) {
     return CloseAll(OpenFolder(AT_FDCWD, path.c_str()), 0);
+}
+
+std::string LockedOutOwner(const std::string& path) {
+    struct stat info {};
+    std::string folder = path;
+    while (geteuid() == 0 && !folder.empty() && stat(folder.c_str(), &info) != 0)
+        folder.erase(folder.find_last_of('/'));
+    if (geteuid() != 0 || folder.empty() || info.st_uid == 0)
+        return {};
+    const passwd* const owner = getpwuid(info.st_uid);
+    return owner != nullptr ? owner->pw_name : std::to_string(info.st_uid);
 }
 
 void KeepNewFilesPrivate() {

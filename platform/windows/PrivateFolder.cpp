@@ -87,6 +87,10 @@ int CloseFoldersToOthers(const std::string& path) {
     return !CloseFolder(path, wasOpen) && wasOpen ? 1 : 0;
 }
 
+std::string LockedOutOwner(const std::string&) {
+    return {};
+}
+
 void KeepNewFilesPrivate() {}
 
 }  // namespace platform

@@ -1,5 +1,5 @@
 // Adding, removing and listing fonts.
-#include <algorithm>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -70,36 +70,46 @@ void RefuseSystemFonts(CommandContext& context, const std::vector<uint32_t>& ids
     }
 }
 
+/// A page of the fonts, taken from the front of `left`, and the faces that share their files, which come to `files`.
+Json NextFacesWithTheirFiles(CommandContext& context, std::vector<uint32_t>& left,
+                             std::map<int64_t, FontFile>& files) {
+    FontStore& fonts = context.manager.fonts;
+    Json faces = Json::array();
+    auto next = left.begin();
+    for (; next != left.end() && faces.size() < kListPageSize; ++next) {
+        context.audience.KeepAlive();
+        const auto font = fonts.Find(*next);
+        if (!font || !files.emplace(font->file.id, font->file).second)  // gone, or here with another face
+            continue;
+        for (const Font& face : fonts.FontsOfFile(font->file.id))
+            faces.push_back({{kGS_DatabaseIDKey, face.id}, {kGS_PostScriptNameKey, face.postScriptName}});
+    }
+    left.erase(left.begin(), next);
+    return faces;
+}
+
 }  // namespace
 
 /// The next of the fonts to remove, each with all faces of its file. One answer holds only so many: the IDs
 /// that are left come back for another request.
 Json commands::RemoveFonts(CommandContext& context, const Json& arguments) {
     FontManager& manager = context.manager;
-    Json removed = Json::array();
-    std::vector<FontFile> files;
-    Activation activation = manager.BeginActivation(Durability::kPowerLoss);
     std::vector<uint32_t> left = FontIDsOf(ArrayMember(arguments, member::kFonts));
     RefuseSystemFonts(context, left);
-    std::reverse(left.begin(), left.end());
-    for (; !left.empty() && removed.size() < kListPageSize; left.pop_back()) {
-        context.audience.KeepAlive();
-        const auto font = manager.fonts.Find(left.back());
-        if (!font)  // gone with another face of its file
-            continue;
-        for (const Font& face : manager.fonts.FontsOfFile(font->file.id))
-            removed.push_back({{kGS_DatabaseIDKey, face.id}, {kGS_PostScriptNameKey, face.postScriptName}});
-        activation.RemoveFile(font->file);
-        files.push_back(font->file);
-    }
+    std::map<int64_t, FontFile> files;
+    Json removed = NextFacesWithTheirFiles(context, left, files);
     RequireSendable(removed);
+    if (BoolMember(arguments, member::kDryRun))
+        return {{member::kRemoved, std::move(removed)}, {member::kLeft, left}};
+    Activation activation = manager.BeginActivation(Durability::kPowerLoss);
+    for (const auto& [id, file] : files)
+        activation.RemoveFile(file);
     const ActivationChanges changes = activation.Commit();
-    for (const FontFile& file : files)
+    for (const auto& [id, file] : files)
         (void)manager.vault.Remove(file);
     AnnounceChanges(context.audience, changes);
     context.audience.Announce(kPluginCallback_PanelDataChanged, nullptr);
-    return {{member::kRemoved, std::move(removed)},
-            {member::kLeft, std::vector<uint32_t>(left.rbegin(), left.rend())}};
+    return {{member::kRemoved, std::move(removed)}, {member::kLeft, left}};
 }
 
 Json commands::ListFonts(CommandContext& context, const Json& arguments) {

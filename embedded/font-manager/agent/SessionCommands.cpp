@@ -36,6 +36,7 @@ Json commands::GetStatus(CommandContext& context, const Json&) {
     return {{member::kProcess, platform::CurrentProcessId()},
             {member::kFonts, manager.fonts.Count()},
             {member::kSystemFonts, manager.fonts.CountSystemFonts()},
+            {member::kMissingFiles, manager.fonts.CountMissingFiles()},
             {member::kActiveFiles, manager.fonts.CountActiveFiles()},
             {member::kHosts, manager.CountHosts()},
             {member::kLoggedIn, manager.settings.IsLoggedIn()},

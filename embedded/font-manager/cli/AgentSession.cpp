@@ -46,7 +46,7 @@ std::optional<AgentHolder> FindLastingHolder() {
 std::string NoAgentText() {
     const std::optional<AgentHolder> holder = FindLastingHolder();
     return holder ? UnreachableAgentText(Locations::OfThisUser(), *holder)
-                  : "no agent is running; start it with: \"" + ProgramPath() + "\" serve";
+                  : "no agent is running; start it with: " + PastedCommand("serve");
 }
 
 void AgentSession::StartAgentIfNeeded() {
@@ -61,7 +61,7 @@ void AgentSession::StartAgentIfNeeded() {
         return;
     throw Failure(kExit_NoAgent, FindLastingHolder()
                                      ? NoAgentText()
-                                     : "the agent does not start; \"" + program + " serve\" says why");
+                                     : "the agent does not start; " + PastedCommand("serve") + " says why");
 }
 
 Json AgentSession::Call(const char* method, const Json& arguments) {
@@ -90,6 +90,10 @@ ErrorCode AgentSession::TryToReach(const char* method, const Json& arguments, Js
 
 std::string ProgramPath() {
     return platform::Current<platform::Processes>().CurrentExecutablePath();
+}
+
+std::string PastedCommand(const std::string& words) {
+    return "\"" + ProgramPath() + "\" " + words;
 }
 
 void PrintJson(const Json& value) {

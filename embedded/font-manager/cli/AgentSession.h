@@ -57,6 +57,8 @@ std::string NoAgentText();
 
 /// The full path of this program.
 std::string ProgramPath();
+/// This program with these words behind it, as it can be pasted into a shell.
+std::string PastedCommand(const std::string& words);
 
 /// Prints the value for programs, on a line of its own.
 void PrintJson(const Json& value);

@@ -18,10 +18,6 @@ constexpr char kOk[] = "ok";
 constexpr char kWarning[] = "warning";
 constexpr char kWrong[] = "wrong";
 
-std::string Command(const std::string& words) {
-    return "\"" + ProgramPath() + "\" " + words;
-}
-
 /// What was looked at, in the order in which it is told.
 class Findings {
 public:
@@ -61,7 +57,7 @@ void ExamineAgent(const Json& status, Findings& findings) {
         findings.Add(kOk, "user", StringMember(status, member::kUserName) + " is logged in");
     else
         findings.Add(kWarning, "user", "nobody is logged in, so no fonts are activated",
-                     Command("login NAME"));
+                     PastedCommand("login NAME"));
     findings.Add(kOk, "hosts", std::to_string(IntegerMember(status, member::kHosts)) + " hold fonts active");
 }
 
@@ -73,10 +69,10 @@ void ExamineLaunchInformation(Findings& findings) {
     if (platform::ReadWholeFile(path, text, kLargest))
         findings.Add(kWarning, "launch-info",
                      "plug-ins cannot start the agent by themselves: there is no " + path,
-                     Command("launch-info"));
+                     PastedCommand("launch-info"));
     else if (text.find("pellwick.path=" + ProgramPath() + "\n") == std::string::npos)
         findings.Add(kWarning, "launch-info", path + " names another agent than this one",
-                     Command("launch-info"));
+                     PastedCommand("launch-info"));
     else
         findings.Add(kOk, "launch-info", path);
 }
@@ -97,7 +93,7 @@ void ExamineConflicts(AgentSession& session, Findings& findings) {
     if (ArrayMember(rivals, member::kFonts).empty())
         findings.Add(kOk, "conflicts", "no two fonts of one name differ");
     else
-        findings.Add(kWarning, "conflicts", "fonts of one name differ", Command("conflicts"));
+        findings.Add(kWarning, "conflicts", "fonts of one name differ", PastedCommand("conflicts"));
 }
 
 /// How many files there were.
@@ -145,7 +141,7 @@ void ExamineFont(const Json& font, bool isVisible, Findings& findings) {
                              std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + ")";
     const std::string seen = isVisible ? ", and programs see it" : ", but programs do not see it";
     const char* state = isVisible ? kOk : kWrong;
-    const std::string mend = isVisible ? "" : "start the program again, or see " + Command("doctor");
+    const std::string mend = isVisible ? "" : "start the program again, or see " + PastedCommand("doctor");
     switch (IntegerMember(font, kGS_ActivationStateKey)) {
         case kFontActivationState_SystemFont:
             return findings.Add(state, name, "the system has it at " + StringMember(font, kGS_PathKey) + seen,
@@ -160,7 +156,7 @@ void ExamineFont(const Json& font, bool isVisible, Findings& findings) {
         default:
             return findings.Add(
                 kOk, name, "not active: no open document needs it, and you did not activate it",
-                Command("activate " + std::to_string(IntegerMember(font, kGS_DatabaseIDKey))));
+                PastedCommand("activate " + std::to_string(IntegerMember(font, kGS_DatabaseIDKey))));
     }
 }
 

@@ -1,19 +1,17 @@
-// add, remove, list, activate, deactivate.
+// remove, list, activate, deactivate, conflicts, prefer.
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
+#include <iostream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "FontRecordKeys.h"
+#include "PrintableText.h"
 #include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
-#include "cli/Progress.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
-#include "platform/Files.h"
-#include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
 
@@ -22,109 +20,48 @@ using exact_words::AddTexts;
 
 namespace {
 
-namespace fs = std::filesystem;
-
-struct FoundFile {
-    std::string path;
-    bool isNamed;  ///< by the user, not found in a folder
-};
-
-/// The file, or every file in the folder and those below it, in the order of their names.
-void FindFiles(const std::string& path, std::vector<FoundFile>& files, Json& failures) {
-    std::error_code failure;
-    const fs::path start = platform::Utf8Path(platform::AbsolutePath(path));
-    if (!fs::is_directory(start, failure)) {
-        files.push_back({platform::Utf8Text(start), true});
-        return;
+/// What removing the fonts takes with them: every face of their files.
+Json WouldBeRemoved(AgentSession& session, Json left) {
+    Json faces = Json::array();
+    while (!left.empty()) {
+        const Json answer =
+            session.Call(method::kRemoveFonts, {{member::kFonts, left}, {member::kDryRun, true}});
+        const Json& page = ArrayMember(answer, member::kRemoved);
+        faces.insert(faces.end(), page.begin(), page.end());
+        left = ArrayMember(answer, member::kLeft);
     }
-    const size_t first = files.size();
-    fs::recursive_directory_iterator entry(start, fs::directory_options::skip_permission_denied, failure);
-    for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
-        std::error_code ignored;
-        if (entry->is_regular_file(ignored))
-            files.push_back({platform::Utf8Text(entry->path()), false});
-    }
-    if (failure)
-        failures.push_back({{"path", path}, {"reason", platform::SystemErrorText(failure)}});
-    std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end(),
-              [](const FoundFile& left, const FoundFile& right) { return left.path < right.path; });
+    return faces;
 }
 
-/// Fonts come with licences, read-me files and forms for the web; what is in a folder and is no font to use
-/// is left alone.
-bool IsOfNoConcern(const FoundFile& file, ErrorCode code) {
-    return !file.isNamed && code == error_codes::GFontToolResults::kNotAFontFile;
+/// "A, B, C and 5 others".
+std::string SomeNames(const Json& fonts) {
+    constexpr size_t kMost = 3;
+    std::string names;
+    for (size_t index = 0; index < std::min(fonts.size(), kMost); ++index)
+        names += (index == 0 ? "" : ", ") + StringMember(fonts[index], kGS_PostScriptNameKey);
+    return fonts.size() > kMost ? names + " and " + std::to_string(fonts.size() - kMost) + " others" : names;
 }
 
-struct AddResult {
-    Json added = Json::array();
-    Json known = Json::array();
-    Json failures = Json::array();
-    int skipped = 0;  ///< files in folders that are no fonts
-};
-
-void AddFile(AgentSession& session, const FoundFile& file, const std::string& workgroup, AddResult& result) {
-    Json answer;
-    const ErrorCode code =
-        session.Try(method::kAddFile, {{member::kPath, file.path}, {member::kWorkgroup, workgroup}}, answer);
-    if (code != CoreErrorCodes::kSuccess) {
-        const std::string reason = FailureText(code, answer);
-        if (IsOfNoConcern(file, code))
-            ++result.skipped;
-        else
-            result.failures.push_back({{"path", file.path}, {"reason", reason}});
-        return;
-    }
-    Json& list = BoolMember(answer, member::kAlreadyKnown) ? result.known : result.added;
-    for (const Json& font : ArrayMember(answer, member::kFonts))
-        list.push_back(font);
+/// Throws Failure when the user does not want it, or cannot be asked.
+void ConfirmRemoval(const Json& faces) {
+    const std::string what = std::to_string(faces.size()) + " fonts: " + SomeNames(faces);
+    if (!platform::IsTerminal(platform::StandardStream::kInput))
+        throw Failure(kExit_CouldNot, "this removes " + what + "; to have that done, add --yes");
+    std::fputs(PrintableText("Remove " + what + "? [y/N] ").c_str(), stderr);
+    std::string line;
+    if (!std::getline(std::cin, line) || (line != "y" && line != "Y" && line != "yes"))
+        throw Failure(kExit_CouldNot, "nothing was removed");
 }
 
-void PrintAddResult(const AddResult& result) {
-    for (const Json& font : result.added)
-        PrintLine("added " + StringMember(font, kGS_PostScriptNameKey));
-    if (!result.known.empty())
-        PrintLine(std::to_string(result.known.size()) + " known already");
-    if (result.skipped != 0)
-        PrintLine(std::to_string(result.skipped) + " other files left alone");
-}
-
-ExitStatus AddFonts(AgentSession& session, const std::vector<std::string>& paths,
-                    const std::string& workgroup) {
-    AddResult result;
-    std::vector<FoundFile> files;
-    for (const std::string& path : paths)
-        FindFiles(path, files, result.failures);
-    session.StartAgentIfNeeded();
-    {
-        Progress progress(files.size(), "files");
-        for (const FoundFile& file : files) {
-            AddFile(session, file, workgroup, result);
-            progress.Advance();
-        }
-    }
-    if (session.PrintsJson())
-        PrintJson({{"added", result.added},
-                   {"alreadyKnown", result.known},
-                   {"failed", result.failures},
-                   {"skipped", result.skipped}});
-    else
-        PrintAddResult(result);
-    for (const Json& failure : result.failures)
-        PrintError(StringMember(failure, "path") + ": " + StringMember(failure, "reason"));
-    if (result.added.empty() && result.known.empty() && result.failures.empty())
-        throw Failure(kExit_CouldNot,
-                      "there are no fonts in what was given; name font files or folders of them");
-    return result.failures.empty() ? kExit_Done : kExit_CouldNot;
-}
-
-ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& names) {
+ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& names, bool isConfirmed) {
     session.StartAgentIfNeeded();
     bool isComplete = false;
     const Json found = FindFonts(session, names, isComplete);
     const Json own = WithoutSystemFonts(found, "and stays where it is");
     isComplete = isComplete && (found.empty() || !own.empty());
     Json left = IDsOf(own);
+    if (const Json faces = isConfirmed ? Json::array() : WouldBeRemoved(session, left); faces.size() > 1)
+        ConfirmRemoval(faces);
     Json removed = Json::array();
     while (!left.empty()) {
         const Json answer = session.Call(method::kRemoveFonts, {{member::kFonts, left}});
@@ -258,18 +195,18 @@ ExitStatus PreferFont(AgentSession& session, const std::string& name, bool isFor
 }  // namespace
 
 void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
-    auto* add = AddCommand(
-        app, chosen, "add", "Add font files, or folders of them",
-        [&](AgentSession& session) { return AddFonts(session, arguments.words, arguments.workgroup); });
-    AddTexts(*add, "PATH", arguments.words, "Files and folders")->required();
-    AddText(*add, "--workgroup", arguments.workgroup, "Where to put the fonts");
     const auto withNames = [&](const char* name, const char* description, auto run) {
         auto* command = AddCommand(app, chosen, name, description, [&arguments, run](AgentSession& session) {
             return run(session, arguments.words);
         });
         AddTexts(*command, "NAME", arguments.words, kFontNameHelp)->required();
+        return command;
     };
-    withNames("remove", "Remove fonts and their files from the font manager", RemoveFonts);
+    auto* remove = withNames("remove", "Remove fonts and their files from the font manager",
+                             [&arguments](AgentSession& session, const std::vector<std::string>& names) {
+                                 return RemoveFonts(session, names, arguments.isConfirmed);
+                             });
+    remove->add_flag("--yes", arguments.isConfirmed, "Do not ask, however many they are");
     withNames("activate", "Make fonts active until they are deactivated", ActivateFonts);
     withNames("deactivate", "End that", DeactivateFonts);
     AddCommand(app, chosen, "conflicts",

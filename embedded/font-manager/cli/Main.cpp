@@ -1,6 +1,7 @@
 // Pellwick: the font manager's agent and, with a command, its command line.
 #include <cstdio>
 
+#include "ForeignHome.h"
 #include "cli/PellwickWords.h"
 #include "platform/PrivateFolder.h"
 #include "platform/ProgramArguments.h"
@@ -26,6 +27,8 @@ int Run(int count, char** words) {
     } catch (const CLI::ParseError& error) {
         return app->exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
+    if (const std::string refusal = RefusalOfForeignHome(); !refusal.empty())
+        throw Failure(kExit_CouldNot, refusal);
     AgentSession session(arguments.options);
     return AfterOutput(chosen(session));
 }

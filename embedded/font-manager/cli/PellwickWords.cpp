@@ -42,8 +42,9 @@ std::unique_ptr<CLI::App> DescribeCommandLine(Arguments& arguments, Action& chos
     DescribeProgram(*app, arguments);
     AddCommand(*app, chosen, "serve", "Run the agent (as without a command)",
                [](AgentSession&) { return Serve(); });
-    for (const auto describe : {DescribeFontCommands, DescribeSettingsCommands, DescribeDoctorCommand,
-                                DescribeWorkgroupCommands, DescribeSetCommands, DescribeSmartListCommands})
+    for (const auto describe :
+         {DescribeAddCommand, DescribeFontCommands, DescribeSettingsCommands, DescribeDoctorCommand,
+          DescribeWorkgroupCommands, DescribeSetCommands, DescribeSmartListCommands})
         describe(*app, arguments, chosen);
     return app;
 }

@@ -38,6 +38,7 @@ struct Arguments {
     SmartListParts parts;
     FontFilter filter;
     bool isForgotten = false;
+    bool isConfirmed = false;
 };
 
 /// Carries out a command. Returns an exit status or throws Failure.
@@ -54,6 +55,7 @@ CLI::App* AddCommand(CLI::App& app, Action& chosen, const char* name, const char
 inline constexpr char kFontNameHelp[] = "PostScript name, family, family and style, or number";
 
 // The groups of commands, each described where it is carried out: in cli/…Commands.cpp.
+void DescribeAddCommand(CLI::App& app, Arguments& arguments, Action& chosen);
 void DescribeFontCommands(CLI::App& app, Arguments& arguments, Action& chosen);
 void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen);
 void DescribeDoctorCommand(CLI::App& app, Arguments& arguments, Action& chosen);

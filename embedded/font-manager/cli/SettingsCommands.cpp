@@ -29,7 +29,21 @@ ExitStatus Run(AgentSession& session, const char* method, const Json& arguments)
     return kExit_Done;
 }
 
+/// What keeps documents from getting their fonts, and the command that mends it; before all else.
+void PrintTroubles(const Json& status) {
+    const auto tell = [](const std::string& trouble, const std::string& words) {
+        PrintLine("! " + trouble + "; " + PastedCommand(words));
+    };
+    if (!BoolMember(status, member::kLoggedIn))
+        tell("nobody is logged in, so no fonts are activated", "login NAME");
+    if (const long long count = IntegerMember(status, member::kMissingFiles); count > 0)
+        tell(std::to_string(count) + " font files are gone or damaged", "doctor");
+    if (IntegerMember(status, member::kFonts) == 0)
+        tell("there are no fonts yet", "add FOLDER");
+}
+
 void PrintStatus(const Json& status) {
+    PrintTroubles(status);
     PrintLine("agent       process " + std::to_string(IntegerMember(status, member::kProcess)) +
               (BoolMember(status, member::kStandalone) ? ", standalone" : ", with a server"));
     PrintLine("user        " + (BoolMember(status, member::kLoggedIn)

@@ -65,6 +65,7 @@ inline constexpr char kDataFolder[] = "dataFolder";
 inline constexpr char kDeactivated[] = "deactivated";
 inline constexpr char kDefaultWorkgroup[] = "defaultWorkgroup";
 inline constexpr char kDocument[] = "document";
+inline constexpr char kDryRun[] = "dryRun";  ///< only says what would be done
 inline constexpr char kEnable[] = "enable";
 inline constexpr char kFailed[] = "failed";
 inline constexpr char kFiles[] = "files";
@@ -79,6 +80,7 @@ inline constexpr char kLeft[] = "left";  ///< IDs for another request: an answer
 inline constexpr char kLinkFolder[] = "linkFolder";
 inline constexpr char kLoggedIn[] = "loggedIn";
 inline constexpr char kMatched[] = "matched";
+inline constexpr char kMissingFiles[] = "missingFiles";
 inline constexpr char kName[] = "name";
 inline constexpr char kNewName[] = "newName";
 inline constexpr char kOn[] = "on";
@@ -125,12 +127,12 @@ inline constexpr char kWorkgroups[] = "workgroups";
 #define PELLWICK_METHODS(X)                                                                                  \
     X(Hello, (kProtocol, kTaken), ())                                                                        \
     X(Subscribe, (), ())                                                                                     \
-    X(GetStatus, (), (kProcess, kFonts, kSystemFonts, kActiveFiles, kHosts, kLoggedIn, kUserName, kStandalone,             \
+    X(GetStatus, (), (kProcess, kFonts, kSystemFonts, kMissingFiles, kActiveFiles, kHosts, kLoggedIn, kUserName, kStandalone,             \
       kGoogleWebFonts, kSchemaVersion, kWorkgroup, kDefaultWorkgroup, kVault, kDataFolder,                   \
       kPreviewFolder, kLinkFolder))                                                                          \
     X(Stop, (), (kProcess))                                                                                  \
     X(AddFile, (kPath, kWorkgroup), (kFonts, kAlreadyKnown))                                                 \
-    X(RemoveFonts, (kFonts), (kRemoved, kLeft))                                                              \
+    X(RemoveFonts, (kFonts, kDryRun), (kRemoved, kLeft))                                                              \
     X(ListFonts, (kAfter, kSet, kSmartList, kWorkgroup, kSystem, kVisible), (kFonts))                                             \
     X(CheckFiles, (kAfter), (kChecked, kAfter, kProblems))                                                   \
     X(CheckRecords, (), (kFonts, kFiles, kProblems))                                                         \

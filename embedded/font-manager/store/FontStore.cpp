@@ -338,6 +338,11 @@ std::vector<FontFile> FontStore::ActiveFiles() {
     return AllFiles(query);
 }
 
+int64_t FontStore::CountMissingFiles() {
+    Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM files WHERE missing = 1");
+    return query.Step() ? query.Integer(0) : 0;
+}
+
 int64_t FontStore::CountActiveFiles() {
     Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM (" SELECT_ACTIVE_FILE_IDS ")");
     return query.Step() ? query.Integer(0) : 0;

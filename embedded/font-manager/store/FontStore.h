@@ -128,6 +128,7 @@ public:
     int64_t CountFiles();
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
+    int64_t CountMissingFiles();
     int64_t CountActiveFiles();
     bool IsFileActive(int64_t fileID);
 

@@ -116,7 +116,7 @@ TEST_F(AgentTest, AddsDrawsAndRemovesHostileFontsLikeOthers) {
     for (const Json& font : fonts)
         faces[font[kGS_ChecksumKey]] = font[kGS_DatabaseIDKey];
     for (const auto& [file, face] : faces)
-        EXPECT_EQ(Run({"remove", std::to_string(face)}), 0);
+        EXPECT_EQ(Run({"remove", "--yes", std::to_string(face)}), 0);
     EXPECT_TRUE(Fonts().empty());
     EXPECT_TRUE(mWorld.VaultFiles().empty());
 }
