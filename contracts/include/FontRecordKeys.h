@@ -36,6 +36,10 @@
     X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */                                \
     X(kGS_ReasonKey, "Reason") /* for people: how a font came to match, or in what a replacement is like */ \
     X(kGS_RankKey, "Rank")     /* number, of a replacement: 1 is the best */                                \
+    /* Of a replacement: for which font of which document. Handed back when it is activated, so that the    */ \
+    /* choice is known the next time. */                                                                    \
+    X(kGS_ReplacementForKey, "ReplacementFor")           /* PostScript name */                              \
+    X(kGS_ReplacementInKey, "ReplacementInDocument")     /* path */                                         \
     /* Of a request, how its font is to be looked for; booleans. */                                         \
     X(kGS_ExactMatchKey, "ExactMatch")     /* by the PostScript name as it is written alone */              \
     X(kGS_EntireFamilyKey, "EntireFamily") /* with the rest of its family */

@@ -103,6 +103,39 @@ Json ReportedFont(const Json& requested, const Json& before, const FontManager& 
     return reported;
 }
 
+/// The font that the user chose before in the document's place of the one that it lacks, and has not removed since;
+/// the best others behind it.
+std::vector<Font> CandidatesFor(CommandContext& context, const RequestedFont& request,
+                                const std::string& document, bool& isFirstChosen) {
+    FontManager& manager = context.manager;
+    std::vector<Font> candidates = manager.replacements.Find(request);
+    const auto chosen = manager.fonts.Find(manager.documents.Choice(document, request.postScriptName));
+    isFirstChosen = chosen && chosen->activationState != kFontActivationState_Missing;
+    if (!isFirstChosen)
+        return candidates;
+    std::erase_if(candidates,
+                  [&](const Font& font) { return font.postScriptName == chosen->postScriptName; });
+    candidates.insert(candidates.begin(), *chosen);
+    return candidates;
+}
+
+/// As records by PostScript name.
+Json CandidateRecords(CommandContext& context, const RequestedFont& request, const std::string& document) {
+    bool isFirstChosen = false;
+    Json records = Json::object();
+    for (const Font& font : CandidatesFor(context, request, document, isFirstChosen)) {
+        const bool isChosen = isFirstChosen && records.empty();
+        Json record = FontRecord(context.manager, font);
+        record[kGS_RankKey] = records.size() + 1;
+        record[kGS_ReasonKey] =
+            isChosen ? "chosen for this document before" : ReplacementReason(font, request);
+        record[kGS_ReplacementForKey] = request.postScriptName;
+        record[kGS_ReplacementInKey] = document;
+        records[font.postScriptName] = std::move(record);
+    }
+    return records;
+}
+
 /// What could replace the requests that were not matched, in their order and for the first of them: objects
 /// of font records by PostScript name.
 Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched) {
@@ -114,15 +147,8 @@ Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json&
         if (replacements.size() == limit)
             break;
         context.audience.KeepAlive();
-        Json records = Json::object();
-        const RequestedFont request = RequestedFontOf(requests[index.get<size_t>()]);
-        for (const Font& font : context.manager.replacements.Find(request)) {
-            Json record = FontRecord(context.manager, font);
-            record[kGS_RankKey] = records.size() + 1;
-            record[kGS_ReasonKey] = ReplacementReason(font, request);
-            records[font.postScriptName] = std::move(record);
-        }
-        replacements.push_back(std::move(records));
+        replacements.push_back(CandidateRecords(context, RequestedFontOf(requests[index.get<size_t>()]),
+                                                StringMember(arguments, member::kDocument)));
     }
     return replacements;
 }

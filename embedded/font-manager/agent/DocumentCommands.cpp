@@ -1,7 +1,9 @@
 // What hosts report about their documents.
 #include <nlohmann/json.hpp>
 
+#include "agent/FontRecord.h"
 #include "agent/Requests.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
 namespace pellwick {
@@ -39,6 +41,20 @@ Json commands::GetFontUsage(CommandContext& context, const Json& arguments) {
 
 Json commands::WriteFontUsage(CommandContext& context, const Json& arguments) {
     context.manager.documents.SetFontUsage(DocumentPath(arguments), StringMember(arguments, member::kUsage));
+    return Json::object();
+}
+
+/// Fonts that are gone meanwhile are left out.
+Json commands::NoteChoices(CommandContext& context, const Json& arguments) {
+    FontManager& manager = context.manager;
+    Transaction transaction(manager.database);
+    for (const Json& choice : ArrayMember(arguments, member::kChoices)) {
+        const uint32_t fontID = FontIDOf(IntegerMember(choice, member::kFont));
+        const std::string name = StringMember(choice, member::kName);
+        if (manager.fonts.Find(fontID) && !name.empty() && name.size() <= kMaxNameSize)
+            manager.documents.SetChoice(DocumentPath(choice), name, fontID);
+    }
+    transaction.Commit();
     return Json::object();
 }
 

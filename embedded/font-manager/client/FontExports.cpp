@@ -197,6 +197,25 @@ void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts
 
 }  // namespace
 
+namespace {
+
+/// Replacements that the user chose are offered first the next time. Nobody misses that where it fails.
+void NoteChoices(PluginFacadeRef facade, const Json& fonts) {
+    Json choices = Json::array();
+    for (const Json& font : fonts) {
+        const std::string document = font.is_object() ? StringMember(font, kGS_ReplacementInKey) : "";
+        if (!document.empty())
+            choices.push_back({{member::kPath, document},
+                               {member::kName, StringMember(font, kGS_ReplacementForKey)},
+                               {member::kFont, IntegerMember(font, kGS_DatabaseIDKey)}});
+    }
+    Json ignored;
+    if (!choices.empty())
+        (void)Call(facade, method::kNoteChoices, {{member::kChoices, std::move(choices)}}, ignored);
+}
+
+}  // namespace
+
 uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef documentIdentifier,
                        CFStringRef mode, CFMutableArrayRef matchedFonts) {
     return Guarded([&] {
@@ -208,6 +227,8 @@ uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef doc
         const ErrorCode code = CallInPartsForFonts(facade, method::kActivateFonts,
                                                    {{member::kDocument, cf::ToUtf8(documentIdentifier)}},
                                                    fonts, member::kMatched, matchedFonts);
+        if (code == CoreErrorCodes::kSuccess)
+            NoteChoices(facade, JsonFromCF(fonts));
         if (code != CoreErrorCodes::kSuccess || !isGlobal)
             return code;
         Json arguments = Json::object();

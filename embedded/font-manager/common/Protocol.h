@@ -29,7 +29,7 @@ namespace pellwick {
 /// Goes up with every change that an older client or agent would not understand.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 5;
+constexpr int kSchemaVersion = 6;
 
 /// What messages and what is in them call their members. Records of fonts, workgroups and smart lists also
 /// hold those of FontRecordKeys.h and TarnwickPluginInterface.h.
@@ -57,6 +57,8 @@ inline constexpr char kAdded[] = "added";
 inline constexpr char kAfter[] = "after";  ///< the ID behind which a page begins
 inline constexpr char kAlreadyKnown[] = "alreadyKnown";
 inline constexpr char kChecked[] = "checked";
+inline constexpr char kChoices[] =
+    "choices";  ///< objects of a document's path, the name of a font that is missing there, and what was chosen for it
 inline constexpr char kIsChosen[] = "isChosen";  ///< what a document that asks for the name is given
 inline constexpr char kIsPreferred[] = "isPreferred";
 inline constexpr char kConflicts[] = "conflicts";
@@ -163,6 +165,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(ActivateFonts, (kFonts, kDocument), (kMatched))                                                        \
     X(ActivateDocumentFonts, (kFonts, kDocument, kReplacements), (kMatched, kUnmatched, kReplacements,       \
       kReported))                                                                                            \
+    X(NoteChoices, (kChoices), ())                                                                           \
     X(KeepFonts, (kFonts), ())                                                                               \
     X(DeactivateFonts, (kFonts), (kDeactivated))                                                             \
     X(ListRivals, (kAfter), (kFonts))                                                                        \

@@ -30,7 +30,19 @@ void DocumentStore::SaveFonts(const std::string& path, const std::vector<uint32_
             .Run();
 }
 
+uint32_t DocumentStore::Choice(const std::string& path, const std::string& name) {
+    Statement query = mDatabase.Prepare("SELECT font_id FROM choices WHERE path = ? AND name = ?");
+    return query.Bind(path, name).Step() ? static_cast<uint32_t>(query.Integer(0)) : 0;
+}
+
+void DocumentStore::SetChoice(const std::string& path, const std::string& name, uint32_t fontID) {
+    mDatabase.Prepare("INSERT OR REPLACE INTO choices (path, name, font_id) VALUES (?, ?, ?)")
+        .Bind(path, name, fontID)
+        .Run();
+}
+
 bool DocumentStore::Clear(const std::string& path) {
+    mDatabase.Prepare("DELETE FROM choices WHERE path = ?").Bind(path).Run();
     mDatabase.Prepare("DELETE FROM documents WHERE path = ?").Bind(path).Run();
     return mDatabase.ChangedRows() > 0;
 }

@@ -175,8 +175,19 @@ CREATE UNIQUE INDEX files_of_system ON files (path) WHERE path <> '';
 ALTER TABLE fonts ADD COLUMN preferred INTEGER NOT NULL DEFAULT 0;  -- by the user, to others of its name
 )sql";
 
-constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4,
-                                                               kVersion5};
+// What the user chose for the fonts that a document lacks.
+constexpr char kVersion6[] = R"sql(
+CREATE TABLE choices (
+    path TEXT NOT NULL,
+    name TEXT NOT NULL,               -- as the document has it
+    font_id INTEGER NOT NULL REFERENCES fonts ON DELETE CASCADE,
+    PRIMARY KEY (path, name)
+) WITHOUT ROWID;
+CREATE INDEX choices_by_font ON choices (font_id);
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3,
+                                                               kVersion4, kVersion5, kVersion6};
 
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";

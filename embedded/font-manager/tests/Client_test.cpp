@@ -90,6 +90,27 @@ TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
+TEST_F(ClientFonts, AReplacementThatWasChosenIsOfferedFirstTheNextTime) {
+    CFRef<CFMutableArrayRef> unmatched;
+    const auto candidateIn = [&](const char* document) {
+        unmatched = cf::MutableArray();
+        EXPECT_EQ(Ask(ActivateDocumentFontsByPath, document, NamesArray({"Sample-Black"}), nullptr, unmatched,
+                      nullptr),
+                  0u);
+        const auto font = cf::Get<CFDictionaryRef>(unmatched.get(), 0);
+        return cf::GetDictionary(cf::GetDictionary(font, kGS_PossibleReplacementsKey), "Sample-Italic");
+    };
+    const auto rankIn = [&](const char* document) {
+        return cf::GetInt64(candidateIn(document), kGS_RankKey);
+    };
+    EXPECT_EQ(rankIn("/a.ai"), 2);
+    const auto chosen = cf::MutableArray();
+    cf::Append(chosen, candidateIn("/a.ai"));
+    EXPECT_EQ(Ask(ActivateFonts, chosen, "a", nullptr, nullptr), 0u);
+    EXPECT_EQ(rankIn("/a.ai"), 1);
+    EXPECT_EQ(rankIn("/b.ai"), 2) << "another document";
+}
+
 TEST_F(ClientFonts, MoreFontsThanAMessageHoldsAreAskedForInParts) {
     Names names(kMaxFontsPerRequest + 12, "Sample-Thin");
     std::fill_n(names.begin() + 1, 9, "Sample-Black");
