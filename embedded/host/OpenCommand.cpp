@@ -1,5 +1,6 @@
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -53,13 +54,35 @@ std::string NameForPeople(const json& font) {
     return style.empty() ? family : family + ", " + style;
 }
 
-/// What could be chosen in place of a font that is missing.
+/// What could be chosen in place of a font that is missing: records, the best first.
+std::vector<json> ReplacementsOf(const json& font) {
+    const json byName = font.value(kGS_PossibleReplacementsKey, json::object());
+    std::vector<json> replacements(byName.begin(), byName.end());
+    std::sort(replacements.begin(), replacements.end(), [](const json& left, const json& right) {
+        return left.value(kGS_RankKey, INT64_MAX) < right.value(kGS_RankKey, INT64_MAX);
+    });
+    return replacements;
+}
+
 std::string ReplacementsText(const json& font) {
-    std::string names;
-    const json replacements = font.value(kGS_PossibleReplacementsKey, json::object());
-    for (const auto& [name, replacement] : replacements.items())
-        names += (names.empty() ? "perhaps " : " or ") + name;
-    return names;
+    const std::vector<json> replacements = ReplacementsOf(font);
+    if (replacements.empty())
+        return "nothing comes near";
+    const std::string best = "perhaps " + replacements.front().value(kGS_PostScriptNameKey, "?");
+    return replacements.size() == 1 ? best : fmt::format("{} or {} more", best, replacements.size() - 1);
+}
+
+/// Why a font that has another name was taken, and what could be taken for those that are missing.
+void PrintReasons(const OpenedDocument& document) {
+    for (const json& font : document.matched) {
+        if (font.contains(kGS_ReasonKey))
+            PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " + font.value(kGS_ReasonKey, ""));
+    }
+    for (const json& font : document.unmatched) {
+        for (const json& each : ReplacementsOf(font))
+            PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " +
+                      each.value(kGS_PostScriptNameKey, "?") + ", " + each.value(kGS_ReasonKey, "?"));
+    }
 }
 
 void PrintFonts(const OpenedDocument& document, bool showsPaths) {
@@ -82,6 +105,7 @@ void PrintFonts(const OpenedDocument& document, bool showsPaths) {
     for (const json& font : document.unmatched)
         rows.push_back({"  " + font.value(kGS_PostScriptNameKey, "?"), "missing", ReplacementsText(font)});
     PrintTable(rows);
+    PrintReasons(document);
     fmt::print("  {} of {} active\n", active, document.matched.size() + document.unmatched.size());
 }
 
