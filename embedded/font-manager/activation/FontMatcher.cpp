@@ -57,24 +57,35 @@ std::vector<Font> FindByStyle(FontStore& fonts, const std::string& family, const
     return found;
 }
 
+/// The fonts of a family that has one style alone, whatever that is called. Of others none can be meant by the family's
+/// name: where the regular is missing, "Condensed" comes near and is no match.
+std::vector<Font> FindOnlyStyle(FontStore& fonts, const std::string& family) {
+    std::vector<Font> found = fonts.FindByFamily(family);
+    const auto styleOf = [](const Font& font) { return ParseFamilyAndStyle(font.family, font.style).style; };
+    const bool isOne = std::all_of(found.begin(), found.end(),
+                                   [&](const Font& font) { return styleOf(font) == styleOf(found.front()); });
+    return isOne ? found : std::vector<Font>();
+}
+
 /// A family alone means its regular style, or the one that the PostScript name tells, and if it has neither,
-/// any of its fonts.
+/// its only style.
 std::vector<Font> MatchFamily(FontStore& fonts, const RequestedFont& request) {
     if (request.family.empty())
         return {};
     const FontNameParts byName = ParsePostScriptName(request.postScriptName);
     const bool tellsStyle = byName.style != FontStyle() &&
                             byName.familyName == ParseFamilyAndStyle(request.family, {}).familyName;
+    const FontStyle style = !request.style.empty() ? ParseFamilyAndStyle(request.family, request.style).style
+                            : tellsStyle           ? byName.style
+                                                   : FontStyle();
     std::vector<Font> matches;
     if (!request.style.empty() || !tellsStyle)
         matches =
             fonts.FindByLookupName(request.family + (request.style.empty() ? "Regular" : request.style));
-    if (matches.empty() && (!request.style.empty() || tellsStyle))
-        matches = FindByStyle(
-            fonts, request.family,
-            request.style.empty() ? byName.style : ParseFamilyAndStyle(request.family, request.style).style);
+    if (matches.empty())
+        matches = FindByStyle(fonts, request.family, style);
     if (matches.empty() && request.style.empty() && !tellsStyle)
-        matches = fonts.FindByFamily(request.family);
+        matches = FindOnlyStyle(fonts, request.family);
     return matches;
 }
 

@@ -46,6 +46,9 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
     Add("Many", "Many", "Regular", "unreadable");      // 8
     Add("Hyphen", "-", "-");                           // 9
     Add("SmplSns-Ob", "Sample Sans", "Oblique");       // 10
+    Add("Wide-Cond", "Wide", "Condensed");             // 11
+    Add("Wide-CondBold", "Wide", "Condensed Bold");    // 12
+    Add("Solo", "Solo", "Black");                      // 13
     const std::pair<RequestedFont, IDs> cases[] = {
         {{"Sample-Bold", "", "", "", 0}, {2}},  // exactly, before in any case
         {{"sample-bold", "", "", "", 0}, {1}},
@@ -56,6 +59,8 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
         {{"SampleSans-Bold", "", "", "", 0}, {3}},
         {{"", "Sample Sans", "Bold", "", 0}, {3}},
         {{"", "Sample Sans", "", "", 0}, {4}},  // a family alone means its regular style
+        {{"", "Wide", "", "", 0}, {}},          // or its only one
+        {{"", "Solo", "", "", 0}, {13}},
         {{"Unknown-Bold", "Sample Sans", "Bold", "", 0}, {3}},
         {{"", "Sample Sans", "Medium", "", 0}, {}},
         {{"Sample Sans Bold", "Sample Sans", "", "", 0}, {3}},  // the full name before the family alone
