@@ -9,6 +9,7 @@
 #include "FontNameParts.h"
 #include "FontRecordKeys.h"
 #include "GPickBestMatch.h"
+#include "activation/MetricAliases.h"
 
 namespace pellwick {
 namespace {
@@ -199,6 +200,10 @@ std::string ReplacementReason(const Font& font, const RequestedFont& request) {
             return "same name, written differently";
     }
     const FontNameParts& wanted = byName.familyName.empty() ? byFamily : byName;
+    const auto alike = FamiliesOfSameMeasures(wanted.familyName);
+    if (has.familyName != wanted.familyName &&
+        std::find(alike.begin(), alike.end(), has.familyName) != alike.end())
+        return "as wide as " + (request.postScriptName.empty() ? request.family : request.postScriptName);
     if (wanted.style == has.style)
         return "same style of a like-named family";
     return "same family, " + font.style + " instead of " + StyleText(wanted.style);

@@ -1,9 +1,11 @@
 #include "activation/ReplacementFinder.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "FontRecordKeys.h"
+#include "activation/MetricAliases.h"
 #include "common/FontManagerLimits.h"
 
 namespace pellwick {
@@ -13,6 +15,8 @@ namespace {
 constexpr int kSamePlainName = 0;
 constexpr int kSameWholeName = 1;
 constexpr int kSameFamily = 2;
+/// More than any two styles are apart.
+constexpr int kSameMeasures = 1000;
 
 /// Some milliseconds' work.
 constexpr int kNamesIndexedAtOnce = 1000;
@@ -60,15 +64,21 @@ void ReplacementFinder::Measure(const FontNameParts& wanted, Distances& distance
         if (found == index.end())
             return;
         for (const uint32_t position : found->second) {
-            const int distance = distanceOf(mNames[position]);
-            const auto [known, isNew] = distances.emplace(position, distance);
-            known->second = std::min(known->second, distance);
+            const std::optional<int> distance = distanceOf(mNames[position]);
+            if (!distance)
+                continue;
+            const auto [known, isNew] = distances.emplace(position, *distance);
+            known->second = std::min(known->second, *distance);
         }
     };
     note(mByPlainName, wanted.plainName, [](const NamedFont&) { return kSamePlainName; });
     note(mByWholeName, wanted.wholeName, [](const NamedFont&) { return kSameWholeName; });
     note(mByFamily, wanted.familyName,
          [&](const NamedFont& font) { return kSameFamily + StyleDistance(wanted.style, font.style); });
+    for (const std::string_view family : FamiliesOfSameMeasures(wanted.familyName))
+        note(mByFamily, std::string(family), [&](const NamedFont& font) {
+            return font.style == wanted.style ? std::optional(kSameMeasures) : std::nullopt;
+        });
 }
 
 void ReplacementFinder::AppendBestOf(const std::string& postScriptName, const RequestedFont& request,

@@ -180,6 +180,20 @@ TEST_F(FontStoreTest, NamesThatAreOnlySpelledDifferentlyAreTheNearest) {
         EXPECT_THAT(ReplacementsFor(name), ElementsAre()) << name;
 }
 
+TEST_F(FontStoreTest, FontsOfTheSameMeasuresAreOfferedInTheSameStyle) {
+    Add("LiberationSans", "Liberation Sans", "Regular");
+    Add("LiberationSans-Bold", "Liberation Sans", "Bold");
+    Add("TeXGyreHeros-Bold", "TeX Gyre Heros", "Bold");
+    Add("LiberationSerif", "Liberation Serif", "Regular");
+    EXPECT_THAT(ReplacementsFor("Helvetica"), ElementsAre(1));
+    EXPECT_THAT(ReplacementsFor("Arial-BoldMT"), ElementsAre(2, 3));
+    Add("NimbusRoman-Regular", "Nimbus Roman", "Regular");
+    EXPECT_THAT(ReplacementsFor("TimesNewRomanPSMT"), ElementsAre(4, 5));
+    EXPECT_THAT(ReplacementsFor("Arial-BoldItalicMT"), ElementsAre());
+    EXPECT_THAT(ReplacementsFor("LiberationSans-Italic"), ElementsAre(1, 2)) << "its own family";
+    EXPECT_EQ(ReplacementReason(*mFonts.Find(1), {"ArialMT", "", "", "", 0}), "as wide as ArialMT");
+}
+
 TEST_F(FontStoreTest, InTheFamilyTheNearestStylesAreOffered) {
     Add("Fam-1", "Sample", "Regular");
     Add("Fam-2", "Sample", "Italic");
