@@ -85,6 +85,7 @@ Json ReportRecords(CommandContext& context, const std::vector<std::string>& dama
         problems.push_back(repairs.problem);
     return {{member::kFonts, manager.fonts.Count()},
             {member::kFiles, manager.fonts.CountFiles()},
+            {member::kCopies, manager.fonts.CountCopiesOfSystemFiles()},
             {member::kProblems, std::move(problems)}};
 }
 

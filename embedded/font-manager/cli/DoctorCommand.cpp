@@ -1,4 +1,5 @@
 // doctor.
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -9,6 +10,8 @@
 #include "common/Locations.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
 namespace {
@@ -88,6 +91,30 @@ void ExamineSystemFonts(AgentSession& session, Findings& findings) {
         findings.Add(kOk, "system fonts", std::to_string(count));
 }
 
+/// Programs in sandboxes see the user's fonts in one place, wherever XDG_DATA_HOME leads.
+void ExamineSandboxes(const std::string& linkFolder, Findings& findings) {
+    const std::string home = platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kHome);
+    const auto inHome = [&](const char* path) { return home + platform::kPathSeparator + path; };
+    for (const auto& [sandbox, folder] : {std::pair{"flatpak", ".var/app"}, {"snap", "snap"}}) {
+        std::error_code ignored;
+        if (!std::filesystem::is_directory(platform::Utf8Path(inHome(folder)), ignored))
+            continue;
+        if (linkFolder.starts_with(inHome(".local/share/fonts")))
+            findings.Add(kOk, sandbox, "its programs see active fonts when they start");
+        else
+            findings.Add(kWarning, sandbox,
+                         "its programs do not see active fonts, which are in " + linkFolder,
+                         "let XDG_DATA_HOME be ~/.local/share, and start the agent again");
+    }
+}
+
+void ExamineCopies(long long copies, Findings& findings) {
+    if (copies > 0)
+        findings.Add(kOk, "copies",
+                     std::to_string(copies) +
+                         " files are installed on the system as well, where they are always active");
+}
+
 void ExamineConflicts(AgentSession& session, Findings& findings) {
     const Json rivals = session.Call(method::kListRivals, {{member::kAfter, ""}});
     if (ArrayMember(rivals, member::kFonts).empty())
@@ -122,12 +149,14 @@ ExitStatus ExamineAll(AgentSession& session) {
     AddProblems(problems, "records", findings);
     if (problems.empty())
         findings.Add(kOk, "records", "the database, links and leases are as they should be");
+    ExamineCopies(IntegerMember(records, member::kCopies), findings);
     ExamineConflicts(session, findings);
     const long long files = ExamineFiles(session, IntegerMember(records, member::kFiles), findings);
     findings.Add(kOk, "files",
                  std::to_string(IntegerMember(records, member::kFonts)) + " fonts in " +
                      std::to_string(files) + " files were compared with their checksums");
     ExamineSystemFonts(session, findings);
+    ExamineSandboxes(Locations::OfThisUser().linkFolder, findings);
     if (session.PrintsJson())
         PrintJson({{"fonts", records[member::kFonts]}, {"files", files}, {"findings", findings.All()}});
     else

@@ -62,6 +62,7 @@ inline constexpr char kChoices[] =
 inline constexpr char kIsChosen[] = "isChosen";  ///< what a document that asks for the name is given
 inline constexpr char kIsPreferred[] = "isPreferred";
 inline constexpr char kConflicts[] = "conflicts";
+inline constexpr char kCopies[] = "copies";  ///< files that the system has as well
 inline constexpr char kCurrent[] = "current";
 inline constexpr char kDataFolder[] = "dataFolder";
 inline constexpr char kDeactivated[] = "deactivated";
@@ -137,7 +138,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(RemoveFonts, (kFonts, kDryRun), (kRemoved, kLeft))                                                              \
     X(ListFonts, (kAfter, kSet, kSmartList, kWorkgroup, kSystem, kVisible), (kFonts))                                             \
     X(CheckFiles, (kAfter), (kChecked, kAfter, kProblems))                                                   \
-    X(CheckRecords, (), (kFonts, kFiles, kProblems))                                                         \
+    X(CheckRecords, (), (kFonts, kFiles, kProblems, kCopies))                                                  \
     X(ActivateForUser, (kFonts), (kFailed))                                                                  \
     X(DeactivateForUser, (kFonts), (kStillActive))                                                           \
     X(LogIn, (kName), ())                                                                                    \

@@ -343,6 +343,13 @@ int64_t FontStore::CountMissingFiles() {
     return query.Step() ? query.Integer(0) : 0;
 }
 
+int64_t FontStore::CountCopiesOfSystemFiles() {
+    Statement query = mDatabase.Prepare(
+        "SELECT COUNT(DISTINCT vault.id) FROM files AS systems JOIN files AS vault"
+        " ON vault.checksum = systems.checksum AND vault.path = '' WHERE systems.path <> ''");
+    return query.Step() ? query.Integer(0) : 0;
+}
+
 int64_t FontStore::CountActiveFiles() {
     Statement query = mDatabase.Prepare("SELECT COUNT(*) FROM (" SELECT_ACTIVE_FILE_IDS ")");
     return query.Step() ? query.Integer(0) : 0;

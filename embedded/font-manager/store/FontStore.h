@@ -129,6 +129,8 @@ public:
     /// Files of fonts that are active.
     std::vector<FontFile> ActiveFiles();
     int64_t CountMissingFiles();
+    /// Files of the vault of which the system has one of the same bytes.
+    int64_t CountCopiesOfSystemFiles();
     int64_t CountActiveFiles();
     bool IsFileActive(int64_t fileID);
 
