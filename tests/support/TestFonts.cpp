@@ -69,9 +69,9 @@ std::string Cmap() {
     return cmap.Get();
 }
 
-std::string Os2() {
+std::string Os2(unsigned embedding) {
     Bytes os2;
-    os2.U16(4).U16(500).U16(400).U16(5).Zeros(24).Zeros(10).Zeros(16).Text("TEST");
+    os2.U16(4).U16(500).U16(400).U16(5).U16(embedding).Zeros(22).Zeros(10).Zeros(16).Text("TEST");
     for (const unsigned value :
          {0x40u, 65u, 65u, 800u, 0xFF38u, 0u, 800u, 200u, 0u, 0u, 0u, 0u, 500u, 500u, 0u, 32u, 1u})
         os2.U16(value);
@@ -83,11 +83,15 @@ std::string Post() {
 }
 
 std::string NameTable(const TestFontNames& names) {
-    const std::map<unsigned, std::string> texts = {{1, names.family},
-                                                   {2, names.style},
-                                                   {4, names.family + " " + names.style},
-                                                   {5, "Version " + names.version},
-                                                   {6, names.postScriptName}};
+    std::map<unsigned, std::string> texts = {{1, names.family},
+                                             {2, names.style},
+                                             {4, names.family + " " + names.style},
+                                             {5, "Version " + names.version},
+                                             {6, names.postScriptName}};
+    for (const auto& [identifier, text] : {std::pair{13u, names.licence}, std::pair{14u, names.licenceURL}}) {
+        if (!text.empty())
+            texts[identifier] = text;
+    }
     Bytes records;
     std::string strings;
     for (const auto& [identifier, text] : texts) {
@@ -110,9 +114,16 @@ uint32_t Checksum(const std::string& table) {
 }  // namespace
 
 FontTables TablesOfTestFont(const TestFontNames& names) {
-    return {
-        {"OS/2", Os2()},  {"cmap", Cmap()}, {"glyf", Glyf()}, {"head", Head()},           {"hhea", Hhea()},
-        {"hmtx", Hmtx()}, {"loca", Loca()}, {"maxp", Maxp()}, {"name", NameTable(names)}, {"post", Post()}};
+    return {{"OS/2", Os2(names.embedding)},
+            {"cmap", Cmap()},
+            {"glyf", Glyf()},
+            {"head", Head()},
+            {"hhea", Hhea()},
+            {"hmtx", Hmtx()},
+            {"loca", Loca()},
+            {"maxp", Maxp()},
+            {"name", NameTable(names)},
+            {"post", Post()}};
 }
 
 std::string FontOfTables(const FontTables& tables, uint32_t offset) {

@@ -29,6 +29,8 @@ std::string PrintableJson(std::string_view json);
 /// How many characters (code points) UTF-8 text has, and its beginning of at most so many.
 size_t CountCodePoints(std::string_view text);
 std::string FirstCodePoints(std::string_view text, size_t count);
+/// Its beginning of at most so many bytes, without half a character at its end.
+std::string FirstBytes(std::string_view text, size_t size);
 
 /// The text without such characters; each ill-formed sequence becomes U+FFFD.
 std::string WithoutUnprintables(std::string_view text);

@@ -114,6 +114,16 @@ size_t CountCodePoints(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
+std::string FirstBytes(std::string_view text, size_t size) {
+    constexpr size_t kMaxFollowingBytes = 3;  // of one character
+    if (text.size() <= size)
+        return std::string(text);
+    size_t end = size;
+    while (end > 0 && size - end < kMaxFollowingBytes && (text[end] & 0xC0) == 0x80)
+        --end;
+    return std::string(text.substr(0, end));
+}
+
 std::string FirstCodePoints(std::string_view text, size_t count) {
     size_t length = 0;
     for (; length < text.size(); ++length) {

@@ -78,6 +78,12 @@ constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;
 /// A name is a few dozen characters; longer ones are cut.
 constexpr size_t kMaxNameSize = 1024;
 
+/// The text of a font's licence: the longest that are common have five thousand bytes. Fonts per request for
+/// them, so that the answer fits a message, and how long one request may take, so that hosts wait no longer.
+constexpr size_t kMaxLicenceSize = size_t{16} << 10;
+constexpr size_t kLicenceBatchSize = 64;
+constexpr std::chrono::milliseconds kLicenceLimit{2500};
+
 /// Images of fonts' names, in pixels at normal size.
 constexpr int kPreviewHeight = 32;
 constexpr int kMaxPreviewWidth = 640;

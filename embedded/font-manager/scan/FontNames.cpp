@@ -36,15 +36,14 @@ int Preference(const FT_SfntName& name) {
     return 0;
 }
 
-std::string Decode(const FT_SfntName& name) {
+/// The text as the font has it; `limit`: the bytes of it that are of use.
+std::string Decode(const FT_SfntName& name, size_t limit) {
     const char* encoding = name.platform_id == TT_PLATFORM_MACINTOSH ? "MACINTOSH" : "UTF-16BE";
-    // The longest name that is kept has no more bytes in any of these encodings.
-    const size_t size = std::min<size_t>(name.string_len, 2 * kMaxNameSize);
+    // The longest text that is kept has no more bytes in any of these encodings.
+    const size_t size = std::min<size_t>(name.string_len, 2 * limit);
     const std::string_view bytes(reinterpret_cast<const char*>(name.string), size);
     std::string decoded;
-    if (ConvertEncoding(bytes, encoding, "UTF-8", decoded) != CoreErrorCodes::kSuccess)
-        return {};
-    return CleanName(decoded);
+    return ConvertEncoding(bytes, encoding, "UTF-8", decoded) == CoreErrorCodes::kSuccess ? decoded : "";
 }
 
 }  // namespace
@@ -67,7 +66,8 @@ NameTable::NameTable(FT_Face face, size_t& budget) : mFace(face) {
     }
 }
 
-std::string NameTable::Find(unsigned nameIdentifier) const {
+template <class Clean>
+std::string NameTable::FindBest(unsigned nameIdentifier, size_t limit, const Clean& clean) const {
     const auto found = mCandidates.find(nameIdentifier);
     if (found == mCandidates.end())
         return {};
@@ -75,10 +75,19 @@ std::string NameTable::Find(unsigned nameIdentifier) const {
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(mFace, candidate.index, &name) != 0)
             continue;
-        if (std::string decoded = Decode(name); !decoded.empty())
-            return decoded;
+        if (std::string text = clean(Decode(name, limit)); !text.empty())
+            return text;
     }
     return {};
+}
+
+std::string NameTable::Find(unsigned nameIdentifier) const {
+    return FindBest(nameIdentifier, kMaxNameSize, CleanName);
+}
+
+std::string NameTable::FindText(unsigned nameIdentifier, size_t limit) const {
+    return FindBest(nameIdentifier, limit,
+                    [limit](std::string text) { return CleanText(std::move(text), limit); });
 }
 
 }  // namespace pellwick

@@ -17,6 +17,8 @@ enum NameIdentifier : unsigned {
     kName_Full = 4,
     kName_Version = 5,
     kName_PostScript = 6,
+    kName_Licence = 13,
+    kName_LicenceURL = 14,
     kName_TypographicFamily = 16,
     kName_TypographicStyle = 17
 };
@@ -30,12 +32,18 @@ public:
 
     /// The name in UTF-8, English if it can be had; empty when the face has none that can be decoded.
     std::string Find(unsigned nameIdentifier) const;
+    /// The same of a text with lines, which become one, of at most `limit` bytes.
+    std::string FindText(unsigned nameIdentifier, size_t limit) const;
 
 private:
     struct Candidate {
         int preference;  ///< higher is better
         unsigned index;  ///< of the record
     };
+
+    /// The best that something is left of once it is clean.
+    template <class Clean>
+    std::string FindBest(unsigned nameIdentifier, size_t limit, const Clean& clean) const;
 
     FT_Face mFace;
     std::map<unsigned, std::vector<Candidate>> mCandidates;  ///< by name identifier, best first

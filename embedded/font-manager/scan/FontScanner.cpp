@@ -58,6 +58,14 @@ std::string FoundryOf(FT_Face face) {
     return CleanName(std::string(reinterpret_cast<const char*>(table->achVendID), 4).c_str());
 }
 
+/// Of a PostScript font no flags and none set are the same; only flags that are set tell anything.
+std::optional<uint16_t> EmbeddingOf(FT_Face face) {
+    const auto* table = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+    const bool hasTable = table != nullptr && table->version != 0xFFFF;
+    const FT_UShort flags = FT_Get_FSType_Flags(face);
+    return hasTable || flags != 0 ? std::optional<uint16_t>(flags) : std::nullopt;
+}
+
 /// The name identifiers of a variable font's named instances.
 std::vector<unsigned> NamesOfInstances(FT_Library library, FT_Face face) {
     FT_MM_Var* variations = nullptr;
@@ -179,6 +187,17 @@ std::vector<FontFace> FontScanner::Scan(std::string_view content, std::string& r
         AddInstances(face.get(), names, index, faces);
     }
     return faces;
+}
+
+FontLicence FontScanner::ReadLicence(std::string_view content, int64_t index) {
+    FT_Error error = 0;
+    size_t nameBudget = kMaxNameBytesPerFile;
+    const OwnedFace face = OpenFace(mLibrary.get(), content, static_cast<FT_Long>(index), error);
+    if (!face)
+        return {};
+    const NameTable names(face.get(), nameBudget);
+    return {EmbeddingOf(face.get()), names.FindText(kName_Licence, kMaxLicenceSize),
+            names.Find(kName_LicenceURL)};
 }
 
 void FontScanner::AddInstances(FT_Face face, const NameTable& names, FT_Long index,

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "scan/FontLicence.h"
 #include "store/FontStore.h"
 
 struct FT_FaceRec_;
@@ -25,6 +26,9 @@ public:
     /// font. Empty when it is no font that can be used; `reason` then says why, for people. Any bytes are
     /// safe.
     std::vector<FontFace> Scan(std::string_view content, std::string& reason);
+
+    /// What that face says of its rights, by its index as in FontFace. Nothing of a font that cannot be read.
+    FontLicence ReadLicence(std::string_view content, int64_t face);
 
 private:
     void AddInstances(FT_FaceRec_* face, const class NameTable& names, long index,

@@ -12,8 +12,10 @@ namespace {
 
 std::string AnswerTo(const FontWorkRequest& request, std::string_view file, FontScanner& scanner,
                      PreviewRenderer& renderer) {
-    if (request.isForImage)
+    if (request.work == FontWork::kDraw)
         return EncodeImage(renderer.Render(file, request.font, request.scale));
+    if (request.work == FontWork::kLicence)
+        return EncodeLicence(scanner.ReadLicence(file, request.font.face));
     ScanResult result;
     result.faces = scanner.Scan(file, result.reason);
     return EncodeScanResult(result);

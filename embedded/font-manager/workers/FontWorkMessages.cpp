@@ -22,6 +22,7 @@ constexpr size_t kMaxLookupNames = 8;
 constexpr char kMethod[] = "method";
 constexpr char kScan[] = "scan";
 constexpr char kDraw[] = "draw";
+constexpr char kLicence[] = "licence";
 
 std::string Encode(const Json& message) {
     std::string bytes;
@@ -87,21 +88,28 @@ auto Parsed(std::string_view message, Parse parse) -> decltype(parse(Json())) {
 }  // namespace
 
 std::string EncodeRequest(const FontWorkRequest& request) {
-    if (!request.isForImage)
-        return Encode({{kMethod, kScan}});
-    return Encode({{kMethod, kDraw},
-                   {"face", request.font.face},
-                   {"fullName", request.font.fullName},
-                   {"postScriptName", request.font.postScriptName},
-                   {"scale", request.scale}});
+    switch (request.work) {
+        case FontWork::kLicence:
+            return Encode({{kMethod, kLicence}, {"face", request.font.face}});
+        case FontWork::kDraw:
+            return Encode({{kMethod, kDraw},
+                           {"face", request.font.face},
+                           {"fullName", request.font.fullName},
+                           {"postScriptName", request.font.postScriptName},
+                           {"scale", request.scale}});
+        default:
+            return Encode({{kMethod, kScan}});
+    }
 }
 
 std::optional<FontWorkRequest> ParseRequest(std::string_view message) {
     return Parsed(message, [](const Json& decoded) -> std::optional<FontWorkRequest> {
         FontWorkRequest request;
-        request.isForImage = decoded.at(kMethod) == kDraw;
-        if (request.isForImage) {
-            request.font.face = NumberOf<int64_t>(decoded.at("face"));
+        if (decoded.at(kMethod) == kScan)
+            return request;
+        request.work = decoded.at(kMethod) == kDraw ? FontWork::kDraw : FontWork::kLicence;
+        request.font.face = NumberOf<int64_t>(decoded.at("face"));
+        if (request.work == FontWork::kDraw) {
             request.font.fullName = decoded.at("fullName").get<std::string>();
             request.font.postScriptName = decoded.at("postScriptName").get<std::string>();
             request.scale = NumberOf<int>(decoded.at("scale"));
@@ -160,6 +168,23 @@ std::optional<NameImage> ParseImage(std::string_view message) {
             image.height <= kLargest * kPreviewHeight && (image.width == 0) == (image.height == 0) &&
             image.coverage.size() == static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
         return isOfSize ? std::optional(std::move(image)) : std::nullopt;
+    });
+}
+
+std::string EncodeLicence(const FontLicence& licence) {
+    return Encode({{"embedding", licence.embedding ? Json(*licence.embedding) : Json()},
+                   {"text", licence.text},
+                   {"url", licence.url}});
+}
+
+std::optional<FontLicence> ParseLicence(std::string_view message) {
+    return Parsed(message, [](const Json& decoded) -> std::optional<FontLicence> {
+        FontLicence licence;
+        if (const Json& embedding = decoded.at("embedding"); !embedding.is_null())
+            licence.embedding = NumberOf<uint16_t>(embedding);
+        licence.text = CleanText(decoded.at("text").get<std::string>(), kMaxLicenceSize);
+        licence.url = NameOf(decoded.at("url"));
+        return licence;
     });
 }
 

@@ -1,9 +1,9 @@
 // The messages between the agent and the process that reads fonts for it.
 //
 // Messages are MessagePack objects. A request comes with a font file: {"method": "scan"} for its faces, or
-// {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name. Answers are
-// {"faces": [[face, PostScript name, family, style, full name, foundry, version, kind, [lookup names]]]} or
-// {"reason"}, and {"width", "height", "coverage"}. The process has read what nobody vouches for, so its
+// {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name, or {"method":
+// "licence", "face"}. Answers are {"faces": [[face, PostScript name, family, style, full name, foundry, version,
+// kind, [lookup names]]]} or {"reason"}, {"width", "height", "coverage"}, and {"embedding", "text", "url"}. The process has read what nobody vouches for, so its
 // answers are trusted no more than fonts are.
 //
 // The process that asks the system for its fonts gets any request, and answers {"files": [path],
@@ -19,6 +19,7 @@
 #include "platform/FontTable.h"
 #include "platform/Worker.h"
 #include "preview/NameImage.h"
+#include "scan/FontLicence.h"
 #include "store/FontStore.h"
 
 namespace pellwick {
@@ -34,8 +35,10 @@ inline constexpr platform::WorkerLimits kFontWorkerLimits = {kWorkerMemory, kWor
 inline constexpr platform::WorkerLimits kSystemFontsLimits = {kWorkerMemory, kSystemFontsTime,
                                                               kSystemFontsTime, kMaxMessageSize};
 
+enum class FontWork { kScan, kDraw, kLicence };
+
 struct FontWorkRequest {
-    bool isForImage = false;
+    FontWork work = FontWork::kScan;
     FontFace font{};  ///< its face and the names to draw
     int scale = 1;
 };
@@ -61,5 +64,9 @@ std::optional<platform::InstalledFonts> ParseInstalledFonts(std::string_view mes
 std::string EncodeImage(const NameImage& image);
 /// As above.
 std::optional<NameImage> ParseImage(std::string_view message);
+
+std::string EncodeLicence(const FontLicence& licence);
+/// As above.
+std::optional<FontLicence> ParseLicence(std::string_view message);
 
 }  // namespace pellwick

@@ -20,9 +20,17 @@ ScanResult FontWorker::Scan(const platform::ReadOnlyFile& file) {
 NameImage FontWorker::Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale) {
     std::string answer;
     std::string problem;
-    if (!Ask({true, font, scale}, file, answer, problem))
+    if (!Ask({FontWork::kDraw, font, scale}, file, answer, problem))
         return {};
     return ParseImage(answer).value_or(NameImage());
+}
+
+FontLicence FontWorker::ReadLicence(const platform::ReadOnlyFile& file, const FontFace& font) {
+    std::string answer;
+    std::string problem;
+    if (!Ask({FontWork::kLicence, font}, file, answer, problem))
+        return {};
+    return ParseLicence(answer).value_or(FontLicence());
 }
 
 std::optional<platform::InstalledFonts> FontWorker::ListInstalled(std::string& problem) {

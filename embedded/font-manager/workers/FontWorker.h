@@ -32,6 +32,9 @@ public:
     /// The font's name in its own face; of no width when it cannot be shown.
     NameImage Draw(const platform::ReadOnlyFile& file, const FontFace& font, int scale);
 
+    /// What that face says of its rights; nothing of a font that cannot be read.
+    FontLicence ReadLicence(const platform::ReadOnlyFile& file, const FontFace& font);
+
     /// What the system offers to every program, by another process: it is asked for rarely, and may die of a
     /// font as well. Nothing, and why, where that cannot be told. Throws NoFontWorker as above.
     std::optional<platform::InstalledFonts> ListInstalled(std::string& problem);
