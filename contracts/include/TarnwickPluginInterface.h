@@ -246,11 +246,12 @@ enum PluginPermission {
      */ \
     X(EnableDesignActivation, (PluginFacadeRef facade, uint32_t fontID, bool wholeFamily, bool enable, \
                               CFMutableArrayRef conflictingFonts)) \
-    /* Copies the file of each font, each file once, under the name with which it was added. A file that is
-     * there is never replaced: one of the same content counts as the copy, beside another the copy gets a
-     * number. A copy bears its name only when it is complete. The calling thread copies.
+    /* Copies the file of each font, each file once, under the name with which it was added, as far as every
+     * system takes it. A file that is there is never replaced: one of the same content counts as the copy,
+     * beside another the copy gets a number. A copy bears its name only when it is complete. Texts of licences
+     * and a list of the fonts may go with them. The calling thread copies.
      *
-     *   fonts              in: font records.
+     *   fonts              in: font records, or IDs.
      *   destinationFolder  in: a path; made when missing.
      *   exportedPaths      in/out, appended to: the path of each copy, whatever is returned; may be null.
      *

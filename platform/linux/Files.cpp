@@ -167,9 +167,11 @@ SystemError FileModificationTime(const std::string& path, int64_t& seconds) {
     return {};
 }
 
-SystemError WriteWholeFile(const std::string& path, std::string_view content) {
+SystemError WriteWholeFile(const std::string& path, std::string_view content, FileRights rights) {
     std::string temporary = path + std::string(kTemporaryMark) + std::string(kTemporaryDigits, 'X');
-    const Descriptor descriptor(mkostemp(temporary.data(), O_CLOEXEC));
+    const Descriptor descriptor = rights == FileRights::kThisUserOnly
+                                      ? Descriptor(mkostemp(temporary.data(), O_CLOEXEC))
+                                      : MakeTemporaryFile(FolderOf(path), temporary);
     if (!descriptor.IsValid())
         return LastSystemError();
     SystemError error = WriteAll(descriptor.Get(), content);

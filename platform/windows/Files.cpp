@@ -274,12 +274,13 @@ SystemError FileModificationTime(const std::string& path, int64_t& seconds) {
     return {};
 }
 
-SystemError WriteWholeFile(const std::string& path, std::string_view content) {
-    PrivateToUser rights;
+SystemError WriteWholeFile(const std::string& path, std::string_view content, FileRights rights) {
+    PrivateToUser userOnly;
     OwnedHandle file;
     std::string temporary;
-    if (const SystemError error = MakeFileOfNewName(path + std::string(kTemporaryMark), kTemporaryDigits, "",
-                                                    rights.Attributes(), file, temporary))
+    if (const SystemError error = MakeFileOfNewName(
+            path + std::string(kTemporaryMark), kTemporaryDigits, "",
+            rights == FileRights::kThisUserOnly ? userOnly.Attributes() : nullptr, file, temporary))
         return error;
     const SystemError error = WriteAndFlush(file, content);
     return Finish(error, std::move(file), temporary, path, MOVEFILE_REPLACE_EXISTING);

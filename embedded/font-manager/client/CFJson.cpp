@@ -14,6 +14,13 @@ Json JsonFromCF(CFTypeRef object) {
     return JSONFromCF(object, kMaxMessageDepth / 2 - 1, WholeNumbers::kAsIntegers);
 }
 
+Json IDsFromCF(CFArrayRef fonts) {
+    Json ids = Json::array();
+    for (const Json& font : JsonFromCF(fonts))
+        ids.push_back(font.is_object() ? Json(IntegerMember(font, kGS_DatabaseIDKey)) : font);
+    return ids;
+}
+
 CFRef<CFTypeRef> CFFromJson(const Json& value) {
     return CFFromJSON(value, kMaxMessageDepth);
 }

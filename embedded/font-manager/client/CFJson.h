@@ -10,6 +10,9 @@ namespace pellwick {
 /// null and for any other object.
 Json JsonFromCF(CFTypeRef object);
 
+/// The database IDs in an array of font records, or of IDs: for most methods the agent needs nothing else.
+Json IDsFromCF(CFArrayRef fonts);
+
 /// Null for JSON's null.
 CFRef<CFTypeRef> CFFromJson(const Json& value);
 

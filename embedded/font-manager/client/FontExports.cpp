@@ -1,4 +1,4 @@
-// Finding, activating and exporting fonts.
+// Finding and activating fonts.
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -6,7 +6,7 @@
 
 #include "client/CFJson.h"
 #include "client/Exports.h"
-#include "client/FontExporter.h"
+#include "collect/FontCollector.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -16,14 +16,6 @@ namespace {
 
 ErrorCode Call(PluginFacadeRef facade, const char* method, const Json& arguments, Json& result) {
     return Library::Get().Call(facade, method, arguments, result);
-}
-
-/// The database IDs of fonts: for these methods the agent needs nothing else.
-Json IDsOf(const Json& fonts) {
-    Json ids = Json::array();
-    for (const Json& font : fonts)
-        ids.push_back(font.is_object() ? Json(IntegerMember(font, kGS_DatabaseIDKey)) : font);
-    return ids;
 }
 
 /// Splits the fonts of a request so that each part and its answer fit into messages.
@@ -80,7 +72,7 @@ ErrorCode CallInPartsForFonts(PluginFacadeRef facade, const char* method, Json a
                               const char* member, CFMutableArrayRef appended) {
     Json all = Json::array();
     const ErrorCode code =
-        CallInParts(facade, method, arguments, IDsOf(JsonFromCF(fonts)), [&](const Json& result, size_t) {
+        CallInParts(facade, method, arguments, IDsFromCF(fonts), [&](const Json& result, size_t) {
             const Json& part = ArrayMember(result, member);
             all.insert(all.end(), part.begin(), part.end());
         });
@@ -139,15 +131,6 @@ uint32_t AnswerFromFont(PluginFacadeRef facade, uint32_t fontID, Value* out, Rea
     });
 }
 
-/// Whether there is a file for each of the fonts that were asked for.
-bool AreAllAvailable(const Json& fonts, size_t askedFor) {
-    for (const Json& font : fonts) {
-        if (IntegerMember(font, kGS_LocationKey) == 0)
-            return false;
-    }
-    return fonts.size() == askedFor;
-}
-
 /// The requested record with the candidates in place of those that it may hold from another time. A bare name
 /// stays one.
 CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
@@ -182,6 +165,18 @@ struct DocumentFonts {
     }
     static void Append(Json& all, const Json& part) { all.insert(all.end(), part.begin(), part.end()); }
 };
+
+/// What goes with the fonts when they are collected: the document that uses them, and what it lacks.
+void NoteDocument(const std::string& path, const Json& requests, DocumentFonts& found) {
+    for (Json& font : found.reported)
+        font.emplace(kGS_SourceDocumentNameKey, path);  // unless the host named one
+    Json missing = Json::array();
+    for (const CFIndex position : found.unmatched) {
+        if (position >= 0 && static_cast<size_t>(position) < requests.size())
+            missing.push_back(MissingFont(path, requests[static_cast<size_t>(position)]));
+    }
+    Library::Get().Missing().Note(path, std::move(missing));
+}
 
 void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts,
                      const DocumentFonts& found) {
@@ -232,7 +227,7 @@ uint32_t ActivateFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef doc
         if (code != CoreErrorCodes::kSuccess || !isGlobal)
             return code;
         Json arguments = Json::object();
-        return CallInParts(facade, method::kKeepFonts, arguments, IDsOf(JsonFromCF(fonts)),
+        return CallInParts(facade, method::kKeepFonts, arguments, IDsFromCF(fonts),
                            [](const Json&, size_t) {});
     });
 }
@@ -244,9 +239,11 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
         if (requestedFonts == nullptr)
             return CoreErrorCodes::kNullPointer;
         DocumentFonts found;
-        Json arguments = {{member::kDocument, cf::ToUtf8(documentPath)}};
-        const ErrorCode code = CallInParts(facade, method::kActivateDocumentFonts, arguments,
-                                           JsonFromCF(requestedFonts), [&](const Json& result, size_t first) {
+        const std::string path = cf::ToUtf8(documentPath);
+        const Json requests = JsonFromCF(requestedFonts);
+        Json arguments = {{member::kDocument, path}};
+        const ErrorCode code = CallInParts(facade, method::kActivateDocumentFonts, arguments, requests,
+                                           [&](const Json& result, size_t first) {
                                                found.Add(result, first);
                                                arguments[member::kReplacements] =
                                                    kMaxFontsWithReplacements - found.replacements.size();
@@ -254,6 +251,7 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
         AppendJson(matchedFonts, found.matched);  // what is active is the caller's to let go of
         if (code != CoreErrorCodes::kSuccess)
             return code;
+        NoteDocument(path, requests, found);
         AppendJson(reportedFonts, found.reported);
         if (unmatchedFonts != nullptr)
             AppendUnmatched(unmatchedFonts, requestedFonts, found);
@@ -352,52 +350,5 @@ uint32_t FindFontsInSameFamilyForActivation(PluginFacadeRef facade, uint32_t fon
             return CoreErrorCodes::kNullPointer;
         return ErrorCode{
             CallForFonts(facade, method::kFindSameFamily, {{member::kFont, fontID}}, member::kFonts, fonts)};
-    });
-}
-
-uint32_t CanExportFonts(PluginFacadeRef facade, CFArrayRef fonts, bool* outCanExport) {
-    return Guarded([&] {
-        if (fonts == nullptr || outCanExport == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        bool isPermitted = false;
-        ErrorCode code = MotherMayI(facade, kPermission_ExportFonts, &isPermitted);
-        Json result;
-        if (code == CoreErrorCodes::kSuccess)
-            code = Call(facade, method::kGetFonts, {{member::kFonts, JsonFromCF(fonts)}}, result);
-        if (code == CoreErrorCodes::kSuccess)
-            *outCanExport = isPermitted && AreAllAvailable(ArrayMember(result, member::kFonts),
-                                                           static_cast<size_t>(CFArrayGetCount(fonts)));
-        return code;
-    });
-}
-
-uint32_t ExportFonts(PluginFacadeRef facade, CFArrayRef fonts, CFStringRef destinationFolder,
-                     CFMutableArrayRef exportedPaths) {
-    return Guarded([&] {
-        if (fonts == nullptr || destinationFolder == nullptr)
-            return CoreErrorCodes::kNullPointer;
-        bool isPermitted = false;
-        ErrorCode code = MotherMayI(facade, kPermission_ExportFonts, &isPermitted);
-        if (code != CoreErrorCodes::kSuccess)
-            return code;
-        if (!isPermitted)
-            return GZephyrinExportFonts::kNotGrantedPermissionToExportFonts;
-        Json result;
-        code = Call(facade, method::kGetFonts, {{member::kFonts, JsonFromCF(fonts)}}, result);
-        if (code != CoreErrorCodes::kSuccess)
-            return code;
-        const Json& known = ArrayMember(result, member::kFonts);
-        const auto askedFor = static_cast<size_t>(CFArrayGetCount(fonts));
-        if (known.empty() && askedFor != 0)
-            return GZephyrinExportFonts::kFontUnavailableToExport;
-        // Copying may take long, so it is not the agent that does it.
-        FontExporter exporter(cf::ToUtf8(destinationFolder));
-        code = exporter.Export(known);
-        if (code == CoreErrorCodes::kSuccess && known.size() != askedFor)
-            code = GZephyrinExportFonts::kFontUnavailableToExport;
-        for (const std::string& path : exporter.Paths())
-            if (exportedPaths != nullptr)
-                cf::Append(exportedPaths, path);
-        return code;
     });
 }

@@ -11,6 +11,7 @@
 
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
+#include "client/MissingFonts.h"
 #include "client/NotificationListener.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Processes.h"
@@ -35,6 +36,7 @@ public:
     [[nodiscard]] ErrorCode CheckFacade(PluginFacadeRef facade);
 
     NotificationListener& Listener() { return mListener; }
+    MissingFonts& Missing() { return mMissing; }
     /// Lets go of the connection and stops the listener.
     void CleanUp();
 
@@ -73,6 +75,7 @@ private:
     Clock::time_point mBeginOfRow{};  ///< of calls that followed one another without a pause
     Clock::time_point mLastEnd{};     ///< of a call
     NotificationListener mListener;
+    MissingFonts mMissing;
 };
 
 }  // namespace pellwick

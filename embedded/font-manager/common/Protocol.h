@@ -69,6 +69,7 @@ inline constexpr char kDeactivated[] = "deactivated";
 inline constexpr char kDefaultWorkgroup[] = "defaultWorkgroup";
 inline constexpr char kDocument[] = "document";
 inline constexpr char kDryRun[] = "dryRun";  ///< only says what would be done
+inline constexpr char kEmbedding[] = "embedding";  ///< FontLicence::embedding; none where a font does not say
 inline constexpr char kEnable[] = "enable";
 inline constexpr char kFailed[] = "failed";
 inline constexpr char kFiles[] = "files";
@@ -80,6 +81,8 @@ inline constexpr char kGoogleWebFonts[] = "googleWebFonts";
 inline constexpr char kHosts[] = "hosts";
 inline constexpr char kIsActive[] = "isActive";
 inline constexpr char kLeft[] = "left";  ///< IDs for another request: an answer holds only so many
+inline constexpr char kLicence[] = "licence";
+inline constexpr char kLicenceURL[] = "licenceURL";
 inline constexpr char kLinkFolder[] = "linkFolder";
 inline constexpr char kLoggedIn[] = "loggedIn";
 inline constexpr char kMatched[] = "matched";
@@ -177,6 +180,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(RenderPreviews, (kFonts), (kPreviews))                                                                 \
     X(GetFont, (kFont), (PELLWICK_FONT_RECORD))                                                              \
     X(GetFonts, (kFonts), (kFonts))                                                                          \
+    X(GetLicences, (kFonts), (kFonts, kLeft))                                                                \
     X(FindByPostScriptName, (kName, kWorkgroup), (kFonts))                                                   \
     X(FindByFamilyName, (kName, kWorkgroup), (kFonts))                                                       \
     X(FindSameFamily, (kFont), (kFonts))                                                                     \

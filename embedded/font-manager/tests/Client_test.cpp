@@ -209,19 +209,20 @@ TEST_F(ClientFonts, AreExportedUnderTheirNamesWithoutOverwritingOthers) {
         IDs fonts;
         std::string folder;
         Exported exported;
-    } cases[] = {{{}, free, {GZephyrinExportFonts::kNoFontsToExport, {}}},
-                 {{kItalic}, other, {GZephyrinExportFonts::kCouldNotCreateFolder, {}}},
-                 {{kLong}, mWorld.Path("taken"), {GZephyrinExportFonts::kPathTooLong, {}}},
-                 {{kLong}, free, {0, {free + name}}},
-                 {{999, kBold, kOne, kTwo, kItalic},
-                  free,
-                  {GZephyrinExportFonts::kFontUnavailableToExport,
-                   {free + "Pair.ttc", free + "Sample-Italic-1.0.ttf"}}},
-                 {{999}, free, {GZephyrinExportFonts::kFontUnavailableToExport, {}}},
-                 {{kTwo}, free, {0, {free + "Pair.ttc"}}}};
+    } cases[] = {
+        {{}, free, {GZephyrinExportFonts::kNoFontsToExport, {}}},
+        {{kItalic}, other, {GZephyrinExportFonts::kCouldNotCreateFolder, {}}},
+        {{kLong}, mWorld.Path("taken"), {0, {mWorld.Path("taken/" + std::string(249, 'x') + " 2.ttf")}}},
+        {{kLong}, free, {0, {free + name}}},
+        {{999, kBold, kOne, kTwo, kItalic},
+         free,
+         {GZephyrinExportFonts::kFontUnavailableToExport,
+          {free + "Pair.ttc", free + "Sample-Italic-1.0.ttf"}}},
+        {{999}, free, {GZephyrinExportFonts::kFontUnavailableToExport, {}}},
+        {{kTwo}, free, {0, {free + "Pair.ttc"}}}};
     for (const auto& each : cases)
         EXPECT_EQ(Export(each.fonts, each.folder), each.exported);
-    EXPECT_EQ(mWorld.FilesBelow("free").size(), 3u);
+    EXPECT_EQ(mWorld.FilesBelow("free").size(), 5u) << "three fonts, and two lists of them";
 }
 
 TEST_F(ClientFonts, ConflictWithActiveFontsOfTheNameInOtherFiles) {

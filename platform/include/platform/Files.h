@@ -71,12 +71,19 @@ struct FileIdentity {
 /// Of whatever is there, a link itself included.
 SystemError IdentifyFile(const std::string& path, FileIdentity& identity);
 
+/// Who may read a file that is made.
+enum class FileRights {
+    kThisUserOnly,
+    kOfNewFiles  ///< as the user has it for any new file
+};
+
 /// The whole file. `sizeLimit` in bytes guards against surprises: a larger file is refused.
 SystemError ReadWholeFile(const std::string& path, std::string& content, uint64_t sizeLimit);
 /// Replaces the file's content so that a reader, or a system that stops half-way, finds the old or the new
 /// one: temporary name, flush, rename, flush of the folder. Where that last flush fails, a reader finds the
-/// new content, but the system may yet lose it. The file is for this user only.
-SystemError WriteWholeFile(const std::string& path, std::string_view content);
+/// new content, but the system may yet lose it.
+SystemError WriteWholeFile(const std::string& path, std::string_view content,
+                           FileRights rights = FileRights::kThisUserOnly);
 /// Copies the regular file `source` to a name that is free. A reader, or a system that stops half-way, finds
 /// the whole copy or none: temporary name in the same folder, flush, rename, flush of the folder. What stands
 /// at `target` is never replaced: SystemError::IsExisting, at once. The copy has the rights of any new file.

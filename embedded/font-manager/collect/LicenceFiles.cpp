@@ -1,0 +1,64 @@
+#include "collect/LicenceFiles.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
+
+namespace pellwick {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The texts of common licences have up to forty thousand bytes; fonts come with one or two.
+constexpr uint64_t kMaxLicenceFileSize = uint64_t{256} << 10;
+constexpr size_t kMaxLicenceFiles = 8;
+/// Files that are looked at in a folder: all of a system's fonts may stand in one.
+constexpr int kMaxFilesInFolder = 20000;
+
+constexpr std::string_view kLicenceExtension = ".license";
+
+bool IsLicenceName(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
+    });
+    return name == "ofl.txt" || name.starts_with("license") || name.starts_with("licence") ||
+           name.starts_with("copying") || name.ends_with(kLicenceExtension);
+}
+
+/// FILE.license is that of FILE alone.
+bool IsOfAnotherFile(const std::string& path, const std::string& fontPath) {
+    if (!path.ends_with(kLicenceExtension))
+        return false;
+    const std::string file = path.substr(0, path.size() - kLicenceExtension.size());
+    return file != fontPath && platform::IsExistingFile(file);
+}
+
+/// A font may be called "License Plate".
+bool IsText(const std::string& path) {
+    std::string content;
+    return !platform::ReadWholeFile(path, content, kMaxLicenceFileSize) &&
+           content.find('\0') == std::string::npos;
+}
+
+}  // namespace
+
+std::vector<std::string> LicenceFilesBeside(const std::string& fontPath) {
+    std::vector<std::string> files;
+    std::error_code failure;
+    fs::directory_iterator entry(platform::Utf8Path(platform::FolderPart(fontPath)), failure);
+    for (int count = 0; !failure && entry != fs::directory_iterator() && count < kMaxFilesInFolder;
+         entry.increment(failure), ++count) {
+        const std::string path = platform::Utf8Text(entry->path());
+        std::error_code ignored;
+        if (IsLicenceName(platform::NamePart(path)) && !entry->is_symlink(ignored) &&
+            !IsOfAnotherFile(path, fontPath) && IsText(path))
+            files.push_back(path);
+    }
+    std::sort(files.begin(), files.end());
+    files.resize(std::min(files.size(), kMaxLicenceFiles));
+    return files;
+}
+
+}  // namespace pellwick

@@ -1,0 +1,155 @@
+#include "collect/Manifest.h"
+
+#include <algorithm>
+#include <set>
+
+#include "collect/FileCopies.h"
+#include "collect/ManifestPage.h"
+#include "platform/Files.h"
+
+namespace pellwick {
+namespace {
+
+constexpr char kFormatName[] = "collected fonts";
+constexpr int kFormatVersion = 1;
+/// A thousand fonts, each with the longest text of a licence.
+constexpr uint64_t kMaxManifestSize = uint64_t{64} << 20;
+
+Json EmptyManifest() {
+    return {{manifest::kFormat, kFormatName},
+            {manifest::kVersion, kFormatVersion},
+            {manifest::kFonts, Json::array()},
+            {manifest::kMissing, Json::array()}};
+}
+
+std::string NameOf(const Json& font) {
+    return StringMember(font, manifest::kPostScriptName);
+}
+
+bool IsSameFont(const Json& left, const Json& right) {
+    const auto isEqual = [&](const char* key) { return StringMember(left, key) == StringMember(right, key); };
+    return isEqual(manifest::kPostScriptName) && isEqual(manifest::kStyle) && isEqual(manifest::kSHA256);
+}
+
+/// False also where that cannot be told: then nothing can be written either.
+bool IsTaken(const std::string& path) {
+    platform::FileIdentity ignored;
+    return !platform::IdentifyFile(path, ignored);
+}
+
+Json ObjectsOf(const Json& object, const char* key) {
+    Json objects = Json::array();
+    for (const Json& each : ArrayMember(object, key)) {
+        if (each.is_object())
+            objects.push_back(each);
+    }
+    return objects;
+}
+
+template <class IsUnwanted>
+void EraseIf(Json& array, const IsUnwanted& isUnwanted) {
+    array.erase(std::remove_if(array.begin(), array.end(), isUnwanted), array.end());
+}
+
+void SortByName(Json& fonts) {
+    std::stable_sort(fonts.begin(), fonts.end(),
+                     [](const Json& left, const Json& right) { return NameOf(left) < NameOf(right); });
+}
+
+}  // namespace
+
+Json FontUse(const std::string& document, const std::string& where) {
+    if (document.empty() && where.empty())
+        return {};
+    return {{manifest::kDocument, document}, {manifest::kWhere, where}};
+}
+
+Json MergedUses(const Json& uses, const Json& more) {
+    Json merged = more;
+    for (const Json& use : uses) {
+        const bool isKnown = std::any_of(more.begin(), more.end(), [&](const Json& each) {
+            return StringMember(each, manifest::kDocument) == StringMember(use, manifest::kDocument);
+        });
+        if (!isKnown)
+            merged.push_back(use);
+    }
+    return merged;
+}
+
+Manifest::Manifest(const std::string& folder) : mFolder(folder) {
+    for (int number = 1;; ++number) {
+        mPath = PathInFolder(mFolder, NumberedName("fonts.json", number));
+        mPagePath = PathInFolder(mFolder, NumberedName("fonts.html", number));
+        if ((!IsTaken(mPath) && !IsTaken(mPagePath)) || Load())
+            break;
+    }
+    if (mContent.is_null())
+        mContent = EmptyManifest();
+}
+
+bool Manifest::Load() {
+    std::string text;
+    if (platform::ReadWholeFile(mPath, text, kMaxManifestSize))
+        return false;
+    const Json found = Json::parse(text, nullptr, false);
+    if (!found.is_object() || StringMember(found, manifest::kFormat) != kFormatName ||
+        IntegerMember(found, manifest::kVersion) != kFormatVersion)
+        return false;
+    mContent = EmptyManifest();
+    for (const char* key : {manifest::kFonts, manifest::kMissing})
+        mContent[key] = ObjectsOf(found, key);
+    return true;
+}
+
+void Manifest::Add(Json font) {
+    Json& fonts = mContent[manifest::kFonts];
+    const auto known =
+        std::find_if(fonts.begin(), fonts.end(), [&](const Json& each) { return IsSameFont(each, font); });
+    if (known == fonts.end()) {
+        fonts.push_back(std::move(font));
+        return;
+    }
+    font[manifest::kUsedIn] =
+        MergedUses(ObjectsOf(*known, manifest::kUsedIn), ArrayMember(font, manifest::kUsedIn));
+    *known = std::move(font);
+}
+
+void Manifest::SetMissing(const std::string& document, const Json& fonts) {
+    Json& missing = mContent[manifest::kMissing];
+    for (Json& font : missing) {
+        Json uses = ObjectsOf(font, manifest::kUsedIn);
+        EraseIf(uses, [&](const Json& use) { return StringMember(use, manifest::kDocument) == document; });
+        font[manifest::kUsedIn] = std::move(uses);
+    }
+    EraseIf(missing, [](const Json& font) { return font[manifest::kUsedIn].empty(); });
+    for (const Json& font : fonts) {
+        const auto known = std::find_if(missing.begin(), missing.end(),
+                                        [&](const Json& each) { return NameOf(each) == NameOf(font); });
+        if (known == missing.end())
+            missing.push_back(font);
+        else
+            (*known)[manifest::kUsedIn] =
+                MergedUses((*known)[manifest::kUsedIn], ArrayMember(font, manifest::kUsedIn));
+    }
+}
+
+void Manifest::Tidy() {
+    EraseIf(mContent[manifest::kFonts], [&](const Json& font) {
+        const std::string file = StringMember(font, manifest::kFile);
+        return !file.empty() &&
+               (file != SafeFileName(file) || !platform::IsExistingFile(PathInFolder(mFolder, file)));
+    });
+    for (const char* key : {manifest::kFonts, manifest::kMissing})
+        SortByName(mContent[key]);
+}
+
+platform::SystemError Manifest::Save() {
+    constexpr auto kRights = platform::FileRights::kOfNewFiles;
+    Tidy();
+    const std::string text = mContent.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    if (const auto error = platform::WriteWholeFile(mPath, text, kRights))
+        return error;
+    return platform::WriteWholeFile(mPagePath, ManifestPage(mContent), kRights);
+}
+
+}  // namespace pellwick
