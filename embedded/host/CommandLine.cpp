@@ -74,6 +74,25 @@ void DescribeDocumentCommands(CLI::App& program, CommandLine& line) {
     fonts->add_flag("--raw", line.fonts.searchesBytes, kRawHelp);
 }
 
+void DescribeCollect(CLI::App& program, CommandLine& line) {
+    CLI::App* collect =
+        AddCommand(program, line, "collect", "Copy the fonts that documents use into a folder",
+                   [&line] { return RunCollect(line.host, line.collect); });
+    AddTexts(*collect, "FILE", line.collect.files, "The documents")->required();
+    CLI::Option* folder = AddText(*collect, "--to", line.collect.folder, "The folder; made when missing");
+    collect
+        ->add_flag("--document-fonts", line.collect.besideDocuments,
+                   "Into a folder \"Document fonts\" beside each document instead")
+        ->excludes(folder);
+    collect
+        ->add_option_function<std::string>(
+            "--restricted",
+            [&line](const std::string& word) { line.collect.leavesOutRestricted = word == "skip"; },
+            "Of fonts whose licence forbids embedding: copy them and warn, or leave them out")
+        ->default_str("warn")
+        ->check(CLI::IsMember({"warn", "skip"}));
+}
+
 void DescribeOtherCommands(CLI::App& program, CommandLine& line) {
     CLI::App* settings = AddCommand(program, line, "settings", "Show the preferences, or store one",
                                     [&line] { return RunSettings(line.host, line.settings); });
@@ -105,6 +124,7 @@ std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line) {
         "plugincore-host");
     DescribeProgram(*program, line);
     DescribeDocumentCommands(*program, line);
+    DescribeCollect(*program, line);
     DescribeOtherCommands(*program, line);
     return program;
 }

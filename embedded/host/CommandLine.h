@@ -17,6 +17,7 @@ struct CommandLine {
     bool json = false;
     OpenOptions open;
     FontsOptions fonts;
+    CollectOptions collect;
     SettingsOptions settings;
     MenuOptions menu;
     EventsOptions events;

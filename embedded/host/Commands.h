@@ -23,6 +23,14 @@ struct FontsOptions {
     bool searchesBytes = false;  ///< by the core's search alone
 };
 
+struct CollectOptions {
+    std::vector<std::string> files;
+    std::string folder;            ///< to collect in
+    bool besideDocuments = false;  ///< in a folder "Document fonts" beside each document instead
+    bool leavesOutRestricted = false;
+    bool json = false;
+};
+
 struct SettingsOptions {
     std::string key;                   ///< empty: all of them
     std::optional<std::string> value;  ///< to be stored; else the value is shown
@@ -44,6 +52,9 @@ int RunOpen(const HostOptions& host, const OpenOptions& options);
 
 /// Lists the fonts that documents use. The core is not loaded.
 int RunFonts(const FontsOptions& options);
+
+/// Copies the fonts of documents into a folder, with a list of them.
+int RunCollect(const HostOptions& host, const CollectOptions& options);
 
 /// Shows or stores preferences.
 int RunSettings(const HostOptions& host, const SettingsOptions& options);

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "Commands.h"
 #include "FontRecordKeys.h"
 #include "FoundFonts.h"
-#include "GBinaryDocumentFontExtractor.h"
 #include "HostSession.h"
 #include "MissingFonts.h"
 #include "OpenedDocument.h"
@@ -109,42 +107,6 @@ void PrintFonts(const OpenedDocument& document, bool showsPaths) {
     fmt::print("  {} of {} active\n", active, document.matched.size() + document.unmatched.size());
 }
 
-/// What is wrong where a document's fonts were named, and the font manager's answer has none of them.
-std::string NoAnswerText(size_t numFonts) {
-    return fmt::format(
-        "the font manager has not answered for its {} fonts; see how it is with: {}, and open the document "
-        "again",
-        numFonts, PellwickCommand("status"));
-}
-
-/// What is wrong where the core searched a document and no fonts are known. Empty: it has none.
-std::string WhySearchFoundNothing(const std::string& path) {
-    constexpr std::chrono::seconds kPatience{2};
-    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(path)};
-    extractor.SetTimeLimit(kPatience);
-    std::set<std::string> names;
-    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
-        return {};
-    EraseImpossibleNames(names);
-    if (!names.empty())
-        return NoAnswerText(names.size());
-    return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
-                                     "'plugincore-host fonts' searches all of it"
-                                   : "";
-}
-
-/// What a document's lists leave unsaid: the core's result speaks of them alone, and they are empty as well
-/// when the font manager could not be asked for the fonts, or the document not be searched. Empty: nothing.
-std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
-    if (!IsSuccess(document.code))
-        return "its fonts are not known: " + ResultName(document.code);
-    if (!document.matched.empty() || !document.unmatched.empty())
-        return {};
-    if (!document.numFontsNamed)
-        return WhySearchFoundNothing(document.path);
-    return *document.numFontsNamed > 0 ? NoAnswerText(*document.numFontsNamed) : "";
-}
-
 void PrintAsJSON(const OpenedDocument& document, const std::string& problem) {
     json line{{"file", document.path},
               {"code", document.code},
@@ -187,16 +149,8 @@ void KeepOpen(const OpenOptions& options) {
 }  // namespace
 
 int RunOpen(const HostOptions& host, const OpenOptions& options) {
-    std::vector<std::string> paths;
-    int status = exit_status::kDone;
-    for (const std::string& file : options.files) {
-        if (platform::IsExistingFile(file)) {
-            paths.push_back(platform::AbsolutePath(file));
-        } else {
-            PrintError(file + " is no file that can be found; give the path of a document");
-            status = exit_status::kFailed;
-        }
-    }
+    const std::vector<std::string> paths = FindDocuments(options.files);
+    int status = paths.size() == options.files.size() ? exit_status::kDone : exit_status::kFailed;
     if (paths.empty())
         return status;
 

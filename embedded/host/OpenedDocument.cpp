@@ -1,6 +1,15 @@
 #include "OpenedDocument.h"
 
+#include <fmt/core.h>
+
+#include <chrono>
 #include <memory>
+#include <set>
+
+#include "GBinaryDocumentFontExtractor.h"
+#include "HostSession.h"
+#include "Output.h"
+#include "platform/Files.h"
 
 namespace {
 
@@ -15,10 +24,45 @@ json FontList(const char* text) {
     return list.is_array() ? list : json::array();
 }
 
+/// What is wrong where a document's fonts were named, and the font manager's answer has none of them.
+std::string NoAnswerText(size_t numFonts) {
+    return fmt::format(
+        "the font manager has not answered for its {} fonts; see how it is with: {}, and open the document "
+        "again",
+        numFonts, PellwickCommand("status"));
+}
+
+/// What is wrong where the core searched a document and no fonts are known. Empty: it has none.
+std::string WhySearchFoundNothing(const std::string& path) {
+    constexpr std::chrono::seconds kPatience{2};
+    GBinaryDocumentFontExtractor extractor{GFileSystemSpec(path)};
+    extractor.SetTimeLimit(kPatience);
+    std::set<std::string> names;
+    if (extractor.ExtractFontNames(names) != CoreErrorCodes::kSuccess)
+        return {};
+    EraseImpossibleNames(names);
+    if (!names.empty())
+        return NoAnswerText(names.size());
+    return extractor.HasGivenWay() ? "it is too large to be searched for fonts while it is opened; "
+                                     "'plugincore-host fonts' searches all of it"
+                                   : "";
+}
+
 }  // namespace
 
 bool IsSuccess(uint32_t code) {
     return code == PLUGINCORE_SUCCESS || code == PLUGINCORE_FONTS_ACTIVATED;
+}
+
+std::vector<std::string> FindDocuments(const std::vector<std::string>& files) {
+    std::vector<std::string> paths;
+    for (const std::string& file : files) {
+        if (platform::IsExistingFile(file))
+            paths.push_back(platform::AbsolutePath(file));
+        else
+            PrintError(file + " is no file that can be found; give the path of a document");
+    }
+    return paths;
 }
 
 OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path, const json& fonts) {
@@ -42,4 +86,14 @@ OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path, co
         document.unmatched = FontList(unmatched.get());
     }
     return document;
+}
+
+std::string WhyNoFontsAreKnown(const OpenedDocument& document) {
+    if (!IsSuccess(document.code))
+        return "its fonts are not known: " + ResultName(document.code);
+    if (!document.matched.empty() || !document.unmatched.empty())
+        return {};
+    if (!document.numFontsNamed)
+        return WhySearchFoundNothing(document.path);
+    return *document.numFontsNamed > 0 ? NoAnswerText(*document.numFontsNamed) : "";
 }

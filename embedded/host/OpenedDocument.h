@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "CoreLibrary.h"
 
@@ -20,5 +21,12 @@ struct OpenedDocument {
 /// Whether the core opened it; it answers 1 as well when all went well.
 bool IsSuccess(uint32_t code);
 
+/// The full paths of the files, with an error line for what is none.
+std::vector<std::string> FindDocuments(const std::vector<std::string>& files);
+
 /// Opens the document at the full path. `fonts`: records of those that it uses; null has the core search it.
 OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path, const nlohmann::json& fonts);
+
+/// What a document's lists leave unsaid: the core's result speaks of them alone, and they are empty as well
+/// when the font manager could not be asked for the fonts, or the document not be searched. Empty: nothing.
+std::string WhyNoFontsAreKnown(const OpenedDocument& document);

@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
     }
     if (!line.answers.empty())
         platform::SetEnvironment("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
-    line.open.json = line.fonts.json = line.settings.json = line.menu.json = line.json;
+    line.open.json = line.fonts.json = line.collect.json = line.settings.json = line.menu.json = line.json;
     try {
         const int status = line.run();
         return FlushOutput() ? status : exit_status::kFailed;
