@@ -88,29 +88,29 @@ void Warn(const CollectedFont& font) {
                    "leaves it out");
 }
 
+constexpr size_t kNameWidth = 30;
+constexpr size_t kFileWidth = 28;
+constexpr size_t kRightsWidth = 18;
+
 /// As a cell that leaves room for the others on a line of 80 characters.
 std::string Cell(const std::string& text, size_t width) {
     const std::string printable = PrintableText(text);
     return CountCodePoints(printable) > width ? FirstCodePoints(printable, width - 1) + "\u2026" : printable;
 }
 
-std::vector<std::string> Row(const std::string& name, const std::string& file, const std::string& rights) {
-    constexpr size_t kNameWidth = 30;
-    constexpr size_t kFileWidth = 28;
-    constexpr size_t kRightsWidth = 18;
-    return {Cell(name, kNameWidth), Cell(file, kFileWidth), Cell(rights, kRightsWidth)};
+std::vector<std::string> Row(const CollectedFont& font) {
+    const bool isCopied = font.outcome == Outcome::kCopied;
+    return {Cell(NameOf(font.entry), kNameWidth),
+            Cell(isCopied ? font.entry.value(manifest::kFile, "") : "not collected", kFileWidth),
+            Cell(font.entry.value(manifest::kRights, ""), kRightsWidth)};
 }
 
 void PrintCollection(const CollectTarget& target, const Collection& collection) {
     std::vector<std::vector<std::string>> rows{{"FONT", "FILE", "RIGHTS"}};
-    for (const CollectedFont& font : collection.fonts) {
-        const bool isCopied = font.outcome == Outcome::kCopied;
-        rows.push_back(Row(NameOf(font.entry),
-                           isCopied ? font.entry.value(manifest::kFile, "") : "not collected",
-                           font.entry.value(manifest::kRights, "")));
-    }
+    for (const CollectedFont& font : collection.fonts)
+        rows.push_back(Row(font));
     for (const std::string& name : target.MissingNames())
-        rows.push_back(Row(name, "missing", ""));
+        rows.push_back({Cell(name, kNameWidth), "missing"});
     PrintTable(rows);
     PrintLine(fmt::format("{} of {} collected to {}", collection.copied,
                           target.ids.size() + target.MissingNames().size(), target.folder));

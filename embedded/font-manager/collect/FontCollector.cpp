@@ -84,7 +84,7 @@ CollectedFont FontCollector::Collect(const Json& font, const Json& uses) {
     const Json entry = EntryOf(font, uses);
     const bool isRestricted = ForbidsEmbedding(EmbeddingOf(font));
     if (isRestricted && mRestricted == RestrictedFonts::kLeaveOut)
-        collected = {Outcome::kLeftOut, {{manifest::kProblem, "not copied: its licence forbids embedding"}}};
+        collected = {Outcome::kLeftOut, {{manifest::kProblem, "its licence forbids embedding"}}};
     else
         collected = Copy(font);
     Json described = entry;

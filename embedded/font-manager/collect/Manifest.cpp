@@ -109,9 +109,10 @@ void Manifest::Add(Json font) {
         fonts.push_back(std::move(font));
         return;
     }
-    font[manifest::kUsedIn] =
-        MergedUses(ObjectsOf(*known, manifest::kUsedIn), ArrayMember(font, manifest::kUsedIn));
-    *known = std::move(font);
+    Json uses = MergedUses(ObjectsOf(*known, manifest::kUsedIn), ArrayMember(font, manifest::kUsedIn));
+    if (HasCopy(font) || !HasCopy(*known))
+        *known = std::move(font);
+    (*known)[manifest::kUsedIn] = std::move(uses);
 }
 
 void Manifest::SetMissing(const std::string& document, const Json& fonts) {
@@ -133,12 +134,15 @@ void Manifest::SetMissing(const std::string& document, const Json& fonts) {
     }
 }
 
+/// Whether the font has one, or had one at an earlier time, in the folder.
+bool Manifest::HasCopy(const Json& font) const {
+    const std::string file = StringMember(font, manifest::kFile);
+    return file == SafeFileName(file) && platform::IsExistingFile(PathInFolder(mFolder, file));
+}
+
 void Manifest::Tidy() {
-    EraseIf(mContent[manifest::kFonts], [&](const Json& font) {
-        const std::string file = StringMember(font, manifest::kFile);
-        return !file.empty() &&
-               (file != SafeFileName(file) || !platform::IsExistingFile(PathInFolder(mFolder, file)));
-    });
+    EraseIf(mContent[manifest::kFonts],
+            [&](const Json& font) { return !StringMember(font, manifest::kFile).empty() && !HasCopy(font); });
     for (const char* key : {manifest::kFonts, manifest::kMissing})
         SortByName(mContent[key]);
 }

@@ -50,7 +50,8 @@ public:
     /// and this manifest gets a number.
     explicit Manifest(const std::string& folder);
 
-    /// Adds a font, or replaces what is said of the same font but for its uses.
+    /// Adds a font, or replaces what is said of the same font: but for its uses, and for a copy that an
+    /// earlier time has left where there is none now.
     void Add(Json font);
     /// Notes exactly these fonts, objects with names and uses, as missing for the document.
     void SetMissing(const std::string& document, const Json& fonts);
@@ -63,6 +64,7 @@ public:
 
 private:
     bool Load();
+    bool HasCopy(const Json& font) const;
     void Tidy();
 
     const std::string mFolder;
