@@ -33,6 +33,12 @@ void CheckFace(const FontFace& face) {
             "fonts have names");
 }
 
+void CheckLicence(const FontLicence& licence) {
+    Require(licence.text.size() <= kMaxLicenceSize, "licences have the size that they may have");
+    Require(IsPlainText(licence.text), "licences are fit to show");
+    CheckName(licence.url);
+}
+
 void CheckImage(const NameImage& image, int scale) {
     Require(image.width >= 0 && image.width <= scale * kMaxPreviewWidth, "an image is as wide as it may be");
     Require(image.height == (image.width != 0 ? scale * kPreviewHeight : 0),
@@ -60,9 +66,12 @@ void CheckDrawing(std::string_view content) {
 
 std::vector<std::string> Seeds() {
     const TestFontNames bold{"AAAA-Bold", "AAAA", "Bold"};
-    std::vector<std::string> seeds = {MakeTestFont(bold), MakeTestFontCollection({bold, {"AAAA", "AAAA"}}),
-                                      hostile::MacintoshNames(), hostile::Instances(1, 2),
-                                      hostile::Instances(2, 3)};
+    TestFontNames locked{"AAAA", "AAAA"};
+    locked.embedding = 0x0302;
+    locked.licence = "A\nA";
+    std::vector<std::string> seeds = {
+        MakeTestFont(bold),        MakeTestFont(locked),     MakeTestFontCollection({bold, {"AAAA", "AAAA"}}),
+        hostile::MacintoshNames(), hostile::Instances(1, 2), hostile::Instances(2, 3)};
     for (hostile::Font& font : hostile::All())
         seeds.push_back(std::move(font.content));
     return seeds;
@@ -76,5 +85,7 @@ void TryInput(const std::string& input) {
     Require(faces.empty() != reason.empty(), "there is a reason where there are no fonts");
     for (const FontFace& face : faces)
         CheckFace(face);
+    for (const int64_t face : {0, 1, 1 << 16})
+        CheckLicence(scanner->ReadLicence(input, face));
     CheckDrawing(input);
 }

@@ -101,13 +101,13 @@ CollectedFont FontCollector::Copy(const Json& font) {
     if (const auto error = file.Open(source))
         return {Outcome::kUnreadable,
                 {{manifest::kProblem, "its file cannot be read: " + platform::SystemErrorText(error)}}};
-    std::string& copy = mCopies[StringMember(font, kGS_ChecksumKey)];
+    std::string& copy = mCopies[source];
     if (copy.empty()) {
         const std::string name = SafeFileName(StringMember(font, kGS_OutlineFileNameKey));
         std::string made;
         if (const auto error = CopyIntoFolder(source, mFolder, name, made))
             return {Outcome::kNotWritten,
-                    {{manifest::kProblem, platform::WriteFailureText(PathInFolder(mFolder, made), error)}},
+                    {{manifest::kProblem, platform::WriteFailureText(made, error)}},
                     false,
                     error};
         copy = made;

@@ -64,7 +64,7 @@ private:
     const std::string mFolder;
     const RestrictedFonts mRestricted;
     Manifest mManifest;
-    std::map<std::string, std::string> mCopies;  ///< names in the folder, by the files' checksums
+    std::map<std::string, std::string> mCopies;  ///< names in the folder, by the files' paths
 };
 
 }  // namespace pellwick
