@@ -27,15 +27,15 @@ std::string Fitted(const std::string& name, const std::string& suffix) {
     return FirstBytes(name.substr(0, dot), kMaxFileNameSize - extension.size()) + extension;
 }
 
+/// Windows takes no file by these names, whatever stands behind the first dot.
 bool IsDeviceName(const std::string& name) {
-    constexpr std::string_view kDevices[] = {"con", "prn", "aux", "nul", "com", "lpt"};
-    std::string stem = name.substr(0, name.find('.'));
-    std::transform(stem.begin(), stem.end(), stem.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
-    });
-    const bool isNumbered = stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9';
-    return (stem.size() == 3 || (isNumbered && stem[0] != 'n' && stem[0] != 'p' && stem[0] != 'a')) &&
-           std::find(std::begin(kDevices), std::end(kDevices), stem.substr(0, 3)) != std::end(kDevices);
+    constexpr std::string_view kDevices[] = {"con", "prn", "aux", "nul"};
+    constexpr std::string_view kPorts[] = {"com", "lpt"};  // with a digit behind
+    const std::string stem = LowerCase(name.substr(0, name.find('.')));
+    const bool isPort =
+        stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
+        std::find(std::begin(kPorts), std::end(kPorts), stem.substr(0, 3)) != std::end(kPorts);
+    return isPort || std::find(std::begin(kDevices), std::end(kDevices), stem) != std::end(kDevices);
 }
 
 /// False also where one of them cannot be read.
@@ -61,6 +61,13 @@ bool HoldSameContent(const std::string& left, const std::string& right) {
 }
 
 }  // namespace
+
+std::string LowerCase(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
+    });
+    return name;
+}
 
 std::string SafeFileName(const std::string& name) {
     constexpr std::string_view kSpecial = "<>:\"\\|?*";

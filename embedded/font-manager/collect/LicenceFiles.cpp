@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "collect/FileCopies.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -19,10 +20,8 @@ constexpr int kMaxFilesInFolder = 20000;
 
 constexpr std::string_view kLicenceExtension = ".license";
 
-bool IsLicenceName(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
-    });
+bool IsLicenceName(const std::string& fileName) {
+    const std::string name = LowerCase(fileName);
     return name == "ofl.txt" || name.starts_with("license") || name.starts_with("licence") ||
            name.starts_with("copying") || name.ends_with(kLicenceExtension);
 }

@@ -73,7 +73,9 @@ protected:
         EXPECT_FALSE(platform::WriteWholeFile(path, content));
         return path;
     }
-    std::string Path(const std::string& name) const { return PathInFolder(mFolder.Path(), name); }
+    std::string Path(const std::string& name) const {
+        return platform::Utf8Text(mFolder.Path() / platform::Utf8Path(name));
+    }
     /// As the agent describes a font of that file.
     static Json Font(const std::string& path, const std::string& name, const std::string& fileName) {
         return {{kGS_PostScriptNameKey, name},
@@ -147,8 +149,9 @@ TEST_F(CollectTest, TextsOfLicencesComeAlongFromTheFontsOfTheSystem) {
     Write("fonts/Other.ttf", "other");
     Write("fonts/Other.ttf.license", "of another font");
     const std::string own = Write("fonts/License Plate.ttf.license", "its own");
+    std::error_code notAllowed;  // on Windows, to most users
     std::filesystem::create_symlink(platform::Utf8Path(Write("secret", "key")),
-                                    platform::Utf8Path(Path("fonts/COPYING")));
+                                    platform::Utf8Path(Path("fonts/COPYING")), notAllowed);
     EXPECT_THAT(LicenceFilesBeside(font), ElementsAre(own, ofl));
     EXPECT_THAT(LicenceFilesBeside(Path("no folder/a.ttf")), IsEmpty());
 
