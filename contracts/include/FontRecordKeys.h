@@ -11,9 +11,9 @@
     X(kGS_PostScriptNameKey, "PostScriptName")                                                              \
     X(kGS_FoundryKey, "Foundry")                                                                            \
     X(kGS_FontKindKey, "FontKind") /* a name of GFontManagerConstants, or "Postscript" */                   \
-    X(kGS_KerningChecksumKey, "KerningChecksum")                                                            \
+    X(kGS_KerningChecksumKey, "KerningChecksum") /* of widths and kerning */                                                            \
     X(kGS_VersionKey, "Version")                                                                            \
-    X(kGS_GlyphscanChecksumKey, "Glyphscan_1.2_Checksum")                                                   \
+    X(kGS_GlyphscanChecksumKey, "Glyphscan_1.2_Checksum") /* of the outlines */                                                   \
     X(kGS_ChecksumKey, "Checksum") /* SHA-256 of the font file, lower-case hexadecimal */                   \
     X(kGS_OutlineFileNameKey, "OutlineFileName")                                                            \
     X(kGS_OutlineFileSizeKey, "OutlineFileSize")   /* number, bytes */                                      \

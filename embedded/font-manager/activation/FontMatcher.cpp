@@ -50,6 +50,12 @@ void KeepIfAny(std::vector<Font>& fonts, Predicate predicate) {
         std::erase_if(fonts, [&](const Font& font) { return !isWanted(font); });
 }
 
+/// The file that the document was made with, or else fonts with the same outlines.
+void KeepTheDocuments(std::vector<Font>& fonts, const RequestedFont& request) {
+    KeepIfAny(fonts, [&](const Font& font) { return font.file.checksum == request.checksum; });
+    KeepIfAny(fonts, [&](const Font& font) { return !font.glyphs.empty() && font.glyphs == request.glyphs; });
+}
+
 /// Fonts of the family that look so, whatever words their style is told in.
 std::vector<Font> FindByStyle(FontStore& fonts, const std::string& family, const FontStyle& style) {
     std::vector<Font> found = fonts.FindByFamily(family);
@@ -163,7 +169,7 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
     if (request.isExact) {
         std::erase_if(matches,
                       [&](const Font& font) { return font.postScriptName != request.postScriptName; });
-        KeepIfAny(matches, [&](const Font& font) { return font.file.checksum == request.checksum; });
+        KeepTheDocuments(matches, request);
         return matches;
     }
     if (matches.empty() && !request.postScriptName.empty())
@@ -172,7 +178,7 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request) {
         matches = MatchFamily(fonts, request);
     if (const auto pattern = matches.empty() ? PatternOf(request.postScriptName) : std::nullopt)
         matches = MatchFamily(fonts, *pattern);
-    KeepIfAny(matches, [&](const Font& font) { return font.file.checksum == request.checksum; });
+    KeepTheDocuments(matches, request);
     KeepIfAny(matches, [](const Font& font) { return font.isPreferred; });
     KeepIfAny(matches, [](const Font& font) { return !IsInstance(font); });
     return matches;

@@ -16,6 +16,7 @@ struct RequestedFont {
     std::string foundry;         ///< preferred among equals; may be empty
     int32_t kind = 0;            ///< a kind of GFontManagerConstants
     std::string checksum{};  ///< of the file that the document was made with; decides among fonts that match
+    std::string glyphs{};    ///< of its outlines; decides where no font has the checksum
     bool isExact = false;    ///< only the PostScript name counts, as it is written
     bool wantsFamily = false;  ///< the rest of the family is to be active with it
 };

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <system_error>
 
-#include "activation/Checksum.h"
 #include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 #include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"
+#include "scan/Checksum.h"
 
 namespace pellwick {
 namespace {

@@ -89,7 +89,7 @@ private:
 
 /// The requested record completed by the font's own: what the host said stands, but for the state.
 Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
-    const Json after = FontRecord(manager, font);
+    const Json after = FontRecordWithFingerprint(manager, font);
     Json reported = after;
     if (requested.is_object())
         reported.update(requested);

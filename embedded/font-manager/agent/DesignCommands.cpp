@@ -74,7 +74,7 @@ Json commands::ListRivals(CommandContext& context, const Json& arguments) {
             const std::vector<Font> matches = MatchFonts(fonts, request);
             chosen = matches.empty() ? 0 : matches[IndexOfBestMatch(matches, request)].id;
         }
-        Json record = FontRecord(context.manager, font);
+        Json record = FontRecordWithFingerprint(context.manager, font);
         record[member::kIsChosen] = font.id == chosen;
         record[member::kIsPreferred] = font.isPreferred;
         records.push_back(std::move(record));

@@ -31,6 +31,13 @@ Json FontRecord(const FontManager& manager, const Font& font) {
             {kGS_LocationKey, isMissing ? 0 : 1}};
 }
 
+Json FontRecordWithFingerprint(const FontManager& manager, const Font& font) {
+    Json record = FontRecord(manager, font);
+    record[kGS_GlyphscanChecksumKey] = font.glyphs;
+    record[kGS_KerningChecksumKey] = font.widths;
+    return record;
+}
+
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts) {
     Json records = Json::array();
     for (const Font& font : fonts)
@@ -56,6 +63,7 @@ RequestedFont RequestedFontOf(const Json& record) {
     request.foundry = StringMember(record, kGS_FoundryKey);
     request.kind = GFontManagerConstants::FontKindFromRecord(StringMember(record, kGS_FontKindKey));
     request.checksum = StringMember(record, kGS_ChecksumKey);
+    request.glyphs = StringMember(record, kGS_GlyphscanChecksumKey);
     request.isExact = BoolMember(record, kGS_ExactMatchKey);
     request.wantsFamily = BoolMember(record, kGS_EntireFamilyKey);
     return request;

@@ -10,6 +10,8 @@
 namespace pellwick {
 
 Json FontRecord(const FontManager& manager, const Font& font);
+/// The same, for whoever compares fonts.
+Json FontRecordWithFingerprint(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);
 

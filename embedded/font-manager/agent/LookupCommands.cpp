@@ -26,7 +26,7 @@ int32_t WantedWorkgroup(const Json& arguments) {
 }  // namespace
 
 Json commands::GetFont(CommandContext& context, const Json& arguments) {
-    return FontRecord(context.manager, FindFont(context, arguments));
+    return FontRecordWithFingerprint(context.manager, FindFont(context, arguments));
 }
 
 /// The records of the fonts that are known, in the order of the request.

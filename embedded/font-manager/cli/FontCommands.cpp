@@ -134,14 +134,41 @@ ExitStatus DeactivateFonts(AgentSession& session, const std::vector<std::string>
     return isComplete ? kExit_Done : kExit_CouldNot;
 }
 
-void PrintRival(const Json& font) {
+/// In what the font differs from the one that documents get; empty where that is not known.
+std::string DifferenceText(const Json& font, const Json& chosen) {
+    const auto differ = [&](const char* key) { return StringMember(font, key) != StringMember(chosen, key); };
+    if (StringMember(font, kGS_GlyphscanChecksumKey).empty() ||
+        StringMember(chosen, kGS_GlyphscanChecksumKey).empty() || BoolMember(font, member::kIsChosen))
+        return {};
+    if (differ(kGS_GlyphscanChecksumKey))
+        return differ(kGS_KerningChecksumKey) ? ", other outlines and widths"
+                                              : ", other outlines, same widths";
+    return differ(kGS_KerningChecksumKey) ? ", same outlines, other widths" : ", same outlines and widths";
+}
+
+void PrintRival(const Json& font, const Json& chosen) {
     PrintLine(std::string(BoolMember(font, member::kIsChosen) ? "  * " : "    ") +
               std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + "  " +
               StringMember(font, kGS_VersionKey) + " (" + StringMember(font, kGS_FontKindKey) + ")" +
-              (BoolMember(font, member::kIsPreferred) ? ", preferred" : "") + ", " +
+              (BoolMember(font, member::kIsPreferred) ? ", preferred" : "") + DifferenceText(font, chosen) +
+              ", " +
               (IntegerMember(font, kGS_WorkgroupTypeKey) == kWorkgroupType_System
                    ? StringMember(font, kGS_PathKey)
                    : "added as " + StringMember(font, kGS_OutlineFileNameKey)));
+}
+
+/// Fonts of one name stand together.
+void PrintRivals(const Json& fonts) {
+    const auto nameOf = [](const Json& font) { return StringMember(font, kGS_PostScriptNameKey); };
+    for (auto first = fonts.begin(); first != fonts.end();) {
+        const auto end = std::find_if(first, fonts.end(),
+                                      [&](const Json& font) { return nameOf(font) != nameOf(*first); });
+        const auto chosen =
+            std::find_if(first, end, [](const Json& font) { return BoolMember(font, member::kIsChosen); });
+        PrintLine(nameOf(*first));
+        for (; first != end; ++first)
+            PrintRival(*first, chosen != end ? *chosen : Json());
+    }
 }
 
 /// Fonts of one name in files that differ.
@@ -155,15 +182,11 @@ ExitStatus ListConflicts(AgentSession& session) {
         if (fonts.empty())
             break;
         for (const Json& font : fonts) {
-            if (session.PrintsJson()) {
-                all.push_back(font);
-            } else {
-                if (StringMember(font, kGS_PostScriptNameKey) != name)
-                    PrintLine(StringMember(font, kGS_PostScriptNameKey));
-                PrintRival(font);
-            }
             name = StringMember(font, kGS_PostScriptNameKey);
+            all.push_back(font);
         }
+        if (!session.PrintsJson())
+            PrintRivals(fonts);
     }
     if (session.PrintsJson())
         PrintJson({{"fonts", all}});

@@ -104,8 +104,9 @@ uint32_t FindByName(PluginFacadeRef facade, const char* method, CFStringRef name
 /// The members of a font's record that distinguish it from others of its name, as an XML property list.
 CFRef<CFStringRef> FingerprintXML(const Json& font) {
     Json fingerprint = Json::object();
-    for (const char* key : {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey,
-                            kGS_VersionKey, kGS_ChecksumKey, kGS_OutlineFileSizeKey}) {
+    for (const char* key :
+         {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_FoundryKey, kGS_FontKindKey, kGS_VersionKey,
+          kGS_ChecksumKey, kGS_GlyphscanChecksumKey, kGS_KerningChecksumKey, kGS_OutlineFileSizeKey}) {
         if (font.contains(key))
             fingerprint[key] = font[key];
     }

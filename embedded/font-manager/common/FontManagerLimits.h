@@ -75,6 +75,10 @@ constexpr size_t kMaxFontsPerFile = 512;
 /// Bytes of names that are looked at in one file: real ones have some ten thousand, with licences in many
 /// languages a few hundred thousand for each face.
 constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;
+/// Read for the fingerprints of a file's fonts: in a collection each may have the tables of all, and a hostile one has
+/// them many times. A second's work.
+constexpr uint64_t kMaxTableBytesPerFile = uint64_t{256} << 20;
+
 /// A name is a few dozen characters; longer ones are cut.
 constexpr size_t kMaxNameSize = 1024;
 

@@ -68,7 +68,7 @@ inline constexpr char kDataFolder[] = "dataFolder";
 inline constexpr char kDeactivated[] = "deactivated";
 inline constexpr char kDefaultWorkgroup[] = "defaultWorkgroup";
 inline constexpr char kDocument[] = "document";
-inline constexpr char kDryRun[] = "dryRun";  ///< only says what would be done
+inline constexpr char kDryRun[] = "dryRun";        ///< only says what would be done
 inline constexpr char kEmbedding[] = "embedding";  ///< FontLicence::embedding; none where a font does not say
 inline constexpr char kEnable[] = "enable";
 inline constexpr char kFailed[] = "failed";
@@ -178,7 +178,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(EnableDesignActivation, (kFont, kWholeFamily, kEnable), (kConflicts))                                  \
     X(PreviewActivateFonts, (kFonts, kActivate), ())                                                         \
     X(RenderPreviews, (kFonts), (kPreviews))                                                                 \
-    X(GetFont, (kFont), (PELLWICK_FONT_RECORD))                                                              \
+    X(GetFont, (kFont), (PELLWICK_FONT_RECORD, kGS_GlyphscanChecksumKey, kGS_KerningChecksumKey))                                                              \
     X(GetFonts, (kFonts), (kFonts))                                                                          \
     X(GetLicences, (kFonts), (kFonts, kLeft))                                                                \
     X(FindByPostScriptName, (kName, kWorkgroup), (kFonts))                                                   \

@@ -14,6 +14,7 @@
 #include "GFontManagerConstants.h"
 #include "common/FontManagerLimits.h"
 #include "scan/CleanName.h"
+#include "scan/Fingerprint.h"
 #include "scan/FontFiles.h"
 #include "scan/FontNames.h"
 
@@ -172,6 +173,7 @@ std::vector<FontFace> FontScanner::Scan(std::string_view content, std::string& r
         return {};
     }
     size_t nameBudget = kMaxNameBytesPerFile;
+    uint64_t tableBudget = kMaxTableBytesPerFile;
     FT_Long faceCount = 1;
     for (FT_Long index = 0; index < faceCount && faces.size() < kMaxFontsPerFile; ++index) {
         FT_Error error = 0;
@@ -183,8 +185,14 @@ std::vector<FontFace> FontScanner::Scan(std::string_view content, std::string& r
         }
         faceCount = std::min(face->num_faces, kMaxFacesPerFile);
         const NameTable names(face.get(), nameBudget);
+        const size_t first = faces.size();
+        const Fingerprint fingerprint = FingerprintOf(face.get(), tableBudget);
         faces.push_back(Describe(face.get(), names, index, {}));
         AddInstances(face.get(), names, index, faces);
+        for (size_t each = first; each < faces.size(); ++each) {
+            faces[each].glyphs = fingerprint.glyphs;
+            faces[each].widths = fingerprint.widths;
+        }
     }
     return faces;
 }

@@ -18,7 +18,7 @@ namespace {
     " CASE WHEN files.path <> '' THEN 3 WHEN files.missing THEN 7"                                          \
     "  WHEN EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id) THEN 1"                        \
     "  WHEN EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                      \
-    " w.id, w.name, w.type, f.preferred"                                                                    \
+    " w.id, w.name, w.type, f.preferred, f.glyphs, f.widths"                                                \
     " FROM fonts f JOIN files ON files.id = f.file_id"                                                      \
     " LEFT JOIN workgroups w ON w.id ="                                                                     \
     "  (SELECT MIN(workgroup_id) FROM workgroup_fonts wf WHERE wf.font_id = f.id) "
@@ -72,6 +72,8 @@ Font FontOfRow(const Statement& row) {
     font.workgroupName = row.Text(17);
     font.workgroupType = static_cast<int32_t>(row.Integer(18));
     font.isPreferred = row.Integer(19) != 0;
+    font.glyphs = row.Text(20);
+    font.widths = row.Text(21);
     return font;
 }
 
@@ -113,9 +115,9 @@ void AddFace(Database& database, int64_t fileID, const FontFace& face) {
     database
         .Prepare(
             "INSERT INTO fonts (file_id, face, postscript_name, family, style, full_name, foundry,"
-            " version, kind) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
+            " version, kind, glyphs, widths) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
         .Bind(fileID, face.face, face.postScriptName, face.family, face.style, face.fullName, face.foundry,
-              face.version, face.kind)
+              face.version, face.kind, face.glyphs, face.widths)
         .Run();
     AddLookupNames(database, database.LastInsertedID(), face);
 }

@@ -37,6 +37,8 @@ struct FontFace {
     std::string version;
     int32_t kind = 0;                      ///< a kind of GFontManagerConstants
     std::vector<std::string> lookupNames;  ///< further names that documents may use
+    std::string glyphs{};                  ///< as in Fingerprint
+    std::string widths{};
 };
 
 /// A face in the store.

@@ -175,7 +175,7 @@ CREATE UNIQUE INDEX files_of_system ON files (path) WHERE path <> '';
 ALTER TABLE fonts ADD COLUMN preferred INTEGER NOT NULL DEFAULT 0;  -- by the user, to others of its name
 )sql";
 
-// What the user chose for the fonts that a document lacks.
+// What the user chose for the fonts that a document lacks, and the fingerprints of fonts; those from before have none.
 constexpr char kVersion6[] = R"sql(
 CREATE TABLE choices (
     path TEXT NOT NULL,
@@ -184,6 +184,8 @@ CREATE TABLE choices (
     PRIMARY KEY (path, name)
 ) WITHOUT ROWID;
 CREATE INDEX choices_by_font ON choices (font_id);
+ALTER TABLE fonts ADD COLUMN glyphs TEXT NOT NULL DEFAULT '';
+ALTER TABLE fonts ADD COLUMN widths TEXT NOT NULL DEFAULT '';
 )sql";
 
 constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3,

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "FontRecordKeys.h"
-#include "activation/Checksum.h"
+#include "scan/Checksum.h"
 #include "activation/FontResources.h"
 #include "activation/LinkFolder.h"
 #include "agent/FontManager.h"

@@ -53,6 +53,27 @@ TEST(FontScanner, ReadsEveryMemberOfACollectionAndSaysWhyAFileIsNone) {
     EXPECT_EQ(FontFileExtension("Sample.exe", {postScript}), ".otf");
 }
 
+TEST(FontScanner, FingerprintsTellOutlinesAndWidthsFromNames) {
+    FontScanner scanner;
+    std::string reason;
+    const auto scan = [&](const std::string& content) { return scanner.Scan(content, reason).at(0); };
+    const std::string font = MakeTestFont({"Sample-Bold", "Sample", "Bold"});
+    const auto changed = [&](const char* table) {  // a byte of it, found in the directory of tables
+        std::string other = font;
+        const size_t entry = font.find(table) + 8;
+        const auto byte = [&](size_t at) { return static_cast<unsigned char>(font[at]); };
+        ++other[byte(entry + 2) * size_t{256} + byte(entry + 3) + 3];
+        return other;
+    };
+    const FontFace bold = scan(font);
+    const FontFace named = scan(MakeTestFont({"Other", "Other", "Regular", "2.0"}));
+    EXPECT_EQ(bold.glyphs.size(), 32u);
+    EXPECT_EQ(named.glyphs + named.widths, bold.glyphs + bold.widths);
+    EXPECT_NE(scan(changed("glyf")).glyphs, bold.glyphs);
+    EXPECT_EQ(scan(changed("glyf")).widths, bold.widths);
+    EXPECT_NE(scan(changed("hmtx")).widths, bold.widths);
+}
+
 TEST(FontScanner, NamesAreMadeFitToShow) {
     std::string reason;
     // The font's names are UTF-16, made of these bytes.

@@ -86,6 +86,24 @@ TEST_F(FontStoreTest, FindsTheFontsThatARequestMeansTheBestFirst) {
     EXPECT_EQ(MatchOf({"Many", "", "", "", 4}).front(), 5u);
 }
 
+TEST_F(FontStoreTest, TheDocumentsFileAndElseItsOutlinesDecideBetweenVersions) {
+    for (const char* glyphs : {"old", "new", "", "old"}) {
+        FontFace face;
+        face.postScriptName = "Sample";
+        face.version = "Version " + std::to_string(mFonts.Count() + 1);
+        face.glyphs = glyphs;
+        mFonts.Add({0, "file " + face.version, "Sample.ttf", ".ttf", 10}, {face});
+    }
+    RequestedFont request{"Sample", "", "", "", 0};
+    EXPECT_EQ(MatchOf(request).front(), 4u);
+    request.glyphs = "old";
+    EXPECT_EQ(MatchOf(request), (IDs{4, 1}));
+    request.glyphs = "new";
+    EXPECT_EQ(MatchOf(request), IDs{2});
+    request.checksum = "file Version 3";
+    EXPECT_EQ(MatchOf(request), IDs{3});
+}
+
 TEST_F(FontStoreTest, AFontDrawnForItsStyleGoesBeforeAnInstanceOfAVariableOne) {
     FontFace instance;
     instance.face = 3 << 16;

@@ -31,8 +31,8 @@ std::string Encode(const Json& message) {
 }
 
 Json RowOf(const FontFace& face) {
-    return {face.face,    face.postScriptName, face.family, face.style,      face.fullName,
-            face.foundry, face.version,        face.kind,   face.lookupNames};
+    return {face.face,    face.postScriptName, face.family,      face.style,  face.fullName, face.foundry,
+            face.version, face.kind,           face.lookupNames, face.glyphs, face.widths};
 }
 
 std::string NameOf(const Json& value) {
@@ -63,6 +63,8 @@ FontFace FaceOf(const Json& row) {
         throw std::length_error("more names than a scan finds");
     for (const Json& name : row.at(8))
         face.lookupNames.push_back(NameOf(name));
+    face.glyphs = NameOf(row.at(9));
+    face.widths = NameOf(row.at(10));
     return face;
 }
 

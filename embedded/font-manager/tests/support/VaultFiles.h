@@ -1,7 +1,7 @@
 // Files in a vault, without an agent that puts them there.
 #pragma once
 
-#include "activation/Checksum.h"
+#include "scan/Checksum.h"
 #include "activation/FontVault.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"

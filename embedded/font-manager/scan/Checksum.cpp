@@ -1,4 +1,4 @@
-#include "activation/Checksum.h"
+#include "scan/Checksum.h"
 
 #include <nettle/sha2.h>
 
