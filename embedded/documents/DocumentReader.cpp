@@ -22,8 +22,12 @@ std::string ExtensionOf(const std::string& path) {
 }  // namespace
 
 std::string DocumentReader::DefaultProgram() {
-    return platform::FolderPart(platform::Current<platform::Processes>().CurrentExecutablePath()) +
-           platform::ProgramFileName(kProgramName);
+    const std::string own =
+        platform::FolderPart(platform::Current<platform::Processes>().CurrentExecutablePath());
+    const std::string name = platform::ProgramFileName(kProgramName);
+    const std::string beside = own + name;
+    const std::string apart = platform::AbsolutePath(own + "../../bin") + platform::kPathSeparator + name;
+    return !platform::IsExistingFile(beside) && platform::IsExistingFile(apart) ? apart : beside;
 }
 
 DocumentFonts DocumentReader::Read(const std::string& path) {

@@ -22,7 +22,8 @@ class DocumentReader {
 public:
     /// `program`: its full path.
     explicit DocumentReader(std::string program) : mProgram(std::move(program)) {}
-    /// The one that is installed beside the program that runs.
+    /// The one that is installed beside the program that runs, or else where programs are, two folders above in
+    /// "bin": the font manager stands apart from them.
     static std::string DefaultProgram();
 
     /// The fonts that the document at `path` uses. Its content tells the format; its extension does where

@@ -77,6 +77,7 @@ TEST(CommandPages, TheFontManagersTableIsCompleteAndEachOfItsCommandsDoesItsWork
     const auto& fontManager = world.FontManager();
     fontManager.WriteFont("Other-Regular");
     world.AddFonts({"Sample-Bold", "Gone-Regular"});
+    world.WriteDocument("a.ai", {"Sample-Bold"});
     std::set<std::string> known = CommandsInHelp(fontManager.Run({"--help"}).output);
     const std::map<std::string, std::string> names = {{"remove", "Gone-Regular"},
                                                       {"activate", "Sample-Bold"},
@@ -91,6 +92,7 @@ TEST(CommandPages, TheFontManagersTableIsCompleteAndEachOfItsCommandsDoesItsWork
         const auto name = names.find(first);
         std::map<std::string, std::string> things = {{"PATH", world.Path("fonts")},
                                                      {"FONT", "Sample-Bold"},
+                                                     {"DOCUMENT", world.Path("a.ai")},
                                                      {"NEW", "Renamed"},
                                                      {"NAME", name != names.end() ? name->second : "Thing"}};
         const Words words = Filled(command, things);

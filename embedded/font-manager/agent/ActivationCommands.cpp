@@ -206,6 +206,30 @@ Json commands::ActivateDocumentFonts(CommandContext& context, const Json& argume
                                      std::chrono::steady_clock::now() + kSystemFontsPatience);
 }
 
+/// What a document would be given, without activating anything.
+Json commands::MatchFonts(CommandContext& context, const Json& arguments) {
+    FontManager& manager = context.manager;
+    const Json& requests = ArrayMember(arguments, member::kFonts);
+    Json reported = Json::array();
+    Json unmatched = Json::array();
+    for (size_t index = 0; index < requests.size(); ++index) {
+        context.audience.KeepAlive();
+        const RequestedFont request = RequestedFontOf(requests[index]);
+        const std::vector<Font> candidates = pellwick::MatchFonts(manager.fonts, request);
+        if (candidates.empty()) {
+            unmatched.push_back(index);
+            continue;
+        }
+        const Font& font = candidates[IndexOfBestMatch(candidates, request)];
+        reported.push_back(ReportedFont(requests[index], FontRecord(manager, font), manager, font));
+    }
+    RequireSendable(reported);
+    Json replacements = ReplacementsFor(context, arguments, unmatched);
+    return {{member::kReported, std::move(reported)},
+            {member::kUnmatched, std::move(unmatched)},
+            {member::kReplacements, std::move(replacements)}};
+}
+
 /// They become the agent's own, and end with it.
 Json commands::KeepFonts(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);

@@ -1,12 +1,15 @@
 // doctor.
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "FontRecordKeys.h"
+#include "cli/DocumentNames.h"
 #include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
 #include "cli/Progress.h"
+#include "common/FontManagerLimits.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
@@ -211,14 +214,65 @@ std::set<long long> VisibleAmong(AgentSession& session, const Json& fonts) {
     return visible;
 }
 
-ExitStatus ExamineFonts(AgentSession& session, const std::vector<std::string>& names) {
-    session.StartAgentIfNeeded();
-    bool isComplete = false;
-    const Json fonts = FindFonts(session, names, isComplete);
+void ExamineFonts(AgentSession& session, const Json& fonts, Findings& findings) {
     const std::set<long long> visible = VisibleAmong(session, fonts);
-    Findings findings;
     for (const Json& font : fonts)
         ExamineFont(font, visible.count(IntegerMember(font, kGS_DatabaseIDKey)) != 0, findings);
+}
+
+/// "perhaps Sample-Bold, same family, Bold instead of Black".
+std::string BestReplacementText(const Json& replacements) {
+    for (const Json& font : replacements) {
+        if (IntegerMember(font, kGS_RankKey) == 1)
+            return "perhaps " + StringMember(font, kGS_PostScriptNameKey) + ", " +
+                   StringMember(font, kGS_ReasonKey);
+    }
+    return "nothing comes near";
+}
+
+std::string RequestedName(const Json& request) {
+    return request.is_string() ? request.get<std::string>() : StringMember(request, kGS_PostScriptNameKey);
+}
+
+/// What the document would be given if it were opened now.
+void ExamineDocument(AgentSession& session, const std::string& path, Findings& findings) {
+    const Json requests = FontsOfDocument(path);
+    if (requests.empty())
+        return findings.Add(kOk, path, "it names no fonts");
+    Json matches = Json::array();
+    for (size_t first = 0; first < requests.size(); first += kMaxFontsPerRequest) {
+        const auto begin = requests.begin() + static_cast<std::ptrdiff_t>(first);
+        const auto count = std::min(requests.size() - first, kMaxFontsPerRequest);
+        const Json part(std::vector<Json>(begin, begin + static_cast<std::ptrdiff_t>(count)));
+        const Json answer =
+            session.Call(method::kMatchFonts, {{member::kFonts, part}, {member::kDocument, path}});
+        for (const Json& font : ArrayMember(answer, member::kReported))
+            matches.push_back(font[kGS_MatchedFontKey]);
+        const Json& unmatched = ArrayMember(answer, member::kUnmatched);
+        const Json& replacements = ArrayMember(answer, member::kReplacements);
+        for (size_t index = 0; index < unmatched.size(); ++index)
+            findings.Add(kWrong, RequestedName(part[unmatched[index].get<size_t>()]),
+                         "missing; " + (index < replacements.size() ? BestReplacementText(replacements[index])
+                                                                    : "nothing was looked for"),
+                         PastedCommand("add PATH"));
+    }
+    ExamineFonts(session, matches, findings);
+}
+
+/// Words that are paths of files are documents.
+ExitStatus ExamineNamed(AgentSession& session, const std::vector<std::string>& words) {
+    session.StartAgentIfNeeded();
+    Findings findings;
+    std::vector<std::string> names;
+    for (const std::string& word : words) {
+        if (platform::IsExistingFile(word))
+            ExamineDocument(session, platform::AbsolutePath(word), findings);
+        else
+            names.push_back(word);
+    }
+    bool isComplete = true;
+    if (!names.empty())
+        ExamineFonts(session, FindFonts(session, names, isComplete), findings);
     if (session.PrintsJson())
         PrintJson({{"findings", findings.All()}});
     else
@@ -229,13 +283,14 @@ ExitStatus ExamineFonts(AgentSession& session, const std::vector<std::string>& n
 }  // namespace
 
 void DescribeDoctorCommand(CLI::App& app, Arguments& arguments, Action& chosen) {
-    auto* doctor = AddCommand(
-        app, chosen, "doctor",
-        "Check everything, and put right what can be; or say why a font is active or not",
-        [&](AgentSession& session) {
-            return arguments.words.empty() ? ExamineAll(session) : ExamineFonts(session, arguments.words);
-        });
-    exact_words::AddTexts(*doctor, "FONT", arguments.words, kFontNameHelp);
+    auto* doctor = AddCommand(app, chosen, "doctor",
+                              "Check everything, and put right what can be; or say why fonts, or those of "
+                              "documents, are active or not",
+                              [&](AgentSession& session) {
+                                  return arguments.words.empty() ? ExamineAll(session)
+                                                                 : ExamineNamed(session, arguments.words);
+                              });
+    exact_words::AddTexts(*doctor, "FONT", arguments.words, std::string(kFontNameHelp) + ", or a document");
 }
 
 }  // namespace pellwick::cli

@@ -170,6 +170,7 @@ inline constexpr char kWorkgroups[] = "workgroups";
     X(ActivateDocumentFonts, (kFonts, kDocument, kReplacements), (kMatched, kUnmatched, kReplacements,       \
       kReported))                                                                                            \
     X(NoteChoices, (kChoices), ())                                                                           \
+    X(MatchFonts, (kFonts, kDocument, kReplacements), (kReported, kUnmatched, kReplacements))                \
     X(KeepFonts, (kFonts), ())                                                                               \
     X(DeactivateFonts, (kFonts), (kDeactivated))                                                             \
     X(ListRivals, (kAfter), (kFonts))                                                                        \

@@ -1,0 +1,45 @@
+#include "cli/DocumentNames.h"
+
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "DocumentReader.h"
+#include "FontRecordKeys.h"
+#include "GBinaryDocumentFontExtractor.h"
+#include "cli/AgentSession.h"
+
+namespace pellwick::cli {
+namespace {
+
+documents::DocumentFonts Read(const std::string& path) {
+    try {
+        return documents::DocumentReader(documents::DocumentReader::DefaultProgram()).Read(path);
+    } catch (const documents::NoDocumentReader&) {
+        return {};
+    }
+}
+
+Json Search(const std::string& path) {
+    std::set<std::string> names;
+    const GFileSystemSpec spec(path);
+    if (GBinaryDocumentFontExtractor(spec).ExtractFontNames(names) != CoreErrorCodes::kSuccess)
+        throw Failure(kExit_CouldNot, path + " cannot be read");
+    EraseImpossibleNames(names);
+    return names;
+}
+
+}  // namespace
+
+Json FontsOfDocument(const std::string& path) {
+    const documents::DocumentFonts found = Read(path);
+    if (found.status != documents::ReadStatus::kRead)
+        return Search(path);
+    Json records = Json::array();
+    for (const documents::DocumentFont& font : found.fonts)
+        records.push_back({{kGS_PostScriptNameKey, font.postScriptName},
+                           {kGS_FamilyKey, font.family},
+                           {kGS_StyleKey, font.style}});
+    return records;
+}
+
+}  // namespace pellwick::cli
