@@ -37,13 +37,37 @@ bool IsTaken(const std::string& path) {
     return !platform::IdentifyFile(path, ignored);
 }
 
-Json ObjectsOf(const Json& object, const char* key) {
-    Json objects = Json::array();
-    for (const Json& each : ArrayMember(object, key)) {
-        if (each.is_object())
-            objects.push_back(each);
+void TakeText(const Json& from, const char* key, Json& to) {
+    if (from.contains(key) && from[key].is_string())
+        to[key] = from[key];
+}
+
+Json MendedUses(const Json& font) {
+    Json uses = Json::array();
+    for (const Json& use : ArrayMember(font, manifest::kUsedIn)) {
+        Json mended = FontUse(StringMember(use, manifest::kDocument), StringMember(use, manifest::kWhere));
+        if (!mended.is_null())
+            uses.push_back(std::move(mended));
     }
-    return objects;
+    return uses;
+}
+
+/// What of a font's entry is as this program writes it. Others may have written the rest, to any depth.
+Json Mended(const Json& font) {
+    using namespace manifest;
+    Json mended{{kUsedIn, MendedUses(font)}};
+    for (const char* key : {kPostScriptName, kFamily, kStyle, kFontVersion, kFile, kProblem, kSHA256, kRights,
+                            kLicence, kLicenceURL, kSource})
+        TakeText(font, key, mended);
+    for (const char* key : {kSize, kEmbedding}) {
+        if (font.contains(key) && font[key].is_number_integer())
+            mended[key] = font[key];
+    }
+    for (const Json& file : ArrayMember(font, kLicenceFiles)) {
+        if (file.is_string())
+            mended[kLicenceFiles].push_back(file);
+    }
+    return mended;
 }
 
 template <class IsUnwanted>
@@ -96,8 +120,12 @@ bool Manifest::Load() {
         IntegerMember(found, manifest::kVersion) != kFormatVersion)
         return false;
     mContent = EmptyManifest();
-    for (const char* key : {manifest::kFonts, manifest::kMissing})
-        mContent[key] = ObjectsOf(found, key);
+    for (const char* key : {manifest::kFonts, manifest::kMissing}) {
+        for (const Json& font : ArrayMember(found, key)) {
+            if (font.is_object())
+                mContent[key].push_back(Mended(font));
+        }
+    }
     return true;
 }
 
@@ -109,7 +137,7 @@ void Manifest::Add(Json font) {
         fonts.push_back(std::move(font));
         return;
     }
-    Json uses = MergedUses(ObjectsOf(*known, manifest::kUsedIn), ArrayMember(font, manifest::kUsedIn));
+    Json uses = MergedUses((*known)[manifest::kUsedIn], font[manifest::kUsedIn]);
     if (HasCopy(font) || !HasCopy(*known))
         *known = std::move(font);
     (*known)[manifest::kUsedIn] = std::move(uses);
@@ -118,9 +146,8 @@ void Manifest::Add(Json font) {
 void Manifest::SetMissing(const std::string& document, const Json& fonts) {
     Json& missing = mContent[manifest::kMissing];
     for (Json& font : missing) {
-        Json uses = ObjectsOf(font, manifest::kUsedIn);
-        EraseIf(uses, [&](const Json& use) { return StringMember(use, manifest::kDocument) == document; });
-        font[manifest::kUsedIn] = std::move(uses);
+        EraseIf(font[manifest::kUsedIn],
+                [&](const Json& use) { return StringMember(use, manifest::kDocument) == document; });
     }
     EraseIf(missing, [](const Json& font) { return font[manifest::kUsedIn].empty(); });
     for (const Json& font : fonts) {

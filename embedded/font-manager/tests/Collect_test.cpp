@@ -109,9 +109,9 @@ TEST_F(CollectTest, FilesOfOneNameAreToldApartAndFacesOfOneFileShareACopy) {
     platform::RemoveFile(Path("to/Same 2.ttf"));
     EXPECT_FALSE(FontCollector(mTarget).Finish());
     EXPECT_EQ(Manifest()[manifest::kFonts].size(), 2u);
-    Write("to/fonts.json", "{\"mine\": 1}");
+    Write("to/fonts.json", "mine");
     EXPECT_FALSE(FontCollector(mTarget).Finish());
-    EXPECT_EQ(ContentOf(Path("to/fonts.json")), "{\"mine\": 1}");
+    EXPECT_EQ(ContentOf(Path("to/fonts.json")), "mine");
     EXPECT_THAT(ContentOf(Path("to/fonts 2.html")), HasSubstr("No fonts were collected"));
 }
 
@@ -119,15 +119,19 @@ TEST_F(CollectTest, WhatOthersWroteIsTextInTheManifest) {
     const std::string evil = "<script>\"'&\u202E\x1b";
     Json font = Font(Write("1/a", "one"), evil, "../../<b>.ttf");
     font[member::kLicence] = "</td>" + std::string(1000, 'x');
-    platform::MakeFolders(mTarget);
+    const std::string deep = std::string(500000, '[') + std::string(500000, ']');
+    Write("to/fonts.json", R"({"format":"collected fonts","version":1,"fonts":[7,{"usedIn":)" + deep +
+                               R"(,"x":)" + deep + R"(,"postScriptName":"<old>"}]})");
     FontCollector collector(mTarget);
     collector.Collect(font, UsesIn("/home/ana/<i>.ai", {{manifest::kWhere, "page <1>"}}));
     collector.SetMissing("<i>.ai", Json::array({MissingFont("/home/ana/<i>.ai", "<gone>")}));
     ASSERT_FALSE(collector.Finish());
     EXPECT_EQ(ContentOf(Path("to/_b_.ttf")), "one");
-    EXPECT_EQ(Manifest()[manifest::kFonts][0][manifest::kPostScriptName], evil);
+    EXPECT_EQ(Manifest()[manifest::kFonts][0][manifest::kPostScriptName], "<old>");
+    EXPECT_EQ(Manifest()[manifest::kFonts][1][manifest::kPostScriptName], evil);
     const std::string page = ContentOf(Path("to/fonts.html"));
-    for (const char* bad : {"<script", "<i>", "<1>", "<gone>", "</td>x", "\u202E", "\x1b", "/home/ana"})
+    for (const char* bad :
+         {"<script", "<i>", "<1>", "<gone>", "<old>", "</td>x", "\u202E", "\x1b", "/home/ana"})
         EXPECT_THAT(page, Not(HasSubstr(bad)));
     for (const char* part :
          {"&lt;script&gt;&quot;&#39;&amp;<", "&lt;i&gt;.ai: page &lt;1&gt;", "&lt;gone&gt;"})
