@@ -1,6 +1,6 @@
 // What fonts say of who may do what with them.
-#include <algorithm>
 #include <chrono>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "agent/FontRecord.h"
@@ -14,7 +14,8 @@ namespace {
 /// The fonts of one request, in its order. Loop and lane have it in turn.
 struct LicenceReading {
     std::vector<Font> fonts;
-    Json records = Json::array();  ///< of the first of them
+    Json records = Json::array();  ///< of each
+    std::vector<uint32_t> left;    ///< IDs of those that there was no room or no time for
 };
 
 Json RecordOf(const CommandContext& context, const Font& font) {
@@ -35,42 +36,46 @@ void Read(const Font& font, Json& record, FontWorker& worker) {
 }
 
 /// As many as there is time for; one at least.
-size_t ReadSome(LicenceReading& reading, FontWorker& worker) {
+void ReadSome(LicenceReading& reading, FontWorker& worker) {
     const auto deadline = std::chrono::steady_clock::now() + kLicenceLimit;
     size_t count = 0;
     do {
         Read(reading.fonts[count], reading.records[count], worker);
     } while (++count < reading.fonts.size() && std::chrono::steady_clock::now() < deadline);
-    return count;
+    std::vector<uint32_t> unread;
+    for (size_t index = count; index < reading.fonts.size(); ++index)
+        unread.push_back(reading.fonts[index].id);
+    reading.left.insert(reading.left.begin(), unread.begin(), unread.end());
+    reading.records.get_ref<Json::array_t&>().resize(count);
+}
+
+/// The first of the fonts, as far as they are known; the others are left.
+std::shared_ptr<LicenceReading> BeginReading(const CommandContext& context,
+                                             const std::vector<uint32_t>& ids) {
+    const auto reading = std::make_shared<LicenceReading>();
+    for (const uint32_t id : ids) {
+        if (reading->fonts.size() == kLicenceBatchSize) {
+            reading->left.push_back(id);
+        } else if (auto font = context.manager.fonts.Find(id)) {
+            reading->records.push_back(RecordOf(context, *font));
+            reading->fonts.push_back(std::move(*font));
+        }
+    }
+    return reading;
 }
 
 }  // namespace
 
 /// Records of the fonts that are known, in the order of the request, with where their files are kept. The IDs
-/// of those that an answer has no room or no time for come back for another request.
+/// of those that are left come back for another request.
 Json commands::GetLicences(CommandContext& context, const Json& arguments) {
-    const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, member::kFonts));
-    const auto end = ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), kLicenceBatchSize));
-    const auto reading = std::make_shared<LicenceReading>();
-    for (auto id = ids.begin(); id != end; ++id) {
-        if (auto font = context.manager.fonts.Find(*id)) {
-            reading->records.push_back(RecordOf(context, *font));
-            reading->fonts.push_back(std::move(*font));
-        }
-    }
-    const std::vector<uint32_t> rest(end, ids.end());
+    const auto reading = BeginReading(context, FontIDsOf(ArrayMember(arguments, member::kFonts)));
     if (reading->fonts.empty())
-        return {{member::kFonts, Json::array()}, {member::kLeft, rest}};
-    return context.Defer(Deferral::LaneName::kPreviews, [=](FontWorker& worker) {
-        const size_t count = ReadSome(*reading, worker);
-        return [=](CommandContext&) -> Json {
-            std::vector<uint32_t> left;
-            for (size_t index = count; index < reading->fonts.size(); ++index)
-                left.push_back(reading->fonts[index].id);
-            left.insert(left.end(), rest.begin(), rest.end());
-            reading->records.erase(reading->records.begin() + static_cast<std::ptrdiff_t>(count),
-                                   reading->records.end());
-            return {{member::kFonts, reading->records}, {member::kLeft, left}};
+        return {{member::kFonts, Json::array()}, {member::kLeft, Json::array()}};
+    return context.Defer(Deferral::LaneName::kPreviews, [reading](FontWorker& worker) {
+        ReadSome(*reading, worker);
+        return [reading](CommandContext&) -> Json {
+            return {{member::kFonts, reading->records}, {member::kLeft, reading->left}};
         };
     });
 }

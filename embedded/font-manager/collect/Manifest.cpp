@@ -52,10 +52,16 @@ Json MendedUses(const Json& font) {
     return uses;
 }
 
-/// What of a font's entry is as this program writes it. Others may have written the rest, to any depth.
-Json Mended(const Json& font) {
+// Of an entry all that this program would write. Others may have written the rest, to any depth.
+
+Json MendedMissing(const Json& font) {
+    return {{manifest::kPostScriptName, NameOf(font)}, {manifest::kUsedIn, MendedUses(font)}};
+}
+
+Json MendedFont(const Json& font) {
     using namespace manifest;
-    Json mended{{kUsedIn, MendedUses(font)}};
+    Json mended{
+        {kFile, nullptr}, {kEmbedding, nullptr}, {kLicenceFiles, Json::array()}, {kUsedIn, MendedUses(font)}};
     for (const char* key : {kPostScriptName, kFamily, kStyle, kFontVersion, kFile, kProblem, kSHA256, kRights,
                             kLicence, kLicenceURL, kSource})
         TakeText(font, key, mended);
@@ -68,6 +74,15 @@ Json Mended(const Json& font) {
             mended[kLicenceFiles].push_back(file);
     }
     return mended;
+}
+
+Json MendedList(const Json& content, const char* key, Json (*mended)(const Json& font)) {
+    Json fonts = Json::array();
+    for (const Json& font : ArrayMember(content, key)) {
+        if (!NameOf(font).empty())
+            fonts.push_back(mended(font));
+    }
+    return fonts;
 }
 
 template <class IsUnwanted>
@@ -120,12 +135,8 @@ bool Manifest::Load() {
         IntegerMember(found, manifest::kVersion) != kFormatVersion)
         return false;
     mContent = EmptyManifest();
-    for (const char* key : {manifest::kFonts, manifest::kMissing}) {
-        for (const Json& font : ArrayMember(found, key)) {
-            if (font.is_object())
-                mContent[key].push_back(Mended(font));
-        }
-    }
+    mContent[manifest::kFonts] = MendedList(found, manifest::kFonts, MendedFont);
+    mContent[manifest::kMissing] = MendedList(found, manifest::kMissing, MendedMissing);
     return true;
 }
 

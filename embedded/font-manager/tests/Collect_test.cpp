@@ -65,6 +65,23 @@ TEST(EmbeddingRights, AreThoseOfTheFlagThatAllowsMost) {
     }
 }
 
+TEST(FontsToCollect, AreAskedForUntilNoneIsLeft) {
+    size_t answers = 2;  // of an agent that has time for one font each
+    const auto call = [&](const char*, const Json& arguments, Json& result) -> ErrorCode {
+        Json left = arguments[member::kFonts];
+        const Json first = left[0];
+        if (answers-- != 0)
+            left.erase(0);
+        result = {{member::kFonts, Json::array({first})}, {member::kLeft, left}};
+        return 0;
+    };
+    Json fonts;
+    EXPECT_EQ(GetFontsToCollect(call, {7, 8}, fonts), 0u);
+    EXPECT_EQ(fonts, (Json{7, 8}));
+    answers = 0;
+    EXPECT_NE(GetFontsToCollect(call, {7, 8}, fonts), 0u) << "it would never end";
+}
+
 class CollectTest : public testing::Test {
 protected:
     std::string Write(const std::string& name, const std::string& content) const {
