@@ -88,9 +88,9 @@ void Warn(const CollectedFont& font) {
                    "leaves it out");
 }
 
-constexpr size_t kNameWidth = 30;
-constexpr size_t kFileWidth = 28;
-constexpr size_t kRightsWidth = 18;
+constexpr size_t kNameWidth = 26;
+constexpr size_t kFileWidth = 25;
+constexpr size_t kRightsWidth = 25;
 
 /// As a cell that leaves room for the others on a line of 80 characters.
 std::string Cell(const std::string& text, size_t width) {

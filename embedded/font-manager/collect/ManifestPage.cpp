@@ -118,6 +118,11 @@ std::string CollectedTable(const Json& fonts) {
            rows + "</table>\n";
 }
 
+std::string ProblemOf(const Json& font) {
+    const std::string problem = StringMember(font, manifest::kProblem);
+    return problem.empty() ? "the font manager has no such font" : problem;
+}
+
 /// Those that nobody has, and those that were not copied.
 std::string MissingSection(const Json& content) {
     std::string rows;
@@ -125,7 +130,7 @@ std::string MissingSection(const Json& content) {
         for (const Json& font : ArrayMember(content, key)) {
             if (!HasFile(font))
                 rows += Row({Escaped(StringMember(font, manifest::kPostScriptName)), UsesHtml(font),
-                             Escaped(StringMember(font, manifest::kProblem))},
+                             Escaped(ProblemOf(font))},
                             "td");
         }
     }
