@@ -52,7 +52,7 @@ void ReadSome(LicenceReading& reading, FontWorker& worker) {
 /// The first of the fonts, as far as they are known; the others are left.
 std::shared_ptr<LicenceReading> BeginReading(const CommandContext& context,
                                              const std::vector<uint32_t>& ids) {
-    const auto reading = std::make_shared<LicenceReading>();
+    auto reading = std::make_shared<LicenceReading>();
     for (const uint32_t id : ids) {
         if (reading->fonts.size() == kLicenceBatchSize) {
             reading->left.push_back(id);
