@@ -4,13 +4,13 @@
 #include <filesystem>
 
 #include "FontRecordKeys.h"
-#include "scan/Checksum.h"
 #include "activation/FontResources.h"
 #include "activation/LinkFolder.h"
 #include "agent/FontManager.h"
 #include "platform/FontTable.h"
 #include "platform/PrivateFolder.h"
 #include "platform/Utf8Path.h"
+#include "scan/Checksum.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/TestWorld.h"
 

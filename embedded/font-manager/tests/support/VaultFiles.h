@@ -1,10 +1,10 @@
 // Files in a vault, without an agent that puts them there.
 #pragma once
 
-#include "scan/Checksum.h"
 #include "activation/FontVault.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
+#include "scan/Checksum.h"
 
 namespace pellwick::test {
 
