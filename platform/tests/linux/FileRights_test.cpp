@@ -10,6 +10,7 @@
 
 #include "TemporaryFolder.h"
 #include "platform/Environment.h"
+#include "platform/FileTrust.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "platform/PrivateFolder.h"
@@ -136,4 +137,28 @@ TEST(UserLanguage, IsThatOfTheFirstVariableThatSaysOne) {
     EXPECT_EQ(language("C", "fr_FR"), "en");
     platform::SetEnvironment("LC_ALL", saved);
     platform::SetEnvironment("LC_MESSAGES", "");
+}
+
+TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("a/b/file", "");
+    const auto allow = [&](const std::string& path, fs::perms rights) { fs::permissions(path, rights); };
+    allow(file, kFile);
+    for (const char* each : {"a", "a/b"})
+        allow(folder / each, fs::perms::owner_all);
+    EXPECT_EQ(platform::WhyUntrusted(file), "");
+    for (const std::string& path : {file, folder / "a/b", folder / "a"}) {
+        allow(path, fs::perms::owner_all | fs::perms::others_write);
+        EXPECT_EQ(platform::WhyUntrusted(file), path + " can be written to by others");
+        allow(path, fs::perms::owner_all);
+    }
+    allow(folder / "a", fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_EQ(platform::WhyUntrusted(file), "") << "others make files there, and take none away";
+    fs::create_symlink(folder / "a", folder / "link");
+    EXPECT_EQ(platform::WhyUntrusted(folder / "link/b/file"), "");
+    EXPECT_NE(platform::WhyUntrusted(folder / "none"), "");
+    if (geteuid() != 0)
+        return;
+    ASSERT_EQ(chown((folder / "a/b").c_str(), 4711, 0), 0);
+    EXPECT_EQ(platform::WhyUntrusted(file), folder / "a/b" + " belongs to somebody else");
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "TraceLog.h"
+#include "platform/FileTrust.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -53,6 +54,18 @@ bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string&
         return false;
     }
     LogMessage(0, "Pellwick found in launch config file and on disk: %s %s", path.c_str(), arguments.c_str());
+    return true;
+}
+
+/// Every user of the machine may make folders among those for all users, and would choose the program that other people's
+/// hosts start.
+bool IsTrusted(const std::string& infoPath, const std::string& agentPath) {
+    for (const std::string& path : {infoPath, agentPath}) {
+        if (const std::string fault = platform::WhyUntrusted(path); !fault.empty()) {
+            LogMessage(0, "The launch info file for all users is left alone, since %s", fault.c_str());
+            return false;
+        }
+    }
     return true;
 }
 
@@ -123,7 +136,10 @@ bool AgentLauncher::GetLaunchInfoFileValues(platform::KnownFolder folder, std::s
     const TraceScope trace([&] { LogMessage(-1, "%s returning %s", kName, isFound ? "success" : "fail"); },
                            "Entering %s", kName);
     const std::string folderPath = platform::Current<platform::Folders>().PathOf(folder);
-    return isFound = !folderPath.empty() && ReadLaunchInfo(LaunchInfoPath(folderPath), path, arguments);
+    const std::string infoPath = LaunchInfoPath(folderPath);
+    isFound = !folderPath.empty() && ReadLaunchInfo(infoPath, path, arguments) &&
+              (folder != platform::KnownFolder::kAllUsersApplicationData || IsTrusted(infoPath, path));
+    return isFound;
 }
 
 ErrorCode AgentLauncher::FindAndLaunchPellwick(std::string* folder) {

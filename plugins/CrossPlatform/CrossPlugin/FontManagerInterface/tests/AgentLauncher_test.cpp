@@ -8,6 +8,8 @@
 #include "CapturedTrace.h"
 #include "FakePlatform.h"
 #include "TemporaryFolder.h"
+#include "platform/FileTrust.h"
+#include "platform/Utf8Path.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -74,6 +76,17 @@ TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArgumentsFromTheUsersOwnFolder
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(nullptr), 0u);
     EXPECT_THAT(processes.launchedCommandLines,
                 ElementsAre("\"" + agent + "\" --quiet", "\"" + agent + "\" "));
+}
+
+TEST_F(AgentLauncherTest, WhatOthersMayHaveWrittenForAllUsersIsLeftAlone) {
+    WriteInfo(allUsers, agent, "--planted");
+    WriteInfo(local, agent);
+    std::filesystem::permissions(platform::Utf8Path(allUsers / "Vantorix"), std::filesystem::perms::all);
+    if (platform::WhyUntrusted(allUsers / kInfoFile).empty())
+        GTEST_SKIP() << "rights are not given like that here";
+    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
+    EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" "));
+    EXPECT_THAT(trace.Text(), HasSubstr("is left alone, since "));
 }
 
 TEST_F(AgentLauncherTest, ValuesThatMeanAnotherFileElsewhereNameNoAgent) {
