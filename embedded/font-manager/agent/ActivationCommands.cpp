@@ -6,6 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "agent/FontRecord.h"
+#include "agent/FontReports.h"
 #include "agent/NamedRecords.h"
 #include "agent/Requests.h"
 #include "agent/SystemFonts.h"
@@ -87,72 +88,6 @@ private:
     Json mMatched = Json::array();
 };
 
-/// The requested record completed by the font's own: what the host said stands, but for the state.
-Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
-    const Json after = FontRecordWithFingerprint(manager, font);
-    Json reported = after;
-    if (requested.is_object())
-        reported.update(requested);
-    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
-        reported.erase(key);
-    for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
-        reported[key] = after[key];
-    reported[kGS_MatchedFontKey] = before;
-    if (std::string reason = MatchReason(font, RequestedFontOf(requested)); !reason.empty())
-        reported[kGS_ReasonKey] = std::move(reason);
-    return reported;
-}
-
-/// The font that the user chose before in the document's place of the one that it lacks, and has not removed since;
-/// the best others behind it.
-std::vector<Font> CandidatesFor(CommandContext& context, const RequestedFont& request,
-                                const std::string& document, bool& isFirstChosen) {
-    FontManager& manager = context.manager;
-    std::vector<Font> candidates = manager.replacements.Find(request);
-    const auto chosen = manager.fonts.Find(manager.documents.Choice(document, request.postScriptName));
-    isFirstChosen = chosen && chosen->activationState != kFontActivationState_Missing;
-    if (!isFirstChosen)
-        return candidates;
-    std::erase_if(candidates,
-                  [&](const Font& font) { return font.postScriptName == chosen->postScriptName; });
-    candidates.insert(candidates.begin(), *chosen);
-    return candidates;
-}
-
-/// As records by PostScript name.
-Json CandidateRecords(CommandContext& context, const RequestedFont& request, const std::string& document) {
-    bool isFirstChosen = false;
-    Json records = Json::object();
-    for (const Font& font : CandidatesFor(context, request, document, isFirstChosen)) {
-        const bool isChosen = isFirstChosen && records.empty();
-        Json record = FontRecord(context.manager, font);
-        record[kGS_RankKey] = records.size() + 1;
-        record[kGS_ReasonKey] =
-            isChosen ? "chosen for this document before" : ReplacementReason(font, request);
-        record[kGS_ReplacementForKey] = request.postScriptName;
-        record[kGS_ReplacementInKey] = document;
-        records[font.postScriptName] = std::move(record);
-    }
-    return records;
-}
-
-/// What could replace the requests that were not matched, in their order and for the first of them: objects
-/// of font records by PostScript name.
-Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched) {
-    const Json& requests = ArrayMember(arguments, member::kFonts);
-    const long long wanted = IntegerMember(arguments, member::kReplacements, kMaxFontsWithReplacements);
-    const size_t limit = wanted < 0 ? 0 : std::min<size_t>(wanted, kMaxFontsWithReplacements);
-    Json replacements = Json::array();
-    for (const Json& index : unmatched) {
-        if (replacements.size() == limit)
-            break;
-        context.audience.KeepAlive();
-        replacements.push_back(CandidateRecords(context, RequestedFontOf(requests[index.get<size_t>()]),
-                                                StringMember(arguments, member::kDocument)));
-    }
-    return replacements;
-}
-
 Json ActivateForDocument(CommandContext& context, const Json& arguments) {
     FontManager& manager = context.manager;
     const Json& requests = ArrayMember(arguments, member::kFonts);
@@ -206,30 +141,6 @@ Json commands::ActivateDocumentFonts(CommandContext& context, const Json& argume
                                      std::chrono::steady_clock::now() + kSystemFontsPatience);
 }
 
-/// What a document would be given, without activating anything.
-Json commands::MatchFonts(CommandContext& context, const Json& arguments) {
-    FontManager& manager = context.manager;
-    const Json& requests = ArrayMember(arguments, member::kFonts);
-    Json reported = Json::array();
-    Json unmatched = Json::array();
-    for (size_t index = 0; index < requests.size(); ++index) {
-        context.audience.KeepAlive();
-        const RequestedFont request = RequestedFontOf(requests[index]);
-        const std::vector<Font> candidates = pellwick::MatchFonts(manager.fonts, request);
-        if (candidates.empty()) {
-            unmatched.push_back(index);
-            continue;
-        }
-        const Font& font = candidates[IndexOfBestMatch(candidates, request)];
-        reported.push_back(ReportedFont(requests[index], FontRecord(manager, font), manager, font));
-    }
-    RequireSendable(reported);
-    Json replacements = ReplacementsFor(context, arguments, unmatched);
-    return {{member::kReported, std::move(reported)},
-            {member::kUnmatched, std::move(unmatched)},
-            {member::kReplacements, std::move(replacements)}};
-}
-
 /// They become the agent's own, and end with it.
 Json commands::KeepFonts(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
@@ -271,39 +182,6 @@ Json commands::GetClientStates(CommandContext& context, const Json& arguments) {
             {{member::kFont, id},
              {member::kIsActive, context.manager.activations.HasLease(context.client.process, id)}});
     return {{member::kStates, std::move(states)}};
-}
-
-Json commands::ActivateForUser(CommandContext& context, const Json& arguments) {
-    RequireLogIn(context);
-    Json failed = Json::array();
-    Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
-    for (const uint32_t id : FontIDsOf(ArrayMember(arguments, member::kFonts))) {
-        context.audience.KeepAlive();
-        const auto font = context.manager.fonts.Find(id);
-        if (font && !activation.ActivateForUser(*font))
-            failed.push_back(FontRecord(context.manager, *font));
-    }
-    RequireSendable(failed);
-    AnnounceChanges(context.audience, activation.Commit());
-    return {{member::kFailed, std::move(failed)}};
-}
-
-Json commands::DeactivateForUser(CommandContext& context, const Json& arguments) {
-    Json stillActive = Json::array();
-    Activation activation = context.manager.BeginActivation(Durability::kPowerLoss);
-    const std::vector<uint32_t> ids = FontIDsOf(ArrayMember(arguments, member::kFonts));
-    for (const uint32_t id : ids) {
-        context.audience.KeepAlive();
-        activation.DeactivateForUser(id);
-        activation.EndAllLeases(id, context.manager.self);
-    }
-    AnnounceChanges(context.audience, activation.Commit());
-    for (const uint32_t id : ids) {
-        const auto font = context.manager.fonts.Find(id);
-        if (font && font->activationState == kFontActivationState_ActivatedByPlugin)
-            stillActive.push_back(FontRecord(context.manager, *font));
-    }
-    return {{member::kStillActive, std::move(stillActive)}};
 }
 
 }  // namespace pellwick

@@ -1,0 +1,79 @@
+#include "agent/FontReports.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "FontRecordKeys.h"
+#include "agent/FontRecord.h"
+#include "common/FontManagerLimits.h"
+#include "common/Protocol.h"
+
+namespace pellwick {
+namespace {
+
+/// The font that the user chose before in the document's place of the one that it lacks, and has not removed since;
+/// the best others behind it.
+std::vector<Font> CandidatesFor(CommandContext& context, const RequestedFont& request,
+                                const std::string& document, bool& isFirstChosen) {
+    FontManager& manager = context.manager;
+    std::vector<Font> candidates = manager.replacements.Find(request);
+    const auto chosen = manager.fonts.Find(manager.documents.Choice(document, request.postScriptName));
+    isFirstChosen = chosen && chosen->activationState != kFontActivationState_Missing;
+    if (!isFirstChosen)
+        return candidates;
+    std::erase_if(candidates,
+                  [&](const Font& font) { return font.postScriptName == chosen->postScriptName; });
+    candidates.insert(candidates.begin(), *chosen);
+    return candidates;
+}
+
+/// As records by PostScript name.
+Json CandidateRecords(CommandContext& context, const RequestedFont& request, const std::string& document) {
+    bool isFirstChosen = false;
+    Json records = Json::object();
+    for (const Font& font : CandidatesFor(context, request, document, isFirstChosen)) {
+        const bool isChosen = isFirstChosen && records.empty();
+        Json record = FontRecord(context.manager, font);
+        record[kGS_RankKey] = records.size() + 1;
+        record[kGS_ReasonKey] =
+            isChosen ? "chosen for this document before" : ReplacementReason(font, request);
+        record[kGS_ReplacementForKey] = request.postScriptName;
+        record[kGS_ReplacementInKey] = document;
+        records[font.postScriptName] = std::move(record);
+    }
+    return records;
+}
+
+}  // namespace
+
+Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
+    const Json after = FontRecordWithFingerprint(manager, font);
+    Json reported = after;
+    if (requested.is_object())
+        reported.update(requested);
+    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
+        reported.erase(key);
+    for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
+        reported[key] = after[key];
+    reported[kGS_MatchedFontKey] = before;
+    if (std::string reason = MatchReason(font, RequestedFontOf(requested)); !reason.empty())
+        reported[kGS_ReasonKey] = std::move(reason);
+    return reported;
+}
+
+Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched) {
+    const Json& requests = ArrayMember(arguments, member::kFonts);
+    const long long wanted = IntegerMember(arguments, member::kReplacements, kMaxFontsWithReplacements);
+    const size_t limit = wanted < 0 ? 0 : std::min<size_t>(wanted, kMaxFontsWithReplacements);
+    Json replacements = Json::array();
+    for (const Json& index : unmatched) {
+        if (replacements.size() == limit)
+            break;
+        context.audience.KeepAlive();
+        replacements.push_back(CandidateRecords(context, RequestedFontOf(requests[index.get<size_t>()]),
+                                                StringMember(arguments, member::kDocument)));
+    }
+    return replacements;
+}
+
+}  // namespace pellwick
