@@ -8,10 +8,10 @@ std::string RefusalOfForeignHome() {
     auto& folders = platform::Current<platform::Folders>();
     for (const KnownFolder each :
          {KnownFolder::kLocalApplicationData, KnownFolder::kConfiguration, KnownFolder::kCache}) {
-        const std::string path = folders.PathOf(each);
-        const std::string owner = platform::LockedOutOwner(path);
+        std::string folder;
+        const std::string owner = platform::LockedOutOwner(folders.PathOf(each), folder);
         if (!owner.empty())
-            return path + " belongs to " + owner +
+            return folder + " belongs to " + owner +
                    ", who could not use what root leaves there; run this as " + owner +
                    ", or give HOME and the XDG variables the values of root";
     }

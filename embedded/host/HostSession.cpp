@@ -1,5 +1,6 @@
 #include "HostSession.h"
 
+#include "ForeignHome.h"
 #include "HostApplications.h"
 #include "Output.h"
 #include "platform/DynamicLibrary.h"
@@ -33,6 +34,10 @@ HostSession::~HostSession() {
 
 int HostSession::Start(const HostOptions& options, Needs needs) {
     std::string error;
+    if (const std::string refusal = RefusalOfForeignHome(); !refusal.empty()) {
+        PrintError(refusal);
+        return exit_status::kFailed;
+    }
     if (!mCore.Load(options.corePath, error)) {
         PrintError("cannot load the core: " + error + "; name its library with --core");
         return exit_status::kFailed;

@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 
 #include "CommandLine.h"
-#include "ForeignHome.h"
 #include "Output.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -33,10 +32,6 @@ int main(int argc, char** argv) {
         return status == 0 ? exit_status::kDone : exit_status::kWrongUsage;
     }
 
-    if (const std::string refusal = RefusalOfForeignHome(); !refusal.empty()) {
-        PrintError(refusal);
-        return exit_status::kFailed;
-    }
     platform::SetCurrentProcessName(line.host.app);
     if (!line.answers.empty() && !CanAnswer(line.answers)) {
         PrintError(line.answers + " holds no list of answers; docs/framework.md tells how to write one");

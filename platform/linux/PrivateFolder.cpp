@@ -73,11 +73,11 @@ int CloseFoldersToOthers(const std::string& path) {
     return CloseAll(OpenFolder(AT_FDCWD, path.c_str()), 0);
 }
 
-std::string LockedOutOwner(const std::string& path) {
+std::string LockedOutOwner(const std::string& path, std::string& folder) {
     struct stat info {};
-    std::string folder = path;
+    folder = path;
     while (geteuid() == 0 && !folder.empty() && stat(folder.c_str(), &info) != 0)
-        folder.erase(folder.find_last_of('/'));
+        folder.resize(folder.find('/') != std::string::npos ? folder.rfind('/') : 0);
     if (geteuid() != 0 || folder.empty() || info.st_uid == 0)
         return {};
     const passwd* const owner = getpwuid(info.st_uid);

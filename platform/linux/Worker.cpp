@@ -239,7 +239,8 @@ bool RestrictSystemCalls() {
          {SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(brk), SCMP_SYS(madvise), SCMP_SYS(close),
           SCMP_SYS(futex), SCMP_SYS(getrandom), SCMP_SYS(setitimer), SCMP_SYS(clock_gettime),
           SCMP_SYS(rt_sigreturn), SCMP_SYS(rt_sigprocmask), SCMP_SYS(getpid), SCMP_SYS(gettid),
-          SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)})
+          SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group),
+          SCMP_SYS(sysinfo)})  // qsort of the C library asks how much memory there is
         allow(call);
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})  // never to run what was written
         allowWith(call, SCMP_A2_64(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0));

@@ -34,7 +34,7 @@ protected:
 };
 
 TEST_F(WorkerTest, AnswersOneRequestAfterTheOther) {
-    for (const std::string request : {"", "first ", "second "}) {
+    for (const std::string request : {"", "first ", "second ", "sort much"}) {
         ASSERT_EQ(Ask(request), Outcome::kAnswered) << mProblem;
         EXPECT_EQ(mAnswer, request + "content");
     }

@@ -87,7 +87,7 @@ int CloseFoldersToOthers(const std::string& path) {
     return !CloseFolder(path, wasOpen) && wasOpen ? 1 : 0;
 }
 
-std::string LockedOutOwner(const std::string&) {
+std::string LockedOutOwner(const std::string&, std::string&) {
     return {};
 }
 

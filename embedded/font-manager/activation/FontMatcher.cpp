@@ -205,14 +205,19 @@ std::string ReplacementReason(const Font& font, const RequestedFont& request) {
             (wanted.wholeName == has.wholeName || wanted.wholeName == isCalled.wholeName))
             return "same name, written differently";
     }
-    const FontNameParts& wanted = byName.familyName.empty() ? byFamily : byName;
-    const auto alike = FamiliesOfSameMeasures(wanted.familyName);
-    if (has.familyName != wanted.familyName &&
-        std::find(alike.begin(), alike.end(), has.familyName) != alike.end())
-        return "as wide as " + (request.postScriptName.empty() ? request.family : request.postScriptName);
-    if (wanted.style == has.style)
-        return "same style of a like-named family";
-    return "same family, " + font.style + " instead of " + StyleText(wanted.style);
+    for (const FontNameParts* const reading : {&byName, &byFamily}) {
+        const FontNameParts& wanted = *reading;
+        if (wanted.familyName.empty())
+            continue;
+        if (wanted.familyName == has.familyName || wanted.familyName == isCalled.familyName)
+            return wanted.style == has.style
+                       ? "same style of a like-named family"
+                       : "same family, " + font.style + " instead of " + StyleText(wanted.style);
+        const auto alike = FamiliesOfSameMeasures(wanted.familyName);
+        if (std::find(alike.begin(), alike.end(), has.familyName) != alike.end())
+            return "as wide as " + (reading == &byFamily ? request.family : request.postScriptName);
+    }
+    return "a like-named font";
 }
 
 }  // namespace pellwick

@@ -13,7 +13,7 @@ constexpr Families kClasses[] = {
     // "Roman" is a word for a style.
     {"times", "timesnew", "nimbus", "texgyretermes", "liberationserif", "tinos", "nimbusno9l",
      "nimbusromno9l"},
-    {"courier", "couriernew", "nimbusmonops", "texgyrecursor", "liberationmono", "cousine", "nimbusmonol",
+    {"courier", "couriernew", "nimbusmono", "texgyrecursor", "liberationmono", "cousine", "nimbusmonol",
      "cumberland"},
     {"calibri", "carlito"},
     {"cambria", "caladea"},
@@ -21,9 +21,9 @@ constexpr Families kClasses[] = {
     {"palatino", "palatinolinotype", "p052", "texgyrepagella", "urwpalladiol"},
     {"bookman", "itcbookman", "urwbookman", "texgyrebonum", "urwbookmanl"},
     {"avantgarde", "itcavantgardegothic", "urwgothic", "texgyreadventor", "urwgothicl"},
-    {"newcenturyschoolbook", "c059", "texgyreschola", "centuryschoolbookl"},
+    {"newcenturyschoolbook", "newcenturyschlbk", "c059", "texgyreschola", "centuryschoolbookl"},
     {"zapfchancery", "itczapfchancery", "z003", "texgyrechorus", "urwchanceryl"},
-    {"symbol", "standardsymbolsps", "standardsymbolsl"},
+    {"symbol", "standardsymbols", "standardsymbolsl"},
     {"zapfdingbats", "itczapfdingbats", "d050000l", "dingbats"}};
 
 }  // namespace

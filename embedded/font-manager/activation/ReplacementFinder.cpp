@@ -1,6 +1,7 @@
 #include "activation/ReplacementFinder.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <set>
 
@@ -17,6 +18,8 @@ constexpr int kSameWholeName = 1;
 constexpr int kSameFamily = 2;
 /// More than any two styles are apart.
 constexpr int kSameMeasures = 1000;
+/// "Demi" of one family is "Bold" of another.
+constexpr int kNextWeight = 100;
 
 /// Some milliseconds' work.
 constexpr int kNamesIndexedAtOnce = 1000;
@@ -55,7 +58,7 @@ void ReplacementFinder::Add(const FontNames& names) {
         Enter(mByWholeName, parts.wholeName, position);
         Enter(mByFamily, parts.familyName, position);
     }
-    mNames.push_back({names.postScriptName, byFamily.style});
+    mNames.push_back({names.postScriptName, byFamily.style, byPostScript.style.width});
 }
 
 void ReplacementFinder::Measure(const FontNameParts& wanted, Distances& distances) const {
@@ -77,7 +80,12 @@ void ReplacementFinder::Measure(const FontNameParts& wanted, Distances& distance
          [&](const NamedFont& font) { return kSameFamily + StyleDistance(wanted.style, font.style); });
     for (const std::string_view family : FamiliesOfSameMeasures(wanted.familyName))
         note(mByFamily, std::string(family), [&](const NamedFont& font) {
-            return font.style == wanted.style ? std::optional(kSameMeasures) : std::nullopt;
+            const bool isAsWide = font.style.width == wanted.style.width && font.width == wanted.style.width;
+            const bool isAlike = font.style.isSlanted == wanted.style.isSlanted &&
+                                 std::abs(font.style.weight - wanted.style.weight) <= kNextWeight;
+            return isAsWide && isAlike
+                       ? std::optional(kSameMeasures + StyleDistance(wanted.style, font.style))
+                       : std::nullopt;
         });
 }
 

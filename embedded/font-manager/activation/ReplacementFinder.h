@@ -35,6 +35,7 @@ private:
     struct NamedFont {
         std::string postScriptName;
         FontStyle style;
+        int width;  ///< by the PostScript name, where the family's may hide it ("Heros Cn")
     };
 
     void Add(const FontNames& names);

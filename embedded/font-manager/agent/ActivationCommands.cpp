@@ -1,6 +1,5 @@
 // Activating fonts, for documents and for the user.
 #include <algorithm>
-#include <chrono>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -9,7 +8,6 @@
 #include "agent/FontReports.h"
 #include "agent/NamedRecords.h"
 #include "agent/Requests.h"
-#include "agent/SystemFonts.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -112,17 +110,6 @@ Json ActivateForDocument(CommandContext& context, const Json& arguments) {
             {member::kReported, std::move(reported)}};
 }
 
-/// Once the system's fonts are recorded, or after the time.
-Json ActivateWhenFontsAreKnown(CommandContext& context, const Json& arguments,
-                               std::chrono::steady_clock::time_point deadline) {
-    if (!AreSystemFontsIncomplete(context.manager) || std::chrono::steady_clock::now() > deadline)
-        return ActivateForDocument(context, arguments);
-    // Behind what is being read.
-    return context.Defer(Deferral::LaneName::kSystemFonts, [=](FontWorker&) {
-        return [=](CommandContext& later) { return ActivateWhenFontsAreKnown(later, arguments, deadline); };
-    });
-}
-
 }  // namespace
 
 Json commands::ActivateFonts(CommandContext& context, const Json& arguments) {
@@ -137,8 +124,7 @@ Json commands::ActivateFonts(CommandContext& context, const Json& arguments) {
 
 Json commands::ActivateDocumentFonts(CommandContext& context, const Json& arguments) {
     RequireLogIn(context);
-    return ActivateWhenFontsAreKnown(context, arguments,
-                                     std::chrono::steady_clock::now() + kSystemFontsPatience);
+    return AnswerWhenFontsAreKnown(context, arguments, ActivateForDocument);
 }
 
 /// They become the agent's own, and end with it.

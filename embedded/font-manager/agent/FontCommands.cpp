@@ -60,14 +60,11 @@ Json Page(CommandContext& context, const Json& arguments, const platform::Visibl
     return {{member::kFonts, std::move(records)}};
 }
 
-void RefuseSystemFonts(CommandContext& context, const std::vector<uint32_t>& ids) {
-    for (const uint32_t id : ids) {
-        const auto font = context.manager.fonts.Find(id);
-        if (font && font->file.IsSystems())
-            throw CommandError(GZephyrinWorkgroupManager::kRestrictedWorkgroup,
-                               "\"" + font->postScriptName + "\" is the system's own: " + font->file.path +
-                                   " stays where it is");
-    }
+void RefuseSystemFont(const Font& font) {
+    if (font.file.IsSystems())
+        throw CommandError(
+            GZephyrinWorkgroupManager::kRestrictedWorkgroup,
+            "\"" + font.postScriptName + "\" is the system's own: " + font.file.path + " stays where it is");
 }
 
 /// A page of the fonts, taken from the front of `left`, and the faces that share their files, which come to `files`.
@@ -81,6 +78,7 @@ Json NextFacesWithTheirFiles(CommandContext& context, std::vector<uint32_t>& lef
         const auto font = fonts.Find(*next);
         if (!font || !files.emplace(font->file.id, font->file).second)  // gone, or here with another face
             continue;
+        RefuseSystemFont(*font);
         for (const Font& face : fonts.FontsOfFile(font->file.id))
             faces.push_back({{kGS_DatabaseIDKey, face.id}, {kGS_PostScriptNameKey, face.postScriptName}});
     }
@@ -95,7 +93,6 @@ Json NextFacesWithTheirFiles(CommandContext& context, std::vector<uint32_t>& lef
 Json commands::RemoveFonts(CommandContext& context, const Json& arguments) {
     FontManager& manager = context.manager;
     std::vector<uint32_t> left = FontIDsOf(ArrayMember(arguments, member::kFonts));
-    RefuseSystemFonts(context, left);
     std::map<int64_t, FontFile> files;
     Json removed = NextFacesWithTheirFiles(context, left, files);
     RequireSendable(removed);

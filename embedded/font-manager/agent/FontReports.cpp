@@ -1,10 +1,12 @@
 #include "agent/FontReports.h"
 
 #include <algorithm>
+#include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
 #include "agent/FontRecord.h"
+#include "agent/SystemFonts.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 
@@ -37,14 +39,29 @@ Json CandidateRecords(CommandContext& context, const RequestedFont& request, con
         record[kGS_RankKey] = records.size() + 1;
         record[kGS_ReasonKey] =
             isChosen ? "chosen for this document before" : ReplacementReason(font, request);
-        record[kGS_ReplacementForKey] = request.postScriptName;
         record[kGS_ReplacementInKey] = document;
         records[font.postScriptName] = std::move(record);
     }
     return records;
 }
 
+using Answer = Json (*)(CommandContext& context, const Json& arguments);
+
+Json AnswerBefore(std::chrono::steady_clock::time_point deadline, CommandContext& context,
+                  const Json& arguments, Answer answer) {
+    if (!AreSystemFontsIncomplete(context.manager) || std::chrono::steady_clock::now() > deadline)
+        return answer(context, arguments);
+    // Behind what is being read.
+    return context.Defer(Deferral::LaneName::kSystemFonts, [=](FontWorker&) {
+        return [=](CommandContext& later) { return AnswerBefore(deadline, later, arguments, answer); };
+    });
+}
+
 }  // namespace
+
+Json AnswerWhenFontsAreKnown(CommandContext& context, const Json& arguments, Answer answer) {
+    return AnswerBefore(std::chrono::steady_clock::now() + kSystemFontsPatience, context, arguments, answer);
+}
 
 Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
     const Json after = FontRecordWithFingerprint(manager, font);

@@ -9,6 +9,10 @@ namespace pellwick {
 /// record with the state that it had for this host.
 Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font);
 
+/// What `answer` makes of the arguments, once the system's fonts are recorded or after a moment.
+Json AnswerWhenFontsAreKnown(CommandContext& context, const Json& arguments,
+                             Json (*answer)(CommandContext& context, const Json& arguments));
+
 /// What could replace the requests that were not matched, in their order and for the first of them: objects of font
 /// records by PostScript name. `arguments`: of ActivateDocumentFonts or MatchFonts; `unmatched`: positions in its fonts.
 Json ReplacementsFor(CommandContext& context, const Json& arguments, const Json& unmatched);

@@ -41,7 +41,8 @@ void ReadSome(LicenceReading& reading, FontWorker& worker) {
     size_t count = 0;
     do {
         Read(reading.fonts[count], reading.records[count], worker);
-    } while (++count < reading.fonts.size() && std::chrono::steady_clock::now() < deadline);
+    } while (++count < reading.fonts.size() && !worker.StopFlag() &&
+             std::chrono::steady_clock::now() < deadline);
     std::vector<uint32_t> unread;
     for (size_t index = count; index < reading.fonts.size(); ++index)
         unread.push_back(reading.fonts[index].id);

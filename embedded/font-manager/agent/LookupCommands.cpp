@@ -24,6 +24,29 @@ int32_t WantedWorkgroup(const Json& arguments) {
     return id != 0 ? id : kNoWorkgroup;
 }
 
+Json MatchForDocument(CommandContext& context, const Json& arguments) {
+    FontManager& manager = context.manager;
+    const Json& requests = ArrayMember(arguments, member::kFonts);
+    Json reported = Json::array();
+    Json unmatched = Json::array();
+    for (size_t index = 0; index < requests.size(); ++index) {
+        context.audience.KeepAlive();
+        const RequestedFont request = RequestedFontOf(requests[index]);
+        const std::vector<Font> candidates = MatchFonts(manager.fonts, request);
+        if (candidates.empty()) {
+            unmatched.push_back(index);
+            continue;
+        }
+        const Font& font = candidates[IndexOfBestMatch(candidates, request)];
+        reported.push_back(ReportedFont(requests[index], FontRecord(manager, font), manager, font));
+    }
+    RequireSendable(reported);
+    Json replacements = ReplacementsFor(context, arguments, unmatched);
+    return {{member::kReported, std::move(reported)},
+            {member::kUnmatched, std::move(unmatched)},
+            {member::kReplacements, std::move(replacements)}};
+}
+
 }  // namespace
 
 Json commands::GetFont(CommandContext& context, const Json& arguments) {
@@ -78,26 +101,7 @@ Json commands::FindByAnyName(CommandContext& context, const Json& arguments) {
 
 /// What a document would be given, without activating anything.
 Json commands::MatchFonts(CommandContext& context, const Json& arguments) {
-    FontManager& manager = context.manager;
-    const Json& requests = ArrayMember(arguments, member::kFonts);
-    Json reported = Json::array();
-    Json unmatched = Json::array();
-    for (size_t index = 0; index < requests.size(); ++index) {
-        context.audience.KeepAlive();
-        const RequestedFont request = RequestedFontOf(requests[index]);
-        const std::vector<Font> candidates = pellwick::MatchFonts(manager.fonts, request);
-        if (candidates.empty()) {
-            unmatched.push_back(index);
-            continue;
-        }
-        const Font& font = candidates[IndexOfBestMatch(candidates, request)];
-        reported.push_back(ReportedFont(requests[index], FontRecord(manager, font), manager, font));
-    }
-    RequireSendable(reported);
-    Json replacements = ReplacementsFor(context, arguments, unmatched);
-    return {{member::kReported, std::move(reported)},
-            {member::kUnmatched, std::move(unmatched)},
-            {member::kReplacements, std::move(replacements)}};
+    return AnswerWhenFontsAreKnown(context, arguments, MatchForDocument);
 }
 
 }  // namespace pellwick

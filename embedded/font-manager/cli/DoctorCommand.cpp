@@ -22,15 +22,19 @@ void AddProblems(const Json& problems, const char* about, Findings& findings) {
         findings.Add(kWrong, about, problem.get<std::string>());
 }
 
+void WarnOfLogOut(const Json& status, Findings& findings) {
+    if (!BoolMember(status, member::kLoggedIn))
+        findings.Add(kWarning, "user", "nobody is logged in, so no fonts are activated",
+                     PastedCommand("login NAME"));
+}
+
 void ExamineAgent(const Json& status, Findings& findings) {
     findings.Add(kOk, "agent",
                  "process " + std::to_string(IntegerMember(status, member::kProcess)) + ", listens at " +
                      Locations::OfThisUser().AgentAddress());
     if (BoolMember(status, member::kLoggedIn))
         findings.Add(kOk, "user", StringMember(status, member::kUserName) + " is logged in");
-    else
-        findings.Add(kWarning, "user", "nobody is logged in, so no fonts are activated",
-                     PastedCommand("login NAME"));
+    WarnOfLogOut(status, findings);
     findings.Add(kOk, "hosts", std::to_string(IntegerMember(status, member::kHosts)) + " hold fonts active");
 }
 
@@ -138,6 +142,7 @@ ExitStatus ExamineAll(AgentSession& session) {
 ExitStatus ExamineNamed(AgentSession& session, const std::vector<std::string>& words) {
     session.StartAgentIfNeeded();
     Findings findings;
+    WarnOfLogOut(session.Call(method::kGetStatus, Json::object()), findings);
     std::vector<std::string> names;
     for (const std::string& word : words) {
         if (platform::IsExistingFile(word))

@@ -20,26 +20,21 @@ using exact_words::AddTexts;
 
 namespace {
 
-/// What removing the fonts takes with them: every face of their files.
-Json WouldBeRemoved(AgentSession& session, Json left) {
-    Json faces = Json::array();
-    while (!left.empty()) {
-        const Json answer =
-            session.Call(method::kRemoveFonts, {{member::kFonts, left}, {member::kDryRun, true}});
-        const Json& page = ArrayMember(answer, member::kRemoved);
-        faces.insert(faces.end(), page.begin(), page.end());
-        left = ArrayMember(answer, member::kLeft);
-    }
-    return faces;
+/// What removing the font takes with it: every face of its file.
+Json WouldBeRemoved(AgentSession& session, const Json& font) {
+    const Json answer =
+        session.Call(method::kRemoveFonts,
+                     {{member::kFonts, Json::array({font[kGS_DatabaseIDKey]})}, {member::kDryRun, true}});
+    return ArrayMember(answer, member::kRemoved);
 }
 
-/// "A, B, C and 5 others".
+/// "A, B, C and 5 more".
 std::string SomeNames(const Json& fonts) {
     constexpr size_t kMost = 3;
     std::string names;
     for (size_t index = 0; index < std::min(fonts.size(), kMost); ++index)
         names += (index == 0 ? "" : ", ") + StringMember(fonts[index], kGS_PostScriptNameKey);
-    return fonts.size() > kMost ? names + " and " + std::to_string(fonts.size() - kMost) + " others" : names;
+    return fonts.size() > kMost ? names + " and " + std::to_string(fonts.size() - kMost) + " more" : names;
 }
 
 /// Throws Failure when the user does not want it, or cannot be asked.
@@ -60,16 +55,17 @@ ExitStatus RemoveFonts(AgentSession& session, const std::vector<std::string>& na
     const Json own = WithoutSystemFonts(found, "and stays where it is");
     isComplete = isComplete && (found.empty() || !own.empty());
     Json left = IDsOf(own);
-    if (const Json faces = isConfirmed ? Json::array() : WouldBeRemoved(session, left); faces.size() > 1)
-        ConfirmRemoval(faces);
+    const Json fonts = own.size() == 1 && !isConfirmed ? WouldBeRemoved(session, own.front()) : own;
+    if (fonts.size() > 1 && !isConfirmed)
+        ConfirmRemoval(fonts);
     Json removed = Json::array();
     while (!left.empty()) {
         const Json answer = session.Call(method::kRemoveFonts, {{member::kFonts, left}});
-        const Json& fonts = ArrayMember(answer, member::kRemoved);
+        const Json& page = ArrayMember(answer, member::kRemoved);
         if (!session.PrintsJson())
-            PrintFonts(fonts, "removed");  // as it happens: the rest may fail
+            PrintFonts(page, "removed");  // as it happens: the rest may fail
         else
-            removed.insert(removed.end(), fonts.begin(), fonts.end());
+            removed.insert(removed.end(), page.begin(), page.end());
         left = ArrayMember(answer, member::kLeft);
     }
     if (session.PrintsJson())
@@ -147,14 +143,15 @@ std::string DifferenceText(const Json& font, const Json& chosen) {
 }
 
 void PrintRival(const Json& font, const Json& chosen) {
-    PrintLine(std::string(BoolMember(font, member::kIsChosen) ? "  * " : "    ") +
-              std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + "  " +
-              StringMember(font, kGS_VersionKey) + " (" + StringMember(font, kGS_FontKindKey) + ")" +
-              (BoolMember(font, member::kIsPreferred) ? ", preferred" : "") + DifferenceText(font, chosen) +
-              ", " +
-              (IntegerMember(font, kGS_WorkgroupTypeKey) == kWorkgroupType_System
-                   ? StringMember(font, kGS_PathKey)
-                   : "added as " + StringMember(font, kGS_OutlineFileNameKey)));
+    PrintLine(
+        std::string(BoolMember(font, member::kIsChosen) ? "  * " : "    ") +
+        std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + "  " +
+        (StringMember(font, kGS_VersionKey).empty() ? "no version" : StringMember(font, kGS_VersionKey)) +
+        " (" + StringMember(font, kGS_FontKindKey) + ")" +
+        (BoolMember(font, member::kIsPreferred) ? ", preferred" : "") + DifferenceText(font, chosen) + ", " +
+        (IntegerMember(font, kGS_WorkgroupTypeKey) == kWorkgroupType_System
+             ? StringMember(font, kGS_PathKey)
+             : "added as " + StringMember(font, kGS_OutlineFileNameKey)));
 }
 
 /// Fonts of one name stand together.

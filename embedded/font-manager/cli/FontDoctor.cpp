@@ -7,14 +7,14 @@
 #include "cli/DocumentNames.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
+#include "platform/Files.h"
+#include "scan/FontFiles.h"
 
 namespace pellwick::cli {
 namespace {
 
 /// Why the font is active, or is not.
-void ExamineFont(const Json& font, bool isVisible, Findings& findings) {
-    const std::string name = StringMember(font, kGS_PostScriptNameKey) + " (" +
-                             std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + ")";
+void ExamineFont(const std::string& name, const Json& font, bool isVisible, Findings& findings) {
     const std::string seen = isVisible ? ", and programs see it" : ", but programs do not see it";
     const char* state = isVisible ? kOk : kWrong;
     const std::string mend = isVisible ? "" : "start the program again, or see " + PastedCommand("doctor");
@@ -58,6 +58,30 @@ std::set<long long> VisibleAmong(AgentSession& session, const Json& fonts) {
     return visible;
 }
 
+bool IsFontFile(const std::string& path) {
+    platform::ReadOnlyFile file;
+    std::string beginning(kSignatureSize, '\0');
+    size_t size = 0;
+    if (file.Open(path) || file.ReadAt(0, beginning.data(), beginning.size(), size))
+        return false;
+    return MayBeFontFile(std::string_view(beginning).substr(0, size));
+}
+
+std::string NameOf(const Json& font) {
+    return StringMember(font, kGS_PostScriptNameKey) + " (" +
+           std::to_string(IntegerMember(font, kGS_DatabaseIDKey)) + ")";
+}
+
+/// "Sample-Bold, by its full name Sample-Bold (3)": the font as the document calls it, and the one that it gets.
+std::string NameOfMatch(const Json& reported) {
+    const std::string asked = StringMember(reported, kGS_PostScriptNameKey);
+    const Json& font = reported[kGS_MatchedFontKey];
+    const std::string reason = StringMember(reported, kGS_ReasonKey);
+    return asked == StringMember(font, kGS_PostScriptNameKey) && reason.empty()
+               ? NameOf(font)
+               : asked + (reason.empty() ? "" : ", " + reason) + " " + NameOf(font);
+}
+
 /// "perhaps Sample-Bold, same family, Bold instead of Black".
 std::string BestReplacementText(const Json& replacements) {
     for (const Json& font : replacements) {
@@ -77,13 +101,16 @@ std::string RequestedName(const Json& request) {
 void ExamineFonts(AgentSession& session, const Json& fonts, Findings& findings) {
     const std::set<long long> visible = VisibleAmong(session, fonts);
     for (const Json& font : fonts)
-        ExamineFont(font, visible.count(IntegerMember(font, kGS_DatabaseIDKey)) != 0, findings);
+        ExamineFont(NameOf(font), font, visible.count(IntegerMember(font, kGS_DatabaseIDKey)) != 0, findings);
 }
 
 void ExamineDocument(AgentSession& session, const std::string& path, Findings& findings) {
+    if (IsFontFile(path))
+        return findings.Add(kWarning, path, "it is a font file, not a document", PastedCommand("add FILE"));
     const Json requests = FontsOfDocument(path);
     if (requests.empty())
         return findings.Add(kOk, path, "it names no fonts");
+    Json reported = Json::array();
     Json matches = Json::array();
     for (size_t first = 0; first < requests.size(); first += kMaxFontsPerRequest) {
         const auto begin = requests.begin() + static_cast<std::ptrdiff_t>(first);
@@ -91,8 +118,10 @@ void ExamineDocument(AgentSession& session, const std::string& path, Findings& f
         const Json part(std::vector<Json>(begin, begin + static_cast<std::ptrdiff_t>(count)));
         const Json answer =
             session.Call(method::kMatchFonts, {{member::kFonts, part}, {member::kDocument, path}});
-        for (const Json& font : ArrayMember(answer, member::kReported))
+        for (const Json& font : ArrayMember(answer, member::kReported)) {
+            reported.push_back(font);
             matches.push_back(font[kGS_MatchedFontKey]);
+        }
         const Json& unmatched = ArrayMember(answer, member::kUnmatched);
         const Json& replacements = ArrayMember(answer, member::kReplacements);
         for (size_t index = 0; index < unmatched.size(); ++index)
@@ -101,7 +130,12 @@ void ExamineDocument(AgentSession& session, const std::string& path, Findings& f
                                                                     : "nothing was looked for"),
                          PastedCommand("add PATH"));
     }
-    ExamineFonts(session, matches, findings);
+    const std::set<long long> visible = VisibleAmong(session, matches);
+    for (const Json& font : reported) {
+        const Json& matched = font[kGS_MatchedFontKey];
+        ExamineFont(NameOfMatch(font), matched, visible.count(IntegerMember(matched, kGS_DatabaseIDKey)) != 0,
+                    findings);
+    }
 }
 
 }  // namespace pellwick::cli

@@ -55,6 +55,8 @@ public:
         if (!file.empty() && mFiles.insert(file).second)
             mPaths.push_back(mCollector.PathOf(file));
         NoteCode(CodeOf(collected));
+        if (!mDocuments.insert(document).second)
+            return;
         if (const auto missing = Library::Get().Missing().Of(document))
             mCollector.SetMissing(platform::NamePart(document), *missing);
     }
@@ -70,6 +72,7 @@ private:
     FontCollector mCollector;
     ErrorCode mCode = CoreErrorCodes::kSuccess;
     std::set<std::string> mFiles;
+    std::set<std::string> mDocuments;
     std::vector<std::string> mPaths;
 };
 

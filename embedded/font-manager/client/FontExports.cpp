@@ -132,17 +132,29 @@ uint32_t AnswerFromFont(PluginFacadeRef facade, uint32_t fontID, Value* out, Rea
     });
 }
 
+/// The candidates, each with the font and the document that it is for: so the choice is known when it is activated.
+Json ChoicesFor(Json replacements, const std::string& name, const std::string& document) {
+    for (Json& candidate : replacements) {
+        candidate[kGS_ReplacementForKey] = name;
+        candidate[kGS_ReplacementInKey] = document;
+    }
+    return replacements;
+}
+
 /// The requested record with the candidates in place of those that it may hold from another time. A bare name
 /// stays one.
-CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements) {
+CFRef<CFTypeRef> UnmatchedFont(CFTypeRef requested, const Json& replacements, const std::string& document) {
     const auto record = cf::As<CFDictionaryRef>(requested);
     if (record == nullptr)
         return RetainCF(requested);
     auto unmatched = AdoptCF(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, record));
     for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
         CFDictionaryRemoveValue(unmatched.get(), cf::String(key).get());
-    cf::Set(unmatched, kGS_PossibleReplacementsKey,
-            replacements.empty() ? nullptr : CFFromJson(replacements));
+    cf::Set(
+        unmatched, kGS_PossibleReplacementsKey,
+        replacements.empty()
+            ? nullptr
+            : CFFromJson(ChoicesFor(replacements, cf::GetString(record, kGS_PostScriptNameKey), document)));
     return unmatched;
 }
 
@@ -169,31 +181,31 @@ struct DocumentFonts {
 
 /// What goes with the fonts when they are collected: the document that uses them, and what it lacks.
 void NoteDocument(const std::string& path, const Json& requests, DocumentFonts& found) {
-    for (Json& font : found.reported)
+    std::set<std::string> names = {path};
+    for (Json& font : found.reported) {
         font.emplace(kGS_SourceDocumentNameKey, path);  // unless the host named one
+        names.insert(StringMember(font, kGS_SourceDocumentNameKey));
+    }
     Json missing = Json::array();
     for (const CFIndex position : found.unmatched) {
         if (position >= 0 && static_cast<size_t>(position) < requests.size())
             missing.push_back(MissingFont(path, requests[static_cast<size_t>(position)]));
     }
-    Library::Get().Missing().Note(path, std::move(missing));
+    for (const std::string& name : names)
+        Library::Get().Missing().Note(name, missing);
 }
 
-void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts,
-                     const DocumentFonts& found) {
+void AppendUnmatched(CFMutableArrayRef unmatchedFonts, CFArrayRef requestedFonts, const DocumentFonts& found,
+                     const std::string& document) {
     for (size_t index = 0; index < found.unmatched.size(); ++index) {
         const CFIndex position = found.unmatched[index];
         const bool hasReplacements = index < found.replacements.size();
         if (position >= 0 && position < CFArrayGetCount(requestedFonts))
             cf::Append(unmatchedFonts,
                        UnmatchedFont(CFArrayGetValueAtIndex(requestedFonts, position),
-                                     hasReplacements ? found.replacements[index] : Json::object()));
+                                     hasReplacements ? found.replacements[index] : Json::object(), document));
     }
 }
-
-}  // namespace
-
-namespace {
 
 /// Replacements that the user chose are offered first the next time. Nobody misses that where it fails.
 void NoteChoices(PluginFacadeRef facade, const Json& fonts) {
@@ -255,7 +267,7 @@ uint32_t ActivateDocumentFontsByPath(PluginFacadeRef facade, CFStringRef documen
         NoteDocument(path, requests, found);
         AppendJson(reportedFonts, found.reported);
         if (unmatchedFonts != nullptr)
-            AppendUnmatched(unmatchedFonts, requestedFonts, found);
+            AppendUnmatched(unmatchedFonts, requestedFonts, found, path);
         return code;
     });
 }

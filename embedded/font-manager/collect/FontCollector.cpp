@@ -1,11 +1,14 @@
 #include "collect/FontCollector.h"
 
+#include <algorithm>
+#include <deque>
 #include <optional>
 
 #include "TarnwickPluginInterface.h"
 #include "collect/EmbeddingRights.h"
 #include "collect/FileCopies.h"
 #include "collect/LicenceFiles.h"
+#include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Files.h"
 
@@ -46,19 +49,24 @@ Json EntryOf(const Json& font, const Json& uses) {
 
 }  // namespace
 
-ErrorCode GetFontsToCollect(const AgentCall& call, Json ids, Json& fonts) {
+ErrorCode GetFontsToCollect(const AgentCall& call, const Json& ids, Json& fonts) {
     fonts = Json::array();
-    while (!ids.empty()) {
+    std::deque<Json> waiting(ids.begin(), ids.end());
+    while (!waiting.empty()) {
+        const auto end =
+            waiting.begin() + static_cast<std::ptrdiff_t>(std::min(waiting.size(), kLicenceBatchSize));
+        const Json part(std::vector<Json>(waiting.begin(), end));
+        waiting.erase(waiting.begin(), end);
         Json result;
-        const ErrorCode code = call(method::kGetLicences, {{member::kFonts, ids}}, result);
+        const ErrorCode code = call(method::kGetLicences, {{member::kFonts, part}}, result);
         if (code != CoreErrorCodes::kSuccess)
             return code;
-        const Json& part = ArrayMember(result, member::kFonts);
-        fonts.insert(fonts.end(), part.begin(), part.end());
+        const Json& read = ArrayMember(result, member::kFonts);
+        fonts.insert(fonts.end(), read.begin(), read.end());
         const Json& left = ArrayMember(result, member::kLeft);
-        if (left.size() >= ids.size())
+        if (left.size() >= part.size())
             return CoreErrorCodes::kUnknownError;
-        ids = Json(left);
+        waiting.insert(waiting.begin(), left.begin(), left.end());
     }
     return CoreErrorCodes::kSuccess;
 }

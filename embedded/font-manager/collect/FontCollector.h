@@ -16,7 +16,7 @@ namespace pellwick {
 using AgentCall = std::function<ErrorCode(const char* method, const Json& arguments, Json& result)>;
 
 /// The records of the fonts that the agent knows, with what it answers to GetLicences, in the order of `ids`.
-[[nodiscard]] ErrorCode GetFontsToCollect(const AgentCall& call, Json ids, Json& fonts);
+[[nodiscard]] ErrorCode GetFontsToCollect(const AgentCall& call, const Json& ids, Json& fonts);
 
 /// A list of the use that the document's record of a font, or its bare name, tells of. `document`: a path.
 Json UsesIn(const std::string& document, const Json& record);

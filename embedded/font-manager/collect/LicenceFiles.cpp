@@ -52,11 +52,12 @@ std::vector<std::string> LicenceFilesBeside(const std::string& fontPath) {
         const std::string path = platform::Utf8Text(entry->path());
         std::error_code ignored;
         if (IsLicenceName(platform::NamePart(path)) && !entry->is_symlink(ignored) &&
-            !IsOfAnotherFile(path, fontPath) && IsText(path))
+            !IsOfAnotherFile(path, fontPath))
             files.push_back(path);
     }
     std::sort(files.begin(), files.end());
     files.resize(std::min(files.size(), kMaxLicenceFiles));
+    std::erase_if(files, [](const std::string& path) { return !IsText(path); });
     return files;
 }
 

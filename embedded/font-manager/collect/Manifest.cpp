@@ -1,6 +1,7 @@
 #include "collect/Manifest.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "collect/FileCopies.h"
@@ -161,14 +162,17 @@ void Manifest::SetMissing(const std::string& document, const Json& fonts) {
                 [&](const Json& use) { return StringMember(use, manifest::kDocument) == document; });
     }
     EraseIf(missing, [](const Json& font) { return font[manifest::kUsedIn].empty(); });
+    std::map<std::string, size_t> positions;
+    for (size_t position = 0; position < missing.size(); ++position)
+        positions.emplace(NameOf(missing[position]), position);
     for (const Json& font : fonts) {
-        const auto known = std::find_if(missing.begin(), missing.end(),
-                                        [&](const Json& each) { return NameOf(each) == NameOf(font); });
-        if (known == missing.end())
+        const auto [known, isNew] = positions.emplace(NameOf(font), missing.size());
+        if (isNew) {
             missing.push_back(font);
-        else
-            (*known)[manifest::kUsedIn] =
-                MergedUses((*known)[manifest::kUsedIn], ArrayMember(font, manifest::kUsedIn));
+            continue;
+        }
+        Json& uses = missing[known->second][manifest::kUsedIn];
+        uses = MergedUses(uses, ArrayMember(font, manifest::kUsedIn));
     }
 }
 

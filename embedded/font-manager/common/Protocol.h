@@ -26,7 +26,7 @@
 
 namespace pellwick {
 
-/// Goes up with every change that an older client or agent would not understand.
+/// Goes up with every change of what is there already. A method that an older agent does not have it refuses.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
 constexpr int kSchemaVersion = 6;

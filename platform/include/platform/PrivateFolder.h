@@ -17,10 +17,10 @@ SystemError MakePrivateFolder(const std::string& path);
 /// MakePrivateFolder closes one.
 int CloseFoldersToOthers(const std::string& path);
 
-/// Whom this process would lock out of what it makes at `path`: the owner of the nearest folder that is there, when the
-/// process is the superuser's and the folder is not. The user's name, or number where that has no name; empty where all
+/// Whom this process would lock out of what it makes at `path`: the owner of the nearest folder that is there, which goes
+/// to `folder`, when the process is the superuser's and the folder is not. The user's name, or number where that has no name; empty where all
 /// is well. Windows: always empty.
-std::string LockedOutOwner(const std::string& path);
+std::string LockedOutOwner(const std::string& path, std::string& folder);
 
 /// From now on what this process makes, and what it starts, is for this user alone unless it says otherwise.
 /// For a program's own main function: in a library it would change its host. Windows: does nothing; what is

@@ -26,6 +26,10 @@ std::string AnswerTo(const std::string& request, std::string_view file) {
     }
     if (request == "crash")
         std::abort();
+    if (request == "sort much") {  // the C library looks at the system's memory for that
+        std::vector<int> numbers(100000, 1);
+        std::qsort(numbers.data(), numbers.size(), sizeof(int), [](const void*, const void*) { return 0; });
+    }
     if (request == "read a file")
         return std::ifstream("/etc/passwd") ? "read" : "refused";
     if (request == "start a program")

@@ -5,6 +5,8 @@
 #include "Preferences.h"
 #include "TraceLog.h"
 
+#include <algorithm>
+
 ErrorCode CoreAgentInterface::ActivateDocumentFontsByPath(const std::string& documentPath,
                                                           const DocumentFontLists& lists) {
     constexpr char kName[] = "CoreAgentInterface::ActivateDocumentFontsByPath";
@@ -123,20 +125,20 @@ ErrorCode CoreAgentInterface::CollectFontsUsedByCurrentDocument(const std::strin
                             : MakeEmptyFolder(destinationFolder);
 }
 
-// Font by font, so that the user sees how far it has come and can stop it.
+// In twenty parts, so that the user sees how far it has come and can stop it; the list of the fonts is written for each.
 ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                                            const CollectingProgress& progress) {
     const CFRef<CFStringRef> folder = cf::String(destinationFolder);
     const auto count = static_cast<int>(cf::Count(fonts));
-    int done = 0;
+    const int step = std::max(1, count / 20);
     ErrorCode result = CoreErrorCodes::kSuccess;
-    for (const CFDictionaryRef font : cf::Elements<CFDictionaryRef>(fonts)) {
-        if (!progress(done++, count))
+    for (int done = 0; done < count; done += step) {
+        if (!progress(done, count))
             return GZephyrinExportFonts::kTaskStopped;
         HostPatience::Renew();  // there is a bar to look at
-        const CFRef<CFMutableArrayRef> one = cf::MutableArray();
-        cf::Append(one, font);
-        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, one.get(), folder.get(), nullptr);
+        const CFRef<CFMutableArrayRef> part = cf::MutableArray();
+        CFArrayAppendArray(part.get(), fonts, CFRangeMake(done, std::min(step, count - done)));
+        const ErrorCode code = Call(&PluginFunctionTable::pfExportFonts, part.get(), folder.get(), nullptr);
         if (result == CoreErrorCodes::kSuccess)
             result = code;
         if (code != CoreErrorCodes::kSuccess && code != GZephyrinExportFonts::kFontUnavailableToExport)

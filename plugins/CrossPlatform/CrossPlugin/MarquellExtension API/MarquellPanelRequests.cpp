@@ -26,7 +26,7 @@ namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
 /// Each takes a few milliseconds of the host's thread when it was never made before.
-constexpr size_t kFontsRenderedAtOnce = 10;
+constexpr size_t kFontsRenderedAtOnce = 3;
 /// What the host does not notice; no further fonts are rendered after it until it is idle again.
 constexpr uint32_t kRenderingMilliseconds = 50;
 
@@ -220,9 +220,16 @@ ErrorCode MarquellPanel::GetFontPNGs(const JSONValue& jsonValue) {
 ErrorCode MarquellPanel::RenderNextFonts() {
     auto& clock = platform::Current<platform::Clock>();
     const uint32_t start = clock.TickCount();
-    while (!mFontsToRender.empty() && clock.TickCount() - start < kRenderingMilliseconds)
-        RETURN_IF_FAILED(RenderFewFonts());
-    return CoreErrorCodes::kSuccess;
+    ErrorCode code = CoreErrorCodes::kSuccess;
+    if (mFontsToRender.empty())
+        return code;
+    LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
+    while (code == CoreErrorCodes::kSuccess && !mFontsToRender.empty() &&
+           clock.TickCount() - start < kRenderingMilliseconds)
+        code = RenderFewFonts();
+    LogMessage(0, "END: RenderFontNamePreviewPNGs");
+    RETURN_IF_FAILED(code);
+    return code;
 }
 
 ErrorCode MarquellPanel::RenderFewFonts() {
@@ -230,11 +237,9 @@ ErrorCode MarquellPanel::RenderFewFonts() {
                      static_cast<std::ptrdiff_t>(std::min(mFontsToRender.size(), kFontsRenderedAtOnce));
     const auto fonts = cf::NumberArray(std::vector<uint32_t>(mFontsToRender.begin(), end));
     mFontsToRender.erase(mFontsToRender.begin(), end);
-    LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
     const ErrorCode code =
         CallFontManager(&PluginFunctionTable::pfRenderFontNamePreviewPNGs, static_cast<CFArrayRef>(nullptr),
                         static_cast<CFArrayRef>(fonts.get()), static_cast<CFMutableDictionaryRef>(nullptr));
-    LogMessage(0, "END: RenderFontNamePreviewPNGs");
     if (code != CoreErrorCodes::kSuccess)
         mFontsToRender.clear();  // the panel asks again
     return code;
