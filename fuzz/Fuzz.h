@@ -37,7 +37,6 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     std::string operator/(const std::string& name) const { return mPath + "/" + name; }
-    /// Writes a file in it; its path.
     std::string Write(const std::string& name, std::string_view content) const {
         WriteScratch(*this / name, content);
         return *this / name;

@@ -1,6 +1,5 @@
-// What clients send to the agent: requests of every kind with arguments of right and wrong types, parts of
-// several clients' requests between one another, and texts of any content. Every request has its answer, and
-// afterwards the records agree with one another and with what programs see.
+// What clients send to the agent: requests of every kind with arguments of right and wrong types. Every request
+// has its answer, and afterwards the records agree with one another and with what programs see.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
@@ -14,7 +13,6 @@
 #include "TarnwickPluginInterface.h"
 #include "TestFonts.h"
 #include "agent/Requests.h"
-#include "agent/VaultCommands.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "ipc/FrameBuffer.h"
@@ -98,94 +96,10 @@ FontLibrary& Library() {
     return library;
 }
 
-/// Makes values out of an input.
-class ValueMaker {
-public:
-    explicit ValueMaker(FuzzedDataProvider& input) : mInput(input) {}
-
-    int UpTo(int most) { return mInput.ConsumeIntegralInRange(0, most); }
-    /// What a command may take for a member of its arguments; now and then a value of whatever type.
-    Json For(std::string_view name) {
-        using namespace member;
-        const auto isOneOf = [name](std::initializer_list<std::string_view> names) {
-            return std::find(names.begin(), names.end(), name) != names.end();
-        };
-        if (UpTo(15) == 0)
-            return Any(0);
-        if (name == kPath)
-            return Library().paths[mInput.ConsumeIntegralInRange<size_t>(0, Library().paths.size() - 1)];
-        if (isOneOf({kFonts, kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey}))
-            return Repeated([&] { return name == kFonts && mInput.ConsumeBool() ? Font() : Number(); });
-        if (isOneOf({kOn, kEnable, kActivate, kReplace, kWholeFamily, kVisible}))
-            return mInput.ConsumeBool();
-        if (isOneOf({kName, kNewName, kDocument, kUsage, kGS_SmartListNameKey}) ||
-            (name == kWorkgroup && mInput.ConsumeBool()))
-            return Text();
-        return Number();
-    }
-    Json Number() {
-        if (UpTo(9) == 0)
-            return mInput.PickValueInArray<int64_t>(
-                {-1, 0, INT32_MAX, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX} + 2, INT64_MIN, INT64_MAX});
-        return UpTo(6);  // IDs of what there is, and some more
-    }
-
-private:
-    Json Font() {
-        Json font = {{kGS_DatabaseIDKey, For({})}};
-        for (const char* key :
-             {kGS_PostScriptNameKey, kGS_FamilyKey, "Style", kGS_FoundryKey, kGS_FontKindKey})
-            font[key] = Text();
-        return mInput.ConsumeBool() ? font : Text();
-    }
-    Json Text() {
-        if (UpTo(9) == 0)
-            return mInput.ConsumeRandomLengthString(40);
-        return mInput.PickValueInArray<std::string>(
-            {"Alpha-Regular", "alpha-regular", "Alpha", "Alpha Bold", "Beta", "1", "Mine", "Yours", "",
-             "\xFF", std::string("a\0b", 3), std::string(kMaxNameSize + 1, 'x'), kAllWorkgroupsName,
-             "/doc.ai"});
-    }
-    Json Any(int depth) {
-        const int kind = UpTo(depth < 3 ? 4 : 2);
-        if (kind == 0)
-            return mInput.PickValueInArray<Json>(
-                {nullptr, true, 0.5, -1e300, uint64_t{UINT64_MAX}, std::numeric_limits<double>::infinity()});
-        if (kind == 1)
-            return Number();
-        if (kind == 2)
-            return Text();
-        if (kind == 3)
-            return Repeated([&] { return Any(depth + 1); });
-        return {{Text().get<std::string>(), Any(depth + 1)}, {kGS_DatabaseIDKey, Any(depth + 1)}};
-    }
-    template <class Make>
-    Json Repeated(const Make& make) {
-        Json values = Json::array();
-        for (int left = UpTo(4); left > 0; --left)
-            values.push_back(make());
-        return values;
-    }
-
-    FuzzedDataProvider& mInput;
-};
-
-/// No file outside the folder is to be looked at, whatever a request says.
-Json InsideFolder(Json request) {
-    const std::string path = StringMember(ObjectMember(request, "args"), "path");
-    const auto& known = Library().paths;
-    if (std::find(known.begin(), known.end(), path) != known.end() || path.empty())
-        return request;
-    std::string name = path;
-    std::erase(name, '/');
-    request["args"]["path"] = Library().folder / ("fonts/_" + name);
-    return request;
-}
-
-/// An agent as it is for one input, without its loop.
+/// An agent as it is for one input, without its loop, and what the input has clients ask it for.
 class AgentWorld {
 public:
-    explicit AgentWorld(FuzzedDataProvider& input) : mInput(input), mValues(input) {
+    explicit AgentWorld(FuzzedDataProvider& input) : mInput(input) {
         std::filesystem::remove_all(Library().places.dataFolder);
         mManager = std::make_unique<FontManager>(Library().places);
         mManager->settings.LogIn("Somebody");
@@ -200,46 +114,42 @@ public:
         const int32_t list = mManager->smartLists.Create("Mine", {{}, {set}, {}});
         mManager->smartLists.Create("Yours", {{workgroup}, {}, {list}});
         const auto self = platform::CurrentProcessId();
-        const uint64_t startTime = platform::ProcessStartTime(self);
-        mClients[0].process = mClients[2].process = {self, startTime};
-        mClients[1].process = {self, startTime + 1};
-        mClients[0].isHost = mClients[1].isHost = true;
+        for (Client& client : mClients)
+            client.process = {self, platform::ProcessStartTime(self)};
+        mClients[0].isHost = true;
     }
 
-    /// Something that happens to the agent. As on its loop, other steps come between the parts of a command:
-    /// `underWay` says of how many commands.
-    void TakeStep(size_t underWay = 0) {
-        const size_t client = (underWay == 0 ? mFirstClient = mInput.ConsumeIntegralInRange<size_t>(0, 2)
-                                             : mFirstClient + underWay) %
-                              std::size(mClients);
-        const int kind = mValues.UpTo(31);
-        if (kind == 0)
-            return Reconnect(client);
-        if (kind == 1)
-            mClients[client].provisionalRequest = 0;  // the answer is taken
-        else if (kind == 2)
-            mManager->EndLeasesOfDeadProcesses();
-        else if (kind == 3)
-            LoseFile();
-        else if (kind == 4 && underWay == 0)
-            RunOwn(CheckNextFile);
-        else if (kind == 5 && underWay == 0)
-            Restart();
-        else
-            Request(client, MakeRequest(), underWay);
+    void CarryOutRequest() {
+        const Json request = MakeRequest();
+        const long long id = IntegerMember(request, "id");
+        Client& client = mClients[mInput.ConsumeBool() ? 1 : 0];
+        Nobody audience;
+        CommandContext context{*mManager, client, audience, id};
+        std::optional<CommandAnswer> answer = BeginRequest(context, request);
+        while (!answer) {
+            const Deferral deferral = *std::exchange(context.deferral, std::nullopt);
+            Continuation rest;
+            try {
+                rest = deferral.work(Library().worker);
+            } catch (...) {  // as a lane hands it on
+                rest = [problem = std::current_exception()](CommandContext&) -> Json {
+                    std::rethrow_exception(problem);
+                };
+            }
+            answer = ContinueRequest(context, rest);
+        }
+        CheckAnswer(*answer, id);
+        // Every other answer is lost, with what was done for it.
+        const long long provisional = std::exchange(client.provisionalRequest, 0);
+        if (provisional != 0 && (answer->code != 0 || mInput.ConsumeBool()))
+            mManager->UndoRequests(client.process, provisional, provisional);
     }
-    /// A text in the place of a request.
-    void TakeText() {
-        if (const auto message = DecodeMessage(mInput.ConsumeRandomLengthString(4096)))
-            Request(0, InsideFolder(*message), 0);
-    }
-    /// Has the hosts end. Checks what then has to hold.
-    void End() {
-        CheckDatabase();
-        mManager->EndLeasesOfDeadProcesses();
-        for (const HostProcess& host : mManager->activations.Hosts())
-            Require(host == mClients[0].process, "what is gone holds nothing");
-        CheckDatabase();
+    void CheckRecords() {
+        Require(!mManager->database.Prepare("PRAGMA foreign_key_check").Step(),
+                "records refer to what is there");
+        const ActiveFonts::Repairs repairs = mManager->RepairActiveFonts();
+        Require(repairs.problem.empty() && repairs.added == 0 && repairs.removed == 0,
+                "programs see what the records call active, and nothing else");
     }
 
 private:
@@ -252,55 +162,69 @@ private:
         const std::string method = mInput.PickValueInArray(kMethods);
         Json arguments = Json::object();
         for (const std::string_view name : FindMethod(method)->arguments.Names()) {
-            if (!name.empty() && mValues.UpTo(15) != 0)
-                arguments[std::string(name)] = mValues.For(name);
+            if (!name.empty() && UpTo(15) != 0)
+                arguments[std::string(name)] = Argument(name);
         }
         Json request = {
             {member::kID, ++mLastID}, {member::kMethod, method}, {member::kArguments, std::move(arguments)}};
-        if (const int change = mValues.UpTo(9); change == 0)
+        if (const int change = UpTo(9); change == 0)
             request["repeats"] = mLastID - 1;
         else if (change == 1)
-            request[mInput.PickValueInArray({"id", "method", "args", "repeats"})] = mValues.Number();
-        Require(DecodeMessage(EncodeMessage(request).value().substr(4)) == request,
-                "a message arrives as it was sent");
-        return InsideFolder(request);
+            request[mInput.PickValueInArray({"id", "method", "args", "repeats"})] = Number();
+        return request;
     }
-    void Request(size_t client, const Json& request, size_t underWay) {
-        CarryOut(mClients[client], IntegerMember(request, "id"), underWay,
-                 [&](CommandContext& context) { return BeginRequest(context, request); });
+    int UpTo(int most) {
+        return mInput.ConsumeIntegralInRange(0, most);
     }
-    void RunOwn(const Continuation& command) {
-        Client own;
-        CarryOut(own, 0, 0, [&](CommandContext& context) { return ContinueRequest(context, command); });
-    }
-    template <class Begin>
-    void CarryOut(Client& client, long long request, size_t underWay, const Begin& begin) {
-        Nobody audience;
-        CommandContext context{*mManager, client, audience, request};
-        std::optional<CommandAnswer> answer = begin(context);
-        while (!answer) {
-            const Deferral deferral = *std::exchange(context.deferral, std::nullopt);
-            Continuation rest;
-            try {
-                rest = deferral.work(Library().worker);
-            } catch (...) {  // as a lane hands it on
-                rest = [problem = std::current_exception()](CommandContext&) -> Json {
-                    std::rethrow_exception(problem);
-                };
-            }
-            if (underWay + 1 < std::size(mClients) && mInput.ConsumeBool())
-                TakeStep(underWay + 1);
-            answer = ContinueRequest(context, rest);
+    /// What a command may take for that member of its arguments; now and then a value of another type.
+    Json Argument(std::string_view name) {
+        using namespace member;
+        const auto isOneOf = [name](std::initializer_list<std::string_view> names) {
+            return std::find(names.begin(), names.end(), name) != names.end();
+        };
+        if (name == kPath)  // none outside the folder
+            return Library().paths[mInput.ConsumeIntegralInRange<size_t>(0, Library().paths.size() - 1)];
+        if (UpTo(15) == 0)
+            return mInput.PickValueInArray<Json>({nullptr, true, 0.5, -1e300, uint64_t{UINT64_MAX}, "text",
+                                                  Json::array({Json::array()}), Json::object(),
+                                                  std::numeric_limits<double>::infinity()});
+        if (isOneOf({kFonts, kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey})) {
+            Json values = Json::array();
+            for (int left = UpTo(4); left > 0; --left)
+                values.push_back(name == kFonts && mInput.ConsumeBool() ? Font() : Number());
+            return values;
         }
-        CheckAnswer(*answer, request);
-        if (answer->code != 0 && client.provisionalRequest == request)
-            LoseAnswer(client);
+        if (isOneOf({kOn, kEnable, kActivate, kReplace, kWholeFamily, kVisible}))
+            return mInput.ConsumeBool();
+        if (isOneOf({kName, kNewName, kDocument, kUsage, kGS_SmartListNameKey}) ||
+            (name == kWorkgroup && mInput.ConsumeBool()))
+            return Text();
+        return Number();
+    }
+    Json Number() {
+        if (UpTo(9) == 0)
+            return mInput.PickValueInArray<int64_t>(
+                {-1, 0, INT32_MAX, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX} + 2, INT64_MIN, INT64_MAX});
+        return UpTo(6);  // IDs of what there is, and some more
+    }
+    Json Font() {
+        Json font = {{kGS_DatabaseIDKey, Number()}};
+        for (const char* key : {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_StyleKey, kGS_FontKindKey})
+            font[key] = Text();
+        return mInput.ConsumeBool() ? font : Text();
+    }
+    Json Text() {
+        if (UpTo(9) == 0)
+            return mInput.ConsumeRandomLengthString(40);
+        return mInput.PickValueInArray<std::string>(
+            {"Alpha-Regular", "alpha-regular", "Alpha", "Alpha Bold", "Beta", "1", "Mine", "Yours", "",
+             "\xFF", std::string("a\0b", 3), std::string(kMaxNameSize + 1, 'x'), kAllWorkgroupsName,
+             "/doc.ai"});
     }
     static void CheckAnswer(const CommandAnswer& answer, long long request) {
         FrameBuffer buffer;
         buffer.Append(answer.frame.data(), answer.frame.size());
-        const auto payload = buffer.Next();
-        const auto message = payload ? DecodeMessage(*payload) : std::nullopt;
+        const auto message = DecodeMessage(buffer.Next().value());
         Require(message && buffer.IsEmpty(), "an answer is one message");
         Require(IntegerMember(*message, "id") == request &&
                     IntegerMember(*message, "code") == static_cast<long long>(answer.code) &&
@@ -312,49 +236,10 @@ private:
                                      GSqliteDatabase::kConstraintViolation})
             Require(answer.code != code, answer.problem.c_str());
     }
-    void LoseAnswer(Client& client) {
-        if (const long long request = std::exchange(client.provisionalRequest, 0))
-            mManager->UndoRequests(client.process, request, request);
-    }
-    /// The client closes its connection and makes another; an answer that it has not taken is lost.
-    void Reconnect(size_t client) {
-        LoseAnswer(mClients[client]);
-        Client next;
-        next.process = mClients[client].process;
-        next.isHost = mClients[client].isHost;
-        mClients[client] = next;
-    }
-    /// A file of the vault is gone, or has another content of the same size.
-    void LoseFile() {
-        const FontLibrary::Known& known = Library().known[mInput.ConsumeBool() ? 1 : 0];
-        const std::string path = mManager->vault.PathOf(known.file);
-        if (mInput.ConsumeBool())
-            std::filesystem::remove(path);
-        else if (std::filesystem::exists(path))
-            WriteScratch(path, std::string(known.content.size(), 'x'));
-    }
-    void Restart() {
-        for (size_t client = 0; client < std::size(mClients); ++client)
-            Reconnect(client);
-        mManager->EndLeasesOfEarlierEra();
-        mManager->EndLeasesOfDeadProcesses();
-        mManager->RepairActiveFonts();
-        const auto unknown = std::make_shared<std::vector<std::string>>(mManager->LookAroundVault().unknown);
-        RunOwn([&](CommandContext& context) { return TakeBack(context, unknown); });
-    }
-    void CheckDatabase() {
-        Require(!mManager->database.Prepare("PRAGMA foreign_key_check").Step(),
-                "records refer to what is there");
-        const ActiveFonts::Repairs repairs = mManager->RepairActiveFonts();
-        Require(repairs.problem.empty() && repairs.added == 0 && repairs.removed == 0,
-                "programs see what the records call active, and nothing else");
-    }
 
     FuzzedDataProvider& mInput;
-    ValueMaker mValues;
     std::unique_ptr<FontManager> mManager;
-    Client mClients[3];  ///< two hosts, of which the second is a process that is gone, and a command line
-    size_t mFirstClient = 0;
+    Client mClients[2];  ///< a host and a command line
     long long mLastID = 0;
 };
 
@@ -372,9 +257,7 @@ std::vector<std::string> Seeds() {
 void TryInput(const std::string& bytes) {
     FuzzedDataProvider input(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
     AgentWorld world(input);
-    if (input.ConsumeIntegralInRange(0, 7) == 0)
-        world.TakeText();
     while (input.remaining_bytes() > 0)
-        world.TakeStep();
-    world.End();
+        world.CarryOutRequest();
+    world.CheckRecords();
 }

@@ -9,9 +9,8 @@ target=${1:-$scripts/../docs/images/windows}
 mkdir -p "$target"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# With preferences of their own, so that the pictures are always the same.
-PLUGINCORE_PORTABLE=1 XDG_CONFIG_HOME="Z:$work" LANG=${2:-en} LC_ALL= "$scripts/wine-on-screen" "$programs/framework-dialog-pictures.exe" \
-  "$programs/TarnwickPluginFramework.dll" "Z:$work" 2>/dev/null
+DIALOG_PICTURES="Z:$work" DIALOG_LANGUAGE=${2:-en} PLUGINCORE_PORTABLE=1 \
+  "$scripts/wine-on-screen" "$programs/framework-window-tests.exe" >/dev/null 2>&1
 for picture in "$work"/*.bmp; do
   convert "$picture" -alpha off -colors 128 -strip "$target/$(basename -- "$picture" .bmp).png"
 done

@@ -1,7 +1,5 @@
-// Arrays, dictionaries and data, and what all objects have in common.
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <map>
 #include <random>
 #include <string>
@@ -94,18 +92,15 @@ TEST(CFCollections, CopiesAreIndependentAndFixedOnesShared) {
     EXPECT_EQ(CFDataGetLength(AdoptCF(CFDataCreate(nullptr, nullptr, 0)).get()), 0);
 }
 
-TEST(CFDictionary, SetAddReplaceAndRemoveDoWhatTheirNamesSay) {
+TEST(CFDictionary, AddsWhatIsNotThereAndReplacesWhatIs) {
     const auto dictionary = cf::MutableDictionary();
     CFDictionaryReplaceValue(dictionary.get(), CFSTR("a"), cf::Number(1).get());
-    EXPECT_EQ(Text(dictionary.get()), "{}");
-    CFDictionaryAddValue(dictionary.get(), CFSTR("a"), cf::Number(2).get());
-    CFDictionaryAddValue(dictionary.get(), CFSTR("a"), cf::Number(3).get());
+    EXPECT_FALSE(CFDictionaryContainsKey(dictionary.get(), CFSTR("a")));
+    for (const int number : {2, 3})
+        CFDictionaryAddValue(dictionary.get(), CFSTR("a"), cf::Number(number).get());
     EXPECT_EQ(Text(dictionary.get()), "{a = 2}");
     CFDictionaryReplaceValue(dictionary.get(), CFSTR("a"), cf::Number(4).get());
     EXPECT_EQ(Text(dictionary.get()), "{a = 4}");
-    CFDictionaryRemoveValue(dictionary.get(), CFSTR("a"));
-    CFDictionaryRemoveValue(dictionary.get(), CFSTR("a"));
-    EXPECT_FALSE(CFDictionaryContainsKey(dictionary.get(), CFSTR("a")));
 }
 
 TEST(CFDictionary, VisitsKeysInTheOrderOfTheirFirstSetting) {
@@ -206,16 +201,6 @@ TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
     CFDictionarySetValue(dictionary.get(), CFSTR("key"), cf::Get(dictionary.get(), "key"));
     EXPECT_EQ(Text(CFArrayGetValueAtIndex(array.get(), 1)) + Text(dictionary.get()),
               "owned by it alone{key = owned by it alone}");
-}
-
-TEST(CFBase, ConstantsOutliveEveryRelease) {
-    for (const CFTypeRef constant : {CFTypeRef{kCFNull}, CFTypeRef{kCFBooleanTrue},
-                                     CFTypeRef{kCFBooleanFalse}, CFTypeRef{CFSTR("constant")}}) {
-        CFRelease(constant);
-        CFRelease(constant);
-        EXPECT_EQ(CFGetRetainCount(constant), std::numeric_limits<CFIndex>::max());
-        EXPECT_TRUE(CFEqual(constant, CFRetain(constant)));
-    }
 }
 
 // Debug builds stop at a programming error; in release builds the same calls answer with nothing.

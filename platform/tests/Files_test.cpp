@@ -151,15 +151,6 @@ TEST_F(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
     EXPECT_TRUE(one.Open(folder / "."));
 }
 
-TEST_F(Files, PathsHaveAFolderAndAName) {
-    for (const auto& [inFolder, name] : {std::pair("/a b/", "c"), {"", "c"}, {"/a/", ""}}) {
-        EXPECT_EQ(platform::FolderPart(std::string(inFolder) + name), inFolder);
-        EXPECT_EQ(platform::NamePart(std::string(inFolder) + name), name);
-    }
-    EXPECT_EQ(platform::FolderPart(folder / "x/y") + "y", folder / "x/y");
-    EXPECT_EQ(platform::WithSlashes(folder / "x/y").find('\\'), std::string::npos);
-}
-
 TEST_F(Files, APathMayBeLong) {
     std::string name = "x";
     for (int depth = 0; depth < 12; ++depth)

@@ -91,38 +91,6 @@ TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredInOrderAfterTheEndIsClosed) {
     EXPECT_EQ(ReceiveAll(expected.size() + 1), expected);
 }
 
-TEST_F(LocalStreamTest, WritesUnderWayEndWhenTheOtherEndCloses) {
-    int failures = 0;
-    for (int count = 0; count < 3; ++count) {
-        mClient.Write(std::string(1 << 20, 'x'),
-                      [&](const asio::error_code& failure) { failures += failure ? 1 : 0; });
-    }
-    EXPECT_EQ(ReceiveAll(1).front(), 'x');
-    mServer->Close();
-    mClientLoop.run();
-    EXPECT_EQ(failures, 3);
-}
-
-TEST_F(LocalStreamTest, ACancelledReadSaysSoAndTheConnectionGoesOn) {
-    char byte = 0;
-    asio::error_code result;
-    const auto read = [&] {
-        mClient.Read(asio::buffer(&byte, 1),
-                     [&](const asio::error_code& failure, size_t) { result = failure; });
-    };
-    read();
-    mClientLoop.run_for(10ms);
-    mClient.Cancel();
-    mClientLoop.restart();
-    mClientLoop.run();
-    EXPECT_EQ(result, asio::error::operation_aborted);
-    mServer->Write("x", [](const asio::error_code&) {});
-    read();
-    mClientLoop.restart();
-    mClientLoop.run();
-    EXPECT_EQ(byte, 'x');
-}
-
 TEST(LocalAcceptor, TakesThoseWhoWaitThoughItsLoopStandsStillAndNobodyAfterItsEnd) {
     const TemporaryFolder folder;
     const std::string address = LocalStreamAddresses("Test", "Waiting", folder / "data").front();

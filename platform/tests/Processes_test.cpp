@@ -1,7 +1,5 @@
 #include "platform/Processes.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "TemporaryFolder.h"
@@ -9,30 +7,9 @@
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
+#include "support/Launch.h"
 
 using namespace std::chrono_literals;
-
-namespace {
-
-platform::Processes& Processes() {
-    return platform::Current<platform::Processes>();
-}
-
-/// Starts the program that does as its first argument says.
-std::unique_ptr<platform::ChildProcess> Launch(const std::string& arguments,
-                                               const std::string& program = CHILD_PROGRAM) {
-    platform::SystemError error;
-    auto child = Processes().Launch(program, "\"" + program + "\" " + arguments, error);
-    EXPECT_FALSE(error);
-    return child;
-}
-
-std::optional<int> WaitForExit(platform::ChildProcess& child) {
-    child.WaitUntilIdle(10s);
-    return child.ExitStatus();
-}
-
-}  // namespace
 
 TEST(Processes, ThisProcessIsListedWithItsExecutable) {
     std::vector<platform::ProcessInfo> processes;

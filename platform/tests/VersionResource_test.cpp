@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "TemporaryFolder.h"
 #include "platform/Processes.h"
 #include "platform/Utf8Path.h"
@@ -33,19 +30,4 @@ TEST(VersionResource, ABinaryCarriesItsPairsAndOtherFilesSayWhyTheyDoNot) {
     EXPECT_TRUE(error);
     EXPECT_EQ(Read(folder / "missing", "FileVersion", error), std::nullopt);
     EXPECT_TRUE(error.IsNotFound());
-}
-
-TEST(VersionResource, ADamagedBinaryIsSafeToRead) {
-    std::stringstream content;
-    content << std::ifstream(platform::Utf8Path(OwnPath()), std::ios::binary).rdbuf();
-    const std::string binary = content.str();
-    const TemporaryFolder folder;
-    platform::SystemError error;
-    for (const size_t length : {size_t{3}, size_t{63}, size_t{64}, binary.size() / 2, binary.size() - 1})
-        Read(folder.Write("cut", binary.substr(0, length)), "FileVersion", error);
-    for (size_t offset = 0; offset < 64; ++offset) {  // the header
-        std::string damaged = binary;
-        damaged[offset] = static_cast<char>(0xFF);
-        Read(folder.Write("damaged", damaged), "FileVersion", error);
-    }
 }

@@ -1,6 +1,4 @@
 // Names that mean something to a parser of command lines, or do something to a terminal.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <sstream>
@@ -11,8 +9,7 @@
 #include "TestFonts.h"
 #include "platform/Files.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
@@ -131,27 +128,4 @@ TEST(AwkwardNames, DoNothingToATerminal) {
     const auto result = world.RunHost({"--json", "fonts", document});
     EXPECT_EQ(json::parse(result.output)["file"], document);
     EXPECT_THAT(world.RunHost({"fonts", document, document}).output, HasSubstr("\\u{202E}fdp"));
-}
-
-TEST(AwkwardNames, AreRefusedWhereTheyAreNew) {
-    if (platform::kPathSeparator != '/')
-        GTEST_SKIP() << "words and files have names that are text on this system";
-    HostWorld world;
-    const auto& fontManager = world.FontManager();
-    const auto refusal = [&](const std::vector<std::string>& command) {
-        const auto result = fontManager.Run(command);
-        EXPECT_EQ(result.status, 1) << command[0];
-        return result.errors;
-    };
-    for (const char* kind : {"workgroup", "set", "smartlist"}) {
-        const auto refuse = [&](const std::string& name) { return refusal({kind, "create", name}); };
-        EXPECT_THAT(refuse("a\xE2\x80\xAE"), HasSubstr("type it without"));
-        EXPECT_THAT(refuse("a\xFF"), HasSubstr("UTF-8"));
-        EXPECT_THAT(refuse(std::string(1025, 'x')), HasSubstr("shorter"));
-        EXPECT_THAT(refuse(" \xC2\xA0"), HasSubstr("give the"));
-        EXPECT_EQ(fontManager.Run({kind, "create", "字 ‍🙂"}).status, 0);
-    }
-    EXPECT_THAT(refusal({"login", "a\n"}), HasSubstr("type it without"));
-    EXPECT_THAT(refusal({"workgroup", "rename", "字 ‍🙂", "a\x9B"}), HasSubstr("UTF-8"));
-    EXPECT_THAT(refusal({"smartlist", "rename", "字 ‍🙂", "a\x1B"}), HasSubstr("type it without"));
 }

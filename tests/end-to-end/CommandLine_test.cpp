@@ -1,16 +1,11 @@
-// What people do to the programs.
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <thread>
 
 #include "HostWorld.h"
 
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::HasSubstr, testing::IsEmpty;
 
 TEST(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
     HostWorld world;
@@ -29,21 +24,6 @@ TEST(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
     EXPECT_EQ(result.status, 3) << result.errors;
     for (const char* part : {"Sample-Bold", "Gone", "missing"})
         EXPECT_THAT(result.output, HasSubstr(part));
-}
-
-TEST(CommandLine, DamagedFontsAreNamedAndTheRestIsAdded) {
-    HostWorld world;
-    auto& fontManager = world.FontManager();
-    const std::string good = fontManager.WriteFont("Sample-Bold");
-    const std::string damaged =
-        fontManager.Write("fonts/damaged.ttf", std::string("\0\1\0\0\0\xff damaged", 14));
-    auto result = fontManager.Run({"add", damaged, good});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.errors, HasSubstr("damaged.ttf"));
-    EXPECT_EQ(fontManager.RunForJson({"list"}).at("fonts").size(), 1u);
-    result = fontManager.Run({"add", world.Path("no such folder")});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.errors, HasSubstr("no such folder"));
 }
 
 TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
@@ -121,4 +101,27 @@ TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
     EXPECT_EQ(host.Call("GetAPIVersion", {{"requestedVersion", 7}})["codeName"],
               "CoreErrorCodes::kNotImplemented");
     EXPECT_EQ(host.Finish().status, 0);
+}
+
+TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    TestProcess events({HOST_PROGRAM, "events"});
+    // Activated and deactivated until it listens.
+    std::string line;
+    std::thread reader([&] { line = events.ReadLine(); });
+    EXPECT_TRUE(Eventually([&] {
+        world.FontManager().Run({"deactivate", "1"});
+        world.FontManager().Run({"activate", "1"});
+        return world.Trace().find("font 1 activated") != std::string::npos;
+    }));
+    reader.join();
+    EXPECT_EQ(json::parse(line)["fontIDs"], json({1})) << line;
+    EXPECT_TRUE(line.starts_with(R"({"messageID":2)")) << "the text as it was sent: " << line;
+    events.WriteLine("");
+    const auto result = events.Finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors, HasSubstr("Press Enter"));
+    EXPECT_THAT(world.Trace(), HasSubstr("CloseAllFonts() returning 0")) << "the core was ended";
+    EXPECT_EQ(world.RunHost({"events", "--for", "0.1"}).output, "");
 }

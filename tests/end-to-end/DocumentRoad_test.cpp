@@ -1,13 +1,8 @@
 // The road of a document: opened, its fonts seen by every program; closed, gone.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "HostWorld.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
@@ -127,46 +122,6 @@ TEST_F(DocumentRoadTest, ReplacementsAreOfferedUnlessDialogsAreSuppressed) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("Sample-Black  activated"));
     EXPECT_THAT(result.output, HasSubstr("Sample, Bold\n  1 of 1 active"));
-}
-
-TEST_F(DocumentRoadTest, WhatTheUserActivatedStaysWithTheUser) {
-    ASSERT_EQ(world.Pellwick("activate Sample-Bold"), 0);
-    ScriptedHost host;
-    host.Start();
-    host.SetPreference("CloseFontsOnDocClose", 1);
-    EXPECT_EQ(host.Call("HandleOpenExistingDocument", {{"path", document}})["out"]["numFontsActivated"], 1);
-    host.Close(document);
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
-}
-
-TEST_F(DocumentRoadTest, AHostThatDiesLeavesNothingBehindAndTakesNothingFromOthers) {
-    const std::string others = world.WriteDocument("others.ai", {"Sample-Light"});
-    ScriptedHost other;
-    other.Start();
-    other.Open(others);
-    {
-        ScriptedHost host;
-        host.Start();
-        host.Open(document);
-        host.Kill();
-    }
-    EXPECT_TRUE(Eventually([&] { return world.VisibleFonts() == std::set<std::string>{"Sample-Light"}; }));
-}
-
-TEST_F(DocumentRoadTest, WithLoggingOnTheTraceReachesTheFontManagersLog) {
-    const auto openAndReadLog = [this](ScriptedHost host) {
-        host.Start();
-        host.SetPreference("EnableLogging", 1);
-        host.Open(document);
-        return pellwick::test::ContentOf(world.Path("data/Vantorix/Logs/Illustrator2025.log"));
-    };
-    const std::string silent = openAndReadLog({});
-    EXPECT_THAT(silent, testing::StartsWith("\n=======\n"));
-    EXPECT_THAT(silent, testing::Not(HasSubstr("Entering"))) << "it counts from the next start on";
-    const std::string log = openAndReadLog({});
-    EXPECT_THAT(log, HasSubstr("\nEntering PluginCoreInterface::HandleOpenExistingDocument('" + document));
-    EXPECT_THAT(log, HasSubstr("\n CommonFunctionality::ActivateDocumentFontsSilently("))
-        << "with its nesting";
 }
 
 TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {

@@ -1,13 +1,9 @@
 // What the pages of docs/ show goes in and comes out as they say.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
-#include <sstream>
 
 #include "HostWorld.h"
 #include "PanelMessages.h"
@@ -187,16 +183,4 @@ TEST(PanelDocumentation, ShowsAnExampleOfEveryMessageByTheSchemas) {
         EXPECT_THAT(rest.names, testing::IsEmpty()) << "have no example";
         EXPECT_THAT(rest.numbers, testing::IsEmpty()) << "have no example";
     }
-}
-
-TEST(PanelDocumentation, TheSchemasRefuseWhatIsNoMessage) {
-    const std::pair<Direction, const char*> texts[] = {
-        {Direction::kToPlugin, R"({"messageID":7})"},
-        {Direction::kToPlugin, R"({"messageID":66,"more":1})"},
-        {Direction::kToPlugin, R"({"messageID":12,"windowWidth":1,"windowHeight":"2"})"},
-        {Direction::kToPanel, R"({"messageID":41,"filename":"/tmp/a"})"},
-        {Direction::kToPanel, R"({"messageID":46,"fontID":1,"isConflictError":true})"},
-        {Direction::kToPanel, R"({"messageID":24,"fontIDs":[1,"2"]})"}};
-    for (const auto& [direction, text] : texts)
-        EXPECT_NE(panel_schemas::Find(direction, json::parse(text)).faults, "") << text;
 }

@@ -1,7 +1,5 @@
 #include "HostWorld.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -134,10 +132,4 @@ bool ScriptedHost::IdleUntilTraced(const HostWorld& world, const std::string& te
         Call("IdleEvent");
         return world.Trace().find(text) != std::string::npos;
     });
-}
-
-void ScriptedHost::Kill() const {
-    mProcess.Kill();
-    // The process stays a zombie until this object goes; that counts as gone.
-    ASSERT_TRUE(Eventually([this] { return platform::ProcessStartTime(Id()) == 0; }));
 }

@@ -1,7 +1,8 @@
 // A user's world with an agent, in which hosts run.
 #pragma once
 
-#include <memory>
+#include <gmock/gmock.h>
+
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
@@ -38,7 +39,6 @@ public:
     platform::ProcessId Agent() const;
     /// Ends the agent at once and waits until it is gone.
     void KillAgent() const;
-    /// From now on no host can start an agent.
     void RemoveLaunchInformation() const;
     /// The trace that the processes of this world wrote so far.
     std::string Trace() const;
@@ -47,7 +47,6 @@ private:
     pellwick::test::TestWorld mWorld;
 };
 
-/// How often `part` stands in `text`.
 int CountOf(const std::string& text, const std::string& part);
 
 /// A host that takes calls one by one, and has a panel.
@@ -57,12 +56,10 @@ public:
 
     /// Writes a line of a script; what it is answered with, beside the messages to the panel.
     json Exchange(const json& line);
-    /// Makes one call and answers with the host's line.
     json Call(const std::string& name, const json& arguments = json::object());
     /// Sends a message as the panel does, or a text in its place; the messages that it is answered with at
     /// once. Messages in both directions are held against the schemas.
     std::vector<json> Panel(const json& message);
-    /// Takes what the panel was told by calls.
     std::vector<json> TakePanelMessages() { return std::exchange(mPanelMessages, {}); }
     uint32_t Open(const std::string& path);
     uint32_t Close(const std::string& path);
@@ -70,8 +67,6 @@ public:
     /// Idles until the trace of its world holds the text; false when it never does.
     bool IdleUntilTraced(const HostWorld& world, const std::string& text);
     void Start();
-    platform::ProcessId Id() const { return mProcess.Id(); }
-    void Kill() const;
     ProgramResult Finish() { return mProcess.Finish(); }
 
 private:

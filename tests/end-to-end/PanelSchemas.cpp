@@ -6,7 +6,6 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validation_results.hpp>
 #include <valijson/validator.hpp>
-#include <vector>
 
 namespace panel_schemas {
 namespace {
@@ -16,7 +15,6 @@ using valijson::adapters::NlohmannJsonAdapter;
 
 constexpr char kReferencePrefix[] = "#/definitions/";
 
-/// The whole schema of one direction.
 const json& SchemaOf(Direction direction) {
     static const auto read = [](const char* name) {
         std::ifstream file(std::string(PANEL_SCHEMAS) + "/" + name);

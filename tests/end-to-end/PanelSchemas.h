@@ -9,7 +9,6 @@ namespace panel_schemas {
 
 enum class Direction { kToPlugin, kToPanel };
 
-/// The names of all messages of that direction.
 std::set<std::string> Names(Direction direction);
 
 struct Match {

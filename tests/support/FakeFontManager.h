@@ -78,7 +78,6 @@ private:
     }
 };
 
-/// Preferences in memory.
 class FakePreferences : public PreferenceAccess {
 public:
     std::map<std::string, bool> values;

@@ -13,7 +13,6 @@ FakeInterfaceLibrary* current = nullptr;
 /// One call at a time: the trace reaches Log from whatever thread writes it.
 std::recursive_mutex callsLock;
 
-/// Notes the call and answers with the next code of its script.
 ErrorCode Answer(const char* symbol) {
     current->calls.emplace_back(symbol);
     if (const ErrorCode code = current->answer ? current->answer(symbol) : CoreErrorCodes::kSuccess)
@@ -148,8 +147,6 @@ void Perform(Symbol<kIndexOfExportFonts>, PluginFacadeRef, CFArrayRef fonts, CFS
 void Perform(Symbol<kIndexOfOSCreateDirectory>, const char* path) {
     current->foldersMade.emplace_back(path);
 }
-
-// ---- What panels ask for
 
 CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
     CFRef<CFMutableArrayRef> array = cf::MutableArray();

@@ -27,7 +27,6 @@ public:
     FakeInterfaceLibrary(const FakeInterfaceLibrary&) = delete;
     FakeInterfaceLibrary& operator=(const FakeInterfaceLibrary&) = delete;
 
-    /// Every exported name with its function.
     static std::map<std::string, void*> Symbols();
 
     std::map<std::string, std::deque<ErrorCode>> codes;   ///< answers by symbol, first to last; then success
@@ -61,7 +60,6 @@ public:
     std::vector<std::string> exportedTo;  ///< the folder of each font that was exported
     std::vector<std::string> foldersMade;
 
-    // What panels ask for.
     struct SmartList {
         int32_t id;
         std::string name;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <deque>
-#include <functional>
 #include <map>
 #include <memory>
 #include <new>
@@ -80,12 +79,11 @@ private:
 class FakeVersionResources : public platform::VersionResources {
 public:
     std::map<std::pair<std::string, std::string>, std::string> values;  ///< by path and key
-    int errorOfOthers = 0;  ///< what reading a value that is not there fails with
 
     std::optional<std::string> FromFile(const std::string& path, const char* key,
                                         platform::SystemError& error) override {
         const auto found = values.find({path, key});
-        error.code = found != values.end() ? 0 : errorOfOthers;
+        error = {};
         return found != values.end() ? std::optional(found->second) : std::nullopt;
     }
     std::optional<std::string> FromModuleAt(const void* address, const char* key,
@@ -105,9 +103,7 @@ public:
     std::vector<std::string> loadable;
     std::string exhausting;  ///< the library for which there is no memory
     std::map<std::string, void*> symbols;
-    std::string pathOfLoaded = "/system/library.so";
     std::string pathOfThisModule = "/plugins/libPluginCore.so";
-    bool isModuleKnown = true;
 
     platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
         return Load(path, error);
@@ -119,8 +115,8 @@ public:
         const auto found = symbols.find(symbol);
         return found != symbols.end() ? found->second : nullptr;
     }
-    std::string PathOf(platform::LibraryHandle) override { return pathOfLoaded; }
-    const void* ModuleAt(const void* address) override { return isModuleKnown ? address : nullptr; }
+    std::string PathOf(platform::LibraryHandle) override { return "/system/library.so"; }
+    const void* ModuleAt(const void* address) override { return address; }
     std::string PathOfModuleAt(const void*) override { return pathOfThisModule; }
     std::string LastLoadFailure() override { return "no such library"; }
 

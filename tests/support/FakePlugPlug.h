@@ -24,13 +24,11 @@ public:
     FakePlugPlug& operator=(const FakePlugPlug&) = delete;
 
     int32_t answerToListeners = 0;  ///< 0 = success
-    int32_t answerToEvents = 0;     ///< 0 = success
     std::function<void()> whileAdding;
     std::function<void(const std::string& data)> whileDispatching;
     std::vector<std::string> listenedTo;
     std::vector<Event> events;  ///< dispatched
 
-    /// What was dispatched since the last call.
     std::vector<std::string> TakeMessages() {
         std::vector<std::string> messages;
         for (const Event& event : events)
@@ -70,7 +68,7 @@ private:
         service->events.push_back({event->type, event->scope, event->appId, extensionId, event->data});
         if (service->whileDispatching)
             service->whileDispatching(event->data);
-        return service->answerToEvents;
+        return 0;
     }
 
     std::string mBuffer;  ///< used again for each delivery, also one from within another

@@ -1,7 +1,7 @@
 // The world of fakes with its trace to read. For tests that link the facade.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "CapturedTrace.h"
 #include "SilentWorld.h"

@@ -7,7 +7,6 @@
 
 #include "TestFonts.h"
 
-/// Big-endian data, as font tables hold it.
 class Bytes {
 public:
     Bytes& U8(unsigned value) {
@@ -30,10 +29,8 @@ private:
     std::string mText;
 };
 
-/// By their tags.
 using FontTables = std::map<std::string, std::string>;
 
-/// What a test font is made of.
 FontTables TablesOfTestFont(const TestFontNames& names);
 
 /// The font as it stands at an offset of a file.

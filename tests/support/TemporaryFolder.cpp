@@ -1,6 +1,7 @@
 #include "TemporaryFolder.h"
 
 #include <fstream>
+#include <iterator>
 #include <random>
 
 #include "platform/Utf8Path.h"
@@ -38,4 +39,9 @@ std::string TemporaryFolder::Write(std::string_view name, std::string_view conte
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
     return platform::Utf8Text(path);
+}
+
+std::string ContentOf(const std::string& path) {
+    std::ifstream file(platform::Utf8Path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -13,7 +13,6 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& Path() const { return mPath; }
-    /// The UTF-8 path of a file in it.
     std::string operator/(std::string_view name) const;
     /// Writes a file in it and answers with its path. Folders on the way are made.
     std::string Write(std::string_view name, std::string_view content) const;
@@ -21,3 +20,6 @@ public:
 private:
     std::filesystem::path mPath;
 };
+
+/// What the file at the UTF-8 path holds; empty when there is none.
+std::string ContentOf(const std::string& path);

@@ -19,7 +19,6 @@ std::string Utf16(const std::string& ascii) {
     return text.Get();
 }
 
-/// A square, for both glyphs.
 std::string Glyph() {
     Bytes glyph;
     glyph.U16(1).U16(0).U16(0).U16(500).U16(500);  // one contour in its box

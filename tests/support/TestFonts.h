@@ -1,11 +1,9 @@
 // Small valid fonts, made on the spot.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
-/// What a test font calls itself.
 struct TestFontNames {
     std::string postScriptName;
     std::string family;
@@ -20,7 +18,6 @@ struct TestFontNames {
 /// bytes.
 std::string MakeTestFont(const TestFontNames& names);
 
-/// A TrueType collection of such fonts.
 std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts);
 
 /// Writes the font to a file; false when that fails. `path` is UTF-8.

@@ -38,7 +38,6 @@ public:
     void CloseInput();
     /// Ends it by force, without waiting until it is gone.
     void Kill() const { KillProcess(Id()); }
-    void Suspend() const { SuspendProcess(Id()); }
     void Resume() const { ResumeProcess(Id()); }
     /// Closes its input and waits for the end. What ReadLine gave is not given again.
     ProgramResult Finish();

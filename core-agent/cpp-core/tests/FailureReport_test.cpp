@@ -1,31 +1,20 @@
 #include "FailureReport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
-#include <optional>
 
 #include "CapturedTrace.h"
 
-using testing::EndsWith;
-using testing::StartsWith;
+using testing::EndsWith, testing::StartsWith;
 
 namespace {
 
 constexpr char kLogCategory[] = "FailureReportTest";
 
-struct Checked {
-    ErrorCode code = 0;
-    int mode = 0;
-    const void* mPlugPlug = "";
-    std::optional<int> level = std::nullopt;
-};
-
-ErrorCode Check(const Checked& checked) {
-    const auto& [code, mode, mPlugPlug, level] = checked;
-    RETURN_IF_FAILED(code, level.value_or(GLogger::kError));
-    RETURN_UNLESS(mode != -1);
+ErrorCode Check(ErrorCode code, bool holds, const void* mPlugPlug, int level) {
+    RETURN_IF_FAILED(code, level);
+    RETURN_UNLESS(holds);
     RETURN_IF_NULL(mPlugPlug);
     return 0xFFFFFFFF;
 }
@@ -33,35 +22,24 @@ ErrorCode Check(const Checked& checked) {
 }  // namespace
 
 TEST(FailureReport, AFailedCheckIsReportedInOneLineAndReturned) {
-    const struct {
-        Checked checked;
-        ErrorCode code;
-        const char *name, *end;
-    } cases[] = {{{.code = GIPCClient::kServiceUnavailable},
-                  GIPCClient::kServiceUnavailable,
-                  "GIPCClient::kServiceUnavailable",
-                  "  Expression='code'  Code='50335758'  \n"},
-                 {{.code = 12345}, 12345, "Unknown error code", "  Expression='code'  Code='12345'  \n"},
-                 {{.mode = -1},
-                  CoreErrorCodes::kInvalidParam,
-                  "CoreErrorCodes::kInvalidParam",
-                  "  Expression='!(mode != -1)'  Code='67108864'  \n"},
-                 {{.mPlugPlug = nullptr},
-                  CoreErrorCodes::kNullPointer,
-                  "CoreErrorCodes::kNullPointer",
-                  "  Expression='(mPlugPlug) == nullptr'  Code='83886080'  \n"}};
-    for (const auto& [checked, code, name, end] : cases) {
+    const std::tuple<ErrorCode, bool, const char*, ErrorCode, std::string> cases[] = {
+        {GIPCClient::kServiceUnavailable, true, "", GIPCClient::kServiceUnavailable, "code"},
+        {12345, true, "", 12345, "code"},
+        {0, false, "", CoreErrorCodes::kInvalidParam, "!(holds)"},
+        {0, true, nullptr, CoreErrorCodes::kNullPointer, "(mPlugPlug) == nullptr"}};
+    for (const auto& [given, holds, pointer, code, expression] : cases) {
         CapturedTrace trace;
-        EXPECT_EQ(Check(checked), code);
+        EXPECT_EQ(Check(given, holds, pointer, GLogger::kError), code);
         EXPECT_THAT(trace.Text(),
-                    StartsWith("[FailureReportTest]\t[Error]\tError='" + std::string(name) +
+                    StartsWith("[FailureReportTest]\t[Error]\tError='" + ErrorCodeToName(code) +
                                "'  File='core-agent/cpp-core/tests/FailureReport_test.cpp'  Line="));
-        EXPECT_THAT(trace.Text(), EndsWith(end));
+        EXPECT_THAT(trace.Text(),
+                    EndsWith("  Expression='" + expression + "'  Code='" + std::to_string(code) + "'  \n"));
         EXPECT_EQ(trace.LineCount(), 1u);
     }
     CapturedTrace trace;
-    EXPECT_EQ(Check({}), 0xFFFFFFFFu);
-    EXPECT_EQ(Check({.code = 1, .level = GLogger::kDebug}), 1u) << "expected in normal use";
+    EXPECT_EQ(Check(0, true, "", GLogger::kError), 0xFFFFFFFFu);
+    EXPECT_EQ(Check(1, true, "", GLogger::kDebug), 1u) << "expected in normal use";
     EXPECT_EQ(trace.Text(), "");
 }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "TemporaryFolder.h"
 
 TEST(GFileSystemSpec, TheExtensionIsWhatFollowsTheLastDotOfTheName) {

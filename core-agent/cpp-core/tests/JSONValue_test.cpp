@@ -1,7 +1,6 @@
 #include "JSONValue.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <clocale>
 #include <cstdlib>
@@ -15,7 +14,6 @@ using testing::StartsWith;
 
 namespace {
 
-/// What the action throws.
 template <class Action>
 std::string Thrown(Action action) {
     try {
@@ -56,9 +54,8 @@ TEST(JSONObject, HoldsOneTreeAtATimeThroughWhichPathsLead) {
 TEST(JSONObject, RefusesWhatIsNoJSON) {
     const std::string texts[] = {
         // Comments, which could hide brackets.
-        "/*\"*/" + Nested(300000), "//\"\n" + Nested(300000), "{}//x",
-        // Bytes that are no UTF-8.
-        "[\"\xC0\x80\"]", "[\"\xED\xA0\x80\"]", "[\"\xF5\x80\x80\x80\"]", "[\"\xE5\xAD\"]",
+        "/*\"*/" + Nested(300000), "//\"\n" + Nested(300000), "{}//x", "[\"\xC0\x80\"]", "[\"\xED\xA0\x80\"]",
+        "[\"\xF5\x80\x80\x80\"]", "[\"\xE5\xAD\"]",
         // Halves of surrogate pairs, zero characters and zero bytes.
         R"(["\uDC00"])", R"(["\uDFFF"])", R"(["\uD83D"])", R"(["\uDBFF\n"])", R"(["\uD83D\uD83D"])",
         R"(["\uD800\uE000"])", R"(["\u0000"])", R"({"a\u0000b":1})", std::string("[1]\0[", 5), R"(["\u12)"};
@@ -110,33 +107,20 @@ TEST(JSONValue, TellsTheKindsApart) {
 
 TEST(JSONValue, AReadOfTheWrongKindSaysWhatWasFound) {
     JSONObject document;
-    const JSONValue root = Load(document, R"({"k":"text","i":-5,"d":2.5,"o":{},"a":[],"t":true,"n":null})");
+    const auto values = Load(document, R"(["text",-5,2.5,{},[],true,null])").as_array();
     using Read = void (*)(const JSONValue&);
-    const std::tuple<const char*, Read, const char*> cases[] = {
-        {"k", [](const JSONValue& value) { value.as_int64(); }, R"("k" to be INTEGER, found STRING: text)"},
-        {"i", [](const JSONValue& value) { value.as_string(); }, R"("i" to be STRING, found INTEGER: -5)"},
-        {"d", [](const JSONValue& value) { value.as_int64(); }, R"("d" to be INTEGER, found DOUBLE: 2.5)"},
-        {"o", [](const JSONValue& value) { value.as_array(); }, R"("o" to be ARRAY, found OBJECT)"},
-        {"a", [](const JSONValue& value) { value.as_map(); }, R"("a" to be OBJECT, found ARRAY)"},
-        {"t", [](const JSONValue& value) { value.as_double(); }, R"("t" to be DOUBLE, found BOOLEAN: true)"},
-        {"n", [](const JSONValue& value) { value.as_bool(); }, R"("n" to be BOOLEAN, found)"}};
-    for (const auto& [key, read, message] : cases) {
-        JSONValue value("kept", nullptr);
-        ASSERT_TRUE(root.find(key, value));
-        EXPECT_EQ(Thrown([&] { read(value); }), std::string("Expected JSON node ") + message);
-    }
+    const std::pair<Read, const char*> reads[] = {
+        {[](const JSONValue& value) { value.as_int64(); }, "INTEGER, found STRING: text"},
+        {[](const JSONValue& value) { value.as_string(); }, "STRING, found INTEGER: -5"},
+        {[](const JSONValue& value) { value.as_int64(); }, "INTEGER, found DOUBLE: 2.5"},
+        {[](const JSONValue& value) { value.as_array(); }, "ARRAY, found OBJECT"},
+        {[](const JSONValue& value) { value.as_map(); }, "OBJECT, found ARRAY"},
+        {[](const JSONValue& value) { value.as_double(); }, "DOUBLE, found BOOLEAN: true"},
+        {[](const JSONValue& value) { value.as_bool(); }, "BOOLEAN, found"}};
+    for (size_t index = 0; index < std::size(reads); ++index)
+        EXPECT_THAT(Thrown([&] { reads[index].first(values[index]); }),
+                    testing::EndsWith(std::string("to be ") + reads[index].second));
     EXPECT_EQ(Thrown([&] { JSONValue().as_bool(); }), R"(Expected JSON node "" to be BOOLEAN, found)");
-}
-
-TEST(JSONValue, FindsTheFirstMemberOfThatKeyOneLevelDown) {
-    JSONObject document;
-    const JSONValue root = Load(document, R"({"a":{"b":1},"c":1,"c":2})");
-    JSONValue value("kept", nullptr);
-    EXPECT_FALSE(root.find("b", value));
-    EXPECT_EQ(value.name(), "kept");
-    ASSERT_TRUE(root.find("c", value));
-    EXPECT_EQ(value.as_int64(), 1);
-    EXPECT_FALSE(value.find("c", value)) << "a number has no members";
 }
 
 TEST(JSONValue, BuildsWhatItWrites) {

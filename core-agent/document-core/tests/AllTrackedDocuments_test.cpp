@@ -1,14 +1,12 @@
 #include "AllTrackedDocuments.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "CapturedTrace.h"
 #include "FakeFontManager.h"
 #include "FontActivationTracker.h"
 
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
@@ -82,14 +80,6 @@ TEST_F(AllTrackedDocumentsTest, AClosedDocumentLetsItsFontsGoAsThePreferenceSays
     EXPECT_TRUE(tracker.HasClosesToCatchUp());
 }
 
-TEST_F(AllTrackedDocumentsTest, OfSeveralWithOneIdentifierOnlyTheFirstIsRemoved) {
-    for (const char* path : {"/a.ai", "/b.ai"})
-        Add(path)->SetIdentifier("same");
-    documents.RemoveClosedDocument(*documents.FindTrackedDocumentByPath("/b.ai"), nullptr);
-    ASSERT_EQ(documents.Documents().size(), 1u);
-    EXPECT_EQ(documents.Documents().front()->DocumentFilePath(), "/b.ai");
-}
-
 TEST_F(AllTrackedDocumentsTest, AnExceptionStaysInsideAndIsLogged) {
     const auto document = AddWithFont("/a.ai");
     fontManager.whileDeactivating = [] { throw std::runtime_error("lost"); };
@@ -98,17 +88,4 @@ TEST_F(AllTrackedDocumentsTest, AnExceptionStaysInsideAndIsLogged) {
     EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in AllTrackedDocuments::RemoveClosedDocument()\n"));
     fontManager.whileDeactivating = nullptr;
     EXPECT_EQ(tracker.CloseAllFonts(true), 0u) << "the tracker's lock was let go";
-}
-
-TEST(OneTrackedDocument, HoldsItsFontListsEachUnderItsName) {
-    const CFRef<CFMutableArrayRef> reported = cf::MutableArray(), unmatched = cf::MutableArray();
-    OneTrackedDocument document;
-    document.SetFontArrays({.reportedFonts = reported.get(), .unmatchedFonts = unmatched.get()});
-    EXPECT_EQ(document.FontArrayA(), reported.get());
-    EXPECT_EQ(document.FontArrayB(), unmatched.get());
-    EXPECT_EQ(CFGetRetainCount(reported.get()), 2);
-    document.SetFontArrays({});
-    EXPECT_EQ(CFGetRetainCount(reported.get()), 1);
-    document.SetLastKnownModificationTime(7);
-    EXPECT_EQ(document.LastKnownModificationTime(), 7);
 }

@@ -1,23 +1,18 @@
 #include "FontActivationTracker.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <regex>
 
 #include "CapturedTrace.h"
 #include "FakeFontManager.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
 class FontActivationTrackerTest : public testing::Test {
 protected:
-    /// Opens a document that uses the fonts, and those that were matched before.
     ErrorCode Open(const std::string& identifier, std::initializer_list<uint32_t> databaseIDs = {}) {
         for (const uint32_t databaseID : databaseIDs)
             fontManager.Match(databaseID, "Font " + std::to_string(databaseID));
@@ -179,16 +174,6 @@ TEST_F(FontActivationTrackerTest, WithoutAFontManagerNothingChanges) {
     fontManager.isRunning = true;
     Close("A");
     EXPECT_THAT(fontManager.deactivated, ElementsAre(7));
-}
-
-TEST_F(FontActivationTrackerTest, ChosenFontsAreCountedAndRegistered) {
-    fontManager.Match(7, "Seven");
-    fontManager.Match(8, "Eight");
-    uint32_t count = 0;
-    EXPECT_EQ(tracker.ActivateFontsByID("A", cf::MutableArray().get(), count), 0u);
-    EXPECT_EQ(count, 2u);
-    Close("A");
-    EXPECT_EQ(cf::Count(deactivated.get()), 2);
 }
 
 TEST_F(FontActivationTrackerTest, AHostThatComesBackFromBehindADialogIsRefused) {

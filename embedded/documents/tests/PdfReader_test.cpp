@@ -6,8 +6,7 @@
 
 using documents::test::Fonts;
 using documents::test::Repeated;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 

@@ -1,8 +1,6 @@
-// What the tests of readers have in common.
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>

@@ -2,9 +2,7 @@
 
 using documents::test::Fonts;
 using documents::test::Repeated;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 

@@ -16,7 +16,6 @@ protected:
     }
 };
 
-/// A host that holds so many fonts.
 std::unique_ptr<TestProcess> StartHost(const std::vector<std::string>& fonts) {
     std::vector<std::string> command = {TEST_HOST_PROGRAM, "/document"};
     command.insert(command.end(), fonts.begin(), fonts.end());
@@ -36,20 +35,6 @@ TEST_F(ClientRecovery, AKilledAgentIsUnavailableUntilThereIsAnotherOneAndLosesNo
     EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
     EXPECT_EQ(Deactivate(ids), 0u);
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
-}
-
-TEST_F(ClientRecovery, AnAgentThatIsReplacedIsNotMissed) {
-    const PluginFacadeRef facade = Facade();
-    ASSERT_EQ(AskWhetherLoggedIn(), 0u);
-    mWorld.StopAgent();
-    bool isLoggedIn = false;
-    EXPECT_EQ(GetIsLoggedIn(facade, &isLoggedIn), GAgentIF::kShutdown) << "it said so";
-    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
-    mWorld.StartAgent();
-    EXPECT_EQ(AskWhetherLoggedIn(), 0u);
-    mWorld.KillAgent();
-    mWorld.StartAgent();
-    EXPECT_EQ(AskWhetherLoggedIn(), 0u) << "no call in between noticed";
 }
 
 TEST_F(ClientRecovery, AFrozenAgentIsWaitedForOnceAndAnswersWhenItIsWellAgain) {
@@ -100,9 +85,8 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
         {"logout", kPluginCallback_LoggedOut},
         {"login somebody", kPluginCallback_LoggedIn},
         {"workgroup create Project", kPluginCallback_WorkgroupsChanged},
-        {"workgroup rename Project Done", kPluginCallback_WorkgroupsChanged},
-        {"workgroup use Done", kPluginCallback_WorkgroupsChanged},
-        {"workgroup delete Done", kPluginCallback_WorkgroupsChanged},
+        {"workgroup use Project", kPluginCallback_WorkgroupsChanged},
+        {"workgroup delete Project", kPluginCallback_WorkgroupsChanged},
         {"standalone off", kPluginCallback_WentOnline},
         {"standalone on", kPluginCallback_WentOffline},
         {"standalone on", -1},
@@ -152,22 +136,6 @@ TEST_F(ClientRecovery, AGoodbyeIsNotifiedAndEachNewAgentIsHeard) {
         return notes.Has(kPluginCallback_LoggedIn);
     }));
     CleanUpOnShutdown();  // and once more when the test ends
-}
-
-void UnregisterItself(int32_t type, const void* data) {
-    notes.Add(type, data);
-    static const TestLibrary library;
-    library.UnregisterForNotifications(library.Facade(), UnregisterItself);
-}
-
-TEST_F(ClientRecovery, ACallbackMayUnregisterItself) {
-    ASSERT_EQ(Ask(RegisterForNotifications, UnregisterItself), 0u);
-    mWorld.RunForJson({"logout"});
-    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedOut));
-    Listen();
-    mWorld.RunForJson({"login", "somebody"});
-    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedIn));
-    EXPECT_EQ(notes.received.size(), 2u);
 }
 
 }  // namespace

@@ -80,13 +80,8 @@ TEST(FontScanner, NamesAreMadeFitToShow) {
     const auto faces =
         FontScanner().Scan(MakeTestFont({"Sample-Bold", "S\x1B\x9Bmpl\n", "B\x7Fld\x85"}), reason);
     ASSERT_EQ(faces.size(), 1u) << reason;
-    EXPECT_EQ(faces[0].family, "Smpl");
-    EXPECT_EQ(faces[0].style, "Bld");
-    for (const auto& [name, clean] :
-         std::map<std::string, std::string>{{" a\u202Eb\u2066c\u2029\u061C ", "abc"},
-                                            {"  Sample \x01 Sans\n ", "Sample  Sans"},
-                                            {"Sam\xFFple", "Sam\xEF\xBF\xBDple"}})
-        EXPECT_EQ(CleanName(name), clean);
+    EXPECT_EQ(faces[0].family + faces[0].style, "SmplBld");
+    EXPECT_EQ(CleanName("  Sample \x01 S\u202Ea\xFFns\n "), "Sample  Sa\uFFFDns");
     std::string kanji;
     while (kanji.size() < 2 * kMaxNameSize)
         kanji += "\u5b57";
@@ -94,7 +89,6 @@ TEST(FontScanner, NamesAreMadeFitToShow) {
     EXPECT_LE(CleanName(std::string(100000, '\xFF')).size(), kMaxNameSize);
 }
 
-/// How many columns have something in them.
 int InkedColumns(const NameImage& image) {
     int inked = 0;
     for (int x = 0; x < image.width; ++x) {

@@ -143,15 +143,6 @@ TEST_F(FontStoreTest, MatchesAndReplacementsHaveReasons) {
         EXPECT_EQ(ReplacementReason(font, request), reason) << request.postScriptName;
 }
 
-TEST_F(FontStoreTest, RemovingAFileTakesAllThatHangsOnItAndNeverGivesAnIDTwice) {
-    const uint32_t font = Add("Sample", "Sample", "Regular");
-    mActivations.AddUserActivation(font);
-    Remove(font);
-    EXPECT_TRUE(mFonts.ActiveFiles().empty());
-    EXPECT_EQ(MatchOf({"Sample Regular", "", "", "", 0}), IDs());
-    EXPECT_GT(Add("Sample", "Sample", "Regular"), font);
-}
-
 // A collection may hold so many faces of one name that comparing each with each would never end.
 TEST_F(FontStoreTest, ANameAnswersForAFewOfItsFonts) {
     constexpr size_t kFaces = 50000;
@@ -225,17 +216,6 @@ TEST_F(FontStoreTest, InTheFamilyTheNearestStylesAreOffered) {
     EXPECT_EQ(ReplacementsFor("SampleNarrow-Bold").front(), 5u);
     EXPECT_EQ(ReplacementsFor({"MadeUpName", "Sample", "Light Oblique", "", 0}).front(), 6u);
     EXPECT_EQ(ReplacementsFor({"", "sample", "", "", 0}).front(), 1u);
-}
-
-TEST_F(FontStoreTest, OfOneNameTheBestFontThatIsThereIsOffered) {
-    Add("Sample-Bold", "Sample", "Bold", "Version 1.0");
-    const uint32_t newer = Add("Sample-Bold", "Sample", "Bold", "Version 2.0");
-    SetMissing(Add("Sample-Bold", "Sample", "Bold", "Version 3.0"));
-    SetMissing(Add("Sample-Thin", "Sample", "Thin"));
-    const uint32_t nearer = Add("Sample-Heavy", "Sample", "Heavy");
-    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(nearer, newer));
-    Remove(nearer);
-    EXPECT_THAT(ReplacementsFor("Sample-Black"), ElementsAre(newer));
 }
 
 /// Fonts 1 and 2 are in the first workgroup, 2 and 3 in the second, 4 in a set.
@@ -335,7 +315,6 @@ TEST(Schema, UpgradesADatabaseOfTheFirstVersionOrLeavesItAsItWas) {
     EXPECT_THROW(PrepareSchema(database, 1), DatabaseError);
 }
 
-/// The code with which it is refused; 0 when it is not.
 ErrorCode RefusalOf(Database& database) {
     try {
         PrepareSchema(database);
@@ -367,12 +346,12 @@ TEST(Schema, RefusesADatabaseThatIsNoneOfOursAndLeavesItAsItWas) {
             EXPECT_TRUE(!isOurs || PrepareSchema(database));
             database.Execute(change.c_str());
         }
-        const std::string before = test::ContentOf(path);
+        const std::string before = ContentOf(path);
         {
             Database database(path);
             EXPECT_EQ(RefusalOf(database), code) << change;
         }
-        EXPECT_EQ(test::ContentOf(path), before) << change;
+        EXPECT_EQ(ContentOf(path), before) << change;
     }
 }
 

@@ -1,7 +1,4 @@
 // What the agent leaves to others: while they are at it, everybody else is served.
-#include <map>
-
-#include "HostileFonts.h"
 #include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "tests/support/AgentTest.h"

@@ -54,7 +54,6 @@ protected:
     bool GoesFont() const {
         return Eventually([this] { return !IsFontActive(); });
     }
-    size_t CountSets() const { return mWorld.RunForJson({"set", "list"}).at("sets").size(); }
     void ReplaceKilledAgent() {
         mWorld.KillAgent();
         mWorld.StartAgent();
@@ -124,15 +123,6 @@ TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
     for (const int time : {9, 10})
         EXPECT_EQ(third.CreateSet(time, time - 1)["result"], set);
     EXPECT_EQ(third.CreateSet(11)["code"], CoreErrorCodes::kItemAlreadyExists) << "a request of its own";
-}
-
-TEST_F(LostAnswers, ARequestWhoseClientHasGoneIsNotBegun) {
-    HostConnection connection;
-    SuspendProcess(mWorld.AgentProcess());
-    connection.Begin(5, method::kCreateSet, {{"name", "Poster"}});
-    connection.Close();
-    ResumeProcess(mWorld.AgentProcess());
-    EXPECT_EQ(CountSets(), 0u);
 }
 
 TEST_F(LostAnswers, WhatAnotherHostHoldsCountsAsInactiveSoThatEachReturnsWhatItTook) {

@@ -1,4 +1,3 @@
-// What goes over connections, and how a client gets on with agents that are slow, old or foreign.
 #include "ipc/Message.h"
 
 #include "common/FontManagerLimits.h"
@@ -66,39 +65,6 @@ TEST(Message, RefusesMoreValuesThanMemoryIsFor) {
     // What would not be taken is not sent.
     EXPECT_TRUE(EncodeMessage({{"a", Json::array_t(most, 1)}}));
     EXPECT_FALSE(EncodeMessage({{"a", Json::array_t(most + 1, 1)}}));
-}
-
-TEST(AgentConnection, WaitsForSignsOfLifeAndTellsAGoodbyeFromABreakAndFromNonsense) {
-    const std::pair<ErrorCode, ScriptedAgent::Script> scripts[] = {
-        {CoreErrorCodes::kNotFound,
-         [](ScriptedAgent& agent) {
-             const Json request = agent.ReadMessage();
-             for (int count = 0; count < 6; ++count) {
-                 std::this_thread::sleep_for(std::chrono::milliseconds(500));
-                 agent.Send({{"working", true}});
-             }
-             agent.Send({{"id", 999}, {"code", 1}});
-             agent.Send({{"notification", 4}, {"data", nullptr}});
-             agent.Answer(request, CoreErrorCodes::kNotFound);
-         }},
-        {GAgentIF::kShutdown,
-         [](ScriptedAgent& agent) {
-             agent.Send({{"goodbye", true}});
-         }},
-        {GIPCClient::kServiceUnavailable, [](ScriptedAgent& agent) { agent.ReadMessage(); }},
-        {GIPCClient::kServiceUnavailable, [](ScriptedAgent& agent) {
-             agent.ReadMessage();
-             agent.Write(std::string("\4\0\0\0junk", 8));
-         }}};
-    for (const auto& [code, script] : scripts) {
-        const TestWorld world;
-        const ScriptedAgent agent(world, script);
-        AgentConnection connection(std::chrono::seconds(2));
-        Json result;
-        EXPECT_EQ(connection.Call(method::kGetStatus, Json::object(), result), code);
-        EXPECT_TRUE(code == CoreErrorCodes::kNotFound ||
-                    connection.Call(method::kGetStatus, Json::object(), result) == code);
-    }
 }
 
 }  // namespace

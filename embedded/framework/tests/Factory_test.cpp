@@ -1,6 +1,4 @@
-// The library as the core finds it: loaded at run time.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
@@ -36,7 +34,7 @@ TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {
 
 TEST_F(FactoryTest, PreferencesStandBelowTheConfigurationFolderOfTheUser) {
     ASSERT_TRUE(Create()->SetIntPreference("Key", 5));
-    EXPECT_EQ(nlohmann::json::parse(ReadText(mPreferences)),
+    EXPECT_EQ(nlohmann::json::parse(ContentOf(mPreferences)),
               nlohmann::json::parse(R"({"com.vantorix.Plugin": {"Illustrator2025": {"Key": 5}}})"));
     EXPECT_TRUE(Create()->IsPreferenceStoreUsable());
     WriteText(mFolder / "file", "");
@@ -53,7 +51,7 @@ TEST_F(FactoryTest, TheEnvironmentDecidesOnLanguageAndAnswers) {
     EXPECT_EQ(cf::ToUtf8(AdoptCF(framework->CopyLocalizedString(200)).get()), "Einstellungen...");
     EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 1);
     EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 2);
-    EXPECT_THAT(ReadText(mFolder / "log"), testing::HasSubstr("\"answer\":1}\n{"));
+    EXPECT_THAT(ContentOf(mFolder / "log"), testing::HasSubstr("\"answer\":1}\n{"));
 }
 
 TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {
@@ -65,7 +63,7 @@ TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {
     EXPECT_EQ(framework->GetIntPreference("Key"), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(ReadText(mPreferences + ".damaged-1"), "damaged");
+    EXPECT_EQ(ContentOf(mPreferences + ".damaged-1"), "damaged");
 }
 
 }  // namespace

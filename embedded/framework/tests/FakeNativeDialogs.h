@@ -3,7 +3,6 @@
 
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "platform/NativeDialogs.h"

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "CapturedTrace.h"
@@ -30,9 +29,4 @@ private:
 inline void WriteText(const std::string& path, const std::string& text) {
     std::filesystem::create_directories(platform::Utf8Path(path).parent_path());
     std::ofstream(platform::Utf8Path(path), std::ios::binary) << text;
-}
-
-inline std::string ReadText(const std::string& path) {
-    std::ifstream file(platform::Utf8Path(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -1,9 +1,9 @@
 #include "preferences/PreferenceFile.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <thread>
 
 #include "FrameworkTestSupport.h"
 
@@ -24,7 +24,7 @@ bool SetMember(PreferenceFile& file, const std::string& name, const json& value)
 }
 
 json Parsed(const std::string& path) {
-    return json::parse(ReadText(path), nullptr, false);
+    return json::parse(ContentOf(path), nullptr, false);
 }
 
 TEST_F(PreferenceFileTest, TwoInstancesSeeEachOthersChangesAtOnceAndLoseNone) {
@@ -47,7 +47,7 @@ TEST_F(PreferenceFileTest, WhatIsNoPreferenceFileIsSetAsideWithOneLineAndStoring
     PreferenceFile writer(mFolder);
     ASSERT_TRUE(
         SetMember(writer, "plug-in", {{"host", {{"text", "ü\n"}, {"number", -1.5}, {"flag", true}}}}));
-    const std::string whole = ReadText(mPath);
+    const std::string whole = ContentOf(mPath);
     std::vector<std::string> contents = {
         "[]", "{\"a\":\"\xFF\"}", "{\"a\":\"" + std::string(1 << 20, 'x') + "\"}",
         "{\"a\":" + std::string(100000, '[') + std::string(100000, ']') + "}"};
@@ -63,22 +63,37 @@ TEST_F(PreferenceFileTest, WhatIsNoPreferenceFileIsSetAsideWithOneLineAndStoring
         ASSERT_TRUE(SetMember(file, "kept", number));
         EXPECT_EQ(Parsed(mPath), json({{"kept", number}}));
         const std::string aside = mPath + ".damaged-" + std::to_string(number);
-        EXPECT_EQ(ReadText(aside), content);
+        EXPECT_EQ(ContentOf(aside), content);
         EXPECT_THAT(mLog.Text(), testing::HasSubstr("Preferences.json.damaged-" + std::to_string(number)));
         EXPECT_EQ(mLog.LineCount(), 1u);
     }
+}
+
+TEST_F(PreferenceFileTest, HostsThatStoreAtOnceLoseNothing) {
+    constexpr int kChanges = 20;
+    std::vector<std::jthread> hosts;
+    for (const char* key : {"a", "b", "c"})
+        hosts.emplace_back([this, key] {
+            PreferenceFile file(mFolder);
+            for (int number = 1; number <= kChanges; ++number)
+                EXPECT_TRUE(SetMember(file, key, number));
+        });
+    hosts.clear();
+    EXPECT_EQ(Parsed(mPath), json({{"a", kChanges}, {"b", kChanges}, {"c", kChanges}}));
 }
 
 TEST_F(PreferenceFileTest, ADamagedFileStaysWhereItIsWhileAnotherProcessHoldsTheLock) {
     WriteText(mPath, "{");
     platform::FileLock lock;
     ASSERT_FALSE(lock.Acquire(mPath + ".lock", true));
+    WriteText(mPath + ".writing-killed", "{");  // as a kill between two system calls leaves it
     PreferenceFile file(mFolder);
     EXPECT_TRUE(file.Read()->empty());
-    EXPECT_EQ(ReadText(mPath), "{");
+    EXPECT_EQ(ContentOf(mPath), "{");
     lock.Release();
-    EXPECT_TRUE(file.Read()->empty());
-    EXPECT_EQ(ReadText(mPath + ".damaged-1"), "{");
+    EXPECT_TRUE(SetMember(file, "a", 1));
+    EXPECT_EQ(ContentOf(mPath + ".damaged-1"), "{");
+    EXPECT_FALSE(std::filesystem::exists(platform::Utf8Path(mPath + ".writing-killed")));
 }
 
 TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSoOnce) {
@@ -95,7 +110,7 @@ TEST_F(PreferenceFileTest, WhereNothingCanBeWrittenTheStoreIsNotUsableAndSaysSoO
         EXPECT_TRUE(file.Read()->empty()) << folder;
         EXPECT_EQ(mLog.LineCount(), lines) << "a failure that lasts is told once";
     }
-    EXPECT_EQ(ReadText(mTemporary / "file"), "precious");
+    EXPECT_EQ(ContentOf(mTemporary / "file"), "precious");
 }
 
 TEST_F(PreferenceFileTest, LinksThatWerePlantedCostNobodyTheirFiles) {
@@ -114,7 +129,7 @@ TEST_F(PreferenceFileTest, LinksThatWerePlantedCostNobodyTheirFiles) {
     std::filesystem::create_symlink(platform::Utf8Path(mTemporary / "target"), platform::Utf8Path(mPath));
     EXPECT_TRUE(file.IsUsable());
     EXPECT_TRUE(SetMember(file, "a", 1));
-    EXPECT_EQ(ReadText(mTemporary / "target"), "precious");
+    EXPECT_EQ(ContentOf(mTemporary / "target"), "precious");
 }
 
 TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {

@@ -15,7 +15,7 @@ using nlohmann::json;
 
 class PreferenceStoreTest : public testing::Test {
 protected:
-    json Stored() const { return json::parse(ReadText(mPath)); }
+    json Stored() const { return json::parse(ContentOf(mPath)); }
 
     TemporaryFolder mFolder;
     const std::string mPath = mFolder / "Preferences.json";
@@ -77,7 +77,7 @@ TEST_F(PreferenceStoreTest, DefaultsAreRegisteredOnceAndAgainWhenTheFileWasLost)
     EXPECT_FALSE(PreferenceStore(platform::Utf8Text(mFolder.Path()), "com.vantorix.Plugin", "Other")
                      .AreDefaultsRegistered());
 
-    WriteText(mPath, ReadText(mPath).substr(0, 30));
+    WriteText(mPath, ContentOf(mPath).substr(0, 30));
     EXPECT_FALSE(mStore.AreDefaultsRegistered());
     EXPECT_TRUE(mStore.RegisterDefaults(defaults));
     EXPECT_TRUE(mStore.GetBool("EnablePlugin"));

@@ -79,17 +79,6 @@ TEST(FileRights, FoldersThatOthersMayWriteToAreClosedAtAnyDepthAndNoneBehindALin
     EXPECT_TRUE(platform::MakePrivateFolder(folder / "link"));
 }
 
-TEST(FileRights, ACopyIsAFileLikeAnyNewOne) {
-    const TemporaryFolder folder;
-    const std::string source = folder.Write("source", "x");
-    const std::string fresh = folder.Write("any new one", "");
-    fs::permissions(source, fs::perms::owner_read);
-    ASSERT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
-    EXPECT_EQ(fs::status(folder / "copy").permissions(), fs::status(fresh).permissions());
-    fs::create_symlink("nowhere", folder / "dangling");
-    EXPECT_TRUE(platform::CopyToNewFile(source, folder / "dangling").IsExisting());
-}
-
 TEST(FileRights, ACopyThatIsCutOffNeverHasItsName) {
     const TemporaryFolder folder;
     const std::string source = folder.Write("source", std::string(3 << 20, 'x'));
@@ -112,6 +101,20 @@ TEST(FileRights, ACopyThatIsCutOffNeverHasItsName) {
     EXPECT_FALSE(platform::CopyToNewFile(source, folder / "copy"));
 }
 
+TEST(FileRights, AFileThatThereIsNoRoomForStaysAsItWas) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("file", "old");
+    const auto writeWithoutRoom = [&] {
+        const rlimit limit{1 << 20, 1 << 20};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        signal(SIGXFSZ, SIG_IGN);
+        _exit(platform::WriteWholeFile(path, std::string(3 << 20, 'x')) ? 1 : 0);
+    };
+    EXPECT_EXIT(writeWithoutRoom(), testing::ExitedWithCode(1), "");
+    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 1);
+}
+
 TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
     const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
     const auto folder = [](const char* value) {
@@ -123,20 +126,6 @@ TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
     EXPECT_EQ(folder("/"), "/");
     EXPECT_EQ(folder("a/b"), folder("")) << "as if it were not set";
     platform::SetEnvironment("XDG_CONFIG_HOME", saved);
-}
-
-TEST(UserLanguage, IsThatOfTheFirstVariableThatSaysOne) {
-    const std::string saved = platform::EnvironmentVariable("LC_ALL");
-    const auto language = [](const char* all, const char* messages) {
-        platform::SetEnvironment("LC_ALL", all);
-        platform::SetEnvironment("LC_MESSAGES", messages);
-        return platform::UserLanguage();
-    };
-    EXPECT_EQ(language("de_DE.UTF-8", "fr_FR"), "de");
-    EXPECT_EQ(language("", "fr_FR"), "fr");
-    EXPECT_EQ(language("C", "fr_FR"), "en");
-    platform::SetEnvironment("LC_ALL", saved);
-    platform::SetEnvironment("LC_MESSAGES", "");
 }
 
 TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {

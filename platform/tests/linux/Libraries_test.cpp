@@ -1,7 +1,6 @@
 // What libraries are on a POSIX system: files that the dynamic linker would also look for in the working
 // folder.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 

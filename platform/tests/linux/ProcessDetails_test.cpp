@@ -1,7 +1,5 @@
 // What processes are on a POSIX system: zombies, sessions, descriptors, signals.
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,38 +7,20 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <thread>
 
 #include "TemporaryFolder.h"
 #include "TestProcess.h"
 #include "platform/DebugOutput.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
-#include "platform/Processes.h"
+#include "support/Launch.h"
 
 using namespace std::chrono_literals;
 
 namespace {
 
-platform::Processes& Processes() {
-    return platform::Current<platform::Processes>();
-}
-
-/// Starts the program with the words, which are quoted as they need to be.
-std::unique_ptr<platform::ChildProcess> Launch(const std::string& program, const std::string& words) {
-    platform::SystemError error;
-    auto child = Processes().Launch(program, "\"" + program + "\" " + words, error);
-    EXPECT_FALSE(error) << platform::SystemErrorText(error);
-    return child;
-}
-
 std::unique_ptr<platform::ChildProcess> LaunchScript(const std::string& script) {
-    return Launch("/bin/sh", "-c \"" + script + "\"");
-}
-
-std::optional<int> WaitForExit(platform::ChildProcess& child) {
-    child.WaitUntilIdle(10s);
-    return child.ExitStatus();
+    return Launch("-c \"" + script + "\"", "/bin/sh");
 }
 
 }  // namespace
@@ -66,36 +46,15 @@ TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
     };
     const std::string user = geteuid() == 0 ? "" : "--user --map-current-user ";
     const auto apart =
-        Launch("/usr/bin/unshare", "--pid --fork --kill-child " + user + "\"" + program + "\" be-ready");
+        Launch("--pid --fork --kill-child " + user + "\"" + program + "\" be-ready", "/usr/bin/unshare");
     if (!apart->WaitUntilIdle(10s))
         GTEST_SKIP() << "the system allows no namespaces";
     EXPECT_EQ(countOfListed(), 0);
-    const auto beside = Launch(program, "be-ready");
+    const auto beside = Launch("be-ready", program);
     ASSERT_TRUE(beside->WaitUntilIdle(10s));
     EXPECT_EQ(countOfListed(), 1);
     KillProcess(apart->Id());
     KillProcess(beside->Id());
-}
-
-TEST(ProcessDetails, WithoutAFreeDescriptorOnlyAProcessThatIsThereCannotBeTold) {
-    using platform::ProcessState;
-    const platform::ProcessId self = getpid();
-    const uint64_t start = platform::ProcessStartTime(self);
-    const auto ended = LaunchScript("exit 0");
-    WaitForExit(*ended);
-    rlimit saved{};
-    getrlimit(RLIMIT_NOFILE, &saved);
-    const rlimit none{0, saved.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kCannotBeTold);
-    EXPECT_EQ(platform::StateOfProcess(ended->Id(), 1), ProcessState::kGone);
-    EXPECT_EQ(platform::ProcessEra(), "");
-    platform::SystemError error;
-    EXPECT_EQ(Processes().Launch("/bin/sh", "\"/bin/sh\" -c :", error), nullptr);
-    EXPECT_TRUE(error);
-    setrlimit(RLIMIT_NOFILE, &saved);
-    EXPECT_EQ(platform::StateOfProcess(self, start), ProcessState::kAlive);
-    EXPECT_NE(platform::ProcessEra(), "");
 }
 
 TEST(ProcessDetails, AProcessIsAskedToEndByASignal) {
@@ -106,24 +65,6 @@ TEST(ProcessDetails, AProcessIsAskedToEndByASignal) {
     errno = EPERM;  // of an earlier call
     EXPECT_FALSE(platform::RequestEndOfProcess(child->Id(), platform::ProcessStartTime(child->Id())));
     EXPECT_EQ(WaitForExit(*child), 3);
-}
-
-TEST(ProcessDetails, AChildThatIsReadyWhenNobodyWaitsAnyMoreLivesOn) {
-    int ends[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        close(ends[0]);  // the last one that could listen is the parent
-        dup2(ends[1], 3);
-        setenv("PLUGINCORE_READY_DESCRIPTOR", "3", 1);
-        platform::NotifyReadyForInput();
-        _exit(0);
-    }
-    close(ends[0]);
-    close(ends[1]);
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
 }
 
 TEST(ProcessDetails, AChildHasASessionOfItsOwnAndNoneOfOurDescriptors) {
@@ -142,22 +83,6 @@ TEST(ProcessDetails, AChildHasASessionOfItsOwnAndNoneOfOurDescriptors) {
     std::string session;
     ASSERT_FALSE(platform::ReadWholeFile(folder / "session", session, 100));
     EXPECT_EQ(std::stol(session), child->Id());
-}
-
-TEST(ProcessDetails, AThreadStartedBehindASignalBlockIsSparedTheHostsSignals) {
-    const auto blocked = [](int signal) {
-        sigset_t mask;
-        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-        return sigismember(&mask, signal) == 1;
-    };
-    {
-        const platform::ScopedSignalBlock block;
-        std::thread([&] {
-            EXPECT_TRUE(blocked(SIGTERM) && blocked(SIGALRM) && blocked(SIGRTMAX));
-            EXPECT_FALSE(blocked(SIGSEGV) || blocked(SIGABRT));
-        }).join();
-    }
-    EXPECT_FALSE(blocked(SIGTERM) || blocked(SIGALRM) || blocked(SIGRTMAX));
 }
 
 TEST(LinuxDebugOutput, OutputThatNobodyReadsAnyMoreDoesNotEndTheHost) {

@@ -1,11 +1,9 @@
 // A worker that does as it is told, also what it must not.
 #include <condition_variable>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "WorkerTestLimits.h"
 #include "platform/Worker.h"

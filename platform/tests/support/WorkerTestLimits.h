@@ -1,4 +1,3 @@
-// What workers in tests may use.
 #pragma once
 
 #include "platform/Worker.h"

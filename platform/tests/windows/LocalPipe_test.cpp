@@ -4,8 +4,6 @@
 // After windows.h, which it needs.
 #include <aclapi.h>
 
-#include <thread>
-
 #include "TemporaryFolder.h"
 #include "UserIdentity.h"
 #include "platform/LocalStream.h"
@@ -18,34 +16,8 @@ using namespace std::chrono_literals;
 
 constexpr DWORD kBothWays = GENERIC_READ | GENERIC_WRITE;
 
-/// A pipe of one place, made by somebody who knows nothing of us.
-class ForeignPipe {
-public:
-    explicit ForeignPipe(const std::string& address)
-        : mName(Utf8Path(address).wstring()),
-          mHandle(CreateNamedPipeW(mName.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 4096, 4096, 0,
-                                   nullptr)) {}
-    ~ForeignPipe() { CloseHandle(mHandle); }
-    ForeignPipe(const ForeignPipe&) = delete;
-    ForeignPipe& operator=(const ForeignPipe&) = delete;
-
-    HANDLE Connect() { return CreateFileW(mName.c_str(), kBothWays, 0, nullptr, OPEN_EXISTING, 0, nullptr); }
-    void FreePlace() {
-        DisconnectNamedPipe(mHandle);
-        ConnectNamedPipe(mHandle, nullptr);
-    }
-
-private:
-    const std::wstring mName;
-    const HANDLE mHandle;
-};
-
 class LocalPipeTest : public testing::Test {
 protected:
-    asio::error_code Connect(std::chrono::milliseconds limit) {
-        return LocalStream(mLoop).Connect(mAddress, std::chrono::steady_clock::now() + limit, mIsCancelled);
-    }
-
     TemporaryFolder mFolder;
     const std::string mAddress = LocalStreamAddresses("Test", "Pipes", mFolder / "data").front();
     std::atomic<bool> mIsCancelled{false};
@@ -54,9 +26,12 @@ protected:
 };
 
 TEST_F(LocalPipeTest, SomebodyElsesPipeOfTheNameIsNotListenedAt) {
-    const ForeignPipe foreign(mAddress);
+    const HANDLE foreign = CreateNamedPipeW(Utf8Path(mAddress).c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1,
+                                            4096, 4096, 0, nullptr);
+    ASSERT_NE(foreign, INVALID_HANDLE_VALUE);
     EXPECT_TRUE(mAcceptor.Listen(mAddress).code);
     EXPECT_FALSE(mAcceptor.Listen(LocalStreamAddresses("Test", "Pipes", mFolder / "data").back()).code);
+    CloseHandle(foreign);
 }
 
 TEST_F(LocalPipeTest, IsOpenToThisUserAlone) {
@@ -79,28 +54,6 @@ TEST_F(LocalPipeTest, IsOpenToThisUserAlone) {
     EXPECT_TRUE(EqualSid(const_cast<DWORD*>(&allowed->SidStart), user.data()));
     LocalFree(descriptor);
     CloseHandle(pipe);
-}
-
-TEST_F(LocalPipeTest, WaitsForAPlaceUntilTheDeadlineOrACancellation) {
-    ForeignPipe busy(mAddress);
-    const HANDLE first = busy.Connect();
-    ASSERT_NE(first, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(Connect(200ms), asio::error::timed_out);
-    const auto connectWhile = [&](const std::function<void()>& change) {
-        std::thread changing([&] {
-            std::this_thread::sleep_for(100ms);
-            change();
-        });
-        const asio::error_code result = Connect(1h);
-        changing.join();
-        return result;
-    };
-    EXPECT_EQ(connectWhile([&] { mIsCancelled = true; }), asio::error::operation_aborted);
-    mIsCancelled = false;
-    EXPECT_FALSE(connectWhile([&] {
-        CloseHandle(first);
-        busy.FreePlace();
-    }));
 }
 
 TEST_F(LocalPipeTest, ConnectsToPipesOfThisMachineAlone) {

@@ -1,6 +1,5 @@
 #include "platform/Windowing.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -61,30 +60,6 @@ TEST(Windowing, FindsTheHostsWindowsByClassAndTitleAtAnyDepth) {
     EXPECT_EQ(TitleIn(below, grandchild.Get()), "grand 字");
     EXPECT_TRUE(Windows().Descendants(grandchild.Get()).empty());
     EXPECT_TRUE(Windows().Descendants(nullptr).empty()) << "not those of the desktop";
-}
-
-/// What the notice shows, and its window's extended style.
-std::pair<std::vector<std::string>, LONG_PTR> ShownNotice(const std::string& path, unsigned stringID) {
-    std::pair<std::vector<std::string>, LONG_PTR> shown;
-    {
-        const DialogDriver user([&](HWND dialog) {
-            shown = {TextsOf(dialog, "Static"), GetWindowLongPtrW(dialog, GWL_EXSTYLE)};
-            EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
-            PressKey(dialog, VK_RETURN);
-        });
-        Windows().ShowStringResourceNotice(path, stringID);
-    }
-    return shown;
-}
-
-TEST(Windowing, ANoticeShowsTheTextOfAModuleOrItsNameAboveAllWindows) {
-    const auto [texts, style] =
-        ShownNotice(platform::SystemDefault<platform::Processes>().CurrentExecutablePath(), 105);
-    EXPECT_THAT(texts, testing::Contains("Prüfung: это не работает."));
-    EXPECT_NE(style & WS_EX_TOPMOST, 0) << "system-modal";
-    EXPECT_THAT(ShownNotice("C:\\no ü\\library.dll", 105).first,
-                testing::Contains(testing::HasSubstr("C:\\no ü\\library.dll\n\n")));
-    EXPECT_THAT(ShownNotice("", 105).first, testing::Contains(testing::Not("")));
 }
 
 }  // namespace

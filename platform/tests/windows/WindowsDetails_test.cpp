@@ -8,7 +8,6 @@
 #include <filesystem>
 
 #include "TemporaryFolder.h"
-#include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "platform/Processes.h"
@@ -68,13 +67,4 @@ TEST(Programs, AProgramHasTheNameOfItsFileAndWorksInItsFolder) {
     std::string told;
     ASSERT_FALSE(platform::ReadWholeFile(folder / "told", told, 1000));
     EXPECT_EQ(told, "Photoshop|" + platform::AbsolutePath(platform::Utf8Text(folder.Path())));
-}
-
-TEST(Libraries, AModuleThatIsKeptOutlivesItsLoaders) {
-    constexpr wchar_t kLibrary[] = L"msimg32.dll";
-    ASSERT_EQ(GetModuleHandleW(kLibrary), nullptr) << "something else has it loaded";
-    HMODULE library = LoadLibraryW(kLibrary);
-    platform::KeepModuleLoaded(library);
-    FreeLibrary(library);
-    EXPECT_EQ(GetModuleHandleW(kLibrary), library);
 }

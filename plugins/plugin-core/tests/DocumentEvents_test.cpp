@@ -1,7 +1,5 @@
 #include "DocumentEvents.h"
 
-#include <gmock/gmock.h>
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -12,8 +10,7 @@
 #include "platform/Utf8Path.h"
 
 using nlohmann::json;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
@@ -82,8 +79,8 @@ TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
     ASSERT_EQ(Open(), PLUGINCORE_FONTS_ACTIVATED);
     const std::string listA = bufferA.c_str();
     const std::string listB = bufferB.c_str();
+    library.activationStateBefore = kFontActivationState_ActivatedByPlugin;
     for (const auto& [roomA, roomB] : {std::pair{1u, 1u}, {1u, 0u}, {0u, 1u}}) {
-        library.activationStateBefore = kFontActivationState_ActivatedByPlugin;
         std::string a(4096, '#');
         std::string b(4096, '#');
         size_t sizeA = listA.size() + roomA;
@@ -93,7 +90,6 @@ TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
                   roomA + roomB == 2 ? CoreErrorCodes::kSuccess : CoreErrorCodes::kIndexOutOfRange);
         EXPECT_EQ(a.starts_with(listA), roomA == 1);
         EXPECT_EQ(b.starts_with(listB), roomB == 1);
-        EXPECT_EQ(sizeA + sizeB, listA.size() + roomA + listB.size() + roomB);
     }
     framework.numbers["CloseFontsOnDocClose"] = 1;
     EXPECT_EQ(Close(), 0u);
@@ -123,10 +119,6 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "failed"), CoreErrorCodes::kUnknownError);
     EXPECT_EQ(Close(), 0u);
     EXPECT_EQ(saved(), "'failed' '' ") << "tried again at close";
-    Open();
-    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "usage"), 0u);
-    EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(saved(), "'usage' ") << "nothing is left to hand over";
 }
 
 TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLaterOrNever) {
@@ -158,9 +150,8 @@ TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
     uint32_t count = 42;
     EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7}])", &count),
               CoreErrorCodes::kNotFound);
-    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, R"([{"DatabaseID":7,"ActivationStatus":1}])", &count),
-              0u);
-    EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, "", &count), 0u);
+    for (const char* none : {R"([{"DatabaseID":7,"ActivationStatus":1}])", ""})
+        EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, none, &count), 0u);
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(DocumentEvents::ActivateChosenFonts(path, "{}", &count), CoreErrorCodes::kInvalidParam);
     Open();

@@ -1,7 +1,5 @@
 // The exports themselves: what they make of pointers and texts that no host should pass.
 
-#include <gmock/gmock.h>
-
 #include "FakePlugPlug.h"
 #include "FakeWorld.h"
 #include "PluginCoreInterface.h"
@@ -100,12 +98,9 @@ TEST_F(ExportsTest, BeforeItIsStartedNothingIsOffered) {
         InvokeResolveDialog(true, resolvable, text, &size, other, &otherSize)};
     EXPECT_THAT(refused, testing::Each(PLUGINCORE_UNKNOWN_ERROR));
     const std::vector<uint32_t> done = {
-        HandleCloseDocument("/d.ai", ""),
         HandleOpenExistingDocument("/d.ai", "[]", text, &size, other, &otherSize, &fontCount),
-        HandleMenuSelection("/d.ai", R"({"m":[{"id":"x","label":"About..."}]})", "x", ""),
-        IdleEvent(),
-        ProcessPanelMessages(true),
-        TerminatePluginCoreInterface()};
+        HandleMenuSelection("/d.ai", R"({"m":[{"id":"x","label":"About..."}]})", "x", ""), IdleEvent(),
+        ProcessPanelMessages(true), TerminatePluginCoreInterface()};
     EXPECT_THAT(done, testing::Each(PLUGINCORE_SUCCESS));
     EXPECT_EQ(fontCount, 0);
 }
@@ -168,13 +163,6 @@ TEST_F(ExportsTest, TheVersionIsAgreedOnAtAnyTime) {
     EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(602u, 603u)));
 }
 
-TEST_F(ExportsTest, TheLoginMessageCountsTheUserAsLoggedOut) {
-    MakeFunctional();
-    EXPECT_EQ(ShowNotLoggedInMessageBox(), 0u);
-    EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(609u, 611u)));
-    EXPECT_EQ(SetPreference("RMF4", "1"), PLUGINCORE_NOT_INITIALIZED);
-}
-
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
     FakePlugPlug service;
     service.answerToListeners = 1;
@@ -182,17 +170,18 @@ TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
     EXPECT_THAT(trace.Text(), HasSubstr("PluginCoreInterface.cpp'  Line=1995  Expression='PanelManager::"
                                         "GetSharedInstance().RegisterPlugPlug(plugPlug)'"));
     EXPECT_EQ(TryRegisterPlugPlug(&service), PLUGINCORE_NOT_INITIALIZED);
-    FakePanel* panel = AddPanel();
-    panel->selectCode = panel->popCode = CoreErrorCodes::kNotFound;
-    EXPECT_EQ(ProcessPanelMessages(false), PLUGINCORE_NOT_FOUND);
-    panel->selectCode = 0;
-    EXPECT_EQ(ProcessPanelMessages(false), PLUGINCORE_NOT_FOUND);
-    for (const char* call : {"Line=2037  Expression='PanelManager::GetSharedInstance().SelectSocket(",
-                             "Line=2038  Expression='PanelManager::GetSharedInstance().PopNotifications()"})
+    RecordingPanel* panel = AddPanel();
+    panel->PushDataChangedNotification();
+    MarquellGlobals::SetConnectedToCore(true);
+    for (const auto& [messages, call] :
+         {std::pair{0, "Line=2037  Expression='PanelManager::GetSharedInstance().SelectSocket("},
+          {1, "Line=2038  Expression='PanelManager::GetSharedInstance().PopNotifications()"}}) {
+        panel->messagesUntilFailure = messages;
+        EXPECT_EQ(ProcessPanelMessages(false), PLUGINCORE_NOT_FOUND);
         EXPECT_THAT(trace.Text(), HasSubstr(call));
-    panel->popCode = 0;
+    }
     EXPECT_EQ(ProcessPanelMessages(true), 0u);
-    EXPECT_EQ(panel->selections, (std::vector<bool>{false, false, true}));
+    EXPECT_THAT(panel->sent, testing::ElementsAre("select", "close", R"({"messageID":56})"));
 }
 
 TEST_F(ExportsTest, TerminatingClosesEveryDocumentBeforeTheFontManagerGoes) {

@@ -5,6 +5,7 @@
 #include "AllTrackedDocuments.h"
 #include "FontManagerWorld.h"
 #include "PanelManager.h"
+#include "RecordingPanel.h"
 
 class FakeWorld : public FontManagerWorld {
 protected:
@@ -20,29 +21,9 @@ protected:
         trace.Clear();
     }
 
-    /// A panel of the shared panel manager; lives to process end, and answers with success unless told not
-    /// to.
-    struct FakePanel : MarquellPanel {
-        ErrorCode SelectSocket(bool close) override {
-            selections.push_back(close);
-            return selectCode;
-        }
-        uint32_t GetSocketPort() override { return 0; }
-        ErrorCode PopNotifications() override { return popCode; }
-        ErrorCode SendMessage(const std::string& message) override {
-            sent.push_back(message);
-            return 0;
-        }
-        ErrorCode SendFontImages(CFDictionaryRef) override { return 0; }
-
-        ErrorCode selectCode = 0;
-        ErrorCode popCode = 0;
-        std::vector<bool> selections;
-        std::vector<std::string> sent;
-    };
-    static FakePanel* AddPanel() {
-        auto panel = std::make_unique<FakePanel>();
-        FakePanel* const added = panel.get();
+    static RecordingPanel* AddPanel() {
+        auto panel = std::make_unique<RecordingPanel>();
+        RecordingPanel* const added = panel.get();
         PanelManager::GetSharedInstance().AddPanel(std::move(panel));
         return added;
     }

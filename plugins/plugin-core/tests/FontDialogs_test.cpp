@@ -1,16 +1,12 @@
 #include "FontDialogs.h"
 
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 
 #include "FakeWorld.h"
 #include "PluginCoreInterface.h"
 
 using nlohmann::json;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
+using testing::ElementsAre, testing::HasSubstr, testing::Not;
 
 namespace {
 
@@ -51,10 +47,8 @@ TEST_F(FontDialogsTest, TheDialogShowsWhenThereIsSomethingToShowAndItIsPermitted
         bool shows;
     } cases[] = {
         {false, "[{", true, CoreErrorCodes::kInvalidParam, false},
-        {true, "", true, CoreErrorCodes::kInvalidParam, false},
         {false, R"({"DocumentFonts":[{}]})", true, CoreErrorCodes::kInvalidParam, false},
         {false, "[]", true, CoreErrorCodes::kInvalidParam, false},
-        {true, "[]", true, CoreErrorCodes::kInvalidParam, false},
         {true, kBoth, false, 0, true},  // that they can be resolved is all that it takes
         {true, kOnlyLost, true, CoreErrorCodes::kNotFound, false},
         {false, kOnlyLost, true, 0, true},
@@ -97,12 +91,12 @@ TEST_F(FontDialogsTest, TheSecondBufferWaitsForTheFirst) {
     EXPECT_EQ(Resolve(true, kBoth), CoreErrorCodes::kIndexOutOfRange);
     EXPECT_EQ(skippedSize, 4096u);
     EXPECT_EQ(skipped.front(), 's');
-    resolvedSize = 3;
-    skippedSize = skippedLength;
-    EXPECT_EQ(Resolve(true, kBoth), CoreErrorCodes::kIndexOutOfRange);
-    EXPECT_STREQ(resolved.c_str(), "[]");
-    skippedSize = skippedLength + 1;
-    EXPECT_EQ(Resolve(true, kBoth), 0u);
+    for (const size_t room : {0, 1}) {
+        resolvedSize = 3;
+        skippedSize = skippedLength + room;
+        EXPECT_EQ(Resolve(true, kBoth), room == 1 ? 0 : CoreErrorCodes::kIndexOutOfRange);
+        EXPECT_STREQ(resolved.c_str(), "[]");
+    }
 }
 
 TEST_F(FontDialogsTest, BehindADialogItIsNotShownAgain) {

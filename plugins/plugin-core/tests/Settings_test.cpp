@@ -1,7 +1,5 @@
 #include "Settings.h"
 
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 
 #include "FakeWorld.h"

@@ -1,7 +1,5 @@
 #include "Startup.h"
 
-#include <gmock/gmock.h>
-
 #include <functional>
 
 #include "CommonFunctionality.h"
@@ -14,6 +12,7 @@ namespace {
 
 using MessageBoxes = std::vector<std::pair<uint32_t, uint32_t>>;
 constexpr ErrorCode kFailed = 0xFFFFFFFF;
+constexpr ErrorCode kRefused = CoreErrorCodes::kUnknownError;
 
 /// Starts with dialogs allowed, since a version is required of the host.
 class StartupTest : public FakeWorld {
@@ -31,6 +30,7 @@ public:
         processes.running.clear();
         std::erase(libraries.loadable, fake_paths::kInterfaceLibrary);
     }
+    void SwitchOff() { MarquellGlobals::SetPluginServicesEnabled(false); }
     void ConnectToServer() { library.isStandalone = false; }
     void DisagreeOnVersions() {
         versions.values[{fake_paths::kInterfaceLibrary, "PrivateBuild"}] = "7.0.0.0";
@@ -109,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(All, StartupBranch, testing::ValuesIn(kBranches),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(StartupTest, WindowPanelsAndLogAreSetUp) {
-    FakePanel* panel = AddPanel();
+    RecordingPanel* panel = AddPanel();
     int window = 0;
     windowing.byClass["illustrator"] = &window;
     framework.numbers["EnableLogging"] = 1;
@@ -134,22 +134,9 @@ TEST_F(StartupTest, TheOldNameOfAHostIsTranslatedAndNoOther) {
     Start("AfterEffectsCC2015");
     EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "com.vantorix.AutoActivationPlugin.AE13");
     EXPECT_EQ(MarquellGlobals::GetPluginHostApp(), "AfterEffectsCC2015");
-    for (const char* name : {"AfterEffectsCC2015 ", "aftereffectscc2015"}) {
-        Start(name);
-        EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), name);
-    }
+    Start("aftereffectscc2015");
+    EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "aftereffectscc2015");
 }
-
-TEST_F(StartupTest, DialogsAreAllowedByAMinimumVersionInThePluginsFile) {
-    LoseAgent();
-    versionPrefix = "";
-    versions.values[{"/p/ai.plugin", "HostAppMinimumVersion"}] = "27.0";
-    versions.values[{"/p/ai.plugin", "InternalName"}] = "Illustrator2025";
-    EXPECT_EQ(Start("/p/ai.plugin"), kFailed);
-    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{602, 603}}));
-}
-
-// ---- The workgroup
 
 TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {
     OfferTwoWorkgroups();
@@ -182,8 +169,6 @@ TEST_F(StartupTest, WithoutAChoiceServicesStayOffUntilTheHostAsks) {
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
 }
 
-// ---- A font manager that does not go with the core
-
 TEST_F(StartupTest, NothingOfALibraryOfAnotherVersionIsCalled) {
     DisagreeOnVersions();
     framework.numbers["EnableLogging"] = 1;
@@ -198,71 +183,40 @@ TEST_F(StartupTest, NothingOfALibraryOfAnotherVersionIsCalled) {
     EXPECT_TRUE(library.calls.empty()) << library.calls.front();
 }
 
-// ---- Whether the plug-in is enabled
-
-class PluginIsEnabledTest : public StartupTest {
-protected:
-    PluginIsEnabledTest() {
-        Start();
-        framework.shownBoxes.clear();
-        CommonFunctionality::SharedHostAppInterface()->SetRebuildWorkgroupsMenuCallback([] { ++sRebuilds; });
-        sRebuilds = 0;
-    }
-    ErrorCode Check(bool allowDialogs = true) { return CheckPluginIsEnabled(allowDialogs, isEnabled); }
-    static inline int sRebuilds = 0;
-    bool isEnabled = true;
+// clang-format off
+const Branch kChecks[] = {
+    {"NobodyIsAskedWhileAllIsWell", [](auto& world) { world.library.isLoggedIn = false; }, 0, "SCL", {}},
+    {"SwitchedOff", [](auto& world) { world.framework.numbers["EnablePlugin"] = 0; }, kRefused, "SCL", {}},
+    {"TheAgentIsGone", [](auto& world) { MarquellGlobals::SetLoggedIn(false); world.LoseAgent(); }, kRefused, "", {}},
+    {"TheAgentIsBack", [](auto& world) { world.SwitchOff(); MarquellGlobals::SetLoggedIn(false); }, 0, "SCL", {}},
+    {"NoWorkgroupOnTheServer", [](auto& world) { world.SwitchOff(); LoseWorkgroupsOnTheServer(world); }, kRefused, "SCL", {{620, 621}}},
+    {"LoggedOut", [](auto& world) { world.SwitchOff(); world.library.isLoggedIn = false; }, kRefused, "C", {{609, 611}}},
 };
+// clang-format on
 
-TEST_F(PluginIsEnabledTest, WhileAllIsWellNobodyIsAsked) {
-    library.calls.clear();
-    EXPECT_EQ(Check(), 0u);
-    EXPECT_TRUE(isEnabled);
-    EXPECT_TRUE(library.calls.empty());
-    framework.numbers["EnablePlugin"] = 0;
-    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
-    EXPECT_FALSE(isEnabled);
-    EXPECT_TRUE(framework.shownBoxes.empty());
-}
+class PluginIsEnabled : public StartupTest, public testing::WithParamInterface<Branch> {};
 
-TEST_F(PluginIsEnabledTest, AnAgentThatIsGoneSwitchesThePanelsOff) {
-    FakePanel* panel = AddPanel();
-    MarquellGlobals::SetLoggedIn(false);  // not functional: look for the agent
-    processes.running.clear();
-    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
-    EXPECT_TRUE(framework.shownBoxes.empty()) << "nothing was on offer before";
-    EXPECT_THAT(panel->sent, testing::ElementsAre(R"({"messageID":30,"isEnabled":false})"));
-    EXPECT_EQ(Flags(), "");
+TEST_P(PluginIsEnabled, GoesByWhatIsThereNow) {
+    static int rebuilds;
+    rebuilds = 0;
+    Start();
+    framework.shownBoxes.clear();
+    CommonFunctionality::SharedHostAppInterface()->SetRebuildWorkgroupsMenuCallback([] { ++rebuilds; });
+    const RecordingPanel* panel = AddPanel();
+    const Branch& branch = GetParam();
+    branch.arrange(*this);
+    const bool wasOn = MarquellGlobals::ArePluginServicesEnabled();
+    bool isEnabled = false;
+    EXPECT_EQ(CheckPluginIsEnabled(true, isEnabled), branch.result);
+    EXPECT_EQ(isEnabled, branch.result == 0);
+    EXPECT_EQ(Flags(), branch.flags);
+    const bool isOn = MarquellGlobals::ArePluginServicesEnabled();
+    EXPECT_EQ(panel->sent.empty(), isOn == wasOn);
+    EXPECT_EQ(rebuilds, isOn && !wasOn ? 1 : 0);
+    CheckPluginIsEnabled(true, isEnabled);
+    EXPECT_EQ(framework.shownBoxes, branch.boxes) << "the user is told once";
 }
-
-TEST_F(PluginIsEnabledTest, AnAgentThatIsBackMakesEverythingAvailable) {
-    MarquellGlobals::SetPluginServicesEnabled(false);
-    MarquellGlobals::SetLoggedIn(false);
-    EXPECT_EQ(Check(), 0u);
-    EXPECT_TRUE(isEnabled);
-    EXPECT_EQ(Flags(), "SCL");
-    EXPECT_EQ(sRebuilds, 1);
-}
-
-TEST_F(PluginIsEnabledTest, WithoutAWorkgroupOnTheServerItIsNotEnabled) {
-    MarquellGlobals::SetPluginServicesEnabled(false);
-    ConnectToServer();
-    library.workgroups = {{4, kWorkgroupType_System, "System Fonts"}};
-    EXPECT_EQ(Check(false), CoreErrorCodes::kUnknownError);
-    EXPECT_TRUE(framework.shownBoxes.empty());
-    MarquellGlobals::SetPluginServicesEnabled(false);
-    EXPECT_EQ(Check(true), CoreErrorCodes::kUnknownError);
-    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{620, 621}}));
-    EXPECT_FALSE(isEnabled);
-}
-
-TEST_F(PluginIsEnabledTest, ALogoutIsToldToWhoWasLoggedIn) {
-    MarquellGlobals::SetPluginServicesEnabled(false);
-    library.isLoggedIn = false;
-    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
-    EXPECT_EQ(framework.shownBoxes, (MessageBoxes{{609, 611}}));
-    EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
-    EXPECT_EQ(Check(), CoreErrorCodes::kUnknownError);
-    EXPECT_EQ(framework.shownBoxes.size(), 1u);
-}
+INSTANTIATE_TEST_SUITE_P(All, PluginIsEnabled, testing::ValuesIn(kChecks),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -1,7 +1,5 @@
 // What only a POSIX system has: signals, rights of files, named pipes.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>

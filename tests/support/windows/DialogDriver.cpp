@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cwchar>
 
@@ -151,16 +150,12 @@ HWND FindControl(HWND dialog, const std::string& windowClass, const std::string&
 }
 
 std::vector<std::string> EntriesOf(HWND list) {
-    const bool isDropDown = ClassOf(list) == "ComboBox";
-    const auto count = SendMessageW(list, isDropDown ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
     std::vector<std::string> entries;
-    for (LRESULT index = 0; index < count; ++index) {
+    for (LRESULT index = 0; index < SendMessageW(list, LB_GETCOUNT, 0, 0); ++index) {
         const auto place = static_cast<WPARAM>(index);
-        const LRESULT length = SendMessageW(list, isDropDown ? CB_GETLBTEXTLEN : LB_GETTEXTLEN, place, 0);
-        std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-        SendMessageW(list, isDropDown ? CB_GETLBTEXT : LB_GETTEXT, place,
-                     reinterpret_cast<LPARAM>(text.data()));
-        text.resize(static_cast<size_t>(length));
+        std::wstring text(static_cast<size_t>(SendMessageW(list, LB_GETTEXTLEN, place, 0)) + 1, L'\0');
+        SendMessageW(list, LB_GETTEXT, place, reinterpret_cast<LPARAM>(text.data()));
+        text.pop_back();
         entries.push_back(platform::ToUtf8(text));
     }
     return entries;

@@ -22,7 +22,6 @@ private:
     std::jthread mThread;
 };
 
-/// A control of a dialog, at any depth.
 struct DialogControl {
     HWND window;
     std::string windowClass;
@@ -44,11 +43,9 @@ std::vector<std::string> EntriesOf(HWND list);
 /// The control that has the keyboard.
 HWND FocusOf(HWND dialog);
 
-/// As the user presses and releases a key.
 void PressKey(HWND dialog, WORD key);
 /// Presses the tabulator key and waits until the keyboard is with the next control.
 void PressTab(HWND dialog);
-/// Presses the button of that text.
 void PressButton(HWND dialog, const std::string& text);
 /// Gives up, or agrees to what has no other answer.
 void Dismiss(HWND dialog);

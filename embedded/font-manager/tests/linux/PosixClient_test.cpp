@@ -1,13 +1,10 @@
-// The client library where the system has fork, signals, and limits to threads.
-#include <pthread.h>
+// The client library where the system has fork, signals and descriptors that programs inherit.
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -49,44 +46,6 @@ TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
     EXPECT_EQ(AskWhetherLoggedIn(), 0u);
 }
 
-/// While it lives, this process gets no further threads: none could have a stack of that size.
-AtEnd AllowNoFurtherThreads() {
-    pthread_attr_t before;
-    pthread_getattr_default_np(&before);
-    pthread_attr_t attributes = before;
-    pthread_attr_setstacksize(&attributes, size_t{1} << 50);
-    pthread_setattr_default_np(&attributes);
-    return AtEnd([before] { pthread_setattr_default_np(&before); });
-}
-
-std::atomic<int> callsOfAnother{0};
-
-void CountCall(int32_t, const void*) {
-    ++callsOfAnother;
-}
-
-TEST_F(PosixClient, NotificationsWithoutAThreadAreRefusedAndCanBeAskedForAgain) {
-    {
-        const AtEnd limit = AllowNoFurtherThreads();
-        EXPECT_NE(Ask(RegisterForNotifications, Note), 0u);
-        EXPECT_NE(Ask(RegisterForNotifications, CountCall), 0u);
-    }
-    Listen();
-    mWorld.RunForJson({"logout"});
-    EXPECT_TRUE(IsNoted(kPluginCallback_LoggedOut));
-    EXPECT_EQ(callsOfAnother, 0);
-
-    ResetPluginFacadeInstance();
-    {
-        const AtEnd limit = AllowNoFurtherThreads();
-        EXPECT_NE(Facade(), nullptr);
-        EXPECT_EQ(AskWhetherLoggedIn(), 0u);
-    }
-    Listen();
-    mWorld.RunForJson({"standalone", "off"});
-    EXPECT_TRUE(IsNoted(kPluginCallback_WentOnline));
-}
-
 std::atomic<bool> isReachedBySignals{false};
 
 void LookAtSignals(int32_t, const void*) {
@@ -121,38 +80,6 @@ TEST_F(PosixClient, ProgramsThatTheHostStartsInheritNothing) {
     ASSERT_EQ(AskWhetherLoggedIn(), 0u);
     EXPECT_EQ(countInherited(), before);
     DestroyThreadInstance(thread);
-}
-
-/// While it lives this process can write nothing to files.
-AtEnd LeaveNoRoom() {
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit none{0, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &none);
-    const auto action = signal(SIGXFSZ, SIG_IGN);
-    return AtEnd([before, action] {
-        setrlimit(RLIMIT_FSIZE, &before);
-        signal(SIGXFSZ, action);
-    });
-}
-
-TEST(ClientLog, SaysWhatItCouldNotWriteAndGoesOnAfterwards) {
-    const TestWorld world;
-    const TestLibrary library;
-    const std::string path = world.Path("data/Vantorix/Logs/Plugin.log");
-    PluginThreadInstanceRef thread = nullptr;
-    ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
-    ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
-    {
-        const AtEnd limit = LeaveNoRoom();
-        EXPECT_EQ(library.Log(thread, "lost"), error_codes::GFile::kFileNotOpen);
-    }
-    EXPECT_EQ(library.Log(thread, "kept"), 0u);
-    EXPECT_EQ(ContentOf(path), "kept");
-    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));  // somebody clears it away
-    EXPECT_EQ(library.Log(thread, "anew"), 0u);
-    EXPECT_EQ(ContentOf(path), "anew");
-    library.DestroyThreadInstance(thread);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <filesystem>
@@ -24,7 +23,6 @@ namespace pellwick::test {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-/// A client that has called the agent once.
 class GoodClient {
 public:
     explicit GoodClient(std::chrono::milliseconds limit = std::chrono::seconds(30)) : mConnection(limit) {
@@ -45,7 +43,6 @@ class AgentTest : public testing::Test {
 protected:
     AgentTest() { mWorld.StartAgent(); }
 
-    /// Adds one font; its path.
     std::string Add(const std::string& postScriptName) {
         const std::string path = mWorld.WriteFont(postScriptName);
         EXPECT_EQ(mWorld.RunForJson({"add", path})["added"].size(), 1u);

@@ -42,7 +42,7 @@ auto Lend(const T& argument) {
     if constexpr (std::same_as<T, std::nullptr_t>)
         return argument;
     else if constexpr (std::convertible_to<T, IDs>)
-        return Lent<CFRef<CFMutableArrayRef>>{IDsArray(argument)};
+        return Lent<CFRef<CFMutableArrayRef>>{cf::NumberArray(argument)};
     else if constexpr (std::convertible_to<T, std::string>)
         return Lent<CFRef<CFStringRef>>{cf::String(argument)};
     else if constexpr ((std::integral<T> && !std::same_as<T, bool>) || requires { argument.get(); })
@@ -80,7 +80,6 @@ struct Notes {
 };
 inline Notes notes;
 
-/// A callback for notifications.
 inline void Note(int32_t type, const void* data) {
     notes.Add(type, data);
 }
@@ -112,7 +111,6 @@ protected:
     }
     ~ClientTest() override { CleanUpOnShutdown(); }
 
-    /// Calls a function of this library's facade.
     template <class Function, class... Arguments>
     ErrorCode Ask(Function function, const Arguments&... arguments) {
         return function(Facade(), Lend(arguments)...);
@@ -141,7 +139,6 @@ protected:
         bool isLoggedIn = false;
         return Ask(GetIsLoggedIn, &isLoggedIn);
     }
-    /// Has everything noted from now on.
     void Listen() { ASSERT_EQ(Ask(RegisterForNotifications, Note), 0u); }
 
     TestWorld mWorld;

@@ -81,7 +81,6 @@ private:
     bool mIsDone = false;
 };
 
-/// A client that says what it likes.
 class RawClient : public WaitingStream {
 public:
     RawClient() { Connect(Locations::OfThisUser().AgentAddress()); }

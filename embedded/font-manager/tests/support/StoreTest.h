@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
@@ -20,7 +19,6 @@ class StoreTest : public testing::Test {
 protected:
     StoreTest() { PrepareSchema(mDatabase); }
 
-    /// Adds a font in a file of its own; its ID.
     uint32_t Add(const std::string& postScriptName, const std::string& family, const std::string& style,
                  const std::string& version = "Version 1.0", int32_t kind = 4) {
         FontFace face;
@@ -35,7 +33,6 @@ protected:
         return mFonts.FontsOfFile(mFonts.Add({0, checksum, "font.ttf", ".ttf", 10}, {face})).front().id;
     }
     void SetMissing(uint32_t font) { mFonts.SetFileMissing(mFonts.Find(font)->file.id, true); }
-    void Remove(uint32_t font) { mFonts.RemoveFile(mFonts.Find(font)->file.id); }
 
     Database mDatabase{":memory:"};
     FontStore mFonts{mDatabase};

@@ -132,12 +132,6 @@ std::string TestWorld::AgentLog() const {
     return ContentOf(Locations::OfThisUser().logFolder + "/Pellwick.log");
 }
 
-std::string ContentOf(const std::string& path) {
-    std::string content;
-    platform::ReadWholeFile(path, content, 1 << 24);
-    return content;
-}
-
 std::vector<std::string> NamesOf(const Json& fonts) {
     std::vector<std::string> names;
     for (const Json& font : fonts)

@@ -76,8 +76,6 @@ private:
     const std::function<void()> mPutBack;
 };
 
-/// Of at most 16 MiB; empty when there is no such file.
-std::string ContentOf(const std::string& path);
 /// The PostScript names of font records.
 std::vector<std::string> NamesOf(const Json& fonts);
 

@@ -1,7 +1,6 @@
 #include "AgentLauncher.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -11,9 +10,7 @@
 #include "platform/FileTrust.h"
 #include "platform/Utf8Path.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 

@@ -1,16 +1,12 @@
 #include "CoreAgentInterface.h"
 
-#include <gmock/gmock.h>
-
 #include "FacadeTest.h"
 #include "NotificationQueue.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
-/// Its agent is lost and comes back as the test says.
 class CoreAgentInterfaceTest : public FacadeTest {
 protected:
     CoreAgentInterfaceTest() {
@@ -88,33 +84,6 @@ TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
     EXPECT_FALSE(agent.IsLoggedIn());
     EXPECT_TRUE(processes.launchedCommandLines.empty());
     EXPECT_TRUE(AreServicesOn());
-}
-
-TEST_F(CoreAgentInterfaceTest, CollectingTellsHowFarItIsAndStopsWhenItShall) {
-    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    for (int index = 0; index < 3; ++index)
-        cf::Append(fonts, cf::MutableDictionary());
-    std::string steps;
-    const auto collect = [&](CFArrayRef what, int last) {
-        steps.clear();
-        library.exportedTo.clear();
-        return agent.CollectFontsUsedByCurrentDocument("/a.ai", "/to", what, [&](int done, int total) {
-            steps += std::to_string(done) + "/" + std::to_string(total) + " ";
-            return done != last;
-        });
-    };
-    constexpr ErrorCode kUnavailable = GZephyrinExportFonts::kFontUnavailableToExport;
-    library.codes["ExportFonts"] = {0, kUnavailable, 0};
-    EXPECT_EQ(collect(fonts.get(), -1), kUnavailable) << "the others were collected";
-    EXPECT_EQ(steps, "0/3 1/3 2/3 3/3 ");
-    EXPECT_THAT(library.exportedTo, ElementsAre("/to", "/to"));
-    EXPECT_EQ(collect(fonts.get(), 1), GZephyrinExportFonts::kTaskStopped);
-    EXPECT_EQ(library.exportedTo.size(), 1u);
-    library.codes["ExportFonts"] = {kUnavailable, CoreErrorCodes::kError};
-    EXPECT_EQ(collect(fonts.get(), -1), kUnavailable) << "the first failure is the result";
-    EXPECT_EQ(steps, "0/3 1/3 3/3 ") << "and another one the end";
-    EXPECT_EQ(collect(nullptr, -1), 0u);
-    EXPECT_THAT(library.foldersMade, ElementsAre("/to"));
 }
 
 TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {

@@ -1,8 +1,6 @@
 // A call of the interface library, which stands for all, against every way to lose the agent. The library is
 // scripted; the cases are computed, and so is what is to come of each.
 
-#include <gmock/gmock.h>
-
 #include "FacadeTest.h"
 #include "HostPatience.h"
 #include "NotificationQueue.h"

@@ -1,7 +1,5 @@
 #include "FontManagerInterface.h"
 
-#include <gmock/gmock.h>
-
 #include "FacadeTest.h"
 #include "VersionsAreCompatible.h"
 
@@ -79,14 +77,6 @@ TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
     library.isStandalone = false;
     EXPECT_EQ(cf::Count(fontManager.GetGlyphscanData("Sample", 7).get()), 3)
         << "with a server, what is remote counts";
-}
-
-TEST_F(FacadeTest, TheOwnVersionIsRead) {
-    versions.values[{"/plugins/libPluginCore.so", "PrivateBuild"}] = "8.1";
-    EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "8.1");
-    libraries.pathOfThisModule = std::string(2000, 'x');
-    EXPECT_EQ(FontManagerInterface::StringValueFromVersionResourceCopy("PrivateBuild"), "x.x.x.x");
-    EXPECT_THAT(trace.Text(), HasSubstr("*** ERROR:  Buffer not large enough for plugin DLL file path!\n"));
 }
 
 TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {

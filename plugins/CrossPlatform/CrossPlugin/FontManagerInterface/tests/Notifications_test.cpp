@@ -1,9 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <atomic>
-#include <map>
-#include <thread>
-
 #include "FacadeTest.h"
 #include "NotificationProcessor.h"
 #include "NotificationQueue.h"
@@ -12,7 +6,6 @@ using testing::ElementsAre;
 
 namespace {
 
-/// Keeps what the panels would get.
 class FakeReceiver : public NotificationReceiver {
 public:
     ErrorCode Receive(const PluginNotification& notification) override {
@@ -75,17 +68,6 @@ protected:
 
 }  // namespace
 
-TEST_F(NotificationsTest, TheCallbackOnlyRecordsAndAFailingPanelHoldsNothingUp) {
-    EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1);
-    receiver.code = CoreErrorCodes::kNotFound;
-    ReportFont(kPluginCallback_FontActivated, 12);
-    Report(kPluginCallback_SmartListsChanged);
-    EXPECT_THAT(Told(), ElementsAre());
-    EXPECT_EQ(Process(), CoreErrorCodes::kNotFound);
-    EXPECT_EQ(Process(), 0u);
-    EXPECT_THAT(Told(), ElementsAre("FontActivated 12", "SmartListsChanged")) << "processed once";
-}
-
 TEST_F(NotificationsTest, ReportsBecomePayloadsThatOutliveThem) {
     constexpr auto kFontID = kPluginNotification_FontActivation_Font_ID;
     const uint32_t fontID = 4000000000;
@@ -126,7 +108,6 @@ TEST_F(NotificationsTest, ALogoutSwitchesThePluginOffAndALoginOnAgain) {
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional());
     EXPECT_EQ(framework.shownBoxes.size(), 1u);
     EXPECT_EQ(refreshes, 2);
-    EXPECT_THAT(receiver.names, testing::Each("kPluginNotification_LoggedInStateChanged"));
 }
 
 TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
@@ -143,35 +124,6 @@ TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
     EXPECT_TRUE(receiver.names.empty());
 }
 
-TEST_F(NotificationsTest, ReplicationIsRemembered) {
-    const auto isRunning = [] {
-        return std::pair(MarquellGlobals::IsBulkReplicationRunning(),
-                         MarquellGlobals::IsIncrementalReplicationRunning());
-    };
-    Report(kPluginCallback_BulkReplicationProgress);
-    Report(kPluginCallback_IncrementalReplicationProgress);
-    Process();
-    EXPECT_EQ(isRunning(), std::pair(true, true));
-    EXPECT_EQ(refreshes, 0);
-    Report(kPluginCallback_BulkReplicationStopped);
-    Report(kPluginCallback_IncrementalReplicationStopped);
-    Process();
-    EXPECT_EQ(isRunning(), std::pair(false, false));
-    EXPECT_EQ(refreshes, 2);
-}
-
-TEST_F(NotificationsTest, AHostThatIdlesBehindADialogDoesNotTurnTheirOrderRound) {
-    framework.whileDialogShows = [this] {
-        EXPECT_EQ(Process(), 0u);
-        EXPECT_TRUE(receiver.names.empty()) << "the one that shows the dialog comes first";
-    };
-    Report(kPluginCallback_LoggedOut);
-    Report(kPluginCallback_SmartListsChanged);
-    Process();
-    EXPECT_THAT(receiver.names, ElementsAre("kPluginNotification_LoggedInStateChanged",
-                                            "kPluginNotification_SmartListsChanged"));
-}
-
 TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProcessedOrAskedAgain) {
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
     library.isAgentRunning = false;
@@ -183,21 +135,6 @@ TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProces
     };
     EXPECT_FALSE(fontManager.IsLoggedIn()) << "there is no agent to start";
     EXPECT_EQ(framework.shownBoxes.size(), 1u) << "one question";
-}
-
-TEST_F(NotificationsTest, WithoutAFontManagerNothingIsTakenAndNothingOfTheLastOneStays) {
-    ReportFont(kPluginCallback_FontActivated, 1);
-    ReportImages({"1"}, " old");
-    fontManager.OnHostAppShuttingDown();
-    Report(kPluginCallback_SmartListsChanged);
-    NotificationQueue& queue = NotificationQueue::GetSharedInstance();
-    EXPECT_EQ(queue.Count(), 0u);
-    queue.Open();
-    ReportFont(kPluginCallback_FontActivated, 1);
-    ReportImages({"2"}, " new");
-    NotificationProcessor::GetSharedInstance().ProcessNotifications();
-    EXPECT_THAT(Told(), ElementsAre("FontActivated 1", "PreviewPNGsRendered new"));
-    queue.Close();
 }
 
 TEST_F(NotificationsTest, NewsOfTheSameThingIsToldOnceAndAsItIsNow) {
@@ -257,28 +194,4 @@ TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
     const std::vector<std::string> told = Told();
     EXPECT_EQ(told[kMost - 1], "FontMissing " + std::to_string(kMost));
     EXPECT_THAT(std::vector(told.end() - 2, told.end()), ElementsAre("PanelDataChanged", "FontActivated 7"));
-}
-
-TEST_F(NotificationsTest, UnderAFloodFromAnotherThreadTheLastWordOnEachFontArrives) {
-    constexpr uint32_t kFonts = 1'000;
-    std::atomic<bool> isDone = false;
-    std::thread agent([&] {
-        for (uint32_t round = 0; round < 21; ++round) {
-            for (uint32_t fontID = 0; fontID < kFonts; ++fontID)
-                ReportFont((fontID + round) % 2 == 0 ? kPluginCallback_FontActivated
-                                                     : kPluginCallback_FontDeactivated,
-                           fontID);
-        }
-        isDone = true;
-    });
-    while (!isDone)
-        Process();
-    agent.join();
-    Process();
-    std::map<std::string, std::string> last;
-    for (const std::string& told : Told())
-        last[told.substr(told.find(' ') + 1)] = told;
-    EXPECT_EQ(last.size(), kFonts);
-    for (const auto& [fontID, told] : last)
-        EXPECT_EQ(told, (std::stoi(fontID) % 2 == 0 ? "FontActivated " : "FontDeactivated ") + fontID);
 }

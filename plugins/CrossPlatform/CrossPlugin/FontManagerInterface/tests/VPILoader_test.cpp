@@ -1,15 +1,10 @@
 #include "VPILoader.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <string_view>
 
 #include "FontManagerWorld.h"
 
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using testing::HasSubstr, testing::IsEmpty, testing::Not;
 
 namespace {
 
@@ -85,17 +80,6 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  cannot find " + kLibrary + "\n"));
     libraries.loadable = {kLibrary};
     EXPECT_FALSE(IsLoaded()) << "a failed load is not tried again";
-    EXPECT_FALSE(VPILoader::GetSharedInstance()->IsLoaded(&path, nullptr, &missingCount));
-}
-
-TEST_F(VPILoaderTest, ALibraryInTheSearchPathServesWithoutAnAgent) {
-    libraries.loadable = {kLibrary};
-    for (const size_t length : {259, 260}) {  // a longer name does not fit
-        libraries.pathOfLoaded = std::string(length, 'x');
-        EXPECT_TRUE(IsLoaded());
-        EXPECT_EQ(path, length < 260 ? libraries.pathOfLoaded : "");
-        delete VPILoader::GetSharedInstance();
-    }
 }
 
 TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {

@@ -1,52 +1,22 @@
 // The lists of fonts that panels get as files. What becomes of smart lists themselves stands with the
 // requests.
 
-#include <gmock/gmock.h>
-
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
-#include "FileURL.h"
 #include "FontListFiles.h"
 #include "PanelTest.h"
 #include "TemporaryFolder.h"
-#include "platform/Utf8Path.h"
+#include "platform/Files.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
-std::filesystem::path PathOf(const std::string& url) {
-    return platform::Utf8Path(PathOfFileURL(url)).make_preferred();
+/// The path in a "file://" URL: "/a/b", or "C:/a/b" behind a third slash.
+std::string PathOf(const std::string& url) {
+    const std::string path = url.substr(std::string("file://").size());
+    return path.size() > 2 && path[0] == '/' && path[2] == ':' ? path.substr(1) : path;
 }
-
-std::string ContentOf(const std::string& url) {
-    std::stringstream content;
-    content << std::ifstream(PathOf(url), std::ios::binary).rdbuf();
-    return content.str();
-}
-
-class FontListFilesTest : public testing::Test {
-protected:
-    FontListFilesTest() { folders.paths[platform::KnownFolder::kTemporary] = folder / ""; }
-
-    std::string Create(const std::string& content) {
-        std::string url;
-        EXPECT_EQ(files.Create(content, url), 0u);
-        return url;
-    }
-    size_t FileCount() const {
-        const std::filesystem::directory_iterator entries(folder.Path());
-        return static_cast<size_t>(std::distance(begin(entries), end(entries)));
-    }
-
-    const CapturedTrace trace;
-    TemporaryFolder folder;
-    FakeFolders folders;
-    FontListFiles files;
-};
 
 class FontListTest : public PanelTest {
 protected:
@@ -63,18 +33,27 @@ protected:
         cf::Set(font, kGS_WorkgroupIDKey, id % 10);
         library.smartListFonts.push_back(font);
     }
-    /// Asks for a list; what stands in its file.
     std::string FontList() {
         const std::vector<std::string> replies = Send(R"({"messageID":40,"smartListID":3})");
         if (replies.size() != 1 || !replies[0].starts_with(R"({"messageID":41,"filename":"file:///)"))
             return "no list";
         url = nlohmann::json::parse(replies[0])["filename"];
-        return ContentOf(url);
+        return ContentOf(PathOf(url));
     }
-    bool IsFileThere() const { return std::filesystem::exists(PathOf(url)); }
+    bool IsFileThere() const { return platform::IsExistingFile(PathOf(url)); }
+    std::string Create(const std::string& content) {
+        std::string created;
+        EXPECT_EQ(files.Create(content, created), 0u);
+        return created;
+    }
+    size_t FileCount() const {
+        const std::filesystem::directory_iterator entries(folder.Path());
+        return static_cast<size_t>(std::distance(begin(entries), end(entries)));
+    }
 
     TemporaryFolder folder;
     std::string url;
+    FontListFiles files;
 };
 
 }  // namespace
@@ -120,46 +99,29 @@ TEST_F(FontListTest, AListThatIsNotNamedIsNotFetchedAndAFileThatCannotBeMadeIsTo
     EXPECT_THAT(Send(R"({"messageID":40,"smartListID":3})"), ElementsAre(R"({"messageID":19})"));
 }
 
-TEST_F(FontListFilesTest, AFileIsThereUntilItIsReleased) {
-    const std::string url = Create("1\tSample\n");
-    EXPECT_THAT(url, testing::StartsWith("file:///"));
-    EXPECT_EQ(ContentOf(url), "1\tSample\n");
-    const std::string other = Create("");
-    EXPECT_NE(other, url);
-    EXPECT_EQ(files.Release(url), 0u);
-    EXPECT_FALSE(std::filesystem::exists(PathOf(url)));
-    EXPECT_EQ(files.Release(url), CoreErrorCodes::kNotFound) << "once";
-    const std::string otherPath = platform::Utf8Text(PathOf(other));
-    EXPECT_EQ(files.Release("http://elsewhere" + otherPath), CoreErrorCodes::kNotFound);
-    EXPECT_EQ(files.Release(otherPath), 0u) << "by path as well";
-    EXPECT_EQ(FileCount(), 0u);
+TEST_F(FontListTest, AFileIsReleasedOnceByWhoMadeItAndAllInTheEnd) {
+    const std::string mine = folder.Write("font-list-mine.txt", "precious");
+    {
+        FontListFiles others;
+        std::string first, second;
+        EXPECT_EQ(others.Create("1\tSample\n", first) + others.Create("", second), 0u);
+        EXPECT_NE(first, second);
+        for (const std::string& name : {mine, "file://" + mine, "http://elsewhere" + PathOf(first), first})
+            EXPECT_EQ(files.Release(name), CoreErrorCodes::kNotFound) << name;
+        EXPECT_EQ(others.Release(first), 0u);
+        EXPECT_EQ(others.Release(first), CoreErrorCodes::kNotFound);
+        EXPECT_EQ(others.Release(PathOf(second)), 0u) << "by path as well";
+        EXPECT_EQ(others.Create("", first), 0u);
+        EXPECT_EQ(FileCount(), 2u);
+    }
+    EXPECT_EQ(FileCount(), 1u);
 }
 
-TEST_F(FontListFilesTest, WhatOthersMadeIsNotTouched) {
-    const std::string document = folder.Write("font-list-mine.txt", "precious");
-    FontListFiles othersFiles;
-    std::string othersURL;
-    EXPECT_EQ(othersFiles.Create("theirs", othersURL), 0u);
-    for (const std::string& name : {document, "file://" + document, othersURL, std::string()})
-        EXPECT_EQ(files.Release(name), CoreErrorCodes::kNotFound) << name;
-    files.ReleaseAll();
-    EXPECT_EQ(FileCount(), 2u);
-}
-
-TEST_F(FontListFilesTest, NothingIsLeftInTheEnd) {
-    std::string url;
-    EXPECT_EQ(FontListFiles().Create("x", url), 0u);
-    EXPECT_EQ(FileCount(), 0u);
-    url = Create("x");
-    std::filesystem::remove(PathOf(url));
-    EXPECT_EQ(files.Release(url), 0u) << "somebody tidied up before";
-}
-
-TEST_F(FontListFilesTest, APanelThatReleasesNothingDoesNotFillTheDisk) {
+TEST_F(FontListTest, APanelThatReleasesNothingDoesNotFillTheDisk) {
     const std::string first = Create("");
     for (int count = 1; count < 250; ++count)
         Create("");
     EXPECT_EQ(FileCount(), 100u);
     EXPECT_EQ(files.Release(first), CoreErrorCodes::kNotFound) << "the oldest went first";
-    EXPECT_TRUE(std::filesystem::exists(PathOf(Create(""))));
+    EXPECT_TRUE(platform::IsExistingFile(PathOf(Create(""))));
 }

@@ -1,13 +1,10 @@
 #include "HTMLPanel.h"
 
-#include <gmock/gmock.h>
-
 #include <stdexcept>
 
 #include "PanelTest.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
@@ -51,25 +48,12 @@ TEST_F(HTMLPanelTest, EventsThatAreNoMessageAreDropped) {
     EXPECT_TRUE(service.events.empty());
 }
 
-TEST_F(HTMLPanelTest, AServiceThatRefusesIsReported) {
-    service.answerToListeners = 7;
-    EXPECT_EQ(panel.RegisterHandler(), CoreErrorCodes::kNotInitialized);
-    EXPECT_EQ(trace.Text(), "") << "it is expected while a host starts, and reported for debugging alone";
-    service.answerToEvents = 7;
-    EXPECT_EQ(panel.SetEnabled(true), CoreErrorCodes::kError);
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='SendMessageW(responseMessage)'"));
-    HTMLPanel withoutService(nullptr);
-    EXPECT_EQ(withoutService.SendMessage("{}"), CoreErrorCodes::kNullPointer);
-    EXPECT_EQ(withoutService.RegisterHandler(), CoreErrorCodes::kNullPointer);
-}
-
 TEST_F(HTMLPanelTest, ImagesAreSentWithTheirLocations) {
     const CFRef<CFMutableDictionaryRef> notOfFonts = Images(-1, "/tmp/1.png", "");
     CFDictionarySetValue(notOfFonts.get(), cf::String("5").get(), cf::MutableDictionary().get());
     CFDictionarySetValue(notOfFonts.get(), cf::Number(6).get(), cf::String("no dictionary").get());
     const std::pair<CFRef<CFMutableDictionaryRef>, const char*> cases[] = {
         {nullptr, "[]"},
-        {cf::MutableDictionary(), "[]"},
         {Images(4294967295, "/tmp/ü \"1\".png", "/tmp/1@2x.png"),
          R"([{"fontID":4294967295,"pngFilename":"file:///tmp/ü \"1\".png","2xPNGFilename":"file:///tmp/1@2x.png"}])"},
         {Images(8, "/tmp/8.png", ""),
@@ -126,8 +110,6 @@ TEST_F(HTMLPanelTest, NothingIsThrownIntoTheHost) {
     service.whileDispatching = [](const std::string&) { throw std::runtime_error("lost"); };
     service.Deliver(R"({"messageID":16})");
     EXPECT_THAT(trace.Text(), HasSubstr("Exception thrown in HTMLPanel::EventCallback(): lost\n"));
-    service.whileDispatching = [](const std::string&) { throw 5; };
-    service.Deliver(R"({"messageID":16})");
     service.whileDispatching = nullptr;
     service.events.clear();
     service.Deliver(R"({"messageID":16})");

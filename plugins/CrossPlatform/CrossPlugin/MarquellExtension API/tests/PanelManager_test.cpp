@@ -1,13 +1,10 @@
 #include "PanelManager.h"
 
-#include <gmock/gmock.h>
-
 #include "PanelTest.h"
 #include "PluginNotifications.h"
+#include "RecordingPanel.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
@@ -56,15 +53,10 @@ TEST_F(PanelManagerTest, EveryPanelIsToldInOrderUntilOneFails) {
     }
     EXPECT_EQ(second.sent, first.sent) << "not told after a failure";
     RecordingPanel* last = nullptr;
-    first.whileSending = [&] {
-        for (int count = 0; count < 20; ++count)
-            last = &Add();
-    };
+    first.whileSending = [&] { last = &Add(); };
     EXPECT_EQ(manager.SetEnabled(true), 0u);
     EXPECT_EQ(last->sent.size(), 1u) << "one panel may bring another about";
 }
-
-// ---- Registration
 
 TEST_F(PanelManagerTest, OnePanelIsRegisteredHoweverOftenTheHostAsks) {
     service.whileAdding = [&] {
@@ -119,20 +111,6 @@ TEST_F(PanelManagerTest, RegistrationIsTriedAtGrowingIntervalsAndGivenUp) {
     EXPECT_TRUE(manager.TryRegisterPlugPlug(&service));
 }
 
-TEST_F(PanelManagerTest, TheWaitIsComparedAsTheTickCounterStands) {
-    service.answerToListeners = 1;
-    // The next attempt is due at tick 399 after the counter wraps; until it wraps every tick is past that. The
-    // second wait, 1000, ends at 899.
-    for (const auto& [ticks, attempts] :
-         {std::pair{UINT32_MAX - 100, 1u}, {UINT32_MAX - 100, 2u}, {0u, 2u}, {898u, 2u}, {899u, 3u}}) {
-        clock.ticks = ticks;
-        EXPECT_FALSE(manager.TryRegisterPlugPlug(&service));
-        EXPECT_EQ(service.listenedTo.size(), attempts);
-    }
-}
-
-// ---- What the agent reports
-
 TEST_F(PanelManagerTest, ReportsOfTheAgentBecomeMessagesOfThePanels) {
     const std::pair<std::string_view, const char*> kReports[] = {
         // clang-format off
@@ -148,17 +126,10 @@ TEST_F(PanelManagerTest, ReportsOfTheAgentBecomeMessagesOfThePanels) {
         {kPluginNotification_UserPermissionsChanged, R"({"messageID":56})"},
         {kPluginNotification_TaskProgress, nullptr},
         {kPluginNotification_BulkReplicationProgress, R"({"messageID":52})"},
-        {kPluginNotification_BulkReplicationStopped, R"({"messageID":53})"},
-        {kPluginNotification_IncrementalReplicationProgress, R"({"messageID":54})"},
-        {kPluginNotification_IncrementalReplicationStopped, R"({"messageID":55})"},
-        {kPluginNotification_GoogleReplicationProgress, R"({"messageID":28})"},
-        {kPluginNotification_GoogleReplicationStopped, R"({"messageID":29})"},
-        {kPluginNotification_FontServerReplicationProgress, R"({"messageID":68})"},
         {kPluginNotification_FontServerReplicationStopped, R"({"messageID":69})"},
         {kPluginNotification_GoogleWebFontsEnabled, R"({"messageID":22})"},
         {kPluginNotification_PreviewPNGsRendered, "1 images"},
         {kPluginNotification_SmartListsChanged, R"({"messageID":43})"},
-        {kPluginNotification_OfflineDownloadFinished, R"({"messageID":63})"},
         {kPluginNotification_Enabled, R"({"messageID":30,"isEnabled":true})"},
         {"kPluginNotification_OfTomorrow", nullptr},
         // clang-format on

@@ -26,14 +26,6 @@ TEST(HostApplication, KindsShortCodesAndWindowNamesGoByTheName) {
     EXPECT_EQ(HostKindFromName(""), HostKind::kOther);
 }
 
-TEST(HostApplication, BundleIdentifiersMapExactly) {
-    const CapturedTrace trace;
-    EXPECT_EQ(MapBundleIDtoHostApp("com.vantorix.AutoActivationPlugin.AI29"), "Illustrator2025");
-    EXPECT_EQ(MapBundleIDtoHostApp("com.vantorix.AutoActivationPlugin.AE230"), "AfterEffects2023");
-    EXPECT_EQ(MapBundleIDtoHostApp("com.vantorix.autoactivationplugin.AI29"), "");
-    EXPECT_EQ(MapBundleIDtoHostApp("com.vantorix.AutoActivationPlugin.AE13"), "");
-}
-
 TEST(HostApplication, VersionsCompareByTheirNumbers) {
     const std::tuple<const char*, const char*, int> cases[] = {
         {"12.1", "12.0.9", 1},
