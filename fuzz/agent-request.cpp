@@ -191,7 +191,7 @@ private:
         if (isOneOf({kFonts, kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey})) {
             Json values = Json::array();
             for (int left = UpTo(4); left > 0; --left)
-                values.push_back(name == kFonts && mInput.ConsumeBool() ? Font() : Number());
+                values.push_back(name == kFonts && mInput.ConsumeBool() ? RequestedFont() : Number());
             return values;
         }
         if (isOneOf({kOn, kEnable, kActivate, kReplace, kWholeFamily, kVisible}))
@@ -207,7 +207,7 @@ private:
                 {-1, 0, INT32_MAX, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX} + 2, INT64_MIN, INT64_MAX});
         return UpTo(6);  // IDs of what there is, and some more
     }
-    Json Font() {
+    Json RequestedFont() {
         Json font = {{kGS_DatabaseIDKey, Number()}};
         for (const char* key : {kGS_PostScriptNameKey, kGS_FamilyKey, kGS_StyleKey, kGS_FontKindKey})
             font[key] = Text();

@@ -217,6 +217,7 @@ TEST(CFBaseDeathTest, WrongTypesAndChangesOfImmutableObjectsAreRefused) {
     EXPECT_EQ(CFArrayGetCount(fixed.get()), 1);
     const void* value = nullptr;
     EXPECT_DEBUG_DEATH(CFArraySetValueAtIndex(Numbers({1}).get(), 2, number.get()), "index");
+    EXPECT_DEBUG_DEATH(CFArrayInsertValueAtIndex(Numbers({1}).get(), 2, number.get()), "index");
     EXPECT_DEBUG_DEATH(value = CFArrayGetValueAtIndex(fixed.get(), 1), "index");
     EXPECT_EQ(value, nullptr);
 }

@@ -22,6 +22,7 @@ TEST(StringConversion, WhatIsIllFormedIsFoundAndReplaced) {
     for (const char* text : {"\xff", "\xE5\xAD", "\xED\xA0\x80", "\xF5\x80\x80\x80"})
         EXPECT_FALSE(IsValidUtf8(text));
     EXPECT_EQ(ReplaceInvalidUtf8("a\xff-"), "a\uFFFD-");
+    EXPECT_EQ(WellFormedTail("a\xFF\xFE字"), 3u);
 }
 
 TEST(StringConversion, EncodingsAreConvertedByName) {

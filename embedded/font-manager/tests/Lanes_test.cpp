@@ -1,4 +1,6 @@
 // What the agent leaves to others: while they are at it, everybody else is served.
+#include <thread>
+
 #include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "tests/support/AgentTest.h"

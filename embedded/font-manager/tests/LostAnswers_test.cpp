@@ -1,5 +1,7 @@
 // Requests of a host whose answers get lost: they come to one effect and one answer, and nothing is held by a
 // host that does not know it.
+#include <thread>
+
 #include "common/Protocol.h"
 #include "tests/support/ClientTest.h"
 #include "tests/support/Peers.h"
@@ -142,27 +144,34 @@ TEST_F(LostAnswers, WhatAnotherHostHoldsCountsAsInactiveSoThatEachReturnsWhatItT
 
 TEST(LostAnswersOfTheLibrary, ARequestIsTheSameThoughTheAgentWasAskedHowItIsInBetween) {
     const TestWorld world;
-    Json first;
-    Json second;
     const TestLibrary library;
-    {
-        const ScriptedAgent agent(world, [&](ScriptedAgent& self) {
-            first = self.ReadMessage();
-            self.Close();
-            self.Welcome();
-            self.Answer(self.ReadMessage());
-            second = self.ReadMessage();
-            self.Answer(second);
-        });
-        int32_t set = 0;
-        bool isLoggedIn = false;
-        const auto create = [&] {
-            return library.CreateTopLevelSet(library.Facade(), CFSTR("Poster"), 1, &set);
-        };
-        EXPECT_EQ(create(), GIPCClient::kServiceUnavailable);
-        EXPECT_EQ(library.GetIsLoggedIn(library.Facade(), &isLoggedIn), 0u);
-        EXPECT_EQ(create(), 0u);
-    }
+    const std::string address =
+        platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
+    world.Write("data/Vantorix/Pellwick/agent.address", address);
+    WaitingStream agent;
+    agent.Listen(address);
+    const auto answer = [&](const Json& request) {
+        agent.Send({{"id", request["id"]}, {"code", 0}, {"result", {{"loggedIn", true}}}});
+    };
+    Json first, second;
+    std::thread script([&] {
+        agent.Accept();
+        answer(agent.ReadMessage());  // the greeting
+        first = agent.ReadMessage();
+        agent.Close();
+        agent.Accept();
+        answer(agent.ReadMessage());
+        answer(agent.ReadMessage());  // the question
+        second = agent.ReadMessage();
+        answer(second);
+    });
+    int32_t set = 0;
+    bool isLoggedIn = false;
+    const auto create = [&] { return library.CreateTopLevelSet(library.Facade(), CFSTR("Poster"), 1, &set); };
+    EXPECT_EQ(create(), GIPCClient::kServiceUnavailable);
+    EXPECT_EQ(library.GetIsLoggedIn(library.Facade(), &isLoggedIn), 0u);
+    EXPECT_EQ(create(), 0u);
+    script.join();
     library.CleanUpOnShutdown();
     EXPECT_EQ(second["repeats"], first["id"]);
     EXPECT_GT(second["id"], first["id"]);

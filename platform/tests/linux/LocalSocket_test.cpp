@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
 #include <filesystem>
+#include <thread>
 
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
@@ -70,6 +72,26 @@ TEST_F(LocalSocketTest, ListensOnlyWhereNobodyElseCanPutAnythingInItsPlace) {
     fs::permissions(mParent, fs::perms::all | fs::perms::sticky_bit);
     EXPECT_FALSE(mAcceptor.Listen(mAddress));
     EXPECT_TRUE(LocalAcceptor(mLoop, [](LocalStream) {}).Listen(mFolder / "missing/sockets/s").IsNotFound());
+}
+
+TEST_F(LocalSocketTest, AFolderThatIsSwappedMeanwhileCostsNobodyAFile) {
+    fs::permissions(mParent, fs::perms::all | fs::perms::sticky_bit);
+    const std::string victim = mFolder.Write("victim/s", "precious");
+    const std::string link = mParent + "/link";
+    fs::create_directory(mSockets);
+    fs::create_directory_symlink(mFolder / "victim", link);
+    std::atomic<bool> isOver{false};
+    std::thread swapping([&] {
+        while (!isOver)
+            renameat2(AT_FDCWD, link.c_str(), AT_FDCWD, mSockets.c_str(), RENAME_EXCHANGE);
+    });
+    for (int start = 0; start < 300; ++start) {
+        LocalAcceptor acceptor(mLoop, [](LocalStream) {});
+        [[maybe_unused]] const SystemError error = acceptor.Listen(mAddress);
+    }
+    isOver = true;
+    swapping.join();
+    EXPECT_TRUE(IsExistingFile(victim));
 }
 
 TEST_F(LocalSocketTest, AnEndTakesAwayItsOwnSocketAlone) {

@@ -18,19 +18,9 @@ platform::Windowing& Windows() {
 constexpr wchar_t kHostClass[] = L"PluginCoreTestHost ü字";
 constexpr char kHostClassUtf8[] = "PluginCoreTestHost ü字";
 
-class TestWindow {
-public:
-    TestWindow(const wchar_t* windowClass, const wchar_t* title, DWORD style, HWND parent)
-        : mWindow(CreateWindowExW(0, windowClass, title, style, 0, 0, 50, 50, parent, nullptr, nullptr,
-                                  nullptr)) {}
-    ~TestWindow() { DestroyWindow(mWindow); }
-    TestWindow(const TestWindow&) = delete;
-    TestWindow& operator=(const TestWindow&) = delete;
-    HWND Get() const { return mWindow; }
-
-private:
-    HWND mWindow;
-};
+HWND MakeWindow(const wchar_t* windowClass, const wchar_t* title, DWORD style, HWND parent) {
+    return CreateWindowExW(0, windowClass, title, style, 0, 0, 50, 50, parent, nullptr, nullptr, nullptr);
+}
 
 std::string TitleIn(const std::vector<WindowInfo>& windows, WindowHandle handle) {
     for (const WindowInfo& window : windows) {
@@ -46,20 +36,21 @@ TEST(Windowing, FindsTheHostsWindowsByClassAndTitleAtAnyDepth) {
     host.lpszClassName = kHostClass;
     RegisterClassW(&host);
     EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), nullptr);
-    const TestWindow top(kHostClass, L"Größe 字 😀", WS_OVERLAPPEDWINDOW, nullptr);
-    const TestWindow child(L"STATIC", L"child", WS_CHILD, top.Get());
-    const TestWindow grandchild(kHostClass, L"grand 字", WS_CHILD, child.Get());
-    EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), top.Get());
+    const HWND top = MakeWindow(kHostClass, L"Größe 字 😀", WS_OVERLAPPEDWINDOW, nullptr);
+    const HWND child = MakeWindow(L"STATIC", L"child", WS_CHILD, top);
+    const HWND grandchild = MakeWindow(kHostClass, L"grand 字", WS_CHILD, child);
+    EXPECT_EQ(Windows().FindTopLevelByClass(kHostClassUtf8), top);
     EXPECT_EQ(Windows().FindTopLevelByClass("PluginCoreTestHost"), nullptr) << "the whole name counts";
 
     const auto all = Windows().TopLevelWindows();
-    EXPECT_EQ(TitleIn(all, top.Get()), "Größe 字 😀");
-    EXPECT_EQ(TitleIn(all, child.Get()), "not in the list");
-    const auto below = Windows().Descendants(top.Get());
+    EXPECT_EQ(TitleIn(all, top), "Größe 字 😀");
+    EXPECT_EQ(TitleIn(all, child), "not in the list");
+    const auto below = Windows().Descendants(top);
     ASSERT_EQ(below.size(), 2u);
-    EXPECT_EQ(TitleIn(below, grandchild.Get()), "grand 字");
-    EXPECT_TRUE(Windows().Descendants(grandchild.Get()).empty());
+    EXPECT_EQ(TitleIn(below, grandchild), "grand 字");
+    EXPECT_TRUE(Windows().Descendants(grandchild).empty());
     EXPECT_TRUE(Windows().Descendants(nullptr).empty()) << "not those of the desktop";
+    DestroyWindow(top);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <CoreFoundation++/CFRef.h>
 #include <gtest/gtest.h>
 
-#include "TextBuffer.h"
-
 namespace {
 
 std::string RoundTrip(const std::string& text, FontListForm form = FontListForm::kArrayOrObject) {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <thread>
 
 #include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"

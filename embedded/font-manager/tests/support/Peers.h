@@ -5,12 +5,10 @@
 #include <asio/io_context.hpp>
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "common/Locations.h"
 #include "ipc/Message.h"
@@ -89,38 +87,6 @@ public:
         char byte = 0;
         return !Read(&byte, 1);
     }
-};
-
-/// An agent that answers the greeting and then does as a script says.
-class ScriptedAgent : public WaitingStream {
-public:
-    using Script = std::function<void(ScriptedAgent&)>;
-
-    ScriptedAgent(const TestWorld& world, const Script& script) {
-        const std::string address =
-            platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
-        Listen(address);
-        world.Write("data/Vantorix/Pellwick/agent.address", address);
-        mThread = std::thread([this, script] {
-            Welcome();
-            script(*this);
-            Close();
-        });
-    }
-    ~ScriptedAgent() { mThread.join(); }
-    ScriptedAgent(const ScriptedAgent&) = delete;
-    ScriptedAgent& operator=(const ScriptedAgent&) = delete;
-
-    void Welcome() {
-        Accept();
-        Answer(ReadMessage());
-    }
-    void Answer(const Json& request, ErrorCode code = CoreErrorCodes::kSuccess) {
-        Send({{"id", request["id"]}, {"code", code}, {"result", {{"loggedIn", true}}}});
-    }
-
-private:
-    std::thread mThread;
 };
 
 }  // namespace pellwick::test

@@ -95,4 +95,7 @@ TEST_F(FacadeTest, AWorkgroupIsAvailableWhenTheAgentNamesOneOfTheUsersOwn) {
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
     library.workgroups = {{-2, kWorkgroupType_All, "All"}};
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
+    fontManager.SetDefaultWorkgroupID(7);
+    fontManager.OnHostAppShuttingDown();
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), std::nullopt);
 }

@@ -124,6 +124,23 @@ TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
     EXPECT_TRUE(receiver.names.empty());
 }
 
+TEST_F(NotificationsTest, ReplicationIsRemembered) {
+    for (const auto& [isRunning, progress, stop] :
+         {std::tuple{&MarquellGlobals::IsBulkReplicationRunning, kPluginCallback_BulkReplicationProgress,
+                     kPluginCallback_BulkReplicationStopped},
+          {&MarquellGlobals::IsIncrementalReplicationRunning, kPluginCallback_IncrementalReplicationProgress,
+           kPluginCallback_IncrementalReplicationStopped}}) {
+        EXPECT_FALSE(isRunning());
+        Report(progress);
+        Process();
+        EXPECT_TRUE(isRunning());
+        Report(stop);
+        Process();
+        EXPECT_FALSE(isRunning());
+    }
+    EXPECT_EQ(refreshes, 2) << "when it is over";
+}
+
 TEST_F(NotificationsTest, BehindTheQuestionWhetherToStartTheAgentNothingIsProcessedOrAskedAgain) {
     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
     library.isAgentRunning = false;
