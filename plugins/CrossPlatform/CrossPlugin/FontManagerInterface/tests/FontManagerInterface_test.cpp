@@ -82,11 +82,22 @@ TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
 TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     cf::Append(fonts, cf::MutableDictionary());
-    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout, 0};
+    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout, GIPCClient::kReplyTimeout, 0};
     EXPECT_EQ(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), GIPCClient::kReplyTimeout);
-    fontManager.OnUserAction();
-    fontManager.OnUserAction();
+    FakeClock clock;
+    library.isAgentRunning = false;
+    const auto asked = library.CallsOf("GetIsCoreAgentProcessRunning");
+    for (int second = 0; second <= 63; ++second, clock.ticks += 1000)
+        fontManager.OnIdle();
+    EXPECT_EQ(library.CallsOf("GetIsCoreAgentProcessRunning") - asked, 8) << "less and less often";
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 1);
+    library.isAgentRunning = true;
+    clock.ticks += 15000;
+    fontManager.OnIdle();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 2);
+    fontManager.OnUserAction();
+    fontManager.OnUserAction();
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 3);
 }
 
 TEST_F(FacadeTest, AWorkgroupIsAvailableWhenTheAgentNamesOneOfTheUsersOwn) {
