@@ -1,6 +1,7 @@
 // What the agent leaves to others: while they are at it, everybody else is served.
 #include <thread>
 
+#include "HostileFonts.h"
 #include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "tests/support/AgentTest.h"

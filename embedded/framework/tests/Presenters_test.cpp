@@ -101,7 +101,7 @@ TEST(RecordingPresenter, AppendsEachQuestionWithItsAnswerAsOneLine) {
     EXPECT_TRUE(Confirms(presenter, AboutDialog{"8"}));
     EXPECT_FALSE(Confirms(presenter, AboutDialog{"9"}));
     EXPECT_TRUE(presenter.ShowProgress({204, "Collect", 1, 3}));
-    EXPECT_EQ(ReadText(folder / "log"),
+    EXPECT_EQ(ContentOf(folder / "log"),
               "before\n"
               "{\"titleID\":604,\"textID\":605,\"title\":\"Über\\n\",\"text\":\"\uFFFD\",\"buttons\":2,"
               "\"answer\":2}\n"

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "WorkerTestLimits.h"
 #include "platform/Worker.h"

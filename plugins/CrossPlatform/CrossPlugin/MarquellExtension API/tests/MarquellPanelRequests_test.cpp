@@ -101,8 +101,7 @@ TEST_F(PanelRequestsTest, ImagesOfManyFontsAreMadeUntilTheHostIsDueAgain) {
     EXPECT_EQ(library.CallsOf("RenderFontNamePreviewPNGs"), 2);
     // What is wanted first overtakes those that wait; nothing is made twice.
     Send(R"({"messageID":32,"highPriorityFontIDs":[20],"smartListID":0,"fontIDs":[19,21]})");
-    EXPECT_EQ(library.panelCalls[library.panelCalls.size() - 2],
-              "RenderFontNamePreviewPNGs([], [20,7,8])");
+    EXPECT_EQ(library.panelCalls[library.panelCalls.size() - 2], "RenderFontNamePreviewPNGs([], [20,7,8])");
     for (int idle = 0; idle < 5; ++idle)
         EXPECT_EQ(panel.PopNotifications(), 0u);
     EXPECT_EQ(library.CallsOf("RenderFontNamePreviewPNGs"), 7);
