@@ -9,7 +9,6 @@
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 
-using pellwick::test::ContentOf;
 using pellwick::test::NamesOf;
 using testing::ElementsAre;
 using testing::HasSubstr;

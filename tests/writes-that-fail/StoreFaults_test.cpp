@@ -1,9 +1,7 @@
 // Every write, flush and rename by which the font manager changes its store fails once, or kills the agent:
 // whatever was answered holds, the rest never happened, it is said in one line, and the next command works.
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/mman.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,10 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "FaultPlan.h"
+#include "FaultRun.h"
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
-#include "platform/Environment.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
 
@@ -23,103 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-/// One way in which a write may go wrong.
-struct Fault {
-    const char* name;
-    FaultPlan::Kind kind;
-    bool lasts;  ///< until the fault is ended; else the next call works again
-
-    bool IsKill() const { return kind == FaultPlan::kKill; }
-};
-
-/// The plan for the processes that it starts, in a file of its own. They have their writes below `folder` go
-/// wrong as it says.
-class FaultControl {
-public:
-    /// `path`: of the file, which is made.
-    FaultControl(const std::string& path, std::string folder) : mPath(path), mFolder(std::move(folder)) {
-        const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        void* memory = file >= 0 && ftruncate(file, sizeof(FaultPlan)) == 0
-                           ? mmap(nullptr, sizeof(FaultPlan), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
-                           : MAP_FAILED;
-        close(file);
-        if (memory == MAP_FAILED)
-            throw std::runtime_error("no shared memory at " + path);
-        mPlan = new (memory) FaultPlan{};
-    }
-    ~FaultControl() { munmap(mPlan, sizeof(FaultPlan)); }
-    FaultControl(const FaultControl&) = delete;
-    FaultControl& operator=(const FaultControl&) = delete;
-
-    std::unique_ptr<TestProcess> Start(const std::vector<std::string>& command) const {
-        const fs::path library = FAILING_WRITES_LIBRARY;
-        // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
-        const std::pair<const char*, std::string> variables[] = {
-            {"LD_PRELOAD", library.filename()},
-            {"LD_LIBRARY_PATH", library.parent_path()},
-            {"FAILING_WRITES_PLAN", mPath},
-            {"FAILING_WRITES_BELOW", fs::weakly_canonical(mFolder)}};
-        for (const auto& [name, value] : variables)
-            platform::SetEnvironment(name, value);
-        auto process = std::make_unique<TestProcess>(command);
-        for (const auto& [name, value] : variables)
-            platform::SetEnvironment(name, "");
-        return process;
-    }
-    /// From now on the calls are counted, and the fault meets the one of that number; none with 0.
-    void Begin(const Fault& fault, int at) {
-        End();
-        mPlan->at = at;
-        mPlan->lasts = fault.lasts;
-        mPlan->count = 0;
-        mPlan->failedCalls = 0;
-        mPlan->where[0] = '\0';
-        mPlan->kind = at != 0 ? fault.kind : FaultPlan::kNothing;
-    }
-    void End() {
-        mPlan->kind = FaultPlan::kNothing;
-        mCount = mPlan->count;
-    }
-
-    int Count() const { return mCount; }
-    bool HasHappened() const { return mPlan->failedCalls != 0; }
-    std::string Where() const { return mPlan->where; }
-
-    /// Calls `attempt` once without a fault to learn how many calls there are, then for each call and each
-    /// kind of fault; unless PLUGINCORE_EVERY_FAULT is set, for a sample of these. Prints how many there were.
-    void MeetEvery(const std::string& name, const std::function<void(const Fault&, int)>& attempt) {
-        static constexpr Fault kFaults[] = {{"disk full once", FaultPlan::kDiskFull, false},
-                                            {"disk stays full", FaultPlan::kDiskFull, true},
-                                            {"I/O error once", FaultPlan::kInputOutputError, false},
-                                            {"I/O errors from then on", FaultPlan::kInputOutputError, true},
-                                            {"killed after it", FaultPlan::kKill, false}};
-        const bool isEvery = !platform::EnvironmentVariable("PLUGINCORE_EVERY_FAULT").empty();
-        attempt({"none", FaultPlan::kNothing, false}, 0);
-        const int calls = mCount;
-        ASSERT_GT(calls, 0) << name << ": no write was seen";
-        int met = 0;
-        for (int at = 1; at <= calls; ++at) {
-            // Every other call and one kind of fault for it, each in turn; not the same sample for all.
-            const size_t turn = static_cast<size_t>(at) + name.size();
-            for (size_t kind = 0; kind < std::size(kFaults); ++kind) {
-                if (!isEvery && (turn % 2 == 0 || turn / 2 % std::size(kFaults) != kind))
-                    continue;
-                SCOPED_TRACE(name + ", call " + std::to_string(at) + ": " + kFaults[kind].name);
-                attempt(kFaults[kind], at);
-                EXPECT_GE(mCount, at) << "it takes fewer writes than it did";
-                ++met;
-            }
-        }
-        std::printf("%s: %d writes, flushes and renames; %d faults\n", name.c_str(), calls, met);
-    }
-
-private:
-    const std::string mPath;
-    const std::string mFolder;
-    FaultPlan* mPlan;
-    int mCount = 0;
-};
-
 using Commands = std::vector<std::string>;  ///< with blanks between the words
 
 /// How a change was answered.
@@ -199,6 +99,8 @@ protected:
 
     bool IsAgentAlive() const { return mAgent && platform::ProcessStartTime(mAgent->Id()) != 0; }
     void LeaveStrayFile() { mWorld.Write("data/Vantorix/Pellwick/vault/incoming/a1B2c3", "stray"); }
+    Json List(const char* method, const char* key) { return ArrayMember(Ask(method), key); }
+
     Outcome Do(const std::string& change) {
         if (change == kOpen)
             return OpenDocument();
@@ -206,13 +108,14 @@ protected:
             return {Library().Deactivate({1, 2}) == CoreErrorCodes::kSuccess, {}, false};
         if (change == kStart)
             return Start();
-        if (change != kLoseFiles && change != kLeaveStray)
-            return DoCommand(change);
         if (change == kLoseFiles)
             mWorld.EmptyVault();
-        else
+        else if (change == kLeaveStray) {
+            LeaveStrayFile();
             fs::remove(mWorld.ActiveFiles().at(0));
-        LeaveStrayFile();
+        } else {
+            return DoCommand(change);
+        }
         return {true, {}};
     }
 
@@ -266,10 +169,17 @@ protected:
         EXPECT_TRUE(outcome.isDone) << outcome.said;
     }
 
+    /// Folders and regular files; a killed agent leaves its socket as well.
     void Copy(const std::string& from, const std::string& to) const {
         fs::remove_all(mWorld.Path(to));
-        TestProcess copying({"/bin/cp", "-a", mWorld.Path(from), mWorld.Path(to)});
-        EXPECT_EQ(copying.Finish().status, 0);
+        fs::create_directories(mWorld.Path(to));
+        for (const auto& entry : fs::recursive_directory_iterator(mWorld.Path(from))) {
+            const fs::path target = mWorld.Path(to) / fs::relative(entry.path(), mWorld.Path(from));
+            if (entry.is_directory())
+                fs::create_directory(target, entry.path());
+            else if (entry.is_regular_file())
+                fs::copy_file(entry.path(), target);
+        }
     }
 
     Json Ask(const char* method, const Json& arguments = Json::object()) {
@@ -293,12 +203,12 @@ protected:
     /// Everything that users and plug-ins can see of the store; IDs left out.
     Json Records() {
         Json records = {{"fonts", Fonts({{"after", 0}})}};
-        for (const Json all = Ask(method::kListSets)["sets"]; const Json& set : all)
+        for (const Json& set : List(method::kListSets, "sets"))
             records["sets"].push_back(
                 {set[member::kName], set[kGS_WorkgroupNameKey], Fonts({{"after", 0}, {"set", set["id"]}})});
-        for (const Json all = Ask(method::kListWorkgroups)["workgroups"]; const Json& workgroup : all)
+        for (const Json& workgroup : List(method::kListWorkgroups, "workgroups"))
             records["workgroups"].push_back(workgroup[kGS_WorkgroupNameKey]);
-        for (const Json all = Ask(method::kListSmartLists)[kGS_SmartListsKey]; const Json& list : all)
+        for (const Json& list : List(method::kListSmartLists, kGS_SmartListsKey))
             records["smartLists"].push_back(list[kGS_SmartListNameKey]);
         const Json status = Ask(method::kGetStatus);
         for (const char* member : {"userName", "standalone", "workgroup", "hosts", "activeFiles"})
@@ -315,6 +225,11 @@ protected:
             std::sort(state[list].begin(), state[list].end());
         return state;
     }
+    void ExpectNew(const char* when) {
+        const Json state = State();
+        EXPECT_EQ(state, mNew) << when << ": " << Json::diff(mNew, state);
+    }
+
     /// What people are told is one line, of what is wrong and what to do; plug-ins get a code.
     void ExpectToBeSaid(const Fault& fault, const Outcome& outcome) const {
         if (outcome.isDone || !outcome.isForPeople) {
@@ -333,8 +248,11 @@ protected:
             return;
         // What was in the vault when the agent died is taken back after the start.
         Json state;
-        EXPECT_TRUE(Eventually([&] { return (state = State()) == mOld || state == mNew; }))
-            << "half of it is there: " << Json::diff(mOld, state);
+        EXPECT_TRUE(Eventually([&] {
+            state = State();
+            return state == mOld || state == mNew;
+        })) << "half of it is there: "
+            << Json::diff(mOld, state);
         if (state == mNew)
             return;
         EXPECT_FALSE(outcome.isDone) << "what was answered as done is not there: " << Json::diff(mNew, state);
@@ -347,12 +265,12 @@ protected:
             Ask(method::kSetGoogleWebFonts, {{"on", isOn}});
         // Links that a start could not make are made soon after.
         EXPECT_TRUE(Eventually([this] { return !GetParam().IsStart() || State() == mNew; }));
-        EXPECT_EQ(State(), mNew) << "when the fault is gone";
+        ExpectNew("when the fault is gone");
         StopAgent();
         EXPECT_TRUE(mWorld.AgentLog().ends_with(" ends\n"));
         LeaveStrayFile();
         StartAgentIfGone();
-        EXPECT_EQ(State(), mNew) << "after the next start, which removes what was left half-way";
+        ExpectNew("after the next start, which removes what was left half-way");
         const ProgramResult doctor = mWorld.Run({"doctor", "--no-start"});
         EXPECT_EQ(doctor.status, 0) << doctor.errors;
         StopAgent();
@@ -363,8 +281,9 @@ protected:
         const bool isOfStore = IsAgentAlive() && !GetParam().IsStart();
         StartAgentIfGone();
         mNew = State();
-        mOld = isOfStore ? mOld : mNew;
-        EXPECT_EQ(mOld != mNew, isOfStore) << "the change does not show";
+        if (!isOfStore)
+            mOld = mNew;
+        EXPECT_TRUE(mOld != mNew || !isOfStore) << "the change does not show";
     }
 
     void Attempt(const Fault& fault, int at) {
