@@ -39,7 +39,6 @@ Json CandidateRecords(CommandContext& context, const RequestedFont& request, con
         record[kGS_RankKey] = records.size() + 1;
         record[kGS_ReasonKey] =
             isChosen ? "chosen for this document before" : ReplacementReason(font, request);
-        record[kGS_ReplacementInKey] = document;
         records[font.postScriptName] = std::move(record);
     }
     return records;
