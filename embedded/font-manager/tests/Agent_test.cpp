@@ -53,7 +53,6 @@ constexpr Step kSteps[] = {
     {"workgroup|create|Project", 0, ""},
     {"workgroup|create|Project", 1, "already; choose another name"},
     {"workgroup|create|a\xE2\x80\xAE", 1, "type it without"},
-    {"set|create|a\xFF", 1, "UTF-8"},
     {"smartlist|create| \xC2\xA0", 1, "give the"},
     {"login|a\n", 1, "type it without"},
     {"workgroup|delete|System Fonts", 1, "always stays as it is"},

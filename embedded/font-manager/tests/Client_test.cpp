@@ -275,10 +275,6 @@ TEST(ClientLog, WritesIntoTheFolderForLogsAndStaysBounded) {
         EXPECT_EQ(library.Log(thread, piece.c_str()), 0u);
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")).size(), 3u << 20);
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log.1")).size(), 5u << 20);
-    for (const char* log : {"Plugin.log", "Plugin.log.1"})  // somebody clears them away
-        platform::RemoveFile(world.Path(std::string("data/Vantorix/Logs/") + log));
-    EXPECT_EQ(library.Log(thread, "anew"), 0u);
-    EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")), "anew");
     EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
 }
 

@@ -61,6 +61,10 @@ TEST_F(PosixAgent, EndsInOrderOnASignal) {
     }
 }
 
+TEST_F(PosixAgent, RefusesNamesThatAreNoText) {
+    EXPECT_THAT(mWorld.Run({"set", "create", "a\xFF"}).errors, HasSubstr("is no text in UTF-8"));
+}
+
 TEST_F(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
     const ProgramResult result =
         TestProcess({"/bin/sh", "-c", "exec '" PELLWICK_PROGRAM "' status >/dev/full"}).Finish();

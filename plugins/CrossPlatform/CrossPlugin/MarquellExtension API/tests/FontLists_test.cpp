@@ -7,6 +7,7 @@
 #include "PanelTest.h"
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
+#include "platform/Utf8Path.h"
 
 using testing::ElementsAre, testing::HasSubstr;
 
@@ -15,7 +16,8 @@ namespace {
 /// The path in a "file://" URL: "/a/b", or "C:/a/b" behind a third slash.
 std::string PathOf(const std::string& url) {
     const std::string path = url.substr(std::string("file://").size());
-    return path.size() > 2 && path[0] == '/' && path[2] == ':' ? path.substr(1) : path;
+    const bool hasDrive = path.size() > 2 && path[0] == '/' && path[2] == ':';
+    return platform::Utf8Text(platform::Utf8Path(hasDrive ? path.substr(1) : path).make_preferred());
 }
 
 class FontListTest : public PanelTest {
