@@ -172,4 +172,5 @@ TEST_F(FaultMatrix, AnAgentThatTookTheHostsWholePatienceIsNotWaitedForAgain) {
     }
     EXPECT_THAT(processes.launchedCommandLines, testing::IsEmpty());
     EXPECT_THAT(trace.Text(), testing::HasSubstr("done attempting to relaunch"));
+    library.answer = nullptr;  // it is asked again when all ends, and the clock has stopped by then
 }
