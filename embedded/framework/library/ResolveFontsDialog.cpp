@@ -40,6 +40,7 @@ std::vector<Candidate> CandidateList(CFDictionaryRef candidates) {
     }
     std::sort(ranked.begin(), ranked.end());
     std::vector<Candidate> list;
+    list.reserve(ranked.size());
     for (const auto& [rank, name, record] : ranked)
         list.push_back({name, Description(record)});
     return list;
