@@ -2,6 +2,7 @@
 #include <set>
 
 #include "Commands.h"
+#include "FontRecords.h"
 #include "FoundFonts.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "Output.h"
@@ -80,7 +81,7 @@ void PrintAsJSON(const std::string& file, const Listing& listing) {
         line["fonts"] = NamesOf(listing.found);
         line["reader"] = listing.IsRead() ? listing.found.reader : "search";
         if (listing.IsRead())
-            line["details"] = FontRecords(listing.found);
+            line["details"] = documents::FontRecords(listing.found);
     }
     PrintJson(line.dump(-1, ' ', false, json::error_handler_t::replace));
 }

@@ -1,23 +1,7 @@
 #include "FoundFonts.h"
 
-#include "FontRecordKeys.h"
+#include "FontRecords.h"
 #include "Output.h"
-
-namespace {
-
-using nlohmann::json;
-
-json FontRecord(const documents::DocumentFont& font) {
-    json record = {
-        {kGS_PostScriptNameKey, font.postScriptName}, {"where", font.where}, {"embedded", font.isEmbedded}};
-    if (!font.family.empty())
-        record[kGS_FamilyKey] = font.family;
-    if (!font.style.empty())
-        record[kGS_StyleKey] = font.style;
-    return record;
-}
-
-}  // namespace
 
 documents::DocumentFonts FontFinder::Find(const std::string& path) {
     try {
@@ -29,16 +13,9 @@ documents::DocumentFonts FontFinder::Find(const std::string& path) {
     }
 }
 
-json FontFinder::FindForCore(const std::string& path) {
+nlohmann::json FontFinder::FindForCore(const std::string& path) {
     const documents::DocumentFonts fonts = Find(path);
     if (fonts.status == documents::ReadStatus::kUnreadable)
         PrintError(path + " is searched for font names, since " + fonts.problem);
-    return fonts.status == documents::ReadStatus::kRead ? FontRecords(fonts) : json();
-}
-
-json FontRecords(const documents::DocumentFonts& fonts) {
-    json records = json::array();
-    for (const documents::DocumentFont& font : fonts.fonts)
-        records.push_back(FontRecord(font));
-    return records;
+    return fonts.status == documents::ReadStatus::kRead ? documents::FontRecords(fonts) : nlohmann::json();
 }

@@ -19,6 +19,3 @@ private:
     documents::DocumentReader mReader{documents::DocumentReader::DefaultProgram()};
     bool mIsMissing = false;
 };
-
-/// The fonts as hosts hand them to the core, and where each is used.
-nlohmann::json FontRecords(const documents::DocumentFonts& fonts);

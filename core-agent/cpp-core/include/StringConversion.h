@@ -9,6 +9,9 @@
 /// Whether the bytes are well-formed UTF-8 (Unicode 15, table 3-7).
 bool IsValidUtf8(std::string_view text);
 
+/// With small letters for A to Z; all other bytes stay.
+std::string AsciiLowerCase(std::string text);
+
 /// Where the part of the text begins that is well-formed UTF-8 to its end; 0 when all of it is.
 size_t WellFormedTail(std::string_view text);
 

@@ -51,6 +51,14 @@ bool IsValidUtf8(std::string_view text) {
     return utf8::is_valid(text.begin(), text.end());
 }
 
+std::string AsciiLowerCase(std::string text) {
+    for (char& character : text) {
+        if (character >= 'A' && character <= 'Z')
+            character = static_cast<char>(character - 'A' + 'a');
+    }
+    return text;
+}
+
 size_t WellFormedTail(std::string_view text) {
     auto tail = text.begin();
     for (auto fault = tail; (fault = utf8::find_invalid(tail, text.end())) != text.end();)

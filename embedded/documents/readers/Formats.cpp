@@ -6,6 +6,7 @@
 
 #include "ReadProblem.h"
 #include "Readers.h"
+#include "StringConversion.h"
 #include "XmlParser.h"
 
 namespace documents {
@@ -72,9 +73,7 @@ const Format* FindExtension(std::span<const FormatExtension> extensions, std::st
 }
 
 const Format* FormatOfExtension(std::string_view extension) {
-    std::string lower(extension);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char letter) { return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter; });
+    const std::string lower = AsciiLowerCase(std::string(extension));
     const Format* format = FindExtension(kXmlExtensions, lower);
     return format != nullptr ? format : FindExtension(BinaryExtensions(), lower);
 }

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "DocumentReader.h"
-#include "FontRecordKeys.h"
+#include "FontRecords.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "cli/AgentSession.h"
 
@@ -32,14 +32,7 @@ Json Search(const std::string& path) {
 
 Json FontsOfDocument(const std::string& path) {
     const documents::DocumentFonts found = Read(path);
-    if (found.status != documents::ReadStatus::kRead)
-        return Search(path);
-    Json records = Json::array();
-    for (const documents::DocumentFont& font : found.fonts)
-        records.push_back({{kGS_PostScriptNameKey, font.postScriptName},
-                           {kGS_FamilyKey, font.family},
-                           {kGS_StyleKey, font.style}});
-    return records;
+    return found.status == documents::ReadStatus::kRead ? documents::FontRecords(found) : Search(path);
 }
 
 }  // namespace pellwick::cli

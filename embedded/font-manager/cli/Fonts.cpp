@@ -6,6 +6,7 @@
 
 #include "FontRecordKeys.h"
 #include "PrintableText.h"
+#include "StringConversion.h"
 #include "common/FontManagerLimits.h"
 #include "common/Protocol.h"
 #include "platform/Environment.h"
@@ -46,21 +47,13 @@ void PrintFontRow(const Json& font, int width) {
     std::puts(row.c_str());
 }
 
-std::string LowerCase(std::string text) {
-    for (char& character : text) {
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    }
-    return text;
-}
-
 bool IsWanted(const Json& font, const FontFilter& filter) {
     const auto contains = [&](const char* key) {
-        return LowerCase(StringMember(font, key)).find(LowerCase(filter.text)) != std::string::npos;
+        return AsciiLowerCase(StringMember(font, key)).find(AsciiLowerCase(filter.text)) != std::string::npos;
     };
     return (!filter.isVisible || BoolMember(font, member::kVisible)) &&
            (filter.family.empty() ||
-            LowerCase(StringMember(font, kGS_FamilyKey)) == LowerCase(filter.family)) &&
+            AsciiLowerCase(StringMember(font, kGS_FamilyKey)) == AsciiLowerCase(filter.family)) &&
            (filter.state.empty() || filter.state == StateText(IntegerMember(font, kGS_ActivationStateKey))) &&
            (filter.text.empty() || contains(kGS_PostScriptNameKey) || contains(kGS_FamilyKey) ||
             contains(member::kFullName));

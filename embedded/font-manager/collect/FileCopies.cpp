@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "PrintableText.h"
+#include "StringConversion.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -31,7 +32,7 @@ std::string Fitted(const std::string& name, const std::string& suffix) {
 bool IsDeviceName(const std::string& name) {
     constexpr std::string_view kDevices[] = {"con", "prn", "aux", "nul"};
     constexpr std::string_view kPorts[] = {"com", "lpt"};  // with a digit behind
-    const std::string stem = LowerCase(name.substr(0, name.find('.')));
+    const std::string stem = AsciiLowerCase(name.substr(0, name.find('.')));
     const bool isPort =
         stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
         std::find(std::begin(kPorts), std::end(kPorts), stem.substr(0, 3)) != std::end(kPorts);
@@ -61,13 +62,6 @@ bool HoldSameContent(const std::string& left, const std::string& right) {
 }
 
 }  // namespace
-
-std::string LowerCase(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
-    });
-    return name;
-}
 
 std::string SafeFileName(const std::string& name) {
     constexpr std::string_view kSpecial = "<>:\"\\|?*";

@@ -14,9 +14,6 @@ std::string SafeFileName(const std::string& name);
 /// "NAME.ttf", "NAME 2.ttf", "NAME 3.ttf" and so on, at most 255 bytes.
 std::string NumberedName(const std::string& name, int number);
 
-/// With small letters for A to Z.
-std::string LowerCase(std::string name);
-
 /// The path of the file of that name.
 std::string PathInFolder(const std::string& folder, const std::string& name);
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "collect/FileCopies.h"
+#include "StringConversion.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -21,7 +21,7 @@ constexpr int kMaxFilesInFolder = 20000;
 constexpr std::string_view kLicenceExtension = ".license";
 
 bool IsLicenceName(const std::string& fileName) {
-    const std::string name = LowerCase(fileName);
+    const std::string name = AsciiLowerCase(fileName);
     return name == "ofl.txt" || name.starts_with("license") || name.starts_with("licence") ||
            name.starts_with("copying") || name.ends_with(kLicenceExtension);
 }

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "GFontManagerConstants.h"
+#include "StringConversion.h"
 
 namespace pellwick {
 namespace {
@@ -38,10 +39,7 @@ bool MayBeFontFile(std::string_view beginning) {
 
 std::string FontFileExtension(const std::string& fileName, const std::vector<FontFace>& faces) {
     const size_t dot = fileName.rfind('.');
-    std::string extension = dot != std::string::npos ? fileName.substr(dot) : std::string();
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A') : character;
-    });
+    const std::string extension = AsciiLowerCase(dot != std::string::npos ? fileName.substr(dot) : "");
     if (std::find(kFontExtensions.begin(), kFontExtensions.end(), extension) != kFontExtensions.end())
         return extension;
     switch (faces.empty() ? Kinds::kFontKind_unknown : faces.front().kind) {

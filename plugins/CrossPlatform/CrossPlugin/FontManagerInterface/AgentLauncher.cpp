@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/FileTrust.h"
 #include "platform/Files.h"
@@ -17,13 +18,6 @@ namespace {
 constexpr char kLaunchInfoFileName[] = "com.vantorix.Pellwick-LaunchInfo.conf";
 constexpr uint64_t kLaunchInfoSizeLimit = 1 << 20;
 constexpr std::chrono::milliseconds kIdleWaitLimit{2000};
-
-std::string LowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
-    });
-    return text;
-}
 
 std::string LaunchInfoPath(const std::string& folder) {
     return folder + platform::kPathSeparator + "Vantorix" + platform::kPathSeparator + kLaunchInfoFileName;
@@ -89,13 +83,13 @@ bool Launch(const std::string& path, const std::string& arguments) {
 }
 
 ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
-    const std::string wanted = LowerCase(name);
+    const std::string wanted = AsciiLowerCase(name);
     const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
     std::vector<platform::ProcessInfo> processes;
     if (platform::Current<platform::Processes>().List(processes))
         return CoreErrorCodes::kUnknownError;
     for (const platform::ProcessInfo& process : processes) {
-        const std::string baseName = LowerCase(platform::NamePart(process.executablePath));
+        const std::string baseName = AsciiLowerCase(platform::NamePart(process.executablePath));
         if (baseName == wanted || baseName == wantedProgram) {
             folder = platform::FolderPart(process.executablePath);
             return CoreErrorCodes::kSuccess;

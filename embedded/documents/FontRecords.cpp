@@ -1,0 +1,27 @@
+#include "FontRecords.h"
+
+#include "FontRecordKeys.h"
+
+namespace documents {
+namespace {
+
+nlohmann::json FontRecord(const DocumentFont& font) {
+    nlohmann::json record = {
+        {kGS_PostScriptNameKey, font.postScriptName}, {"where", font.where}, {"embedded", font.isEmbedded}};
+    if (!font.family.empty())
+        record[kGS_FamilyKey] = font.family;
+    if (!font.style.empty())
+        record[kGS_StyleKey] = font.style;
+    return record;
+}
+
+}  // namespace
+
+nlohmann::json FontRecords(const DocumentFonts& fonts) {
+    nlohmann::json records = nlohmann::json::array();
+    for (const DocumentFont& font : fonts.fonts)
+        records.push_back(FontRecord(font));
+    return records;
+}
+
+}  // namespace documents
