@@ -24,7 +24,9 @@
     X(kGS_AssignedFamilyNameKey, "AssignedFamilyName")                                                      \
     X(kGS_PathKey, "Path")         /* where the active font file stands, else where it is kept; UTF-8 */    \
     X(kGS_KeywordsKey, "Keywords") /* array of strings */                                                   \
-    X(kGS_SubDocumentsWithFontKey, "SubDocumentsWithFont") /* array of strings */                           \
+    X(kGS_SubDocumentsWithFontKey, "SubDocumentsWithFont") /* array: paths of placed documents */           \
+    X(kGS_WhereKey, "where")       /* in which part of the document, for people: "pages 1-3" */             \
+    X(kGS_EmbeddedKey, "embedded") /* boolean: the document brings the font along */                        \
     X(kGS_SourceDocumentNameKey, "SourceDocumentName")                                                      \
     X(kGS_DatabaseIDKey, "DatabaseID")                     /* number, 32-bit unsigned; 0 is no font */      \
     X(kGS_PossibleReplacementsKey, "PossibleReplacements") /* dictionary, PostScript name -> font record */ \

@@ -34,7 +34,8 @@ std::string EncodeDocumentFonts(const DocumentFonts& fonts) {
     const json message = {{"status", static_cast<int>(fonts.status)},
                           {"reader", fonts.reader},
                           {"problem", fonts.problem},
-                          {"fonts", std::move(list)}};
+                          {"fonts", std::move(list)},
+                          {"placed", fonts.placed}};
     return message.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
@@ -45,6 +46,7 @@ std::optional<DocumentFonts> ParseDocumentFonts(std::string_view text) {
             ParseStatus(message.at("status")), message.at("reader"), message.at("problem"), {}};
         for (const json& font : message.at("fonts"))
             fonts.fonts.push_back(ParseFont(font));
+        fonts.placed = message.at("placed");
         return fonts;
     } catch (const json::exception&) {
         return std::nullopt;

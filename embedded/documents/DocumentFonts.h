@@ -15,6 +15,8 @@ struct DocumentFont {
     std::string style;        ///< the same: "Bold Italic"
     std::string where;        ///< in which part of the document, for people: "pages 1-3, 7", "style Heading"
     bool isEmbedded = false;  ///< the document brings it, or a part of it, along
+    /// Paths of the placed documents that use it, where the document itself does not.
+    std::vector<std::string> placedIn{};
 };
 
 enum class ReadStatus {
@@ -28,6 +30,9 @@ struct DocumentFonts {
     std::string reader;               ///< the format's name, in lower case; empty when unknown
     std::string problem;              ///< why it could not be read, as in "it is damaged: …"
     std::vector<DocumentFont> fonts;  ///< each once, in the order of their names; none unless read
+    /// The files that it places, as it names them: absolute paths, on whatever machine, or relative to its own
+    /// folder. Each once; those of no document at all, such as photographs, too.
+    std::vector<std::string> placed{};
 };
 
 /// As processes hand it to each other; text that is not UTF-8 is mended on the way.

@@ -31,6 +31,11 @@ inline constexpr size_t kMaxNameSize = 512;
 /// Places that are listed for one font; people read no more.
 inline constexpr size_t kMaxPlaces = 20;
 
+/// Files that one document places, and documents that are read along with one: a magazine's issue has some
+/// hundred. Placed ones place others in turn, seldom more than one deep.
+inline constexpr size_t kMaxPlaced = 1000;
+inline constexpr int kMaxPlacedDepth = 3;
+
 /// Of the process that reads. Its memory has room for the largest document and as much again; the largest
 /// ones of every day take a second.
 inline constexpr platform::WorkerLimits kDocumentWorkerLimits = {

@@ -6,12 +6,15 @@ namespace documents {
 namespace {
 
 nlohmann::json FontRecord(const DocumentFont& font) {
-    nlohmann::json record = {
-        {kGS_PostScriptNameKey, font.postScriptName}, {"where", font.where}, {"embedded", font.isEmbedded}};
+    nlohmann::json record = {{kGS_PostScriptNameKey, font.postScriptName},
+                             {kGS_WhereKey, font.where},
+                             {kGS_EmbeddedKey, font.isEmbedded}};
     if (!font.family.empty())
         record[kGS_FamilyKey] = font.family;
     if (!font.style.empty())
         record[kGS_StyleKey] = font.style;
+    if (!font.placedIn.empty())
+        record[kGS_SubDocumentsWithFontKey] = font.placedIn;
     return record;
 }
 

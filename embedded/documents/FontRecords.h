@@ -7,7 +7,7 @@
 
 namespace documents {
 
-/// Font records (FontRecordKeys.h), with "where" and "embedded" beside what these have.
+/// Font records (FontRecordKeys.h).
 nlohmann::json FontRecords(const DocumentFonts& fonts);
 
 }  // namespace documents

@@ -5,7 +5,7 @@
 
 documents::DocumentFonts FontFinder::Find(const std::string& path) {
     try {
-        return mIsMissing ? documents::DocumentFonts() : mReader.Read(path);
+        return mIsMissing ? documents::DocumentFonts() : mReader.ReadWithPlaced(path);
     } catch (const documents::NoDocumentReader& missing) {
         mIsMissing = true;
         PrintError(std::string(missing.what()) + "; documents are searched for font names instead");

@@ -77,6 +77,9 @@ void PrintReasons(const OpenedDocument& document) {
             PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " + font.value(kGS_ReasonKey, ""));
     }
     for (const json& font : document.unmatched) {
+        const std::string where = font.value(kGS_WhereKey, "");
+        if (!where.empty() && where != "text")  // which tells nobody where to look
+            PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": used in " + where);
         for (const json& each : ReplacementsOf(font))
             PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " +
                       each.value(kGS_PostScriptNameKey, "?") + ", " + each.value(kGS_ReasonKey, "?"));

@@ -69,6 +69,8 @@ public:
         mIsInLayerName = element.name == "string" && mParent == "ldta";
         if (element.name == "btdk")
             AddFonts(BytesOf(element.Value("bdata")));
+        if (element.name == "fileReference")
+            mFonts.AddPlaced(std::string(element.Value("fullpath")));
         mParent = element.name;
     }
     void OnEnd(std::string_view) override { mIsInLayerName = false; }

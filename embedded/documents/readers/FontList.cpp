@@ -51,6 +51,12 @@ void FontList::Add(DocumentFont font) {
     AddPlace(use.places, std::move(font.where));
 }
 
+void FontList::AddPlaced(std::string path) {
+    constexpr size_t kMaxPath = 4096;
+    if (!path.empty() && path.size() <= kMaxPath && mPlaced.size() < kMaxPlaced)
+        mPlaced.insert(std::move(path));
+}
+
 std::vector<DocumentFont> FontList::Take() {
     std::vector<DocumentFont> fonts;
     for (auto& [names, use] : mFonts)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -16,8 +17,11 @@ public:
     /// Notes that the font is used in its `where`, or in one more place. One that no font can be called is
     /// passed over. Throws ReadProblem at too many.
     void Add(DocumentFont font);
-    /// All of them, in the order of their names.
+    /// Notes that the document places the file at the path. More than kMaxPlaced are passed over.
+    void AddPlaced(std::string path);
+    /// All fonts, in the order of their names.
     std::vector<DocumentFont> Take();
+    std::vector<std::string> TakePlaced() { return {mPlaced.begin(), mPlaced.end()}; }
 
 private:
     using Names = std::tuple<std::string, std::string, std::string>;  ///< PostScript name, family, style
@@ -27,6 +31,7 @@ private:
     };
 
     std::map<Names, Use> mFonts;
+    std::set<std::string> mPlaced;
 };
 
 /// A font of a format that knows families and styles; `style` may be empty.

@@ -96,6 +96,7 @@ DocumentFonts ReadDocumentFonts(std::string_view content, std::string_view exten
         FontList fonts;
         format->read(content, fonts);
         result.fonts = fonts.Take();
+        result.placed = fonts.TakePlaced();
     } catch (const ReadProblem& problem) {
         result.status = ReadStatus::kUnreadable;
         result.problem = std::string("it ") + problem.what();

@@ -61,6 +61,19 @@ private:
     std::string mFamily;  ///< that the fonts belong to
 };
 
+class LinkListener : public XmlListener {
+public:
+    explicit LinkListener(FontList& fonts) : mFonts(fonts) {}
+
+    void OnStart(const XmlElement& element) override {
+        if (element.name == "Link")
+            mFonts.AddPlaced(PathOfUri(element.Value("LinkResourceURI")));
+    }
+
+private:
+    FontList& mFonts;
+};
+
 }  // namespace
 
 void ReadIdml(std::string_view content, FontList& fonts) {
@@ -72,6 +85,11 @@ void ReadIdml(std::string_view content, FontList& fonts) {
     }
     FontListListener listener(wanted, fonts);
     archive.ReadXml("Resources/Fonts.xml", listener);
+    LinkListener links(fonts);
+    for (const std::string& name : archive.Names()) {
+        if (name.starts_with("Spreads/") && name.ends_with(".xml"))
+            archive.ReadXml(name, links);
+    }
 }
 
 }  // namespace documents

@@ -9,6 +9,7 @@ public:
     explicit ScribusListener(FontList& fonts) : mFonts(fonts) {}
 
     void OnStart(const XmlElement& element) override {
+        mFonts.AddPlaced(std::string(element.Value("PFILE")));
         const bool isStyle = element.name == "STYLE" || element.name == "CHARSTYLE";
         for (const char* attribute : {"FONT", "IFONT"})
             mFonts.Add({std::string(element.Value(attribute)), "", "",

@@ -63,6 +63,8 @@ public:
                                    std::string(element.Value("font-style"))});
         level.properties.Override(mSheet.PropertiesOf(element.name, id, element.Value("class")));
         level.properties.Override(ParseDeclarations(element.Value("style")));
+        if (element.name == "image")
+            mFonts.AddPlaced(PathOfUri(element.Value("href")));
         level.isShown = level.isShown && !IsAside(element.name);
         if (!id.empty() && element.name == "text")
             level.where = "text " + std::string(id);

@@ -33,6 +33,30 @@ TEST(DocumentReader, ADocumentOfAnyPathIsReadAndTheNextOneAfterATrouble) {
     EXPECT_EQ(found.fonts.at(0).where, "text");
 }
 
+TEST(DocumentReader, FontsOfPlacedDocumentsAreTheirsUnlessTheDocumentUsesThemToo) {
+    const TemporaryFolder folder;
+    const auto drawing = [](const std::string& families, const std::string& images) {
+        return "<svg>" + images + families + "</svg>";
+    };
+    const auto text = [](const std::string& family) {
+        return "<text font-family=\"" + family + "\">x</text>";
+    };
+    const std::string page =
+        folder.Write("page.svg", drawing(text("Own"), R"(<image href="art%20字.svg"/><image href="page.svg"/>
+<image href="data:image/png;base64,AA"/><image href="http://host/logo.svg"/><image href="gone.svg"/>
+<image href="file:///of/another/machine/logo.svg"/>)"));
+    const std::string art =
+        folder.Write("art 字.svg", drawing(text("Own") + text("Both"), R"(<image href="page.svg"/>)"));
+    const std::string logo = folder.Write("Links/logo.svg", drawing(text("Both") + text("Logo"), ""));
+    const auto fonts = DocumentReader(DOCUMENT_READER_PROGRAM).ReadWithPlaced(page).fonts;
+    ASSERT_THAT(fonts, testing::SizeIs(3));
+    EXPECT_THAT(fonts[0].placedIn, testing::ElementsAre(logo, art));
+    EXPECT_EQ(fonts[0].where, "placed logo.svg, art 字.svg");
+    EXPECT_THAT(fonts[1].placedIn, testing::ElementsAre(logo));
+    EXPECT_THAT(fonts[2].placedIn, testing::IsEmpty());
+    EXPECT_EQ(fonts[2].where, "text");
+}
+
 TEST(DocumentReader, WithoutItsProgramItSaysSo) {
     const TemporaryFolder folder;
     const std::string drawing = folder.Write("a.svg", DrawingWith("A"));

@@ -109,6 +109,21 @@ TEST(AfterEffectsXmlReader, TextLayersNameTheirFontsAsInTheBinaryForm) {
                             "Sample-Bold |  |  | text layer Title, text layer Body"));
 }
 
+TEST(XmlReaders, PlacedFilesAreNamedAsEveryFormatDoes) {
+    const auto placed = [](std::string_view content) {
+        return documents::ReadDocumentFonts(content, "").placed;
+    };
+    EXPECT_THAT(
+        placed("<AfterEffectsProject><fileReference fullpath=\"C:\\art\\a.ai\"/></AfterEffectsProject>"),
+        ElementsAre("C:\\art\\a.ai"));
+    EXPECT_THAT(placed("<SCRIBUSUTF8NEW><PAGEOBJECT PFILE=\"art/50%.pdf\"/></SCRIBUSUTF8NEW>"),
+                ElementsAre("art/50%.pdf"));
+    EXPECT_THAT(
+        placed(Svg(
+            R"(<image href="file:///C:/a%20b.svg"/><image href="50%.svg"/><image href="//host/a.svg"/>)")),
+        ElementsAre("50%.svg", "C:/a b.svg"));
+}
+
 TEST(ScribusReader, TextsAndStylesNameFonts) {
     EXPECT_THAT(Fonts("<SCRIBUSUTF8NEW><DOCUMENT DFONT=\"Unused Regular\"><STYLE NAME=\"Body\" FONT=\"Sample "
                       "Regular\"/>"

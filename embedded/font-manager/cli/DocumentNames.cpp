@@ -13,7 +13,7 @@ namespace {
 
 documents::DocumentFonts Read(const std::string& path) {
     try {
-        return documents::DocumentReader(documents::DocumentReader::DefaultProgram()).Read(path);
+        return documents::DocumentReader(documents::DocumentReader::DefaultProgram()).ReadWithPlaced(path);
     } catch (const documents::NoDocumentReader&) {
         return {};
     }

@@ -72,9 +72,10 @@ ErrorCode GetFontsToCollect(const AgentCall& call, const Json& ids, Json& fonts)
 }
 
 Json UsesIn(const std::string& document, const Json& record) {
-    std::string where = StringMember(record, manifest::kWhere);
+    std::string where = StringMember(record, kGS_WhereKey);
+    const bool isTold = !where.empty();
     for (const Json& part : ArrayMember(record, kGS_SubDocumentsWithFontKey)) {
-        if (part.is_string())
+        if (!isTold && part.is_string())
             where += (where.empty() ? "" : ", ") + part.get<std::string>();
     }
     const Json use = FontUse(platform::NamePart(document), where);
