@@ -124,11 +124,12 @@ END
   with_cmake yajl "$root/build/yajl" -DSOURCE="$root/source/yajl"
 }
 
+# Its own marks would make every library that it is linked into export it.
 build_libxml2() {
   fetch_source libxml2
   with_cmake libxml2 "$root/source/libxml2" -DLIBXML2_WITH_ICONV=ON -DLIBXML2_WITH_LZMA=OFF -DLIBXML2_WITH_ZLIB=OFF \
     -DLIBXML2_WITH_PYTHON=OFF -DLIBXML2_WITH_PROGRAMS=OFF -DLIBXML2_WITH_TESTS=OFF -DLIBXML2_WITH_FTP=OFF \
-    -DLIBXML2_WITH_HTTP=OFF -DIconv_IS_BUILT_IN=OFF
+    -DLIBXML2_WITH_HTTP=OFF -DIconv_IS_BUILT_IN=OFF -DCMAKE_C_FLAGS=-DLIBXML_STATIC
 }
 
 # Autoconf's makefiles do not work in a folder whose path has a blank: prints a copy of the sources where it has none.

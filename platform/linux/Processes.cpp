@@ -275,7 +275,7 @@ ProcessState StateOfUnseen(ProcessId id) {
 
 class LinuxProcesses : public Processes {
 public:
-    SystemError List(std::vector<ProcessInfo>& processes) override {
+    SystemError List(const NameFilter& isWanted, std::vector<ProcessInfo>& processes) override {
         const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);
         if (!proc)
             return LastSystemError();
@@ -290,9 +290,10 @@ public:
             if (fstatat(dirfd(proc.get()), entry->d_name, &owner, 0) != 0 || owner.st_uid != geteuid())
                 continue;
             const std::string process = "/proc/" + std::to_string(id);
-            std::string path = TargetOfLink(process + "/exe");
-            if (!path.empty() && TargetOfLink(process + "/ns/pid") == ownNamespace)
-                processes.push_back({id, WithoutDeletedMark(std::move(path))});
+            std::string path = WithoutDeletedMark(TargetOfLink(process + "/exe"));
+            if (!path.empty() && isWanted(NamePart(path)) &&
+                TargetOfLink(process + "/ns/pid") == ownNamespace)
+                processes.push_back({id, std::move(path)});
         }
         return {};
     }

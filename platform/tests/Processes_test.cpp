@@ -13,11 +13,14 @@ using namespace std::chrono_literals;
 
 TEST(Processes, ThisProcessIsListedWithItsExecutable) {
     std::vector<platform::ProcessInfo> processes;
-    ASSERT_FALSE(Processes().List(processes));
+    const std::string own = platform::NamePart(Processes().CurrentExecutablePath());
+    ASSERT_FALSE(Processes().List([&](const std::string& name) { return name == own; }, processes));
     EXPECT_TRUE(std::any_of(processes.begin(), processes.end(), [](const platform::ProcessInfo& each) {
         return each.id == platform::CurrentProcessId() &&
                each.executablePath == Processes().CurrentExecutablePath();
     }));
+    ASSERT_FALSE(Processes().List([](const std::string&) { return false; }, processes));
+    EXPECT_TRUE(processes.empty());
 }
 
 TEST(Processes, AChildThatEndsHasAStatus) {

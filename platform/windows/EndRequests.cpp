@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "EndEvent.h"
-#include "UserIdentity.h"
+#include "SecurityAttributes.h"
 
 namespace platform {
 namespace {

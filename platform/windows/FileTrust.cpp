@@ -5,8 +5,6 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-#include <vector>
-
 #include "UserIdentity.h"
 #include "WideText.h"
 #include "platform/Files.h"
@@ -27,7 +25,7 @@ bool IsTrustedInstaller(PSID identity) {
 }
 
 bool IsTrusted(PSID identity) {
-    static std::vector<unsigned char> user = UserOfProcess(GetCurrentProcess());
+    UserId user = ThisUser();
     return IsWellKnownSid(identity, WinLocalSystemSid) ||
            IsWellKnownSid(identity, WinBuiltinAdministratorsSid) ||
            IsWellKnownSid(identity, WinCreatorOwnerSid) || IsTrustedInstaller(identity) ||

@@ -6,7 +6,7 @@
 
 #include "FilesInternal.h"
 #include "OwnedHandle.h"
-#include "UserIdentity.h"
+#include "SecurityAttributes.h"
 #include "WideText.h"
 #include "WindowsFiles.h"
 #include "platform/Files.h"
@@ -33,7 +33,7 @@ FileWriter::~FileWriter() {
 }
 
 SystemError FileWriter::Open(const std::string& folder) {
-    PrivateToUser rights;
+    PrivateToUser rights(PrivateToUser::Kind::kFont);
     OwnedHandle file;
     std::string path;
     if (const SystemError error =

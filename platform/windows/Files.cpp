@@ -13,7 +13,7 @@
 
 #include "FilesInternal.h"
 #include "OwnedHandle.h"
-#include "UserIdentity.h"
+#include "SecurityAttributes.h"
 #include "WideText.h"
 #include "WindowsFiles.h"
 

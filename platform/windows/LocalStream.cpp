@@ -9,6 +9,7 @@
 #include <random>
 
 #include "OwnedHandle.h"
+#include "SecurityAttributes.h"
 #include "TextHash.h"
 #include "UserIdentity.h"
 #include "WideText.h"
@@ -131,12 +132,12 @@ asio::error_code LocalStream::Connect(const std::string& address, Deadline deadl
 SystemError LocalStream::IdentifyPeer(PeerIdentity& peer) const {
     ULONG id = 0;
     const HANDLE pipe = mState->pipe.native_handle();
-    if (!(mState->end == State::End::kServer ? GetNamedPipeClientProcessId(pipe, &id)
-                                             : GetNamedPipeServerProcessId(pipe, &id)))
+    const bool isServer = mState->end == State::End::kServer;
+    if (!(isServer ? GetNamedPipeClientProcessId(pipe, &id) : GetNamedPipeServerProcessId(pipe, &id)))
         return LastSystemError();
-    const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
     peer.process = id;
-    peer.isSameUser = process.IsValid() && IsOfThisUser(process.Get());
+    // Not by the process: one without an administrator's rights may not ask one that has them.
+    peer.isSameUser = IsThisUser(isServer ? UserOfPipeClient(pipe) : OwnerOfObject(pipe));
     return {};
 }
 

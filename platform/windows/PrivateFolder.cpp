@@ -4,8 +4,7 @@
 // After windows.h, which it needs.
 #include <aclapi.h>
 
-#include <vector>
-
+#include "SecurityAttributes.h"
 #include "UserIdentity.h"
 #include "WideText.h"
 #include "platform/Files.h"
@@ -27,7 +26,7 @@ public:
 
     /// An administrator's folders may belong to the group of administrators.
     bool IsOwnedByThisUser() const {
-        std::vector<unsigned char> user = UserOfProcess(GetCurrentProcess());
+        UserId user = ThisUser();
         return mOwner != nullptr && !user.empty() &&
                (EqualSid(mOwner, user.data()) || IsWellKnownSid(mOwner, WinBuiltinAdministratorsSid));
     }

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 // After windows.h, which it needs.
-#include <psapi.h>
+#include <tlhelp32.h>
 
 #include <algorithm>
 #include <atomic>
@@ -95,30 +95,15 @@ private:
 
 /// Full path of the process's program; empty when it may not be looked at or is not this user's.
 std::string ProgramOf(DWORD id) {
-    const OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id));
-    HMODULE program = nullptr;
-    DWORD size = 0;
-    if (!process.IsValid() || !EnumProcessModules(process.Get(), &program, sizeof program, &size) ||
-        !IsOfThisUser(process.Get()))
+    const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
+    if (!process.IsValid() || !IsThisUser(UserOfProcess(process.Get())))
         return {};
-    return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD length) {
-        return GetModuleFileNameExW(process.Get(), program, buffer, length);
+    return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD size) {
+        DWORD length = size;
+        if (QueryFullProcessImageNameW(process.Get(), 0, buffer, &length))
+            return length;
+        return GetLastError() == ERROR_INSUFFICIENT_BUFFER ? size : 0;
     }));
-}
-
-SystemError ListIdentifiers(std::vector<DWORD>& identifiers) {
-    identifiers.resize(1024);
-    for (;;) {
-        DWORD size = 0;
-        const auto room = static_cast<DWORD>(identifiers.size() * sizeof(DWORD));
-        if (!EnumProcesses(identifiers.data(), room, &size))
-            return LastSystemError();
-        if (size < room) {
-            identifiers.resize(size / sizeof(DWORD));
-            return {};
-        }
-        identifiers.resize(identifiers.size() * 2);
-    }
 }
 
 std::string PathOfThisProgram() {
@@ -145,15 +130,18 @@ std::string WithoutExtension(const std::string& fileName) {
 
 class WindowsProcesses : public Processes {
 public:
-    SystemError List(std::vector<ProcessInfo>& processes) override {
-        std::vector<DWORD> identifiers;
-        if (const SystemError error = ListIdentifiers(identifiers))
-            return error;
+    SystemError List(const NameFilter& isWanted, std::vector<ProcessInfo>& processes) override {
+        const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+        if (!snapshot.IsValid())
+            return LastSystemError();
         processes.clear();
-        for (const DWORD id : identifiers) {
-            std::string path = ProgramOf(id);
+        PROCESSENTRY32W entry{};
+        entry.dwSize = sizeof entry;
+        for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more;
+             more = Process32NextW(snapshot.Get(), &entry)) {
+            std::string path = isWanted(ToUtf8(entry.szExeFile)) ? ProgramOf(entry.th32ProcessID) : "";
             if (!path.empty())
-                processes.push_back({id, std::move(path)});
+                processes.push_back({entry.th32ProcessID, std::move(path)});
         }
         return {};
     }
@@ -175,9 +163,18 @@ public:
         // No streams, rather than ours: whoever reads what we print would wait for the child as well.
         startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
+        const auto start = [&](HANDLE token, DWORD flags) {
+            return CreateProcessAsUserW(token, program.c_str(), words.data(), nullptr, nullptr, FALSE, flags,
+                                        environment.data(), folder.c_str(), &startup, &started) != FALSE;
+        };
+        // Refused: leaving a job that keeps what is in it, and rights that cannot be given up.
         constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
-        if (!CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, FALSE, kFlags,
-                            environment.data(), folder.c_str(), &startup, &started)) {
+        const OwnedHandle unelevated = MakeUnelevatedToken();
+        const bool isStarted =
+            (unelevated.IsValid() && (start(unelevated.Get(), kFlags | CREATE_BREAKAWAY_FROM_JOB) ||
+                                      start(unelevated.Get(), kFlags))) ||
+            start(nullptr, kFlags | CREATE_BREAKAWAY_FROM_JOB) || start(nullptr, kFlags);
+        if (!isStarted) {
             error = LastSystemError();
             return nullptr;
         }
@@ -247,7 +244,7 @@ SystemError RequestEndOfProcess(ProcessId id, uint64_t startTime) {
         return LastSystemError();
     if (StateOfProcess(id, startTime) != ProcessState::kAlive)
         return SystemError{ERROR_INVALID_PARAMETER};
-    if (!IsOfThisUser(process.Get()))
+    if (!IsThisUser(UserOfProcess(process.Get())))
         return SystemError{ERROR_ACCESS_DENIED};
     const OwnedHandle event(OpenEventW(EVENT_MODIFY_STATE, FALSE, EndEventName(number).c_str()));
     return event.IsValid() && SetEvent(event.Get()) ? SystemError{} : LastSystemError();

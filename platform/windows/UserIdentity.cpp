@@ -1,61 +1,115 @@
 #include "UserIdentity.h"
 
-#include <sddl.h>
+// After windows.h, which it needs.
+#include <aclapi.h>
 
-#include "OwnedHandle.h"
+#include <cstdlib>
+#include <utility>
+
+#include "SecurityAttributes.h"
 
 namespace platform {
 namespace {
 
-std::wstring TextOf(PSID user) {
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(user, &text))
+UserId Copy(PSID identity) {
+    const auto* bytes = static_cast<const unsigned char*>(identity);
+    return identity == nullptr ? UserId() : UserId(bytes, bytes + GetLengthSid(identity));
+}
+
+UserId UserOfToken(HANDLE token) {
+    DWORD size = 0;
+    GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+    std::vector<unsigned char> information(size);
+    if (size == 0 || !GetTokenInformation(token, TokenUser, information.data(), size, &size))
         return {};
-    std::wstring copy = text;
-    LocalFree(text);
-    return copy;
+    return Copy(reinterpret_cast<TOKEN_USER*>(information.data())->User.Sid);
+}
+
+/// Whether the process has rights of an administrator that its user confirmed, and could have been without.
+bool IsElevated(HANDLE token) {
+    TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
+    DWORD size = 0;
+    return GetTokenInformation(token, TokenElevationType, &type, sizeof type, &size) &&
+           type == TokenElevationTypeFull;
+}
+
+bool LowerIntegrity(HANDLE token) {
+    unsigned char medium[SECURITY_MAX_SID_SIZE];
+    DWORD size = sizeof medium;
+    if (!CreateWellKnownSid(WinMediumLabelSid, nullptr, medium, &size))
+        return false;
+    TOKEN_MANDATORY_LABEL label{{medium, SE_GROUP_INTEGRITY}};
+    return SetTokenInformation(token, TokenIntegrityLevel, &label, sizeof label + size) != FALSE;
+}
+
+/// What a program makes belongs to the user, and not to the administrators that it no longer is one of.
+bool SetOwnerAndRights(HANDLE token) {
+    UserId user = ThisUser();
+    if (user.empty())
+        return false;
+    TOKEN_OWNER owner{user.data()};
+    PrivateToUser rights;
+    BOOL isPresent = FALSE;
+    BOOL isDefaulted = FALSE;
+    TOKEN_DEFAULT_DACL list{};
+    return rights.Attributes() != nullptr &&
+           GetSecurityDescriptorDacl(rights.Attributes()->lpSecurityDescriptor, &isPresent, &list.DefaultDacl,
+                                     &isDefaulted) &&
+           SetTokenInformation(token, TokenOwner, &owner, sizeof owner) &&
+           SetTokenInformation(token, TokenDefaultDacl, &list, sizeof list);
 }
 
 }  // namespace
 
-std::vector<unsigned char> UserOfProcess(HANDLE process) {
+const UserId& ThisUser() {
+    static const UserId user = UserOfProcess(GetCurrentProcess());
+    return user;
+}
+
+UserId UserOfProcess(HANDLE process) {
+    HANDLE token = nullptr;
+    return OpenProcessToken(process, TOKEN_QUERY, &token) ? UserOfToken(OwnedHandle(token).Get()) : UserId();
+}
+
+UserId UserOfPipeClient(HANDLE pipe) {
+    if (!ImpersonateNamedPipeClient(pipe))
+        return {};
     HANDLE opened = nullptr;
-    if (!OpenProcessToken(process, TOKEN_QUERY, &opened))
-        return {};
+    // The client's token is opened by this process's own rights.
+    const bool isOpened = OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &opened) != FALSE;
     const OwnedHandle token(opened);
-    DWORD size = 0;
-    GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
-    std::vector<unsigned char> information(size);
-    if (size == 0 || !GetTokenInformation(token.Get(), TokenUser, information.data(), size, &size))
+    if (!RevertToSelf())
+        std::abort();  // nothing may go on in somebody else's name
+    return isOpened ? UserOfToken(token.Get()) : UserId();
+}
+
+UserId OwnerOfObject(HANDLE object) {
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (GetSecurityInfo(object, SE_KERNEL_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
+                        nullptr, &descriptor) != ERROR_SUCCESS)
         return {};
-    const PSID user = reinterpret_cast<TOKEN_USER*>(information.data())->User.Sid;
-    const auto* bytes = static_cast<const unsigned char*>(user);
-    return {bytes, bytes + GetLengthSid(user)};
+    UserId copy = Copy(owner);
+    LocalFree(descriptor);
+    return copy;
 }
 
-bool IsOfThisUser(HANDLE process) {
-    static const std::vector<unsigned char> thisUser = UserOfProcess(GetCurrentProcess());
-    return !thisUser.empty() && UserOfProcess(process) == thisUser;
+bool IsThisUser(const UserId& user) {
+    return !user.empty() && user == ThisUser();
 }
 
-PrivateToUser::PrivateToUser(Kind kind) {
-    std::vector<unsigned char> user = UserOfProcess(GetCurrentProcess());
-    const std::wstring name = user.empty() ? std::wstring() : TextOf(user.data());
-    if (name.empty())
-        return;
-    // Security descriptor definition language: a protected list that allows everything to those named, and is
-    // handed down to files and folders inside.
-    const std::wstring inherited = kind == Kind::kFolder ? L"OICI" : L"";
-    const std::vector<std::wstring> everyone{name, L"SY", L"BA"};
-    std::wstring rights = L"D:P";
-    for (size_t index = 0; index < (kind == Kind::kPipe ? 1 : everyone.size()); ++index)
-        rights += L"(A;" + inherited + L";GA;;;" + everyone[index] + L")";
-    ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1,
-                                                         &mAttributes.lpSecurityDescriptor, nullptr);
-}
-
-PrivateToUser::~PrivateToUser() {
-    LocalFree(mAttributes.lpSecurityDescriptor);
+OwnedHandle MakeUnelevatedToken() {
+    constexpr DWORD kRights = TOKEN_QUERY | TOKEN_DUPLICATE | TOKEN_ASSIGN_PRIMARY | TOKEN_ADJUST_DEFAULT;
+    HANDLE opened = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), kRights, &opened))
+        return {};
+    const OwnedHandle own(opened);
+    HANDLE made = nullptr;
+    if (!IsElevated(own.Get()) ||
+        !CreateRestrictedToken(own.Get(), LUA_TOKEN, 0, nullptr, 0, nullptr, 0, nullptr, &made))
+        return {};
+    OwnedHandle token(made);
+    return LowerIntegrity(token.Get()) && SetOwnerAndRights(token.Get()) ? std::move(token) : OwnedHandle();
 }
 
 }  // namespace platform

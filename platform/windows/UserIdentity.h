@@ -1,40 +1,32 @@
-// Who the user of a process is, and what is closed to everybody else.
+// Who is behind a process, the other end of a pipe, or an object.
 #pragma once
 
 #include <windows.h>
 
-#include <string>
 #include <vector>
+
+#include "OwnedHandle.h"
 
 namespace platform {
 
-/// The security identifier of the user as whom the process runs, in its binary form; empty when that cannot
-/// be told.
-std::vector<unsigned char> UserOfProcess(HANDLE process);
+/// A security identifier in its binary form; empty when it cannot be told.
+using UserId = std::vector<unsigned char>;
 
-/// Whether that process runs as the same user as this one.
-bool IsOfThisUser(HANDLE process);
+/// As whom this process runs.
+const UserId& ThisUser();
+/// As whom that process runs. A process without the rights of an administrator cannot tell of one that has them.
+UserId UserOfProcess(HANDLE process);
+/// As whom the client of that server's end of a pipe connected, whatever its rights. The client has to allow
+/// SECURITY_IDENTIFICATION.
+UserId UserOfPipeClient(HANDLE pipe);
+/// To whom an object of the kernel's, such as a pipe, belongs; of a pipe, either end tells.
+UserId OwnerOfObject(HANDLE object);
 
-/// Attributes of a new object that others do not get at.
-class PrivateToUser {
-public:
-    enum class Kind {
-        kFile,    ///< for this user, the system and administrators
-        kFolder,  ///< the same, also for what is made in it later
-        kPipe,    ///< for this user alone
-    };
-    explicit PrivateToUser(Kind kind = Kind::kFile);
-    ~PrivateToUser();
-    PrivateToUser(const PrivateToUser&) = delete;
-    PrivateToUser& operator=(const PrivateToUser&) = delete;
+/// Of two that can be told.
+bool IsThisUser(const UserId& user);
 
-    /// Null, which stands for the rights of any new object, when the user cannot be told.
-    SECURITY_ATTRIBUTES* Attributes() {
-        return mAttributes.lpSecurityDescriptor != nullptr ? &mAttributes : nullptr;
-    }
-
-private:
-    SECURITY_ATTRIBUTES mAttributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
-};
+/// For a process that has the rights of an administrator because its user confirmed them: a token to start
+/// programs with that have none. Null for all others, and where it cannot be made.
+OwnedHandle MakeUnelevatedToken();
 
 }  // namespace platform

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "OwnedHandle.h"
-#include "UserIdentity.h"
+#include "SecurityAttributes.h"
 #include "WideText.h"
 
 namespace platform {

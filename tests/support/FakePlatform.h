@@ -1,7 +1,9 @@
 // System services that answer as a test says.
 #pragma once
 
+#include <algorithm>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <new>
@@ -11,6 +13,7 @@
 
 #include "platform/Clock.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
 #include "platform/Folders.h"
 #include "platform/Processes.h"
 #include "platform/VersionResource.h"
@@ -45,8 +48,10 @@ public:
     std::vector<std::string> launchedCommandLines;
     std::string currentName = "Illustrator2025";
 
-    platform::SystemError List(std::vector<platform::ProcessInfo>& processes) override {
-        processes = running;
+    platform::SystemError List(const NameFilter& isWanted,
+                               std::vector<platform::ProcessInfo>& processes) override {
+        std::copy_if(running.begin(), running.end(), std::back_inserter(processes),
+                     [&](const auto& each) { return isWanted(platform::NamePart(each.executablePath)); });
         return listError;
     }
     std::unique_ptr<platform::ChildProcess> Launch(const std::string&, const std::string& commandLine,

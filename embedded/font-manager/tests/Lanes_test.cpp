@@ -14,12 +14,13 @@ using std::chrono::milliseconds;
 
 std::vector<platform::ProcessId> Workers() {
     std::vector<platform::ProcessInfo> processes;
-    EXPECT_FALSE(platform::Current<platform::Processes>().List(processes));
+    const auto isWorker = [](const std::string& name) {
+        return name == platform::ProgramFileName(kFontWorkerProgram);
+    };
+    EXPECT_FALSE(platform::Current<platform::Processes>().List(isWorker, processes));
     std::vector<platform::ProcessId> workers;
-    for (const platform::ProcessInfo& process : processes) {
-        if (platform::NamePart(process.executablePath) == platform::ProgramFileName(kFontWorkerProgram))
-            workers.push_back(process.id);
-    }
+    for (const platform::ProcessInfo& process : processes)
+        workers.push_back(process.id);
     return workers;
 }
 

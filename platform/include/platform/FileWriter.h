@@ -9,7 +9,8 @@
 
 namespace platform {
 
-/// A new file for this user only. It is removed again unless it is moved to its place. One thread at a time.
+/// A new file for this user only. Windows: the font cache and Store programs, which open the fonts that they show
+/// themselves, may read it too. It is removed again unless it is moved to its place. One thread at a time.
 class FileWriter {
 public:
     FileWriter();

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,14 +39,18 @@ class Processes {
 public:
     virtual ~Processes() = default;
 
-    /// Every process of this user that may be inspected, in the system's order. Others are left out silently:
-    /// what they run is not to be trusted. So are, on Linux, those in PID namespaces of their own
-    /// (containers): their paths mean files elsewhere.
-    virtual SystemError List(std::vector<ProcessInfo>& processes) = 0;
+    /// Whether a program of that file name is looked for.
+    using NameFilter = std::function<bool(const std::string& fileName)>;
+    /// The processes of this user that may be inspected and run a program that is looked for, in the system's
+    /// order. Others are left out silently: what they run is not to be trusted. So are, on Linux, those in PID
+    /// namespaces of their own (containers): their paths mean files elsewhere. Windows: no process of another
+    /// name is opened, which guards of the system's own processes would take for an attack.
+    virtual SystemError List(const NameFilter& isWanted, std::vector<ProcessInfo>& processes) = 0;
     /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
     /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard
     /// input, and its output goes nowhere. Windows: its current folder is the program's own, so that it does
-    /// not keep ours from being removed. Null and the reason in `error` on failure.
+    /// not keep ours from being removed; it leaves our job, if that lets it go, and rights of an administrator
+    /// that the user confirmed for us are not handed on. Null and the reason in `error` on failure.
     virtual std::unique_ptr<ChildProcess> Launch(const std::string& executablePath,
                                                  const std::string& commandLine, SystemError& error) = 0;
     /// What this process calls itself (Linux: /proc/self/comm; Windows: base name of the program, in the

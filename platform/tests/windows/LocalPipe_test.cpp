@@ -34,7 +34,7 @@ TEST_F(LocalPipeTest, SomebodyElsesPipeOfTheNameIsNotListenedAt) {
     CloseHandle(foreign);
 }
 
-TEST_F(LocalPipeTest, IsOpenToThisUserAlone) {
+TEST_F(LocalPipeTest, IsThisUsersAndOpenToNobodyElse) {
     ASSERT_FALSE(mAcceptor.Listen(mAddress).code);
     const HANDLE pipe = CreateFileW(Utf8Path(mAddress).c_str(), kBothWays | READ_CONTROL, 0, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
@@ -50,7 +50,8 @@ TEST_F(LocalPipeTest, IsOpenToThisUserAlone) {
     ASSERT_TRUE(GetAce(list, 0, &entry));
     const auto* allowed = static_cast<const ACCESS_ALLOWED_ACE*>(entry);
     EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-    std::vector<unsigned char> user = UserOfProcess(GetCurrentProcess());
+    EXPECT_TRUE(IsThisUser(OwnerOfObject(pipe))) << "an administrator's would belong to all of them";
+    UserId user = ThisUser();
     EXPECT_TRUE(EqualSid(const_cast<DWORD*>(&allowed->SidStart), user.data()));
     LocalFree(descriptor);
     CloseHandle(pipe);

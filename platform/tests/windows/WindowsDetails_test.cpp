@@ -7,11 +7,14 @@
 
 #include <filesystem>
 
+#include "SecurityAttributes.h"
 #include "TemporaryFolder.h"
+#include "TestProcess.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "platform/Processes.h"
 #include "platform/Utf8Path.h"
+#include "support/Launch.h"
 
 TEST(Paths, AShareIsARootBehindWhichFoldersAreMade) {
     EXPECT_EQ(platform::AbsolutePath(R"(\\server\share\a\..\für)"), R"(\\server\share\für)");
@@ -41,6 +44,51 @@ TEST(Rights, WhatIsWrittenIsClosedToEveryone) {
     EXPECT_NE(rights.find("(A;"), std::string::npos) << rights;
     for (const char* others : {";WD)", ";BU)"})
         EXPECT_EQ(rights.find(others), std::string::npos) << rights;
+}
+
+TEST(Rights, FontsAreReadByTheFontCacheAndStoreProgramsToo) {
+    platform::PrivateToUser rights(platform::PrivateToUser::Kind::kFont);
+    ASSERT_NE(rights.Attributes(), nullptr);
+    const auto rightsOf = [&](WELL_KNOWN_SID_TYPE who) {
+        unsigned char sid[SECURITY_MAX_SID_SIZE];
+        DWORD size = sizeof sid;
+        EXPECT_TRUE(CreateWellKnownSid(who, nullptr, sid, &size));
+        TRUSTEEW trustee{};
+        BuildTrusteeWithSidW(&trustee, sid);
+        BOOL isPresent = FALSE;
+        BOOL isDefaulted = FALSE;
+        PACL list = nullptr;
+        ACCESS_MASK granted = 0;
+        GetSecurityDescriptorDacl(rights.Attributes()->lpSecurityDescriptor, &isPresent, &list, &isDefaulted);
+        for (DWORD index = 0; index < list->AceCount; ++index) {
+            void* entry = nullptr;
+            EXPECT_TRUE(GetAce(list, index, &entry));
+            auto* allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+            if (EqualSid(&allowed->SidStart, sid))
+                granted |= allowed->Mask;
+        }
+        return granted;
+    };
+    EXPECT_EQ(rightsOf(WinLocalServiceSid), ACCESS_MASK{GENERIC_READ});
+    EXPECT_EQ(rightsOf(WinBuiltinAnyPackageSid), ACCESS_MASK{GENERIC_READ});
+    EXPECT_EQ(rightsOf(WinWorldSid) | rightsOf(WinBuiltinUsersSid), ACCESS_MASK{0});
+}
+
+TEST(Programs, AProgramOutlivesTheJobOfTheOneThatStartsIt) {
+    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_BREAKAWAY_OK;
+    ASSERT_TRUE(SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits));
+    ASSERT_TRUE(AssignProcessToJobObject(job, GetCurrentProcess()));
+    const auto child = Launch("be-ready");
+    ASSERT_TRUE(child && child->WaitUntilIdle(std::chrono::seconds(10)));
+    const HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, static_cast<DWORD>(child->Id()));
+    BOOL isInJob = TRUE;
+    EXPECT_TRUE(IsProcessInJob(process, job, &isInJob));
+    EXPECT_FALSE(isInJob);
+    KillProcess(child->Id());
+    CloseHandle(process);
+    CloseHandle(job);
 }
 
 TEST(Devices, AreNoFiles) {

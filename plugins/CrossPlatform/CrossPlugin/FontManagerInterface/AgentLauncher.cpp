@@ -86,16 +86,14 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
     const std::string wanted = AsciiLowerCase(name);
     const std::string wantedProgram = name.find('.') == std::string::npos ? wanted + ".exe" : wanted;
     std::vector<platform::ProcessInfo> processes;
-    if (platform::Current<platform::Processes>().List(processes))
+    const auto isWanted = [&](const std::string& fileName) {
+        const std::string lower = AsciiLowerCase(fileName);
+        return lower == wanted || lower == wantedProgram;
+    };
+    if (platform::Current<platform::Processes>().List(isWanted, processes) || processes.empty())
         return CoreErrorCodes::kUnknownError;
-    for (const platform::ProcessInfo& process : processes) {
-        const std::string baseName = AsciiLowerCase(platform::NamePart(process.executablePath));
-        if (baseName == wanted || baseName == wantedProgram) {
-            folder = platform::FolderPart(process.executablePath);
-            return CoreErrorCodes::kSuccess;
-        }
-    }
-    return CoreErrorCodes::kUnknownError;
+    folder = platform::FolderPart(processes.front().executablePath);
+    return CoreErrorCodes::kSuccess;
 }
 
 }  // namespace
