@@ -2,7 +2,8 @@
  * The host's panel event service, as a host hands it to RegisterPlugPlug and TryRegisterPlugPlug.
  *
  * Strings are UTF-8, zero-terminated, and owned by the caller for the length of the call. All calls are made
- * on the host's main thread. A service outlives the library that it was registered with.
+ * on the host's main thread. A service outlives the library that it was registered with. Its functions return: no
+ * exception and no longjmp leaves them.
  */
 #ifndef PLUGPLUG_H
 #define PLUGPLUG_H

@@ -8,6 +8,8 @@
 #include <chrono>
 #include <cstdint>
 
+#include "HostCall.h"
+
 /// Main thread.
 class HostPatience {
 public:
@@ -20,7 +22,8 @@ public:
         Call& operator=(const Call&) = delete;
 
     private:
-        const bool mWasWithinCall;
+        const HostCall mCall;
+        const HostCall::Number mOuter;  ///< whose patience it takes the place of
     };
 
     /// The user saw something and begins to wait anew.

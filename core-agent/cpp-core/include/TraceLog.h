@@ -31,6 +31,10 @@ void SetTraceSink(TraceSink* sink);
 #define TRACE_LOG_PRINTF(position)
 #endif
 
+/// How deep lines are indented now. For a step that ends without its closing line, as a jump past it does.
+int TraceIndentation();
+void SetTraceIndentation(int depth);
+
 /// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
 /// else 0. Line feeds within the text become blanks. It is cut at 65535 bytes; below 65534 bytes a line feed
 /// is added when it has none at its end. A null format writes nothing. Any thread. Nothing is allocated here;

@@ -4,7 +4,7 @@
 
 namespace {
 
-bool isWithinCall = false;
+HostCall::Number patientCall = 0;
 bool hasRecovered = false;
 uint32_t beginTick = 0;
 
@@ -14,13 +14,13 @@ uint32_t Now() {
 
 }  // namespace
 
-HostPatience::Call::Call() : mWasWithinCall(isWithinCall) {
-    isWithinCall = true;
+HostPatience::Call::Call() : mOuter(patientCall) {
+    patientCall = HostCall::Innermost();
     Renew();
 }
 
 HostPatience::Call::~Call() {
-    isWithinCall = mWasWithinCall;
+    patientCall = mOuter;
     Renew();  // the call around this one was at a dialog
 }
 
@@ -38,5 +38,6 @@ bool HostPatience::AllowsRequest() {
 }
 
 std::chrono::milliseconds HostPatience::Spent() {
-    return std::chrono::milliseconds(isWithinCall ? Now() - beginTick : 0);
+    return std::chrono::milliseconds(patientCall != 0 && HostCall::IsUnderWay(patientCall) ? Now() - beginTick
+                                                                                           : 0);
 }

@@ -87,6 +87,14 @@ bool IsTraceHeard() {
            (loggingEnabled.load(std::memory_order_relaxed) && ReadySink() != nullptr);
 }
 
+int TraceIndentation() {
+    return indentation.load(std::memory_order_relaxed);
+}
+
+void SetTraceIndentation(int depth) {
+    indentation.store(depth, std::memory_order_relaxed);
+}
+
 void LogMessage(int indentDelta, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "FakePlatform.h"
 
 TEST(HostPatience, EndsWithTheWaitingOfOneCallAndBeginsAnewWithWhatTheUserSees) {
@@ -20,11 +22,12 @@ TEST(HostPatience, EndsWithTheWaitingOfOneCallAndBeginsAnewWithWhatTheUserSees) 
     clock.ticks += 1600;
     EXPECT_FALSE(HostPatience::AllowsRequest());
     EXPECT_FALSE(HostPatience::AllowsQuestion());
-    {
-        const HostPatience::Call fromBehindADialog;
+    const std::function<void()> comeFromBehindADialog = [&] {
+        const HostPatience::Call inner;
         EXPECT_TRUE(HostPatience::AllowsLaunch());
         clock.ticks += 5000;
-    }
+    };
+    comeFromBehindADialog();
     EXPECT_TRUE(HostPatience::AllowsLaunch());
     clock.ticks += 5000;
     HostPatience::Renew();

@@ -25,13 +25,28 @@
  * - [main thread]: the thread on which InitializePluginCoreInterface was called, and each function is to be
  *   called on it. A call may show a modal dialog. When the host's event loop calls back into the library from
  *   behind it, a call that works on documents answers PLUGINCORE_UNKNOWN_ERROR.
+ * - Dialogs: every function that needs the font manager may show one, where its agent has to be started anew
+ *   and does not come. On Windows a dialog takes the thread's messages from its queue until it ends, and hands
+ *   them on to the host's windows. GetSocketPort, GetIDForDocument, GetSettings and
+ *   SetRebuildWorkgroupsMenuCallback never do.
+ * - Callbacks (SetRebuildWorkgroupsMenuCallback, CreateMenusFromJSONBuffer, the functions of a panel event
+ *   service) return. No exception and no longjmp may leave them: the library is built with another compiler
+ *   than most hosts, whose exceptions pass its frames without clean-up. One in C++ catches all:
+ *
+ *       void OnWorkgroupsChanged(void) noexcept {
+ *           try { RebuildMenu(); } catch (...) { ReportProblem(); }
+ *       }
+ *
+ *   A host that gets this wrong loses the memory of that call and is served the next time: no lock is held
+ *   while a callback runs, and what the call had begun counts as over.
  * - Time: dialogs apart, one call waits for the font manager for less than 5 seconds in all.
  *
  * Hosts. The library serves a process whose name holds one of the words After, Illustrator, InCopy, InDesign,
  * Photoshop and Sketch, in this spelling. In any other one InitializePluginCoreInterface answers
  * PLUGINCORE_NOT_STARTED, asks nothing, and the functions answer as for a plug-in that is switched off.
  *
- * Loading. On Windows the library needs CoreFoundation.dll beside it. A plug-in in another folder than the
+ * Loading. Not from DllMain, nor from what runs within it: the library loads others and starts threads. On
+ * Windows the library needs CoreFoundation.dll beside it. A plug-in in another folder than the
  * host's program loads it by its full path with LoadLibraryEx and LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
  * LOAD_LIBRARY_SEARCH_DEFAULT_DIRS. Once loaded it stays, whoever unloads it.
  */

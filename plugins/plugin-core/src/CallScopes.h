@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ErrorCodes.h"
+#include "HostCall.h"
 #include "TraceLog.h"
 
 /// The closing line of a call from the host.
@@ -13,21 +14,13 @@ inline auto ExitingWithResult(const char* name, const ErrorCode& result) {
 /// call again. False, and told in the trace, while an earlier turn lasts.
 class DialogTurn {
 public:
-    /// `isTaken` is shared by all turns of the kind and outlives them.
-    DialogTurn(bool& isTaken, const char* caller) : mIsTaken(isTaken), mIsOurs(!isTaken) {
-        mIsTaken = true;
-        if (!mIsOurs)
+    /// `turn` is shared by all of the kind and outlives them.
+    DialogTurn(Turn& turn, const char* caller) : mHolder(turn) {
+        if (!mHolder)
             LogMessage(0, "ERROR: %s() called recursively.", caller);
     }
-    ~DialogTurn() {
-        if (mIsOurs)
-            mIsTaken = false;
-    }
-    DialogTurn(const DialogTurn&) = delete;
-    DialogTurn& operator=(const DialogTurn&) = delete;
-    explicit operator bool() const { return mIsOurs; }
+    explicit operator bool() const { return static_cast<bool>(mHolder); }
 
 private:
-    bool& mIsTaken;
-    const bool mIsOurs;
+    const TurnHolder mHolder;
 };

@@ -50,11 +50,11 @@ ErrorCode ShowCommandBox(const std::string& document) {
 }  // namespace
 
 ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
-    static bool isShowing = false;
+    static Turn showing;
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
                            OrNull(document));
-    if (const DialogTurn turn(isShowing, kName); turn) {
+    if (const DialogTurn turn(showing, kName); turn) {
         FontManagerInterface::GetSharedInstance().OnUserAction();
         result = ShowCommandBox(document != nullptr ? document : "");
     }

@@ -13,8 +13,8 @@ CommonFunctionality::Document CommonFunctionality::FindDocument(const std::strin
 }
 
 DialogTurn CommonFunctionality::TurnToMoveFonts(const char* caller) {
-    static bool isTaken = false;
-    return {isTaken, caller};
+    static Turn turn;
+    return {turn, caller};
 }
 
 CFIndex CommonFunctionality::CountActiveFonts(CFArrayRef fonts) {

@@ -60,8 +60,8 @@ CFIndex CountResolvable(CFArrayRef fonts) {
 
 ErrorCode ShowResolveFonts(const char* caller, CFArrayRef fonts, CFMutableArrayRef resolvedFonts,
                            CFMutableArrayRef skippedFonts) {
-    static bool isShowing = false;
-    const DialogTurn turn(isShowing, caller);
+    static Turn showing;
+    const DialogTurn turn(showing, caller);
     VPFInterface* framework = FrameworkWithDialogs();
     if (!turn || framework == nullptr)
         return CoreErrorCodes::kUnknownError;
@@ -97,7 +97,7 @@ ErrorCode InvokeResolveDialog(bool onlyIfResolvable, const std::string& fontsJSO
 
 ErrorCode InvokeRestrictedFontsDialog(bool onlyNew, const std::string& fontsJSON) {
     constexpr char kName[] = "PluginCoreInterface::InvokeRestrictedFontsDialog";
-    static bool isShowing = false;
+    static Turn showing;
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,
                            fontsJSON.c_str());
@@ -108,7 +108,7 @@ ErrorCode InvokeRestrictedFontsDialog(bool onlyNew, const std::string& fontsJSON
         LogMessage(0, "WARNING: nothing to warn about in %s", kName);
         return result = CoreErrorCodes::kSuccess;
     }
-    const DialogTurn turn(isShowing, kName);
+    const DialogTurn turn(showing, kName);
     VPFInterface* framework = FrameworkWithDialogs();
     if (!turn || framework == nullptr)
         return result;

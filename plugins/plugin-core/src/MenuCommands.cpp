@@ -87,14 +87,9 @@ std::optional<MenuLabel> FromText(const std::string& text) {
 }
 
 void Run(MenuLabel command, bool isLoggedIn, const std::string& document, const std::string& extra) {
-    static bool isRunning = false;
-    if (isRunning) {
-        LogMessage(0, "ERROR: %s() called recursively.", "MenuCommands::Run");
-        return;
-    }
-    isRunning = true;
-    const ScopeExit done([] { isRunning = false; });
-    if (command == MenuLabel::kAbout || MayWork(isLoggedIn))
+    static Turn running;
+    const DialogTurn turn(running, "MenuCommands::Run");
+    if (turn && (command == MenuLabel::kAbout || MayWork(isLoggedIn)))
         Dispatch(command, document, extra);
 }
 

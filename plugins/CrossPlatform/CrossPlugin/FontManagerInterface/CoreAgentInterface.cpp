@@ -110,7 +110,7 @@ ErrorCode CoreAgentInterface::GiveUp(ErrorCode code) {
 }
 
 bool CoreAgentInterface::OnUserAction() {
-    if (mIsQuitting || mIsRecovering)
+    if (mIsQuitting || IsRecovering())
         return false;
     mHasGivenUp = false;
     bool disablesDialogs = false;
@@ -173,7 +173,7 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
             return code;
         LogMessage(0, "Agent not running:  error code = %s", AgentGoneName(code));
         // The host may call from behind a dialog of the call that is bringing the agent back.
-        if (mIsRecovering || mHasGivenUp)
+        if (IsRecovering() || mHasGivenUp)
             return code;
         if (std::exchange(mayReconnect, false) && CanReachAgent()) {
             LogMessage(0, "Agent can be reached again, retrying command");
@@ -184,8 +184,7 @@ ErrorCode CoreAgentInterface::CallAgent(const AgentCall& call) {
             LogMessage(0, "The host has waited for too long already, the agent is not started");
             return GiveUp(code);
         }
-        mIsRecovering = true;
-        const ScopeExit recovered([this] { mIsRecovering = false; });
+        const TurnHolder recovery(mRecovery);
         if (automaticRelaunchesLeft > 0) {
             LogMessage(0, "Agent not running, automatically relaunching agent and retrying command");
             --automaticRelaunchesLeft;
@@ -275,8 +274,8 @@ void CoreAgentInterface::ListenForNotifications() {
 
 ErrorCode CoreAgentInterface::ProcessNotifications() {
     // Behind the question whether to start the agent again, its end is no news.
-    return mIsRecovering ? CoreErrorCodes::kSuccess
-                         : NotificationProcessor::GetSharedInstance().ProcessNotifications();
+    return IsRecovering() ? CoreErrorCodes::kSuccess
+                          : NotificationProcessor::GetSharedInstance().ProcessNotifications();
 }
 
 void CoreAgentInterface::CleanUpOnShutdown() {

@@ -13,6 +13,7 @@
 
 #include "ErrorCodes.h"
 #include "FontManagerAccess.h"
+#include "HostCall.h"
 #include "VPILoader.h"
 #include "Workgroup.h"
 
@@ -39,7 +40,7 @@ public:
     /// Everything is offered again.
     void ServicesAreBack() { mHasLostServices = mHasGivenUp = false; }
     /// Whether a lost agent is being brought back, perhaps behind a dialog.
-    bool IsRecovering() const { return mIsRecovering; }
+    bool IsRecovering() const { return mRecovery.IsTaken(); }
 
     /// Starts the interface library for this process. On success plug-in services are enabled and the core
     /// counts as connected; on failure the user is told and both are off.
@@ -155,7 +156,7 @@ private:
     void ReportInitializationFailure(ErrorCode code);
     bool IsAgentProcessRunning();
 
-    bool mIsRecovering = false;     ///< a lost agent is being brought back; dialogs may show
+    Turn mRecovery;                 ///< a lost agent is being brought back; dialogs may show
     bool mIsReachable = true;       ///< when last asked
     bool mHasGivenUp = false;       ///< since the user last did something
     bool mHasLostServices = false;  ///< they went off with the agent

@@ -9,6 +9,7 @@
 #include "CoreAgentInterface.h"
 #include "FontManagerAccess.h"
 #include "GMutex.h"
+#include "HostCall.h"
 #include "NoDestructor.h"
 
 /// One process-wide object. Main thread; the creation and the shutting down of the font-manager object are
@@ -133,5 +134,5 @@ private:
     uint32_t mCatchUpInterval = kFirstCatchUpInterval;
     uint32_t mLastCatchUpTick = 0;
     std::optional<int32_t> mDefaultWorkgroupID;
-    bool mIsSelectWorkgroupDialogShowing = false;
+    Turn mSelectWorkgroupDialog;
 };

@@ -43,7 +43,7 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
 }
 
 void FontManagerInterface::OpenSelectWorkgroupDialog() {
-    if (mIsSelectWorkgroupDialogShowing) {
+    if (mSelectWorkgroupDialog.IsTaken()) {
         LogMessage(0,
                    "*** UH-OH, can't display Select Workgroup dialog, because it's already being displayed!");
         return;
@@ -52,7 +52,7 @@ void FontManagerInterface::OpenSelectWorkgroupDialog() {
 }
 
 void FontManagerInterface::HandleSelectWorkgroup() {
-    if (mIsSelectWorkgroupDialogShowing) {
+    if (mSelectWorkgroupDialog.IsTaken()) {
         LogMessage(0,
                    "*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is "
                    "already being displayed!");
@@ -60,8 +60,7 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     }
     const TraceScope trace([] { LogMessage(-1, "Exiting FontManagerInterface::HandleSelectWorkgroup"); },
                            "Entering FontManagerInterface::HandleSelectWorkgroup");
-    mIsSelectWorkgroupDialogShowing = true;
-    const ScopeExit done([this] { mIsSelectWorkgroupDialogShowing = false; });
+    const TurnHolder turn(mSelectWorkgroupDialog);
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
     if (const auto chosen = ChooseWorkgroup())

@@ -129,10 +129,9 @@ NotificationProcessor& NotificationProcessor::GetSharedInstance() {
 }
 
 ErrorCode NotificationProcessor::ProcessNotifications() {
-    if (mIsProcessing)
+    const TurnHolder turn(mProcessing);
+    if (!turn)
         return CoreErrorCodes::kSuccess;
-    mIsProcessing = true;
-    const ScopeExit done([this] { mIsProcessing = false; });
     ErrorCode result = CoreErrorCodes::kSuccess;
     NotificationQueue& queue = NotificationQueue::GetSharedInstance();
     // One by one: a reaction may bring the agent back, and what waits of its end is dropped then.

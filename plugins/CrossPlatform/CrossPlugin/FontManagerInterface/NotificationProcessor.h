@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ErrorCodes.h"
+#include "HostCall.h"
 #include "PluginNotifications.h"
 
 /// Takes notifications after the core: the panels.
@@ -29,5 +30,5 @@ private:
     ErrorCode Process(const PluginNotification& notification);
 
     NotificationReceiver* mReceiver = nullptr;
-    bool mIsProcessing = false;
+    Turn mProcessing;
 };

@@ -56,6 +56,7 @@ void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
     if (panel == nullptr || event == nullptr || event->data == nullptr)
         return;
     constexpr char kName[] = "HTMLPanel::EventCallback";
+    const HostCall call;
     try {  // nothing is thrown into the host
         panel->HandleInTurn(event->data);
     } catch (const std::exception& exception) {
@@ -71,13 +72,10 @@ void HTMLPanel::HandleInTurn(std::string message) {
         return;
     }
     mRequests.push_back(std::move(message));
-    if (mIsHandling)
+    const TurnHolder turn(mHandling);
+    if (!turn)
         return;
-    mIsHandling = true;
-    const ScopeExit done([this] {
-        mIsHandling = false;
-        mRequests.clear();
-    });
+    const ScopeExit done([this] { mRequests.clear(); });
     for (size_t count = 0; !mRequests.empty(); ++count) {
         if (count == kMostRequestsInTurn) {
             LogMessage(0, "Dropping %d requests of a panel that answers every reply with more of them",

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "HostCall.h"
 #include "MarquellPanel.h"
 #include "PlugPlug.h"
 
@@ -40,6 +41,6 @@ private:
 
     PlugPlugService* mPlugPlug;
     std::deque<std::string> mRequests;
-    bool mIsHandling = false;
+    Turn mHandling;
     std::vector<FontImage> mPendingFontImages;
 };

@@ -16,6 +16,7 @@
 #include "ErrorCodes.h"
 #include "FontListFiles.h"
 #include "GJSONUtils.h"
+#include "HostCall.h"
 #include "PanelMessage.h"
 #include "VPILoader.h"
 
@@ -121,13 +122,16 @@ private:
 
     bool mIsClosed = false;
     FontListFiles mFontListFiles;
-    bool mIsPopping = false;
+    Turn mPopping;
     std::set<int> mPendingNotifications;
+    std::set<int>
+        mUnsentNotifications;  ///< those being sent now, or when the host left a call without returning
     /// Those pushed, by font notification.
     std::map<int, std::set<uint32_t>> mFontIDs{
 #define NO_FONTS(what, id, report) {id, {}},
         PANEL_FONT_NOTIFICATIONS(NO_FONTS)
 #undef NO_FONTS
     };
-    std::deque<uint32_t> mFontsToRender;  ///< each once
+    std::map<int, std::set<uint32_t>> mUnsentFontIDs;  ///< as mUnsentNotifications
+    std::deque<uint32_t> mFontsToRender;               ///< each once
 };

@@ -71,13 +71,14 @@ ErrorCode MarquellPanel::SendNotification(int notificationID) {
     const auto fonts = mFontIDs.find(notificationID);
     if (fonts == mFontIDs.end())
         return Send(message);
-    std::set<uint32_t>& fontIDs = fonts->second;
-    PanelMessage::Node jsonArray = message.Root().AddArray(kFontIDsKey);
-    for (const uint32_t fontID : fontIDs)
-        jsonArray.Add(fontID);
     // What is pushed from within the sending waits for the next one.
-    std::set<uint32_t> unsent = std::exchange(fontIDs, {});
-    const ScopeExit keepUnsent([&] { fontIDs.merge(unsent); });
+    std::set<uint32_t>& fontIDs = fonts->second;
+    std::set<uint32_t>& unsent = mUnsentFontIDs[notificationID];
+    unsent.merge(std::exchange(fontIDs, {}));
+    PanelMessage::Node jsonArray = message.Root().AddArray(kFontIDsKey);
+    for (const uint32_t fontID : unsent)
+        jsonArray.Add(fontID);
+    const ScopeExit keepUnsent([&] { fontIDs.merge(std::exchange(unsent, {})); });
     const ErrorCode code = Send(message);
     if (code == CoreErrorCodes::kSuccess)
         unsent.clear();
@@ -91,15 +92,15 @@ ErrorCode MarquellPanel::PopNotifications() {
     }
     // The host may deliver a message at once, and its panel answer it at once: what comes of that, another
     // call of this included, must not nest.
-    if (mIsPopping || mIsClosed)
+    const TurnHolder turn(mPopping);
+    if (!turn || mIsClosed)
         return CoreErrorCodes::kSuccess;
-    mIsPopping = true;
     static_cast<void>(RenderNextFonts());  // reported there
-    std::set<int> unsent = std::exchange(mPendingNotifications, {});
+    std::set<int>& unsent = mUnsentNotifications;
+    unsent.merge(std::exchange(mPendingNotifications, {}));
     bool haveFontsGone = false;
     const ScopeExit settle([&] {
-        mPendingNotifications.merge(unsent);
-        mIsPopping = false;
+        mPendingNotifications.merge(std::exchange(unsent, {}));
         if (haveFontsGone)  // also when a later message failed: those of the fonts were sent
             MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
     });

@@ -96,21 +96,22 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
     RETURN_IF_NULL(plugPlug);
     if (mRegistered)
         return CoreErrorCodes::kSuccess;
-    bool isRegistered = false;
-    mRegistered = true;  // for a service that comes back here from within, too
-    const ScopeExit settle([&] { mRegistered = isRegistered; });
+    const TurnHolder turn(mRegistering);
+    if (!turn)  // a service that comes back here from within
+        return CoreErrorCodes::kSuccess;
     auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
     RETURN_IF_NULL(htmlPanel);
     mPanels.reserve(mPanels.size() + 1);  // once it is registered, nothing may keep the panel from staying
     RETURN_IF_FAILED(htmlPanel->RegisterHandler());
     AddPanel(std::move(htmlPanel));
-    isRegistered = true;
+    mRegistered = true;
     return CoreErrorCodes::kSuccess;
 }
 
 bool PanelManager::TryRegisterPlugPlug(void* plugPlug) {
-    if (mRegistered || mGaveUp || plugPlug == nullptr)
-        return mRegistered;
+    const bool isRegistered = mRegistered || mRegistering.IsTaken();
+    if (isRegistered || mGaveUp || plugPlug == nullptr)
+        return isRegistered;
     const uint32_t now = platform::Current<platform::Clock>().TickCount();
     if (mNextAttemptTick != 0 && now < mNextAttemptTick)
         return false;

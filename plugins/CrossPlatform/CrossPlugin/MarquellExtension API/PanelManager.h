@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ErrorCodes.h"
+#include "HostCall.h"
 #include "MarquellPanel.h"
 #include "NotificationProcessor.h"
 
@@ -66,6 +67,7 @@ private:
     void PutOffNextAttempt(uint32_t now);
 
     std::vector<std::unique_ptr<MarquellPanel>> mPanels;
+    Turn mRegistering;
     bool mRegistered = false;
     bool mGaveUp = false;
     int32_t mAttempts = 0;
