@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <string>
 
 #include "CoreFoundation++/CFRef.h"
 
@@ -21,9 +20,10 @@ CFRef<CFDataRef> Data(const std::string& bytes) {
                                 static_cast<CFIndex>(bytes.size())));
 }
 
-Outcome ReadDocument(const std::string& xml, CFOptionFlags mutability = kCFPropertyListImmutable) {
+Outcome ReadDocument(const std::string& xml) {
     CFStringRef error = nullptr;
-    auto list = AdoptCF(CFPropertyListCreateFromXMLData(nullptr, Data(xml).get(), mutability, &error));
+    auto list =
+        AdoptCF(CFPropertyListCreateFromXMLData(nullptr, Data(xml).get(), kCFPropertyListImmutable, &error));
     return {std::move(list), cf::ToUtf8(AdoptCF(error).get())};
 }
 
@@ -106,21 +106,6 @@ TEST(CFPropertyList, LargeDocumentsArriveWhole) {
     EXPECT_EQ(cf::Count(cf::As<CFArrayRef>(list.get())), 50001);
     EXPECT_EQ(cf::ToUtf8(cf::Get<CFStringRef>(cf::As<CFArrayRef>(list.get()), 0)), text);
     EXPECT_THAT(ReadDocument(std::string((64U << 20) + 1, ' ')).error, HasSubstr("larger than 64 MiB"));
-}
-
-TEST(CFPropertyList, MutabilityIsAsAskedFor) {
-    const std::string xml = "<plist><array><data>QUJD</data></array></plist>";
-    for (const CFOptionFlags mutability :
-         {CFOptionFlags{kCFPropertyListImmutable}, CFOptionFlags{kCFPropertyListMutableContainers},
-          CFOptionFlags{kCFPropertyListMutableContainersAndLeaves}}) {
-        const auto list = ReadDocument(xml, mutability).list;
-        const auto array = cf::As<CFArrayRef>(list.get());
-        const auto data = cf::Get<CFDataRef>(array, 0);  // a copy of what cannot change is the same object
-        EXPECT_EQ(AdoptCF(CFArrayCreateCopy(nullptr, array)).get() == array,
-                  mutability == kCFPropertyListImmutable);
-        EXPECT_EQ(AdoptCF(CFDataCreateCopy(nullptr, data)).get() == data,
-                  mutability != kCFPropertyListMutableContainersAndLeaves);
-    }
 }
 
 TEST(CFPropertyList, ErrorsNameTheLineAndTheFault) {
