@@ -39,7 +39,7 @@ struct PanelWorld : SilentWorld {
         repliesLeft = 3;
         service.Deliver(message);
         library.calls.clear();
-        library.panelCalls.clear();
+        library.given.clear();
     }
 
     FakePlugPlug service;

@@ -4,10 +4,6 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <functional>
-#include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "FontManagerAccess.h"
 #include "FontRecordKeys.h"
@@ -19,8 +15,6 @@ public:
 
     bool isRunning = true;
     bool isBatchMode = true;
-    bool isLoggedIn = true;
-    bool takesFonts = true;                                 ///< when a document's fonts are handed over
     CFRef<CFMutableArrayRef> matched = cf::MutableArray();  ///< what the next activation matches
     PluginActivationStates states;
     std::map<uint32_t, int16_t> statusOfSingleDeactivation;  ///< by database ID; 0 for others
@@ -43,7 +37,7 @@ public:
 
     bool IsRunning() override { return isRunning; }
     bool IsBatchMode() override { return isBatchMode; }
-    bool IsLoggedIn() override { return isLoggedIn; }
+    bool IsLoggedIn() override { return true; }
     ErrorCode ActivateDocumentFonts(const std::string&, const DocumentFontLists& lists) override {
         return GiveMatched(lists.matchedFonts);
     }
@@ -68,7 +62,7 @@ public:
         }
         return 0;
     }
-    bool SaveDocumentFonts(const std::string&, bool, CFStringRef) override { return takesFonts; }
+    bool SaveDocumentFonts(const std::string&, bool, CFStringRef) override { return true; }
 
 private:
     ErrorCode GiveMatched(CFMutableArrayRef matchedFonts) {

@@ -7,10 +7,6 @@
 #include <deque>
 #include <functional>
 #include <map>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "FontRecordKeys.h"
 #include "VantorixPluginFramework.h"

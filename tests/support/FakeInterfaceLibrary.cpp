@@ -1,10 +1,7 @@
 #include "FakeInterfaceLibrary.h"
 
-#include <CoreFoundation++/CFRef.h>
-
 #include <algorithm>
 #include <mutex>
-#include <type_traits>
 
 namespace {
 
@@ -192,6 +189,31 @@ void Perform(Symbol<kIndexOfGetSmartListFonts>, PluginFacadeRef, int32_t, CFMuta
         cf::Append(fonts, font);
 }
 
+constexpr const char* kSymbols[] = {
+#define NAME_OF(symbol, parameters) #symbol,
+    TARNWICK_PLUGIN_FUNCTIONS(NAME_OF)
+#undef NAME_OF
+};
+
+/// Of a text, a number, or an array, in which -1 stands for what is no number; of other arguments nothing.
+template <class Argument>
+std::string TextOf(Argument argument) {
+    std::string text;
+    if constexpr (std::is_same_v<Argument, CFStringRef>) {
+        text = "'" + cf::ToUtf8(argument) + "'";
+    } else if constexpr (std::is_same_v<Argument, const char*>) {
+        text = "'" + std::string(argument) + "'";
+    } else if constexpr (std::is_same_v<Argument, CFArrayRef>) {
+        for (CFIndex index = 0; index < cf::Count(argument); ++index)
+            text += (index > 0 ? "," : "") +
+                    std::to_string(cf::ToInt64(CFArrayGetValueAtIndex(argument, index)).value_or(-1));
+        text = "[" + text + "]";
+    } else if constexpr (std::is_integral_v<Argument>) {
+        text = std::to_string(argument);
+    }
+    return text;
+}
+
 template <class Function>
 struct FakeOf;
 
@@ -199,68 +221,19 @@ template <class... Arguments>
 struct FakeOf<uint32_t (*)(Arguments...)> {
     /// One function per symbol: the symbol is a template argument by its index in the table.
     template <int kIndex>
-    static uint32_t Call(Arguments... arguments);
-};
-
-constexpr const char* kSymbols[] = {
-#define NAME_OF(symbol, parameters) #symbol,
-    TARNWICK_PLUGIN_FUNCTIONS(NAME_OF)
-#undef NAME_OF
-};
-
-/// Texts, numbers, and how many elements an array has, or those that it has; of other arguments nothing.
-template <class Argument>
-std::string TextOf(Argument argument, bool isPanels) {
-    if constexpr (std::is_same_v<Argument, CFStringRef>) {
-        return "'" + cf::ToUtf8(argument) + "'";
-    } else if constexpr (std::is_same_v<Argument, const char*>) {
-        return "'" + std::string(argument) + "'";
-    } else if constexpr (std::is_same_v<Argument, CFArrayRef>) {
-        std::string text;
-        for (CFIndex index = 0; isPanels && index < cf::Count(argument); ++index)
-            text += (index > 0 ? "," : "") +
-                    std::to_string(cf::ToInt64(CFArrayGetValueAtIndex(argument, index)).value_or(-1));
-        return "[" + (isPanels ? text : std::to_string(cf::Count(argument))) + "]";
-    } else if constexpr (std::is_integral_v<Argument>) {
-        return std::to_string(argument);
-    } else {
-        return {};
+    static uint32_t Call(Arguments... arguments) {
+        const std::lock_guard guard(callsLock);
+        const ErrorCode code = Answer(kSymbols[kIndex]);
+        if (code == CoreErrorCodes::kSuccess) {
+            std::string all;
+            for (const std::string& text : {std::string(), TextOf(arguments)...})
+                all += (all.empty() || text.empty() ? "" : ", ") + text;
+            current->given.push_back(kSymbols[kIndex] + ("(" + all + ")"));
+            Perform(Symbol<kIndex>(), arguments...);
+        }
+        return code;
     }
-}
-
-/// The arguments that have a text, with `separator` between them.
-template <class... Arguments>
-std::string TextOfAll(const char* separator, Arguments... arguments) {
-    std::string all;
-    for (const std::string& text : {std::string(), TextOf(arguments, *separator == ',')...}) {
-        if (!text.empty())
-            all += (all.empty() ? "" : separator) + text;
-    }
-    return all;
-}
-
-bool IsPanelCall(const std::string& symbol) {
-    static const std::set<std::string> calls = {
-        "SetGoogleWebFontsEnabled",  "GetFontInfoByID", "GetFontConflicts", "EnableDesignActivation",
-        "RenderFontNamePreviewPNGs", "RenameSmartList", "DeleteSmartList",  "QueryForSmartListFonts",
-        "SetSmartListQuery",         "CreateSmartList", "GetSmartList",     "GetSmartListFonts"};
-    return calls.contains(symbol);
-}
-
-template <class... Arguments>
-template <int kIndex>
-uint32_t FakeOf<uint32_t (*)(Arguments...)>::Call(Arguments... arguments) {
-    const std::lock_guard guard(callsLock);
-    const std::string symbol = kSymbols[kIndex];
-    const std::string given = TextOfAll(" ", arguments...);
-    current->given.push_back(symbol + " " + given + (given.empty() ? "" : " "));
-    const ErrorCode code = Answer(kSymbols[kIndex]);
-    if (code == CoreErrorCodes::kSuccess && IsPanelCall(symbol))
-        current->panelCalls.push_back(symbol + "(" + TextOfAll(", ", arguments...) + ")");
-    if (code == CoreErrorCodes::kSuccess)
-        Perform(Symbol<kIndex>(), arguments...);
-    return code;
-}
+};
 
 }  // namespace
 

@@ -13,9 +13,7 @@
 #include <functional>
 #include <map>
 #include <set>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
@@ -32,9 +30,9 @@ public:
     std::map<std::string, std::deque<ErrorCode>> codes;   ///< answers by symbol, first to last; then success
     std::function<ErrorCode(const std::string&)> answer;  ///< asked first, if set: a code other than 0 stands
     std::vector<std::string> calls;                       ///< symbols in the order in which they were called
-    std::vector<std::string> given;                       ///< the same with the arguments, each with a blank
-    std::string log;                                      ///< what Log was given
-    std::string logFile;                                  ///< what BeginLogging was given
+    std::vector<std::string> given;  ///< those that succeeded: "Symbol(7, 'text', [1,2])"
+    std::string log;                 ///< what Log was given
+    std::string logFile;             ///< what BeginLogging was given
 
     // Answers of successful calls.
     bool isLoggedIn = true;
@@ -75,7 +73,6 @@ public:
     bool canAccessWebFonts = false;
     bool isReplicationRunning = false;
     int32_t replicationMode = 0;
-    std::vector<std::string> panelCalls;  ///< calls of these functions as text, with their arguments
 
     int CallsOf(const std::string& symbol) const;
 };

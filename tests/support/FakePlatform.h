@@ -5,11 +5,7 @@
 #include <deque>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <new>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "platform/Clock.h"
 #include "platform/DynamicLibrary.h"

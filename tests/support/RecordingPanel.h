@@ -1,11 +1,7 @@
 // A panel whose messages arrive as long as the test says so.
 #pragma once
 
-#include <CoreFoundation++/CFRef.h>
-
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "MarquellPanel.h"
 

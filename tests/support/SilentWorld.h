@@ -25,8 +25,6 @@ public:
         MarquellGlobals::ResetForTesting();
         delete VPILoader::GetSharedInstance();
     }
-    SilentWorld(const SilentWorld&) = delete;
-    SilentWorld& operator=(const SilentWorld&) = delete;
 
     /// Makes the plug-in functional without the start-up routine, which a process runs only once. Whether it
     /// is.

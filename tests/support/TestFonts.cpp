@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 #include "FontTables.h"
 
@@ -29,15 +28,6 @@ std::string Glyph() {
     return glyph.Get();
 }
 
-std::string Glyf() {
-    return Glyph() + Glyph();
-}
-
-std::string Loca() {
-    const auto size = static_cast<uint32_t>(Glyph().size());
-    return Bytes().U32(0).U32(size).U32(2 * size).Get();
-}
-
 std::string Head() {
     Bytes head;
     head.U32(0x00010000).U32(0x00010000).U32(0).U32(0x5F0F3CF5).U16(3).U16(kUnitsPerEm).Zeros(16);
@@ -49,14 +39,6 @@ std::string Hhea() {
     Bytes hhea;
     hhea.U32(0x00010000).U16(800).U16(0xFF38).U16(0).U16(kAdvance).U16(0).U16(0).U16(500).U16(1);
     return hhea.Zeros(14).U16(kGlyphCount).Get();
-}
-
-std::string Hmtx() {
-    return Bytes().U16(kAdvance).U16(0).U16(kAdvance).U16(0).Get();
-}
-
-std::string Maxp() {
-    return Bytes().U32(0x00010000).U16(kGlyphCount).U16(4).U16(1).Zeros(4).U16(1).Zeros(16).Get();
 }
 
 /// The letter A is glyph 1.
@@ -77,20 +59,15 @@ std::string Os2(unsigned embedding) {
     return os2.Get();
 }
 
-std::string Post() {
-    return Bytes().U32(0x00030000).Zeros(28).Get();
-}
-
 std::string NameTable(const TestFontNames& names) {
     std::map<unsigned, std::string> texts = {{1, names.family},
                                              {2, names.style},
                                              {4, names.family + " " + names.style},
                                              {5, "Version " + names.version},
-                                             {6, names.postScriptName}};
-    for (const auto& [identifier, text] : {std::pair{13u, names.licence}, std::pair{14u, names.licenceURL}}) {
-        if (!text.empty())
-            texts[identifier] = text;
-    }
+                                             {6, names.postScriptName},
+                                             {13, names.licence},
+                                             {14, names.licenceURL}};
+    std::erase_if(texts, [](const auto& text) { return text.first > 6 && text.second.empty(); });
     Bytes records;
     std::string strings;
     for (const auto& [identifier, text] : texts) {
@@ -113,16 +90,20 @@ uint32_t Checksum(const std::string& table) {
 }  // namespace
 
 FontTables TablesOfTestFont(const TestFontNames& names) {
+    const std::string glyph = Glyph();
+    const auto size = static_cast<uint32_t>(glyph.size());
+    Bytes maxp;
+    maxp.U32(0x00010000).U16(kGlyphCount).U16(4).U16(1).Zeros(4).U16(1).Zeros(16);
     return {{"OS/2", Os2(names.embedding)},
             {"cmap", Cmap()},
-            {"glyf", Glyf()},
+            {"glyf", glyph + glyph},
             {"head", Head()},
             {"hhea", Hhea()},
-            {"hmtx", Hmtx()},
-            {"loca", Loca()},
-            {"maxp", Maxp()},
+            {"hmtx", Bytes().U16(kAdvance).U16(0).U16(kAdvance).U16(0).Get()},
+            {"loca", Bytes().U32(0).U32(size).U32(2 * size).Get()},
+            {"maxp", maxp.Get()},
             {"name", NameTable(names)},
-            {"post", Post()}};
+            {"post", Bytes().U32(0x00030000).Zeros(28).Get()}};
 }
 
 std::string FontOfTables(const FontTables& tables, uint32_t offset) {
@@ -145,15 +126,13 @@ std::string MakeTestFont(const TestFontNames& names) {
 
 std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts) {
     const auto count = static_cast<uint32_t>(fonts.size());
-    auto offset = 12 + 4 * count;
     Bytes header;
     header.Text("ttcf").U32(0x00010000).U32(count);
     std::string content;
     for (const TestFontNames& names : fonts) {
+        const auto offset = static_cast<uint32_t>(12 + 4 * count + content.size());
         header.U32(offset);
-        const std::string font = FontOfTables(TablesOfTestFont(names), offset);
-        content += font;
-        offset += static_cast<uint32_t>(font.size());
+        content += FontOfTables(TablesOfTestFont(names), offset);
     }
     return header.Get() + content;
 }

@@ -2,9 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "platform/Processes.h"
 
@@ -27,8 +24,6 @@ public:
     /// Starts the program at the full path `command[0]`. Throws when that fails.
     explicit TestProcess(const std::vector<std::string>& command);
     ~TestProcess();
-    TestProcess(const TestProcess&) = delete;
-    TestProcess& operator=(const TestProcess&) = delete;
 
     platform::ProcessId Id() const;
     /// The next line of output, without its end ("\n" or "\r\n"); empty when there is none any more.

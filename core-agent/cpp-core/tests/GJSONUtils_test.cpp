@@ -41,23 +41,16 @@ TEST(GJSONUtils, WhatCannotBeWrittenLeavesTheTextAlone) {
     EXPECT_EQ(GJSONUtils::Serialise(nested(513), text), 0u);
 }
 
-namespace {
-
-class JSONTree : public testing::Test {
-protected:
-    void Load(const std::string& text) { ASSERT_EQ(GJSONUtils::Parse(document, text, root), 0u); }
+TEST(GJSONUtils, ATreeGivesEachKindOrSaysWhatIsWrong) {
     CapturedTrace trace;
     JSONObject document;
     JSONValue root;
-};
-
-}  // namespace
-
-TEST_F(JSONTree, ReadsEachKindOrSaysWhatIsWrong) {
     EXPECT_EQ(GJSONUtils::Parse(document, "OK", root), CoreErrorCodes::kInvalidParam);
     EXPECT_THAT(trace.Text(), HasSubstr("Failed to parse JSON: No JSON loaded in parser"));
-    Load(R"({"s":"t","i":5,"d":2.5,"b":true,"l":[1,2],"n":null,"big":4294967296,"minus":-1,
-             "huge":99999999999999999999,"mixed":[1,-1]})");
+    constexpr char kText[] =
+        R"({"s":"t","i":5,"d":2.5,"b":true,"l":[1,2],"n":null,"big":4294967296,"minus":-1,
+                                 "huge":99999999999999999999,"mixed":[1,-1]})";
+    ASSERT_EQ(GJSONUtils::Parse(document, kText, root), 0u);
     std::string text;
     uint32_t integer = 0;
     int64_t wide = 0;

@@ -6,31 +6,10 @@
 
 #include "CapturedTrace.h"
 
-namespace {
-
-class LoggerTest : public testing::Test {
-protected:
-    LoggerTest() { logger.AddStream(stream); }
-
+TEST(GLogger, WritesWhatItsLevelOrTheDefaultOneAdmits) {
     GLogger logger;
-    const std::shared_ptr<std::ostringstream> stream = std::make_shared<std::ostringstream>();
-};
-
-}  // namespace
-
-TEST_F(LoggerTest, LevelsHaveNames) {
-    const std::pair<const char*, int> names[] = {
-        {"None", 0}, {"Error", 1}, {"Warning", 2}, {"Info", 3}, {"Debug", 4}};
-    for (const auto& [name, level] : names) {
-        EXPECT_EQ(GLogger::LevelFromString(name), level) << name;
-        EXPECT_EQ(GLogger::LevelToString(level), name);
-    }
-    EXPECT_EQ(GLogger::LevelFromString("Warn"), 2);
-    EXPECT_EQ(GLogger::LevelFromString("warn"), -1);
-    EXPECT_EQ(GLogger::LevelToString(5), "");
-}
-
-TEST_F(LoggerTest, WritesWhatItsLevelOrTheDefaultOneAdmits) {
+    const auto stream = std::make_shared<std::ostringstream>();
+    logger.AddStream(stream);
     logger.Log("Panel", GLogger::kInfo, "dropped");
     logger.Log("Panel", GLogger::kWarning, "kept %d", 1);
     logger.SetLevel("default", GLogger::kDebug);
@@ -46,7 +25,7 @@ TEST_F(LoggerTest, WritesWhatItsLevelOrTheDefaultOneAdmits) {
               "[Panel]\t[Warning]\tkept 1\n[Other]\t[Debug]\tkept 2\n[Other]\t[Error]\tkept 3\n");
 }
 
-TEST(SharedLogger, WritesWholeLinesToTheDebuggerAndKeepsNothing) {
+TEST(GLogger, TheSharedOneWritesWholeLinesToTheDebuggerAndKeepsNothing) {
     CapturedTrace output;
     output.isListening = false;
     GLogger& shared = GLogger::GetSharedInstance();

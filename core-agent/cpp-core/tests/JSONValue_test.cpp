@@ -89,22 +89,6 @@ TEST(JSONObject, NumbersAreReadAlikeWhateverTheHostsLocale) {
     EXPECT_EQ(numbers[4].as_map()[0].second.as_array()[0].as_double(), -.5);
 }
 
-TEST(JSONValue, TellsTheKindsApart) {
-    JSONObject document;
-    const auto elements =
-        Load(document, R"(["s", 3, 3.0, 1e3, 9223372036854775807, 9223372036854775808, true, null, {}, []])")
-            .as_array();
-    std::string kinds;
-    for (const JSONValue& each : elements) {
-        kinds += each.is_string() ? "s" : each.is_int() ? "i" : each.is_double() ? "d" : "";
-        kinds += each.is_bool() ? "b" : each.is_map() ? "m" : each.is_array() ? "a" : "";
-        kinds += " ";
-    }
-    EXPECT_EQ(kinds, "s i d d i d b  m a ");
-    EXPECT_EQ(elements[1].as_double(), 3) << "an integer is a double too";
-    EXPECT_EQ(elements[4].as_int64(), std::numeric_limits<int64_t>::max());
-}
-
 TEST(JSONValue, AReadOfTheWrongKindSaysWhatWasFound) {
     JSONObject document;
     const auto values = Load(document, R"(["text",-5,2.5,{},[],true,null])").as_array();

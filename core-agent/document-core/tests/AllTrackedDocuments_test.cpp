@@ -89,11 +89,3 @@ TEST_F(AllTrackedDocumentsTest, AnExceptionStaysInsideAndIsLogged) {
     fontManager.whileDeactivating = nullptr;
     EXPECT_EQ(tracker.CloseAllFonts(true), 0u) << "the tracker's lock was let go";
 }
-
-TEST(OneTrackedDocument, HoldsItsFontListsEachUnderItsName) {
-    const CFRef<CFMutableArrayRef> reported = cf::MutableArray(), unmatched = cf::MutableArray();
-    OneTrackedDocument document;
-    document.SetFontArrays({.reportedFonts = reported.get(), .unmatchedFonts = unmatched.get()});
-    EXPECT_EQ(document.FontArrayA(), reported.get());
-    EXPECT_EQ(document.FontArrayB(), unmatched.get());
-}

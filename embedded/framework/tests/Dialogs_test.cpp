@@ -1,7 +1,6 @@
 // Each dialog, answered from a file, at a terminal and in windows: what the answers mean, and what is shown.
 #include <gmock/gmock.h>
 
-#include <sstream>
 #include <stdexcept>
 
 #include "DialogTestSupport.h"

@@ -37,21 +37,6 @@ TEST_F(FactoryTest, PreferencesStandBelowTheConfigurationFolderOfTheUser) {
     EXPECT_EQ(nlohmann::json::parse(ContentOf(mPreferences)),
               nlohmann::json::parse(R"({"com.vantorix.Plugin": {"Illustrator2025": {"Key": 5}}})"));
     EXPECT_TRUE(Create()->IsPreferenceStoreUsable());
-    WriteText(mFolder / "file", "");
-    const ScopedVariable unusable("XDG_CONFIG_HOME", mFolder / "file");
-    EXPECT_FALSE(Create()->IsPreferenceStoreUsable());
-}
-
-TEST_F(FactoryTest, TheEnvironmentDecidesOnLanguageAndAnswers) {
-    WriteText(mFolder / "answers", R"([{"titleID": 604, "textID": 605, "answer": 1}])");
-    const ScopedVariable language("LC_ALL", "de_DE.UTF-8");
-    const ScopedVariable answers("PLUGINCORE_ANSWERS", mFolder / "answers");
-    const ScopedVariable answersLog("PLUGINCORE_ANSWERS_LOG", mFolder / "log");
-    const OwnedFramework framework = Create();
-    EXPECT_EQ(cf::ToUtf8(AdoptCF(framework->CopyLocalizedString(200)).get()), "Einstellungen...");
-    EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 1);
-    EXPECT_EQ(framework->ShowMessageBox(604, 605, MessageBoxButtons::kYesNo), 2);
-    EXPECT_THAT(ContentOf(mFolder / "log"), testing::HasSubstr("\"answer\":1}\n{"));
 }
 
 TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {

@@ -1,9 +1,7 @@
 // What the framework's tests share: folders, environment variables and log lines of their own.
 #pragma once
 
-#include <filesystem>
 #include <fstream>
-#include <string>
 
 #include "CapturedTrace.h"
 #include "TemporaryFolder.h"

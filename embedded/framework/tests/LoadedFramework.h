@@ -4,7 +4,6 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include <memory>
-#include <string>
 
 #include "VantorixPluginFramework.h"
 #include "platform/DynamicLibrary.h"

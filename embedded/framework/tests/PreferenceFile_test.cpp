@@ -49,7 +49,7 @@ TEST_F(PreferenceFileTest, WhatIsNoPreferenceFileIsSetAsideWithOneLineAndStoring
         SetMember(writer, "plug-in", {{"host", {{"text", "ü\n"}, {"number", -1.5}, {"flag", true}}}}));
     const std::string whole = ContentOf(mPath);
     std::vector<std::string> contents = {
-        "[]", "{\"a\":\"\xFF\"}", "{\"a\":\"" + std::string(1 << 20, 'x') + "\"}",
+        "[]", "{\"a\":\"\xFF\"}", "{\"a\":\"" + std::string((1 << 20) - 7, 'x') + "\"}",
         "{\"a\":" + std::string(100000, '[') + std::string(100000, ']') + "}"};
     for (size_t length = 0; length + 1 < whole.size(); ++length)  // the last byte is a line feed
         contents.push_back(whole.substr(0, length));
@@ -137,10 +137,12 @@ TEST_F(PreferenceFileTest, AChangeThatFailsLeavesTheFileAndTheLockAsTheyWere) {
     ASSERT_TRUE(SetMember(file, "a", 1));
     EXPECT_THROW(file.Change([](json&) { throw std::runtime_error("no"); }), std::runtime_error);
     EXPECT_THROW(SetMember(file, "a", "\xFF"), json::exception);
-    EXPECT_FALSE(SetMember(file, "a", std::string(1 << 20, 'x')));
+    constexpr size_t kLargest = (1 << 20) - std::char_traits<char>::length("{\n  \"a\": \"\"\n}\n");
+    EXPECT_FALSE(SetMember(file, "a", std::string(kLargest + 1, 'x')));
     EXPECT_EQ(Parsed(mPath), json({{"a", 1}}));
     EXPECT_EQ(*file.Read(), json({{"a", 1}}));
-    EXPECT_TRUE(SetMember(file, "a", 2));
+    EXPECT_TRUE(SetMember(file, "a", std::string(kLargest, 'x')));
+    EXPECT_EQ(PreferenceFile(mFolder).Read()->size(), 1u);
 }
 
 }  // namespace

@@ -40,27 +40,16 @@ TEST_F(PreferenceStoreTest, EachPlugInAndHostHasItsOwnValuesAndForeignOnesAreKep
 
 TEST_F(PreferenceStoreTest, ReadersAreTolerantOfOtherTypes) {
     const int64_t least = std::numeric_limits<int64_t>::min();
-    const struct {
-        json value;
-        bool asBool;
-        int64_t asInt;
-        std::string asString;
-    } cases[] = {{true, true, 1, ""},
-                 {false, false, 0, ""},
-                 {-3, true, -3, ""},
-                 {least, true, least, ""},
-                 {0.5, true, 0, ""},
-                 {-2.9, true, -2, ""},
-                 {0x1p63, true, 0, ""},
-                 {"12", false, 0, "12"},
-                 {nullptr, false, 0, ""},
-                 {{{"a", 1}}, false, 0, ""},
-                 {std::numeric_limits<uint64_t>::max(), false, 0, ""}};
-    for (const auto& each : cases) {
-        ASSERT_TRUE(mStore.Set("Key", each.value));
-        EXPECT_EQ(mStore.GetBool("Key"), each.asBool) << each.value;
-        EXPECT_EQ(mStore.GetInt("Key"), each.asInt) << each.value;
-        EXPECT_EQ(mStore.GetString("Key"), each.asString) << each.value;
+    const std::tuple<json, bool, int64_t, std::string> cases[] = {
+        {false, false, 0, ""},      {-3, true, -3, ""},      {least, true, least, ""},
+        {0.5, true, 0, ""},         {-2.9, true, -2, ""},    {0x1p63, true, 0, ""},
+        {"12", false, 0, "12"},     {nullptr, false, 0, ""}, {json::object(), false, 0, ""},
+        {UINT64_MAX, false, 0, ""}, {true, true, 1, ""}};
+    for (const auto& [value, asBool, asInt, asString] : cases) {
+        ASSERT_TRUE(mStore.Set("Key", value));
+        EXPECT_EQ(mStore.GetBool("Key"), asBool) << value;
+        EXPECT_EQ(mStore.GetInt("Key"), asInt) << value;
+        EXPECT_EQ(mStore.GetString("Key"), asString) << value;
     }
     EXPECT_FALSE(mStore.GetBool("Missing") || mStore.GetInt("Missing"));
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <regex>
-#include <string>
 #include <vector>
 
 #include "FrameworkTestSupport.h"
@@ -30,12 +29,6 @@ TEST(LocalizedStrings, EveryTextIsOneToShow) {
     EXPECT_STREQ(FindLocalizedString("de", 200), "Einstellungen...");
     EXPECT_EQ(FindLocalizedString("en", 607), nullptr);
     EXPECT_EQ(FindLocalizedString("de", 0), nullptr);
-}
-
-TEST(LocalizedStrings, WhatIsFilledInIsTakenAsItIs) {
-    EXPECT_EQ(FillIn("In %s.", "/a/100%s %n %"), "In /a/100%s %n %.");
-    EXPECT_EQ(FillIn("In it.", "/a"), "In it.");
-    EXPECT_EQ(FillIn("%s", ""), "");
 }
 
 }  // namespace

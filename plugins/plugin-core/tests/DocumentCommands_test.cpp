@@ -2,6 +2,7 @@
 
 #include "CommonFunctionality.h"
 #include "FakeWorld.h"
+#include "HostPatience.h"
 #include "platform/Files.h"
 
 using testing::ElementsAre;
@@ -39,7 +40,16 @@ constexpr ErrorCode kNotCompleted = CoreErrorCodes::kOutOfMemory;
 TEST_F(DocumentCommandsTest, FontsAreCollectedOneByOneBelowTheChosenFolder) {
     OpenDocument();
     framework.chosenFolder = "/output";
-    EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
+    FakeClock clock;
+    library.answer = [&](const std::string& symbol) {
+        clock.ticks += symbol == "ExportFonts" ? 3000 : 0;
+        return CoreErrorCodes::kSuccess;
+    };
+    {
+        const HostPatience::Call call;  // which may take its time, since there is a bar to look at
+        EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
+    }
+    library.answer = nullptr;
     EXPECT_THAT(library.exportedTo, ElementsAre(kDestination, kDestination));
     EXPECT_EQ(framework.initialFolder, "/jobs/") << "the document's own folder, the first time";
     EXPECT_EQ(framework.texts["LastCFOFolder"], "/output");
@@ -52,25 +62,19 @@ TEST_F(DocumentCommandsTest, FontsAreCollectedOneByOneBelowTheChosenFolder) {
 }
 
 TEST_F(DocumentCommandsTest, WhatCollectingCameToIsTold) {
-    const struct {
-        std::deque<ErrorCode> codes;
-        ErrorCode result;
-        uint32_t text;  ///< of the message box
-        size_t exported;
-    } cases[] = {
+    // Codes of exporting, what comes of it, the text of the message box, and how many fonts are exported.
+    const std::tuple<std::deque<ErrorCode>, ErrorCode, uint32_t, size_t> cases[] = {
         {{GZephyrinExportFonts::kFontUnavailableToExport}, 0, 651, 1},
         {{0, GZephyrinExportFonts::kCouldNotCopyFile}, kNotCompleted, 653, 1},
-        {{GZephyrinExportFonts::kNotGrantedPermissionToExportFonts}, kNotCompleted, 661, 0},
-    };
+        {{GZephyrinExportFonts::kNotGrantedPermissionToExportFonts}, kNotCompleted, 661, 0}};
     OpenDocument();
     framework.chosenFolder = "/output/";
-    for (const auto& each : cases) {
-        framework.shownBoxes.clear();
+    for (const auto& [codes, result, text, exported] : cases) {
         library.exportedTo.clear();
-        library.codes["ExportFonts"] = each.codes;
-        EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), each.result) << each.text;
-        EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, each.text)));
-        EXPECT_EQ(library.exportedTo.size(), each.exported) << each.text;
+        library.codes["ExportFonts"] = codes;
+        EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), result) << text;
+        EXPECT_EQ(framework.shownBoxes.back(), MessageBox(204, text));
+        EXPECT_EQ(library.exportedTo.size(), exported) << text;
         library.codes.clear();
     }
     framework.stepsUntilStopped = 2;
@@ -99,6 +103,9 @@ TEST_F(DocumentCommandsTest, ASetOfTheDocumentsFontsIsMadeUnderAFreeName) {
     EXPECT_THAT(library.fontsInSets, ElementsAre(11, 12));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(205, 658)));
     EXPECT_THAT(framework.subjects, ElementsAre("poster.v2 3"));
+    library.codes["CreateTopLevelSet"].assign(99, CoreErrorCodes::kItemAlreadyExists);
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted) << "none is free";
+    EXPECT_EQ(library.CallsOf("CreateTopLevelSet"), 3 + 99);
 }
 
 TEST_F(DocumentCommandsTest, ASetNeedsOneWorkgroupAndFonts) {

@@ -1,6 +1,5 @@
 #include "DocumentEvents.h"
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "DocumentCommands.h"
@@ -27,10 +26,6 @@ protected:
                                                           bufferB.data(), &sizeB, &numFontsActivated);
     }
     ErrorCode Close(const std::string& hint = "") { return DocumentEvents::HandleCloseDocument(path, hint); }
-    void ChangeFile() {
-        std::filesystem::last_write_time(
-            platform::Utf8Path(path), std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
-    }
     std::string Identifier() {
         char buffer[100] = "";
         size_t size = sizeof buffer;
@@ -46,17 +41,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(DocumentEventsTest, ADocumentIsNotSearchedWhileThePluginIsOff) {
-    MakeFunctional();
-    framework.numbers["EnablePlugin"] = 0;
-    path += ".is not there.ai";  // so that a search fails and is reported
-    EXPECT_EQ(Open(""), CoreErrorCodes::kSuccess);
-    EXPECT_THAT(trace.Text(), testing::Not(HasSubstr("Error=")));
-    framework.numbers["EnablePlugin"] = 1;
-    EXPECT_EQ(Open(""), CoreErrorCodes::kSuccess);
-    EXPECT_THAT(trace.Text(), HasSubstr("Error="));
-}
 
 TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
     MakeFunctional();
@@ -102,7 +86,7 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     Open();
     const auto saved = [&] {
         std::string usages;
-        const std::string call = "SaveDocumentFonts '" + path + "' 1 ";
+        const std::string call = "SaveDocumentFonts('" + path + "', 1, ";
         for (const std::string& each : std::exchange(library.given, {}))
             usages += each.starts_with(call) ? each.substr(call.size()) : "";
         return usages;
@@ -111,15 +95,24 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     EXPECT_EQ(DocumentEvents::UpdateDocumentFontUsage(path, "stored"), 0u);
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, ""), 0u);
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), 0u);
-    EXPECT_EQ(saved(), "'hint' 'stored' 'hint' ");
-    ChangeFile();
+    EXPECT_EQ(saved(), "'hint')'stored')'hint')");
+    std::filesystem::last_write_time(platform::Utf8Path(path),
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
     EXPECT_EQ(Close("last"), 0u);
-    EXPECT_EQ(saved(), "'last' ") << "written behind the host";
+    EXPECT_EQ(saved(), "'last')") << "written behind the host";
     Open();
     library.codes["SaveDocumentFonts"] = {CoreErrorCodes::kError};
     EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "failed"), CoreErrorCodes::kUnknownError);
     EXPECT_EQ(Close(), 0u);
-    EXPECT_EQ(saved(), "'failed' '' ") << "tried again at close";
+    EXPECT_EQ(saved(), "'')") << "tried again at close";
+    Open();
+    saved();
+    for (const auto& [isEnabled, isLoggedIn] : {std::pair{0, true}, {1, false}}) {
+        framework.numbers["EnablePlugin"] = isEnabled;
+        MarquellGlobals::SetLoggedIn(library.isLoggedIn = isLoggedIn);
+        EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "hint"), CoreErrorCodes::kUnknownError);
+    }
+    EXPECT_EQ(saved(), "");
 }
 
 TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLaterOrNever) {
@@ -161,16 +154,20 @@ TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
               0u);
     EXPECT_EQ(count, 1u);
     EXPECT_THAT(library.given,
-                testing::Contains(testing::StartsWith("ActivateFonts [2] '" + Identifier() + "'")));
+                testing::Contains(testing::StartsWith("ActivateFonts([-1,-1], '" + Identifier() + "'")));
 }
 
-TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFile) {
+TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFileUnlessThePluginIsOff) {
     MakeFunctional();
     folder.Write("Dokument 字.ai", "/FontName /ABCDEF+ComicNeue-Bold /Flags 4 >>");
-    Open("");
-    EXPECT_THAT(trace.Text(), HasSubstr("adding 'ComicNeue-Bold'\n"));
+    for (const bool isOn : {false, true}) {
+        framework.numbers["EnablePlugin"] = isOn;
+        Open("");
+        EXPECT_EQ(trace.Text().find("adding 'ComicNeue-Bold'\n") != std::string::npos, isOn);
+    }
     path = folder / "missing.ai";
     EXPECT_EQ(Open(""), 0u) << "a failed extraction leaves the list empty";
+    EXPECT_THAT(trace.Text(), HasSubstr("Error="));
 }
 
 TEST_F(DocumentEventsTest, FromBehindADialogNoOtherEventMovesFonts) {

@@ -39,13 +39,8 @@ protected:
 }  // namespace
 
 TEST_F(FontDialogsTest, TheDialogShowsWhenThereIsSomethingToShowAndItIsPermitted) {
-    const struct {
-        bool onlyIfResolvable;
-        std::string fonts;
-        bool isPermitted;
-        ErrorCode result;
-        bool shows;
-    } cases[] = {
+    // Only if resolvable, the fonts, whether it is permitted; what comes of it, and whether the dialog shows.
+    const std::tuple<bool, std::string, bool, ErrorCode, bool> cases[] = {
         {false, "[{", true, CoreErrorCodes::kInvalidParam, false},
         {false, R"({"DocumentFonts":[{}]})", true, CoreErrorCodes::kInvalidParam, false},
         {false, "[]", true, CoreErrorCodes::kInvalidParam, false},
@@ -55,17 +50,15 @@ TEST_F(FontDialogsTest, TheDialogShowsWhenThereIsSomethingToShowAndItIsPermitted
         {false, kOnlyLost, false, 0, false},
         {false, kBoth, false, 0, false},
     };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.fonts);
+    for (const auto& [onlyIfResolvable, fonts, isPermitted, result, shows] : cases) {
+        SCOPED_TRACE(fonts);
         framework.shownDialogs.clear();
-        library.permissions.clear();
-        if (each.isPermitted)
-            library.permissions = {kPermission_ShowPostscriptReplacements};
-        EXPECT_EQ(Resolve(each.onlyIfResolvable, each.fonts), each.result);
-        EXPECT_EQ(!framework.shownDialogs.empty(), each.shows);
-        EXPECT_STREQ(resolved.substr(0, 2).c_str(), each.result == 0 ? "[]" : "rr");
-        if (each.result == 0)
-            EXPECT_EQ(Parsed(skipped), json::parse(each.fonts)) << "no font is lost";
+        library.permissions = {isPermitted ? kPermission_ShowPostscriptReplacements : -1};
+        EXPECT_EQ(Resolve(onlyIfResolvable, fonts), result);
+        EXPECT_EQ(!framework.shownDialogs.empty(), shows);
+        EXPECT_STREQ(resolved.substr(0, 2).c_str(), result == 0 ? "[]" : "rr");
+        if (result == 0)
+            EXPECT_EQ(Parsed(skipped), json::parse(fonts)) << "no font is lost";
         else
             EXPECT_EQ(skipped.front(), 's');
     }

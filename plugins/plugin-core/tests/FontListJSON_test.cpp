@@ -34,9 +34,6 @@ TEST(FontListJSON, FontsCrossBothWaysAndWhatIsNoneIsPassedOverOrRefused) {
         EXPECT_EQ(RoundTrip(text), "error") << text;
     EXPECT_EQ(RoundTrip(R"({"DocumentFonts":[]})", FontListForm::kArray), "error");
     EXPECT_EQ(RoundTrip("[]", FontListForm::kArray), "[]");
-}
-
-TEST(FontListJSON, EndlessNestingIsCut) {
     const auto nested = [](size_t depth) {
         return "[{\"x\":" + std::string(depth, '[') + std::string(depth, ']') + "}]";
     };

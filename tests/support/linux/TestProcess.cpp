@@ -6,9 +6,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <stdexcept>
 #include <thread>
 

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
 #include "CapturedTrace.h"
 #include "FakePlatform.h"
 #include "TemporaryFolder.h"

@@ -59,19 +59,19 @@ TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
     EXPECT_FALSE(agent.canShowPostscriptReplacements());
     EXPECT_FALSE(agent.AreSchemaVersionsInSync());
     std::erase_if(library.given, [](const std::string& call) {
-        return call == "GetPluginFacadeInstance " || call == "InitThreadInstance " ||
-               call.starts_with("Log ");
+        return call == "GetPluginFacadeInstance()" || call == "InitThreadInstance()" ||
+               call.starts_with("Log(");
     });
-    EXPECT_THAT(
-        library.given,
-        ElementsAre("ActivateDocumentFontsByPath '/a.ai' [2] ", "ActivateFonts [1] 'A' 'ActivateLocally' ",
-                    "ActivateFonts [2] 'B' 'ActivateLocally' ", "DeactivateFonts [2] 5 ",
-                    "GetClientFontActivationStates [3] ", "SaveDocumentFonts '/b.ai' 1 'usage' ",
-                    "CreateTopLevelSet 'Set' 3 ", "AddFontsToSets [1] [1] ",
-                    "GetFontsByPostscriptName 'Name' 4 ", "GetGlyphscanXMPData 9 ", "GetFontConflicts [2] ",
-                    "CanExportFonts [2] ",
-                    "MotherMayI " + std::to_string(kPermission_ShowPostscriptReplacements) + " ",
-                    "GetAreSchemaVersionsInSync "));
+    EXPECT_THAT(library.given,
+                ElementsAre("ActivateDocumentFontsByPath('/a.ai', [-1,-1])",
+                            "ActivateFonts([-1], 'A', 'ActivateLocally')",
+                            "ActivateFonts([-1,-1], 'B', 'ActivateLocally')", "DeactivateFonts([-1,-1], 5)",
+                            "GetClientFontActivationStates([7,8,9])",
+                            "SaveDocumentFonts('/b.ai', 1, 'usage')", "CreateTopLevelSet('Set', 3)",
+                            "AddFontsToSets([9], [1])", "GetFontsByPostscriptName('Name', 4)",
+                            "GetGlyphscanXMPData(9)", "GetFontConflicts([7,8])", "CanExportFonts([-1,-1])",
+                            "MotherMayI(" + std::to_string(kPermission_ShowPostscriptReplacements) + ")",
+                            "GetAreSchemaVersionsInSync()"));
     EXPECT_EQ(library.CallsOf("GetPluginFacadeInstance"), 14) << "a facade for every call";
 }
 
@@ -109,7 +109,7 @@ TEST_F(CoreAgentInterfaceTest, InitializingEnablesThePluginOrTellsWhyNot) {
         EXPECT_THAT(trace.Text(), HasSubstr(line));
         MarquellGlobals::SetConnectedToCore(true);
     }
-    EXPECT_THAT(library.given, testing::Contains("InitAppInstance 'Illustrator2025' '' "));
+    EXPECT_THAT(library.given, testing::Contains("InitAppInstance('Illustrator2025', '')"));
     library.isAgentRunning = false;
     agent.InitializeCoreAgent();
     EXPECT_EQ(framework.shownBoxes.back(), std::pair(600u, 601u));

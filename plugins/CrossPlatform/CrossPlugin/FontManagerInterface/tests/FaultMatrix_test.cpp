@@ -9,11 +9,8 @@ namespace {
 
 using Boxes = std::vector<std::pair<uint32_t, uint32_t>>;
 
-constexpr std::pair<uint32_t, uint32_t> kNotice{600, 601};
-constexpr std::pair<uint32_t, uint32_t> kQuestion{604, 605};
-constexpr int32_t kYes = 1;
-constexpr int32_t kNo = 2;
-
+constexpr std::pair<uint32_t, uint32_t> kNotice{600, 601}, kQuestion{604, 605};
+constexpr int32_t kYes = 1, kNo = 2;
 constexpr char kSymbol[] = "DeactivateFonts";
 
 struct Case {
@@ -88,14 +85,14 @@ protected:
                 CoreAgentNotificationCallback(kPluginCallback_AgentShutdown, nullptr);
             fontManager.OnIdle();
         }
-        const ErrorCode code = fontManager.GetFontManager()->DeactivateFonts(nullptr, 0, nullptr);
-        EXPECT_EQ(code == CoreErrorCodes::kSuccess, expected.succeeds);
+        EXPECT_EQ(Deactivate() == CoreErrorCodes::kSuccess, expected.succeeds);
         EXPECT_EQ(processes.launchedCommandLines.size(), expected.launches);
         EXPECT_EQ(framework.shownBoxes, expected.boxes);
         EXPECT_EQ(MarquellGlobals::ArePluginServicesEnabled(), expected.areServicesOn);
         EXPECT_EQ(MarquellGlobals::IsConnectedToCore(), expected.areServicesOn);
         ExpectHealingAtTheNextUserAction(expected);
     }
+    ErrorCode Deactivate() { return fontManager.GetFontManager()->DeactivateFonts(nullptr, 0, nullptr); }
 
 private:
     void Arrange(const Case& each) {
@@ -166,11 +163,35 @@ TEST_F(FaultMatrix, AnAgentThatTookTheHostsWholePatienceIsNotWaitedForAgain) {
     };
     for (const int call : {1, 2}) {
         const HostPatience::Call scope;
-        EXPECT_NE(fontManager.GetFontManager()->DeactivateFonts(nullptr, 0, nullptr), 0u);
+        EXPECT_NE(Deactivate(), 0u);
         EXPECT_EQ(library.CallsOf(kSymbol), call);
         EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
     }
     EXPECT_THAT(processes.launchedCommandLines, testing::IsEmpty());
     EXPECT_THAT(trace.Text(), testing::HasSubstr("done attempting to relaunch"));
     library.answer = nullptr;  // it is asked again when all ends, and the clock has stopped by then
+}
+
+TEST_F(FaultMatrix, WhoWantsToTryAgainWaitsAnewAndWhoQuitsIsNotAsked) {
+    FakeClock clock;
+    library.isAgentRunning = false;
+    library.answer = [&](const std::string& called) {
+        const bool isCall = called == kSymbol;
+        clock.ticks += isCall || called == "GetIsCoreAgentProcessRunning" ? 1000 : 0;
+        library.isAgentRunning = library.isAgentRunning || called == "ResetPluginFacadeInstance";
+        return isCall && !library.isAgentRunning ? GIPCClient::kServiceUnavailable : CoreErrorCodes::kSuccess;
+    };
+    for (const bool isQuitting : {false, true}) {
+        const HostPatience::Call scope;
+        library.isAgentRunning = false;
+        library.calls.clear();
+        processes.launchErrors = {2};
+        framework.answers = {kYes};
+        if (isQuitting)
+            fontManager.GetFontManager()->BeginQuitting();
+        EXPECT_EQ(Deactivate() == CoreErrorCodes::kSuccess, !isQuitting);
+        EXPECT_EQ(library.CallsOf(kSymbol), isQuitting ? 1 : 2);
+        EXPECT_EQ(framework.answers.size(), isQuitting ? 1u : 0u);
+    }
+    library.answer = nullptr;
 }

@@ -1,7 +1,5 @@
 #include "VPILoader.h"
 
-#include <string_view>
-
 #include "FontManagerWorld.h"
 
 using testing::HasSubstr, testing::IsEmpty, testing::Not;
@@ -80,17 +78,4 @@ TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_THAT(trace.Text(), HasSubstr("ERROR:  cannot find " + kLibrary + "\n"));
     libraries.loadable = {kLibrary};
     EXPECT_FALSE(IsLoaded()) << "a failed load is not tried again";
-}
-
-TEST_F(VPILoaderTest, TheTraceReachesTheFontManagersLogPieceByPiece) {
-    libraries.loadable = {kLibrary};
-    ASSERT_TRUE(IsLoaded());
-    VPILoader::GetSharedInstance()->LogIntoFontManager();
-    EnableLogging();
-    LogMessage(1, "Entering");
-    LogMessage(-1, "Exiting");
-    EXPECT_EQ(library.log, "Entering\nExiting\n");
-    EXPECT_EQ(library.CallsOf("Log"), 2);
-    SetLogFile("host.log");
-    EXPECT_EQ(library.logFile, "host.log");
 }

@@ -1,7 +1,6 @@
 #include "PanelManager.h"
 
 #include "PanelTest.h"
-#include "PluginNotifications.h"
 #include "RecordingPanel.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
@@ -148,9 +147,12 @@ TEST_F(PanelManagerTest, ReportsOfTheAgentBecomeMessagesOfThePanels) {
         manager.PopNotifications();
         EXPECT_EQ(told.sent, std::vector<std::string>(message != nullptr ? 1 : 0, message ? message : ""))
             << name;
-        EXPECT_EQ(manager.Receive({name, cf::MutableDictionary()}), 0u) << "nothing in it";
-        manager.PopNotifications();
     }
+    told.sent.clear();
+    for (const auto& [name, message] : kReports)
+        EXPECT_EQ(manager.Receive({name, cf::MutableDictionary()}), 0u) << "nothing in it";
+    manager.PopNotifications();
+    EXPECT_THAT(told.sent, testing::IsSupersetOf({R"({"messageID":23})", R"({"messageID":61})"}));
     told.sent.clear();
     cf::Set(payload, kPluginNotification_FontActivation_Font_ID, int64_t{4294967296});
     EXPECT_EQ(manager.Receive({kPluginNotification_FontActivated, payload}), 0u);

@@ -17,8 +17,14 @@ protected:
         service.Deliver(message);
         return service.TakeMessages();
     }
+    /// Into the interface library; but for those that only ask how it is, which take nothing.
+    std::vector<std::string> Calls() const {
+        std::vector<std::string> calls = library.given;
+        std::erase_if(calls, [](const std::string& call) { return call.ends_with("()"); });
+        return calls;
+    }
     void Forget() {
-        library.panelCalls.clear();
+        library.given.clear();
         service.events.clear();
         trace.Clear();
     }

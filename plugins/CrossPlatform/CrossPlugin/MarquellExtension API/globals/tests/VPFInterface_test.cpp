@@ -36,11 +36,8 @@ TEST_F(VPFInterfaceTest, BindsTheFrameworkBesideTheCore) {
         VPFInterface interface(kIdentity);
         EXPECT_EQ(interface.GetFrameworkState(), VPFInterface::kBound);
         EXPECT_EQ(identifierGiven, "com.vantorix.X");
-        EXPECT_EQ(cf::GetString(interface.Identification(), "HostApp"), "Illustrator2025");
         EXPECT_EQ(cf::GetString(interface.Identification(), "VantorixPluginInterfaceVersion"), "8.1");
         EXPECT_EQ(interface.FrameworkPath(), fake_paths::kFramework);
-        framework.numbers["EnablePlugin"] = 1;
-        EXPECT_TRUE(interface.GetBoolPreference("EnablePlugin"));
         framework.answers = {1, 2};
         EXPECT_TRUE(interface.AskYesNo(message_boxes::kRelaunchAgent));
         EXPECT_FALSE(interface.AskYesNo(message_boxes::kRelaunchAgent));
