@@ -4,19 +4,14 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
-#include <nlohmann/json.hpp>
+#include <random>
 
-#include "FontRecordKeys.h"
 #include "Fuzz.h"
 #include "HostileFonts.h"
-#include "TarnwickPluginInterface.h"
+#include "TemporaryFolder.h"
 #include "TestFonts.h"
 #include "agent/Requests.h"
-#include "common/FontManagerLimits.h"
-#include "common/Protocol.h"
 #include "ipc/FrameBuffer.h"
-#include "platform/FontTable.h"
 #include "platform/Processes.h"
 
 using namespace pellwick;
@@ -82,7 +77,7 @@ struct FontLibrary {
                 worker.Scan(source).faces};
     }
 
-    ScratchFolder folder;
+    TemporaryFolder folder;
     FontWorker worker{FONT_WORKER_PROGRAM};
     std::vector<std::string> paths;
     std::vector<Known> known;  ///< those that an agent has when it begins
@@ -104,7 +99,7 @@ public:
         mManager = std::make_unique<FontManager>(Library().places);
         mManager->settings.LogIn("Somebody");
         for (const FontLibrary::Known& known : Library().known) {
-            WriteScratch(mManager->vault.PathOf(known.file), known.content);
+            Library().folder.Write(mManager->vault.PathOf(known.file), known.content);
             for (const Font& font : mManager->fonts.FontsOfFile(mManager->fonts.Add(known.file, known.faces)))
                 mManager->workgroups.AddFont(mManager->DefaultWorkgroup().id, font.id);
         }

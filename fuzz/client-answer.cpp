@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "FontRecordKeys.h"
 #include "Fuzz.h"
 #include "PrintableText.h"
 #include "client/CFJson.h"
-#include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "preview/PreviewFolder.h"
 #include "workers/FontWorkMessages.h"

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include "FontRecordKeys.h"
 #include "HostWorld.h"
 #include "PrintableText.h"
 #include "TestFonts.h"

@@ -1,19 +1,10 @@
 // Handing a document over to a printer together with its fonts, from the command line and from the menu.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
 
 #include "HostWorld.h"
 #include "TestFonts.h"
-#include "platform/Environment.h"
-#include "platform/Utf8Path.h"
 
 using pellwick::test::NamesOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::Not;
 
 namespace {
 

@@ -1,12 +1,7 @@
 // The tables of commands in docs/: each of them is there, does its work as it is written, and none is left out.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <fstream>
-#include <map>
 #include <regex>
-#include <set>
 
 #include "HostWorld.h"
 #include "platform/Utf8Path.h"

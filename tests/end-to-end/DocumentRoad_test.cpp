@@ -59,14 +59,11 @@ TEST_F(DocumentRoadTest, EachSwitchDoesWhatItSays) {
     const json requested = {{{"PostScriptName", "Sample-Bold"}},
                             {{"PostScriptName", "sample-italic"}},
                             {{"PostScriptName", "Sample-Light"}, {"SubDocumentsWithFont", {"placed.ai"}}}};
-    const struct {
-        const char* key;
-        int value;
-        std::set<std::string> expected;
-    } kSwitches[] = {{"PickBestMatch", 1, {"Sample-Bold", "Sample-Italic", "Sample-Light"}},
-                     {"PickBestMatch", 0, {"Sample-Bold", "Sample-Light"}},
-                     {"SupportEmbeddedObjects", 0, {"Sample-Bold", "Sample-Italic"}},
-                     {"EnablePlugin", 0, {}}};
+    const std::tuple<const char*, int, std::set<std::string>> kSwitches[] = {
+        {"PickBestMatch", 1, {"Sample-Bold", "Sample-Italic", "Sample-Light"}},
+        {"PickBestMatch", 0, {"Sample-Bold", "Sample-Light"}},
+        {"SupportEmbeddedObjects", 0, {"Sample-Bold", "Sample-Italic"}},
+        {"EnablePlugin", 0, {}}};
     for (const auto& [key, value, expected] : kSwitches) {
         ScriptedHost host;
         host.Start();

@@ -1,8 +1,6 @@
 // What the pages of docs/ show goes in and comes out as they say.
 
-#include <filesystem>
 #include <fstream>
-#include <map>
 #include <regex>
 
 #include "HostWorld.h"

@@ -1,7 +1,5 @@
 #include "HostWorld.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -67,11 +65,6 @@ void HostWorld::KillAgent() const {
 
 void HostWorld::RemoveLaunchInformation() const {
     std::filesystem::remove(platform::Utf8Path(Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf")));
-}
-
-std::string HostWorld::Trace() const {
-    std::ifstream trace(platform::Utf8Path(Path("trace")));
-    return {std::istreambuf_iterator<char>(trace), {}};
 }
 
 int CountOf(const std::string& text, const std::string& part) {

@@ -5,9 +5,7 @@
 
 #include <nlohmann/json.hpp>
 #include <set>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "tests/support/TestWorld.h"
 
@@ -41,7 +39,7 @@ public:
     void KillAgent() const;
     void RemoveLaunchInformation() const;
     /// The trace that the processes of this world wrote so far.
-    std::string Trace() const;
+    std::string Trace() const { return ContentOf(Path("trace")); }
 
 private:
     pellwick::test::TestWorld mWorld;

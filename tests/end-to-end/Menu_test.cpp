@@ -1,9 +1,9 @@
-// The plug-in menu, the preferences, and the choice of replacements, with the real font manager and framework.
+// The plug-in menu and the preferences, with the real font manager and framework.
 
 #include "HostWorld.h"
 #include "platform/Environment.h"
 
-using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
+using testing::HasSubstr;
 
 namespace {
 
@@ -17,40 +17,7 @@ protected:
     HostWorld world;
 };
 
-json ListIn(const json& answer, const char* buffer) {
-    return json::parse(answer["out"][buffer].get<std::string>());
-}
-
 }  // namespace
-
-TEST_F(MenuTest, MissingFontsAreResolvedAsTheUserChoosesAndActivated) {
-    const std::string answers = world.FontManager().Write(
-        "answers.json",
-        R"([{"dialog": "ResolveFonts", "answer": {"replacements": {"Sample-Black": "Sample-Bold"}}}])");
-    platform::SetEnvironment("PLUGINCORE_ANSWERS", answers);
-    const std::string document =
-        world.WriteDocument("Plakat 🙂.ai", {"Sample-Black", "Gone", "Sample-Thin"});
-    ScriptedHost host;
-    host.Start();
-    const json missing = ListIn(host.Call("HandleOpenExistingDocument", {{"path", document}}), "bufferB");
-    ASSERT_EQ(missing.size(), 3u);
-    EXPECT_EQ(missing[0], (json{{"PostScriptName", "Gone"}}));
-    EXPECT_EQ(missing[1]["PossibleReplacements"].size(), 2u);
-
-    const json answer =
-        host.Call("InvokeResolveDialog", {{"onlyIfResolvable", true}, {"fontsJSON", missing}});
-    EXPECT_EQ(answer["code"], 0) << answer;
-    const json resolved = ListIn(answer, "resultBuffer");
-    ASSERT_EQ(resolved.size(), 1u);
-    EXPECT_EQ(resolved[0]["MatchedFont"], missing[1]["PossibleReplacements"]["Sample-Bold"]);
-    EXPECT_EQ(ListIn(answer, "skippedBuffer"), json::array({missing[0], missing[2]}));
-
-    EXPECT_THAT(world.VisibleFonts(), IsEmpty()) << "to choose is not to activate";
-    const json chosen = json::array({resolved[0]["MatchedFont"]});
-    const json activated = host.Call("ActivateChosenFonts", {{"path", document}, {"fontsJSON", chosen}});
-    EXPECT_EQ(activated["out"]["outCount"], 1) << activated;
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold"));
-}
 
 TEST_F(MenuTest, TheMenuIsInTheUsersLanguageAndItsChoicesLast) {
     ASSERT_EQ(world.Pellwick("workgroup create Druck"), 0);

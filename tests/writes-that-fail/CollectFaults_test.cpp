@@ -2,7 +2,6 @@
 // name in the folder is whole, what was there stays, the failure is one line, and the next time all is there.
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "FaultRun.h"

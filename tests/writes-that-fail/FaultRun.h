@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <new>
 #include <stdexcept>
 

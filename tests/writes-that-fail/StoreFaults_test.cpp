@@ -1,16 +1,12 @@
 // Every write, flush and rename by which the font manager changes its store fails once, or kills the agent:
 // whatever was answered holds, the rest never happened, it is said in one line, and the next command works.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "FaultRun.h"
-#include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"

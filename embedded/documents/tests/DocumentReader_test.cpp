@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "TemporaryFolder.h"
-#include "platform/Environment.h"
-#include "platform/Utf8Path.h"
 
 using documents::DocumentReader;
 using documents::ReadStatus;

@@ -2,10 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "Readers.h"
 
 namespace documents::test {

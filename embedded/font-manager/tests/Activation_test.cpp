@@ -1,9 +1,6 @@
 // Fonts that become active for other programs, and the vault that they stand in.
 #include "activation/Activation.h"
 
-#include <filesystem>
-
-#include "FontRecordKeys.h"
 #include "activation/FontResources.h"
 #include "activation/LinkFolder.h"
 #include "agent/FontManager.h"

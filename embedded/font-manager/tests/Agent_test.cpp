@@ -11,6 +11,7 @@
 namespace pellwick::test {
 namespace {
 
+using namespace std::string_literals;
 using Names = std::vector<std::string>;
 
 TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
@@ -31,6 +32,16 @@ TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
     const Json again = world.RunForJson({"add", world.Path("fonts/Sample-Bold-1.0.ttf")});
     EXPECT_TRUE(again["added"].empty());
     EXPECT_EQ(NamesOf(again["alreadyKnown"]), Names{"Sample-Bold"});
+
+    const fs::path folder = platform::Utf8Path(world.Path("fonts"));
+    std::error_code noLinks;
+    fs::create_directory_symlink(folder, folder / "circle", noLinks);
+    if (!noLinks) {
+        fs::create_symlink(folder / "gone", folder / "broken");
+        EXPECT_THAT(world.Run({"add", world.Path("fonts")}).output,
+                    testing::AllOf(HasSubstr("circle: a link to a folder"),
+                                   HasSubstr("broken: a link that leads"), HasSubstr("1 other files left")));
+    }
 
     const std::string file = world.RunForJson({"launch-info"})["file"];
     EXPECT_EQ(file, world.Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf"));
@@ -123,6 +134,32 @@ TEST(CommandLine, DoesWhatItIsToldAndSaysInALineWhatItCannot) {
 
 using Agent = AgentTest;
 
+TEST_F(Agent, RemovalOfMoreThanOneFontIsConfirmedFirst) {
+    const std::string both = mWorld.Write("Both.ttc", MakeTestFontCollection({{"A", "A"}, {"B", "B"}}));
+    ASSERT_EQ(Run({"add", both, mWorld.WriteFont("C-Regular")}), 0);
+    const ProgramResult refused = mWorld.Run({"remove", "A"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("2 fonts: A, B; to have that done, add --yes"));
+    EXPECT_EQ(Fonts().size(), 3u);
+    EXPECT_EQ(Run({"remove", "C-Regular"}), 0) << "one is what was asked for";
+    EXPECT_EQ(Run({"remove", "--yes", "A"}), 0);
+    EXPECT_TRUE(mWorld.VaultFiles().empty());
+}
+
+TEST_F(Agent, StatusBeginsWithWhatKeepsDocumentsFromTheirFonts) {
+    const auto expectStatus = [this](const char* beginning) {
+        EXPECT_THAT(mWorld.Run({"status"}).output, testing::StartsWith(beginning));
+    };
+    expectStatus("! there are no fonts yet; ");
+    Add("One-Regular");
+    expectStatus("agent ");
+    mWorld.EmptyVault();
+    Run({"doctor"});
+    expectStatus("! 1 font files are gone or damaged; ");
+    Run({"logout"});
+    expectStatus("! nobody is logged in");
+}
+
 TEST_F(Agent, RunsOncePerUserEndsInOrderAndIsStoppedThoughItsAddressLeadsNowhere) {
     const ProgramResult second = mWorld.Run({"serve"});
     EXPECT_EQ(second.status, 1);
@@ -203,9 +240,7 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
 
 TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
     GoodClient good;
-    for (const std::string& nonsense :
-         {std::string("\xFF\xFF\xFF\xFF", 4), std::string("\4\0\0\0junk", 8),
-          std::string("GET / HTTP/1.1\r\n\r\n"), std::string("\1\0\0\0\x90", 5)}) {
+    for (const std::string& nonsense : {"\xFF\xFF\xFF\xFF"s, "\4\0\0\0junk"s, "GET / HTTP/1.1\r\n\r\n"s}) {
         RawClient bad;
         bad.Write(nonsense);
         EXPECT_TRUE(bad.IsClosedByAgent());
@@ -219,7 +254,7 @@ TEST_F(Agent, ClosesTheConnectionOfAClientThatTalksNonsenseAndNoOther) {
         std::string burst = request + request;
         for (size_t change = 0; change < 4; ++change)
             burst[random() % burst.size()] = static_cast<char>(random());
-        client.Write(burst + std::string("\x20\0\0\0ha", 6));  // and half a frame, for which it may wait long
+        client.Write(burst + "\x20\0\0\0ha"s);  // and half a frame, for which it may wait long
     }
     good.ExpectToBeServed();
     for (const auto& [method, code] : {std::pair{"Hello", CoreErrorCodes::kVersionMismatch},

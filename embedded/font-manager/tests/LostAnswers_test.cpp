@@ -2,7 +2,6 @@
 // host that does not know it.
 #include <thread>
 
-#include "common/Protocol.h"
 #include "tests/support/ClientTest.h"
 #include "tests/support/Peers.h"
 

@@ -3,21 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
-#include <map>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <random>
 #include <set>
 #include <thread>
 
-#include "common/Protocol.h"
+#include "activation/FontVault.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Environment.h"
-#include "platform/Files.h"
 #include "tests/support/TestWorld.h"
-#include "tests/support/VaultFiles.h"
 
 using pellwick::AgentConnection;
 using pellwick::Json;
@@ -138,7 +133,7 @@ Observation Observe(const TestWorld& world) {
             seen.active.insert(file);
     }
     for (const std::string& path : world.VaultFiles())
-        seen.vault[platform::NamePart(path)] = pellwick::test::ChecksumOf(ContentOf(path));
+        seen.vault[platform::NamePart(path)] = pellwick::FontVault::ChecksumOfContent(path, false);
     for (const std::string& path : world.ActiveFiles())
         seen.links.insert(platform::NamePart(path));
     return seen;

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <thread>
 
+#include "ScopeExit.h"
 #include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"
 #include "tests/support/AgentTest.h"
@@ -29,12 +30,13 @@ class PosixAgent : public AgentTest {
 protected:
     pid_t Process() const { return static_cast<pid_t>(mWorld.AgentProcess()); }
     /// While it lives, the agent gets no descriptors beyond so many; those that it has it keeps.
-    AtEnd LimitDescriptors(rlim_t count) const {
+    auto LimitDescriptors(rlim_t count) const {
         rlimit before{};
         prlimit(Process(), RLIMIT_NOFILE, nullptr, &before);
         const rlimit few{count, before.rlim_max};
         prlimit(Process(), RLIMIT_NOFILE, &few, nullptr);
-        return AtEnd([process = Process(), before] { prlimit(process, RLIMIT_NOFILE, &before, nullptr); });
+        return ScopeExit(
+            [process = Process(), before] { prlimit(process, RLIMIT_NOFILE, &before, nullptr); });
     }
     size_t Memory(const std::string& name) const {
         std::ifstream file("/proc/" + std::to_string(Process()) + "/status");
@@ -80,7 +82,7 @@ TEST_F(PosixAgent, WithoutFreeDescriptorsNoHostLosesItsFonts) {
     GoodClient kept;
     auto leaving = std::make_unique<GoodClient>();
     {
-        const AtEnd limit = LimitDescriptors(3);
+        const auto limit = LimitDescriptors(3);
         leaving.reset();  // now the agent looks at its hosts
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         kept.ExpectToBeServed();
@@ -153,7 +155,7 @@ TEST(OtherUsers, NothingIsLeftOpenWhateverTheMaskAndWhoeverComesFirst) {
     const TestLibrary library;
     for (const bool isLibraryFirst : {true, false}) {
         TestWorld world;
-        const AtEnd mask([before = umask(0)] { umask(before); });
+        const ScopeExit mask([before = umask(0)] { umask(before); });
         const auto useAgent = [&] {
             world.StartAgent();
             world.RunForJson({"add", world.WriteFont("Sample-Bold")});

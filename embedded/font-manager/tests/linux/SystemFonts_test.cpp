@@ -4,6 +4,7 @@
 #include <fstream>
 #include <thread>
 
+#include "ScopeExit.h"
 #include "TestFonts.h"
 #include "platform/Environment.h"
 #include "tests/support/AgentTest.h"
@@ -16,11 +17,8 @@ protected:
     std::string Install(const std::string& file, const TestFontNames& names) const {
         return mWorld.Write("data/fonts/" + file, MakeTestFont(names));
     }
-    std::vector<std::string> Known() const {
-        return NamesOf(mWorld.RunForJson({"list", "--system"})["fonts"]);
-    }
     bool WaitFor(const std::vector<std::string>& names) const {
-        return Eventually([&] { return Known() == names; });
+        return Eventually([&] { return NamesOf(mWorld.RunForJson({"list", "--system"})["fonts"]) == names; });
     }
     static Json Activate(GoodClient& client, const std::string& name) {
         client.Call(method::kActivateDocumentFonts,
@@ -81,7 +79,7 @@ TEST_F(SystemFonts, AreReadBeforeTheFirstDocumentIsAnswered) {
     Install("Plain.ttf", {"Plain-Bold", "Plain", "Bold"});
     // The system does not tell before it has read this.
     const std::string configuration = platform::EnvironmentVariable("FONTCONFIG_FILE");
-    const AtEnd putBack([&] { platform::SetEnvironment("FONTCONFIG_FILE", configuration); });
+    const ScopeExit putBack([&] { platform::SetEnvironment("FONTCONFIG_FILE", configuration); });
     const std::string pipe = mWorld.Path("fonts.conf");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     platform::SetEnvironment("FONTCONFIG_FILE", pipe);
@@ -99,13 +97,9 @@ TEST_F(SystemFonts, AreReadBeforeTheFirstDocumentIsAnswered) {
 TEST_F(SystemFonts, GiveWayToANewerVersionAlone) {
     Install("Plain.ttf", {"Plain-Regular", "Plain", "Regular", "2.0"});
     ASSERT_TRUE(WaitFor({"Plain-Regular"}));
-    const struct {
-        const char* version;
-        int expectedState;
-    } kAdded[] = {{"1.0", kFontActivationState_SystemFont},
-                  {"2.0", kFontActivationState_SystemFont},
-                  {"3.0", kFontActivationState_Inactive}};
-    for (const auto& [version, expectedState] : kAdded) {
+    for (const auto& [version, expectedState] : {std::pair{"1.0", kFontActivationState_SystemFont},
+                                                 {"2.0", kFontActivationState_SystemFont},
+                                                 {"3.0", kFontActivationState_Inactive}}) {
         ASSERT_EQ(Run({"add", mWorld.WriteFont("Plain-Regular", version)}), 0);
         GoodClient host;
         const Json matched = Activate(host, "Plain-Regular")[member::kMatched];

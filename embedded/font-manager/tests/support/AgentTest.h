@@ -3,12 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
-#include <filesystem>
-#include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
-
 #include "FontRecordKeys.h"
 #include "common/Locations.h"
 #include "common/Protocol.h"

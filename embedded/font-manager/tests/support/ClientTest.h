@@ -4,11 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <concepts>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <utility>
-#include <vector>
 
 #include "JSONConversion.h"
 #include "common/Locations.h"

@@ -1,14 +1,8 @@
 // Either end of a connection to the agent, for tests that play a client or an agent.
 #pragma once
 
-#include <asio/buffer.hpp>
-#include <asio/io_context.hpp>
-#include <atomic>
-#include <chrono>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <stdexcept>
-#include <string>
 
 #include "common/Locations.h"
 #include "ipc/Message.h"

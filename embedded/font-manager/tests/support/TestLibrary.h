@@ -2,8 +2,6 @@
 #pragma once
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "CoreFoundation++/CFRef.h"
 #include "ErrorCodes.h"

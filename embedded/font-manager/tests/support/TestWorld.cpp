@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "FontRecordKeys.h"
 #include "TestFonts.h"
 #include "common/Locations.h"
 #include "platform/Environment.h"
@@ -21,10 +19,11 @@ constexpr char kAgentProgram[] = PELLWICK_PROGRAM;
 
 }  // namespace
 
-TestWorld::TestWorld(const std::string& name) : mFolder(mTemporaryFolder.Path() / platform::Utf8Path(name)) {
-    fs::create_directories(mFolder);
-    fs::permissions(mFolder, fs::perms::owner_all);  // whatever the umask
-    const std::map<std::string, std::string> variables = {{"HOME", platform::Utf8Text(mFolder)},
+TestWorld::TestWorld(std::string name) : mName(std::move(name)) {
+    const fs::path folder = platform::Utf8Path(mTemporaryFolder / mName);
+    fs::create_directories(folder);
+    fs::permissions(folder, fs::perms::owner_all);  // whatever the umask
+    const std::map<std::string, std::string> variables = {{"HOME", mTemporaryFolder / mName},
                                                           {"XDG_DATA_HOME", Path("data")},
                                                           {"XDG_CACHE_HOME", Path("cache")},
                                                           {"XDG_CONFIG_HOME", Path("config")},
@@ -53,14 +52,11 @@ TestWorld::~TestWorld() {
 }
 
 std::string TestWorld::Path(const std::string& path) const {
-    return platform::Utf8Text((mFolder / platform::Utf8Path(path)).make_preferred());
+    return mTemporaryFolder / (mName + "/" + path);
 }
 
 std::string TestWorld::Write(const std::string& path, const std::string& content) const {
-    const fs::path target = platform::Utf8Path(Path(path));
-    fs::create_directories(target.parent_path());
-    std::ofstream(target, std::ios::binary) << content;
-    return platform::Utf8Text(target);
+    return mTemporaryFolder.Write(mName + "/" + path, content);
 }
 
 std::string TestWorld::WriteFont(const std::string& postScriptName, const std::string& version) const {

@@ -1,11 +1,7 @@
 // A user's world for one test: folders of its own, and an agent that lives in them.
 #pragma once
 
-#include <functional>
 #include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "TemporaryFolder.h"
 #include "TestProcess.h"
@@ -18,10 +14,8 @@ namespace pellwick::test {
 class TestWorld {
 public:
     /// `name` becomes part of the folder's path.
-    explicit TestWorld(const std::string& name = "world");
+    explicit TestWorld(std::string name = "world");
     ~TestWorld();
-    TestWorld(const TestWorld&) = delete;
-    TestWorld& operator=(const TestWorld&) = delete;
 
     /// PATH below the temporary folder, with the system's own separators.
     std::string Path(const std::string& path) const;
@@ -59,21 +53,9 @@ public:
 
 private:
     const TemporaryFolder mTemporaryFolder;
-    const std::filesystem::path mFolder;
+    const std::string mName;
     std::unique_ptr<TestProcess> mAgent;
     std::map<std::string, std::string> mSavedVariables;
-};
-
-/// Puts back what a test has changed when its scope ends.
-class AtEnd {
-public:
-    explicit AtEnd(std::function<void()> putBack) : mPutBack(std::move(putBack)) {}
-    ~AtEnd() { mPutBack(); }
-    AtEnd(const AtEnd&) = delete;
-    AtEnd& operator=(const AtEnd&) = delete;
-
-private:
-    const std::function<void()> mPutBack;
 };
 
 /// The PostScript names of font records.
