@@ -1,5 +1,7 @@
 // What panels send, of any content. Every reply is a JSON object with a number, and the panel sends each
 // reply back as its next request, as a panel that misunderstands everything would.
+#include <filesystem>
+
 #include "FakePlugPlug.h"
 #include "Fuzz.h"
 #include "GJSONUtils.h"
