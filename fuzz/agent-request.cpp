@@ -1,5 +1,4 @@
-// What clients send to the agent: requests of every kind with arguments of right and wrong types. Every request
-// has its answer, and afterwards the records agree with one another and with what programs see.
+// Requests of every kind with any arguments have their answer, and leave records that agree with one another.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>

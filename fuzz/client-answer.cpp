@@ -1,5 +1,4 @@
-// What an agent answers to the client library, and the process that reads fonts to the agent, of any
-// content: it is refused, or kept to the limits, and what is made of it can be made into a message again.
+// Answers of any content, of the agent and of the process that reads fonts, are refused or kept to the limits.
 #include <algorithm>
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,4 @@
-// Font files of any content: what is found in them keeps to the limits and is fit to show, and each image of
-// a name has the size that it may have.
+// Font files of any content: what is found in them keeps to the limits and is fit to show.
 #include "Fuzz.h"
 #include "HostileFonts.h"
 #include "PrintableText.h"

@@ -1,5 +1,4 @@
-// What panels send, of any content. Every reply is a JSON object with a number, and the panel sends each
-// reply back as its next request, as a panel that misunderstands everything would.
+// What panels send, of any content. Each reply is sent back as the next request, as a confused panel would.
 #include <filesystem>
 
 #include "FakePlugPlug.h"

@@ -24,8 +24,8 @@ void AddAwkwardFonts(HostWorld& world) {
         names.push_back(part);
     std::vector<std::string> command{"add"};
     for (const std::string& name : names) {
-        command.push_back(world.Path("font " + std::to_string(command.size()) + ".ttf"));
-        ASSERT_TRUE(WriteTestFont(command.back(), {"Awkward-" + std::to_string(command.size()), name}));
+        const std::string font = "Awkward-" + std::to_string(command.size());
+        command.push_back(world.FontManager().Write(font + ".ttf", MakeTestFont({font, name})));
     }
     ASSERT_EQ(world.FontManager().Run(command).status, 0);
 }

@@ -148,10 +148,10 @@ TEST_F(PanelScript, GoesAsThePageSays) {
 TEST(ExampleScript, GoesAsThePageSays) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
-    const std::string answers = world.Path("answers.json");
-    std::ofstream(platform::Utf8Path(answers))
-        << R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}},)"
-           R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])";
+    const std::string answers = world.FontManager().Write(
+        "answers.json",
+        R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}},)"
+        R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])");
     const std::vector<PageExchange> script = ReadScriptPage("example-script.md");
     ASSERT_GT(script.size(), 10u);
     TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});

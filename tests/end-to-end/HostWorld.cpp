@@ -74,6 +74,11 @@ int CountOf(const std::string& text, const std::string& part) {
     return count;
 }
 
+int NumberFromEnvironment(const char* variable, int otherwise) {
+    const std::string text = platform::EnvironmentVariable(variable);
+    return text.empty() ? otherwise : std::stoi(text);
+}
+
 ScriptedHost::ScriptedHost() : mProcess({HOST_PROGRAM, "script"}) {}
 
 json ScriptedHost::Exchange(const json& line) {

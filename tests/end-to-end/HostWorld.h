@@ -46,6 +46,8 @@ private:
 };
 
 int CountOf(const std::string& text, const std::string& part);
+/// `otherwise`: where the variable is not set.
+int NumberFromEnvironment(const char* variable, int otherwise);
 
 /// A host that takes calls one by one, and has a panel.
 class ScriptedHost {

@@ -1,10 +1,4 @@
-// The 86 functions of an interface library, inside the test. Each answers with success and leaves its outputs
-// alone, unless the test scripts it:
-//
-//     FakeInterfaceLibrary library;
-//     library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};   // first call; later calls succeed
-//     FakeLibraries libraries;
-//     libraries.symbols = library.Symbols();
+// The 86 functions of an interface library, which succeed and leave their outputs alone unless a test scripts them.
 #pragma once
 
 #include <CoreFoundation++/CFRef.h>

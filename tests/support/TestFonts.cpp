@@ -1,8 +1,5 @@
 #include "TestFonts.h"
 
-#include <filesystem>
-#include <fstream>
-
 #include "FontTables.h"
 
 namespace {
@@ -135,10 +132,4 @@ std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts) {
         content += FontOfTables(TablesOfTestFont(names), offset);
     }
     return header.Get() + content;
-}
-
-bool WriteTestFont(const std::string& path, const TestFontNames& names) {
-    std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
-    file << MakeTestFont(names);
-    return static_cast<bool>(file.flush());
 }

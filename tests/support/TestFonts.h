@@ -19,6 +19,3 @@ struct TestFontNames {
 std::string MakeTestFont(const TestFontNames& names);
 
 std::string MakeTestFontCollection(const std::vector<TestFontNames>& fonts);
-
-/// Writes the font to a file; false when that fails. `path` is UTF-8.
-bool WriteTestFont(const std::string& path, const TestFontNames& names);

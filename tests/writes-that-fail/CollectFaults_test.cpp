@@ -1,5 +1,5 @@
-// Every write, flush and rename by which fonts are collected fails once, or kills the program: what bears a
-// name in the folder is whole, what was there stays, the failure is one line, and the next time all is there.
+// Every write by which fonts are collected fails once, or kills the program: what bears a name is whole, and what
+// was there stays.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>

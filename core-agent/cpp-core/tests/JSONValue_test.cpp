@@ -109,16 +109,8 @@ TEST(JSONValue, AReadOfTheWrongKindSaysWhatWasFound) {
 
 TEST(JSONValue, BuildsWhatItWrites) {
     JSONObject document;
-    JSONValue root = Load(document, R"({"list":[1,2,3]})");
+    JSONValue root = Load(document, "{}");
     JSONValue list, map, value;
-    ASSERT_TRUE(root.find("list", list));
-    for (int number = 4; number < 100; ++number)
-        ASSERT_TRUE(list.add_int64(number, value));
-    EXPECT_EQ(list.as_array().size(), 99u);
-    EXPECT_EQ(list.as_array().back().as_int64(), 99);
-    EXPECT_EQ(list.as_array().back().as_double(), 99);
-
-    root = Load(document, "{}");
     ASSERT_TRUE(root.add_int64("messageID", std::numeric_limits<int64_t>::min(), value) &&
                 root.add_array("list", list) && list.add_string("Grün \"字\"\n", value) &&
                 list.add_double(0.1, value) && list.add_bool(false, value) && list.add_int64(7, value) &&
@@ -132,6 +124,7 @@ TEST(JSONValue, BuildsWhatItWrites) {
         << "a zero byte cuts nothing off";
     EXPECT_FALSE(root.add_int64(1, value) || root.add_map(value) || list.add_bool("k", true, value));
     EXPECT_EQ(list.as_array().size(), 6u);
+    EXPECT_EQ(list.as_array()[3].as_double(), 7);
 
     ASSERT_TRUE(root.add_string("k", "\xED\xB0\x80", value));
     EXPECT_EQ(Thrown([&] { root.to_json(); }), "An invalid UTF-8 string was passed to the JSON generator");

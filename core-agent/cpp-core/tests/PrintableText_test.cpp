@@ -9,20 +9,18 @@ namespace {
 /// What a terminal or a reader of lines must not get, how PrintableText shows it, and how PrintableJson writes it.
 const struct {
     std::string raw, text, json;
-} kUnprintables[] = {
-    {"\n", "\\x0A", ""},
-    {"\x1B[31m", "\\x1B[31m", ""},
-    {"\x7F", "\\x7F", "\\u007F"},
-    {"\xC2\x80", "\\u{0080}", "\\u0080"},
-    {"\xC2\x9F", "\\u{009F}", "\\u009F"},
-    {"\xD8\x9C", "\\u{061C}", "\\u061C"},
-    {"\xE2\x80\x8E", "\\u{200E}", "\\u200E"},
-    {"\xE2\x80\x8F", "\\u{200F}", "\\u200F"},
-    {"\xE2\x80\xA8", "\\u{2028}", "\\u2028"},
-    {"\xE2\x80\xAE", "\\u{202E}", "\\u202E"},
-    {"\xE2\x81\xA6", "\\u{2066}", "\\u2066"},
-    {"\xE2\x81\xA9", "\\u{2069}", "\\u2069"},
-};
+} kUnprintables[] = {{"\n", "\\x0A", ""},
+                     {"\x1B[31m", "\\x1B[31m", ""},
+                     {"\x7F", "\\x7F", "\\u007F"},
+                     {"\xC2\x80", "\\u{0080}", "\\u0080"},
+                     {"\xC2\x9F", "\\u{009F}", "\\u009F"},
+                     {"\xD8\x9C", "\\u{061C}", "\\u061C"},
+                     {"\xE2\x80\x8E", "\\u{200E}", "\\u200E"},
+                     {"\xE2\x80\x8F", "\\u{200F}", "\\u200F"},
+                     {"\xE2\x80\xA8", "\\u{2028}", "\\u2028"},
+                     {"\xE2\x80\xAE", "\\u{202E}", "\\u202E"},
+                     {"\xE2\x81\xA6", "\\u{2066}", "\\u2066"},
+                     {"\xE2\x81\xA9", "\\u{2069}", "\\u2069"}};
 
 /// The neighbours of all these, and writing that needs joiners.
 constexpr char kPlain[] =

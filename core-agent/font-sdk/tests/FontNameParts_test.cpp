@@ -37,8 +37,7 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
         {"Univers-UltraCondensedThin", "univers 100 1"},
         {"\u00DCberschrift-Fett", "\u00DCberschriftfett 400 5"},
         {"-", " 400 5"},
-        {"", " 400 5"},
-    };
+        {"", " 400 5"}};
     for (const auto& [name, expected] : cases)
         EXPECT_EQ(Describe(ParsePostScriptName(name)), expected) << name;
 }

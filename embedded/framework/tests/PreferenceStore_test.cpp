@@ -76,9 +76,8 @@ TEST_F(PreferenceStoreTest, TheFrameworkTakesAndGivesObjects) {
     TarnwickFramework framework({"com.vantorix.Plugin", "Illustrator2025", ""},
                                 platform::Utf8Text(mFolder.Path()), "en",
                                 std::make_unique<SilentPresenter>());
-    EXPECT_TRUE(framework.SetBoolPreference("Bool", true));
-    EXPECT_TRUE(framework.SetIntPreference("Int", -5000000000));
-    EXPECT_TRUE(framework.SetStringPreference("String", cf::String("Grüße 😀").get()));
+    EXPECT_TRUE(framework.SetBoolPreference("Bool", true) && framework.SetIntPreference("Int", -5000000000) &&
+                framework.SetStringPreference("String", cf::String("Grüße 😀").get()));
     EXPECT_EQ(cf::ToUtf8(AdoptCF(framework.CopyStringPreference("String")).get()), "Grüße 😀");
 
     const auto defaults = cf::MutableDictionary();

@@ -47,8 +47,6 @@ TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
     library.fonts = {{7, "Seven"}, {8, "Eight"}};
     EXPECT_EQ(Open(), 1u);
     EXPECT_EQ(numFontsActivated, 2);
-    EXPECT_EQ(json::parse(bufferA.c_str()).size(), 2u);
-    EXPECT_STREQ(bufferB.c_str(), "[]");
     const std::string identifier = Identifier();
     library.activationStateBefore = 2;
     EXPECT_EQ(Open(), 0u) << "all were active already";

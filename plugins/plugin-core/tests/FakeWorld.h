@@ -1,5 +1,4 @@
-// A host with a framework and an interface library that do as the test says, started up to the point where
-// the plug-in is functional.
+// A host up to the point where the plug-in is functional, with a scripted framework and interface library.
 #pragma once
 
 #include "AllTrackedDocuments.h"

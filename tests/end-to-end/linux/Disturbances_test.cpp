@@ -4,23 +4,15 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <thread>
 
 #include "HostWorld.h"
-#include "platform/Environment.h"
-#include "platform/Files.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-int NumberFromEnvironment(const char* variable, int otherwise) {
-    const std::string text = platform::EnvironmentVariable(variable);
-    return text.empty() ? otherwise : std::atoi(text.c_str());
-}
 
 // Each document shares fonts with others.
 const std::vector<std::string> kFonts = {"First-Bold", "Second-Bold", "Third-Bold", "Fourth-Bold"};

@@ -1,18 +1,13 @@
 // An agent that is killed while clients add, remove and activate fonts. Here some rounds; a long run:
 // KILLED_ROUNDS=1000 [KILL_SEED=N] end-to-end-tests --gtest_filter='Kills.*'
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <random>
-#include <set>
 #include <thread>
 
+#include "HostWorld.h"
 #include "activation/FontVault.h"
 #include "ipc/AgentConnection.h"
-#include "platform/Environment.h"
-#include "tests/support/TestWorld.h"
 
 using pellwick::AgentConnection;
 using pellwick::Json;
@@ -177,28 +172,23 @@ void Check(const TestWorld& world, std::vector<RandomClient>& clients) {
     }
 }
 
-unsigned NumberFromEnvironment(const char* variable, unsigned otherwise) {
-    const std::string text = platform::EnvironmentVariable(variable);
-    return text.empty() ? otherwise : static_cast<unsigned>(std::stoul(text));
-}
-
 }  // namespace
 
 TEST(Kills, NothingThatWasAnsweredAsDoneIsLostAndNothingIsLeftBehind) {
-    const unsigned rounds = NumberFromEnvironment("KILLED_ROUNDS", 20);
-    const unsigned seed = NumberFromEnvironment("KILL_SEED", 1);
+    const int rounds = NumberFromEnvironment("KILLED_ROUNDS", 20);
+    const auto seed = static_cast<unsigned>(NumberFromEnvironment("KILL_SEED", 1));
     TestWorld world("Мои шрифты 字体");
     std::mt19937 random(seed);
     std::vector<RandomClient> clients;
     for (const char* name : {"Left", "Right"})
         clients.emplace_back(world, name, random());
     world.StartAgent();
-    unsigned round = 0;
+    int round = 0;
     for (; round < rounds && !testing::Test::HasFailure(); ++round) {
         WorkUntilKilled(world, clients, random);
         StartAgent(world, random);
         Check(world, clients);
     }
-    std::printf("%u rounds, %d requests answered as done (seed %u)\n", round,
+    std::printf("%d rounds, %d requests answered as done (seed %u)\n", round,
                 clients[0].done + clients[1].done, seed);
 }

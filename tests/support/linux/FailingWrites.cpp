@@ -4,9 +4,7 @@
 //   FAILING_WRITES_BELOW   the folder, a full path without symbolic links
 //   FAILING_WRITES_PLAN    the file that holds the FaultPlan
 //
-// Counted are the calls that need room, flush, rename, link, make or remove; those that remove never fail. What only
-// opens an existing file is not: it changes nothing. Sockets, pipes and standard streams stand in no folder and always
-// work.
+// Counted are the calls that need room, flush, rename, link, make or remove; those that remove never fail.
 #include "FaultPlan.h"
 
 #include <dlfcn.h>

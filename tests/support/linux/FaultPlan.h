@@ -1,5 +1,4 @@
-// What a test and the processes that it gives libfailing-writes.so to have in common: a page of shared memory
-// in which the test says which of their writes is to go wrong, and reads how many there were.
+// Shared memory in which a test says which writes of a process go wrong, and reads how many there were.
 #pragma once
 
 #include <atomic>

@@ -1,5 +1,4 @@
-// The agent where the system has signals, fork, and limits to a process: what other users could get at, and
-// what becomes of it without descriptors or memory.
+// The agent and signals, other users, and the end of descriptors and memory.
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -63,11 +62,8 @@ TEST_F(PosixAgent, EndsInOrderOnASignal) {
     }
 }
 
-TEST_F(PosixAgent, RefusesNamesThatAreNoText) {
+TEST_F(PosixAgent, RefusesNamesThatAreNoTextAndSaysWhenItsOutputCannotBeWritten) {
     EXPECT_THAT(mWorld.Run({"set", "create", "a\xFF"}).errors, HasSubstr("is no text in UTF-8"));
-}
-
-TEST_F(PosixAgent, AFullDiskForItsOutputIsNoSuccessOfACommand) {
     const ProgramResult result =
         TestProcess({"/bin/sh", "-c", "exec '" PELLWICK_PROGRAM "' status >/dev/full"}).Finish();
     EXPECT_EQ(result.status, 1);

@@ -22,28 +22,22 @@ Json JsonOf(const CFRef<T>& object) {
     return JsonOf(object.get());
 }
 
-/// An argument as the library takes it, for as long as the call lasts.
-template <class T>
-struct Lent {
-    T object;
-    template <class Parameter>
-    operator Parameter() const {
-        if constexpr (std::integral<T>)
-            return static_cast<Parameter>(object);
-        else
-            return object.get();
-    }
-};
+/// An object for the argument where the library takes one, for as long as the call lasts.
 template <class T>
 auto Lend(const T& argument) {
     if constexpr (std::same_as<T, std::nullptr_t>)
         return argument;
     else if constexpr (std::convertible_to<T, IDs>)
-        return Lent<CFRef<CFMutableArrayRef>>{cf::NumberArray(argument)};
+        return cf::NumberArray(argument);
     else if constexpr (std::convertible_to<T, std::string>)
-        return Lent<CFRef<CFStringRef>>{cf::String(argument)};
-    else if constexpr ((std::integral<T> && !std::same_as<T, bool>) || requires { argument.get(); })
-        return Lent<T>{argument};
+        return cf::String(argument);
+    else
+        return argument;
+}
+template <class T>
+auto Lent(const T& argument) {
+    if constexpr (requires { argument.get(); })
+        return argument.get();
     else
         return argument;
 }
@@ -110,7 +104,7 @@ protected:
 
     template <class Function, class... Arguments>
     ErrorCode Ask(Function function, const Arguments&... arguments) {
-        return function(Facade(), Lend(arguments)...);
+        return function(Facade(), Lent(Lend(arguments))...);
     }
     /// What a function that succeeds gives through its last argument.
     template <class T, class Function, class... Arguments>

@@ -1,5 +1,4 @@
-// A host process: activates fonts for a document, says how many, and stays until its input ends. It dies
-// without letting go of anything.
+// A host: activates fonts for a document, says how many, and dies at the end of its input, letting nothing go.
 #include <cstdio>
 #include <cstdlib>
 

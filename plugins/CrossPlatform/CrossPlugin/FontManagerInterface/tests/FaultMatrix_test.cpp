@@ -1,5 +1,4 @@
-// A call of the interface library, which stands for all, against every way to lose the agent. The library is
-// scripted; the cases are computed, and so is what is to come of each.
+// A call of the interface library, which stands for all, against every way to lose the agent.
 
 #include "FacadeTest.h"
 #include "HostPatience.h"

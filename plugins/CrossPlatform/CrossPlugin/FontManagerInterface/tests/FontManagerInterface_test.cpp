@@ -39,7 +39,7 @@ TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
     EXPECT_EQ(fontManager.GetFontManager()->GetSystemWorkgroupID(), 3) << "for the life of the process";
 }
 
-TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroups) {
+TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
     for (const int64_t workgroupID : {int64_t{7}, int64_t{8}, int64_t{1} << 40}) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
@@ -51,8 +51,15 @@ TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroups) {
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 1), kGS_WorkgroupNameKey), "");
     EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(7));
     EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
-    EXPECT_EQ(fontManager.GetWorkgroupNameFromID(7), "Library");
     EXPECT_EQ(fontManager.GetWorkgroupNameFromID(8), "");
+    EXPECT_TRUE(fontManager.IsWorkgroupAvailable());
+    library.codes["GetAllWorkgroupsForUser"] = {CoreErrorCodes::kError};
+    EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
+    library.workgroups = {{-2, kWorkgroupType_All, "All"}};
+    EXPECT_FALSE(fontManager.IsWorkgroupAvailable()) << "none of the user's own";
+    fontManager.SetDefaultWorkgroupID(7);
+    fontManager.OnHostAppShuttingDown();
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), std::nullopt);
 }
 
 TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
@@ -98,15 +105,4 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     fontManager.OnUserAction();
     fontManager.OnUserAction();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 3);
-}
-
-TEST_F(FacadeTest, AWorkgroupIsAvailableWhenTheAgentNamesOneOfTheUsersOwn) {
-    EXPECT_TRUE(fontManager.IsWorkgroupAvailable());
-    library.codes["GetAllWorkgroupsForUser"] = {CoreErrorCodes::kError};
-    EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
-    library.workgroups = {{-2, kWorkgroupType_All, "All"}};
-    EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
-    fontManager.SetDefaultWorkgroupID(7);
-    fontManager.OnHostAppShuttingDown();
-    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), std::nullopt);
 }

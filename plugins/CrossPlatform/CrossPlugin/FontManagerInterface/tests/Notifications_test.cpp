@@ -156,13 +156,11 @@ TEST_F(NotificationsTest, NewsOfTheSameThingIsToldOnceAndAsItIsNow) {
     ReportFont(kPluginCallback_FontDeactivated, 1);
     Report(kPluginCallback_WentOnline);
     ReportFont(kPluginCallback_FontMissing, 1);
-    Report(kPluginCallback_BulkReplicationProgress);
-    Report(kPluginCallback_TaskStarted);
-    Report(kPluginCallback_BulkReplicationStopped);
-    Report(kPluginCallback_TaskFinished);
-    Report(kPluginCallback_WentOffline);
-    Report(kPluginCallback_BulkReplicationProgress);
-    Report(kPluginCallback_BulkReplicationStopped);
+    for (const auto type :
+         {kPluginCallback_BulkReplicationProgress, kPluginCallback_TaskStarted,
+          kPluginCallback_BulkReplicationStopped, kPluginCallback_TaskFinished, kPluginCallback_WentOffline,
+          kPluginCallback_BulkReplicationProgress, kPluginCallback_BulkReplicationStopped})
+        Report(type);
     Process();
     EXPECT_THAT(Told(), ElementsAre("FontActivated 2", "DesignActivationNonCompliant 1", "FontDeactivated 1",
                                     "FontMissing 1", "TaskStarted", "TaskFinished", "OnlineStateChanged",

@@ -1,5 +1,4 @@
-// The lists of fonts that panels get as files. What becomes of smart lists themselves stands with the
-// requests.
+// The lists of fonts that panels get as files.
 
 #include <nlohmann/json.hpp>
 

@@ -9,10 +9,8 @@
 namespace {
 
 FakeFramework* frameworkToCreate = nullptr;
-std::string identifierGiven;
 
-VantorixPluginFramework* Create(uint32_t, const char* identifier, CFDictionaryRef) {
-    identifierGiven = identifier;
+VantorixPluginFramework* Create(uint32_t, const char*, CFDictionaryRef) {
     return frameworkToCreate;
 }
 
@@ -29,28 +27,14 @@ protected:
 
 }  // namespace
 
-TEST_F(VPFInterfaceTest, BindsTheFrameworkBesideTheCore) {
-    libraries.loadable = {fake_paths::kFramework};
-    libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
-    {
-        VPFInterface interface(kIdentity);
-        EXPECT_EQ(interface.GetFrameworkState(), VPFInterface::kBound);
-        EXPECT_EQ(identifierGiven, "com.vantorix.X");
-        EXPECT_EQ(cf::GetString(interface.Identification(), "VantorixPluginInterfaceVersion"), "8.1");
-        EXPECT_EQ(interface.FrameworkPath(), fake_paths::kFramework);
-        framework.answers = {1, 2};
-        EXPECT_TRUE(interface.AskYesNo(message_boxes::kRelaunchAgent));
-        EXPECT_FALSE(interface.AskYesNo(message_boxes::kRelaunchAgent));
-    }
-    EXPECT_TRUE(framework.isReleased);
-}
-
 TEST_F(VPFInterfaceTest, EachWayToFailHasItsState) {
     EXPECT_EQ(VPFInterface(VPFInterface::Identity{}).GetFrameworkState(), VPFInterface::kIdentityUnknown);
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kLibraryNotFound);
     libraries.loadable = {fake_paths::kFramework};
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
     libraries.symbols["CreateVantorixPluginFramework"] = reinterpret_cast<void*>(Create);
+    EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kBound);
+    EXPECT_TRUE(framework.isReleased);
     frameworkToCreate = nullptr;
     EXPECT_EQ(VPFInterface(kIdentity).GetFrameworkState(), VPFInterface::kFactoryUnusable);
 }
