@@ -80,8 +80,9 @@ TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
     EXPECT_EQ(agent.DeactivateFonts(nullptr, 0, nullptr), GIPCClient::kReplyTimeout);
     VPILoader::GetSharedInstance()->pfSaveDocumentFonts = nullptr;
     EXPECT_EQ(agent.SaveDocumentFonts("/a.ai", true, nullptr), CoreErrorCodes::kNotImplemented);
-    library.codes["GetIsLoggedIn"] = {CoreErrorCodes::kError};
-    EXPECT_FALSE(agent.IsLoggedIn());
+    for (const char* question : {"GetIsLoggedIn", "GetAreSchemaVersionsInSync"})
+        library.codes[question] = {CoreErrorCodes::kError};
+    EXPECT_FALSE(agent.IsLoggedIn() || agent.AreSchemaVersionsInSync());
     EXPECT_TRUE(processes.launchedCommandLines.empty());
     EXPECT_TRUE(AreServicesOn());
 }
