@@ -8,6 +8,9 @@ install(TARGETS TarnwickPluginFramework LIBRARY DESTINATION ${CMAKE_INSTALL_LIBD
 install(TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginInterfaceX64
         RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+if(WIN32)
+  install(TARGETS PellwickBackground RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+endif()
 if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)
   install(FILES "$<TARGET_FILE:CoreFoundation>" DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
 endif()

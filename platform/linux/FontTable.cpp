@@ -94,6 +94,7 @@ public:
     bool IsFilledFromFolders() override { return true; }
     bool Add(const std::string&) override { return false; }
     bool Remove(const std::string&) override { return false; }
+    std::map<std::string, int> Added() override { return {}; }
     void AnnounceChange() override {}
 
     VisibleFonts Visible() override {

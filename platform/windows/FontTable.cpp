@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "AddedFonts.h"
 #include "WideText.h"
 
 namespace platform {
@@ -144,11 +145,20 @@ class WindowsFontTable : public FontTable {
 public:
     bool IsFilledFromFolders() override { return false; }
     bool Add(const std::string& path) override {
-        return AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) > 0;
+        if (AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) <= 0)
+            return false;
+        NoteAddedFont(path, 1);
+        return true;
     }
     bool Remove(const std::string& path) override {
-        return RemoveFontResourceExW(PathForTable(path).c_str(), 0, nullptr) != FALSE;
+        if (RemoveFontResourceExW(PathForTable(path).c_str(), 0, nullptr)) {
+            NoteAddedFont(path, -1);
+            return true;
+        }
+        ForgetAddedFont(path);  // somebody else has taken it out
+        return false;
     }
+    std::map<std::string, int> Added() override { return AddedFonts(); }
     void AnnounceChange() override { SendNotifyMessageW(HWND_BROADCAST, WM_FONTCHANGE, 0, 0); }
 
     VisibleFonts Visible() override {

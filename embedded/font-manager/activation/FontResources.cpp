@@ -5,19 +5,8 @@
 namespace pellwick {
 namespace {
 
-// How many earlier agents may have died and left a file in the table, each adding it once.
-constexpr int kMostAdds = 64;
-
 platform::FontTable& Table() {
     return platform::Current<platform::FontTable>();
-}
-
-/// Removes the file from the table as often as it is there, and returns how often that was.
-int TakeOut(const std::string& path) {
-    int count = 0;
-    while (count < kMostAdds && Table().Remove(path))
-        ++count;
-    return count;
 }
 
 }  // namespace
@@ -47,26 +36,40 @@ void FontResources::AnnounceChanges() {
     mHasChanged = false;
 }
 
-/// The table cannot be listed. So everything that may be in it is removed first.
+/// What is to be active and is in the table stays there: programs show documents with it.
 ActiveFonts::Repairs FontResources::Repair(const std::vector<FontFile>& activeFiles) {
     Repairs repairs;
-    std::set<std::string> left;
-    for (const std::string& path : ShardedFiles(Vault().Folder())) {
-        if (TakeOut(path) != 0)
-            left.insert(path);
-    }
-    mAdded.clear();
+    std::set<std::string> wanted;
     for (const FontFile& file : activeFiles) {
-        const bool wasThere = left.erase(PathOf(file)) != 0;
-        if (!IsInVault(file))
+        if (IsInVault(file))
+            wanted.insert(PathOf(file));
+        else
             repairs.missing.push_back(file);
-        else if (Add(file) && !wasThere)
+    }
+    repairs.removed = Clear(wanted);
+    for (const FontFile& file : activeFiles) {
+        if (wanted.contains(PathOf(file)) && !Has(file) && Add(file))
             ++repairs.added;
     }
-    repairs.removed = static_cast<int>(left.size());
     mHasChanged = mHasChanged || repairs.removed != 0;
     AnnounceChanges();
     return repairs;
+}
+
+int FontResources::Clear(const std::set<std::string>& wanted) {
+    int removed = 0;
+    mAdded.clear();
+    for (const auto& [path, count] : Table().Added()) {
+        if (!path.starts_with(Vault().Folder()))
+            continue;
+        const bool stays = wanted.contains(path);
+        for (int index = stays ? 1 : 0; index < count; ++index)
+            Table().Remove(path);
+        if (stays)
+            mAdded.insert(path);
+        removed += stays ? 0 : 1;
+    }
+    return removed;
 }
 
 }  // namespace pellwick

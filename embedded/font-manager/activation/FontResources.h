@@ -21,6 +21,9 @@ public:
     Repairs Repair(const std::vector<FontFile>& activeFiles) override;
 
 private:
+    /// Leaves each of these in the table once, if it is there, and no other file of the vault. How many it took out.
+    int Clear(const std::set<std::string>& wanted);
+
     std::set<std::string> mAdded;  ///< paths, each once in the table
     bool mHasChanged = false;
 };

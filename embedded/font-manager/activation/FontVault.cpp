@@ -129,8 +129,12 @@ FontVault::Outcome FontVault::Receive(platform::ReadOnlyFile& source, const Stop
 
 platform::SystemError FontVault::Place(ReceivedFile& received, const FontFile& file) const {
     const std::string path = PathOf(file);
-    const auto error = platform::MakePrivateFolder(FolderOf(path));
-    return error ? error : received.copy.MoveTo(path);
+    if (const auto error = platform::MakePrivateFolder(FolderOf(path)))
+        return error;
+    const auto error = received.copy.MoveTo(path);
+    // Windows replaces no file that a program shows text with; it is one that could not be removed then.
+    const StopFlag goesOn{false};
+    return error && IsIntact(file, goesOn) ? platform::SystemError{} : error;
 }
 
 bool FontVault::Rename(const FontFile& file, const FontFile& target) const {

@@ -1,4 +1,4 @@
-// status, login, logout, standalone, stop, launch-info.
+// status, login, logout, standalone, autostart, stop, launch-info.
 #include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -9,6 +9,8 @@
 #include "cli/Fonts.h"
 #include "cli/PellwickWords.h"
 #include "common/Protocol.h"
+#include "platform/Autostart.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/Utf8Path.h"
@@ -20,6 +22,7 @@ using exact_words::AddText;
 namespace {
 
 constexpr std::chrono::seconds kPatienceWithEndingAgent{10};
+constexpr char kAutostartName[] = "Pellwick";
 
 ExitStatus Run(AgentSession& session, const char* method, const Json& arguments) {
     session.StartAgentIfNeeded();
@@ -130,6 +133,30 @@ ExitStatus WriteLaunchInfo(const Options& options) {
     return kExit_Done;
 }
 
+/// What the system starts: on Windows a program without a console in front of the agent's.
+std::string AutostartProgram() {
+    const std::string background =
+        platform::FolderPart(ProgramPath()) + platform::ProgramFileName("PellwickBackground");
+    return platform::IsExistingFile(background) ? background : ProgramPath();
+}
+
+ExitStatus SetAutostart(const Options& options, const std::string& state) {
+    platform::SystemError error;
+    if (state == member::kOn)
+        error = platform::SetAutostart(kAutostartName, AutostartProgram(), "serve");
+    else if (!state.empty())
+        error = platform::ClearAutostart(kAutostartName);
+    if (error)
+        throw Failure(kExit_CouldNot,
+                      "what starts at log-on cannot be changed (" + platform::SystemErrorText(error) + ")");
+    const bool isOn = platform::HasAutostart(kAutostartName);
+    if (options.json)
+        PrintJson({{"autostart", isOn}});
+    else
+        PrintLine(isOn ? "the agent starts when you log on" : "the agent starts when it is needed");
+    return kExit_Done;
+}
+
 }  // namespace
 
 void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chosen) {
@@ -143,6 +170,11 @@ void DescribeSettingsCommands(CLI::App& app, Arguments& arguments, Action& chose
                    [&](AgentSession& session) { return SetStandalone(session, arguments.name == "on"); });
     AddText(*standalone, "STATE", arguments.name, "on or off")
         ->required()
+        ->check(CLI::IsMember({member::kOn, "off"}));
+    auto* autostart = AddCommand(
+        app, chosen, "autostart", "Have the agent start when you log on (on), or when it is needed (off)",
+        [&](AgentSession&) { return SetAutostart(arguments.options, arguments.name); });
+    AddText(*autostart, "STATE", arguments.name, "on or off; without it, what holds now")
         ->check(CLI::IsMember({member::kOn, "off"}));
     AddCommand(app, chosen, "stop", "End the agent", StopAgent);
     AddCommand(app, chosen, "launch-info", "Tell plug-ins how to start this agent",

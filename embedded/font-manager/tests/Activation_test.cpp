@@ -32,15 +32,19 @@ public:
         const auto found = counts.find(path);
         if (found == counts.end())
             return false;
-        if (--found->second == 0)
+        if (--found->second == 0) {
+            takenOut.insert(path);
             counts.erase(found);
+        }
         return true;
     }
+    std::map<std::string, int> Added() override { return counts; }
     void AnnounceChange() override { ++announcements; }
     platform::VisibleFonts Visible() override { return {}; }
 
     using Counts = std::map<std::string, int>;
     Counts counts;  ///< how often each file is in it
+    std::set<std::string> takenOut;
     int announcements = 0;
     bool isFull = false;
 };
@@ -244,6 +248,7 @@ TEST_F(FontResourcesTest, RepairPutsEachActiveFileIntoTheTableOnce) {
         EXPECT_EQ(repairs.removed, left.count(stray) != 0 ? 1 : 0);
         EXPECT_TRUE(next.Has(mFile));
         EXPECT_EQ(mTable.counts[mVault.PathOf(mFile)], 1);
+        EXPECT_EQ(mTable.takenOut.count(mVault.PathOf(mFile)), 0u) << "programs show documents with it";
         EXPECT_EQ(mTable.counts.count(stray), 0u);
         EXPECT_EQ(mTable.counts.size(), left.size() > 2 ? 2u : 1u) << "the user's own stays";
     }

@@ -1,6 +1,7 @@
 // The fonts that the system offers to programs.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -34,6 +35,8 @@ public:
     virtual bool Add(const std::string& path) = 0;
     /// Takes one Add back, whichever process it was; false when the file is not in the table.
     virtual bool Remove(const std::string& path) = 0;
+    /// How often each file is in the table by Add, whichever process it was, by its path.
+    virtual std::map<std::string, int> Added() = 0;
     /// Tells all programs that the table has changed, without waiting for any of them.
     virtual void AnnounceChange() = 0;
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "TemporaryFolder.h"
+#include "platform/Autostart.h"
 #include "platform/Environment.h"
 #include "platform/FileTrust.h"
 #include "platform/Files.h"
@@ -150,4 +151,24 @@ TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {
         return;
     ASSERT_EQ(chown((folder / "a/b").c_str(), 4711, 0), 0);
     EXPECT_EQ(platform::WhyUntrusted(file), folder / "a/b" + " belongs to somebody else");
+}
+
+TEST(Autostart, TheEntryStartsAProgramOfAnyPathAndGoesAgain) {
+    const TemporaryFolder folder;
+    const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
+    platform::SetEnvironment("XDG_CONFIG_HOME", folder / "config");
+    EXPECT_FALSE(platform::HasAutostart("Test"));
+    ASSERT_FALSE(platform::SetAutostart("Test", R"(/opt/a "b" $c`\d 100%/Pell)", "serve"));
+    EXPECT_TRUE(platform::HasAutostart("Test"));
+    std::string entry;
+    ASSERT_FALSE(platform::ReadWholeFile(folder / "config/autostart/Test.desktop", entry, 1000));
+    EXPECT_NE(entry.find("\nExec="
+                         R"("/opt/a \\"b\\" \\$c\\`\\\\d 100%%/Pell" serve)"
+                         "\n"),
+              std::string::npos)
+        << entry;
+    EXPECT_FALSE(platform::ClearAutostart("Test"));
+    EXPECT_FALSE(platform::ClearAutostart("Test"));
+    EXPECT_FALSE(platform::HasAutostart("Test"));
+    platform::SetEnvironment("XDG_CONFIG_HOME", saved);
 }

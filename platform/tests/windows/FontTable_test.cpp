@@ -33,11 +33,14 @@ TEST_P(FontTableTest, AFontIsVisibleUntilItWasRemovedAsOftenAsItWasAdded) {
     ASSERT_TRUE(mTable.Add(mPath));
     ASSERT_TRUE(mTable.Add(mPath));
     EXPECT_TRUE(IsVisible());
+    EXPECT_EQ(mTable.Added()[mPath], 2);
     EXPECT_TRUE(mTable.Remove(mPath));
     EXPECT_TRUE(IsVisible());
+    EXPECT_EQ(mTable.Added()[mPath], 1);
     EXPECT_TRUE(mTable.Remove(mPath));
     EXPECT_FALSE(mTable.Remove(mPath));
     EXPECT_FALSE(IsVisible());
+    EXPECT_FALSE(mTable.Added().contains(mPath));
     EXPECT_FALSE(RemoveFile(mPath)) << "nothing holds the file any more";
     EXPECT_FALSE(mTable.Add(mPath));
     EXPECT_FALSE(mTable.Add(mFolder.Write("text.ttf", "no font at all")));
