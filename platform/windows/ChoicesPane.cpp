@@ -21,7 +21,7 @@ int ChoicesPane::NaturalWidth(const FormChoices& choices, const DialogMetrics& m
     for (const FormChoices::Row& row : choices.rows)
         widest = std::max({widest, ControlStack::ListWidth(metrics, ToWide(row.options)),
                            static_cast<int>(metrics.Measure(ToWide(row.label), metrics.Font()).cx)});
-    return widest + GetSystemMetrics(SM_CXVSCROLL);
+    return widest + metrics.ScrollBarWidth();
 }
 
 void ChoicesPane::Open(HWND parent, int left, int top, int width) {
@@ -35,9 +35,10 @@ void ChoicesPane::OnOpen() {
     mHeight = std::min(mContentHeight, mMetrics.Vertical(kLargestHeight));
     if (mHeight == mContentHeight)
         return;
-    RemoveRows();
+    RemoveControls();
+    mDropDowns.clear();
     SetWindowLongPtrW(Handle(), GWL_STYLE, GetWindowLongPtrW(Handle(), GWL_STYLE) | WS_VSCROLL);
-    mContentHeight = AddRows(mWidth - GetSystemMetrics(SM_CXVSCROLL) - mMetrics.Horizontal(kRowGap));
+    mContentHeight = AddRows(mWidth - mMetrics.ScrollBarWidth() - mMetrics.Horizontal(kRowGap));
     SCROLLINFO range{
         sizeof range, SIF_RANGE | SIF_PAGE, 0, mContentHeight - 1, static_cast<UINT>(mHeight), 0, 0};
     SetScrollInfo(Handle(), SB_VERT, &range, FALSE);
@@ -58,12 +59,6 @@ int ChoicesPane::AddRows(int width) {
         mDropDowns.push_back(dropDown);
     }
     return stack.Bottom();
-}
-
-void ChoicesPane::RemoveRows() {
-    while (const HWND control = GetWindow(Handle(), GW_CHILD))
-        DestroyWindow(control);
-    mDropDowns.clear();
 }
 
 HWND ChoicesPane::FirstControl() const {

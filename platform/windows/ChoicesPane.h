@@ -32,7 +32,6 @@ private:
     void OnCommand(int number, int notification) override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     int AddRows(int width);
-    void RemoveRows();
     void ScrollTo(int offset);
     void ScrollIntoView(HWND control);
     std::optional<int> ScrolledBy(int code) const;

@@ -91,8 +91,7 @@ HWND ControlStack::AddList(int number, const std::vector<std::wstring>& entries,
     const int extent = WidestOf(mMetrics, entries) + mMetrics.Horizontal(kListPadding);
     const auto rows = static_cast<int>(std::clamp(entries.size(), kFewestRows, kMostRows));
     const int rowHeight = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
-    const int scrollBarHeight =
-        extent > mWidth - GetSystemMetrics(SM_CXVSCROLL) ? GetSystemMetrics(SM_CYHSCROLL) : 0;
+    const int scrollBarHeight = extent > mWidth - mMetrics.ScrollBarWidth() ? mMetrics.ScrollBarHeight() : 0;
     Resize(list, rows * rowHeight + 2 * GetSystemMetrics(SM_CYBORDER) + scrollBarHeight);
     SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(extent), 0);
     SendMessageW(list, LB_SETCURSEL, selected ? static_cast<WPARAM>(*selected) : kNothing, 0);
@@ -126,7 +125,7 @@ int ControlStack::CheckBoxWidth(const DialogMetrics& metrics, const std::wstring
 }
 
 int ControlStack::ListWidth(const DialogMetrics& metrics, const std::vector<std::wstring>& entries) {
-    return WidestOf(metrics, entries) + metrics.Horizontal(kListPadding) + GetSystemMetrics(SM_CXVSCROLL);
+    return WidestOf(metrics, entries) + metrics.Horizontal(kListPadding) + metrics.ScrollBarWidth();
 }
 
 int ControlStack::ButtonHeight(const DialogMetrics& metrics) {

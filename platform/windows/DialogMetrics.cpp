@@ -1,15 +1,17 @@
 #include "DialogMetrics.h"
 
+#include "WindowDpi.h"
+
 namespace platform {
 namespace {
 
-HFONT FontOf(HWND dialog) {
-    return reinterpret_cast<HFONT>(SendMessageW(dialog, WM_GETFONT, 0, 0));
+HFONT MakeFont(UINT dpi) {
+    const LOGFONTW description = MessageFontFor(dpi);
+    return CreateFontIndirectW(&description);
 }
 
-HFONT MakeBold(HFONT font) {
-    LOGFONTW description{};
-    GetObjectW(font, sizeof description, &description);
+HFONT MakeBoldFont(UINT dpi) {
+    LOGFONTW description = MessageFontFor(dpi);
     description.lfWeight = FW_BOLD;
     return CreateFontIndirectW(&description);
 }
@@ -34,23 +36,33 @@ private:
     const HGDIOBJ mPrevious;
 };
 
-RECT InPixels(HWND dialog, int horizontal, int vertical) {
-    RECT rectangle{0, 0, horizontal, vertical};
-    MapDialogRect(dialog, &rectangle);
-    return rectangle;
+// The width is that of an average letter, as the dialog manager reckons it.
+SIZE BaseUnits(HWND dialog, HFONT font) {
+    constexpr wchar_t kLetters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    constexpr int kCount = 52;
+    const TextContext context(dialog, font);
+    SIZE extent{};
+    GetTextExtentPoint32W(context.Get(), kLetters, kCount, &extent);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(context.Get(), &metrics);
+    return {(extent.cx / (kCount / 2) + 1) / 2, metrics.tmHeight};
 }
 
 }  // namespace
 
-DialogMetrics::DialogMetrics(HWND dialog)
-    : mDialog(dialog), mFont(FontOf(dialog)), mBoldFont(MakeBold(mFont)) {}
+DialogMetrics::DialogMetrics(HWND dialog, UINT dpi)
+    : mDialog(dialog),
+      mDpi(dpi),
+      mFont(MakeFont(dpi)),
+      mBoldFont(MakeBoldFont(dpi)),
+      mBase(BaseUnits(dialog, mFont.get())) {}
 
-int DialogMetrics::Horizontal(int units) const {
-    return InPixels(mDialog, units, 0).right;
+int DialogMetrics::ScrollBarWidth() const {
+    return SystemMetricFor(SM_CXVSCROLL, mDpi);
 }
 
-int DialogMetrics::Vertical(int units) const {
-    return InPixels(mDialog, 0, units).bottom;
+int DialogMetrics::ScrollBarHeight() const {
+    return SystemMetricFor(SM_CYHSCROLL, mDpi);
 }
 
 SIZE DialogMetrics::Measure(const std::wstring& text, HFONT font, int width) const {

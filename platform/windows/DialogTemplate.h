@@ -11,7 +11,7 @@ namespace platform {
 
 class DialogTemplate {
 public:
-    /// In the font of the system's messages.
+    /// Controls get their font when they are made.
     DialogTemplate(DWORD style, DWORD extendedStyle, const std::wstring& title);
 
     LPCDLGTEMPLATEW Get() const { return reinterpret_cast<LPCDLGTEMPLATEW>(mWords.data()); }
@@ -20,7 +20,6 @@ private:
     void Append(WORD word) { mWords.push_back(word); }
     void AppendDouble(DWORD doubleWord);
     void AppendText(const std::wstring& text);
-    void AppendMessageFont();
 
     std::vector<WORD> mWords;
 };

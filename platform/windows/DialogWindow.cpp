@@ -4,6 +4,7 @@
 
 #include "DialogTemplate.h"
 #include "VisualStyles.h"
+#include "WindowDpi.h"
 
 namespace platform {
 namespace {
@@ -20,8 +21,10 @@ DialogWindow::~DialogWindow() {
 
 INT_PTR DialogWindow::RunModal(HWND owner, const std::wstring& title) {
     const DialogTemplate dialog(kFrameStyle, 0, title);
+    mOtherWindows.emplace(owner);
     const INT_PTR result =
         DialogBoxIndirectParamW(ThisModule(), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    mOtherWindows.reset();
     RethrowFailure();
     return result;
 }
@@ -38,10 +41,21 @@ void DialogWindow::CreatePane(HWND parent, DWORD additionalStyle) {
     RethrowFailure();
 }
 
+// Others can be used again before the dialog goes, or another program's window would come to the front where it
+// has no owner.
+void DialogWindow::End(INT_PTR result) {
+    mOtherWindows.reset();
+    EndDialog(mHandle, result);
+}
+
+void DialogWindow::RemoveControls() const {
+    while (const HWND control = GetWindow(mHandle, GW_CHILD))
+        DestroyWindow(control);
+}
+
 void DialogWindow::Resize(int width, int height) const {
     RECT frame{0, 0, width, height};
-    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(mHandle, GWL_STYLE)), FALSE,
-                       static_cast<DWORD>(GetWindowLongPtrW(mHandle, GWL_EXSTYLE)));
+    AdjustFrameFor(mDpi, mHandle, frame);
     SetWindowPos(mHandle, nullptr, 0, 0, frame.right - frame.left, frame.bottom - frame.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
@@ -63,18 +77,30 @@ INT_PTR CALLBACK DialogWindow::Procedure(HWND window, UINT message, WPARAM wPara
         return self->Handle(message, wParam, lParam) ? TRUE : FALSE;
     } catch (...) {
         self->mFailure = std::current_exception();
-        EndDialog(window, IDCANCEL);
+        self->End(IDCANCEL);
         return TRUE;
     }
+}
+
+void DialogWindow::TakeScale(UINT dpi, const RECT& place) {
+    mDpi = dpi;
+    OnScaled();
+    SetWindowPos(mHandle, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    InvalidateRect(mHandle, nullptr, TRUE);
 }
 
 bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
+            KeepDialogManagerFromScaling(mHandle);
+            mDpi = DpiOf(mHandle);
             OnOpen();
             return false;  // which control gets the keyboard is decided there
         case WM_COMMAND:
             OnCommand(LOWORD(wParam), HIWORD(wParam));
+            return true;
+        case WM_DPICHANGED:
+            TakeScale(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return true;
         case WM_NCDESTROY:
             mHandle = nullptr;

@@ -4,7 +4,10 @@
 #include <windows.h>
 
 #include <exception>
+#include <optional>
 #include <string>
+
+#include "DisabledWindows.h"
 
 namespace platform {
 
@@ -25,12 +28,17 @@ protected:
     /// Part of another dialog, whose keyboard handling reaches into it. Goes with this object or its parent.
     void CreatePane(HWND parent, DWORD additionalStyle);
 
-    void End(INT_PTR result) { EndDialog(mHandle, result); }
+    void End(INT_PTR result);
     /// Gives the inside of the window that size, in pixels.
     void Resize(int width, int height) const;
+    void RemoveControls() const;
+    /// The scale of the screen that the window is on.
+    UINT Dpi() const { return mDpi; }
 
     /// Makes the controls. The window is not visible yet.
     virtual void OnOpen() = 0;
+    /// The window came to a screen of another scale, which Dpi() tells.
+    virtual void OnScaled() {}
     /// A control of that number, or the key that stands for it, was used.
     virtual void OnCommand(int, int /*notification*/) {}
     /// Whether the message was handled, beside those above.
@@ -39,10 +47,13 @@ protected:
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     bool Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void TakeScale(UINT dpi, const RECT& place);
     void RethrowFailure();
 
     HWND mHandle = nullptr;
-    std::exception_ptr mFailure;  ///< nothing may be thrown through the system
+    UINT mDpi = 0;
+    std::optional<DisabledWindows> mOtherWindows;  ///< while it is modal
+    std::exception_ptr mFailure;                   ///< nothing may be thrown through the system
 };
 
 }  // namespace platform

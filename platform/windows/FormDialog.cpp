@@ -52,6 +52,21 @@ int GapBetween(const FormControl& above, const FormControl& below) {
     return belongTogether ? kGapWithinKind : kGapBetweenKinds;
 }
 
+BOOL CALLBACK AppendControl(HWND window, LPARAM list) noexcept {
+    try {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+    } catch (...) {
+        return FALSE;
+    }
+}
+
+std::vector<HWND> ControlsIn(HWND dialog) {
+    std::vector<HWND> controls;
+    EnumChildWindows(dialog, AppendControl, reinterpret_cast<LPARAM>(&controls));
+    return controls;
+}
+
 int RowButtonWidth(const DialogMetrics& metrics, const std::vector<FormButton>& buttons) {
     int widest = 0;
     for (const FormButton& button : buttons)
@@ -67,18 +82,38 @@ int FormDialog::Run(HWND owner) {
 }
 
 int FormDialog::Width() const {
-    const int title = static_cast<int>(mMetrics->Measure(ToWide(mForm.title), mMetrics->Font()).cx) +
+    const int title = static_cast<int>(mMetrics->Measure(ToWide(mShown.title), mMetrics->Font()).cx) +
                       mMetrics->Horizontal(kCloseBoxWidth);
     int widest = std::max(title, mMetrics->Horizontal(kSmallestWidth));
-    for (const FormControl& control : mForm.controls)
+    for (const FormControl& control : mShown.controls)
         widest = std::max(widest, NaturalWidth(*mMetrics, control));
-    const auto count = static_cast<int>(mForm.buttons.size());
-    const int row = (RowButtonWidth(*mMetrics, mForm.buttons) + mMetrics->Horizontal(kButtonGap)) * count;
+    const auto count = static_cast<int>(mShown.buttons.size());
+    const int row = (RowButtonWidth(*mMetrics, mShown.buttons) + mMetrics->Horizontal(kButtonGap)) * count;
     return std::max(std::min(widest, mMetrics->Horizontal(kLargestWidth)), row);
 }
 
 void FormDialog::OnOpen() {
-    mMetrics = std::make_unique<DialogMetrics>(Handle());
+    AddAll();
+    CenterOverOwner(Handle());
+    SetFocus(mFirst != nullptr ? mFirst : GetDlgItem(Handle(), ControlNumber(mShown.defaultButton)));
+}
+
+void FormDialog::OnScaled() {
+    ReadControls(mShown);
+    const std::vector<HWND> before = ControlsIn(Handle());
+    const auto focus = std::find(before.begin(), before.end(), GetFocus()) - before.begin();
+    RemoveControls();
+    mPanes.clear();
+    mButtons.clear();
+    mFirst = nullptr;
+    AddAll();
+    const std::vector<HWND> after = ControlsIn(Handle());
+    if (static_cast<size_t>(focus) < after.size())
+        SetFocus(after[static_cast<size_t>(focus)]);
+}
+
+void FormDialog::AddAll() {
+    mMetrics = std::make_unique<DialogMetrics>(Handle(), Dpi());
     const int left = mMetrics->Horizontal(kMargin);
     const int width = Width();
     ControlStack stack(Handle(), *mMetrics, left, mMetrics->Vertical(kMargin), width);
@@ -86,17 +121,14 @@ void FormDialog::OnOpen() {
     AddButtonRow(stack);
     stack.Skip(kMargin);
     Resize(left + width + left, stack.Bottom());
-    CenterOverOwner(Handle());
-    const int defaultControl = ControlNumber(mForm.defaultButton);
-    SendMessageW(Handle(), DM_SETDEFID, static_cast<WPARAM>(defaultControl), 0);
-    SetFocus(mFirst != nullptr ? mFirst : GetDlgItem(Handle(), defaultControl));
+    SendMessageW(Handle(), DM_SETDEFID, static_cast<WPARAM>(ControlNumber(mShown.defaultButton)), 0);
 }
 
 void FormDialog::AddControls(ControlStack& stack) {
-    for (size_t index = 0; index < mForm.controls.size(); ++index) {
-        const FormControl& control = mForm.controls[index];
+    for (size_t index = 0; index < mShown.controls.size(); ++index) {
+        const FormControl& control = mShown.controls[index];
         if (index > 0)
-            stack.Skip(GapBetween(mForm.controls[index - 1], control));
+            stack.Skip(GapBetween(mShown.controls[index - 1], control));
         Add(stack, control, kFirstControl + static_cast<int>(index));
     }
 }
@@ -134,17 +166,17 @@ void FormDialog::Add(ControlStack& stack, const FormControl& control, int number
 HWND FormDialog::AddButton(ControlStack& stack, const FormButton& button) {
     mButtons.push_back(button.number);
     return stack.AddButton(ControlNumber(button.number), ToWide(button.label),
-                           button.number == mForm.defaultButton);
+                           button.number == mShown.defaultButton);
 }
 
 // At the right, all of one width.
 void FormDialog::AddButtonRow(ControlStack& stack) {
     stack.Skip(kGapBetweenKinds);
-    const int width = RowButtonWidth(*mMetrics, mForm.buttons);
+    const int width = RowButtonWidth(*mMetrics, mShown.buttons);
     const int pitch = width + mMetrics->Horizontal(kButtonGap);
     int left = stack.Left() + stack.Width() + mMetrics->Horizontal(kButtonGap) -
-               pitch * static_cast<int>(mForm.buttons.size());
-    for (const FormButton& button : mForm.buttons) {
+               pitch * static_cast<int>(mShown.buttons.size());
+    for (const FormButton& button : mShown.buttons) {
         ControlStack place(Handle(), *mMetrics, left, stack.Bottom(), width);
         AddButton(place, button);
         left += pitch;
@@ -165,27 +197,27 @@ void FormDialog::OnCommand(int number, int notification) {
     if (number == IDCANCEL)
         End(kFormCancelled);
     else if (number >= kFirstControl && notification == LBN_DBLCLK)
-        Finish(mForm.defaultButton);
+        Finish(mShown.defaultButton);
     else if (number >= kFirstButton && button < mButtons.size() && notification == BN_CLICKED)
         Finish(mButtons[button]);
 }
 
 void FormDialog::Finish(int answer) {
     if (answer != kFormCancelled)
-        ReadControls();
+        ReadControls(mForm);
     End(answer);
 }
 
-void FormDialog::ReadControls() {
+void FormDialog::ReadControls(Form& form) const {
     auto pane = mPanes.begin();
-    for (size_t index = 0; index < mForm.controls.size(); ++index) {
+    for (size_t index = 0; index < form.controls.size(); ++index) {
         const HWND item = GetDlgItem(Handle(), kFirstControl + static_cast<int>(index));
-        if (auto* box = std::get_if<FormCheckBox>(&mForm.controls[index])) {
+        if (auto* box = std::get_if<FormCheckBox>(&form.controls[index])) {
             box->isChecked = SendMessageW(item, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        } else if (auto* list = std::get_if<FormList>(&mForm.controls[index])) {
+        } else if (auto* list = std::get_if<FormList>(&form.controls[index])) {
             const LRESULT selected = SendMessageW(item, LB_GETCURSEL, 0, 0);
             list->selected = selected >= 0 ? std::optional(static_cast<size_t>(selected)) : std::nullopt;
-        } else if (auto* choices = std::get_if<FormChoices>(&mForm.controls[index])) {
+        } else if (auto* choices = std::get_if<FormChoices>(&form.controls[index])) {
             (*pane++)->ReadInto(*choices);
         }
     }

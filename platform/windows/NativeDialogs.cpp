@@ -2,7 +2,10 @@
 
 #include <windows.h>
 
+#include <optional>
+
 #include "Desktop.h"
+#include "DisabledWindows.h"
 #include "FolderChooser.h"
 #include "FormDialog.h"
 #include "ProgressDialog.h"
@@ -24,6 +27,12 @@ UINT MessageBoxStyle(MessageButtons buttons, HWND owner) {
     return kind | MB_SETFOREGROUND | (owner == nullptr ? MB_TASKMODAL : 0);
 }
 
+/// For the system's dialogs, which disable their owner. Without one they would leave no window to come to the front
+/// when they go: there the box is modal to its thread by itself.
+std::optional<DisabledWindows> OthersThan(HWND owner) {
+    return owner != nullptr ? std::optional<DisabledWindows>(std::in_place, owner) : std::nullopt;
+}
+
 class WindowsDialogs : public NativeDialogs {
 public:
     bool IsAvailable() override { return HasVisibleDesktop(); }
@@ -34,6 +43,7 @@ public:
             return false;
         const ScopedVisualStyles styles;
         const HWND window = OwnerOf(owner);
+        const std::optional<DisabledWindows> others = OthersThan(window);
         const int pressed = MessageBoxW(window, ToWide(text).c_str(), ToWide(title).c_str(),
                                         MessageBoxStyle(buttons, window));
         return pressed == IDOK || pressed == IDYES;
@@ -43,8 +53,10 @@ public:
         if (!IsAvailable())
             return {};
         const ScopedVisualStyles styles;
+        const HWND window = OwnerOf(owner);
+        const std::optional<DisabledWindows> others = OthersThan(window);
         // The shell takes neither slashes nor a separator at the end.
-        return RunFolderChooser(OwnerOf(owner), ToWide(prompt), ToWide(FullPath(initialFolder)));
+        return RunFolderChooser(window, ToWide(prompt), ToWide(FullPath(initialFolder)));
     }
     int ShowForm(WindowHandle owner, Form& form) override {
         const ScopedVisualStyles styles;

@@ -24,22 +24,31 @@ void EnsureProgressBars() {
 }  // namespace
 
 ProgressDialog::ProgressDialog(HWND owner, const std::wstring& title, std::wstring cancelLabel)
-    : mOwner(owner),
-      mWasOwnerDisabled(owner != nullptr && EnableWindow(owner, FALSE) != 0),
-      mCancelLabel(std::move(cancelLabel)) {
+    : mCancelLabel(std::move(cancelLabel)) {
+    mHostWindows.emplace(nullptr);
     EnsureProgressBars();
     CreateModeless(owner, title);
     ShowWindow(Handle(), SW_SHOW);
 }
 
-// The owner takes input again before the window goes, or another program's window would come to the front.
+// The host's windows take input again before this one goes, or another program's window would come to the front.
 ProgressDialog::~ProgressDialog() {
-    if (mOwner != nullptr && !mWasOwnerDisabled)
-        EnableWindow(mOwner, TRUE);
+    mHostWindows.reset();
 }
 
 void ProgressDialog::OnOpen() {
-    mMetrics = std::make_unique<DialogMetrics>(Handle());
+    AddAll();
+    CenterOverOwner(Handle());
+}
+
+void ProgressDialog::OnScaled() {
+    RemoveControls();
+    AddAll();
+    ShowCount();
+}
+
+void ProgressDialog::AddAll() {
+    mMetrics = std::make_unique<DialogMetrics>(Handle(), Dpi());
     const int left = mMetrics->Horizontal(kMargin);
     const int width = mMetrics->Horizontal(kWidth);
     ControlStack stack(Handle(), *mMetrics, left, mMetrics->Vertical(kMargin), width);
@@ -52,7 +61,6 @@ void ProgressDialog::OnOpen() {
     SetFocus(button.AddButton(IDCANCEL, mCancelLabel, true));
     button.Skip(kMargin);
     Resize(left + width + left, button.Bottom());
-    CenterOverOwner(Handle());
 }
 
 void ProgressDialog::OnCommand(int number, int) {
@@ -61,18 +69,30 @@ void ProgressDialog::OnCommand(int number, int) {
 }
 
 bool ProgressDialog::Show(int32_t done, int32_t total) {
-    SetWindowTextW(mCount, (std::to_wstring(done) + L" / " + std::to_wstring(total)).c_str());
-    SendMessageW(mBar, PBM_SETRANGE32, 0, total);
-    SendMessageW(mBar, PBM_SETPOS, static_cast<WPARAM>(done), 0);
+    mDone = done;
+    mTotal = total;
+    ShowCount();
     TakeInput();
     UpdateWindow(Handle());
     return !mIsStopped;
 }
 
-// Of this window alone: the host's own messages would let it call back in the middle of the work.
+void ProgressDialog::ShowCount() {
+    SetWindowTextW(mCount, (std::to_wstring(mDone) + L" / " + std::to_wstring(mTotal)).c_str());
+    SendMessageW(mBar, PBM_SETRANGE32, 0, mTotal);
+    SendMessageW(mBar, PBM_SETPOS, static_cast<WPARAM>(mDone), 0);
+}
+
+// Of this window alone: the host's own messages would let it call back in the middle of the work. The one that ends
+// the host comes along whatever is asked for, and is the host's.
 void ProgressDialog::TakeInput() {
     MSG message{};
     while (PeekMessageW(&message, Handle(), 0, 0, PM_REMOVE) != 0) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            mIsStopped = true;
+            return;
+        }
         if (IsDialogMessageW(Handle(), &message) == 0) {
             TranslateMessage(&message);
             DispatchMessageW(&message);

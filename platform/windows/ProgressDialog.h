@@ -2,9 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "DialogMetrics.h"
 #include "DialogWindow.h"
+#include "DisabledWindows.h"
 #include "platform/NativeDialogs.h"
 
 namespace platform {
@@ -18,15 +20,19 @@ public:
 
 private:
     void OnOpen() override;
+    void OnScaled() override;
     void OnCommand(int number, int notification) override;
+    void AddAll();
+    void ShowCount();
     void TakeInput();
 
-    const HWND mOwner;
-    const bool mWasOwnerDisabled;
+    std::optional<DisabledWindows> mHostWindows;
     const std::wstring mCancelLabel;
     std::unique_ptr<DialogMetrics> mMetrics;
     HWND mCount = nullptr;
     HWND mBar = nullptr;
+    int32_t mDone = 0;
+    int32_t mTotal = 0;
     bool mIsStopped = false;
 };
 

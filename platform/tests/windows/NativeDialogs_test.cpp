@@ -22,10 +22,20 @@ class NativeDialogsTest : public testing::Test {
 protected:
     NativeDialogsTest()
         : mOwner(CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900, 700,
-                                 nullptr, nullptr, nullptr, nullptr)) {}
+                                 nullptr, nullptr, nullptr, nullptr)),
+          mPalette(CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", L"Palette", WS_POPUP | WS_VISIBLE, 0, 0, 90,
+                                   90, mOwner, nullptr, nullptr, nullptr)),
+          mDisabled(CreateWindowExW(0, L"STATIC", L"Disabled", WS_POPUP | WS_VISIBLE | WS_DISABLED, 0, 90, 90,
+                                    90, nullptr, nullptr, nullptr, nullptr)) {
+        SetActiveWindow(mOwner);
+    }
     ~NativeDialogsTest() override {
         EXPECT_TRUE(IsWindowEnabled(mOwner)) << "the host can be used again";
-        DestroyWindow(mOwner);
+        EXPECT_TRUE(IsWindowEnabled(mPalette));
+        EXPECT_FALSE(IsWindowEnabled(mDisabled)) << "not by us";
+        EXPECT_EQ(GetActiveWindow(), mOwner);
+        for (const HWND window : {mDisabled, mPalette, mOwner})
+            DestroyWindow(window);
     }
     NativeDialogsTest(const NativeDialogsTest&) = delete;
     NativeDialogsTest& operator=(const NativeDialogsTest&) = delete;
@@ -33,15 +43,34 @@ protected:
     int Show(Form& form, const std::function<void(HWND)>& actions) const {
         const DialogDriver user([&](HWND dialog) {
             EXPECT_EQ(GetWindow(dialog, GW_OWNER), mOwner);
-            EXPECT_FALSE(IsWindowEnabled(mOwner)) << "modal";
+            ExpectModal();
             EXPECT_THAT(TextsCutOff(dialog), IsEmpty());
             actions(dialog);
         });
         return Dialogs().ShowForm(mOwner, form);
     }
 
+    void ExpectModal() const {
+        EXPECT_FALSE(IsWindowEnabled(mOwner));
+        EXPECT_FALSE(IsWindowEnabled(mPalette));
+    }
+
     const HWND mOwner;
+    const HWND mPalette;
+    const HWND mDisabled;
 };
+
+/// As the system does when a dialog comes to another screen.
+void MoveToScreenOf(int dpi, HWND dialog) {
+    RECT place{40, 50, 400, 500};
+    SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+}
+
+LOGFONTW FontOf(HWND control) {
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font, &font);
+    return font;
+}
 
 Form FormWith(platform::FormControl control) {
     Form form{"Überschrift 字", {}, {{1, "OK"}, {kFormCancelled, "Abbrechen & zurück"}}, 1};
@@ -55,6 +84,7 @@ TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
             EXPECT_EQ(TextOf(dialog), "Größe & 字");
             EXPECT_THAT(TextsOf(dialog, "Static"), testing::Contains("Was & wie? 😀"));
             EXPECT_EQ(GetWindow(dialog, GW_OWNER), mOwner);
+            ExpectModal();
             PressKey(dialog, key);
         });
         return Dialogs().ShowMessage(mOwner, "Größe & 字", "Was & wie? 😀", buttons);
@@ -84,6 +114,32 @@ TEST_F(NativeDialogsTest, CheckBoxesComeBackAsTheyWereLeftUnlessTheUserGivesUp) 
         EXPECT_EQ(std::get<FormCheckBox>(form.controls[0]).isChecked, isConfirmed);
         EXPECT_EQ(std::get<FormCheckBox>(form.controls[1]).isChecked, !isConfirmed);
     }
+}
+
+TEST_F(NativeDialogsTest, OnAScreenOfAnotherScaleTextsGrowAndNothingIsLost) {
+    Form form = FormWith(FormText{"Überschrift", true});
+    form.controls.emplace_back(FormCheckBox{"Erste", false});
+    form.controls.emplace_back(
+        FormChoices{std::vector<FormChoices::Row>(12, {"Ersatz:", {"keiner", "Arial"}, 0})});
+    const auto useOnTwoScreens = [](HWND dialog) {
+        const LOGFONTW heading = FontOf(FindControl(dialog, "Static", "Überschrift"));
+        SendMessageW(FindControl(dialog, "Button", "Erste"), BM_CLICK, 0, 0);
+        SendMessageW(FindControl(dialog, "ComboBox"), CB_SETCURSEL, 1, 0);
+        PressTab(dialog);
+        MoveToScreenOf(192, dialog);
+        EXPECT_THAT(TextsCutOff(dialog), IsEmpty());
+        const LOGFONTW grown = FontOf(FindControl(dialog, "Static", "Überschrift"));
+        EXPECT_NEAR(grown.lfHeight, heading.lfHeight * 2, 1);
+        EXPECT_EQ(grown.lfWeight, FW_BOLD);
+        EXPECT_EQ(FocusOf(dialog), FindControl(dialog, "ComboBox")) << "the keyboard stays where it was";
+        RECT place{};
+        GetWindowRect(dialog, &place);
+        EXPECT_EQ(place.left, 40);
+        PressKey(dialog, VK_RETURN);
+    };
+    EXPECT_EQ(Show(form, useOnTwoScreens), 1);
+    EXPECT_TRUE(std::get<FormCheckBox>(form.controls[1]).isChecked);
+    EXPECT_EQ(std::get<FormChoices>(form.controls[2]).rows[0].selected, 1u);
 }
 
 TEST_F(NativeDialogsTest, AListBeginsWithItsSelectionAndADoubleClickConfirms) {
@@ -153,7 +209,7 @@ TEST_F(NativeDialogsTest, AFolderIsProposedChosenOrNot) {
 
 TEST_F(NativeDialogsTest, AWorkGoesOnUntilItsWindowIsCancelled) {
     auto progress = Dialogs().OpenProgress(mOwner, "Schriften sammeln", "Abbrechen");
-    EXPECT_FALSE(IsWindowEnabled(mOwner));
+    ExpectModal();
     EXPECT_TRUE(progress->Show(0, 3));
     EXPECT_TRUE(progress->Show(1, 3));
     const HWND window = FindWindowW(nullptr, L"Schriften sammeln");
@@ -161,12 +217,26 @@ TEST_F(NativeDialogsTest, AWorkGoesOnUntilItsWindowIsCancelled) {
     EXPECT_EQ(GetWindow(window, GW_OWNER), mOwner);
     EXPECT_THAT(TextsOf(window, "Static"), ElementsAre("1 / 3"));
     EXPECT_EQ(SendMessageW(FindControl(window, PROGRESS_CLASSA), PBM_GETPOS, 0, 0), 1);
+    MoveToScreenOf(144, window);
+    EXPECT_THAT(TextsOf(window, "Static"), ElementsAre("1 / 3"));
     EXPECT_THAT(TextsCutOff(window), IsEmpty());
     SendMessageW(FindControl(window, "Button", "Abbrechen"), BM_CLICK, 0, 0);
     EXPECT_FALSE(progress->Show(2, 3));
     progress.reset();
     EXPECT_FALSE(IsWindow(window));
-    EXPECT_TRUE(IsWindowEnabled(mOwner));
+}
+
+TEST_F(NativeDialogsTest, AHostThatIsToEndHearsOfItAndTheWorkStops) {
+    auto progress = Dialogs().OpenProgress(mOwner, "Schriften sammeln", "Abbrechen");
+    EXPECT_TRUE(progress->Show(0, 3));
+    PostQuitMessage(7);
+    EXPECT_FALSE(progress->Show(1, 3));
+    progress.reset();
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0 && message.message != WM_QUIT)
+        DispatchMessageW(&message);
+    EXPECT_EQ(message.message, UINT{WM_QUIT});
+    EXPECT_EQ(message.wParam, 7u);
 }
 
 }  // namespace
