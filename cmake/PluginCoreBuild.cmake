@@ -27,9 +27,8 @@ set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
 set(PLUGINCORE_SYSTEM linux)
 if(WIN32)
   set(PLUGINCORE_SYSTEM windows)
-  # Libraries have plain names, and are found beside the program that needs them.
+  # Libraries have plain names, and are found beside the program that needs them: corefoundation puts its own there.
   set(CMAKE_SHARED_LIBRARY_PREFIX "")
-  set(PLUGINCORE_TEST_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 endif()
 
 find_package(Threads REQUIRED)
@@ -67,6 +66,69 @@ function(plugincore_library name kind)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE plugincore-build-options ${ARG_PRIVATE_LINKS})
 endfunction()
 
+# As the tests' programs name a file or folder of this machine: where they run under Wine, by its drive.
+function(plugincore_path_for_tests path result)
+  set(drive "")
+  if(WIN32 AND CMAKE_CROSSCOMPILING)
+    set(drive "Z:")
+  endif()
+  set(${result} "${drive}${path}" PARENT_SCOPE)
+endfunction()
+
+# plugincore_separate_symbols(FOLDER TARGETS ... [TO SYMBOLS-FOLDER] [INSTALL component ...])
+# After the targets were installed into that folder of the prefix: their debug information stands in the other one, or in
+# the build alone. Elsewhere those who make packages strip them, and nothing is done.
+function(plugincore_separate_symbols folder)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "TO" "TARGETS;INSTALL" ${ARGN})
+  set(prefix "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}")
+  set(files "")
+  foreach(target IN LISTS ARG_TARGETS)
+    list(APPEND files "${prefix}/${folder}/$<TARGET_FILE_NAME:${target}>")
+  endforeach()
+  set(symbols "")
+  if(ARG_TO)
+    set(symbols "${prefix}/${ARG_TO}")
+  endif()
+  install(CODE "
+    set(OBJCOPY \"${CMAKE_OBJCOPY}\")
+    set(FILES \"${files}\")
+    set(SYMBOLS \"${symbols}\")
+    include(\"${PROJECT_SOURCE_DIR}/cmake/SeparateSymbols.cmake\")" ${ARG_INSTALL})
+endfunction()
+
+# A program that stands with the tests, in the build and, for Windows, where they are taken along: scripts and programs
+# of the component "tests", which is installed when it is named alone.
+function(plugincore_test_program name)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
+  if(WIN32 AND PLUGINCORE_INSTALL)
+    set(component COMPONENT tests EXCLUDE_FROM_ALL)
+    install(TARGETS ${name} RUNTIME DESTINATION tests ${component})
+    plugincore_separate_symbols(tests TARGETS ${name} INSTALL ${component})
+    set_property(GLOBAL APPEND PROPERTY PLUGINCORE_TEST_PROGRAMS ${name})
+  endif()
+endfunction()
+
+# plugincore_built_files(TARGET MACRO=FILE-OF-TARGET ...)
+# Macros for a test with what was built, as BuiltFile (tests/support/TestFiles.h) takes it; built before the test.
+function(plugincore_built_files target)
+  set(scope PRIVATE)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL STATIC_LIBRARY)
+    set(scope PUBLIC)
+  endif()
+  foreach(pair IN LISTS ARGN)
+    string(REPLACE "=" ";" pair ${pair})
+    list(GET pair 0 macro)
+    list(GET pair 1 file_target)
+    target_compile_definitions(${target} ${scope}
+      "${macro}=\"$<PATH:RELATIVE_PATH,$<TARGET_FILE:${file_target}>,${PROJECT_BINARY_DIR}>\"")
+    add_dependencies(${target} ${file_target})
+  endforeach()
+endfunction()
+
 # plugincore_test(NAME SOURCES ... LINKS ... [EACH_CASE] [LOCK RESOURCE] [ENVIRONMENT VAR=VALUE ...])
 # One GoogleTest program, which ctest runs as a whole and shuffled, on Linux among processes of its own; its report goes to
 # test-reports/NAME.xml. EACH_CASE: each of its cases is a process of its own. Where all see the same processes, what has
@@ -78,8 +140,10 @@ function(plugincore_test name)
   cmake_parse_arguments(ARG "EACH_CASE" "LOCK" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
+  plugincore_test_program(${name})
   set(properties "")
+  plugincore_path_for_tests("${PROJECT_SOURCE_DIR}" sources)
+  list(APPEND ARG_ENVIRONMENT "PLUGINCORE_SOURCES=${sources}")
   if(WIN32)
     list(APPEND ARG_ENVIRONMENT PLUGINCORE_PORTABLE=1)  # tests have folders of their own
     if(ARG_LOCK)
@@ -91,16 +155,11 @@ function(plugincore_test name)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/isolated")
   endif()
   if(ARG_EACH_CASE)
-    if(ARG_ENVIRONMENT)
-      list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
-    endif()
+    list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
     gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
       PROPERTIES TIMEOUT 120 ${properties})
   else()
-    set(report "${PROJECT_BINARY_DIR}/test-reports/${name}.xml")
-    if(WIN32 AND CMAKE_CROSSCOMPILING)
-      set(report "Z:${report}")  # as Wine has it
-    endif()
+    plugincore_path_for_tests("${PROJECT_BINARY_DIR}/test-reports/${name}.xml" report)
     add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1)
     set_tests_properties(${name} PROPERTIES TIMEOUT 300
       ENVIRONMENT "GTEST_OUTPUT=xml:${report};${ARG_ENVIRONMENT}" ${properties})
@@ -117,9 +176,8 @@ function(plugincore_window_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} test-dialogs GTest::gmock)
-  set_target_properties(${name} PROPERTIES
-    RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}"
-    CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/wine-on-screen")
+  plugincore_test_program(${name})
+  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/wine-on-screen")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK screen
     ENVIRONMENT PLUGINCORE_PORTABLE=1)

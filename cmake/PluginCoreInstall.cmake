@@ -5,16 +5,24 @@ include(CMakePackageConfigHelpers)
 install(TARGETS PluginCore CoreFoundation EXPORT PluginCoreTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 install(TARGETS TarnwickPluginFramework LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+plugincore_separate_symbols(${CMAKE_INSTALL_BINDIR} TO symbols TARGETS PluginCore TarnwickPluginFramework)
 install(TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginInterfaceX64
         RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+plugincore_separate_symbols(${CMAKE_INSTALL_LIBDIR}/vantorix TO symbols
+  TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginInterfaceX64)
 if(WIN32)
   install(TARGETS PellwickBackground RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+  plugincore_separate_symbols(${CMAKE_INSTALL_LIBDIR}/vantorix TO symbols TARGETS PellwickBackground)
 endif()
 if(WIN32 AND NOT PLUGINCORE_USE_SYSTEM_COREFOUNDATION)
   install(FILES "$<TARGET_FILE:CoreFoundation>" DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+  foreach(folder IN ITEMS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR}/vantorix)
+    plugincore_separate_symbols(${folder} TO symbols TARGETS CoreFoundation)
+  endforeach()
 endif()
 install(TARGETS plugincore-host plugincore-document-reader RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+plugincore_separate_symbols(${CMAKE_INSTALL_BINDIR} TO symbols TARGETS plugincore-host plugincore-document-reader)
 install(FILES plugins/plugin-core/include/PluginCoreInterface.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 # The borders behind which other font managers and frameworks can stand.
 install(TARGETS contracts EXPORT PluginCoreTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)

@@ -4,7 +4,7 @@
 #   scripts/windows-screenshots.sh FOLDER LANGUAGE   # to another place, in another language than English
 set -euo pipefail
 scripts=$(dirname -- "$(readlink -f -- "$0")")
-programs=$scripts/../build/windows/bin
+programs=$scripts/../build/windows/tests
 target=${1:-$scripts/../docs/images/windows}
 mkdir -p "$target"
 work=$(mktemp -d)

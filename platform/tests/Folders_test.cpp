@@ -26,11 +26,10 @@ TEST(Folders, WhatIsTypedBecomesAFullPath) {
     EXPECT_EQ(platform::FullPath(std::string("~") + platform::kPathSeparator + "x"), Native("home/ana/x"));
     EXPECT_EQ(platform::FullPath("/a/./b/../c//"), Native("a/c"));
     EXPECT_EQ(platform::FullPath("/"), Native(""));
-    const std::string current = platform::Utf8Text(std::filesystem::current_path());
-    EXPECT_EQ(platform::FullPath("."), current);
-    EXPECT_EQ(platform::WithSlashes(platform::FullPath("new/folder")),
-              platform::WithSlashes(current) + "/new/folder");
-    EXPECT_EQ(platform::FullPath("~bob"), current + platform::kPathSeparator + "~bob");
+    const std::filesystem::path current = std::filesystem::current_path();  // may be a root
+    EXPECT_EQ(platform::FullPath("."), platform::Utf8Text(current));
+    EXPECT_EQ(platform::FullPath("new/folder"), platform::Utf8Text(current / "new" / "folder"));
+    EXPECT_EQ(platform::FullPath("~bob"), platform::Utf8Text(current / "~bob"));
     EXPECT_EQ(platform::FullPath(""), "");
     folders.paths.clear();
     EXPECT_EQ(platform::FullPath("~/x"), "") << "nobody's home";

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "TemporaryFolder.h"
+#include "TestFiles.h"
 #include "TestProcess.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
@@ -45,7 +46,7 @@ TEST(Processes, AChildIsIdleWhenItSaysSo) {
 TEST(Processes, ArgumentsAreSplitAtBlanksOutsideQuotes) {
     const TemporaryFolder folder;
     const std::string program = folder / platform::ProgramFileName("a child");
-    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, program));
+    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), program));
     std::filesystem::permissions(platform::Utf8Path(program), std::filesystem::perms::owner_all);
     const std::string out = folder / "out 字";
     EXPECT_EQ(WaitForExit(*Launch("write \"" + out + "\"  serve  \"two words\" --x=\"1 2\"", program)), 0);

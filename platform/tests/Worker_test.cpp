@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "TemporaryFolder.h"
+#include "TestFiles.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "support/WorkerTestLimits.h"
@@ -20,7 +21,7 @@ protected:
         const std::string path = Utf8Text(mFolder.Path() / "file");
         EXPECT_FALSE(WriteWholeFile(path, "content"));
         EXPECT_FALSE(mFile.Open(path));
-        mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
+        mWorker = Worker::Start(BuiltFile(WORKER_PROGRAM), kTestWorkerLimits, mError);
         EXPECT_TRUE(mWorker) << SystemErrorText(mError);
     }
     Outcome Ask(const std::string& request) { return mWorker->Exchange(request, mFile, mAnswer, mProblem); }
@@ -50,7 +51,7 @@ TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {
                  {"answer with much", "answered with too much", Outcome::kOverLimit},
                  {"crash", "crashed", Outcome::kDied}};
     for (const auto& each : cases) {
-        mWorker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, mError);
+        mWorker = Worker::Start(BuiltFile(WORKER_PROGRAM), kTestWorkerLimits, mError);
         EXPECT_EQ(Ask(each.request), each.outcome);
         EXPECT_NE(mProblem.find(each.problem), std::string::npos) << mProblem;
         EXPECT_EQ(Ask("hello"), Outcome::kDied);

@@ -1,9 +1,9 @@
-#include <fstream>
-#include <regex>
 #include <sstream>
 #include <thread>
 
 #include "HostWorld.h"
+#include "PluginCoreInterface.h"
+#include "TestFiles.h"
 
 using testing::HasSubstr;
 
@@ -82,15 +82,9 @@ TEST(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {
 TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
     HostWorld world;
     ScriptedHost host;
-    std::ifstream header(CORE_HEADER);
-    const std::regex declaration("^PLUGINCORE_API \\w+ (\\w+)\\(.*");
-    std::vector<std::string> names;
-    std::smatch found;
-    for (std::string line; std::getline(header, line);) {
-        if (std::regex_match(line, found, declaration))
-            names.push_back(found[1]);
-    }
-    EXPECT_EQ(names.size(), 28u);
+#define NAME_OF(function) #function,
+    const std::vector<std::string> names = {PLUGINCORE_FUNCTIONS(NAME_OF)};
+#undef NAME_OF
     for (auto name = names.rbegin(); name != names.rend(); ++name)  // the core starts last
         EXPECT_EQ(host.Call(*name)["call"], *name);
     EXPECT_EQ(host.Call("HandleOpenExistingDocument")["codeName"], "CoreErrorCodes::kInvalidParam");
@@ -102,7 +96,7 @@ TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
 TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
-    TestProcess events({HOST_PROGRAM, "events"});
+    TestProcess events({BuiltFile(HOST_PROGRAM), "events"});
     // Activated and deactivated until it listens.
     std::string line;
     std::thread reader([&] { line = events.ReadLine(); });

@@ -1,6 +1,7 @@
 // The road of a document: opened, its fonts seen by every program; closed, gone.
 
 #include "HostWorld.h"
+#include "TestFiles.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
@@ -123,7 +124,7 @@ TEST_F(DocumentRoadTest, ReplacementsAreOfferedUnlessDialogsAreSuppressed) {
 
 TEST_F(DocumentRoadTest, TheThinHostInCDoesTheSame) {
     const std::string pdf = world.WriteDocument("document.pdf", {"Sample-Bold", "Missing"});
-    const auto result = TestProcess({THIN_HOST_PROGRAM, pdf}).Finish();
+    const auto result = TestProcess({BuiltFile(THIN_HOST_PROGRAM), pdf}).Finish();
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("1 fonts activated\n"));
     EXPECT_THAT(result.output, HasSubstr("missing: [{\"PostScriptName\":\"Missing\"}]"));

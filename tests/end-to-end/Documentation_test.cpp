@@ -6,6 +6,7 @@
 #include "HostWorld.h"
 #include "PanelMessages.h"
 #include "PanelSchemas.h"
+#include "TestFiles.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -23,7 +24,7 @@ struct PageExchange {
 
 /// What stands in the blocks of the page, in its order.
 std::vector<PageExchange> ReadScriptPage(const std::string& name) {
-    std::ifstream page(std::string(DOCS) + "/" + name);
+    std::ifstream page(platform::Utf8Path(SourceFile("docs/" + name)));
     std::vector<PageExchange> script;
     bool isInBlock = false;
     for (std::string line; std::getline(page, line);) {
@@ -138,6 +139,8 @@ struct Undocumented {
 }  // namespace
 
 TEST_F(PanelScript, GoesAsThePageSays) {
+    if (!HasSources())
+        GTEST_SKIP() << kNoSources;
     const std::vector<PageExchange> script = ReadScriptPage("panel-script.md");
     ASSERT_GT(script.size(), 10u);
     for (const PageExchange& exchange : script)
@@ -146,6 +149,8 @@ TEST_F(PanelScript, GoesAsThePageSays) {
 }
 
 TEST(ExampleScript, GoesAsThePageSays) {
+    if (!HasSources())
+        GTEST_SKIP() << kNoSources;
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
     const std::string answers = world.FontManager().Write(
@@ -154,7 +159,7 @@ TEST(ExampleScript, GoesAsThePageSays) {
         R"({"dialog":"ResolveFonts","answer":{"replacements":{"Garamond":"EBGaramond-Regular"}}}])");
     const std::vector<PageExchange> script = ReadScriptPage("example-script.md");
     ASSERT_GT(script.size(), 10u);
-    TestProcess host({HOST_PROGRAM, "--answers", answers, "script"});
+    TestProcess host({BuiltFile(HOST_PROGRAM), "--answers", answers, "script"});
     for (const PageExchange& exchange : script) {
         host.WriteLine(exchange.request);
         for (const std::string& answer : exchange.answers)
@@ -164,6 +169,8 @@ TEST(ExampleScript, GoesAsThePageSays) {
 }
 
 TEST(PanelDocumentation, ShowsAnExampleOfEveryMessageByTheSchemas) {
+    if (!HasSources())
+        GTEST_SKIP() << kNoSources;
 #define NUMBER_OF(constant, id, ...) id,
     Undocumented requests{Direction::kToPlugin, {PANEL_REQUESTS(NUMBER_OF)}};
     Undocumented answers{Direction::kToPanel,

@@ -4,8 +4,19 @@
 #include <sstream>
 
 #include "PanelSchemas.h"
+#include "TestFiles.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
+
+namespace {
+
+void ExpectBySchema(panel_schemas::Direction direction, const json& message) {
+    if (HasSources()) {
+        EXPECT_EQ(panel_schemas::Find(direction, message).faults, "");
+    }
+}
+
+}  // namespace
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
     const std::pair<const char*, std::string> variables[] = {{"XDG_CONFIG_HOME", Path("config")},
@@ -47,7 +58,7 @@ int HostWorld::Pellwick(const std::string& words) const {
 }
 
 ProgramResult HostWorld::RunHost(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), HOST_PROGRAM);
+    arguments.insert(arguments.begin(), BuiltFile(HOST_PROGRAM));
     return TestProcess(arguments).Finish();
 }
 
@@ -79,7 +90,7 @@ int NumberFromEnvironment(const char* variable, int otherwise) {
     return text.empty() ? otherwise : std::stoi(text);
 }
 
-ScriptedHost::ScriptedHost() : mProcess({HOST_PROGRAM, "script"}) {}
+ScriptedHost::ScriptedHost() : mProcess({BuiltFile(HOST_PROGRAM), "script"}) {}
 
 json ScriptedHost::Exchange(const json& line) {
     mProcess.WriteLine(line.dump());
@@ -88,7 +99,7 @@ json ScriptedHost::Exchange(const json& line) {
         if (!answer.contains("event"))
             return answer;
         EXPECT_EQ(answer["event"], "com.vantorix.PluginToPanel");
-        EXPECT_EQ(panel_schemas::Find(panel_schemas::Direction::kToPanel, answer["message"]).faults, "");
+        ExpectBySchema(panel_schemas::Direction::kToPanel, answer["message"]);
         mPanelMessages.push_back(answer["message"]);
     }
 }
@@ -100,9 +111,8 @@ json ScriptedHost::Call(const std::string& name, const json& arguments) {
 }
 
 std::vector<json> ScriptedHost::Panel(const json& message) {
-    if (message.is_object()) {
-        EXPECT_EQ(panel_schemas::Find(panel_schemas::Direction::kToPlugin, message).faults, "");
-    }
+    if (message.is_object())
+        ExpectBySchema(panel_schemas::Direction::kToPlugin, message);
     std::vector<json> earlier = TakePanelMessages();
     const json answer = Exchange({{"panel", message}});
     EXPECT_EQ(answer, (json{{"panel", "delivered"}}));

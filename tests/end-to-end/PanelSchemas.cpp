@@ -1,4 +1,6 @@
 #include "PanelSchemas.h"
+#include "TestFiles.h"
+#include "platform/Utf8Path.h"
 
 #include <fstream>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
@@ -17,7 +19,7 @@ constexpr char kReferencePrefix[] = "#/definitions/";
 
 const json& SchemaOf(Direction direction) {
     static const auto read = [](const char* name) {
-        std::ifstream file(std::string(PANEL_SCHEMAS) + "/" + name);
+        std::ifstream file(platform::Utf8Path(SourceFile(std::string("docs/panel-schemas/") + name)));
         return json::parse(file);
     };
     static const json toPlugin = read("panel-to-plugin.json");

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "FaultRun.h"
+#include "TestFiles.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 #include "tests/support/TestWorld.h"
@@ -26,7 +27,8 @@ protected:
     ~CollectFaults() override { platform::SetEnvironment("XDG_CONFIG_HOME", ""); }
 
     ProgramResult Collect() const {
-        return mFaults.Start({HOST_PROGRAM, "collect", mDocument, "--to", mWorld.Path("to")})->Finish();
+        return mFaults.Start({BuiltFile(HOST_PROGRAM), "collect", mDocument, "--to", mWorld.Path("to")})
+            ->Finish();
     }
     std::string Copy(const std::string& source) const {
         return ContentOf(mWorld.Path("to/" + platform::NamePart(source)));

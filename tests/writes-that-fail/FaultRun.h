@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include "FaultPlan.h"
+#include "TestFiles.h"
 #include "TestProcess.h"
 #include "platform/Environment.h"
 
@@ -44,7 +45,7 @@ public:
     FaultControl& operator=(const FaultControl&) = delete;
 
     std::unique_ptr<TestProcess> Start(const std::vector<std::string>& command) const {
-        const std::filesystem::path library = FAILING_WRITES_LIBRARY;
+        const std::filesystem::path library = BuiltFile(FAILING_WRITES_LIBRARY);
         // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
         const std::pair<const char*, std::string> variables[] = {
             {"LD_PRELOAD", library.filename()},

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "FaultRun.h"
+#include "TestFiles.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/TestLibrary.h"
 #include "tests/support/TestWorld.h"
@@ -132,7 +133,7 @@ protected:
     }
 
     Outcome Start() {
-        mAgent = mFaults.Start({PELLWICK_PROGRAM});
+        mAgent = mFaults.Start({BuiltFile(PELLWICK_PROGRAM)});
         const bool isServing = Eventually([this] {
             Json status;
             AgentConnection connection(std::chrono::seconds(30));

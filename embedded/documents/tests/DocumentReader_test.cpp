@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "TemporaryFolder.h"
+#include "TestFiles.h"
 
 using documents::DocumentReader;
 using documents::ReadStatus;
@@ -18,7 +19,7 @@ std::string DrawingWith(const std::string& family) {
 
 TEST(DocumentReader, ADocumentOfAnyPathIsReadAndTheNextOneAfterATrouble) {
     const TemporaryFolder folder;
-    DocumentReader reader(DOCUMENT_READER_PROGRAM);
+    DocumentReader reader(BuiltFile(DOCUMENT_READER_PROGRAM));
     const std::string good = folder.Write("Титул 字 🙂.svg", DrawingWith("Ünïcode 字\xFF"));
     EXPECT_EQ(reader.Read(good).status, ReadStatus::kUnreadable) << "it is no UTF-8";
     const std::string drawing = folder.Write("a.SVG", DrawingWith("Ünïcode 字"));

@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/Folders.h"
 #include "tests/support/AgentTest.h"
@@ -45,8 +46,8 @@ TEST(CommandLine, AddsWhatItCanAndNamesWhatItCannot) {
 
     const std::string file = world.RunForJson({"launch-info"})["file"];
     EXPECT_EQ(file, world.Path("data/Vantorix/com.vantorix.Pellwick-LaunchInfo.conf"));
-    EXPECT_EQ(ContentOf(file), std::string("pellwick.path=") + platform::FullPath(PELLWICK_PROGRAM) +
-                                   "\npellwick.args=serve\n");
+    EXPECT_EQ(ContentOf(file),
+              std::string("pellwick.path=") + BuiltFile(PELLWICK_PROGRAM) + "\npellwick.args=serve\n");
 }
 
 /// A command line, with "|" between its words; the status, and what is said, in the output or in one line of

@@ -2,6 +2,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "TestFiles.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/ClientTest.h"
 
@@ -11,7 +12,7 @@ namespace {
 using ClientRecovery = ClientTest;
 
 std::unique_ptr<TestProcess> StartHost(const std::vector<std::string>& fonts) {
-    std::vector<std::string> command = {TEST_HOST_PROGRAM, "/document"};
+    std::vector<std::string> command = {BuiltFile(TEST_HOST_PROGRAM), "/document"};
     command.insert(command.end(), fonts.begin(), fonts.end());
     auto host = std::make_unique<TestProcess>(command);
     EXPECT_EQ(host->ReadLine(), std::to_string(fonts.size()));

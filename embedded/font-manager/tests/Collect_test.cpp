@@ -1,6 +1,7 @@
 // Copies of fonts for a printer: what they are called, what is told of them, and what is left alone.
 #include <gmock/gmock.h>
 
+#include "TestFiles.h"
 #include "TestFonts.h"
 #include "collect/EmbeddingRights.h"
 #include "collect/FileCopies.h"
@@ -166,7 +167,7 @@ TEST_F(CollectTest, TextsOfLicencesComeAlongFromTheFontsOfTheSystem) {
 
 TEST_F(CollectTest, RightsAndLicencesAreReadInTheProcessThatMayDieOfFonts) {
     const std::string program =
-        platform::FolderPart(PELLWICK_PROGRAM) + platform::ProgramFileName(kFontWorkerProgram);
+        platform::FolderPart(BuiltFile(PELLWICK_PROGRAM)) + platform::ProgramFileName(kFontWorkerProgram);
     FontWorker worker(program);
     const auto read = [&](const std::string& content, int64_t face) {
         platform::ReadOnlyFile file;

@@ -4,6 +4,7 @@
 
 #include "GFontManagerConstants.h"
 #include "HostileFonts.h"
+#include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "preview/PreviewRenderer.h"
@@ -134,7 +135,7 @@ protected:
     ScanResult Scan(const std::string& content) { return mWorker.Scan(FileOf(content)); }
 
     test::TestWorld mWorld;
-    FontWorker mWorker{platform::FolderPart(PELLWICK_PROGRAM) +
+    FontWorker mWorker{platform::FolderPart(BuiltFile(PELLWICK_PROGRAM)) +
                        platform::ProgramFileName(kFontWorkerProgram)};
     const std::string mGood = MakeTestFont({"Good", "Good"});
 };
@@ -157,7 +158,7 @@ TEST_F(FontWorkerTest, StartsAgainAfterItWasEndedAndJudgesNoFontThatItHasNotRead
     EXPECT_THROW(Scan(mGood), NoFontWorker);
     FontWorker absent(mWorld.Path("nowhere"));
     EXPECT_THROW(absent.Scan(FileOf("font")), NoFontWorker);
-    FontWorker failing(PELLWICK_PROGRAM);  // which ends at once when it is started like this
+    FontWorker failing(BuiltFile(PELLWICK_PROGRAM));  // which ends at once when it is started like this
     const ScanResult unread = failing.Scan(FileOf(mGood));
     EXPECT_TRUE(unread.faces.empty());
     EXPECT_FALSE(unread.isJudged) << "what the process dies of otherwise says nothing about the font";

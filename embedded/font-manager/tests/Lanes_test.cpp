@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "HostileFonts.h"
+#include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "tests/support/AgentTest.h"
@@ -34,7 +35,8 @@ protected:
     }
     /// `waits`: until its copy has arrived, which waits to be read.
     std::unique_ptr<TestProcess> BeginToAdd(const std::string& font, bool waits = false) {
-        auto adding = std::make_unique<TestProcess>(std::vector<std::string>{PELLWICK_PROGRAM, "add", font});
+        auto adding =
+            std::make_unique<TestProcess>(std::vector<std::string>{BuiltFile(PELLWICK_PROGRAM), "add", font});
         EXPECT_TRUE(!waits || Eventually([&] { return !Arriving().empty(); }));
         return adding;
     }

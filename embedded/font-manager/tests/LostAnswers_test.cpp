@@ -1,6 +1,7 @@
 // A host's requests whose answers get lost come to one effect; nothing is held by a host that does not know it.
 #include <thread>
 
+#include "TestFiles.h"
 #include "tests/support/ClientTest.h"
 #include "tests/support/Peers.h"
 
@@ -126,7 +127,7 @@ TEST_F(LostAnswers, ARepeatedRequestIsAnsweredAsTheFirstTime) {
 }
 
 TEST_F(LostAnswers, WhatAnotherHostHoldsCountsAsInactiveSoThatEachReturnsWhatItTook) {
-    TestProcess other({TEST_HOST_PROGRAM, "/other", "Sample-Bold"});
+    TestProcess other({BuiltFile(TEST_HOST_PROGRAM), "/other", "Sample-Bold"});
     ASSERT_EQ(other.ReadLine(), "1");
     HostConnection connection;
     EXPECT_EQ(connection.Open(5), kBefore);

@@ -2,6 +2,7 @@
 
 #include "FrameworkTestSupport.h"
 #include "LoadedFramework.h"
+#include "TestFiles.h"
 #include "platform/Folders.h"
 
 namespace {
@@ -9,7 +10,7 @@ namespace {
 class FactoryTest : public testing::Test {
 protected:
     static OwnedFramework Create(uint32_t version = VantorixPluginFramework::kInterfaceVersion) {
-        return LoadFramework(platform::FullPath(FRAMEWORK_LIBRARY), version);
+        return LoadFramework(BuiltFile(FRAMEWORK_LIBRARY), version);
     }
 
     TemporaryFolder mFolder;
@@ -26,7 +27,7 @@ TEST_F(FactoryTest, OnlyItsOwnVersionIsServed) {
     EXPECT_FALSE(Create(0));
     EXPECT_FALSE(Create(VantorixPluginFramework::kInterfaceVersion + 1));
     EXPECT_TRUE(Create());
-    const auto create = FrameworkFactory(platform::FullPath(FRAMEWORK_LIBRARY));
+    const auto create = FrameworkFactory(BuiltFile(FRAMEWORK_LIBRARY));
     EXPECT_TRUE(OwnedFramework(create(VantorixPluginFramework::kInterfaceVersion, nullptr, nullptr)));
 }
 

@@ -2,6 +2,7 @@
 // agreed.
 #include <gtest/gtest.h>
 
+#include "TestFiles.h"
 #include "platform/Worker.h"
 #include "support/WorkerTestLimits.h"
 
@@ -12,9 +13,9 @@ namespace {
 std::string Ask(const std::string& request, std::string& problem) {
     SystemError error;
     ReadOnlyFile file;
-    const auto worker = Worker::Start(WORKER_PROGRAM, kTestWorkerLimits, error);
+    const auto worker = Worker::Start(BuiltFile(WORKER_PROGRAM), kTestWorkerLimits, error);
     EXPECT_TRUE(worker) << SystemErrorText(error);
-    EXPECT_FALSE(file.Open(WORKER_PROGRAM));
+    EXPECT_FALSE(file.Open(BuiltFile(WORKER_PROGRAM)));
     std::string answer;
     const auto outcome = worker->Exchange(request, file, answer, problem);
     return outcome == Worker::Outcome::kAnswered ? answer : std::string();

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "TemporaryFolder.h"
+#include "TestFiles.h"
 #include "TestProcess.h"
 #include "platform/DebugOutput.h"
 #include "platform/Environment.h"
@@ -36,7 +37,7 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
 TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
     const TemporaryFolder folder;
     const std::string program = folder / "child";
-    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, program));
+    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), program));
     std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     const auto countOfListed = [&] {
         std::vector<platform::ProcessInfo> listed;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "TestFiles.h"
 #include "platform/Processes.h"
 
 inline platform::Processes& Processes() {
@@ -12,7 +13,7 @@ inline platform::Processes& Processes() {
 /// Starts the program with the words, which are quoted as they need to be: the test's own, which does as the
 /// first one says, or another.
 inline std::unique_ptr<platform::ChildProcess> Launch(const std::string& words,
-                                                      const std::string& program = CHILD_PROGRAM) {
+                                                      const std::string& program = BuiltFile(CHILD_PROGRAM)) {
     platform::SystemError error;
     auto child = Processes().Launch(program, "\"" + program + "\" " + words, error);
     EXPECT_FALSE(error) << platform::SystemErrorText(error);

@@ -9,6 +9,7 @@
 
 #include "SecurityAttributes.h"
 #include "TemporaryFolder.h"
+#include "TestFiles.h"
 #include "TestProcess.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
@@ -105,7 +106,7 @@ TEST(Devices, AreNoFiles) {
 
 TEST(Programs, AProgramHasTheNameOfItsFileAndWorksInItsFolder) {
     const TemporaryFolder folder;
-    ASSERT_FALSE(platform::CopyToNewFile(CHILD_PROGRAM, folder / "Photoshop.exe"));
+    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), folder / "Photoshop.exe"));
     const std::string program = platform::AbsolutePath(folder / "PHOTOshop.EXE");
     platform::SystemError error;
     const auto child = platform::Current<platform::Processes>().Launch(

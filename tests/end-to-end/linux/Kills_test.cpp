@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "HostWorld.h"
+#include "TestFiles.h"
 #include "activation/FontVault.h"
 #include "ipc/AgentConnection.h"
 
@@ -147,7 +148,7 @@ void WorkUntilKilled(TestWorld& world, std::vector<RandomClient>& clients, std::
 /// Perhaps first one that dies while it puts things right.
 void StartAgent(TestWorld& world, std::mt19937& random) {
     if (random() % 4 == 0) {
-        TestProcess agent({PELLWICK_PROGRAM});
+        TestProcess agent({BuiltFile(PELLWICK_PROGRAM)});
         SleepAtRandom(random);
         agent.Kill();
         agent.Finish();

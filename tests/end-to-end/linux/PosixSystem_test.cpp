@@ -5,13 +5,14 @@
 #include <unistd.h>
 
 #include "HostWorld.h"
+#include "TestFiles.h"
 
 using testing::HasSubstr;
 
 TEST(EventsCommand, EndsInOrderWhenItIsInterrupted) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
-    TestProcess events({HOST_PROGRAM, "events"});
+    TestProcess events({BuiltFile(HOST_PROGRAM), "events"});
     ASSERT_TRUE(
         Eventually([&] { return !world.Trace().empty(); }));  // the core's: interrupts are caught by then
     kill(static_cast<pid_t>(events.Id()), SIGINT);

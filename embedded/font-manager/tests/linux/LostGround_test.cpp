@@ -1,6 +1,7 @@
 // An agent whose folders go while it runs: those for its socket, and those for its data.
 #include <signal.h>
 
+#include "TestFiles.h"
 #include "platform/Environment.h"
 #include "tests/support/AgentTest.h"
 
@@ -60,7 +61,7 @@ TEST_F(LostGround, TheAgentListensAgainWhereItsSocketOrItsAddressIsGone) {
 TEST_F(LostGround, AnAgentWhoseDataFolderIsGoneEndsAndItsSuccessorIsSpared) {
     for (const bool isMoved : {true, false}) {
         mWorld.StopAgent();
-        TestProcess old({PELLWICK_PROGRAM});
+        TestProcess old({BuiltFile(PELLWICK_PROGRAM)});
         ASSERT_TRUE(Eventually([&] { return IsReached(); }));
         if (isMoved)
             fs::rename(mPlaces.dataFolder, mWorld.Path("moved"));

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "ScopeExit.h"
+#include "TestFiles.h"
 #include "common/FontManagerLimits.h"
 #include "ipc/FrameBuffer.h"
 #include "tests/support/AgentTest.h"
@@ -65,7 +66,8 @@ TEST_F(PosixAgent, EndsInOrderOnASignal) {
 TEST_F(PosixAgent, RefusesNamesThatAreNoTextAndSaysWhenItsOutputCannotBeWritten) {
     EXPECT_THAT(mWorld.Run({"set", "create", "a\xFF"}).errors, HasSubstr("is no text in UTF-8"));
     const ProgramResult result =
-        TestProcess({"/bin/sh", "-c", "exec '" PELLWICK_PROGRAM "' status >/dev/full"}).Finish();
+        TestProcess({"/bin/sh", "-c", "exec '" + BuiltFile(PELLWICK_PROGRAM) + "' status >/dev/full"})
+            .Finish();
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("Pellwick: done, but the results cannot be written"));
 }

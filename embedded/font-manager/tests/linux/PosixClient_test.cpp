@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "TestFiles.h"
 #include "tests/support/ClientTest.h"
 
 namespace pellwick::test {
@@ -21,7 +22,7 @@ TEST(ClientLibrary, ExportsTheContractAndNothingElse) {
 #undef COLLECT
     ASSERT_EQ(expected.size(), 86u);
     std::istringstream symbols(
-        TestProcess({NM_PROGRAM, "-D", "--defined-only", TARNWICK_LIBRARY}).Finish().output);
+        TestProcess({NM_PROGRAM, "-D", "--defined-only", BuiltFile(TARNWICK_LIBRARY)}).Finish().output);
     std::set<std::string> exported;
     for (std::string address, type, name; symbols >> address >> type >> name;)
         exported.insert(name.substr(0, name.find('@')));

@@ -6,6 +6,7 @@
 #include "CoreFoundation++/CFRef.h"
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
+#include "TestFiles.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Folders.h"
 
@@ -32,7 +33,7 @@ struct TestLibrary {
     TestLibrary() {
         auto& libraries = platform::Current<platform::DynamicLibraries>();
         platform::SystemError error;
-        const auto library = libraries.LoadFromPath(platform::FullPath(TARNWICK_LIBRARY), error);
+        const auto library = libraries.LoadFromPath(BuiltFile(TARNWICK_LIBRARY), error);
         if (library == nullptr)
             throw std::runtime_error(libraries.LastLoadFailure());
 #define TEST_LIBRARY_BIND(symbol, parameters)                                                   \

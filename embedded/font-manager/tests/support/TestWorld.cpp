@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "TestFiles.h"
 #include "TestFonts.h"
 #include "common/Locations.h"
 #include "platform/Environment.h"
@@ -11,13 +12,7 @@
 #include "platform/Utf8Path.h"
 
 namespace pellwick::test {
-namespace {
-
 namespace fs = std::filesystem;
-
-constexpr char kAgentProgram[] = PELLWICK_PROGRAM;
-
-}  // namespace
 
 TestWorld::TestWorld(std::string name) : mName(std::move(name)) {
     const fs::path folder = platform::Utf8Path(mTemporaryFolder / mName);
@@ -67,7 +62,7 @@ std::string TestWorld::WriteFont(const std::string& postScriptName, const std::s
 }
 
 void TestWorld::StartAgent() {
-    mAgent = std::make_unique<TestProcess>(std::vector<std::string>{kAgentProgram});
+    mAgent = std::make_unique<TestProcess>(std::vector<std::string>{BuiltFile(PELLWICK_PROGRAM)});
     ASSERT_TRUE(Eventually([&] {
         return platform::ProcessStartTime(mAgent->Id()) != 0 && Run({"status", "--no-start"}).status == 0;
     })) << "the agent does not start";
@@ -93,7 +88,7 @@ void TestWorld::KillAgent() {
 }
 
 ProgramResult TestWorld::Run(const std::vector<std::string>& arguments) const {
-    std::vector<std::string> command = {kAgentProgram};
+    std::vector<std::string> command = {BuiltFile(PELLWICK_PROGRAM)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return TestProcess(command).Finish();
 }

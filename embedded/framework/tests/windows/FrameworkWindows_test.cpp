@@ -6,6 +6,7 @@
 #include <functional>
 #include <thread>
 
+#include "TestFiles.h"
 #include "platform/Folders.h"
 #include "platform/Windowing.h"
 #include "tests/DialogTestSupport.h"
@@ -17,7 +18,7 @@ namespace {
 
 using Framework = VantorixPluginFramework;
 
-const std::string kLibrary = platform::FullPath(FRAMEWORK_LIBRARY);
+const std::string kLibrary = BuiltFile(FRAMEWORK_LIBRARY);
 
 RecordList Workgroups() {
     return Records({WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(7, "Print"),
