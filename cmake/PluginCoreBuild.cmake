@@ -185,7 +185,8 @@ endfunction()
 
 # plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V]
 #                    [DESCRIPTION TEXT])
-# Gives a binary the version pairs that platform/VersionResource.h reads back. Windows shows the description to users.
+# Gives a binary the version pairs that platform/VersionResource.h reads back. Windows shows the description to users,
+# and programs tell it there what they are made for.
 function(plugincore_version target)
   cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION;DESCRIPTION" "" ${ARGN})
   if(WIN32)
@@ -215,11 +216,21 @@ function(plugincore_version target)
   if(DEFINED ARG_PRIVATE_BUILD)
     set(VERSION_FLAGS VS_FF_PRIVATEBUILD)
   endif()
-  set(VERSION_FILE_TYPE VFT_APP)
   get_target_property(type ${target} TYPE)
+  get_target_property(VERSION_FILE_NAME ${target} OUTPUT_NAME)
+  if(NOT VERSION_FILE_NAME)
+    set(VERSION_FILE_NAME ${target})
+  endif()
+  set(VERSION_FILE_TYPE VFT_APP)
+  set(extension .exe)
+  set(VERSION_MANIFEST
+    "CREATEPROCESS_MANIFEST_RESOURCE_ID RT_MANIFEST \"${PROJECT_SOURCE_DIR}/cmake/program.manifest\"")
   if(type STREQUAL SHARED_LIBRARY)
     set(VERSION_FILE_TYPE VFT_DLL)
+    set(extension .dll)
+    set(VERSION_MANIFEST "")
   endif()
+  string(APPEND VERSION_FILE_NAME ${extension})
   set(VERSION_DESCRIPTION "${target}")
   if(DEFINED ARG_DESCRIPTION)
     set(VERSION_DESCRIPTION "${ARG_DESCRIPTION}")

@@ -46,8 +46,8 @@
  * PLUGINCORE_NOT_STARTED, asks nothing, and the functions answer as for a plug-in that is switched off.
  *
  * Loading. Not from DllMain, nor from what runs within it: the library loads others and starts threads. On
- * Windows the library needs CoreFoundation.dll beside it. A plug-in in another folder than the
- * host's program loads it by its full path with LoadLibraryEx and LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
+ * Windows the library needs VantorixCoreFoundation.dll beside it. A plug-in in another folder than the host's
+ * program loads it by its full path with LoadLibraryEx and LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
  * LOAD_LIBRARY_SEARCH_DEFAULT_DIRS. Once loaded it stays, whoever unloads it.
  */
 #ifndef PLUGIN_CORE_INTERFACE_H
