@@ -16,12 +16,26 @@ bool IsLanguageCode(const std::string& text) {
            std::islower(static_cast<unsigned char>(text[1]));
 }
 
+/// The first of the languages that the user wants programs in, as "de-DE".
 std::string SystemLanguage() {
-    std::array<wchar_t, 16> code{};
-    const LCID locale = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
-    GetLocaleInfoW(locale, LOCALE_SISO639LANGNAME, code.data(), static_cast<int>(code.size()));
-    const std::string language = ToUtf8(code.data());
-    return IsLanguageCode(language) ? language.substr(0, 2) : "en";
+    std::array<wchar_t, 1024> names{};
+    auto size = static_cast<ULONG>(names.size());
+    ULONG count = 0;
+    if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, names.data(), &size) || count == 0)
+        return {};
+    return ToUtf8(names.data());
+}
+
+/// The variables that elsewhere tell the language; on Windows they are meant for programs from there.
+std::string PortableLanguage() {
+    if (EnvironmentVariable("PLUGINCORE_PORTABLE").empty())
+        return {};
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const std::string locale = EnvironmentVariable(variable);
+        if (!locale.empty())
+            return locale;
+    }
+    return {};
 }
 
 HANDLE HandleOf(StandardStream stream) {
@@ -56,12 +70,9 @@ int TerminalWidth(StandardStream stream) {
 }
 
 std::string UserLanguage() {
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const std::string locale = EnvironmentVariable(variable);
-        if (!locale.empty())
-            return IsLanguageCode(locale) ? locale.substr(0, 2) : "en";
-    }
-    return SystemLanguage();
+    const std::string portable = PortableLanguage();
+    const std::string language = portable.empty() ? SystemLanguage() : portable;
+    return IsLanguageCode(language) ? language.substr(0, 2) : "en";
 }
 
 }  // namespace platform

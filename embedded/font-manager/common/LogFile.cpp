@@ -1,5 +1,7 @@
 #include "common/LogFile.h"
 
+#include <cstdint>
+#include <filesystem>
 #include <system_error>
 
 #include "PrintableText.h"
@@ -13,53 +15,42 @@ using platform::SystemError;
 SystemError LogFile::Open(const std::string& path) {
     const std::lock_guard guard(mFileLock);
     mPath = path;
-    return OpenForAppending();
+    platform::AppendedFile file;
+    const SystemError error = MakeFolder();
+    return error ? error : file.Open(mPath);
 }
 
+// A file that one process kept open could not be renamed by another on Windows.
 SystemError LogFile::Write(std::string_view text) {
     const std::lock_guard guard(mFileLock);
     if (mPath.empty())
         return {};
-    SystemError error = IsInPlace() ? SystemError{} : OpenForAppending();
-    if (!error)
-        error = RotateIfFull();
-    if (!error)
-        error = mFile.Append(text);
-    if (error)
-        mFile.Close();
-    mSize += text.size();
-    return error;
+    RotateIfFull();
+    platform::AppendedFile file;
+    SystemError error = file.Open(mPath);
+    if (error.IsNotFound()) {
+        error = MakeFolder();
+        if (!error)
+            error = file.Open(mPath);
+    }
+    return error ? error : file.Append(text);
 }
 
 SystemError LogFile::WriteLine(std::string_view line) {
     return Write(PrintableText(line) + "\n");
 }
 
-bool LogFile::IsInPlace() const {
-    platform::FileIdentity found;
-    return mFile.IsOpen() && !platform::IdentifyFile(mPath, found) && found == mIdentity;
-}
-
-SystemError LogFile::OpenForAppending() {
+SystemError LogFile::MakeFolder() const {
     const std::string folder = platform::Utf8Text(platform::Utf8Path(mPath).parent_path());
-    SystemError error = folder.empty() ? SystemError{} : platform::MakeFolders(folder, true);
-    if (!error)
-        error = mFile.Open(mPath);
-    if (!error)
-        error = platform::IdentifyFile(mPath, mIdentity);
-    return error ? error : platform::FileSize(mPath, mSize);
+    return folder.empty() ? SystemError{} : platform::MakeFolders(folder, true);
 }
 
-SystemError LogFile::RotateIfFull() {
-    if (mSize < kMaxLogSize)
-        return {};
-    mFile.Close();
-    std::error_code failure;
-    std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(mPath + ".1"), failure);
-    const SystemError error = OpenForAppending();
-    if (failure)  // better a log that goes on than none; the next try comes after as much text again
-        mSize = 0;
-    return error;
+void LogFile::RotateIfFull() const {
+    uint64_t size = 0;
+    if (platform::FileSize(mPath, size) || size < kMaxLogSize)
+        return;
+    std::error_code ignored;  // better a log that goes on than none; the next line tries again
+    std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(mPath + ".1"), ignored);
 }
 
 }  // namespace pellwick

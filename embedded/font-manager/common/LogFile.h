@@ -1,7 +1,6 @@
 // A log file of bounded size.
 #pragma once
 
-#include <cstdint>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -10,9 +9,9 @@
 
 namespace pellwick {
 
-/// Appends text to a file. When the file has reached kMaxLogSize it is renamed to NAME.1, in place of an
-/// earlier one, and begun anew. After a failure, and where somebody has taken the file away, the next write
-/// begins with opening it again. Any thread.
+/// Appends text to a file, which is open only meanwhile: several processes may write it, and anybody take it away.
+/// When it has reached kMaxLogSize, whoever wrote it, it is renamed to NAME.1, in place of an earlier one, and begun
+/// anew. Any thread.
 class LogFile {
 public:
     /// Opens the file at `path` (UTF-8), making its folder, both for this user only. Ends an earlier file.
@@ -23,15 +22,11 @@ public:
     platform::SystemError WriteLine(std::string_view line);
 
 private:
-    platform::SystemError OpenForAppending();
-    platform::SystemError RotateIfFull();
-    bool IsInPlace() const;
+    platform::SystemError MakeFolder() const;
+    void RotateIfFull() const;
 
     std::mutex mFileLock;
     std::string mPath;
-    platform::AppendedFile mFile;
-    platform::FileIdentity mIdentity;
-    uint64_t mSize = 0;
 };
 
 }  // namespace pellwick

@@ -1,6 +1,7 @@
 // What a plug-in gets from the client library of fonts and their files, while all is well.
 #include "TestFonts.h"
 #include "common/FontManagerLimits.h"
+#include "common/LogFile.h"
 #include "platform/Files.h"
 #include "tests/support/ClientTest.h"
 
@@ -262,8 +263,13 @@ TEST(ClientLog, WritesIntoTheFolderForLogsAndStaysBounded) {
     ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
     ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
     const std::string piece(1 << 20, 'x');
-    for (int count = 0; count < 13; ++count)
+    LogFile other;  // as of another host of the name
+    EXPECT_FALSE(other.Open(world.Path("data/Vantorix/Logs/Plugin.log")));
+    EXPECT_EQ(library.Log(thread, piece.c_str()), 0u);
+    for (int count = 0; count < 6; ++count) {
+        EXPECT_FALSE(other.Write(piece));
         EXPECT_EQ(library.Log(thread, piece.c_str()), 0u);
+    }
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")).size(), 3u << 20);
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log.1")).size(), 5u << 20);
     EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);

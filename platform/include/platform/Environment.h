@@ -18,7 +18,8 @@ bool IsTerminal(StandardStream stream);
 /// How many columns it shows a person; 0 when it is no terminal, or does not tell.
 int TerminalWidth(StandardStream stream);
 
-/// The user's language as a two-letter code in lower case ("en", "de"); "en" when none is set.
+/// The user's language as a two-letter code in lower case ("en", "de"); "en" when none is set. On Windows the system's,
+/// unless PLUGINCORE_PORTABLE is set: then the variables that tell it elsewhere, LC_ALL and the rest.
 std::string UserLanguage();
 
 }  // namespace platform

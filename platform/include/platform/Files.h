@@ -101,8 +101,8 @@ void RemoveAbandonedWrites(const std::string& path);
 /// is made is closed to others, those above it included.
 SystemError MakeFolders(const std::string& path, bool privateToUser = false);
 
-/// A regular file that text is added to at its end, also by several processes at once; closes itself. One
-/// thread.
+/// A regular file that text is added to at its end, also by several processes at once, and that no process which is
+/// started inherits; closes itself. Windows: while it is open, nobody can rename or remove it. One thread.
 class AppendedFile {
 public:
     AppendedFile();

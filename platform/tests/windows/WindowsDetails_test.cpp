@@ -11,6 +11,7 @@
 #include "TemporaryFolder.h"
 #include "TestFiles.h"
 #include "TestProcess.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "platform/Processes.h"
@@ -54,8 +55,6 @@ TEST(Rights, FontsAreReadByTheFontCacheAndStoreProgramsToo) {
         unsigned char sid[SECURITY_MAX_SID_SIZE];
         DWORD size = sizeof sid;
         EXPECT_TRUE(CreateWellKnownSid(who, nullptr, sid, &size));
-        TRUSTEEW trustee{};
-        BuildTrusteeWithSidW(&trustee, sid);
         BOOL isPresent = FALSE;
         BOOL isDefaulted = FALSE;
         PACL list = nullptr;
@@ -90,6 +89,16 @@ TEST(Programs, AProgramOutlivesTheJobOfTheOneThatStartsIt) {
     KillProcess(child->Id());
     CloseHandle(process);
     CloseHandle(job);
+}
+
+TEST(Language, IsThatOfTheSystemWhateverOtherSystemsTellByVariables) {
+    const std::string before = platform::EnvironmentVariable("LC_ALL");
+    platform::SetEnvironment("LC_ALL", "xx_XX.UTF-8");
+    EXPECT_EQ(platform::UserLanguage(), "xx") << "in a portable installation";
+    platform::SetEnvironment("PLUGINCORE_PORTABLE", "");
+    EXPECT_NE(platform::UserLanguage(), "xx");
+    platform::SetEnvironment("PLUGINCORE_PORTABLE", "1");
+    platform::SetEnvironment("LC_ALL", before);
 }
 
 TEST(Devices, AreNoFiles) {
