@@ -120,4 +120,8 @@ std::optional<InstalledFonts> FindInstalledFonts() {
     return InstalledFonts{{files.begin(), files.end()}, {folders.begin(), folders.end()}};
 }
 
+std::string WhyNeverShown(std::string_view) {
+    return {};
+}
+
 }  // namespace platform

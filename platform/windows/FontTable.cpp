@@ -185,4 +185,12 @@ FontTable& SystemDefault<FontTable>() {
     return table;
 }
 
+std::string WhyNeverShown(std::string_view extension) {
+    if (extension == ".pfb" || extension == ".pfa")
+        return "Windows shows Type 1 fonts only with their metrics, a .pfm file beside them";
+    if (extension == ".dfont")
+        return "Windows does not show font suitcases of the Macintosh";
+    return {};
+}
+
 }  // namespace platform

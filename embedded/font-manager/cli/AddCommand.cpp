@@ -4,11 +4,13 @@
 #include <nlohmann/json.hpp>
 
 #include "FontRecordKeys.h"
+#include "StringConversion.h"
 #include "cli/PellwickWords.h"
 #include "cli/Progress.h"
 #include "common/Protocol.h"
 #include "platform/Console.h"
 #include "platform/Files.h"
+#include "platform/FontTable.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick::cli {
@@ -26,6 +28,7 @@ struct AddResult {
     Json known = Json::array();
     Json failures = Json::array();
     Json leftOut = Json::array();  ///< links in folders that are not followed
+    Json unseen = Json::array();   ///< what was added, of kinds that this system shows to no program
     int skipped = 0;               ///< files in folders that are no fonts
 };
 
@@ -95,6 +98,10 @@ void AddFile(AgentSession& session, const FoundFile& file, const std::string& wo
             result.failures.push_back({{"path", file.path}, {"reason", reason}});
         return;
     }
+    const std::string extension = platform::Utf8Text(platform::Utf8Path(file.path).extension());
+    const std::string unseen = platform::WhyNeverShown(AsciiLowerCase(extension));
+    if (!unseen.empty())
+        Note(result.unseen, platform::Utf8Path(file.path), unseen);
     Json& list = BoolMember(answer, member::kAlreadyKnown) ? result.known : result.added;
     for (const Json& font : ArrayMember(answer, member::kFonts))
         list.push_back(font);
@@ -117,6 +124,8 @@ void PrintAddResult(const AddResult& result) {
         PrintLine("added " + StringMember(font, kGS_PostScriptNameKey));
     for (const Json& each : result.leftOut)
         PrintLine("left out " + StringMember(each, "path") + ": " + StringMember(each, "reason"));
+    for (const Json& each : result.unseen)
+        PrintLine("never seen " + StringMember(each, "path") + ": " + StringMember(each, "reason"));
     if (!result.known.empty())
         PrintLine(std::to_string(result.known.size()) + " known already");
     if (result.skipped != 0)
@@ -129,6 +138,7 @@ void Report(const AgentSession& session, const AddResult& result) {
                    {"alreadyKnown", result.known},
                    {"failed", result.failures},
                    {"leftOut", result.leftOut},
+                   {"neverSeen", result.unseen},
                    {"skipped", result.skipped}});
     else
         PrintAddResult(result);

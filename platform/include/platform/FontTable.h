@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Service.h"
@@ -46,6 +47,10 @@ public:
 
 template <>
 FontTable& SystemDefault<FontTable>();
+
+/// Why the system shows the fonts of a file with that extension (with its dot, lower case) to no program, for people;
+/// empty where it does show them.
+std::string WhyNeverShown(std::string_view extension);
 
 /// The font files that the system offers to every program, by being in a folder or a list of the system's or
 /// the user's. Full paths, UTF-8.

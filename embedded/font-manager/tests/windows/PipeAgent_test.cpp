@@ -1,6 +1,7 @@
-// The agent at a pipe whose name others know.
+// The agent at a pipe whose name others know, and what the system makes of its fonts.
 #include <windows.h>
 
+#include "TestFonts.h"
 #include "platform/LocalStream.h"
 #include "tests/support/AgentTest.h"
 
@@ -23,6 +24,17 @@ TEST(PipeAgent, StartsWhileSomebodyHasItsNameOrAClientOfADeadAgentItsPipe) {
     world.KillAgent();
     world.StartAgent();
     EXPECT_EQ(world.Run({"status", "--no-start"}).status, 0);
+}
+
+TEST(Add, SaysOfFontsThatWindowsShowsNoProgramWhy) {
+    TestWorld world;
+    world.StartAgent();
+    world.Write("in/One.ttf", MakeTestFont({"One", "One"}));
+    world.Write("in/Suitcase.DFONT", MakeTestFont({"Two", "Two"}));
+    const ProgramResult result = world.Run({"add", world.Path("in")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, testing::AllOf(testing::ContainsRegex("never seen .*DFONT: Windows does not"),
+                                              testing::Not(HasSubstr("One.ttf"))));
 }
 
 }  // namespace
