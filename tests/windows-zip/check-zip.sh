@@ -18,26 +18,29 @@ found=$(grep -rlaF "$build/" bin lib tests || true)
 find . -type f | sort >"$work/before"
 cd /
 # Wine quotes for programs, not for its shell.
-printf '@set "TEMP=%%TEMPORARY%%"\r\n@call "%%PLACE%%\\run-tests.cmd" %%*\r\n' >"$work/run.cmd"
-# run LAST-LINE NAME...
+printf '@set "TEMP=%%TEMPORARY%%"\r\n@call "%%PLACE%%\\run-tests.cmd" %%*\r\n@exit /b %%ERRORLEVEL%%\r\n' >"$work/run.cmd"
+# run STATUS LAST-LINE NAME...
 run() {
-  expected=$1
-  shift
-  LC_ALL=C.UTF-8 PLACE="Z:$place" TEMPORARY="Z:$work/temporary" "$wine" cmd /c "$work/run.cmd" "$@" | tr -d '\r' >"$work/output"
-  [ "$(tail -n 1 "$work/output")" = "$expected" ] || {
+  status=$1 expected=$2
+  shift 2
+  found=0
+  LC_ALL=C.UTF-8 PLACE="Z:$place" TEMPORARY="Z:$work/temporary" \
+    "$wine" cmd /c "$work/run.cmd" "$@" >"$work/output" || found=$?
+  [ "$found $(tail -n 1 "$work/output" | tr -d '\r')" = "$status $expected" ] || {
     cat "$work/output"
     find "$place/logs" "$work/temporary" -name '*.log' -exec tail -n 50 {} +
-    fail "not: $expected"
+    fail "status $found, not $status $expected"
   }
 }
 
-run "2 passed, 0 failed, 0 skipped" platform-tests framework-tests
+run 0 "2 passed, 0 failed, 0 skipped" platform-tests framework-tests
 [ -s "$place/logs/platform-tests.log" ] || fail "no log"
 rm -r "$place/logs"
 (cd "$place" && find . -type f | sort) | diff "$work/before" - || fail "the tests changed their folder"
 
-# Nothing can be written there, and a helper of the tests is missing.
+# Nothing can be written there, and what a test needs is missing.
 touch "$place/logs"
-rm "$place/tests/platform-test-child.exe"
-run "0 passed, 2 failed, 0 skipped" platform-tests no-such-tests
-[ -s "$work/temporary/plugincore-test-logs/platform-tests.log" ] || fail "no log among the temporary files"
+run 1 "1 passed, 1 failed, 0 skipped" framework-tests no-such-tests
+[ -s "$work/temporary/plugincore-test-logs/framework-tests.log" ] || fail "no log among the temporary files"
+rm "$place/tests/VantorixCoreFoundation.dll"
+run 1 "0 passed, 1 failed, 0 skipped" framework-tests
