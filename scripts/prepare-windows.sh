@@ -12,10 +12,12 @@ keep_wine() {
   scripts/wine wineboot -u >/dev/null 2>&1 </dev/null
 }
 
-# Runs a command with Wine kept at hand, and ends what is left of it.
+# Runs a command with Wine kept at hand, and ends what is left of it. Wine's desktop is begun first: the first program
+# that makes a window would begin it otherwise, and the desktop keep that one's pipes open.
 with_wine() {
   local status=0
   keep_wine
+  scripts/wine explorer /desktop >/dev/null 2>&1 </dev/null &
   "$@" || status=$?
   WINEPREFIX=$PWD/build/wine wineserver -k >/dev/null 2>&1 || true
   return $status

@@ -20,11 +20,12 @@ set PLUGINCORE_PORTABLE=1
 set passed=0
 set failed=0
 set skipped=0
-if "%~1"=="" (
-  for /f "delims=" %%p in ('dir /b "%root%tests\*-tests.exe"') do call :run "%%~np"
-) else (
-  for %%p in (%*) do call :run "%%~p"
-)
+if not "%~1"=="" goto named
+for /f "delims=" %%p in ('dir /b "%root%tests\*-tests.exe"') do call :run "%%~np"
+goto counts
+:named
+for %%p in (%*) do call :run "%%~p"
+:counts
 echo %passed% passed, %failed% failed, %skipped% skipped
 if not %failed%==0 exit /b 1
 if %passed%==0 exit /b 1
