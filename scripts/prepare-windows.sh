@@ -17,7 +17,7 @@ keep_wine() {
 with_wine() {
   local status=0
   keep_wine
-  scripts/wine explorer /desktop >/dev/null 2>&1 </dev/null &
+  scripts/wine rundll32 user32.dll,GetDesktopWindow >/dev/null 2>&1 </dev/null || true
   "$@" || status=$?
   WINEPREFIX=$PWD/build/wine wineserver -k >/dev/null 2>&1 || true
   return $status
