@@ -20,7 +20,7 @@ bool IsHarmless(std::string_view word) {
     return !word.empty() && std::all_of(word.begin(), word.end(), [](char character) {
         return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
                (character >= '0' && character <= '9') || character == '.' || character == '-' ||
-               character == '_';
+               character == '_' || character == ' ';
     });
 }
 

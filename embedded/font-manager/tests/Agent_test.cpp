@@ -229,6 +229,8 @@ TEST_F(Agent, NoticesAFontOfOtherBytesOrNoneAndHealsItWhenItIsAddedAgain) {
     mWorld.StartAgent();
     EXPECT_EQ(state(), kFontActivationState_Missing);
     EXPECT_EQ(Run({"add", font, "--workgroup", "System Fonts"}), 1);
+    for (const char* word : {"active", "in use", "missing", "system", "-"})
+        EXPECT_EQ(Run({"list", "--state", word}), 0) << word;
     Run({"add", font});
     Run({"activate", "Sample-Bold"});
     const fs::path file = platform::Utf8Path(mWorld.VaultFiles().at(0));
