@@ -24,10 +24,6 @@ CFArray* CreateFilled(Mutability mutability, const CFArrayCallBacks* callBacks, 
     });
 }
 
-CFArray* CreateCopy(Mutability mutability, const CFArray& source) {
-    return CreateFilled(mutability, &source.CallBacks(), source.Values(), source.Count());
-}
-
 }  // namespace
 
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, RetainObject, ReleaseObject, CFCopyDescription, CFEqual};
@@ -45,24 +41,12 @@ bool CFArray::AreEqual(const void* value1, const void* value2) const {
     return value1 == value2 || (mCallBacks.equal != nullptr && mCallBacks.equal(value1, value2));
 }
 
-CFIndex CFArray::IndexOf(CFRange range, const void* value) const {
-    const auto first = mValues.begin() + range.location;
-    const auto last = first + range.length;
-    const auto found = std::find_if(first, last, [&](const void* own) { return AreEqual(own, value); });
-    return found != last ? found - mValues.begin() : static_cast<CFIndex>(kCFNotFound);
-}
-
 void CFArray::Append(const void* const* values, CFIndex count) {
     // Room first, so that what is retained is sure to be stored.
     if (mValues.capacity() - mValues.size() < static_cast<size_t>(count))
         mValues.reserve(std::max(mValues.size() + static_cast<size_t>(count), 2 * mValues.size()));
     std::transform(values, values + count, std::back_inserter(mValues),
                    [this](const void* value) { return Retained(value); });
-}
-
-void CFArray::Insert(CFIndex index, const void* value) {
-    const auto position = mValues.insert(mValues.begin() + index, value);
-    *position = Retained(value);
 }
 
 void CFArray::Replace(CFIndex index, const void* value) {
@@ -79,13 +63,6 @@ void CFArray::Clear() noexcept {
     const std::vector<const void*> removed = std::exchange(mValues, {});
     for (const void* value : removed)
         ReleaseValue(value);
-}
-
-void CFArray::Sort(CFRange range, CFComparatorFunction comparator, void* context) {
-    const auto first = mValues.begin() + range.location;
-    std::stable_sort(first, first + range.length, [&](const void* value1, const void* value2) {
-        return comparator(value1, value2, context) == kCFCompareLessThan;
-    });
 }
 
 bool CFArray::Equals(const Object& other) const {
@@ -114,22 +91,8 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex count,
     return CreateFilled(Mutability::kImmutable, callBacks, values, count);
 }
 
-CFArrayRef CFArrayCreateCopy(CFAllocatorRef, CFArrayRef array) {
-    const CFArray* checked = Check<CFArray>(array);
-    if (checked == nullptr)
-        return nullptr;
-    if (checked->mMutability == Mutability::kImmutable)
-        return static_cast<CFArrayRef>(CFRetain(array));
-    return CreateCopy(Mutability::kImmutable, *checked);
-}
-
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex, const CFArrayCallBacks* callBacks) {
     return Create<CFArray>(Mutability::kMutable, callBacks);
-}
-
-CFMutableArrayRef CFArrayCreateMutableCopy(CFAllocatorRef, CFIndex, CFArrayRef array) {
-    const CFArray* checked = Check<CFArray>(array);
-    return checked != nullptr ? CreateCopy(Mutability::kMutable, *checked) : nullptr;
 }
 
 CFIndex CFArrayGetCount(CFArrayRef array) {
@@ -140,24 +103,6 @@ CFIndex CFArrayGetCount(CFArrayRef array) {
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
     const CFArray* checked = Check<CFArray>(array);
     return checked != nullptr && RequireIndex(index, checked->Count()) ? checked->At(index) : nullptr;
-}
-
-Boolean CFArrayContainsValue(CFArrayRef array, CFRange range, const void* value) {
-    return CFArrayGetFirstIndexOfValue(array, range, value) != kCFNotFound;
-}
-
-CFIndex CFArrayGetFirstIndexOfValue(CFArrayRef array, CFRange range, const void* value) {
-    const CFArray* checked = Check<CFArray>(array);
-    const bool isValid = checked != nullptr && RequireRange(range, checked->Count());
-    return isValid ? checked->IndexOf(range, value) : static_cast<CFIndex>(kCFNotFound);
-}
-
-void CFArrayApplyFunction(CFArrayRef array, CFRange range, CFArrayApplierFunction applier, void* context) {
-    const CFArray* checked = Check<CFArray>(array);
-    if (checked == nullptr || !RequireRange(range, checked->Count()))
-        return;
-    for (CFIndex i = range.location; i < range.location + range.length; ++i)
-        applier(checked->At(i), context);
 }
 
 void CFArrayAppendValue(CFMutableArrayRef array, const void* value) {
@@ -175,12 +120,6 @@ void CFArrayAppendArray(CFMutableArrayRef array, CFArrayRef other, CFRange other
         const std::vector<const void*> values(first, first + otherRange.length);  // both may be one array
         checked->Append(values.data(), otherRange.length);
     });
-}
-
-void CFArrayInsertValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value) {
-    CFArray* checked = CheckMutable(array);
-    if (checked != nullptr && RequireIndex(index, checked->Count() + 1))
-        Guarded([&] { checked->Insert(index, value); });
 }
 
 void CFArraySetValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value) {
@@ -202,13 +141,4 @@ void CFArrayRemoveValueAtIndex(CFMutableArrayRef array, CFIndex index) {
 void CFArrayRemoveAllValues(CFMutableArrayRef array) {
     if (CFArray* checked = CheckMutable(array))
         checked->Clear();
-}
-
-void CFArraySortValues(CFMutableArrayRef array, CFRange range, CFComparatorFunction comparator,
-                       void* context) {
-    CFArray* checked = CheckMutable(array);
-    const bool isValid = checked != nullptr && Require(comparator != nullptr, "sorting needs a comparator") &&
-                         RequireRange(range, checked->Count());
-    if (isValid)
-        checked->Sort(range, comparator, context);
 }

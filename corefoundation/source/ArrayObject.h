@@ -15,14 +15,11 @@ public:
     const CFArrayCallBacks& CallBacks() const noexcept { return mCallBacks; }
     CFIndex Count() const noexcept { return static_cast<CFIndex>(mValues.size()); }
     const void* At(CFIndex index) const { return mValues[static_cast<size_t>(index)]; }
-    CFIndex IndexOf(CFRange range, const void* value) const;
 
     void Append(const void* const* values, CFIndex count);
-    void Insert(CFIndex index, const void* value);
     void Replace(CFIndex index, const void* value);
     void Remove(CFIndex index);
     void Clear() noexcept;
-    void Sort(CFRange range, CFComparatorFunction comparator, void* context);
 
     const void* const* Values() const noexcept { return mValues.data(); }
 

@@ -35,30 +35,8 @@ CFTypeID CFDataGetTypeID(void) {
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
     if (!RequireBytes(bytes, length))
         return nullptr;
-    return Guarded<CFDataRef>(nullptr, [&] {
-        return Create<CFData>(Mutability::kImmutable, std::vector<UInt8>(bytes, bytes + length));
-    });
-}
-
-CFDataRef CFDataCreateCopy(CFAllocatorRef allocator, CFDataRef data) {
-    const CFData* checked = Check<CFData>(data);
-    if (checked == nullptr)
-        return nullptr;
-    if (checked->mMutability == Mutability::kImmutable)
-        return static_cast<CFDataRef>(CFRetain(data));
-    return CFDataCreate(allocator, CFDataGetBytePtr(data), CFDataGetLength(data));
-}
-
-CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex) {
-    return Create<CFData>(Mutability::kMutable);
-}
-
-CFMutableDataRef CFDataCreateMutableCopy(CFAllocatorRef, CFIndex, CFDataRef data) {
-    const CFData* checked = Check<CFData>(data);
-    if (checked == nullptr)
-        return nullptr;
-    return Guarded<CFMutableDataRef>(
-        nullptr, [&] { return Create<CFData>(Mutability::kMutable, std::vector<UInt8>(checked->mBytes)); });
+    return Guarded<CFDataRef>(nullptr,
+                              [&] { return Create<CFData>(std::vector<UInt8>(bytes, bytes + length)); });
 }
 
 CFIndex CFDataGetLength(CFDataRef data) {
@@ -69,16 +47,4 @@ CFIndex CFDataGetLength(CFDataRef data) {
 const UInt8* CFDataGetBytePtr(CFDataRef data) {
     const CFData* checked = Check<CFData>(data);
     return checked != nullptr ? checked->mBytes.data() : nullptr;
-}
-
-void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* buffer) {
-    const CFData* checked = Check<CFData>(data);
-    if (checked != nullptr && RequireRange(range, static_cast<CFIndex>(checked->mBytes.size())))
-        std::copy_n(checked->mBytes.begin() + range.location, range.length, buffer);
-}
-
-void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex length) {
-    CFData* checked = CheckMutable(data);
-    if (checked != nullptr && RequireBytes(bytes, length))
-        Guarded([&] { checked->mBytes.insert(checked->mBytes.end(), bytes, bytes + length); });
 }

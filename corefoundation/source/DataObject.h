@@ -8,8 +8,7 @@
 #include "Runtime.h"
 
 struct CFData final : corefoundation::TypedObject<CFData, corefoundation::kDataType> {
-    explicit CFData(corefoundation::Mutability mutability, std::vector<UInt8> bytes = {})
-        : mBytes(std::move(bytes)), mMutability(mutability) {}
+    explicit CFData(std::vector<UInt8> bytes) : mBytes(std::move(bytes)) {}
 
     std::span<const UInt8> Bytes() const noexcept { return mBytes; }
 
@@ -19,6 +18,5 @@ struct CFData final : corefoundation::TypedObject<CFData, corefoundation::kDataT
     CFHashCode Hash() const override;
     std::string Describe() const override;
 
-    std::vector<UInt8> mBytes;
-    const corefoundation::Mutability mMutability;
+    const std::vector<UInt8> mBytes;
 };

@@ -1,7 +1,6 @@
 #include "DictionaryObject.h"
 
 using namespace corefoundation;
-using Setting = CFDictionary::Setting;
 
 namespace {
 
@@ -28,14 +27,9 @@ CFDictionary* CreateCopy(Mutability mutability, const CFDictionary& source) {
     return Guarded<CFDictionary*>(nullptr, [&] {
         auto copy =
             std::make_unique<CFDictionary>(mutability, &source.KeyCallBacks(), &source.ValueCallBacks());
-        source.ForEach([&](const auto& entry) { copy->Set(entry.key, entry.value, Setting::kAdd); });
+        source.ForEach([&](const auto& entry) { copy->Set(entry.key, entry.value); });
         return copy.release();
     });
-}
-
-void SetChecked(CFMutableDictionaryRef dictionary, const void* key, const void* value, Setting setting) {
-    if (CFDictionary* checked = CheckMutable(dictionary))
-        Guarded([&] { checked->Set(key, value, setting); });
 }
 
 }  // namespace
@@ -65,14 +59,10 @@ CFDictionary::Entry* CFDictionary::Find(const void* key) {
     });
 }
 
-void CFDictionary::Set(const void* key, const void* value, Setting setting) {
-    const auto allows = [&](Setting part) {
-        return (static_cast<int>(setting) & static_cast<int>(part)) != 0;
-    };
+void CFDictionary::Set(const void* key, const void* value) {
     if (Entry* entry = Find(key)) {
-        if (allows(Setting::kReplace))
-            ReleaseBy(mValueCallBacks, std::exchange(entry->value, RetainedBy(mValueCallBacks, value)));
-    } else if (allows(Setting::kAdd)) {
+        ReleaseBy(mValueCallBacks, std::exchange(entry->value, RetainedBy(mValueCallBacks, value)));
+    } else {
         // Room first, so that what is retained is sure to be stored.
         mTable.Reserve(1);
         mTable.Add(RetainedBy(mKeyCallBacks, key), RetainedBy(mValueCallBacks, value), HashOf(key));
@@ -121,21 +111,6 @@ CFTypeID CFDictionaryGetTypeID(void) {
     return kDictionaryType;
 }
 
-CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex count,
-                                   const CFDictionaryKeyCallBacks* keyCallBacks,
-                                   const CFDictionaryValueCallBacks* valueCallBacks) {
-    const bool isValid = count == 0 || (count > 0 && keys != nullptr && values != nullptr);
-    if (!Require(isValid, "a dictionary needs its keys and values"))
-        return nullptr;
-    return Guarded<CFDictionaryRef>(nullptr, [&] {
-        auto dictionary =
-            std::make_unique<CFDictionary>(Mutability::kImmutable, keyCallBacks, valueCallBacks);
-        for (CFIndex i = 0; i < count; ++i)
-            dictionary->Set(keys[i], values[i], Setting::kAdd);
-        return dictionary.release();
-    });
-}
-
 CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef, CFDictionaryRef dictionary) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
     if (checked == nullptr)
@@ -162,21 +137,9 @@ CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-    const void* value = nullptr;
-    CFDictionaryGetValueIfPresent(dictionary, key, &value);
-    return value;
-}
-
-Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
     const CFDictionary* checked = Check<CFDictionary>(dictionary);
     const auto* entry = checked != nullptr ? checked->Find(key) : nullptr;
-    if (entry != nullptr && value != nullptr)
-        *value = entry->value;
-    return entry != nullptr;
-}
-
-Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key) {
-    return CFDictionaryGetValueIfPresent(dictionary, key, nullptr);
+    return entry != nullptr ? entry->value : nullptr;
 }
 
 Boolean CFDictionaryContainsValue(CFDictionaryRef dictionary, const void* value) {
@@ -208,15 +171,8 @@ void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFu
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    SetChecked(dictionary, key, value, Setting::kAddOrReplace);
-}
-
-void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    SetChecked(dictionary, key, value, Setting::kAdd);
-}
-
-void CFDictionaryReplaceValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    SetChecked(dictionary, key, value, Setting::kReplace);
+    if (CFDictionary* checked = CheckMutable(dictionary))
+        Guarded([&] { checked->Set(key, value); });
 }
 
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key) {

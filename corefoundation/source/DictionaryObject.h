@@ -23,8 +23,7 @@ public:
     }
     bool AreEqualValues(const void* value1, const void* value2) const;
 
-    enum class Setting { kAdd = 1, kReplace = 2, kAddOrReplace = 3 };
-    void Set(const void* key, const void* value, Setting setting);
+    void Set(const void* key, const void* value);
     void Remove(const void* key);
     void Clear() noexcept;
 

@@ -227,10 +227,3 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
         return converted.exact;
     });
 }
-
-CFComparisonResult CFNumberCompare(CFNumberRef number1, CFNumberRef number2, void*) {
-    const CFNumber* left = Check<CFNumber>(number1);
-    const CFNumber* right = Check<CFNumber>(number2);
-    const int order = left != nullptr && right != nullptr ? OrderNumbers(*left, *right) : 0;
-    return static_cast<CFComparisonResult>(order);
-}

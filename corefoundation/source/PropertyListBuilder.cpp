@@ -176,9 +176,7 @@ CFRef<CFTypeRef> PropertyListBuilder::DataFrom(const std::string& text) const {
     auto bytes = cf::DecodeBase64(text);
     if (!bytes)
         throw PropertyListError("<data> does not hold valid base64");
-    const bool isMutable = mMutability == kCFPropertyListMutableContainersAndLeaves;
-    const auto mutability = isMutable ? Mutability::kMutable : Mutability::kImmutable;
-    return Made(AdoptCF<CFTypeRef>(Create<CFData>(mutability, std::move(*bytes))));
+    return Made(AdoptCF<CFTypeRef>(Create<CFData>(std::move(*bytes))));
 }
 
 void PropertyListBuilder::Store(CFRef<CFTypeRef> value) {

@@ -170,6 +170,6 @@ CFDataRef CFPropertyListCreateXMLData(CFAllocatorRef, CFPropertyListRef property
         return nullptr;
     return Guarded<CFDataRef>(nullptr, [&] {
         const std::string xml = Writer().Write(propertyList);
-        return Create<CFData>(Mutability::kImmutable, std::vector<UInt8>(xml.begin(), xml.end()));
+        return Create<CFData>(std::vector<UInt8>(xml.begin(), xml.end()));
     });
 }

@@ -106,19 +106,6 @@ CFIndex CopyRange(const CFString& string, CFRange range, CFStringEncoding encodi
     return EncodeRange(string, range, encoding, lossByte, sink);
 }
 
-char16_t FoldedCase(char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
-
-bool ContainsAt(const CFString& string, CFIndex index, const CFString& part) {
-    if (index < 0 || part.Length() > string.Length() - index)
-        return false;
-    for (CFIndex i = 0; i < part.Length(); ++i)
-        if (string.At(index + i) != part.At(i))
-            return false;
-    return true;
-}
-
 // The strings made by CFSTR. Never destroyed: they are used until the process ends.
 class ConstantStrings {
 public:
@@ -184,37 +171,9 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex 
                          isExternalRepresentation ? ByteOrderMark::kObey : ByteOrderMark::kIsText);
 }
 
-CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* characters, CFIndex characterCount) {
-    const bool isValid = characterCount == 0 || (characterCount > 0 && characters != nullptr);
-    if (!Require(isValid, "a string needs its characters"))
-        return nullptr;
-    return Guarded<CFStringRef>(nullptr, [&]() -> CFStringRef {
-        auto text = DecodeUtf16({characters, static_cast<size_t>(characterCount)});
-        return text ? Create<CFString>(std::move(*text)) : nullptr;
-    });
-}
-
-CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef string) {
-    const CFString* checked = Check<CFString>(string);
-    return checked != nullptr ? static_cast<CFStringRef>(CFRetain(string)) : nullptr;
-}
-
 CFIndex CFStringGetLength(CFStringRef string) {
     const CFString* checked = Check<CFString>(string);
     return checked != nullptr ? checked->Length() : 0;
-}
-
-UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index) {
-    const CFString* checked = Check<CFString>(string);
-    return checked != nullptr && RequireIndex(index, checked->Length()) ? checked->At(index) : UniChar{0};
-}
-
-void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
-    const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr || !RequireRange(range, checked->Length()))
-        return;
-    for (CFIndex i = 0; i < range.length; ++i)
-        buffer[i] = checked->At(range.location + i);
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
@@ -229,15 +188,6 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
         CopyRange(*checked, CFRangeMake(0, checked->Length()), encoding, 0, sink) == checked->Length();
     buffer[isWhole ? sink.Used() : 0] = '\0';
     return isWhole;
-}
-
-const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding) {
-    const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr || checked->Utf8().find('\0') != std::string::npos)
-        return nullptr;
-    const bool isStoredForm =
-        encoding == kCFStringEncodingUTF8 || (checked->IsAscii() && MaximumBytesPerUnit(encoding) == 1);
-    return isStoredForm ? checked->Utf8().c_str() : nullptr;
 }
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
@@ -261,45 +211,4 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
     if (usedBytes != nullptr)
         *usedBytes = sink.Used();
     return converted;
-}
-
-CFComparisonResult CFStringCompare(CFStringRef string1, CFStringRef string2, CFStringCompareFlags flags) {
-    const CFString* left = Check<CFString>(string1);
-    const CFString* right = Check<CFString>(string2);
-    if (left == nullptr || right == nullptr)
-        return kCFCompareEqualTo;
-    const bool foldsCase = (flags & kCFCompareCaseInsensitive) != 0;
-    const CFIndex shorter = std::min(left->Length(), right->Length());
-    for (CFIndex i = 0; i < shorter; ++i) {
-        const char16_t a = foldsCase ? FoldedCase(left->At(i)) : left->At(i);
-        const char16_t b = foldsCase ? FoldedCase(right->At(i)) : right->At(i);
-        if (a != b)
-            return a < b ? kCFCompareLessThan : kCFCompareGreaterThan;
-    }
-    if (left->Length() == right->Length())
-        return kCFCompareEqualTo;
-    return left->Length() < right->Length() ? kCFCompareLessThan : kCFCompareGreaterThan;
-}
-
-Boolean CFStringHasPrefix(CFStringRef string, CFStringRef prefix) {
-    const CFString* whole = Check<CFString>(string);
-    const CFString* part = Check<CFString>(prefix);
-    return whole != nullptr && part != nullptr && ContainsAt(*whole, 0, *part);
-}
-
-Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix) {
-    const CFString* whole = Check<CFString>(string);
-    const CFString* part = Check<CFString>(suffix);
-    return whole != nullptr && part != nullptr && ContainsAt(*whole, whole->Length() - part->Length(), *part);
-}
-
-SInt32 CFStringGetIntValue(CFStringRef string) {
-    const CFString* checked = Check<CFString>(string);
-    if (checked == nullptr)
-        return 0;
-    // strtoll stops at the first character that is no digit and saturates.
-    const long long value = std::strtoll(checked->Utf8().c_str(), nullptr, 10);
-    constexpr long long kLowest = std::numeric_limits<SInt32>::min();
-    constexpr long long kHighest = std::numeric_limits<SInt32>::max();
-    return static_cast<SInt32>(std::clamp(value, kLowest, kHighest));
 }

@@ -27,43 +27,24 @@ typedef struct CFArrayCallBacks {
 /* For values that are objects of this library: the array is one of their owners. */
 CF_EXPORT const CFArrayCallBacks kCFTypeArrayCallBacks;
 
-typedef void (*CFArrayApplierFunction)(const void* value, void* context);
-
 CF_EXPORT CFTypeID CFArrayGetTypeID(void);
 
-/* The caller owns the result. callBacks is copied; NULL means that values are plain pointers. A copy has the
- * callbacks of its source. capacity is a hint and limits nothing. */
+/* The caller owns the result. callBacks is copied; NULL means that values are plain pointers. capacity is a hint and limits nothing. */
 CF_EXPORT CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values, CFIndex count,
                                    const CFArrayCallBacks* callBacks);
-CF_EXPORT CFArrayRef CFArrayCreateCopy(CFAllocatorRef allocator, CFArrayRef array);
 CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFArrayCallBacks* callBacks);
-CF_EXPORT CFMutableArrayRef CFArrayCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
-                                                     CFArrayRef array);
 
-/* Values are lent to the caller. A range must lie within the array; the first index is kCFNotFound for none.
- */
+/* Values are lent to the caller. */
 CF_EXPORT CFIndex CFArrayGetCount(CFArrayRef array);
 CF_EXPORT const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
-CF_EXPORT Boolean CFArrayContainsValue(CFArrayRef array, CFRange range, const void* value);
-CF_EXPORT CFIndex CFArrayGetFirstIndexOfValue(CFArrayRef array, CFRange range, const void* value);
 
-/* Calls applier for each value in range, in order. It must not change the array. */
-CF_EXPORT void CFArrayApplyFunction(CFArrayRef array, CFRange range, CFArrayApplierFunction applier,
-                                    void* context);
-
-/* The array retains what goes in and releases what goes out. Insert and Set accept the index behind the last
- * value. */
+/* The array retains what goes in and releases what goes out. Set accepts the index behind the last value. */
 CF_EXPORT void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 CF_EXPORT void CFArrayAppendArray(CFMutableArrayRef array, CFArrayRef other, CFRange otherRange);
-CF_EXPORT void CFArrayInsertValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value);
 CF_EXPORT void CFArraySetValueAtIndex(CFMutableArrayRef array, CFIndex index, const void* value);
 CF_EXPORT void CFArrayRemoveValueAtIndex(CFMutableArrayRef array, CFIndex index);
 CF_EXPORT void CFArrayRemoveAllValues(CFMutableArrayRef array);
-
-/* Sorts range; values that compare equal keep their order. */
-CF_EXPORT void CFArraySortValues(CFMutableArrayRef array, CFRange range, CFComparatorFunction comparator,
-                                 void* context);
 
 CF_EXTERN_C_END
 

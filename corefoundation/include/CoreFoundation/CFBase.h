@@ -79,15 +79,6 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
     return range;
 }
 
-typedef enum CFComparisonResult {
-    kCFCompareLessThan = -1,
-    kCFCompareEqualTo = 0,
-    kCFCompareGreaterThan = 1
-} CFComparisonResult;
-
-/* Orders two values; context is the pointer that was handed to the sorting function. */
-typedef CFComparisonResult (*CFComparatorFunction)(const void* value1, const void* value2, void* context);
-
 enum { kCFNotFound = -1 };
 
 CF_EXPORT const CFAllocatorRef kCFAllocatorDefault; /* NULL */

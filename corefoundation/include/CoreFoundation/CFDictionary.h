@@ -46,10 +46,7 @@ typedef void (*CFDictionaryApplierFunction)(const void* key, const void* value, 
 CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
 
 /* The caller owns the result. Callbacks are copied; NULL means plain pointers. A copy has the callbacks of
- * its source. Of several equal keys the first one wins. capacity is a hint and limits nothing. */
-CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
-                                             CFIndex count, const CFDictionaryKeyCallBacks* keyCallBacks,
-                                             const CFDictionaryValueCallBacks* valueCallBacks);
+ * its source. capacity is a hint and limits nothing. */
 CF_EXPORT CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef allocator, CFDictionaryRef dictionary);
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                            const CFDictionaryKeyCallBacks* keyCallBacks,
@@ -57,13 +54,9 @@ CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef alloca
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
                                                                CFDictionaryRef dictionary);
 
-/* Values and keys are lent to the caller. GetValue answers NULL for a missing key; GetValueIfPresent tells
- * that from a stored NULL and leaves *value (which may be NULL) alone when the key is missing. */
+/* Values and keys are lent to the caller. GetValue answers NULL for a missing key. */
 CF_EXPORT CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 CF_EXPORT const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
-CF_EXPORT Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
-                                                const void** value);
-CF_EXPORT Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
 CF_EXPORT Boolean CFDictionaryContainsValue(CFDictionaryRef dictionary, const void* value);
 
 /* Writes all keys and all values in matching order; each array has room for the count, or is NULL. */
@@ -74,12 +67,9 @@ CF_EXPORT void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const vo
 CF_EXPORT void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFunction applier,
                                          void* context);
 
-/* Set adds or replaces, Add does nothing when the key is there, Replace and Remove do nothing when it is
- * missing. A replaced value keeps the stored key and its place. */
+/* Set adds or replaces; a replaced value keeps the stored key and its place. Remove does nothing when the key
+ * is missing. */
 CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-CF_EXPORT void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-CF_EXPORT void CFDictionaryReplaceValue(CFMutableDictionaryRef dictionary, const void* key,
-                                        const void* value);
 CF_EXPORT void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 CF_EXPORT void CFDictionaryRemoveAllValues(CFMutableDictionaryRef dictionary);
 

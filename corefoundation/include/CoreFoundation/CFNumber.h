@@ -52,10 +52,6 @@ CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
  * becomes 0. */
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
-/* Orders by exact value, whatever the types. Not-a-number equals itself and is less than all else. context is
- * unused; it makes this a CFComparatorFunction in form. */
-CF_EXPORT CFComparisonResult CFNumberCompare(CFNumberRef number1, CFNumberRef number2, void* context);
-
 CF_EXTERN_C_END
 
 #endif

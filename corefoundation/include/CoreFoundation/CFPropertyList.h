@@ -16,7 +16,7 @@ typedef CFTypeRef CFPropertyListRef;
 typedef enum CFPropertyListMutabilityOptions {
     kCFPropertyListImmutable = 0,
     kCFPropertyListMutableContainers = 1,         /* arrays and dictionaries can be changed */
-    kCFPropertyListMutableContainersAndLeaves = 2 /* CFData too; strings are always immutable */
+    kCFPropertyListMutableContainersAndLeaves = 2 /* the same: there are no mutable strings and data */
 } CFPropertyListMutabilityOptions;
 
 /* Reads an XML property list. The caller owns the result, and on failure (NULL) the text in *errorString,

@@ -19,9 +19,6 @@ enum {
     kCFStringEncodingUTF16LE = 0x14000100
 };
 
-typedef CFOptionFlags CFStringCompareFlags;
-enum { kCFCompareCaseInsensitive = 1 /* of the letters A to Z alone */ };
-
 CF_EXPORT CFTypeID CFStringGetTypeID(void);
 
 /* CFSTR("text"): a constant string from a UTF-8 literal, made once and never freed. Lent to the caller. */
@@ -35,24 +32,13 @@ CF_EXPORT CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const 
                                                 CFStringEncoding encoding);
 CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex byteCount,
                                               CFStringEncoding encoding, Boolean isExternalRepresentation);
-CF_EXPORT CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* characters,
-                                                   CFIndex characterCount);
-CF_EXPORT CFStringRef CFStringCreateCopy(CFAllocatorRef allocator, CFStringRef string);
 
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
-CF_EXPORT UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index);
-
-/* Writes range into buffer, which has room for range.length code units. */
-CF_EXPORT void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 
 /* Writes the whole text and a zero byte into buffer, which has room for bufferSize bytes. False when it does
  * not fit or the encoding cannot express it; buffer then holds an empty text if bufferSize is not 0. */
 CF_EXPORT Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
                                      CFStringEncoding encoding);
-
-/* The text with a zero byte at its end, lent for the life of string; NULL when it is not stored in that
- * encoding or holds a zero itself. Be ready for NULL. */
-CF_EXPORT const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding);
 
 /* The number of bytes, without a zero byte, that length code units take at most; kCFNotFound when that is too
  * large. */
@@ -65,16 +51,6 @@ CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEnco
 CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                                    UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
                                    CFIndex bufferSize, CFIndex* usedBytes);
-
-/* Orders by code unit. */
-CF_EXPORT CFComparisonResult CFStringCompare(CFStringRef string1, CFStringRef string2,
-                                             CFStringCompareFlags flags);
-CF_EXPORT Boolean CFStringHasPrefix(CFStringRef string, CFStringRef prefix);
-CF_EXPORT Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix);
-
-/* The decimal number at the start, after blanks; 0 when there is none, the nearest SInt32 when it is out of
- * range. */
-CF_EXPORT SInt32 CFStringGetIntValue(CFStringRef string);
 
 CF_EXTERN_C_END
 
