@@ -17,6 +17,9 @@ SystemError ErrorOf(LSTATUS status) {
 
 SystemError SetAutostart(const std::string& name, const std::string& program, const std::string& arguments) {
     const std::wstring command = L"\"" + ToWide(program) + L"\" " + ToWide(arguments);
+    constexpr size_t kLongest = 260;  // a longer one is not started
+    if (command.size() > kLongest)
+        return SystemError{ERROR_FILENAME_EXCED_RANGE};
     return ErrorOf(RegSetKeyValueW(HKEY_CURRENT_USER, kPrograms, ToWide(name).c_str(), REG_SZ,
                                    command.c_str(),
                                    static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t))));

@@ -187,7 +187,7 @@ FontTable& SystemDefault<FontTable>() {
 
 std::string WhyNeverShown(std::string_view extension) {
     if (extension == ".pfb" || extension == ".pfa")
-        return "Windows shows Type 1 fonts only with their metrics, a .pfm file beside them";
+        return "Windows shows Type 1 fonts only with metrics of its own kind, which are not kept here";
     if (extension == ".dfont")
         return "Windows does not show font suitcases of the Macintosh";
     return {};

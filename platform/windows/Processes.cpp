@@ -10,6 +10,7 @@
 
 #include "EndEvent.h"
 #include "OwnedHandle.h"
+#include "SecurityAttributes.h"
 #include "UserIdentity.h"
 #include "WideText.h"
 #include "platform/Environment.h"
@@ -154,7 +155,8 @@ public:
             return nullptr;
         }
         const std::wstring eventName = NewEventName();
-        OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, eventName.c_str()));
+        PrivateToUser rights;  // also of the child, whose rights may be less than ours
+        OwnedHandle ready(CreateEventW(rights.Attributes(), TRUE, FALSE, eventName.c_str()));
         std::wstring environment = ChildEnvironment(eventName);
         std::wstring words = ToWide(commandLine);
         const std::wstring folder = ToWide(FolderPart(executablePath));
@@ -163,17 +165,16 @@ public:
         // No streams, rather than ours: whoever reads what we print would wait for the child as well.
         startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
-        const auto start = [&](HANDLE token, DWORD flags) {
-            return CreateProcessAsUserW(token, program.c_str(), words.data(), nullptr, nullptr, FALSE, flags,
-                                        environment.data(), folder.c_str(), &startup, &started) != FALSE;
-        };
-        // Refused: leaving a job that keeps what is in it, and rights that cannot be given up.
-        constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
+        // Where the rights of an administrator cannot be given up, they are not handed on either.
         const OwnedHandle unelevated = MakeUnelevatedToken();
+        const auto start = [&](DWORD flags) {
+            return CreateProcessAsUserW(unelevated.Get(), program.c_str(), words.data(), nullptr, nullptr,
+                                        FALSE, flags, environment.data(), folder.c_str(), &startup,
+                                        &started) != FALSE;
+        };
+        constexpr DWORD kFlags = CREATE_UNICODE_ENVIRONMENT | CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
         const bool isStarted =
-            (unelevated.IsValid() && (start(unelevated.Get(), kFlags | CREATE_BREAKAWAY_FROM_JOB) ||
-                                      start(unelevated.Get(), kFlags))) ||
-            start(nullptr, kFlags | CREATE_BREAKAWAY_FROM_JOB) || start(nullptr, kFlags);
+            start(kFlags | CREATE_BREAKAWAY_FROM_JOB) || start(kFlags);  // in a job that keeps what is in it
         if (!isStarted) {
             error = LastSystemError();
             return nullptr;

@@ -87,7 +87,7 @@ void ProgressDialog::ShowCount() {
 // the host comes along whatever is asked for, and is the host's.
 void ProgressDialog::TakeInput() {
     MSG message{};
-    while (PeekMessageW(&message, Handle(), 0, 0, PM_REMOVE) != 0) {
+    while (Handle() != nullptr && PeekMessageW(&message, Handle(), 0, 0, PM_REMOVE) != 0) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             mIsStopped = true;

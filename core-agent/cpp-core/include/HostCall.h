@@ -2,7 +2,7 @@
 //
 // A host may leave a call without returning through it: its callback throws an exception of another runtime, or
 // jumps. Nothing of ours is told then. So what a call marks as begun counts only while that call is under way, and a
-// call is over, however it ended, once another begins from no deeper in the stack.
+// call is over, however it ended, once another begins from no deeper in the stack, or the call around it goes on.
 #pragma once
 
 #include <cstdint>
@@ -24,8 +24,26 @@ public:
     /// Also true of 0: what begins outside of any call ends by itself.
     static bool IsUnderWay(Number call);
 
+    /// The host has returned to that call from a dialog or a callback, so those that began within it are over.
+    static void ComeBackTo(Number call);
+
 private:
     Number mNumber;
+};
+
+/// Hands control to the host, in a dialog or a callback, for as long as it lasts.
+class HostTurn {
+public:
+    HostTurn() : mCall(HostCall::Innermost()) {}
+    ~HostTurn() {
+        if (mCall != 0)
+            HostCall::ComeBackTo(mCall);
+    }
+    HostTurn(const HostTurn&) = delete;
+    HostTurn& operator=(const HostTurn&) = delete;
+
+private:
+    const HostCall::Number mCall;
 };
 
 /// Whether something that nobody is to begin twice is being done.

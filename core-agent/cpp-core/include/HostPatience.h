@@ -23,7 +23,6 @@ public:
 
     private:
         const HostCall mCall;
-        const HostCall::Number mOuter;  ///< whose patience it takes the place of
     };
 
     /// The user saw something and begins to wait anew.

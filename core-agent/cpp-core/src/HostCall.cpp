@@ -1,9 +1,9 @@
 #include "HostCall.h"
 
 #include <algorithm>
+#include <array>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 #include "NoDestructor.h"
 #include "TraceLog.h"
@@ -11,17 +11,62 @@
 namespace {
 
 struct Call {
-    HostCall::Number number;
-    std::thread::id thread;
-    uintptr_t place;  ///< in the thread's stack, which grows towards lower addresses
-    int indentation;  ///< of the trace when it began
+    HostCall::Number number = 0;
+    std::thread::id thread{};
+    uintptr_t place = 0;  ///< in the thread's stack, which grows towards lower addresses
+    int indentation = 0;  ///< of the trace when it began
 };
 
-/// Hosts are to call on one thread; those that do not must not break more than themselves.
-struct Calls {
-    std::mutex lock;
-    std::vector<Call> underWay;  ///< those of a thread from the outermost to the innermost
-    HostCall::Number last = 0;
+/// Hosts are to call on one thread; those that do not must not break more than themselves. Needs no memory: a call
+/// that has none is answered for, too.
+class Calls {
+public:
+    HostCall::Number Begin(uintptr_t place) {
+        const std::lock_guard guard(mLock);
+        EndIf([&](const Call& call) { return call.place <= place; });
+        ++mLast;
+        if (mCount < mUnderWay.size())
+            mUnderWay[mCount++] = {mLast, std::this_thread::get_id(), place, TraceIndentation()};
+        return mLast;
+    }
+    /// The call and those within it.
+    void End(HostCall::Number number) {
+        const std::lock_guard guard(mLock);
+        EndIf([&](const Call& call) { return call.number >= number; });
+    }
+    HostCall::Number Innermost() {
+        const std::lock_guard guard(mLock);
+        for (size_t index = mCount; index-- > 0;) {
+            if (IsOurs(mUnderWay[index]))
+                return mUnderWay[index].number;
+        }
+        return 0;
+    }
+    bool Has(HostCall::Number number) {
+        const std::lock_guard guard(mLock);
+        return std::any_of(mUnderWay.begin(), mUnderWay.begin() + mCount,
+                           [&](const Call& call) { return call.number == number; });
+    }
+
+private:
+    static bool IsOurs(const Call& call) { return call.thread == std::this_thread::get_id(); }
+
+    /// Of this thread's. The trace is as deep again as when the first of them began.
+    template <class Condition>
+    void EndIf(const Condition& isOver) {
+        const auto end = mUnderWay.begin() + mCount;
+        const auto isEnded = [&](const Call& call) { return IsOurs(call) && isOver(call); };
+        const auto first = std::find_if(mUnderWay.begin(), end, isEnded);
+        if (first == end)
+            return;
+        SetTraceIndentation(first->indentation);
+        mCount = static_cast<size_t>(std::remove_if(first, end, isEnded) - mUnderWay.begin());
+    }
+
+    std::mutex mLock;
+    std::array<Call, 64> mUnderWay{};  ///< those of a thread from the outermost to the innermost
+    size_t mCount = 0;
+    HostCall::Number mLast = 0;
 };
 
 Calls& AllCalls() {
@@ -29,48 +74,22 @@ Calls& AllCalls() {
     return *calls;
 }
 
-/// Forgets the calls of this thread that the host left without returning.
-void DropAbandoned(std::vector<Call>& calls, uintptr_t place) {
-    for (size_t index = calls.size(); index-- > 0;) {
-        const Call call = calls[index];
-        if (call.thread != std::this_thread::get_id())
-            continue;
-        if (call.place > place)
-            return;
-        SetTraceIndentation(call.indentation);
-        calls.erase(calls.begin() + static_cast<ptrdiff_t>(index));
-    }
-}
-
 }  // namespace
 
-HostCall::HostCall() {
-    const auto place = reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
-    Calls& calls = AllCalls();
-    const std::lock_guard guard(calls.lock);
-    DropAbandoned(calls.underWay, place);
-    mNumber = ++calls.last;
-    calls.underWay.push_back({mNumber, std::this_thread::get_id(), place, TraceIndentation()});
-}
+HostCall::HostCall() : mNumber(AllCalls().Begin(reinterpret_cast<uintptr_t>(__builtin_frame_address(0)))) {}
 
 HostCall::~HostCall() {
-    Calls& calls = AllCalls();
-    const std::lock_guard guard(calls.lock);
-    std::erase_if(calls.underWay, [this](const Call& call) { return call.number == mNumber; });
+    AllCalls().End(mNumber);
 }
 
 HostCall::Number HostCall::Innermost() {
-    Calls& calls = AllCalls();
-    const std::lock_guard guard(calls.lock);
-    const auto found = std::find_if(calls.underWay.rbegin(), calls.underWay.rend(), [](const Call& call) {
-        return call.thread == std::this_thread::get_id();
-    });
-    return found == calls.underWay.rend() ? 0 : found->number;
+    return AllCalls().Innermost();
 }
 
-bool HostCall::IsUnderWay(Number number) {
-    Calls& calls = AllCalls();
-    const std::lock_guard guard(calls.lock);
-    return number == 0 || std::any_of(calls.underWay.begin(), calls.underWay.end(),
-                                      [&](const Call& call) { return call.number == number; });
+bool HostCall::IsUnderWay(Number call) {
+    return call == 0 || AllCalls().Has(call);
+}
+
+void HostCall::ComeBackTo(Number call) {
+    AllCalls().End(call + 1);
 }

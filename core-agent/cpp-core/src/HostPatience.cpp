@@ -4,7 +4,6 @@
 
 namespace {
 
-HostCall::Number patientCall = 0;
 bool hasRecovered = false;
 uint32_t beginTick = 0;
 
@@ -14,13 +13,11 @@ uint32_t Now() {
 
 }  // namespace
 
-HostPatience::Call::Call() : mOuter(patientCall) {
-    patientCall = HostCall::Innermost();
+HostPatience::Call::Call() {
     Renew();
 }
 
 HostPatience::Call::~Call() {
-    patientCall = mOuter;
     Renew();  // the call around this one was at a dialog
 }
 
@@ -38,6 +35,5 @@ bool HostPatience::AllowsRequest() {
 }
 
 std::chrono::milliseconds HostPatience::Spent() {
-    return std::chrono::milliseconds(patientCall != 0 && HostCall::IsUnderWay(patientCall) ? Now() - beginTick
-                                                                                           : 0);
+    return std::chrono::milliseconds(HostCall::Innermost() != 0 ? Now() - beginTick : 0);
 }

@@ -1,5 +1,6 @@
 #include "activation/FontResources.h"
 
+#include "platform/Files.h"
 #include "platform/FontTable.h"
 
 namespace pellwick {
@@ -60,7 +61,7 @@ int FontResources::Clear(const std::set<std::string>& wanted) {
     int removed = 0;
     mAdded.clear();
     for (const auto& [path, count] : Table().Added()) {
-        if (!path.starts_with(Vault().Folder()))
+        if (!path.starts_with(Vault().Folder() + platform::kPathSeparator))
             continue;
         const bool stays = wanted.contains(path);
         for (int index = stays ? 1 : 0; index < count; ++index)

@@ -24,7 +24,8 @@
  *   taken for the path of another document.
  * - [main thread]: the thread on which InitializePluginCoreInterface was called, and each function is to be
  *   called on it. A call may show a modal dialog. When the host's event loop calls back into the library from
- *   behind it, a call that works on documents answers PLUGINCORE_UNKNOWN_ERROR.
+ *   behind one of a call that activates or closes fonts, HandleOpenExistingDocument, HandleCloseDocument and
+ *   ActivateChosenFonts answer PLUGINCORE_UNKNOWN_ERROR.
  * - Dialogs: every function that needs the font manager may show one, where its agent has to be started anew
  *   and does not come. On Windows a dialog takes the thread's messages from its queue until it ends, and hands
  *   them on to the host's windows. GetSocketPort, GetIDForDocument, GetSettings and
@@ -37,13 +38,15 @@
  *           try { RebuildMenu(); } catch (...) { ReportProblem(); }
  *       }
  *
- *   A host that gets this wrong loses the memory of that call and is served the next time: no lock is held
- *   while a callback runs, and what the call had begun counts as over.
+ *   A host that gets this wrong loses the memory of that call. No lock is held while a callback runs, and what
+ *   the call had begun counts as over from the next one that is made from no deeper in the stack, such as that
+ *   of an idle loop; until then it may count as called recursively.
  * - Time: dialogs apart, one call waits for the font manager for less than 5 seconds in all.
  *
  * Hosts. The library serves a process whose name holds one of the words After, Illustrator, InCopy, InDesign,
  * Photoshop and Sketch, in this spelling. In any other one InitializePluginCoreInterface answers
- * PLUGINCORE_NOT_STARTED, asks nothing, and the functions answer as for a plug-in that is switched off.
+ * PLUGINCORE_NOT_STARTED, and the functions answer as for a plug-in that is switched off; a host that goes on
+ * to ask PluginIsEnabled may be told that it is on.
  *
  * Loading. Not from DllMain, nor from what runs within it: the library loads others and starts threads. On
  * Windows the library needs VantorixCoreFoundation.dll beside it. A plug-in in another folder than the host's

@@ -90,7 +90,10 @@ ErrorCode FindRunningProcess(const std::string& name, std::string& folder) {
         const std::string lower = AsciiLowerCase(fileName);
         return lower == wanted || lower == wantedProgram;
     };
-    if (platform::Current<platform::Processes>().List(isWanted, processes) || processes.empty())
+    if (const platform::SystemError error =
+            platform::Current<platform::Processes>().List(isWanted, processes))
+        return static_cast<ErrorCode>(error.code);
+    if (processes.empty())
         return CoreErrorCodes::kUnknownError;
     folder = platform::FolderPart(processes.front().executablePath);
     return CoreErrorCodes::kSuccess;

@@ -1,5 +1,6 @@
 #include "GeneralInterface.h"
 
+#include "HostCall.h"
 #include "MarquellGlobals.h"
 #include "PanelManager.h"
 #include "TraceLog.h"
@@ -9,8 +10,10 @@ void GeneralInterface::ShowProgressHint(const char* hint) {
 }
 
 void GeneralInterface::Refresh(bool menus, bool panels) {
-    if (menus && mRebuildWorkgroupsMenu != nullptr)
+    if (menus && mRebuildWorkgroupsMenu != nullptr) {
+        const HostTurn host;
         mRebuildWorkgroupsMenu();
+    }
     // A panel that could not be told was reported; there is nothing more to do about it here.
     if (panels)
         static_cast<void>(

@@ -6,6 +6,7 @@
 
 #include "FailureReport.h"
 #include "FontID.h"
+#include "HostPatience.h"
 #include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TarnwickPluginInterface.h"
@@ -40,6 +41,7 @@ std::unique_ptr<HTMLPanel> HTMLPanel::Create(PlugPlugService* plugPlug) {
 
 ErrorCode HTMLPanel::RegisterHandler() {
     RETURN_IF_NULL(mPlugPlug);
+    const HostTurn host;
     const int32_t status = mPlugPlug->AddEventListener(mPlugPlug, kPanelToPlugin, EventCallback, this);
     if (status == kEventErrorCode_Success)
         return CoreErrorCodes::kSuccess;
@@ -56,7 +58,10 @@ void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
     if (panel == nullptr || event == nullptr || event->data == nullptr)
         return;
     constexpr char kName[] = "HTMLPanel::EventCallback";
+    const bool isWithinCall = HostCall::Innermost() != 0;
     const HostCall call;
+    if (!isWithinCall)
+        HostPatience::Renew();
     try {  // nothing is thrown into the host
         panel->HandleInTurn(event->data);
     } catch (const std::exception& exception) {
@@ -99,6 +104,7 @@ uint32_t HTMLPanel::GetSocketPort() {
 ErrorCode HTMLPanel::SendMessage(const std::string& message) {
     RETURN_IF_NULL(mPlugPlug);
     const PlugPlugEvent event{kPluginToPanel, kApplicationScope, "HTML", nullptr, message.c_str()};
+    const HostTurn host;
     // What the service takes may still not arrive; nobody can tell.
     return mPlugPlug->DispatchEvent(mPlugPlug, &event) == kEventErrorCode_Success ? CoreErrorCodes::kSuccess
                                                                                   : CoreErrorCodes::kError;

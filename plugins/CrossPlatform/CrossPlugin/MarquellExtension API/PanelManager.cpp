@@ -98,7 +98,7 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
         return CoreErrorCodes::kSuccess;
     const TurnHolder turn(mRegistering);
     if (!turn)  // a service that comes back here from within
-        return CoreErrorCodes::kSuccess;
+        return CoreErrorCodes::kNotInitialized;
     auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
     RETURN_IF_NULL(htmlPanel);
     mPanels.reserve(mPanels.size() + 1);  // once it is registered, nothing may keep the panel from staying
@@ -109,9 +109,8 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
 }
 
 bool PanelManager::TryRegisterPlugPlug(void* plugPlug) {
-    const bool isRegistered = mRegistered || mRegistering.IsTaken();
-    if (isRegistered || mGaveUp || plugPlug == nullptr)
-        return isRegistered;
+    if (mRegistered || mRegistering.IsTaken() || mGaveUp || plugPlug == nullptr)
+        return mRegistered;
     const uint32_t now = platform::Current<platform::Clock>().TickCount();
     if (mNextAttemptTick != 0 && now < mNextAttemptTick)
         return false;

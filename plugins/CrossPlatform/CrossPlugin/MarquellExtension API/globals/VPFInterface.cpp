@@ -1,5 +1,6 @@
 #include "VPFInterface.h"
 
+#include "HostCall.h"
 #include "HostPatience.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
@@ -26,6 +27,7 @@ private:
     static uint32_t Now() { return platform::Current<platform::Clock>().TickCount(); }
 
     const uint32_t mBegin = Now();
+    const HostTurn mHost;
 };
 
 std::string FolderOfThisModule() {

@@ -59,7 +59,7 @@ TEST_F(PanelManagerTest, EveryPanelIsToldInOrderUntilOneFails) {
 
 TEST_F(PanelManagerTest, OnePanelIsRegisteredHoweverOftenTheHostAsks) {
     service.whileAdding = [&] {
-        EXPECT_EQ(manager.RegisterPlugPlug(&service), 0u) << "from within";
+        EXPECT_FALSE(manager.TryRegisterPlugPlug(&service)) << "from within";
         service.Deliver(R"({"messageID":16})");
     };
     EXPECT_EQ(manager.RegisterPlugPlug(&service), 0u);
