@@ -116,6 +116,17 @@ void DescribeOtherCommands(CLI::App& program, CommandLine& line) {
         [&line] { return RunScript(line.host); });
 }
 
+void DescribePanel(CLI::App& program, CommandLine& line) {
+    CLI::App* panel =
+        AddCommand(program, line, "panel", "Show the panel in a browser of this machine, until Ctrl-C",
+                   [&line] { return RunPanel(line.host, line.panel); });
+    AddTexts(*panel, "FILE", line.panel.files, "Documents to keep open meanwhile");
+    panel->add_option("--port", line.panel.port, "Listen at this port; else at one that is free")
+        ->check(CLI::Range(1, 65535));
+    panel->add_flag("--open", line.panel.opensBrowser, "Open the browser");
+    AddText(*panel, "--record", line.panel.recording, "Write down all messages, one JSON object a line");
+}
+
 }  // namespace
 
 std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line) {
@@ -125,6 +136,7 @@ std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line) {
     DescribeProgram(*program, line);
     DescribeDocumentCommands(*program, line);
     DescribeCollect(*program, line);
+    DescribePanel(*program, line);
     DescribeOtherCommands(*program, line);
     return program;
 }

@@ -21,6 +21,7 @@ struct CommandLine {
     SettingsOptions settings;
     MenuOptions menu;
     EventsOptions events;
+    PanelOptions panel;
     std::function<int()> run;  ///< the command that was chosen; the program's exit status
 };
 

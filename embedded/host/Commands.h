@@ -1,6 +1,7 @@
 // The commands of the program. Each answers with the program's exit status.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,6 +48,13 @@ struct EventsOptions {
     std::optional<double> seconds;  ///< how long to go on; else until Enter
 };
 
+struct PanelOptions {
+    std::vector<std::string> files;  ///< documents that are open meanwhile
+    uint16_t port = 0;               ///< 0: whichever is free
+    bool opensBrowser = false;
+    std::string recording;  ///< a file for what is said; may be empty
+};
+
 /// Opens documents, shows their fonts, keeps them open, closes them.
 int RunOpen(const HostOptions& host, const OpenOptions& options);
 
@@ -64,6 +72,9 @@ int RunMenu(const HostOptions& host, const MenuOptions& options);
 
 /// Is idle as hosts are, and prints what goes to the panel, a line for each event.
 int RunEvents(const HostOptions& host, const EventsOptions& options);
+
+/// Serves the panel to browsers of this machine, until an interrupt.
+int RunPanel(const HostOptions& host, const PanelOptions& options);
 
 /// Does what standard input says, one JSON object a line: calls exports and sends messages of panels.
 int RunScript(const HostOptions& host);
