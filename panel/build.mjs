@@ -21,4 +21,4 @@ const common = { bundle: true, format: 'esm', target: 'es2020', absWorkingDir: h
 await build({ ...common, entryPoints: ['client/index.ts'], outfile: 'dist/client.js' });
 await build({ ...common, entryPoints: ['app/fonts.ts'], outfile: 'dist/fonts.js' });
 await build({ ...common, entryPoints: ['app/main.ts'], outfile: join(out, 'panel.js'), minify: true });
-await copyFile(join(here, 'app/index.html'), join(out, 'index.html'));
+for (const file of ['index.html', 'icon.svg']) await copyFile(join(here, 'app', file), join(out, file));

@@ -12,8 +12,7 @@ export type MessageID = Message['messageID'];
 /** How far a long piece of work has come; its number is that of the work. */
 export type Progress = Extract<Message, { stepIndex: number }>;
 type NoProgress = Exclude<Message, Progress>;
-type Numbered<ID extends number> = Extract<NoProgress, { messageID: ID }>;
-export type MessageOf<ID extends number> = Numbered<ID>;
+export type MessageOf<ID extends number> = Extract<NoProgress, { messageID: ID }>;
 
 /** Which numbers answer a request; of those that nothing answers, `after` is what tells of success. */
 export const answers = {
@@ -22,12 +21,11 @@ export const answers = {
 } as const;
 export const after = { 33: [43], 34: [43], 42: [43], 44: [43] } as const;
 
-type Answers = typeof answers;
-type After = typeof after;
+type Answers = typeof answers & typeof after;
+type AnswerID<ID> = ID extends keyof Answers ? Answers[ID][number] : never;
 /** What `request` resolves with. */
-export type ReplyTo<R extends Request> = R['messageID'] extends keyof Answers
-  ? Numbered<Answers[R['messageID']][number]>
-  : R['messageID'] extends keyof After ? Numbered<After[R['messageID']][number]> : undefined;
+export type ReplyTo<R extends Request> =
+  [AnswerID<R['messageID']>] extends [never] ? undefined : MessageOf<AnswerID<R['messageID']>>;
 
 export const returnCodes = {
   success: 0, notFound: 117440512, notImplemented: 134217728, fontMissing: 50348044, notLoggedIn: 16785412,
