@@ -22,6 +22,7 @@ export class FontPanel extends LitElement {
     :host { display: grid; height: 100%; grid-template: 'head' auto 'messages' auto 'main' 1fr 'foot' auto / minmax(0, 1fr); }
     nav { display: none; }
     header { grid-area: head; display: flex; flex-wrap: wrap; gap: 8px; padding: 12px; border-bottom: 1px solid var(--line); }
+    h1 { position: absolute; width: 1px; height: 1px; margin: 0; overflow: hidden; clip-path: inset(50%); }
     .choice { flex: 1 1 100%; display: flex; gap: 8px; min-width: 0; }
     .choice select { flex: 1; min-width: 0; }
     .choice button { flex: none; }
@@ -69,6 +70,7 @@ export class FontPanel extends LitElement {
     return html`
       <nav aria-label=${t('collection')}>${this.groups().map((group) => this.group(group))}</nav>
       <header>
+        <h1>${t('title')}</h1>
         <div class="choice">
           ${this.select()}
           ${list === undefined ? html`<button title=${t('newList')} aria-label=${t('newList')} ?disabled=${library.state !== 'ready'} @click=${() => this.editor.edit()}>+</button>` : html`

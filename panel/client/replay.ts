@@ -34,7 +34,7 @@ export function connectToRecording(lines: string): Connection {
     transport: {
       listen(receive, changed) {
         receivers.add(receive);
-        changed?.(true);
+        queueMicrotask(() => changed?.(true));
         send(unasked.splice(0));
         return () => { receivers.delete(receive); };
       },

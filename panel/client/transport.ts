@@ -4,7 +4,10 @@
 export type Received = string | object;
 
 export interface Transport {
-  /** Has `receive` called for each message, and `changed` when the way is open or not. Ends with what it returns. */
+  /**
+   * Has `receive` called for each message, and `changed` when the way is open or not, neither before this returns. What
+   * it returns ends that.
+   */
   listen(receive: (data: Received) => void, changed?: (isOpen: boolean) => void): () => void;
   /** Sends one message, JSON. Rejects when it did not get to the plug-in. */
   dispatch(message: string): Promise<void>;
@@ -72,7 +75,7 @@ export function connectToRuntime(runtime: ExtensionRuntime, extensionId = ''): C
       listen(receive, changed) {
         const listener = (event: HostEvent) => receive(event.data);
         runtime.addEventListener(kToPanel, listener);
-        changed?.(true);
+        queueMicrotask(() => changed?.(true));
         return () => runtime.removeEventListener?.(kToPanel, listener);
       },
       async dispatch(message) {
@@ -112,7 +115,7 @@ export function connectToBridge(base: string): Connection {
         };
         const close = () => { clearTimeout(again); events?.close(); };
         // A browser keeps few connections to one host for all its tabs: those that nobody sees have none.
-        const choose = () => { close(); if (document.hidden) changed?.(false); else open(); };
+        const choose = () => { close(); if (!document.hidden) open(); };
         document.addEventListener('visibilitychange', choose);
         choose();
         return () => { document.removeEventListener('visibilitychange', choose); close(); };
