@@ -117,13 +117,13 @@ void DescribeOtherCommands(CLI::App& program, CommandLine& line) {
 }
 
 void DescribePanel(CLI::App& program, CommandLine& line) {
-    CLI::App* panel =
-        AddCommand(program, line, "panel", "Show the panel in a browser of this machine, until Ctrl-C",
-                   [&line] { return RunPanel(line.host, line.panel); });
+    CLI::App* panel = AddCommand(program, line, "panel", "Show the panel in a browser of this machine",
+                                 [&line] { return RunPanel(line.host, line.panel); });
     AddTexts(*panel, "FILE", line.panel.files, "Documents to keep open meanwhile");
     panel->add_option("--port", line.panel.port, "Listen at this port; else at one that is free")
         ->check(CLI::Range(1, 65535));
     panel->add_flag("--open", line.panel.opensBrowser, "Open the browser");
+    AddSeconds(*panel, line.panel.seconds, "End after so many seconds; else on Enter");
     AddText(*panel, "--record", line.panel.recording, "Write down all messages, one JSON object a line");
 }
 

@@ -52,7 +52,8 @@ struct PanelOptions {
     std::vector<std::string> files;  ///< documents that are open meanwhile
     uint16_t port = 0;               ///< 0: whichever is free
     bool opensBrowser = false;
-    std::string recording;  ///< a file for what is said; may be empty
+    std::string recording;          ///< a file for what is said; may be empty
+    std::optional<double> seconds;  ///< how long to go on; else until Enter
 };
 
 /// Opens documents, shows their fonts, keeps them open, closes them.
@@ -73,7 +74,7 @@ int RunMenu(const HostOptions& host, const MenuOptions& options);
 /// Is idle as hosts are, and prints what goes to the panel, a line for each event.
 int RunEvents(const HostOptions& host, const EventsOptions& options);
 
-/// Serves the panel to browsers of this machine, until an interrupt.
+/// Serves the panel to browsers of this machine.
 int RunPanel(const HostOptions& host, const PanelOptions& options);
 
 /// Does what standard input says, one JSON object a line: calls exports and sends messages of panels.

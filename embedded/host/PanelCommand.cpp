@@ -143,9 +143,17 @@ void OpenDocuments(const CoreLibrary& core, const std::vector<std::string>& path
     server.SetDocuments(documents.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
-void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host) {
+/// Whether to go on: neither Enter, an interrupt nor the deadline has come.
+bool GoesOn(std::optional<Clock::time_point> deadline) {
+    if (platform::WasInterrupted())
+        return false;
+    return deadline ? Clock::now() < *deadline : !platform::WaitForUser(std::chrono::milliseconds(1), true);
+}
+
+void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host,
+           std::optional<Clock::time_point> deadline) {
     Clock::time_point lastAsked{};
-    while (!platform::WasInterrupted()) {
+    do {
         core.TryRegisterPlugPlug(host.Panels().Handle());
         core.IdleEvent();
         core.ProcessPanelMessages(false);
@@ -157,7 +165,7 @@ void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host) {
         const Clock::time_point nextIdle = Clock::now() + kIdleInterval;
         while (const std::optional<PanelPost> post = server.WaitForPost(nextIdle))
             host.Deliver(*post);
-    }
+    } while (GoesOn(deadline));
 }
 
 void OpenInBrowser(const std::string& url) {
@@ -198,7 +206,12 @@ int RunPanel(const HostOptions& host, const PanelOptions& options) {
     FlushOutput();
     if (options.opensBrowser)
         OpenInBrowser(server.URL());
-    Serve(session.Core(), server, panelHost);
+    std::optional<Clock::time_point> deadline;
+    if (options.seconds)
+        deadline = Clock::now() + std::chrono::milliseconds(static_cast<int64_t>(*options.seconds * 1000));
+    else
+        fmt::print(stderr, "Press Enter to end.\n");
+    Serve(session.Core(), server, panelHost, deadline);
     for (const std::string& path : paths)
         session.Core().HandleCloseDocument(path.c_str(), "");
     return exit_status::kDone;

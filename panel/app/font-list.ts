@@ -38,6 +38,7 @@ export class FontList extends LitElement {
     .names { flex: 1; min-width: 0; }
     .name { font-size: 15px; line-height: 24px; height: 24px; }
     .name img { display: block; height: 24px; max-width: 100%; object-fit: cover; object-position: left; }
+    .name:has(img) { mask-image: linear-gradient(to left, transparent, #000 16px); }
     .under { font-size: 12px; line-height: 16px; display: flex; gap: 8px; }
     @media (prefers-color-scheme: dark) { img { filter: invert(1) hue-rotate(180deg); } }
     .state { display: flex; align-items: center; gap: 6px; font-size: 12px; color: var(--quiet); }

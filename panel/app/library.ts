@@ -298,7 +298,7 @@ export class Library extends EventTarget {
       case 'smartList': return this.fontsOf(collection.id);
       case 'set': return this.fontsBy({ ...kEverything, setIDs: [collection.id] });
       case 'document':
-        return (this.documents[collection.id]?.fonts ?? []).map((font) => this.byID.get(font.fontID ?? 0) ?? missing(font));
+        return (this.documents[collection.id]?.fonts ?? []).map((font) => this.byID.get(font.fontID ?? 0) ?? unlisted(font));
     }
   }
 
@@ -328,8 +328,8 @@ export class Library extends EventTarget {
 
 const isGone = (code: number) => code === returnCodes.unavailable || code === returnCodes.shutdown;
 
-/** A row for a font that a document needs and nobody has. */
-function missing({ name, replacements }: OpenDocument['fonts'][number]): Font {
-  return { id: 0, postscriptName: replacements?.length ? t('instead', replacements.slice(0, 3).join(', ')) : '', name, isActive: false,
-    source: 'missing', workgroup: 0, key: name.toLowerCase() };
+/** A row for a font that a document needs and nobody has, or that is not listed yet. */
+function unlisted({ name, fontID, isMissing, replacements }: OpenDocument['fonts'][number]): Font {
+  return { id: fontID ?? 0, postscriptName: replacements?.length ? t('instead', replacements.slice(0, 3).join(', ')) : '', name,
+    isActive: !isMissing, source: isMissing ? 'missing' : '', workgroup: 0, key: name.toLowerCase() };
 }

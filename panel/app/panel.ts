@@ -1,4 +1,4 @@
-import { LitElement, css, html, nothing } from 'lit';
+import { LitElement, css, html, nothing, svg } from 'lit';
 import { FontList } from './font-list';
 import type { Font } from './fonts';
 import type { Collection, Library } from './library';
@@ -8,6 +8,12 @@ import { t, type Text } from './texts';
 
 interface Entry { collection: Collection; name: string }
 interface Group { heading: Text; entries: Entry[] }
+
+const kIcons = {
+  add: svg`<path d="M8 3v10M3 8h10"/>`,
+  edit: svg`<path d="m3 13 .6-2.8L10.8 3 13 5.2 5.8 12.4zM9.4 4.4l2.2 2.2"/>`,
+  remove: svg`<path d="M3 4.5h10M6 4.5V3h4v1.5M4.5 4.5 5 13h6l.5-8.5M7 7v3.5M9 7v3.5"/>`,
+};
 
 const isSame = (left: Collection, right: Collection) =>
   left.kind === right.kind && (left as { id?: number }).id === (right as { id?: number }).id;
@@ -26,6 +32,8 @@ export class FontPanel extends LitElement {
     .choice { flex: 1 1 100%; display: flex; gap: 8px; min-width: 0; }
     .choice select { flex: 1; min-width: 0; }
     .choice button { flex: none; }
+    .icon { padding: 0 8px; }
+    .icon svg { display: block; width: 16px; height: 16px; fill: none; stroke: currentColor; stroke-width: 1.4; }
     input[type='search'] { flex: 1; min-width: 0; }
     .messages { grid-area: messages; }
     .message { display: flex; gap: 12px; align-items: center; padding: 8px 12px; background: var(--warning-ground); color: var(--text); }
@@ -73,9 +81,9 @@ export class FontPanel extends LitElement {
         <h1>${t('title')}</h1>
         <div class="choice">
           ${this.select()}
-          ${list === undefined ? html`<button title=${t('newList')} aria-label=${t('newList')} ?disabled=${library.state !== 'ready'} @click=${() => this.editor.edit()}>+</button>` : html`
-            <button ?disabled=${library.state !== 'ready'} @click=${() => this.editor.edit(list)} title=${t('editList')} aria-label=${t('editList')}>✎</button>
-            <button ?disabled=${library.state !== 'ready'} @click=${() => this.removeList(list)} title=${t('remove')} aria-label=${t('remove')}>🗑&#xFE0E;</button>`}
+          ${this.action('newList', kIcons.add, () => this.editor.edit())}
+          ${list === undefined ? nothing : [this.action('editList', kIcons.edit, () => this.editor.edit(list)),
+            this.action('remove', kIcons.remove, () => this.removeList(list))]}
         </div>
         <input type="search" placeholder=${t('search')} aria-label=${t('search')} .value=${library.text} maxlength="200"
           @input=${(event: Event) => library.find((event.target as HTMLInputElement).value)} @keydown=${this.leaveSearch}>
@@ -121,6 +129,11 @@ export class FontPanel extends LitElement {
       this.library!.show(all[(event.target as HTMLSelectElement).selectedIndex].collection)}>
       ${groups.map(({ heading, entries }) => html`<optgroup label=${t(heading)}>${entries.map(({ collection, name }) =>
         html`<option .selected=${isSame(collection, this.library!.collection)}>${name}</option>`)}</optgroup>`)}</select>`;
+  }
+
+  private action(name: Text, icon: unknown, act: () => void) {
+    return html`<button class="icon" title=${t(name)} aria-label=${t(name)} ?disabled=${this.library!.state !== 'ready'} @click=${act}>
+      <svg viewBox="0 0 16 16" aria-hidden="true">${icon}</svg></button>`;
   }
 
   // --- the list, or why there is none

@@ -25,7 +25,7 @@ fail() { echo "FAILED: $1" >&2; exit 1; }
 wait_for() { for _ in $(seq 400); do if eval "$1"; then return; fi; sleep 0.05; done; fail "never came true: $1"; }
 
 "$pellwick" list >/dev/null
-"$host_program" panel >"$world/url" 2>"$world/errors" &
+"$host_program" panel --for 600 >"$world/url" 2>"$world/errors" &
 host=$!
 wait_for '[ -s "$world/url" ]'
 url=$(cat "$world/url")

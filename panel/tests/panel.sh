@@ -11,4 +11,4 @@ command -v npm >/dev/null || skip "there is no npm; install node 18 or newer"
 [ -x "${CHROMIUM:-/usr/bin/chromium}" ] || skip "there is no chromium; install the package"
 npx tsc
 node build.mjs --out "$build/share/plugincore/panel"
-PANEL_BUILD="$build" exec node --test tests/
+PANEL_BUILD="$build" exec node --test tests/client.test.mjs tests/panel.test.mjs

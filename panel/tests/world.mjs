@@ -61,7 +61,7 @@ export class World {
 
   /** A host; its `url` is where the panel is. */
   async host(...words) {
-    const process_ = spawn(join(build, 'bin/plugincore-host'), ['panel', ...words], { env: this.env, stdio: ['ignore', 'pipe', 'pipe'] });
+    const process_ = spawn(join(build, 'bin/plugincore-host'), ['panel', '--for', '600', ...words], { env: this.env, stdio: ['ignore', 'pipe', 'pipe'] });
     const host = { process: process_, output: '', errors: '', ended: new Promise((done) => process_.on('exit', (code, signal) => done(signal ?? code))) };
     process_.stdout.on('data', (text) => { host.output += text; });
     process_.stderr.on('data', (text) => { host.errors += text; });

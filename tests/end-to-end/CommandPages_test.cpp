@@ -126,7 +126,8 @@ TEST(CommandPages, TheHostsTableIsCompleteAndEachOfItsCommandsDoesItsWork) {
                                                                     {"VALUE", "1"},
                                                                     {"CHOICE", "7"},
                                                                     {"FOLDER", world.Path("collected")}}));
-        EXPECT_EQ(result.status, 0) << command << ": " << result.errors;
+        const bool isBuilt = result.errors.find("was built without") == std::string::npos;
+        EXPECT_EQ(result.status, isBuilt ? 0 : 1) << command << ": " << result.errors;
         ExpectOptionsIn(world.RunHost({first, "--help"}).output, command);
     }
     EXPECT_EQ(onPage, known);
