@@ -42,6 +42,7 @@ export class Library extends EventTarget {
   private byID = new Map<number, Font>();
   private asked = new Set<number>();
   private loads = 0;
+  private isFresh = true;
   /** What the plug-in says of itself, and whether the font manager answers. */
   private isEnabled = false;
   private isReachable = true;
@@ -236,6 +237,7 @@ export class Library extends EventTarget {
     const load = ++this.loads;
     try {
       await this.loadLists();
+      if (this.isFresh) await this.restoreChoice();
       const fonts = await this.fontsBy(kEverything);
       if (load !== this.loads) return;
       this.fonts = fonts;
@@ -300,6 +302,13 @@ export class Library extends EventTarget {
       case 'document':
         return (this.documents[collection.id]?.fonts ?? []).map((font) => this.byID.get(font.fontID ?? 0) ?? unlisted(font));
     }
+  }
+
+  private async restoreChoice(): Promise<void> {
+    this.isFresh = false;
+    const { selection } = await this.client.request({ messageID: 18 });
+    if (this.smartLists.some(({ smartListID }) => smartListID === selection))
+      this.change({ collection: { kind: 'smartList', id: selection } });
   }
 
   /** The choice that is there again when the panel is. */

@@ -83,6 +83,7 @@ describe('the panel', { skip, concurrency: false }, () => {
     await page.getByRole('button', { name: 'Save' }).click();
     await other.getByRole('button', { name: '<b>Posters</b>' }).click();
     await eventually(async () => await rows(other).count() === 8, 'the other tab has the list');
+    await page.reload();
     await page.getByRole('button', { name: 'Edit smart list' }).click();
     await page.getByLabel('Name').fill('Covers');
     await page.getByRole('button', { name: 'Save' }).click();
@@ -129,7 +130,7 @@ describe('the panel', { skip, concurrency: false }, () => {
     const list = Array.from({ length: 90000 }, (_, i) => `${i + 1}\tPS-${i + 1}\t${hostile[i] ? ` ${hostile[i]}` : `Face ${i + 1}`}\t0\tdesktop\t1\n`).join('');
     const lines = [[66, { messageID: 20, isStandalone: true }, { messageID: 30, isEnabled: true }],
       [10, { messageID: 10, isEnabled: false, isReplicating: false, replicationMode: 0, returnCode: 0 }],
-      [38, { messageID: 38, smartLists: [] }], [35], [40, { messageID: 41, filename: 'file:///list' }]]
+      [18, { messageID: 18, selection: 0, savesSmartList: false }], [38, { messageID: 38, smartLists: [] }], [35], [40, { messageID: 41, filename: 'file:///list' }]]
       .flatMap(([messageID, ...replies]) => [{ to: 'core', ms: 0, message: { messageID } }, ...replies.map((message) => ({ to: 'panel', ms: 0, message }))]);
     const text = [...lines, { file: 'file:///list', text: list }].map((line) => JSON.stringify(line)).join('\n');
     const page = await browser.newPage({ viewport: { width: 900, height: 560 } });
@@ -174,6 +175,6 @@ describe('the panel', { skip, concurrency: false }, () => {
     const said = readFileSync(recording, 'utf8').trim().split('\n').map((line) => JSON.parse(line)).filter(({ to }) => to);
     for (const { to, message } of said) assert.ok(validators[to](message), `${JSON.stringify(message)}: ${JSON.stringify(validators[to].errors)}`);
     const sent = new Set(said.filter(({ to }) => to === 'core').map(({ message }) => message.messageID));
-    for (const id of [8, 9, 10, 13, 17, 32, 33, 34, 35, 36, 38, 39, 40, 66]) assert.ok(sent.has(id), `the panel never sent ${id}`);
+    for (const id of [8, 9, 10, 13, 17, 18, 32, 33, 34, 35, 36, 38, 39, 40, 66]) assert.ok(sent.has(id), `the panel never sent ${id}`);
   });
 });
