@@ -297,6 +297,8 @@ bool PanelServer::Start(uint16_t port) {
     // Interrupts are the main thread's; those of the pool inherit this.
     const platform::ScopedSignalBlock noSignals;
     mState->thread = std::thread([&server] { server.listen_after_bind(); });
+    while (!server.is_running())  // until then it cannot be stopped
+        std::this_thread::yield();
     return true;
 }
 
