@@ -97,6 +97,9 @@ export function connectToBridge(base: string): Connection {
     for (const [key, value] of Object.entries(query)) url.searchParams.set(key, value);
     return url.href;
   };
+  // An answer to what is sent before that would be lost.
+  let opened: () => void;
+  const wasOpened = new Promise<void>((resolve) => { opened = resolve; });
   const locate = (url: string) => at('file', { path: pathOfFileURL(url) });
   return {
     transport: {
@@ -106,7 +109,7 @@ export function connectToBridge(base: string): Connection {
         const open = () => {
           const stream = events = new EventSource(at('events', { panel }));
           events.onmessage = (event) => receive(event.data);
-          events.onopen = () => changed?.(true);
+          events.onopen = () => { opened(); changed?.(true); };
           events.onerror = () => {
             changed?.(false);
             // After an answer that is no stream, a browser does not try again by itself.
@@ -121,6 +124,7 @@ export function connectToBridge(base: string): Connection {
         return () => { document.removeEventListener('visibilitychange', choose); close(); };
       },
       async dispatch(message) {
+        await wasOpened;
         for (let wait = 100; ; wait *= 2) {
           const response = await fetch(at('messages', { panel }),
             { method: 'POST', headers: { 'Content-Type': 'application/json' }, body: message });
