@@ -111,6 +111,18 @@ describe('the panel', { skip, concurrency: false }, () => {
     await page.close();
   });
 
+  test('takes the page\'s first panel as it stands', async () => {
+    const code = (language) => new RegExp(`~~~${language}\\n([^]*?)~~~`).exec(readFileSync(join(root, '../docs/panel-messages.md'), 'utf8'))[1];
+    const page = await browser.newPage();
+    await page.route('**/first.html', (route) => route.fulfill({ contentType: 'text/html', body: code('html') }));
+    await page.route('**/first.js', (route) => route.fulfill({ contentType: 'text/javascript', body: code('js') }));
+    await page.route('**/client.js', (route) => route.fulfill({ contentType: 'text/javascript', path: join(root, 'dist/client.js') }));
+    await page.goto(`${host.url}first.html`);
+    await page.getByText('DejaVu Sans Bold', { exact: true }).waitFor();
+    assert.equal(await page.locator('li').count(), 8);
+    await page.close();
+  });
+
   test('says when the agent is gone, and goes on when it is back', async () => {
     const page = await open();
     await rows(page).first().waitFor();
