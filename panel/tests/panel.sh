@@ -9,6 +9,6 @@ command -v npm >/dev/null || skip "there is no npm; install node 18 or newer"
 [ "$(node -p 'Number(process.versions.node.split(".")[0])')" -ge 18 ] || skip "node is older than 18"
 [ -d node_modules ] || npm ci --no-audit --no-fund >/dev/null 2>&1 || skip "npm ci fails; is there a connection to the registry?"
 [ -x "${CHROMIUM:-/usr/bin/chromium}" ] || skip "there is no chromium; install the package"
-npx tsc
 node build.mjs --out "$build/share/plugincore/panel"
+npx tsc
 PANEL_BUILD="$build" exec node --test tests/client.test.mjs tests/panel.test.mjs
