@@ -27,7 +27,7 @@ std::string FindPlaced(const std::string& folder, const std::string& placed) {
     const bool isElsewhere = placed.size() > 1 && IsSeparator(placed[0]) && IsSeparator(placed[1]);
     const std::string named = isElsewhere ? "" : platform::IsFullPath(placed) ? placed : folder + placed;
     for (const std::string& path : {named, folder + name, folder + "Links/" + name}) {
-        const std::string file = path.empty() ? path : platform::AbsolutePath(path);
+        std::string file = path.empty() ? path : platform::AbsolutePath(path);
         if (!file.empty() && platform::IsExistingFile(file))
             return file;
     }
