@@ -31,11 +31,6 @@ public:
     /// allow. A file that cannot be opened is unreadable, with the system's reason. Throws NoDocumentReader.
     DocumentFonts Read(const std::string& path);
 
-    /// The same, and of the documents that it places, and those that these place: a font that only they use has
-    /// them in `placedIn`. A placed file that is not where it is named is looked for beside the document and in
-    /// its folder "Links". What cannot be read is left out.
-    DocumentFonts ReadWithPlaced(const std::string& path);
-
 private:
     /// Nothing, and the problem, where the process did not answer.
     std::optional<DocumentFonts> Ask(const std::string& extension, const platform::ReadOnlyFile& file,

@@ -1,4 +1,5 @@
-// What a document's own fonts and those of the documents that it places come to.
+#include "PlacedDocuments.h"
+
 #include <algorithm>
 #include <chrono>
 #include <map>
@@ -7,7 +8,6 @@
 #include <utility>
 
 #include "DocumentLimits.h"
-#include "DocumentReader.h"
 #include "platform/Files.h"
 
 namespace documents {
@@ -99,8 +99,8 @@ private:
 
 }  // namespace
 
-DocumentFonts DocumentReader::ReadWithPlaced(const std::string& path) {
-    return PlacedReader(*this).Read(path);
+DocumentFonts ReadWithPlaced(DocumentReader& reader, const std::string& path) {
+    return PlacedReader(reader).Read(path);
 }
 
 }  // namespace documents

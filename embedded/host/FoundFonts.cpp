@@ -2,10 +2,11 @@
 
 #include "FontRecords.h"
 #include "Output.h"
+#include "PlacedDocuments.h"
 
 documents::DocumentFonts FontFinder::Find(const std::string& path) {
     try {
-        return mIsMissing ? documents::DocumentFonts() : mReader.ReadWithPlaced(path);
+        return mIsMissing ? documents::DocumentFonts() : ReadWithPlaced(mReader, path);
     } catch (const documents::NoDocumentReader& missing) {
         mIsMissing = true;
         PrintError(std::string(missing.what()) + "; documents are searched for font names instead");

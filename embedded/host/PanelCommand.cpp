@@ -5,8 +5,10 @@
 #include <set>
 
 #include "Commands.h"
+#include "ErrorCodes.h"
 #include "FontRecordKeys.h"
 #include "FoundFonts.h"
+#include "IdleLoop.h"
 #include "OpenedDocument.h"
 #include "Output.h"
 #include "PanelEventService.h"
@@ -23,13 +25,8 @@ namespace {
 using nlohmann::json;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kIdleInterval{100};
 /// How often the core is asked for a font manager that was lost, which has it look for one.
 constexpr std::chrono::seconds kAskInterval{2};
-
-/// What replies say when there is no font manager.
-constexpr uint32_t kUnavailable = 50335758;
-constexpr uint32_t kShutdown = 33562637;
 
 enum MessageID { kReleaseFontListFile = 13, kEnabled = 30, kGetFontPNG = 32, kFontList = 41 };
 
@@ -87,7 +84,7 @@ private:
             mHasFontManager = message.value("isEnabled", json()) == true;
         else if (const json code = message.is_object() ? message.value("returnCode", json()) : json();
                  !code.is_null())
-            mHasFontManager = code != kUnavailable && code != kShutdown;
+            mHasFontManager = code != GIPCClient::kServiceUnavailable && code != GAgentIF::kShutdown;
         mRecorder.Note(PanelRecorder::To::kPanel, text);
         if (id == kFontList)
             mRecorder.NoteFile(TextAt(message, "filename"), PathOfURL(TextAt(message, "filename")));
@@ -144,19 +141,16 @@ void OpenDocuments(const CoreLibrary& core, const std::vector<std::string>& path
 }
 
 /// Whether to go on: neither Enter, an interrupt nor the deadline has come.
-bool GoesOn(std::optional<Clock::time_point> deadline) {
+bool GoesOn(Deadline deadline) {
     if (platform::WasInterrupted())
         return false;
     return deadline ? Clock::now() < *deadline : !platform::WaitForUser(std::chrono::milliseconds(1), true);
 }
 
-void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host,
-           std::optional<Clock::time_point> deadline) {
+void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, Deadline deadline) {
     Clock::time_point lastAsked{};
     do {
-        core.TryRegisterPlugPlug(host.Panels().Handle());
-        core.IdleEvent();
-        core.ProcessPanelMessages(false);
+        BeIdle(core, host.Panels());
         if (!host.HasFontManager() && Clock::now() - lastAsked > kAskInterval) {
             bool ignored = false;
             core.ShouldShowLogin(&ignored);
@@ -206,12 +200,7 @@ int RunPanel(const HostOptions& host, const PanelOptions& options) {
     FlushOutput();
     if (options.opensBrowser)
         OpenInBrowser(server.URL());
-    std::optional<Clock::time_point> deadline;
-    if (options.seconds)
-        deadline = Clock::now() + std::chrono::milliseconds(static_cast<int64_t>(*options.seconds * 1000));
-    else
-        fmt::print(stderr, "Press Enter to end.\n");
-    Serve(session.Core(), server, panelHost, deadline);
+    Serve(session.Core(), server, panelHost, DeadlineAfter(options.seconds));
     for (const std::string& path : paths)
         session.Core().HandleCloseDocument(path.c_str(), "");
     return exit_status::kDone;

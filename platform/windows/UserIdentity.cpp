@@ -33,15 +33,6 @@ bool IsElevated(HANDLE token) {
            type == TokenElevationTypeFull;
 }
 
-bool LowerIntegrity(HANDLE token) {
-    unsigned char medium[SECURITY_MAX_SID_SIZE];
-    DWORD size = sizeof medium;
-    if (!CreateWellKnownSid(WinMediumLabelSid, nullptr, medium, &size))
-        return false;
-    TOKEN_MANDATORY_LABEL label{{medium, SE_GROUP_INTEGRITY}};
-    return SetTokenInformation(token, TokenIntegrityLevel, &label, sizeof label + size) != FALSE;
-}
-
 /// What a program makes belongs to the user, and not to the administrators that it no longer is one of.
 bool SetOwnerAndRights(HANDLE token) {
     UserId user = ThisUser();
@@ -98,6 +89,15 @@ bool IsThisUser(const UserId& user) {
     return !user.empty() && user == ThisUser();
 }
 
+bool SetIntegrity(HANDLE token, WELL_KNOWN_SID_TYPE level) {
+    unsigned char sid[SECURITY_MAX_SID_SIZE];
+    DWORD size = sizeof sid;
+    if (!CreateWellKnownSid(level, nullptr, sid, &size))
+        return false;
+    TOKEN_MANDATORY_LABEL label{{sid, SE_GROUP_INTEGRITY}};
+    return SetTokenInformation(token, TokenIntegrityLevel, &label, sizeof label + size) != FALSE;
+}
+
 OwnedHandle MakeUnelevatedToken() {
     constexpr DWORD kRights = TOKEN_QUERY | TOKEN_DUPLICATE | TOKEN_ASSIGN_PRIMARY | TOKEN_ADJUST_DEFAULT;
     HANDLE opened = nullptr;
@@ -109,7 +109,8 @@ OwnedHandle MakeUnelevatedToken() {
         !CreateRestrictedToken(own.Get(), LUA_TOKEN, 0, nullptr, 0, nullptr, 0, nullptr, &made))
         return {};
     OwnedHandle token(made);
-    return LowerIntegrity(token.Get()) && SetOwnerAndRights(token.Get()) ? std::move(token) : OwnedHandle();
+    return SetIntegrity(token.Get(), WinMediumLabelSid) && SetOwnerAndRights(token.Get()) ? std::move(token)
+                                                                                          : OwnedHandle();
 }
 
 }  // namespace platform

@@ -9,6 +9,7 @@
 
 #include "OwnedHandle.h"
 #include "SecurityAttributes.h"
+#include "UserIdentity.h"
 #include "WideText.h"
 
 namespace platform {
@@ -252,14 +253,8 @@ private:
 /// What a process of low integrity may write to is next to nothing.
 void LowerIntegrity() {
     HANDLE token = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_DEFAULT | TOKEN_QUERY, &token))
-        return;
-    const OwnedHandle owned(token);
-    SID low{SID_REVISION, 1, SECURITY_MANDATORY_LABEL_AUTHORITY, {SECURITY_MANDATORY_LOW_RID}};
-    TOKEN_MANDATORY_LABEL label{};
-    label.Label.Attributes = SE_GROUP_INTEGRITY;
-    label.Label.Sid = &low;
-    SetTokenInformation(token, TokenIntegrityLevel, &label, sizeof label + GetLengthSid(&low));
+    if (OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_DEFAULT | TOKEN_QUERY, &token))
+        SetIntegrity(OwnedHandle(token).Get(), WinLowLabelSid);
 }
 
 class WindowsWorkerLine : public WorkerLine {

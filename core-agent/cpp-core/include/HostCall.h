@@ -32,15 +32,15 @@ private:
 };
 
 /// Hands control to the host, in a dialog or a callback, for as long as it lasts.
-class HostTurn {
+class WithinHost {
 public:
-    HostTurn() : mCall(HostCall::Innermost()) {}
-    ~HostTurn() {
+    WithinHost() : mCall(HostCall::Innermost()) {}
+    ~WithinHost() {
         if (mCall != 0)
             HostCall::ComeBackTo(mCall);
     }
-    HostTurn(const HostTurn&) = delete;
-    HostTurn& operator=(const HostTurn&) = delete;
+    WithinHost(const WithinHost&) = delete;
+    WithinHost& operator=(const WithinHost&) = delete;
 
 private:
     const HostCall::Number mCall;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "NoDestructor.h"
@@ -23,16 +24,21 @@ class Calls {
 public:
     HostCall::Number Begin(uintptr_t place) {
         const std::lock_guard guard(mLock);
-        EndIf([&](const Call& call) { return call.place <= place; });
+        Forget([&](const Call& call) { return call.place <= place; });
         ++mLast;
         if (mCount < mUnderWay.size())
             mUnderWay[mCount++] = {mLast, std::this_thread::get_id(), place, TraceIndentation()};
         return mLast;
     }
-    /// The call and those within it.
     void End(HostCall::Number number) {
+        ForgetWithin(number);
         const std::lock_guard guard(mLock);
-        EndIf([&](const Call& call) { return call.number >= number; });
+        Remove([&](const Call& call) { return call.number == number; });
+    }
+    /// Those that began within the call and did not end.
+    void ForgetWithin(HostCall::Number number) {
+        const std::lock_guard guard(mLock);
+        Forget([&](const Call& call) { return call.number > number; });
     }
     HostCall::Number Innermost() {
         const std::lock_guard guard(mLock);
@@ -51,16 +57,23 @@ public:
 private:
     static bool IsOurs(const Call& call) { return call.thread == std::this_thread::get_id(); }
 
-    /// Of this thread's. The trace is as deep again as when the first of them began.
+    /// Those of this thread; where the first of them stood.
     template <class Condition>
-    void EndIf(const Condition& isOver) {
+    std::optional<Call> Remove(const Condition& isMeant) {
         const auto end = mUnderWay.begin() + mCount;
-        const auto isEnded = [&](const Call& call) { return IsOurs(call) && isOver(call); };
-        const auto first = std::find_if(mUnderWay.begin(), end, isEnded);
+        const auto isOurs = [&](const Call& call) { return IsOurs(call) && isMeant(call); };
+        const auto first = std::find_if(mUnderWay.begin(), end, isOurs);
         if (first == end)
-            return;
-        SetTraceIndentation(first->indentation);
-        mCount = static_cast<size_t>(std::remove_if(first, end, isEnded) - mUnderWay.begin());
+            return std::nullopt;
+        const Call outermost = *first;
+        mCount = static_cast<size_t>(std::remove_if(first, end, isOurs) - mUnderWay.begin());
+        return outermost;
+    }
+    /// The host left them, and so no line of the trace closed what theirs had opened.
+    template <class Condition>
+    void Forget(const Condition& isLeft) {
+        if (const auto outermost = Remove(isLeft))
+            SetTraceIndentation(outermost->indentation);
     }
 
     std::mutex mLock;
@@ -91,5 +104,5 @@ bool HostCall::IsUnderWay(Number call) {
 }
 
 void HostCall::ComeBackTo(Number call) {
-    AllCalls().End(call + 1);
+    AllCalls().ForgetWithin(call);
 }

@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "FakePlatform.h"
-#include "TraceLog.h"
 
 TEST(HostPatience, EndsWithTheWaitingOfOneCallAndBeginsAnewWithWhatTheUserSees) {
     FakeClock clock;
@@ -33,32 +32,4 @@ TEST(HostPatience, EndsWithTheWaitingOfOneCallAndBeginsAnewWithWhatTheUserSees) 
     clock.ticks += 5000;
     HostPatience::Renew();
     EXPECT_TRUE(HostPatience::AllowsLaunch());
-}
-
-TEST(HostCall, WhatTheHostLeftIsOverOnceTheCallAroundItGoesOn) {
-    alignas(HostCall) unsigned char abandoned[sizeof(HostCall)];  // never destroyed
-    const int depth = TraceIndentation();
-    const std::function<void()> beginAndLeave = [&] {
-        new (abandoned) HostCall();
-        SetTraceIndentation(depth + 2);
-    };
-    Turn turn;
-    {
-        const HostCall outer;
-        {
-            const HostTurn dialog;
-            beginAndLeave();
-        }
-        EXPECT_EQ(TraceIndentation(), depth);
-        const TurnHolder taken(turn);
-        const std::function<void()> comeFromBehindADialog = [&] {
-            const HostCall inner;
-            EXPECT_FALSE(TurnHolder(turn)) << "the outer call has it";
-        };
-        comeFromBehindADialog();
-        beginAndLeave();
-    }
-    EXPECT_EQ(TraceIndentation(), depth);
-    EXPECT_EQ(HostCall::Innermost(), 0u);
-    EXPECT_TRUE(TurnHolder(turn));
 }

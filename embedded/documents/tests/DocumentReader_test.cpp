@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "PlacedDocuments.h"
 #include "TemporaryFolder.h"
 #include "TestFiles.h"
 
@@ -47,7 +48,8 @@ TEST(DocumentReader, FontsOfPlacedDocumentsAreTheirsUnlessTheDocumentUsesThemToo
     const std::string art =
         folder.Write("art 字.svg", drawing(text("Own") + text("Both"), R"(<image href="page.svg"/>)"));
     const std::string logo = folder.Write("Links/logo.svg", drawing(text("Both") + text("Logo"), ""));
-    const auto fonts = DocumentReader(BuiltFile(DOCUMENT_READER_PROGRAM)).ReadWithPlaced(page).fonts;
+    DocumentReader reader(BuiltFile(DOCUMENT_READER_PROGRAM));
+    const auto fonts = ReadWithPlaced(reader, page).fonts;
     ASSERT_THAT(fonts, testing::SizeIs(3));
     EXPECT_THAT(fonts[0].placedIn, testing::ElementsAre(logo, art));
     EXPECT_EQ(fonts[0].where, "placed logo.svg, art 字.svg");

@@ -3,9 +3,9 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "DocumentReader.h"
 #include "FontRecords.h"
 #include "GBinaryDocumentFontExtractor.h"
+#include "PlacedDocuments.h"
 #include "cli/AgentSession.h"
 
 namespace pellwick::cli {
@@ -13,7 +13,8 @@ namespace {
 
 documents::DocumentFonts Read(const std::string& path) {
     try {
-        return documents::DocumentReader(documents::DocumentReader::DefaultProgram()).ReadWithPlaced(path);
+        documents::DocumentReader reader(documents::DocumentReader::DefaultProgram());
+        return ReadWithPlaced(reader, path);
     } catch (const documents::NoDocumentReader&) {
         return {};
     }

@@ -52,7 +52,8 @@ void FontManagerInterface::OpenSelectWorkgroupDialog() {
 }
 
 void FontManagerInterface::HandleSelectWorkgroup() {
-    if (mSelectWorkgroupDialog.IsTaken()) {
+    const TurnHolder turn(mSelectWorkgroupDialog);
+    if (!turn) {
         LogMessage(0,
                    "*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is "
                    "already being displayed!");
@@ -60,7 +61,6 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     }
     const TraceScope trace([] { LogMessage(-1, "Exiting FontManagerInterface::HandleSelectWorkgroup"); },
                            "Entering FontManagerInterface::HandleSelectWorkgroup");
-    const TurnHolder turn(mSelectWorkgroupDialog);
     LogMessage(0, "HandleSelectWorkgroup:  Setting PluginServicesEnabled false");
     MarquellGlobals::SetPluginServicesEnabled(false);
     if (const auto chosen = ChooseWorkgroup())

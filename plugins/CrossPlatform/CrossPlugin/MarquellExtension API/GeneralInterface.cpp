@@ -11,7 +11,7 @@ void GeneralInterface::ShowProgressHint(const char* hint) {
 
 void GeneralInterface::Refresh(bool menus, bool panels) {
     if (menus && mRebuildWorkgroupsMenu != nullptr) {
-        const HostTurn host;
+        const WithinHost host;
         mRebuildWorkgroupsMenu();
     }
     // A panel that could not be told was reported; there is nothing more to do about it here.

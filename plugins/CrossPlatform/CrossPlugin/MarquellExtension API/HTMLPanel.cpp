@@ -41,7 +41,7 @@ std::unique_ptr<HTMLPanel> HTMLPanel::Create(PlugPlugService* plugPlug) {
 
 ErrorCode HTMLPanel::RegisterHandler() {
     RETURN_IF_NULL(mPlugPlug);
-    const HostTurn host;
+    const WithinHost host;
     const int32_t status = mPlugPlug->AddEventListener(mPlugPlug, kPanelToPlugin, EventCallback, this);
     if (status == kEventErrorCode_Success)
         return CoreErrorCodes::kSuccess;
@@ -104,7 +104,7 @@ uint32_t HTMLPanel::GetSocketPort() {
 ErrorCode HTMLPanel::SendMessage(const std::string& message) {
     RETURN_IF_NULL(mPlugPlug);
     const PlugPlugEvent event{kPluginToPanel, kApplicationScope, "HTML", nullptr, message.c_str()};
-    const HostTurn host;
+    const WithinHost host;
     // What the service takes may still not arrive; nobody can tell.
     return mPlugPlug->DispatchEvent(mPlugPlug, &event) == kEventErrorCode_Success ? CoreErrorCodes::kSuccess
                                                                                   : CoreErrorCodes::kError;

@@ -27,7 +27,7 @@ private:
     static uint32_t Now() { return platform::Current<platform::Clock>().TickCount(); }
 
     const uint32_t mBegin = Now();
-    const HostTurn mHost;
+    const WithinHost mHost;
 };
 
 std::string FolderOfThisModule() {
