@@ -34,6 +34,7 @@ class NoFontTable : public platform::FontTable {
     bool IsFilledFromFolders() override { return true; }
     bool Add(const std::string&) override { return false; }
     bool Remove(const std::string&) override { return false; }
+    std::map<std::string, int> Added() override { return {}; }
     void AnnounceChange() override {}
     platform::VisibleFonts Visible() override { return {}; }
 };

@@ -32,6 +32,7 @@ void OpenDocumentListener::OnStart(const XmlElement& element) {
         mStyles.SetProperties(element);
     else
         EnterText(element);
+    NotePlaced(element);
 }
 
 void OpenDocumentListener::OnEnd(std::string_view name) {
@@ -72,8 +73,21 @@ void OpenDocumentListener::EnterText(const XmlElement& element) {
     }
 }
 
+/// Within a package a link begins where the package's own files stand: what is beside it is "../" from there.
+void OpenDocumentListener::NotePlaced(const XmlElement& element) {
+    constexpr std::string_view kOutside = "../";
+    if (element.name != "image" && element.name != "object" && element.name != "section-source")
+        return;
+    std::string_view link = element.Value("href");
+    if (mForm == Form::kPackage && link.starts_with(kOutside))
+        link.remove_prefix(kOutside.size());
+    else if (mForm == Form::kPackage && !link.starts_with("file:"))
+        return;
+    mFonts.AddPlaced(PathOfUri(link));
+}
+
 void ReadFlatOpenDocument(std::string_view content, FontList& fonts) {
-    OpenDocumentListener listener(fonts);
+    OpenDocumentListener listener(OpenDocumentListener::Form::kFlat, fonts);
     ReadXml(content, listener);
     listener.Finish();
 }

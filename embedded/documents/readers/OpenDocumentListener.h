@@ -13,7 +13,9 @@ namespace documents {
 /// Hears of the styles and then of the content, be it in one file or in two.
 class OpenDocumentListener : public XmlListener {
 public:
-    explicit OpenDocumentListener(FontList& fonts) : mFonts(fonts) {}
+    enum class Form { kFlat, kPackage };
+
+    OpenDocumentListener(Form form, FontList& fonts) : mForm(form), mFonts(fonts) {}
 
     void OnStart(const XmlElement& element) override;
     void OnEnd(std::string_view name) override;
@@ -24,7 +26,9 @@ public:
 private:
     void DeclareStyle(const XmlElement& element);
     void EnterText(const XmlElement& element);
+    void NotePlaced(const XmlElement& element);
 
+    const Form mForm;
     FontList& mFonts;
     OpenDocumentStyles mStyles;
     std::vector<TextProperties> mLevels;  ///< of the elements around

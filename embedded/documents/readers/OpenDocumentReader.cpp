@@ -7,7 +7,7 @@ namespace documents {
 void ReadOpenDocument(std::string_view content, FontList& fonts) {
     constexpr char kStyles[] = "styles.xml";
     ZipArchive archive(content);
-    OpenDocumentListener listener(fonts);
+    OpenDocumentListener listener(OpenDocumentListener::Form::kPackage, fonts);
     if (archive.Has(kStyles))
         archive.ReadXml(kStyles, listener);
     archive.ReadXml("content.xml", listener);

@@ -52,6 +52,14 @@ TEST(OpenDocumentArchive, ContentIsReadWithTheStylesOfTheOtherPart) {
                 ElementsAre("Sample | Sample |  | style Body", "Sample Bold | Sample | Bold | text"));
 }
 
+TEST(OpenDocumentArchive, PlacesWhatStandsOutsideIt) {
+    const std::string links =
+        R"(<d xmlns:l="l"><l:image l:href="../art/a%20b.svg"/><l:image l:href="Pictures/c.svg"/>
+<l:section-source l:href="file:///d.odt"/><l:a l:href="../e.svg"/></d>)";
+    EXPECT_THAT(documents::ReadDocumentFonts(MakeText("<d/>", links), "").placed,
+                ElementsAre("/d.odt", "art/a b.svg"));
+}
+
 TEST(OpenDocumentArchive, WhatIsDamagedOrABombIsOneLine) {
     const std::string whole = MakeText(kStyles, kContent);
     EXPECT_THAT(Fonts(whole.substr(0, whole.size() / 2)), ElementsAre(HasSubstr("it is damaged")));

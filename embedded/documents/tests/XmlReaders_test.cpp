@@ -122,6 +122,10 @@ TEST(XmlReaders, PlacedFilesAreNamedAsEveryFormatDoes) {
         placed(Svg(
             R"(<image href="file:///C:/a%20b.svg"/><image href="50%.svg"/><image href="//host/a.svg"/>)")),
         ElementsAre("50%.svg", "C:/a b.svg"));
+    EXPECT_THAT(
+        placed(R"(<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0">)"
+               R"(<draw:image xmlns:draw="d" xmlns:xlink="l" xlink:href="a%20b.svg"/></office:document>)"),
+        ElementsAre("a b.svg"));
 }
 
 TEST(ScribusReader, TextsAndStylesNameFonts) {

@@ -27,9 +27,10 @@ std::string NameOf(const Json& font) {
     return StringMember(font, manifest::kPostScriptName);
 }
 
-bool IsSameFont(const Json& left, const Json& right) {
-    const auto isEqual = [&](const char* key) { return StringMember(left, key) == StringMember(right, key); };
-    return isEqual(manifest::kPostScriptName) && isEqual(manifest::kStyle) && isEqual(manifest::kSHA256);
+/// What tells one font of a manifest from another.
+std::array<std::string, 3> IdentityOf(const Json& font) {
+    return {StringMember(font, manifest::kPostScriptName), StringMember(font, manifest::kStyle),
+            StringMember(font, manifest::kSHA256)};
 }
 
 /// False also where that cannot be told: then nothing can be written either.
@@ -125,6 +126,7 @@ Manifest::Manifest(const std::string& folder) : mFolder(folder) {
     }
     if (mContent.is_null())
         mContent = EmptyManifest();
+    NotePositions();
 }
 
 bool Manifest::Load() {
@@ -143,16 +145,16 @@ bool Manifest::Load() {
 
 void Manifest::Add(Json font) {
     Json& fonts = mContent[manifest::kFonts];
-    const auto known =
-        std::find_if(fonts.begin(), fonts.end(), [&](const Json& each) { return IsSameFont(each, font); });
-    if (known == fonts.end()) {
+    const auto [position, isNew] = mPositions.emplace(IdentityOf(font), fonts.size());
+    if (isNew) {
         fonts.push_back(std::move(font));
         return;
     }
-    Json uses = MergedUses((*known)[manifest::kUsedIn], font[manifest::kUsedIn]);
-    if (HasCopy(font) || !HasCopy(*known))
-        *known = std::move(font);
-    (*known)[manifest::kUsedIn] = std::move(uses);
+    Json& known = fonts[position->second];
+    Json uses = MergedUses(known[manifest::kUsedIn], font[manifest::kUsedIn]);
+    if (HasCopy(font) || !HasCopy(known))
+        known = std::move(font);
+    known[manifest::kUsedIn] = std::move(uses);
 }
 
 void Manifest::SetMissing(const std::string& document, const Json& fonts) {
@@ -187,6 +189,14 @@ void Manifest::Tidy() {
             [&](const Json& font) { return !StringMember(font, manifest::kFile).empty() && !HasCopy(font); });
     for (const char* key : {manifest::kFonts, manifest::kMissing})
         SortByName(mContent[key]);
+    NotePositions();
+}
+
+void Manifest::NotePositions() {
+    const Json& fonts = mContent[manifest::kFonts];
+    mPositions.clear();
+    for (size_t position = 0; position < fonts.size(); ++position)
+        mPositions.emplace(IdentityOf(fonts[position]), position);
 }
 
 platform::SystemError Manifest::Save() {

@@ -2,6 +2,8 @@
 // describes both.
 #pragma once
 
+#include <array>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -66,11 +68,13 @@ private:
     bool Load();
     bool HasCopy(const Json& font) const;
     void Tidy();
+    void NotePositions();
 
     const std::string mFolder;
     std::string mPath;
     std::string mPagePath;
     Json mContent;
+    std::map<std::array<std::string, 3>, size_t> mPositions;  ///< of the fonts, by what tells them apart
 };
 
 }  // namespace pellwick

@@ -39,7 +39,7 @@ bool MayBeFontFile(std::string_view beginning) {
 
 std::string FontFileExtension(const std::string& fileName, const std::vector<FontFace>& faces) {
     const size_t dot = fileName.rfind('.');
-    const std::string extension = AsciiLowerCase(dot != std::string::npos ? fileName.substr(dot) : "");
+    std::string extension = AsciiLowerCase(dot != std::string::npos ? fileName.substr(dot) : "");
     if (std::find(kFontExtensions.begin(), kFontExtensions.end(), extension) != kFontExtensions.end())
         return extension;
     switch (faces.empty() ? Kinds::kFontKind_unknown : faces.front().kind) {
