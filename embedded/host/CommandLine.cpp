@@ -1,6 +1,8 @@
 #include "CommandLine.h"
 
+#include "HostApplications.h"
 #include "PrintableText.h"
+#include "platform/System.h"
 
 namespace {
 
@@ -16,16 +18,15 @@ using exact_words::AddTexts;
 
 constexpr char kRawHelp[] = "Know no formats: search the files' bytes for font names, as the core does";
 
-constexpr char kHostNamesHelp[] =
-    "name a host application: it holds After, Illustrator, InCopy, InDesign, Photoshop or Sketch";
-
-/// The core serves processes with such names alone.
-bool NamesAHost(const std::string& name) {
-    for (const char* word : {"After", "Illustrator", "InCopy", "InDesign", "Photoshop", "Sketch"}) {
-        if (name.find(word) != std::string::npos)
-            return true;
+/// What is wrong with the name of a host application; empty for nothing.
+std::string RefusalOfHost(const std::string& name) {
+    std::string names;
+    for (const HostApplication& each : ServedHostApplications(platform::kIsLinux)) {
+        if (name == each.name)
+            return {};
+        names.append(names.empty() ? "" : ", ").append(each.name);
     }
-    return false;
+    return "it is one of " + names;
 }
 
 /// `run` is what the command does once all the words are read.
@@ -51,7 +52,7 @@ void DescribeProgram(CLI::App& program, CommandLine& line) {
     program.allow_windows_style_options(false);
     AddText(program, "--app", line.host.app, "The host application to pass for")
         ->default_str(line.host.app)
-        ->check([](const std::string& name) { return NamesAHost(name) ? "" : kHostNamesHelp; });
+        ->check(RefusalOfHost);
     AddText(program, "--core", line.host.corePath, "The core's library")
         ->default_str(PrintableText(line.host.corePath));
     AddText(program, "--answers", line.answers, "A JSON file of answers to the questions that dialogs ask");

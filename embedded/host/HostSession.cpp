@@ -1,5 +1,7 @@
 #include "HostSession.h"
 
+#include <algorithm>
+
 #include "ForeignHome.h"
 #include "HostApplications.h"
 #include "Output.h"
@@ -9,11 +11,9 @@
 
 std::string PluginIdentifierFor(const std::string& app) {
     std::string identifier(kPluginIdentifierPrefix);
-    for (const NamedHostApplication& each : kHostApplications) {
-        if (app == each.hostApp)
-            return identifier += each.identifierEnd;
-    }
-    return identifier += app;
+    const auto host = std::find_if(std::begin(kHostApplications), std::end(kHostApplications),
+                                   [&](const HostApplication& each) { return each.name == app; });
+    return identifier += host != std::end(kHostApplications) ? host->identifierEnd : app;
 }
 
 std::string PellwickCommand(const std::string& words) {

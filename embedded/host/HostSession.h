@@ -7,7 +7,7 @@
 #include "CoreLibrary.h"
 
 struct HostOptions {
-    std::string app;       ///< what the process calls itself
+    std::string app;       ///< a host application's name; the process calls itself so
     std::string corePath;  ///< the core's library
 };
 

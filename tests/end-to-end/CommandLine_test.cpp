@@ -4,6 +4,7 @@
 #include "HostWorld.h"
 #include "PluginCoreInterface.h"
 #include "TestFiles.h"
+#include "platform/System.h"
 
 using testing::HasSubstr;
 
@@ -54,6 +55,19 @@ TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     const auto opened = world.RunHost({"--json", "open", empty, "--close"});
     EXPECT_EQ(opened.status, 0) << opened.errors;
     EXPECT_EQ(json::parse(opened.output)["matched"], json::array());
+}
+
+TEST(CommandLine, TheProgramPassesForTheHostsThatItNamesAndNoOther) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    for (const std::string app :
+         {"AfterEffects2025", "Photoshop2024", platform::kIsLinux ? "LibreOffice" : "Sketch"}) {
+        EXPECT_EQ(world.RunHost({"--app", app, "settings", "EnablePlugin"}).status, 0) << app;
+        EXPECT_THAT(world.Trace(), HasSubstr("VPFInterface(hostApp='" + app + "'"));
+    }
+    const auto refused = world.RunHost({"--app", "Photoshop", "settings"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("Photoshop2023, Photoshop2024"));
 }
 
 TEST(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {

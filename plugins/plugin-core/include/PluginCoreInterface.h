@@ -44,7 +44,8 @@
  * - Time: dialogs apart, one call waits for the font manager for less than 5 seconds in all.
  *
  * Hosts. The library serves a process whose name holds one of the words After, Illustrator, InCopy, InDesign,
- * Photoshop and Sketch, in this spelling. In any other one InitializePluginCoreInterface answers
+ * Photoshop and Sketch, in this spelling; on Linux also those of LibreOffice (soffice), GIMP (gimp), Inkscape
+ * (inkscape), Scribus (scribus) and Evince (evince). In any other one InitializePluginCoreInterface answers
  * PLUGINCORE_NOT_STARTED, and the functions answer as for a plug-in that is switched off; a host that goes on
  * to ask PluginIsEnabled may be told that it is on.
  *
@@ -98,10 +99,13 @@ extern "C" {
  *                        the host application ("InternalName"), the plug-in's version ("PrivateBuild") and
  *                        the least version of the host ("HostAppMinimumVersion"); or, for a plug-in without a
  *                        file of its own, an identifier: "com.vantorix.AutoActivationPlugin." and AI27 to
- *                        AI30 (Illustrator 2023 to 2026) or AE230, AE240, AE250, AE260 (After Effects 2023 to
- *                        2026). With any other identifier everything works, but preferences are kept apart
- *                        from those of every known host.
- * versionPrefixRequired  in: what the host application's file version must begin with; empty for any.
+ *                        AI30 (Illustrator 2023 to 2026), AE230, AE240, AE250, AE260 (After Effects 2023 to
+ *                        2026), or the name of another host application as HostApplications.h has it
+ *                        (Photoshop2025; on Linux LibreOffice, GIMP and so on). With any other identifier
+ *                        everything works: preferences are kept apart from those of every known host, and
+ *                        the log is named for the identifier.
+ * versionPrefixRequired  in: what the host application's file version must begin with; empty for any. Programs
+ *                        of Linux have none: what requires one there is never served.
  *                        Together with the least version it also decides whether messages may show: they do
  *                        when one of the two is there.
  *

@@ -18,6 +18,7 @@
 #include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
 #include "platform/Windowing.h"
 
 namespace {
@@ -58,9 +59,17 @@ ErrorCode CheckHostAndFontManager(bool& allowDialogs, ChosenMessage& message) {
     return PLUGINCORE_NOT_STARTED;
 }
 
+/// Of a plug-in that serves no known host application it is the plug-in's own.
+std::string NameOfLog() {
+    std::string name = MarquellGlobals::GetPluginHostApp();
+    if (name.empty())
+        name = platform::NamePart(MarquellGlobals::GetPluginBundleIdentifier());
+    return name.empty() ? "Unknown" : name;
+}
+
 void SetUpFramework(VPFInterface& framework, ChosenMessage message) {
     framework.SetParentWindowForUi(MarquellGlobals::GetHostAppMainWindow());
-    SetLogFile((MarquellGlobals::GetPluginHostApp() + ".log").c_str());
+    SetLogFile((NameOfLog() + ".log").c_str());
     if (framework.GetBoolPreference(preferences::EnableLogging))
         EnableLogging();
     if (message != nullptr)

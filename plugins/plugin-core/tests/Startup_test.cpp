@@ -132,6 +132,11 @@ TEST_F(StartupTest, TheOldNameOfAHostIsTranslatedAndNoOther) {
     EXPECT_EQ(MarquellGlobals::GetPluginBundleIdentifier(), "aftereffectscc2015");
 }
 
+TEST_F(StartupTest, APluginThatNamesNoKnownHostNamesTheLog) {
+    Start("/plug-ins/Fonts.plugin");
+    EXPECT_EQ(library.logFile, "Fonts.plugin.log");
+}
+
 TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {
     OfferTwoWorkgroups();
     framework.chosenWorkgroup = 8;

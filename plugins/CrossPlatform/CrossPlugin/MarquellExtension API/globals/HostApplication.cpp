@@ -1,11 +1,13 @@
 #include "HostApplication.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <string_view>
 
 #include "HostApplications.h"
 #include "TraceLog.h"
+#include "platform/System.h"
 
 namespace {
 
@@ -15,6 +17,14 @@ bool BeginsWith(const std::string& text, std::string_view prefix) {
 
 bool Contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
+}
+
+/// The host application of this system for which that holds; null for none.
+template <class Condition>
+const HostApplication* FindServed(Condition&& isMeant) {
+    const auto served = ServedHostApplications(platform::kIsLinux);
+    const auto found = std::find_if(served.begin(), served.end(), isMeant);
+    return found != served.end() ? &*found : nullptr;
 }
 
 struct NamedKind {
@@ -91,6 +101,8 @@ std::string HostWindowName(const std::string& hostApp) {
         default:
             break;
     }
+    if (FindServed([&](const auto& each) { return each.isOnLinuxAlone && each.name == hostApp; }))
+        return hostApp;
     LogMessage(
         0,
         "Host app ('%s') is not After Effects, InDesign, InCopy, Illustrator, Photoshop, or Quark! Setting "
@@ -100,12 +112,20 @@ std::string HostWindowName(const std::string& hostApp) {
 }
 
 std::string MapBundleIDtoHostApp(const std::string& bundleID) {
-    for (const NamedHostApplication& each : kHostApplications) {
-        if (bundleID == std::string(kPluginIdentifierPrefix).append(each.identifierEnd))
-            return std::string(each.hostApp);
-    }
+    const HostApplication* host = FindServed([&](const auto& each) {
+        return bundleID == std::string(kPluginIdentifierPrefix).append(each.identifierEnd);
+    });
+    if (host != nullptr)
+        return std::string(host->name);
     LogMessage(0, "Unknown bundleID in %s(%s)", "MapBundleIDtoHostApp", bundleID.c_str());
     return {};
+}
+
+bool NamesAHostProcess(const std::string& processName) {
+    return FindServed([&](const auto& each) {
+               return processName.find(each.processWord) != std::string::npos ||
+                      processName.find(each.name) != std::string::npos;
+           }) != nullptr;
 }
 
 int CompareVersions(const std::string& a, const std::string& b) {

@@ -1,8 +1,5 @@
 #include "HostCompatibility.h"
 
-#include <algorithm>
-#include <array>
-
 #include "HostApplication.h"
 #include "MarquellGlobals.h"
 #include "PluginIdentity.h"
@@ -10,14 +7,6 @@
 #include "platform/Processes.h"
 
 namespace {
-
-constexpr std::array<const char*, 6> kHostWords{"After",    "Illustrator", "InCopy",
-                                                "InDesign", "Photoshop",   "Sketch"};
-
-bool NamesAHost(const std::string& processName) {
-    return std::any_of(kHostWords.begin(), kHostWords.end(),
-                       [&](const char* word) { return processName.find(word) != std::string::npos; });
-}
 
 bool MeetsMinimumVersion(const std::string& hostVersion, const std::string& minimum) {
     if (minimum.empty() || CompareVersions(minimum, hostVersion) <= 0)
@@ -50,7 +39,7 @@ bool MarquellGlobals::RunningInCompatibleHostApp(bool& disableDialogs) {
                "`anonymous-namespace'::RunningInCompatibleHostApp", prefix.c_str(), minimum.c_str(),
                hostVersion.c_str(), processName.c_str());
     bool isCompatible = true;
-    if (!NamesAHost(processName)) {
+    if (!NamesAHostProcess(processName)) {
         disableDialogs = true;
         isCompatible = false;
     } else if (prefix.empty()) {

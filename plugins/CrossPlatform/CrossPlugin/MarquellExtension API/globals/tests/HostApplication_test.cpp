@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/System.h"
+
 TEST(HostApplication, KindsShortCodesAndWindowNamesGoByTheName) {
     const std::tuple<const char*, HostKind, const char*, const char*> rows[] = {
         {"AfterEffects2025", HostKind::kAfterEffects, "ae", "After Effects"},
@@ -14,6 +16,20 @@ TEST(HostApplication, KindsShortCodesAndWindowNamesGoByTheName) {
         EXPECT_EQ(HostWindowName(hostApp), windowName) << hostApp;
     }
     EXPECT_EQ(HostKindFromName("illustrator2024"), HostKind::kOther);
+}
+
+TEST(HostApplication, FreeProgramsAreHostsOnLinuxAlone) {
+    const std::tuple<const char*, const char*, bool> rows[] = {
+        {"LibreOffice", "soffice.bin", platform::kIsLinux},
+        {"GIMP", "gimp-2.10", platform::kIsLinux},
+        {"Photoshop2024", "Photoshop2024", true},
+        {"Photoshop", "libreoffice", false}};
+    for (const auto& [name, process, isServed] : rows) {
+        EXPECT_EQ(MapBundleIDtoHostApp("com.vantorix.AutoActivationPlugin." + std::string(name)),
+                  isServed ? name : "");
+        EXPECT_EQ(NamesAHostProcess(process), isServed) << process;
+    }
+    EXPECT_EQ(HostWindowName("GIMP"), platform::kIsLinux ? "GIMP" : "???");
 }
 
 TEST(HostApplication, VersionsCompareByTheirNumbers) {

@@ -1,0 +1,7 @@
+#include "platform/System.h"
+
+namespace platform {
+
+const bool kIsLinux = true;
+
+}  // namespace platform
