@@ -22,14 +22,15 @@
  * - A document is known by its path. One that has no path yet is known by its identifier, a UUID of 36
  *   characters, until SetPathForDocument gives it one. Where a function takes a path alone, an identifier is
  *   taken for the path of another document.
- * - [main thread]: the thread on which InitializePluginCoreInterface was called, and each function is to be
- *   called on it. A call may show a modal dialog. When the host's event loop calls back into the library from
- *   behind one of a call that activates or closes fonts, HandleOpenExistingDocument, HandleCloseDocument and
- *   ActivateChosenFonts answer PLUGINCORE_UNKNOWN_ERROR.
- * - Dialogs: every function that needs the font manager may show one, where its agent has to be started anew
- *   and does not come. On Windows a dialog takes the thread's messages from its queue until it ends, and hands
- *   them on to the host's windows. GetSocketPort, GetIDForDocument, GetSettings and
- *   SetRebuildWorkgroupsMenuCallback never do.
+ * - [in turn]: on any thread, one call at a time: none begins on one thread while another one is under way on
+ *   another. A host whose events come on several threads holds a lock of its own around each call; one whose
+ *   events all come on its main thread needs none.
+ * - [in turn, dialogs]: the same, and the call may show a modal dialog and lasts until that ends: what needs the
+ *   font manager does, where its agent has to be started anew and does not come. On Windows a dialog takes the
+ *   thread's messages from its queue and hands them on to the host's windows: call on the thread of those
+ *   windows there. When the host calls back into the library from behind a dialog of a call that activates or
+ *   closes fonts, HandleOpenExistingDocument, HandleCloseDocument and ActivateChosenFonts answer
+ *   PLUGINCORE_UNKNOWN_ERROR.
  * - Callbacks (SetRebuildWorkgroupsMenuCallback, CreateMenusFromJSONBuffer, the functions of a panel event
  *   service) return. No exception and no longjmp may leave them: the library is built with another compiler
  *   than most hosts, whose exceptions pass its frames without clean-up. One in C++ catches all:
@@ -93,7 +94,7 @@ extern "C" {
 
 /*
  * Starts the core. To be called once, when the host plug-in loads. The user may be asked for a workgroup and
- * told why fonts will not be activated. [main thread]
+ * told why fonts will not be activated. [in turn, dialogs]
  *
  * pluginIdentifier       in: who calls. Either the path of the plug-in's file, whose version resource names
  *                        the host application ("InternalName"), the plug-in's version ("PrivateBuild") and
@@ -123,14 +124,14 @@ PLUGINCORE_API uint32_t InitializePluginCoreInterface(const char* pluginIdentifi
 
 /*
  * Closes every tracked document and lets go of the font manager. To be called once, when the host quits.
- * [main thread]
+ * [in turn, dialogs]
  *
  * Returns: PLUGINCORE_SUCCESS.
  */
 PLUGINCORE_API uint32_t TerminatePluginCoreInterface(void);
 
 /*
- * Agrees on the version of this interface. [main thread]
+ * Agrees on the version of this interface. [in turn, dialogs]
  *
  * version           out: PLUGINCORE_INTERFACE_VERSION, whatever is returned.
  * requestedVersion  in: what the host plug-in was built for; 0 for any.
@@ -144,7 +145,7 @@ PLUGINCORE_API uint32_t GetAPIVersion(uint32_t* version, uint32_t requestedVersi
 
 /*
  * Whether the plug-in can offer its functions now. To be asked before they are offered: it also notices that
- * the font manager is back or that the user has logged in. [main thread]
+ * the font manager is back or that the user has logged in. [in turn, dialogs]
  *
  * allowDialogs  in: whether the user is to be told why not.
  * isEnabled     out: written in any case.
@@ -158,14 +159,14 @@ PLUGINCORE_API uint32_t PluginIsEnabled(bool allowDialogs, bool* isEnabled);
 
 /*
  * Reacts to what the font manager reported, a logout or a change of the workgroups for example. To be called
- * from the host's idle loop. Messages may show. [main thread]
+ * from the host's idle loop. Messages may show. [in turn, dialogs]
  *
  * Returns: PLUGINCORE_SUCCESS.
  */
 PLUGINCORE_API uint32_t IdleEvent(void);
 
 /*
- * Whether the user has yet to log in to the font manager. [main thread]
+ * Whether the user has yet to log in to the font manager. [in turn, dialogs]
  *
  * showLogin  out: true also while there is no font manager.
  */
@@ -173,16 +174,16 @@ PLUGINCORE_API void ShouldShowLogin(bool* showLogin);
 
 /*
  * Tells the user that nobody is logged in, and counts the user as logged out until PluginIsEnabled finds
- * otherwise. [main thread]
+ * otherwise. [in turn, dialogs]
  *
  * Returns: PLUGINCORE_SUCCESS.
  */
 PLUGINCORE_API uint32_t ShowNotLoggedInMessageBox(void);
 
 /*
- * Has the host told when the list of workgroups changed, so that it asks for GetMenus again. [main thread]
+ * Has the host told when the list of workgroups changed, so that it asks for GetMenus again. [in turn]
  *
- * callback  in: called without arguments, on the main thread, from within another function of this library;
+ * callback  in: called without arguments from within another function of this library, on its thread;
  *           replaces the one before; null for none.
  */
 PLUGINCORE_API void SetRebuildWorkgroupsMenuCallback(void (*callback)(void));
@@ -190,7 +191,7 @@ PLUGINCORE_API void SetRebuildWorkgroupsMenuCallback(void (*callback)(void));
 /* ---- Panels */
 
 /*
- * The port on which panels are listened to. [main thread]
+ * The port on which panels are listened to. [in turn]
  *
  * port  out: 0 for none, which is always so in this version.
  *
@@ -200,7 +201,7 @@ PLUGINCORE_API uint32_t GetSocketPort(uint32_t* port);
 
 /*
  * Registers with the host's panel event service: requests of panels are listened to and answered from now on.
- * [main thread]
+ * [in turn, dialogs]
  *
  * plugPlug  in: a PlugPlugService (PlugPlug.h), which must live until the process ends.
  *
@@ -213,7 +214,7 @@ PLUGINCORE_API uint32_t RegisterPlugPlug(void* plugPlug);
 
 /*
  * The same for a service that takes a while to be ready: to be called from the idle loop until it succeeds.
- * Most calls only wait for the next attempt; after twelve there is none. [main thread]
+ * Most calls only wait for the next attempt; after twelve there is none. [in turn, dialogs]
  *
  * plugPlug  in: as for RegisterPlugPlug.
  *
@@ -226,7 +227,7 @@ PLUGINCORE_API uint32_t TryRegisterPlugPlug(void* plugPlug);
 
 /*
  * Tells the panels what has changed in the font manager since the last call. To be called from the idle loop.
- * [main thread]
+ * [in turn, dialogs]
  *
  * closeListeningSocket  in: true when the host quits.
  *
@@ -238,7 +239,7 @@ PLUGINCORE_API uint32_t ProcessPanelMessages(bool closeListeningSocket);
 /* ---- Documents */
 
 /*
- * The user made a new document, which has no path yet. [main thread]
+ * The user made a new document, which has no path yet. [in turn]
  *
  * idBuffer, idBufferSize  out: its identifier, in a document buffer; 37 bytes suffice.
  *
@@ -250,7 +251,7 @@ PLUGINCORE_API uint32_t ProcessPanelMessages(bool closeListeningSocket);
 PLUGINCORE_API uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBufferSize);
 
 /*
- * A document was opened: has its fonts found and activated. [main thread]
+ * A document was opened: has its fonts found and activated. [in turn, dialogs]
  *
  * path               in
  * fontsJSON          in: the fonts that the document uses: an array of font objects, or an object with such
@@ -284,7 +285,7 @@ PLUGINCORE_API uint32_t HandleOpenExistingDocument(const char* path, const char*
 
 /*
  * A document was saved: hands its font usage to the font manager. A document that is not tracked is from now
- * on; one that was made gets its path by SetPathForDocument first. [main thread]
+ * on; one that was made gets its path by SetPathForDocument first. [in turn, dialogs]
  *
  * path  in
  * hint  in: the host's text about the document's font usage; null or empty for that of
@@ -299,7 +300,7 @@ PLUGINCORE_API uint32_t HandleOpenExistingDocument(const char* path, const char*
 PLUGINCORE_API uint32_t HandleSaveDocument(const char* path, const char* hint);
 
 /*
- * A document was closed: lets its fonts go. [main thread]
+ * A document was closed: lets its fonts go. [in turn, dialogs]
  *
  * path  in: or the identifier of a document that never got a path.
  * hint  in: as for HandleSaveDocument, for when something is left to hand over.
@@ -312,7 +313,7 @@ PLUGINCORE_API uint32_t HandleSaveDocument(const char* path, const char* hint);
 PLUGINCORE_API uint32_t HandleCloseDocument(const char* path, const char* hint);
 
 /*
- * A document got a path, or another one. [main thread]
+ * A document got a path, or another one. [in turn]
  *
  * path        in: another document that had it loses it, and is known by its identifier from then on.
  * documentId  in: its identifier.
@@ -325,7 +326,7 @@ PLUGINCORE_API uint32_t HandleCloseDocument(const char* path, const char* hint);
 PLUGINCORE_API uint32_t SetPathForDocument(const char* path, const char* documentId);
 
 /*
- * The identifier of a document. [main thread]
+ * The identifier of a document. [in turn]
  *
  * path                    in
  * idBuffer, idBufferSize  out: in a document buffer; 37 bytes suffice.
@@ -340,7 +341,7 @@ PLUGINCORE_API uint32_t GetIDForDocument(const char* path, char* idBuffer, size_
 
 /*
  * Notes the host's text about the font usage of a document, to be handed over with the next save.
- * [main thread]
+ * [in turn]
  *
  * document   in: an identifier, or a path.
  * fontUsage  in
@@ -353,7 +354,7 @@ PLUGINCORE_API uint32_t GetIDForDocument(const char* path, char* idBuffer, size_
 PLUGINCORE_API uint32_t UpdateDocumentFontUsage(const char* document, const char* fontUsage);
 
 /*
- * Activates fonts that the user chose, for a document. [main thread]
+ * Activates fonts that the user chose, for a document. [in turn, dialogs]
  *
  * path       in: of a tracked document. For another one nothing is activated.
  * fontsJSON  in: an array of font objects with "DatabaseID"; null or empty for none.
@@ -373,7 +374,7 @@ PLUGINCORE_API uint32_t ActivateChosenFonts(const char* path, const char* fontsJ
 
 /*
  * Lets the user choose replacements for fonts that a document lacks. Nothing is activated: hand the records
- * under "MatchedFont" to ActivateChosenFonts. Blocks while the dialog shows. [main thread]
+ * under "MatchedFont" to ActivateChosenFonts. Blocks while the dialog shows. [in turn, dialogs]
  *
  * onlyIfResolvable            in: true shows the dialog only when a font has something to choose from; false
  *                             shows it in any case, if the font manager permits it. Where it does not, every
@@ -400,7 +401,7 @@ PLUGINCORE_API uint32_t InvokeResolveDialog(bool onlyIfResolvable, const char* f
                                             size_t* resultSize, char* skippedBuffer, size_t* skippedSize);
 
 /*
- * Warns the user of fonts whose use is restricted. Blocks while the dialog shows. [main thread]
+ * Warns the user of fonts whose use is restricted. Blocks while the dialog shows. [in turn, dialogs]
  *
  * onlyNew    in: says of the fonts that they are new in the document.
  * fontsJSON  in: an array of font objects with "PostScriptName"; without any, nothing shows.
@@ -417,7 +418,7 @@ PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fo
  * first, and its text in the second, where "id" is what the host knows it by. */
 
 /*
- * Describes the plug-in menu as compact JSON. [main thread]
+ * Describes the plug-in menu as compact JSON. [in turn, dialogs]
  *
  * document      in: path or identifier of the document in front; null or empty for none.
  * buffer, size  out: the text, in a menu buffer. It is one item, "1", which holds the others. An item is an
@@ -432,7 +433,7 @@ PLUGINCORE_API uint32_t InvokeRestrictedFontsDialog(bool onlyNew, const char* fo
 PLUGINCORE_API uint32_t GetMenus(const char* document, char* buffer, size_t* size);
 
 /*
- * Makes one menu item of the host's. [main thread]
+ * Makes one menu item of the host's.
  *
  * id       in: what HandleMenuSelection takes; valid for the length of the call, as is
  * label    in: the item's text.
@@ -444,7 +445,7 @@ typedef uint32_t (*PluginCoreMenuItemCallback)(const char* id, const char* label
 
 /*
  * Reads the host's own description of its menu and has each item made, one before those below it.
- * [main thread]
+ * [in turn]
  *
  * menusJSON   in: a JSON object. Items are objects with "id" (a text or a number) and "label" (a text), in
  *             arrays at any depth. Several arrays of one object come in the alphabetical order of their
@@ -462,7 +463,7 @@ PLUGINCORE_API uint32_t CreateMenusFromJSONBuffer(const char* menusJSON,
 
 /*
  * Carries out what the user chose. Dialogs may show, also to tell what came of a command. What is not in the
- * menu, and a workgroup that the user does not have, change nothing. [main thread]
+ * menu, and a workgroup that the user does not have, change nothing. [in turn, dialogs]
  *
  * document    in: as for GetMenus.
  * menusJSON   in: the host's menu, as for CreateMenusFromJSONBuffer; null or empty for what GetMenus
@@ -479,7 +480,7 @@ PLUGINCORE_API uint32_t HandleMenuSelection(const char* document, const char* me
                                             const char* selectedID, const char* extra);
 
 /*
- * Shows the menu as a dialog and carries out what the user chooses. Blocks meanwhile. [main thread]
+ * Shows the menu as a dialog and carries out what the user chooses. Blocks meanwhile. [in turn, dialogs]
  *
  * document  in: as for GetMenus.
  *
@@ -494,7 +495,7 @@ PLUGINCORE_API uint32_t InvokeCommandDialog(const char* document);
 
 /*
  * All preferences, as one compact JSON object whose values are quoted decimal numbers; those that hold a text
- * read as "0". [main thread]
+ * read as "0". [in turn]
  *
  * buffer, bufferSize  out: the text, in a settings buffer; 2048 bytes suffice.
  *
@@ -507,7 +508,7 @@ PLUGINCORE_API uint32_t InvokeCommandDialog(const char* document);
 PLUGINCORE_API uint32_t GetSettings(char* buffer, size_t* bufferSize);
 
 /*
- * Stores one preference. [main thread]
+ * Stores one preference. [in turn, dialogs]
  *
  * key    in: one of those that GetSettings writes.
  * value  in: a decimal number; for "CurrentWorkgroup" also a workgroup's name; for "LastCFOFolder" and
