@@ -11,6 +11,9 @@ namespace {
 /// In front of a word in disguise. Nothing that the parser knows begins with it.
 constexpr char kDisguise = '\x1F';
 
+/// Stands for "--", since an option of many texts would take what follows; nobody types it by chance.
+constexpr char kEndOfOption[] = "--end-of-option";
+
 bool IsOption(std::string_view word) {
     return word.size() > 1 && word[0] == '-';
 }
@@ -87,17 +90,15 @@ CLI::Option* AddRepeatedText(CLI::App& app, const std::string& name, std::vector
         ->take_all();
 }
 
-void Parse(CLI::App& app, int count, const char* const* words) {
+size_t Parse(CLI::App& app, int count, const char* const* words) {
+    const auto end = words + count;
+    const auto dashes = std::find(words + 1, end, std::string_view("--"));
     std::vector<std::string> parsed;
-    bool areArguments = false;
-    for (int index = 1; index < count; ++index) {
-        const std::string_view word = words[index];
-        if (areArguments)
-            parsed.push_back(Disguised(word));
-        else if (word == "--")
-            areArguments = true;
-        else
-            parsed.push_back(AsParsed(word));
+    std::transform(words + 1, dashes, std::back_inserter(parsed), AsParsed);
+    if (dashes != end) {
+        app.add_flag(kEndOfOption)->group("");
+        parsed.emplace_back(kEndOfOption);
+        std::transform(dashes + 1, end, std::back_inserter(parsed), Disguised);
     }
     std::reverse(parsed.begin(), parsed.end());  // as the parser takes them
     try {
@@ -108,6 +109,7 @@ void Parse(CLI::App& app, int count, const char* const* words) {
             throw;
         throw CLI::ParseError("there is no command \"" + left.front() + "\"", CLI::ExitCodes::ExtrasError);
     }
+    return dashes != end ? static_cast<size_t>(end - dashes) - 1 : 0;
 }
 
 std::string FailureText(const CLI::Error& error) {

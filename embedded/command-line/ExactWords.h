@@ -25,9 +25,9 @@ CLI::Option* AddTexts(CLI::App& app, const std::string& name, std::vector<std::s
 CLI::Option* AddRepeatedText(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
                              const std::string& description);
 
-/// Parses the words behind the program's name. All that follow a first "--" are arguments. Throws
-/// CLI::ParseError.
-void Parse(CLI::App& app, int count, const char* const* words);
+/// Parses the words behind the program's name. All that follow a first "--" are arguments; answers how many these are.
+/// Throws CLI::ParseError.
+size_t Parse(CLI::App& app, int count, const char* const* words);
 
 /// What is wrong with the words, in one line for people.
 std::string FailureText(const CLI::Error& error);

@@ -8,15 +8,22 @@ namespace {
 
 constexpr char kExitStatusHelp[] =
     "Exit status: 0 done, 1 could not be done, 2 wrong usage, 3 fonts of a document are missing,\n"
-    "5 the font manager cannot be reached.\n"
+    "5 the font manager cannot be reached, 128 and its number where a signal ended it.\n"
     "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
 
 /// The texts behind options and commands, exactly as they were typed.
 using exact_words::AddOptionalText;
+using exact_words::AddRepeatedText;
 using exact_words::AddText;
 using exact_words::AddTexts;
 
 constexpr char kRawHelp[] = "Know no formats: search the files' bytes for font names, as the core does";
+
+constexpr char kOpenHelp[] =
+    "plugincore-host open [FILE...] [--fonts NAME...] -- PROGRAM [ARGUMENT...]\n"
+    "has the fonts activated and becomes PROGRAM, which keeps them for as long as it runs. \"{}\" among its "
+    "arguments\n"
+    "stands for the documents. The exit status is the program's; 127 when there is none of the name.";
 
 /// What is wrong with the name of a host application; empty for nothing.
 std::string RefusalOfHost(const std::string& name) {
@@ -37,8 +44,17 @@ CLI::App* AddCommand(CLI::App& program, CommandLine& line, const char* name, con
     return command;
 }
 
-CLI::Option* AddSeconds(CLI::App& command, std::optional<double>& seconds, const char* description) {
-    return command.add_option("--for", seconds, description)->check(CLI::Range(0.0, 1e6));
+/// `what` happens when the time is over, on a signal, or else on Enter.
+void AddTime(CLI::App& command, OpenTime& time, const std::string& what) {
+    CLI::Option* seconds =
+        command.add_option("--for", time.seconds, what + " after so many seconds; else on Enter")
+            ->check(CLI::Range(0.0, 1e6));
+    command
+        .add_flag("--until-signal", time.isUntilSignal,
+                  what +
+                      " on Ctrl-C or a signal alone, whatever standard input is; the exit status is 128 and "
+                      "its number")
+        ->excludes(seconds);
 }
 
 void DescribeProgram(CLI::App& program, CommandLine& line) {
@@ -60,13 +76,21 @@ void DescribeProgram(CLI::App& program, CommandLine& line) {
 }
 
 void DescribeDocumentCommands(CLI::App& program, CommandLine& line) {
-    CLI::App* open = AddCommand(program, line, "open", "Open documents and have their fonts activated",
-                                [&line] { return RunOpen(line.host, line.open); });
-    AddTexts(*open, "FILE", line.open.files, "The documents")->required();
+    CLI::App* open =
+        AddCommand(program, line, "open", "Open documents and have their fonts activated", [&line] {
+            return line.open.program.empty() ? RunOpen(line.host, line.open)
+                                             : RunProgram(line.host, line.open);
+        });
+    AddTexts(*open, "FILE", line.open.files, "The documents, also as file: URLs");
     open->add_flag("--paths", line.open.showsPaths, "Show the fonts' files");
     open->add_flag("--raw", line.open.searchesBytes, kRawHelp);
+    AddTime(*open, line.open.time, "Close them");
     CLI::Option* close = open->add_flag("--close", line.open.closeAtOnce, "Close them at once");
-    AddSeconds(*open, line.open.seconds, "Close them after so many seconds; else on Enter")->excludes(close);
+    for (const char* time : {"--for", "--until-signal"})
+        close->excludes(open->get_option(time));
+    AddRepeatedText(*open, "--fonts", line.open.fontNames, "Have fonts of these names activated as well")
+        ->expected(CLI::detail::expected_max_vector_size);
+    open->footer(kOpenHelp);
 
     CLI::App* fonts = AddCommand(program, line, "fonts", "List the fonts that documents use",
                                  [&line] { return RunFonts(line.fonts); });
@@ -108,7 +132,7 @@ void DescribeOtherCommands(CLI::App& program, CommandLine& line) {
     CLI::App* events =
         AddCommand(program, line, "events", "Print what the core tells panels, one JSON object a line",
                    [&line] { return RunEvents(line.host, line.events); });
-    AddSeconds(*events, line.events.seconds, "End after so many seconds; else on Enter");
+    AddTime(*events, line.events.time, "End");
 
     AddCommand(
         program, line, "script",
@@ -124,7 +148,7 @@ void DescribePanel(CLI::App& program, CommandLine& line) {
     panel->add_option("--port", line.panel.port, "Listen at this port; else at one that is free")
         ->check(CLI::Range(1, 65535));
     panel->add_flag("--open", line.panel.opensBrowser, "Open the browser");
-    AddSeconds(*panel, line.panel.seconds, "End after so many seconds; else on Enter");
+    AddTime(*panel, line.panel.time, "End");
     AddText(*panel, "--record", line.panel.recording, "Write down all messages, one JSON object a line");
 }
 
@@ -140,4 +164,14 @@ std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line) {
     DescribePanel(*program, line);
     DescribeOtherCommands(*program, line);
     return program;
+}
+
+void TakeProgram(OpenOptions& open, size_t wordsBehindDashes) {
+    if (open.files.size() > wordsBehindDashes || !open.fontNames.empty()) {
+        const auto program = open.files.end() - static_cast<ptrdiff_t>(wordsBehindDashes);
+        open.program.assign(program, open.files.end());
+        open.files.erase(program, open.files.end());
+    }
+    if (open.files.empty() && open.fontNames.empty())
+        throw CLI::RequiredError("FILE");
 }

@@ -27,3 +27,7 @@ struct CommandLine {
 
 /// A parser that reads the words into `line`, which outlives it.
 std::unique_ptr<CLI::App> DescribeCommandLine(CommandLine& line);
+
+/// What `open` makes of the words behind "--", which were read as its last files: a program, unless no file and no font
+/// stands before them. Throws CLI::ParseError where there is nothing to open.
+void TakeProgram(OpenOptions& open, size_t wordsBehindDashes);

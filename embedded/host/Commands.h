@@ -8,13 +8,22 @@
 
 #include "HostSession.h"
 
+/// How long a command stays open: so long, or until it is asked to end, or else until Enter.
+struct OpenTime {
+    std::optional<double> seconds;
+    bool isUntilSignal = false;  ///< Ctrl-C, or a signal that asks the program to end
+};
+
 struct OpenOptions {
     std::vector<std::string> files;
+    std::vector<std::string> fontNames;  ///< to be activated as well
+    /// A program and its arguments, which the documents are opened for; "{}" stands for them. Empty: none.
+    std::vector<std::string> program;
     bool json = false;
     bool showsPaths = false;     ///< of the fonts' files
     bool searchesBytes = false;  ///< as the core does without a list of fonts, whatever the format
     bool closeAtOnce = false;
-    std::optional<double> seconds;  ///< how long the documents stay open; else until Enter
+    OpenTime time;
 };
 
 struct FontsOptions {
@@ -45,19 +54,23 @@ struct MenuOptions {
 };
 
 struct EventsOptions {
-    std::optional<double> seconds;  ///< how long to go on; else until Enter
+    OpenTime time;
 };
 
 struct PanelOptions {
     std::vector<std::string> files;  ///< documents that are open meanwhile
     uint16_t port = 0;               ///< 0: whichever is free
     bool opensBrowser = false;
-    std::string recording;          ///< a file for what is said; may be empty
-    std::optional<double> seconds;  ///< how long to go on; else until Enter
+    std::string recording;  ///< a file for what is said; may be empty
+    OpenTime time;
 };
 
 /// Opens documents, shows their fonts, keeps them open, closes them.
 int RunOpen(const HostOptions& host, const OpenOptions& options);
+
+/// Has the fonts of documents activated, and goes on as a program that uses them. Where that works it is the program's
+/// exit status that counts, and on Linux this does not come back.
+int RunProgram(const HostOptions& host, const OpenOptions& options);
 
 /// Lists the fonts that documents use. The core is not loaded.
 int RunFonts(const FontsOptions& options);

@@ -7,6 +7,7 @@
 #include "FontRecordKeys.h"
 #include "FoundFonts.h"
 #include "HostSession.h"
+#include "IdleLoop.h"
 #include "MissingFonts.h"
 #include "OpenedDocument.h"
 #include "Output.h"
@@ -140,13 +141,9 @@ void KeepOpen(const OpenOptions& options) {
     if (options.closeAtOnce)
         return;
     std::fflush(stdout);
-    if (options.seconds) {
-        platform::WaitForUser(std::chrono::milliseconds(static_cast<int64_t>(*options.seconds * 1000)),
-                              false);
-        return;
+    const Closing closing(options.time, "close");
+    while (closing.Wait(std::chrono::hours(1))) {
     }
-    fmt::print(stderr, "Press Enter to close.\n");
-    platform::WaitForUser(std::nullopt, true);
 }
 
 }  // namespace
@@ -154,13 +151,19 @@ void KeepOpen(const OpenOptions& options) {
 int RunOpen(const HostOptions& host, const OpenOptions& options) {
     const std::vector<std::string> paths = FindDocuments(options.files);
     int status = paths.size() == options.files.size() ? exit_status::kDone : exit_status::kFailed;
-    if (paths.empty())
+    if (paths.empty() && options.fontNames.empty())
         return status;
 
     platform::CatchInterrupts();
     HostSession session;
     if (const int startStatus = session.Start(host))
         return startStatus;
+    const auto show = [&](OpenedDocument document) {
+        OfferReplacements(session.Core(), document);
+        const int documentStatus = Show(document, options);
+        if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
+            status = documentStatus;
+    };
     {
         FontFinder finder;
         ProgressBar progress(paths.size());
@@ -171,13 +174,13 @@ int RunOpen(const HostOptions& host, const OpenOptions& options) {
             const json fonts = options.searchesBytes ? json() : finder.FindForCore(path);
             OpenedDocument document = OpenDocument(session.Core(), path, fonts);
             progress.Hide();
-            OfferReplacements(session.Core(), document);
-            const int documentStatus = Show(document, options);
-            if (status != exit_status::kFailed && documentStatus != exit_status::kDone)
-                status = documentStatus;
+            show(std::move(document));
         }
     }
+    if (!options.fontNames.empty())
+        show(OpenFonts(session.Core(), options.fontNames));
     KeepOpen(options);
+    // Ending the session closes what was not opened for a path, too.
     for (const std::string& path : paths)
         session.Core().HandleCloseDocument(path.c_str(), "");
     return status;

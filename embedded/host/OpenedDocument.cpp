@@ -6,6 +6,8 @@
 #include <memory>
 #include <set>
 
+#include "FileUri.h"
+#include "FontRecordKeys.h"
 #include "GBinaryDocumentFontExtractor.h"
 #include "HostSession.h"
 #include "Output.h"
@@ -54,11 +56,17 @@ bool IsSuccess(uint32_t code) {
     return code == PLUGINCORE_SUCCESS || code == PLUGINCORE_FONTS_ACTIVATED;
 }
 
+std::string PathOfDocument(const std::string& file) {
+    const std::string path =
+        file.starts_with("file:") && !platform::IsExistingFile(file) ? documents::PathOfUri(file) : file;
+    return path.empty() ? file : path;
+}
+
 std::vector<std::string> FindDocuments(const std::vector<std::string>& files) {
     std::vector<std::string> paths;
     for (const std::string& file : files) {
-        if (platform::IsExistingFile(file))
-            paths.push_back(platform::AbsolutePath(file));
+        if (const std::string path = PathOfDocument(file); platform::IsExistingFile(path))
+            paths.push_back(platform::AbsolutePath(path));
         else
             PrintError(file + " is no file that can be found; give the path of a document");
     }
@@ -86,6 +94,13 @@ OpenedDocument OpenDocument(const CoreLibrary& core, const std::string& path, co
         document.unmatched = FontList(unmatched.get());
     }
     return document;
+}
+
+OpenedDocument OpenFonts(const CoreLibrary& core, const std::vector<std::string>& names) {
+    json records = json::array();
+    for (const std::string& name : names)
+        records.push_back({{kGS_PostScriptNameKey, name}});
+    return OpenDocument(core, "--fonts", records);
 }
 
 std::string WhyNoFontsAreKnown(const OpenedDocument& document) {

@@ -140,14 +140,7 @@ void OpenDocuments(const CoreLibrary& core, const std::vector<std::string>& path
     server.SetDocuments(documents.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
-/// Whether to go on: neither Enter, an interrupt nor the deadline has come.
-bool GoesOn(Deadline deadline) {
-    if (platform::WasInterrupted())
-        return false;
-    return deadline ? Clock::now() < *deadline : !platform::WaitForUser(std::chrono::milliseconds(1), true);
-}
-
-void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, Deadline deadline) {
+void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, const Closing& closing) {
     Clock::time_point lastAsked{};
     do {
         BeIdle(core, host.Panels());
@@ -159,7 +152,7 @@ void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, Deadli
         const Clock::time_point nextIdle = Clock::now() + kIdleInterval;
         while (const std::optional<PanelPost> post = server.WaitForPost(nextIdle))
             host.Deliver(*post);
-    } while (GoesOn(deadline));
+    } while (closing.Wait(std::chrono::milliseconds(0)));
 }
 
 void OpenInBrowser(const std::string& url) {
@@ -200,7 +193,7 @@ int RunPanel(const HostOptions& host, const PanelOptions& options) {
     FlushOutput();
     if (options.opensBrowser)
         OpenInBrowser(server.URL());
-    Serve(session.Core(), server, panelHost, DeadlineAfter(options.seconds));
+    Serve(session.Core(), server, panelHost, Closing(options.time, "end"));
     for (const std::string& path : paths)
         session.Core().HandleCloseDocument(path.c_str(), "");
     return exit_status::kDone;

@@ -3,8 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "CommandLine.h"
+#include "KnownPrograms.h"
 #include "Output.h"
-#include "platform/Environment.h"
+#include "OwnEnvironment.h"
+#include "platform/Console.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/ProgramArguments.h"
@@ -26,7 +28,11 @@ int main(int argc, char** argv) {
     CommandLine line;
     const auto program = DescribeCommandLine(line);
     try {
-        exact_words::Parse(*program, arguments.Count(), arguments.Words());
+        const size_t wordsBehindDashes = exact_words::Parse(*program, arguments.Count(), arguments.Words());
+        if (program->got_subcommand("open"))
+            TakeProgram(line.open, wordsBehindDashes);
+        if (program->count("--app") == 0)
+            line.host.app = HostOfProgram(line.open.program, line.host.app);
     } catch (const CLI::ParseError& error) {
         const int status = program->exit(error);
         return status == 0 ? exit_status::kDone : exit_status::kWrongUsage;
@@ -38,11 +44,14 @@ int main(int argc, char** argv) {
         return exit_status::kFailed;
     }
     if (!line.answers.empty())
-        platform::SetEnvironment("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
+        OwnEnvironment::Set("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
     line.open.json = line.fonts.json = line.collect.json = line.settings.json = line.menu.json = line.json;
     try {
         const int status = line.run();
-        return FlushOutput() ? status : exit_status::kFailed;
+        if (!FlushOutput())
+            return exit_status::kFailed;
+        const int interrupt = platform::InterruptStatus();
+        return interrupt != 0 ? interrupt : status;
     } catch (const std::exception& exception) {
         PrintError(exception.what());
         return exit_status::kFailed;

@@ -12,8 +12,8 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-extern "C" void NoteInterrupt(int) {
-    interrupted = 1;
+extern "C" void NoteInterrupt(int signal) {
+    interrupted = signal;
 }
 
 }  // namespace
@@ -22,12 +22,19 @@ void CatchInterrupts() {
     struct sigaction action {};
     action.sa_handler = NoteInterrupt;  // no SA_RESTART: waiting calls are to notice
     sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaction(signal, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction before {};
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            sigaction(signal, &action, nullptr);
+    }
 }
 
 bool WasInterrupted() {
     return interrupted != 0;
+}
+
+int InterruptStatus() {
+    return interrupted != 0 ? 128 + interrupted : 0;
 }
 
 bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
@@ -36,12 +43,14 @@ bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput
     constexpr std::chrono::milliseconds kStep{200};
     const auto deadline = limit ? Clock::now() + *limit : Clock::time_point::max();
     pollfd input{watchInput ? STDIN_FILENO : -1, POLLIN, 0};
-    while (!WasInterrupted() && Clock::now() < deadline) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    while (!WasInterrupted()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         const int count =
-            poll(&input, 1, static_cast<int>(std::min<int64_t>(left.count() + 1, kStep.count())));
+            poll(&input, 1, static_cast<int>(std::clamp<int64_t>(left.count(), 0, kStep.count())));
         if (count > 0 || (count < 0 && errno != EINTR))
             return count > 0;
+        if (left.count() <= 0)
+            break;
     }
     return false;
 }

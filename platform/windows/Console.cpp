@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 
 namespace platform {
 namespace {
@@ -14,7 +15,16 @@ HANDLE InterruptEvent() {
     return event;
 }
 
+std::atomic<int> interruptSignal{0};
+
 BOOL WINAPI NoteInterrupt(DWORD kind) {
+    constexpr int kHangUp = 1;
+    constexpr int kInterrupt = 2;
+    constexpr int kTerminate = 15;
+    if (kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT)
+        interruptSignal = kInterrupt;
+    else
+        interruptSignal = kind == CTRL_CLOSE_EVENT ? kHangUp : kTerminate;
     SetEvent(InterruptEvent());
     // When a console closes or a session ends, the process ends with this call: the program, on its own
     // thread, gets the time that the system allows.
@@ -58,17 +68,22 @@ bool WasInterrupted() {
     return WaitForSingleObject(InterruptEvent(), 0) == WAIT_OBJECT_0;
 }
 
+int InterruptStatus() {
+    return WasInterrupted() ? 128 + interruptSignal : 0;
+}
+
 bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
     using Clock = std::chrono::steady_clock;
     // Pipes cannot be waited for, so they are looked at.
     constexpr std::chrono::milliseconds kStep{20};
     const auto deadline = limit ? Clock::now() + *limit : Clock::time_point::max();
-    while (!WasInterrupted() && Clock::now() < deadline) {
+    while (!WasInterrupted()) {
         if (watchInput && CanReadInput())
             return true;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        WaitForSingleObject(InterruptEvent(),
-                            static_cast<DWORD>(std::clamp<int64_t>(left.count() + 1, 0, kStep.count())));
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0)
+            break;
+        WaitForSingleObject(InterruptEvent(), static_cast<DWORD>(std::min(left, kStep).count()));
     }
     return false;
 }

@@ -129,3 +129,18 @@ TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     EXPECT_THAT(world.Trace(), HasSubstr("CloseAllFonts() returning 0")) << "the core was ended";
     EXPECT_EQ(world.RunHost({"events", "--for", "0.1"}).output, "");
 }
+
+TEST(CommandLine, ADocumentIsOpenedForAProgramWhoseStatusCounts) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold"});
+    const std::string document = world.WriteDocument("a  b.pdf", {"Sample-Bold"});
+    const std::string host = BuiltFile(HOST_PROGRAM);
+    ProgramResult result = world.RunHost({"open", document, "--", host, "fonts", "{}"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "Sample-Bold\n");
+    EXPECT_EQ(world.RunHost({"open", "--fonts", "Sample-Bold", "Gone", "--", host, "--none"}).status, 2);
+    result = world.RunHost({"open", document, "--", world.Path("none")});
+    EXPECT_EQ(result.status, 127);
+    EXPECT_THAT(result.errors, HasSubstr("cannot be started: "));
+    EXPECT_EQ(world.RunHost({"open", "--", "-none.pdf"}).status, 1) << "a document of an odd name";
+}

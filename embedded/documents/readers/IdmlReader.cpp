@@ -1,5 +1,6 @@
 #include <set>
 
+#include "FileUri.h"
 #include "Readers.h"
 #include "XmlParser.h"
 #include "ZipArchive.h"

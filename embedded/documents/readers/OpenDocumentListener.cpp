@@ -1,5 +1,6 @@
 #include "OpenDocumentListener.h"
 
+#include "FileUri.h"
 #include "Readers.h"
 
 namespace documents {

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "FileUri.h"
 #include "Readers.h"
 #include "StyleSheet.h"
 #include "XmlParser.h"

@@ -1,7 +1,5 @@
 #include "XmlParser.h"
 
-#include <libxml/uri.h>
-
 #include <algorithm>
 #include <new>
 
@@ -148,30 +146,6 @@ void XmlParser::Finish() {
 
 void PrepareReaders() {
     xmlInitParser();
-}
-
-std::string PathOfUri(std::string_view uri) {
-    const size_t schemeEnd = uri.find_first_of(":/#");
-    if (schemeEnd != std::string_view::npos && schemeEnd > 0 && uri[schemeEnd] == ':') {
-        if (uri.substr(0, schemeEnd) != "file")
-            return {};
-        uri.remove_prefix(schemeEnd + 1);
-    }
-    if (uri.starts_with("//")) {
-        const size_t hostEnd = std::min(uri.find('/', 2), uri.size());
-        const std::string_view host = uri.substr(2, hostEnd - 2);
-        if (!host.empty() && host != "localhost")
-            return {};
-        uri.remove_prefix(hostEnd);
-    }
-    uri = uri.substr(0, uri.find('#'));
-    const bool hasDrive = uri.size() > 2 && uri[0] == '/' && uri[2] == ':';
-    uri.remove_prefix(hasDrive ? 1 : 0);
-    // The parser of URIs refuses letters that should be escaped and seldom are.
-    const std::unique_ptr<char, decltype(xmlFree)> path(
-        uri.empty() ? nullptr : xmlURIUnescapeString(uri.data(), static_cast<int>(uri.size()), nullptr),
-        xmlFree);
-    return path ? path.get() : "";
 }
 
 void ReadXml(std::string_view document, XmlListener& listener) {

@@ -61,10 +61,6 @@ private:
     std::unique_ptr<xmlParserCtxt, FreeParser> mParser;
 };
 
-/// The path that a reference stands for (RFC 3986): of a "file" URI or a relative one. Empty where it names
-/// something else than a file, as "data:" and "http:" do.
-std::string PathOfUri(std::string_view uri);
-
 /// Reads a document that is in memory.
 void ReadXml(std::string_view document, XmlListener& listener);
 

@@ -9,15 +9,56 @@
 
 using testing::HasSubstr;
 
-TEST(EventsCommand, EndsInOrderWhenItIsInterrupted) {
+TEST(CommandLine, WhatStaysOpenEndsInOrderWhenItIsAskedTo) {
     HostWorld world;
     world.AddFonts({"Sample-Bold"});
-    TestProcess events({BuiltFile(HOST_PROGRAM), "events"});
-    ASSERT_TRUE(
-        Eventually([&] { return !world.Trace().empty(); }));  // the core's: interrupts are caught by then
-    kill(static_cast<pid_t>(events.Id()), SIGINT);
-    EXPECT_EQ(events.Finish().status, 0);
-    EXPECT_THAT(world.Trace(), HasSubstr("CloseAllFonts() returning 0")) << "the core was ended";
+    const std::string document = world.WriteDocument("poster.pdf", {"Sample-Bold"});
+    const struct {
+        std::vector<std::string> words;
+        int signal;
+    } kCases[] = {{{"open", document, "--until-signal"}, SIGHUP},
+                  {{"events", "--until-signal"}, SIGTERM},
+                  {{"events"}, SIGINT}};
+    for (const auto& [words, signal] : kCases) {
+        const size_t before = world.Trace().size();
+        std::vector<std::string> command{BuiltFile(HOST_PROGRAM)};
+        command.insert(command.end(), words.begin(), words.end());
+        TestProcess host(command);
+        if (words.size() > 1)
+            host.CloseInput();
+        ASSERT_TRUE(Eventually([&] {  // the core's last words at its start: interrupts are caught by then
+            return world.Trace().find("Exiting CommonFunctionality::Startup()", before) != std::string::npos;
+        })) << words[0];
+        kill(static_cast<pid_t>(host.Id()), signal);
+        EXPECT_EQ(host.Finish().status, 128 + signal) << words[0];
+        EXPECT_THAT(world.Trace().substr(before), HasSubstr("CloseAllFonts() returning 0")) << words[0];
+    }
+}
+
+TEST(OpenCommand, BecomesTheProgramWhichKeepsTheFontsAndNothingElseOfOurs) {
+    HostWorld world;
+    world.AddFonts({"Sample-Bold", "Other-Bold"});
+    const std::string document = world.WriteDocument("a b.pdf", {"Sample-Bold", "Gone"});
+    const std::string program = world.Path("inkscape-1");
+    world.FontManager().Write("inkscape-1", R"(#!/bin/sh
+echo $$ "$PLUGINCORE_ANSWERS" "$@"
+readlink /proc/$$/fd/*
+read line
+)");
+    chmod(program.c_str(), 0700);
+    world.FontManager().Write("answers.json", "[]");
+    TestProcess host({BuiltFile(HOST_PROGRAM), "--answers", world.Path("answers.json"), "open",
+                      "file://" + document, "--fonts", "Other-Bold", "--", program, "{}", "-x", "{}.pdf"});
+    const std::string words = host.ReadLine();
+    EXPECT_EQ(words, std::to_string(host.Id()) + "  --app-id-tag=plugincore" + std::to_string(host.Id()) +
+                         " " + document + " -x {}.pdf");
+    EXPECT_EQ(world.VisibleFonts(), (std::set<std::string>{"Sample-Bold", "Other-Bold"}));
+    host.WriteLine("");
+    const ProgramResult result = host.Finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors, HasSubstr("a b.pdf goes without Gone"));
+    EXPECT_THAT(result.output, Not(HasSubstr("socket"))) << "of the agent";
+    EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); })) << "it is over with the program";
 }
 
 TEST(CommandLine, WhatMayNotBeReadOrNeverEndsIsReportedNotOpened) {

@@ -1,0 +1,74 @@
+#include "platform/BecomeProgram.h"
+
+#include <windows.h>
+
+#include "OwnedHandle.h"
+#include "WideText.h"
+
+namespace platform {
+namespace {
+
+/// As programs take a command line apart (see "Parsing C command-line arguments" of Microsoft's C runtime): backslashes
+/// count singly unless a quotation mark follows.
+std::wstring Quoted(const std::wstring& word) {
+    std::wstring text = L"\"";
+    size_t backslashes = 0;
+    for (const wchar_t letter : word) {
+        if (letter == L'"')
+            text.append(backslashes + 1, L'\\');
+        backslashes = letter == L'\\' ? backslashes + 1 : 0;
+        text += letter;
+    }
+    return text.append(backslashes, L'\\') + L'"';
+}
+
+std::wstring CommandLineOf(const std::vector<std::string>& words) {
+    std::wstring line;
+    for (const std::string& word : words)
+        line.append(line.empty() ? L"" : L" ").append(Quoted(ToWide(word)));
+    return line;
+}
+
+/// False also where that cannot be told.
+bool IsInUse(HANDLE job) {
+    JOBOBJECT_BASIC_ACCOUNTING_INFORMATION processes{};
+    return QueryInformationJobObject(job, JobObjectBasicAccountingInformation, &processes, sizeof processes,
+                                     nullptr) &&
+           processes.ActiveProcesses > 0;
+}
+
+/// Ctrl-C at the console that both have is the program's to answer.
+BOOL WINAPI LeaveToProgram(DWORD kind) {
+    return kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
+}
+
+}  // namespace
+
+SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus) {
+    constexpr DWORD kLookAgain = 200;  // milliseconds; what a job reports may get lost
+    const OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
+    if (!job.IsValid())
+        return LastSystemError();
+    SetConsoleCtrlHandler(LeaveToProgram, TRUE);
+    std::wstring line = CommandLineOf(words);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr, nullptr,
+                        &startup, &started))
+        return LastSystemError();
+    const OwnedHandle process(started.hProcess);
+    const OwnedHandle thread(started.hThread);
+    // Where that fails, those that the program starts are not waited for.
+    AssignProcessToJobObject(job.Get(), process.Get());
+    ResumeThread(thread.Get());
+    WaitForSingleObject(process.Get(), INFINITE);
+    while (IsInUse(job.Get()))
+        Sleep(kLookAgain);
+    DWORD status = 0;
+    GetExitCodeProcess(process.Get(), &status);
+    exitStatus = static_cast<int>(status);
+    return {};
+}
+
+}  // namespace platform
