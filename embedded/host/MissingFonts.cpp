@@ -1,5 +1,7 @@
 #include "MissingFonts.h"
 
+#include <algorithm>
+
 #include "FontRecordKeys.h"
 
 namespace {
@@ -34,17 +36,29 @@ json AskForReplacements(const CoreLibrary& core, json& missing) {
 void OfferReplacements(const CoreLibrary& core, OpenedDocument& document) {
     if (document.unmatched.empty() || !MayAsk(core))
         return;
-    for (json& font : AskForReplacements(core, document.unmatched)) {
-        uint32_t count = 0;
-        const json chosen = json::array({font[kGS_MatchedFontKey]});
-        core.ActivateChosenFonts(document.path.c_str(), chosen.dump().c_str(), &count);
-        if (count == 0) {
-            document.unmatched.push_back(std::move(font));
-            continue;
-        }
-        if (FontActivationStateCountsAsActive(chosen[0].value(kGS_ActivationStateKey, 0)) == 0)
-            ++document.numFontsActivated;
-        font[kGS_ActivationStateKey] = kFontActivationState_ActivatedByPlugin;
-        document.matched.push_back(std::move(font));
+    for (json& font : AskForReplacements(core, document.unmatched))
+        TakeReplacement(core, document, std::move(font));
+}
+
+std::vector<json> ReplacementsOf(const json& font) {
+    const json byName = font.value(kGS_PossibleReplacementsKey, json::object());
+    std::vector<json> replacements(byName.begin(), byName.end());
+    std::sort(replacements.begin(), replacements.end(), [](const json& left, const json& right) {
+        return left.value(kGS_RankKey, INT64_MAX) < right.value(kGS_RankKey, INT64_MAX);
+    });
+    return replacements;
+}
+
+void TakeReplacement(const CoreLibrary& core, OpenedDocument& document, json font) {
+    uint32_t count = 0;
+    const json chosen = json::array({font[kGS_MatchedFontKey]});
+    core.ActivateChosenFonts(document.path.c_str(), chosen.dump().c_str(), &count);
+    if (count == 0) {
+        document.unmatched.push_back(std::move(font));
+        return;
     }
+    if (FontActivationStateCountsAsActive(chosen[0].value(kGS_ActivationStateKey, 0)) == 0)
+        ++document.numFontsActivated;
+    font[kGS_ActivationStateKey] = kFontActivationState_ActivatedByPlugin;
+    document.matched.push_back(std::move(font));
 }

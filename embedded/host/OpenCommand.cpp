@@ -53,16 +53,6 @@ std::string NameForPeople(const json& font) {
     return style.empty() ? family : family + ", " + style;
 }
 
-/// What could be chosen in place of a font that is missing: records, the best first.
-std::vector<json> ReplacementsOf(const json& font) {
-    const json byName = font.value(kGS_PossibleReplacementsKey, json::object());
-    std::vector<json> replacements(byName.begin(), byName.end());
-    std::sort(replacements.begin(), replacements.end(), [](const json& left, const json& right) {
-        return left.value(kGS_RankKey, INT64_MAX) < right.value(kGS_RankKey, INT64_MAX);
-    });
-    return replacements;
-}
-
 std::string ReplacementsText(const json& font) {
     const std::vector<json> replacements = ReplacementsOf(font);
     if (replacements.empty())

@@ -6,11 +6,10 @@
 
 #include "Commands.h"
 #include "ErrorCodes.h"
-#include "FontRecordKeys.h"
-#include "FoundFonts.h"
 #include "IdleLoop.h"
 #include "OpenedDocument.h"
 #include "Output.h"
+#include "PanelDocuments.h"
 #include "PanelEventService.h"
 #include "PanelRecorder.h"
 #include "PanelServer.h"
@@ -108,39 +107,8 @@ private:
     bool mHasFontManager = true;
 };
 
-/// What pages are told of a document: its fonts, by what became of them.
-json Describe(const OpenedDocument& document) {
-    json fonts = json::array();
-    for (const json& font : document.matched) {
-        fonts.push_back({{"name", font.value(kGS_PostScriptNameKey, "")},
-                         {"fontID", font.value(kGS_DatabaseIDKey, int64_t{0})},
-                         {"isMissing", false}});
-    }
-    for (const json& font : document.unmatched) {
-        json replacements = json::array();
-        for (const json& each : font.value(kGS_PossibleReplacementsKey, json::object()))
-            replacements.push_back(each.value(kGS_PostScriptNameKey, ""));
-        fonts.push_back({{"name", font.value(kGS_PostScriptNameKey, "")},
-                         {"isMissing", true},
-                         {"replacements", std::move(replacements)}});
-    }
-    return {{"name", platform::NamePart(document.path)},
-            {"fonts", std::move(fonts)},
-            {"problem", WhyNoFontsAreKnown(document)}};
-}
-
-void OpenDocuments(const CoreLibrary& core, const std::vector<std::string>& paths, PanelServer& server) {
-    FontFinder finder;
-    json documents = json::array();
-    for (const std::string& path : paths) {
-        if (platform::WasInterrupted())
-            break;
-        documents.push_back(Describe(OpenDocument(core, path, finder.FindForCore(path))));
-    }
-    server.SetDocuments(documents.dump(-1, ' ', false, json::error_handler_t::replace));
-}
-
-void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, const Closing& closing) {
+void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, PanelDocuments& documents,
+           const Closing& closing) {
     Clock::time_point lastAsked{};
     do {
         BeIdle(core, host.Panels());
@@ -150,8 +118,15 @@ void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, const 
             lastAsked = Clock::now();
         }
         const Clock::time_point nextIdle = Clock::now() + kIdleInterval;
-        while (const std::optional<PanelPost> post = server.WaitForPost(nextIdle))
-            host.Deliver(*post);
+        while (const std::optional<PanelPost> post = server.WaitForPost(nextIdle)) {
+            if (!post->documents) {
+                host.Deliver(*post);
+                continue;
+            }
+            documents.Replace(post->text);
+            server.SetDocuments(documents.Describe());
+            post->documents->set_value();
+        }
     } while (closing.Wait(std::chrono::milliseconds(0)));
 }
 
@@ -188,13 +163,13 @@ int RunPanel(const HostOptions& host, const PanelOptions& options) {
         PrintError(fmt::format("port {} cannot be listened at; another program may do so", options.port));
         return exit_status::kFailed;
     }
-    OpenDocuments(session.Core(), paths, server);
+    PanelDocuments documents(session.Core());
+    documents.Open(paths);
+    server.SetDocuments(documents.Describe());
     PrintLine(server.URL());
     FlushOutput();
     if (options.opensBrowser)
         OpenInBrowser(server.URL());
-    Serve(session.Core(), server, panelHost, Closing(options.time, "end"));
-    for (const std::string& path : paths)
-        session.Core().HandleCloseDocument(path.c_str(), "");
+    Serve(session.Core(), server, panelHost, documents, Closing(options.time, "end"));
     return exit_status::kDone;
 }

@@ -32,6 +32,8 @@ constexpr uint64_t kLargestFile = uint64_t{256} << 20;
 /// How soon a connection that a page left is noticed.
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr size_t kLongestPanelName = 64;
+/// The page goes without the answer after that; what it chose is carried out later.
+constexpr std::chrono::seconds kReplacementLimit{30};
 /// On standard error: who asks without end fills no disk.
 constexpr uint64_t kMostRefusalsTold = 100;
 
@@ -84,7 +86,11 @@ struct PanelServer::State {
     /// False after a refusal.
     bool Admit(const httplib::Request& request, httplib::Response& response);
     void Refuse(const httplib::Request& request, httplib::Response& response, const char* why);
-    void TakePost(const httplib::Request& request, httplib::Response& response);
+    /// Whether the post waits for the main thread now; else what to answer is in the response.
+    bool TakePost(const httplib::Request& request, httplib::Response& response,
+                  std::shared_ptr<std::promise<void>> documentsDone = {});
+    void TakeReplacement(const httplib::Request& request, httplib::Response& response);
+    void GiveDocuments(httplib::Response& response);
     void Listen(const httplib::Request& request, httplib::Response& response);
     void GiveFile(const httplib::Request& request, httplib::Response& response);
     void GiveAppFile(const std::string& name, httplib::Response& response) const;
@@ -147,23 +153,41 @@ bool PanelServer::State::Admit(const httplib::Request& request, httplib::Respons
     return true;
 }
 
-void PanelServer::State::TakePost(const httplib::Request& request, httplib::Response& response) {
+bool PanelServer::State::TakePost(const httplib::Request& request, httplib::Response& response,
+                                  std::shared_ptr<std::promise<void>> documentsDone) {
     if (!IsJson(request.get_header_value("Content-Type"))) {
         response.status = 415;
-        response.set_content("messages are application/json\n", "text/plain");
-        return;
+        response.set_content("what is sent is application/json\n", "text/plain");
+        return false;
     }
     {
         const std::lock_guard lock(postMutex);
         if (posts.size() >= kMostPostsWaiting) {
             response.status = 503;
             response.set_header("Retry-After", "1");
-            return;
+            return false;
         }
-        posts.push_back({request.get_param_value("panel").substr(0, kLongestPanelName), request.body});
+        posts.push_back({request.get_param_value("panel").substr(0, kLongestPanelName), request.body,
+                         std::move(documentsDone)});
     }
     postChange.notify_one();
     response.status = 202;
+    return true;
+}
+
+void PanelServer::State::TakeReplacement(const httplib::Request& request, httplib::Response& response) {
+    auto done = std::make_shared<std::promise<void>>();
+    std::future<void> wait = done->get_future();
+    if (!TakePost(request, response, std::move(done)) ||
+        wait.wait_for(kReplacementLimit) != std::future_status::ready)
+        return;
+    response.status = 200;
+    GiveDocuments(response);
+}
+
+void PanelServer::State::GiveDocuments(httplib::Response& response) {
+    const std::lock_guard lock(fileMutex);
+    response.set_content(documents, "application/json");
 }
 
 void PanelServer::State::Listen(const httplib::Request& request, httplib::Response& response) {
@@ -258,10 +282,9 @@ void PanelServer::State::Route() {
                [this](const Request& request, Response& response) { Listen(request, response); });
     server.Get(root + "/file",
                [this](const Request& request, Response& response) { GiveFile(request, response); });
-    server.Get(root + "/documents", [this](const Request&, Response& response) {
-        const std::lock_guard lock(fileMutex);
-        response.set_content(documents, "application/json");
-    });
+    server.Get(root + "/documents", [this](const Request&, Response& response) { GiveDocuments(response); });
+    server.Post(root + "/replacements",
+                [this](const Request& request, Response& response) { TakeReplacement(request, response); });
     server.Get(root + "/",
                [this](const Request&, Response& response) { GiveAppFile("index.html", response); });
     // One level, and no name that begins with a dot.

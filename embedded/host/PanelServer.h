@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,9 @@
 struct PanelPost {
     std::string panel;  ///< what the page calls itself; empty for one that does not
     std::string text;   ///< as it came, JSON or not
+    /// Where it chooses a font for a document that lacks one, which is no message to the core: to be told when that was
+    /// done, for the page to get the documents then.
+    std::shared_ptr<std::promise<void>> documents;
 };
 
 /// Answers on threads of its own. What pages send waits in a queue of bounded length for the main thread, which makes

@@ -43,11 +43,12 @@ export class FontList extends LitElement {
     @media (prefers-color-scheme: dark) { img { filter: invert(1) hue-rotate(180deg); } }
     .state { display: flex; align-items: center; gap: 6px; font-size: 12px; color: var(--quiet); }
     .state::before { content: ''; width: 8px; height: 8px; border-radius: 4px; background: var(--accent); }
+    .missing-font { display: flex; gap: 8px; }
     .state.missing { color: var(--warning); }
     .state.missing::before { background: var(--warning); }
     .row button { height: 28px; visibility: hidden; }
-    .row:hover button, .row[aria-selected='true'] button { visibility: visible; }
-    @media (max-width: 480px) { .row:not(:hover, [aria-selected='true']) button { display: none; } }
+    .row:hover button, .row[aria-selected='true'] button, .missing-font button { visibility: visible; }
+    @media (max-width: 480px) { .row:not(:hover, [aria-selected='true']) button:not(.missing-font button) { display: none; } }
   `];
 
   override connectedCallback(): void { super.connectedCallback(); this.sizes.observe(this); }
@@ -84,6 +85,7 @@ export class FontList extends LitElement {
           </div>
           <div class="under quiet">
             <bdi class="cut" title=${font.postscriptName.slice(0, kLongestName)}>${font.postscriptName.slice(0, kLongestName)}</bdi>
+            ${font.note ? html`<bdi class="cut" title=${font.note.slice(0, kLongestName)}>${font.note.slice(0, kLongestName)}</bdi>` : nothing}
             ${font.source === 'system' ? html`<span class="cut">${t('systemFonts')}</span>` : nothing}
           </div>
         </div>
@@ -92,7 +94,10 @@ export class FontList extends LitElement {
   }
 
   private stateOf(font: Font, name: string) {
-    if (font.source === 'missing') return html`<span class="state missing">${t('missing')}</span>`;
+    if (font.candidates)
+      return html`<span class="missing-font"><span class="state missing">${t('missing')}</span>${font.candidates.length
+        ? html`<button tabindex="-1" ?disabled=${!this.canActivate} aria-label=${t('replaceFont', name)}
+            @click=${() => this.activate(font)}>${t('replace')}</button>` : nothing}</span>`;
     if (font.isActive) return html`<span class="state">${t('isActive')}</span>`;
     return html`<button tabindex="-1" ?disabled=${!this.canActivate} aria-label=${t('activateFamily', name)}
       title=${t('activateFamily', name)} @click=${() => this.activate(font)}>${t('activate')}</button>`;
@@ -105,7 +110,8 @@ export class FontList extends LitElement {
   }
 
   private activate(font: Font): void {
-    if (this.canActivate && !font.isActive && font.id > 0) this.dispatchEvent(new CustomEvent('activate', { detail: font }));
+    if (this.canActivate && font.candidates?.length) this.dispatchEvent(new CustomEvent('replace', { detail: font }));
+    else if (this.canActivate && !font.isActive && font.id > 0) this.dispatchEvent(new CustomEvent('activate', { detail: font }));
   }
 
   private get grid(): HTMLElement { return this.renderRoot.querySelector('.grid')!; }

@@ -1,4 +1,5 @@
-// The library as the font manager lists it.
+// The library as the font manager lists it, and the fonts of documents as rows of such a list.
+import type { Candidate, DocumentFont } from '../client';
 
 export interface Font {
   id: number;
@@ -9,6 +10,10 @@ export interface Font {
   workgroup: number;
   /** What a search looks at. */
   key: string;
+  /** What a document says of it: where it is missing, or why it was taken. */
+  note?: string;
+  /** Of one that a document lacks: what could take its place, the best first. */
+  candidates?: Candidate[];
 }
 
 /** The file of a font list: a line for each font, six columns. Lines of another shape are left out. */
@@ -34,4 +39,14 @@ function sorted(fonts: Font[]): Font[] {
 export function search(fonts: Font[], text: string): Font[] {
   const words = text.toLowerCase().split(/\s+/).filter(Boolean);
   return words.length ? fonts.filter((font) => words.every((word) => font.key.includes(word))) : fonts;
+}
+
+/** The row of a document's font. `listed`: that of the library, where it is there already. */
+export function rowOf(font: DocumentFont, listed?: Font): Font {
+  if (font.isMissing)
+    return { id: 0, postscriptName: '', name: font.name, isActive: false, source: 'missing', workgroup: 0, key: font.name.toLowerCase(),
+      note: font.where, candidates: font.replacements };
+  const row = listed ?? { id: font.fontID, postscriptName: font.name, name: font.name, isActive: true, source: '', workgroup: 0,
+    key: font.name.toLowerCase() };
+  return { ...row, note: [font.version, font.reason].filter(Boolean).join(' – ') };
 }

@@ -1,6 +1,6 @@
 // What the panel knows, and how it learns it. Views look at the fields and are told of changes.
 import { NoAnswer, PanelClient, returnCodes, type Connection, type MessageOf, type OpenDocument } from '../client';
-import { parseFontList, search, type Font } from './fonts';
+import { parseFontList, rowOf, search, type Font } from './fonts';
 import { t } from './texts';
 
 export type State = 'connecting' | 'ready' | 'unavailable' | 'lost';
@@ -108,6 +108,17 @@ export class Library extends EventTarget {
       if (returnCode === returnCodes.notLoggedIn) this.change({ isLoggedOut: true });
       if (returnCode === returnCodes.success) this.activityChanged([font.id], true);
       if (isGone(returnCode)) this.availabilityChanged({ isReachable: false });
+    });
+  }
+
+  /** Has the candidate activated in the place of a font that the document in view lacks. */
+  async replace(font: Font, fontID: number): Promise<void> {
+    const { collection } = this;
+    if (collection.kind !== 'document') return;
+    await this.attempt(async () => {
+      this.documents = await this.connection.replace!(collection.id, font.name, fontID);
+      await this.collect();
+      if (this.shown.some((each) => each.candidates && each.name === font.name)) this.tell(t('notActivated', font.name));
     });
   }
 
@@ -300,7 +311,7 @@ export class Library extends EventTarget {
       case 'smartList': return this.fontsOf(collection.id);
       case 'set': return this.fontsBy({ ...kEverything, setIDs: [collection.id] });
       case 'document':
-        return (this.documents[collection.id]?.fonts ?? []).map((font) => this.byID.get(font.fontID ?? 0) ?? unlisted(font));
+        return (this.documents[collection.id]?.fonts ?? []).map((font) => rowOf(font, font.isMissing ? undefined : this.byID.get(font.fontID)));
     }
   }
 
@@ -336,9 +347,3 @@ export class Library extends EventTarget {
 }
 
 const isGone = (code: number) => code === returnCodes.unavailable || code === returnCodes.shutdown;
-
-/** A row for a font that a document needs and nobody has, or that is not listed yet. */
-function unlisted({ name, fontID, isMissing, replacements }: OpenDocument['fonts'][number]): Font {
-  return { id: fontID ?? 0, postscriptName: replacements?.length ? t('instead', replacements.slice(0, 3).join(', ')) : '', name,
-    isActive: !isMissing, source: isMissing ? 'missing' : '', workgroup: 0, key: name.toLowerCase() };
-}

@@ -1,6 +1,6 @@
 import { LitElement, css, html, nothing } from 'lit';
 import type { Library, Query } from './library';
-import { controls } from './styles';
+import { controls, dialogs } from './styles';
 import { t } from './texts';
 
 /** The dialog in which a smart list is made or changed. */
@@ -13,18 +13,13 @@ export class ListEditor extends LitElement {
   private query: Query = { workgroupIDs: [], setIDs: [], smartSetIDs: [] };
   private tried = '';
 
-  static override styles = [controls, css`
-    dialog { width: min(400px, calc(100vw - 32px)); max-height: calc(100vh - 32px); padding: 16px; border: 1px solid var(--line);
-      border-radius: 12px; background: var(--ground); color: var(--text); }
-    dialog::backdrop { background: rgb(0 0 0 / 40%); }
-    h2 { margin: 0 0 16px; font-size: 15px; line-height: 20px; }
+  static override styles = [controls, dialogs, css`
     label { display: block; }
     label.name input { display: block; width: 100%; margin-top: 4px; }
     fieldset { margin: 16px 0 0; padding: 8px 12px; border: 1px solid var(--line); border-radius: 6px; max-height: 200px; overflow: auto; min-width: 0; }
     fieldset label { display: flex; gap: 8px; align-items: center; height: 28px; }
     fieldset input { width: 16px; height: 16px; margin: 0; accent-color: var(--accent); flex: none; }
     p { margin: 8px 0 0; }
-    .actions { display: flex; gap: 8px; justify-content: flex-end; margin-top: 16px; flex-wrap: wrap; }
     .actions :first-child { margin-right: auto; }
   `];
 

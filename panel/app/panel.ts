@@ -3,6 +3,7 @@ import { FontList } from './font-list';
 import type { Font } from './fonts';
 import type { Collection, Library } from './library';
 import { ListEditor } from './list-editor';
+import { ReplacementChooser } from './replacement-chooser';
 import { controls } from './styles';
 import { t, type Text } from './texts';
 
@@ -97,7 +98,8 @@ export class FontPanel extends LitElement {
         <button class="switch" role="switch" aria-checked=${library.hasWebFonts} ?disabled=${library.state !== 'ready' || library.hasWebFonts}
           title=${t(library.hasWebFonts ? 'webFontsOn' : 'webFontsOff')} @click=${() => library.switchOnWebFonts()}><i></i>${t('webFonts')}</button>
       </footer>
-      <list-editor .library=${library}></list-editor>`;
+      <list-editor .library=${library}></list-editor>
+      <replacement-chooser .library=${library}></replacement-chooser>`;
   }
 
   // --- what there is to choose from
@@ -146,6 +148,7 @@ export class FontPanel extends LitElement {
     if (library.shown.length)
       return html`<font-list .fonts=${library.shown} .images=${library.images} .version=${this.version}
         .canActivate=${library.state === 'ready' && !library.isLoggedOut}
+        @replace=${(event: CustomEvent<Font>) => this.chooser.choose(event.detail)}
         @activate=${(event: CustomEvent<Font>) => library.activate(event.detail)}
         @seen=${(event: CustomEvent<{ seen: Font[]; near: Font[] }>) => library.draw(event.detail.seen, event.detail.near)}></font-list>`;
     if (library.state !== 'ready') return nothing;
@@ -183,6 +186,8 @@ export class FontPanel extends LitElement {
 
   private get editor(): ListEditor { return this.renderRoot.querySelector('list-editor')!; }
 
+  private get chooser(): ReplacementChooser { return this.renderRoot.querySelector('replacement-chooser')!; }
+
   private leaveSearch(event: KeyboardEvent): void {
     if (event.key !== 'ArrowDown') return;
     this.renderRoot.querySelector('font-list')?.shadowRoot?.querySelector<HTMLElement>('.grid')?.focus();
@@ -197,3 +202,4 @@ export class FontPanel extends LitElement {
 
 customElements.define('font-list', FontList);
 customElements.define('list-editor', ListEditor);
+customElements.define('replacement-chooser', ReplacementChooser);

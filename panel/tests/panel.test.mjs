@@ -20,7 +20,7 @@ describe('the panel', { skip, concurrency: false }, () => {
 
   before(async () => {
     world.addFonts('DejaVu', 8);
-    host = await world.host(world.document('DejaVu Sans Bold', 'Nobody Has This'), '--record', recording);
+    host = await world.host(world.document('DejaVu Sans Bold', 'Nobody Has This', 'DejaVu Sans Heavy'), '--record', recording);
     browser = await chromium.launch({ executablePath: browserProgram, args: ['--no-sandbox', '--disable-dev-shm-usage'] });
   });
   after(async () => {
@@ -51,9 +51,17 @@ describe('the panel', { skip, concurrency: false }, () => {
   test('shows a document with what is active and missing, and activates a family by keyboard', async () => {
     const page = await open();
     await page.getByRole('button', { name: 'poster.svg' }).click();
-    await page.getByText('Missing').waitFor();
-    assert.equal(await rows(page).count(), 2);
+    await page.getByText('Missing').first().waitFor();
+    assert.equal(await rows(page).count(), 3);
     assert.equal(await named(page, 'DejaVu Sans Bold').getByText('Active').count(), 1);
+    await page.getByRole('button', { name: 'Replace DejaVu Sans Heavy' }).click();
+    const candidate = page.getByRole('dialog').getByRole('listitem').first();
+    assert.match(await candidate.innerText(), /DejaVu.*\n.+/, 'a name and a reason');
+    await picture(page, 'replace');
+    await assertAccessible(page);
+    await page.keyboard.press('Tab');
+    await candidate.getByRole('button').click();
+    await eventually(async () => await page.getByText('Missing').count() === 1, 'it is replaced');
     await page.getByRole('button', { name: 'All fonts' }).click();
     await eventually(async () => await page.locator('font-list img').count() === 8, 'names are drawn');
     await eventually(() => page.locator('font-list img').first().evaluate((image) => image.naturalWidth > 0), 'images load');
@@ -178,7 +186,7 @@ describe('the panel', { skip, concurrency: false }, () => {
     const page = await open();
     await rows(page).first().waitFor();
     host.process.kill('SIGINT');
-    assert.equal(await host.ended, 0, host.errors);
+    assert.equal(await host.ended, 128 + 2, host.errors);
     await page.getByText('The host does not answer.').waitFor();
     await page.close();
     assert.deepEqual(failures, []);
