@@ -1,0 +1,63 @@
+// The host plug-in for GIMP, in GIMP without its windows.
+#include <filesystem>
+
+#include "HostWorld.h"
+#include "TestFiles.h"
+#include "TestFonts.h"
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "platform/Utf8Path.h"
+
+namespace {
+
+constexpr char kWords[] = R"(
+(define (count-fonts) (car (gimp-fonts-get-list "Sample")))
+(define (look-on) (let ((end (+ (realtime) 2))) (while (< (realtime) end) (gimp-image-list))))
+(define (wait-for n)
+  (let ((end (+ (realtime) 20)))
+    (while (and (< (realtime) end) (not (= n (count-fonts)))) (gimp-image-list))
+    (gimp-message (string-append "fonts: " (number->string (count-fonts))))))
+(define (make name)
+  (let* ((image (car (gimp-image-new 99 99 RGB))) (text (car (gimp-text-layer-new image "A" "Sample" 40 PIXELS))))
+    (gimp-image-insert-layer image text 0 0)
+    (gimp-xcf-save 0 image text name name)
+    (gimp-image-delete image)))
+(define (load name) (car (gimp-file-load RUN-NONINTERACTIVE name name)))
+)";
+
+}  // namespace
+
+TEST(GimpPlugin, FontsComeAndGoInGimpWithTheImagesThatUseThem) {
+    constexpr char kGimp[] = "/usr/bin/gimp";
+    if (!platform::IsExistingFile(kGimp))
+        GTEST_SKIP() << kGimp << " is not installed";
+    HostWorld world;
+    world.FontManager().Write("data/fonts/Plain.ttf", MakeTestFont({"Plain-Regular", "Plain"}));
+    world.AddFonts({"Sample-Regular"});
+    ASSERT_EQ(world.RunHost({"--app", "GIMP", "settings", "CloseFontsOnDocClose", "1"}).status, 0);
+    const auto plugin = platform::Utf8Path(BuiltFile(GIMP_PLUGIN));
+    const auto folder = platform::Utf8Path(world.Path("gimp/plug-ins"));
+    std::filesystem::create_directories(folder);
+    std::filesystem::create_directory_symlink(plugin.parent_path(), folder / plugin.filename());
+    platform::SetEnvironment("GIMP2_DIRECTORY", world.Path("gimp"));
+    const std::string first = '"' + world.Path("first.xcf") + '"';
+    const std::string second = '"' + world.Path("second.xcf") + '"';
+    // Two images share a font, and one goes on under another name.
+    const std::string words = std::string(kWords) + "(make " + first + ") (make " + second +
+                              ") (wait-for 0)" + "(define a (load " + first + ")) (define b (load " + second +
+                              ")) (wait-for 1)" + "(gimp-image-set-filename a \"" + world.Path("third.xcf") +
+                              "\") (gimp-image-delete b)" +
+                              "(look-on) (wait-for 1) (gimp-image-delete a) (wait-for 0)";
+    TestProcess gimp({kGimp, "-i", "-d", "-b", words, "-b", "(gimp-quit 1)"});
+    const ProgramResult result = gimp.Finish();
+    std::string fonts;
+    std::istringstream lines(result.errors + result.output);
+    for (std::string line; std::getline(lines, line);) {
+        if (const size_t at = line.find("fonts: "); at != std::string::npos)
+            fonts += line.substr(at + 7) + " ";
+    }
+    EXPECT_EQ(fonts, "0 1 1 0 ") << result.errors << result.output;
+    for (const char* call : {"SetPathForDocument", "HandleSaveDocument"})
+        EXPECT_EQ(CountOf(world.Trace(), std::string(call) + "('" + world.Path("third.xcf")), 1) << call;
+    EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); }));
+}
