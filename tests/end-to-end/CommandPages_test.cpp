@@ -122,6 +122,8 @@ TEST(CommandPages, TheHostsTableIsCompleteAndEachOfItsCommandsDoesItsWork) {
         const std::string first = WordsOf(command).front();
         onPage.insert(first);
         const ProgramResult result = world.RunHost(Filled(command, {{"FILE", document},
+                                                                    {"PROGRAM", BuiltFile(HOST_PROGRAM)},
+                                                                    {"ARGUMENT", "--help"},
                                                                     {"KEY", "EnableLogging"},
                                                                     {"VALUE", "1"},
                                                                     {"CHOICE", "7"},

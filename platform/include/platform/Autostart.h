@@ -13,7 +13,8 @@ namespace platform {
 SystemError SetAutostart(const std::string& name, const std::string& program, const std::string& arguments);
 /// Ends that; where there is nothing to end, done.
 SystemError ClearAutostart(const std::string& name);
-/// Whether something is started under that name.
+/// Whether something is started under that name. Windows: not what the user has switched off in the Task Manager;
+/// SetAutostart switches it on again.
 bool HasAutostart(const std::string& name);
 
 }  // namespace platform
