@@ -1,0 +1,122 @@
+"""A thin host plug-in for LibreOffice: forwards what happens to documents to PluginCore.
+
+Whatever fails here is one line on standard error. Nothing of it reaches the application.
+"""
+
+import functools
+import sys
+import threading
+import traceback
+
+import uno
+import unohelper
+from com.sun.star.awt import XCallback
+from com.sun.star.awt.MessageBoxType import INFOBOX
+from com.sun.star.document import XDocumentEventListener
+from com.sun.star.task import XJob, XJobExecutor
+
+from plugincore_host.core import Core, CoreError
+from plugincore_host.documents import Documents
+
+IDENTIFIER = "com.vantorix.AutoActivationPlugin.LibreOffice"
+IDLE_INTERVAL = 1.0  # seconds
+
+
+def log(text):
+    if sys.stderr is not None:
+        print(f"Document Fonts: {text}", file=sys.stderr, flush=True)
+
+
+def guarded(method):
+    """For what the application calls: an exception ends here."""
+    @functools.wraps(method)
+    def call(*arguments):
+        try:
+            return method(*arguments)
+        except CoreError as error:
+            log(error)
+        except Exception:
+            log(traceback.format_exc())
+        return None
+    return call
+
+
+class Host(unohelper.Base, XDocumentEventListener, XCallback):
+    """The core and what it hears, from the application's start to its end."""
+
+    def __init__(self, context):
+        self._context = context
+        self._core = Core(IDENTIFIER)
+        self.documents = Documents(context, self._core, log)
+        self._has_ended = threading.Event()
+        context.getValueByName("/singletons/com.sun.star.frame.theGlobalEventBroadcaster") \
+            .addDocumentEventListener(self)
+        threading.Thread(target=self._beat, daemon=True).start()
+
+    @guarded
+    def documentEventOccured(self, event):
+        if event.EventName == "OnCloseApp":
+            self._end()
+        else:
+            self.documents.on_event(event.EventName, event.Source)
+
+    @guarded
+    def notify(self, _):
+        if not self._has_ended.is_set():
+            self._core.idle()
+
+    @guarded
+    def disposing(self, _):
+        self._end()
+
+    def _end(self):
+        if not self._has_ended.is_set():
+            self._has_ended.set()
+            self._core.end()
+
+    @guarded
+    def _beat(self):
+        """The application has no idle loop for others, but a queue of work for its main thread."""
+        queue = self._context.ServiceManager.createInstanceWithContext("com.sun.star.awt.AsyncCallback",
+                                                                       self._context)
+        while not self._has_ended.wait(IDLE_INTERVAL):
+            queue.addCallback(self, None)
+
+
+host = None  # once the application has started it
+
+
+class Component(unohelper.Base, XJob, XJobExecutor):
+    def __init__(self, context):
+        self._context = context
+
+    @guarded
+    def execute(self, _):
+        global host
+        if host is None:
+            host = Host(self._context)
+
+    @guarded
+    def trigger(self, _):
+        """The menu entry."""
+        desktop = self._context.getValueByName("/singletons/com.sun.star.frame.theDesktop")
+        frame = desktop.getCurrentFrame()
+        window = frame.getContainerWindow()
+        box = window.getToolkit().createMessageBox(window, INFOBOX, 1, "Document Fonts",
+                                                   description(frame.getController().getModel()))
+        box.execute()
+
+
+def description(model):
+    if host is None:
+        return "The font manager cannot be reached. Standard error says why."
+    document = host.documents.find(model)
+    lines = []
+    if document:
+        lines += [f"{font['PostScriptName']} – active" for font in document.matched]
+        lines += [f"{font['PostScriptName']} – missing" for font in document.missing]
+    return "\n".join(lines) or "The document uses no fonts of the font manager."
+
+
+g_ImplementationHelper = unohelper.ImplementationHelper()
+g_ImplementationHelper.addImplementation(Component, IDENTIFIER, (IDENTIFIER,))

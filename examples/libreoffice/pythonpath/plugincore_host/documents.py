@@ -1,0 +1,108 @@
+"""The application's documents, as the core hears of them."""
+
+import os
+
+import uno
+from com.sun.star.uno import Exception as UnoException
+
+from .document_fonts import fonts_of
+from .refresh import known_fonts, make_known
+
+
+class Document:
+    def __init__(self, path, identifier):
+        self.path = path  # empty for one that was never saved
+        self.identifier = identifier
+        self.matched = []
+        self.missing = []
+
+
+class Documents:
+    """Told of each event of a document, on whatever thread that comes."""
+
+    def __init__(self, context, core, log):
+        self._context = context
+        self._core = core
+        self._log = log
+        self._open = {}  # by the number that the application gives a document
+        self._made_known = set()
+        self._is_refreshing = False
+        self._handlers = {"OnLoadFinished": self._opened, "OnCreate": self._created, "OnNew": self._created,
+                          "OnSaveDone": self._saved, "OnSaveAsDone": self._saved_as, "OnUnload": self._closed}
+
+    def on_event(self, name, model):
+        handler = self._handlers.get(name)
+        # The document that makes fonts known is none of the user's.
+        if handler and not self._is_refreshing and hasattr(model, "RuntimeUID"):
+            handler(model)
+
+    def find(self, model):
+        return self._open.get(model.RuntimeUID)
+
+    def _opened(self, model):
+        """The model is whole, and nothing of it is laid out yet: fonts that come now are there in time."""
+        path = _path_of(model)
+        if not path or model.RuntimeUID in self._open:
+            return
+        self._core.is_enabled()
+        document = self._open[model.RuntimeUID] = Document(path, None)
+        self._activate(document, fonts_of(model))
+        document.identifier = self._core.identifier_of(path)
+
+    def _created(self, model):
+        if model.RuntimeUID not in self._open:
+            self._open[model.RuntimeUID] = Document("", self._core.create_document())
+
+    def _saved(self, model):
+        document = self.find(model)
+        if document and document.path:
+            fonts = fonts_of(model)
+            self._activate(document, fonts)  # it may use others by now
+            self._core.save_document(document.path, fonts)
+
+    def _saved_as(self, model):
+        document = self.find(model)
+        path = _path_of(model)
+        if not document or not path:
+            return
+        if path != document.path:
+            self._core.set_path(path, document.identifier)
+            document.path = path
+        self._saved(model)
+
+    def _closed(self, model):
+        document = self._open.pop(model.RuntimeUID, None)
+        # A file that is open twice is one document of the core's.
+        if document and all(other.identifier != document.identifier for other in self._open.values()):
+            self._core.close_document(document.path or document.identifier)
+
+    def _activate(self, document, fonts):
+        document.matched, document.missing = self._core.open_document(document.path, fonts)
+        families = {font["PostScriptName"]: font["Family"] for font in fonts}
+        known = known_fonts(self._context)
+        new = {}
+        for font in document.matched:
+            name = families[font["PostScriptName"]], font.get("Style", "")
+            path = font.get("Path", "")
+            if name not in known and (name, path) not in self._made_known and os.path.isfile(path):
+                new[name] = path
+        if new:
+            self._make_known(new)
+
+    def _make_known(self, fonts):
+        self._made_known.update(fonts.items())
+        self._is_refreshing = True
+        try:
+            make_known(self._context, [(family, path) for (family, _), path in fonts.items()])
+        except (UnoException, OSError) as error:
+            self._log(f"fonts were activated, but cannot be shown before a restart: {error}")
+        finally:
+            self._is_refreshing = False
+        unknown = sorted(" ".join(name) for name in fonts.keys() - known_fonts(self._context))
+        if unknown:
+            self._log("LibreOffice takes these fonts after a restart alone: " + ", ".join(unknown))
+
+
+def _path_of(model):
+    url = model.getURL()
+    return uno.fileUrlToSystemPath(url) if url.startswith("file:") else ""
