@@ -29,6 +29,10 @@ install(TARGETS contracts EXPORT PluginCoreTargets INCLUDES DESTINATION ${CMAKE_
 install(DIRECTORY contracts/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN images EXCLUDE)
 install(DIRECTORY examples/thin-host examples/other-font-manager DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+if(NOT WIN32)
+  install(DIRECTORY examples/libreoffice DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples USE_SOURCE_PERMISSIONS
+    PATTERN __pycache__ EXCLUDE)
+endif()
 install(DIRECTORY corefoundation/include/CoreFoundation
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plugincore)
 

@@ -1,8 +1,8 @@
 """The application's documents, as the core hears of them."""
 
 import os
+from urllib.parse import unquote, urlsplit
 
-import uno
 from com.sun.star.uno import Exception as UnoException
 
 from .document_fonts import fonts_of
@@ -104,5 +104,6 @@ class Documents:
 
 
 def _path_of(model):
-    url = model.getURL()
-    return uno.fileUrlToSystemPath(url) if url.startswith("file:") else ""
+    """Of a document in a file, else empty. UTF-8 in any locale, unlike what the application makes of it."""
+    url = urlsplit(model.getURL())
+    return unquote(url.path) if url.scheme == "file" else ""
