@@ -1,8 +1,8 @@
 // The plug-in framework: preferences, localized strings, message boxes and dialogs.
 //
 // The shared library "TarnwickPluginFramework" stands beside the core, which loads it at run time and calls
-// its factory. All calls come from the host's main thread. Strings are UTF-8. Nothing is thrown across this
-// border; what a function returns is the only truth.
+// its factory. Calls come one at a time, each on the thread of the host's call. Strings are UTF-8. Nothing is
+// thrown across this border; what a function returns is the only truth.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -8,7 +8,6 @@ import sys
 import threading
 import traceback
 
-import uno
 import unohelper
 from com.sun.star.awt import XCallback
 from com.sun.star.awt.MessageBoxType import INFOBOX

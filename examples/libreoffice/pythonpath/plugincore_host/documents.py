@@ -9,6 +9,9 @@ from .document_fonts import fonts_of
 from .refresh import known_fonts, make_known
 
 
+SYSTEM_FONT = 3  # ActivationStatus of a font record
+
+
 class Document:
     def __init__(self, path, identifier):
         self.path = path  # empty for one that was never saved
@@ -25,7 +28,7 @@ class Documents:
         self._core = core
         self._log = log
         self._open = {}  # by the number that the application gives a document
-        self._made_known = set()
+        self._seen = set()  # name and file of fonts that the application knows, or refused
         self._is_refreshing = False
         self._handlers = {"OnLoadFinished": self._opened, "OnCreate": self._created, "OnNew": self._created,
                           "OnSaveDone": self._saved, "OnSaveAsDone": self._saved_as, "OnUnload": self._closed}
@@ -79,18 +82,22 @@ class Documents:
     def _activate(self, document, fonts):
         document.matched, document.missing = self._core.open_document(document.path, fonts)
         families = {font["PostScriptName"]: font["Family"] for font in fonts}
-        known = known_fonts(self._context)
-        new = {}
+        unseen = {}
         for font in document.matched:
-            name = families[font["PostScriptName"]], font.get("Style", "")
+            # By the family as the document has it, which may be one of several names of the font's.
+            name = families.get(font["PostScriptName"], font.get("Family", "")), font.get("Style", "")
             path = font.get("Path", "")
-            if name not in known and (name, path) not in self._made_known and os.path.isfile(path):
-                new[name] = path
-        if new:
-            self._make_known(new)
+            if font.get("ActivationStatus") != SYSTEM_FONT and (name, path) not in self._seen and \
+                    os.path.isfile(path):
+                unseen[name] = path
+        if unseen:
+            self._seen.update(unseen.items())
+            known = known_fonts(self._context)
+            self._make_known({name: path for name, path in unseen.items() if name not in known})
 
     def _make_known(self, fonts):
-        self._made_known.update(fonts.items())
+        if not fonts:
+            return
         self._is_refreshing = True
         try:
             make_known(self._context, [(family, path) for (family, _), path in fonts.items()])
