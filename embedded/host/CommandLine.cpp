@@ -33,7 +33,7 @@ std::string RefusalOfHost(const std::string& name) {
             return {};
         names.append(names.empty() ? "" : ", ").append(each.name);
     }
-    return "it is one of " + names;
+    return "name one of " + names;
 }
 
 /// `run` is what the command does once all the words are read.

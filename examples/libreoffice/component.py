@@ -10,6 +10,7 @@ import traceback
 
 import unohelper
 from com.sun.star.awt import XCallback
+from com.sun.star.awt.MessageBoxButtons import BUTTONS_OK
 from com.sun.star.awt.MessageBoxType import INFOBOX
 from com.sun.star.document import XDocumentEventListener
 from com.sun.star.task import XJob, XJobExecutor
@@ -99,10 +100,9 @@ class Component(unohelper.Base, XJob, XJobExecutor):
     def trigger(self, _):
         """The menu entry."""
         desktop = self._context.getValueByName("/singletons/com.sun.star.frame.theDesktop")
-        frame = desktop.getCurrentFrame()
-        window = frame.getContainerWindow()
-        box = window.getToolkit().createMessageBox(window, INFOBOX, 1, "Document Fonts",
-                                                   description(frame.getController().getModel()))
+        window = desktop.getCurrentFrame().getContainerWindow()
+        box = window.getToolkit().createMessageBox(window, INFOBOX, BUTTONS_OK, "Document Fonts",
+                                                   description(desktop.getCurrentComponent()))
         box.execute()
 
 

@@ -40,7 +40,8 @@ class Documents:
             handler(model)
 
     def find(self, model):
-        return self._open.get(model.RuntimeUID)
+        """None for what is no document, or none that the core knows."""
+        return self._open.get(getattr(model, "RuntimeUID", None))
 
     def _opened(self, model):
         """The model is whole, and nothing of it is laid out yet: fonts that come now are there in time."""
@@ -102,12 +103,12 @@ class Documents:
         try:
             make_known(self._context, [(family, path) for (family, _), path in fonts.items()])
         except (UnoException, OSError) as error:
-            self._log(f"fonts were activated, but cannot be shown before a restart: {error}")
+            self._log(f"LibreOffice cannot be told of fonts that were activated: {error}")
         finally:
             self._is_refreshing = False
         unknown = sorted(" ".join(name) for name in fonts.keys() - known_fonts(self._context))
         if unknown:
-            self._log("LibreOffice takes these fonts after a restart alone: " + ", ".join(unknown))
+            self._log("LibreOffice shows these fonts only where they are active before it starts: " + ", ".join(unknown))
 
 
 def _path_of(model):
