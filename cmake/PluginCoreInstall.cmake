@@ -30,7 +30,7 @@ install(DIRECTORY contracts/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plu
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN images EXCLUDE)
 install(DIRECTORY examples/thin-host examples/other-font-manager DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 if(NOT WIN32)
-  install(DIRECTORY examples/libreoffice DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples USE_SOURCE_PERMISSIONS
+  install(DIRECTORY examples/libreoffice examples/gimp DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples USE_SOURCE_PERMISSIONS
     PATTERN __pycache__ EXCLUDE)
 endif()
 install(DIRECTORY corefoundation/include/CoreFoundation
