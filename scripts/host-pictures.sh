@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/hosts.md: a document in Inkscape, Scribus and LibreOffice before its font is active, with it and
-# after. Needs these programs, xvfb, poppler-utils and imagemagick; takes a font from a Debian package. Builds nothing.
+# Makes the pictures of docs/hosts.md: a document in each of some programs before its font is active, with it and after. Needs
+# inkscape, scribus, libreoffice-writer, chromium, evince, xvfb, poppler-utils and imagemagick; takes a font from a Debian
+# package. Builds nothing; the argument is the preset of a build, release if there is none.
 set -euo pipefail
 export PATH=/usr/bin:$PATH
 cd "$(dirname -- "$(readlink -f -- "$0")")/.."
@@ -59,23 +60,46 @@ pdf.file = "$world/page.pdf"
 pdf.save()
 END
 
+cat >"$world/page.html" <<END
+<body style="margin:8px;font:bold 24px 'Comic Neue'">$text</body>
+END
+# Without its font in it; a viewer finds the objects by itself.
+cat >"$world/bare.pdf" <<END
+%PDF-1.4
+1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj
+2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj
+3 0 obj <</Type/Page/Parent 2 0 R/MediaBox[0 0 400 60]/Contents 4 0 R/Resources<</Font<</F 5 0 R>>>>>> endobj
+4 0 obj <</Length $((40 + ${#text}))>> stream
+BT /F 24 Tf 10 20 Td ($text) Tj ET
+endstream endobj
+5 0 obj <</Type/Font/Subtype/TrueType/BaseFont/ComicNeue-Bold/Encoding/WinAnsiEncoding/FontDescriptor 6 0 R>> endobj
+6 0 obj <</Type/FontDescriptor/FontName/ComicNeue-Bold/Flags 32/ItalicAngle 0/Ascent 800/Descent -200/CapHeight 700/StemV 80
+/FontBBox[0 0 1000 1000]>> endobj
+trailer <</Root 1 0 R>>
+END
+
 inkscape=(inkscape "$world/page.svg" "--export-filename=$world/page.pdf")
 scribus=(xvfb-run -a scribus -g -ns -py "$world/export.py" -- "$world/page.sla")
 libreoffice=(soffice --headless --convert-to pdf --outdir "$world" "$world/page.fodt")
 
-# picture NAME DOCUMENT COMMAND...: three strips, one below the other.
+chromium=(chromium --headless --no-sandbox --disable-gpu "--user-data-dir=$world/chromium" --window-size=480,60
+  "--screenshot=$world/page.png" "$world/page.html")
+evince=(evince-thumbnailer -s 480 "file://$world/bare.pdf" "$world/page.png")
+
+# picture NAME DOCUMENT COMMAND...: three strips, one below the other, of what the command makes: page.pdf or page.png. Without
+# a document, the font's name serves.
 picture() {
   local name=$1 document=$2 moment
   shift 2
   for moment in before with after; do
-    rm -f "$world/page.pdf"
+    rm -f "$world/page.pdf" "$world/page.png"
     if [ $moment = with ]; then
-      "$build/bin/plugincore-host" open "$document" -- "$@"
+      "$build/bin/plugincore-host" open ${document:+"$document"} --fonts ComicNeue-Bold -- "$@"
     else
       "$@"
     fi >"$world/messages" 2>&1 || { cat "$world/messages" >&2; return 1; }
     until [ -z "$(fc-list 'Comic Neue')" ]; do sleep 0.5; done
-    pdftoppm -r 96 -singlefile -png "$world/page.pdf" "$world/page"
+    [ ! -f "$world/page.pdf" ] || pdftoppm -r 96 -singlefile -png "$world/page.pdf" "$world/page"
     convert "$world/page.png" -trim +repage -bordercolor white -border 12 -gravity west -extent 520x56 "$world/strip.png"
     convert -size 90x"$(identify -format %h "$world/strip.png")" xc:white -gravity center -pointsize 14 -fill gray40 \
       -annotate 0 "$moment" "$world/strip.png" +append "$world/$moment.png"
@@ -85,3 +109,5 @@ picture() {
 picture inkscape "$world/page.svg" "${inkscape[@]}"
 picture scribus "$world/page.sla" "${scribus[@]}"
 picture libreoffice "$world/page.fodt" "${libreoffice[@]}"
+picture chromium "" "${chromium[@]}"
+picture evince "$world/bare.pdf" "${evince[@]}"
