@@ -8,6 +8,7 @@
 #include <PluginCoreInterface.h>
 #include <json-glib/json-glib.h>
 #include <libgimp/gimp.h>
+#include <string.h>
 
 static const char kPluginIdentifier[] = "com.vantorix.AutoActivationPlugin.GIMP";
 static const guint kInterval = 500; /* milliseconds between two looks */
@@ -15,7 +16,8 @@ enum { kIdentifierSize = 64, kListSize = 1 << 20 };
 
 /* An image as it was at the last look. */
 typedef struct {
-    char* path; /* NULL for one that was never saved */
+    char* path;  /* NULL for one that was never saved */
+    char* fonts; /* the list of them */
     char identifier[kIdentifierSize];
     gboolean is_dirty;
 } Image;
@@ -80,31 +82,21 @@ static char* path_of(gint32 image) {
 
 /* ---- What the core is told */
 
-static void open_image(gint32 number, Image* image) {
-    size_t identifier_size = sizeof image->identifier;
-    if (image->path == NULL) {
-        HandleCreateNewDocument(image->identifier, &identifier_size);
-        return;
-    }
-    char* fonts = font_list_of(number);
+/* Has the image's fonts activated. */
+static void open_image(Image* image) {
     char* matched = g_malloc0(kListSize);
     char* missing = g_malloc0(kListSize);
     size_t matched_size = kListSize;
     size_t missing_size = kListSize;
+    size_t identifier_size = sizeof image->identifier;
     int count = 0;
-    HandleOpenExistingDocument(image->path, fonts, matched, &matched_size, missing, &missing_size, &count);
+    HandleOpenExistingDocument(image->path, image->fonts, matched, &matched_size, missing, &missing_size,
+                               &count);
     GetIDForDocument(image->path, image->identifier, &identifier_size);
     if (count > 0)
         gimp_fonts_refresh(); /* what was drawn is in the file; GIMP needs the font for what is drawn from now on */
-    g_free(fonts);
     g_free(matched);
     g_free(missing);
-}
-
-static void save_image(gint32 number, const Image* image) {
-    char* fonts = font_list_of(number);
-    HandleSaveDocument(image->path, fonts);
-    g_free(fonts);
 }
 
 static void close_image(const Image* image) {
@@ -116,21 +108,42 @@ static void close_image(const Image* image) {
 static void free_image(gpointer data) {
     Image* image = data;
     g_free(image->path);
+    g_free(image->fonts);
     g_free(image);
+}
+
+/* An image that was not there before. It may still be read: its text comes by and by. */
+static Image* meet_image(gint32 number) {
+    Image* image = g_new0(Image, 1);
+    size_t identifier_size = sizeof image->identifier;
+    image->path = path_of(number);
+    image->fonts = font_list_of(number);
+    image->is_dirty = gimp_image_is_dirty(number);
+    if (image->path != NULL)
+        open_image(image);
+    else
+        HandleCreateNewDocument(image->identifier, &identifier_size);
+    return image;
 }
 
 /* An image that was there before. */
 static void follow_image(gint32 number, Image* image) {
     char* path = path_of(number);
+    char* fonts = font_list_of(number);
     const gboolean is_dirty = gimp_image_is_dirty(number);
     const gboolean has_moved = path != NULL && g_strcmp0(path, image->path) != 0;
+    const gboolean has_other_fonts = strcmp(fonts, image->fonts) != 0;
+    g_free(image->fonts);
+    image->fonts = fonts;
     if (has_moved) {
         SetPathForDocument(path, image->identifier);
         g_free(image->path);
         image->path = g_strdup(path);
     }
+    if (image->path != NULL && has_other_fonts)
+        open_image(image);
     if (has_moved || (image->path != NULL && image->is_dirty && !is_dirty))
-        save_image(number, image);
+        HandleSaveDocument(image->path, image->fonts);
     image->is_dirty = is_dirty;
     g_free(path);
 }
@@ -142,15 +155,10 @@ static void look_at_images(void) {
     for (gint i = 0; i < count; ++i) {
         Image* image = g_hash_table_lookup(images, GINT_TO_POINTER(numbers[i]));
         g_hash_table_add(there, GINT_TO_POINTER(numbers[i]));
-        if (image != NULL) {
+        if (image != NULL)
             follow_image(numbers[i], image);
-            continue;
-        }
-        image = g_new0(Image, 1);
-        image->path = path_of(numbers[i]);
-        open_image(numbers[i], image);
-        image->is_dirty = gimp_image_is_dirty(numbers[i]);
-        g_hash_table_insert(images, GINT_TO_POINTER(numbers[i]), image);
+        else
+            g_hash_table_insert(images, GINT_TO_POINTER(numbers[i]), meet_image(numbers[i]));
     }
     GHashTableIter each;
     gpointer number = NULL;

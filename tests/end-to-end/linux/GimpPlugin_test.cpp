@@ -45,8 +45,8 @@ TEST(GimpPlugin, FontsComeAndGoInGimpWithTheImagesThatUseThem) {
     // Two images share a font, and one goes on under another name.
     const std::string words = std::string(kWords) + "(make " + first + ") (make " + second +
                               ") (wait-for 0)" + "(define a (load " + first + ")) (define b (load " + second +
-                              ")) (wait-for 1)" + "(gimp-image-set-filename a \"" + world.Path("third.xcf") +
-                              "\") (gimp-image-delete b)" +
+                              ")) (wait-for 1) (look-on)" + "(gimp-image-set-filename a \"" +
+                              world.Path("third.xcf") + "\") (gimp-image-delete b)" +
                               "(look-on) (wait-for 1) (gimp-image-delete a) (wait-for 0)";
     TestProcess gimp({kGimp, "-i", "-d", "-b", words, "-b", "(gimp-quit 1)"});
     const ProgramResult result = gimp.Finish();
