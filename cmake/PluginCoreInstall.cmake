@@ -11,6 +11,9 @@ install(TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginIn
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
 plugincore_separate_symbols(${CMAKE_INSTALL_LIBDIR}/vantorix TO symbols
   TARGETS Pellwick PellwickFontWorker PellwickSystemFonts TarnwickPluginInterfaceX64)
+if(TARGET PluginCoreDialogs)
+  install(TARGETS PluginCoreDialogs RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
+endif()
 if(WIN32)
   install(TARGETS PellwickBackground RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/vantorix)
   plugincore_separate_symbols(${CMAKE_INSTALL_LIBDIR}/vantorix TO symbols TARGETS PellwickBackground)

@@ -21,9 +21,9 @@ public:
     bool Show(int32_t, int32_t) override { return true; }
 };
 
-UINT MessageBoxStyle(MessageButtons buttons, HWND owner) {
-    const UINT kind = buttons == MessageButtons::kYesNo ? MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2
-                                                        : MB_OK | MB_ICONINFORMATION;
+UINT MessageBoxStyle(const MessageButtons& buttons, HWND owner) {
+    const UINT kind =
+        buttons.IsQuestion() ? MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 : MB_OK | MB_ICONINFORMATION;
     return kind | MB_SETFOREGROUND | (owner == nullptr ? MB_TASKMODAL : 0);
 }
 
@@ -36,9 +36,10 @@ std::optional<DisabledWindows> OthersThan(HWND owner) {
 class WindowsDialogs : public NativeDialogs {
 public:
     bool IsAvailable() override { return HasVisibleDesktop(); }
+    std::string TakeFailure() override { return {}; }
 
     bool ShowMessage(WindowHandle owner, const std::string& title, const std::string& text,
-                     MessageButtons buttons) override {
+                     const MessageButtons& buttons) override {
         if (!IsAvailable())
             return false;
         const ScopedVisualStyles styles;

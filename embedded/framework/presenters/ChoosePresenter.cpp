@@ -9,25 +9,20 @@
 
 namespace {
 
-bool HasTerminal() {
-    return platform::IsTerminal(platform::StandardStream::kInput) &&
-           platform::IsTerminal(platform::StandardStream::kError);
-}
-
 /// Null where the system cannot show dialogs.
 std::unique_ptr<Presenter> MakeNative(const std::string& language) {
     auto& dialogs = platform::Current<platform::NativeDialogs>();
-    return dialogs.IsAvailable() ? std::make_unique<NativePresenter>(dialogs, language) : nullptr;
-}
-
-std::unique_ptr<Presenter> MakeTerminal(const std::string& language) {
-    return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);
+    if (dialogs.IsAvailable())
+        return std::make_unique<NativePresenter>(dialogs, language);
+    if (const std::string reason = dialogs.TakeFailure(); !reason.empty())
+        LogMessage(0, "No dialogs can be shown: %s", reason.c_str());
+    return nullptr;
 }
 
 /// Null for a name that is none.
 std::unique_ptr<Presenter> ChooseByName(const std::string& name, const std::string& language) {
     if (name == "terminal")
-        return MakeTerminal(language);
+        return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);
     if (name == "native") {
         if (std::unique_ptr<Presenter> native = MakeNative(language))
             return native;
@@ -37,9 +32,8 @@ std::unique_ptr<Presenter> ChooseByName(const std::string& name, const std::stri
 }
 
 std::unique_ptr<Presenter> ChooseBySurroundings(const std::string& language) {
-    if (std::unique_ptr<Presenter> native = MakeNative(language))
-        return native;
-    return HasTerminal() ? MakeTerminal(language) : std::make_unique<SilentPresenter>();
+    std::unique_ptr<Presenter> native = MakeNative(language);
+    return native ? std::move(native) : std::make_unique<SilentPresenter>();
 }
 
 std::unique_ptr<Presenter> ChooseByEnvironment(const std::string& language) {

@@ -138,7 +138,7 @@ bool AskInWindow(const NativeStage& stage, SelectWorkgroupDialog& dialog) {
     Form form = MakeForm(stage, localized::kSelectWorkgroup);
     if (dialog.workgroups.empty()) {
         stage.dialogs.ShowMessage(stage.owner, form.title, stage.Text(localized::kNoWorkgroupTitle),
-                                  platform::MessageButtons::kOk);
+                                  {stage.Text(localized::kOkButton), {}});
         return false;
     }
     form.controls.emplace_back(WorkgroupList(dialog));

@@ -1,10 +1,12 @@
-// Asks in the system's own windows, which belong to the host's main window.
+// Asks in the system's own windows, which belong to the host's main window. A question that nobody answered there,
+// because nothing can be shown or it stood for too long, gets the default answer.
 #pragma once
 
 #include <memory>
 
 #include "presenters/NativeForms.h"
 #include "presenters/Presenter.h"
+#include "presenters/SilentPresenter.h"
 
 class NativePresenter : public Presenter {
 public:
@@ -19,6 +21,10 @@ public:
     bool ShowProgress(const ProgressStep& step) override;
 
 private:
+    /// Whether the last question was one for the user, and answered. Logs why not.
+    bool IsAnswered();
+
     NativeStage mStage;
+    SilentPresenter mDefault;
     std::unique_ptr<platform::ProgressWindow> mProgress;  ///< while a work goes on
 };

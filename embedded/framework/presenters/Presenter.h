@@ -51,10 +51,9 @@ public:
 ///
 /// 1. PLUGINCORE_ANSWERS names a file of answers: a scripted presenter.
 /// 2. PLUGINCORE_PRESENTER is "native", "terminal" or "silent": that one. Where the system cannot show
-///    dialogs, "native" is silent.
+///    dialogs, "native" is silent. No other way leads to the terminal: it belongs to the host.
 /// 3. The system can show dialogs: a native presenter.
-/// 4. A person sits at standard input and standard error: a terminal presenter.
-/// 5. Otherwise a silent one.
+/// 4. Otherwise a silent one.
 ///
 /// With PLUGINCORE_ANSWERS_LOG every question and its answer is recorded in the file of that name. `language`
 /// is a two-letter code.

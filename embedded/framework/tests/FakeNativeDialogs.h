@@ -2,6 +2,7 @@
 #pragma once
 
 #include <sstream>
+#include <utility>
 
 #include "platform/NativeDialogs.h"
 
@@ -13,16 +14,18 @@ public:
     std::string clicks;
     int stopAt = -1;  ///< the step at which the user stops a work; never when negative
     bool isAvailable = true;
+    std::string failure;  ///< of the next question
     std::string shown;
     std::vector<platform::WindowHandle> owners;
 
     bool IsAvailable() override { return isAvailable; }
+    std::string TakeFailure() override { return std::exchange(failure, {}); }
     bool ShowMessage(platform::WindowHandle owner, const std::string& title, const std::string& text,
-                     platform::MessageButtons buttons) override {
-        const bool isQuestion = buttons == platform::MessageButtons::kYesNo;
+                     const platform::MessageButtons& buttons) override {
         owners.push_back(owner);
-        shown += title + "\n" + text + (isQuestion ? "\n<Yes> <No>\n" : "\n<OK>\n");
-        return clicks == (isQuestion ? "Yes" : "OK");
+        shown += title + "\n" + text + "\n<" + buttons.agree + ">" +
+                 (buttons.IsQuestion() ? " <" + buttons.refuse + ">\n" : "\n");
+        return clicks == buttons.agree;
     }
     platform::FolderAnswer ChooseFolder(platform::WindowHandle owner, const std::string& prompt,
                                         const std::string& initialFolder) override {

@@ -4,6 +4,11 @@
 // Texts are UTF-8; an "&" in them is shown as it is. `owner` is the window that a dialog belongs to and that
 // takes no input meanwhile; null, a window that is gone and one of another process stand for none. All calls
 // come from the owner's thread and return when the user has answered. Each throws only std::bad_alloc.
+//
+// Linux: a process of its own shows them, "vantorix/PluginCoreDialogs" beside the library that asks, over that
+// window of this process which was in front last; `owner` says nothing. The calling thread waits, and draws
+// nothing meanwhile. A dialog that nobody has touched for five minutes counts as not answered
+// (PLUGINCORE_DIALOG_TIMEOUT, in seconds).
 #pragma once
 
 #include <cstddef>
@@ -19,7 +24,13 @@
 
 namespace platform {
 
-enum class MessageButtons { kOk, kYesNo };
+/// What a message is answered with. The labels serve where the system has none of its own: not on Windows.
+struct MessageButtons {
+    std::string agree;   ///< OK or Yes
+    std::string refuse;  ///< No; empty where there is nothing to refuse
+
+    bool IsQuestion() const { return !refuse.empty(); }
+};
 
 struct FolderAnswer {
     enum class Outcome {
@@ -95,10 +106,13 @@ public:
     /// Whether there is a screen that a user may look at. Where there is none, no other function waits:
     /// questions are answered with "no", "cancelled", kFormCancelled, and work goes on.
     virtual bool IsAvailable() = 0;
+    /// Why the last question was answered so although nobody answered it, for a log; empty where it was
+    /// answered. Told once.
+    virtual std::string TakeFailure() = 0;
 
     /// True for OK and Yes.
     virtual bool ShowMessage(WindowHandle owner, const std::string& title, const std::string& text,
-                             MessageButtons buttons) = 0;
+                             const MessageButtons& buttons) = 0;
 
     /// Lets the user choose a folder or make one. `initialFolder`, a full path, is selected at first; may be
     /// empty.

@@ -79,7 +79,7 @@ Form FormWith(platform::FormControl control) {
 }
 
 TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
-    const auto ask = [this](MessageButtons buttons, WORD key) {
+    const auto ask = [this](const MessageButtons& buttons, WORD key) {
         const DialogDriver user([&](HWND dialog) {
             EXPECT_EQ(TextOf(dialog), "Größe & 字");
             EXPECT_THAT(TextsOf(dialog, "Static"), testing::Contains("Was & wie? 😀"));
@@ -89,12 +89,12 @@ TEST_F(NativeDialogsTest, AMessageHasItsTextsAndAnswersWithItsButton) {
         });
         return Dialogs().ShowMessage(mOwner, "Größe & 字", "Was & wie? 😀", buttons);
     };
-    EXPECT_TRUE(ask(MessageButtons::kOk, VK_RETURN));
-    EXPECT_FALSE(ask(MessageButtons::kYesNo, VK_RETURN)) << "Enter does not agree to anything";
+    EXPECT_TRUE(ask({"OK", ""}, VK_RETURN));
+    EXPECT_FALSE(ask({"Yes", "No"}, VK_RETURN)) << "Enter does not agree to anything";
     const DialogDriver user([&](HWND dialog) {
         PostMessageW(dialog, WM_COMMAND, IDYES, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDYES)));
     });
-    EXPECT_TRUE(Dialogs().ShowMessage(mOwner, "Title", "Text", MessageButtons::kYesNo));
+    EXPECT_TRUE(Dialogs().ShowMessage(mOwner, "Title", "Text", {"Yes", "No"}));
 }
 
 TEST_F(NativeDialogsTest, CheckBoxesComeBackAsTheyWereLeftUnlessTheUserGivesUp) {

@@ -1,0 +1,117 @@
+#include "DialogWindow.h"
+
+#include <cctype>
+
+#include "HostWindow.h"
+#include "PrintableText.h"
+
+namespace {
+
+constexpr int kSpace = 12;
+constexpr int kParagraphWidth = 60;  // characters
+constexpr size_t kLineLength = 300;  // characters
+
+int ScreenHeight() {
+    GdkRectangle area{};
+    GdkMonitor* monitor = gdk_display_get_monitor(gdk_display_get_default(), 0);
+    if (monitor != nullptr)
+        gdk_monitor_get_workarea(monitor, &area);
+    return area.height > 0 ? area.height : 600;
+}
+
+}  // namespace
+
+std::string ShownText(const std::string& text) {
+    std::string shown;
+    size_t begin = 0;
+    for (size_t end = 0; end != std::string::npos; begin = end + 1) {
+        end = text.find('\n', begin);
+        shown += WithoutUnprintables(std::string_view(text).substr(begin, end - begin));
+        if (end != std::string::npos)
+            shown += '\n';
+    }
+    return shown;
+}
+
+std::string ShownLine(const std::string& text) {
+    std::string line = WithoutUnprintables(text);
+    return CountCodePoints(line) > kLineLength ? FirstCodePoints(line, kLineLength) + "…" : line;
+}
+
+std::string Mnemonics::Add(const std::string& label) {
+    std::string marked;
+    bool isMarked = false;
+    for (const char character : ShownLine(label)) {
+        const auto key = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+        const bool canMark = static_cast<unsigned char>(key) < 0x80 && std::isalnum(key) != 0;
+        if (character == '_' || (!isMarked && canMark && mUsed.insert(key).second))
+            marked += '_';
+        isMarked = isMarked || (character != '_' && marked.ends_with('_') && !marked.ends_with("__"));
+        marked += character;
+    }
+    return marked;
+}
+
+GtkDialog* MakeDialogWindow(const nlohmann::json& request, const std::string& title) {
+    const std::string application = request.at("application").get<std::string>();
+    const std::string shown = title.empty() ? application : title + " – " + application;
+    auto* dialog = GTK_DIALOG(gtk_dialog_new());
+    gtk_window_set_title(GTK_WINDOW(dialog), ShownLine(shown).c_str());
+    gtk_window_set_icon_name(GTK_WINDOW(dialog), "preferences-desktop-font");
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER_ON_PARENT);
+    gtk_container_set_border_width(GTK_CONTAINER(dialog), kSpace / 2);
+    GtkWidget* content = gtk_dialog_get_content_area(dialog);
+    gtk_container_set_border_width(GTK_CONTAINER(content), kSpace / 2);
+    gtk_box_set_spacing(GTK_BOX(content), kSpace);
+    return dialog;
+}
+
+GtkWidget* MakeParagraph(const std::string& text, bool isHeading) {
+    GtkWidget* label = gtk_label_new(ShownText(text).c_str());
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), kParagraphWidth);
+    gtk_label_set_xalign(GTK_LABEL(label), 0);
+    if (isHeading) {
+        PangoAttrList* attributes = pango_attr_list_new();
+        pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
+        pango_attr_list_insert(attributes, pango_attr_scale_new(PANGO_SCALE_LARGE));
+        gtk_label_set_attributes(GTK_LABEL(label), attributes);
+        pango_attr_list_unref(attributes);
+    }
+    return label;
+}
+
+GtkWidget* ScrolledIfHigh(GtkWidget* content, int percent) {
+    GtkRequisition natural{};
+    gtk_widget_show_all(content);
+    gtk_widget_get_preferred_size(content, nullptr, &natural);
+    const int limit = ScreenHeight() * percent / 100;
+    if (natural.height <= limit)
+        return content;
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), limit);
+    gtk_container_add(GTK_CONTAINER(scrolled), content);
+    // To where the keyboard is.
+    if (GTK_IS_CONTAINER(content))
+        gtk_container_set_focus_vadjustment(
+            GTK_CONTAINER(content), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled)));
+    return scrolled;
+}
+
+void ShowInFront(GtkDialog* dialog, const nlohmann::json& request) {
+    gtk_widget_show_all(gtk_dialog_get_content_area(dialog));
+    gtk_widget_realize(GTK_WIDGET(dialog));
+    // The host waits for the answer: what it hides would never be seen.
+    if (host_window::PutInFront(gtk_widget_get_window(GTK_WIDGET(dialog)), request.at("process").get<int>()))
+        gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
+    else
+        gtk_window_set_keep_above(GTK_WINDOW(dialog), TRUE);
+    gtk_window_present_with_time(GTK_WINDOW(dialog), GDK_CURRENT_TIME);
+}
+
+int RunInFront(GtkDialog* dialog, const nlohmann::json& request) {
+    ShowInFront(dialog, request);
+    return gtk_dialog_run(dialog);
+}
