@@ -169,8 +169,7 @@ function(plugincore_test name)
 endfunction()
 
 # plugincore_window_test(NAME SOURCES ... LINKS ...)
-# One GoogleTest program whose cases need a screen, run as a whole: by Wine on a screen of its own. Skipped where there
-# is none.
+# One GoogleTest program whose cases need a screen, run as a whole, with a screen of its own. Skipped where there is none.
 function(plugincore_window_test name)
   if(NOT PLUGINCORE_BUILD_TESTS)
     return()
@@ -179,18 +178,25 @@ function(plugincore_window_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE plugincore-build-options ${ARG_LINKS} test-dialogs GTest::gmock)
   plugincore_test_program(${name})
-  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/wine-on-screen")
+  set(on_screen on-screen)
+  if(WIN32)
+    set(on_screen wine-on-screen)
+  endif()
+  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/${on_screen}")
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK screen
-    ENVIRONMENT PLUGINCORE_PORTABLE=1)
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300)
+  if(WIN32)
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen ENVIRONMENT PLUGINCORE_PORTABLE=1)
+  endif()
 endfunction()
 
 # plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V]
-#                    [DESCRIPTION TEXT])
+#                    [DESCRIPTION TEXT] [STRINGS ID.LANGUAGE=TEXT ...])
 # Gives a binary the version pairs that platform/VersionResource.h reads back. Windows shows the description to users,
-# and programs tell it there what they are made for.
+# and programs tell it there what they are made for. Elsewhere STRINGS stand for string resources.
 function(plugincore_version target)
-  cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION;DESCRIPTION" "" ${ARGN})
+  cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION;DESCRIPTION"
+    "STRINGS" ${ARGN})
   if(WIN32)
     set(language RC)
     set(template version-resource.rc.in)
@@ -212,6 +218,11 @@ function(plugincore_version target)
       string(APPEND VERSION_PAIRS "    \"${key}=${ARG_${argument}}\\0\"\n")
     endif()
   endforeach()
+  if(NOT WIN32)
+    foreach(pair IN LISTS ARG_STRINGS)
+      string(APPEND VERSION_PAIRS "    \"String${pair}\\0\"\n")
+    endforeach()
+  endif()
   string(REPLACE "." "," VERSION_NUMBERS "${ARG_FILE_VERSION}")
   string(REPLACE "." "," PRODUCT_NUMBERS "${PROJECT_VERSION}")
   set(VERSION_FLAGS 0)

@@ -8,7 +8,6 @@
 
 #include "Desktop.h"
 #include "WideText.h"
-#include "platform/SystemError.h"
 
 namespace platform {
 namespace {
@@ -62,12 +61,6 @@ std::wstring StringResourceOfFile(const std::wstring& path, unsigned stringID) {
     return module ? StringResource(module.get(), stringID) : std::wstring();
 }
 
-/// What there is to tell without the text: which module cannot be used, in the system's words.
-std::wstring TextOfMissingModule(const std::wstring& path) {
-    const std::wstring reason = ToWide(SystemErrorText({ERROR_MOD_NOT_FOUND}));
-    return path.empty() ? reason : path + L"\n\n" + reason;
-}
-
 class WindowsWindowing : public Windowing {
 public:
     WindowHandle FindTopLevelByClass(const std::string& className) override {
@@ -84,13 +77,13 @@ public:
             EnumChildWindows(static_cast<HWND>(window), AppendWindow, AsArgument(windows));
         return WithTitles(std::move(windows));
     }
-    void ShowStringResourceNotice(const std::string& modulePath, unsigned stringID) override {
+    void ShowStringResourceNotice(const std::string& modulePath, unsigned stringID,
+                                  const std::string& otherwise) override {
         if (!HasVisibleDesktop())
             return;
         const std::wstring path = ToWide(modulePath);
         const std::wstring text = path.empty() ? std::wstring() : StringResourceOfFile(path, stringID);
-        MessageBoxW(nullptr, text.empty() ? TextOfMissingModule(path).c_str() : text.c_str(), nullptr,
-                    kNoticeStyle);
+        MessageBoxW(nullptr, text.empty() ? ToWide(otherwise).c_str() : text.c_str(), nullptr, kNoticeStyle);
     }
 };
 

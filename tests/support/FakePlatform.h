@@ -161,7 +161,7 @@ public:
     std::vector<platform::WindowInfo> Descendants(platform::WindowHandle window) override {
         return below[window];
     }
-    void ShowStringResourceNotice(const std::string&, unsigned stringID) override {
+    void ShowStringResourceNotice(const std::string&, unsigned stringID, const std::string&) override {
         notices.push_back(stringID);
     }
 

@@ -1,5 +1,5 @@
-// The host's windows and the system's own dialogs. A Linux system answers as one without a display: no
-// windows, no dialogs.
+// The host's windows, and a notice of last resort. On Linux no windows are found; NativeDialogs finds the one that it
+// needs.
 #pragma once
 
 #include <optional>
@@ -27,9 +27,11 @@ public:
     virtual std::vector<WindowInfo> TopLevelWindows() = 0;
     /// All windows below one, at any depth.
     virtual std::vector<WindowInfo> Descendants(WindowHandle window) = 0;
-    /// A notice with no owner and no caption, system-modal and in the foreground. Shows string resource
-    /// `stringID` of the module at `modulePath`.
-    virtual void ShowStringResourceNotice(const std::string& modulePath, unsigned stringID) = 0;
+    /// A notice with no owner and no caption, system-modal and in the foreground; without a screen, nothing. Shows
+    /// string resource `stringID` of the module at `modulePath`, and the text `otherwise` where it cannot be had. Linux:
+    /// the resource is the version pair "String" ID "." LANGUAGE, in the user's language or else in "en".
+    virtual void ShowStringResourceNotice(const std::string& modulePath, unsigned stringID,
+                                          const std::string& otherwise) = 0;
 };
 
 template <>

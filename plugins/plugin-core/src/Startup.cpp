@@ -18,6 +18,7 @@
 #include "StringConversion.h"
 #include "TraceLog.h"
 #include "platform/DynamicLibrary.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Windowing.h"
 
@@ -76,16 +77,24 @@ void SetUpFramework(VPFInterface& framework, ChosenMessage message) {
         framework.ShowMessageBox(*message);
 }
 
+/// Where the surroundings say how the framework is to ask, and not by windows, nothing waits behind one of ours.
+bool AreWindowsWelcome() {
+    const std::string presenter = platform::EnvironmentVariable("PLUGINCORE_PRESENTER");
+    return (presenter.empty() || presenter == "native") &&
+           platform::EnvironmentVariable("PLUGINCORE_ANSWERS").empty();
+}
+
 void CheckFrameworkState(const VPFInterface& framework, bool allowDialogs) {
     const VPFInterface::FrameworkState state = framework.GetFrameworkState();
     if (state != VPFInterface::kLibraryNotFound && state != VPFInterface::kFactoryUnusable &&
         state != VPFInterface::kPreferencesUnusable)
         return;
     // Where no notice can be shown, the trace alone has it.
-    LogMessage(0, "ERROR:  %s", localized::EnglishText(localized::kFrameworkFailure).data());
-    if (allowDialogs)
+    const std::string text(localized::EnglishText(localized::kFrameworkFailure));
+    LogMessage(0, "ERROR:  %s", text.c_str());
+    if (allowDialogs && AreWindowsWelcome())
         platform::Current<platform::Windowing>().ShowStringResourceNotice(framework.FrameworkPath(),
-                                                                          localized::kFrameworkFailure);
+                                                                          localized::kFrameworkFailure, text);
     DisableServices();
 }
 

@@ -3,6 +3,7 @@
 #include "CommonFunctionality.h"
 #include "FakeWorld.h"
 #include "GeneralInterface.h"
+#include "platform/Environment.h"
 
 using testing::HasSubstr;
 
@@ -87,6 +88,11 @@ const Branch kBranches[] = {
     {"NoWorkgroupStandalone", [](auto& world) { world.library.workgroups.clear(); }, 0, "CL", {}},
     {"SwitchedOff", [](auto& world) { world.framework.numbers["EnablePlugin"] = 0; }, 0, "SCL", {}},
     {"TheFrameworkIsMissing", [](auto& world) { std::erase(world.libraries.loadable, fake_paths::kFramework); }, 0, "L", {}},
+    {"TheFrameworkIsMissingWhereNothingMayWait",
+     [](auto& world) {
+         std::erase(world.libraries.loadable, fake_paths::kFramework);
+         platform::SetEnvironment("PLUGINCORE_PRESENTER", "silent");
+     }, 0, "L", {}},
     {"ThePreferencesCannotBeUsed", [](auto& world) { world.framework.isStoreUsable = false; }, 0, "L", {}},
     {"NoInterfaceToTheFramework", [](auto& world) { world.libraries.exhausting = fake_paths::kFramework; }, 2, "L", {}},
 };
@@ -94,12 +100,14 @@ const Branch kBranches[] = {
 
 TEST_P(StartupBranch, EndsAsDocumented) {
     const Branch& branch = GetParam();
+    platform::SetEnvironment("PLUGINCORE_PRESENTER", "");
     branch.arrange(*this);
     EXPECT_EQ(Start(), branch.result);
     EXPECT_EQ(Flags(), branch.flags);
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctionalityEnabled()) << "in the end, whatever was found";
     EXPECT_EQ(framework.shownBoxes, branch.boxes);
-    const bool isToldBySystem = branch.result == 0 && branch.flags == std::string("L");
+    const bool isToldBySystem = branch.result == 0 && branch.flags == std::string("L") &&
+                                platform::EnvironmentVariable("PLUGINCORE_PRESENTER").empty();
     EXPECT_EQ(windowing.notices, std::vector<unsigned>(isToldBySystem ? 1 : 0, 105));
 }
 

@@ -81,7 +81,7 @@ const std::pair<const char*, std::function<void(Framework&)>> kDialogs[] = {
     {"choose-folder", ShowChooseFolder},
     {"progress", ShowProgress},
     {"notice", [](Framework&) {
-         platform::SystemDefault<platform::Windowing>().ShowStringResourceNotice(kLibrary, 105);
+         platform::SystemDefault<platform::Windowing>().ShowStringResourceNotice(kLibrary, 105, "");
      }}};
 
 /// The part of the screen, as a BMP file.
