@@ -19,6 +19,11 @@ int ScreenHeight() {
     return area.height > 0 ? area.height : 600;
 }
 
+void PutOnTop(GtkWindow* window) {
+    gtk_window_set_position(window, GTK_WIN_POS_CENTER);
+    gtk_window_set_keep_above(window, TRUE);
+}
+
 }  // namespace
 
 std::string ShownText(const std::string& text) {
@@ -58,7 +63,6 @@ GtkDialog* MakeDialogWindow(const nlohmann::json& request, const std::string& ti
     auto* dialog = GTK_DIALOG(gtk_dialog_new());
     gtk_window_set_title(GTK_WINDOW(dialog), ShownLine(shown).c_str());
     gtk_window_set_icon_name(GTK_WINDOW(dialog), "preferences-desktop-font");
-    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER_ON_PARENT);
     gtk_container_set_border_width(GTK_CONTAINER(dialog), kSpace / 2);
     GtkWidget* content = gtk_dialog_get_content_area(dialog);
     gtk_container_set_border_width(GTK_CONTAINER(content), kSpace / 2);
@@ -107,7 +111,7 @@ void ShowInFront(GtkDialog* dialog, const nlohmann::json& request) {
     if (host_window::PutInFront(gtk_widget_get_window(GTK_WIDGET(dialog)), request.at("process").get<int>()))
         gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
     else
-        gtk_window_set_keep_above(GTK_WINDOW(dialog), TRUE);
+        PutOnTop(GTK_WINDOW(dialog));
     gtk_window_present_with_time(GTK_WINDOW(dialog), GDK_CURRENT_TIME);
 }
 

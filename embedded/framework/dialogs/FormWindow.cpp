@@ -28,6 +28,12 @@ void Respond(GtkWidget* button, gpointer number) {
     gtk_dialog_response(GTK_DIALOG(gtk_widget_get_toplevel(button)), GPOINTER_TO_INT(number));
 }
 
+/// gtk_window_activate_default would open a drop-down list that has the keyboard.
+void PressDefault(GtkWidget* dialog) {
+    if (GtkWidget* button = gtk_window_get_default_widget(GTK_WINDOW(dialog)))
+        gtk_widget_activate(button);
+}
+
 void RespondByDefault(GtkTreeView* list, GtkTreePath*, GtkTreeViewColumn*, gpointer) {
     // The space bar selects.
     GdkEvent* event = gtk_get_current_event();
@@ -35,7 +41,7 @@ void RespondByDefault(GtkTreeView* list, GtkTreePath*, GtkTreeViewColumn*, gpoin
     if (event != nullptr)
         gdk_event_free(event);
     if (isClick)
-        gtk_window_activate_default(GTK_WINDOW(gtk_widget_get_toplevel(GTK_WIDGET(list))));
+        PressDefault(gtk_widget_get_toplevel(GTK_WIDGET(list)));
 }
 
 /// Enter presses the default button, unless the keyboard is on another one.
@@ -45,7 +51,7 @@ gboolean TakeEnter(GtkWidget* dialog, GdkEventKey* event, gpointer) {
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(dialog));
     if (GTK_IS_BUTTON(focus) && !GTK_IS_TOGGLE_BUTTON(focus))
         return GDK_EVENT_PROPAGATE;
-    gtk_window_activate_default(GTK_WINDOW(dialog));
+    PressDefault(dialog);
     return GDK_EVENT_STOP;
 }
 

@@ -142,11 +142,11 @@ bool AskInWindow(const NativeStage& stage, SelectWorkgroupDialog& dialog) {
         return false;
     }
     form.controls.emplace_back(WorkgroupList(dialog));
-    const auto& list = std::get<FormList>(form.controls.front());
-    if (!IsConfirmedIn(stage, form) || !list.selected)
-        return false;
-    dialog.workgroupID = dialog.workgroups[*list.selected].id;
-    return true;
+    const std::optional<size_t> selected =
+        IsConfirmedIn(stage, form) ? SelectedWorkgroup(form) : std::nullopt;
+    if (selected)
+        dialog.workgroupID = dialog.workgroups[*selected].id;
+    return selected.has_value();
 }
 
 // The numbers of commands begin above kConfirmed, which stands for the workgroup selected.
