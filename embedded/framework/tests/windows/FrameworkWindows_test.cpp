@@ -3,86 +3,15 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <functional>
 #include <thread>
 
-#include "TestFiles.h"
-#include "platform/Folders.h"
-#include "platform/Windowing.h"
-#include "tests/DialogTestSupport.h"
 #include "tests/FrameworkTestSupport.h"
-#include "tests/LoadedFramework.h"
+#include "tests/ShownDialogs.h"
 #include "windows/DialogDriver.h"
 
 namespace {
 
-using Framework = VantorixPluginFramework;
-
-const std::string kLibrary = BuiltFile(FRAMEWORK_LIBRARY);
-
-RecordList Workgroups() {
-    return Records({WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(7, "Print"),
-                    WorkgroupRecord(8, "Web & Screen"), WorkgroupRecord(9, "Corporate Design, Europe")});
-}
-
-/// Enough of them to scroll.
-RecordList FontsToResolve() {
-    return Records({FontRecord("AGaramondPro-Regular", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
-                    FontRecord("Helvetica", {"LiberationSans"}), FontRecord("Zapfino"),
-                    FontRecord("Helvetica-Bold", {"LiberationSans"}),
-                    FontRecord("Garamond", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
-                    FontRecord("Arial", {"LiberationSans"})});
-}
-
-void ShowSelectWorkgroup(Framework& framework) {
-    int32_t workgroup = 7;
-    framework.ShowSelectWorkgroup(Workgroups().get(), &workgroup);
-}
-
-void ShowCommandBox(Framework& framework) {
-    const auto state = cf::MutableDictionary();
-    cf::Set(state, "Workgroups", Workgroups());
-    cf::Set(state, "CurrentWorkgroupID", 7);
-    cf::Set(state, "ButtonsEnabled", true);
-    cf::Set(state, "IsOnline", true);
-    int32_t command = 0;
-    framework.ShowCommandBox(state.get(), &command);
-}
-
-void ShowResolveFonts(Framework& framework) {
-    framework.ShowResolveFonts(FontsToResolve().get(), cf::MutableArray().get(), cf::MutableArray().get());
-}
-
-void ShowChooseFolder(Framework& framework) {
-    const auto initial = cf::String(
-        platform::SystemDefault<platform::Folders>().PathOf(platform::KnownFolder::kAllUsersApplicationData));
-    CFStringRef folder = nullptr;
-    framework.ShowChooseFolder(CFSTR("Choose the destination for collecting fonts.  Collected fonts will be "
-                                     "placed in a sub-folder there."),
-                               initial.get(), &folder);
-    const auto owned = AdoptCF(folder);
-}
-
-void ShowProgress(Framework& framework) {
-    for (int32_t done = 0; framework.ShowProgress(204, done, 12); done = 5)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-}
-
-/// Everything that the library can show, by its name as part of a file's name, each with something in it.
-const std::pair<const char*, std::function<void(Framework&)>> kDialogs[] = {
-    {"message", [](Framework& it) { it.ShowMessageBox(600, 601, MessageBoxButtons::kOk); }},
-    {"question", [](Framework& it) { it.ShowMessageBox(604, 605, MessageBoxButtons::kYesNo); }},
-    {"about", [](Framework& it) { it.ShowAbout(); }},
-    {"preferences", [](Framework& it) { it.ShowPreferences(); }},
-    {"select-workgroup", ShowSelectWorkgroup},
-    {"command-box", ShowCommandBox},
-    {"resolve-fonts", ShowResolveFonts},
-    {"restricted-fonts", [](Framework& it) { it.ShowRestrictedFonts(FontsToResolve().get(), true); }},
-    {"choose-folder", ShowChooseFolder},
-    {"progress", ShowProgress},
-    {"notice", [](Framework&) {
-         platform::SystemDefault<platform::Windowing>().ShowStringResourceNotice(kLibrary, 105, "");
-     }}};
+using shown_dialogs::kLibrary;
 
 /// The part of the screen, as a BMP file.
 std::string PictureOf(const RECT& part) {
@@ -137,7 +66,7 @@ TEST_P(FrameworkWindows, NoDialogCutsItsTextsOff) {
     for (const char* preference : {"EnablePlugin", "PickBestMatch", "CloseFontsOnDocClose"})
         framework->SetBoolPreference(preference, true);
     SetCursorPos(0, 0);  // what the mouse points at looks different
-    for (const auto& [name, open] : kDialogs) {
+    for (const auto& [name, open] : shown_dialogs::kAll) {
         bool wasShown = false;
         {
             const DialogDriver user([&, name = std::string(name)](HWND window) {
