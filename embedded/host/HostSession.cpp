@@ -5,6 +5,7 @@
 #include "ForeignHome.h"
 #include "HostApplications.h"
 #include "Output.h"
+#include "ScopedPresenter.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
@@ -43,6 +44,7 @@ int HostSession::Start(const HostOptions& options, Needs needs) {
         return exit_status::kFailed;
     }
     mIsStarted = true;
+    const ScopedPresenter presenter;
     const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
     if (code == PLUGINCORE_INVALID_PARAM || code == PLUGINCORE_NO_PREFERENCES) {
         PrintError("the core cannot start: " + ResultName(code));

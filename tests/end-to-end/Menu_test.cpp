@@ -33,6 +33,18 @@ TEST_F(MenuTest, TheMenuIsInTheUsersLanguageAndItsChoicesLast) {
     EXPECT_EQ(world.RunHost({"menu", "no such item"}).status, 1);
 }
 
+TEST_F(MenuTest, NothingWaitsBehindAWindowWhereThereIsNoTerminal) {
+    platform::SetEnvironment("PLUGINCORE_PRESENTER", "");
+    platform::SetEnvironment("DISPLAY", ":nowhere");
+    EXPECT_EQ(world.RunHost({"menu", "About..."}).status, 0);
+    const std::string trace = ContentOf(world.Path("trace"));
+    EXPECT_THAT(trace, HasSubstr("Nobody to show the dialog About to"));
+    EXPECT_THAT(trace, testing::Not(HasSubstr("A dialog was not answered")));
+    platform::SetEnvironment("PLUGINCORE_PRESENTER", "native");
+    EXPECT_EQ(world.RunHost({"menu", "About..."}).status, 0);
+    EXPECT_THAT(ContentOf(world.Path("trace")), HasSubstr("cannot be opened"));
+}
+
 TEST_F(MenuTest, PreferencesLastAndAreSharedByHostsThatRunAtOnce) {
     EXPECT_EQ(Set("CloseFontsOnDocClose", "1"), 0);
     ScriptedHost one, other;
