@@ -5,5 +5,7 @@ set -euo pipefail
 scripts=$(dirname -- "$(readlink -f -- "$0")")
 target=${1:-$scripts/../docs/images/linux}
 mkdir -p "$target"
+target=$(cd "$target" && pwd)
+cd /  # a folder chooser shows where it was started
 DIALOG_PICTURES=$target DIALOG_LANGUAGE=${2:-en} \
   "$scripts/on-screen" "$scripts/../build/dev/tests/framework-window-tests" --gtest_filter='*AreTaken*'

@@ -9,7 +9,17 @@ namespace {
 
 constexpr int kSpace = 12;
 constexpr int kParagraphWidth = 60;  // characters
-constexpr size_t kLineLength = 300;  // characters
+// Characters. Wrapping takes time by the square of a line without blanks.
+constexpr size_t kLongestEntry = 300;
+constexpr size_t kLongestLine = 600;
+
+/// Without its middle where it is longer than so many characters; what was put around a long name stays.
+std::string Shortened(const std::string& text, size_t length) {
+    const size_t count = CountCodePoints(text);
+    return count <= length ? text
+                           : FirstCodePoints(text, length / 2) + "…" +
+                                 text.substr(FirstCodePoints(text, count - length / 2).size());
+}
 
 int ScreenHeight() {
     GdkRectangle area{};
@@ -31,7 +41,8 @@ std::string ShownText(const std::string& text) {
     size_t begin = 0;
     for (size_t end = 0; end != std::string::npos; begin = end + 1) {
         end = text.find('\n', begin);
-        shown += WithoutUnprintables(std::string_view(text).substr(begin, end - begin));
+        shown +=
+            Shortened(WithoutUnprintables(std::string_view(text).substr(begin, end - begin)), kLongestLine);
         if (end != std::string::npos)
             shown += '\n';
     }
@@ -39,8 +50,7 @@ std::string ShownText(const std::string& text) {
 }
 
 std::string ShownLine(const std::string& text) {
-    std::string line = WithoutUnprintables(text);
-    return CountCodePoints(line) > kLineLength ? FirstCodePoints(line, kLineLength) + "…" : line;
+    return Shortened(WithoutUnprintables(text), kLongestEntry);
 }
 
 std::string Mnemonics::Add(const std::string& label) {
@@ -70,19 +80,27 @@ GtkDialog* MakeDialogWindow(const nlohmann::json& request, const std::string& ti
     return dialog;
 }
 
-GtkWidget* MakeParagraph(const std::string& text, bool isHeading) {
-    GtkWidget* label = gtk_label_new(ShownText(text).c_str());
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), kParagraphWidth);
-    gtk_label_set_xalign(GTK_LABEL(label), 0);
+void WrapLabel(GtkLabel* label, bool isHeading) {
+    gtk_label_set_line_wrap(label, TRUE);
+    gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_max_width_chars(label, kParagraphWidth);
+    gtk_label_set_xalign(label, 0);
+    PangoAttrList* attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes,
+                           pango_attr_insert_hyphens_new(FALSE));  // they would look like the name's own
     if (isHeading) {
-        PangoAttrList* attributes = pango_attr_list_new();
         pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
         pango_attr_list_insert(attributes, pango_attr_scale_new(PANGO_SCALE_LARGE));
-        gtk_label_set_attributes(GTK_LABEL(label), attributes);
-        pango_attr_list_unref(attributes);
     }
+    gtk_label_set_attributes(label, attributes);
+    pango_attr_list_unref(attributes);
+}
+
+GtkWidget* MakeParagraph(const std::string& text, bool isHeading) {
+    // A sentence is read from the left, also where it begins with a name in Hebrew.
+    constexpr char kLeftToRightMark[] = "\u200E";
+    GtkWidget* label = gtk_label_new((kLeftToRightMark + ShownText(text)).c_str());
+    WrapLabel(GTK_LABEL(label), isHeading);
     return label;
 }
 

@@ -8,9 +8,9 @@
 #include <string>
 
 /// Texts as they may be shown: one that others wrote changes neither the direction of the text around it nor the look
-/// of anything. Line ends stay.
+/// of anything. Line ends stay; what nobody reads of a long line is left out.
 std::string ShownText(const std::string& text);
-/// One line of it, cut where nobody reads on.
+/// The same in one line.
 std::string ShownLine(const std::string& text);
 
 /// Gives labels their keys, each once in a dialog.
@@ -26,6 +26,7 @@ private:
 /// A dialog's window without content. `request` names the host that it belongs to.
 GtkDialog* MakeDialogWindow(const nlohmann::json& request, const std::string& title);
 
+void WrapLabel(GtkLabel* label, bool isHeading = false);
 /// A paragraph, wrapped as needed.
 GtkWidget* MakeParagraph(const std::string& text, bool isHeading = false);
 

@@ -145,8 +145,7 @@ private:
     }
     Widgets Add(const FormCheckBox& box) {
         GtkWidget* check = gtk_check_button_new_with_mnemonic(mMnemonics.Add(box.label).c_str());
-        gtk_label_set_line_wrap(GTK_LABEL(gtk_bin_get_child(GTK_BIN(check))), TRUE);
-        gtk_label_set_max_width_chars(GTK_LABEL(gtk_bin_get_child(GTK_BIN(check))), 60);
+        WrapLabel(GTK_LABEL(gtk_bin_get_child(GTK_BIN(check))));
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(check), box.isChecked);
         Append(check);
         NoteFirst(check);

@@ -84,6 +84,8 @@ std::unique_ptr<DialogOnScreen> DialogOnScreen::Find() {
     std::optional<Window> window;
     if (!display || !Eventually([&] { return (window = FindDialog(display.get())).has_value(); }))
         return nullptr;
+    XWarpPointer(display.get(), None, DefaultRootWindow(display.get()), 0, 0, 0, 0, 0,
+                 0);  // points at nothing
     XSetInputFocus(display.get(), *window, RevertToParent, CurrentTime);
     XSync(display.get(), False);
     std::unique_ptr<DialogOnScreen> dialog(

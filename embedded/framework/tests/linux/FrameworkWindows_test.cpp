@@ -20,7 +20,10 @@ constexpr int kSkipped = 77;
 /// A framework that asks in windows, and what became of its questions.
 class FrameworkWindows : public testing::TestWithParam<const char*> {
 protected:
-    explicit FrameworkWindows(const std::string& language = "en") : mLocale("LC_ALL", language) {}
+    explicit FrameworkWindows(const std::string& language = "en") : mLocale("LC_ALL", language) {
+        for (const char* folder : {"Jobs/Annual report", "Jobs/Poster", "Jobs/Web site"})
+            std::filesystem::create_directories(platform::Utf8Path(mFolder / folder));
+    }
 
     /// The framework's record of its questions, the answers alone.
     std::string TakeAnswers() {
@@ -34,11 +37,12 @@ protected:
 
     const TemporaryFolder mFolder;
     const ScopedVariable mConfiguration{"XDG_CONFIG_HOME", mFolder / "configuration"};
+    const ScopedVariable mProposed{"XDG_DATA_DIRS", (mFolder / "Jobs/Poster") + ":/usr/share"};
     const ScopedVariable mLog{"PLUGINCORE_ANSWERS_LOG", mFolder / "log"};
     const ScopedVariable mAnswers{"PLUGINCORE_ANSWERS", ""}, mPresenter{"PLUGINCORE_PRESENTER", ""};
     const ScopedVariable mLocale;
-    platform::HelperDialogs mNoticeDialogs{kProgram, {}};
-    const platform::ScopedOverride<platform::NativeDialogs> mOverride{mNoticeDialogs};
+    platform::HelperDialogs mDialogs{kProgram, {}};
+    const platform::ScopedOverride<platform::NativeDialogs> mOverride{mDialogs};
 };
 
 void Show(const std::string& name, VantorixPluginFramework& framework) {
@@ -69,7 +73,7 @@ TEST_F(FrameworkWindows, AreUsedWithTheKeyboard) {
         {"resolve-fonts", "Escape", "false}"},
         {"restricted-fonts", "Down Return", "true}"},
         {"restricted-fonts", "Escape", "false}"},
-        {"choose-folder", "alt+s", R"({"folder":"/usr/local/share"}})"},
+        {"choose-folder", "alt+s", R"(/Jobs/Poster"}})"},
         {"choose-folder", "Escape", "false}"},
         {"progress", "Escape", "false}"},
         {"notice", "Return", ""}};
@@ -87,6 +91,29 @@ TEST_F(FrameworkWindows, AreUsedWithTheKeyboard) {
         EXPECT_THAT(TakeAnswers(), testing::EndsWith(answer)) << name << ": " << keys;
         EXPECT_THAT(title, testing::EndsWith(platform::Current<platform::Processes>().CurrentName())) << name;
     }
+}
+
+TEST_F(FrameworkWindows, WhateverNamesHoldTheWindowFitsTheScreenAndAnswers) {
+    const std::vector<std::string> names = {"<b>bold</b> &amp; _under_score", "a\x1B[31mred\a\tb\nc",
+                                            "\u202E\u05E9\u05DC\u05D5\u05DD", "ill-formed \xFF\xC3",
+                                            std::string(10'000, 'N'),         "%s%n \u5B57"};
+    platform::Form form{names[4], {platform::FormList{names, 4}}, {{1, names[0]}, {0, "Cancel"}}, 1};
+    platform::FormChoices choices;
+    for (const std::string& name : names) {
+        form.controls.emplace_back(platform::FormText{name});
+        form.controls.emplace_back(platform::FormCheckBox{name, true});
+        choices.rows.push_back({name, names, 5});
+    }
+    form.controls.emplace_back(std::move(choices));
+    const DialogUser user([](const DialogOnScreen& dialog) {
+        EXPECT_LT(dialog.Width(), 900);
+        EXPECT_LT(dialog.Height(), 900);
+        dialog.Press("Down Return");
+    });
+    EXPECT_EQ(mDialogs.ShowForm(nullptr, form), 1);
+    EXPECT_EQ(mDialogs.TakeFailure(), "");
+    EXPECT_EQ(std::get<platform::FormList>(form.controls.front()).selected, 5u);
+    EXPECT_EQ(std::get<platform::FormChoices>(form.controls.back()).rows[5].selected, 5u);
 }
 
 class FrameworkWindowPictures : public FrameworkWindows {
@@ -116,7 +143,7 @@ TEST_P(FrameworkWindowPictures, AreTaken) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    platform::SetEnvironment("PLUGINCORE_DIALOG_TIMEOUT", "30");
+    platform::SetEnvironment("PLUGINCORE_DIALOG_TIMEOUT", "10");
     testing::InitGoogleTest(&argc, argv);
     if (!platform::HelperDialogs(kProgram, {}).IsAvailable()) {
         std::puts("SKIPPED: there is no screen for windows; Xvfb provides one");
