@@ -28,7 +28,8 @@
  * - [in turn, dialogs]: the same, and the call may show a modal dialog and lasts until that ends: what needs the
  *   font manager does, where its agent has to be started anew and does not come. On Windows a dialog takes the
  *   thread's messages from its queue and hands them on to the host's windows: call on the thread of those
- *   windows there. When the host calls back into the library from behind a dialog of a call that activates or
+ *   windows there. On Linux it is a window of another process, and the thread waits for it: the host draws
+ *   nothing meanwhile and gets no events. When the host calls back into the library from behind a dialog of a call that activates or
  *   closes fonts, HandleOpenExistingDocument, HandleCloseDocument and ActivateChosenFonts answer
  *   PLUGINCORE_UNKNOWN_ERROR.
  * - Callbacks (SetRebuildWorkgroupsMenuCallback, CreateMenusFromJSONBuffer, the functions of a panel event
