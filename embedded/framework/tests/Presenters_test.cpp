@@ -137,6 +137,24 @@ TEST(NativePresenter, AWorkHasAWindowUntilItEndsOrIsStoppedOrSomethingElseIsShow
               "open Collect <Cancel>\n0/2\nclose\nTitle\nText\n<OK>\n");
 }
 
+TEST(NativePresenter, WhatNobodyAnswersGetsTheDefaultAnswerAndIsLoggedWithItsReason) {
+    FakeNativeDialogs dialogs;
+    NativePresenter presenter(dialogs, "en");
+    dialogs.clicks = "Yes";
+    for (const bool isAvailable : {true, false}) {
+        CapturedTrace log;
+        dialogs.isAvailable = isAvailable;
+        dialogs.failure = isAvailable ? "no sign of life" : "";
+        EXPECT_EQ(presenter.AskMessageBox(Question(609, 610)), 2);
+        EXPECT_THAT(log.Text(), HasSubstr("answered with button 2"));
+        EXPECT_EQ(log.Text().find("no sign of life") != std::string::npos, isAvailable);
+        dialogs.failure = isAvailable ? "no sign of life" : "";
+        EXPECT_FALSE(Confirms(presenter, AboutDialog())) << "however it is closed, nobody did";
+        EXPECT_THAT(log.Text(), HasSubstr("About"));
+    }
+    EXPECT_EQ(dialogs.owners.size(), 2u) << "where nothing can be shown, nothing is tried";
+}
+
 /// Whom the environment chooses where the system can show dialogs, told by who answers.
 TEST(ChoosePresenter, AnswersComeBeforeTheOneThatIsNamedAndWindowsBeforeAllElse) {
     TemporaryFolder folder;
