@@ -62,6 +62,12 @@ ImageOwner ImageOf(Display* display, Window window) {
             [](XImage* image) { return XDestroyImage(image); }};
 }
 
+/// The screen takes a moment to forget the windows of a process that was ended.
+void WaitUntilNoDialogIsLeft() {
+    const DisplayOwner display(XOpenDisplay(nullptr), XCloseDisplay);
+    Eventually([&] { return !display || !FindDialog(display.get()); });
+}
+
 void PressKey(Display* display, const std::string& name, bool isDown) {
     const KeySym symbol = XStringToKeysym(name == "alt" ? "Alt_L" : name.c_str());
     XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), isDown ? True : False, CurrentTime);
@@ -79,7 +85,6 @@ DialogOnScreen::DialogOnScreen(std::unique_ptr<State> state) : mState(std::move(
 DialogOnScreen::~DialogOnScreen() = default;
 
 std::unique_ptr<DialogOnScreen> DialogOnScreen::Find() {
-    XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // windows come and go
     DisplayOwner display(XOpenDisplay(nullptr), XCloseDisplay);
     std::optional<Window> window;
     if (!display || !Eventually([&] { return (window = FindDialog(display.get())).has_value(); }))
@@ -146,8 +151,11 @@ void DialogOnScreen::SavePicture(const std::string& path) const {
     cairo_surface_destroy(surface);
 }
 
-DialogUser::DialogUser(std::function<void(const DialogOnScreen&)> actions)
-    : mThread([actions = std::move(actions)] {
-          if (const auto dialog = DialogOnScreen::Find())
-              actions(*dialog);
-      }) {}
+DialogUser::DialogUser(std::function<void(const DialogOnScreen&)> actions) {
+    XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // windows come and go
+    WaitUntilNoDialogIsLeft();
+    mThread = std::jthread([actions = std::move(actions)] {
+        if (const auto dialog = DialogOnScreen::Find())
+            actions(*dialog);
+    });
+}

@@ -32,8 +32,8 @@ private:
     const std::unique_ptr<State> mState;
 };
 
-/// While it lives, its thread waits for a dialog and does with it what it was told, once. Where none comes, `actions` is
-/// not called.
+/// While it lives, its thread waits for a dialog that is opened from now on and does with it what it was told, once. Where
+/// none comes, `actions` is not called. To be made before that dialog, when those before it are done.
 class DialogUser {
 public:
     explicit DialogUser(std::function<void(const DialogOnScreen&)> actions);
