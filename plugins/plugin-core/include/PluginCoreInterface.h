@@ -29,9 +29,9 @@
  *   font manager does, where its agent has to be started anew and does not come. On Windows a dialog takes the
  *   thread's messages from its queue and hands them on to the host's windows: call on the thread of those
  *   windows there. On Linux it is a window of another process, and the thread waits for it: the host draws
- *   nothing meanwhile and gets no events. When the host calls back into the library from behind a dialog of a call that activates or
- *   closes fonts, HandleOpenExistingDocument, HandleCloseDocument and ActivateChosenFonts answer
- *   PLUGINCORE_UNKNOWN_ERROR.
+ *   nothing meanwhile and gets no events. When the host calls back into the library from behind a dialog of a
+ *   call that activates or closes fonts, HandleOpenExistingDocument, HandleCloseDocument and ActivateChosenFonts
+ *   answer PLUGINCORE_UNKNOWN_ERROR.
  * - Callbacks (SetRebuildWorkgroupsMenuCallback, CreateMenusFromJSONBuffer, the functions of a panel event
  *   service) return. No exception and no longjmp may leave them: the library is built with another compiler
  *   than most hosts, whose exceptions pass its frames without clean-up. One in C++ catches all:
