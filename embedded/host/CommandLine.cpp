@@ -2,6 +2,7 @@
 
 #include "HostApplications.h"
 #include "PrintableText.h"
+#include "platform/Files.h"
 #include "platform/System.h"
 
 namespace {
@@ -174,4 +175,16 @@ void TakeProgram(OpenOptions& open, size_t wordsBehindDashes) {
     }
     if (open.files.empty() && open.fontNames.empty())
         throw CLI::RequiredError("FILE");
+    for (const std::string& name : open.fontNames) {
+        if (platform::IsExistingFile(name))
+            throw CLI::ValidationError("--fonts", name + " is a file; name documents before --fonts");
+    }
+    if (open.program.empty())
+        return;
+    if (open.program.front().empty() || open.program.front() == "{}")
+        throw CLI::ValidationError("--", "name a program behind it");
+    if (open.json || open.showsPaths || open.closeAtOnce || open.time.seconds || open.time.isUntilSignal)
+        throw CLI::ValidationError("--",
+                                   "with a program, nothing is shown and the program's end counts: leave out "
+                                   "--json, --paths, --close, --for and --until-signal");
 }

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <string_view>
 
+#include "HostApplications.h"
 #include "Output.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
+#include "platform/System.h"
 
 namespace {
 
@@ -50,7 +52,11 @@ bool IsRunning(std::string_view process) {
 
 std::string HostOfProgram(const std::vector<std::string>& program, const std::string& otherwise) {
     const KnownProgram* known = Find(program);
-    return known != nullptr ? std::string(known->host) : otherwise;
+    const auto served = ServedHostApplications(platform::kIsLinux);
+    const bool isServed =
+        known != nullptr &&
+        std::any_of(served.begin(), served.end(), [&](const auto& each) { return each.name == known->host; });
+    return isServed ? std::string(known->host) : otherwise;
 }
 
 void KeepFromHandingOver(std::vector<std::string>& program) {

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-/// The host application to pass for when going on as the program; `otherwise` for one that is none, and for none at all.
+/// The host application to pass for when going on as the program; `otherwise` for one that is none on this system, and for
+/// none at all.
 std::string HostOfProgram(const std::vector<std::string>& program, const std::string& otherwise);
 
 /// Some programs hand their documents over to a process of theirs that runs already, and end, and the fonts would go with

@@ -59,6 +59,8 @@ public:
 
     PanelEventService& Panels() { return mPanels; }
     bool HasFontManager() const { return mHasFontManager; }
+    /// Whether it ever had one.
+    bool HadFontManager() const { return mHadFontManager; }
 
     void Deliver(const PanelPost& post) {
         mRecorder.Note(PanelRecorder::To::kCore, post.text);
@@ -84,6 +86,7 @@ private:
         else if (const json code = message.is_object() ? message.value("returnCode", json()) : json();
                  !code.is_null())
             mHasFontManager = code != GIPCClient::kServiceUnavailable && code != GAgentIF::kShutdown;
+        mHadFontManager = mHadFontManager || (id == kEnabled && mHasFontManager);
         mRecorder.Note(PanelRecorder::To::kPanel, text);
         if (id == kFontList)
             mRecorder.NoteFile(TextAt(message, "filename"), PathOfURL(TextAt(message, "filename")));
@@ -104,7 +107,8 @@ private:
     PanelRecorder& mRecorder;
     PanelEventService mPanels{[this](const PlugPlugEvent& event) { Receive(event); }};
     std::string mSender;
-    bool mHasFontManager = true;
+    bool mHasFontManager = false;  ///< as far as is known
+    bool mHadFontManager = false;
 };
 
 void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, PanelDocuments& documents,
@@ -114,7 +118,11 @@ void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, PanelD
         BeIdle(core, host.Panels());
         if (!host.HasFontManager() && Clock::now() - lastAsked > kAskInterval) {
             bool ignored = false;
-            core.ShouldShowLogin(&ignored);
+            // The first finds one that was not there from the start, the second has one that was lost started again.
+            if (!host.HadFontManager())
+                core.PluginIsEnabled(false, &ignored);
+            else
+                core.ShouldShowLogin(&ignored);
             lastAsked = Clock::now();
         }
         const Clock::time_point nextIdle = Clock::now() + kIdleInterval;

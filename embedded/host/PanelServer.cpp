@@ -32,7 +32,7 @@ constexpr uint64_t kLargestFile = uint64_t{256} << 20;
 /// How soon a connection that a page left is noticed.
 constexpr std::chrono::seconds kHeartbeat{5};
 constexpr size_t kLongestPanelName = 64;
-/// The page goes without the answer after that; what it chose is carried out later.
+/// The page gets the documents as they are after that; what it chose is carried out later.
 constexpr std::chrono::seconds kReplacementLimit{30};
 /// On standard error: who asks without end fills no disk.
 constexpr uint64_t kMostRefusalsTold = 100;
@@ -178,9 +178,10 @@ bool PanelServer::State::TakePost(const httplib::Request& request, httplib::Resp
 void PanelServer::State::TakeReplacement(const httplib::Request& request, httplib::Response& response) {
     auto done = std::make_shared<std::promise<void>>();
     std::future<void> wait = done->get_future();
-    if (!TakePost(request, response, std::move(done)) ||
-        wait.wait_for(kReplacementLimit) != std::future_status::ready)
+    if (!TakePost(request, response, std::move(done)))
         return;
+    // In time or not: it is how things are now.
+    wait.wait_for(kReplacementLimit);
     response.status = 200;
     GiveDocuments(response);
 }
@@ -298,6 +299,10 @@ PanelServer::PanelServer(const std::string& appFolder) : mState(std::make_unique
 }
 
 PanelServer::~PanelServer() {
+    {
+        const std::lock_guard lock(mState->postMutex);
+        mState->posts.clear();  // whoever waits for one goes without
+    }
     mState->streams.EndAll();
     mState->server.stop();
     if (mState->thread.joinable())

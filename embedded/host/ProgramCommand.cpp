@@ -31,14 +31,15 @@ std::vector<std::string> WordsOf(const OpenOptions& options) {
     return words;
 }
 
-void SayWhatIsMissing(const OpenedDocument& document) {
+/// `what`: the document, for people.
+void SayWhatIsMissing(const OpenedDocument& document, const std::string& what) {
     std::string names;
     for (const nlohmann::json& font : document.unmatched)
         names += (names.empty() ? "" : ", ") + font.value(kGS_PostScriptNameKey, "?");
     if (!names.empty())
-        PrintError(document.path + " goes without " + names);
+        PrintError(what + " without " + names);
     else if (const std::string problem = WhyNoFontsAreKnown(document); !problem.empty())
-        PrintError(document.path + " was opened, but " + problem);
+        PrintError(what + ", but " + problem);
 }
 
 }  // namespace
@@ -54,10 +55,10 @@ int RunProgram(const HostOptions& host, const OpenOptions& options) {
             const nlohmann::json fonts = options.searchesBytes ? nlohmann::json() : finder.FindForCore(path);
             OpenedDocument document = OpenDocument(session.Core(), path, fonts);
             OfferReplacements(session.Core(), document);
-            SayWhatIsMissing(document);
+            SayWhatIsMissing(document, path + " is opened");
         }
         if (!options.fontNames.empty())
-            SayWhatIsMissing(OpenFonts(session.Core(), options.fontNames));
+            SayWhatIsMissing(OpenFonts(session.Core(), options.fontNames), words.front() + " is started");
     }
     FlushOutput();
     OwnEnvironment::Restore();

@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
     const auto program = DescribeCommandLine(line);
     try {
         const size_t wordsBehindDashes = exact_words::Parse(*program, arguments.Count(), arguments.Words());
+        line.open.json = line.json;
         if (program->got_subcommand("open"))
             TakeProgram(line.open, wordsBehindDashes);
         if (program->count("--app") == 0)
@@ -45,7 +46,7 @@ int main(int argc, char** argv) {
     }
     if (!line.answers.empty())
         OwnEnvironment::Set("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
-    line.open.json = line.fonts.json = line.collect.json = line.settings.json = line.menu.json = line.json;
+    line.fonts.json = line.collect.json = line.settings.json = line.menu.json = line.json;
     try {
         const int status = line.run();
         if (!FlushOutput())

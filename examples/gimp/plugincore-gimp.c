@@ -33,8 +33,9 @@ static void add_fonts_of(gint count, const gint* items, GHashTable* names) {
             gimp_item_is_group(items[i]) ? gimp_item_get_children(items[i], &num_children) : NULL;
         add_fonts_of(num_children, children, names);
         g_free(children);
-        if (gimp_item_is_text_layer(items[i]))
-            g_hash_table_add(names, gimp_text_layer_get_font(items[i]));
+        char* name = gimp_item_is_text_layer(items[i]) ? gimp_text_layer_get_font(items[i]) : NULL;
+        if (name != NULL)
+            g_hash_table_add(names, name);
     }
 }
 
@@ -48,23 +49,22 @@ static GHashTable* fonts_of(gint32 image) {
     return names;
 }
 
-/* The image's fonts as the core takes them. */
+/* The image's fonts as the core takes them; the same fonts make the same text. */
 static char* font_list_of(gint32 image) {
     GHashTable* names = fonts_of(image);
-    GHashTableIter each;
-    gpointer name = NULL;
+    GList* sorted = g_list_sort(g_hash_table_get_keys(names), (GCompareFunc)strcmp);
     JsonBuilder* builder = json_builder_begin_array(json_builder_new());
-    g_hash_table_iter_init(&each, names);
-    while (g_hash_table_iter_next(&each, &name, NULL)) {
+    for (const GList* each = sorted; each != NULL; each = each->next) {
         json_builder_begin_object(builder);
         json_builder_set_member_name(builder, "PostScriptName");
-        json_builder_add_string_value(builder, name);
+        json_builder_add_string_value(builder, each->data);
         json_builder_end_object(builder);
     }
     JsonNode* root = json_builder_get_root(json_builder_end_array(builder));
     char* text = json_to_string(root, FALSE);
     json_node_unref(root);
     g_object_unref(builder);
+    g_list_free(sorted);
     g_hash_table_unref(names);
     return text;
 }
@@ -99,8 +99,21 @@ static void open_image(Image* image) {
     g_free(missing);
 }
 
+/* A file that is open as two images is one document of the core's, until the last one goes. */
+static gboolean is_open_elsewhere(const Image* image) {
+    GHashTableIter each;
+    gpointer other = NULL;
+    g_hash_table_iter_init(&each, images);
+    while (g_hash_table_iter_next(&each, NULL, &other)) {
+        if (other != image && strcmp(((const Image*)other)->identifier, image->identifier) == 0)
+            return TRUE;
+    }
+    return FALSE;
+}
+
 static void close_image(const Image* image) {
-    HandleCloseDocument(image->path != NULL ? image->path : image->identifier, "");
+    if (!is_open_elsewhere(image))
+        HandleCloseDocument(image->path != NULL ? image->path : image->identifier, "");
 }
 
 /* ---- What changed since the last look */
@@ -116,6 +129,9 @@ static void free_image(gpointer data) {
 static Image* meet_image(gint32 number) {
     Image* image = g_new0(Image, 1);
     size_t identifier_size = sizeof image->identifier;
+    bool is_enabled = false;
+    PluginIsEnabled(false,
+                    &is_enabled); /* has a font manager that was ended come back; without one all goes on */
     image->path = path_of(number);
     image->fonts = font_list_of(number);
     image->is_dirty = gimp_image_is_dirty(number);
@@ -136,11 +152,12 @@ static void follow_image(gint32 number, Image* image) {
     g_free(image->fonts);
     image->fonts = fonts;
     if (has_moved) {
-        SetPathForDocument(path, image->identifier);
+        if (!is_open_elsewhere(image))
+            SetPathForDocument(path, image->identifier);
         g_free(image->path);
         image->path = g_strdup(path);
     }
-    if (image->path != NULL && has_other_fonts)
+    if (image->path != NULL && (has_moved || has_other_fonts))
         open_image(image);
     if (has_moved || (image->path != NULL && image->is_dirty && !is_dirty))
         HandleSaveDocument(image->path, image->fonts);
@@ -189,7 +206,6 @@ static void query(void) {
 static void run(const gchar* name, gint num_parameters, const GimpParam* parameters, gint* num_results,
                 GimpParam** results) {
     static GimpParam status = {GIMP_PDB_STATUS, {.d_status = GIMP_PDB_SUCCESS}};
-    bool is_enabled = false;
     (void)name;
     (void)num_parameters;
     (void)parameters;
@@ -198,12 +214,11 @@ static void run(const gchar* name, gint num_parameters, const GimpParam* paramet
     gimp_extension_ack();
     if (InitializePluginCoreInterface(kPluginIdentifier, "") != PLUGINCORE_SUCCESS) {
         g_printerr(
-            "plugincore-gimp: the font manager's library cannot be found; PLUGINCORE_DEBUG_OUTPUT=- says "
-            "more\n");
+            "plugincore-gimp: the font manager's library is missing or of another version, or the process "
+            "bears no "
+            "name that is served; PLUGINCORE_DEBUG_OUTPUT=- says more\n");
         return;
     }
-    PluginIsEnabled(false,
-                    &is_enabled); /* where it is not, the documents are told all the same: it may be later */
     images = g_hash_table_new_full(NULL, NULL, NULL, free_image);
     for (;;) {
         look_at_images();

@@ -198,10 +198,10 @@ export class Library extends EventTarget {
       this.change({ isStandalone });
       this.documents = await this.connection.documents?.() ?? [];
     } catch {
-      this.change({ state: 'lost' });
-      return;
+      // Where it was told meanwhile that there is no font manager, there is a host.
+      if (this.state === 'connecting') this.change({ state: 'lost' });
     }
-    await this.look();
+    if (this.state !== 'lost') await this.look();
   }
 
   /** Looks whether the font manager is there. */

@@ -42,7 +42,7 @@ export type DocumentFont =
   /** `where`: pages or layers that use it, where the document's reader knows. */
   | { isMissing: true; name: string; where: string; replacements: Candidate[] };
 
-/** The path in a file URL: with three slashes, with two before a drive, encoded or as the path stands. */
+/** The path in a file URL: with three slashes, with two before a drive; the path as it stands. */
 export function pathOfFileURL(url: string): string {
   const path = url.replace(/^file:\/\//, '');
   return /^\/[A-Za-z]:/.test(path) ? path.slice(1) : path;

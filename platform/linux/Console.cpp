@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 
@@ -14,6 +15,13 @@ volatile std::sig_atomic_t interrupted = 0;
 
 extern "C" void NoteInterrupt(int signal) {
     interrupted = signal;
+}
+
+/// What was typed for us is not the shell's to read afterwards.
+void TakeLine() {
+    std::array<char, 4096> line{};  // more a terminal does not hold of one
+    if (isatty(STDIN_FILENO) != 0)
+        (void)!read(STDIN_FILENO, line.data(), line.size());
 }
 
 }  // namespace
@@ -47,6 +55,8 @@ bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         const int count =
             poll(&input, 1, static_cast<int>(std::clamp<int64_t>(left.count(), 0, kStep.count())));
+        if (count > 0)
+            TakeLine();
         if (count > 0 || (count < 0 && errno != EINTR))
             return count > 0;
         if (left.count() <= 0)

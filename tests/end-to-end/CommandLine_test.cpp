@@ -140,7 +140,13 @@ TEST(CommandLine, ADocumentIsOpenedForAProgramWhoseStatusCounts) {
     EXPECT_EQ(result.output, "Sample-Bold\n");
     EXPECT_EQ(world.RunHost({"open", "--fonts", "Sample-Bold", "Gone", "--", host, "--none"}).status, 2);
     result = world.RunHost({"open", document, "--", world.Path("none")});
-    EXPECT_EQ(result.status, 127);
+    EXPECT_EQ(result.status, 127) << result.errors;
     EXPECT_THAT(result.errors, HasSubstr("cannot be started: "));
+    // What would be taken for something else than was meant is refused.
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{"open", "--fonts", "Sample-Bold", "--", "{}"},
+                                               {"open", "--fonts", "Sample-Bold", document, "--", host},
+                                               {"open", document, "--close", "--", host}})
+        EXPECT_EQ(world.RunHost(wrong).status, 2);
     EXPECT_EQ(world.RunHost({"open", "--", "-none.pdf"}).status, 1) << "a document of an odd name";
 }

@@ -16,7 +16,7 @@ int InterruptStatus();
 
 /// Waits until a line or the end of standard input can be read, an interrupt comes, or the time is over; no
 /// limit waits for one of the others, and 0 for none. With `watchInput` false only the last two count. True when input
-/// can be read.
+/// can be read; a terminal's line is taken out then.
 bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput);
 
 }  // namespace platform

@@ -47,9 +47,9 @@
  *
  * Hosts. The library serves a process whose name holds one of the words After, Illustrator, InCopy, InDesign,
  * Photoshop and Sketch, in this spelling; on Linux also those of LibreOffice (soffice), GIMP (gimp), Inkscape
- * (inkscape), Scribus (scribus) and Evince (evince). In any other one InitializePluginCoreInterface answers
- * PLUGINCORE_NOT_STARTED, and the functions answer as for a plug-in that is switched off; a host that goes on
- * to ask PluginIsEnabled may be told that it is on.
+ * (inkscape), Scribus (scribus) and Evince (evince), and processes that bear one of these names. In any other one
+ * InitializePluginCoreInterface answers PLUGINCORE_NOT_STARTED, and the functions answer as for a plug-in that is
+ * switched off; a host that goes on to ask PluginIsEnabled may be told that it is on.
  *
  * Loading. Not from DllMain, nor from what runs within it: the library loads others and starts threads. On
  * Windows the library needs VantorixCoreFoundation.dll beside it. A plug-in in another folder than the host's

@@ -42,12 +42,13 @@ TEST(GimpPlugin, FontsComeAndGoInGimpWithTheImagesThatUseThem) {
     platform::SetEnvironment("GIMP2_DIRECTORY", world.Path("gimp"));
     const std::string first = '"' + world.Path("first.xcf") + '"';
     const std::string second = '"' + world.Path("second.xcf") + '"';
-    // Two images share a font, and one goes on under another name.
-    const std::string words = std::string(kWords) + "(make " + first + ") (make " + second +
-                              ") (wait-for 0)" + "(define a (load " + first + ")) (define b (load " + second +
-                              ")) (wait-for 1) (look-on)" + "(gimp-image-set-filename a \"" +
-                              world.Path("third.xcf") + "\") (gimp-image-delete b)" +
-                              "(look-on) (wait-for 1) (gimp-image-delete a) (wait-for 0)";
+    // Two images share a font, one of their files is open twice for a while, and one goes on under another name.
+    const std::string words =
+        std::string(kWords) + "(make " + first + ") (make " + second + ") (wait-for 0)" + "(define a (load " +
+        first + ")) (define b (load " + second + ")) (define c (load " + second +
+        ")) (wait-for 1) (look-on) (gimp-image-delete c) (gimp-image-set-filename a \"" +
+        world.Path("third.xcf") + "\") (look-on) (gimp-image-delete a)" +
+        "(look-on) (wait-for 1) (gimp-image-delete b) (wait-for 0)";
     TestProcess gimp({kGimp, "-i", "-d", "-b", words, "-b", "(gimp-quit 1)"});
     const ProgramResult result = gimp.Finish();
     std::string fonts;

@@ -56,7 +56,7 @@ read line
     host.WriteLine("");
     const ProgramResult result = host.Finish();
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.errors, HasSubstr("a b.pdf goes without Gone"));
+    EXPECT_THAT(result.errors, HasSubstr("a b.pdf is opened without Gone"));
     EXPECT_THAT(result.output, Not(HasSubstr("socket"))) << "of the agent";
     EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); })) << "it is over with the program";
 }

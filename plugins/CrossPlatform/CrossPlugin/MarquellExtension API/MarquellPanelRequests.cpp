@@ -95,11 +95,14 @@ ErrorCode ActivateFamilyForDesign(uint32_t fontID, uint32_t& conflictID) {
 }  // namespace
 
 ErrorCode MarquellPanel::StartPanelInfo(const JSONValue&) {
-    bool isStandalone = false;
-    RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetRunningStandalone, &isStandalone));
-    if (const ErrorCode code = Send(PanelMessage(kConnectionComplete).Set(kIsStandaloneKey, isStandalone)))
-        return code;
-    return SetEnabled(MarquellGlobals::IsPluginFunctional());
+    const ErrorCode code = [this]() -> ErrorCode {
+        bool isStandalone = false;
+        RETURN_IF_FAILED(CallFontManager(&PluginFunctionTable::pfGetRunningStandalone, &isStandalone));
+        return Send(PanelMessage(kConnectionComplete).Set(kIsStandaloneKey, isStandalone));
+    }();
+    // Also where no font manager could answer: that is what the panel is to know then.
+    const ErrorCode enabledCode = SetEnabled(MarquellGlobals::IsPluginFunctional());
+    return code != CoreErrorCodes::kSuccess ? code : enabledCode;
 }
 
 ErrorCode MarquellPanel::IsWindows(const JSONValue&) {

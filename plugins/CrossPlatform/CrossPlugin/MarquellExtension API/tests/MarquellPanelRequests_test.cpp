@@ -183,7 +183,6 @@ TEST_F(PanelRequestsTest, OfAFontManagerThatFailsRepliesTellWhereTheyHaveAReturn
         {"GetCurrentReplicationMode", R"({"messageID":10})", 1},
         {"SetGoogleWebFontsEnabled", R"({"messageID":9})", 1},
         {"CanAccessGoogleFonts", R"({"messageID":58})", 0},
-        {"GetRunningStandalone", R"({"messageID":66})", 0},
         {"GetAllSmartLists", R"({"messageID":38})", 0},
         {"GetSmartList", R"({"messageID":36,"smartListID":3})", 0},
         {"GetSmartList", R"({"messageID":37,"smartListID":3})", 0},
@@ -220,4 +219,6 @@ TEST_F(PanelRequestsTest, ReportsThatBelongToNoRequestAreSentAtOnce) {
     EXPECT_THAT(service.events, IsEmpty());
     MarquellGlobals::SetLoggedIn(false);
     EXPECT_THAT(Send(R"({"messageID":66})"), testing::Contains(R"({"messageID":30,"isEnabled":false})"));
+    library.codes["GetRunningStandalone"] = {CoreErrorCodes::kNotFound};
+    EXPECT_THAT(Send(R"({"messageID":66})"), ElementsAre(R"({"messageID":30,"isEnabled":false})"));
 }
