@@ -138,12 +138,31 @@ void Serve(const CoreLibrary& core, PanelServer& server, PanelHost& host, PanelD
     } while (closing.Wait(std::chrono::milliseconds(0)));
 }
 
-void OpenInBrowser(const std::string& url) {
-    platform::SystemError error;
-    if (platform::Current<platform::Processes>().Launch("/usr/bin/xdg-open", "\"/usr/bin/xdg-open\" " + url,
-                                                        error) == nullptr)
-        PrintError("no browser could be opened: " + platform::SystemErrorText(error));
-}
+/// A page that goes on to the panel, for a browser: the command lines of browsers are everybody's to read, and the token
+/// is not.
+class BrowserPage {
+public:
+    ~BrowserPage() { platform::RemoveFile(mPath); }
+
+    void Open(const std::string& url) {
+        auto& folders = platform::Current<platform::Folders>();
+        std::string folder = folders.PathOf(platform::KnownFolder::kRuntime);
+        if (folder.empty())
+            folder = folders.PathOf(platform::KnownFolder::kCache);
+        mPath = platform::Utf8Text(platform::Utf8Path(folder) /
+                                   fmt::format("plugincore-panel-{}.html", platform::CurrentProcessId()));
+        platform::SystemError error =
+            platform::WriteWholeFile(mPath, "<meta http-equiv=\"refresh\" content=\"0;url=" + url + "\">\n");
+        if (!error)
+            platform::Current<platform::Processes>().Launch("/usr/bin/xdg-open",
+                                                            "\"/usr/bin/xdg-open\" \"" + mPath + "\"", error);
+        if (error)
+            PrintError("no browser could be opened: " + platform::SystemErrorText(error));
+    }
+
+private:
+    std::string mPath;
+};
 
 }  // namespace
 
@@ -176,8 +195,9 @@ int RunPanel(const HostOptions& host, const PanelOptions& options) {
     server.SetDocuments(documents.Describe());
     PrintLine(server.URL());
     FlushOutput();
+    BrowserPage page;
     if (options.opensBrowser)
-        OpenInBrowser(server.URL());
+        page.Open(server.URL());
     Serve(session.Core(), server, panelHost, documents, Closing(options.time, "end"));
     return exit_status::kDone;
 }
