@@ -49,6 +49,7 @@ class Host(unohelper.Base, XDocumentEventListener, XCallback):
         self._core = Core(IDENTIFIER)
         self.documents = Documents(context, self._core, log)
         self._has_ended = threading.Event()
+        self._is_idle_due = False  # the main thread has yet to come to it
         context.getValueByName("/singletons/com.sun.star.frame.theGlobalEventBroadcaster") \
             .addDocumentEventListener(self)
         threading.Thread(target=self._beat, daemon=True).start()
@@ -62,8 +63,11 @@ class Host(unohelper.Base, XDocumentEventListener, XCallback):
 
     @guarded
     def notify(self, _):
-        if not self._has_ended.is_set():
-            self._core.idle()
+        try:
+            if not self._has_ended.is_set():
+                self._core.idle()
+        finally:
+            self._is_idle_due = False
 
     @guarded
     def disposing(self, _):
@@ -74,13 +78,22 @@ class Host(unohelper.Base, XDocumentEventListener, XCallback):
             self._has_ended.set()
             self._core.end()
 
-    @guarded
     def _beat(self):
+        while not self._has_ended.wait(IDLE_INTERVAL):
+            if not self._is_idle_due:
+                self._ask_for_idle_time()
+
+    @guarded
+    def _ask_for_idle_time(self):
         """The application has no idle loop for others, but a queue of work for its main thread."""
         queue = self._context.ServiceManager.createInstanceWithContext("com.sun.star.awt.AsyncCallback",
                                                                        self._context)
-        while not self._has_ended.wait(IDLE_INTERVAL):
+        self._is_idle_due = True
+        try:
             queue.addCallback(self, None)
+        except Exception:
+            self._is_idle_due = False
+            raise
 
 
 host = None  # once the application has started it
