@@ -209,6 +209,21 @@ TEST_F(LibreOffice, KeepsFontsForAsLongAsDocumentsNeedThem) {
     EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Pecan-Regular"));
     office.Do("close 4");
     EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
+    // One that came from no file.
+    office.Do("stream " + both);
+    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
+    office.Do("save 5 " + mWorld.Path("streamed.odt"));
+    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
+    office.Do("close 5");
+    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
+    // A file that is open twice, and goes on as two.
+    office.Do("open " + both);
+    office.Do("open " + both);
+    office.Do("save 7 " + mWorld.Path("copy.odt"));
+    office.Do("close 7");
+    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
+    office.Do("close 6");
+    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
     office.Do("open " + both);
     EXPECT_EQ(mWorld.VisibleFonts().size(), 2u);
     office.Kill();

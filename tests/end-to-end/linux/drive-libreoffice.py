@@ -1,6 +1,6 @@
 """drive-libreoffice.py PIPE: does in the LibreOffice that listens there what standard input says, a line each.
 
-open PATH; new; write NUMBER FAMILY; save NUMBER PATH; close NUMBER; quit. Documents are numbered as they come. Each line
+open PATH; stream PATH; new; write NUMBER FAMILY; save NUMBER PATH; close NUMBER; quit. Documents are numbered as they come. Each line
 is answered with one, empty or with what failed.
 """
 
@@ -31,6 +31,13 @@ def do(desktop, documents, command, words):
     if command in ("open", "new"):
         url = pathlib.Path(words).as_uri() if command == "open" else "private:factory/sdraw"
         documents.append(desktop.loadComponentFromURL(url, "_blank", 0, hidden))
+        return
+    if command == "stream":  # as a document from elsewhere: the application does not hear of the file
+        factory = uno.getComponentContext().ServiceManager
+        stream = factory.createInstance("com.sun.star.io.SequenceInputStream")
+        stream.initialize((uno.ByteSequence(pathlib.Path(words).read_bytes()),))
+        source = PropertyValue(Name="InputStream", Value=stream)
+        documents.append(desktop.loadComponentFromURL("private:stream", "_blank", 0, (*hidden, source)))
         return
     if command == "quit":
         desktop.terminate()

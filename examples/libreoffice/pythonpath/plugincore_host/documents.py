@@ -13,9 +13,10 @@ SYSTEM_FONT = 3  # ActivationStatus of a font record
 
 
 class Document:
-    def __init__(self, path, identifier):
+    def __init__(self, path, identifier=None):
         self.path = path  # empty for one that was never saved
-        self.identifier = identifier
+        self.identifier = identifier  # None while the core has no record of it
+        self.is_looked_up = False  # the font manager was asked for its fonts
         self.matched = []
         self.missing = []
 
@@ -46,12 +47,9 @@ class Documents:
     def _opened(self, model):
         """The model is whole, and nothing of it is laid out yet: fonts that come now are there in time."""
         path = _path_of(model)
-        if not path or model.RuntimeUID in self._open:
-            return
-        self._core.is_enabled()
-        document = self._open[model.RuntimeUID] = Document(path, None)
-        self._activate(document, fonts_of(model))
-        document.identifier = self._core.identifier_of(path)
+        if path and model.RuntimeUID not in self._open:
+            document = self._open[model.RuntimeUID] = Document(path)
+            self._activate(document, fonts_of(model))
 
     def _created(self, model):
         if model.RuntimeUID not in self._open:
@@ -65,26 +63,54 @@ class Documents:
             self._core.save_document(document.path, fonts)
 
     def _saved_as(self, model):
-        document = self.find(model)
+        former = self.find(model)  # None for one that came from no file
         path = _path_of(model)
-        if not document or not path:
+        if not path:
             return
-        if path != document.path:
-            self._core.set_path(path, document.identifier)
-            document.path = path
-        self._saved(model)
+        if former and (path == former.path or self._move(former, path)):
+            self._saved(model)
+            return
+        self._open[model.RuntimeUID] = Document(path)
+        try:
+            self._saved(model)
+        finally:
+            self._release(former)
 
     def _closed(self, model):
-        document = self._open.pop(model.RuntimeUID, None)
+        self._release(self._open.pop(model.RuntimeUID, None))
+
+    def _move(self, document, path):
+        """False where the core's record has to stay with another document, or there is none."""
+        others = [other for other in self._open.values() if other is not document]
+        if any(other.path == path or other.identifier == document.identifier for other in others):
+            return False
+        if not document.identifier or not self._core.set_path(path, document.identifier):
+            return False
+        document.path = path
+        return True
+
+    def _release(self, document):
+        """What is no longer among the open documents."""
         # A file that is open twice is one document of the core's.
-        if document and all(other.identifier != document.identifier for other in self._open.values()):
+        if document and document.identifier and \
+                all(other.identifier != document.identifier for other in self._open.values()):
             self._core.close_document(document.path or document.identifier)
 
     def _activate(self, document, fonts):
-        document.matched, document.missing = self._core.open_document(document.path, fonts)
+        self._core.is_enabled()
+        try:
+            matched, missing = self._core.open_document(document.path, fonts)
+        finally:
+            document.identifier = self._core.identifier_of(document.path)
+        if matched or missing or not fonts:  # else the font manager could not be asked
+            document.is_looked_up = True
+            document.matched, document.missing = matched, missing
+        self._tell_application(matched, fonts)
+
+    def _tell_application(self, matched, fonts):
         families = {font["PostScriptName"]: font["Family"] for font in fonts}
         unseen = {}
-        for font in document.matched:
+        for font in matched:
             # By the family as the document has it, which may be one of several names of the font's.
             name = families.get(font["PostScriptName"], font.get("Family", "")), font.get("Style", "")
             path = font.get("Path", "")

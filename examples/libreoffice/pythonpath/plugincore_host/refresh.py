@@ -52,7 +52,8 @@ def make_known(context, fonts):
 
 def _document_with(fonts):
     content = io.BytesIO()
-    with zipfile.ZipFile(content, "w") as archive:
+    # Files may be older than archives can say.
+    with zipfile.ZipFile(content, "w", strict_timestamps=False) as archive:
         archive.writestr("mimetype", MIMETYPE)
         entries = [(family, file, f"Fonts/{number}.ttf") for number, (family, file) in enumerate(fonts)]
         for _, file, entry in entries:
