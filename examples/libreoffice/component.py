@@ -17,6 +17,7 @@ from com.sun.star.task import XJob, XJobExecutor
 
 from plugincore_host.core import Core, CoreError
 from plugincore_host.documents import Documents
+from plugincore_host.font_list import font_list, texts
 
 IDENTIFIER = "com.vantorix.AutoActivationPlugin.LibreOffice"
 IDLE_INTERVAL = 1.0  # seconds
@@ -78,6 +79,9 @@ class Host(unohelper.Base, XDocumentEventListener, XCallback):
             self._has_ended.set()
             self._core.end()
 
+    def font_list(self, model, words):
+        return font_list(model, self.documents.find(model), self._core.is_enabled(), words)
+
     def _beat(self):
         while not self._has_ended.wait(IDLE_INTERVAL):
             if not self._is_idle_due:
@@ -114,20 +118,13 @@ class Component(unohelper.Base, XJob, XJobExecutor):
         """The menu entry."""
         desktop = self._context.getValueByName("/singletons/com.sun.star.frame.theDesktop")
         window = desktop.getCurrentFrame().getContainerWindow()
-        box = window.getToolkit().createMessageBox(window, INFOBOX, BUTTONS_OK, "Document Fonts",
-                                                   description(desktop.getCurrentComponent()))
-        box.execute()
-
-
-def description(model):
-    if host is None:
-        return "The font manager cannot be reached. Standard error says why."
-    document = host.documents.find(model)
-    lines = []
-    if document:
-        lines += [f"{font['PostScriptName']} – active" for font in document.matched]
-        lines += [f"{font['PostScriptName']} – missing" for font in document.missing]
-    return "\n".join(lines) or "The document uses no fonts of the font manager."
+        words = texts(self._context)
+        text = host.font_list(desktop.getCurrentComponent(), words) if host else words["no core"]
+        box = window.getToolkit().createMessageBox(window, INFOBOX, BUTTONS_OK, words["title"], text)
+        try:
+            box.execute()
+        finally:
+            box.dispose()
 
 
 g_ImplementationHelper = unohelper.ImplementationHelper()
