@@ -131,6 +131,31 @@ describe('the panel', { skip, concurrency: false }, () => {
     await page.close();
   });
 
+  test('has every request of the catalogue answered that has an answer', async () => {
+    const page = await browser.newPage();
+    await page.route('**/client.js', (route) => route.fulfill({ contentType: 'text/javascript', path: join(root, 'dist/client.js') }));
+    await page.goto(host.url);
+    const replies = await page.evaluate(async () => {
+      const { PanelClient, connectToBridge } = await import(new URL('client.js', location.href).href);
+      const client = new PanelClient(connectToBridge(new URL('.', location.href).href).transport);
+      const ask = (messageID, rest = {}) => client.request({ messageID, ...rest });
+      const { smartList } = await ask(39, { smartListName: 'All', workgroupIDs: [], setIDs: [], smartSetIDs: [] });
+      const of = { smartListID: smartList.smartListID };
+      await ask(12, { windowWidth: 640, windowHeight: 480 });
+      await ask(42, { ...of, workgroupIDs: [1], setIDs: [], smartSetIDs: [] });
+      await ask(44, { ...of, smartListName: 'Everything' });
+      const silent = [[47, { fontID: 1, version: '1' }], [48], [49], [51], [59],
+        [67, { isCtrlPressed: false, isShiftPressed: false, isAltPressed: false, keyCode: 27 }]];
+      for (const [id, rest] of silent) await ask(id, rest);
+      const answers = [await ask(11), await ask(16), await ask(36, of), await ask(37, of), await ask(58)];
+      await ask(34, of);
+      return answers;
+    });
+    assert.deepEqual(replies.map(({ messageID }) => messageID), [11, 16, 36, 37, 58]);
+    assert.deepEqual([replies[0].width, replies[0].height, replies[1].isWindows, replies[2].smartListName], [640, 480, false, 'Everything']);
+    await page.close();
+  });
+
   test('says when the agent is gone, and goes on when it is back', async () => {
     const page = await open();
     await rows(page).first().waitFor();
@@ -195,6 +220,6 @@ describe('the panel', { skip, concurrency: false }, () => {
     const said = readFileSync(recording, 'utf8').trim().split('\n').map((line) => JSON.parse(line)).filter(({ to }) => to);
     for (const { to, message } of said) assert.ok(validators[to](message), `${JSON.stringify(message)}: ${JSON.stringify(validators[to].errors)}`);
     const sent = new Set(said.filter(({ to }) => to === 'core').map(({ message }) => message.messageID));
-    for (const id of [8, 9, 10, 13, 17, 18, 32, 33, 34, 35, 36, 38, 39, 40, 66]) assert.ok(sent.has(id), `the panel never sent ${id}`);
+    for (const id of [8, 9, 10, 11, 12, 13, 16, 17, 18, 32, 33, 34, 35, 36, 37, 38, 39, 40, 42, 44, 47, 48, 49, 51, 58, 59, 66, 67]) assert.ok(sent.has(id), `the panel never sent ${id}`);
   });
 });
