@@ -2,6 +2,7 @@
 
 #include "HostWorld.h"
 #include "platform/Environment.h"
+#include "platform/System.h"
 
 using testing::HasSubstr;
 
@@ -40,6 +41,8 @@ TEST_F(MenuTest, NothingWaitsBehindAWindowWhereThereIsNoTerminal) {
     const std::string trace = ContentOf(world.Path("trace"));
     EXPECT_THAT(trace, HasSubstr("Nobody to show the dialog About to"));
     EXPECT_THAT(trace, testing::Not(HasSubstr("A dialog was not answered")));
+    if (!platform::kIsLinux)
+        return;  // no variable names the display there
     platform::SetEnvironment("PLUGINCORE_PRESENTER", "native");
     EXPECT_EQ(world.RunHost({"menu", "About..."}).status, 0);
     EXPECT_THAT(ContentOf(world.Path("trace")), HasSubstr("cannot be opened"));
