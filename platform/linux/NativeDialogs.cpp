@@ -12,7 +12,7 @@ namespace platform {
 namespace {
 
 constexpr char kProgram[] = "vantorix/PluginCoreDialogs";
-constexpr long kLongestTimeout = 24 * 3600;
+constexpr long kLongestTimeout = 24L * 3600;
 
 DialogLimits LimitsOfTheUser() {
     DialogLimits limits;

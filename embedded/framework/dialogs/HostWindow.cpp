@@ -11,7 +11,7 @@ using OwnedWindow = std::unique_ptr<GdkWindow, decltype(&g_object_unref)>;
 
 /// The numbers in a property of the window (in the format of 32 bits, which are longs here); empty when it has none.
 std::vector<gulong> NumbersIn(GdkWindow* window, const char* property, const char* type) {
-    constexpr gulong kMost = 4096 * 4;
+    constexpr gulong kMost = 4096UL * 4;
     GdkAtom actualType = nullptr;
     gint format = 0, bytes = 0;
     guchar* data = nullptr;
