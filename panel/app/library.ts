@@ -62,7 +62,7 @@ export class Library extends EventTarget {
     client.on(45, ({ fontIDs }) => this.tell(t('fontMissing', this.namesOf(fontIDs))));
     client.on(60, ({ fontIDs }) => this.tell(t('nonCompliant', this.namesOf(fontIDs))));
     client.on(46, (message) => this.tell(message.isConflictError
-      ? t('conflict', this.namesOf([message.fontID]), this.namesOf([(message as { conflictID: number }).conflictID]))
+      ? t('conflict', this.whichOne(message.fontID), this.whichOne((message as { conflictID: number }).conflictID))
       : t('notActivated', this.namesOf([message.fontID]))));
     client.on(22, () => this.change({ hasWebFonts: true }));
     client.on(23, () => this.change({ hasWebFonts: false }));
@@ -339,6 +339,13 @@ export class Library extends EventTarget {
   private fail(error: unknown): void {
     this.isLoading = false;
     this.tell(error instanceof NoAnswer || !(error instanceof Error) ? t('failed') : error.message);
+  }
+
+  /** Two fonts of one name are told apart by where they are from. */
+  private whichOne(id: number): string {
+    const font = this.byID.get(id);
+    if (!font) return String(id);
+    return `${font.name.slice(0, 100)} (${font.source === 'system' ? t('systemFonts') : t('workgroup', String(font.workgroup))})`;
   }
 
   private namesOf(ids: number[]): string {
