@@ -72,7 +72,8 @@ void DescribeProgram(CLI::App& program, CommandLine& line) {
         ->check(RefusalOfHost);
     AddText(program, "--core", line.host.corePath, "The core's library")
         ->default_str(PrintableText(line.host.corePath));
-    AddText(program, "--answers", line.answers, "A JSON file of answers to the questions that dialogs ask");
+    AddText(program, "--answers", line.host.answers,
+            "A JSON file of answers to the questions that dialogs ask");
     program.add_flag("--json", line.json, "Write JSON, one line for each file");
 }
 

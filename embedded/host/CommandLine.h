@@ -13,7 +13,6 @@
 /// What the words are read into.
 struct CommandLine {
     HostOptions host{"Illustrator2025", CoreLibrary::DefaultPath()};
-    std::string answers;
     bool json = false;
     OpenOptions open;
     FontsOptions fonts;

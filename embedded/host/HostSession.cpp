@@ -44,7 +44,7 @@ int HostSession::Start(const HostOptions& options, Needs needs) {
         return exit_status::kFailed;
     }
     mIsStarted = true;
-    const ScopedPresenter presenter;
+    const ScopedPresenter presenter(options.answers);
     const uint32_t code = mCore.InitializePluginCoreInterface(PluginIdentifierFor(options.app).c_str(), "");
     if (code == PLUGINCORE_INVALID_PARAM || code == PLUGINCORE_NO_PREFERENCES) {
         PrintError("the core cannot start: " + ResultName(code));

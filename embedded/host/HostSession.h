@@ -7,8 +7,9 @@
 #include "CoreLibrary.h"
 
 struct HostOptions {
-    std::string app;       ///< a host application's name; the process calls itself so
-    std::string corePath;  ///< the core's library
+    std::string app;        ///< a host application's name; the process calls itself so
+    std::string corePath;   ///< the core's library
+    std::string answers{};  ///< a file of answers to the questions that dialogs ask, full path; may be empty
 };
 
 /// The bundle identifier of the plug-in that serves the application.

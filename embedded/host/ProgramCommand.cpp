@@ -9,7 +9,6 @@
 #include "MissingFonts.h"
 #include "OpenedDocument.h"
 #include "Output.h"
-#include "OwnEnvironment.h"
 #include "platform/BecomeProgram.h"
 
 namespace {
@@ -61,7 +60,6 @@ int RunProgram(const HostOptions& host, const OpenOptions& options) {
             SayWhatIsMissing(OpenFonts(session.Core(), options.fontNames), words.front() + " is started");
     }
     FlushOutput();
-    OwnEnvironment::Restore();
     int status = exit_status::kDone;
     if (const platform::SystemError error = platform::BecomeProgram(words, status)) {
         PrintError(words.front() + " cannot be started: " + platform::SystemErrorText(error));

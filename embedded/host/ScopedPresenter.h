@@ -1,33 +1,47 @@
 // Who asks the user on behalf of a program that was typed at a terminal.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/Environment.h"
 
-/// While the core starts, which is when its framework looks who asks: the terminal, and nobody where there is none,
-/// so that no script waits behind a window. What the user has chosen stands. Programs that are started later do not
-/// inherit it: the terminal is not theirs.
+/// While the core starts, which is when its framework looks who asks: a file of answers, if there is one, else the
+/// terminal, and nobody where there is none, so that no script waits behind a window. What the user has set stands but
+/// for the answers. Programs that are started later, or that this one becomes, do not inherit it.
 class ScopedPresenter {
 public:
-    ScopedPresenter() {
-        if (mIsOurs)
-            platform::SetEnvironment(kVariable, HasTerminal() ? "terminal" : "silent");
+    /// `answers`: the file's full path; may be empty.
+    explicit ScopedPresenter(const std::string& answers) {
+        if (!answers.empty())
+            mAnswers.emplace("PLUGINCORE_ANSWERS", answers);
+        if (platform::EnvironmentVariable(kPresenter).empty())
+            mPresenter.emplace(kPresenter, HasTerminal() ? "terminal" : "silent");
     }
-    ~ScopedPresenter() {
-        if (mIsOurs)
-            platform::SetEnvironment(kVariable, {});
-    }
-    ScopedPresenter(const ScopedPresenter&) = delete;
-    ScopedPresenter& operator=(const ScopedPresenter&) = delete;
 
 private:
-    static constexpr char kVariable[] = "PLUGINCORE_PRESENTER";
+    static constexpr char kPresenter[] = "PLUGINCORE_PRESENTER";
+
+    class Variable {
+    public:
+        Variable(const char* name, const std::string& value)
+            : mName(name), mBefore(platform::EnvironmentVariable(name)) {
+            platform::SetEnvironment(name, value);
+        }
+        ~Variable() { platform::SetEnvironment(mName, mBefore); }
+        Variable(const Variable&) = delete;
+        Variable& operator=(const Variable&) = delete;
+
+    private:
+        const char* mName;
+        const std::string mBefore;
+    };
 
     static bool HasTerminal() {
         return platform::IsTerminal(platform::StandardStream::kInput) &&
                platform::IsTerminal(platform::StandardStream::kError);
     }
 
-    const bool mIsOurs = platform::EnvironmentVariable(kVariable).empty();
+    std::optional<Variable> mAnswers;
+    std::optional<Variable> mPresenter;
 };

@@ -56,7 +56,7 @@ PLUGINCORE_FUNCTIONS(DECLARE_CALLER)
 
 /// Without arguments: as this program itself starts the core.
 Code InitializePluginCoreInterface(Call& call) {
-    const ScopedPresenter presenter;
+    const ScopedPresenter presenter(call.host.answers);
     if (!call.arguments.Has("pluginIdentifier") && !call.arguments.Has("versionPrefixRequired"))
         return call.core.InitializePluginCoreInterface(PluginIdentifierFor(call.host.app).c_str(), "");
     return call.core.InitializePluginCoreInterface(call.Text("pluginIdentifier"),

@@ -5,7 +5,6 @@
 #include "CommandLine.h"
 #include "KnownPrograms.h"
 #include "Output.h"
-#include "OwnEnvironment.h"
 #include "platform/Console.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
@@ -40,12 +39,12 @@ int main(int argc, char** argv) {
     }
 
     platform::SetCurrentProcessName(line.host.app);
-    if (!line.answers.empty() && !CanAnswer(line.answers)) {
-        PrintError(line.answers + " holds no list of answers; docs/framework.md tells how to write one");
+    if (!line.host.answers.empty() && !CanAnswer(line.host.answers)) {
+        PrintError(line.host.answers + " holds no list of answers; docs/framework.md tells how to write one");
         return exit_status::kFailed;
     }
-    if (!line.answers.empty())
-        OwnEnvironment::Set("PLUGINCORE_ANSWERS", platform::AbsolutePath(line.answers));
+    if (!line.host.answers.empty())
+        line.host.answers = platform::AbsolutePath(line.host.answers);
     line.fonts.json = line.collect.json = line.settings.json = line.menu.json = line.json;
     try {
         const int status = line.run();

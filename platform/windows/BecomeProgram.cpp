@@ -2,32 +2,11 @@
 
 #include <windows.h>
 
+#include "CommandLineText.h"
 #include "OwnedHandle.h"
-#include "WideText.h"
 
 namespace platform {
 namespace {
-
-/// As programs take a command line apart (see "Parsing C command-line arguments" of Microsoft's C runtime): backslashes
-/// count singly unless a quotation mark follows.
-std::wstring Quoted(const std::wstring& word) {
-    std::wstring text = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t letter : word) {
-        if (letter == L'"')
-            text.append(backslashes + 1, L'\\');
-        backslashes = letter == L'\\' ? backslashes + 1 : 0;
-        text += letter;
-    }
-    return text.append(backslashes, L'\\') + L'"';
-}
-
-std::wstring CommandLineOf(const std::vector<std::string>& words) {
-    std::wstring line;
-    for (const std::string& word : words)
-        line.append(line.empty() ? L"" : L" ").append(Quoted(ToWide(word)));
-    return line;
-}
 
 /// False also where that cannot be told.
 bool IsInUse(HANDLE job) {
@@ -50,7 +29,7 @@ SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus
     if (!job.IsValid())
         return LastSystemError();
     SetConsoleCtrlHandler(LeaveToProgram, TRUE);
-    std::wstring line = CommandLineOf(words);
+    std::wstring line = CommandLineText(words);
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};

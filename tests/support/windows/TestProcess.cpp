@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "CommandLineText.h"
 #include "OwnedHandle.h"
-#include "WideText.h"
 #include "platform/Utf8Path.h"
 
 namespace {
@@ -37,30 +37,6 @@ struct Pipe {
     OwnedHandle readEnd;
     OwnedHandle writeEnd;
 };
-
-/// As CommandLineToArgvW and the C runtime take it apart again: backslashes are themselves unless a quotation
-/// mark follows.
-std::wstring Quoted(const std::wstring& word) {
-    if (!word.empty() && word.find_first_of(L" \t\n\v\"") == std::wstring::npos)
-        return word;
-    std::wstring quoted = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t character : word) {
-        if (character == L'"')
-            quoted.append(backslashes + 1, L'\\');
-        backslashes = character == L'\\' ? backslashes + 1 : 0;
-        quoted += character;
-    }
-    quoted.append(backslashes, L'\\');
-    return quoted + L'"';
-}
-
-std::wstring CommandLine(const std::vector<std::string>& words) {
-    std::wstring line;
-    for (const std::string& word : words)
-        line += (line.empty() ? L"" : L" ") + Quoted(platform::ToWide(word));
-    return line;
-}
 
 std::string ReadToEnd(HANDLE pipe) {
     std::string text;
@@ -116,7 +92,7 @@ TestProcess::TestProcess(const std::vector<std::string>& command) : mState(std::
     std::vector<std::byte> attributes(size);
     startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(attributes.data());
     PROCESS_INFORMATION started{};
-    std::wstring line = CommandLine(command);
+    std::wstring line = platform::CommandLineText(command);
     const bool isStarted =
         InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size) &&
         UpdateProcThreadAttribute(startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, inherited,
