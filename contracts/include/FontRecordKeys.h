@@ -37,6 +37,7 @@
     X(kGS_LocationKey, "Location")           /* number: 1 = file on this machine, 0 = only on the server */ \
     X(kGS_WorkgroupTypeKey, "WorkgroupType") /* number, see WorkgroupType */                                \
     X(kGS_ReasonKey, "Reason") /* for people: how a font came to match, or in what a replacement is like */ \
+    X(kGS_ConflictKey, "Conflict") /* for people: which others of its name are active too, by their versions */ \
     X(kGS_RankKey, "Rank")     /* number, of a replacement: 1 is the best */                                \
     /* Of a replacement: for which font of which document. Handed back when it is activated, so that the    */ \
     /* choice is known the next time. */                                                                    \

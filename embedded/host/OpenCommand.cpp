@@ -61,11 +61,14 @@ std::string ReplacementsText(const json& font) {
     return replacements.size() == 1 ? best : fmt::format("{} or {} more", best, replacements.size() - 1);
 }
 
-/// Why a font that has another name was taken, and what could be taken for those that are missing.
+/// Why a font that has another name was taken, what others of its name are active, and what could be taken for those
+/// that are missing.
 void PrintReasons(const OpenedDocument& document) {
     for (const json& font : document.matched) {
-        if (font.contains(kGS_ReasonKey))
-            PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " + font.value(kGS_ReasonKey, ""));
+        for (const char* remark : {kGS_ReasonKey, kGS_ConflictKey}) {
+            if (font.contains(remark))
+                PrintLine("  " + font.value(kGS_PostScriptNameKey, "?") + ": " + font.value(remark, ""));
+        }
     }
     for (const json& font : document.unmatched) {
         const std::string where = font.value(kGS_WhereKey, "");

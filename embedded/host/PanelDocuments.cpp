@@ -21,7 +21,10 @@ json DescribeMatched(const json& font) {
             {"fontID", font.value(kGS_DatabaseIDKey, int64_t{0})},
             {"isMissing", false},
             {"version", font.value(kGS_VersionKey, "")},
-            {"reason", font.value(kGS_ReasonKey, "")}};
+            {"reason", font.value(kGS_ReasonKey, "")},
+            {"conflict", font.value(kGS_ConflictKey, "")},
+            {"workgroupID", font.value(kGS_WorkgroupIDKey, int64_t{kWorkgroupID_Unknown})},
+            {"workgroupName", font.value(kGS_WorkgroupNameKey, "")}};
 }
 
 json DescribeMissing(const json& font) {

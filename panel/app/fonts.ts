@@ -48,5 +48,5 @@ export function rowOf(font: DocumentFont, listed?: Font): Font {
       note: font.where, candidates: font.replacements };
   const row = listed ?? { id: font.fontID, postscriptName: font.name, name: font.name, isActive: true, source: '', workgroup: 0,
     key: font.name.toLowerCase() };
-  return { ...row, note: [font.version, font.reason].filter(Boolean).join(' – ') };
+  return { ...row, note: [font.version, font.reason, font.conflict].filter(Boolean).join(' – ') };
 }

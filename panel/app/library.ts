@@ -13,6 +13,8 @@ const kNoList = 0;
 const kEverything: Query = { workgroupIDs: [], setIDs: [], smartSetIDs: [] };
 /** So many names are asked for at once beside those that are seen. */
 const kBatch = 60;
+/** A mark for who shows it: in the user's language. */
+const kNameOfFontLibrary = 'Font Library (LOCALIZE ME)';
 const kCopying: Record<number, boolean> = { 28: true, 52: true, 54: true, 68: true, 29: false, 53: false, 55: false, 69: false };
 
 export class Library extends EventTarget {
@@ -29,7 +31,7 @@ export class Library extends EventTarget {
   smartLists: SmartList[] = [];
   /** What the smart lists name. */
   sets: number[] = [];
-  workgroups: { id: number; isSystem: boolean }[] = [];
+  workgroups: { id: number; name: string }[] = [];
   collection: Collection = { kind: 'all' };
   text = '';
   /** What the collection has, and what of it the search found. */
@@ -253,10 +255,9 @@ export class Library extends EventTarget {
       if (load !== this.loads) return;
       this.fonts = fonts;
       this.byID = new Map(fonts.map((font) => [font.id, font]));
-      const workgroups = new Map<number, boolean>();
-      for (const { workgroup, source } of fonts) if (!workgroups.has(workgroup)) workgroups.set(workgroup, source === 'system');
-      this.workgroups = [...workgroups].map(([id, isSystem]) => ({ id, isSystem })).sort((a, b) => a.id - b.id);
       this.documents = await this.connection.documents?.() ?? [];
+      const workgroups = new Map(fonts.map((font) => [font.workgroup, font]));
+      this.workgroups = [...workgroups].map(([id, font]) => ({ id, name: this.workgroupOf(font) })).sort((a, b) => a.id - b.id);
       await this.collect();
     } catch (error) {
       this.fail(error);
@@ -345,7 +346,15 @@ export class Library extends EventTarget {
   private whichOne(id: number): string {
     const font = this.byID.get(id);
     if (!font) return String(id);
-    return `${font.name.slice(0, 100)} (${font.source === 'system' ? t('systemFonts') : t('workgroup', String(font.workgroup))})`;
+    return `${font.name.slice(0, 100)} (${this.workgroupOf(font)})`;
+  }
+
+  /** Messages have numbers for it; a name is known where fonts of documents brought one along. */
+  private workgroupOf({ workgroup, source }: Font): string {
+    if (source === 'system') return t('systemFonts');
+    const brought = this.documents.flatMap(({ fonts }) => fonts).find((font) => !font.isMissing && font.workgroupID === workgroup);
+    const name = brought?.isMissing === false ? brought.workgroupName : '';
+    return name === kNameOfFontLibrary ? t('fontLibrary') : name || t('workgroup', String(workgroup));
   }
 
   private namesOf(ids: number[]): string {

@@ -50,7 +50,7 @@ export class ListEditor extends LitElement {
             @input=${(event: InputEvent) => { this.name = (event.target as HTMLInputElement).value; }}></label>
           <fieldset>
             <legend>${t('takes')}</legend>
-            ${workgroups.map(({ id, isSystem }) => this.choice('workgroupIDs', id, isSystem ? t('systemFonts') : t('workgroup', String(id))))}
+            ${workgroups.map(({ id, name }) => this.choice('workgroupIDs', id, name))}
             ${sets.map((id) => this.choice('setIDs', id, t('set', String(id))))}
             ${smartLists.filter((each) => each.smartListID !== this.listID).map((each) =>
               this.choice('smartSetIDs', each.smartListID, each.smartListName.slice(0, 200)))}

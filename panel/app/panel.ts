@@ -109,8 +109,7 @@ export class FontPanel extends LitElement {
     return [
       { heading: 'documents', entries: documents.map(({ name }, id) => ({ collection: { kind: 'document', id }, name })) },
       { heading: 'library', entries: [{ collection: { kind: 'all' }, name: t('all') }, { collection: { kind: 'active' }, name: t('active') }] },
-      { heading: 'workgroups', entries: workgroups.map(({ id, isSystem }) => (
-        { collection: { kind: 'workgroup', id }, name: isSystem ? t('systemFonts') : t('workgroup', String(id)) })) },
+      { heading: 'workgroups', entries: workgroups.map(({ id, name }) => ({ collection: { kind: 'workgroup', id }, name })) },
       { heading: 'sets', entries: sets.map((id) => ({ collection: { kind: 'set', id }, name: t('set', String(id)) })) },
       { heading: 'smartLists', entries: smartLists.map(({ smartListID, smartListName }) => (
         { collection: { kind: 'smartList', id: smartListID }, name: smartListName.slice(0, 200) })) },

@@ -1,7 +1,7 @@
 // All texts of the app. {0} and {1} stand for what is put in.
 const english = {
   title: 'Fonts',
-  search: 'Search fonts', collection: 'Show', library: 'Library', all: 'All fonts', active: 'Active', systemFonts: 'System fonts',
+  search: 'Search fonts', collection: 'Show', library: 'Library', all: 'All fonts', active: 'Active', systemFonts: 'System fonts', fontLibrary: 'Font Library',
   workgroup: 'Workgroup {0}', workgroups: 'Workgroups', set: 'Set {0}', sets: 'Sets', smartLists: 'Smart lists', smartList: 'Smart list',
   documents: 'Documents', documentFonts: 'Fonts of {0}',
   activate: 'Activate', activateFamily: 'Activate {0} with its family', isActive: 'Active', missing: 'Missing', replace: 'Replace…', replaceFont: 'Replace {0}', instead: 'In the place of {0}', insteadHint: 'The document is not changed: the font is activated, and the choice is offered first the next time.',
@@ -25,7 +25,7 @@ export type Text = keyof typeof english;
 
 const german: Record<Text, string> = {
   title: 'Schriften',
-  search: 'Schriften suchen', collection: 'Anzeigen', library: 'Bibliothek', all: 'Alle Schriften', active: 'Aktive', systemFonts: 'Systemschriften',
+  search: 'Schriften suchen', collection: 'Anzeigen', library: 'Bibliothek', all: 'Alle Schriften', active: 'Aktive', systemFonts: 'Systemschriften', fontLibrary: 'Schriftbibliothek',
   workgroup: 'Arbeitsgruppe {0}', workgroups: 'Arbeitsgruppen', set: 'Satz {0}', sets: 'Sätze', smartLists: 'Intelligente Listen', smartList: 'Intelligente Liste',
   documents: 'Dokumente', documentFonts: 'Schriften von {0}',
   activate: 'Aktivieren', activateFamily: '{0} samt Familie aktivieren', isActive: 'Aktiv', missing: 'Fehlt', replace: 'Ersetzen …', replaceFont: '{0} ersetzen', instead: 'Anstelle von {0}', insteadHint: 'Das Dokument ändert sich nicht: Die Schrift wird aktiviert und das nächste Mal zuerst angeboten.',

@@ -22,6 +22,8 @@ export class PanelClient {
   private readonly waiting = new Set<Waiting>();
   /** The last request for each kind of answer: one that answers two of them could be taken for either's. */
   private readonly lanes = new Map<string, Promise<unknown>>();
+  /** Whether an answer may still come that nobody waits for. */
+  private isBehind = false;
   private readonly stop: () => void;
 
   /** @param seconds how long an answer may take. @param changed is told whether messages get through. */
@@ -48,9 +50,19 @@ export class PanelClient {
     const ids: readonly number[] | undefined = { ...answers, ...after }[message.messageID as keyof typeof answers];
     if (!ids) return this.transport.dispatch(JSON.stringify(message)) as Promise<ReplyTo<R>>;
     const lane = ids.join();
-    const mine = (this.lanes.get(lane) ?? Promise.resolve()).catch(() => {}).then(() => this.ask(message, ids));
+    const mine = (this.lanes.get(lane) ?? Promise.resolve()).catch(() => {}).then(() => this.catchUp()).then(() => this.ask(message, ids));
     this.lanes.set(lane, mine);
     return mine as Promise<ReplyTo<R>>;
+  }
+
+  /**
+   * After a time-out: the plug-in answers in turn and answers this always, so what it still had to say has been said once
+   * that is there.
+   */
+  private async catchUp(): Promise<void> {
+    if (!this.isBehind) return;
+    await this.ask({ messageID: 16 }, answers[16]);
+    this.isBehind = false;
   }
 
   private ask(message: Request, ids: readonly number[]): Promise<Message> {
@@ -61,7 +73,7 @@ export class PanelClient {
           !(key in reply) || !(key in message) || (reply as never)[key] === (message as never)[key]),
         resolve: (reply) => { done(); resolve(reply); },
       };
-      const timer = setTimeout(() => { done(); reject(new NoAnswer(message.messageID, this.seconds)); },
+      const timer = setTimeout(() => { done(); this.isBehind = true; reject(new NoAnswer(message.messageID, this.seconds)); },
         this.seconds * 1000);
       this.waiting.add(entry);
       this.transport.dispatch(JSON.stringify(message)).catch((error) => { done(); reject(error); });

@@ -37,8 +37,12 @@ export interface OpenDocument {
 }
 
 export type DocumentFont =
-  /** `reason`: why a font that has another name was taken. */
-  | { isMissing: false; name: string; fontID: number; version: string; reason: string }
+  /**
+   * `reason`: why a font that has another name was taken. `conflict`: others of its name that are active too, by their
+   * versions. Each is empty where there is none.
+   */
+  | { isMissing: false; name: string; fontID: number; version: string; reason: string; conflict: string; workgroupID: number;
+      workgroupName: string }
   /** `where`: pages or layers that use it, where the document's reader knows. */
   | { isMissing: true; name: string; where: string; replacements: Candidate[] };
 

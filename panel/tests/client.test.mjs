@@ -55,6 +55,17 @@ test('what has no reply resolves by its notification, at once, or not in time', 
   await assert.rejects(client.request({ messageID: 10 }), /refused/);
 });
 
+test('what comes late is not taken for the answer to the next request', async () => {
+  const late = [{ messageID: 41, filename: 'the first list' }, { messageID: 16, isWindows: false }];
+  const plugin = scripted(({ messageID, smartListID }) => (
+    { 16: late, 40: smartListID === 2 ? [{ messageID: 41, filename: 'the second list' }] : [] })[messageID]);
+  const client = new PanelClient(plugin.transport, 0.05);
+  await assert.rejects(client.request({ messageID: 40, smartListID: 1 }), NoAnswer);
+  assert.equal((await client.request({ messageID: 40, smartListID: 2 })).filename, 'the second list');
+  assert.equal((await client.request({ messageID: 40, smartListID: 2 })).filename, 'the second list');
+  assert.deepEqual(plugin.sent.map(({ messageID }) => messageID), [40, 16, 40, 40]);
+});
+
 test('handlers hear until they are taken away, and nothing after the client is closed', () => {
   const plugin = scripted();
   const client = new PanelClient(plugin.transport);

@@ -84,7 +84,7 @@ describe('the panel', { skip, concurrency: false }, () => {
     await rows(other).first().waitFor();
     await page.getByRole('button', { name: 'New smart list' }).click();
     await page.getByLabel('Name').fill('<b>Posters</b>');
-    await page.getByLabel(/^Workgroup/).check();
+    await page.getByLabel('Font Library', { exact: true }).check();
     await page.getByRole('button', { name: 'Try' }).click();
     await page.getByText('Tried: 8 fonts.').waitFor();
     await assertAccessible(page);

@@ -44,6 +44,19 @@ Json CandidateRecords(CommandContext& context, const RequestedFont& request, con
     return records;
 }
 
+/// The fonts of its name that are active too, so that programs may take either; not those of the same bytes.
+std::string ConflictText(FontManager& manager, const Font& font) {
+    std::string text;
+    for (const Font& other : manager.fonts.FindActive(font.postScriptName)) {
+        if (other.file.checksum == font.file.checksum)
+            continue;
+        text += text.empty() ? "in conflict with " : ", ";
+        text += (other.version.empty() ? "another version" : other.version) + " (" +
+                ShownWorkgroupName(other.workgroupName) + ")";
+    }
+    return text;
+}
+
 using Answer = Json (*)(CommandContext& context, const Json& arguments);
 
 Json AnswerBefore(std::chrono::steady_clock::time_point deadline, CommandContext& context,
@@ -62,18 +75,21 @@ Json AnswerWhenFontsAreKnown(CommandContext& context, const Json& arguments, Ans
     return AnswerBefore(std::chrono::steady_clock::now() + kSystemFontsPatience, context, arguments, answer);
 }
 
-Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font) {
+Json ReportedFont(const Json& requested, const Json& before, FontManager& manager, const Font& font) {
     const Json after = FontRecordWithFingerprint(manager, font);
     Json reported = after;
     if (requested.is_object())
         reported.update(requested);
-    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey})
+    // Those of a request are how to look for its font, or what an earlier open said of it.
+    for (const char* key : {kGS_ExactMatchKey, kGS_EntireFamilyKey, kGS_ReasonKey, kGS_ConflictKey})
         reported.erase(key);
     for (const char* key : {kGS_DatabaseIDKey, kGS_ActivationStateKey, kGS_PathKey})
         reported[key] = after[key];
     reported[kGS_MatchedFontKey] = before;
     if (std::string reason = MatchReason(font, RequestedFontOf(requested)); !reason.empty())
         reported[kGS_ReasonKey] = std::move(reason);
+    if (std::string conflict = ConflictText(manager, font); !conflict.empty())
+        reported[kGS_ConflictKey] = std::move(conflict);
     return reported;
 }
 

@@ -7,7 +7,7 @@ namespace pellwick {
 
 /// The requested record completed by the font's own: what the host said stands, but for the state. `before`: the font's
 /// record with the state that it had for this host.
-Json ReportedFont(const Json& requested, const Json& before, const FontManager& manager, const Font& font);
+Json ReportedFont(const Json& requested, const Json& before, FontManager& manager, const Font& font);
 
 /// What `answer` makes of the arguments, once the system's fonts are recorded or after a moment.
 Json AnswerWhenFontsAreKnown(CommandContext& context, const Json& arguments,

@@ -151,9 +151,4 @@ Json WithoutSystemFonts(const Json& fonts, const char* why) {
     return own;
 }
 
-std::string ShownWorkgroupName(const std::string& name) {
-    constexpr std::string_view kMark = kNameToBeLocalized;
-    return name.ends_with(kMark) ? name.substr(0, name.size() - kMark.size()) : name;
-}
-
 }  // namespace pellwick::cli

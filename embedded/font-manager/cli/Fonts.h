@@ -31,8 +31,4 @@ Json ListFontsBy(AgentSession& session, Json source, const FontFilter& filter = 
 /// system's, and `why` that matters.
 Json WithoutSystemFonts(const Json& fonts, const char* why);
 
-/// The name as people see it: some that are made by the font manager carry a mark for programs that put a
-/// word of the user's language in their place.
-std::string ShownWorkgroupName(const std::string& name);
-
 }  // namespace pellwick::cli

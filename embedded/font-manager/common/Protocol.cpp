@@ -21,4 +21,9 @@ const Method* FindMethod(std::string_view name) {
     return nullptr;
 }
 
+std::string ShownWorkgroupName(const std::string& name) {
+    constexpr std::string_view kMark = kNameToBeLocalized;
+    return name.ends_with(kMark) ? name.substr(0, name.size() - kMark.size()) : name;
+}
+
 }  // namespace pellwick

@@ -19,6 +19,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "FontRecordKeys.h"
@@ -231,6 +232,8 @@ const Method* FindMethod(std::string_view name);
 
 /// What the names of workgroups end in that are shown in the user's language, without it.
 inline constexpr char kNameToBeLocalized[] = " (LOCALIZE ME)";
+/// The name of a workgroup as people see it.
+std::string ShownWorkgroupName(const std::string& name);
 /// The name of kWorkgroupID_All.
 inline constexpr char kAllWorkgroupsName[] = "All Fonts";
 

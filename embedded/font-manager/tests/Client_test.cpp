@@ -224,6 +224,11 @@ TEST_F(ClientFonts, ConflictWithActiveFontsOfTheNameInOtherFiles) {
     EXPECT_EQ(ConflictsOf({kNewBold}), IDs()) << "no font conflicts with itself";
     EXPECT_EQ(IDsOf(Filled(EnableDesignActivation, kBold, false, true)), IDs{kNewBold});
     EXPECT_EQ(ConflictsOf({kBold, kNewBold}), (IDs{kBold, kNewBold}));
+    Opened opened;
+    ASSERT_EQ(Open(NamesArray({"Sample-Bold", "Other-Regular"}), opened), 0u);
+    const Json reported = JsonOf(opened.reported);
+    EXPECT_EQ(reported[0].value(kGS_ConflictKey, ""), "in conflict with Version 1.0 (Font Library)");
+    EXPECT_FALSE(reported[1].contains(kGS_ConflictKey));
 }
 
 TEST_F(ClientFonts, AreHeldForDesignAndPreviewWhateverBecomesOfDocuments) {
