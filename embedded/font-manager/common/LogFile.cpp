@@ -46,8 +46,15 @@ SystemError LogFile::MakeFolder() const {
 }
 
 void LogFile::RotateIfFull() const {
-    uint64_t size = 0;
-    if (platform::FileSize(mPath, size) || size < kMaxLogSize)
+    const auto isFull = [this] {
+        uint64_t size = 0;
+        return !platform::FileSize(mPath, size) && size >= kMaxLogSize;
+    };
+    if (!isFull())
+        return;
+    // Of several processes that find it full one puts it aside; the others would replace what that one put there.
+    platform::FileLock lock;
+    if (lock.Acquire(mPath + ".lock", false) || !isFull())
         return;
     std::error_code ignored;  // better a log that goes on than none; the next line tries again
     std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(mPath + ".1"), ignored);
