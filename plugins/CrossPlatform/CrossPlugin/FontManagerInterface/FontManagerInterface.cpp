@@ -79,10 +79,8 @@ bool FontManagerInterface::CreateFontManager() {
     const std::string pluginVersion = StringValueFromVersionResourceCopy("PrivateBuild");
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
                version.c_str(), pluginVersion.c_str());
-    if (!VersionsAreCompatible(pluginVersion, version)) {
-        VPILoader::GetSharedInstance()->Unbind();
+    if (!VersionsAreCompatible(pluginVersion, version))
         return false;
-    }
     VPILoader::GetSharedInstance()->LogIntoFontManager();
     sm_pFontManager = mFontManagers.emplace_back(std::move(fontManager)).get();
     SetFontManagerAccess(this);

@@ -94,10 +94,6 @@ void VPILoader::FindAndLoad() {
     Validate(Expectation::kAllBound);
 }
 
-void VPILoader::Unbind() {
-    Bind(nullptr);
-}
-
 void VPILoader::LogIntoFontManager() {
     SetTraceSink(&fontManagerLog);
 }

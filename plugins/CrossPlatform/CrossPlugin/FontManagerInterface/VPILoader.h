@@ -35,9 +35,6 @@ public:
     /// false.
     bool IsLoaded(std::string* path, std::string* version, uint32_t* missingCount) const;
 
-    /// The library turned out to be of a version that does not go with the core: from now on no function of
-    /// it can be called.
-    void Unbind();
     /// From now on the trace goes into the font manager's log as well, once logging is switched on.
     void LogIntoFontManager();
 
