@@ -4,4 +4,8 @@ namespace platform {
 
 const bool kIsLinux = true;
 
+uint32_t SessionNumber() {
+    return 0;
+}
+
 }  // namespace platform

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "WideText.h"
+#include "platform/System.h"
 
 namespace platform {
 namespace {
@@ -14,14 +15,12 @@ namespace {
 class SessionKey {
 public:
     SessionKey() {
-        DWORD session = 0;
-        ProcessIdToSessionId(GetCurrentProcessId(), &session);
         // What is made along the way to a key that goes with the session goes with it as well.
         HKEY maker = nullptr;
         if (RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Vantorix", 0, nullptr, 0, KEY_QUERY_VALUE, nullptr,
                             &maker, nullptr) == ERROR_SUCCESS)
             RegCloseKey(maker);
-        const std::wstring name = L"Software\\Vantorix\\FontsInTable\\" + std::to_wstring(session);
+        const std::wstring name = L"Software\\Vantorix\\FontsInTable\\" + std::to_wstring(SessionNumber());
         if (RegCreateKeyExW(HKEY_CURRENT_USER, name.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
                             KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, &mKey, nullptr) != ERROR_SUCCESS)
             mKey = nullptr;

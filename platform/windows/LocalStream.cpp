@@ -285,7 +285,8 @@ void LocalAcceptor::Close() {
 
 std::vector<std::string> LocalStreamAddresses(const std::string& maker, const std::string& program,
                                               const std::string& dataFolder) {
-    const std::string name = kPipeFolder + maker + "-" + program + "-" + TextHash(dataFolder);
+    const std::string name = kPipeFolder + maker + "-" + program + "-" + TextHash(dataFolder) + "-" +
+                             std::to_string(SessionNumber());
     return {name, name + "-" + RandomDigits()};
 }
 

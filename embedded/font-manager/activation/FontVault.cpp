@@ -45,11 +45,7 @@ std::string FolderOf(const std::string& path) {
     return platform::Utf8Text(platform::Utf8Path(path).parent_path());
 }
 
-// Where incomplete copies are kept, and where damaged files are put.
-std::string IncomingFolder(const std::string& vault) {
-    return vault + platform::kPathSeparator + "incoming";
-}
-
+// Where damaged files are put.
 std::string DamagedFolder(const std::string& vault) {
     return vault + platform::kPathSeparator + "damaged";
 }
@@ -91,6 +87,11 @@ std::vector<std::string> ShardedFiles(const std::string& folder) {
     return files;
 }
 
+FontVault::FontVault(std::string folder, uint32_t session)
+    : mFolder(std::move(folder)),
+      mIncoming(mFolder + platform::kPathSeparator + "incoming" +
+                (session == 0 ? "" : "-" + std::to_string(session))) {}
+
 bool FontVault::Has(const FontFile& file) const {
     uint64_t size = 0;
     return !platform::FileSize(PathOf(file), size) && size == file.size;
@@ -102,9 +103,9 @@ bool FontVault::IsIntact(const FontFile& file, const StopFlag& isStopped) const 
 
 FontVault::Outcome FontVault::Receive(platform::ReadOnlyFile& source, const StopFlag& isStopped,
                                       ReceivedFile& received, platform::SystemError& error) const {
-    error = platform::MakePrivateFolder(IncomingFolder(mFolder));
+    error = platform::MakePrivateFolder(mIncoming);
     if (!error)
-        error = received.copy.Open(IncomingFolder(mFolder));
+        error = received.copy.Open(mIncoming);
     if (error)
         return Outcome::kUnwritable;
     Checksum checksum;
@@ -172,7 +173,7 @@ std::string FontVault::SetAside(const std::string& path) const {
 
 FontVault::Survey FontVault::LookAround(const std::vector<FontFile>& known) const {
     Survey survey;
-    survey.removed = RemoveAll(IncomingFolder(mFolder));
+    survey.removed = RemoveAll(mIncoming);
     std::set<std::string> wanted;
     for (const FontFile& file : known)
         wanted.insert(PathOf(file));

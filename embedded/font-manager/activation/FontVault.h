@@ -33,7 +33,8 @@ struct ReceivedFile {
 /// Any thread; one at a time for the same file.
 class FontVault {
 public:
-    explicit FontVault(std::string folder) : mFolder(std::move(folder)) {}
+    /// `session`: that of Locations; agents of other sessions receive files at the same time.
+    explicit FontVault(std::string folder, uint32_t session = 0);
 
     const std::string& Folder() const { return mFolder; }
     /// Where the file is kept: here, or where the system has it.
@@ -75,6 +76,7 @@ public:
 
 private:
     const std::string mFolder;
+    const std::string mIncoming;  ///< where incomplete copies are kept
 };
 
 }  // namespace pellwick

@@ -31,10 +31,11 @@ FontManager::FontManager(const Locations& places)
       smartLists(database),
       documents(database),
       settings(database),
-      vault(places.vaultFolder),
+      vault(places.vaultFolder, places.session),
       activeFonts(MakeActiveFonts(places.linkFolder, vault)),
       previews(places.previewFolder) {
-    PrepareSchema(database);
+    PrepareSchema(database, locations.session);
+    (void)database.HasChangedElsewhere();  // what comes from here on
 }
 
 FontVault::Survey FontManager::LookAroundVault() {

@@ -119,12 +119,25 @@ void Server::WatchGround() {
 void Server::CheckGround() {
     if (mLock.IsInPlace()) {
         mAddress.Check();
+        FollowOtherSessions();
         WatchGround();
         return;
     }
     mLog.WriteLine("the agent ends: " + mManager.locations.lockPath +
                    " is gone or another file, so that another agent may serve");
     Stop();
+}
+
+/// What the user has agents of other sessions activate, add and remove holds here too.
+void Server::FollowOtherSessions() {
+    try {
+        if (!mManager.database.HasChangedElsewhere())
+            return;
+        mManager.RepairActiveFonts();
+        Announce(kPluginCallback_PanelDataChanged, nullptr);
+    } catch (const DatabaseError& error) {
+        Note(std::string("following other sessions: ") + error.what());
+    }
 }
 
 /// A client whose process cannot be examined is not admitted: nobody could tell when its leases end. Perhaps

@@ -54,6 +54,7 @@ private:
 
     void WatchGround();
     void CheckGround();
+    void FollowOtherSessions();
     void Admit(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
     void AdmitLater(const std::shared_ptr<platform::LocalStream>& stream, Deadline deadline);
     void Open(platform::LocalStream stream, const HostProcess& process);

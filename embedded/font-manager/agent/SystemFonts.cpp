@@ -102,6 +102,8 @@ void Record(FontManager& manager, std::vector<SystemFontReading::ReadFile>& read
     const auto workgroup = manager.workgroups.FirstOfType(kWorkgroupType_System);
     Transaction transaction(manager.database, Durability::kProcess);
     for (const auto& [file, faces] : read) {
+        if (manager.fonts.IsSystemFileKnown(file.path))  // by now: another session's agent reads them too
+            continue;
         const int64_t fileID = manager.fonts.Add(file, faces);
         for (const Font& font : manager.fonts.FontsOfFile(fileID))
             manager.workgroups.AddFont(workgroup ? workgroup->id : 0, font.id);

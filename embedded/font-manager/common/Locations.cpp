@@ -5,6 +5,7 @@
 
 #include "platform/Files.h"
 #include "platform/Folders.h"
+#include "platform/System.h"
 
 namespace pellwick {
 namespace {
@@ -28,8 +29,11 @@ Locations Locations::OfThisUser() {
     locations.dataFolder = Join(vantorix, "Pellwick");
     locations.databasePath = Join(locations.dataFolder, "fonts.sqlite");
     locations.vaultFolder = Join(locations.dataFolder, "vault");
-    locations.lockPath = Join(locations.dataFolder, "agent.lock");
-    locations.addressPath = Join(locations.dataFolder, "agent.address");
+    locations.session = platform::SessionNumber();
+    const std::string agent =
+        "agent" + (locations.session == 0 ? "" : "-" + std::to_string(locations.session));
+    locations.lockPath = Join(locations.dataFolder, agent + ".lock");
+    locations.addressPath = Join(locations.dataFolder, agent + ".address");
     locations.linkFolder = Join(Join(userData, "fonts"), "Vantorix");
     const std::string cache = Join(KnownPath(platform::KnownFolder::kCache), "Vantorix");
     locations.previewFolder = Join(Join(cache, "Pellwick"), "previews");

@@ -2,17 +2,19 @@
 // because they all compute them here, from the user's data folder.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace pellwick {
 
 struct Locations {
-    std::string dataFolder;      ///< everything below is this agent's own
+    uint32_t session = 0;        ///< see platform::SessionNumber; an agent serves one session
+    std::string dataFolder;      ///< shared by the agents of the user's sessions
     std::string databasePath;    ///< fonts, workgroups, activations, settings
     std::string vaultFolder;     ///< the font files, by checksum
-    std::string lockPath;        ///< held by the running agent
-    std::string addressPath;     ///< text file: where the running agent listens
+    std::string lockPath;        ///< held by the session's running agent
+    std::string addressPath;     ///< text file: where that one listens
     std::string linkFolder;      ///< active fonts, where every program of the user finds them
     std::string previewFolder;   ///< images of fonts' names, which can be made anew
     std::string logFolder;       ///< logs of the agent and of plug-ins

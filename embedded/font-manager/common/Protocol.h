@@ -30,7 +30,7 @@ namespace pellwick {
 /// Goes up with every change of what is there already. A method that an older agent does not have it refuses.
 constexpr int kProtocolVersion = 1;
 /// The layout of the agent's database, which GetAreSchemaVersionsInSync asks about.
-constexpr int kSchemaVersion = 6;
+constexpr int kSchemaVersion = 7;
 
 /// What messages and what is in them call their members. Records of fonts, workgroups and smart lists also
 /// hold those of FontRecordKeys.h and TarnwickPluginInterface.h.

@@ -33,8 +33,8 @@ bool ActivationStore::RemoveUserActivation(uint32_t fontID) {
 void ActivationStore::AddLease(uint32_t fontID, const LeaseTerms& terms) {
     mDatabase
         .Prepare(
-            "INSERT OR IGNORE INTO leases (font_id, process, start_time, purpose, document, request)"
-            " VALUES (?, ?, ?, ?, ?, ?)")
+            "INSERT OR IGNORE INTO leases (font_id, process, start_time, purpose, document, request, session)"
+            " VALUES (?, ?, ?, ?, ?, ?, (SELECT number FROM own_session))")
         .Bind(fontID, terms.host.process, terms.host.startTime, static_cast<int>(terms.purpose),
               terms.document, terms.request)
         .Run();

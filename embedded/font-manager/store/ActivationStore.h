@@ -1,4 +1,4 @@
-// Who holds which font active: the user, and host processes for their documents.
+// Who holds which font active: the user, in all sessions, and host processes for their documents, each in its own.
 #pragma once
 
 #include <cstdint>

@@ -166,6 +166,13 @@ std::vector<std::string> Database::FindDamage() {
     return problems;
 }
 
+bool Database::HasChangedElsewhere() {
+    Statement query = Prepare("PRAGMA data_version");
+    query.Step();
+    const int64_t version = query.Integer(0);
+    return std::exchange(mVersionOfOthers, version).value_or(version) != version;
+}
+
 void Database::SetDurable(bool isDurable) {
     Execute(isDurable ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -85,6 +86,8 @@ public:
     /// log (https://www.sqlite.org/wal.html) beside it; false when that cannot be done now. Not within a
     /// transaction.
     bool WriteBackLog();
+    /// Whether another connection has committed something since the last call. The first call says no.
+    bool HasChangedElsewhere();
     /// Whether what is committed from now on survives a loss of power, not only the end of this process.
     void SetDurable(bool isDurable);
 
@@ -97,6 +100,7 @@ private:
     };
 
     std::unique_ptr<sqlite3, Closer> mDatabase;
+    std::optional<int64_t> mVersionOfOthers;
     std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>, std::less<>> mStatements;
 };
 

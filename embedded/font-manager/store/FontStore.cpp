@@ -17,7 +17,7 @@ namespace {
     " files.id, files.checksum, files.name, files.extension, files.size, files.path,"                       \
     " CASE WHEN files.path <> '' THEN 3 WHEN files.missing THEN 7"                                          \
     "  WHEN EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id) THEN 1"                        \
-    "  WHEN EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                      \
+    "  WHEN EXISTS (SELECT 1 FROM own_leases l WHERE l.font_id = f.id) THEN 2 ELSE 0 END,"                  \
     " w.id, w.name, w.type, f.preferred, f.glyphs, f.widths"                                                \
     " FROM fonts f JOIN files ON files.id = f.file_id"                                                      \
     " LEFT JOIN workgroups w ON w.id ="                                                                     \
@@ -30,11 +30,11 @@ static_assert(kFontActivationState_Missing == 7 && kFontActivationState_Activate
 
 #define SELECT_ACTIVE_FILE_IDS                       \
     "SELECT DISTINCT file_id FROM fonts WHERE id IN" \
-    " (SELECT font_id FROM user_activations UNION SELECT font_id FROM leases)"
+    " (SELECT font_id FROM user_activations UNION SELECT font_id FROM own_leases)"
 
 #define IS_ACTIVE                                                       \
     "(EXISTS (SELECT 1 FROM user_activations u WHERE u.font_id = f.id)" \
-    " OR EXISTS (SELECT 1 FROM leases l WHERE l.font_id = f.id))"
+    " OR EXISTS (SELECT 1 FROM own_leases l WHERE l.font_id = f.id))"
 #define IS_SYSTEMS "files.path <> ''"
 
 constexpr char kSelectActiveFontOfFile[] =
@@ -360,6 +360,10 @@ int64_t FontStore::CountActiveFiles() {
 std::vector<FontFile> FontStore::Files() {
     Statement query = mDatabase.Prepare(SELECT_FILES "WHERE path = ''");
     return AllFiles(query);
+}
+
+bool FontStore::IsSystemFileKnown(const std::string& path) {
+    return mDatabase.Prepare("SELECT 1 FROM files WHERE path = ? AND path <> ''").Bind(path).Step();
 }
 
 std::vector<FontFile> FontStore::SystemFiles() {

@@ -76,6 +76,7 @@ public:
     std::vector<FontFile> Files();
     /// The system's files, as they were read last; some hold no font that can be used.
     std::vector<FontFile> SystemFiles();
+    bool IsSystemFileKnown(const std::string& path);
     /// Up to `limit` of the vault's with a larger ID than `after`, by ID.
     std::vector<FontFile> FilesAfter(int64_t after, int limit);
     /// Adds a file and its faces; the file's new ID.

@@ -188,8 +188,22 @@ ALTER TABLE fonts ADD COLUMN glyphs TEXT NOT NULL DEFAULT '';
 ALTER TABLE fonts ADD COLUMN widths TEXT NOT NULL DEFAULT '';
 )sql";
 
-constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3,
-                                                               kVersion4, kVersion5, kVersion6};
+// A lease makes a font active in the session of its host.
+constexpr char kVersion7[] = R"sql(
+ALTER TABLE leases ADD COLUMN session INTEGER NOT NULL DEFAULT 0;
+)sql";
+
+constexpr std::array<const char*, kSchemaVersion> kVersions = {kVersion1, kVersion2, kVersion3, kVersion4,
+                                                               kVersion5, kVersion6, kVersion7};
+
+// This connection's session, and the leases that make fonts active there.
+constexpr char kOwnSession[] = R"sql(
+DROP VIEW IF EXISTS temp.own_leases;
+DROP TABLE IF EXISTS temp.own_session;
+CREATE TEMP TABLE own_session (number INTEGER);
+CREATE TEMP VIEW own_leases AS
+    SELECT * FROM leases WHERE session = (SELECT number FROM own_session);
+)sql";
 
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";
@@ -242,7 +256,7 @@ void RefuseForeign(Database& database, int64_t version, int target) {
 
 }  // namespace
 
-bool PrepareSchema(Database& database, int target) {
+bool PrepareSchema(Database& database, uint32_t session, int target) {
     const int64_t version = SchemaVersionOf(database);
     RefuseForeign(database, version, target);
     database.Execute(kSettings);
@@ -256,6 +270,10 @@ bool PrepareSchema(Database& database, int target) {
         transaction.Commit();
     }
     database.Execute("PRAGMA foreign_keys = ON");
+    if (target != kSchemaVersion)
+        return version == 0;
+    database.Execute(kOwnSession);
+    database.Prepare("INSERT INTO own_session VALUES (?)").Bind(session).Run();
     return version == 0;
 }
 

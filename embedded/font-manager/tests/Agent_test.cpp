@@ -7,6 +7,7 @@
 #include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/Folders.h"
+#include "store/Database.h"
 #include "tests/support/AgentTest.h"
 
 namespace pellwick::test {
@@ -283,6 +284,18 @@ TEST_F(Agent, TakesNoNumberForAnother) {
     // The sanitizers see the number after the largest one.
     EXPECT_EQ(client.Call("Hello", {{"protocol", int{kProtocolVersion}}, {"taken", INT64_MAX}}), 0u);
     EXPECT_EQ(client.Call("ActivateFonts", {{"fonts", {1}}}), 0u);
+}
+
+TEST_F(Agent, FollowsWhatTheAgentOfAnotherSessionRecords) {
+    Add("Sample-Bold");
+    const auto hasActiveFiles = [&](size_t count) {
+        return Eventually([&] { return mWorld.ActiveFiles().size() == count; });
+    };
+    Database database(mPlaces.databasePath);
+    database.Execute("INSERT INTO user_activations VALUES (1)");
+    EXPECT_TRUE(hasActiveFiles(1));
+    database.Execute("DELETE FROM user_activations");
+    EXPECT_TRUE(hasActiveFiles(0));
 }
 
 TEST_F(Agent, DropsASubscriberThatDoesNotRead) {

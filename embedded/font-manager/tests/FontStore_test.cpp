@@ -273,9 +273,38 @@ TEST(Database, IsAsDurableAsATransactionAsks) {
     }
 }
 
+TEST(Sessions, ALeaseMakesAFontActiveInItsOwnAndTheUserInAll) {
+    const TemporaryFolder folder;
+    Database one(folder / "database");
+    Database other(folder / "database");
+    PrepareSchema(one, 1);
+    PrepareSchema(other, 2);
+    FontStore fonts(one);
+    FontStore othersFonts(other);
+    const int64_t file = fonts.Add({0, "checksum", "font.ttf", ".ttf", 10}, {FontFace()});
+    const uint32_t font = fonts.FontsOfFile(file).front().id;
+    using States = std::pair<int32_t, int32_t>;
+    const auto states = [&] {
+        return States(fonts.Find(font)->activationState, othersFonts.Find(font)->activationState);
+    };
+    EXPECT_FALSE(other.HasChangedElsewhere());
+    ActivationStore(one).AddLease(font, {{10, 20}});
+    EXPECT_EQ(states(), States(kFontActivationState_ActivatedByPlugin, kFontActivationState_Inactive));
+    EXPECT_TRUE(fonts.IsFileActive(file));
+    EXPECT_FALSE(othersFonts.IsFileActive(file));
+    EXPECT_EQ(fonts.ActiveFiles().size(), 1u);
+    EXPECT_TRUE(othersFonts.ActiveFiles().empty());
+    EXPECT_EQ(ActivationStore(other).Hosts().size(), 1u) << "any agent ends the leases of the dead";
+    ActivationStore(one).AddUserActivation(font);
+    EXPECT_EQ(states(), States(kFontActivationState_ActivatedByUser, kFontActivationState_ActivatedByUser));
+    EXPECT_TRUE(other.HasChangedElsewhere());
+    ActivationStore(other).RemoveUserActivation(font);
+    EXPECT_FALSE(other.HasChangedElsewhere()) << "that was here";
+}
+
 TEST(Schema, UpgradesADatabaseOfTheFirstVersionOrLeavesItAsItWas) {
     Database database(":memory:");
-    EXPECT_TRUE(PrepareSchema(database, 1));
+    EXPECT_TRUE(PrepareSchema(database, 0, 1));
     database.Execute(
         "INSERT INTO files VALUES (7, 'checksum', 'font.ttf', '.ttf', 10, 0);"
         "INSERT INTO fonts VALUES (9, 7, 0, 'Sample', 'Sample', 'Regular', 'Sample', '', '1', 4);"
@@ -291,7 +320,7 @@ TEST(Schema, UpgradesADatabaseOfTheFirstVersionOrLeavesItAsItWas) {
     EXPECT_GT(SmartListStore(database).Create("All", {}), 0);
     FontStore(database).RemoveFile(7);
     EXPECT_TRUE(ActivationStore(database).Hosts().empty());
-    EXPECT_THROW(PrepareSchema(database, 1), DatabaseError);
+    EXPECT_THROW(PrepareSchema(database, 0, 1), DatabaseError);
 }
 
 ErrorCode RefusalOf(Database& database) {
