@@ -3,9 +3,9 @@
 #include <CoreFoundation++/CFRef.h>
 
 #include "CommonFunctionality.h"
-#include "DocumentFonts.h"
 #include "FontDialogs.h"
 #include "FontManagerInterface.h"
+#include "FontRequests.h"
 #include "GFile.h"
 #include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
@@ -50,9 +50,14 @@ std::string NameOf(const OneTrackedDocument& document) {
     return name.empty() ? "Untitled" : name;
 }
 
+/// Hosts may close a document behind a dialog; fonts that it was given then nobody would let go.
+bool IsOpen(const OneTrackedDocument& document) {
+    return CommonFunctionality::FindDocument(document.Identifier()) != nullptr;
+}
+
 ErrorCode ActivateFonts(OneTrackedDocument& document, CFArrayRef fonts) {
     const DialogTurn turn = CommonFunctionality::TurnToMoveFonts("DocumentCommands::ActivateFonts");
-    if (!turn)
+    if (!turn || !IsOpen(document))
         return CoreErrorCodes::kUnknownError;
     int numFontsActivated = 0;
     return CommonFunctionality::ActivateDocumentFontsSilently(numFontsActivated, document.DocumentFilePath(),
@@ -167,6 +172,9 @@ ErrorCode ResolveFonts(const OneTrackedDocument& document, CFArrayRef missingFon
         cf::Append(replacements, cf::GetDictionary(font, kGS_MatchedFontKey));
     if (cf::Count(replacements.get()) == 0)
         return CoreErrorCodes::kSuccess;
+    const DialogTurn turn = CommonFunctionality::TurnToMoveFonts("DocumentCommands::ResolveFonts");
+    if (!turn || !IsOpen(document))
+        return CoreErrorCodes::kUnknownError;
     uint32_t matchedCount = 0;
     return MarquellGlobals::GetSharedFontActivationTracker()->ActivateFontsByID(
         document.Identifier(), replacements.get(), matchedCount);

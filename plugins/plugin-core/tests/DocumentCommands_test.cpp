@@ -150,6 +150,14 @@ TEST_F(DocumentCommandsTest, MissingFontsAreNamedAndReplacedAsTheUserChooses) {
     EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), 0u);
     EXPECT_THAT(framework.shownDialogs, ElementsAre("ResolveFonts"));
     EXPECT_EQ(library.CallsOf("ActivateFonts"), 1);
+
+    framework.whileDialogShows = [] {
+        AllTrackedDocuments& documents = AllTrackedDocuments::GetSharedInstance();
+        if (const auto open = documents.FindTrackedDocumentByIdentifier("ID"))
+            documents.RemoveClosedDocument(*open, MarquellGlobals::GetSharedFontActivationTracker());
+    };
+    EXPECT_EQ(DocumentCommands::HandleCheckDocumentFonts(document, fonts), kNotCompleted);
+    EXPECT_EQ(library.CallsOf("ActivateFonts"), 1) << "the host closed it behind the dialog";
 }
 
 TEST_F(DocumentCommandsTest, ADocumentThatIsNotOpenIsNamed) {
