@@ -68,6 +68,8 @@ ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSO
 }
 
 ErrorCode MarquellPanel::Send(const PanelMessage& message) {
+    if (mIsClosed)
+        return CoreErrorCodes::kNotInitialized;
     std::string responseMessage;
     if (const ErrorCode code = message.Write(responseMessage))
         return code;

@@ -86,6 +86,7 @@ TEST_F(FontListTest, TheFileStaysUntilThePanelOrTheHostIsDone) {
     EXPECT_FALSE(IsFileThere());
     library.given.clear();
     EXPECT_TRUE(Send(R"({"messageID":40,"smartListID":3})").empty()) << "the host has quit";
+    EXPECT_EQ(panel.SetEnabled(false), CoreErrorCodes::kNotInitialized) << "and hears nothing more";
     EXPECT_TRUE(Calls().empty());
 }
 
