@@ -192,11 +192,17 @@ endfunction()
 
 # plugincore_version(TARGET [FILE_VERSION V] [PRIVATE_BUILD V] [INTERNAL_NAME V] [HOST_APP_MINIMUM_VERSION V]
 #                    [DESCRIPTION TEXT] [STRINGS ID.LANGUAGE=TEXT ...])
-# Gives a binary the version pairs that platform/VersionResource.h reads back. Windows shows the description to users,
+# Gives a binary the version pairs that platform/VersionResource.h reads back; both versions are the project's unless they
+# are named. Windows shows the description to users,
 # and programs tell it there what they are made for. Elsewhere STRINGS stand for string resources.
 function(plugincore_version target)
   cmake_parse_arguments(ARG "" "FILE_VERSION;PRIVATE_BUILD;INTERNAL_NAME;HOST_APP_MINIMUM_VERSION;DESCRIPTION"
     "STRINGS" ${ARGN})
+  foreach(version IN ITEMS FILE_VERSION PRIVATE_BUILD)
+    if(NOT DEFINED ARG_${version})
+      set(ARG_${version} "${PROJECT_VERSION}.0")
+    endif()
+  endforeach()
   if(WIN32)
     set(language RC)
     set(template version-resource.rc.in)
@@ -225,10 +231,6 @@ function(plugincore_version target)
   endif()
   string(REPLACE "." "," VERSION_NUMBERS "${ARG_FILE_VERSION}")
   string(REPLACE "." "," PRODUCT_NUMBERS "${PROJECT_VERSION}")
-  set(VERSION_FLAGS 0)
-  if(DEFINED ARG_PRIVATE_BUILD)
-    set(VERSION_FLAGS VS_FF_PRIVATEBUILD)
-  endif()
   get_target_property(type ${target} TYPE)
   get_target_property(VERSION_FILE_NAME ${target} OUTPUT_NAME)
   if(NOT VERSION_FILE_NAME)

@@ -21,7 +21,7 @@ void CheckMessage(std::string_view payload) {
     const Json& result = message->contains("result") ? message->at("result") : *message;
     const Json once = JsonFromCF(CFFromJson(result).get());
     const Json twice = JsonFromCF(CFFromJson(once).get());
-    // As messages: numbers that are none are no number's equal.
+    // As messages: not-a-number equals nothing.
     Require(EncodeMessage(twice) == EncodeMessage(once), "objects and values stand for one another");
     AddPreviews(cf::MutableDictionary().get(), ArrayMember(result, "previews"));
     Require(!FailureText(static_cast<ErrorCode>(IntegerMember(result, "code")), result).empty(),

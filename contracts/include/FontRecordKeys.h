@@ -28,7 +28,7 @@
     X(kGS_WhereKey, "where")       /* in which part of the document, for people: "pages 1-3" */             \
     X(kGS_EmbeddedKey, "embedded") /* boolean: the document brings the font along */                        \
     X(kGS_SourceDocumentNameKey, "SourceDocumentName")                                                      \
-    X(kGS_DatabaseIDKey, "DatabaseID")                     /* number, 32-bit unsigned; 0 is no font */      \
+    X(kGS_DatabaseIDKey, "DatabaseID")                     /* number, 32-bit unsigned; 0 is not a font */      \
     X(kGS_PossibleReplacementsKey, "PossibleReplacements") /* dictionary, PostScript name -> font record */ \
     X(kGS_ActivationStateKey, "ActivationStatus")          /* number, see FontActivationState */            \
     X(kGS_MatchedFontKey, "MatchedFont")                   /* dictionary, a font record */                  \
@@ -61,6 +61,10 @@ enum WorkgroupType {
     kWorkgroupType_GoogleLibrary = 8,
     kWorkgroupType_TypekitLibrary = 12
 };
+
+/* Names that stand for a word of the user's language. */
+#define WORKGROUP_NAME_FONT_LIBRARY "Font Library (LOCALIZE ME)"
+#define WORKGROUP_NAME_GOOGLE_LIBRARY "Google Library (LOCALIZE ME)"
 
 /* Workgroup IDs that are no workgroup of the font manager's. */
 enum {

@@ -2,8 +2,8 @@
  * The host's panel event service, as a host hands it to RegisterPlugPlug and TryRegisterPlugPlug.
  *
  * Strings are UTF-8, zero-terminated, and owned by the caller for the length of the call. Calls are made
- * from within those of the host, on their thread; what the service delivers counts as a call of the host, and comes
- * on one thread at a time with the others. A service outlives the library that it was registered with. Its functions return: no
+ * from within those of the host, on their thread. Events that the service delivers count as calls of the host: one
+ * at a time with all others. A service outlives the library that it was registered with. Its functions return: no
  * exception and no longjmp leaves them.
  */
 #ifndef PLUGPLUG_H

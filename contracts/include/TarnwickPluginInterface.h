@@ -500,7 +500,7 @@ enum PluginPermission {
      *   outIsRunning  out
      */ \
     X(GetIsReplicationRunning, (PluginFacadeRef facade, bool* outIsRunning)) \
-    /* How.
+    /* How records are being fetched.
      *
      *   outMode  out: a PluginReplicationMode.
      */ \
@@ -607,7 +607,7 @@ enum PluginPermission {
      * Returns, beside success:
      *   CoreErrorCodes::kItemAlreadyExists   another list has the name.
      *   CoreErrorCodes::kMissingParam        a blank name.
-     *   CoreErrorCodes::kInvalidParam        what is no ID, or a name that is too long or holds what cannot
+     *   CoreErrorCodes::kInvalidParam        an element that is not an ID, or a name that is too long or holds what cannot
      *                                        be seen.
      *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
      */ \
@@ -622,7 +622,7 @@ enum PluginPermission {
      *
      * Returns, beside success:
      *   GZephyrinSetManager::kSetNotFound    an unknown list.
-     *   CoreErrorCodes::kInvalidParam        what is no ID.
+     *   CoreErrorCodes::kInvalidParam        what is not an ID.
      *   GZephyrinServerFacade::kNotLoggedIn  nobody is logged in.
      */ \
     X(SetSmartListQuery, (PluginFacadeRef facade, int32_t smartListID, CFArrayRef workgroupIDs, \

@@ -73,7 +73,7 @@ public:
                                   CFMutableArrayRef skippedFonts) = 0;
     virtual bool ShowRestrictedFonts(CFArrayRef fonts, bool onlyNew) = 0;
     /// Asks for an existing folder or one to be made. `initialFolder` may be null. `*outNewFolder` is a full
-    /// path, owned by the caller; empty when what was chosen is no folder of a file system.
+    /// path, owned by the caller; empty when what was chosen is not a folder of a file system.
     virtual bool ShowChooseFolder(CFStringRef prompt, CFStringRef initialFolder,
                                   CFStringRef* outNewFolder) = 0;
 

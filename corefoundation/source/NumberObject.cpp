@@ -76,7 +76,7 @@ template <class Target>
 Converted<Target> Convert(SInt64 value) {
     if constexpr (std::is_floating_point_v<Target>) {
         const auto target = static_cast<Target>(value);
-        // 2 to the 63rd is what large values round up to; it is no SInt64.
+        // 2 to the 63rd is what large values round up to; it is not an SInt64.
         return {target, target < static_cast<Target>(kTwoTo63) && static_cast<SInt64>(target) == value};
     } else {
         using Limits = std::numeric_limits<Target>;

@@ -29,7 +29,7 @@ std::string Tag(Kind kind) {
 Kind KindOf(std::string_view name) {
     const auto* const found = std::find(kNames.begin(), kNames.end(), name);
     if (found == kNames.end())
-        throw PropertyListError("<" + std::string(name) + "> is no element of a property list");
+        throw PropertyListError("<" + std::string(name) + "> is not an element of a property list");
     return static_cast<Kind>(found - kNames.begin());
 }
 
@@ -71,7 +71,7 @@ CFRef<CFTypeRef> IntegerFrom(std::string_view text) {
     uint64_t magnitude = 0;
     const uint64_t highest = isNegative ? uint64_t{1} << 63 : INT64_MAX;
     if (!ParseWhole(digits, magnitude, isHexadecimal ? 16 : 10) || magnitude > highest)
-        throw PropertyListError("\"" + std::string(text) + "\" is no integer of 64 bits");
+        throw PropertyListError("\"" + std::string(text) + "\" is not an integer of 64 bits");
     return Made(cf::Number(static_cast<int64_t>(isNegative ? 0 - magnitude : magnitude)));
 }
 
@@ -80,7 +80,7 @@ CFRef<CFTypeRef> RealFrom(std::string_view text) {
     digits.remove_prefix(digits.starts_with('+') && !digits.starts_with("+-") ? 1 : 0);
     double value = 0;
     if (!ParseWhole(digits, value))
-        throw PropertyListError("\"" + std::string(text) + "\" is no real number");
+        throw PropertyListError("\"" + std::string(text) + "\" is not a real number");
     return Made(cf::RealNumber(value));
 }
 

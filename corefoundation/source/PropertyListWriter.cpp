@@ -139,7 +139,7 @@ void Writer::Dictionary(const CFDictionary& dictionary) {
     dictionary.ForEach([this](const auto& entry) {
         const auto* key = static_cast<const Object*>(entry.key);
         if (key == nullptr || key->Type() != kStringType)
-            throw std::invalid_argument("a key is no string");
+            throw std::invalid_argument("a key is not a string");
         Text("key", static_cast<const CFString*>(key)->Utf8());
         Value(entry.value);
     });

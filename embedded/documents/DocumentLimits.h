@@ -1,4 +1,4 @@
-// What a document may cost whoever reads it.
+// Limits on reading one document.
 #pragma once
 
 #include <cstddef>

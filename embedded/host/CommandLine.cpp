@@ -65,7 +65,7 @@ void DescribeProgram(CLI::App& program, CommandLine& line) {
     program.footer(kExitStatusHelp);
     program.require_subcommand(1);
     program.fallthrough();
-    // A path that begins with "/" is no option; subcommands take this over.
+    // A path that begins with "/" is not an option; subcommands take this over.
     program.allow_windows_style_options(false);
     AddText(program, "--app", line.host.app, "The host application to pass for")
         ->default_str(line.host.app)

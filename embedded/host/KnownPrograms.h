@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// The host application to pass for when going on as the program; `otherwise` for one that is none on this system, and for
+/// The host application to pass for when going on as the program; `otherwise` for one that is not a host on this system, and for
 /// none at all.
 std::string HostOfProgram(const std::vector<std::string>& program, const std::string& otherwise);
 

@@ -94,7 +94,7 @@ int Choose(const CoreLibrary& core, const json& menu, const std::string& documen
 
 int RunMenu(const HostOptions& host, const MenuOptions& options) {
     if (!options.document.empty() && !platform::IsExistingFile(options.document)) {
-        PrintError(options.document + " is no file that can be found; give the path of a document");
+        PrintError(options.document + " was not found; give the path of a document");
         return exit_status::kFailed;
     }
     HostSession session;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FontRecordKeys.h"
+#include "Preferences.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ bool MayAsk(const CoreLibrary& core) {
     size_t size = text.size();
     if (core.GetSettings(text.data(), &size) != PLUGINCORE_SUCCESS)
         return false;
-    return json::parse(text.c_str(), nullptr, false).value("DialogSuppression", "1") == "0";
+    return json::parse(text.c_str(), nullptr, false).value(preferences::DialogSuppression, "1") == "0";
 }
 
 /// The fonts, each with the chosen one under kGS_MatchedFontKey; the others stay in `missing`.

@@ -68,7 +68,7 @@ std::vector<std::string> FindDocuments(const std::vector<std::string>& files) {
         if (const std::string path = PathOfDocument(file); platform::IsExistingFile(path))
             paths.push_back(platform::AbsolutePath(path));
         else
-            PrintError(file + " is no file that can be found; give the path of a document");
+            PrintError(file + " was not found; give the path of a document");
     }
     return paths;
 }

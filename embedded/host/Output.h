@@ -26,7 +26,7 @@ void PrintJson(const std::string& json);
 bool FlushOutput();
 
 /// "CoreErrorCodes::kNotFound" and the like; "FontsActivated", "NoPreferences", "NoFontManager" and "NotStarted" for
-/// the results that are no error codes.
+/// the results that are not error codes.
 std::string ResultName(uint32_t code);
 
 /// Rows below a heading in columns, on standard output, whatever names are in them. Columns are as wide as

@@ -12,7 +12,7 @@ public:
 
     /// Replaces what stands in the file.
     bool Open(const std::string& path);
-    /// {"to": …, "ms": since the file was opened, "message": the message; a string where it is no JSON}.
+    /// {"to": …, "ms": since the file was opened, "message": the message; a string where it is not JSON}.
     void Note(To to, const std::string& message);
     /// {"file": URL, "text": content}, of a list of fonts, which is gone when the recording is replayed.
     void NoteFile(const std::string& url, const std::string& path);

@@ -12,7 +12,7 @@
 struct PanelPost {
     std::string panel;  ///< what the page calls itself; empty for one that does not
     std::string text;   ///< as it came, JSON or not
-    /// Where it chooses a font for a document that lacks one, which is no message to the core: to be told when that was
+    /// Where it chooses a font for a document that lacks one, which is not a message to the core: to be told when that was
     /// done, for the page to get the documents then.
     std::shared_ptr<std::promise<void>> documents;
 };

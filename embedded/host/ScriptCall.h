@@ -17,7 +17,7 @@ class Arguments {
 public:
     explicit Arguments(nlohmann::json values) : mValues(std::move(values)) {}
 
-    /// A text argument; JSON that is no string is passed as its text.
+    /// A text argument; JSON that is not a string is passed as its text.
     const char* Text(const char* name) {
         const auto found = mValues.find(name);
         if (found == mValues.end() || found->is_null())

@@ -53,7 +53,7 @@ json MakeCall(ScriptHost& host, const json& request) {
     return answer;
 }
 
-/// A string is sent as it is, so that a script can send what is no JSON.
+/// A string is sent as it is, so that a script can send what is not JSON.
 json SendPanelMessage(ScriptHost& host, const json& message) {
     const std::string text = message.is_string() ? message.get<std::string>() : message.dump();
     if (!host.panels.Send(kPanelToPluginEvent, text))

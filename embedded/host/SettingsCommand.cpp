@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
 #include "Output.h"
+#include "Preferences.h"
 
 namespace {
 
@@ -34,9 +36,11 @@ void PrintSettings(const Json& settings, bool asJSON) {
     PrintTable(rows);
 }
 
-/// The core stores these texts, and answers as if it had not.
+/// The core stores these, and answers as if it had not.
 bool HoldsText(const std::string& key) {
-    return key == "LastCFOFolder" || key == "LastUsername";
+    return std::any_of(std::begin(preferences::kAll), std::end(preferences::kAll), [&](const auto& each) {
+        return each.kind == preferences::Kind::kText && each.key == key;
+    });
 }
 
 int Store(const CoreLibrary& core, const std::string& key, const std::string& value) {

@@ -26,7 +26,7 @@ struct Destroyer {
 using Surface = std::unique_ptr<cairo_surface_t, Destroyer<cairo_surface_destroy>>;
 using Context = std::unique_ptr<cairo_t, Destroyer<cairo_destroy>>;
 
-/// Draws one line in the font of the file; false when that is no font.
+/// Draws one line in the font of the file; false when that is not a font.
 bool DrawLine(cairo_t* context, FT_Library library, const char* fontFile, double y) {
     FT_Face face = nullptr;
     if (FT_New_Face(library, fontFile, 0, &face) != 0)
@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
         const Context context(cairo_create(surface.get()));
         for (int index = 2; index < argc; ++index) {
             if (!DrawLine(context.get(), library, argv[index], kLineHeight * (index - 1))) {
-                std::fprintf(stderr, "make-example-document: %s is no font file\n", argv[index]);
+                std::fprintf(stderr, "make-example-document: %s is not a font file\n", argv[index]);
                 status = 1;
             }
         }

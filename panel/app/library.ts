@@ -134,7 +134,7 @@ export class Library extends EventTarget {
 
   queryOf(id: number): Promise<MessageOf<36>> { return this.client.request({ messageID: 36, smartListID: id }); }
 
-  /** Makes a smart list, or changes one. `query`: where it is another one; nobody is told of a change that is none. */
+  /** Makes a smart list, or changes one. `query`: where it is another one; an unchanged query is not announced. */
   async save(id: number | undefined, name: string, query: Query = kEverything): Promise<void> {
     await this.attempt(async () => {
       let list = id;

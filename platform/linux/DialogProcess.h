@@ -1,4 +1,4 @@
-// The process that shows a dialog on behalf of this one, which is no place for a toolkit.
+// The process that shows a dialog on behalf of this one, which is not a place for a toolkit.
 #pragma once
 
 #include <sys/types.h>

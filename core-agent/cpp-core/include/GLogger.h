@@ -36,7 +36,7 @@ public:
 
     /// "Error", "Warning", "Warn", "Info", "Debug" and "None", exactly; kUnknown for any other text.
     static int LevelFromString(const std::string& text);
-    /// Empty for a value that is no level.
+    /// Empty for a value that is not a level.
     static std::string LevelToString(int level);
 
     /// Writes "[name]<tab>[level]<tab>text" and flushes, when the logger's level admits it. What a stream

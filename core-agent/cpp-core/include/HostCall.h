@@ -57,7 +57,7 @@ private:
     HostCall::Number mCall = 0;  ///< in which it was taken
 };
 
-/// Takes a turn that nobody has, and lets it go again. False where somebody has it. The turn outlives it.
+/// Acquires a free turn, and releases it at the end. False where somebody has it. The turn outlives it.
 class TurnHolder {
 public:
     explicit TurnHolder(Turn& turn) : mTurn(turn.IsTaken() ? nullptr : &turn) {

@@ -16,6 +16,6 @@ enum class WholeNumbers {
 nlohmann::json JSONFromCF(CFTypeRef object, int deepest, WholeNumbers wholeNumbers);
 
 /// Null for JSON's null and for what is nested deeper than `deepest` levels below `value`; members and
-/// elements that are null are left out. Bytes that are no UTF-8 are replaced by U+FFFD; a number beyond 64
+/// elements that are null are left out. Bytes that are not UTF-8 are replaced by U+FFFD; a number beyond 64
 /// bits becomes a real one.
 CFRef<CFTypeRef> CFFromJSON(const nlohmann::json& value, int deepest);

@@ -44,10 +44,10 @@ public:
     std::vector<std::pair<std::string, JSONValue>> as_map() const;
 
     /// Looks `key` up among the members of this object; the first one counts. False, with `value` untouched,
-    /// when it is absent or this is no object.
+    /// when it is absent or this is not an object.
     bool find(const std::string& key, JSONValue& value) const;
 
-    // Adds a member to this object. False, with the object as it was, when this is no object or memory runs
+    // Adds a member to this object. False, with the object as it was, when this is not an object or memory runs
     // out. `newValue` is the node that was made. Texts are UTF-8; a zero byte in one becomes U+FFFD.
     bool add_string(const std::string& key, const std::string& value, JSONValue& newValue);
     bool add_int64(const std::string& key, int64_t value, JSONValue& newValue);
@@ -81,7 +81,7 @@ private:
 /// Owns a parsed document.
 class JSONObject {
 public:
-    /// Replaces the tree by that of `text`. Throws when it is no JSON, holds a zero character or half of a
+    /// Replaces the tree by that of `text`. Throws when it is not JSON, holds a zero character or half of a
     /// surrogate pair, or is nested too deep to be taken apart again; no tree is held then. The bare text
     /// "OK", with which panels acknowledge, holds no tree either but does not throw.
     void load(const std::string& text);

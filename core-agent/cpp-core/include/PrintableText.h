@@ -19,11 +19,11 @@ bool IsPlainText(std::string_view text);
 bool IsBlank(std::string_view text);
 
 /// The text as part of one line. Such characters stand as \x1B, where below 0x80, and as \u{202E}; a byte
-/// that is no UTF-8 stands as \xFF.
+/// that is not UTF-8 stands as \xFF.
 std::string PrintableText(std::string_view text);
 
 /// A JSON text on one line, with such characters in it as \u202E. It has the same values as before; a byte
-/// that is no UTF-8 becomes U+FFFD.
+/// that is not UTF-8 becomes U+FFFD.
 std::string PrintableJson(std::string_view json);
 
 /// How many characters (code points) UTF-8 text has, and its beginning of at most so many.

@@ -18,7 +18,7 @@ struct Call {
     int indentation = 0;  ///< of the trace when it began
 };
 
-/// Hosts are to call on one thread; those that do not must not break more than themselves. Needs no memory: a call
+/// Hosts make one call at a time; those that do not must not break more than themselves. Needs no memory: a call
 /// that has none is answered for, too.
 class Calls {
 public:

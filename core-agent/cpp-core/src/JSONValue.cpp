@@ -118,7 +118,7 @@ bool IsBetween(std::optional<uint32_t> unit, uint32_t first, uint32_t last) {
 }
 
 /// Passes over the escape whose backslash stands there. False for a zero character, which would end the text,
-/// and for half of a surrogate pair, which is no character.
+/// and for half of a surrogate pair, which is not a character.
 bool SkipEscape(std::string_view text, size_t& at) {
     const auto unit = EscapedUnit(text, at);
     at += unit ? 6 : 2;

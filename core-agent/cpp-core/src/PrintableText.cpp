@@ -14,7 +14,7 @@ namespace {
 
 constexpr char32_t kNoCharacter = 0xFFFFFFFF;
 
-/// Calls `take` with each character and its bytes; bytes that are no UTF-8 come one by one, as kNoCharacter.
+/// Calls `take` with each character and its bytes; bytes that are not UTF-8 come one by one, as kNoCharacter.
 
 template <class Take>
 void ForEachCharacter(std::string_view text, const Take& take) {

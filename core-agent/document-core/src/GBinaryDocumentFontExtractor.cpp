@@ -86,7 +86,7 @@ bool IsDefaultFontAlone(const std::set<std::string>& names) {
     return names.size() == 1 && names.begin()->find(kIllustratorDefaultFont) != std::string::npos;
 }
 
-/// Takes the names of a Photoshop text layer, the first of which has index 0: the invisible font is no font
+/// Takes the names of a Photoshop text layer, the first of which has index 0: the invisible font is not a font
 /// of the user's, and ends the list unless it opens it.
 class PhotoshopNames {
 public:

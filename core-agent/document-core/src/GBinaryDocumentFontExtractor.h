@@ -39,7 +39,7 @@ public:
 
     /// Replaces `fontNames` by the PostScript names found, UTF-8, as they stand in the file. The file name's
     /// extension picks the kind of document; an unknown one has all kinds tried, for files below 1 GiB. A
-    /// document without names is no failure. On failure: the status of the file operation, after a report;
+    /// document without names is not a failure. On failure: the status of the file operation, after a report;
     /// names found before it stay, in a chunk that was read in part too. Any thread, one at a time for each
     /// extractor. Takes as long as reading the file, unless a limit is set.
     [[nodiscard]] ErrorCode ExtractFontNames(std::set<std::string>& fontNames);

@@ -32,7 +32,7 @@ struct FontNameParts {
     FontStyle style;
 };
 
-/// Reads a PostScript name or anything that is used as one. A subset tag ("ABCDEF+") is no part of it.
+/// Reads a PostScript name or anything that is used as one. A subset tag ("ABCDEF+") is not a part of it.
 FontNameParts ParsePostScriptName(std::string_view name);
 
 /// Reads the names that a font has for people. Either may be empty.

@@ -116,7 +116,7 @@ inline CFTypeRef As<CFTypeRef>(CFTypeRef object) {
     return object;
 }
 
-// Null when the text is no valid UTF-8.
+// Null when the text is not valid UTF-8.
 inline CFRef<CFStringRef> String(std::string_view utf8) {
     return AdoptCF(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
                                            static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
@@ -229,7 +229,7 @@ private:
     CFRef<CFStringRef> mString;
 };
 
-// Stores value under key; a null value, like a text that is no UTF-8, removes the key.
+// Stores value under key; a null value, like a text that is not UTF-8, removes the key.
 template <class Value>
 void Set(CFMutableDictionaryRef dictionary, const Key& key, const Value& value) {
     const CFRef<CFTypeRef> object = Object(value);

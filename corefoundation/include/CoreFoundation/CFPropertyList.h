@@ -27,7 +27,7 @@ CF_EXPORT CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef alloc
                                                             CFOptionFlags mutabilityOption,
                                                             CFStringRef* errorString);
 
-/* Writes UTF-8 XML. The caller owns the result; NULL when something in propertyList is no property list, is
+/* Writes UTF-8 XML. The caller owns the result; NULL when something in propertyList is not a property list, is
  * nested too deeply, or is a text with characters that XML cannot express. Values in collections must be
  * objects. */
 CF_EXPORT CFDataRef CFPropertyListCreateXMLData(CFAllocatorRef allocator, CFPropertyListRef propertyList);

@@ -17,7 +17,7 @@ std::optional<unsigned> DigitValue(char digit) {
     return lower >= 'a' && lower <= 'f' ? std::optional<unsigned>(lower - 'a' + 10) : std::nullopt;
 }
 
-/// Bytes that stand as pairs of hexadecimal digits, up to the first that is none.
+/// Bytes that stand as pairs of hexadecimal digits, up to the first other character.
 std::string BytesOf(std::string_view digits) {
     std::string bytes;
     for (size_t at = 0; at + 1 < digits.size(); at += 2) {

@@ -1,4 +1,4 @@
-// The process that reads documents for the host program. It has read what nobody vouches for, so it gets at
+// The process that reads documents for the host program. It reads untrusted files, so it has access to
 // nothing, and the program starts another one when it ends.
 #include "DocumentLimits.h"
 #include "Readers.h"

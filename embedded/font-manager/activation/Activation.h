@@ -69,7 +69,7 @@ private:
     Transaction mTransaction;
 };
 
-/// Ends the leases of hosts that are no more. `isAlive` tells whether a process still is.
+/// Ends the leases of hosts that have ended. `isAlive` tells whether a process still is.
 template <class IsAlive>
 ActivationChanges EndLeasesOfDeadHosts(ActivationStore& activations, Activation& activation,
                                        IsAlive isAlive) {

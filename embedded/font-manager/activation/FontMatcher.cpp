@@ -65,7 +65,7 @@ std::vector<Font> FindByStyle(FontStore& fonts, const std::string& family, const
 }
 
 /// The fonts of a family that has one style alone, whatever that is called. Of others none can be meant by the family's
-/// name: where the regular is missing, "Condensed" comes near and is no match.
+/// name: where the regular is missing, "Condensed" comes near and is not a match.
 std::vector<Font> FindOnlyStyle(FontStore& fonts, const std::string& family) {
     std::vector<Font> found = fonts.FindByFamily(family);
     const auto styleOf = [](const Font& font) { return ParseFamilyAndStyle(font.family, font.style).style; };

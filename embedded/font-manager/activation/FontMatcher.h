@@ -26,7 +26,7 @@ std::vector<Font> MatchFonts(FontStore& fonts, const RequestedFont& request);
 
 /// How the font came to match, for people; empty when it is the font of that PostScript name and no more.
 std::string MatchReason(const Font& font, const RequestedFont& request);
-/// In what the font, which is no match, comes near: "same family, Bold instead of SemiBold".
+/// In what the font, which is not a match, comes near: "same family, Bold instead of SemiBold".
 std::string ReplacementReason(const Font& font, const RequestedFont& request);
 
 /// The index of the best of fonts that match the same request; 0 when there are none.

@@ -55,7 +55,7 @@ public:
     platform::SystemError Place(ReceivedFile& received, const FontFile& file) const;
     /// Gives a file the place of another one of the same content; false when that cannot be done.
     bool Rename(const FontFile& file, const FontFile& target) const;
-    /// Removes the file; a missing one is no error.
+    /// Removes the file; a missing one is not an error.
     platform::SystemError Remove(const FontFile& file) const;
 
     /// The checksum by which a file of the vault is called.

@@ -33,7 +33,7 @@ public:
         return {database, fonts, activations, *activeFonts, durability};
     }
     /// Looks at what the vault holds: removes what interrupted commands left there, and notes which files are
-    /// gone or there again. What no record knows stays, for who takes it back.
+    /// gone or there again. Files without a record stay, to be taken back later.
     FontVault::Survey LookAroundVault();
     /// Makes the fonts that programs see match the records.
     ActiveFonts::Repairs RepairActiveFonts();

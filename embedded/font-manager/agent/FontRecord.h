@@ -10,7 +10,7 @@
 namespace pellwick {
 
 Json FontRecord(const FontManager& manager, const Font& font);
-/// The same, for whoever compares fonts.
+/// The same with checksums, to compare fonts by.
 Json FontRecordWithFingerprint(const FontManager& manager, const Font& font);
 Json FontRecords(const FontManager& manager, const std::vector<Font>& fonts);
 Json WorkgroupRecord(const Workgroup& workgroup);

@@ -14,7 +14,7 @@ std::string NewName(const Json& arguments, const char* member, const std::string
     if (IsBlank(name))
         throw CommandError(CoreErrorCodes::kMissingParam, "give " + what);
     const char* fault = name.size() > kMaxNameSize ? "is too long; choose a shorter one"
-                        : !IsValidUtf8(name)       ? "is no text in UTF-8; type it anew"
+                        : !IsValidUtf8(name)       ? "is not valid UTF-8; type it again"
                         : !IsPlainText(name) ? "holds characters that cannot be seen; type it without them"
                                              : nullptr;
     if (fault != nullptr)

@@ -23,7 +23,7 @@ struct SystemFontReading {
     std::vector<FontFile> unread{};  ///< files that are new or have changed, last one first
     struct ReadFile {
         FontFile file;
-        std::vector<FontFace> faces;  ///< none where it is no font that can be used
+        std::vector<FontFace> faces;  ///< none where it is not a font that can be used
     };
     std::vector<ReadFile> read{};
     size_t count = 0;           ///< of files that were new or had changed

@@ -128,7 +128,7 @@ FoundFile LookInto(const FontVault& vault, const std::string& path, FontWorker& 
     else if (!result.isJudged)
         found.problem = path + " stays where it is, and the next start tries again (" + result.reason + ")";
     else
-        found.problem = path + " is no font (" + result.reason + ")" + WhereAside(vault, path);
+        found.problem = path + " is not a font (" + result.reason + ")" + WhereAside(vault, path);
     return found;
 }
 

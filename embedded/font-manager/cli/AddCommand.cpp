@@ -29,7 +29,7 @@ struct AddResult {
     Json failures = Json::array();
     Json leftOut = Json::array();  ///< links in folders that are not followed
     Json unseen = Json::array();   ///< what was added, of kinds that this system shows to no program
-    int skipped = 0;               ///< files in folders that are no fonts
+    int skipped = 0;               ///< files in folders that are not fonts
 };
 
 void Note(Json& list, const fs::path& path, const std::string& reason) {
@@ -80,7 +80,7 @@ std::vector<FoundFile> FindFiles(const std::vector<std::string>& paths, AddResul
     return files;
 }
 
-/// Fonts come with licences, read-me files and forms for the web; what is in a folder and is no font to use
+/// Fonts come with licences, read-me files and forms for the web; what is in a folder and is not a font to use
 /// is left alone.
 bool IsOfNoConcern(const FoundFile& file, ErrorCode code) {
     return !file.isNamed && code == error_codes::GFontToolResults::kNotAFontFile;

@@ -19,7 +19,7 @@ void DescribeProgram(CLI::App& app, Arguments& arguments) {
     app.add_flag("--json", arguments.options.json, "Print JSON, for programs");
     app.add_flag("--no-start", arguments.options.noStart, "Do not start an agent when none runs");
     app.require_subcommand(0, 1);
-    // A path that begins with "/" is no option; subcommands take this over.
+    // A path that begins with "/" is not an option; subcommands take this over.
     app.allow_windows_style_options(false);
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
         return "Pellwick: " + exact_words::FailureText(error) + "; see \"Pellwick --help\"\n";

@@ -16,7 +16,7 @@ Json IDsFromCF(CFArrayRef fonts);
 /// Null for JSON's null.
 CFRef<CFTypeRef> CFFromJson(const Json& value);
 
-/// Appends what is in the JSON array; null is no array.
+/// Appends what is in the JSON array; null is not an array.
 void AppendJson(CFMutableArrayRef array, const Json& values);
 
 /// Adds the images of fonts' names to a dictionary: by the font's ID, their paths.

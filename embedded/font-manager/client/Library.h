@@ -11,7 +11,7 @@
 
 #include "ErrorCodes.h"
 #include "TarnwickPluginInterface.h"
-#include "client/MissingFonts.h"
+#include "client/MissingFontNotes.h"
 #include "client/NotificationListener.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Processes.h"
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] ErrorCode CheckFacade(PluginFacadeRef facade);
 
     NotificationListener& Listener() { return mListener; }
-    MissingFonts& Missing() { return mMissing; }
+    MissingFontNotes& Missing() { return mMissing; }
     /// Lets go of the connection and stops the listener.
     void CleanUp();
 
@@ -75,7 +75,7 @@ private:
     Clock::time_point mBeginOfRow{};  ///< of calls that followed one another without a pause
     Clock::time_point mLastEnd{};     ///< of a call
     NotificationListener mListener;
-    MissingFonts mMissing;
+    MissingFontNotes mMissing;
 };
 
 }  // namespace pellwick

@@ -13,7 +13,7 @@ namespace pellwick {
 namespace {
 
 constexpr size_t kMaxFileNameSize = 255;
-/// What is longer is no extension but a part of the name.
+/// What is longer is not an extension but a part of the name.
 constexpr size_t kMaxExtensionSize = 16;
 
 size_t ExtensionOf(const std::string& name) {

@@ -127,7 +127,7 @@ CollectedFont FontCollector::Copy(const Json& font) {
     return {Outcome::kCopied, std::move(entry)};
 }
 
-/// What cannot be copied is no reason to go without the font.
+/// What cannot be copied is not a reason to go without the font.
 Json FontCollector::CopyLicences(const std::string& fontPath) {
     Json copies = Json::array();
     const std::string folder = PathInFolder(mFolder, kLicenceFolder);

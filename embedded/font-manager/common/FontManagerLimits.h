@@ -37,7 +37,7 @@ constexpr std::chrono::milliseconds kCallLimit{4400};
 constexpr std::chrono::milliseconds kPartsLimit{2000};
 constexpr size_t kMaxFontsPerRequest = 2000;
 constexpr size_t kMaxFontsSize = size_t{2} << 20;
-/// A host that pauses for so long after an answer has done something else than to wait for the next one.
+/// A host that pauses for so long after an answer was doing something other than waiting for the next one.
 constexpr std::chrono::milliseconds kHostPause{2};
 /// How long what a host activated without learning of it stays, in case it asks for the same again.
 constexpr std::chrono::milliseconds kUndoDelay{1000};

@@ -38,7 +38,7 @@ public:
     /// time, GAgentIF::kShutdown when it said that it ends; both for every later call as well.
     [[nodiscard]] ErrorCode Call(const char* method, const Json& arguments, Json& result);
 
-    // The steps of a call, for who paces them.
+    // The steps of a call, for callers that pace them themselves.
 
     /// Connects and greets the agent, unless that is done. `greeting`: members that the greeting has beside
     /// the version. When the agent does not answer in time the answer can still be waited for with another

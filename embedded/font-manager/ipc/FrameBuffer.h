@@ -19,7 +19,6 @@ public:
     /// Takes the next whole frame's payload out; nothing when more bytes are needed or the stream is broken.
     std::optional<std::string> Next();
     /// The memory that it holds, in bytes.
-    size_t Capacity() const { return mBytes.capacity(); }
     /// Whether nothing is left in it.
     bool IsEmpty() const { return mTaken == mBytes.size(); }
     /// Whether a frame was announced that is larger than a message may be; nothing follows it.

@@ -38,7 +38,7 @@ private:
     Json* mValue;
 };
 
-/// The message in a frame's payload; nothing when the payload is no MessagePack object, goes on after it, is
+/// The message in a frame's payload; nothing when the payload is not a MessagePack object, goes on after it, is
 /// nested too deeply or holds more than kMaxMessageValues. Any bytes are safe.
 std::optional<Json> DecodeMessage(std::string_view payload);
 

@@ -23,7 +23,7 @@ public:
     FontScanner& operator=(const FontScanner&) = delete;
 
     /// The faces in a font file's content: each member of a collection, each named instance of a variable
-    /// font. Empty when it is no font that can be used; `reason` then says why, for people. Any bytes are
+    /// font. Empty when it is not a font that can be used; `reason` then says why, for people. Any bytes are
     /// safe.
     std::vector<FontFace> Scan(std::string_view content, std::string& reason);
 

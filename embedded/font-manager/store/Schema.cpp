@@ -208,7 +208,7 @@ CREATE TEMP VIEW own_leases AS
 void AddFirstWorkgroups(Database& database) {
     auto addWorkgroup = "INSERT INTO workgroups (name, type) VALUES (?, ?)";
     // The name is a mark that those who show it replace by a word of the user's language.
-    database.Prepare(addWorkgroup).Bind("Font Library (LOCALIZE ME)", int{kWorkgroupType_FontLibrary}).Run();
+    database.Prepare(addWorkgroup).Bind(WORKGROUP_NAME_FONT_LIBRARY, int{kWorkgroupType_FontLibrary}).Run();
     database.Prepare(addWorkgroup).Bind("System Fonts", int{kWorkgroupType_System}).Run();
 }
 
@@ -251,7 +251,7 @@ void RefuseForeign(Database& database, int64_t version, int target) {
                                                                     expected.begin(), expected.end());
     if (!isOurs)
         throw DatabaseError(GSqliteDatabase::kInvalidDatabaseFile,
-                            "this is no font database of Pellwick's, or a damaged one");
+                            "this is not a database of Pellwick's, or a damaged one");
 }
 
 }  // namespace

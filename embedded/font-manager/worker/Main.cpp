@@ -1,4 +1,4 @@
-// The process that reads fonts for the agent. It has read what nobody vouches for, so it gets at nothing, and
+// The process that reads fonts for the agent. It reads untrusted files, so it has access to nothing, and
 // the agent starts another one when it ends.
 #include "StringConversion.h"
 #include "common/FontManagerLimits.h"

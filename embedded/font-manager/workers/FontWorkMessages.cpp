@@ -39,7 +39,7 @@ std::string NameOf(const Json& value) {
     return CleanName(value.get<std::string>());
 }
 
-/// Throws Json::exception or std::out_of_range for what is no whole number of that type.
+/// Throws Json::exception or std::out_of_range for what is not a whole number of that type.
 template <class Integer>
 Integer NumberOf(const Json& value) {
     const auto number = value.get_ref<const Json::number_integer_t&>();

@@ -3,7 +3,7 @@
 // Messages are MessagePack objects. A request comes with a font file: {"method": "scan"} for its faces, or
 // {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name, or {"method":
 // "licence", "face"}. Answers are {"faces": [[face, PostScript name, family, style, full name, foundry, version,
-// kind, [lookup names]]]} or {"reason"}, {"width", "height", "coverage"}, and {"embedding", "text", "url"}. The process has read what nobody vouches for, so its
+// kind, [lookup names]]]} or {"reason"}, {"width", "height", "coverage"}, and {"embedding", "text", "url"}. The process reads untrusted files, so its
 // answers are trusted no more than fonts are.
 //
 // The process that asks the system for its fonts gets any request, and answers {"files": [path],
@@ -44,7 +44,7 @@ struct FontWorkRequest {
 };
 
 struct ScanResult {
-    std::vector<FontFace> faces;  ///< empty when it is no font that can be used
+    std::vector<FontFace> faces;  ///< empty when it is not a font that can be used
     std::string reason;           ///< why, for people
     bool isJudged = true;         ///< the file was read; false where the process came to an end over it
 };

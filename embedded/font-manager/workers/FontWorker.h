@@ -26,7 +26,7 @@ public:
     explicit FontWorker(const std::string& program);
 
     /// The faces in a font file: each member of a collection, each named instance of a variable font. None,
-    /// and the reason, when it is no font that can be used, which includes one that the process dies of.
+    /// and the reason, when it is not a font that can be used, which includes one that the process dies of.
     /// Throws NoFontWorker when nothing was read: the process cannot be started, or was stopped.
     ScanResult Scan(const platform::ReadOnlyFile& file);
     /// The font's name in its own face; of no width when it cannot be shown.

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "DialogMessages.h"
-#include "DialogWindow.h"
+#include "GtkDialog.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ const char* Word(const char* word) {
 
 FolderAnswer AnswerOf(GtkFileChooser* chooser) {
     const std::unique_ptr<gchar, decltype(&g_free)> path(gtk_file_chooser_get_filename(chooser), g_free);
-    // What is no text has no path for us.
+    // A name that is not UTF-8 cannot be used.
     if (!path || !g_utf8_validate(path.get(), -1, nullptr))
         return {FolderAnswer::Outcome::kNoPath, {}};
     return {FolderAnswer::Outcome::kChosen, path.get()};

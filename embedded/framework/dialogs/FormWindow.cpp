@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DialogMessages.h"
-#include "DialogWindow.h"
+#include "GtkDialog.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "DialogWindow.h"
+#include "GtkDialog.h"
 
 namespace {
 constexpr int kBarWidth = 360;  // pixels

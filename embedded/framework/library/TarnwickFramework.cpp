@@ -2,8 +2,9 @@
 
 #include <CoreFoundation++/CFRef.h>
 
-#include <vector>
+#include <nlohmann/json.hpp>
 
+#include "JSONConversion.h"
 #include "TraceLog.h"
 #include "library/DialogContents.h"
 #include "library/PreferencesDialog.h"
@@ -34,30 +35,13 @@ std::string PreferencesFolder() {
     return folder.empty() ? std::string() : folder + platform::kPathSeparator + "Vantorix";
 }
 
-/// Null for an object that no preference can hold.
-nlohmann::json PreferenceValue(CFTypeRef object) {
-    if (const auto boolean = cf::As<CFBooleanRef>(object))
-        return CFBooleanGetValue(boolean) != 0;
-    if (const auto whole = cf::ToInt64(object))
-        return *whole;
-    if (const auto real = cf::ToDouble(object))
-        return *real;
-    const auto text = cf::As<CFStringRef>(object);
-    return text != nullptr ? nlohmann::json(cf::ToUtf8(text)) : nlohmann::json();
-}
-
+/// Without what no preference can hold.
 nlohmann::json PreferenceValues(CFDictionaryRef dictionary) {
-    const auto count = static_cast<size_t>(cf::Count(dictionary));
-    std::vector<const void*> keys(count);
-    std::vector<const void*> values(count);
-    if (count > 0)
-        CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
     nlohmann::json preferences = nlohmann::json::object();
-    for (size_t index = 0; index < count; ++index) {
-        nlohmann::json value = PreferenceValue(values[index]);
-        const auto key = cf::As<CFStringRef>(keys[index]);
-        if (key != nullptr && !value.is_null())
-            preferences[cf::ToUtf8(key)] = std::move(value);
+    const nlohmann::json all = JSONFromCF(dictionary, 1, WholeNumbers::kAsIntegers);
+    for (const auto& [key, value] : all.items()) {
+        if (value.is_primitive() && !value.is_null())
+            preferences[key] = value;
     }
     return preferences;
 }

@@ -136,12 +136,12 @@ bool PreferenceFile::SetAside() {
         if (std::filesystem::exists(std::filesystem::symlink_status(platform::Utf8Path(aside), failure)))
             continue;
         std::filesystem::rename(platform::Utf8Path(mPath), platform::Utf8Path(aside), failure);
-        ReportOnce("'" + mPath + "' is no preference file" +
+        ReportOnce("'" + mPath + "' is not a preference file" +
                    (failure ? "; " + platform::WriteFailureText(aside, {failure.value()})
                             : " and was set aside as '" + aside + "'"));
         return !failure;
     }
-    ReportOnce("'" + mPath + "' is no preference file; too many like it are set aside already");
+    ReportOnce("'" + mPath + "' is not a preference file; too many like it are set aside already");
     return false;
 }
 

@@ -20,7 +20,7 @@ public:
     explicit PreferenceFile(std::string folder);
 
     /// What the file holds now: always a JSON object. Empty when there is no file; what was read last when
-    /// the file cannot be read. A file that is no preference file is set aside first. Never waits for another
+    /// the file cannot be read. A file that is not one of preferences is set aside first. Never waits for another
     /// process. Any thread.
     Content Read();
 

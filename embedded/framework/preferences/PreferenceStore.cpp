@@ -10,7 +10,7 @@ constexpr char kUnknownIdentifier[] = "Unknown";
 // Stands beside the preferences themselves, so that it is lost and kept together with them.
 constexpr char kDefaultsRegisteredKey[] = "DefaultsRegistered";
 
-// What is no UTF-8 cannot stand in the file.
+// Only UTF-8 can stand in the file.
 std::string MemberName(const std::string& identifier) {
     return identifier.empty() ? kUnknownIdentifier : ReplaceInvalidUtf8(identifier);
 }

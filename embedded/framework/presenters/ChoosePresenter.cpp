@@ -19,7 +19,7 @@ std::unique_ptr<Presenter> MakeNative(const std::string& language) {
     return nullptr;
 }
 
-/// Null for a name that is none.
+/// Null for an unknown name.
 std::unique_ptr<Presenter> ChooseByName(const std::string& name, const std::string& language) {
     if (name == "terminal")
         return std::make_unique<TerminalPresenter>(Terminal::StandardStreams(), language);

@@ -75,7 +75,7 @@ static void to_json(json& details, const ChooseFolderDialog& dialog) {
 
 namespace {
 
-/// The member of that name; null when `answer` is no object or has none.
+/// The member of that name; null when `answer` is not an object or has none.
 json Member(const json& answer, const char* name) {
     return answer.is_object() ? answer.value(name, json()) : json();
 }

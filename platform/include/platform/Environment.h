@@ -15,7 +15,7 @@ void SetEnvironment(const char* name, const std::string& value);
 enum class StandardStream { kInput, kOutput, kError };
 /// True when a person sits at the other end.
 bool IsTerminal(StandardStream stream);
-/// How many columns it shows a person; 0 when it is no terminal, or does not tell.
+/// How many columns it shows a person; 0 when it is not a terminal, or does not tell.
 int TerminalWidth(StandardStream stream);
 
 /// The user's language as a two-letter code in lower case ("en", "de"); "en" when none is set. On Windows the system's,

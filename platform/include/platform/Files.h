@@ -111,7 +111,7 @@ public:
     AppendedFile& operator=(const AppendedFile&) = delete;
 
     /// Opens the file, or makes one that is for this user only. One that others may write to is closed to
-    /// them. What is no file, a link included, is refused without waiting for it.
+    /// them. What is not a file, a link included, is refused without waiting for it.
     SystemError Open(const std::string& path);
     SystemError Append(std::string_view content);
     void Close();

@@ -36,7 +36,7 @@ struct FolderAnswer {
     enum class Outcome {
         kCancelled,
         kChosen,
-        kNoPath,  ///< something was chosen that is no folder of a file system
+        kNoPath,  ///< something was chosen that is not a folder of a file system
     };
     Outcome outcome = Outcome::kCancelled;
     std::string path;  ///< full; only where the outcome is kChosen

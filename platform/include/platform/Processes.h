@@ -64,7 +64,7 @@ template <>
 Processes& SystemDefault<Processes>();
 
 /// Keeps signals away from the calling thread, and from threads that it starts, for as long as it lives:
-/// a thread of ours is no place for a host's handlers. Those by which the system reports a fault of the
+/// a thread of ours is not a place for a host's handlers. Those by which the system reports a fault of the
 /// thread itself still arrive. Windows: does nothing. To be destroyed by the thread that made it.
 class ScopedSignalBlock {
 public:

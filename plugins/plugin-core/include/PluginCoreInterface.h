@@ -79,7 +79,7 @@ extern "C" {
  * on others of that family, too. */
 #define PLUGINCORE_SUCCESS 0u
 #define PLUGINCORE_FONTS_ACTIVATED 1u             /* success, and the document should be redrawn */
-#define PLUGINCORE_NO_PREFERENCES 2u              /* there is nothing to keep preferences with */
+#define PLUGINCORE_NO_PREFERENCES 2u              /* no memory for what keeps them */
 #define PLUGINCORE_NO_FONT_MANAGER 1000u          /* the font manager is known to be gone */
 #define PLUGINCORE_NOT_STARTED 0xFFFFFFFFu        /* not a host to serve, no font manager, or started */
 #define PLUGINCORE_INVALID_PARAM 0x04000000u      /* a null pointer, or not what was asked for */
@@ -114,8 +114,8 @@ extern "C" {
  * Returns:
  *   PLUGINCORE_SUCCESS        the host is served, and the font manager's library was found. The font manager
  *                             itself is started when it is needed; PluginIsEnabled tells whether it is there.
- *   PLUGINCORE_NOT_STARTED    the process or its version is none to serve, the font manager's library is
- *                             missing or has an incompatible version, or this is not the first call.
+ *   PLUGINCORE_NOT_STARTED    the process is not a host that is served, or has the wrong version, the font
+ *                             manager's library is missing or has an incompatible version, or this is not the first call.
  *   PLUGINCORE_NO_PREFERENCES no memory for what keeps the preferences. (Without the plug-in framework itself
  *                             the library starts, and stays off.)
  *   PLUGINCORE_INVALID_PARAM  a null pointer, or no UTF-8.
@@ -512,8 +512,8 @@ PLUGINCORE_API uint32_t GetSettings(char* buffer, size_t* bufferSize);
  * Stores one preference. [in turn, dialogs]
  *
  * key    in: one of those that GetSettings writes.
- * value  in: a decimal number; for "CurrentWorkgroup" also a workgroup's name; for "LastCFOFolder" and
- *        "LastUsername" any text.
+ * value  in: a decimal number of 32 bits with sign, but not -2147483647; for "CurrentWorkgroup" also a
+ *        workgroup's name; for "LastCFOFolder" and "LastUsername" any text.
  *
  * Returns:
  *   PLUGINCORE_SUCCESS

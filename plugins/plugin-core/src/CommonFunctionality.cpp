@@ -1,7 +1,7 @@
 #include "CommonFunctionality.h"
 
-#include "DocumentFonts.h"
 #include "FontManagerInterface.h"
+#include "FontRequests.h"
 #include "GeneralInterface.h"
 #include "MarquellGlobals.h"
 #include "TraceLog.h"

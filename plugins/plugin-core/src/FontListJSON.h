@@ -12,7 +12,7 @@ enum class FontListForm {
     kArrayOrObject  ///< or an object that holds such an array under "DocumentFonts"
 };
 
-/// Appends the fonts to `fonts`; what is no object among them is passed over. kInvalidParam, with nothing
+/// Appends the fonts to `fonts`; what is not an object among them is passed over. kInvalidParam, with nothing
 /// appended, for text that is not JSON or not of that form.
 [[nodiscard]] ErrorCode AppendFontsFromJSON(const std::string& text, FontListForm form,
                                             CFMutableArrayRef fonts);

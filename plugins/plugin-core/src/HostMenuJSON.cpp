@@ -47,7 +47,7 @@ ErrorCode VisitItems(const json& menu, Visit visit) {
     return CoreErrorCodes::kSuccess;
 }
 
-/// Nothing for an object that is no item.
+/// Nothing for an object that is not an item.
 std::optional<std::string> IdentifierOf(const json& object, const char* member) {
     const auto id = object.find(member);
     if (id == object.end() || !(id->is_string() || id->is_number()))

@@ -21,12 +21,12 @@ struct MenuMembers {
 };
 
 /// The first item whose identifier, a text or a number, is `selectedID`. kInvalidParam for text that is no
-/// JSON object, kNotFound when there is no such item or its label is no text.
+/// JSON object, kNotFound when there is no such item or its label is not text.
 [[nodiscard]] ErrorCode GetMenuObjectFromRawJSON(const std::string& menusJSON, const std::string& selectedID,
                                                  MenuObject& item, const MenuMembers& members = {});
 
 /// Calls `createItem` for every item, an item before those below it. What it answers other than 0 ends the
-/// work and is the result. An item whose label is no text is passed over. kInvalidParam for text that is no
+/// work and is the result. An item whose label is not text is passed over. kInvalidParam for text that is no
 /// JSON object.
 [[nodiscard]] ErrorCode CreateMenusFromJSONBuffer(const std::string& menusJSON,
                                                   PluginCoreMenuItemCallback createItem, void* context);

@@ -58,7 +58,10 @@ void Dispatch(MenuLabel command, const std::string& document, const std::string&
         case MenuLabel::kCheckFonts:
             DocumentCommands::HandleCheckDocumentFonts(document, extra);
             break;
-        default:
+        case MenuLabel::kSeparator:
+        case MenuLabel::kRoot:
+        case MenuLabel::kWorkgroups:
+        case MenuLabel::kFirstWorkgroup:
             break;
     }
 }

@@ -7,13 +7,17 @@
 #include "GJSONUtils.h"
 #include "HostMenuJSON.h"
 #include "MenuCommands.h"
+#include "NoDestructor.h"
 #include "TraceLog.h"
 
 namespace {
 
 using nlohmann::json;
 
-std::string lastMenuBuilt;
+std::string& LastMenuBuilt() {
+    static NoDestructor<std::string> menu;
+    return *menu;
+}
 
 json MenuItem(int32_t label, const std::string& title, bool isEnabled, bool isChecked = false) {
     LogMessage(0, "Adding menu '%s'", title.c_str());
@@ -59,8 +63,8 @@ json BuildMenu(const std::string& document) {
     return root;
 }
 
-void CarryOut(const std::string& label, bool isLoggedIn, const std::string& document,
-              const std::string& extra) {
+void RunItem(const std::string& label, bool isLoggedIn, const std::string& document,
+             const std::string& extra) {
     if (const auto command = MenuCommands::FromText(label))
         MenuCommands::Run(*command, isLoggedIn, document, extra);
     else
@@ -72,7 +76,7 @@ ErrorCode FindItem(const std::string& menusJSON, const std::string& selectedID,
                    PluginCoreInterface::MenuObject& item) {
     if (!menusJSON.empty())
         return PluginCoreInterface::GetMenuObjectFromRawJSON(menusJSON, selectedID, item);
-    return PluginCoreInterface::GetMenuObjectFromRawJSON("{\"menu\":[" + lastMenuBuilt + "]}", selectedID,
+    return PluginCoreInterface::GetMenuObjectFromRawJSON("{\"menu\":[" + LastMenuBuilt() + "]}", selectedID,
                                                          item, {"label", "title"});
 }
 
@@ -82,13 +86,13 @@ ErrorCode Menus::GetMenus(const char* document, char* buffer, size_t* size) {
     constexpr char kName[] = "PluginCoreInterface::GetMenus";
     ErrorCode code = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ReturningCode(kName, code), "Entering %s('%s', ...)", kName, OrNull(document));
-    code = GJSONUtils::Serialise(BuildMenu(document != nullptr ? document : ""), lastMenuBuilt);
+    code = GJSONUtils::Serialise(BuildMenu(document != nullptr ? document : ""), LastMenuBuilt());
     if (code == CoreErrorCodes::kSuccess) {
-        if (lastMenuBuilt.size() <= *size)
-            std::memcpy(buffer, lastMenuBuilt.c_str(), lastMenuBuilt.size() + 1);
+        if (LastMenuBuilt().size() <= *size)
+            std::memcpy(buffer, LastMenuBuilt().c_str(), LastMenuBuilt().size() + 1);
         else
             code = CoreErrorCodes::kIndexOutOfRange;
-        *size = lastMenuBuilt.size();
+        *size = LastMenuBuilt().size();
     }
     return code;
 }
@@ -107,6 +111,6 @@ ErrorCode Menus::HandleMenuSelection(const std::string& document, const std::str
     const bool isLoggedIn = FontManagerInterface::GetSharedInstance().IsLoggedIn();
     PluginCoreInterface::MenuObject item;
     if (selectedID != nullptr && FindItem(menusJSON, selectedID, item) == CoreErrorCodes::kSuccess)
-        CarryOut(item.label, isLoggedIn, document, extra);
+        RunItem(item.label, isLoggedIn, document, extra);
     return kResult;
 }

@@ -24,7 +24,7 @@ const Preference* FindPreference(std::string_view key) {
     return found != std::end(preferences::kAll) ? &*found : nullptr;
 }
 
-/// Numbers of preferences have 32 bits with sign. One of them is what hosts pass for a text that is no number.
+/// Numbers of preferences have 32 bits with sign. One of them is what hosts pass for a text that is not a number.
 std::optional<int32_t> NumberFromText(std::string_view text) {
     constexpr auto kNoNumber = static_cast<int32_t>(0x80000001);
     constexpr std::string_view kBlanks = " \t";

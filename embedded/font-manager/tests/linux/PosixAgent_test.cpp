@@ -64,7 +64,7 @@ TEST_F(PosixAgent, EndsInOrderOnASignal) {
 }
 
 TEST_F(PosixAgent, RefusesNamesThatAreNoTextAndSaysWhenItsOutputCannotBeWritten) {
-    EXPECT_THAT(mWorld.Run({"set", "create", "a\xFF"}).errors, HasSubstr("is no text in UTF-8"));
+    EXPECT_THAT(mWorld.Run({"set", "create", "a\xFF"}).errors, HasSubstr("is not valid UTF-8"));
     const ProgramResult result =
         TestProcess({"/bin/sh", "-c", "exec '" + BuiltFile(PELLWICK_PROGRAM) + "' status >/dev/full"})
             .Finish();

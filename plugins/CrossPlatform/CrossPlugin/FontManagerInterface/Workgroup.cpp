@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "FontRecordKeys.h"
 #include "LocalizedStrings.h"
 #include "MarquellGlobals.h"
 
@@ -27,9 +28,9 @@ uint32_t StringIDFor(int32_t type, const std::string& agentName) {
     }
     if (type < 0 || type > kWorkgroupType_TypekitLibrary)
         return 0;  // not known: shown as the font manager has it
-    if (agentName == "Font Library (LOCALIZE ME)")
+    if (agentName == WORKGROUP_NAME_FONT_LIBRARY)
         return localized::kFontLibrary;
-    if (agentName == "Google Library (LOCALIZE ME)")
+    if (agentName == WORKGROUP_NAME_GOOGLE_LIBRARY)
         return localized::kGoogleLibrary;
     return 0;
 }

@@ -25,7 +25,7 @@ void GeneralInterface::OnWorkgroupsChanged() {
 }
 
 void GeneralInterface::SendKeyPress(const KeyPress& keyPress) {
-    // Hosts without windows of their own take no keys.
+    // There is no way yet to hand a key to the host.
     LogMessage(0, "Key %d pressed in a panel (ctrl=%d, shift=%d, alt=%d)", keyPress.keyCode,
                keyPress.isCtrlPressed, keyPress.isShiftPressed, keyPress.isAltPressed);
 }

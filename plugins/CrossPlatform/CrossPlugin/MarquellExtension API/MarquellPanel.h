@@ -71,8 +71,8 @@ public:
 
     // ---- Reports that belong to no request
 
-    /// How far a long piece of work has come, under the message ID of that work. Nothing reports it yet: the
-    /// font manager's tasks are none that panels begin.
+    /// How far a long piece of work has come, under the message ID of that work. Nothing reports it yet: panels start
+    /// none of the font manager's tasks.
     ErrorCode SendProgress(int messageID, const std::string& text, int stepIndex, int numSteps);
     /// A font could not be activated; `conflictID` is the font that is in its way, 0 when that is not the
     /// reason.

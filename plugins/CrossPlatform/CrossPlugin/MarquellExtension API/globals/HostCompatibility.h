@@ -4,7 +4,7 @@
 namespace MarquellGlobals {
 
 /// Whether the host process is one that this plug-in serves, by its name and version. Sets `disableDialogs`
-/// in a process that is no host. Main thread.
+/// in a process that is not a host. Main thread.
 bool RunningInCompatibleHostApp(bool& disableDialogs);
 
 }  // namespace MarquellGlobals

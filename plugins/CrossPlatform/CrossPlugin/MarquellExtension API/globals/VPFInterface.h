@@ -47,8 +47,6 @@ public:
     /// it.
     bool IsValid() const { return true; }
     FrameworkState GetFrameworkState() const { return mState; }
-    /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known. Not owned.
-    CFDictionaryRef Identification() const { return mIdentification.get(); }
     /// Null unless the state is kBound or kPreferencesUnusable.
     VantorixPluginFramework* Framework() const { return mFramework; }
     /// Full path of the framework's library; empty when there is none.
@@ -101,5 +99,6 @@ private:
     FrameworkState mState = kNotMade;
     std::string mFrameworkPath;
     VantorixPluginFramework* mFramework = nullptr;  ///< released in the destructor
+    /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known.
     CFRef<CFMutableDictionaryRef> mIdentification;
 };

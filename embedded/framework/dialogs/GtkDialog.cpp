@@ -1,8 +1,8 @@
-#include "DialogWindow.h"
+#include "GtkDialog.h"
 
 #include <cctype>
 
-#include "HostWindow.h"
+#include "GtkHostWindow.h"
 #include "PrintableText.h"
 
 namespace {

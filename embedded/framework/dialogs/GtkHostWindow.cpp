@@ -1,4 +1,4 @@
-#include "HostWindow.h"
+#include "GtkHostWindow.h"
 
 #include <gdk/gdkx.h>
 

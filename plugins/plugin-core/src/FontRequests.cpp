@@ -1,4 +1,4 @@
-#include "DocumentFonts.h"
+#include "FontRequests.h"
 
 #include <chrono>
 #include <set>

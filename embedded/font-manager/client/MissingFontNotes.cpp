@@ -1,4 +1,4 @@
-#include "client/MissingFonts.h"
+#include "client/MissingFontNotes.h"
 
 #include <algorithm>
 
@@ -10,14 +10,14 @@ constexpr size_t kMaxDocuments = 200;
 
 }  // namespace
 
-void MissingFonts::Note(const std::string& path, Json fonts) {
+void MissingFontNotes::Note(const std::string& path, Json fonts) {
     const std::lock_guard guard(mDocumentsLock);
     std::erase_if(mDocuments, [&](const auto& document) { return document.first == path; });
     mDocuments.emplace_front(path, std::move(fonts));
     mDocuments.resize(std::min(mDocuments.size(), kMaxDocuments));
 }
 
-std::optional<Json> MissingFonts::Of(const std::string& path) {
+std::optional<Json> MissingFontNotes::Of(const std::string& path) {
     const std::lock_guard guard(mDocumentsLock);
     const auto found = std::find_if(mDocuments.begin(), mDocuments.end(),
                                     [&](const auto& document) { return document.first == path; });

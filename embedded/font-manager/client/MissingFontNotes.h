@@ -13,7 +13,7 @@
 namespace pellwick {
 
 /// Of the documents that were opened last. Any thread.
-class MissingFonts {
+class MissingFontNotes {
 public:
     /// `fonts`: all that the document at `path` lacks now, a list of MissingFont.
     void Note(const std::string& path, Json fonts);
