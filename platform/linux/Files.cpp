@@ -241,6 +241,11 @@ SystemError MakeFolders(const std::string& path, bool privateToUser) {
     return S_ISDIR(info.st_mode) ? SystemError{} : SystemError{ENOTDIR};
 }
 
+bool IsLink(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
 SystemError IdentifyFile(const std::string& path, FileIdentity& identity) {
     return IdentityAt(AT_FDCWD, path.c_str(), 0, identity);
 }

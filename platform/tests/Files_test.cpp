@@ -162,4 +162,8 @@ TEST_F(Files, APathMayBeLong) {
     EXPECT_EQ(Content(path + "2"), "deep");
     EXPECT_FALSE(platform::RemoveFile(path));
     EXPECT_FALSE(platform::IsExistingFile(path));
+    EXPECT_TRUE(fs::is_regular_file(platform::Utf8Path(path + "2"))) << "for the standard library, too";
+    EXPECT_EQ(platform::WithSlashes(platform::Utf8Text(platform::Utf8Path(path))),
+              platform::WithSlashes(path));
+    EXPECT_FALSE(platform::IsLink(path + "2"));
 }

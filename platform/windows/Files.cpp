@@ -363,6 +363,21 @@ SystemError IdentityOf(const OwnedHandle& file, FileIdentity& identity) {
 
 }  // namespace
 
+bool IsLink(const std::string& path) {
+    WIN32_FIND_DATAW found{};
+    const std::wstring name = ToWidePath(path);
+    // The search takes these for wildcards; what stands before them may be the prefix of long paths.
+    const size_t wildcard = name.find_last_of(L"*?");
+    if (name.empty() || (wildcard != std::wstring::npos && wildcard > 3))
+        return false;
+    const HANDLE search = FindFirstFileW(name.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE)
+        return false;
+    FindClose(search);
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
 SystemError IdentifyFile(const std::string& path, FileIdentity& identity) {
     constexpr DWORD kItself = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
     const std::wstring name = ToWidePath(path);

@@ -74,15 +74,18 @@ std::string ShardedPath(const std::string& folder, const FontFile& file) {
 std::vector<std::string> ShardedFiles(const std::string& folder) {
     std::vector<std::string> files;
     std::error_code failure;
-    if (fs::is_symlink(platform::Utf8Path(folder), failure))
+    if (platform::IsLink(folder))
         return files;
     fs::recursive_directory_iterator entry(platform::Utf8Path(folder),
                                            fs::directory_options::skip_permission_denied, failure);
     for (; !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
         std::error_code ignored;
-        const bool isFolder = entry->is_directory(ignored) && !entry->is_symlink(ignored);
-        if (!isFolder && IsShardedName(entry->path()))
-            files.push_back(platform::Utf8Text(entry->path()));
+        const std::string path = platform::Utf8Text(entry->path());
+        const bool isLink = platform::IsLink(path);
+        if (isLink)
+            entry.disable_recursion_pending();
+        if ((isLink || !entry->is_directory(ignored)) && IsShardedName(entry->path()))
+            files.push_back(path);
     }
     return files;
 }

@@ -32,17 +32,22 @@ struct AddResult {
     int skipped = 0;               ///< files in folders that are not fonts
 };
 
-void Note(Json& list, const fs::path& path, const std::string& reason) {
-    list.push_back({{"path", platform::Utf8Text(path)}, {"reason", reason}});
+void Note(Json& list, const std::string& path, const std::string& reason) {
+    list.push_back({{"path", path}, {"reason", reason}});
 }
 
-/// What stands in the folder, in the order of the names.
-std::vector<fs::directory_entry> EntriesOf(const fs::path& folder, AddResult& result) {
-    std::vector<fs::directory_entry> entries;
+bool IsFolder(const std::string& path) {
+    std::error_code ignored;
+    return fs::is_directory(platform::Utf8Path(path), ignored);
+}
+
+/// The paths of what stands in the folder, in the order of the names.
+std::vector<std::string> EntriesOf(const std::string& folder, AddResult& result) {
+    std::vector<std::string> entries;
     std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure); !failure && entry != fs::directory_iterator();
-         entry.increment(failure))
-        entries.push_back(*entry);
+    for (fs::directory_iterator entry(platform::Utf8Path(folder), failure);
+         !failure && entry != fs::directory_iterator(); entry.increment(failure))
+        entries.push_back(platform::Utf8Text(entry->path()));
     if (failure)
         Note(result.failures, folder, "the folder cannot be read: " + platform::SystemErrorText(failure));
     std::sort(entries.begin(), entries.end());
@@ -51,31 +56,29 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder, AddResult& re
 
 /// Every file in the folder and those below it. Links to files are followed; those to folders may lead anywhere, in a
 /// circle as well.
-void FindFilesIn(const fs::path& folder, std::vector<FoundFile>& files, AddResult& result) {
-    for (const fs::directory_entry& entry : EntriesOf(folder, result)) {
-        std::error_code ignored;
+void FindFilesIn(const std::string& folder, std::vector<FoundFile>& files, AddResult& result) {
+    for (const std::string& path : EntriesOf(folder, result)) {
         if (platform::WasInterrupted())
             return;
-        if (entry.is_regular_file(ignored))
-            files.push_back({platform::Utf8Text(entry.path()), false});
-        else if (entry.is_symlink(ignored))
-            Note(result.leftOut, entry.path(),
-                 entry.is_directory(ignored) ? "a link to a folder; name it to add what is in that"
-                                             : "a link that leads to no file");
-        else if (entry.is_directory(ignored))
-            FindFilesIn(entry.path(), files, result);
+        if (platform::IsExistingFile(path))
+            files.push_back({path, false});
+        else if (platform::IsLink(path))
+            Note(result.leftOut, path,
+                 IsFolder(path) ? "a link to a folder; name it to add what is in that"
+                                : "a link that leads to no file");
+        else if (IsFolder(path))
+            FindFilesIn(path, files, result);
     }
 }
 
 std::vector<FoundFile> FindFiles(const std::vector<std::string>& paths, AddResult& result) {
     std::vector<FoundFile> files;
     for (const std::string& path : paths) {
-        const fs::path start = platform::Utf8Path(platform::AbsolutePath(path));
-        std::error_code ignored;
-        if (fs::is_directory(start, ignored))
+        const std::string start = platform::AbsolutePath(path);
+        if (IsFolder(start))
             FindFilesIn(start, files, result);
         else
-            files.push_back({platform::Utf8Text(start), true});
+            files.push_back({start, true});
     }
     return files;
 }
@@ -101,7 +104,7 @@ void AddFile(AgentSession& session, const FoundFile& file, const std::string& wo
     const std::string extension = platform::Utf8Text(platform::Utf8Path(file.path).extension());
     const std::string unseen = platform::WhyNeverShown(AsciiLowerCase(extension));
     if (!unseen.empty())
-        Note(result.unseen, platform::Utf8Path(file.path), unseen);
+        Note(result.unseen, file.path, unseen);
     Json& list = BoolMember(answer, member::kAlreadyKnown) ? result.known : result.added;
     for (const Json& font : ArrayMember(answer, member::kFonts))
         list.push_back(font);

@@ -60,6 +60,10 @@ SystemError FileModificationTime(const std::string& path, int64_t& seconds);
 /// True when a regular file can be found at `path`.
 bool IsExistingFile(const std::string& path);
 
+/// Whether what stands at the path itself is a link, to whatever. Windows: also a junction; not a file that its folder's
+/// provider fetches when it is read.
+bool IsLink(const std::string& path);
+
 /// What stands at a path, told apart from all that ever stood there. All zero: nothing.
 struct FileIdentity {
     uint64_t volume = 0;

@@ -8,13 +8,9 @@
 
 namespace platform {
 
-inline std::filesystem::path Utf8Path(std::string_view text) {
-    return std::filesystem::path(std::u8string(text.begin(), text.end()));
-}
-
-inline std::string Utf8Text(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
+/// Windows: also for paths beyond 260 characters, whatever the program declares. Empty for text that cannot be a path.
+std::filesystem::path Utf8Path(std::string_view text);
+/// The path as people write it.
+std::string Utf8Text(const std::filesystem::path& path);
 
 }  // namespace platform
