@@ -10,6 +10,7 @@
 
 #include "EndEvent.h"
 #include "OwnedHandle.h"
+#include "ProcessRights.h"
 #include "SecurityAttributes.h"
 #include "UserIdentity.h"
 #include "WideText.h"

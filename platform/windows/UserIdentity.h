@@ -5,8 +5,6 @@
 
 #include <vector>
 
-#include "OwnedHandle.h"
-
 namespace platform {
 
 /// A security identifier in its binary form; empty when it cannot be told.
@@ -24,12 +22,5 @@ UserId OwnerOfObject(HANDLE object);
 
 /// Of two that can be told.
 bool IsThisUser(const UserId& user);
-
-/// Gives the token another level, WinMediumLabelSid or WinLowLabelSid; none is higher than before.
-bool SetIntegrity(HANDLE token, WELL_KNOWN_SID_TYPE level);
-
-/// For a process that has the rights of an administrator because its user confirmed them: a token to start
-/// programs with that have none. Null for all others, and where it cannot be made.
-OwnedHandle MakeUnelevatedToken();
 
 }  // namespace platform

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "OwnedHandle.h"
+#include "ProcessRights.h"
 #include "SecurityAttributes.h"
-#include "UserIdentity.h"
 #include "WideText.h"
 
 namespace platform {
