@@ -334,6 +334,7 @@ public:
     std::string CurrentExecutablePath() override {
         return WithoutDeletedMark(TargetOfLink("/proc/self/exe"));
     }
+    bool IsElevated() override { return false; }
 };
 
 }  // namespace

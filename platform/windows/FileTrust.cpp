@@ -3,82 +3,101 @@
 #include <windows.h>
 // After windows.h, which it needs.
 #include <aclapi.h>
-#include <sddl.h>
 
-#include "UserIdentity.h"
+#include <utility>
+
+#include "AccessRules.h"
+#include "FilesInternal.h"
+#include "OwnedHandle.h"
+#include "ProcessRights.h"
 #include "WideText.h"
 #include "platform/Files.h"
 
 namespace platform {
 namespace {
 
-/// The service that owns the system's own programs, "NT SERVICE\TrustedInstaller".
-constexpr wchar_t kTrustedInstaller[] = L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464";
+constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
-bool IsTrustedInstaller(PSID identity) {
-    PSID installer = nullptr;
-    if (!ConvertStringSidToSidW(kTrustedInstaller, &installer))
-        return false;
-    const bool isEqual = EqualSid(identity, installer) != FALSE;
-    LocalFree(installer);
-    return isEqual;
+/// What stands at the path itself. Only who may read or execute what is open keeps it from being renamed.
+OwnedHandle OpenItself(const std::string& path, DWORD access, DWORD sharing) {
+    const std::wstring name = ToWidePath(path);
+    return OwnedHandle(name.empty()
+                           ? nullptr
+                           : CreateFileW(name.c_str(), access | READ_CONTROL | FILE_READ_ATTRIBUTES, sharing,
+                                         nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
 }
 
-bool IsTrusted(PSID identity) {
-    UserId user = ThisUser();
-    return IsWellKnownSid(identity, WinLocalSystemSid) ||
-           IsWellKnownSid(identity, WinBuiltinAdministratorsSid) ||
-           IsWellKnownSid(identity, WinCreatorOwnerSid) || IsTrustedInstaller(identity) ||
-           (!user.empty() && EqualSid(identity, user.data()));
-}
-
-/// What makes it possible to put something else in the place of a file, by way of the file or of its folder. That others
-/// may make new files in the folder, as below C:\ProgramData, does not.
-ACCESS_MASK RightsToReplace(bool isFolder) {
-    constexpr ACCESS_MASK kAlways = WRITE_DAC | WRITE_OWNER | DELETE | GENERIC_ALL;
-    return isFolder ? kAlways | FILE_DELETE_CHILD
-                    : kAlways | FILE_WRITE_DATA | FILE_APPEND_DATA | GENERIC_WRITE;
-}
-
-bool CanBeReplacedByOthers(PACL list, bool isFolder) {
-    if (list == nullptr)  // everybody may do everything
-        return true;
-    for (DWORD index = 0; index < list->AceCount; ++index) {
-        void* entry = nullptr;
-        if (!GetAce(list, index, &entry))
-            return true;
-        const auto* allowed = static_cast<const ACCESS_ALLOWED_ACE*>(entry);
-        const bool counts = allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE &&
-                            (allowed->Header.AceFlags & INHERIT_ONLY_ACE) == 0 &&
-                            (allowed->Mask & RightsToReplace(isFolder)) != 0;
-        if (counts && !IsTrusted(const_cast<DWORD*>(&allowed->SidStart)))
-            return true;
-    }
-    return false;
-}
-
-std::string FaultOf(const std::string& path, bool isFolder) {
-    PSID owner = nullptr;
-    PACL list = nullptr;
+std::string_view FaultOf(const OwnedHandle& opened, Guarded kind) {
+    BY_HANDLE_FILE_INFORMATION info{};
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (GetNamedSecurityInfoW(ToWidePath(path).c_str(), SE_FILE_OBJECT,
-                              OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &owner, nullptr, &list,
-                              nullptr, &descriptor) != ERROR_SUCCESS)
-        return path + " cannot be looked at";
-    std::string fault;
-    if (owner == nullptr || !IsTrusted(owner))
-        fault = path + " belongs to somebody else";
-    else if (CanBeReplacedByOthers(list, isFolder))
-        fault = path + " can be written to by others";
+    if (!GetFileInformationByHandle(opened.Get(), &info) ||
+        GetSecurityInfo(opened.Get(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
+                        nullptr, nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS)
+        return "cannot be looked at";
+    const std::string_view fault = FaultOf(descriptor, kind, IsElevated() ? UserId() : ThisUser());
     LocalFree(descriptor);
-    return fault;
+    return (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? "is a link" : fault;
+}
+
+bool IsRegular(const OwnedHandle& file) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    return GetFileType(file.Get()) == FILE_TYPE_DISK && GetFileInformationByHandle(file.Get(), &info) &&
+           (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 }  // namespace
 
-std::string WhyUntrusted(const std::string& path) {
-    std::string fault = FaultOf(path, false);
-    return fault.empty() ? FaultOf(FolderPart(path), true) : fault;
+struct JudgedFile::Handle {
+    OwnedHandle folder;
+    OwnedHandle file;
+};
+
+JudgedFile::JudgedFile() = default;
+JudgedFile::~JudgedFile() = default;
+
+SystemError JudgedFile::Open(const std::string& path, FileUse use, std::string& fault) {
+    mHandle.reset();
+    fault = path + " cannot be looked at";
+    const bool isProgram = use == FileUse::kProgram;
+    const std::string folderPath = FolderOf(path);
+    // The folder first: while it is open, no other one can take its place.
+    OwnedHandle folder = OpenItself(folderPath, FILE_LIST_DIRECTORY, kShareWriters);
+    if (!folder.IsValid())
+        return LastSystemError();
+    OwnedHandle file = isProgram ? OpenItself(path, FILE_EXECUTE, kShareWriters)
+                                 : OpenItself(path, FILE_READ_DATA, kShareWriters | FILE_SHARE_DELETE);
+    if (!file.IsValid())
+        return LastSystemError();
+    if (!IsRegular(file))
+        return SystemError{ERROR_INVALID_PARAMETER};
+    const std::string_view ofFile = FaultOf(file, Guarded::kFile);
+    const std::string_view ofFolder = FaultOf(folder, isProgram ? Guarded::kProgramFolder : Guarded::kFolder);
+    fault.clear();
+    if (!ofFile.empty())
+        fault = path + " " + std::string(ofFile);
+    else if (!ofFolder.empty())
+        fault = folderPath + " " + std::string(ofFolder);
+    mPath = path;
+    mHandle = std::make_unique<Handle>(Handle{std::move(folder), std::move(file)});
+    return {};
+}
+
+SystemError JudgedFile::Read(std::string& content, uint64_t sizeLimit) {
+    if (!mHandle)
+        return SystemError{ERROR_INVALID_HANDLE};
+    std::string bytes(static_cast<size_t>(sizeLimit) + 1, '\0');
+    size_t size = 0;
+    for (DWORD count = 1; count != 0 && size < bytes.size(); size += count) {
+        if (!ReadFile(mHandle->file.Get(), bytes.data() + size, static_cast<DWORD>(bytes.size() - size),
+                      &count, nullptr))
+            return LastSystemError();
+    }
+    if (size > sizeLimit)
+        return kFileTooLarge;
+    bytes.resize(size);
+    content = std::move(bytes);
+    return {};
 }
 
 }  // namespace platform

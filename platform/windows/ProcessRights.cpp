@@ -8,8 +8,7 @@
 namespace platform {
 namespace {
 
-/// Whether the process has rights of an administrator that its user confirmed, and could have been without.
-bool IsElevated(HANDLE token) {
+bool IsElevatedToken(HANDLE token) {
     TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
     DWORD size = 0;
     return GetTokenInformation(token, TokenElevationType, &type, sizeof type, &size) &&
@@ -44,6 +43,12 @@ bool SetIntegrity(HANDLE token, WELL_KNOWN_SID_TYPE level) {
     return SetTokenInformation(token, TokenIntegrityLevel, &label, sizeof label + size) != FALSE;
 }
 
+bool IsElevated() {
+    HANDLE token = nullptr;
+    return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) &&
+           IsElevatedToken(OwnedHandle(token).Get());
+}
+
 OwnedHandle MakeUnelevatedToken() {
     constexpr DWORD kRights = TOKEN_QUERY | TOKEN_DUPLICATE | TOKEN_ASSIGN_PRIMARY | TOKEN_ADJUST_DEFAULT;
     HANDLE opened = nullptr;
@@ -51,7 +56,7 @@ OwnedHandle MakeUnelevatedToken() {
         return {};
     const OwnedHandle own(opened);
     HANDLE made = nullptr;
-    if (!IsElevated(own.Get()) ||
+    if (!IsElevatedToken(own.Get()) ||
         !CreateRestrictedToken(own.Get(), LUA_TOKEN, 0, nullptr, 0, nullptr, 0, nullptr, &made))
         return {};
     OwnedHandle token(made);

@@ -196,6 +196,7 @@ public:
     }
 
     std::string CurrentExecutablePath() override { return PathOfThisProgram(); }
+    bool IsElevated() override { return platform::IsElevated(); }
 };
 
 }  // namespace

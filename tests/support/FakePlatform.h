@@ -43,6 +43,7 @@ public:
     std::optional<int> childExitStatus;
     std::vector<std::string> launchedCommandLines;
     std::string currentName = "Illustrator2025";
+    bool isElevated = false;
 
     platform::SystemError List(const NameFilter& isWanted,
                                std::vector<platform::ProcessInfo>& processes) override {
@@ -62,6 +63,7 @@ public:
     }
     std::string CurrentName() override { return currentName; }
     std::string CurrentExecutablePath() override { return "/host/" + currentName; }
+    bool IsElevated() override { return isElevated; }
 
 private:
     platform::ScopedOverride<platform::Processes> mOverride{*this};

@@ -58,6 +58,9 @@ public:
     virtual std::string CurrentName() = 0;
     /// Full path of this process's executable, UTF-8.
     virtual std::string CurrentExecutablePath() = 0;
+    /// Windows: whether this process has rights of an administrator that its user confirmed, and that his other
+    /// programs do not have. False on Linux.
+    virtual bool IsElevated() = 0;
 };
 
 template <>

@@ -131,26 +131,44 @@ TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
 
 TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {
     const TemporaryFolder folder;
-    const std::string file = folder.Write("a/b/file", "");
+    const std::string file = folder.Write("a/b/file", "content");
     const auto allow = [&](const std::string& path, fs::perms rights) { fs::permissions(path, rights); };
+    const auto why = [&](const std::string& path, platform::FileUse use) {
+        std::string fault;
+        EXPECT_EQ(platform::JudgedFile().Open(path, use, fault).IsNotFound(), !fs::exists(path));
+        return fault;
+    };
+    using platform::FileUse;
     allow(file, kFile);
     for (const char* each : {"a", "a/b"})
         allow(folder / each, fs::perms::owner_all);
-    EXPECT_EQ(platform::WhyUntrusted(file), "");
+    EXPECT_EQ(why(file, FileUse::kContent), "");
     for (const std::string& path : {file, folder / "a/b", folder / "a"}) {
         allow(path, fs::perms::owner_all | fs::perms::others_write);
-        EXPECT_EQ(platform::WhyUntrusted(file), path + " can be written to by others");
+        EXPECT_EQ(why(file, FileUse::kContent), path + " can be written to by others");
         allow(path, fs::perms::owner_all);
     }
-    allow(folder / "a", fs::perms::all | fs::perms::sticky_bit);
-    EXPECT_EQ(platform::WhyUntrusted(file), "") << "others make files there, and take none away";
+    allow(folder / "a/b", fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_EQ(why(file, FileUse::kContent), "") << "others make files there, and take none away";
+    EXPECT_EQ(why(file, FileUse::kProgram), folder / "a/b" + " can be written to by others")
+        << "libraries, say";
+    allow(folder / "a/b", fs::perms::owner_all);
     fs::create_symlink(folder / "a", folder / "link");
-    EXPECT_EQ(platform::WhyUntrusted(folder / "link/b/file"), "");
-    EXPECT_NE(platform::WhyUntrusted(folder / "none"), "");
+    EXPECT_EQ(why(folder / "link/b/file", FileUse::kProgram), "");
+    EXPECT_EQ(why(folder / "none", FileUse::kContent), folder / "none" + " cannot be looked at");
+    platform::JudgedFile judged;
+    std::string text;
+    ASSERT_FALSE(judged.Open(folder / "link/b/file", FileUse::kContent, text));
+    fs::rename(folder / "a", folder / "taken");
+    folder.Write("a/b/file", "planted");
+    EXPECT_FALSE(judged.Read(text, 7));
+    EXPECT_EQ(text, "content") << "of what was judged, whatever stands there now";
+    EXPECT_EQ(judged.Path(), file);
+    EXPECT_TRUE(judged.Read(text, 6));
     if (geteuid() != 0)
         return;
     ASSERT_EQ(chown((folder / "a/b").c_str(), 4711, 0), 0);
-    EXPECT_EQ(platform::WhyUntrusted(file), folder / "a/b" + " belongs to somebody else");
+    EXPECT_EQ(why(file, FileUse::kContent), folder / "a/b" + " belongs to somebody else");
 }
 
 TEST(Autostart, TheEntryStartsAProgramOfAnyPathAndGoesAgain) {

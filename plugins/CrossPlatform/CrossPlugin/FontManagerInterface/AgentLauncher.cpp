@@ -9,7 +9,7 @@
 
 #include "StringConversion.h"
 #include "TraceLog.h"
-#include "platform/FileTrust.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 
@@ -30,37 +30,58 @@ bool NamesAProgram(const std::string& path, const std::string& arguments) {
            platform::IsExistingFile(path);
 }
 
-/// True when the agent that the file's text names is there.
-bool ReadLaunchInfo(const std::string& infoPath, std::string& path, std::string& arguments) {
-    std::string content;
-    if (const auto error = platform::ReadWholeFile(infoPath, content, kLaunchInfoSizeLimit)) {
-        LogMessage(0, "Error %d on attempt to open launch info file at: %s", error.code, infoPath.c_str());
-        return false;
-    }
-    LogLines(0, "Launch config file contents: %s", content.c_str());
-    path = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
-    arguments = AgentLauncher::LaunchInfoValue(content, "pellwick.args");
-    if (!NamesAProgram(path, arguments)) {
-        LogMessage(0,
-                   "Pellwick path found in launch config file (%s) but the Pellwick.exe was not found at the "
-                   "specified path (%s)",
-                   infoPath.c_str(), path.c_str());
-        return false;
-    }
-    LogMessage(0, "Pellwick found in launch config file and on disk: %s %s", path.c_str(), arguments.c_str());
-    return true;
+bool IsTrusted(const std::string& fault) {
+    if (!fault.empty())
+        LogMessage(0, "The launch info file for all users is left alone, since %s", fault.c_str());
+    return fault.empty();
 }
 
 /// Every user of the machine may make folders among those for all users, and would choose the program that other people's
 /// hosts start.
-bool IsTrusted(const std::string& infoPath, const std::string& agentPath) {
-    for (const std::string& path : {infoPath, agentPath}) {
-        if (const std::string fault = platform::WhyUntrusted(path); !fault.empty()) {
-            LogMessage(0, "The launch info file for all users is left alone, since %s", fault.c_str());
-            return false;
-        }
+bool IsTrusted(AgentLauncher::LaunchInfo& info) {
+    std::string fault;
+    info.program.Open(info.path, platform::FileUse::kProgram, fault);
+    if (!IsTrusted(fault))
+        return false;
+    info.path = info.program.Path();
+    platform::JudgedFile library;
+    const std::string path =
+        platform::FolderPart(info.path) + platform::LibraryFileName(AgentLauncher::kInterfaceLibrary);
+    return library.Open(path, platform::FileUse::kProgram, fault).IsNotFound() || IsTrusted(fault);
+}
+
+/// False, with a line of trace, where the file cannot be read or is not to be obeyed.
+bool ReadContent(const std::string& infoPath, bool isForAllUsers, std::string& content) {
+    platform::JudgedFile file;
+    std::string fault;
+    platform::SystemError error;
+    if (!isForAllUsers)
+        error = platform::ReadWholeFile(infoPath, content, kLaunchInfoSizeLimit);
+    else if (error = file.Open(infoPath, platform::FileUse::kContent, fault); !error)
+        error = IsTrusted(fault) ? file.Read(content, kLaunchInfoSizeLimit) : platform::SystemError{};
+    if (error)
+        LogMessage(0, "Error %d on attempt to open launch info file at: %s", error.code, infoPath.c_str());
+    return !error && fault.empty();
+}
+
+/// True when the agent that the file's text names is there.
+bool ReadLaunchInfo(const std::string& infoPath, bool isForAllUsers, AgentLauncher::LaunchInfo& info) {
+    std::string content;
+    if (!ReadContent(infoPath, isForAllUsers, content))
+        return false;
+    LogLines(0, "Launch config file contents: %s", content.c_str());
+    info.path = AgentLauncher::LaunchInfoValue(content, "pellwick.path");
+    info.arguments = AgentLauncher::LaunchInfoValue(content, "pellwick.args");
+    if (!NamesAProgram(info.path, info.arguments)) {
+        LogMessage(0,
+                   "Pellwick path found in launch config file (%s) but the Pellwick.exe was not found at the "
+                   "specified path (%s)",
+                   infoPath.c_str(), info.path.c_str());
+        return false;
     }
-    return true;
+    LogMessage(0, "Pellwick found in launch config file and on disk: %s %s", info.path.c_str(),
+               info.arguments.c_str());
+    return !isForAllUsers || IsTrusted(info);
 }
 
 /// Starts the agent and waits for it to settle.
@@ -124,16 +145,14 @@ std::string AgentLauncher::LaunchInfoValue(const std::string& content, const std
     return {};
 }
 
-bool AgentLauncher::GetLaunchInfoFileValues(platform::KnownFolder folder, std::string& path,
-                                            std::string& arguments) {
+bool AgentLauncher::GetLaunchInfoFileValues(platform::KnownFolder folder, LaunchInfo& info) {
     constexpr char kName[] = "GetLaunchInfoFileValues";
     bool isFound = false;
     const TraceScope trace([&] { LogMessage(-1, "%s returning %s", kName, isFound ? "success" : "fail"); },
                            "Entering %s", kName);
+    const bool isForAllUsers = folder == platform::KnownFolder::kAllUsersApplicationData;
     const std::string folderPath = platform::Current<platform::Folders>().PathOf(folder);
-    const std::string infoPath = LaunchInfoPath(folderPath);
-    isFound = !folderPath.empty() && ReadLaunchInfo(infoPath, path, arguments) &&
-              (folder != platform::KnownFolder::kAllUsersApplicationData || IsTrusted(infoPath, path));
+    isFound = !folderPath.empty() && ReadLaunchInfo(LaunchInfoPath(folderPath), isForAllUsers, info);
     return isFound;
 }
 
@@ -142,16 +161,14 @@ ErrorCode AgentLauncher::FindAndLaunchPellwick(std::string* folder) {
     ErrorCode result = GZephyrinConfig::kAgentNotFound;
     const TraceScope trace([&] { LogMessage(-1, "%s returning %d", kName, static_cast<int>(result)); },
                            "Entering %s", kName);
-    std::string path;
-    std::string arguments;
-    const bool isFound =
-        GetLaunchInfoFileValues(platform::KnownFolder::kAllUsersApplicationData, path, arguments) ||
-        GetLaunchInfoFileValues(platform::KnownFolder::kLocalApplicationData, path, arguments);
-    if (!isFound || !Launch(path, arguments)) {
+    LaunchInfo info;
+    const bool isFound = GetLaunchInfoFileValues(platform::KnownFolder::kAllUsersApplicationData, info) ||
+                         GetLaunchInfoFileValues(platform::KnownFolder::kLocalApplicationData, info);
+    if (!isFound || !Launch(info.path, info.arguments)) {
         LogMessage(0, "Could not launch Pellwick.exe");
         return result;
     }
     if (folder != nullptr)
-        *folder = platform::FolderPart(path);
+        *folder = platform::FolderPart(info.path);
     return result = CoreErrorCodes::kSuccess;
 }

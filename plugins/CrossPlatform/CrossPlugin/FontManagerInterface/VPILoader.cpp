@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr char kLibraryName[] = "TarnwickPluginInterfaceX64";
 constexpr size_t kLongestModuleFileName = 260;
 constexpr size_t kLongestVersion = 255;
 // Two more than there are functions: the library was never loaded.
@@ -86,7 +85,8 @@ void VPILoader::FindAndLoad() {
         versions.FromFile(mLibraryPath, "PrivateBuild", error).value_or("").substr(0, kLongestVersion));
 
     if (library == nullptr) {
-        LogMessage(0, "ERROR:  cannot find %s", platform::LibraryFileName(kLibraryName).c_str());
+        LogMessage(0, "ERROR:  cannot find %s",
+                   platform::LibraryFileName(AgentLauncher::kInterfaceLibrary).c_str());
         return;
     }
     mMissingCount = 0;
@@ -99,7 +99,7 @@ void VPILoader::LogIntoFontManager() {
 }
 
 platform::LibraryHandle VPILoader::LoadLibraryOfAgent() {
-    mLibraryPath += platform::LibraryFileName(kLibraryName);
+    mLibraryPath += platform::LibraryFileName(AgentLauncher::kInterfaceLibrary);
     platform::SystemError error;
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     const platform::LibraryHandle library = libraries.LoadFromPath(mLibraryPath, error);
@@ -114,7 +114,7 @@ platform::LibraryHandle VPILoader::LoadLibraryOfAgent() {
 }
 
 platform::LibraryHandle VPILoader::LoadLibraryByName() {
-    const std::string name = platform::LibraryFileName(kLibraryName);
+    const std::string name = platform::LibraryFileName(AgentLauncher::kInterfaceLibrary);
     platform::SystemError error;
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     const platform::LibraryHandle library = libraries.LoadByName(name, error);

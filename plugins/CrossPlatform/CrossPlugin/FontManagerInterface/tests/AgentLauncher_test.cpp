@@ -5,7 +5,6 @@
 #include "CapturedTrace.h"
 #include "FakePlatform.h"
 #include "TemporaryFolder.h"
-#include "platform/FileTrust.h"
 #include "platform/Utf8Path.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
@@ -73,14 +72,24 @@ TEST_F(AgentLauncherTest, TheAgentIsStartedWithItsArgumentsFromTheUsersOwnFolder
 }
 
 TEST_F(AgentLauncherTest, WhatOthersMayHaveWrittenForAllUsersIsLeftAlone) {
-    WriteInfo(allUsers, agent, "--planted");
-    WriteInfo(local, agent);
-    std::filesystem::permissions(platform::Utf8Path(allUsers / "Vantorix"), std::filesystem::perms::all);
-    if (platform::WhyUntrusted(allUsers / kInfoFile).empty())
-        GTEST_SKIP() << "rights are not given like that here";
-    EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
-    EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" "));
-    EXPECT_THAT(trace.Text(), HasSubstr("is left alone, since "));
+    const std::string library = platform::LibraryFileName("TarnwickPluginInterfaceX64");
+    for (const std::string& open :
+         {allUsers / "Vantorix", allUsers / "tools", allUsers / ("tools/" + library)}) {
+        WriteInfo(allUsers, allUsers.Write("tools/Pellwick", ""), "--planted");
+        allUsers.Write("tools/" + library, "");
+        WriteInfo(local, agent);
+        const auto before = std::filesystem::status(platform::Utf8Path(open)).permissions();
+        std::filesystem::permissions(platform::Utf8Path(open), std::filesystem::perms::all);
+        processes.launchedCommandLines.clear();
+        trace.Clear();
+        EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), 0u);
+        std::filesystem::permissions(platform::Utf8Path(open), before);
+        if (platform::kPathSeparator == '\\')
+            GTEST_SKIP() << "rights are not given like that here";
+        EXPECT_THAT(processes.launchedCommandLines, ElementsAre("\"" + agent + "\" ")) << open;
+        EXPECT_THAT(trace.Text(),
+                    HasSubstr("is left alone, since " + open + " can be written to by others\n"));
+    }
 }
 
 TEST_F(AgentLauncherTest, ValuesThatMeanAnotherFileElsewhereNameNoAgent) {
