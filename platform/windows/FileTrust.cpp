@@ -9,9 +9,8 @@
 #include "AccessRules.h"
 #include "FilesInternal.h"
 #include "OwnedHandle.h"
-#include "ProcessRights.h"
 #include "WideText.h"
-#include "platform/Files.h"
+#include "platform/Processes.h"
 
 namespace platform {
 namespace {
@@ -35,7 +34,8 @@ std::string_view FaultOf(const OwnedHandle& opened, Guarded kind) {
         GetSecurityInfo(opened.Get(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
                         nullptr, nullptr, nullptr, nullptr, &descriptor) != ERROR_SUCCESS)
         return "cannot be looked at";
-    const std::string_view fault = FaultOf(descriptor, kind, IsElevated() ? UserId() : ThisUser());
+    const std::string_view fault =
+        FaultOf(descriptor, kind, Current<Processes>().IsElevated() ? UserId() : ThisUser());
     LocalFree(descriptor);
     return (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? "is a link" : fault;
 }
