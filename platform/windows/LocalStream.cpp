@@ -6,9 +6,11 @@
 #include <asio/steady_timer.hpp>
 #include <asio/windows/object_handle.hpp>
 #include <asio/windows/stream_handle.hpp>
+#include <optional>
 #include <random>
 
 #include "OwnedHandle.h"
+#include "ProcessRights.h"
 #include "SecurityAttributes.h"
 #include "TextHash.h"
 #include "UserIdentity.h"
@@ -41,6 +43,13 @@ bool IsPipeAddress(const std::string& address) {
 std::string RandomDigits() {
     std::random_device random;
     return TextHash(std::to_string(random()) + std::to_string(random()) + std::to_string(random()));
+}
+
+/// Not by the process: one without an administrator's rights may not ask one that has them, and its identifier may be
+/// another's by now.
+bool IsServerTrusted(HANDLE pipe) {
+    const std::optional<DWORD> integrity = IntegrityOfObject(pipe);
+    return IsThisUser(OwnerOfObject(pipe)) && integrity && MayPassForUsers({.integrity = *integrity});
 }
 
 /// An end of the pipe that waits for a client.
@@ -136,8 +145,7 @@ SystemError LocalStream::IdentifyPeer(PeerIdentity& peer) const {
     if (!(isServer ? GetNamedPipeClientProcessId(pipe, &id) : GetNamedPipeServerProcessId(pipe, &id)))
         return LastSystemError();
     peer.process = id;
-    // Not by the process: one without an administrator's rights may not ask one that has them.
-    peer.isSameUser = IsThisUser(isServer ? UserOfPipeClient(pipe) : OwnerOfObject(pipe));
+    peer.isSameUser = isServer ? IsThisUser(UserOfPipeClient(pipe)) : IsServerTrusted(pipe);
     return {};
 }
 

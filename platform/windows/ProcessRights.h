@@ -3,9 +3,27 @@
 
 #include <windows.h>
 
+#include <optional>
+
 #include "OwnedHandle.h"
 
 namespace platform {
+
+/// How far the system trusts a process.
+struct TrustLevel {
+    DWORD integrity = SECURITY_MANDATORY_UNTRUSTED_RID;
+    bool isContainer = false;  ///< confined to what a package of an application may do
+};
+/// Nothing where it cannot be told. A process without the rights of an administrator cannot tell of one that has them.
+std::optional<TrustLevel> TrustLevelOfProcess(HANDLE process);
+/// The integrity that an object of the kernel's, such as a pipe, is labelled with; medium where it has no label, as the
+/// system has it. Nothing where it cannot be told.
+std::optional<DWORD> IntegrityOfObject(HANDLE object);
+/// Whether the other, of the same user, may be taken for a program of his by a process of the level `own`: what he
+/// confined, a browser's page, say, must not choose what his programs load.
+bool MayPassForUsers(const TrustLevel& other, DWORD own);
+/// The same for this process.
+bool MayPassForUsers(const TrustLevel& other);
 
 /// Gives the token another level, WinMediumLabelSid or WinLowLabelSid; none is higher than before.
 bool SetIntegrity(HANDLE token, WELL_KNOWN_SID_TYPE level);

@@ -95,10 +95,15 @@ private:
     OwnedHandle mReady;
 };
 
-/// Full path of the process's program; empty when it may not be looked at or is not this user's.
+bool IsTrusted(HANDLE process) {
+    const std::optional<TrustLevel> level = TrustLevelOfProcess(process);
+    return IsThisUser(UserOfProcess(process)) && level && MayPassForUsers(*level);
+}
+
+/// Full path of the process's program; empty when it may not be looked at, is not this user's, or confined.
 std::string ProgramOf(DWORD id) {
     const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
-    if (!process.IsValid() || !IsThisUser(UserOfProcess(process.Get())))
+    if (!process.IsValid() || !IsTrusted(process.Get()))
         return {};
     return ToUtf8(ReadWideText([&](wchar_t* buffer, DWORD size) {
         DWORD length = size;

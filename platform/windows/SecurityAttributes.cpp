@@ -27,9 +27,10 @@ std::wstring RightsText(PrivateToUser::Kind kind, const std::wstring& user) {
     };
     std::wstring text = L"D:P" + allow(L"GA", user);
     // Made by an administrator it would belong to all of them, whom nobody else can tell from strangers; and it
-    // is open to the user's programs that have no such rights.
+    // is open to the user's programs that have no such rights. Those that he confined neither write to it nor
+    // take a place at it.
     if (kind == Kind::kPipe)
-        return L"O:" + user + text + L"S:(ML;;NW;;;ME)";
+        return L"O:" + user + text + L"S:(ML;;NWNR;;;ME)";
     text += allow(L"GA", L"SY") + allow(L"GA", L"BA");
     if (kind == Kind::kFont) {
         constexpr wchar_t kFontCache[] = L"LS";             // the service runs as LOCAL SERVICE

@@ -43,8 +43,9 @@ public:
     using NameFilter = std::function<bool(const std::string& fileName)>;
     /// The processes of this user that may be inspected and run a program that is looked for, in the system's
     /// order. Others are left out silently: what they run is not to be trusted. So are, on Linux, those in PID
-    /// namespaces of their own (containers): their paths mean files elsewhere. Windows: no process of another
-    /// name is opened, which guards of the system's own processes would take for an attack.
+    /// namespaces of their own (containers): their paths mean files elsewhere; on Windows those that the user
+    /// confined (of less than medium integrity, unless this one is no better, or in an AppContainer). Windows: no
+    /// process of another name is opened, which guards of the system's own processes would take for an attack.
     virtual SystemError List(const NameFilter& isWanted, std::vector<ProcessInfo>& processes) = 0;
     /// Starts `executablePath` with a command line that begins with the quoted path and goes on with
     /// arguments separated by blanks (double quotes group). The child gets a session of its own, no standard

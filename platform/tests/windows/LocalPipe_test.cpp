@@ -3,7 +3,9 @@
 #include <windows.h>
 // After windows.h, which it needs.
 #include <aclapi.h>
+#include <sddl.h>
 
+#include "ProcessRights.h"
 #include "TemporaryFolder.h"
 #include "UserIdentity.h"
 #include "platform/LocalStream.h"
@@ -51,10 +53,40 @@ TEST_F(LocalPipeTest, IsThisUsersAndOpenToNobodyElse) {
     const auto* allowed = static_cast<const ACCESS_ALLOWED_ACE*>(entry);
     EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
     EXPECT_TRUE(IsThisUser(OwnerOfObject(pipe))) << "an administrator's would belong to all of them";
+    EXPECT_EQ(IntegrityOfObject(pipe), DWORD{SECURITY_MANDATORY_MEDIUM_RID}) << "whatever this process has";
     UserId user = ThisUser();
     EXPECT_TRUE(EqualSid(const_cast<DWORD*>(&allowed->SidStart), user.data()));
     LocalFree(descriptor);
     CloseHandle(pipe);
+}
+
+TEST_F(LocalPipeTest, WhatTheUserConfinedIsNotTakenForHisAgent) {
+    UserId user = ThisUser();
+    char* owner = nullptr;
+    ASSERT_TRUE(ConvertSidToStringSidA(user.data(), &owner));
+    for (const char* level : {"LW", "ME"}) {
+        const std::string text = std::string("O:") + owner + "S:(ML;;NW;;;" + level + ")";
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(text.c_str(), SDDL_REVISION_1,
+                                                                         &descriptor, nullptr));
+        SECURITY_ATTRIBUTES attributes{sizeof attributes, descriptor, FALSE};
+        const HANDLE pipe = CreateNamedPipeW(Utf8Path(mAddress).c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE,
+                                             1, 4096, 4096, 0, &attributes);
+        LocalStream stream(mLoop);
+        PeerIdentity peer;
+        ASSERT_FALSE(stream.Connect(mAddress, std::chrono::steady_clock::now() + 1s, mIsCancelled));
+        ASSERT_FALSE(stream.IdentifyPeer(peer));
+        EXPECT_EQ(peer.isSameUser, level[0] == 'M') << level;
+        LocalFree(descriptor);
+        CloseHandle(pipe);
+    }
+    LocalFree(owner);
+    EXPECT_FALSE(MayPassForUsers({SECURITY_MANDATORY_LOW_RID}, SECURITY_MANDATORY_MEDIUM_RID));
+    EXPECT_FALSE(MayPassForUsers({SECURITY_MANDATORY_LOW_RID}, SECURITY_MANDATORY_HIGH_RID));
+    EXPECT_TRUE(MayPassForUsers({SECURITY_MANDATORY_MEDIUM_RID}, SECURITY_MANDATORY_HIGH_RID))
+        << "the agent is not";
+    EXPECT_TRUE(MayPassForUsers({SECURITY_MANDATORY_LOW_RID}, SECURITY_MANDATORY_LOW_RID));
+    EXPECT_FALSE(MayPassForUsers({SECURITY_MANDATORY_LOW_RID, true}, SECURITY_MANDATORY_LOW_RID));
 }
 
 TEST_F(LocalPipeTest, ConnectsToPipesOfThisMachineAlone) {
