@@ -16,6 +16,13 @@ bool IsInUse(HANDLE job) {
            processes.ActiveProcesses > 0;
 }
 
+/// What a program starts to outlive it, such as the font manager's agent, may leave the job, and is not waited for.
+bool LetGo(HANDLE job) {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_BREAKAWAY_OK;
+    return SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits) != FALSE;
+}
+
 /// Ctrl-C at the console that both have is the program's to answer.
 BOOL WINAPI LeaveToProgram(DWORD kind) {
     return kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
@@ -26,7 +33,7 @@ BOOL WINAPI LeaveToProgram(DWORD kind) {
 SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus) {
     constexpr DWORD kLookAgain = 200;  // milliseconds; what a job reports may get lost
     const OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
-    if (!job.IsValid())
+    if (!job.IsValid() || !LetGo(job.Get()))
         return LastSystemError();
     SetConsoleCtrlHandler(LeaveToProgram, TRUE);
     std::wstring line = CommandLineText(words);
@@ -34,8 +41,11 @@ SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr, nullptr,
-                        &startup, &started))
-        return LastSystemError();
+                        &startup, &started)) {
+        const SystemError error = LastSystemError();
+        SetConsoleCtrlHandler(LeaveToProgram, FALSE);
+        return error;
+    }
     const OwnedHandle process(started.hProcess);
     const OwnedHandle thread(started.hThread);
     // Where that fails, those that the program starts are not waited for.

@@ -91,6 +91,15 @@ TEST(Programs, AProgramOutlivesTheJobOfTheOneThatStartsIt) {
     CloseHandle(job);
 }
 
+TEST(Programs, ThatOneBecomesAreNotWaitedForWithWhatTheyLeaveRunning) {
+    const TemporaryFolder folder;
+    const std::string program = BuiltFile(CHILD_PROGRAM);
+    const auto child = Launch("become \"" + program + "\" start \"" + folder / "id" + "\"");
+    ASSERT_TRUE(child);
+    EXPECT_EQ(WaitForExit(*child), 0) << "while the one that was left sleeps";
+    KillProcess(std::stoll(ContentOf(folder / "id")));
+}
+
 TEST(Language, IsThatOfTheSystemWhateverOtherSystemsTellByVariables) {
     const std::string before = platform::EnvironmentVariable("LC_ALL");
     platform::SetEnvironment("LC_ALL", "xx_XX.UTF-8");
