@@ -28,7 +28,14 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 /// A file that is removed while it is open stays in its folder, which then cannot be removed either.
 constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 /// What stands at a path may be somebody else's pipe, which must not act in this user's name.
-constexpr DWORD kNoImpersonation = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+/// None can at a drive's path, and the same flag means there that a file which a service keeps elsewhere, as OneDrive
+/// does, is not to be fetched.
+DWORD NoImpersonation(std::wstring_view name) {
+    if (name.starts_with(LR"(\\?\)"))
+        name.remove_prefix(4);
+    const bool isOnDrive = name.size() > 2 && name[1] == L':' && name[2] == L'\\';
+    return isOnDrive ? 0 : SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+}
 /// One call reads or writes at most this much.
 constexpr size_t kPieceSize = size_t{1} << 20;
 
@@ -40,7 +47,7 @@ OwnedHandle OpenForReading(const std::string& path) {
     const std::wstring name = ToWidePath(path);
     return OwnedHandle(name.empty() ? nullptr
                                     : CreateFileW(name.c_str(), GENERIC_READ, kShareAll, nullptr,
-                                                  OPEN_EXISTING, kNoImpersonation, nullptr));
+                                                  OPEN_EXISTING, NoImpersonation(name), nullptr));
 }
 
 /// A file that was not there before.
@@ -384,7 +391,7 @@ SystemError IdentifyFile(const std::string& path, FileIdentity& identity) {
     return IdentityOf(
         OwnedHandle(name.empty() ? nullptr
                                  : CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
-                                               OPEN_EXISTING, kItself | kNoImpersonation, nullptr)),
+                                               OPEN_EXISTING, kItself | NoImpersonation(name), nullptr)),
         identity);
 }
 
@@ -399,10 +406,11 @@ SystemError AppendedFile::Open(const std::string& path) {
     mHandle.reset();
     PrivateToUser rights;
     const std::wstring name = ToWidePath(path);
-    OwnedHandle file(name.empty() ? nullptr
-                                  : CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
-                                                kShareWriters, rights.Attributes(), OPEN_ALWAYS,
-                                                FILE_FLAG_OPEN_REPARSE_POINT | kNoImpersonation, nullptr));
+    OwnedHandle file(name.empty()
+                         ? nullptr
+                         : CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES, kShareWriters,
+                                       rights.Attributes(), OPEN_ALWAYS,
+                                       FILE_FLAG_OPEN_REPARSE_POINT | NoImpersonation(name), nullptr));
     BY_HANDLE_FILE_INFORMATION info{};
     if (!file.IsValid())
         return LastSystemError();
@@ -442,7 +450,7 @@ OwnedHandle OpenLock(const std::string& path, DWORD access, DWORD disposition) {
     return OwnedHandle(name.empty()
                            ? nullptr
                            : CreateFileW(name.c_str(), access, kShareAll, rights.Attributes(), disposition,
-                                         FILE_FLAG_OPEN_REPARSE_POINT | kNoImpersonation, nullptr));
+                                         FILE_FLAG_OPEN_REPARSE_POINT | NoImpersonation(name), nullptr));
 }
 
 /// A byte far behind what stands in the file: nobody reads what is locked. Earlier versions locked all of it.
