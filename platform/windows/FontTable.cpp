@@ -145,10 +145,12 @@ class WindowsFontTable : public FontTable {
 public:
     bool IsFilledFromFolders() override { return false; }
     bool Add(const std::string& path) override {
-        if (AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) <= 0)
-            return false;
-        NoteAddedFont(path, 1);
-        return true;
+        NoteAddedFont(path,
+                      1);  // first: one added but not noted would stay when this process ends in between
+        if (AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) > 0)
+            return true;
+        NoteAddedFont(path, -1);
+        return false;
     }
     bool Remove(const std::string& path) override {
         if (RemoveFontResourceExW(PathForTable(path).c_str(), 0, nullptr)) {
