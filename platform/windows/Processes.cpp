@@ -16,6 +16,7 @@
 #include "WideText.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
+#include "platform/System.h"
 
 namespace platform {
 namespace {
@@ -100,8 +101,17 @@ bool IsTrusted(HANDLE process) {
     return IsThisUser(UserOfProcess(process)) && level && MayPassForUsers(*level);
 }
 
-/// Full path of the process's program; empty when it may not be looked at, is not this user's, or confined.
+/// An agent of another session makes fonts active there.
+bool IsInThisSession(DWORD id) {
+    DWORD session = 0;
+    return ProcessIdToSessionId(id, &session) && session == SessionNumber();
+}
+
+/// Full path of the process's program; empty when it may not be looked at, is not this user's or this session's, or
+/// confined.
 std::string ProgramOf(DWORD id) {
+    if (!IsInThisSession(id))
+        return {};
     const OwnedHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
     if (!process.IsValid() || !IsTrusted(process.Get()))
         return {};
@@ -155,7 +165,7 @@ public:
 
     std::unique_ptr<ChildProcess> Launch(const std::string& executablePath, const std::string& commandLine,
                                          SystemError& error) override {
-        const std::wstring program = ToWide(executablePath);
+        const std::wstring program = ToWidePath(executablePath);
         if (GetFileAttributesW(program.c_str()) == INVALID_FILE_ATTRIBUTES) {
             error = LastSystemError();
             return nullptr;

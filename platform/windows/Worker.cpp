@@ -319,7 +319,7 @@ std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const W
     startup.StartupInfo.cb = sizeof startup;
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
     startup.lpAttributeList = inherited.List();
-    const std::wstring program = ToWide(executablePath);
+    const std::wstring program = ToWidePath(executablePath);
     std::wstring words = L'"' + program + L"\" " + kWorkerArgument +
                          std::to_wstring(reinterpret_cast<uintptr_t>(line.workers.Get()));
     PROCESS_INFORMATION started{};
