@@ -81,14 +81,10 @@ void Perform(Symbol<kIndex>, Arguments...) {}
 ANSWER_WITH(GetIsLoggedIn, isLoggedIn)
 ANSWER_WITH(GetRunningStandalone, isStandalone)
 ANSWER_WITH(GetIsCoreAgentProcessRunning, isAgentRunning)
-ANSWER_WITH(GetAreSchemaVersionsInSync, areSchemaVersionsInSync)
 ANSWER_WITH(GetIsGoogleWebFontsEnabled, areWebFontsEnabled)
 ANSWER_WITH(GetIsReplicationRunning, isReplicationRunning)
 ANSWER_WITH(CanAccessGoogleFonts, canAccessWebFonts)
 #undef ANSWER_WITH
-void Perform(Symbol<kIndexOfCanExportFonts>, PluginFacadeRef, CFArrayRef, bool* outCanExport) {
-    *outCanExport = current->canExport;
-}
 void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bool* outIsPermitted) {
     *outIsPermitted = current->permissions.contains(permission);
 }

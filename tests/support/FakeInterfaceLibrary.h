@@ -32,8 +32,6 @@ public:
     bool isLoggedIn = true;
     bool isStandalone = true;
     bool isAgentRunning = true;
-    bool canExport = false;
-    bool areSchemaVersionsInSync = false;
     std::set<int32_t> permissions;  ///< what MotherMayI grants
     std::vector<std::pair<uint32_t, std::string>>
         fonts;                                     ///< what is matched by any request: ID, PostScript name

@@ -3,7 +3,7 @@
 #include "FacadeTest.h"
 #include "NotificationQueue.h"
 
-using testing::ElementsAre, testing::HasSubstr;
+using testing::HasSubstr;
 
 namespace {
 
@@ -12,7 +12,6 @@ protected:
     CoreAgentInterfaceTest() {
         InstallAgent();
         library.calls.clear();
-        library.given.clear();
         library.isAgentRunning = false;  // once it is lost
     }
     bool AreServicesOn() const {
@@ -23,57 +22,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(CoreAgentInterfaceTest, EachOperationHandsOverWhatItWasGiven) {
-    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    const CFRef<CFMutableArrayRef> answer = cf::MutableArray();
-    const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-    cf::Set(font, kGS_DatabaseIDKey, 9);
-    cf::Append(fonts, font);
-    cf::Append(fonts, "no record");
-    library.fonts = {{7, "Seven"}};
-    library.fingerprints = {{9, "<xml/>"}};
-    library.activationStates = {{7, true}, {8, false}};
-    const CFRef<CFMutableArrayRef> reported = cf::MutableArray();
-    const DocumentFontLists lists{fonts.get(), answer.get(), reported.get(), nullptr};
-    std::string xml;
-    int32_t setID = 0;
-    PluginActivationStates states;
-    library.canExport = true;
-    EXPECT_EQ(agent.ActivateDocumentFontsByPath("/a.ai", lists), 0u);
-    EXPECT_EQ(agent.ActivateFontByID(font.get(), "A", answer.get()), 0u);
-    EXPECT_EQ(agent.ActivateFontsByID(fonts.get(), "B", answer.get()), 0u);
-    EXPECT_EQ(cf::Count(answer.get()), 3);
-    EXPECT_EQ(cf::Count(reported.get()), 1);
-    EXPECT_EQ(agent.DeactivateFonts(fonts.get(), 5, nullptr), 0u);
-    EXPECT_EQ(agent.GetClientFontActivationStates({7, 8, 9}, states), 0u);
-    EXPECT_EQ(states, (PluginActivationStates{{7, true}, {8, false}}));
-    EXPECT_EQ(agent.SaveDocumentFonts("/b.ai", true, cf::String("usage").get()), 0u);
-    EXPECT_EQ(agent.CreateTopLevelSet("Set", 3, setID), 0u);
-    EXPECT_EQ(agent.AddFontsToSet(fonts.get(), setID), 0u);
-    EXPECT_EQ(agent.GetFontsByPostscriptName("Name", 4, answer.get()), 0u);
-    EXPECT_EQ(agent.GetGlyphscanInfo(9, xml), 0u);
-    EXPECT_EQ(xml, "<xml/>");
-    EXPECT_EQ(agent.GetFontConflicts({7, 8}, answer.get()), 0u);
-    EXPECT_TRUE(agent.CanExportFromWorkgroup(fonts.get()));
-    EXPECT_FALSE(agent.canShowPostscriptReplacements());
-    EXPECT_FALSE(agent.AreSchemaVersionsInSync());
-    std::erase_if(library.given, [](const std::string& call) {
-        return call == "GetPluginFacadeInstance()" || call == "InitThreadInstance()" ||
-               call.starts_with("Log(");
-    });
-    EXPECT_THAT(library.given,
-                ElementsAre("ActivateDocumentFontsByPath('/a.ai', [-1,-1])",
-                            "ActivateFonts([-1], 'A', 'ActivateLocally')",
-                            "ActivateFonts([-1,-1], 'B', 'ActivateLocally')", "DeactivateFonts([-1,-1], 5)",
-                            "GetClientFontActivationStates([7,8,9])",
-                            "SaveDocumentFonts('/b.ai', 1, 'usage')", "CreateTopLevelSet('Set', 3)",
-                            "AddFontsToSets([9], [1])", "GetFontsByPostscriptName('Name', 4)",
-                            "GetGlyphscanXMPData(9)", "GetFontConflicts([7,8])", "CanExportFonts([-1,-1])",
-                            "MotherMayI(" + std::to_string(kPermission_ShowPostscriptReplacements) + ")",
-                            "GetAreSchemaVersionsInSync()"));
-    EXPECT_EQ(library.CallsOf("GetPluginFacadeInstance"), 14) << "a facade for every call";
-}
 
 TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
     library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout};
