@@ -43,18 +43,6 @@ TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
 }
 
-TEST_F(DocumentRoadTest, WithThePreferenceOffFontsStayUntilTheHostQuits) {
-    ScriptedHost host;
-    host.Start();
-    host.SetPreference("CloseFontsOnDocClose", 0);
-    host.Open(document);
-    host.Close(document);
-    EXPECT_THAT(world.VisibleFonts(), ElementsAre("Sample-Bold", "Sample-Light"));
-    EXPECT_EQ(host.Call("TerminatePluginCoreInterface")["code"], 0);
-    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
-    EXPECT_EQ(host.Finish().status, 0);
-}
-
 // Each switch of the preferences that changes what opening a document does, seen by what programs are offered.
 TEST_F(DocumentRoadTest, EachSwitchDoesWhatItSays) {
     const json requested = {{{"PostScriptName", "Sample-Bold"}},
