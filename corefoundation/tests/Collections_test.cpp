@@ -174,14 +174,4 @@ TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
     EXPECT_EQ(cf::GetString(values, "\xFF"), "");
 }
 
-TEST(CFRef, SettingNothingRemovesTheKey) {
-    const auto dictionary = cf::MutableDictionary();
-    for (const char* key : {"a", "b", "c"})
-        cf::Set(dictionary, key, 1);
-    cf::Set(dictionary, "a", CFStringRef{nullptr});
-    cf::Set(dictionary, "b", "\xFF");
-    cf::Set(dictionary, "c", UINT64_MAX);
-    EXPECT_EQ(cf::Count(dictionary.get()), 0);
-}
-
 }  // namespace
