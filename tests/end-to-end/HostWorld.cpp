@@ -12,7 +12,7 @@ namespace {
 
 void ExpectBySchema(panel_schemas::Direction direction, const json& message) {
     if (HasSources()) {
-        EXPECT_EQ(panel_schemas::Find(direction, message).faults, "");
+        EXPECT_EQ(panel_schemas::FaultsOf(direction, message), "");
     }
 }
 
