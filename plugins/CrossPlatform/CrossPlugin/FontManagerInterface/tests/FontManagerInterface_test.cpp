@@ -41,13 +41,13 @@ TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
 
 TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
     const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    for (const int64_t workgroupID : {int64_t{7}, int64_t{8}, int64_t{1} << 40}) {
+    for (const int64_t workgroupID : {int64_t{1} << 40, int64_t{8}, int64_t{7}}) {
         const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
         cf::Set(font, kGS_WorkgroupIDKey, workgroupID);
         cf::Append(fonts, font);
     }
     fontManager.AddWorkgroupNamesToFonts(fonts.get());
-    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 0), kGS_WorkgroupNameKey), "Library");
+    EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 2), kGS_WorkgroupNameKey), "Library");
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 1), kGS_WorkgroupNameKey), "");
     EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(7));
     EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
@@ -93,6 +93,8 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     EXPECT_EQ(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), GIPCClient::kReplyTimeout);
     FakeClock clock;
     library.isAgentRunning = false;
+    FontActivationTracker& tracker = *MarquellGlobals::GetSharedFontActivationTracker();
+    tracker.CloseLater("A", true);
     const auto asked = library.CallsOf("GetIsCoreAgentProcessRunning");
     for (int second = 0; second <= 63; ++second, clock.ticks += 1000)
         fontManager.OnIdle();
@@ -102,6 +104,7 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     clock.ticks += 15000;
     fontManager.OnIdle();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 2);
+    EXPECT_FALSE(tracker.HasClosesToCatchUp());
     fontManager.OnUserAction();
     fontManager.OnUserAction();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 3);
