@@ -103,11 +103,8 @@ public:
             for (const Font& font : mManager->fonts.FontsOfFile(mManager->fonts.Add(known.file, known.faces)))
                 mManager->workgroups.AddFont(mManager->DefaultWorkgroup().id, font.id);
         }
-        const int32_t workgroup = mManager->workgroups.Create("Mine", kWorkgroupType_FontLibrary);
-        const int32_t set = mManager->sets.Create(workgroup, "Mine");
-        mManager->sets.AddFont(set, 1);
-        const int32_t list = mManager->smartLists.Create("Mine", {{}, {set}, {}});
-        mManager->smartLists.Create("Yours", {{workgroup}, {}, {list}});
+        const int32_t set = mManager->sets.Create(mManager->DefaultWorkgroup().id, "Mine");
+        mManager->smartLists.Create("Mine", {{}, {set}, {}});
         const auto self = platform::CurrentProcessId();
         for (Client& client : mClients)
             client.process = {self, platform::ProcessStartTime(self)};
@@ -171,30 +168,22 @@ private:
     int UpTo(int most) {
         return mInput.ConsumeIntegralInRange(0, most);
     }
-    /// What a command may take for that member of its arguments; now and then a value of another type.
+    /// What commands may take for that member of their arguments; now and then a value of another type.
     Json Argument(std::string_view name) {
-        using namespace member;
-        const auto isOneOf = [name](std::initializer_list<std::string_view> names) {
-            return std::find(names.begin(), names.end(), name) != names.end();
-        };
-        if (name == kPath)  // none outside the folder
+        if (name == member::kPath)  // none outside the folder
             return Library().paths[mInput.ConsumeIntegralInRange<size_t>(0, Library().paths.size() - 1)];
         if (UpTo(15) == 0)
             return mInput.PickValueInArray<Json>({nullptr, true, 0.5, -1e300, uint64_t{UINT64_MAX}, "text",
                                                   Json::array({Json::array()}), Json::object(),
                                                   std::numeric_limits<double>::infinity()});
-        if (isOneOf({kFonts, kSets, kGS_WorkgroupIDsKey, kGS_SetIDsKey, kGS_SmartSetIDsKey})) {
+        if (name.ends_with('s') && name != member::kReplacements) {  // which is how many
             Json values = Json::array();
             for (int left = UpTo(4); left > 0; --left)
-                values.push_back(name == kFonts && mInput.ConsumeBool() ? RequestedFont() : Number());
+                values.push_back(name == member::kFonts && mInput.ConsumeBool() ? RequestedFont() : Number());
             return values;
         }
-        if (isOneOf({kOn, kEnable, kActivate, kReplace, kWholeFamily, kVisible}))
-            return mInput.ConsumeBool();
-        if (isOneOf({kName, kNewName, kDocument, kUsage, kGS_SmartListNameKey}) ||
-            (name == kWorkgroup && mInput.ConsumeBool()))
-            return Text();
-        return Number();
+        const int kind = UpTo(6);
+        return kind == 0 ? Json(mInput.ConsumeBool()) : kind < 4 ? Number() : Text();
     }
     Json Number() {
         if (UpTo(9) == 0)
