@@ -3,8 +3,8 @@
 // Messages are MessagePack objects. A request comes with a font file: {"method": "scan"} for its faces, or
 // {"method": "draw", "face", "fullName", "postScriptName", "scale"} for the image of a name, or {"method":
 // "licence", "face"}. Answers are {"faces": [[face, PostScript name, family, style, full name, foundry, version,
-// kind, [lookup names]]]} or {"reason"}, {"width", "height", "coverage"}, and {"embedding", "text", "url"}. The process reads untrusted files, so its
-// answers are trusted no more than fonts are.
+// kind, [lookup names]]]} or {"reason"}, {"width", "height", "coverage"}, and {"embedding", "text", "url"}.
+// The process reads untrusted files, so its answers are trusted no more than fonts are.
 //
 // The process that asks the system for its fonts gets any request, and answers {"files": [path],
 // "folders": [path]}, or nothing where the system does not tell.

@@ -101,8 +101,8 @@ private:
 
 /// Addresses for the program's listener, best first, all of them told apart by its data folder (a full path).
 /// Linux: sockets in the folder for those of this login, in the data folder, and in a folder of short name
-/// where those paths are too long for a socket. Windows: the pipe of that name and
-/// of this session, and one of a name that nobody can foresee: clients of an agent that died may hold the first for as long as they like.
+/// where those paths are too long for a socket. Windows: the pipe of that name and of this session, and one of
+/// a name that nobody can foresee: clients of an agent that died may hold the first for as long as they like.
 std::vector<std::string> LocalStreamAddresses(const std::string& maker, const std::string& program,
                                               const std::string& dataFolder);
 
