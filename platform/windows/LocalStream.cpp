@@ -15,6 +15,7 @@
 #include "TextHash.h"
 #include "UserIdentity.h"
 #include "WideText.h"
+#include "platform/System.h"
 
 namespace platform {
 namespace {
