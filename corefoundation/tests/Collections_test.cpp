@@ -40,6 +40,9 @@ TEST(CFDictionary, VisitsKeysInTheOrderOfTheirFirstSetting) {
         },
         &visited);
     EXPECT_EQ(visited, "apple mango fig zebra ");
+    const void* values[4] = {};
+    CFDictionaryGetKeysAndValues(dictionary.get(), nullptr, values);
+    EXPECT_EQ(cf::ToInt64(values[3]), 3);
 }
 
 TEST(CFDictionary, AgreesWithAModelThroughManyRandomChangesThoughHashesAreTheSame) {
