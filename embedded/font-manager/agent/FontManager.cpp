@@ -6,6 +6,7 @@
 #include "common/Protocol.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
+#include "platform/System.h"
 #include "store/Schema.h"
 
 namespace pellwick {
@@ -34,8 +35,13 @@ FontManager::FontManager(const Locations& places)
       vault(places.vaultFolder, places.session),
       activeFonts(MakeActiveFonts(places.linkFolder, vault)),
       previews(places.previewFolder) {
+    // Agents of several sessions may start at once; on Linux there is one.
+    platform::FileLock upgrade;
+    if (!platform::kIsLinux)
+        upgrade.Acquire(locations.databasePath + ".lock", true);
     PrepareSchema(database, locations.session);
     (void)database.HasChangedElsewhere();  // what comes from here on
+    mShared = fonts.SharedState();
 }
 
 FontVault::Survey FontManager::LookAroundVault() {
@@ -70,6 +76,15 @@ ActiveFonts::Repairs FontManager::RepairActiveFonts() {
     return repairs;
 }
 
+bool FontManager::FollowOtherSessions() {
+    std::string shared = fonts.SharedState();
+    if (shared == mShared)
+        return false;
+    RepairActiveFonts();
+    mShared = std::move(shared);
+    return true;
+}
+
 ActivationChanges FontManager::EndLeasesOfDeadProcesses() {
     Activation activation = BeginActivation();
     return EndLeasesUnless(MayBeAlive, activation);
@@ -84,6 +99,7 @@ ActivationChanges FontManager::EndLeasesOfEarlierEra() {
     settings.NoteEra(era);
     if (era.empty() || before.empty())  // it cannot be told, or an older version noted none
         return activation.Commit();
+    activations.EndLeasesOfOtherSessions();
     return EndLeasesUnless([](const HostProcess&) { return false; }, activation);
 }
 

@@ -39,6 +39,8 @@ public:
     ActiveFonts::Repairs RepairActiveFonts();
     /// Whether that failed the last time, so that it is to be tried again.
     bool NeedsRepair() const { return mNeedsRepair; }
+    /// Has what the user did in other sessions hold here; false where that was nothing.
+    bool FollowOtherSessions();
     /// Ends the leases of processes that are gone, and forgets what they were answered.
     ActivationChanges EndLeasesOfDeadProcesses();
     /// Ends all leases if the system was restarted since the last call: by now other processes may have
@@ -79,6 +81,7 @@ private:
     ActivationChanges EndLeasesUnless(bool (*mayBeAlive)(const HostProcess& host), Activation& activation);
 
     bool mNeedsRepair = false;
+    std::string mShared;  ///< see FontStore::SharedState
 };
 
 }  // namespace pellwick

@@ -119,8 +119,8 @@ void Server::WatchGround() {
 void Server::CheckGround() {
     if (mLock.IsInPlace()) {
         mAddress.Check();
-        FollowOtherSessions();
         WatchGround();
+        FollowOtherSessions();
         return;
     }
     mLog.WriteLine("the agent ends: " + mManager.locations.lockPath +
@@ -131,10 +131,10 @@ void Server::CheckGround() {
 /// What the user has agents of other sessions activate, add and remove holds here too.
 void Server::FollowOtherSessions() {
     try {
-        if (!mManager.database.HasChangedElsewhere())
-            return;
-        mManager.RepairActiveFonts();
-        Announce(kPluginCallback_PanelDataChanged, nullptr);
+        mIsBehind = mManager.database.HasChangedElsewhere() || mIsBehind;
+        if (mIsBehind && mManager.FollowOtherSessions())
+            Announce(kPluginCallback_PanelDataChanged, nullptr);
+        mIsBehind = false;
     } catch (const DatabaseError& error) {
         Note(std::string("following other sessions: ") + error.what());
     }

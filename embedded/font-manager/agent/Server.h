@@ -115,6 +115,7 @@ private:
     asio::steady_timer mIndexTimer;
     std::optional<platform::FontWatch> mFontWatch;
     std::chrono::milliseconds mSweepDelay{0};  ///< 0 while there is nothing to look after
+    bool mIsBehind = false;                    ///< what other sessions recorded does not hold here yet
     std::string mSweepFailure;                 ///< so that one that lasts leaves one line
     std::chrono::steady_clock::time_point mLastSignOfLife;
     bool mStopsAfterCommand = false;

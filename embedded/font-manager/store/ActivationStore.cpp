@@ -79,8 +79,12 @@ bool ActivationStore::HasLease(const HostProcess& host, uint32_t fontID, LeasePu
         .Step();
 }
 
+void ActivationStore::EndLeasesOfOtherSessions() {
+    mDatabase.Execute("DELETE FROM leases WHERE session <> (SELECT number FROM own_session)");
+}
+
 std::vector<HostProcess> ActivationStore::Hosts() {
-    Statement query = mDatabase.Prepare("SELECT DISTINCT process, start_time FROM leases");
+    Statement query = mDatabase.Prepare("SELECT DISTINCT process, start_time FROM own_leases");
     return HostsOf(query);
 }
 

@@ -53,6 +53,9 @@ public:
     bool HasLease(const HostProcess& host, uint32_t fontID);
     bool HasLease(const HostProcess& host, uint32_t fontID, LeasePurpose purpose);
 
+    /// Of the system's earlier runs: their sessions have ended.
+    void EndLeasesOfOtherSessions();
+    /// Those of this session.
     std::vector<HostProcess> Hosts();
     std::vector<uint32_t> FontsLeasedBy(const HostProcess& host);
     /// For that document.

@@ -366,6 +366,18 @@ bool FontStore::IsSystemFileKnown(const std::string& path) {
     return mDatabase.Prepare("SELECT 1 FROM files WHERE path = ? AND path <> ''").Bind(path).Step();
 }
 
+std::string FontStore::SharedState() {
+    Statement query = mDatabase.Prepare(
+        "SELECT (SELECT COUNT(*) || ' ' || IFNULL(MAX(id), 0) FROM fonts)"
+        " || ' ' || (SELECT COUNT(*) || ' ' || IFNULL(SUM(font_id), 0) FROM user_activations)"
+        " || ' ' || (SELECT COUNT(*) FROM files WHERE missing)"
+        " || ' ' || (SELECT COUNT(*) || ' ' || IFNULL(MAX(id), 0) FROM sets)"
+        " || ' ' || (SELECT COUNT(*) FROM set_fonts)"
+        " || ' ' || (SELECT COUNT(*) || ' ' || IFNULL(MAX(id), 0) FROM smart_lists)"
+        " || ' ' || (SELECT COUNT(*) || ' ' || IFNULL(MAX(id), 0) FROM workgroups)");
+    return query.Step() ? query.Text(0) : std::string();
+}
+
 std::vector<FontFile> FontStore::SystemFiles() {
     Statement query = mDatabase.Prepare(SELECT_FILES "WHERE path <> ''");
     return AllFiles(query);

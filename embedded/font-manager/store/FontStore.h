@@ -77,6 +77,9 @@ public:
     /// The system's files, as they were read last; some hold no font that can be used.
     std::vector<FontFile> SystemFiles();
     bool IsSystemFileKnown(const std::string& path);
+    /// A text that another one takes the place of when fonts, activations by the user, sets, smart lists or workgroups come
+    /// or go. What hosts hold has no part in it.
+    std::string SharedState();
     /// Up to `limit` of the vault's with a larger ID than `after`, by ID.
     std::vector<FontFile> FilesAfter(int64_t after, int limit);
     /// Adds a file and its faces; the file's new ID.
