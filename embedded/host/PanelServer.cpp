@@ -228,10 +228,8 @@ bool PanelServer::State::IsOffered(const std::string& path) {
 void PanelServer::State::GiveFile(const httplib::Request& request, httplib::Response& response) {
     const std::string path = request.get_param_value("path");
     const char* type = ContentTypeOf(path);
-    std::error_code error;
     // The paths are those of the core, letter by letter; where one has become a link, it is not the core's file.
-    if (type == nullptr || !IsOffered(path) ||
-        !std::filesystem::is_regular_file(std::filesystem::symlink_status(platform::Utf8Path(path), error)) ||
+    if (type == nullptr || !IsOffered(path) || platform::IsLink(path) ||
         platform::ReadWholeFile(path, response.body, kLargestFile)) {
         response.body.clear();
         response.status = 404;

@@ -1,11 +1,14 @@
 #include "platform/Utf8Path.h"
 
 #include "WideText.h"
+#include "platform/Files.h"
 
 namespace platform {
 
 std::filesystem::path Utf8Path(std::string_view text) {
-    return ToWidePath(text);
+    // A part of a path stays one, however long.
+    return IsFullPath(std::string(text)) ? std::filesystem::path(ToWidePath(text))
+                                         : std::filesystem::path(ToWide(text)).make_preferred();
 }
 
 std::string Utf8Text(const std::filesystem::path& path) {

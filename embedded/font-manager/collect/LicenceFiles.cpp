@@ -50,8 +50,7 @@ std::vector<std::string> LicenceFilesBeside(const std::string& fontPath) {
     for (int count = 0; !failure && entry != fs::directory_iterator() && count < kMaxFilesInFolder;
          entry.increment(failure), ++count) {
         const std::string path = platform::Utf8Text(entry->path());
-        std::error_code ignored;
-        if (IsLicenceName(platform::NamePart(path)) && !entry->is_symlink(ignored) &&
+        if (IsLicenceName(platform::NamePart(path)) && !platform::IsLink(path) &&
             !IsOfAnotherFile(path, fontPath))
             files.push_back(path);
     }

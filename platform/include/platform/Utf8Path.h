@@ -8,7 +8,8 @@
 
 namespace platform {
 
-/// Windows: also for paths beyond 260 characters, whatever the program declares. Empty for text that cannot be a path.
+/// Windows: a full path beyond 247 characters gets the prefix that files need there, whatever the program declares; the
+/// library lists no folder of such a path. Empty for a full path that cannot be one.
 std::filesystem::path Utf8Path(std::string_view text);
 /// The path as people write it.
 std::string Utf8Text(const std::filesystem::path& path);
