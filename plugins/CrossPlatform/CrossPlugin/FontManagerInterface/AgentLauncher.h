@@ -27,8 +27,8 @@ struct LaunchInfo {
 };
 
 /// The folder of the first running process whose executable is named `name`, ignoring case; a name without a
-/// dot also stands for `name`.exe. CoreErrorCodes::kUnknownError when there is none, also when the processes
-/// cannot be listed.
+/// dot also stands for `name`.exe. CoreErrorCodes::kUnknownError when there is none, the system's number when the
+/// processes cannot be listed.
 [[nodiscard]] ErrorCode GetPathToRunningProcessExe(const std::string& name, std::string& folder);
 
 /// Reads the launch-info file in one system folder. True when it names an agent that is there; of that for all users,

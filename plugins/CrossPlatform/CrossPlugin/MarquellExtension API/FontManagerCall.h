@@ -6,13 +6,14 @@
 #include "VPILoader.h"
 
 /// Calls one function of the table with this process' facade and the arguments. kNotImplemented when the
-/// library does not have it, or is of a version that does not go with the core. Main thread.
+/// library does not have it, or nobody may call it: its version does not go with the core, or the host has quit. Main thread.
 template <class Function, class... Arguments>
 ErrorCode CallFontManager(Function PluginFunctionTable::*function, Arguments... arguments) {
     const VPILoader* loader = VPILoader::GetSharedInstance();
     if (loader == nullptr)
         return CoreErrorCodes::kSuccess;
-    if (GetFontManagerAccess() == nullptr || loader->*function == nullptr || loader->pfGetPluginFacadeInstance == nullptr)
+    if (GetFontManagerAccess() == nullptr || loader->*function == nullptr ||
+        loader->pfGetPluginFacadeInstance == nullptr)
         return CoreErrorCodes::kNotImplemented;
     PluginFacadeRef facade = nullptr;
     if (const ErrorCode code = loader->pfGetPluginFacadeInstance(&facade))

@@ -69,7 +69,7 @@ ErrorCode MarquellPanel::GetJSONValueFromMessage(const std::string& message, JSO
 
 ErrorCode MarquellPanel::Send(const PanelMessage& message) {
     if (mIsClosed)
-        return CoreErrorCodes::kNotInitialized;
+        return CoreErrorCodes::kSuccess;  // nobody is there to be told
     std::string responseMessage;
     if (const ErrorCode code = message.Write(responseMessage))
         return code;

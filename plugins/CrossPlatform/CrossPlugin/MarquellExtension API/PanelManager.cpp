@@ -102,12 +102,7 @@ ErrorCode PanelManager::RegisterPlugPlug(void* plugPlug) {
     auto htmlPanel = HTMLPanel::Create(static_cast<PlugPlugService*>(plugPlug));
     RETURN_IF_NULL(htmlPanel);
     mPanels.reserve(mPanels.size() + 1);  // once it is registered, nothing may keep the panel from staying
-    if (const ErrorCode code = htmlPanel->RegisterHandler()) {
-        // Expected while the host starts.
-        ReportFailure(kLogCategory, {"htmlPanel->RegisterHandler()", __FILE__, __LINE__}, code,
-                      GLogger::kDebug);
-        return code;
-    }
+    RETURN_IF_FAILED(htmlPanel->RegisterHandler());
     AddPanel(std::move(htmlPanel));
     mRegistered = true;
     return CoreErrorCodes::kSuccess;
