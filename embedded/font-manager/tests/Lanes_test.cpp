@@ -43,7 +43,10 @@ protected:
     std::unique_ptr<TestProcess> BeginToAddSecond() {
         return BeginToAdd(mWorld.WriteFont("Second-Bold"), true);
     }
-    std::vector<std::string> Arriving() { return mWorld.FilesBelow("data/Vantorix/Pellwick/vault/incoming"); }
+    std::vector<std::string> Arriving() {
+        const std::string session = mPlaces.session == 0 ? "" : "-" + std::to_string(mPlaces.session);
+        return mWorld.FilesBelow("data/Vantorix/Pellwick/vault/incoming" + session);
+    }
 
     platform::ProcessId worker = 0;
 };

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "TestFiles.h"
+#include "platform/Files.h"
 #include "tests/support/ClientTest.h"
 #include "tests/support/Peers.h"
 
@@ -146,7 +147,8 @@ TEST(LostAnswersOfTheLibrary, ARequestIsTheSameThoughTheAgentWasAskedHowItIsInBe
     const TestLibrary library;
     const std::string address =
         platform::LocalStreamAddresses("Test", "Scripted", world.Path("scripted")).front();
-    world.Write("data/Vantorix/Pellwick/agent.address", address);
+    const std::string note = platform::NamePart(Locations::OfThisUser().addressPath);
+    world.Write("data/Vantorix/Pellwick/" + note, address);
     WaitingStream agent;
     agent.Listen(address);
     const auto answer = [&](const Json& request) {
