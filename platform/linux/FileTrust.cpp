@@ -10,6 +10,7 @@
 
 #include "Descriptor.h"
 #include "FilesInternal.h"
+#include "LinuxFiles.h"
 
 namespace platform {
 namespace {
@@ -93,17 +94,8 @@ SystemError JudgedFile::Read(std::string& content, uint64_t sizeLimit) {
         return SystemError{EBADF};
     std::string bytes(static_cast<size_t>(sizeLimit) + 1, '\0');
     size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t count =
-            pread(mHandle->file.Get(), bytes.data() + size, bytes.size() - size, static_cast<off_t>(size));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return LastSystemError();
-        if (count == 0)
-            break;
-        size += static_cast<size_t>(count);
-    }
+    if (const SystemError error = ReadAt(mHandle->file.Get(), 0, bytes.data(), bytes.size(), size))
+        return error;
     if (size > sizeLimit)
         return kFileTooLarge;
     bytes.resize(size);

@@ -116,18 +116,7 @@ SystemError ReadOnlyFile::ReadAt(uint64_t offset, void* buffer, size_t size, siz
     bytesRead = 0;
     if (!mHandle)
         return SystemError{EBADF};
-    while (bytesRead < size) {
-        const ssize_t count = pread(mHandle->descriptor.Get(), static_cast<char*>(buffer) + bytesRead,
-                                    size - bytesRead, static_cast<off_t>(offset + bytesRead));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return LastSystemError();
-        if (count == 0)
-            break;
-        bytesRead += static_cast<size_t>(count);
-    }
-    return {};
+    return platform::ReadAt(mHandle->descriptor.Get(), offset, buffer, size, bytesRead);
 }
 
 SystemError ReadOnlyFile::Size(uint64_t& size) const {

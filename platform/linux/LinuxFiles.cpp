@@ -9,6 +9,22 @@
 
 namespace platform {
 
+SystemError ReadAt(int descriptor, uint64_t offset, void* buffer, size_t size, size_t& bytesRead) {
+    bytesRead = 0;
+    while (bytesRead < size) {
+        const ssize_t count = pread(descriptor, static_cast<char*>(buffer) + bytesRead, size - bytesRead,
+                                    static_cast<off_t>(offset + bytesRead));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return LastSystemError();
+        if (count == 0)
+            break;
+        bytesRead += static_cast<size_t>(count);
+    }
+    return {};
+}
+
 SystemError WriteAll(int descriptor, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = write(descriptor, content.data(), content.size());

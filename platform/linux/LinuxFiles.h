@@ -1,6 +1,8 @@
 // What the implementations of platform/Files.h and platform/FileWriter.h share on Linux.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,6 +10,8 @@
 
 namespace platform {
 
+/// Reads up to `size` bytes at `offset`; less only at the end of the file.
+SystemError ReadAt(int descriptor, uint64_t offset, void* buffer, size_t size, size_t& bytesRead);
 /// Writes the whole content, however often the system takes a part of it only.
 SystemError WriteAll(int descriptor, std::string_view content);
 /// Has what was written reach the disk.
