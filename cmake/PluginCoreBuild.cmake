@@ -51,7 +51,13 @@ endif()
 if(PLUGINCORE_SANITIZE)
   target_compile_options(plugincore-build-options INTERFACE
     -fsanitize=${PLUGINCORE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_definitions(plugincore-build-options INTERFACE PLUGINCORE_SANITIZED)
   target_link_options(plugincore-build-options INTERFACE -fsanitize=${PLUGINCORE_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    # A program in C that loads our libraries brings what they need of the sanitizers for C++.
+    target_link_options(plugincore-build-options INTERFACE
+      $<$<LINK_LANGUAGE:C>:-fsanitize-link-c++-runtime> $<$<LINK_LANGUAGE:C>:-lstdc++>)
+  endif()
 endif()
 
 # plugincore_library(NAME STATIC|SHARED SOURCES ... [INCLUDES PUBLIC-FOLDERS] [LINKS ...] [PRIVATE_LINKS ...])

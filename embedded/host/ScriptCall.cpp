@@ -43,7 +43,8 @@ template <class Function>
 Code CallWithBuffer(Call& call, const char* bufferName, const char* sizeName, Function&& function) {
     Buffer buffer(call.arguments, sizeName);
     const uint32_t code = function(buffer.Bytes(), buffer.Size());
-    call.out = {{bufferName, buffer.Text()}, {sizeName, *buffer.Size()}};
+    call.out[bufferName] = buffer.Text();
+    call.out[sizeName] = *buffer.Size();
     return code;
 }
 

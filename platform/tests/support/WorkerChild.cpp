@@ -35,7 +35,8 @@ std::string AnswerTo(const std::string& request, std::string_view file) {
         return std::system("exit 7") == 7 << 8 ? "started" : "refused";
     if (request == "fill the memory") {
         try {
-            return std::to_string(std::string(size_t{8} << 30, 'x').size());
+            const std::string much(size_t{8} << 30, 'x');
+            return std::to_string(much.size());
         } catch (const std::bad_alloc&) {
             return "no memory";
         }

@@ -235,7 +235,7 @@ protected:
 };
 
 TEST_F(JumpingHostTest, IsServedTheNextTime) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PLUGINCORE_SANITIZED
     GTEST_SKIP() << "what such a host leaves behind is a leak, and nobody else's";
 #endif
     EXPECT_EXIT(Play(), testing::ExitedWithCode(0), "");

@@ -14,8 +14,8 @@ const json kCandidate = {{"PostScriptName", "Serifa-Roman"}, {"DatabaseID", 12}}
 const json kResolvable = {{"PostScriptName", "Serifa"},
                           {"PossibleReplacements", {{"Serifa-Roman", kCandidate}}}};
 const json kLost = {{"PostScriptName", "Lost"}, {"PossibleReplacements", json::object()}};
-const std::string kBoth = json{kLost, kResolvable}.dump();
-const std::string kOnlyLost = json{kLost}.dump();
+const std::string kBoth = json::array({kLost, kResolvable}).dump();
+const std::string kOnlyLost = json::array({kLost}).dump();
 
 class FontDialogsTest : public FakeWorld {
 protected:

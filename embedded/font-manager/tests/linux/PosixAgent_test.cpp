@@ -15,7 +15,7 @@
 #include "tests/support/AgentTest.h"
 #include "tests/support/TestLibrary.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef PLUGINCORE_SANITIZED
 #define SKIP_WITH_SANITIZERS() GTEST_SKIP() << "sanitizers need memory and descriptors of their own"
 #else
 #define SKIP_WITH_SANITIZERS()
