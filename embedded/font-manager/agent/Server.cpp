@@ -20,13 +20,6 @@
 namespace pellwick {
 namespace {
 
-// A host whose connection ends is about to end itself, or has only let go of the connection. So it is looked
-// at soon after, then ever less often.
-constexpr std::chrono::milliseconds kFirstSweepDelay{20};
-constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
-constexpr std::chrono::milliseconds kAdmissionPause{100};
-constexpr std::chrono::milliseconds kIndexPause{10};  // between two parts of the index of names
-
 /// What a host asks for first over a new connection when it has lost an answer: how the agent is, and the
 /// same again, which undoes by itself what it did the first time.
 bool MayRepeatActivation(const Json& request) {

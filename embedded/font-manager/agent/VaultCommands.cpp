@@ -165,9 +165,9 @@ void Add(CommandContext& context, const FoundFile& found) {
 
 /// The files in their order after that ID, for as long as there is time.
 Json commands::CheckFiles(CommandContext& context, const Json& arguments) {
-    constexpr int kMostFiles = 1000;
     const FontVault& vault = context.manager.vault;
-    const auto files = context.manager.fonts.FilesAfter(IntegerMember(arguments, member::kAfter), kMostFiles);
+    const auto files =
+        context.manager.fonts.FilesAfter(IntegerMember(arguments, member::kAfter), kMaxFilesPerCheck);
     return context.Defer(Deferral::LaneName::kFiles, [&vault, files](FontWorker& worker) {
         const auto deadline = std::chrono::steady_clock::now() + kVaultCheckTime;
         std::vector<CheckedFile> checked;

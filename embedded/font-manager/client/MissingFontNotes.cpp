@@ -2,19 +2,15 @@
 
 #include <algorithm>
 
+#include "common/FontManagerLimits.h"
+
 namespace pellwick {
-namespace {
-
-/// More than anyone has open.
-constexpr size_t kMaxDocuments = 200;
-
-}  // namespace
 
 void MissingFontNotes::Note(const std::string& path, Json fonts) {
     const std::lock_guard guard(mDocumentsLock);
     std::erase_if(mDocuments, [&](const auto& document) { return document.first == path; });
     mDocuments.emplace_front(path, std::move(fonts));
-    mDocuments.resize(std::min(mDocuments.size(), kMaxDocuments));
+    mDocuments.resize(std::min(mDocuments.size(), kMaxDocumentsWithMissingFonts));
 }
 
 std::optional<Json> MissingFontNotes::Of(const std::string& path) {

@@ -98,13 +98,6 @@ private:
 
 thread_local bool isListenerThread = false;
 
-// While there is no agent: soon at first, since it is often being started again at this moment, then seldom.
-constexpr std::chrono::milliseconds kFirstRest{50};
-constexpr std::chrono::milliseconds kLongestRest{4000};
-/// An agent that is back so soon after its goodbye was restarted, which is nothing to tell users of.
-constexpr std::chrono::milliseconds kRestartTime{1500};
-constexpr std::chrono::milliseconds kLongestRestWhileToldOfNothing{200};
-
 const char kAddressInThisModule = 0;
 
 }  // namespace
@@ -213,14 +206,14 @@ ErrorCode NotificationListener::DeliverAll(Listening& listening) {
 void NotificationListener::FindNextAgent(Listening& listening, bool hasSaidGoodbye) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + kRestartTime;
-    std::chrono::milliseconds rest = kFirstRest;
+    std::chrono::milliseconds rest = kFirstListenerRest;
     while (!listening.IsStopped() && listening.Subscribe() != CoreErrorCodes::kSuccess) {
         if (hasSaidGoodbye && Clock::now() >= end) {
             Deliver(listening, kPluginCallback_AgentShutdown, nullptr);
             hasSaidGoodbye = false;
         }
         listening.Rest(rest);
-        rest = std::min(rest * 2, hasSaidGoodbye ? kLongestRestWhileToldOfNothing : kLongestRest);
+        rest = std::min(rest * 2, hasSaidGoodbye ? kLongestRestDuringRestart : kLongestListenerRest);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "StringConversion.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -11,12 +12,6 @@ namespace pellwick {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The texts of common licences have up to forty thousand bytes; fonts come with one or two.
-constexpr uint64_t kMaxLicenceFileSize = uint64_t{256} << 10;
-constexpr size_t kMaxLicenceFiles = 8;
-/// Files that are looked at in a folder: all of a system's fonts may stand in one.
-constexpr int kMaxFilesInFolder = 20000;
 
 constexpr std::string_view kLicenceExtension = ".license";
 

@@ -6,6 +6,7 @@
 
 #include "collect/FileCopies.h"
 #include "collect/ManifestPage.h"
+#include "common/FontManagerLimits.h"
 #include "platform/Files.h"
 
 namespace pellwick {
@@ -13,8 +14,6 @@ namespace {
 
 constexpr char kFormatName[] = "collected fonts";
 constexpr int kFormatVersion = 1;
-/// A thousand fonts, each with the longest text of a licence.
-constexpr uint64_t kMaxManifestSize = uint64_t{64} << 20;
 
 Json EmptyManifest() {
     return {{manifest::kFormat, kFormatName},

@@ -56,12 +56,29 @@ constexpr std::chrono::milliseconds kGroundInterval{1500};
 /// How long a process that leaves the work to an agent that runs already stays: whoever started it looks, and
 /// is to find that it has not failed.
 constexpr std::chrono::milliseconds kStandInTime{1000};
+/// A host whose connection ends is about to end itself, or has only let go of the connection. So it is looked
+/// at soon after, then ever less often.
+constexpr std::chrono::milliseconds kFirstSweepDelay{20};
+constexpr std::chrono::milliseconds kLongestSweepDelay{5000};
+/// Between two looks at a client's process of which the system cannot tell whether it lives.
+constexpr std::chrono::milliseconds kAdmissionPause{100};
+/// Between two parts of the index of names, so that requests come in between.
+constexpr std::chrono::milliseconds kIndexPause{10};
+/// How long a listening client rests between its looks for an agent that is gone: soon at first, since it is
+/// often being started again at this moment, then seldom.
+constexpr std::chrono::milliseconds kFirstListenerRest{50};
+constexpr std::chrono::milliseconds kLongestListenerRest{4000};
+/// An agent that is back so soon after its goodbye was restarted, which is nothing to tell users of; until then
+/// the client looks at least this often.
+constexpr std::chrono::milliseconds kRestartTime{1500};
+constexpr std::chrono::milliseconds kLongestRestDuringRestart{200};
 
 /// One file of the vault is compared with its checksum this often, in turn and while nothing else is to be
 /// done: a library of 10,000 files takes half a week, and a disk does not notice.
 constexpr std::chrono::seconds kVaultCheckInterval{30};
-/// How long a request to check files may take; the client asks again for the rest.
+/// How long a request to check files may take, and how many it checks; the client asks again for the rest.
 constexpr std::chrono::milliseconds kVaultCheckTime{1000};
+constexpr int kMaxFilesPerCheck = 1000;
 
 /// The largest fonts in use, collections of Chinese, Japanese and Korean faces, have about 150 MB.
 constexpr uint64_t kMaxFontFileSize = uint64_t{256} << 20;
@@ -79,8 +96,23 @@ constexpr size_t kMaxNameBytesPerFile = size_t{16} << 20;
 /// them many times. A second's work.
 constexpr uint64_t kMaxTableBytesPerFile = uint64_t{256} << 20;
 
+/// Names that one face lists: real ones list a few hundred, a hostile table any number. And records of one
+/// name that are tried until one can be decoded: each may be made to be costly and come to nothing.
+constexpr unsigned kMaxNamesPerFace = 4096;
+constexpr size_t kMaxNameCandidates = 8;
+/// Names that one face is looked up by; a scan finds up to four.
+constexpr size_t kMaxLookupNames = 8;
 /// A name is a few dozen characters; longer ones are cut.
 constexpr size_t kMaxNameSize = 1024;
+
+/// Files with a licence that are collected beside fonts, their size, and the files that are looked at in a
+/// folder for them: the texts of common licences have up to forty thousand bytes, fonts come with one or two,
+/// and all of a system's fonts may stand in one folder.
+constexpr size_t kMaxLicenceFiles = 8;
+constexpr uint64_t kMaxLicenceFileSize = uint64_t{256} << 10;
+constexpr int kMaxFilesInFolder = 20000;
+/// The list of what was collected: a thousand fonts, each with the longest text of a licence.
+constexpr uint64_t kMaxManifestSize = uint64_t{64} << 20;
 
 /// The text of a font's licence: the longest that are common have five thousand bytes. Fonts per request for
 /// them, so that the answer fits a message, and how long one request may take, so that hosts wait no longer.
@@ -93,6 +125,8 @@ constexpr int kPreviewHeight = 32;
 constexpr int kMaxPreviewWidth = 640;
 /// Fonts per request for them: a few tenths of a second's work.
 constexpr size_t kPreviewBatchSize = 32;
+/// No real glyph extends further than this many times its size; a larger one would only exhaust memory.
+constexpr int kMaxGlyphExtent = 8;
 /// Glyphs that one glyph is made of, at any depth. Real ones have up to a dozen; ten of ten, eight deep, are
 /// as many as a hundred million.
 constexpr int kMaxGlyphComponents = 256;
@@ -117,6 +151,9 @@ constexpr std::chrono::milliseconds kReadingTime{200};
 /// How long a host waits while new fonts of the system are read, in place of being told that its document's
 /// are missing.
 constexpr std::chrono::milliseconds kSystemFontsPatience{3000};
+
+/// Documents that a client remembers missing fonts of: more than anyone has open.
+constexpr size_t kMaxDocumentsWithMissingFonts = 200;
 
 /// How much of a document is searched for metadata, and how large these may be: a packet has a few thousand
 /// bytes, with thumbnails some hundred thousand.

@@ -18,8 +18,6 @@ namespace {
 /// Size of the letters and their baseline, as parts of the image's height.
 constexpr double kTextSize = 0.7;
 constexpr double kBaseline = 0.75;
-/// No real glyph extends further than this many times its size; a larger one would only exhaust memory.
-constexpr int kMaxGlyphExtent = 8;
 
 constexpr FT_Pos kFractions = 64;  ///< of a pixel, in FreeType's measures
 

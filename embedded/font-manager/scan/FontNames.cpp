@@ -12,11 +12,6 @@
 namespace pellwick {
 namespace {
 
-/// A hostile table may list any number of names; real ones list a few hundred.
-constexpr unsigned kMaxNames = 4096;
-/// Records of one name to try until one can be decoded: each may be made to be costly and come to nothing.
-constexpr size_t kMaxCandidates = 8;
-
 /// Which record to take when a name is there several times: higher is better, 0 cannot be decoded.
 int Preference(const FT_SfntName& name) {
     if (name.platform_id == TT_PLATFORM_MICROSOFT) {
@@ -49,7 +44,7 @@ std::string Decode(const FT_SfntName& name, size_t limit) {
 }  // namespace
 
 NameTable::NameTable(FT_Face face, size_t& budget) : mFace(face) {
-    const unsigned count = std::min(FT_Get_Sfnt_Name_Count(face), kMaxNames);
+    const unsigned count = std::min(FT_Get_Sfnt_Name_Count(face), kMaxNamesPerFace);
     for (unsigned index = 0; index < count && budget != 0; ++index) {
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(face, index, &name) != 0)
@@ -62,7 +57,7 @@ NameTable::NameTable(FT_Face face, size_t& budget) : mFace(face) {
         std::stable_sort(
             candidates.begin(), candidates.end(),
             [](const Candidate& left, const Candidate& right) { return left.preference > right.preference; });
-        candidates.resize(std::min(candidates.size(), kMaxCandidates));
+        candidates.resize(std::min(candidates.size(), kMaxNameCandidates));
     }
 }
 

@@ -16,9 +16,6 @@
 namespace pellwick {
 namespace {
 
-/// Of one face; a scan finds up to four.
-constexpr size_t kMaxLookupNames = 8;
-
 constexpr char kMethod[] = "method";
 constexpr char kScan[] = "scan";
 constexpr char kDraw[] = "draw";

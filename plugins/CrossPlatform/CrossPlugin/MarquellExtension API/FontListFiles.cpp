@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FailureReport.h"
+#include "PanelLimits.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 
@@ -10,7 +11,6 @@ namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
 constexpr std::string_view kURLPrefix = "file:///";
-constexpr size_t kMostFiles = 100;
 
 /// Three slashes, whether or not the path begins with one of them.
 std::string URLOf(const std::string& path) {
@@ -37,7 +37,7 @@ ErrorCode FontListFiles::Create(const std::string& content, std::string& url) {
         return CoreErrorCodes::kError;
     }
     mPaths.push_back(path);
-    if (mPaths.size() > kMostFiles) {
+    if (mPaths.size() > panel_limits::kMostFontListFiles) {
         platform::RemoveFile(mPaths.front());
         mPaths.pop_front();
     }

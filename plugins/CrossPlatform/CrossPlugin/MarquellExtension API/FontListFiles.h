@@ -17,7 +17,7 @@ public:
 
     /// Makes a file of that content in the folder for temporary files, for this user only and under a name
     /// that nobody can foresee. `url`: "file:///" and its full path. A panel that lets go of nothing keeps
-    /// the latest hundred alone.
+    /// the latest ones alone (PanelLimits.h).
     [[nodiscard]] ErrorCode Create(const std::string& content, std::string& url);
     /// Removes the file of that URL or path. kNotFound, and nothing is touched, when it is none of these.
     [[nodiscard]] ErrorCode Release(const std::string& urlOrPath);

@@ -7,6 +7,7 @@
 #include "FailureReport.h"
 #include "FontID.h"
 #include "HostPatience.h"
+#include "PanelLimits.h"
 #include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TarnwickPluginInterface.h"
@@ -22,9 +23,6 @@ constexpr char kPanelToPlugin[] = "com.vantorix.PanelToPlugin";
 constexpr char kPluginToPanel[] = "com.vantorix.PluginToPanel";
 constexpr int32_t kApplicationScope = 1;
 constexpr int32_t kEventErrorCode_Success = 0;
-// A panel and a host that deliver at once can keep each other busy for ever, on the thread that the user
-// waits for. Panels send a handful of requests for one reply.
-constexpr size_t kMostRequestsInTurn = 1000;
 
 /// The location of an image as panels take it, with two slashes whatever the path begins with; empty for
 /// none.
@@ -72,7 +70,7 @@ void HTMLPanel::EventCallback(const PlugPlugEvent* event, void* context) {
 }
 
 void HTMLPanel::HandleInTurn(std::string message) {
-    if (mRequests.size() == kMostRequestsInTurn) {
+    if (mRequests.size() == panel_limits::kMostRequestsInTurn) {
         LogMessage(0, "Dropping a request of a panel that sends more than can be answered");
         return;
     }
@@ -82,7 +80,7 @@ void HTMLPanel::HandleInTurn(std::string message) {
         return;
     const ScopeExit done([this] { mRequests.clear(); });
     for (size_t count = 0; !mRequests.empty(); ++count) {
-        if (count == kMostRequestsInTurn) {
+        if (count == panel_limits::kMostRequestsInTurn) {
             LogMessage(0, "Dropping %d requests of a panel that answers every reply with more of them",
                        static_cast<int>(mRequests.size()));
             return;

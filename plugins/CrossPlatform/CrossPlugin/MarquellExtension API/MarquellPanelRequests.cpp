@@ -13,6 +13,7 @@
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
+#include "PanelLimits.h"
 #include "PanelMessage.h"
 #include "Preferences.h"
 #include "ScopeExit.h"
@@ -25,10 +26,6 @@ using namespace panel_messages;
 namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
-/// Each takes a few milliseconds of the host's thread when it was never made before.
-constexpr size_t kFontsRenderedAtOnce = 3;
-/// What the host does not notice; no further fonts are rendered after it until it is idle again.
-constexpr uint32_t kRenderingMilliseconds = 50;
 
 int64_t IntPreference(const char* key) {
     return MarquellGlobals::GetSharedVPFInterface()->GetIntPreference(key);
@@ -228,7 +225,7 @@ ErrorCode MarquellPanel::RenderNextFonts() {
         return code;
     LogMessage(0, "CALLING: RenderFontNamePreviewPNGs");
     while (code == CoreErrorCodes::kSuccess && !mFontsToRender.empty() &&
-           clock.TickCount() - start < kRenderingMilliseconds)
+           clock.TickCount() - start < panel_limits::kRenderingMilliseconds)
         code = RenderFewFonts();
     LogMessage(0, "END: RenderFontNamePreviewPNGs");
     RETURN_IF_FAILED(code);
@@ -236,8 +233,8 @@ ErrorCode MarquellPanel::RenderNextFonts() {
 }
 
 ErrorCode MarquellPanel::RenderFewFonts() {
-    const auto end = mFontsToRender.begin() +
-                     static_cast<std::ptrdiff_t>(std::min(mFontsToRender.size(), kFontsRenderedAtOnce));
+    const auto end = mFontsToRender.begin() + static_cast<std::ptrdiff_t>(std::min(
+                                                  mFontsToRender.size(), panel_limits::kFontsRenderedAtOnce));
     const auto fonts = cf::NumberArray(std::vector<uint32_t>(mFontsToRender.begin(), end));
     mFontsToRender.erase(mFontsToRender.begin(), end);
     const ErrorCode code =

@@ -9,6 +9,7 @@
 #include "FontID.h"
 #include "HTMLPanel.h"
 #include "NoDestructor.h"
+#include "PanelLimits.h"
 #include "PluginNotifications.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
@@ -17,9 +18,6 @@
 namespace {
 
 constexpr char kLogCategory[] = "Miscellaneous";
-constexpr int32_t kMostAttempts = 12;
-constexpr uint32_t kFirstWait = 500;  // milliseconds; doubled with every attempt, at most this often:
-constexpr int32_t kMostDoublings = 4;
 
 bool Flag(CFDictionaryRef payload, const char* key) {
     return cf::GetBool(payload, key).value_or(false);
@@ -122,8 +120,9 @@ bool PanelManager::TryRegisterPlugPlug(void* plugPlug) {
 }
 
 void PanelManager::PutOffNextAttempt(uint32_t now) {
-    if (mAttempts < kMostAttempts) {
-        mNextAttemptTick = now + (kFirstWait << std::min(mAttempts - 1, kMostDoublings));
+    if (mAttempts < panel_limits::kMostAttempts) {
+        const int32_t doublings = std::min(mAttempts - 1, panel_limits::kMostDoublings);
+        mNextAttemptTick = now + (panel_limits::kFirstWait << doublings);
         return;
     }
     mGaveUp = true;
