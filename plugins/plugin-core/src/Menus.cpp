@@ -52,14 +52,17 @@ json BuildMenu(const std::string& document) {
         FontManagerInterface::GetSharedInstance().GetDefaultWorkgroupID() == kWorkgroupID_All;
     json root = MenuItem(MenuLabel::kRoot, true);
     json& items = root["child"] = json::array();
-    items.push_back(MenuItem(MenuLabel::kWorkgroups, true));
-    items.back()["child"] = WorkgroupItems();
-    items.push_back(MenuItem(MenuLabel::kCollectFonts, areCommandsAllowed));
-    items.push_back(MenuItem(MenuLabel::kCreateDocumentSet, areCommandsAllowed && !isInAllWorkgroups));
-    items.push_back(MenuItem(MenuLabel::kCheckFonts, areCommandsAllowed));
-    items.push_back(Separator());
-    items.push_back(MenuItem(MenuLabel::kPreferences, true));
-    items.push_back(MenuItem(MenuLabel::kAbout, true));
+    for (const auto& [label, text] : kMenuItems) {
+        if (label == MenuLabel::kRoot)
+            continue;
+        if (label == MenuLabel::kPreferences)
+            items.push_back(Separator());
+        const bool isEnabled = (areCommandsAllowed || !IsDocumentCommand(label)) &&
+                               (label != MenuLabel::kCreateDocumentSet || !isInAllWorkgroups);
+        items.push_back(MenuItem(label, isEnabled));
+        if (label == MenuLabel::kWorkgroups)
+            items.back()["child"] = WorkgroupItems();
+    }
     return root;
 }
 
