@@ -6,7 +6,8 @@
 #define FONT_RECORD_KEYS_H
 
 /* clang-format off */
-/* X(constant, key string). Strings unless noted. */
+/* X(constant, key string). Strings unless noted. Records carry them all; nothing here reads AssignedFamilyID,
+   PrinterFont, AssignedFamilyName and Keywords. */
 #define FONT_RECORD_KEYS(X)                                                                                 \
     X(kGS_PostScriptNameKey, "PostScriptName")                                                              \
     X(kGS_FoundryKey, "Foundry")                                                                            \

@@ -170,7 +170,6 @@ TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
     EXPECT_EQ(cf::GetInt64(values, "text"), std::nullopt);
     EXPECT_EQ(cf::GetBool(values, "whole"), true);
     EXPECT_EQ(cf::GetBool(values, "missing"), std::nullopt);
-    EXPECT_EQ(cf::GetDouble(values, "real"), 2.5);
     EXPECT_NE(cf::GetArray(values, "list"), nullptr);
     EXPECT_EQ(cf::GetDictionary(values, "list"), nullptr);
     EXPECT_EQ(cf::GetString(nullptr, "text"), "");

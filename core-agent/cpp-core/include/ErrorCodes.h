@@ -51,5 +51,5 @@ using error_codes::GZephyrinWorkgroupManager;
 std::string ErrorCodeToName(ErrorCode code);
 
 /// The code with that name (exact, case-sensitive); CoreErrorCodes::kUnknownError for a name that is not in
-/// the table. Any thread.
+/// the table. For code that reads names back, out of traces and scripts; the core does not. Any thread.
 ErrorCode ErrorNameToCode(const std::string& name);

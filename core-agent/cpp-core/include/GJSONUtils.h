@@ -74,7 +74,6 @@ template <Integer Value>
 [[nodiscard]] ErrorCode AddValueToArray(JSONValue& jsonValue, bool value, JSONValue& newValue);
 template <Integer Value>
 [[nodiscard]] ErrorCode AddValueToArray(JSONValue& jsonValue, Value value, JSONValue& newValue);
-[[nodiscard]] ErrorCode AddArrayToArray(JSONValue& jsonValue, JSONValue& newValue);
 [[nodiscard]] ErrorCode AddMapToArray(JSONValue& jsonValue, JSONValue& newValue);
 
 }  // namespace GJSONUtils

@@ -21,9 +21,6 @@ std::string ReplaceInvalidUtf8(std::string_view text);
 /// UTF-16 code units to UTF-8; a surrogate that stands alone becomes U+FFFD.
 std::string Utf16ToUtf8(std::u16string_view text);
 
-/// kInvalidParam when the text is not well-formed UTF-8.
-[[nodiscard]] ErrorCode Utf8ToUtf16(std::string_view text, std::u16string& converted);
-
 /// How many UTF-16 code units the text has, which is what a limit of the system's counts.
 size_t Utf16Length(std::string_view text);
 

@@ -167,10 +167,6 @@ ErrorCode AddValueToArray(JSONValue& jsonValue, bool value, JSONValue& newValue)
     return FAIL_IF(!jsonValue.add_bool(value, newValue), CoreErrorCodes::kOutOfMemory);
 }
 
-ErrorCode AddArrayToArray(JSONValue& jsonValue, JSONValue& newValue) {
-    return FAIL_IF(!jsonValue.add_array(newValue), CoreErrorCodes::kOutOfMemory);
-}
-
 ErrorCode AddMapToArray(JSONValue& jsonValue, JSONValue& newValue) {
     return FAIL_IF(!jsonValue.add_map(newValue), CoreErrorCodes::kOutOfMemory);
 }

@@ -88,17 +88,6 @@ std::string Utf16ToUtf8(std::u16string_view text) {
     return converted;
 }
 
-ErrorCode Utf8ToUtf16(std::string_view text, std::u16string& converted) {
-    std::u16string units;
-    try {
-        utf8::utf8to16(text.begin(), text.end(), std::back_inserter(units));
-    } catch (const utf8::exception&) {
-        return CoreErrorCodes::kInvalidParam;
-    }
-    converted = std::move(units);
-    return CoreErrorCodes::kSuccess;
-}
-
 size_t Utf16Length(std::string_view text) {
     size_t length = 0;
     for (const char character : text) {

@@ -327,9 +327,6 @@ inline std::optional<int64_t> GetInt64(CFDictionaryRef dictionary, const Key& ke
 inline std::optional<bool> GetBool(CFDictionaryRef dictionary, const Key& key) {
     return ToBool(Get(dictionary, key));
 }
-inline std::optional<double> GetDouble(CFDictionaryRef dictionary, const Key& key) {
-    return ToDouble(Get(dictionary, key));
-}
 inline CFArrayRef GetArray(CFDictionaryRef dictionary, const Key& key) {
     return Get<CFArrayRef>(dictionary, key);
 }

@@ -38,6 +38,7 @@ std::string GetPluginPath();
 std::string GetHostWindowName();
 
 HostKind GetHostKind();
+/// For code that is made for one host; what is shared asks for the kind.
 bool HostAppIsInDesign();
 bool HostAppIsInCopy();
 bool HostAppIsIllustrator();
