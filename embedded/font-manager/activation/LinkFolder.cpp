@@ -16,7 +16,8 @@ std::error_code LinkOrCopy(const fs::path& source, const fs::path& target) {
     fs::create_hard_link(source, target, failure);
     if (!failure)
         return {};
-    // A copy appears under its name when it is complete, so that nobody reads half a font.
+    // A copy appears under its name when it is complete, so that nobody reads half a font. Its temporary name is one that
+    // Repair looks at, as those of platform::CopyToNewFile are not.
     const fs::path temporary = fs::path(target) += ".part";
     fs::copy_file(source, temporary, fs::copy_options::overwrite_existing, failure);
     if (!failure)

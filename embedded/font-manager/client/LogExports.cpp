@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "NoDestructor.h"
 #include "client/Exports.h"
 #include "common/Locations.h"
 #include "common/LogFile.h"
@@ -26,22 +27,23 @@ struct ProcessLog {
 };
 
 ProcessLog& LogOfProcess() {
-    static auto& processLog = *new ProcessLog;
-    return processLog;
+    static NoDestructor<ProcessLog> processLog;
+    return *processLog;
 }
 
 /// The log of that path, shared by all threads that write to it.
 std::shared_ptr<LogFile> OpenLog(const std::string& path) {
-    static auto& logsLock = *new std::mutex;
-    static auto& logs = *new std::map<std::string, std::weak_ptr<LogFile>>;
-    const std::lock_guard guard(logsLock);
-    std::shared_ptr<LogFile> log = logs[path].lock();
+    static NoDestructor<std::mutex> logsLock;
+    static NoDestructor<std::map<std::string, std::weak_ptr<LogFile>>> logs;
+    const std::lock_guard guard(*logsLock);
+    std::weak_ptr<LogFile>& shared = (*logs)[path];
+    std::shared_ptr<LogFile> log = shared.lock();
     if (log)
         return log;
     log = std::make_shared<LogFile>();
     if (log->Open(path))
         return nullptr;
-    logs[path] = log;
+    shared = log;
     return log;
 }
 
