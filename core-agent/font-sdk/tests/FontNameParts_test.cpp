@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace {
 
 std::string Describe(const FontNameParts& parts) {
@@ -42,28 +40,6 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
         EXPECT_EQ(Describe(ParsePostScriptName(name)), expected) << name;
 }
 
-TEST(FontNameParts, StyleWordsHaveTheirWeightsAndWidths) {
-    // Behind each number the words for it.
-    const std::pair<int FontStyle::*, const char*> tables[] = {
-        {&FontStyle::weight,
-         "100 Thin Th 200 ExtraLight UltraLight 300 Light Lt 400 Regular Normal Roman Plain Book Rg Reg "
-         "Italic Oblique Kursiv 500 Medium Md Med 600 SemiBold DemiBold Demi Sb 700 Bold Bd "
-         "800 ExtraBold UltraBold Heavy Hv 900 Black ExtraBlack UltraBlack Blk"},
-        {&FontStyle::width,
-         "1 UltraCondensed 2 ExtraCondensed Compressed 3 Condensed Narrow Cond Cn 4 SemiCondensed 5 Regular "
-         "6 SemiExpanded SemiExtended 7 Expanded Wide Ex 8 ExtraExpanded ExtraExtended 9 UltraExpanded"}};
-    for (const auto& [part, words] : tables) {
-        std::istringstream stream(words);
-        int value = 0;
-        for (std::string word; stream >> word;) {
-            if (word[0] <= '9')
-                value = std::stoi(word);
-            else
-                EXPECT_EQ(ParsePostScriptName("S-" + word).style.*part, value) << word;
-        }
-    }
-}
-
 TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
     const struct {
         const char *family, *style, *postScriptName;
@@ -75,15 +51,6 @@ TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
     for (const auto& [family, style, postScriptName] : cases)
         EXPECT_EQ(Describe(ParseFamilyAndStyle(family, style)),
                   Describe(ParsePostScriptName(postScriptName)));
-}
-
-TEST(FontNameParts, WholeNamesAreTheSameHoweverTheyAreSpelled) {
-    for (const char* name : {"Sample Sans Bold", "SAMPLE-SANS_BOLD", "SampleSansPS-BoldMT"})
-        EXPECT_EQ(ParsePostScriptName(name).wholeName, "samplesansbold") << name;
-    EXPECT_EQ(ParsePostScriptName("samplestd bold").plainName,
-              ParsePostScriptName("SampleStd-Bold").plainName);
-    EXPECT_EQ(ParsePostScriptName("ABC+Sample").wholeName, "abcsample") << "that is no subset tag";
-    EXPECT_EQ(ParsePostScriptName("Pro").wholeName, "pro") << "a mark is never the whole name";
 }
 
 TEST(FontNameParts, StylesAreNearerTheLessTheyLookDifferent) {
