@@ -35,10 +35,14 @@ std::string TemporaryFolder::operator/(std::string_view name) const {
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view content) const {
-    const std::filesystem::path path = (mPath / platform::Utf8Path(name)).make_preferred();
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-    return platform::Utf8Text(path);
+    std::string path = *this / name;
+    WriteText(path, content);
+    return path;
+}
+
+void WriteText(const std::string& path, std::string_view content) {
+    std::filesystem::create_directories(platform::Utf8Path(path).parent_path());
+    std::ofstream(platform::Utf8Path(path), std::ios::binary) << content;
 }
 
 std::string ContentOf(const std::string& path) {

@@ -21,5 +21,7 @@ private:
     std::filesystem::path mPath;
 };
 
+/// Writes the file at the UTF-8 path. Folders on the way are made.
+void WriteText(const std::string& path, std::string_view content);
 /// What the file at the UTF-8 path holds; empty when there is none.
 std::string ContentOf(const std::string& path);

@@ -24,7 +24,6 @@ protected:
         for (const std::string& font : mSources)
             mWorld.RunForJson({"add", font});
     }
-    ~CollectFaults() override { platform::SetEnvironment("XDG_CONFIG_HOME", ""); }
 
     ProgramResult Collect() const {
         return mFaults.Start({BuiltFile(HOST_PROGRAM), "collect", mDocument, "--to", mWorld.Path("to")})
@@ -51,7 +50,6 @@ protected:
 };
 
 TEST_F(CollectFaults, LeaveWholeFilesAndAreSaid) {
-    platform::SetEnvironment("XDG_CONFIG_HOME", mWorld.Path("config"));
     mFaults.MeetEvery("collect", [&](const Fault& fault, int at) {
         fs::remove_all(platform::Utf8Path(mWorld.Path("to")));
         mWorld.Write("to/mine.txt", "mine");

@@ -3,11 +3,13 @@
 
 #include <stdexcept>
 
+#include "CapturedTrace.h"
 #include "DialogTestSupport.h"
 #include "FakeNativeDialogs.h"
-#include "FrameworkTestSupport.h"
+#include "TemporaryFolder.h"
 #include "library/TarnwickFramework.h"
 #include "platform/Folders.h"
+#include "platform/Utf8Path.h"
 #include "presenters/NativePresenter.h"
 #include "presenters/ScriptedPresenter.h"
 #include "presenters/TerminalPresenter.h"

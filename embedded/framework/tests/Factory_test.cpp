@@ -1,9 +1,10 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include "FrameworkTestSupport.h"
 #include "LoadedFramework.h"
+#include "ScopedVariable.h"
+#include "TemporaryFolder.h"
 #include "TestFiles.h"
-#include "platform/Folders.h"
+#include "platform/Utf8Path.h"
 
 namespace {
 

@@ -5,7 +5,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "FrameworkTestSupport.h"
+#include "CapturedTrace.h"
+#include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
 
 namespace {
 

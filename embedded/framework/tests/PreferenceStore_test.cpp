@@ -5,8 +5,10 @@
 
 #include <limits>
 
-#include "FrameworkTestSupport.h"
+#include "CapturedTrace.h"
+#include "TemporaryFolder.h"
 #include "library/TarnwickFramework.h"
+#include "platform/Utf8Path.h"
 #include "presenters/SilentPresenter.h"
 
 namespace {

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
+#include "CapturedTrace.h"
 #include "FakeNativeDialogs.h"
-#include "FrameworkTestSupport.h"
+#include "ScopedVariable.h"
+#include "TemporaryFolder.h"
 #include "presenters/NativePresenter.h"
 #include "presenters/Presenter.h"
 #include "presenters/RecordingPresenter.h"

@@ -5,7 +5,6 @@
 #include <regex>
 #include <vector>
 
-#include "FrameworkTestSupport.h"
 #include "StringConversion.h"
 
 namespace {

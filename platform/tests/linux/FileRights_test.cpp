@@ -8,9 +8,9 @@
 #include <csignal>
 #include <filesystem>
 
+#include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "platform/Autostart.h"
-#include "platform/Environment.h"
 #include "platform/FileTrust.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
@@ -117,16 +117,14 @@ TEST(FileRights, AFileThatThereIsNoRoomForStaysAsItWas) {
 }
 
 TEST(KnownFolders, AreFullPathsOfTheEnvironmentWithoutSlashesAtTheEnd) {
-    const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
     const auto folder = [](const char* value) {
-        platform::SetEnvironment("XDG_CONFIG_HOME", value);
+        const ScopedVariable configuration("XDG_CONFIG_HOME", value);
         return platform::Current<platform::Folders>().PathOf(platform::KnownFolder::kConfiguration);
     };
     EXPECT_EQ(folder("/a b//"), "/a b");
     EXPECT_EQ(folder("/a"), "/a");
     EXPECT_EQ(folder("/"), "/");
     EXPECT_EQ(folder("a/b"), folder("")) << "as if it were not set";
-    platform::SetEnvironment("XDG_CONFIG_HOME", saved);
 }
 
 TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {
@@ -173,13 +171,11 @@ TEST(FileTrust, WhatOthersCouldHavePutThereIsNotTrusted) {
 
 TEST(Autostart, TheEntryStartsAProgramOfAnyPathAndGoesAgain) {
     const TemporaryFolder folder;
-    const std::string saved = platform::EnvironmentVariable("XDG_CONFIG_HOME");
-    platform::SetEnvironment("XDG_CONFIG_HOME", folder / "config");
+    const ScopedVariable configuration("XDG_CONFIG_HOME", folder / "config");
     EXPECT_FALSE(platform::HasAutostart("Test"));
     ASSERT_FALSE(platform::SetAutostart("Test", R"(/opt/a "b" $c`\d 100%/Pell)", "serve"));
     EXPECT_TRUE(platform::HasAutostart("Test"));
-    std::string entry;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "config/autostart/Test.desktop", entry, 1000));
+    const std::string entry = ContentOf(folder / "config/autostart/Test.desktop");
     EXPECT_NE(entry.find("\nExec="
                          R"("/opt/a \\"b\\" \\$c\\`\\\\d 100%%/Pell" serve)"
                          "\n"),
@@ -188,5 +184,4 @@ TEST(Autostart, TheEntryStartsAProgramOfAnyPathAndGoesAgain) {
     EXPECT_FALSE(platform::ClearAutostart("Test"));
     EXPECT_FALSE(platform::ClearAutostart("Test"));
     EXPECT_FALSE(platform::HasAutostart("Test"));
-    platform::SetEnvironment("XDG_CONFIG_HOME", saved);
 }

@@ -4,9 +4,7 @@
 #include <fstream>
 #include <thread>
 
-#include "ScopeExit.h"
 #include "TestFonts.h"
-#include "platform/Environment.h"
 #include "tests/support/AgentTest.h"
 
 namespace pellwick::test {
@@ -79,10 +77,9 @@ TEST_F(SystemFonts, AreReadBeforeTheFirstDocumentIsAnswered) {
     Install("Plain.ttf", {"Plain-Bold", "Plain", "Bold"});
     // The system does not tell before it has read this.
     const std::string configuration = platform::EnvironmentVariable("FONTCONFIG_FILE");
-    const ScopeExit putBack([&] { platform::SetEnvironment("FONTCONFIG_FILE", configuration); });
     const std::string pipe = mWorld.Path("fonts.conf");
+    const ScopedVariable slow("FONTCONFIG_FILE", pipe);
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    platform::SetEnvironment("FONTCONFIG_FILE", pipe);
     mWorld.StartAgent();
     std::thread later([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(500));

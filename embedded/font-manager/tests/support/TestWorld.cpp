@@ -7,7 +7,6 @@
 #include "TestFiles.h"
 #include "TestFonts.h"
 #include "common/Locations.h"
-#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -18,17 +17,6 @@ TestWorld::TestWorld(std::string name) : mName(std::move(name)) {
     const fs::path folder = platform::Utf8Path(mTemporaryFolder / mName);
     fs::create_directories(folder);
     fs::permissions(folder, fs::perms::owner_all);  // whatever the umask
-    const std::map<std::string, std::string> variables = {{"HOME", mTemporaryFolder / mName},
-                                                          {"XDG_DATA_HOME", Path("data")},
-                                                          {"XDG_CACHE_HOME", Path("cache")},
-                                                          {"XDG_CONFIG_HOME", Path("config")},
-                                                          {"XDG_RUNTIME_DIR", ""},
-                                                          {"TMPDIR", Path("tmp")},
-                                                          {"USER", "tester"}};
-    for (const auto& [variable, value] : variables) {
-        mSavedVariables[variable] = platform::EnvironmentVariable(variable.c_str());
-        platform::SetEnvironment(variable.c_str(), value);
-    }
 }
 
 TestWorld::~TestWorld() {
@@ -42,8 +30,6 @@ TestWorld::~TestWorld() {
             Eventually([agent] { return platform::ProcessStartTime(agent) == 0; });
         }
     }
-    for (const auto& [variable, value] : mSavedVariables)
-        platform::SetEnvironment(variable.c_str(), value);
 }
 
 std::string TestWorld::Path(const std::string& path) const {

@@ -1,8 +1,7 @@
 // A user's world for one test: folders of its own, and an agent that lives in them.
 #pragma once
 
-#include <map>
-
+#include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "TestProcess.h"
 #include "ipc/Message.h"
@@ -55,7 +54,13 @@ private:
     const TemporaryFolder mTemporaryFolder;
     const std::string mName;
     std::unique_ptr<TestProcess> mAgent;
-    std::map<std::string, std::string> mSavedVariables;
+    const ScopedVariable mVariables[7] = {{"HOME", mTemporaryFolder / mName},
+                                          {"XDG_DATA_HOME", Path("data")},
+                                          {"XDG_CACHE_HOME", Path("cache")},
+                                          {"XDG_CONFIG_HOME", Path("config")},
+                                          {"XDG_RUNTIME_DIR", ""},
+                                          {"TMPDIR", Path("tmp")},
+                                          {"USER", "tester"}};
 };
 
 /// The PostScript names of font records.

@@ -5,9 +5,11 @@
 #include <cstdio>
 
 #include "HelperDialogs.h"
+#include "ScopedVariable.h"
+#include "TemporaryFolder.h"
 #include "linux/DialogUser.h"
 #include "platform/Processes.h"
-#include "tests/FrameworkTestSupport.h"
+#include "platform/Utf8Path.h"
 #include "tests/ShownDialogs.h"
 
 namespace {

@@ -5,7 +5,9 @@
 
 #include <thread>
 
-#include "tests/FrameworkTestSupport.h"
+#include "ScopedVariable.h"
+#include "TemporaryFolder.h"
+#include "platform/Utf8Path.h"
 #include "tests/ShownDialogs.h"
 #include "windows/DialogDriver.h"
 
