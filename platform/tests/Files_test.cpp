@@ -69,15 +69,6 @@ TEST_F(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
     platform::RemoveAbandonedWrites(folder / "missing/file");
 }
 
-TEST_F(Files, AFileLargerThanTheLimitIsRefused) {
-    const std::string path = folder.Write("file", "12345");
-    std::string content = "kept";
-    EXPECT_TRUE(platform::ReadWholeFile(path, content, 4));
-    EXPECT_EQ(content, "kept");
-    EXPECT_FALSE(platform::ReadWholeFile(path, content, 5));
-    EXPECT_EQ(content, "12345");
-}
-
 TEST_F(Files, FoldersAreMadeWithThoseAboveThemUnlessAFileIsInTheWay) {
     for (const char* time : {"first", "second"})
         EXPECT_FALSE(platform::MakeFolders(folder / "a/b/c", true)) << time;

@@ -1,28 +1,9 @@
 #include "platform/Processes.h"
 
-#include <algorithm>
-
-#include "TemporaryFolder.h"
-#include "TestFiles.h"
 #include "TestProcess.h"
-#include "platform/DynamicLibrary.h"
-#include "platform/Files.h"
-#include "platform/Utf8Path.h"
 #include "support/Launch.h"
 
 using namespace std::chrono_literals;
-
-TEST(Processes, ThisProcessIsListedWithItsExecutable) {
-    std::vector<platform::ProcessInfo> processes;
-    const std::string own = platform::NamePart(Processes().CurrentExecutablePath());
-    ASSERT_FALSE(Processes().List([&](const std::string& name) { return name == own; }, processes));
-    EXPECT_TRUE(std::any_of(processes.begin(), processes.end(), [](const platform::ProcessInfo& each) {
-        return each.id == platform::CurrentProcessId() &&
-               each.executablePath == Processes().CurrentExecutablePath();
-    }));
-    ASSERT_FALSE(Processes().List([](const std::string&) { return false; }, processes));
-    EXPECT_TRUE(processes.empty());
-}
 
 TEST(Processes, AChildThatEndsHasAStatus) {
     EXPECT_EQ(WaitForExit(*Launch("exit 7")), 7);
@@ -45,14 +26,10 @@ TEST(Processes, AChildIsIdleWhenItSaysSo) {
 
 TEST(Processes, ArgumentsAreSplitAtBlanksOutsideQuotes) {
     const TemporaryFolder folder;
-    const std::string program = folder / platform::ProgramFileName("a child");
-    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), program));
-    std::filesystem::permissions(platform::Utf8Path(program), std::filesystem::perms::owner_all);
+    const std::string program = CopyOfChild(folder, "a child");
     const std::string out = folder / "out 字";
     EXPECT_EQ(WaitForExit(*Launch("write \"" + out + "\"  serve  \"two words\" --x=\"1 2\"", program)), 0);
-    std::string written;
-    ASSERT_FALSE(platform::ReadWholeFile(out, written, 1000));
-    EXPECT_EQ(written, "serve|two words|--x=1 2|");
+    EXPECT_EQ(ContentOf(out), "serve|two words|--x=1 2|");
 }
 
 TEST(Processes, OnlyTheProcessOfTheStartTimeIsAlive) {

@@ -68,11 +68,5 @@ TEST_F(WorkerTest, ACancellationEndsAnExchange) {
     EXPECT_EQ(mProblem, "was cancelled");
 }
 
-TEST(Worker, IsNotStartedFromNothing) {
-    SystemError error;
-    EXPECT_FALSE(Worker::Start("/no/such/program", kTestWorkerLimits, error));
-    EXPECT_TRUE(error);
-}
-
 }  // namespace
 }  // namespace platform

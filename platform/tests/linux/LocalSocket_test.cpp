@@ -1,6 +1,5 @@
 // Local sockets in folders that others get at.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>

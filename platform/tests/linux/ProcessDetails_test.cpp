@@ -1,19 +1,14 @@
 // What processes are on a POSIX system: zombies, sessions, descriptors, signals.
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
 
-#include "TemporaryFolder.h"
-#include "TestFiles.h"
 #include "TestProcess.h"
 #include "platform/DebugOutput.h"
 #include "platform/Environment.h"
-#include "platform/Files.h"
 #include "support/Launch.h"
 
 using namespace std::chrono_literals;
@@ -36,9 +31,7 @@ TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
 
 TEST(ProcessDetails, ProgramsInNamespacesOfTheirOwnAreNotListed) {
     const TemporaryFolder folder;
-    const std::string program = folder / "child";
-    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), program));
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const std::string program = CopyOfChild(folder, "child");
     const auto countOfListed = [&] {
         std::vector<platform::ProcessInfo> listed;
         EXPECT_FALSE(Processes().List([](const std::string& name) { return name == "child"; }, listed));
@@ -77,13 +70,10 @@ TEST(ProcessDetails, AChildHasASessionOfItsOwnAndNoneOfOurDescriptors) {
     EXPECT_EQ(WaitForExit(*child), 0);
     close(ends[0]);
     close(ends[1]);
-    std::string descriptors;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "descriptors", descriptors, 1000));
+    const std::string descriptors = ContentOf(folder / "descriptors");
     EXPECT_EQ(descriptors.find(std::to_string(std::max(ends[1], 5)) + "\n"), std::string::npos)
         << descriptors;
-    std::string session;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "session", session, 100));
-    EXPECT_EQ(std::stol(session), child->Id());
+    EXPECT_EQ(std::stol(ContentOf(folder / "session")), child->Id());
 }
 
 TEST(LinuxDebugOutput, OutputThatNobodyReadsAnyMoreDoesNotEndTheHost) {

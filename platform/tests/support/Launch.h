@@ -3,11 +3,23 @@
 
 #include <gtest/gtest.h>
 
+#include "TemporaryFolder.h"
 #include "TestFiles.h"
+#include "platform/DynamicLibrary.h"
+#include "platform/Files.h"
 #include "platform/Processes.h"
+#include "platform/Utf8Path.h"
 
 inline platform::Processes& Processes() {
     return platform::Current<platform::Processes>();
+}
+
+/// The test's own program under another name; its path.
+inline std::string CopyOfChild(const TemporaryFolder& folder, const std::string& name) {
+    const std::string program = folder / platform::ProgramFileName(name);
+    EXPECT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), program));
+    std::filesystem::permissions(platform::Utf8Path(program), std::filesystem::perms::owner_all);
+    return program;
 }
 
 /// Starts the program with the words, which are quoted as they need to be: the test's own, which does as the

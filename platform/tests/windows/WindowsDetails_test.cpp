@@ -7,15 +7,10 @@
 
 #include <filesystem>
 
+#include "ScopedVariable.h"
 #include "SecurityAttributes.h"
-#include "TemporaryFolder.h"
-#include "TestFiles.h"
 #include "TestProcess.h"
-#include "platform/Environment.h"
-#include "platform/Files.h"
 #include "platform/Folders.h"
-#include "platform/Processes.h"
-#include "platform/Utf8Path.h"
 #include "support/Launch.h"
 
 TEST(Paths, AShareIsARootBehindWhichFoldersAreMade) {
@@ -101,13 +96,10 @@ TEST(Programs, ThatOneBecomesAreNotWaitedForWithWhatTheyLeaveRunning) {
 }
 
 TEST(Language, IsThatOfTheSystemWhateverOtherSystemsTellByVariables) {
-    const std::string before = platform::EnvironmentVariable("LC_ALL");
-    platform::SetEnvironment("LC_ALL", "xx_XX.UTF-8");
+    const ScopedVariable language("LC_ALL", "xx_XX.UTF-8");
     EXPECT_EQ(platform::UserLanguage(), "xx") << "in a portable installation";
-    platform::SetEnvironment("PLUGINCORE_PORTABLE", "");
+    const ScopedVariable installed("PLUGINCORE_PORTABLE", "");
     EXPECT_NE(platform::UserLanguage(), "xx");
-    platform::SetEnvironment("PLUGINCORE_PORTABLE", "1");
-    platform::SetEnvironment("LC_ALL", before);
 }
 
 TEST(Devices, AreNoFiles) {
@@ -124,14 +116,9 @@ TEST(Devices, AreNoFiles) {
 
 TEST(Programs, AProgramHasTheNameOfItsFileAndWorksInItsFolder) {
     const TemporaryFolder folder;
-    ASSERT_FALSE(platform::CopyToNewFile(BuiltFile(CHILD_PROGRAM), folder / "Photoshop.exe"));
+    CopyOfChild(folder, "Photoshop");
     const std::string program = platform::AbsolutePath(folder / "PHOTOshop.EXE");
-    platform::SystemError error;
-    const auto child = platform::Current<platform::Processes>().Launch(
-        program, "\"" + program + "\" tell \"" + folder / "told" + "\"", error);
-    ASSERT_TRUE(child);
-    child->WaitUntilIdle(std::chrono::seconds(10));
-    std::string told;
-    ASSERT_FALSE(platform::ReadWholeFile(folder / "told", told, 1000));
-    EXPECT_EQ(told, "Photoshop|" + platform::AbsolutePath(platform::Utf8Text(folder.Path())));
+    WaitForExit(*Launch("tell \"" + folder / "told" + "\"", program));
+    EXPECT_EQ(ContentOf(folder / "told"),
+              "Photoshop|" + platform::AbsolutePath(platform::Utf8Text(folder.Path())));
 }
