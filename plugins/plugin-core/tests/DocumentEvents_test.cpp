@@ -42,18 +42,6 @@ protected:
 
 }  // namespace
 
-TEST_F(DocumentEventsTest, OpeningSaysHowManyFontsBecameActive) {
-    MakeFunctional();
-    library.fonts = {{7, "Seven"}, {8, "Eight"}};
-    EXPECT_EQ(Open(), 1u);
-    EXPECT_EQ(numFontsActivated, 2);
-    const std::string identifier = Identifier();
-    library.activationStateBefore = 2;
-    EXPECT_EQ(Open(), 0u) << "all were active already";
-    EXPECT_EQ(numFontsActivated, 0);
-    EXPECT_EQ(Identifier(), identifier) << "one record for one path";
-}
-
 TEST_F(DocumentEventsTest, EachListHasABufferAndASizeOfItsOwn) {
     MakeFunctional();
     library.fonts = {{7, "Seven"}};
@@ -155,16 +143,10 @@ TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
                 testing::Contains(testing::StartsWith("ActivateFonts([-1,-1], '" + Identifier() + "'")));
 }
 
-TEST_F(DocumentEventsTest, WithoutAFontListTheNamesComeFromTheFileUnlessThePluginIsOff) {
+TEST_F(DocumentEventsTest, AFailedExtractionIsReportedAndLeavesTheListEmpty) {
     MakeFunctional();
-    folder.Write("Dokument 字.ai", "/FontName /ABCDEF+ComicNeue-Bold /Flags 4 >>");
-    for (const bool isOn : {false, true}) {
-        framework.numbers["EnablePlugin"] = isOn;
-        Open("");
-        EXPECT_EQ(trace.Text().find("adding 'ComicNeue-Bold'\n") != std::string::npos, isOn);
-    }
     path = folder / "missing.ai";
-    EXPECT_EQ(Open(""), 0u) << "a failed extraction leaves the list empty";
+    EXPECT_EQ(Open(""), 0u);
     EXPECT_THAT(trace.Text(), HasSubstr("Error="));
 }
 

@@ -199,14 +199,6 @@ TEST_F(PanelRequestsTest, OfAFontManagerThatFailsRepliesTellWhereTheyHaveAReturn
     }
 }
 
-TEST_F(PanelRequestsTest, AListDefinitionIsWrappedWithoutALineFeedAtItsEnd) {
-    library.smartLists = {{3, "", {}, {}, {}, std::string(120, 'a')}, {4, "", {}, {}, {}, ""}};
-    EXPECT_THAT(Send(R"({"messageID":37,"smartListID":3})"),
-                ElementsAre(testing::EndsWith(R"(YWFh\nYWFhYWFh"})")));
-    EXPECT_THAT(Send(R"({"messageID":37,"smartListID":4})"),
-                ElementsAre(R"({"messageID":37,"smartListID":4,"listDefinition":""})"));
-}
-
 TEST_F(PanelRequestsTest, ReportsThatBelongToNoRequestAreSentAtOnce) {
     EXPECT_EQ(panel.SetEnabled(true), 0u);
     EXPECT_EQ(panel.SendProgress(32, "Schrift \"ü\"", 2, 9), 0u);
