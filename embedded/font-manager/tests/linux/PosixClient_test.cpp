@@ -4,8 +4,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <set>
-#include <sstream>
 
 #include "TestFiles.h"
 #include "tests/support/ClientTest.h"
@@ -14,20 +12,6 @@ namespace pellwick::test {
 namespace {
 
 using PosixClient = ClientTest;
-
-TEST(ClientLibrary, ExportsTheContractAndNothingElse) {
-    std::set<std::string> expected;
-#define COLLECT(symbol, parameters) expected.insert(#symbol);
-    TARNWICK_PLUGIN_FUNCTIONS(COLLECT)
-#undef COLLECT
-    ASSERT_EQ(expected.size(), 86u);
-    std::istringstream symbols(
-        TestProcess({NM_PROGRAM, "-D", "--defined-only", BuiltFile(TARNWICK_LIBRARY)}).Finish().output);
-    std::set<std::string> exported;
-    for (std::string address, type, name; symbols >> address >> type >> name;)
-        exported.insert(name.substr(0, name.find('@')));
-    EXPECT_EQ(exported, expected);
-}
 
 TEST(ClientLog, GoesOnWhenSomebodyHasClearedItAway) {
     const TestWorld world;
