@@ -113,11 +113,6 @@ void Perform(Symbol<kIndexOfGetGlyphscanXMPData>, PluginFacadeRef, uint32_t font
     if (current->fingerprints.contains(fontID))
         *outNewXML = cf::String(current->fingerprints[fontID]).release();
 }
-void Perform(Symbol<kIndexOfGetClientFontActivationStates>, PluginFacadeRef, CFArrayRef,
-             CFMutableDictionaryRef states) {
-    for (const auto& [databaseID, isActive] : current->activationStates)
-        CFDictionarySetValue(states, cf::Number(databaseID).get(), cf::Bool(isActive));
-}
 void Perform(Symbol<kIndexOfGetAllWorkgroupsForUser>, PluginFacadeRef, CFMutableArrayRef workgroups) {
     for (const auto& [id, type, name] : current->workgroups)
         cf::Append(workgroups,

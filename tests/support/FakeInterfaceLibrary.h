@@ -43,7 +43,6 @@ public:
         0;  ///< database ID of "Replacement", which can replace any unmatched font; 0: none
     int64_t activationStateBefore = 0;
     int64_t activationStateAfter = kFontActivationState_ActivatedByPlugin;
-    std::map<uint32_t, bool> activationStates;
     std::vector<std::tuple<int32_t, int32_t, std::string>> workgroups;  ///< ID, type, name
     std::vector<std::pair<int32_t, std::string>> sets;                  ///< those created: workgroup ID, name
     std::vector<int64_t> fontsInSets;                                   ///< database IDs, as they were added
