@@ -8,9 +8,9 @@
 
 using testing::HasSubstr;
 
-TEST(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+using CommandLine = HostWorldTest;
+
+TEST_F(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
     const std::string text = world.FontManager().Write("Notizen 字.txt", "no document at all");
     auto result = world.RunHost({"open", text, "--close"});
     EXPECT_EQ(result.status, 0) << result.errors;
@@ -34,9 +34,7 @@ TEST(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
     EXPECT_EQ(result.errors, "");
 }
 
-TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     const std::string empty = world.FontManager().Write("empty.psd", "");
     const auto result = world.RunHost({"fonts", "--json", world.Path("."), world.Path("none.ai"), empty});
     EXPECT_EQ(result.status, 1);
@@ -57,9 +55,7 @@ TEST(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {
     EXPECT_EQ(json::parse(opened.output)["matched"], json::array());
 }
 
-TEST(CommandLine, TheProgramPassesForTheHostsThatItNamesAndNoOther) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(CommandLine, TheProgramPassesForTheHostsThatItNamesAndNoOther) {
     for (const std::string app :
          {"AfterEffects2025", "Photoshop2024", platform::kIsLinux ? "LibreOffice" : "Sketch"}) {
         EXPECT_EQ(world.RunHost({"--app", app, "settings", "EnablePlugin"}).status, 0) << app;
@@ -70,9 +66,7 @@ TEST(CommandLine, TheProgramPassesForTheHostsThatItNamesAndNoOther) {
     EXPECT_THAT(refused.errors, HasSubstr("Photoshop2023, Photoshop2024"));
 }
 
-TEST(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {
     const std::string drawing = world.FontManager().Write(
         "a.svg", "<svg><text id='t' font-family='Sample-Bold'>x</text><!-- /FontName /Other /F >> --></svg>");
     const json found = json::parse(world.RunHost({"fonts", "--json", drawing}).output);
@@ -93,8 +87,7 @@ TEST(CommandLine, FontsAreReadByTheFormatUnlessTheBytesAreToBeSearched) {
     }
 }
 
-TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
-    HostWorld world;
+TEST_F(CommandLine, AScriptCanCallEveryExportWithNothing) {
     ScriptedHost host;
 #define NAME_OF(function) #function,
     const std::vector<std::string> names = {PLUGINCORE_FUNCTIONS(NAME_OF)};
@@ -107,9 +100,7 @@ TEST(CommandLine, AScriptCanCallEveryExportWithNothing) {
     EXPECT_EQ(host.Finish().status, 0);
 }
 
-TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(CommandLine, EventsPrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     TestProcess events({BuiltFile(HOST_PROGRAM), "events"});
     // Activated and deactivated until it listens.
     std::string line;
@@ -130,9 +121,7 @@ TEST(EventsCommand, PrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {
     EXPECT_EQ(world.RunHost({"events", "--for", "0.1"}).output, "");
 }
 
-TEST(CommandLine, ADocumentIsOpenedForAProgramWhoseStatusCounts) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(CommandLine, ADocumentIsOpenedForAProgramWhoseStatusCounts) {
     const std::string document = world.WriteDocument("a  b.pdf", {"Sample-Bold"});
     const std::string host = BuiltFile(HOST_PROGRAM);
     ProgramResult result = world.RunHost({"open", document, "--", host, "fonts", "{}"});

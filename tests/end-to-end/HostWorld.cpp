@@ -19,9 +19,7 @@ void ExpectBySchema(panel_schemas::Direction direction, const json& message) {
 }  // namespace
 
 HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
-    const std::pair<const char*, std::string> variables[] = {{"XDG_CONFIG_HOME", Path("config")},
-                                                             {"XDG_CACHE_HOME", Path("cache")},
-                                                             {"XDG_DATA_DIRS", Path("all users")},
+    const std::pair<const char*, std::string> variables[] = {{"XDG_DATA_DIRS", Path("all users")},
                                                              {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
                                                              {"PLUGINCORE_ANSWERS", ""},
                                                              {"PLUGINCORE_PRESENTER", "silent"},

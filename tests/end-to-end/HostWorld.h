@@ -45,6 +45,14 @@ private:
     pellwick::test::TestWorld mWorld;
 };
 
+/// A world with one font.
+class HostWorldTest : public testing::Test {
+protected:
+    HostWorldTest() { world.AddFonts({"Sample-Bold"}); }
+
+    HostWorld world;
+};
+
 int CountOf(const std::string& text, const std::string& part);
 /// `otherwise`: where the variable is not set.
 int NumberFromEnvironment(const char* variable, int otherwise);

@@ -187,45 +187,31 @@ TEST_F(LibreOffice, KeepsFontsForAsLongAsDocumentsNeedThem) {
         WriteDocument("both.fodt", {"fo:font-family='Almond'", "fo:font-family='Pecan'"});
     EXPECT_THAT(ConvertedFonts(almond), ElementsAre("Almond-Regular"));  // and the profile is made
     DrivenLibreOffice office(mProfile);
-    office.Do("open " + almond);
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular"));
-    office.Do("open " + both);
-    office.Do("close 0");
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
-    // The document under its new name, and another one of the old name.
-    office.Do("save 1 " + mWorld.Path("renamed.odt"));
-    office.Do("open " + both);
-    office.Do("close 1");
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
-    office.Do("open " + both);
-    office.Do("close 2");
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular")) << "open twice";
-    office.Do("close 3");
-    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
-    // A drawing that has its first path and font only when it is saved.
-    office.Do("new");
-    office.Do("write 4 Pecan");
-    office.Do("save 4 " + mWorld.Path("drawing.odg"));
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Pecan-Regular"));
-    office.Do("close 4");
-    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
-    // One that came from no file.
-    office.Do("stream " + both);
-    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
-    office.Do("save 5 " + mWorld.Path("streamed.odt"));
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
-    office.Do("close 5");
-    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
-    // A file that is open twice, and goes on as two.
-    office.Do("open " + both);
-    office.Do("open " + both);
-    office.Do("save 7 " + mWorld.Path("copy.odt"));
-    office.Do("close 7");
-    EXPECT_THAT(mWorld.VisibleFonts(), ElementsAre("Almond-Regular", "Pecan-Regular"));
-    office.Do("close 6");
-    EXPECT_THAT(mWorld.VisibleFonts(), IsEmpty());
-    office.Do("open " + both);
-    EXPECT_EQ(mWorld.VisibleFonts().size(), 2u);
+    const std::set<std::string> none, ofBoth = {"Almond-Regular", "Pecan-Regular"};
+    // What is done, one after the other, and the fonts that programs then see.
+    const std::pair<std::vector<std::string>, std::set<std::string>> steps[] = {
+        {{"open " + almond}, {"Almond-Regular"}},
+        {{"open " + both, "close 0"}, ofBoth},
+        // The document under its new name, and another one of the old name.
+        {{"save 1 " + mWorld.Path("renamed.odt"), "open " + both, "close 1"}, ofBoth},
+        {{"open " + both, "close 2"}, ofBoth},  // which was open twice
+        {{"close 3"}, none},
+        // A drawing that has its first path and font only when it is saved.
+        {{"new", "write 4 Pecan", "save 4 " + mWorld.Path("drawing.odg")}, {"Pecan-Regular"}},
+        {{"close 4"}, none},
+        // One that came from no file.
+        {{"stream " + both}, none},
+        {{"save 5 " + mWorld.Path("streamed.odt")}, ofBoth},
+        {{"close 5"}, none},
+        // A file that is open twice, and goes on as two.
+        {{"open " + both, "open " + both, "save 7 " + mWorld.Path("copy.odt"), "close 7"}, ofBoth},
+        {{"close 6"}, none},
+        {{"open " + both}, ofBoth}};
+    for (const auto& [lines, fonts] : steps) {
+        for (const std::string& line : lines)
+            office.Do(line);
+        EXPECT_EQ(mWorld.VisibleFonts(), fonts) << "after " << lines.back();
+    }
     office.Kill();
     EXPECT_TRUE(Eventually([&] { return mWorld.VisibleFonts().empty(); }));
     EXPECT_THAT(office.Finish().errors, Not(HasSubstr("Document Fonts")));

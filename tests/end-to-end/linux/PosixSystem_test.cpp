@@ -9,9 +9,9 @@
 
 using testing::HasSubstr;
 
-TEST(CommandLine, WhatStaysOpenEndsInOrderWhenItIsAskedTo) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+using PosixSystem = HostWorldTest;
+
+TEST_F(PosixSystem, WhatStaysOpenEndsInOrderWhenItIsAskedTo) {
     const std::string document = world.WriteDocument("poster.pdf", {"Sample-Bold"});
     const struct {
         std::vector<std::string> words;
@@ -35,9 +35,8 @@ TEST(CommandLine, WhatStaysOpenEndsInOrderWhenItIsAskedTo) {
     }
 }
 
-TEST(OpenCommand, BecomesTheProgramWhichKeepsTheFontsAndNothingElseOfOurs) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold", "Other-Bold"});
+TEST_F(PosixSystem, OpenBecomesTheProgramWhichKeepsTheFontsAndNothingElseOfOurs) {
+    world.AddFonts({"Other-Bold"});
     const std::string document = world.WriteDocument("a b.pdf", {"Sample-Bold", "Gone"});
     const std::string program = world.Path("inkscape-1");
     world.FontManager().Write("inkscape-1", R"(#!/bin/sh
@@ -61,9 +60,7 @@ read line
     EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); })) << "it is over with the program";
 }
 
-TEST(CommandLine, WhatMayNotBeReadOrNeverEndsIsReportedNotOpened) {
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(PosixSystem, WhatMayNotBeReadOrNeverEndsIsReportedNotOpened) {
     const std::string document = world.WriteDocument("secret.pdf", {"Sample-Bold"});
     chmod(document.c_str(), 0);
     const std::string pipe = world.Path("pipe.ai");
