@@ -5,6 +5,7 @@
 #include "Fuzz.h"
 #include "GJSONUtils.h"
 #include "HTMLPanel.h"
+#include "Records.h"
 #include "SilentWorld.h"
 
 namespace {
@@ -13,10 +14,7 @@ struct PanelWorld : SilentWorld {
     PanelWorld() {
         folders.paths[platform::KnownFolder::kTemporary] = std::filesystem::temp_directory_path().string();
         library.smartLists = {{3, "Three", {7}, {2, 1}, {}, std::string(100, 'x')}};
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, 5);
-        cf::Set(font, kGS_PostScriptNameKey, "Tab\tbed");
-        library.smartListFonts = {font};
+        library.smartListFonts = {Record(kGS_DatabaseIDKey, 5, kGS_PostScriptNameKey, "Tab\tbed")};
         library.conflictingFonts = {9};
         Require(MakeFunctional() && panel.RegisterHandler() == 0, "the panel is there");
         MarquellGlobals::SetConnectedToCore(true);

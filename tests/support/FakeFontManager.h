@@ -1,12 +1,11 @@
 // A font manager for the tracker that matches what it is told to and notes what it is asked to deactivate.
 #pragma once
 
-#include <CoreFoundation++/CFRef.h>
-
 #include <functional>
 
 #include "FontManagerAccess.h"
 #include "FontRecordKeys.h"
+#include "Records.h"
 
 class FakeFontManager : public FontManagerAccess {
 public:
@@ -20,15 +19,12 @@ public:
     std::map<uint32_t, int16_t> statusOfSingleDeactivation;  ///< by database ID; 0 for others
     ErrorCode activationStatus = 0;
     std::vector<uint32_t> deactivated;  ///< database IDs, in the order of the requests
-    int deactivationCalls = 0;
     std::function<void()> whileDeactivating;
 
     /// One font that the next activation matches; owned by `matched`.
     CFMutableDictionaryRef Match(uint32_t databaseID, const std::string& name,
                                  std::optional<int> stateBefore = 0) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, databaseID);
-        cf::Set(font, kGS_PostScriptNameKey, name);
+        const auto font = Record(kGS_DatabaseIDKey, databaseID, kGS_PostScriptNameKey, name);
         if (stateBefore)
             cf::Set(font, kGS_ActivationStateKey, *stateBefore);
         cf::Append(matched, font);
@@ -51,7 +47,6 @@ public:
         return statusOfSingleDeactivation[databaseID];
     }
     ErrorCode DeactivateFonts(CFArrayRef fonts, uint64_t, CFMutableArrayRef deactivatedFonts) override {
-        ++deactivationCalls;
         if (whileDeactivating)
             whileDeactivating();
         for (CFIndex index = 0; index < cf::Count(fonts); ++index) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <mutex>
 
+#include "Records.h"
+
 namespace {
 
 FakeInterfaceLibrary* current = nullptr;
@@ -20,19 +22,6 @@ ErrorCode Answer(const char* symbol) {
     const ErrorCode code = codes.front();
     codes.pop_front();
     return code;
-}
-
-/// A dictionary of keys and values, one after the other.
-template <class... Rest>
-CFRef<CFMutableDictionaryRef> Record(const Rest&... keysAndValues) {
-    CFRef<CFMutableDictionaryRef> record = cf::MutableDictionary();
-    const auto set = [&](const auto& self, const char* key, const auto& value, const auto&... rest) {
-        cf::Set(record, key, value);
-        if constexpr (sizeof...(rest) > 0)
-            self(self, rest...);
-    };
-    set(set, keysAndValues...);
-    return record;
 }
 
 CFDictionaryRef NewRecord(const CFRef<CFMutableDictionaryRef>& record) {

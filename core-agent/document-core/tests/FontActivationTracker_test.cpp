@@ -6,6 +6,7 @@
 
 #include "CapturedTrace.h"
 #include "FakeFontManager.h"
+#include "Records.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
@@ -31,8 +32,6 @@ protected:
     FontActivationTracker tracker{&preferences};
     const CFRef<CFMutableArrayRef> deactivated = cf::MutableArray();  ///< as reported
 };
-
-using FontByFontTest = FontActivationTrackerTest;
 
 }  // namespace
 
@@ -126,11 +125,7 @@ TEST_F(FontActivationTrackerTest, ACloseThatBreaksOffCountsOnce) {
 }
 
 TEST_F(FontActivationTrackerTest, WithoutAnIdentifierFontsBelongToTheirSubDocuments) {
-    const CFRef<CFMutableArrayRef> subDocuments = cf::MutableArray();
-    cf::Append(subDocuments, "one");
-    cf::Append(subDocuments, 2);
-    cf::Append(subDocuments, "two");
-    cf::Set(fontManager.Match(7, "Seven"), kGS_SubDocumentsWithFontKey, subDocuments);
+    cf::Set(fontManager.Match(7, "Seven"), kGS_SubDocumentsWithFontKey, List("one", 2, "two"));
     Open("", {8});
     Close("one");
     EXPECT_THAT(fontManager.deactivated, IsEmpty());
@@ -179,37 +174,22 @@ TEST_F(FontActivationTrackerTest, AHostThatComesBackFromBehindADialogIsRefused) 
     EXPECT_EQ(Close("A"), 0u) << "the lock was let go";
 }
 
-TEST_F(FontByFontTest, ALostFontManagerEndsTheLoopAndWhatItDidNotReachIsStillHeld) {
-    Open("A", {1, 2, 3, 4});
-    fontManager.isBatchMode = false;
-    fontManager.statusOfSingleDeactivation = {{2, -5}, {3, 1000}};
-    EXPECT_EQ(Close("A"), 1000u);
-    EXPECT_THAT(TakeDeactivated(), ElementsAre(1, 2, 3));
-    EXPECT_THAT(trace.Text(), HasSubstr("XTDeactivateFont returned -5\n"));
-    EXPECT_EQ(tracker.CloseAllFonts(true), 1000u);
-    EXPECT_THAT(TakeDeactivated(), ElementsAre(3));
-    EXPECT_EQ(tracker.CloseAllFonts(true), 0u);
-    EXPECT_THAT(TakeDeactivated(), IsEmpty()) << "a quit forgets them";
-}
-
-TEST_F(FontByFontTest, OnlyWhatWasDeactivatedIsReported) {
+TEST_F(FontActivationTrackerTest, FontByFontOnlyWhatWasDeactivatedIsReportedAndALostFontManagerEndsTheLoop) {
     fontManager.Match(3, "Active before", 1);
     Open("A", {5, 1, 2, 4});
-    Open("B", {5});
+    Open("B", {5, 6});
     fontManager.isBatchMode = false;
     fontManager.states = {{4, false}};  // not looked at
-    fontManager.statusOfSingleDeactivation = {{2, -5}};
+    fontManager.statusOfSingleDeactivation = {{2, -5}, {5, 1000}};
     EXPECT_EQ(Close("A"), static_cast<ErrorCode>(-5));
     EXPECT_THAT(TakeDeactivated(), ElementsAre(1, 2, 4));
     EXPECT_EQ(cf::Count(deactivated.get()), 2);
-    EXPECT_EQ(fontManager.deactivationCalls, 0);
-    Close("B", false);
-    EXPECT_EQ(cf::Count(deactivated.get()), 2);
-    fontManager.isBatchMode = true;
-    fontManager.Match(3, "Active before", 1);
-    Open("C");
-    fontManager.isBatchMode = false;
-    EXPECT_EQ(Open("D", {9}), 0u) << "nothing is activated font by font";
-    tracker.CloseAllFonts(true);
-    EXPECT_THAT(TakeDeactivated(), ElementsAre(5)) << "no other record was left";
+    EXPECT_THAT(trace.Text(), HasSubstr("XTDeactivateFont returned -5\n"));
+    EXPECT_EQ(Close("B"), 1000u);
+    EXPECT_THAT(TakeDeactivated(), ElementsAre(5)) << "the other one is still held";
+    EXPECT_EQ(tracker.CloseAllFonts(true), 1000u);
+    EXPECT_THAT(TakeDeactivated(), ElementsAre(5));
+    EXPECT_EQ(Open("C", {9}), 0u) << "nothing is activated font by font";
+    EXPECT_EQ(tracker.CloseAllFonts(true), 0u);
+    EXPECT_THAT(TakeDeactivated(), IsEmpty()) << "a quit forgets them";
 }

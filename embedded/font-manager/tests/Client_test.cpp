@@ -51,8 +51,7 @@ protected:
 TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     const auto requested =
         NamesArray({"Sample-Bold", "Sample-Black", "Sample Italic", "sample-bold", "Gone"});
-    const auto stale = cf::MutableDictionary();
-    cf::Set(stale, "Stale", cf::MutableDictionary());
+    const auto stale = Record("Stale", Record());
     for (const auto font : cf::Elements<CFDictionaryRef>(requested.get()))
         cf::Set(const_cast<CFMutableDictionaryRef>(font), kGS_PossibleReplacementsKey, stale);
     cf::Append(requested, "Sample-Thin");

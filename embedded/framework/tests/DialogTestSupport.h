@@ -1,39 +1,25 @@
 // Records for dialogs to show.
 #pragma once
 
-#include <CoreFoundation++/CFRef.h>
-
 #include <initializer_list>
 
 #include "FontRecordKeys.h"
+#include "Records.h"
 
-using Record = CFRef<CFMutableDictionaryRef>;
-using RecordList = CFRef<CFMutableArrayRef>;
-
-inline Record WorkgroupRecord(int id, const char* name) {
-    auto record = cf::MutableDictionary();
-    cf::Set(record, kGS_WorkgroupIDKey, id);
-    cf::Set(record, kGS_WorkgroupNameKey, name);
-    return record;
+inline auto WorkgroupRecord(int id, const char* name) {
+    return Record(kGS_WorkgroupIDKey, id, kGS_WorkgroupNameKey, name);
 }
 
 /// `replacements`: the names of fonts, for a font that is missing.
-inline Record FontRecord(const char* name, std::initializer_list<const char*> replacements = {}) {
-    auto record = cf::MutableDictionary();
-    const auto candidates = cf::MutableDictionary();
-    cf::Set(record, kGS_PostScriptNameKey, name);
-    cf::Set(record, kGS_FamilyKey, "Family");
-    cf::Set(record, kGS_VersionKey, "2.1");
+inline auto FontRecord(const char* name, std::initializer_list<const char*> replacements = {}) {
+    const auto font = [](const char* postScriptName) {
+        return Record(kGS_PostScriptNameKey, postScriptName, kGS_FamilyKey, "Family", kGS_VersionKey, "2.1");
+    };
+    auto record = font(name);
+    const auto candidates = Record();
     for (const char* replacement : replacements)
-        cf::Set(candidates, replacement, FontRecord(replacement));
+        cf::Set(candidates, replacement, font(replacement));
     if (replacements.size() > 0)
         cf::Set(record, kGS_PossibleReplacementsKey, candidates);
     return record;
-}
-
-inline RecordList Records(std::initializer_list<Record> records) {
-    auto list = cf::MutableArray();
-    for (const Record& record : records)
-        cf::Append(list, record);
-    return list;
 }

@@ -86,12 +86,12 @@ protected:
     TemporaryFolder mFolder;
     CapturedTrace mLog;
     std::string mShown;
-    RecordList mWorkgroups = Records(
-        {WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(-2, "Print"), cf::MutableDictionary(),
-         WorkgroupRecord(7, "Print 2024\033[2J\302\233"), WorkgroupRecord(0, "2")});
-    RecordList mFonts =
-        Records({FontRecord("Garamond", {"Zapf", "Arial", "Arial-Bold"}), FontRecord("Lost"),
-                 FontRecord("Helvetica", {"Zapf", "Arial-Bold"}), FontRecord("Garamond", {"Zapf", "Arial"})});
+    CFRef<CFMutableArrayRef> mWorkgroups =
+        List(WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(-2, "Print"), Record(),
+             WorkgroupRecord(7, "Print 2024\033[2J\302\233"), WorkgroupRecord(0, "2"));
+    CFRef<CFMutableArrayRef> mFonts =
+        List(FontRecord("Garamond", {"Zapf", "Arial", "Arial-Bold"}), FontRecord("Lost"),
+             FontRecord("Helvetica", {"Zapf", "Arial-Bold"}), FontRecord("Garamond", {"Zapf", "Arial"}));
 
 private:
     static std::string YesOrNo(bool isConfirmed) { return isConfirmed ? "yes" : "no"; }

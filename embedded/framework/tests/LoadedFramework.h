@@ -1,10 +1,9 @@
 // The framework's library as a host gets it: loaded at run time.
 #pragma once
 
-#include <CoreFoundation++/CFRef.h>
-
 #include <memory>
 
+#include "Records.h"
 #include "VantorixPluginFramework.h"
 #include "platform/DynamicLibrary.h"
 
@@ -27,9 +26,7 @@ inline CreateVantorixPluginFrameworkFunction FrameworkFactory(const std::string&
 inline OwnedFramework LoadFramework(const std::string& libraryPath,
                                     uint32_t version = VantorixPluginFramework::kInterfaceVersion) {
     const auto create = FrameworkFactory(libraryPath);
-    const auto identification = cf::MutableDictionary();
-    cf::Set(identification, "HostApp", "Illustrator2025");
-    cf::Set(identification, "PluginVersion", "8.0.0");
+    const auto identification = Record("HostApp", "Illustrator2025", "PluginVersion", "8.0.0");
     return OwnedFramework(create != nullptr ? create(version, "com.vantorix.Plugin", identification.get())
                                             : nullptr);
 }

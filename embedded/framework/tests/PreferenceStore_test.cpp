@@ -1,11 +1,11 @@
 #include "preferences/PreferenceStore.h"
 
-#include <CoreFoundation++/CFRef.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "CapturedTrace.h"
+#include "Records.h"
 #include "TemporaryFolder.h"
 #include "library/TarnwickFramework.h"
 #include "platform/Utf8Path.h"
@@ -82,10 +82,7 @@ TEST_F(PreferenceStoreTest, TheFrameworkTakesAndGivesObjects) {
                 framework.SetStringPreference("String", cf::String("Grüße 😀").get()));
     EXPECT_EQ(cf::ToUtf8(AdoptCF(framework.CopyStringPreference("String")).get()), "Grüße 😀");
 
-    const auto defaults = cf::MutableDictionary();
-    cf::Set(defaults, "EnablePlugin", true);
-    cf::Set(defaults, "Text", "ü");
-    cf::Set(defaults, "Wrong", cf::MutableArray());
+    const auto defaults = Record("EnablePlugin", true, "Text", "ü", "Wrong", List());
     EXPECT_FALSE(framework.RegisterDefaults(defaults.get())) << "as a whole or not at all";
     EXPECT_FALSE(framework.GetBoolPreference("EnablePlugin"));
     cf::Set(defaults, "Wrong", 1.5);

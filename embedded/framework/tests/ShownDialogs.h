@@ -19,18 +19,18 @@ using Framework = VantorixPluginFramework;
 
 inline const std::string kLibrary = BuiltFile(FRAMEWORK_LIBRARY);
 
-inline RecordList Workgroups() {
-    return Records({WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(7, "Print"),
-                    WorkgroupRecord(8, "Web & Screen"), WorkgroupRecord(9, "Corporate Design, Europe")});
+inline auto Workgroups() {
+    return List(WorkgroupRecord(30, "Personal Library"), WorkgroupRecord(7, "Print"),
+                WorkgroupRecord(8, "Web & Screen"), WorkgroupRecord(9, "Corporate Design, Europe"));
 }
 
 /// Enough of them to scroll.
-inline RecordList FontsToResolve() {
-    return Records({FontRecord("AGaramondPro-Regular", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
-                    FontRecord("Helvetica", {"LiberationSans"}), FontRecord("Zapfino"),
-                    FontRecord("Helvetica-Bold", {"LiberationSans"}),
-                    FontRecord("Garamond", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
-                    FontRecord("Arial", {"LiberationSans"})});
+inline auto FontsToResolve() {
+    return List(FontRecord("AGaramondPro-Regular", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
+                FontRecord("Helvetica", {"LiberationSans"}), FontRecord("Zapfino"),
+                FontRecord("Helvetica-Bold", {"LiberationSans"}),
+                FontRecord("Garamond", {"EBGaramond-Regular", "CormorantGaramond-Regular"}),
+                FontRecord("Arial", {"LiberationSans"}));
 }
 
 inline void ShowSelectWorkgroup(Framework& framework) {
@@ -39,17 +39,14 @@ inline void ShowSelectWorkgroup(Framework& framework) {
 }
 
 inline void ShowCommandBox(Framework& framework) {
-    const auto state = cf::MutableDictionary();
-    cf::Set(state, "Workgroups", Workgroups());
-    cf::Set(state, "CurrentWorkgroupID", 7);
-    cf::Set(state, "ButtonsEnabled", true);
-    cf::Set(state, "IsOnline", true);
+    const auto state =
+        Record("Workgroups", Workgroups(), "CurrentWorkgroupID", 7, "ButtonsEnabled", true, "IsOnline", true);
     int32_t command = 0;
     framework.ShowCommandBox(state.get(), &command);
 }
 
 inline void ShowResolveFonts(Framework& framework) {
-    framework.ShowResolveFonts(FontsToResolve().get(), cf::MutableArray().get(), cf::MutableArray().get());
+    framework.ShowResolveFonts(FontsToResolve().get(), List().get(), List().get());
 }
 
 inline void ShowChooseFolder(Framework& framework) {

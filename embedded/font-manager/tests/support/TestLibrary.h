@@ -3,8 +3,8 @@
 
 #include <stdexcept>
 
-#include "CoreFoundation++/CFRef.h"
 #include "ErrorCodes.h"
+#include "Records.h"
 #include "TarnwickPluginInterface.h"
 #include "TestFiles.h"
 #include "platform/DynamicLibrary.h"
@@ -16,11 +16,8 @@ using IDs = std::vector<int64_t>;
 
 inline CFRef<CFMutableArrayRef> NamesArray(const std::vector<std::string>& postScriptNames) {
     auto array = cf::MutableArray();
-    for (const std::string& name : postScriptNames) {
-        const auto record = cf::MutableDictionary();
-        cf::Set(record, kGS_PostScriptNameKey, name);
-        cf::Append(array, record);
-    }
+    for (const std::string& name : postScriptNames)
+        cf::Append(array, Record(kGS_PostScriptNameKey, name));
     return array;
 }
 

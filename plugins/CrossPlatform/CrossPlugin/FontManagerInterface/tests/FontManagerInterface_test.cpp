@@ -1,6 +1,7 @@
 #include "FontManagerInterface.h"
 
 #include "FacadeTest.h"
+#include "Records.h"
 #include "VersionsAreCompatible.h"
 
 using testing::HasSubstr;
@@ -40,12 +41,8 @@ TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
 }
 
 TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
-    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    for (const int64_t workgroupID : {int64_t{1} << 40, int64_t{8}, int64_t{7}}) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_WorkgroupIDKey, workgroupID);
-        cf::Append(fonts, font);
-    }
+    const auto fonts = List(Record(kGS_WorkgroupIDKey, int64_t{1} << 40), Record(kGS_WorkgroupIDKey, 8),
+                            Record(kGS_WorkgroupIDKey, 7));
     fontManager.AddWorkgroupNamesToFonts(fonts.get());
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 2), kGS_WorkgroupNameKey), "Library");
     EXPECT_EQ(cf::GetString(cf::Get<CFDictionaryRef>(fonts.get(), 1), kGS_WorkgroupNameKey), "");
@@ -87,8 +84,7 @@ TEST_F(FacadeTest, FingerprintsComeBestMatchFirst) {
 }
 
 TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
-    const CFRef<CFMutableArrayRef> fonts = cf::MutableArray();
-    cf::Append(fonts, cf::MutableDictionary());
+    const auto fonts = List(Record());
     library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout, GIPCClient::kReplyTimeout, 0};
     EXPECT_EQ(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), GIPCClient::kReplyTimeout);
     FakeClock clock;

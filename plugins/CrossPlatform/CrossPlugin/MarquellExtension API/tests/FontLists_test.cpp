@@ -4,6 +4,7 @@
 
 #include "FontListFiles.h"
 #include "PanelTest.h"
+#include "Records.h"
 #include "TemporaryFolder.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
@@ -25,14 +26,9 @@ protected:
 
     void AddFont(int64_t id, const std::string& postScriptName, const std::string& displayName, int state,
                  int workgroupType) {
-        const CFRef<CFMutableDictionaryRef> font = cf::MutableDictionary();
-        cf::Set(font, kGS_DatabaseIDKey, id);
-        cf::Set(font, kGS_PostScriptNameKey, postScriptName);
-        cf::Set(font, kGS_DisplayNameKey, displayName);
-        cf::Set(font, kGS_ActivationStateKey, state);
-        cf::Set(font, kGS_WorkgroupTypeKey, workgroupType);
-        cf::Set(font, kGS_WorkgroupIDKey, id % 10);
-        library.smartListFonts.push_back(font);
+        library.smartListFonts.push_back(Record(
+            kGS_DatabaseIDKey, id, kGS_PostScriptNameKey, postScriptName, kGS_DisplayNameKey, displayName,
+            kGS_ActivationStateKey, state, kGS_WorkgroupTypeKey, workgroupType, kGS_WorkgroupIDKey, id % 10));
     }
     std::string FontList() {
         const std::vector<std::string> replies = Send(R"({"messageID":40,"smartListID":3})");

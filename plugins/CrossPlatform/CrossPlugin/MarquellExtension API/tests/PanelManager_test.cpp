@@ -2,6 +2,7 @@
 
 #include "PanelTest.h"
 #include "RecordingPanel.h"
+#include "Records.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
@@ -134,13 +135,9 @@ TEST_F(PanelManagerTest, ReportsOfTheAgentBecomeMessagesOfThePanels) {
         // clang-format on
     };
     RecordingPanel& told = Add();
-    const CFRef<CFMutableDictionaryRef> images = cf::MutableDictionary();
-    cf::Set(images, "1", "/1.png");
-    const CFRef<CFMutableDictionaryRef> payload = cf::MutableDictionary();
-    cf::Set(payload, kNotificationIsOnlineKey, true);
-    cf::Set(payload, kNotificationIsEnabledKey, true);
-    cf::Set(payload, kPluginNotification_FontActivation_Font_ID, int64_t{4294967295});
-    cf::Set(payload, kPluginNotification_FontPNGs, images);
+    const auto payload = Record(kNotificationIsOnlineKey, true, kNotificationIsEnabledKey, true,
+                                kPluginNotification_FontActivation_Font_ID, int64_t{4294967295},
+                                kPluginNotification_FontPNGs, Record("1", "/1.png"));
     for (const auto& [name, message] : kReports) {
         told.sent.clear();
         EXPECT_EQ(manager.Receive({name, payload}), 0u);
