@@ -69,15 +69,6 @@ TEST_F(Files, OnlyTemporaryFilesOfTheSameFileAreSweptAway) {
     platform::RemoveAbandonedWrites(folder / "missing/file");
 }
 
-TEST_F(Files, FoldersAreMadeWithThoseAboveThemUnlessAFileIsInTheWay) {
-    for (const char* time : {"first", "second"})
-        EXPECT_FALSE(platform::MakeFolders(folder / "a/b/c", true)) << time;
-    EXPECT_TRUE(fs::is_directory(platform::Utf8Path(folder / "a/b/c")));
-    folder.Write("file", "");
-    for (const char* taken : {"file", "file/below"})
-        EXPECT_TRUE(platform::MakeFolders(folder / taken)) << taken;
-}
-
 TEST_F(Files, ALockKeepsOthersOutUntilItIsReleasedAndTellsThemWhoHoldsIt) {
     const std::string path = folder / "lock";
     EXPECT_FALSE(platform::FileLock::IsHeldByAnyone(path));
@@ -124,22 +115,6 @@ TEST_F(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
     EXPECT_NE(again, first);
     EXPECT_TRUE(platform::IdentifyFile(folder / "absent", again).IsNotFound());
     EXPECT_FALSE(platform::IdentifyFile(folder / ".", again));
-}
-
-TEST_F(Files, TextIsAddedAtTheEndByAllWhoHaveTheFileOpen) {
-    const std::string path = folder / "log 字";
-    platform::AppendedFile one;
-    platform::AppendedFile other;
-    EXPECT_TRUE(one.Append("x"));
-    ASSERT_FALSE(one.Open(path));
-    ASSERT_FALSE(other.Open(path));
-    for (platform::AppendedFile* file : {&one, &other, &one})
-        EXPECT_FALSE(file->Append(file == &one ? "one " : "other "));
-    one.Close();
-    EXPECT_FALSE(one.IsOpen());
-    EXPECT_EQ(Content(path), "one other one ");
-    EXPECT_TRUE(one.Open(folder / "absent/log").IsNotFound());
-    EXPECT_TRUE(one.Open(folder / "."));
 }
 
 TEST_F(Files, APathMayBeLong) {

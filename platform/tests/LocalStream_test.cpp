@@ -77,20 +77,6 @@ TEST_F(LocalStreamTest, WritingNeverWaitsForAnEndThatDoesNotRead) {
     EXPECT_EQ(taken, kPieces);
 }
 
-TEST_F(LocalStreamTest, WhatWasTakenIsDeliveredInOrderAfterTheEndIsClosed) {
-    int taken = 0;
-    std::string expected;
-    for (int count = 0; count < 200; ++count) {
-        const std::string piece = std::to_string(count) + " ";
-        mClient.Write(piece, [&](const asio::error_code& failure) { taken += failure ? 0 : 1; });
-        expected += piece;
-    }
-    mClientLoop.run();
-    EXPECT_EQ(taken, 200);
-    mClient.Close();
-    EXPECT_EQ(ReceiveAll(expected.size() + 1), expected);
-}
-
 TEST(LocalAcceptor, TakesThoseWhoWaitThoughItsLoopStandsStillAndNobodyAfterItsEnd) {
     const TemporaryFolder folder;
     const std::string address = LocalStreamAddresses("Test", "Waiting", folder / "data").front();

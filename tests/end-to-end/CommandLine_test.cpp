@@ -28,10 +28,6 @@ TEST_F(CommandLine, WhatIsMissingIsNamedAndTheExitStatus) {
     for (const std::vector<std::string>& wrong :
          std::vector<std::vector<std::string>>{{}, {"open"}, {"open", "x.pdf", "--for", "soon"}})
         EXPECT_EQ(world.RunHost(wrong).status, 2);
-    result = world.RunHost({"--help"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("Exit status"));
-    EXPECT_EQ(result.errors, "");
 }
 
 TEST_F(CommandLine, WhatIsNoReadableDocumentIsReportedNotOpened) {

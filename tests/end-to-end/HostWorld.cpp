@@ -18,16 +18,6 @@ void ExpectBySchema(panel_schemas::Direction direction, const json& message) {
 
 }  // namespace
 
-HostWorld::HostWorld() : mWorld("Мои шрифты 字体 🙂") {
-    const std::pair<const char*, std::string> variables[] = {{"XDG_DATA_DIRS", Path("all users")},
-                                                             {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
-                                                             {"PLUGINCORE_ANSWERS", ""},
-                                                             {"PLUGINCORE_PRESENTER", "silent"},
-                                                             {"LC_ALL", "C.UTF-8"}};
-    for (const auto& [variable, value] : variables)
-        platform::SetEnvironment(variable, value);
-}
-
 HostWorld::~HostWorld() {
     // Also the agents that hosts started again.
     if (const platform::ProcessId agent = Agent())

@@ -15,7 +15,6 @@ using nlohmann::json;
 /// its folders from the environment.
 class HostWorld {
 public:
-    HostWorld();
     ~HostWorld();
 
     pellwick::test::TestWorld& FontManager() { return mWorld; }
@@ -42,7 +41,12 @@ public:
     std::string Trace() const { return ContentOf(Path("trace")); }
 
 private:
-    pellwick::test::TestWorld mWorld;
+    pellwick::test::TestWorld mWorld{"Мои шрифты 字体 🙂"};
+    const ScopedVariable mVariables[5] = {{"XDG_DATA_DIRS", Path("all users")},
+                                          {"PLUGINCORE_DEBUG_OUTPUT", Path("trace")},
+                                          {"PLUGINCORE_ANSWERS", ""},
+                                          {"PLUGINCORE_PRESENTER", "silent"},
+                                          {"LC_ALL", "C.UTF-8"}};
 };
 
 /// A world with one font.

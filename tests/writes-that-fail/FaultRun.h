@@ -12,9 +12,9 @@
 #include <stdexcept>
 
 #include "FaultPlan.h"
+#include "ScopedVariable.h"
 #include "TestFiles.h"
 #include "TestProcess.h"
-#include "platform/Environment.h"
 
 /// One way in which a write may go wrong.
 struct Fault {
@@ -47,17 +47,12 @@ public:
     std::unique_ptr<TestProcess> Start(const std::vector<std::string>& command) const {
         const std::filesystem::path library = BuiltFile(FAILING_WRITES_LIBRARY);
         // By its name alone: blanks separate the libraries in that list, and the checkout's path may have some.
-        const std::pair<const char*, std::string> variables[] = {
+        const ScopedVariable variables[] = {
             {"LD_PRELOAD", library.filename()},
             {"LD_LIBRARY_PATH", library.parent_path()},
             {"FAILING_WRITES_PLAN", mPath},
             {"FAILING_WRITES_BELOW", std::filesystem::weakly_canonical(mFolder)}};
-        for (const auto& [name, value] : variables)
-            platform::SetEnvironment(name, value);
-        auto process = std::make_unique<TestProcess>(command);
-        for (const auto& [name, value] : variables)
-            platform::SetEnvironment(name, "");
-        return process;
+        return std::make_unique<TestProcess>(command);
     }
     /// From now on the calls are counted, and the fault meets the one of that number; none with 0.
     void Begin(const Fault& fault, int at) {

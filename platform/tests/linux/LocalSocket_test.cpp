@@ -93,19 +93,5 @@ TEST_F(LocalSocketTest, AFolderThatIsSwappedMeanwhileCostsNobodyAFile) {
     EXPECT_TRUE(IsExistingFile(victim));
 }
 
-TEST_F(LocalSocketTest, AnEndTakesAwayItsOwnSocketAlone) {
-    auto first = std::make_unique<LocalAcceptor>(mLoop, [](LocalStream) {});
-    ASSERT_FALSE(first->Listen(mAddress));
-    EXPECT_TRUE(first->IsInPlace());
-    ASSERT_FALSE(mAcceptor.Listen(mAddress));  // a successor
-    EXPECT_FALSE(first->IsInPlace());
-    EXPECT_TRUE(mAcceptor.IsInPlace());
-    first->Close();
-    first.reset();
-    EXPECT_TRUE(IsReached());
-    fs::remove_all(mSockets);
-    EXPECT_FALSE(mAcceptor.IsInPlace());
-}
-
 }  // namespace
 }  // namespace platform

@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <csignal>
 
+#include "ScopedVariable.h"
 #include "TestProcess.h"
 #include "platform/DebugOutput.h"
-#include "platform/Environment.h"
 #include "support/Launch.h"
 
 using namespace std::chrono_literals;
@@ -22,9 +22,8 @@ std::unique_ptr<platform::ChildProcess> LaunchScript(const std::string& script) 
 }  // namespace
 
 TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
-    platform::SetEnvironment("PLUGINCORE_READY_DESCRIPTOR", "99");  // as where the host was launched itself
+    const ScopedVariable ready("PLUGINCORE_READY_DESCRIPTOR", "99");  // as where the host was launched itself
     const auto child = LaunchScript("exit $PLUGINCORE_READY_DESCRIPTOR");
-    platform::SetEnvironment("PLUGINCORE_READY_DESCRIPTOR", "");
     EXPECT_EQ(WaitForExit(*child), 3);
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
 }
