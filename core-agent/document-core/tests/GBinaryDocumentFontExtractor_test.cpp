@@ -5,14 +5,13 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "CapturedTrace.h"
 #include "FakePlatform.h"
 #include "SmallChunkExtractor.h"
 #include "TemporaryFolder.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 
-using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
+using testing::ElementsAre, testing::IsEmpty;
 
 namespace {
 
@@ -148,16 +147,6 @@ TEST_F(ExtractorTest, ARangeThatNeverEndsDoesNotHoldTheSearchUp) {
     EXPECT_THAT(Extract("a.aep", endless, 64), IsEmpty());
     EXPECT_THAT(Extract("a.psd", "/FontSet [ " + std::string(1000, 'x'), 64), IsEmpty());
     EXPECT_THAT(Extract("a.ai", "..../FontName /X" + std::string(1000, 'x'), 64), IsEmpty());
-}
-
-TEST_F(ExtractorTest, AFileThatCannotBeReadIsReportedWithWhatFailed) {
-    CapturedTrace trace;
-    Names names;
-    EXPECT_EQ(GBinaryDocumentFontExtractor(GFileSystemSpec(folder / "missing.ai")).ExtractFontNames(names),
-              GFileSystem::kFileNotFound);
-    EXPECT_THAT(trace.Text(), HasSubstr("Expression='ExtractFromIllustrator(fontNames)'"));
-    EXPECT_EQ(GBinaryDocumentFontExtractor(GFileSystemSpec(folder / ".")).ExtractFontNames(names),
-              GFileSystem::kInvalidPath);
 }
 
 TEST_F(ExtractorTest, NamesAndRangesLongerThanAWindowAreWhole) {

@@ -132,11 +132,7 @@ TEST(GPickBestMatch, ReadsVersionNumbersOutOfFontVersionTexts) {
     ExpectWins(unreadable, newer);  // by the rules that follow
 }
 
-TEST(GFontManagerConstants, KnowsItsKindsByName) {
-    for (int32_t kind = 0; kind <= 9; ++kind)
-        EXPECT_EQ(Kinds::FontKindFromName(Kinds::FontKindToName(kind)), kind);
-    EXPECT_STREQ(Kinds::FontKindToName(10), "--");
-    EXPECT_EQ(Kinds::FontKindFromName("Bitmap"), 0);
+TEST(GFontManagerConstants, KindsInRecordsMayHaveOtherNames) {
     EXPECT_EQ(Kinds::FontKindFromRecord("OpenType"), Kinds::kFontKind_openTypeTT);
     EXPECT_EQ(Kinds::FontKindFromRecord("Postscript"), Kinds::kFontKind_postScript);
     EXPECT_EQ(Kinds::FontKindFromRecord("CID"), Kinds::kFontKind_cid);

@@ -43,7 +43,7 @@ protected:
 
 TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
     MakeFunctional();
-    const std::vector<uint32_t> answers = {
+    std::vector<uint32_t> answers = {
         InitializePluginCoreInterface(nullptr, ""),
         InitializePluginCoreInterface("x", nullptr),
         GetAPIVersion(nullptr, 8),
@@ -51,12 +51,6 @@ TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
         GetSocketPort(nullptr),
         HandleCreateNewDocument(nullptr, &size),
         HandleCreateNewDocument(text, nullptr),
-        HandleOpenExistingDocument(nullptr, "[]", text, &size, other, &otherSize, &fontCount),
-        HandleOpenExistingDocument("/d", "[]", nullptr, &size, other, &otherSize, &fontCount),
-        HandleOpenExistingDocument("/d", "[]", text, nullptr, other, &otherSize, &fontCount),
-        HandleOpenExistingDocument("/d", "[]", text, &size, nullptr, &otherSize, &fontCount),
-        HandleOpenExistingDocument("/d", "[]", text, &size, other, nullptr, &fontCount),
-        HandleOpenExistingDocument("/d", "[]", text, &size, other, &otherSize, nullptr),
         HandleSaveDocument(nullptr, ""),
         HandleCloseDocument(nullptr, ""),
         SetPathForDocument(nullptr, "id"),
@@ -68,11 +62,6 @@ TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
         UpdateDocumentFontUsage("/d", nullptr),
         ActivateChosenFonts(nullptr, "[]", &number),
         ActivateChosenFonts("/d", "[]", nullptr),
-        InvokeResolveDialog(false, nullptr, text, &size, other, &otherSize),
-        InvokeResolveDialog(false, "[{}]", nullptr, &size, other, &otherSize),
-        InvokeResolveDialog(false, "[{}]", text, nullptr, other, &otherSize),
-        InvokeResolveDialog(false, "[{}]", text, &size, nullptr, &otherSize),
-        InvokeResolveDialog(false, "[{}]", text, &size, other, nullptr),
         InvokeRestrictedFontsDialog(true, nullptr),
         GetMenus("", nullptr, &size),
         GetMenus("", text, nullptr),
@@ -83,6 +72,15 @@ TEST_F(ExportsTest, EveryNullPointerIsAnsweredWithItsCode) {
         SetPreference(nullptr, "1"),
         SetPreference("RMF4", nullptr),
     };
+    for (int null = 0; null < 6; ++null) {
+        const auto unless = [&](int argument, auto* pointer) { return argument != null ? pointer : nullptr; };
+        answers.push_back(HandleOpenExistingDocument(unless(0, "/d"), "[]", unless(1, text), unless(2, &size),
+                                                     unless(3, other), unless(4, &otherSize),
+                                                     unless(5, &fontCount)));
+        if (null < 5)
+            answers.push_back(InvokeResolveDialog(false, unless(0, "[{}]"), unless(1, text), unless(2, &size),
+                                                  unless(3, other), unless(4, &otherSize)));
+    }
     EXPECT_THAT(answers, testing::Each(PLUGINCORE_INVALID_PARAM));
     EXPECT_EQ(RegisterPlugPlug(nullptr), PLUGINCORE_NULL_POINTER);
     EXPECT_EQ(TryRegisterPlugPlug(nullptr), PLUGINCORE_NULL_POINTER);
