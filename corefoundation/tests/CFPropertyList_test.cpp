@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "CoreFoundation++/CFRef.h"
+#include "Records.h"
 
 namespace {
 
@@ -49,18 +49,9 @@ TEST(CFPropertyList, WhatIsWrittenReadsBackEqual) {
     std::string bytes;
     for (int byte = 0; byte < 256; ++byte)
         bytes += static_cast<char>(byte);
-    const auto array = cf::MutableArray();
-    cf::Append(array, INT64_MIN);
-    cf::Append(array, 0.1);
-    cf::Append(array, -INFINITY);
-    cf::Append(array, cf::MutableDictionary());
-    const auto dictionary = cf::MutableDictionary();
-    cf::Set(dictionary, "text", "a < b && \"c\" > 'd'\r\n\t\u4E2D\U0001F600 ]]>");
-    cf::Set(dictionary, "", "");
-    cf::Set(dictionary, "bytes", Data(bytes));
-    cf::Set(dictionary, "yes", true);
-    cf::Set(dictionary, "no", false);
-    cf::Set(dictionary, "array", array);
+    const auto dictionary =
+        Record("text", "a < b && \"c\" > 'd'\r\n\t\u4E2D\U0001F600 ]]>", "", "", "bytes", Data(bytes), "yes",
+               true, "no", false, "array", List(INT64_MIN, 0.1, -INFINITY, Record()));
     const std::string xml = Write(dictionary.get());
     const auto [copy, error] = ReadDocument(xml);
     ASSERT_TRUE(copy) << error;
@@ -69,12 +60,7 @@ TEST(CFPropertyList, WhatIsWrittenReadsBackEqual) {
 }
 
 TEST(CFPropertyList, WritesTheUsualForm) {
-    const auto dictionary = cf::MutableDictionary();
-    const auto array = cf::MutableArray();
-    cf::Append(array, 5);
-    cf::Append(array, Data("ab"));
-    cf::Set(dictionary, "A&B", array);
-    EXPECT_EQ(Write(dictionary.get()),
+    EXPECT_EQ(Write(Record("A&B", List(5, Data("ab"))).get()),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
               "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
@@ -168,9 +154,7 @@ TEST(CFPropertyList, NestingIsLimitedAlikeInBothDirections) {
     const auto deepest = ReadValue(nested(128));
     ASSERT_TRUE(deepest.list) << deepest.error;
     EXPECT_NE(Write(deepest.list.get()), "");
-    const auto deeper = cf::MutableArray();
-    cf::Append(deeper, deepest.list);
-    EXPECT_EQ(Write(deeper.get()), "");
+    EXPECT_EQ(Write(List(deepest.list).get()), "");
     EXPECT_THAT(ReadValue(nested(129)).error, HasSubstr("nested too deeply"));
     EXPECT_FALSE(ReadValue(nested(1000000)).list);
 }

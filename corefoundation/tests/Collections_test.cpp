@@ -3,20 +3,13 @@
 #include <map>
 #include <random>
 
-#include "CoreFoundation++/CFRef.h"
 #include "CoreFoundation/CFArray.h"
 #include "CoreFoundation/CFBase.h"
 #include "CoreFoundation/CFData.h"
 #include "CoreFoundation/CFDictionary.h"
+#include "Records.h"
 
 namespace {
-
-CFRef<CFMutableArrayRef> Numbers(const std::vector<int>& values) {
-    const auto array = cf::MutableArray();
-    for (const int value : values)
-        cf::Append(array, value);
-    return array;
-}
 
 /// What is in it, in its order: "(1, 2)", "{a = 1}".
 std::string Text(CFTypeRef object) {
@@ -24,9 +17,7 @@ std::string Text(CFTypeRef object) {
 }
 
 TEST(CFDictionary, VisitsKeysInTheOrderOfTheirFirstSetting) {
-    const auto dictionary = cf::MutableDictionary();
-    for (const char* key : {"zebra", "apple", "mango", "fig"})
-        cf::Set(dictionary, key, 1);
+    const auto dictionary = Record("zebra", 1, "apple", 1, "mango", 1, "fig", 1);
     cf::Set(dictionary, "apple", 2);
     CFDictionaryRemoveValue(dictionary.get(), CFSTR("zebra"));
     cf::Set(dictionary, "zebra", 3);
@@ -74,11 +65,11 @@ TEST(CFBase, EqualityNeedsOneTypeAndValueAndNoOrderOfKeys) {
     const auto first = cf::MutableDictionary(), second = cf::MutableDictionary();
     for (const auto& [dictionary, keys] : {std::pair(first, "ab"), std::pair(second, "ba")}) {
         for (const char* key = keys; *key != '\0'; ++key)
-            cf::Set(dictionary, std::string(1, *key), Numbers({*key}));
+            cf::Set(dictionary, std::string(1, *key), List(int{*key}));
     }
     EXPECT_TRUE(CFEqual(first.get(), second.get()));
     EXPECT_EQ(CFHash(first.get()), CFHash(second.get()));
-    EXPECT_TRUE(CFDictionaryContainsValue(first.get(), Numbers({'b'}).get()));
+    EXPECT_TRUE(CFDictionaryContainsValue(first.get(), List(int{'b'}).get()));
     cf::Set(second, "a", cf::MutableArray());
     EXPECT_FALSE(CFEqual(first.get(), second.get()));
     CFDictionaryRemoveAllValues(second.get());
@@ -89,10 +80,8 @@ TEST(CFBase, EqualityNeedsOneTypeAndValueAndNoOrderOfKeys) {
 
 TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
     const auto text = cf::String("held");
-    const auto array = cf::MutableArray();
-    const auto dictionary = cf::MutableDictionary();
-    cf::Append(array, text);
-    cf::Append(array, text);
+    const auto array = List(text, text);
+    const auto dictionary = Record();
     cf::Set(dictionary, text.get(), text);
     EXPECT_EQ(CFGetRetainCount(text.get()), 5);
     CFArraySetValueAtIndex(array.get(), 0, kCFNull);
@@ -126,7 +115,7 @@ TEST(CFBaseDeathTest, WrongTypesAndChangesOfImmutableObjectsAreRefused) {
                        "cannot be changed");
     EXPECT_EQ(CFArrayGetCount(fixed.get()), 1);
     const void* value = nullptr;
-    EXPECT_DEBUG_DEATH(CFArraySetValueAtIndex(Numbers({1}).get(), 2, number.get()), "index");
+    EXPECT_DEBUG_DEATH(CFArraySetValueAtIndex(List(1).get(), 2, number.get()), "index");
     EXPECT_DEBUG_DEATH(value = CFArrayGetValueAtIndex(fixed.get(), 1), "index");
     EXPECT_EQ(value, nullptr);
 }
@@ -154,12 +143,8 @@ TEST(CFRef, EveryOwnerCountsOnceAndCastsAreChecked) {
 }
 
 TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
-    const auto dictionary = cf::MutableDictionary();
-    cf::Set(dictionary, "text", std::string("\u00E9\0z", 4));
-    cf::Set(dictionary, "whole", uint16_t{65535});
-    cf::Set(dictionary, "real", 2.5);
-    cf::Set(dictionary, "flag", true);
-    cf::Set(dictionary, "list", cf::MutableArray());
+    const auto dictionary = Record("text", std::string("\u00E9\0z", 4), "whole", uint16_t{65535}, "real", 2.5,
+                                   "flag", true, "list", List());
     EXPECT_TRUE(Text(dictionary.get()).ends_with("z, whole = 65535, real = 2.5, flag = true, list = ()}"));
     const CFDictionaryRef values = dictionary.get();
     EXPECT_EQ(cf::GetString(values, "text"), std::string("\u00E9\0z", 4));
