@@ -6,15 +6,14 @@ using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
-class AgentLoss : public testing::Test {
+class AgentLoss : public HostWorldTest {
 protected:
     AgentLoss() {
-        world.AddFonts({"Sample-Bold", "Sample-Italic"});
+        world.AddFonts({"Sample-Italic"});
         host.Start();
         host.SetPreference("CloseFontsOnDocClose", 1);
     }
 
-    HostWorld world;
     const std::string first = world.WriteDocument("first.ai", {"Sample-Bold"});
     const std::string second = world.WriteDocument("second.ai", {"Sample-Italic"});
     ScriptedHost host;
@@ -57,10 +56,8 @@ TEST_F(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
     EXPECT_EQ(CountOf(world.Trace(), "Attempting to launch"), 0);
 }
 
-TEST(WithoutAnAgent, TheCoreStartsOneOrTheHostSaysWhatToDo) {
-    HostWorld world;
+TEST_F(HostWorldTest, WithoutAnAgentTheCoreStartsOneOrTheHostSaysWhatToDo) {
     const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    world.AddFonts({"Sample-Bold"});
     ASSERT_EQ(world.Pellwick("stop"), 0);
     auto result = world.RunHost({"--json", "open", document, "--close"});
     EXPECT_EQ(result.status, 0) << result.errors;

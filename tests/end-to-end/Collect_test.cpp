@@ -8,14 +8,13 @@ using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::Not;
 
 namespace {
 
-class Collect : public testing::Test {
+class Collect : public HostWorldTest {
 protected:
     Collect() {
         TestFontNames locked{"Locked-Bold", "Locked", "Bold"};
         locked.embedding = 2;
         locked.licence = "Ask before you embed.";
         auto& fontManager = world.FontManager();
-        world.AddFonts({"Sample-Bold"});
         for (const std::string& path :
              {fontManager.Write("Locked.ttf", MakeTestFont(locked)),
               fontManager.Write("Pair.ttc", MakeTestFontCollection({{"One", "One"}, {"Two", "Two"}}))})
@@ -29,7 +28,6 @@ protected:
         return json::parse(ContentOf(world.Path(folder + "/fonts.json")));
     }
 
-    HostWorld world;
     const std::string poster =
         world.WriteDocument("Plakat/poster.pdf", {"Sample-Bold", "Locked-Bold", "One", "Two", "Gone"});
 };

@@ -7,11 +7,10 @@ using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 namespace {
 
-class DocumentRoadTest : public testing::Test {
+class DocumentRoadTest : public HostWorldTest {
 protected:
-    DocumentRoadTest() { world.AddFonts({"Sample-Bold", "Sample-Italic", "Sample-Light"}); }
+    DocumentRoadTest() { world.AddFonts({"Sample-Italic", "Sample-Light"}); }
 
-    HostWorld world;
     const std::string document = world.WriteDocument("document.ai", {"Sample-Bold", "Sample-Light"});
 };
 

@@ -6,7 +6,6 @@
 #include "HostWorld.h"
 #include "PanelMessages.h"
 #include "PanelSchemas.h"
-#include "TestFiles.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -69,10 +68,10 @@ private:
          platform::kPathSeparator == '\\' ? R"("isWindows":true)" : R"("isWindows":false)"}};
 };
 
-class PanelScript : public testing::Test {
+class PanelScript : public PageTest {
 protected:
     PanelScript() {
-        for (const char* font : {"Sample-Bold", "Sample-Italic", "Other-Regular"})
+        for (const char* font : {"Sample-Italic", "Other-Regular"})
             world.AddFonts({font});
         auto& fontManager = world.FontManager();
         EXPECT_EQ(fontManager.Run({"add", fontManager.WriteFont("Other-Regular", "2.0")}).status, 0);
@@ -115,7 +114,6 @@ protected:
         }
     }
 
-    HostWorld world;
     ScriptedHost host;
     FileNames names;
 };
@@ -123,8 +121,6 @@ protected:
 }  // namespace
 
 TEST_F(PanelScript, GoesAsThePageSays) {
-    if (!HasSources())
-        GTEST_SKIP() << kNoSources;
     const std::vector<PageExchange> script = ReadScriptPage("panel-script.md");
     ASSERT_GT(script.size(), 10u);
     for (const PageExchange& exchange : script)
@@ -132,11 +128,7 @@ TEST_F(PanelScript, GoesAsThePageSays) {
     EXPECT_EQ(host.Finish().status, 0);
 }
 
-TEST(ExampleScript, GoesAsThePageSays) {
-    if (!HasSources())
-        GTEST_SKIP() << kNoSources;
-    HostWorld world;
-    world.AddFonts({"Sample-Bold"});
+TEST_F(PageTest, TheExampleScriptGoesAsItSays) {
     const std::string answers = world.FontManager().Write(
         "answers.json",
         R"([{"dialog":"Preferences","answer":{"CloseFontsOnDocClose":false}},)"
@@ -152,9 +144,7 @@ TEST(ExampleScript, GoesAsThePageSays) {
     EXPECT_EQ(host.Finish().status, 0);
 }
 
-TEST(PanelDocumentation, ShowsAnExampleOfEveryMessageByTheSchemas) {
-    if (!HasSources())
-        GTEST_SKIP() << kNoSources;
+TEST_F(PageTest, ThePanelDocumentationShowsAnExampleOfEveryMessageByTheSchemas) {
 #define NUMBER_OF(constant, id, ...) id,
     std::set<int> requests = {PANEL_REQUESTS(NUMBER_OF)};
     std::set<int> answers = {PANEL_MESSAGES(NUMBER_OF) PANEL_PLAIN_NOTIFICATIONS(NUMBER_OF)

@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "PanelSchemas.h"
-#include "TestFiles.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
 

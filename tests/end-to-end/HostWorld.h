@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "TestFiles.h"
 #include "tests/support/TestWorld.h"
 
 using nlohmann::json;
@@ -55,6 +56,15 @@ protected:
     HostWorldTest() { world.AddFonts({"Sample-Bold"}); }
 
     HostWorld world;
+};
+
+/// Where what the pages of docs/ say is tried.
+class PageTest : public HostWorldTest {
+protected:
+    void SetUp() override {
+        if (!HasSources())
+            GTEST_SKIP() << kNoSources;
+    }
 };
 
 int CountOf(const std::string& text, const std::string& part);

@@ -8,14 +8,11 @@ using testing::HasSubstr;
 
 namespace {
 
-class MenuTest : public testing::Test {
+class MenuTest : public HostWorldTest {
 protected:
-    MenuTest() { world.AddFonts({"Sample-Bold", "Sample-Italic"}); }
     int Set(const std::string& key, const std::string& value) const {
         return world.RunHost({"settings", key, value}).status;
     }
-
-    HostWorld world;
 };
 
 }  // namespace
