@@ -9,21 +9,18 @@ using namespace documents;
 
 std::vector<std::string> Seeds() {
     return {
-        "a%PDF-1.4\n1 0 obj<</Pages 2 0 R>>endobj 2 0 obj<</Kids[3 0 R]/Count 1>>endobj 3 0 "
-        "obj<</Type/Page/Parent "
-        "2 0 R/Annots[4 0 R]/Resources<</Font<</F<</BaseFont/AAAAAA+B#20C/DescendantFonts[]>>>>/XObject<</X "
-        "4 0 "
-        "R>>>>>>endobj 4 0 obj<</Subtype/Form/DA(/F 1 Tf)/Parent 4 0 R/Resources<</XObject<</X 4 0 "
-        "R>>>>/Length "
-        "0>>stream\nendstream endobj trailer<</Root 1 0 R/Size 5>>",
-        "b<svg><style>@font-face{font-family:A;src:url(b)}#i,text.c{font:italic 700 1px/2 'B', "
-        "C}</style><text "
-        "id='i' class='c d' style='font-weight:bold'>x</text></svg>",
-        "c<!DOCTYPE d [<!ENTITY e 'f'>]><document><font-face name='A' font-family=\"'B'\"/><style name='S' "
-        "family='paragraph' parent-style-name='S'><text-properties font-name='A' "
-        "font-weight='bold'/></style><p style-name='S'>x&e;</p></document>",
-        "d<AfterEffectsProject><Layr><ldta/><string>L</string><btdk "
-        "bdata='2f436f6f6c54797065466f6e74202f302028feff0041005c292920'/></Layr></AfterEffectsProject>",
+        R"(a%PDF-1.4
+1 0 obj<</Pages 2 0 R>>endobj 2 0 obj<</Kids[3 0 R]/Count 1>>endobj 3 0 obj<</Type/Page/Parent 2 0 R/Annots[4 0 R]
+/Resources<</Font<</F<</BaseFont/AAAAAA+B#20C/DescendantFonts[]>>>>/XObject<</X 4 0 R>>>>>>endobj
+4 0 obj<</Subtype/Form/DA(/F 1 Tf)/Parent 4 0 R/Resources<</XObject<</X 4 0 R>>>>/Length 0>>stream
+endstream endobj trailer<</Root 1 0 R/Size 5>>)",
+        R"(b<svg><style>@font-face{font-family:A;src:url(b)}#i,text.c{font:italic 700 1px/2 'B', C}</style>
+<text id='i' class='c d' style='font-weight:bold'>x</text></svg>)",
+        R"(c<!DOCTYPE d [<!ENTITY e 'f'>]><document><font-face name='A' font-family="'B'"/>
+<style name='S' family='paragraph' parent-style-name='S'><text-properties font-name='A' font-weight='bold'/></style>
+<p style-name='S'>x&e;</p></document>)",
+        R"(d<AfterEffectsProject><Layr><ldta/><string>L</string>
+<btdk bdata='2f436f6f6c54797065466f6e74202f302028feff0041005c292920'/></Layr></AfterEffectsProject>)",
         "e<SCRIBUSUTF8NEW><STYLE NAME='S' FONT='A B'/></SCRIBUSUTF8NEW>"};
 }
 

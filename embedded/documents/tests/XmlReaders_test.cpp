@@ -110,30 +110,23 @@ TEST(AfterEffectsXmlReader, TextLayersNameTheirFontsAsInTheBinaryForm) {
 }
 
 TEST(XmlReaders, PlacedFilesAreNamedAsEveryFormatDoes) {
-    const auto placed = [](std::string_view content) {
-        return documents::ReadDocumentFonts(content, "").placed;
-    };
-    EXPECT_THAT(
-        placed("<AfterEffectsProject><fileReference fullpath=\"C:\\art\\a.ai\"/></AfterEffectsProject>"),
-        ElementsAre("C:\\art\\a.ai"));
-    EXPECT_THAT(placed("<SCRIBUSUTF8NEW><PAGEOBJECT PFILE=\"art/50%.pdf\"/></SCRIBUSUTF8NEW>"),
-                ElementsAre("art/50%.pdf"));
-    EXPECT_THAT(
-        placed(Svg(
-            R"(<image href="file:///C:/a%20b.svg"/><image href="50%.svg"/><image href="//host/a.svg"/>)")),
-        ElementsAre("50%.svg", "C:/a b.svg"));
-    EXPECT_THAT(
-        placed(R"(<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0">)"
-               R"(<draw:image xmlns:draw="d" xmlns:xlink="l" xlink:href="a%20b.svg"/></office:document>)"),
-        ElementsAre("a b.svg"));
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {R"(<AfterEffectsProject><fileReference fullpath="C:\art\a.ai"/></AfterEffectsProject>)",
+         {"C:\\art\\a.ai"}},
+        {R"(<SCRIBUSUTF8NEW><PAGEOBJECT PFILE="art/50%.pdf"/></SCRIBUSUTF8NEW>)", {"art/50%.pdf"}},
+        {Svg(R"(<image href="file:///C:/a%20b.svg"/><image href="50%.svg"/><image href="//host/a.svg"/>)"),
+         {"50%.svg", "C:/a b.svg"}},
+        {R"(<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0">
+<draw:image xmlns:draw="d" xmlns:xlink="l" xlink:href="a%20b.svg"/></office:document>)",
+         {"a b.svg"}}};
+    for (const auto& [document, placed] : cases)
+        EXPECT_EQ(documents::ReadDocumentFonts(document, "").placed, placed) << document;
 }
 
 TEST(ScribusReader, TextsAndStylesNameFonts) {
-    EXPECT_THAT(Fonts("<SCRIBUSUTF8NEW><DOCUMENT DFONT=\"Unused Regular\"><STYLE NAME=\"Body\" FONT=\"Sample "
-                      "Regular\"/>"
-                      "<CHARSTYLE CNAME=\"Loud\" FONT=\"Sample Bold\"/><PAGEOBJECT><ITEXT FONT=\"Sample "
-                      "Bold\" CH=\"a\"/>"
-                      "</PAGEOBJECT></DOCUMENT></SCRIBUSUTF8NEW>"),
+    EXPECT_THAT(Fonts(R"(<SCRIBUSUTF8NEW><DOCUMENT DFONT="Unused Regular">
+<STYLE NAME="Body" FONT="Sample Regular"/><CHARSTYLE CNAME="Loud" FONT="Sample Bold"/>
+<PAGEOBJECT><ITEXT FONT="Sample Bold" CH="a"/></PAGEOBJECT></DOCUMENT></SCRIBUSUTF8NEW>)"),
                 ElementsAre("Sample Bold |  |  | style Loud, text", "Sample Regular |  |  | style Body"));
 }
 
