@@ -102,21 +102,6 @@ TEST_F(Files, ALockKnowsWhetherItsFileIsStillTheOneAtItsPath) {
     }
 }
 
-TEST_F(Files, AnIdentityIsThatOfTheFileAndNotOfItsName) {
-    const std::string path = folder.Write("file", "");
-    platform::FileIdentity first;
-    platform::FileIdentity again;
-    ASSERT_FALSE(platform::IdentifyFile(path, first));
-    folder.Write("file", "more");
-    ASSERT_FALSE(platform::IdentifyFile(path, again));
-    EXPECT_EQ(again, first);
-    ASSERT_FALSE(platform::WriteWholeFile(path, "another"));
-    ASSERT_FALSE(platform::IdentifyFile(path, again));
-    EXPECT_NE(again, first);
-    EXPECT_TRUE(platform::IdentifyFile(folder / "absent", again).IsNotFound());
-    EXPECT_FALSE(platform::IdentifyFile(folder / ".", again));
-}
-
 TEST_F(Files, APathMayBeLong) {
     std::string name = "x";
     for (int depth = 0; depth < 12; ++depth)

@@ -52,15 +52,6 @@ protected:
     LocalStream mClient{mClientLoop};
 };
 
-TEST_F(LocalStreamTest, EitherEndKnowsWhoIsAtTheOther) {
-    for (const LocalStream* end : {&mClient, &*mServer}) {
-        PeerIdentity peer;
-        EXPECT_FALSE(end->IdentifyPeer(peer).code);
-        EXPECT_EQ(peer.process, CurrentProcessId());
-        EXPECT_TRUE(peer.isSameUser);
-    }
-}
-
 TEST_F(LocalStreamTest, WritingNeverWaitsForAnEndThatDoesNotRead) {
     constexpr int kPieces = 64;
     int taken = 0;
