@@ -15,8 +15,7 @@ namespace {
 
 /// A line that goes in, after its mark, and the lines that it is answered with.
 struct PageExchange {
-    char
-        mark;  ///< '>' for a line that is written, '$' for a command that is run; 0 for lines before the first
+    char mark;  ///< '>': a line that is written, '$': a command that is run; 0 for lines before the first
     std::string request;
     std::vector<std::string> answers;
 };

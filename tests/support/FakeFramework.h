@@ -52,18 +52,7 @@ public:
         return isStoreUsable;
     }
     bool AreDefaultsRegistered() override { return areDefaultsRegistered; }
-    bool RegisterDefaults(CFDictionaryRef defaults) override {
-        areDefaultsRegistered = true;
-        CFDictionaryApplyFunction(
-            defaults,
-            [](const void* key, const void* value, void* self) {
-                static_cast<FakeFramework*>(self)->numbers.emplace(
-                    cf::ToUtf8(static_cast<CFStringRef>(key)),
-                    cf::ToInt64(static_cast<CFTypeRef>(value)).value_or(-1));
-            },
-            this);
-        return true;
-    }
+    bool RegisterDefaults(CFDictionaryRef) override { return areDefaultsRegistered = true; }
     bool IsPreferenceStoreUsable() override { return isStoreUsable; }
     CFStringRef CopyLocalizedString(uint32_t stringID) override {
         return cf::String("string " + std::to_string(stringID)).release();

@@ -64,7 +64,7 @@ template <int kIndex, class... Arguments>
 void Perform(Symbol<kIndex>, Arguments...) {}
 
 #define ANSWER_WITH(symbol, member)                                         \
-    void Perform(Symbol<kIndexOf##symbol>, PluginFacadeRef, bool* output) { \
+    void Perform(Symbol<kIndexOf##symbol>, PluginFacadeRef, auto* output) { \
         *output = current->member;                                          \
     }
 ANSWER_WITH(GetIsLoggedIn, isLoggedIn)
@@ -73,15 +73,13 @@ ANSWER_WITH(GetIsCoreAgentProcessRunning, isAgentRunning)
 ANSWER_WITH(GetIsGoogleWebFontsEnabled, areWebFontsEnabled)
 ANSWER_WITH(GetIsReplicationRunning, isReplicationRunning)
 ANSWER_WITH(CanAccessGoogleFonts, canAccessWebFonts)
+ANSWER_WITH(GetCurrentReplicationMode, replicationMode)
 #undef ANSWER_WITH
 void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bool* outIsPermitted) {
     *outIsPermitted = current->permissions.contains(permission);
 }
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
-}
-void Perform(Symbol<kIndexOfBeginLogging>, PluginThreadInstanceRef, const char* logFileName) {
-    current->logFile = logFileName;
 }
 void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef,
              CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts,
@@ -107,22 +105,13 @@ void Perform(Symbol<kIndexOfGetAllWorkgroupsForUser>, PluginFacadeRef, CFMutable
         cf::Append(workgroups,
                    Record(kGS_WorkgroupIDKey, id, kGS_WorkgroupTypeKey, type, kGS_WorkgroupNameKey, name));
 }
-void Perform(Symbol<kIndexOfCreateTopLevelSet>, PluginFacadeRef, CFStringRef name, int32_t workgroupID,
-             int32_t* outSetID) {
-    current->sets.emplace_back(workgroupID, cf::ToUtf8(name));
-    *outSetID = static_cast<int32_t>(current->sets.size());
-}
-void Perform(Symbol<kIndexOfAddFontsToSets>, PluginFacadeRef, CFArrayRef fontIDs, CFArrayRef) {
-    for (CFIndex index = 0; index < cf::Count(fontIDs); ++index)
-        current->fontsInSets.push_back(*cf::ToInt64(CFArrayGetValueAtIndex(fontIDs, index)));
+void Perform(Symbol<kIndexOfCreateTopLevelSet>, PluginFacadeRef, CFStringRef, int32_t, int32_t* outSetID) {
+    *outSetID = 5;
 }
 void Perform(Symbol<kIndexOfExportFonts>, PluginFacadeRef, CFArrayRef fonts, CFStringRef destinationFolder,
              CFMutableArrayRef) {
     for (CFIndex index = 0; index < cf::Count(fonts); ++index)
         current->exportedTo.push_back(cf::ToUtf8(destinationFolder));
-}
-void Perform(Symbol<kIndexOfOSCreateDirectory>, const char* path) {
-    current->foldersMade.emplace_back(path);
 }
 
 CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
@@ -134,9 +123,6 @@ CFRef<CFArrayRef> Numbers(const std::vector<int32_t>& numbers) {
 
 void Perform(Symbol<kIndexOfSetGoogleWebFontsEnabled>, PluginFacadeRef, bool isEnabled) {
     current->areWebFontsEnabled = isEnabled;
-}
-void Perform(Symbol<kIndexOfGetCurrentReplicationMode>, PluginFacadeRef, int32_t* outMode) {
-    *outMode = current->replicationMode;
 }
 void Perform(Symbol<kIndexOfGetFontInfoByID>, PluginFacadeRef, uint32_t fontID, CFDictionaryRef* outNewFont) {
     *outNewFont = NewRecord(Record(kGS_DatabaseIDKey, fontID));

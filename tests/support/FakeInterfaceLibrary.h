@@ -26,28 +26,22 @@ public:
     std::vector<std::string> calls;                       ///< symbols in the order in which they were called
     std::vector<std::string> given;  ///< those that succeeded: "Symbol(7, 'text', [1,2])"
     std::string log;                 ///< what Log was given
-    std::string logFile;             ///< what BeginLogging was given
 
     // Answers of successful calls.
     bool isLoggedIn = true;
     bool isStandalone = true;
     bool isAgentRunning = true;
-    std::set<int32_t> permissions;  ///< what MotherMayI grants
-    std::vector<std::pair<uint32_t, std::string>>
-        fonts;                                     ///< what is matched by any request: ID, PostScript name
-    std::map<uint32_t, std::string> fontVersions;  ///< by database ID
+    std::set<int32_t> permissions;                        ///< what MotherMayI grants
+    std::vector<std::pair<uint32_t, std::string>> fonts;  ///< matched by any request: ID, PostScript name
+    std::map<uint32_t, std::string> fontVersions;         ///< by database ID
     std::set<uint32_t> remoteFonts;                ///< database IDs of fonts that are on the server alone
     std::map<uint32_t, std::string> fingerprints;  ///< XML by database ID
     std::vector<std::string> unmatchedFonts;       ///< PostScript names, of any request
-    int64_t replacementID =
-        0;  ///< database ID of "Replacement", which can replace any unmatched font; 0: none
+    int64_t replacementID = 0;  ///< of "Replacement", which can replace any unmatched font; 0: none
     int64_t activationStateBefore = 0;
     int64_t activationStateAfter = kFontActivationState_ActivatedByPlugin;
     std::vector<std::tuple<int32_t, int32_t, std::string>> workgroups;  ///< ID, type, name
-    std::vector<std::pair<int32_t, std::string>> sets;                  ///< those created: workgroup ID, name
-    std::vector<int64_t> fontsInSets;                                   ///< database IDs, as they were added
     std::vector<std::string> exportedTo;  ///< the folder of each font that was exported
-    std::vector<std::string> foldersMade;
 
     struct SmartList {
         int32_t id;

@@ -38,12 +38,10 @@ class FakeProcesses : public platform::Processes {
 public:
     std::vector<platform::ProcessInfo> running;
     platform::SystemError listError;
-    platform::SystemError launchError;
-    std::deque<int> launchErrors;  ///< of the first launches; those after them fail with launchError
+    std::deque<int> launchErrors;  ///< of the first launches; those after them succeed
     std::optional<int> childExitStatus;
     std::vector<std::string> launchedCommandLines;
     std::string currentName = "Illustrator2025";
-    bool isElevated = false;
 
     platform::SystemError List(const NameFilter& isWanted,
                                std::vector<platform::ProcessInfo>& processes) override {
@@ -54,7 +52,7 @@ public:
     std::unique_ptr<platform::ChildProcess> Launch(const std::string&, const std::string& commandLine,
                                                    platform::SystemError& error) override {
         launchedCommandLines.push_back(commandLine);
-        error = launchError;
+        error = {};
         if (!launchErrors.empty()) {
             error.code = launchErrors.front();
             launchErrors.pop_front();
@@ -63,7 +61,7 @@ public:
     }
     std::string CurrentName() override { return currentName; }
     std::string CurrentExecutablePath() override { return "/host/" + currentName; }
-    bool IsElevated() override { return isElevated; }
+    bool IsElevated() override { return false; }
 
 private:
     platform::ScopedOverride<platform::Processes> mOverride{*this};
@@ -106,7 +104,6 @@ public:
     std::vector<std::string> loadable;
     std::string exhausting;  ///< the library for which there is no memory
     std::map<std::string, void*> symbols;
-    std::string pathOfThisModule = "/plugins/libPluginCore.so";
 
     platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
         return Load(path, error);
@@ -120,7 +117,7 @@ public:
     }
     std::string PathOf(platform::LibraryHandle) override { return "/system/library.so"; }
     const void* ModuleAt(const void* address) override { return address; }
-    std::string PathOfModuleAt(const void*) override { return pathOfThisModule; }
+    std::string PathOfModuleAt(const void*) override { return "/plugins/libPluginCore.so"; }
     std::string LastLoadFailure() override { return "no such library"; }
 
 private:

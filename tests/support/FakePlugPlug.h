@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,10 +11,7 @@
 class FakePlugPlug : public PlugPlugService {
 public:
     struct Event {
-        std::string type;
-        int32_t scope;
-        std::string appId;
-        std::optional<std::string> extensionId;
+        std::string address;  ///< type, scope, application and extension ("none" for null)
         std::string data;
     };
 
@@ -62,10 +58,10 @@ private:
     }
     static int32_t Dispatch(PlugPlugService* self, const PlugPlugEvent* event) {
         auto* service = static_cast<FakePlugPlug*>(self);
-        std::optional<std::string> extensionId;
-        if (event->extensionId != nullptr)
-            extensionId = event->extensionId;
-        service->events.push_back({event->type, event->scope, event->appId, extensionId, event->data});
+        const char* extension = event->extensionId != nullptr ? event->extensionId : "none";
+        service->events.push_back(
+            {event->type + ("/" + std::to_string(event->scope)) + "/" + event->appId + "/" + extension,
+             event->data});
         if (service->whileDispatching)
             service->whileDispatching(event->data);
         return 0;

@@ -90,7 +90,7 @@ TEST_F(DocumentCommandsTest, WithoutFontsThereIsAnEmptyFolderAndWithoutAFolderNo
     EXPECT_EQ(framework.texts["LastCFOFolder"], "");
     framework.chosenFolder = "/output";
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts(document), 0u);
-    EXPECT_THAT(library.foldersMade, ElementsAre(kDestination));
+    EXPECT_THAT(library.given, testing::Contains("OSCreateDirectory('" + kDestination + "')"));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(204, 652)));
 }
 
@@ -99,8 +99,8 @@ TEST_F(DocumentCommandsTest, ASetOfTheDocumentsFontsIsMadeUnderAFreeName) {
     library.codes["CreateTopLevelSet"] = {CoreErrorCodes::kItemAlreadyExists,
                                           CoreErrorCodes::kItemAlreadyExists};
     EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), 0u);
-    EXPECT_THAT(library.sets, ElementsAre(std::pair(7, std::string("poster.v2 3"))));
-    EXPECT_THAT(library.fontsInSets, ElementsAre(11, 12));
+    EXPECT_THAT(library.given, testing::IsSupersetOf(
+                                   {"CreateTopLevelSet('poster.v2 3', 7)", "AddFontsToSets([11,12], [5])"}));
     EXPECT_THAT(framework.shownBoxes, ElementsAre(MessageBox(205, 658)));
     EXPECT_THAT(framework.subjects, ElementsAre("poster.v2 3"));
     library.codes["CreateTopLevelSet"].assign(99, CoreErrorCodes::kItemAlreadyExists);
@@ -117,7 +117,7 @@ TEST_F(DocumentCommandsTest, ASetNeedsOneWorkgroupAndFonts) {
     OpenDocument("/empty.ai");
     EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted);
     EXPECT_EQ(framework.shownBoxes.back(), MessageBox(206, 656));
-    EXPECT_TRUE(library.sets.empty());
+    EXPECT_EQ(library.CallsOf("CreateTopLevelSet"), 0);
 }
 
 TEST_F(DocumentCommandsTest, CheckingActivatesWhatTheDocumentUsesNow) {

@@ -122,7 +122,7 @@ TEST_F(StartupTest, WindowPanelsAndLogAreSetUp) {
     EXPECT_EQ(Start(), 0u);
     EXPECT_EQ(framework.parentWindow, &window);
     EXPECT_THAT(panel->sent, testing::ElementsAre(R"({"messageID":30,"isEnabled":true})"));
-    EXPECT_EQ(library.logFile, "Illustrator2025.log");
+    EXPECT_THAT(library.given, testing::Contains("BeginLogging('Illustrator2025.log')"));
     EXPECT_THAT(library.log, HasSubstr("login check at startup:  Logged in\n"));
     EXPECT_THAT(trace.Text(),
                 HasSubstr("versionPrefixRequired='29.', minimumVersionRequired='', "
@@ -142,7 +142,7 @@ TEST_F(StartupTest, TheOldNameOfAHostIsTranslatedAndNoOther) {
 
 TEST_F(StartupTest, APluginThatNamesNoKnownHostNamesTheLog) {
     Start("/plug-ins/Fonts.plugin");
-    EXPECT_EQ(library.logFile, "Fonts.plugin.log");
+    EXPECT_THAT(library.given, testing::Contains("BeginLogging('Fonts.plugin.log')"));
 }
 
 TEST_F(StartupTest, AmongSeveralWorkgroupsTheUserChoosesOnce) {

@@ -113,10 +113,9 @@ TEST_F(AgentLauncherTest, EachWayToFailEndsInAgentNotFound) {
     EXPECT_THAT(trace.Text(), HasSubstr("Error 2 on attempt to open launch info file at: "));
     EXPECT_THAT(processes.launchedCommandLines, IsEmpty());
     WriteInfo(local, agent);
-    processes.launchError.code = 13;
+    processes.launchErrors = {13};
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
     EXPECT_THAT(trace.Text(), HasSubstr("Error 13 on call to CreateProcess('\"" + agent + "\" ')\n"));
-    processes.launchError.code = 0;
     processes.childExitStatus = 9;
     EXPECT_EQ(AgentLauncher::FindAndLaunchPellwick(&found), GZephyrinConfig::kAgentNotFound);
     EXPECT_THAT(trace.Text(), HasSubstr("'\"" + agent + "\" ' already exited with error 9\n"));

@@ -28,11 +28,8 @@ TEST_F(HTMLPanelTest, RequestsComeInOnOneEventAndRepliesLeaveOnAnother) {
     EXPECT_THAT(service.listenedTo, ElementsAre("com.vantorix.PanelToPlugin"));
     service.Deliver(R"({"messageID":16})");
     ASSERT_EQ(service.events.size(), 1u);
-    const FakePlugPlug::Event& event = service.events[0];
-    EXPECT_EQ(event.type + "/" + std::to_string(event.scope) + "/" + event.appId,
-              "com.vantorix.PluginToPanel/1/HTML");
-    EXPECT_EQ(event.extensionId, std::nullopt);
-    EXPECT_THAT(event.data, testing::StartsWith(R"({"messageID":16,"isWindows":)"));
+    EXPECT_EQ(service.events[0].address, "com.vantorix.PluginToPanel/1/HTML/none");
+    EXPECT_THAT(service.events[0].data, testing::StartsWith(R"({"messageID":16,"isWindows":)"));
 }
 
 TEST_F(HTMLPanelTest, EventsThatAreNoMessageAreDropped) {
