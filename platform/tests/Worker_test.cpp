@@ -7,6 +7,7 @@
 #include "TemporaryFolder.h"
 #include "TestFiles.h"
 #include "platform/Files.h"
+#include "platform/System.h"
 #include "platform/Utf8Path.h"
 #include "support/WorkerTestLimits.h"
 
@@ -56,6 +57,22 @@ TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {
         EXPECT_NE(mProblem.find(each.problem), std::string::npos) << mProblem;
         EXPECT_EQ(Ask("hello"), Outcome::kDied);
     }
+}
+
+TEST_F(WorkerTest, OnLinuxOpensNoFileStartsNoProgramAndHasTheMemoryThatItMayHave) {
+#ifdef PLUGINCORE_UNCONFINED
+    GTEST_SKIP() << "sanitizers need more than a worker may have";
+#endif
+    if (!kIsLinux)
+        GTEST_SKIP() << "the system confines it in another way";
+    for (const char* request : {"read a file", "start a program"}) {
+        mWorker = Worker::Start(BuiltFile(WORKER_PROGRAM), kTestWorkerLimits, mError);
+        EXPECT_NE(Ask(request), Outcome::kAnswered) << request;
+        EXPECT_EQ(mProblem, "tried to do what it must not") << request;
+    }
+    mWorker = Worker::Start(BuiltFile(WORKER_PROGRAM), kTestWorkerLimits, mError);
+    EXPECT_EQ(Ask("fill the memory"), Outcome::kAnswered) << mProblem;
+    EXPECT_EQ(mAnswer, "no memory");
 }
 
 TEST_F(WorkerTest, ACancellationEndsAnExchange) {

@@ -3,7 +3,6 @@
 
 #include "HostWorld.h"
 #include "PluginCoreInterface.h"
-#include "TestFiles.h"
 #include "platform/System.h"
 
 using testing::HasSubstr;

@@ -1,7 +1,6 @@
 // The road of a document: opened, its fonts seen by every program; closed, gone.
 
 #include "HostWorld.h"
-#include "TestFiles.h"
 
 using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 

@@ -2,7 +2,6 @@
 #include <filesystem>
 
 #include "HostWorld.h"
-#include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"

@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "HostWorld.h"
-#include "TestFiles.h"
 #include "activation/FontVault.h"
 #include "ipc/AgentConnection.h"
 

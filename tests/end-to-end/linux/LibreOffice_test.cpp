@@ -8,7 +8,6 @@
 
 #include "FontTables.h"
 #include "HostWorld.h"
-#include "TestFiles.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include "HostWorld.h"
-#include "TestFiles.h"
 
 using testing::HasSubstr;
 

@@ -1,6 +1,5 @@
 // Programs that people work in, each where it is installed: what they show of a document's font before, with and after.
 #include "HostWorld.h"
-#include "TestFiles.h"
 #include "TestFonts.h"
 #include "platform/Files.h"
 
