@@ -12,6 +12,22 @@
 /// Kinds of message box.
 enum class MessageBoxButtons : int32_t { kOk = 0, kYesNo = 2 };
 
+/// Members of the state that ShowCommandBox takes.
+namespace command_box {
+inline constexpr char kIsLocalPersonal[] = "IsLocalPersonal";  ///< boolean: there is no server
+inline constexpr char kButtonsEnabled[] = "ButtonsEnabled";    ///< boolean: document commands are offered
+inline constexpr char kIsOnline[] = "IsOnline";                ///< boolean
+inline constexpr char kWorkgroups[] = "Workgroups";            ///< array of workgroup records
+inline constexpr char kCurrentWorkgroupID[] = "CurrentWorkgroupID";  ///< number; missing where there is none
+}  // namespace command_box
+
+/// Members of the identification that the factory takes: texts, each of which may be missing.
+namespace plugin_identity {
+inline constexpr char kHostApp[] = "HostApp";
+inline constexpr char kPluginVersion[] = "PluginVersion";
+inline constexpr char kVantorixPluginInterfaceVersion[] = "VantorixPluginInterfaceVersion";
+}  // namespace plugin_identity
+
 class VantorixPluginFramework {
 public:
     static constexpr uint32_t kInterfaceVersion = 2;
@@ -60,10 +76,8 @@ public:
     /// `workgroups`: array of workgroup records. `*workgroupID` goes in as the current one and comes out as
     /// chosen.
     virtual bool ShowSelectWorkgroup(CFArrayRef workgroups, int32_t* workgroupID) = 0;
-    /// `state`: "IsLocalPersonal", "ButtonsEnabled", "IsOnline" (booleans), "Workgroups" (array of workgroup
-    /// records), "CurrentWorkgroupID" (number). `*command` comes out as the label of the menu item chosen
-    /// (MenuItems.h): a document command with "ButtonsEnabled" alone, or the place of a workgroup in the array
-    /// above kFirstWorkgroup.
+    /// `state`: members of command_box. `*command` comes out as the label of the menu item chosen (MenuItems.h): a
+    /// document command where buttons are enabled, or the place of a workgroup in the array above kFirstWorkgroup.
     virtual bool ShowCommandBox(CFDictionaryRef state, int32_t* command) = 0;
     /// `fonts`: font records, those that can be replaced with their candidates under
     /// kGS_PossibleReplacementsKey. Appended to `resolvedFonts`: the record of each font that got a
@@ -81,9 +95,8 @@ protected:
     ~VantorixPluginFramework() = default;
 };
 
-/// Name and type of the factory. `identification` holds "HostApp", "PluginVersion" and
-/// "VantorixPluginInterfaceVersion" (each may be missing). The result is null when `interfaceVersion` is not
-/// the library's own, or when there is no memory.
+/// Name and type of the factory. `identification`: members of plugin_identity. The result is null when
+/// `interfaceVersion` is not the library's own, or when there is no memory.
 inline constexpr char kCreateVantorixPluginFramework[] = "CreateVantorixPluginFramework";
 using CreateVantorixPluginFrameworkFunction = VantorixPluginFramework* (*)(uint32_t interfaceVersion,
                                                                            const char* pluginBundleIdentifier,

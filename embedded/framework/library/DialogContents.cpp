@@ -7,6 +7,7 @@
 #include "FontRecordKeys.h"
 #include "MenuItems.h"
 #include "StringConversion.h"
+#include "VantorixPluginFramework.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 #include "presenters/DialogJson.h"
@@ -44,15 +45,15 @@ SelectWorkgroupDialog MakeSelectWorkgroupDialog(CFArrayRef workgroups, int32_t c
 
 CommandBoxDialog MakeCommandBoxDialog(CFDictionaryRef state, std::string_view language) {
     CommandBoxDialog dialog;
-    dialog.isLocalPersonal = cf::GetBool(state, "IsLocalPersonal").value_or(false);
-    dialog.areButtonsEnabled = cf::GetBool(state, "ButtonsEnabled").value_or(false);
-    dialog.isOnline = cf::GetBool(state, "IsOnline").value_or(false);
-    dialog.currentWorkgroupID = cf::GetInt64(state, "CurrentWorkgroupID");
+    dialog.isLocalPersonal = cf::GetBool(state, command_box::kIsLocalPersonal).value_or(false);
+    dialog.areButtonsEnabled = cf::GetBool(state, command_box::kButtonsEnabled).value_or(false);
+    dialog.isOnline = cf::GetBool(state, command_box::kIsOnline).value_or(false);
+    dialog.currentWorkgroupID = cf::GetInt64(state, command_box::kCurrentWorkgroupID);
     for (const MenuItem& item : kMenuItems) {
         if (IsOffered(item, dialog))
             dialog.commands.push_back({static_cast<int32_t>(item.label), LocalizedText(language, item.text)});
     }
-    AddWorkgroups(dialog, cf::GetArray(state, "Workgroups"));
+    AddWorkgroups(dialog, cf::GetArray(state, command_box::kWorkgroups));
     return dialog;
 }
 

@@ -60,8 +60,8 @@ VantorixPluginFramework* TarnwickFramework::Create(const char* bundleIdentifier,
                                                    CFDictionaryRef identification) noexcept {
     return Guarded<VantorixPluginFramework*>(__func__, nullptr, [=]() {
         const Identity identity{bundleIdentifier != nullptr ? bundleIdentifier : "",
-                                cf::GetString(identification, "HostApp"),
-                                cf::GetString(identification, "PluginVersion")};
+                                cf::GetString(identification, plugin_identity::kHostApp),
+                                cf::GetString(identification, plugin_identity::kPluginVersion)};
         const std::string language = platform::UserLanguage();
         return std::make_unique<TarnwickFramework>(identity, PreferencesFolder(), language,
                                                    ChoosePresenter(language))

@@ -6,6 +6,7 @@
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "MenuCommands.h"
+#include "VantorixPluginFramework.h"
 
 namespace {
 
@@ -17,12 +18,12 @@ CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document,
     CoreAgentInterface* agent = fontManager.GetFontManager();
     CFRef<CFMutableDictionaryRef> state = cf::MutableDictionary();
     const bool isStandalone = agent != nullptr && agent->IsRunningStandalone();
-    cf::Set(state, "IsLocalPersonal", isStandalone);
-    cf::Set(state, "Workgroups", WorkgroupRecords(workgroups));
+    cf::Set(state, command_box::kIsLocalPersonal, isStandalone);
+    cf::Set(state, command_box::kWorkgroups, WorkgroupRecords(workgroups));
     if (const auto current = fontManager.GetDefaultWorkgroupID())
-        cf::Set(state, "CurrentWorkgroupID", *current);
-    cf::Set(state, "ButtonsEnabled", MenuCommands::AreAllowed(document));
-    cf::Set(state, "IsOnline", MarquellGlobals::IsConnectedToCore() && !isStandalone);
+        cf::Set(state, command_box::kCurrentWorkgroupID, *current);
+    cf::Set(state, command_box::kButtonsEnabled, MenuCommands::AreAllowed(document));
+    cf::Set(state, command_box::kIsOnline, MarquellGlobals::IsConnectedToCore() && !isStandalone);
     return state;
 }
 

@@ -60,11 +60,12 @@ void VPFInterface::Identify(const Identity& identity) {
                OrNull(identity.pluginBundleIdentifier), OrNull(identity.pluginInterfaceVersion));
     mIdentification = cf::MutableDictionary();
     if (identity.hostApp)
-        cf::Set(mIdentification, "HostApp", *identity.hostApp);
+        cf::Set(mIdentification, plugin_identity::kHostApp, *identity.hostApp);
     if (identity.pluginVersion)
-        cf::Set(mIdentification, "PluginVersion", *identity.pluginVersion);
+        cf::Set(mIdentification, plugin_identity::kPluginVersion, *identity.pluginVersion);
     if (identity.pluginInterfaceVersion)
-        cf::Set(mIdentification, "VantorixPluginInterfaceVersion", *identity.pluginInterfaceVersion);
+        cf::Set(mIdentification, plugin_identity::kVantorixPluginInterfaceVersion,
+                *identity.pluginInterfaceVersion);
 }
 
 VPFInterface::FrameworkState VPFInterface::BindFramework(const Identity& identity) {

@@ -99,6 +99,6 @@ private:
     FrameworkState mState = kNotMade;
     std::string mFrameworkPath;
     VantorixPluginFramework* mFramework = nullptr;  ///< released in the destructor
-    /// "HostApp", "PluginVersion", "VantorixPluginInterfaceVersion", as far as they are known.
+    /// Members of plugin_identity, as far as they are known.
     CFRef<CFMutableDictionaryRef> mIdentification;
 };
