@@ -2,8 +2,8 @@
 // or one line, and arrives as it was sent. The first byte chooses the file name's extension, which counts where the
 // content shows no format.
 #include "DocumentLimits.h"
+#include "Formats.h"
 #include "Fuzz.h"
-#include "Readers.h"
 
 using namespace documents;
 

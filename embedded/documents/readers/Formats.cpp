@@ -87,6 +87,10 @@ const Format* FindFormat(std::string_view content, std::string_view extension) {
     return format != nullptr ? format : FormatOfExtension(extension);
 }
 
+void PrepareReaders() {
+    xmlInitParser();
+}
+
 DocumentFonts ReadDocumentFonts(std::string_view content, std::string_view extension) {
     const Format* format = FindFormat(content, extension);
     if (format == nullptr)

@@ -1,7 +1,6 @@
 #include "OpenDocumentListener.h"
 
 #include "FileUri.h"
-#include "Readers.h"
 
 namespace documents {
 namespace {
@@ -85,12 +84,6 @@ void OpenDocumentListener::NotePlaced(const XmlElement& element) {
     else if (mForm == Form::kPackage && !link.starts_with("file:"))
         return;
     mFonts.AddPlaced(PathOfUri(link));
-}
-
-void ReadFlatOpenDocument(std::string_view content, FontList& fonts) {
-    OpenDocumentListener listener(OpenDocumentListener::Form::kFlat, fonts);
-    ReadXml(content, listener);
-    listener.Finish();
 }
 
 }  // namespace documents

@@ -5,16 +5,9 @@
 
 #include <string_view>
 
-#include "DocumentFonts.h"
 #include "FontList.h"
 
 namespace documents {
-
-/// Has the libraries do once what they need files for; comes before all in a process that is to be confined.
-void PrepareReaders();
-
-/// By the format that the content shows, or else by the file name's extension, without its dot.
-DocumentFonts ReadDocumentFonts(std::string_view content, std::string_view extension);
 
 /// PDF, and what is PDF as well, such as Illustrator documents: the fonts in the resources of pages, of the
 /// forms and patterns on them, and of annotations' looks.

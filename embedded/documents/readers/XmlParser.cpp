@@ -5,7 +5,6 @@
 
 #include "DocumentLimits.h"
 #include "ReadProblem.h"
-#include "Readers.h"
 
 namespace documents {
 namespace {
@@ -142,10 +141,6 @@ void XmlParser::Finish() {
     Feed({}, true);
     if (mParser->wellFormed == 0)
         throw ReadProblem("is damaged: invalid XML");
-}
-
-void PrepareReaders() {
-    xmlInitParser();
 }
 
 void ReadXml(std::string_view document, XmlListener& listener) {

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "Readers.h"
+#include "Formats.h"
 
 namespace documents::test {
 

@@ -1,7 +1,7 @@
 // The process that reads documents for the host program. It reads untrusted files, so it has access to
 // nothing, and the program starts another one when it ends.
 #include "DocumentLimits.h"
-#include "Readers.h"
+#include "Formats.h"
 #include "platform/Worker.h"
 
 namespace {

@@ -1,11 +1,11 @@
-#include "FolderWindow.h"
+#include "dialogs/FolderWindow.h"
 
 #include <gtk/gtk.h>
 
 #include <memory>
 
 #include "DialogMessages.h"
-#include "GtkDialog.h"
+#include "dialogs/GtkDialog.h"
 
 namespace {
 

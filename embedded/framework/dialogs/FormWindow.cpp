@@ -1,4 +1,4 @@
-#include "FormWindow.h"
+#include "dialogs/FormWindow.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DialogMessages.h"
-#include "GtkDialog.h"
+#include "dialogs/GtkDialog.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "GtkDialog.h"
+#include "dialogs/GtkDialog.h"
 
 #include <cctype>
 
-#include "GtkHostWindow.h"
 #include "PrintableText.h"
+#include "dialogs/GtkHostWindow.h"
 
 namespace {
 

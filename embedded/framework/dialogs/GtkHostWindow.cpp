@@ -1,4 +1,4 @@
-#include "GtkHostWindow.h"
+#include "dialogs/GtkHostWindow.h"
 
 #include <gdk/gdkx.h>
 

@@ -1,4 +1,4 @@
-#include "HostLine.h"
+#include "dialogs/HostLine.h"
 
 #include <gtk/gtk.h>
 

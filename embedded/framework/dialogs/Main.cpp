@@ -10,10 +10,10 @@
 #include <string>
 
 #include "DialogMessages.h"
-#include "FolderWindow.h"
-#include "FormWindow.h"
-#include "HostLine.h"
-#include "ProgressWindow.h"
+#include "dialogs/FolderWindow.h"
+#include "dialogs/FormWindow.h"
+#include "dialogs/HostLine.h"
+#include "dialogs/ProgressWindow.h"
 #include "platform/Environment.h"
 
 namespace {

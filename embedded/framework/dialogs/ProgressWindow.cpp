@@ -1,9 +1,9 @@
-#include "ProgressWindow.h"
+#include "dialogs/ProgressWindow.h"
 
 #include <algorithm>
 #include <string>
 
-#include "GtkDialog.h"
+#include "dialogs/GtkDialog.h"
 
 namespace {
 constexpr int kBarWidth = 360;  // pixels

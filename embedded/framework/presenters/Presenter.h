@@ -18,10 +18,13 @@ struct MessageBoxQuestion {
     std::string text;
 };
 
-/// 1 or 2.
-int32_t ButtonCount(const MessageBoxQuestion& question);
+inline int32_t ButtonCount(const MessageBoxQuestion& question) {
+    return question.buttons == MessageBoxButtons::kYesNo ? 2 : 1;
+}
 /// The answer when there is nobody to ask: 1 for one button, 2 (no) for two.
-int32_t DefaultAnswer(const MessageBoxQuestion& question);
+inline int32_t DefaultAnswer(const MessageBoxQuestion& question) {
+    return ButtonCount(question);
+}
 
 /// How far a long work has come: the first step has `done` 0, the last one `done` equal to `total`, which is
 /// above 0.

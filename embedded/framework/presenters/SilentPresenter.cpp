@@ -3,14 +3,6 @@
 #include "TraceLog.h"
 #include "presenters/DialogJson.h"
 
-int32_t ButtonCount(const MessageBoxQuestion& question) {
-    return question.buttons == MessageBoxButtons::kYesNo ? 2 : 1;
-}
-
-int32_t DefaultAnswer(const MessageBoxQuestion& question) {
-    return ButtonCount(question);
-}
-
 int32_t SilentPresenter::AskMessageBox(const MessageBoxQuestion& question) {
     const int32_t answer = DefaultAnswer(question);
     LogMessage(0, "Nobody to show message %u/%u to (\"%s: %s\"); answered with button %d", question.titleID,

@@ -4,8 +4,6 @@
 #include <stdexcept>
 
 #include "CapturedTrace.h"
-#include "DialogTestSupport.h"
-#include "FakeNativeDialogs.h"
 #include "TemporaryFolder.h"
 #include "library/TarnwickFramework.h"
 #include "platform/Folders.h"
@@ -13,6 +11,8 @@
 #include "presenters/NativePresenter.h"
 #include "presenters/ScriptedPresenter.h"
 #include "presenters/TerminalPresenter.h"
+#include "tests/DialogTestSupport.h"
+#include "tests/FakeNativeDialogs.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "LoadedFramework.h"
 #include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "TestFiles.h"
 #include "platform/Utf8Path.h"
+#include "tests/LoadedFramework.h"
 
 namespace {
 

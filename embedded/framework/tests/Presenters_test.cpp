@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "CapturedTrace.h"
-#include "FakeNativeDialogs.h"
 #include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "presenters/NativePresenter.h"
@@ -10,6 +9,7 @@
 #include "presenters/ScriptedPresenter.h"
 #include "presenters/SilentPresenter.h"
 #include "presenters/TerminalPresenter.h"
+#include "tests/FakeNativeDialogs.h"
 
 namespace {
 

@@ -11,10 +11,6 @@ class GeneralInterface;
 
 namespace CommonFunctionality {
 
-/// The common start-up, whose work is done on the first call alone. The codes are those of
-/// InitializePluginCoreInterface.
-ErrorCode Startup(bool allowDialogs);
-
 /// Has the fonts of a document activated without a word to the user. `numFontsActivated` counts those that
 /// were made active. What the font manager reports is kept in the record.
 ErrorCode ActivateDocumentFontsSilently(int& numFontsActivated, const std::string& filePath,

@@ -181,6 +181,29 @@ ErrorCode Reenable(CoreAgentInterface& agent, bool allowDialogs, bool& isEnabled
     return CoreErrorCodes::kUnknownError;
 }
 
+/// Its work is done on the first call alone.
+ErrorCode CommonStartup(bool allowDialogs) {
+    static GMutex startupLock;
+    int earlierCalls = 0;
+    const TraceScope trace(
+        [&] {
+            if (earlierCalls > 0)
+                LogMessage(-1, "Early return from %s() because it has been called %d times", kName,
+                           earlierCalls);
+            else
+                LogMessage(-1, "Exiting %s()", kName);
+        },
+        "Entering %s(allowDialogs=%d)", kName, allowDialogs);
+    const GScopedLock lock(startupLock);
+    const int callCount = MarquellGlobals::CountStartup();
+    // A lock that this thread holds already: the host called back from behind a start-up dialog.
+    if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
+        earlierCalls = callCount;
+        return PLUGINCORE_NOT_STARTED;
+    }
+    return DoStartup(allowDialogs);
+}
+
 /// The version of the font manager's interface library, which is loaded for it.
 std::string LoadedInterfaceVersion() {
     return cf::ToUtf8(AdoptCF(VPILoader::GetSharedInstance()->VersionStringRef()).get());
@@ -207,7 +230,7 @@ ErrorCode InitializeFromIdentifier(const char* pluginIdentifier, const char* ver
         return CoreErrorCodes::kInvalidParam;
     MarquellGlobals::SetUpPluginIdentity(identifier, prefix, LoadedInterfaceVersion);
     Settings::RegisterDefaults();
-    return CommonFunctionality::Startup(allowDialogs);
+    return CommonStartup(allowDialogs);
 }
 
 ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
@@ -229,26 +252,4 @@ ErrorCode CheckPluginIsEnabled(bool allowDialogs, bool& isEnabled) {
     if (allowDialogs && wasLoggedIn)
         CommonFunctionality::ShowNotLoggedInMessage();
     return CoreErrorCodes::kUnknownError;
-}
-
-ErrorCode CommonFunctionality::Startup(bool allowDialogs) {
-    static GMutex startupLock;
-    int earlierCalls = 0;
-    const TraceScope trace(
-        [&] {
-            if (earlierCalls > 0)
-                LogMessage(-1, "Early return from %s() because it has been called %d times", kName,
-                           earlierCalls);
-            else
-                LogMessage(-1, "Exiting %s()", kName);
-        },
-        "Entering %s(allowDialogs=%d)", kName, allowDialogs);
-    const GScopedLock lock(startupLock);
-    const int callCount = MarquellGlobals::CountStartup();
-    // A lock that this thread holds already: the host called back from behind a start-up dialog.
-    if (callCount >= 2 || lock.Status() != CoreErrorCodes::kSuccess) {
-        earlierCalls = callCount;
-        return PLUGINCORE_NOT_STARTED;
-    }
-    return DoStartup(allowDialogs);
 }
