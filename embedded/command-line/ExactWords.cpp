@@ -5,7 +5,7 @@
 
 #include "PrintableText.h"
 
-namespace exact_words {
+namespace command_line {
 namespace {
 
 /// In front of a word in disguise. Nothing that the parser knows begins with it.
@@ -118,4 +118,4 @@ std::string FailureText(const CLI::Error& error) {
     return PrintableText(text);
 }
 
-}  // namespace exact_words
+}  // namespace command_line

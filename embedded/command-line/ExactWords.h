@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace exact_words {
+namespace command_line {
 
 /// An option, or a positional argument, that takes one text, exactly. `text` outlives the parsing.
 CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& text,
@@ -32,4 +32,4 @@ size_t Parse(CLI::App& app, int count, const char* const* words);
 /// What is wrong with the words, in one line for people.
 std::string FailureText(const CLI::Error& error);
 
-}  // namespace exact_words
+}  // namespace command_line

@@ -3,6 +3,8 @@
 #include "platform/Folders.h"
 #include "platform/PrivateFolder.h"
 
+namespace command_line {
+
 std::string RefusalOfForeignHome() {
     using platform::KnownFolder;
     auto& folders = platform::Current<platform::Folders>();
@@ -17,3 +19,5 @@ std::string RefusalOfForeignHome() {
     }
     return {};
 }
+
+}  // namespace command_line

@@ -13,10 +13,10 @@ constexpr char kExitStatusHelp[] =
     "Set PLUGINCORE_DEBUG_OUTPUT to a file name (or - for standard error) to read what the core does.";
 
 /// The texts behind options and commands, exactly as they were typed.
-using exact_words::AddOptionalText;
-using exact_words::AddRepeatedText;
-using exact_words::AddText;
-using exact_words::AddTexts;
+using command_line::AddOptionalText;
+using command_line::AddRepeatedText;
+using command_line::AddText;
+using command_line::AddTexts;
 
 constexpr char kRawHelp[] = "Know no formats: search the files' bytes for font names, as the core does";
 
@@ -60,7 +60,7 @@ void AddTime(CLI::App& command, OpenTime& time, const std::string& what) {
 
 void DescribeProgram(CLI::App& program, CommandLine& line) {
     program.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return "plugincore-host: " + exact_words::FailureText(error) + "; see \"plugincore-host --help\"\n";
+        return "plugincore-host: " + command_line::FailureText(error) + "; see \"plugincore-host --help\"\n";
     });
     program.footer(kExitStatusHelp);
     program.require_subcommand(1);

@@ -35,7 +35,7 @@ HostSession::~HostSession() {
 
 int HostSession::Start(const HostOptions& options, Needs needs) {
     std::string error;
-    if (const std::string refusal = RefusalOfForeignHome(); !refusal.empty()) {
+    if (const std::string refusal = command_line::RefusalOfForeignHome(); !refusal.empty()) {
         PrintError(refusal);
         return exit_status::kFailed;
     }

@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     CommandLine line;
     const auto program = DescribeCommandLine(line);
     try {
-        const size_t wordsBehindDashes = exact_words::Parse(*program, arguments.Count(), arguments.Words());
+        const size_t wordsBehindDashes = command_line::Parse(*program, arguments.Count(), arguments.Words());
         line.open.json = line.json;
         if (program->got_subcommand("open"))
             TakeProgram(line.open, wordsBehindDashes);

@@ -173,8 +173,8 @@ void DescribeAddCommand(CLI::App& app, Arguments& arguments, Action& chosen) {
     auto* add = AddCommand(
         app, chosen, "add", "Add font files, or folders of them",
         [&](AgentSession& session) { return AddFonts(session, arguments.words, arguments.workgroup); });
-    exact_words::AddTexts(*add, "PATH", arguments.words, "Files and folders")->required();
-    exact_words::AddText(*add, "--workgroup", arguments.workgroup, "Where to put the fonts");
+    command_line::AddTexts(*add, "PATH", arguments.words, "Files and folders")->required();
+    command_line::AddText(*add, "--workgroup", arguments.workgroup, "Where to put the fonts");
 }
 
 }  // namespace pellwick::cli

@@ -170,7 +170,7 @@ void DescribeDoctorCommand(CLI::App& app, Arguments& arguments, Action& chosen) 
                                   return arguments.words.empty() ? ExamineAll(session)
                                                                  : ExamineNamed(session, arguments.words);
                               });
-    exact_words::AddTexts(*doctor, "FONT", arguments.words, std::string(kFontNameHelp) + ", or a document");
+    command_line::AddTexts(*doctor, "FONT", arguments.words, std::string(kFontNameHelp) + ", or a document");
 }
 
 }  // namespace pellwick::cli

@@ -23,11 +23,11 @@ int Run(int count, char** words) {
     Action chosen;
     const auto app = DescribeCommandLine(arguments, chosen);
     try {
-        exact_words::Parse(*app, count, words);
+        command_line::Parse(*app, count, words);
     } catch (const CLI::ParseError& error) {
         return app->exit(error) == 0 ? kExit_Done : kExit_Usage;
     }
-    if (const std::string refusal = RefusalOfForeignHome(); !refusal.empty())
+    if (const std::string refusal = command_line::RefusalOfForeignHome(); !refusal.empty())
         throw Failure(kExit_CouldNot, refusal);
     AgentSession session(arguments.options);
     return AfterOutput(chosen(session));

@@ -22,7 +22,7 @@ void DescribeProgram(CLI::App& app, Arguments& arguments) {
     // A path that begins with "/" is not an option; subcommands take this over.
     app.allow_windows_style_options(false);
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return "Pellwick: " + exact_words::FailureText(error) + "; see \"Pellwick --help\"\n";
+        return "Pellwick: " + command_line::FailureText(error) + "; see \"Pellwick --help\"\n";
     });
 }
 

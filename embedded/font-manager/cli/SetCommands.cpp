@@ -10,8 +10,8 @@
 
 namespace pellwick::cli {
 
-using exact_words::AddText;
-using exact_words::AddTexts;
+using command_line::AddText;
+using command_line::AddTexts;
 
 namespace {
 

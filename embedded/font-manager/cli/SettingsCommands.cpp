@@ -17,7 +17,7 @@
 
 namespace pellwick::cli {
 
-using exact_words::AddText;
+using command_line::AddText;
 
 namespace {
 

@@ -9,8 +9,8 @@
 
 namespace pellwick::cli {
 
-using exact_words::AddRepeatedText;
-using exact_words::AddText;
+using command_line::AddRepeatedText;
+using command_line::AddText;
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 namespace pellwick::cli {
 
-using exact_words::AddText;
+using command_line::AddText;
 
 namespace {
 

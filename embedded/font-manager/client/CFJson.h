@@ -1,7 +1,7 @@
 // CoreFoundation objects to JSON values and back.
 #pragma once
 
-#include "CoreFoundation++/CFRef.h"
+#include <CoreFoundation++/CFRef.h>
 #include "ipc/Message.h"
 
 namespace pellwick {
