@@ -14,10 +14,4 @@ void ReadOpenDocument(std::string_view content, FontList& fonts) {
     listener.Finish();
 }
 
-void ReadFlatOpenDocument(std::string_view content, FontList& fonts) {
-    OpenDocumentListener listener(OpenDocumentListener::Form::kFlat, fonts);
-    ReadXml(content, listener);
-    listener.Finish();
-}
-
 }  // namespace documents
