@@ -268,7 +268,6 @@ public:
     }
 
     bool Receive(std::string& request, std::string_view& file) override {
-        Unmap();
         SetTimer({});
         RequestHeader header{};
         int descriptor = -1;
@@ -285,6 +284,7 @@ public:
     }
 
     bool Answer(std::string_view answer) override {
+        Unmap();
         const auto size = static_cast<uint32_t>(answer.size());
         const std::string_view header(reinterpret_cast<const char*>(&size), sizeof size);
         return SendAll(kLine, header, -1) && SendAll(kLine, answer, -1);

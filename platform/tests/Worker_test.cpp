@@ -43,6 +43,16 @@ TEST_F(WorkerTest, AnswersOneRequestAfterTheOther) {
     EXPECT_EQ(Ask(std::string(60000, 'x')), Outcome::kAnswered) << mProblem;
 }
 
+TEST_F(WorkerTest, HasLetGoOfTheFileWhenItAnswers) {
+    for (size_t size = 1; size < 50; ++size) {
+        const std::string content(size, 'x');
+        ReadOnlyFile file;
+        ASSERT_FALSE(file.Open(mFolder.Write("font", content)));
+        ASSERT_EQ(mWorker->Exchange("", file, mAnswer, mProblem), Outcome::kAnswered) << mProblem;
+        ASSERT_EQ(mAnswer, content) << "Windows does not let a file be cut off that somebody has mapped";
+    }
+}
+
 TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {
     const struct {
         const char *request, *problem;

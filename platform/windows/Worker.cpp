@@ -267,7 +267,6 @@ public:
         return true;
     }
     bool Receive(std::string& request, std::string_view& file) override {
-        Unmap();
         RequestHeader header{};
         if (!ReadAll(mLine.Get(), &header, sizeof header) || header.size > kMaxRequest)
             return false;
@@ -279,6 +278,7 @@ public:
         return true;
     }
     bool Answer(std::string_view answer) override {
+        Unmap();
         const auto size = static_cast<uint32_t>(answer.size());
         const std::string_view header(reinterpret_cast<const char*>(&size), sizeof size);
         return WriteAll(mLine.Get(), header) && WriteAll(mLine.Get(), answer);

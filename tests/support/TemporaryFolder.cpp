@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <stdexcept>
 
 #include "platform/Utf8Path.h"
 
@@ -42,7 +43,9 @@ std::string TemporaryFolder::Write(std::string_view name, std::string_view conte
 
 void WriteText(const std::string& path, std::string_view content) {
     std::filesystem::create_directories(platform::Utf8Path(path).parent_path());
-    std::ofstream(platform::Utf8Path(path), std::ios::binary) << content;
+    std::ofstream file(platform::Utf8Path(path), std::ios::binary);
+    if (!(file << content).flush())
+        throw std::runtime_error("cannot write " + path);
 }
 
 std::string ContentOf(const std::string& path) {

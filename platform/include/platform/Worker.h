@@ -67,9 +67,9 @@ public:
     /// as loading a conversion of the iconv library. False when that cannot be had.
     virtual bool Confine(const WorkerLimits& limits) = 0;
     /// Waits for the next request; false when there will be none. `file`: the content of the file handed over,
-    /// if any, valid until the next call.
+    /// if any, valid until it is answered: whoever waits for the answer may then replace the file.
     virtual bool Receive(std::string& request, std::string_view& file) = 0;
-    /// False when nobody takes it any more.
+    /// Comes after each request. False when nobody takes it any more.
     virtual bool Answer(std::string_view answer) = 0;
 };
 
