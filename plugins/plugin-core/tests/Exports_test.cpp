@@ -1,31 +1,20 @@
 // The exports themselves: what they make of pointers and texts that no host should pass.
 
-#include <csetjmp>
-
 #include "FakePlugPlug.h"
 #include "FakeWorld.h"
+#include "LeaveCall.h"
 #include "PluginCoreInterface.h"
 
 using testing::HasSubstr;
 
 namespace {
 
-std::jmp_buf landing;
-
-void JumpOut() {
-    std::longjmp(landing, 1);
-}
-
-/// Makes a call whose callback does not return to it.
-template <class Call>
-void LeaveByAJump(const Call& call) {
-    if (setjmp(landing) == 0) {
-        call();
-        ADD_FAILURE() << "the callback was not called";
-    }
-}
-
 uint32_t RefuseItem(const char*, const char*, void*) {
+    return 0;
+}
+
+uint32_t CountItem(const char*, const char*, void* count) {
+    ++*static_cast<int*>(count);
     return 0;
 }
 
@@ -193,23 +182,22 @@ TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
     EXPECT_THAT(panel->sent, testing::ElementsAre("close"));
 }
 
-class JumpingHostTest : public ExportsTest {
+class LeavingHostTest : public ExportsTest {
 protected:
     /// In a process of its own, whose panels cannot be taken back.
     void Play() {
         FakeClock time;
         MakeFunctional();
         FakePlugPlug service;
-        service.whileAdding = JumpOut;
-        LeaveByAJump([&] { RegisterPlugPlug(&service); });
+        service.whileAdding = LeaveCall;
+        EXPECT_TRUE(IsLeft([&] { RegisterPlugPlug(&service); }));
         service.whileAdding = nullptr;
         EXPECT_EQ(RegisterPlugPlug(&service), 0u);
-        const auto jumpOut = [](const std::string&) { JumpOut(); };
         const std::string question = R"({"messageID":66})";
-        service.whileDispatching = jumpOut;
-        LeaveByAJump([&] { service.Deliver(question); });
+        service.whileDispatching = [](const std::string&) { LeaveCall(); };
+        EXPECT_TRUE(IsLeft([&] { service.Deliver(question); }));
         PanelManager::GetSharedInstance().PushDataChangedNotification();
-        LeaveByAJump([] { ProcessPanelMessages(false); });
+        EXPECT_TRUE(IsLeft([] { ProcessPanelMessages(false); }));
         service.whileDispatching = nullptr;
         service.events.clear();
         service.Deliver(question);
@@ -217,10 +205,16 @@ protected:
         EXPECT_EQ(ProcessPanelMessages(false), 0u);
         EXPECT_THAT(service.TakeMessages(), testing::ElementsAre(R"({"messageID":56})")) << "it was not sent";
         MarquellGlobals::SetPluginServicesEnabled(false);
-        SetRebuildWorkgroupsMenuCallback(JumpOut);
+        SetRebuildWorkgroupsMenuCallback(LeaveCall);
         bool isEnabled = false;
-        LeaveByAJump([&] { PluginIsEnabled(false, &isEnabled); });
+        EXPECT_TRUE(IsLeft([&] { PluginIsEnabled(false, &isEnabled); }));
         SetRebuildWorkgroupsMenuCallback(nullptr);
+        const char* menus = R"({"menu":[{"id":"1","label":"A"},{"id":"2","label":"B"}]})";
+        const auto leave = [](const char*, const char*, void*) -> uint32_t { LeaveCall(); };
+        EXPECT_TRUE(IsLeft([&] { CreateMenusFromJSONBuffer(menus, leave, nullptr); }));
+        int items = 0;
+        EXPECT_EQ(CreateMenusFromJSONBuffer(menus, CountItem, &items), 0u);
+        EXPECT_EQ(items, 2);
         time.ticks += 60000;
         trace.Clear();
         EXPECT_EQ(HandleOpenExistingDocument("/d.ai", R"([{"PostScriptName":"A"}])", text, &size, other,
@@ -232,7 +226,7 @@ protected:
     }
 };
 
-TEST_F(JumpingHostTest, IsServedTheNextTime) {
+TEST_F(LeavingHostTest, IsServedTheNextTime) {
 #ifdef PLUGINCORE_SANITIZED
     GTEST_SKIP() << "what such a host leaves behind is a leak, and nobody else's";
 #endif
