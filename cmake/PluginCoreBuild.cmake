@@ -46,7 +46,8 @@ if(WIN32)
   target_compile_definitions(plugincore-build-options INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   # The compiler's runtime is part of each binary: nothing but the system's own libraries need be there.
-  target_link_options(plugincore-build-options INTERFACE -static)
+  # Crash reports name the very build by its identifier.
+  target_link_options(plugincore-build-options INTERFACE -static LINKER:--build-id)
 endif()
 if(PLUGINCORE_SANITIZE)
   target_compile_options(plugincore-build-options INTERFACE

@@ -8,6 +8,7 @@ foreign=$(echo "$table" | sed -n 's/^[[:space:]]*DLL Name: //p' | grep -viE \
 [ -z "$foreign" ] || { printf '%s needs\n%s\n' "$2" "$foreign"; exit 1; }
 strings -e l "$2" | grep -qxF "$(basename "$2")" || { echo "$2 has no OriginalFilename"; exit 1; }
 [ "${2%.exe}" = "$2" ] || grep -aq '<longPathAware' "$2" || { echo "$2 has no manifest"; exit 1; }
+grep -aq RSDS "$2" || { echo "$2 has no build identifier"; exit 1; }
 [ $# -gt 2 ] || exit 0
 declared=$(sed -n 's/^PLUGINCORE_API [a-z0-9_]* *\([A-Za-z]*\)(.*/\1/p' "$3" | sort)
 exported=$(echo "$table" | sed -n '/Ordinal\/Name Pointer/,/^$/s/^[[:space:]]*\[[ 0-9]*\] *\(+base\[[ 0-9]*\] *[0-9a-f]* *\)\{0,1\}\([^ ]*\)$/\2/p' | sort)
