@@ -6,7 +6,9 @@ namespace platform {
 ProcessState StateOfProcess(ProcessId id, uint64_t startTime) {
     uint64_t found = 0;
     const ProcessState state = LookAtProcess(id, found);
-    return state == ProcessState::kAlive && found != startTime ? ProcessState::kGone : state;
+    if (state != ProcessState::kAlive || found == startTime)
+        return state;
+    return found == 0 ? ProcessState::kCannotBeTold : ProcessState::kGone;
 }
 
 uint64_t ProcessStartTime(ProcessId id) {

@@ -145,8 +145,8 @@ class WindowsFontTable : public FontTable {
 public:
     bool IsFilledFromFolders() override { return false; }
     bool Add(const std::string& path) override {
-        NoteAddedFont(path,
-                      1);  // first: one added but not noted would stay when this process ends in between
+        // First: a font that is added but not noted would stay when this process ends in between.
+        NoteAddedFont(path, 1);
         if (AddFontResourceExW(PathForTable(path).c_str(), 0, nullptr) > 0)
             return true;
         NoteAddedFont(path, -1);

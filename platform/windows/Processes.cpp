@@ -181,7 +181,7 @@ public:
         // No streams, rather than ours: whoever reads what we print would wait for the child as well.
         startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
-        // Where the rights of an administrator cannot be given up, they are not handed on either.
+        // Where the rights of an administrator cannot be given up, the child has them too: without it there are no fonts.
         const OwnedHandle unelevated = MakeUnelevatedToken();
         const auto start = [&](DWORD flags) {
             return CreateProcessAsUserW(unelevated.Get(), program.c_str(), words.data(), nullptr, nullptr,
@@ -236,8 +236,17 @@ ProcessState LookAtProcess(ProcessId id, uint64_t& startTime) {
         return ProcessState::kGone;
     const OwnedHandle process(
         OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, static_cast<DWORD>(id)));
-    if (!process.IsValid())  // an identifier that is none is an invalid parameter
-        return GetLastError() == ERROR_INVALID_PARAMETER ? ProcessState::kGone : ProcessState::kCannotBeTold;
+    if (!process.IsValid()) {
+        startTime = 0;
+        switch (GetLastError()) {
+            case ERROR_INVALID_PARAMETER:  // an identifier that is none
+                return ProcessState::kGone;
+            case ERROR_ACCESS_DENIED:  // of another log-on of the user, say, with more rights
+                return ProcessState::kAlive;
+            default:
+                return ProcessState::kCannotBeTold;
+        }
+    }
     // Someone may hold an ended process open, which keeps its identifier.
     const DWORD state = WaitForSingleObject(process.Get(), 0);
     if (state == WAIT_OBJECT_0)

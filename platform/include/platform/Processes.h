@@ -91,7 +91,7 @@ enum class ProcessState {
     kCannotBeTold,  ///< the system does not answer now: no descriptor is free, say
 };
 /// Looks at the process. `startTime`, where it is alive: a number that together with the identifier names one
-/// process for as long as the system runs.
+/// process for as long as the system runs; 0 where this user may know no more than that it is there (Windows).
 ProcessState LookAtProcess(ProcessId id, uint64_t& startTime);
 /// What became of the process that had this start time.
 ProcessState StateOfProcess(ProcessId id, uint64_t startTime);

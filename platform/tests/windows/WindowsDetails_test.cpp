@@ -7,9 +7,12 @@
 
 #include <filesystem>
 
+#include "OwnedHandle.h"
 #include "ScopedVariable.h"
 #include "SecurityAttributes.h"
 #include "TestProcess.h"
+#include "WideText.h"
+#include "platform/Autostart.h"
 #include "platform/Folders.h"
 #include "support/Launch.h"
 
@@ -41,6 +44,54 @@ TEST(Rights, WhatIsWrittenIsClosedToEveryone) {
     EXPECT_NE(rights.find("(A;"), std::string::npos) << rights;
     for (const char* others : {";WD)", ";BU)"})
         EXPECT_EQ(rights.find(others), std::string::npos) << rights;
+}
+
+TEST(Autostart, TheEntryIsOneThatWindowsStartsUntilTheUserOrWeSwitchItOff) {
+    const std::string name = "PluginCoreTest" + std::to_string(GetCurrentProcessId());
+    const std::string program = R"(C:\Programs für 字\Pellwick.exe)";
+    EXPECT_TRUE(platform::SetAutostart(name, std::string(260, 'x'), "serve"))
+        << "Windows starts none so long";
+    EXPECT_FALSE(platform::HasAutostart(name));
+    ASSERT_FALSE(platform::SetAutostart(name, program, "serve"));
+    wchar_t command[261];
+    DWORD size = sizeof command;
+    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, LR"(Software\Microsoft\Windows\CurrentVersion\Run)",
+                           platform::ToWide(name).c_str(), RRF_RT_REG_SZ, nullptr, command, &size),
+              ERROR_SUCCESS);
+    EXPECT_EQ(platform::ToUtf8(command), '"' + program + "\" serve");
+    EXPECT_TRUE(platform::HasAutostart(name));
+    const unsigned char switchedOff[12] = {3};  // as the Task Manager notes it
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER,
+                              LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\StartupApproved\Run)",
+                              platform::ToWide(name).c_str(), REG_BINARY, switchedOff, sizeof switchedOff),
+              ERROR_SUCCESS);
+    EXPECT_FALSE(platform::HasAutostart(name));
+    ASSERT_FALSE(platform::SetAutostart(name, program, "serve"));
+    EXPECT_TRUE(platform::HasAutostart(name)) << "asked for anew";
+    EXPECT_FALSE(platform::ClearAutostart(name));
+    EXPECT_FALSE(platform::ClearAutostart(name));
+    EXPECT_FALSE(platform::HasAutostart(name));
+}
+
+TEST(Processes, OneThatMayNotBeOpenedIsThereUntilItIsGone) {
+    using platform::ProcessState;
+    const auto child = Launch("sleep");
+    uint64_t startTime = 0;
+    ASSERT_EQ(platform::LookAtProcess(child->Id(), startTime), ProcessState::kAlive);
+    const platform::OwnedHandle process(
+        OpenProcess(WRITE_DAC | PROCESS_TERMINATE, FALSE, static_cast<DWORD>(child->Id())));
+    ACL nobody{};
+    ASSERT_TRUE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION));
+    ASSERT_EQ(SetSecurityInfo(process.Get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                              &nobody, nullptr),
+              DWORD{ERROR_SUCCESS});
+    uint64_t found = 1;
+    EXPECT_EQ(platform::LookAtProcess(child->Id(), found), ProcessState::kAlive);
+    EXPECT_EQ(found, 0u);
+    EXPECT_EQ(platform::StateOfProcess(child->Id(), 0), ProcessState::kAlive);
+    EXPECT_EQ(platform::StateOfProcess(child->Id(), startTime), ProcessState::kCannotBeTold);
+    ASSERT_TRUE(TerminateProcess(process.Get(), 0));
+    WaitForExit(*child);
 }
 
 TEST(Rights, FontsAreReadByTheFontCacheAndStoreProgramsToo) {

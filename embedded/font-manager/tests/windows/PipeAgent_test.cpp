@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "TestFonts.h"
+#include "platform/FontTable.h"
 #include "platform/LocalStream.h"
 #include "tests/support/AgentTest.h"
 
@@ -24,6 +25,23 @@ TEST(PipeAgent, StartsWhileSomebodyHasItsNameOrAClientOfADeadAgentItsPipe) {
     world.KillAgent();
     world.StartAgent();
     EXPECT_EQ(world.Run({"status", "--no-start"}).status, 0);
+}
+
+TEST(PipeAgent, LeavesActiveFontsInTheTableWhenItIsKilledAndStartedAgain) {
+    TestWorld world;
+    world.StartAgent();
+    ASSERT_EQ(world.Run({"add", world.WriteFont("Kept-Bold")}).status, 0);
+    ASSERT_EQ(world.Run({"activate", "Kept-Bold"}).status, 0);
+    const std::vector<std::string> files = world.VaultFiles();
+    ASSERT_EQ(files.size(), 1u);
+    const auto timesAdded = [&] { return platform::Current<platform::FontTable>().Added()[files[0]]; };
+    EXPECT_EQ(timesAdded(), 1);
+    world.KillAgent();
+    EXPECT_EQ(timesAdded(), 1) << "documents show it";
+    world.StartAgent();
+    EXPECT_EQ(timesAdded(), 1) << "neither twice nor taken out";
+    ASSERT_EQ(world.Run({"deactivate", "Kept-Bold"}).status, 0);
+    EXPECT_EQ(timesAdded(), 0);
 }
 
 TEST(Add, SaysOfFontsThatWindowsShowsNoProgramWhy) {
