@@ -2,11 +2,28 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "CommandLineText.h"
 #include "OwnedHandle.h"
+#include "WideText.h"
 
 namespace platform {
 namespace {
+
+/// Batch files are run by cmd.exe, which takes words apart by rules of its own: the name of a document could end one and
+/// begin a command.
+bool MayBecomeCommands(const std::vector<std::string>& words) {
+    const std::wstring program = ToWide(words[0]);
+    const auto hasExtension = [&](const wchar_t* extension) {
+        return program.size() > 4 &&
+               CompareStringOrdinal(&program[program.size() - 4], 4, extension, 4, TRUE) == CSTR_EQUAL;
+    };
+    return (hasExtension(L".bat") || hasExtension(L".cmd")) &&
+           std::any_of(words.begin() + 1, words.end(), [](const std::string& word) {
+               return word.find_first_of("\"%&|<>^!\r\n") != std::string::npos;
+           });
+}
 
 /// False also where that cannot be told.
 bool IsInUse(HANDLE job) {
@@ -31,6 +48,8 @@ BOOL WINAPI LeaveToProgram(DWORD kind) {
 }  // namespace
 
 SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus) {
+    if (MayBecomeCommands(words))
+        return SystemError{ERROR_BAD_ARGUMENTS};
     constexpr DWORD kLookAgain = 200;  // milliseconds; what a job reports may get lost
     const OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
     if (!job.IsValid() || !LetGo(job.Get()))

@@ -14,7 +14,8 @@ namespace platform {
 ///
 /// Linux: the process becomes the program, whatever threads it has: nothing is destroyed, signals that were caught are
 /// as at the start, and the call comes back on failure alone. Windows: the program runs in a job of its own; when all
-/// processes of the job have ended, `exitStatus` is the program's and the call succeeds.
+/// processes of the job have ended, `exitStatus` is the program's and the call succeeds; a batch file is started only with
+/// words that cmd.exe takes for nothing but text.
 SystemError BecomeProgram(const std::vector<std::string>& words, int& exitStatus);
 
 }  // namespace platform

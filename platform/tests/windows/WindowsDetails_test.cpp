@@ -13,6 +13,7 @@
 #include "TestProcess.h"
 #include "WideText.h"
 #include "platform/Autostart.h"
+#include "platform/BecomeProgram.h"
 #include "platform/Folders.h"
 #include "support/Launch.h"
 
@@ -44,6 +45,16 @@ TEST(Rights, WhatIsWrittenIsClosedToEveryone) {
     EXPECT_NE(rights.find("(A;"), std::string::npos) << rights;
     for (const char* others : {";WD)", ";BU)"})
         EXPECT_EQ(rights.find(others), std::string::npos) << rights;
+}
+
+TEST(BecomeProgram, LetsNoWordOfABatchFileBecomeACommand) {
+    const TemporaryFolder folder;
+    const std::string batch = folder.Write("tool.CMD", "@exit 7\r\n");
+    int status = 0;
+    EXPECT_FALSE(platform::BecomeProgram({batch, "a b.ai", "(1).ai"}, status));
+    EXPECT_EQ(status, 7);
+    for (const char* word : {"a&calc.ai", "\"", "50%.ai", "a\nb"})
+        EXPECT_EQ(platform::BecomeProgram({batch, word}, status).code, ERROR_BAD_ARGUMENTS) << word;
 }
 
 TEST(Autostart, TheEntryIsOneThatWindowsStartsUntilTheUserOrWeSwitchItOff) {
