@@ -31,7 +31,7 @@ wait_for '[ -s "$world/url" ]'
 url=$(cat "$world/url")
 origin=$(cut -d/ -f1-3 <<<"$url")
 
-status() { curl -s -o "$world/body" -w '%{http_code}' --max-time 10 "$@"; }
+status() { curl -s -o "$world/body" -w '%{http_code}' --max-time 60 "$@"; }
 # expect STATUS WHAT CURL-ARGUMENT…
 expect() { local expected=$1 what=$2 got; shift 2; got=$(status "$@") || true; [ "$got" = "$expected" ] || fail "$what: $got, not $expected"; }
 json=(-H 'Content-Type: application/json' -d '{"messageID":66}')
