@@ -7,14 +7,6 @@ using namespace corefoundation;
 
 namespace {
 
-const void* RetainObject(CFAllocatorRef, const void* value) {
-    return CFRetain(value);
-}
-
-void ReleaseObject(CFAllocatorRef, const void* value) {
-    CFRelease(value);
-}
-
 CFArray* CreateFilled(Mutability mutability, const CFArrayCallBacks* callBacks, const void* const* values,
                       CFIndex count) {
     return Guarded<CFArray*>(nullptr, [&] {

@@ -4,14 +4,6 @@ using namespace corefoundation;
 
 namespace {
 
-const void* RetainObject(CFAllocatorRef, const void* value) {
-    return CFRetain(value);
-}
-
-void ReleaseObject(CFAllocatorRef, const void* value) {
-    CFRelease(value);
-}
-
 template <class CallBacks>
 const void* RetainedBy(const CallBacks& callBacks, const void* value) {
     return callBacks.retain != nullptr ? callBacks.retain(kCFAllocatorDefault, value) : value;

@@ -54,6 +54,14 @@ std::string DescribeValue(CFStringRef (*copyDescription)(const void*), const voi
     return description ? description->Utf8() : DescribePointer(value);
 }
 
+const void* RetainObject(CFAllocatorRef, const void* value) {
+    return CFRetain(value);
+}
+
+void ReleaseObject(CFAllocatorRef, const void* value) {
+    CFRelease(value);
+}
+
 }  // namespace corefoundation
 
 CFTypeID CFNullGetTypeID(void) {

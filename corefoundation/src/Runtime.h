@@ -83,6 +83,10 @@ inline const Object* AsObject(CFTypeRef ref) noexcept {
     return static_cast<const Object*>(ref);
 }
 
+// What containers of objects keep theirs with.
+const void* RetainObject(CFAllocatorRef, const void* value);
+void ReleaseObject(CFAllocatorRef, const void* value);
+
 // The object behind ref, or null when it is of another type.
 template <class T>
 const T* Check(CFTypeRef ref) noexcept {

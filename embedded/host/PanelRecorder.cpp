@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr uint64_t kLargestFile = uint64_t{64} << 20;
+constexpr uint64_t kLargestRecording = uint64_t{64} << 20;
 
 void WriteLine(std::ofstream& file, const Json& line) {
     file << line.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
@@ -37,6 +37,6 @@ void PanelRecorder::Note(To to, const std::string& message) {
 
 void PanelRecorder::NoteFile(const std::string& url, const std::string& path) {
     std::string text;
-    if (mFile.is_open() && !platform::ReadWholeFile(path, text, kLargestFile))
+    if (mFile.is_open() && !platform::ReadWholeFile(path, text, kLargestRecording))
         WriteLine(mFile, {{"file", url}, {"text", std::move(text)}});
 }

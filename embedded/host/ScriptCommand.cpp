@@ -20,10 +20,9 @@ void PrintAnswer(const Answer& answer) {
 
 /// What the core tells panels, with the members of the message in their order.
 void PrintEvent(const PlugPlugEvent& event) {
-    using Json = nlohmann::ordered_json;
-    Json line{{"event", event.type}};
+    nlohmann::ordered_json line{{"event", event.type}};
     const std::string data = event.data != nullptr ? event.data : "";
-    const Json message = Json::parse(data, nullptr, false);
+    const auto message = nlohmann::ordered_json::parse(data, nullptr, false);
     if (message.is_discarded())
         line["data"] = data;
     else

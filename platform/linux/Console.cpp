@@ -46,13 +46,13 @@ int InterruptStatus() {
 }
 
 bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
-    using Clock = std::chrono::steady_clock;
+    using std::chrono::steady_clock;
     // An interrupt between the check and the poll would go unnoticed without a limit to the poll.
     constexpr std::chrono::milliseconds kStep{200};
-    const auto deadline = limit ? Clock::now() + *limit : Clock::time_point::max();
+    const auto deadline = limit ? steady_clock::now() + *limit : steady_clock::time_point::max();
     pollfd input{watchInput ? STDIN_FILENO : -1, POLLIN, 0};
     while (!WasInterrupted()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
         const int count =
             poll(&input, 1, static_cast<int>(std::clamp<int64_t>(left.count(), 0, kStep.count())));
         if (count > 0)

@@ -73,14 +73,14 @@ int InterruptStatus() {
 }
 
 bool WaitForUser(std::optional<std::chrono::milliseconds> limit, bool watchInput) {
-    using Clock = std::chrono::steady_clock;
+    using std::chrono::steady_clock;
     // Pipes cannot be waited for, so they are looked at.
     constexpr std::chrono::milliseconds kStep{20};
-    const auto deadline = limit ? Clock::now() + *limit : Clock::time_point::max();
+    const auto deadline = limit ? steady_clock::now() + *limit : steady_clock::time_point::max();
     while (!WasInterrupted()) {
         if (watchInput && CanReadInput())
             return true;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
         if (left.count() <= 0)
             break;
         WaitForSingleObject(InterruptEvent(), static_cast<DWORD>(std::min(left, kStep).count()));

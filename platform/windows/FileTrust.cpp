@@ -10,12 +10,11 @@
 #include "FilesInternal.h"
 #include "OwnedHandle.h"
 #include "WideText.h"
+#include "WindowsFiles.h"
 #include "platform/Processes.h"
 
 namespace platform {
 namespace {
-
-constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 /// What stands at the path itself. Only who may read or execute what is open keeps it from being renamed.
 OwnedHandle OpenItself(const std::string& path, DWORD access, DWORD sharing) {

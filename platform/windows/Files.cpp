@@ -25,8 +25,6 @@ const SystemError kFileTooLarge{ERROR_FILE_TOO_LARGE};
 namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-/// A file that is removed while it is open stays in its folder, which then cannot be removed either.
-constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 /// What stands at a path may be somebody else's pipe, which must not act in this user's name.
 /// None can at a drive's path, and the same flag means there that a file which a service keeps elsewhere, as OneDrive
 /// does, is not to be fetched.

@@ -11,6 +11,9 @@
 
 namespace platform {
 
+/// A file that is removed while it is open stays in its folder, which then cannot be removed either.
+constexpr DWORD kShareWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
 /// Makes a file for writing under a name that is nobody else's, between `beginning` and `end`; its path.
 SystemError MakeFileOfNewName(const std::string& beginning, size_t digits, const std::string& end,
                               SECURITY_ATTRIBUTES* attributes, OwnedHandle& file, std::string& path);

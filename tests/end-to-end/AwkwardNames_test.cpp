@@ -30,7 +30,7 @@ void AddAwkwardFonts(HostWorld& world) {
     ASSERT_EQ(world.FontManager().Run(command).status, 0);
 }
 
-std::vector<std::string> NamesOf(const json& fonts) {
+std::vector<std::string> FamiliesOf(const json& fonts) {
     std::vector<std::string> names;
     for (const json& font : fonts)
         names.push_back(font.at(kGS_FamilyKey));
@@ -77,11 +77,11 @@ TEST(AwkwardNames, AreTakenAsTheyAreTyped) {
         return json::parse(result.output, nullptr, false);
     };
     for (const std::string& name : kAwkwardNames) {
-        EXPECT_THAT(NamesOf(ask({"--json", "activate", "--", name})["fonts"]), ElementsAre(name));
+        EXPECT_THAT(FamiliesOf(ask({"--json", "activate", "--", name})["fonts"]), ElementsAre(name));
         if (name.front() != '-' || name == "-") {
-            EXPECT_THAT(NamesOf(ask({"activate", name, "--json"})["fonts"]), ElementsAre(name));
+            EXPECT_THAT(FamiliesOf(ask({"activate", name, "--json"})["fonts"]), ElementsAre(name));
         }
-        EXPECT_THAT(NamesOf(ask({"--json", "deactivate", "n", "--", name, "f"})["fonts"]),
+        EXPECT_THAT(FamiliesOf(ask({"--json", "deactivate", "n", "--", name, "f"})["fonts"]),
                     ElementsAre("n", name, "f"));
         EXPECT_EQ(json::parse(world.RunHost({"--json", "fonts", "--", name}).output)["file"], name);
         // As values of options.

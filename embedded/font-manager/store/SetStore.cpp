@@ -10,16 +10,16 @@ namespace {
     " (SELECT COUNT(*) FROM set_fonts sf WHERE sf.set_id = s.id)" \
     " FROM sets s JOIN workgroups w ON w.id = s.workgroup_id "
 
-std::optional<FontSet> NextRow(Statement& statement) {
+std::optional<FontSet> NextSet(Statement& statement) {
     if (!statement.Step())
         return std::nullopt;
     return FontSet{static_cast<int32_t>(statement.Integer(0)), statement.Text(1),
                    static_cast<int32_t>(statement.Integer(2)), statement.Text(3), statement.Integer(4)};
 }
 
-std::vector<FontSet> AllRows(Statement& statement) {
+std::vector<FontSet> AllSets(Statement& statement) {
     std::vector<FontSet> sets;
-    while (auto set = NextRow(statement))
+    while (auto set = NextSet(statement))
         sets.push_back(std::move(*set));
     return sets;
 }
@@ -28,17 +28,17 @@ std::vector<FontSet> AllRows(Statement& statement) {
 
 std::vector<FontSet> SetStore::List() {
     Statement query = mDatabase.Prepare(SELECT_SETS "ORDER BY s.workgroup_id, s.name, s.id");
-    return AllRows(query);
+    return AllSets(query);
 }
 
 std::optional<FontSet> SetStore::Find(int32_t id) {
     Statement query = mDatabase.Prepare(SELECT_SETS "WHERE s.id = ?");
-    return NextRow(query.Bind(id));
+    return NextSet(query.Bind(id));
 }
 
 std::vector<FontSet> SetStore::FindByName(const std::string& name) {
     Statement query = mDatabase.Prepare(SELECT_SETS "WHERE s.name = ? ORDER BY s.workgroup_id");
-    return AllRows(query.Bind(name));
+    return AllSets(query.Bind(name));
 }
 
 int32_t SetStore::Create(int32_t workgroupID, const std::string& name) {

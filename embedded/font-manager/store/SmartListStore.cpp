@@ -19,7 +19,7 @@ std::vector<int32_t>& MembersOf(SmartListQuery& query, int64_t kind) {
                                      : query.smartListIDs;
 }
 
-std::optional<SmartList> NextRow(Statement& statement) {
+std::optional<SmartList> NextSmartList(Statement& statement) {
     if (!statement.Step())
         return std::nullopt;
     return SmartList{static_cast<int32_t>(statement.Integer(0)), statement.Text(1), {}};
@@ -34,7 +34,7 @@ void Append(std::vector<int32_t>& all, const std::vector<int32_t>& more) {
 std::vector<SmartList> SmartListStore::List() {
     Statement query = mDatabase.Prepare("SELECT id, name FROM smart_lists ORDER BY name, id");
     std::vector<SmartList> lists;
-    while (auto list = NextRow(query))
+    while (auto list = NextSmartList(query))
         lists.push_back(std::move(*list));
     for (SmartList& list : lists)
         list.query = QueryOf(list.id);
@@ -43,7 +43,7 @@ std::vector<SmartList> SmartListStore::List() {
 
 std::optional<SmartList> SmartListStore::Find(int32_t id) {
     Statement query = mDatabase.Prepare("SELECT id, name FROM smart_lists WHERE id = ?");
-    auto list = NextRow(query.Bind(id));
+    auto list = NextSmartList(query.Bind(id));
     if (list)
         list->query = QueryOf(list->id);
     return list;
@@ -51,7 +51,7 @@ std::optional<SmartList> SmartListStore::Find(int32_t id) {
 
 std::optional<SmartList> SmartListStore::FindByName(const std::string& name) {
     Statement query = mDatabase.Prepare("SELECT id, name FROM smart_lists WHERE name = ?");
-    auto list = NextRow(query.Bind(name));
+    auto list = NextSmartList(query.Bind(name));
     if (list)
         list->query = QueryOf(list->id);
     return list;

@@ -7,7 +7,7 @@ namespace {
 
 #define SELECT_WORKGROUPS "SELECT id, name, type FROM workgroups "
 
-std::optional<Workgroup> NextRow(Statement& statement) {
+std::optional<Workgroup> NextWorkgroup(Statement& statement) {
     if (!statement.Step())
         return std::nullopt;
     return Workgroup{static_cast<int32_t>(statement.Integer(0)), statement.Text(1),
@@ -19,24 +19,24 @@ std::optional<Workgroup> NextRow(Statement& statement) {
 std::vector<Workgroup> WorkgroupStore::List() {
     Statement query = mDatabase.Prepare(SELECT_WORKGROUPS "ORDER BY id");
     std::vector<Workgroup> workgroups;
-    while (auto workgroup = NextRow(query))
+    while (auto workgroup = NextWorkgroup(query))
         workgroups.push_back(std::move(*workgroup));
     return workgroups;
 }
 
 std::optional<Workgroup> WorkgroupStore::FindByName(const std::string& name) {
     Statement query = mDatabase.Prepare(SELECT_WORKGROUPS "WHERE name = ?");
-    return NextRow(query.Bind(name));
+    return NextWorkgroup(query.Bind(name));
 }
 
 std::optional<Workgroup> WorkgroupStore::FindByID(int32_t id) {
     Statement query = mDatabase.Prepare(SELECT_WORKGROUPS "WHERE id = ?");
-    return NextRow(query.Bind(id));
+    return NextWorkgroup(query.Bind(id));
 }
 
 std::optional<Workgroup> WorkgroupStore::FirstOfType(int32_t type) {
     Statement query = mDatabase.Prepare(SELECT_WORKGROUPS "WHERE type = ? ORDER BY id LIMIT 1");
-    return NextRow(query.Bind(type));
+    return NextWorkgroup(query.Bind(type));
 }
 
 int32_t WorkgroupStore::Create(const std::string& name, int32_t type) {

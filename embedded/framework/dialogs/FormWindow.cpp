@@ -10,9 +10,11 @@
 
 namespace {
 
-using namespace platform;
+namespace dialog_messages = platform::dialog_messages;
+using platform::Form, platform::FormButton, platform::FormCheckBox, platform::FormChoices,
+    platform::FormControl, platform::FormList, platform::FormText, platform::kFormCancelled;
 
-constexpr int kSpace = 12;
+constexpr int kFormSpace = 12;   // pixels
 constexpr int kListWidth = 340;  // pixels
 constexpr int kMostRowsShown = 12;
 constexpr int kOptionWidth = 36;  // characters
@@ -96,7 +98,7 @@ public:
     FormWindow(Form form, const nlohmann::json& request)
         : mForm(std::move(form)),
           mDialog(MakeDialogWindow(request, mForm.title)),
-          mColumn(gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpace)) {
+          mColumn(gtk_box_new(GTK_ORIENTATION_VERTICAL, kFormSpace)) {
         for (const FormControl& control : mForm.controls)
             std::visit([this](const auto& each) { mWidgets.push_back(Add(each)); }, control);
         const std::string icon = request.value("icon", "");
@@ -126,7 +128,7 @@ private:
     using Widgets = std::vector<GtkWidget*>;
 
     static GtkWidget* BesideIcon(GtkWidget* body, const std::string& icon) {
-        GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kSpace);
+        GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kFormSpace);
         GtkWidget* image = gtk_image_new_from_icon_name(icon.c_str(), GTK_ICON_SIZE_DIALOG);
         gtk_widget_set_valign(image, GTK_ALIGN_START);
         gtk_box_pack_start(GTK_BOX(row), image, FALSE, FALSE, 0);
@@ -165,7 +167,7 @@ private:
         return {view};
     }
     Widgets Add(const FormChoices& choices) {
-        GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpace);
+        GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, kFormSpace);
         Widgets dropDowns;
         for (const FormChoices::Row& row : choices.rows)
             dropDowns.push_back(AddRow(GTK_BOX(column), row));
@@ -174,7 +176,7 @@ private:
     }
     GtkWidget* AddRow(GtkBox* column, const FormChoices::Row& row) {
         GtkWidget* label = MakeParagraph(row.label);
-        GtkWidget* together = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpace / 3);
+        GtkWidget* together = gtk_box_new(GTK_ORIENTATION_VERTICAL, kFormSpace / 3);
         gtk_box_pack_start(GTK_BOX(together), label, FALSE, FALSE, 0);
         gtk_box_pack_start(column, together, FALSE, FALSE, 0);
         if (row.options.empty())

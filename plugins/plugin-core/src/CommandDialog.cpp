@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr char kName[] = "PluginCoreInterface::InvokeCommandDialog";
-
 CFRef<CFMutableDictionaryRef> StateOfCommandBox(const std::string& document,
                                                 const std::vector<Workgroup>& workgroups) {
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
@@ -51,6 +49,7 @@ ErrorCode ShowCommandBox(const std::string& document) {
 }  // namespace
 
 ErrorCode CommandDialog::InvokeCommandDialog(const char* document) {
+    constexpr char kName[] = "PluginCoreInterface::InvokeCommandDialog";
     static Turn showing;
     ErrorCode result = CoreErrorCodes::kUnknownError;
     const TraceScope trace(ExitingWithResult(kName, result), "Entering %s('%s', ...)", kName,

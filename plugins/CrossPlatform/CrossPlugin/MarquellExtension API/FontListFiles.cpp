@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
-#include "FailureReport.h"
 #include "PanelLimits.h"
+#include "PanelLog.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
 
 namespace {
 
-constexpr char kLogCategory[] = "Miscellaneous";
 constexpr std::string_view kURLPrefix = "file:///";
 
 /// Three slashes, whether or not the path begins with one of them.

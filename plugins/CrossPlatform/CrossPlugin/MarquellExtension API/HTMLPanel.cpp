@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "FailureReport.h"
 #include "FontID.h"
 #include "HostPatience.h"
 #include "PanelLimits.h"
+#include "PanelLog.h"
 #include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TarnwickPluginInterface.h"
@@ -18,7 +18,6 @@ using namespace panel_messages;
 
 namespace {
 
-constexpr char kLogCategory[] = "Miscellaneous";
 constexpr char kPanelToPlugin[] = "com.vantorix.PanelToPlugin";
 constexpr char kPluginToPanel[] = "com.vantorix.PluginToPanel";
 constexpr int32_t kApplicationScope = 1;

@@ -4,15 +4,11 @@
 #include <cinttypes>
 #include <iterator>
 
-#include "FailureReport.h"
+#include "PanelLog.h"
 #include "PanelMessage.h"
 #include "TraceLog.h"
 
 using namespace panel_messages;
-
-namespace {
-constexpr char kLogCategory[] = "Miscellaneous";
-}
 
 MarquellPanel::Handler MarquellPanel::HandlerOf(int64_t operatorID) {
     switch (operatorID) {

@@ -2,18 +2,14 @@
 
 #include <utility>
 
-#include "FailureReport.h"
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
+#include "PanelLog.h"
 #include "PanelMessage.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 
 using namespace panel_messages;
-
-namespace {
-constexpr char kLogCategory[] = "Miscellaneous";
-}
 
 ErrorCode MarquellPanel::Queue(const MessageID& notification) {
     mPendingNotifications.insert(notification.number);

@@ -7,13 +7,13 @@
 #include <unordered_set>
 #include <utility>
 
-#include "FailureReport.h"
 #include "FontID.h"
 #include "FontManagerCall.h"
 #include "FontManagerInterface.h"
 #include "MarquellGlobals.h"
 #include "MarquellPanel.h"
 #include "PanelLimits.h"
+#include "PanelLog.h"
 #include "PanelMessage.h"
 #include "Preferences.h"
 #include "ScopeExit.h"
@@ -24,8 +24,6 @@
 using namespace panel_messages;
 
 namespace {
-
-constexpr char kLogCategory[] = "Miscellaneous";
 
 int64_t IntPreference(const char* key) {
     return MarquellGlobals::GetSharedVPFInterface()->GetIntPreference(key);

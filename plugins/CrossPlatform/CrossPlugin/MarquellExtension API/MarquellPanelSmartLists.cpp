@@ -3,16 +3,14 @@
 #include <CoreFoundation++/Base64.h>
 #include <CoreFoundation++/CFRef.h>
 
-#include "FailureReport.h"
 #include "FontManagerCall.h"
 #include "MarquellPanel.h"
+#include "PanelLog.h"
 #include "PanelMessage.h"
 
 using namespace panel_messages;
 
 namespace {
-
-constexpr char kLogCategory[] = "Miscellaneous";
 
 /// Text that keeps its line of the font list file one line, and its column one column.
 std::string Column(std::string text) {

@@ -5,19 +5,17 @@
 #include <string_view>
 #include <type_traits>
 
-#include "FailureReport.h"
 #include "FontID.h"
 #include "HTMLPanel.h"
 #include "NoDestructor.h"
 #include "PanelLimits.h"
+#include "PanelLog.h"
 #include "PluginNotifications.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 #include "platform/Clock.h"
 
 namespace {
-
-constexpr char kLogCategory[] = "Miscellaneous";
 
 bool Flag(CFDictionaryRef payload, const char* key) {
     return cf::GetBool(payload, key).value_or(false);

@@ -2,11 +2,9 @@
 
 #include <exception>
 
-using namespace panel_messages;
+#include "PanelLog.h"
 
-namespace {
-constexpr char kLogCategory[] = "Miscellaneous";
-}
+using namespace panel_messages;
 
 PanelMessage::PanelMessage(const MessageID& id) {
     mDocument.load_map();
