@@ -36,6 +36,8 @@ find_package(Threads REQUIRED)
 add_library(plugincore-build-options INTERFACE)
 target_compile_options(plugincore-build-options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+  # Of sources that are compiled as one, it takes each for a header.
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wno-subobject-linkage>
   # Paths in log lines are relative to the repository, whatever folder it was cloned into.
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 # Debug builds check the bounds of containers.
@@ -110,8 +112,8 @@ endfunction()
 # of the component "tests", which is installed when it is named alone.
 function(plugincore_test_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PLUGINCORE_TEST_OUTPUT_DIRECTORY}")
-  # What they test is built as it is shipped; they themselves would take twice as long to compile.
-  target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0> $<$<CONFIG:RelWithDebInfo>:-g1>)
+  # What they test is built as it is shipped; they themselves are compiled and linked faster so.
+  target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-Og> $<$<CONFIG:RelWithDebInfo>:-g1>)
   if(WIN32 AND PLUGINCORE_INSTALL)
     set(component COMPONENT tests EXCLUDE_FROM_ALL)
     install(TARGETS ${name} RUNTIME DESTINATION tests ${component})
