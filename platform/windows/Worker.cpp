@@ -77,23 +77,24 @@ struct LineEnds {
     }
 };
 
-/// The worker inherits this handle and no other.
-class InheritedHandles {
+/// The worker inherits this handle and no other, and is in the job from its beginning: one that is put there later, or
+/// starts suspended, stays for ever where we are killed meanwhile.
+class StartAttributes {
 public:
-    explicit InheritedHandles(HANDLE only) : mOnly(only) {
+    StartAttributes(HANDLE inherited, HANDLE job) : mInherited(inherited), mJob(job) {
         SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        InitializeProcThreadAttributeList(nullptr, 2, 0, &size);
         mMemory.resize(size);
-        mIsValid = InitializeProcThreadAttributeList(List(), 1, 0, &size) &&
-                   UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &mOnly,
-                                             sizeof mOnly, nullptr, nullptr);
+        mIsValid = InitializeProcThreadAttributeList(List(), 2, 0, &size) &&
+                   Set(PROC_THREAD_ATTRIBUTE_HANDLE_LIST, mInherited) &&
+                   Set(PROC_THREAD_ATTRIBUTE_JOB_LIST, mJob);
     }
-    ~InheritedHandles() {
+    ~StartAttributes() {
         if (mIsValid)
             DeleteProcThreadAttributeList(List());
     }
-    InheritedHandles(const InheritedHandles&) = delete;
-    InheritedHandles& operator=(const InheritedHandles&) = delete;
+    StartAttributes(const StartAttributes&) = delete;
+    StartAttributes& operator=(const StartAttributes&) = delete;
 
     bool IsValid() const { return mIsValid; }
     LPPROC_THREAD_ATTRIBUTE_LIST List() {
@@ -101,7 +102,12 @@ public:
     }
 
 private:
-    HANDLE mOnly;
+    bool Set(DWORD_PTR attribute, HANDLE& only) {
+        return UpdateProcThreadAttribute(List(), 0, attribute, &only, sizeof only, nullptr, nullptr);
+    }
+
+    HANDLE mInherited;
+    HANDLE mJob;
     std::vector<char> mMemory;
     bool mIsValid = false;
 };
@@ -314,30 +320,23 @@ std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const W
         error = LastSystemError();
         return nullptr;
     }
-    InheritedHandles inherited(line.workers.Get());
+    StartAttributes attributes(line.workers.Get(), job.Get());
     STARTUPINFOEXW startup{};
     startup.StartupInfo.cb = sizeof startup;
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-    startup.lpAttributeList = inherited.List();
+    startup.lpAttributeList = attributes.List();
     const std::wstring program = ToWidePath(executablePath);
     std::wstring words = L'"' + program + L"\" " + kWorkerArgument +
                          std::to_wstring(reinterpret_cast<uintptr_t>(line.workers.Get()));
     PROCESS_INFORMATION started{};
-    // It does nothing before it is in its job.
-    constexpr DWORD kFlags = CREATE_SUSPENDED | CREATE_NO_WINDOW | EXTENDED_STARTUPINFO_PRESENT;
-    if (!inherited.IsValid() || !CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, TRUE, kFlags,
-                                                nullptr, nullptr, &startup.StartupInfo, &started)) {
+    constexpr DWORD kFlags = CREATE_NO_WINDOW | EXTENDED_STARTUPINFO_PRESENT;
+    if (!attributes.IsValid() || !CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, TRUE,
+                                                 kFlags, nullptr, nullptr, &startup.StartupInfo, &started)) {
         error = LastSystemError();
         return nullptr;
     }
     OwnedHandle process(started.hProcess);
-    const OwnedHandle thread(started.hThread);
-    if (!AssignProcessToJobObject(job.Get(), process.Get())) {
-        error = LastSystemError();
-        TerminateProcess(process.Get(), 1);
-        return nullptr;
-    }
-    ResumeThread(thread.Get());
+    CloseHandle(started.hThread);
     return std::make_unique<WindowsWorker>(std::move(job), std::move(process), std::move(line.ours), limits);
 }
 
