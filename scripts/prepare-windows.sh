@@ -12,13 +12,17 @@ keep_wine() {
   scripts/wine wineboot -u >/dev/null 2>&1 </dev/null
 }
 
-# Runs a command with Wine kept at hand, and ends what is left of it. Wine's desktop is begun first: the first program
-# that makes a window would begin it otherwise, and the desktop keep that one's pipes open.
+# Runs a command with Wine kept at hand, and ends what is left of it. A program with a window is there all the time: with
+# the last of these Wine's desktop ends, the next one begins it anew, and the desktop keeps that one's pipes open.
 with_wine() {
-  local status=0
+  local status=0 window
   keep_wine
-  scripts/wine rundll32 user32.dll,GetDesktopWindow >/dev/null 2>&1 </dev/null || true
+  scripts/wine rundll32.exe user32.dll,GetDesktopWindow >/dev/null 2>&1 </dev/null || true
+  while scripts/wine rundll32.exe user32.dll,WaitMessage || sleep 1; do :; done >/dev/null 2>&1 </dev/null &
+  window=$!
   "$@" || status=$?
+  kill $window
+  wait $window 2>/dev/null || true
   WINEPREFIX=$PWD/build/wine wineserver -k >/dev/null 2>&1 || true
   return $status
 }
