@@ -125,12 +125,13 @@ ErrorCode CoreAgentInterface::CollectFontsUsedByCurrentDocument(const std::strin
                             : MakeEmptyFolder(destinationFolder);
 }
 
-// In twenty parts, so that the user sees how far it has come and can stop it; the list of the fonts is written for each.
+// In parts, so that the user sees how far it has come and can stop it; the list of the fonts is written for each.
 ErrorCode CoreAgentInterface::CollectFonts(const std::string& destinationFolder, CFArrayRef fonts,
                                            const CollectingProgress& progress) {
     const CFRef<CFStringRef> folder = cf::String(destinationFolder);
     const auto count = static_cast<int>(cf::Count(fonts));
-    const int step = std::max(1, count / 20);
+    constexpr int kMostParts = 20;
+    const int step = (count + kMostParts - 1) / kMostParts;
     ErrorCode result = CoreErrorCodes::kSuccess;
     for (int done = 0; done < count; done += step) {
         if (!progress(done, count))
