@@ -329,7 +329,7 @@ std::unique_ptr<Worker> Worker::Start(const std::string& executablePath, const W
     std::wstring words = L'"' + program + L"\" " + kWorkerArgument +
                          std::to_wstring(reinterpret_cast<uintptr_t>(line.workers.Get()));
     PROCESS_INFORMATION started{};
-    constexpr DWORD kFlags = CREATE_NO_WINDOW | EXTENDED_STARTUPINFO_PRESENT;
+    constexpr DWORD kFlags = DETACHED_PROCESS | EXTENDED_STARTUPINFO_PRESENT;
     if (!attributes.IsValid() || !CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, TRUE,
                                                  kFlags, nullptr, nullptr, &startup.StartupInfo, &started)) {
         error = LastSystemError();
