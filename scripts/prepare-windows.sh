@@ -12,17 +12,11 @@ keep_wine() {
   scripts/wine wineboot -u >/dev/null 2>&1 </dev/null
 }
 
-# Runs a command with Wine kept at hand, and ends what is left of it. A program with a window is there all the time: with
-# the last of these Wine's desktop ends, the next one begins it anew, and the desktop keeps that one's pipes open.
+# Runs a command with Wine kept at hand, and ends what is left of it.
 with_wine() {
-  local status=0 window
+  local status=0
   keep_wine
-  scripts/wine rundll32.exe user32.dll,GetDesktopWindow >/dev/null 2>&1 </dev/null || true
-  while scripts/wine rundll32.exe user32.dll,WaitMessage || sleep 1; do :; done >/dev/null 2>&1 </dev/null &
-  window=$!
   "$@" || status=$?
-  kill $window
-  wait $window 2>/dev/null || true
   WINEPREFIX=$PWD/build/wine wineserver -k >/dev/null 2>&1 || true
   return $status
 }
