@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <regex>
 
 #include "CoreFoundation++/CFRef.h"
+#include "CoreFoundation/CFUUID.h"
 
 namespace {
 
@@ -28,11 +30,12 @@ std::string BytesOf(CFStringRef string, CFStringEncoding encoding, UInt8 lossByt
 
 TEST(CFString, EveryEncodingReturnsWhatItWasGiven) {
     EXPECT_EQ(CFStringGetLength(cf::String(kMixedText).get()), 6) << "UTF-16 units";
+    const std::string text = std::string(kMixedText) + "\uFFFF";  // the last that one unit holds
     for (const CFStringEncoding encoding :
          {CFStringEncoding{kCFStringEncodingUTF8}, CFStringEncoding{kCFStringEncodingUTF16},
           CFStringEncoding{kCFStringEncodingUTF16BE}, CFStringEncoding{kCFStringEncodingUTF16LE}}) {
-        const std::string bytes = BytesOf(cf::String(kMixedText).get(), encoding);
-        EXPECT_EQ(cf::ToUtf8(FromBytes(bytes, encoding).get()), kMixedText) << std::hex << encoding;
+        const std::string bytes = BytesOf(cf::String(text).get(), encoding);
+        EXPECT_EQ(cf::ToUtf8(FromBytes(bytes, encoding).get()), text) << std::hex << encoding;
     }
     std::string latin;
     for (int byte = 1; byte < 256; ++byte)
@@ -93,6 +96,17 @@ TEST(CFString, BytesAreCutBetweenCharactersOnly) {
     EXPECT_EQ(CFStringGetMaximumSizeForEncoding(6, kCFStringEncodingUTF8), 18);
     EXPECT_EQ(CFStringGetMaximumSizeForEncoding(std::numeric_limits<CFIndex>::max(), kCFStringEncodingUTF8),
               kCFNotFound);
+}
+
+TEST(CFUUID, IsRandomAndWrittenInTheUsualForm) {
+    const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
+    const auto text = [] {
+        const auto uuid = AdoptCF(CFUUIDCreate(nullptr));
+        return cf::ToUtf8(AdoptCF(CFUUIDCreateString(nullptr, uuid.get())).get());
+    };
+    const std::string one = text(), other = text();
+    EXPECT_TRUE(std::regex_match(one, form)) << one;
+    EXPECT_NE(one, other);
 }
 
 }  // namespace

@@ -72,6 +72,12 @@ TEST(CFBase, EqualityNeedsOneTypeAndValueAndNoOrderOfKeys) {
     EXPECT_FALSE(CFEqual(second.get(), first.get()));
     EXPECT_FALSE(CFEqual(cf::Number(1).get(), kCFBooleanTrue));
     EXPECT_FALSE(CFEqual(cf::Number(1).get(), cf::String("1").get()));
+    const void* pointers[] = {"one", "other"};  // without callbacks they are themselves
+    const auto both = AdoptCF(CFArrayCreate(nullptr, pointers, 2, nullptr));
+    const auto part = AdoptCF(CFArrayCreateMutable(nullptr, 0, nullptr));
+    EXPECT_TRUE(CFEqual(AdoptCF(CFArrayCreate(nullptr, nullptr, 0, nullptr)).get(), part.get()));
+    CFArrayAppendArray(part.get(), both.get(), CFRangeMake(1, 1));
+    EXPECT_TRUE(CFEqual(part.get(), AdoptCF(CFArrayCreate(nullptr, pointers + 1, 1, nullptr)).get()));
 }
 
 TEST(CFBase, CollectionsOwnWhatTheyHoldAndGiveItBack) {
@@ -140,8 +146,9 @@ TEST(CFRef, EveryOwnerCountsOnceAndCastsAreChecked) {
 
 TEST(CFRef, DictionariesAnswerWithTypedValuesOrNothing) {
     const auto dictionary = Record("text", std::string("\u00E9\0z", 4), "whole", uint16_t{65535}, "real", 2.5,
-                                   "flag", true, "list", List());
-    EXPECT_TRUE(Text(dictionary.get()).ends_with("z, whole = 65535, real = 2.5, flag = true, list = ()}"));
+                                   "flag", true, "list", List(1, "b"));
+    EXPECT_TRUE(
+        Text(dictionary.get()).ends_with("z, whole = 65535, real = 2.5, flag = true, list = (1, b)}"));
     const CFDictionaryRef values = dictionary.get();
     EXPECT_EQ(cf::GetString(values, "text"), std::string("\u00E9\0z", 4));
     EXPECT_EQ(cf::GetString(values, "whole"), "");

@@ -18,6 +18,7 @@ public:
     std::vector<std::pair<uint32_t, uint32_t>> shownBoxes;  ///< title and text
     std::deque<int32_t> answers;                            ///< to questions; "no" when there is none left
     bool areDefaultsRegistered = false;
+    CFRef<CFDictionaryRef> registeredDefaults;
     bool isStoreUsable = true;
     bool isReleased = false;
     void* parentWindow = nullptr;
@@ -52,7 +53,10 @@ public:
         return isStoreUsable;
     }
     bool AreDefaultsRegistered() override { return areDefaultsRegistered; }
-    bool RegisterDefaults(CFDictionaryRef) override { return areDefaultsRegistered = true; }
+    bool RegisterDefaults(CFDictionaryRef defaults) override {
+        registeredDefaults = RetainCF(defaults);
+        return areDefaultsRegistered = true;
+    }
     bool IsPreferenceStoreUsable() override { return isStoreUsable; }
     CFStringRef CopyLocalizedString(uint32_t stringID) override {
         return cf::String("string " + std::to_string(stringID)).release();

@@ -81,15 +81,17 @@ void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bo
 void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
     current->log += text;
 }
-void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef,
+void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef fonts,
              CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts,
              CFMutableArrayRef reportedFonts) {
+    current->wanted = RetainCF(fonts);
     AppendFonts(matchedFonts, current->activationStateBefore);
     AppendFonts(reportedFonts, current->activationStateAfter);
     AppendUnmatchedFonts(unmatchedFonts);
 }
-void Perform(Symbol<kIndexOfActivateFonts>, PluginFacadeRef, CFArrayRef, CFStringRef, CFStringRef,
+void Perform(Symbol<kIndexOfActivateFonts>, PluginFacadeRef, CFArrayRef fonts, CFStringRef, CFStringRef,
              CFMutableArrayRef matchedFonts) {
+    current->wanted = RetainCF(fonts);
     AppendFonts(matchedFonts, current->activationStateBefore);
 }
 void Perform(Symbol<kIndexOfGetFontsByPostscriptName>, PluginFacadeRef, CFStringRef, int32_t,

@@ -26,6 +26,7 @@ public:
     std::vector<std::string> calls;                       ///< symbols in the order in which they were called
     std::vector<std::string> given;  ///< those that succeeded: "Symbol(7, 'text', [1,2])"
     std::string log;                 ///< what Log was given
+    CFRef<CFArrayRef> wanted;        ///< the fonts that activation was asked for last
 
     // Answers of successful calls.
     bool isLoggedIn = true;

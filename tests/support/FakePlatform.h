@@ -104,6 +104,7 @@ public:
     std::vector<std::string> loadable;
     std::string exhausting;  ///< the library for which there is no memory
     std::map<std::string, void*> symbols;
+    bool isModuleKnown = true;  ///< the core's own
 
     platform::LibraryHandle LoadFromPath(const std::string& path, platform::SystemError& error) override {
         return Load(path, error);
@@ -116,7 +117,7 @@ public:
         return found != symbols.end() ? found->second : nullptr;
     }
     std::string PathOf(platform::LibraryHandle) override { return "/system/library.so"; }
-    const void* ModuleAt(const void* address) override { return address; }
+    const void* ModuleAt(const void* address) override { return isModuleKnown ? address : nullptr; }
     std::string PathOfModuleAt(const void*) override { return "/plugins/libPluginCore.so"; }
     std::string LastLoadFailure() override { return "no such library"; }
 

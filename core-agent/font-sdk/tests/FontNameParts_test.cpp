@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace {
 
 std::string Describe(const FontNameParts& parts) {
@@ -33,11 +35,15 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
         {"Sample-BoldItallic", "sample 700 5 slanted"},
         {"Bold-Italic", "bold 400 5 slanted"},
         {"Univers-UltraCondensedThin", "univers 100 1"},
+        {"Sample-950", "sample 950 5"},
+        {"Sample-333", "sample333 400 5"},
         {"\u00DCberschrift-Fett", "\u00DCberschriftfett 400 5"},
         {"-", " 400 5"},
         {"", " 400 5"}};
     for (const auto& [name, expected] : cases)
         EXPECT_EQ(Describe(ParsePostScriptName(name)), expected) << name;
+    const FontNameParts parts = ParsePostScriptName("MinionPro-Bold");
+    EXPECT_EQ(parts.plainName + " " + parts.wholeName, "minionprobold minionbold");
 }
 
 TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
@@ -51,6 +57,30 @@ TEST(FontNameParts, NamesForPeopleHaveTheSameParts) {
     for (const auto& [family, style, postScriptName] : cases)
         EXPECT_EQ(Describe(ParseFamilyAndStyle(family, style)),
                   Describe(ParsePostScriptName(postScriptName)));
+}
+
+TEST(FontNameParts, EachStyleHasATextThatMeansItAndOtherWordsForIt) {
+    for (int weight = 100; weight <= 900; weight += 100) {
+        for (int width = 1; width <= 9; ++width) {
+            const FontStyle style{
+                .weight = weight, .width = width, .isSlanted = width % 2 == 0, .others = ""};
+            const FontStyle read = ParseFamilyAndStyle("Sample", StyleText(style)).style;
+            EXPECT_EQ(StyleDistance(style, read), 0) << StyleText(style);
+        }
+    }
+    for (const char* words :
+         {"Thin Hairline Th", "ExtraLight UltraLight", "Light Lt", "Regular Normal Roman Plain Book Rg Reg",
+          "Medium Md Med", "SemiBold DemiBold Demi Sb", "Bold Bd", "ExtraBold UltraBold Heavy Hv",
+          "Black ExtraBlack UltraBlack Blk", "ExtraCondensed Compressed", "Condensed Narrow Cond Cn",
+          "SemiCondensed SemiCn", "SemiExpanded SemiExtended", "Expanded Extended Wide Ext Ex",
+          "ExtraExpanded ExtraExtended", "Italic Oblique Slanted Inclined Kursiv It Ital Obl"}) {
+        std::istringstream each(words);
+        std::string first, other;
+        for (each >> first; each >> other;)
+            EXPECT_EQ(Describe(ParsePostScriptName("S-" + other)),
+                      Describe(ParsePostScriptName("S-" + first)))
+                << other;
+    }
 }
 
 TEST(FontNameParts, StylesAreNearerTheLessTheyLookDifferent) {

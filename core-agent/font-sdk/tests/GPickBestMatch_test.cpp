@@ -95,6 +95,7 @@ TEST(GPickBestMatch, PrefersTheFlavourThatWasAskedFor) {
     for (const int32_t kind : {-1, 0, 1, 4, 7, 8, 9})
         ExpectWins(trueTypeFlavour, postScriptFlavour, kind);
     ExpectWins(ofKind(4, Kinds::kFontKind_postScript), ofKind(3, Kinds::kFontKind_trueTypeCollection));
+    ExpectWins(ofKind(1, Kinds::kFontKind_cid), ofKind(2, Kinds::kFontKind_unknown));
 }
 
 TEST(GPickBestMatch, RanksStatusesAmongEqualVersions) {
@@ -137,6 +138,8 @@ TEST(GFontManagerConstants, KindsInRecordsMayHaveOtherNames) {
     EXPECT_EQ(Kinds::FontKindFromRecord("Postscript"), Kinds::kFontKind_postScript);
     EXPECT_EQ(Kinds::FontKindFromRecord("CID"), Kinds::kFontKind_cid);
     EXPECT_EQ(Kinds::FontKindFromRecord(""), Kinds::kFontKind_unknown);
+    EXPECT_EQ(Kinds::FontKindFromRecord(Kinds::FontKindToName(Kinds::kFontKind_openTypePS)),
+              Kinds::kFontKind_openTypePS);
 }
 
 }  // namespace

@@ -59,6 +59,7 @@ TEST_F(DocumentCommandsTest, FontsAreCollectedOneByOneBelowTheChosenFolder) {
     EXPECT_THAT(framework.subjects, ElementsAre(kDestination));
     EXPECT_EQ(DocumentCommands::HandleExportDocumentFonts("ID"), 0u) << "known by its identifier too";
     EXPECT_EQ(framework.initialFolder, "/output");
+    EXPECT_EQ(library.CallsOf("ActivateDocumentFontsByPath"), 1) << "they were found when it was opened";
 }
 
 TEST_F(DocumentCommandsTest, WhatCollectingCameToIsTold) {
@@ -106,6 +107,11 @@ TEST_F(DocumentCommandsTest, ASetOfTheDocumentsFontsIsMadeUnderAFreeName) {
     library.codes["CreateTopLevelSet"].assign(99, CoreErrorCodes::kItemAlreadyExists);
     EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet(document), kNotCompleted) << "none is free";
     EXPECT_EQ(library.CallsOf("CreateTopLevelSet"), 3 + 99);
+    library.codes.clear();
+    auto openedWhileOff = std::make_shared<OneTrackedDocument>();
+    AllTrackedDocuments::GetSharedInstance().AddDocument(openedWhileOff, "/off.ai");
+    EXPECT_EQ(DocumentCommands::HandleCreateDocumentSet("/off.ai"), 0u);
+    EXPECT_EQ(library.CallsOf("AddFontsToSets"), 2) << "its fonts are looked for now";
 }
 
 TEST_F(DocumentCommandsTest, ASetNeedsOneWorkgroupAndFonts) {

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "CommandDialog.h"
 #include "DocumentCommands.h"
 #include "FakeWorld.h"
 #include "PluginCoreInterface.h"
@@ -26,6 +27,8 @@ protected:
                                                           bufferB.data(), &sizeB, &numFontsActivated);
     }
     ErrorCode Close(const std::string& hint = "") { return DocumentEvents::HandleCloseDocument(path, hint); }
+    /// The fonts that activation was asked for last.
+    std::string Wanted() const { return cf::ToUtf8(AdoptCF(CFCopyDescription(library.wanted.get())).get()); }
     std::string Identifier() {
         char buffer[100] = "";
         size_t size = sizeof buffer;
@@ -105,7 +108,8 @@ TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLaterOrNever) {
     char buffer[37] = "";
     size_t size = 36;
     EXPECT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kInvalidParam);
-    EXPECT_EQ(AllTrackedDocuments::GetSharedInstance().Documents().size(), 1u) << "tracked all the same";
+    ASSERT_EQ(AllTrackedDocuments::GetSharedInstance().Documents().size(), 1u) << "tracked all the same";
+    EXPECT_TRUE(AllTrackedDocuments::GetSharedInstance().Documents()[0]->isNewDocument);
     size = sizeof buffer;
     ASSERT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kSuccess);
     EXPECT_EQ(DocumentEvents::SetPathForDocument(path, "no such document"), CoreErrorCodes::kNotFound);
@@ -141,6 +145,42 @@ TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {
     EXPECT_EQ(count, 1u);
     EXPECT_THAT(library.given,
                 testing::Contains(testing::StartsWith("ActivateFonts([-1,-1], '" + Identifier() + "'")));
+    EXPECT_EQ(Wanted(), "({DatabaseID = 7}, {DatabaseID = 8})");
+}
+
+TEST_F(DocumentEventsTest, WhatIsAskedForGoesByThePreferences) {
+    MakeFunctional();
+    const char* fonts = R"([{"PostScriptName":"A","Checksum":"c","Glyphscan_1.2_Checksum":"g"},
+                            {"PostScriptName":"B","SubDocumentsWithFont":["/x.ai"]}])";
+    const std::pair<const char*, const char*> cases[] = {
+        {"none", "({PostScriptName = A, ExactMatch = true})"},
+        {"PickBestMatch", "({PostScriptName = A})"},
+        {"EnableGlyphscan",
+         "({Checksum = c, Glyphscan_1.2_Checksum = g, PostScriptName = A, ExactMatch = true})"},
+        {"SupportEmbeddedObjects",
+         "({PostScriptName = A, ExactMatch = true}, "
+         "{PostScriptName = B, SubDocumentsWithFont = (/x.ai), ExactMatch = true})"},
+        {"ActivateEntireFamilies", "({PostScriptName = A, ExactMatch = true, EntireFamily = true})"}};
+    for (const auto& [preference, wanted] : cases) {
+        framework.numbers[preference] = 1;
+        Open(fonts);
+        EXPECT_EQ(Wanted(), wanted) << preference;
+        framework.numbers[preference] = 0;
+    }
+}
+
+TEST_F(DocumentEventsTest, WhateverTheUserDoesAnAgentThatIsBackIsNoticed) {
+    MakeFunctional();
+    uint32_t count = 0;
+    const std::function<void()> actions[] = {
+        [&] { Open(); }, [&] { DocumentEvents::HandleSaveDocument(path, ""); },
+        [&] { DocumentEvents::ActivateChosenFonts(path, "[]", &count); }, [&] { Close(); },
+        [&] { CommandDialog::InvokeCommandDialog(path.c_str()); }};
+    for (const auto& act : actions) {
+        FontManagerInterface::GetSharedInstance().GetFontManager()->LoseServices();
+        act();
+        EXPECT_TRUE(MarquellGlobals::ArePluginServicesEnabled()) << &act - actions;
+    }
 }
 
 TEST_F(DocumentEventsTest, AFailedExtractionIsReportedAndLeavesTheListEmpty) {

@@ -1,6 +1,9 @@
 #include "Settings.h"
 
+#include <nlohmann/json.hpp>
+
 #include "FakeWorld.h"
+#include "Preferences.h"
 
 namespace {
 
@@ -19,7 +22,11 @@ protected:
 }  // namespace
 
 TEST_F(SettingsTest, SettingsFitOrAreCut) {
+    framework.numbers["CS5PanelWidth"] = -3;
     const std::string whole = AllSettings();
+    const auto settings = nlohmann::json::parse(whole);
+    EXPECT_EQ(settings.size(), std::size(preferences::kAll));
+    EXPECT_EQ(settings["CS5PanelWidth"], "-3");
     for (const size_t room : {whole.size() + 1, whole.size(), size_t{20}, size_t{1}, size_t{0}}) {
         std::string buffer(whole.size() + 2, '#');
         size_t size = room;
@@ -47,6 +54,18 @@ TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesRefused) {
     framework.isStoreUsable = false;
     EXPECT_EQ(Settings::SetPreference("RMF4", "9"), CoreErrorCodes::kUnknownError);
     EXPECT_THAT(trace.Text(), testing::HasSubstr("ERROR:  the preference 'RMF4' could not be stored\n"));
+}
+
+TEST_F(SettingsTest, DefaultsAreRegisteredOnce) {
+    Settings::RegisterDefaults();
+    EXPECT_EQ(cf::ToUtf8(AdoptCF(CFCopyDescription(framework.registeredDefaults.get())).get()),
+              "{EnablePlugin = true, EnableGlyphscan = true, PickBestMatch = true, SupportEmbeddedObjects = "
+              "true, CloseFontsOnHostAppQuit = true, CloseFontsOnDocClose = false, ActivateEntireFamilies = "
+              "false, DialogSuppression = true, CS5PanelWidth = 260, CS5PanelHeight = 350, "
+              "DropDownSelection = false}");
+    framework.registeredDefaults.reset();
+    Settings::RegisterDefaults();
+    EXPECT_FALSE(framework.registeredDefaults);
 }
 
 TEST_F(SettingsTest, TheWorkgroupMayBeNamed) {

@@ -124,8 +124,7 @@ private:
     FontListFiles mFontListFiles;
     Turn mPopping;
     std::set<int> mPendingNotifications;
-    std::set<int>
-        mUnsentNotifications;  ///< those being sent now, or when the host left a call without returning
+    std::set<int> mUnsentNotifications;  ///< those being sent now, and those that could not be
     /// Those pushed, by font notification.
     std::map<int, std::set<uint32_t>> mFontIDs{
 #define NO_FONTS(what, id, report) {id, {}},

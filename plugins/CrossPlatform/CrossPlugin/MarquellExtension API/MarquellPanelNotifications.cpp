@@ -68,13 +68,11 @@ ErrorCode MarquellPanel::SendNotification(int notificationID) {
     if (fonts == mFontIDs.end())
         return Send(message);
     // What is pushed from within the sending waits for the next one.
-    std::set<uint32_t>& fontIDs = fonts->second;
     std::set<uint32_t>& unsent = mUnsentFontIDs[notificationID];
-    unsent.merge(std::exchange(fontIDs, {}));
+    unsent.merge(std::exchange(fonts->second, {}));
     PanelMessage::Node jsonArray = message.Root().AddArray(kFontIDsKey);
     for (const uint32_t fontID : unsent)
         jsonArray.Add(fontID);
-    const ScopeExit keepUnsent([&] { fontIDs.merge(std::exchange(unsent, {})); });
     const ErrorCode code = Send(message);
     if (code == CoreErrorCodes::kSuccess)
         unsent.clear();
@@ -96,7 +94,6 @@ ErrorCode MarquellPanel::PopNotifications() {
     unsent.merge(std::exchange(mPendingNotifications, {}));
     bool haveFontsGone = false;
     const ScopeExit settle([&] {
-        mPendingNotifications.merge(std::exchange(unsent, {}));
         if (haveFontsGone)  // also when a later message failed: those of the fonts were sent
             MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
     });

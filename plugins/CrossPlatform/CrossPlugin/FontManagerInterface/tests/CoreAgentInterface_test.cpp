@@ -28,9 +28,12 @@ TEST_F(CoreAgentInterfaceTest, OtherFailuresAreHandedOnAndNotRetried) {
     EXPECT_EQ(agent.DeactivateFonts(nullptr, 0, nullptr), GIPCClient::kReplyTimeout);
     VPILoader::GetSharedInstance()->pfSaveDocumentFonts = nullptr;
     EXPECT_EQ(agent.SaveDocumentFonts("/a.ai", true, nullptr), CoreErrorCodes::kNotImplemented);
-    for (const char* question : {"GetIsLoggedIn", "GetAreSchemaVersionsInSync"})
+    library.permissions = {kPermission_ShowPostscriptReplacements};
+    for (const char* question : {"GetIsLoggedIn", "GetAreSchemaVersionsInSync", "MotherMayI"})
         library.codes[question] = {CoreErrorCodes::kError};
-    EXPECT_FALSE(agent.IsLoggedIn() || agent.AreSchemaVersionsInSync());
+    EXPECT_FALSE(agent.IsLoggedIn() || agent.AreSchemaVersionsInSync() ||
+                 agent.canShowPostscriptReplacements());
+    EXPECT_TRUE(agent.IsLoggedIn() && agent.canShowPostscriptReplacements());
     EXPECT_TRUE(processes.launchedCommandLines.empty());
     EXPECT_TRUE(AreServicesOn());
 }

@@ -32,6 +32,9 @@ TEST_F(FacadeTest, WorkgroupsAreShownByTheNamesForTheirTypes) {
     EXPECT_THAT(names,
                 testing::ElementsAre("string 214", "string 211", "string 213", "string 219", "string 222",
                                      "string 219", "Print", "Font Library (LOCALIZE ME)"));
+    EXPECT_TRUE(CFEqual(
+        cf::Get<CFDictionaryRef>(WorkgroupRecords(workgroups).get(), 1),
+        Record(kGS_WorkgroupIDKey, 2, kGS_WorkgroupTypeKey, 3, kGS_WorkgroupNameKey, "string 211").get()));
     workgroups.clear();
     ASSERT_EQ(fontManager.GetFontManager()->GetAllWorkgroupsForUser({}, workgroups), 0u);
     EXPECT_EQ(workgroups.size(), 6u) << "neither the system's nor the Typekit library";
@@ -54,6 +57,7 @@ TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
     library.workgroups = {{-2, kWorkgroupType_All, "All"}};
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable()) << "none of the user's own";
+    EXPECT_EQ(fontManager.WorkgroupsToChooseFrom().size(), 1u);
     fontManager.SetDefaultWorkgroupID(7);
     fontManager.OnHostAppShuttingDown();
     EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), std::nullopt);
@@ -104,4 +108,27 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     fontManager.OnUserAction();
     fontManager.OnUserAction();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 3);
+    CoreAgentInterface* const one = fontManager.GetFontManager();
+    EXPECT_TRUE(fontManager.CompatibleFontManagerIsRunning());
+    EXPECT_EQ(fontManager.GetFontManager(), one);
+    library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout};
+    EXPECT_NE(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), 0u);
+    fontManager.OnHostAppShuttingDown();
+    ASSERT_TRUE(MakeFunctional());
+    library.calls.clear();
+    fontManager.OnUserAction();
+    EXPECT_EQ(library.CallsOf("DeactivateFonts"), 0) << "they have gone with that font manager";
+}
+
+TEST_F(FacadeTest, AFolderIsTakenOnlyIfOneIsChosen) {
+    std::string chosen = "before";
+    for (const auto& [answer, expected] :
+         {std::pair<std::optional<std::string>, std::string>{std::nullopt, "before"},
+          {"", "before"},
+          {"/chosen", "/chosen"}}) {
+        framework.chosenFolder = answer;
+        EXPECT_EQ(fontManager.ShowSaveFolderDialog("/first", chosen), expected == "/chosen");
+        EXPECT_EQ(chosen, expected);
+    }
+    EXPECT_EQ(framework.initialFolder, "/first");
 }

@@ -1,6 +1,7 @@
 #include "VPILoader.h"
 
 #include "FontManagerWorld.h"
+#include "TemporaryFolder.h"
 
 using testing::HasSubstr, testing::IsEmpty, testing::Not;
 
@@ -69,6 +70,18 @@ TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
     EXPECT_THAT(trace.Text(), HasSubstr("'" + kAgentProgram + "', '/opt/v/') returned 0\n"));
     EXPECT_THAT(trace.Text(), Not(HasSubstr("ERROR")));
     EXPECT_TRUE(processes.launchedCommandLines.empty());
+}
+
+TEST_F(VPILoaderTest, AnAgentThatDoesNotRunIsStartedAndItsLibraryBound) {
+    const TemporaryFolder folder;
+    const std::string agent = folder.Write("agent/" + kAgentProgram, "");
+    folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agent + "\n");
+    folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
+    const std::string expected = folder / ("agent/" + kLibrary);
+    libraries.loadable = {expected};
+    EXPECT_TRUE(IsLoaded());
+    EXPECT_EQ(path, expected);
+    EXPECT_EQ(processes.launchedCommandLines.size(), 1u);
 }
 
 TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {

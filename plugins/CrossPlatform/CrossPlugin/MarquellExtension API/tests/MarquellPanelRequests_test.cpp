@@ -144,6 +144,18 @@ TEST_F(PanelRequestsTest, KeysGoToTheHost) {
     EXPECT_THAT(trace.Text(), HasSubstr("Key 9 pressed in a panel (ctrl=0, shift=1, alt=0)\n"));
 }
 
+int menusRebuilt = 0;
+
+TEST_F(PanelRequestsTest, TheHostBuildsItsMenuAnewWhenWorkgroupsChange) {
+    GeneralInterface host;
+    host.OnWorkgroupsChanged();  // nobody to tell yet
+    host.SetRebuildWorkgroupsMenuCallback([] { ++menusRebuilt; });
+    host.Refresh(false, true);
+    EXPECT_EQ(menusRebuilt, 0);
+    host.OnWorkgroupsChanged();
+    EXPECT_EQ(menusRebuilt, 1);
+}
+
 TEST_F(PanelRequestsTest, AConflictIsToldBeforeTheResult) {
     library.conflictingFonts = {9, 10};
     constexpr char kMessage[] = R"({"messageID":8,"fontID":5,"postscriptName":"P","displayName":"D"})";

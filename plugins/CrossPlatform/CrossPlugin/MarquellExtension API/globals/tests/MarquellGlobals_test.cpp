@@ -47,6 +47,11 @@ TEST_F(MarquellGlobalsTest, ABundleIdentifierReadsTheLibrarysOwnVersions) {
     EXPECT_EQ(MarquellGlobals::GetPluginPath(), kModule);
     EXPECT_EQ(MarquellGlobals::GetPluginInterfaceVersion(), "8.0.1.0");
     EXPECT_EQ(MarquellGlobals::GetHostWindowName(), "illustrator");
+    EXPECT_FALSE(MarquellGlobals::IsConnectedToCore() || MarquellGlobals::IsBulkReplicationRunning() ||
+                 MarquellGlobals::SaveDocumentFonts("/a.ai", false, nullptr));
+    libraries.isModuleKnown = false;
+    SetUpIdentity("com.vantorix.AutoActivationPlugin.AI28");
+    EXPECT_EQ(MarquellGlobals::GetPluginVersion(), "x.x.x.x");
 }
 
 TEST_F(MarquellGlobalsTest, APathReadsThatFilesVersions) {
@@ -88,4 +93,7 @@ TEST_F(MarquellGlobalsTest, TheMainWindowIsFoundByClassThenByTitle) {
     windowing.below[&b] = {{&a, ""}, {&a, "The Panel"}};
     EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Adobe", "Panel"), &b);
     EXPECT_EQ(MarquellGlobals::FindWindowWithMatchingTitle("Missing", nullptr), nullptr);
+    MarquellGlobals::SetHostApp("InDesign2024");
+    windowing.topLevel = {{&a, "Adobe Photoshop"}, {&b, "a.indd - Adobe InDesign 2024"}};
+    EXPECT_EQ(MarquellGlobals::GetHostAppMainWindow(), &b);
 }
