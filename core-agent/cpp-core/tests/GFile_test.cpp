@@ -20,6 +20,10 @@ TEST(GFile, ReadsAllThatWasAskedForOrNothing) {
     ASSERT_EQ(file.Open(GFileSystemSpec(folder.Write("file", "0123")), GFile::eRead), 0u);
     char bytes[4];
     EXPECT_EQ(file.Read(5, bytes), CoreErrorCodes::kError);
+    for (const char digit : {'0', '1'}) {
+        EXPECT_EQ(file.Read(1, bytes), 0u);
+        EXPECT_EQ(bytes[0], digit);
+    }
     EXPECT_EQ(file.Close(), 0u);
     EXPECT_EQ(file.Read(1, bytes), GFile::kFileNotOpen);
     EXPECT_EQ(file.Close(), GFile::kFileNotOpen);

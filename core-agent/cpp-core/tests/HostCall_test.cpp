@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <thread>
 
 #include "TraceLog.h"
 
@@ -32,4 +33,19 @@ TEST(HostCall, WhatTheHostLeftIsOverOnceTheCallAroundItGoesOn) {
     EXPECT_EQ(TraceIndentation(), depth);
     EXPECT_EQ(HostCall::Innermost(), 0u);
     EXPECT_TRUE(TurnHolder(turn));
+}
+
+TEST(HostCall, CallsOfOtherThreadsAreTheirOwn) {
+    Turn turn;
+    const HostCall outer;
+    const HostCall::Number number = HostCall::Innermost();
+    const TurnHolder taken(turn);
+    std::thread([&] {
+        EXPECT_EQ(HostCall::Innermost(), 0u);
+        const HostCall other;
+        EXPECT_NE(HostCall::Innermost(), number);
+        EXPECT_TRUE(turn.IsTaken());
+    }).join();
+    EXPECT_EQ(HostCall::Innermost(), number);
+    EXPECT_TRUE(turn.IsTaken());
 }

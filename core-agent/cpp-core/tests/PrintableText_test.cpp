@@ -62,3 +62,13 @@ TEST(PrintableText, NamesLoseWhatCannotBeShown) {
     EXPECT_TRUE(IsBlank("") && IsBlank(" \xC2\xA0\xE3\x80\x80\xE2\x80\x8B"));
     EXPECT_FALSE(IsBlank(" .") || IsBlank("\xFF"));
 }
+
+TEST(PrintableText, TextsAreCutBetweenCharacters) {
+    const std::string text = "a\u00FC\U0001F642";  // 1, 2 and 4 bytes
+    EXPECT_EQ(CountCodePoints(text), 3u);
+    for (size_t size = 0; size <= 8; ++size)
+        EXPECT_EQ(FirstBytes(text, size), text.substr(0, size < 1 ? 0 : size < 3 ? 1 : size < 7 ? 3 : 7));
+    for (size_t count = 0; count <= 4; ++count)
+        EXPECT_EQ(CountCodePoints(FirstCodePoints(text, count)), std::min<size_t>(count, 3));
+    EXPECT_EQ(FirstBytes("\x80\x80\x80\x80\x80", 4), "\x80") << "no UTF-8";
+}

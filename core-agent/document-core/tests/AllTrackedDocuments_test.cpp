@@ -51,6 +51,12 @@ TEST_F(AllTrackedDocumentsTest, APathOccursOnce) {
     EXPECT_EQ(documents.FindTrackedDocumentByIdentifier("id of /a.ai"), first);
     EXPECT_EQ(documents.FindTrackedDocumentByPath("/missing"), nullptr);
     EXPECT_EQ(documents.FindTrackedDocumentByIdentifier("other"), nullptr);
+    const CFRef<CFMutableArrayRef> reported = cf::MutableArray(), unmatched = cf::MutableArray();
+    first->SetFontArrays({.reportedFonts = reported.get(), .unmatchedFonts = unmatched.get()});
+    first->SetLastKnownModificationTime(5);
+    EXPECT_EQ(first->FontArrayA(), reported.get());
+    EXPECT_EQ(first->FontArrayB(), unmatched.get());
+    EXPECT_EQ(first->LastKnownModificationTime(), 5);
 }
 
 TEST_F(AllTrackedDocumentsTest, APathThatIsGivenToAnotherDocumentIsLostToTheFirst) {

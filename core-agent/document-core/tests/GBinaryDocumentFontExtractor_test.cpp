@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "FakePlatform.h"
+#include "FileChunk.h"
 #include "SmallChunkExtractor.h"
 #include "TemporaryFolder.h"
 #include "platform/Environment.h"
@@ -157,6 +158,16 @@ TEST_F(ExtractorTest, NamesAndRangesLongerThanAWindowAreWhole) {
     EXPECT_THAT(
         Extract("a.psd", "/FontSet [ " + padding + " /Name (" + Utf16Name("One") + ")" + padding + "]"),
         ElementsAre("One"));
+}
+
+TEST_F(ExtractorTest, AWindowStaysAsLargeAsItWas) {
+    GFile file;
+    const std::string content = std::string(100000, '.') + "needle";
+    ASSERT_EQ(file.Open(GFileSystemSpec(folder.Write("large", content)), GFile::eRead), 0u);
+    std::vector<char> window(256);
+    FileChunk chunk(file, 0, content.size(), window, [] { return true; });
+    EXPECT_EQ(chunk.Find(0, content.size(), "needle"), 100000u);
+    EXPECT_EQ(window.size(), 256u);
 }
 
 TEST_F(ExtractorTest, GivesWayToTheHostAndKeepsWhatItHasFound) {
