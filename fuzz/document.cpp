@@ -25,12 +25,11 @@ endstream endobj trailer<</Root 1 0 R/Size 5>>)",
 }
 
 void TryInput(const std::string& input) {
-    constexpr const char* kExtensions[] = {"pdf", "svg", "fodt", "aepx", "sla", "odt", "idml", "none"};
     if (input.empty())
         return;
     const auto choice = static_cast<unsigned char>(input[0] - 'a');
-    const DocumentFonts found =
-        ReadDocumentFonts(std::string_view(input).substr(1), kExtensions[choice % std::size(kExtensions)]);
+    const Format& format = Formats()[choice % Formats().size()];
+    const DocumentFonts found = ReadDocumentFonts(std::string_view(input).substr(1), format.extensions[0]);
     Require((found.status == ReadStatus::kUnreadable) == !found.problem.empty(),
             "what cannot be read has a reason");
     Require(found.status == ReadStatus::kRead || found.fonts.empty(),

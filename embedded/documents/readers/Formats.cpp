@@ -12,15 +12,32 @@
 namespace documents {
 namespace {
 
-constexpr Format kAfterEffectsXml{"aepx", ReadAfterEffectsXml};
-constexpr Format kSvg{"svg", ReadSvg};
-constexpr Format kFlatOpenDocument{"opendocument", ReadFlatOpenDocument};
-constexpr Format kScribus{"sla", ReadScribus};
+constexpr Format kFormats[] = {
+#define FORMAT_ROW(reader, name, form, root, mark, ...) {name, reader, Form::form, root, mark, {__VA_ARGS__}},
+    TEXT_DOCUMENT_FORMATS(FORMAT_ROW)
+#ifdef PLUGINCORE_DOCUMENT_READERS
+        BINARY_DOCUMENT_FORMATS(FORMAT_ROW)
+#endif
+#undef FORMAT_ROW
+};
 
-constexpr FormatExtension kXmlExtensions[] = {{"aepx", &kAfterEffectsXml},  {"svg", &kSvg},
-                                              {"sla", &kScribus},           {"fodt", &kFlatOpenDocument},
-                                              {"fods", &kFlatOpenDocument}, {"fodp", &kFlatOpenDocument},
-                                              {"fodg", &kFlatOpenDocument}};
+template <class Condition>
+const Format* FindOne(Condition&& condition) {
+    const auto* found = std::find_if(std::begin(kFormats), std::end(kFormats), condition);
+    return found == std::end(kFormats) ? nullptr : found;
+}
+
+bool Holds(std::string_view beginning, std::string_view mark) {
+    return beginning.find(mark) != std::string_view::npos;
+}
+
+const Format* FormatOfBytes(std::string_view content) {
+    // Mail systems and the like put lines in front of a document (ISO 32000-1, annex H.3.4.1). Archives begin
+    // with an entry that tells their type, as it is.
+    const std::string_view beginning = content.substr(0, 1024);
+    const Form form = beginning.starts_with("PK\3\4") ? Form::kArchive : Form::kBytes;
+    return FindOne([&](const Format& each) { return each.form == form && Holds(beginning, each.mark); });
+}
 
 /// Learns the name of a document's outermost element, and stops there.
 class RootListener : public XmlListener {
@@ -56,29 +73,24 @@ const Format* FormatOfXml(std::string_view content) {
     if (!isMarked && (begin == std::string_view::npos || content[begin] != '<'))
         return nullptr;
     const std::string root = RootOf(content);
-    if (root == "AfterEffectsProject")
-        return &kAfterEffectsXml;
-    if (root == "svg")
-        return &kSvg;
-    if (root == "document" &&
-        Beginning(content).find("urn:oasis:names:tc:opendocument") != std::string_view::npos)
-        return &kFlatOpenDocument;
-    return root.starts_with("SCRIBUS") ? &kScribus : nullptr;
-}
-
-const Format* FindExtension(std::span<const FormatExtension> extensions, std::string_view extension) {
-    const auto found = std::find_if(extensions.begin(), extensions.end(),
-                                    [&](const FormatExtension& each) { return each.extension == extension; });
-    return found == extensions.end() ? nullptr : found->format;
+    return FindOne([&](const Format& each) {
+        return each.form == Form::kXml && root.starts_with(each.root) && Holds(Beginning(content), each.mark);
+    });
 }
 
 const Format* FormatOfExtension(std::string_view extension) {
     const std::string lower = AsciiLowerCase(std::string(extension));
-    const Format* format = FindExtension(kXmlExtensions, lower);
-    return format != nullptr ? format : FindExtension(BinaryExtensions(), lower);
+    return FindOne([&](const Format& each) {
+        return !lower.empty() &&
+               std::find(each.extensions.begin(), each.extensions.end(), lower) != each.extensions.end();
+    });
 }
 
 }  // namespace
+
+std::span<const Format> Formats() {
+    return kFormats;
+}
 
 const Format* FindFormat(std::string_view content, std::string_view extension) {
     const Format* format = FormatOfBytes(content);

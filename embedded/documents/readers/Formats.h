@@ -1,6 +1,7 @@
 // The formats that there are readers for, and reading a document of any of them.
 #pragma once
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -9,19 +10,20 @@
 
 namespace documents {
 
+/// What a document of a format is at first sight.
+enum class Form { kXml, kArchive, kBytes };
+
 struct Format {
     std::string_view name;
     void (*read)(std::string_view content, FontList& fonts);
+    Form form;
+    std::string_view root;  ///< how the name of the outermost element of an XML document begins
+    std::string_view mark;  ///< what the document's beginning holds
+    std::array<std::string_view, 4> extensions;
 };
 
-struct FormatExtension {
-    std::string_view extension;  ///< in lower case, without its dot
-    const Format* format;
-};
-
-/// Of the formats that take qpdf and libzip to read; there are none where the project is built without these.
-const Format* FormatOfBytes(std::string_view content);
-std::span<const FormatExtension> BinaryExtensions();
+/// Those that this build reads.
+std::span<const Format> Formats();
 
 /// By what the content shows, or else by the file name's extension, without its dot; null for another format.
 const Format* FindFormat(std::string_view content, std::string_view extension);

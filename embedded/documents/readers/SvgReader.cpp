@@ -20,7 +20,7 @@ bool IsPostScriptName(std::string_view family) {
     return family.find('-') != std::string_view::npos && family.find(' ') == std::string_view::npos;
 }
 
-DocumentFont FontOf(const TextProperties& properties, std::string where) {
+DocumentFont FontOfText(const TextProperties& properties, std::string where) {
     const std::string family = FirstFamily(properties.family);
     std::string style = StyleName(properties.weight, properties.slant);
     if (!IsPostScriptName(family))
@@ -78,7 +78,7 @@ public:
         const Level& level = mLevels.back();
         const std::string family = FirstFamily(level.properties.family);
         if (!IsGeneric(family) && !mSheet.Brings(family))
-            mFonts.Add(FontOf(level.properties, level.where));
+            mFonts.Add(FontOfText(level.properties, level.where));
     }
 
 private:
