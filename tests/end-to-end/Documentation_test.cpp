@@ -6,6 +6,7 @@
 #include "HostWorld.h"
 #include "PanelMessages.h"
 #include "PanelSchemas.h"
+#include "Preferences.h"
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
@@ -163,4 +164,13 @@ TEST_F(PageTest, ThePanelDocumentationShowsAnExampleOfEveryMessageByTheSchemas) 
     }
     EXPECT_THAT(requests, testing::IsEmpty()) << "have no example";
     EXPECT_THAT(answers, testing::IsEmpty()) << "have no example";
+}
+
+TEST_F(PageTest, EveryPreferenceThatTheUserCanSwitchIsExplained) {
+    const std::string page = ContentOf(SourceFile("docs/host.md"));
+    for (const auto& [key, kind, defaultValue, switchTitle] : preferences::kAll) {
+        const std::string row =
+            std::string("| `") + key + (defaultValue.value_or(0) != 0 ? "` (on) |" : "` |");
+        EXPECT_EQ(page.find(row) != std::string::npos || switchTitle == preferences::kNoSwitch, true) << row;
+    }
 }

@@ -78,8 +78,12 @@ ANSWER_WITH(GetCurrentReplicationMode, replicationMode)
 void Perform(Symbol<kIndexOfMotherMayI>, PluginFacadeRef, int32_t permission, bool* outIsPermitted) {
     *outIsPermitted = current->permissions.contains(permission);
 }
-void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef, const char* text) {
-    current->log += text;
+void Perform(Symbol<kIndexOfInitThreadInstance>, PluginThreadInstanceRef* outThread) {
+    *outThread = reinterpret_cast<PluginThreadInstanceRef>(&callsLock);
+}
+void Perform(Symbol<kIndexOfLog>, PluginThreadInstanceRef thread, const char* text) {
+    if (thread != nullptr)
+        current->log += text;
 }
 void Perform(Symbol<kIndexOfActivateDocumentFontsByPath>, PluginFacadeRef, CFStringRef, CFArrayRef fonts,
              CFMutableArrayRef matchedFonts, CFMutableArrayRef unmatchedFonts,

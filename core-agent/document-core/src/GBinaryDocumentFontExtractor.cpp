@@ -193,7 +193,8 @@ ErrorCode GBinaryDocumentFontExtractor::SearchInChunks(std::string_view rangeSta
         const auto numBytesToRead =
             static_cast<size_t>(std::min<uint64_t>(fileSize - currentPosition, chunkSize));
         size_t resumeOffset = 0;
-        RETURN_IF_FAILED(SearchChunk(currentPosition, numBytesToRead, search, resumeOffset));
+        if (const ErrorCode code = SearchChunk(currentPosition, numBytesToRead, search, resumeOffset))
+            return code;  // reported there
         currentPosition += resumeOffset != 0 ? resumeOffset : ordinaryAdvance;
     }
     return CoreErrorCodes::kSuccess;

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include "Formats.h"
 #include "PlacedDocuments.h"
+#include "StringConversion.h"
 #include "TemporaryFolder.h"
 #include "TestFiles.h"
 
@@ -62,4 +64,14 @@ TEST(DocumentReader, WithoutItsProgramItSaysSo) {
     const TemporaryFolder folder;
     const std::string drawing = folder.Write("a.svg", DrawingWith("A"));
     EXPECT_THROW(DocumentReader(folder / "no program").Read(drawing), documents::NoDocumentReader);
+}
+
+TEST(Formats, EachIsNamedInThePageOfTheHost) {
+    if (!HasSources())
+        GTEST_SKIP() << kNoSources;
+    const std::string page = AsciiLowerCase(ContentOf(SourceFile("docs/host.md")));
+    for (const documents::Format& format : documents::Formats()) {
+        const std::string name(format.name);
+        EXPECT_THAT(page, testing::AnyOf(HasSubstr("\n| " + name), HasSubstr("(`." + name + "`) |")));
+    }
 }

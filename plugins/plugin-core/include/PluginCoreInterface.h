@@ -257,8 +257,10 @@ PLUGINCORE_API uint32_t HandleCreateNewDocument(char* idBuffer, size_t* idBuffer
  * path               in
  * fontsJSON          in: the fonts that the document uses: an array of font objects, or an object with such
  *                    an array under "DocumentFonts". A font object has the members of a font record
- *                    (FontRecordKeys.h), "PostScriptName" at least. Null or empty: the names are read out of
- *                    the file. What does not parse counts as no fonts.
+ *                    (FontRecordKeys.h), "PostScriptName" at least. Null or empty: the names are searched for
+ *                    in the file, for up to 2 seconds; what takes longer counts as no fonts, and so does
+ *                    what does not parse. While "SupportEmbeddedObjects" is off, fonts of placed documents
+ *                    ("SubDocumentsWithFont") are left out, and stand in neither buffer.
  * bufferA, sizeA     out: the fonts that were matched, a JSON array in a document buffer. Each has the
  *                    members of the font asked for and of the font's record, "ActivationStatus" as it is now,
  *                    and the record from before under "MatchedFont".

@@ -74,7 +74,7 @@ ErrorCode Close(const std::string& path, const std::string& hint, CloseReason re
     if (!record)
         return result;
     const std::string filePath = record->DocumentFilePath();
-    if (record->isSavePending || WasWrittenBehindTheHost(filePath, *record)) {
+    if (!filePath.empty() && (record->isSavePending || WasWrittenBehindTheHost(filePath, *record))) {
         HandOverFonts(filePath, *record, hint);
         record->isSavePending = false;
     }

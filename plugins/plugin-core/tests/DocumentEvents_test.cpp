@@ -95,6 +95,12 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     EXPECT_EQ(Close(), 0u);
     EXPECT_EQ(saved(), "'')") << "tried again at close";
     Open();
+    library.codes["SaveDocumentFonts"] = {CoreErrorCodes::kError};
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "failed"), CoreErrorCodes::kUnknownError);
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "again"), 0u);
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(saved(), "'again')") << "once";
+    Open();
     saved();
     for (const auto& [isEnabled, isLoggedIn] : {std::pair{0, true}, {1, false}}) {
         framework.numbers["EnablePlugin"] = isEnabled;
@@ -127,6 +133,11 @@ TEST_F(DocumentEventsTest, ANewDocumentGetsItsPathLaterOrNever) {
     EXPECT_EQ(DocumentEvents::HandleCloseDocument(buffer, ""), CoreErrorCodes::kSuccess);
     EXPECT_EQ(DocumentEvents::HandleCloseDocument(buffer, ""), CoreErrorCodes::kUnknownError);
     EXPECT_EQ(Close(), CoreErrorCodes::kSuccess) << "the other one was left alone";
+    EXPECT_EQ(DocumentEvents::HandleCreateNewDocument(buffer, &size), CoreErrorCodes::kSuccess);
+    AllTrackedDocuments::GetSharedInstance().FindTrackedDocumentByIdentifier(buffer)->isSavePending = true;
+    MakeFunctional();
+    EXPECT_EQ(DocumentEvents::HandleCloseDocument(buffer, ""), CoreErrorCodes::kSuccess);
+    EXPECT_EQ(library.CallsOf("SaveDocumentFonts"), 0) << "whose file is another document's";
 }
 
 TEST_F(DocumentEventsTest, ChosenFontsNeedATrackedDocumentAndAList) {

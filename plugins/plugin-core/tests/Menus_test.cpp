@@ -139,6 +139,9 @@ TEST_F(MenusTest, TheCommandBoxShowsTheStateAndRunsWhatIsChosen) {
     EXPECT_EQ(cf::GetBool(state, "ButtonsEnabled"), true);
     EXPECT_EQ(cf::GetInt64(state, "CurrentWorkgroupID"), 9);
     EXPECT_EQ(cf::Count(cf::GetArray(state, "Workgroups")), 3);
+    library.isStandalone = false;
+    EXPECT_EQ(CommandDialog::InvokeCommandDialog("/d.ai"), 0u);
+    EXPECT_EQ(cf::GetBool(framework.commandBoxState.get(), "IsOnline"), true);
     library.workgroups[1] = {9, kWorkgroupType_FontLibrary, "Font Library (LOCALIZE ME)"};
     framework.chosenCommand = 9;
     EXPECT_EQ(CommandDialog::InvokeCommandDialog(""), 0u);

@@ -80,7 +80,7 @@ bool FontManagerInterface::CreateFontManager() {
     LogMessage(0, "VPI at location '%s' is version '%s' and plugin version is '%s'", path.c_str(),
                version.c_str(), pluginVersion.c_str());
     if (!VersionsAreCompatible(pluginVersion, version))
-        return false;
+        return false;  // nothing of such a library is called, its log included
     VPILoader::GetSharedInstance()->LogIntoFontManager();
     sm_pFontManager = mFontManagers.emplace_back(std::move(fontManager)).get();
     SetFontManagerAccess(this);

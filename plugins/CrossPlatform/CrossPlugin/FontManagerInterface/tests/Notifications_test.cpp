@@ -91,6 +91,9 @@ TEST_F(NotificationsTest, ReportsBecomePayloadsThatOutliveThem) {
     }
     for (const int32_t unknown : {-1, kPluginCallback_Enabled + 1, INT32_MAX, INT32_MIN})
         CoreAgentNotificationCallback(unknown, nullptr);
+    Report(kPluginCallback_Enabled);
+    queue.Close();
+    Report(kPluginCallback_Enabled);
     EXPECT_EQ(queue.Count(), 0u);
 }
 
@@ -121,6 +124,26 @@ TEST_F(NotificationsTest, AWorkgroupThatIsGoneIsReplaced) {
     EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 9);
     EXPECT_EQ(refreshes, 2);
     EXPECT_TRUE(receiver.names.empty());
+}
+
+TEST_F(NotificationsTest, ServicesAreOnAgainAsSoonAsThereIsAWorkgroup) {
+    for (const auto news : {kPluginCallback_WorkgroupsChanged, kPluginCallback_BulkReplicationStopped,
+                            kPluginCallback_IncrementalReplicationStopped}) {
+        library.workgroups.clear();
+        Report(kPluginCallback_WorkgroupsChanged);
+        Report(kPluginCallback_LoggedIn);
+        Process();
+        EXPECT_FALSE(MarquellGlobals::IsPluginFunctional()) << "there is none";
+        library.workgroups = {{9, kWorkgroupType_FontLibrary, "Other"}};
+        Report(news);
+        Process();
+        EXPECT_TRUE(MarquellGlobals::IsPluginFunctional()) << news;
+    }
+    library.codes["GetAllWorkgroupsForUser"].assign(2, GIPCClient::kReplyTimeout);
+    Report(kPluginCallback_LoggedIn);
+    Process();
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctional()) << "it cannot be told that it is gone";
+    EXPECT_TRUE(framework.shownDialogs.empty());
 }
 
 TEST_F(NotificationsTest, TheHostIsRefreshedWhenAReplicationIsOver) {

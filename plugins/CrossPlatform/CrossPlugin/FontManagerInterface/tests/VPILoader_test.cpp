@@ -84,6 +84,12 @@ TEST_F(VPILoaderTest, AnAgentThatDoesNotRunIsStartedAndItsLibraryBound) {
     EXPECT_EQ(processes.launchedCommandLines.size(), 1u);
 }
 
+TEST_F(VPILoaderTest, WithoutAnAgentALibraryThatTheSystemFindsIsBound) {
+    libraries.loadable = {kLibrary};
+    EXPECT_TRUE(IsLoaded());
+    EXPECT_EQ(path, "/system/library.so");
+}
+
 TEST_F(VPILoaderTest, WithoutAgentAndLibraryAllFunctionsAreMissingForGood) {
     EXPECT_FALSE(IsLoaded());
     EXPECT_EQ(missingCount, 88u);

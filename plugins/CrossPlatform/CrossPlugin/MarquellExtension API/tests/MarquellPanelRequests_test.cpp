@@ -168,6 +168,7 @@ TEST_F(PanelRequestsTest, AConflictIsToldBeforeTheResult) {
                                             R"({"messageID":8,"returnCode":117440512})"));
     library.codes["GetFontConflicts"] = {CoreErrorCodes::kNotFound};
     EXPECT_THAT(Send(kMessage), ElementsAre(R"({"messageID":8,"returnCode":0})")) << "activated all the same";
+    EXPECT_THAT(trace.Text(), HasSubstr("Expression='fontManager->GetFontConflicts("));
     library.codes["GetFontInfoByID"] = {CoreErrorCodes::kNotFound};
     Forget();
     EXPECT_THAT(Send(kMessage), testing::Contains(R"({"messageID":8,"returnCode":117440512})"));

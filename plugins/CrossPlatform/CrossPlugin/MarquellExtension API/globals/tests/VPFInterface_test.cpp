@@ -5,6 +5,7 @@
 #include "CapturedTrace.h"
 #include "FakeFramework.h"
 #include "FakePlatform.h"
+#include "HostPatience.h"
 
 namespace {
 
@@ -61,5 +62,17 @@ TEST_F(VPFInterfaceTest, WithoutAFrameworkEverythingAnswersAsIfNoUserWereThere) 
         interface->ShowMessageAbout(message_boxes::kDocumentNotOpen, "x");
         interface->SetParentWindowForUi(nullptr);
         EXPECT_EQ(std::to_string(number) + folder, "7kept");
+    }
+}
+
+TEST_F(VPFInterfaceTest, AHostWhoseUserReadADialogIsPatientAnew) {
+    FakeClock clock;
+    VPFInterface interface(kIdentity, &framework);
+    for (const uint32_t shown : {0, 200}) {
+        const HostPatience::Call call;
+        clock.ticks += 3000;
+        framework.whileDialogShows = [&] { clock.ticks += shown; };
+        interface.ShowAbout();
+        EXPECT_EQ(HostPatience::AllowsRequest(), shown == 200);
     }
 }
