@@ -67,6 +67,9 @@ TEST(CFNumber, IsOneKeyWhateverItsType) {
     EXPECT_EQ(CFHash(cf::Number(3).get()), CFHash(cf::RealNumber(3).get()));
     EXPECT_EQ(CFHash(cf::RealNumber(-0.0).get()), CFHash(cf::Number(0).get()));
     EXPECT_FALSE(CFEqual(cf::Number(kHighest).get(), cf::RealNumber(std::ldexp(1, 63)).get()));
+    EXPECT_TRUE(CFEqual(cf::Number(kLowest).get(), cf::RealNumber(-std::ldexp(1, 63)).get()));
+    EXPECT_TRUE(CFEqual(cf::RealNumber(NAN).get(), cf::RealNumber(NAN).get()));
+    EXPECT_FALSE(CFEqual(cf::RealNumber(NAN).get(), cf::RealNumber(1).get()));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ TEST(StringConversion, WhatIsIllFormedIsFoundAndReplaced) {
         EXPECT_FALSE(IsValidUtf8(text));
     EXPECT_EQ(ReplaceInvalidUtf8("a\xff-"), "a\uFFFD-");
     EXPECT_EQ(WellFormedTail("a\xFF\xFE字"), 3u);
+    EXPECT_EQ(WellFormedTail("a\xFF字"), 2u);
 }
 
 TEST(StringConversion, EncodingsAreConvertedByName) {
