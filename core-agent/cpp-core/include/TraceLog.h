@@ -36,9 +36,9 @@ int TraceIndentation();
 void SetTraceIndentation(int depth);
 
 /// Writes one line. `indentDelta` is +1 for a line that opens a nested step, -1 for the one that closes it,
-/// else 0. Line feeds within the text and carriage returns become blanks. It is cut at 65535 bytes; below 65534 bytes a line feed
-/// is added when it has none at its end. A null format writes nothing. Any thread. Nothing is allocated here;
-/// a sink may do so.
+/// else 0. Line feeds within the text and carriage returns become blanks. It is cut at 65535 bytes; below
+/// 65534 bytes a line feed is added when it has none at its end. A null format writes nothing. Any thread.
+/// Nothing is allocated here; a sink may do so.
 void LogMessage(int indentDelta, const char* format, ...) TRACE_LOG_PRINTF(2);
 /// The same with the arguments as a list.
 void LogMessageV(int indentDelta, const char* format, va_list arguments);

@@ -37,6 +37,8 @@ TEST(FontNameParts, FamilyAndStyleAreReadOutOfPostScriptNames) {
         {"Univers-UltraCondensedThin", "univers 100 1"},
         {"Sample-950", "sample 950 5"},
         {"Sample-333", "sample333 400 5"},
+        {"Sample-100", "sample 100 5"},
+        {"ZapfPS-Zz", "zapfzz 400 5"},
         {"\u00DCberschrift-Fett", "\u00DCberschriftfett 400 5"},
         {"-", " 400 5"},
         {"", " 400 5"}};

@@ -7,6 +7,7 @@
 #include "MarquellGlobals.h"
 #include "NoDestructor.h"
 #include "NotificationQueue.h"
+#include "Preferences.h"
 #include "ScopeExit.h"
 #include "TraceLog.h"
 
@@ -25,7 +26,8 @@ int FontID(const PluginNotification& notification) {
 void ChooseWorkgroupIfNoneIs() {
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     if (!fontManager.GetDefaultWorkgroupID() && MarquellGlobals::IsLoggedIn() &&
-        MarquellGlobals::IsConnectedToCore())
+        MarquellGlobals::IsConnectedToCore() &&
+        MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnablePlugin))
         fontManager.HandleSelectWorkgroup();
 }
 
