@@ -70,6 +70,9 @@ TEST(FontNameParts, EachStyleHasATextThatMeansItAndOtherWordsForIt) {
             EXPECT_EQ(StyleDistance(style, read), 0) << StyleText(style);
         }
     }
+    EXPECT_EQ(StyleText({}), "Regular");
+    EXPECT_EQ(StyleText({.weight = 400, .width = 3, .isSlanted = true, .others = "caption"}),
+              "Condensed Italic caption");
     for (const char* words :
          {"Thin Hairline Th", "ExtraLight UltraLight", "Light Lt", "Regular Normal Roman Plain Book Rg Reg",
           "Medium Md Med", "SemiBold DemiBold Demi Sb", "Bold Bd", "ExtraBold UltraBold Heavy Hv",

@@ -79,6 +79,9 @@ TEST(GPickBestMatch, ModeZeroLosesUnlessIgnored) {
     BestMatchCandidate zero = Candidate(1);
     zero.mode = 0;
     ExpectWins(Candidate(2), zero);
+    BestMatchCandidate seven = Candidate(1);
+    seven.mode = 7;
+    ExpectWins(Candidate(2), seven);
     EXPECT_TRUE(LeftIsBetter(zero, Candidate(2), Kinds::kFontKind_unknown, "", true));
     EXPECT_FALSE(LeftIsBetter(Candidate(5), Candidate(5))) << "of one font neither side is better";
 }
