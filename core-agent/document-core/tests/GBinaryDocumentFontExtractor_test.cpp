@@ -165,7 +165,8 @@ TEST_F(ExtractorTest, AWindowStaysAsLargeAsItWas) {
     const std::string content = std::string(100000, '.') + "needle";
     ASSERT_EQ(file.Open(GFileSystemSpec(folder.Write("large", content)), GFile::eRead), 0u);
     std::vector<char> window(256);
-    FileChunk chunk(file, 0, content.size(), window, [] { return true; });
+    const FileChunk::HasTime always = [] { return true; };
+    FileChunk chunk(file, 0, content.size(), window, always);
     EXPECT_EQ(chunk.Find(0, content.size(), "needle"), 100000u);
     EXPECT_EQ(window.size(), 256u);
 }
