@@ -101,6 +101,12 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     EXPECT_EQ(Close(), 0u);
     EXPECT_EQ(saved(), "'again')") << "once";
     Open();
+    std::filesystem::last_write_time(platform::Utf8Path(path),
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(2));
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "written"), 0u);
+    EXPECT_EQ(Close("last"), 0u);
+    EXPECT_EQ(saved(), "'written')") << "by the host itself";
+    Open();
     saved();
     for (const auto& [isEnabled, isLoggedIn] : {std::pair{0, true}, {1, false}}) {
         framework.numbers["EnablePlugin"] = isEnabled;
@@ -194,11 +200,15 @@ TEST_F(DocumentEventsTest, WhateverTheUserDoesAnAgentThatIsBackIsNoticed) {
     }
 }
 
-TEST_F(DocumentEventsTest, AFailedExtractionIsReportedAndLeavesTheListEmpty) {
+TEST_F(DocumentEventsTest, WithoutAListTheFileIsSearchedAndWhereThatFailsTheListIsEmpty) {
     MakeFunctional();
+    path = folder.Write("a.ai", "<< /FontName /Comic /Flags 4 >>");
+    EXPECT_EQ(Open(""), 0u);
+    EXPECT_EQ(Wanted(), "({PostScriptName = Comic, ExactMatch = true})");
     path = folder / "missing.ai";
     EXPECT_EQ(Open(""), 0u);
     EXPECT_THAT(trace.Text(), HasSubstr("Error="));
+    EXPECT_EQ(Wanted(), "()");
 }
 
 TEST_F(DocumentEventsTest, FromBehindADialogNoOtherEventMovesFonts) {

@@ -3,6 +3,7 @@
 #include "FakePlugPlug.h"
 #include "FakeWorld.h"
 #include "LeaveCall.h"
+#include "NotificationQueue.h"
 #include "PluginCoreInterface.h"
 
 using testing::HasSubstr;
@@ -165,6 +166,10 @@ TEST_F(ExportsTest, TheVersionIsAgreedOnAtAnyTime) {
     EXPECT_TRUE(framework.shownBoxes.empty());
     EXPECT_EQ(agrees(7), PLUGINCORE_NOT_IMPLEMENTED);
     EXPECT_THAT(framework.shownBoxes, testing::ElementsAre(std::pair(602u, 603u)));
+    CoreAgentNotificationCallback(kPluginCallback_LoggedOut, nullptr);
+    EXPECT_TRUE(MarquellGlobals::IsLoggedIn());
+    EXPECT_EQ(IdleEvent(), 0u);
+    EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
 }
 
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
