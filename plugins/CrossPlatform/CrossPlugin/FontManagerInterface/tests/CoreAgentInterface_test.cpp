@@ -128,6 +128,14 @@ TEST_F(CoreAgentInterfaceTest, WhoGaveUpTriesAgainWhenTheUserDoesSomething) {
     processes.launchErrors = {2};
     EXPECT_EQ(launches(), 2u);
     library.answer = nullptr;
+    library.isAgentRunning = true;
+    library.isLoggedIn = false;  // meanwhile
+    fontManager.OnUserAction();
+    EXPECT_TRUE(MarquellGlobals::IsConnectedToCore());
+    EXPECT_FALSE(MarquellGlobals::IsLoggedIn() || MarquellGlobals::ArePluginServicesEnabled());
+    MarquellGlobals::SetPluginFunctionalityEnabled(false);
+    fontManager.InitializeDefaultWorkgroup();
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctionalityEnabled());
 }
 
 TEST_F(CoreAgentInterfaceTest, FontsAreCollectedInAtMostTwentyParts) {
