@@ -34,7 +34,8 @@ public:
     /// in this process and the plug-in is usable, runs HandleSelectWorkgroup.
     void InitializeDefaultWorkgroup();
     /// Has a workgroup chosen: the one chosen last time while the user still has it, the only one there is,
-    /// else by the Select Workgroup dialog. Plug-in services are disabled until one was chosen.
+    /// else by the Select Workgroup dialog. Plug-in services are disabled until one was chosen. Where the
+    /// list cannot be had, the one that was chosen in this process stays.
     void HandleSelectWorkgroup();
     /// Whether the user has a workgroup to work in.
     bool IsWorkgroupAvailable();

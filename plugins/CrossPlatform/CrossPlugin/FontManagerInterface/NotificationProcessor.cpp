@@ -22,11 +22,12 @@ int FontID(const PluginNotification& notification) {
         cf::GetInt64(notification.payload.get(), kPluginNotification_FontActivation_Font_ID).value_or(0));
 }
 
-/// Where there was none to work in, which keeps services off, there may be one now.
+/// Where there was none to work in, which keeps services off, there may be one now. While they are on,
+/// InitializeDefaultWorkgroup sees to it.
 void ChooseWorkgroupIfNoneIs() {
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
-    if (!fontManager.GetDefaultWorkgroupID() && MarquellGlobals::IsLoggedIn() &&
-        MarquellGlobals::IsConnectedToCore() &&
+    if (!MarquellGlobals::ArePluginServicesEnabled() && !fontManager.GetDefaultWorkgroupID() &&
+        MarquellGlobals::IsLoggedIn() && MarquellGlobals::IsConnectedToCore() &&
         MarquellGlobals::GetSharedVPFInterface()->GetBoolPreference(preferences::EnablePlugin))
         fontManager.HandleSelectWorkgroup();
 }
@@ -65,8 +66,8 @@ void OnWorkgroupsChanged(const PluginNotification&) {
     LogMessage(0, ">>> notification: Workgroups changed");
     FontManagerInterface& fontManager = FontManagerInterface::GetSharedInstance();
     fontManager.ForgetWorkgroupThatIsGone();
-    fontManager.InitializeDefaultWorkgroup();
     ChooseWorkgroupIfNoneIs();
+    fontManager.InitializeDefaultWorkgroup();
     RefreshWorkgroups();
 }
 

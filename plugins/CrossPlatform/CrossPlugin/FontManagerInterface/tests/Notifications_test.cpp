@@ -144,6 +144,12 @@ TEST_F(NotificationsTest, ServicesAreOnAgainAsSoonAsThereIsAWorkgroup) {
     Process();
     EXPECT_TRUE(MarquellGlobals::IsPluginFunctional()) << "it cannot be told that it is gone";
     EXPECT_TRUE(framework.shownDialogs.empty());
+    library.workgroups = {{7, kWorkgroupType_FontLibrary, "A"}, {8, kWorkgroupType_FontLibrary, "B"}};
+    for (const size_t asked : {1, 2}) {  // with services on, and off since nothing was chosen
+        Report(kPluginCallback_WorkgroupsChanged);
+        Process();
+        EXPECT_EQ(framework.shownDialogs.size(), asked) << "a user who chooses nothing is asked once";
+    }
 }
 
 TEST_F(NotificationsTest, TheHostIsRefreshedWhenAReplicationIsOver) {
