@@ -171,6 +171,6 @@ TEST_F(PageTest, EveryPreferenceThatTheUserCanSwitchIsExplained) {
     for (const auto& [key, kind, defaultValue, switchTitle] : preferences::kAll) {
         const std::string row =
             std::string("| `") + key + (defaultValue.value_or(0) != 0 ? "` (on) |" : "` |");
-        EXPECT_EQ(page.find(row) != std::string::npos || switchTitle == preferences::kNoSwitch, true) << row;
+        EXPECT_TRUE(switchTitle == preferences::kNoSwitch || page.find(row) != std::string::npos) << row;
     }
 }

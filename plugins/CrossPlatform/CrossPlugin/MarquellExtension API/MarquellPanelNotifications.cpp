@@ -93,7 +93,7 @@ ErrorCode MarquellPanel::PopNotifications() {
     std::set<int>& unsent = mUnsentNotifications;
     unsent.merge(std::exchange(mPendingNotifications, {}));
     bool haveFontsGone = false;
-    const ScopeExit settle([&] {
+    const ScopeExit refresh([&] {
         if (haveFontsGone)  // also when a later message failed: those of the fonts were sent
             MarquellGlobals::RefreshActiveFontList(nullptr, nullptr);
     });

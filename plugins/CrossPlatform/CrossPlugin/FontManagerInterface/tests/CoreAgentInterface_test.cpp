@@ -133,9 +133,6 @@ TEST_F(CoreAgentInterfaceTest, WhoGaveUpTriesAgainWhenTheUserDoesSomething) {
     fontManager.OnUserAction();
     EXPECT_TRUE(MarquellGlobals::IsConnectedToCore());
     EXPECT_FALSE(MarquellGlobals::IsLoggedIn() || MarquellGlobals::ArePluginServicesEnabled());
-    MarquellGlobals::SetPluginFunctionalityEnabled(false);
-    fontManager.InitializeDefaultWorkgroup();
-    EXPECT_TRUE(MarquellGlobals::IsPluginFunctionalityEnabled());
 }
 
 TEST_F(CoreAgentInterfaceTest, FontsAreCollectedInAtMostTwentyParts) {

@@ -53,6 +53,9 @@ TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
     EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
     EXPECT_EQ(fontManager.GetWorkgroupNameFromID(8), "");
     EXPECT_TRUE(fontManager.IsWorkgroupAvailable());
+    MarquellGlobals::SetPluginFunctionalityEnabled(false);
+    fontManager.InitializeDefaultWorkgroup();
+    EXPECT_TRUE(MarquellGlobals::IsPluginFunctionalityEnabled());
     library.codes["GetAllWorkgroupsForUser"] = {CoreErrorCodes::kError};
     EXPECT_FALSE(fontManager.IsWorkgroupAvailable());
     library.workgroups = {{7, kWorkgroupType_FontLibrary, "Library"}, {8, kWorkgroupType_FontLibrary, "B"}};
@@ -121,6 +124,10 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     fontManager.OnIdle();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 6);
     EXPECT_EQ(fontManager.XTDeactivateFont(font.get(), 0), 0);
+}
+
+TEST_F(FacadeTest, ThereIsOneFontManagerAndWhatWasPutOffGoesWithIt) {
+    const auto fonts = List(Record());
     CoreAgentInterface* const one = fontManager.GetFontManager();
     EXPECT_TRUE(fontManager.CompatibleFontManagerIsRunning());
     EXPECT_EQ(fontManager.GetFontManager(), one);
@@ -128,7 +135,8 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     EXPECT_NE(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), 0u);
     fontManager.OnHostAppShuttingDown();
     EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
-    EXPECT_EQ(fontManager.XTDeactivateFont(font.get(), 0), static_cast<int16_t>(kErrorMarquellNotRunning));
+    EXPECT_EQ(fontManager.XTDeactivateFont(Record().get(), 0),
+              static_cast<int16_t>(kErrorMarquellNotRunning));
     MarquellGlobals::SetPluginServicesEnabled(true);
     MarquellGlobals::SetConnectedToCore(true);
     ASSERT_TRUE(MakeFunctional());

@@ -1,7 +1,6 @@
 #include "VPILoader.h"
 
-#include "FontManagerWorld.h"
-#include "TemporaryFolder.h"
+#include "FacadeTest.h"
 
 using testing::HasSubstr, testing::IsEmpty, testing::Not;
 
@@ -74,9 +73,7 @@ TEST_F(VPILoaderTest, TheLibraryBesideTheRunningAgentIsBound) {
 
 TEST_F(VPILoaderTest, AnAgentThatDoesNotRunIsStartedAndItsLibraryBound) {
     const TemporaryFolder folder;
-    const std::string agent = folder.Write("agent/" + kAgentProgram, "");
-    folder.Write("Vantorix/com.vantorix.Pellwick-LaunchInfo.conf", "pellwick.path=" + agent + "\n");
-    folders.paths[platform::KnownFolder::kLocalApplicationData] = folder / ".";
+    InstallAgent(folder, folders);
     const std::string expected = folder / ("agent/" + kLibrary);
     libraries.loadable = {expected};
     EXPECT_TRUE(IsLoaded());

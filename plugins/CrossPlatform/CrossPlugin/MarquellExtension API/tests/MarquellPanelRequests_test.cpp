@@ -144,9 +144,9 @@ TEST_F(PanelRequestsTest, KeysGoToTheHost) {
     EXPECT_THAT(trace.Text(), HasSubstr("Key 9 pressed in a panel (ctrl=0, shift=1, alt=0)\n"));
 }
 
-int menusRebuilt = 0;
-
 TEST_F(PanelRequestsTest, TheHostBuildsItsMenuAnewWhenWorkgroupsChange) {
+    static int menusRebuilt;
+    menusRebuilt = 0;
     GeneralInterface host;
     host.OnWorkgroupsChanged();  // nobody to tell yet
     host.SetRebuildWorkgroupsMenuCallback([] { ++menusRebuilt; });
