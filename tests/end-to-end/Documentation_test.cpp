@@ -40,6 +40,15 @@ std::vector<PageExchange> ReadScriptPage(const std::string& name) {
     return script;
 }
 
+/// A line of the page in which what stands in the other line takes the place of "…".
+std::string WithoutEllipsis(std::string onPage, const std::string& now) {
+    const std::string ellipsis = "…";
+    const size_t at = onPage.find(ellipsis), after = onPage.size() - at - ellipsis.size();
+    return at == std::string::npos || now.size() < at + after
+               ? onPage
+               : onPage.replace(at, ellipsis.size(), now, at, now.size() - at - after);
+}
+
 /// Files have other names each time: the page's URLs and those of now.
 class FileNames {
 public:
@@ -138,8 +147,10 @@ TEST_F(PageTest, TheExampleScriptGoesAsItSays) {
     TestProcess host({BuiltFile(HOST_PROGRAM), "--answers", answers, "script"});
     for (const PageExchange& exchange : script) {
         host.WriteLine(exchange.request);
-        for (const std::string& answer : exchange.answers)
-            EXPECT_EQ(json::parse(host.ReadLine()), json::parse(answer)) << exchange.request;
+        for (const std::string& answer : exchange.answers) {
+            const std::string line = host.ReadLine();
+            EXPECT_EQ(json::parse(line), json::parse(WithoutEllipsis(answer, line))) << exchange.request;
+        }
     }
     EXPECT_EQ(host.Finish().status, 0);
 }

@@ -207,10 +207,10 @@ TEST_F(DialogsTest, PreferencesThatChangeAreStoredTogetherAndNoOthers) {
     Expect("Preferences", R"(yes {"EnableLogging":true,"EnablePlugin":false})",
            {R"({"EnableLogging": true, "PickBestMatch": false, "EnablePlugin": false, "LastUsername": "ana",
                   "CS5PanelWidth": true})"},
-           {"1\n9\n4\n4\n10\nkeep\nkeep\n\n"},
+           {"1\n4\n4\n99\nkeep\nkeep\nkeep\n\n"},
            {"Activate fonts automatically|Keep a log for troubleshooting|OK"});
     Expect("Preferences", R"(yes {"EnablePlugin":true})", {"true"}, {"\n"}, {"OK"});
-    Expect("Preferences", R"(no {"EnablePlugin":true})", {"false"}, {"1\n9\nq\n", "1\n", "1\ncancel\n", ""},
+    Expect("Preferences", R"(no {"EnablePlugin":true})", {"false"}, {"1\n4\nq\n", "1\n", "1\ncancel\n", ""},
            {"Activate fonts automatically|Cancel"});
     Expect("Preferences", R"(no {"EnablePlugin":true}, reported)",
            {R"({"EnableLogging": true, "EnablePlugin": 1})", "[]", "1"});
