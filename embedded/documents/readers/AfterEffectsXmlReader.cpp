@@ -99,11 +99,20 @@ private:
     bool mIsInLayerName = false;
 };
 
-}  // namespace
-
 void ReadAfterEffectsXml(std::string_view content, FontList& fonts) {
     ProjectListener listener(fonts);
     ReadXml(content, listener);
 }
+
+}  // namespace
+
+/// After Effects projects: the fonts of text layers.
+const Format kAfterEffectsXmlFormat = {
+    .name = "aepx",
+    .read = ReadAfterEffectsXml,
+    .form = Form::kXml,
+    .root = "AfterEffectsProject",
+    .extensions = {"aepx"},
+};
 
 }  // namespace documents

@@ -12,19 +12,11 @@
 namespace documents {
 namespace {
 
-constexpr Format kFormats[] = {
-#define FORMAT_ROW(reader, name, form, root, mark, ...) {name, reader, Form::form, root, mark, {__VA_ARGS__}},
-    TEXT_DOCUMENT_FORMATS(FORMAT_ROW)
-#ifdef PLUGINCORE_DOCUMENT_READERS
-        BINARY_DOCUMENT_FORMATS(FORMAT_ROW)
-#endif
-#undef FORMAT_ROW
-};
-
 template <class Condition>
 const Format* FindOne(Condition&& condition) {
-    const auto* found = std::find_if(std::begin(kFormats), std::end(kFormats), condition);
-    return found == std::end(kFormats) ? nullptr : found;
+    const std::span formats = Formats();
+    const auto found = std::find_if(formats.begin(), formats.end(), condition);
+    return found == formats.end() ? nullptr : &*found;
 }
 
 bool Holds(std::string_view beginning, std::string_view mark) {
@@ -89,7 +81,12 @@ const Format* FormatOfExtension(std::string_view extension) {
 }  // namespace
 
 std::span<const Format> Formats() {
-    return kFormats;
+    static const Format formats[] = {
+#define READER(format) format,
+#include "Readers.inc"
+#undef READER
+    };
+    return formats;
 }
 
 const Format* FindFormat(std::string_view content, std::string_view extension) {

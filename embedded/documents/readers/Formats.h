@@ -15,11 +15,13 @@ enum class Form { kXml, kArchive, kBytes };
 
 struct Format {
     std::string_view name;
+    /// Takes a whole document, adds the fonts that it uses, and throws ReadProblem where the document is damaged,
+    /// locked, or over a limit of DocumentLimits.h. Any thread, several at once; opens no file and no connection.
     void (*read)(std::string_view content, FontList& fonts);
     Form form;
-    std::string_view root;  ///< how the name of the outermost element of an XML document begins
-    std::string_view mark;  ///< what the document's beginning holds
-    std::array<std::string_view, 4> extensions;
+    std::string_view root = {};  ///< how the name of the outermost element of an XML document begins
+    std::string_view mark = {};  ///< what the document's beginning holds
+    std::array<std::string_view, 4> extensions;  ///< of file names, in lower case
 };
 
 /// Those that this build reads.

@@ -25,11 +25,20 @@ private:
     FontList& mFonts;
 };
 
-}  // namespace
-
 void ReadScribus(std::string_view content, FontList& fonts) {
     ScribusListener listener(fonts);
     ReadXml(content, listener);
 }
+
+}  // namespace
+
+/// The fonts of texts and styles.
+const Format kScribusFormat = {
+    .name = "sla",
+    .read = ReadScribus,
+    .form = Form::kXml,
+    .root = "SCRIBUS",
+    .extensions = {"sla"},
+};
 
 }  // namespace documents

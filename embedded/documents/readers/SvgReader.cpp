@@ -98,13 +98,22 @@ private:
     std::vector<Level> mLevels;
 };
 
-}  // namespace
-
 void ReadSvg(std::string_view content, FontList& fonts) {
     StyleSheetListener sheets;  // they count wherever they stand
     ReadXml(content, sheets);
     TextListener text(sheets.sheet, fonts);
     ReadXml(content, text);
 }
+
+}  // namespace
+
+/// The fonts of text, as attributes, styles and simple style sheets set them.
+const Format kSvgFormat = {
+    .name = "svg",
+    .read = ReadSvg,
+    .form = Form::kXml,
+    .root = "svg",
+    .extensions = {"svg"},
+};
 
 }  // namespace documents

@@ -3,6 +3,7 @@
 #include "ZipArchive.h"
 
 namespace documents {
+namespace {
 
 void ReadOpenDocument(std::string_view content, FontList& fonts) {
     constexpr char kStyles[] = "styles.xml";
@@ -13,5 +14,15 @@ void ReadOpenDocument(std::string_view content, FontList& fonts) {
     archive.ReadXml("content.xml", listener);
     listener.Finish();
 }
+
+}  // namespace
+
+const Format kOpenDocumentFormat = {
+    .name = "opendocument",
+    .read = ReadOpenDocument,
+    .form = Form::kArchive,
+    .mark = "mimetypeapplication/vnd.oasis.opendocument",
+    .extensions = {"odt", "ods", "odp", "odg"},
+};
 
 }  // namespace documents

@@ -75,8 +75,6 @@ private:
     FontList& mFonts;
 };
 
-}  // namespace
-
 void ReadIdml(std::string_view content, FontList& fonts) {
     ZipArchive archive(content);
     WantedFonts wanted;
@@ -92,5 +90,16 @@ void ReadIdml(std::string_view content, FontList& fonts) {
             archive.ReadXml(name, links);
     }
 }
+
+}  // namespace
+
+/// InDesign's exchange format: the document's fonts of the families and styles that its text asks for.
+const Format kIdmlFormat = {
+    .name = "idml",
+    .read = ReadIdml,
+    .form = Form::kArchive,
+    .mark = "mimetypeapplication/vnd.adobe.indesign-idml",
+    .extensions = {"idml"},
+};
 
 }  // namespace documents

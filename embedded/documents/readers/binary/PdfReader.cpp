@@ -92,8 +92,6 @@ void Open(QPDF& pdf, std::string_view content) {
         std::make_shared<BufferInputSource>("document", new Buffer(bytes, content.size()), true));
 }
 
-}  // namespace
-
 void ReadPdf(std::string_view content, FontList& fonts) {
     try {
         QPDF pdf;
@@ -118,5 +116,17 @@ void ReadPdf(std::string_view content, FontList& fonts) {
         throw ReadProblem(std::string("is damaged: ") + problem.what());
     }
 }
+
+}  // namespace
+
+/// And what is PDF as well, such as Illustrator documents: the fonts in the resources of pages, of the forms and
+/// patterns on them, and of annotations' looks.
+const Format kPdfFormat = {
+    .name = "pdf",
+    .read = ReadPdf,
+    .form = Form::kBytes,
+    .mark = "%PDF-",
+    .extensions = {"pdf"},
+};
 
 }  // namespace documents
