@@ -1,6 +1,7 @@
 #include "LinuxFiles.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -47,6 +48,19 @@ SystemError FlushFolder(const std::string& folder) {
         return {};  // one that may be written to but not read
     const SystemError error = Flush(descriptor.Get());
     return error.code == EINVAL ? SystemError{} : error;
+}
+
+SystemError IdentityAt(int folder, const char* name, int flags, FileIdentity& identity) {
+    struct statx info {};
+    if (statx(folder, name, flags | AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &info) != 0)
+        return LastSystemError();
+    identity.volume = uint64_t{info.stx_dev_major} << 32 | info.stx_dev_minor;
+    identity.file = info.stx_ino;
+    // A number that is free again is soon given to another file.
+    if ((info.stx_mask & STATX_BTIME) != 0)
+        identity.birth =
+            static_cast<uint64_t>(info.stx_btime.tv_sec) * 1'000'000'000 + info.stx_btime.tv_nsec;
+    return {};
 }
 
 }  // namespace platform

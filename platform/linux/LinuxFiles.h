@@ -1,4 +1,4 @@
-// What the implementations of platform/Files.h and platform/FileWriter.h share on Linux.
+// What the implementations of platform/Files.h, FileLock.h and FileWriter.h share on Linux.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Files.h"
 #include "platform/SystemError.h"
 
 namespace platform {
@@ -18,5 +19,7 @@ SystemError WriteAll(int descriptor, std::string_view content);
 SystemError Flush(int descriptor);
 /// Has what was renamed in the folder reach the disk. Some file systems cannot, and need not, be told to.
 SystemError FlushFolder(const std::string& folder);
+/// Of what stands at the name in the folder, as statx takes them; links are not followed.
+SystemError IdentityAt(int folder, const char* name, int flags, FileIdentity& identity);
 
 }  // namespace platform

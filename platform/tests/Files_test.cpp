@@ -1,4 +1,5 @@
 #include "platform/Files.h"
+#include "platform/FileLock.h"
 
 #include <gtest/gtest.h>
 

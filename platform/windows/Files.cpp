@@ -22,24 +22,21 @@ namespace platform {
 const char kPathSeparator = '\\';
 const SystemError kFileTooLarge{ERROR_FILE_TOO_LARGE};
 
-namespace {
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-/// What stands at a path may be somebody else's pipe, which must not act in this user's name.
-/// None can at a drive's path, and the same flag means there that a file which a service keeps elsewhere, as OneDrive
-/// does, is not to be fetched.
 DWORD NoImpersonation(std::wstring_view name) {
     if (name.starts_with(LR"(\\?\)"))
         name.remove_prefix(4);
     const bool isOnDrive = name.size() > 2 && name[1] == L':' && name[2] == L'\\';
     return isOnDrive ? 0 : SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
 }
-/// One call reads or writes at most this much.
-constexpr size_t kPieceSize = size_t{1} << 20;
 
 SystemError ErrorUnless(BOOL succeeded) {
     return succeeded ? SystemError{} : LastSystemError();
 }
+
+namespace {
+
+/// One call reads or writes at most this much.
+constexpr size_t kPieceSize = size_t{1} << 20;
 
 OwnedHandle OpenForReading(const std::string& path) {
     const std::wstring name = ToWidePath(path);
@@ -354,8 +351,6 @@ SystemError MakeFolders(const std::string& path, bool privateToUser) {
     }
 }
 
-namespace {
-
 /// The index is not given to another file; the time of creation does not matter here.
 SystemError IdentityOf(const OwnedHandle& file, FileIdentity& identity) {
     BY_HANDLE_FILE_INFORMATION info{};
@@ -365,8 +360,6 @@ SystemError IdentityOf(const OwnedHandle& file, FileIdentity& identity) {
     identity.file = Combine(info.nFileIndexHigh, info.nFileIndexLow);
     return {};
 }
-
-}  // namespace
 
 bool IsLink(const std::string& path) {
     WIN32_FIND_DATAW found{};
@@ -428,86 +421,6 @@ void AppendedFile::Close() {
 }
 bool AppendedFile::IsOpen() const {
     return mHandle != nullptr;
-}
-
-struct FileLock::Handle {
-    OwnedHandle file;
-    std::string path;
-};
-
-FileLock::FileLock() = default;
-FileLock::~FileLock() = default;
-FileLock::FileLock(FileLock&&) noexcept = default;
-FileLock& FileLock::operator=(FileLock&&) noexcept = default;
-
-namespace {
-
-OwnedHandle OpenLock(const std::string& path, DWORD access, DWORD disposition) {
-    PrivateToUser rights;
-    const std::wstring name = ToWidePath(path);
-    return OwnedHandle(name.empty()
-                           ? nullptr
-                           : CreateFileW(name.c_str(), access, kShareAll, rights.Attributes(), disposition,
-                                         FILE_FLAG_OPEN_REPARSE_POINT | NoImpersonation(name), nullptr));
-}
-
-/// A byte far behind what stands in the file: nobody reads what is locked. Earlier versions locked all of it.
-SystemError Lock(const OwnedHandle& file, DWORD flags) {
-    OVERLAPPED place{};
-    place.OffsetHigh = MAXLONG;
-    return ErrorUnless(LockFileEx(file.Get(), flags, 0, 1, 0, &place));
-}
-
-/// True also where that cannot be told.
-bool StandsAt(const std::string& path, const OwnedHandle& file) {
-    FileIdentity held;
-    FileIdentity found;
-    if (IdentityOf(file, held))
-        return true;
-    const SystemError error = IdentifyFile(path, found);
-    return error ? !error.IsNotFound() : found == held;
-}
-
-}  // namespace
-
-SystemError FileLock::Acquire(const std::string& path, bool wait) {
-    mHandle.reset();
-    OwnedHandle file;
-    do {  // once more where the file was taken away before it was locked
-        file = OpenLock(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
-        if (!file.IsValid())
-            return LastSystemError();
-        if (const SystemError error =
-                Lock(file, LOCKFILE_EXCLUSIVE_LOCK | (wait ? 0 : LOCKFILE_FAIL_IMMEDIATELY)))
-            return error;
-    } while (!StandsAt(path, file));
-    mHandle = std::make_unique<Handle>(Handle{std::move(file), path});
-    return {};
-}
-
-bool FileLock::IsHeldByAnyone(const std::string& path) {
-    const OwnedHandle file = OpenLock(path, GENERIC_READ, OPEN_EXISTING);
-    return file.IsValid() && Lock(file, LOCKFILE_FAIL_IMMEDIATELY).IsHeldByOther();
-}
-
-bool FileLock::IsInPlace() const {
-    return mHandle && StandsAt(mHandle->path, mHandle->file);
-}
-
-SystemError FileLock::Write(std::string_view content) {
-    if (!mHandle)
-        return SystemError{ERROR_INVALID_HANDLE};
-    const HANDLE file = mHandle->file.Get();
-    if (!SetFilePointerEx(file, LARGE_INTEGER{}, nullptr, FILE_BEGIN) || !SetEndOfFile(file))
-        return LastSystemError();
-    return WriteAll(mHandle->file, content);
-}
-
-bool FileLock::IsHeld() const {
-    return mHandle != nullptr;
-}
-void FileLock::Release() {
-    mHandle.reset();  // a closed file is unlocked
 }
 
 }  // namespace platform

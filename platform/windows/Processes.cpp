@@ -14,6 +14,7 @@
 #include "SecurityAttributes.h"
 #include "UserIdentity.h"
 #include "WideText.h"
+#include "WindowsFiles.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/System.h"
@@ -131,7 +132,6 @@ std::string PathOfThisProgram() {
 /// The path as the file system has it, whatever the letter case or the short names that it was written with;
 /// empty when that cannot be told.
 std::string StoredPath(const std::string& path) {
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const OwnedHandle file(
         CreateFileW(ToWidePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!file.IsValid())

@@ -13,6 +13,7 @@
 #include "common/Protocol.h"
 #include "ipc/AgentConnection.h"
 #include "platform/Clock.h"
+#include "platform/FileLock.h"
 #include "platform/Files.h"
 #include "platform/PrivateFolder.h"
 #include "platform/Processes.h"

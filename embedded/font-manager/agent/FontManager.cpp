@@ -4,6 +4,7 @@
 
 #include "FontRecordKeys.h"
 #include "common/Protocol.h"
+#include "platform/FileLock.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/System.h"

@@ -15,7 +15,7 @@
 #include "agent/Requests.h"
 #include "common/LogFile.h"
 #include "platform/EndRequests.h"
-#include "platform/Files.h"
+#include "platform/FileLock.h"
 #include "platform/FontWatch.h"
 #include "platform/LocalStream.h"
 #include "workers/Lane.h"

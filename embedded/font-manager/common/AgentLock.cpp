@@ -1,4 +1,5 @@
 #include "common/AgentLock.h"
+#include "platform/Files.h"
 
 #include <sstream>
 

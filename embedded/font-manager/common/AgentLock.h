@@ -6,7 +6,7 @@
 #include <string>
 
 #include "common/Locations.h"
-#include "platform/Files.h"
+#include "platform/FileLock.h"
 #include "platform/Processes.h"
 
 namespace pellwick {

@@ -6,6 +6,7 @@
 
 #include "PrintableText.h"
 #include "common/FontManagerLimits.h"
+#include "platform/FileLock.h"
 #include "platform/Utf8Path.h"
 
 namespace pellwick {

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "platform/Files.h"
+#include "platform/FileLock.h"
 
 class PreferenceFile {
 public:

@@ -11,6 +11,7 @@
 #include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "platform/Autostart.h"
+#include "platform/FileLock.h"
 #include "platform/FileTrust.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
