@@ -65,6 +65,7 @@ TEST(OpenDocumentArchive, WhatIsDamagedOrABombIsOneLine) {
     EXPECT_THAT(Fonts(whole.substr(0, whole.size() / 2)), ElementsAre(HasSubstr("it is damaged")));
     EXPECT_THAT(Fonts(MakeArchive("application/vnd.oasis.opendocument.text", {})),
                 ElementsAre(HasSubstr("content.xml")));
+    EXPECT_THAT(Fonts(MakeText("<d/>", "<d>")), ElementsAre(HasSubstr("it is damaged")));
     const std::string bomb = MakeText(kStyles, "<d>" + std::string(size_t{257} << 20, ' ') + "</d>");
     EXPECT_LT(bomb.size(), size_t{2} << 20);
     EXPECT_THAT(Fonts(bomb), ElementsAre("it unpacks to more than can be read"));
@@ -78,11 +79,14 @@ TEST(IdmlReader, FontsOfTheListAreThoseThatTextAsksFor) {
               R"(<Fonts><FontFamily Name="Minion Pro"><Font PostScriptName="MinionPro-Regular" FontStyleName="Regular"/>
 <Font PostScriptName="MinionPro-Bold" FontStyleName="Bold"/><Font PostScriptName="MinionPro-It" FontStyleName="Italic"/></FontFamily>
 <FontFamily Name="Unused"><Font PostScriptName="Unused" FontStyleName="Regular"/></FontFamily></Fonts>)"},
-             {"Stories/Story_u1.xml", story}});
+             {"Stories/Story_u1.xml", story},
+             {"Spreads/Spread_u2.xml", R"(<Spread><Link LinkResourceURI="file:art/a%20b.ai"/></Spread>)"}});
     };
     EXPECT_THAT(Fonts(document(R"(<Story><CharacterStyleRange FontStyle="Bold"><Properties>
 <AppliedFont type="string">Minion Pro</AppliedFont></Properties></CharacterStyleRange></Story>)")),
                 ElementsAre("MinionPro-Bold | Minion Pro | Bold | text and styles",
                             "MinionPro-Regular | Minion Pro | Regular | text and styles"));
-    EXPECT_EQ(Fonts(document("<Story/>")).size(), 4u) << "where nothing is asked for by name";
+    const auto all = documents::ReadDocumentFonts(document("<Story/>"), "");
+    EXPECT_EQ(all.fonts.size(), 4u) << "where nothing is asked for by name";
+    EXPECT_THAT(all.placed, ElementsAre("art/a b.ai"));
 }

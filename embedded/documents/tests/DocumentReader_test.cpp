@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "FontRecords.h"
 #include "Formats.h"
 #include "PlacedDocuments.h"
 #include "StringConversion.h"
@@ -43,8 +44,10 @@ TEST(DocumentReader, FontsOfPlacedDocumentsAreTheirsUnlessTheDocumentUsesThemToo
     const auto text = [](const std::string& family) {
         return "<text font-family=\"" + family + "\">x</text>";
     };
+    const std::string onServer = folder.Write("server/secret.svg", drawing(text("Secret"), ""));
     const std::string page =
-        folder.Write("page.svg", drawing(text("Own"), R"(<image href="art%20字.svg"/><image href="page.svg"/>
+        folder.Write("page.svg", drawing(text("Own"), "<image href=\"file:////" + onServer + R"("/>
+<image href="art%20字.svg"/><image href="page.svg"/>
 <image href="data:image/png;base64,AA"/><image href="http://host/logo.svg"/><image href="gone.svg"/>
 <image href="file:///of/another/machine/logo.svg"/>)"));
     const std::string art =
@@ -58,6 +61,10 @@ TEST(DocumentReader, FontsOfPlacedDocumentsAreTheirsUnlessTheDocumentUsesThemToo
     EXPECT_THAT(fonts[1].placedIn, testing::ElementsAre(logo));
     EXPECT_THAT(fonts[2].placedIn, testing::IsEmpty());
     EXPECT_EQ(fonts[2].where, "text");
+    const documents::DocumentFonts named{ReadStatus::kRead, "", "", {fonts[2], {"A-B", "", "", "text"}}};
+    EXPECT_EQ(documents::FontRecords(named), nlohmann::json::parse(R"([
+{"PostScriptName":"Own","Family":"Own","where":"text","embedded":false},
+{"PostScriptName":"A-B","where":"text","embedded":false}])"));
 }
 
 TEST(DocumentReader, WithoutItsProgramItSaysSo) {

@@ -82,7 +82,9 @@ TEST(PdfReader, NamesAreThoseOfTheFontsThemselves) {
 
 TEST(PdfReader, IllustratorsOwnListNamesFontsThatPagesDoNot) {
     const char* list =
-        R"(<?xpacket?><x xmlns:f="f" xmlns:r="r"><f:Fonts><r:Bag><r:li><f:fontName>Note</f:fontName><f:fontFamily>N</f:fontFamily></r:li>
+        R"(<?xpacket?><x xmlns:f="f" xmlns:r="r"><f:Fonts><r:Bag>
+<r:li>
+<f:fontName>Note</f:fontName><f:fontFamily>N</f:fontFamily></r:li>
 <r:li f:fontName="Arial-BoldMT" f:fontFamily="Arial" f:fontFace="Bold"/><r:li><f:fontName>Mix</f:fontName><f:composite>True</f:composite></r:li>
 </r:Bag></f:Fonts><r:li f:fontName="Elsewhere"/></x>)";
     EXPECT_THAT(
