@@ -9,6 +9,9 @@
 
 namespace platform {
 
+/// Around what a dialog holds, in dialog units, as the system's own dialogs have it.
+inline constexpr int kMargin = 7;
+
 class DialogMetrics {
 public:
     /// In the font of the system's messages at that scale (dots per inch). `dialog` lives longer.

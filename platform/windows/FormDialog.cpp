@@ -9,7 +9,6 @@ namespace platform {
 namespace {
 
 // In dialog units, as the system's own dialogs have them.
-constexpr int kMargin = 7;
 constexpr int kButtonGap = 4;
 constexpr int kGapWithinKind = 4;
 constexpr int kGapBetweenKinds = 7;

@@ -9,7 +9,6 @@ namespace platform {
 namespace {
 
 // In dialog units.
-constexpr int kMargin = 7;
 constexpr int kGap = 4;
 constexpr int kWidth = 200;
 
