@@ -107,6 +107,14 @@ TEST_F(DocumentEventsTest, WhatIsHandedOverIsTheHintElseTheStoredUsage) {
     EXPECT_EQ(Close("last"), 0u);
     EXPECT_EQ(saved(), "'written')") << "by the host itself";
     Open();
+    library.codes["SaveDocumentFonts"] = {CoreErrorCodes::kError};
+    EXPECT_EQ(DocumentEvents::HandleSaveDocument(path, "failed"), CoreErrorCodes::kUnknownError);
+    std::filesystem::last_write_time(platform::Utf8Path(path),
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(3));
+    Open();
+    EXPECT_EQ(Close(), 0u);
+    EXPECT_EQ(saved(), "") << "what was opened anew has nothing to hand over";
+    Open();
     saved();
     for (const auto& [isEnabled, isLoggedIn] : {std::pair{0, true}, {1, false}}) {
         framework.numbers["EnablePlugin"] = isEnabled;

@@ -172,6 +172,12 @@ TEST_F(ExportsTest, TheVersionIsAgreedOnAtAnyTime) {
     EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
 }
 
+TEST_F(ExportsTest, AtTheEndTheFontManagerIsLetGo) {
+    MakeFunctional();
+    EXPECT_EQ(TerminatePluginCoreInterface(), PLUGINCORE_SUCCESS);
+    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+}
+
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {
     FakePlugPlug service;
     service.answerToListeners = 1;

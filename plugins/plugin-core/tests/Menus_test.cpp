@@ -64,6 +64,7 @@ TEST_F(MenusTest, CommandsNeedADocumentAPluginThatIsOnAndForSetsAWorkgroup) {
     EXPECT_THAT(commands("/d.ai"), testing::Contains("2 string 216")) << "standalone: a library";
     library.isStandalone = false;
     EXPECT_THAT(commands("/d.ai"), testing::Contains("2 string 208"));
+    EXPECT_THAT(Items(json::array({Menu("/d.ai")})), ElementsAre("1 string 199"));
     EXPECT_THAT(Items(Menu("/d.ai")["child"][0]["child"]),
                 ElementsAre("8 string 215", "9 Print", "(0 )", "10 string 212*"));
 }

@@ -51,9 +51,13 @@ TEST_F(SettingsTest, NumbersAreStoredAndOtherValuesRefused) {
     EXPECT_FALSE(framework.numbers.contains("NoSuchKey"));
     EXPECT_EQ(Settings::SetPreference("LastUsername", "Zoë"), CoreErrorCodes::kInvalidParam);
     EXPECT_EQ(framework.texts["LastUsername"], "Zoë") << "texts are stored and refused all the same";
+    EXPECT_THAT(trace.Text(), testing::Not(testing::HasSubstr("could not be stored")));
     framework.isStoreUsable = false;
     EXPECT_EQ(Settings::SetPreference("RMF4", "9"), CoreErrorCodes::kUnknownError);
-    EXPECT_THAT(trace.Text(), testing::HasSubstr("ERROR:  the preference 'RMF4' could not be stored\n"));
+    EXPECT_EQ(Settings::SetPreference("LastUsername", "Zoë"), CoreErrorCodes::kInvalidParam);
+    for (const char* key : {"RMF4", "LastUsername"})
+        EXPECT_THAT(trace.Text(), testing::HasSubstr(std::string("ERROR:  the preference '") + key +
+                                                     "' could not be stored\n"));
 }
 
 TEST_F(SettingsTest, DefaultsAreRegisteredOnce) {

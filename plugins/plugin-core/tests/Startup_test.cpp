@@ -220,6 +220,7 @@ TEST_P(PluginIsEnabled, GoesByWhatIsThereNow) {
     const bool isOn = MarquellGlobals::ArePluginServicesEnabled();
     EXPECT_EQ(panel->sent.empty(), isOn == wasOn);
     EXPECT_EQ(rebuilds, isOn && !wasOn ? 1 : 0);
+    EXPECT_EQ(library.CallsOf("RegisterForNotifications"), 1 + rebuilds) << "services that are on listen";
     CheckPluginIsEnabled(true, isEnabled);
     EXPECT_EQ(framework.shownBoxes, branch.boxes) << "the user is told once";
 }
