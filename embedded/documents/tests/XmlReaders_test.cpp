@@ -75,7 +75,8 @@ TEST(XmlDocuments, EntitiesOfTheirOwnStandForNothing) {
 }
 
 TEST(XmlDocuments, WhatIsDamagedOrOverALimitIsOneLine) {
-    EXPECT_THAT(Fonts("<svg><text>"), ElementsAre(testing::MatchesRegex("it is damaged: line 1: [A-Z].*")));
+    EXPECT_THAT(Fonts("<svg><text>"), ElementsAre(testing::AllOf(HasSubstr("it is damaged: line 1: "),
+                                                                 testing::Not(HasSubstr("invalid XML")))));
     EXPECT_THAT(Fonts("", "svg"), ElementsAre(HasSubstr("it is damaged")));
     EXPECT_THAT(Fonts(Svg(Repeated("<g>", 300) + Repeated("</g>", 300))),
                 ElementsAre(HasSubstr("256 elements")));
