@@ -134,7 +134,8 @@ TEST_F(FacadeTest, ThereIsOneFontManagerAndWhatWasPutOffGoesWithIt) {
     library.codes["DeactivateFonts"] = {GIPCClient::kReplyTimeout};
     EXPECT_NE(fontManager.DeactivateFonts(fonts.get(), 0, nullptr), 0u);
     fontManager.OnHostAppShuttingDown();
-    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled() || MarquellGlobals::IsConnectedToCore());
+    EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
     EXPECT_EQ(fontManager.XTDeactivateFont(Record().get(), 0),
               static_cast<int16_t>(kErrorMarquellNotRunning));
     MarquellGlobals::SetPluginServicesEnabled(true);

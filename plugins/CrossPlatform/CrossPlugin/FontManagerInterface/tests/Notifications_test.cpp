@@ -160,6 +160,8 @@ TEST_F(NotificationsTest, TheHostIsRefreshedWhenAReplicationIsOver) {
         Process();
         EXPECT_EQ(MarquellGlobals::IsBulkReplicationRunning(),
                   type == kPluginCallback_BulkReplicationProgress);
+        EXPECT_EQ(MarquellGlobals::IsIncrementalReplicationRunning(),
+                  type == kPluginCallback_IncrementalReplicationProgress);
     }
     EXPECT_EQ(refreshes, 2);
 }
