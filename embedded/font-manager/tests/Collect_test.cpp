@@ -137,12 +137,14 @@ TEST_F(CollectTest, WhatOthersWroteIsTextInTheManifest) {
         EXPECT_THAT(page, HasSubstr(part));
 
     // Once the document has the font, nobody lacks it; others may.
-    collector.SetMissing("other.ai", Json::array({MissingFont("other.ai", "<gone>")}));
+    for (const char* other : {"other.ai", "third.ai"})
+        collector.SetMissing(other, {MissingFont(other, "<gone>"), MissingFont(other, "Lost")});
     collector.SetMissing("<i>.ai", Json::array());
     ASSERT_FALSE(collector.Finish());
     const Json missing = Manifest()[manifest::kMissing];
-    ASSERT_EQ(missing.size(), 1u);
-    EXPECT_EQ(missing[0][manifest::kUsedIn], Json::array({FontUse("other.ai", "")}));
+    ASSERT_EQ(missing.size(), 2u);
+    for (const Json& each : missing)
+        EXPECT_EQ(each[manifest::kUsedIn], (Json{FontUse("third.ai", ""), FontUse("other.ai", "")}));
 }
 
 TEST_F(CollectTest, TextsOfLicencesComeAlongFromTheFontsOfTheSystem) {

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include "FontTables.h"
 #include "GFontManagerConstants.h"
 #include "HostileFonts.h"
 #include "TestFiles.h"
-#include "TestFonts.h"
 #include "platform/DynamicLibrary.h"
 #include "preview/PreviewRenderer.h"
 #include "scan/CleanName.h"
@@ -38,6 +38,12 @@ TEST(FontScanner, ReadsEveryMemberOfACollectionAndSaysWhyAFileIsNone) {
     EXPECT_EQ(faces[1].face, 1);
     EXPECT_EQ(faces[1].kind, GFontManagerConstants::kFontKind_trueTypeCollection);
     EXPECT_EQ(scanner.Scan(MakeTestFont(bold), reason)[0].kind, GFontManagerConstants::kFontKind_trueType);
+    for (const char* layout : {"GSUB", "GPOS"}) {
+        FontTables tables = TablesOfTestFont(bold);
+        tables[layout] = std::string(10, '\0');
+        EXPECT_EQ(scanner.Scan(FontOfTables(tables), reason)[0].kind,
+                  GFontManagerConstants::kFontKind_openTypeTT);
+    }
     const std::string withoutOutlines = MakeTestFont(bold).substr(0, 12 + 16 * 10 + 200);
     for (const auto& [content, why] : std::map<std::string, std::string>{
              {"wOF2@", "a web font, which documents cannot use"}, {withoutOutlines, kReason_Damaged}}) {
