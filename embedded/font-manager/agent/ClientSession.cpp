@@ -43,7 +43,7 @@ void ClientSession::Read() {
 }
 
 void ClientSession::HandleNextMessage() {
-    if (!IsOpen() || mClosesWhenWritten || mIsAnswering)
+    if (!IsOpen() || mClosesWhenWritten)
         return;
     const std::optional<std::string> payload = mInput.Next();
     if (!payload) {
@@ -72,13 +72,11 @@ void ClientSession::Handle(const Json& message) {
     } else if (mStream.IsOtherEndClosed()) {
         Close();
     } else {
-        mIsAnswering = true;
         mOwner.OnRequest(shared_from_this(), message);
     }
 }
 
 void ClientSession::Answer(const std::string& frame) {
-    mIsAnswering = false;
     Send(frame);
     GoOn();
 }

@@ -65,7 +65,6 @@ private:
     std::array<char, 65536> mPiece;
     size_t mQueuedBytes = 0;     ///< of frames that the system has not taken
     bool mHasTakenMuch = false;  ///< of memory, for the message before
-    bool mIsAnswering = false;   ///< a request is under way; the next one waits
     bool mClosesWhenWritten = false;
     bool mIsHeardNoMore = false;  ///< by the client; what it has said is still to be read
 };
