@@ -1,7 +1,6 @@
 // Names that mean something to a parser of command lines, or do something to a terminal.
 
 #include <algorithm>
-#include <sstream>
 
 #include "HostWorld.h"
 #include "PrintableText.h"
@@ -12,18 +11,16 @@ using testing::ElementsAre, testing::HasSubstr;
 
 namespace {
 
-/// Words that a parser might split, unwrap, take for options or for the end of them.
+/// Words that a parser might split, unwrap, take for options or for the end of them, and what comes of that.
 const std::vector<std::string> kAwkwardNames = {
-    "[a,b]", "[]",    "[a]", "{}", "%%", "++",  "a,b", "-x",   "--json", "--",  "-",   "---",
-    "'q'",   "\"q\"", "a=b", "/x", "@f", "`q`", "add", "list", "serve",  "\\n", "a;b", "[--json]"};
+    "[a,b]", "[]",  "[a]", "{}",       "%%",  "++", "a,b", "-x",  "--json", "--",
+    "-",     "---", "'q'", "\"q\"",    "a=b", "/x", "@f",  "`q`", "add",    "list",
+    "serve", "\\n", "a;b", "[--json]", "a",   "b",  "q",   "x",   "f",      "n"};
 
-/// Fonts of families of these names, and those that come of taking the names apart.
+/// Fonts of families of these names.
 void AddAwkwardFonts(HostWorld& world) {
-    std::vector<std::string> names = kAwkwardNames;
-    for (const char* part : {"a", "b", "q", "x", "f", "n"})
-        names.push_back(part);
     std::vector<std::string> command{"add"};
-    for (const std::string& name : names) {
+    for (const std::string& name : kAwkwardNames) {
         const std::string font = "Awkward-" + std::to_string(command.size());
         command.push_back(world.FontManager().Write(font + ".ttf", MakeTestFont({font, name})));
     }
@@ -49,18 +46,12 @@ const std::string kHostile =
     "2J\xE2\x80\xAE"
     "fdp\x7F";
 
-/// The words with kHostile for "X" and a document's path for "D".
+/// The words with kHostile for a final "X" and a document's path for "D".
 std::vector<std::string> CommandOf(const std::string& words, const std::string& document) {
-    std::istringstream stream(words);
-    std::vector<std::string> command;
-    for (std::string word; stream >> word;) {
-        for (const auto& [letter, text] : {std::pair('X', kHostile), std::pair('D', document)}) {
-            if (const size_t at = word.find(letter); at != std::string::npos) {
-                word.replace(at, 1, text);
-                break;
-            }
-        }
-        command.push_back(word);
+    std::vector<std::string> command = pellwick::test::WordsOf(words);
+    for (std::string& word : command) {
+        if (const char last = word.back(); last == 'X' || last == 'D')
+            word.replace(word.size() - 1, 1, last == 'X' ? kHostile : document);
     }
     return command;
 }
@@ -117,7 +108,7 @@ TEST(AwkwardNames, DoNothingToATerminal) {
         EXPECT_LE(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
     }
     for (const char* words :
-         {"fonts D", "fonts D D", "fonts X", "--json fonts D", "--json fonts X\xFF", "open D --close",
+         {"fonts D", "fonts D D", "fonts X", "--json fonts D", "--json fonts \xFFX", "open D --close",
           "--json open D --close", "open X", "settings X", "settings CurrentWorkgroup X", "menu X",
           "menu --document D", "--X", "--core X settings", "--app X settings"}) {
         const auto result = world.RunHost(CommandOf(words, document));

@@ -14,7 +14,7 @@ protected:
         TestFontNames locked{"Locked-Bold", "Locked", "Bold"};
         locked.embedding = 2;
         locked.licence = "Ask before you embed.";
-        auto& fontManager = world.FontManager();
+        const auto& fontManager = world.FontManager();
         for (const std::string& path :
              {fontManager.Write("Locked.ttf", MakeTestFont(locked)),
               fontManager.Write("Pair.ttc", MakeTestFontCollection({{"One", "One"}, {"Two", "Two"}}))})
@@ -74,7 +74,7 @@ TEST_F(Collect, LeavesOutWhatMayNotBeEmbeddedWhereThatIsWanted) {
 }
 
 TEST_F(Collect, FillsTheDocumentsOwnFolderAlsoFromTheSystemsFonts) {
-    auto& fontManager = world.FontManager();
+    const auto& fontManager = world.FontManager();
     fontManager.Write("data/fonts/Free/Plain.ttf", MakeTestFont({"Plain-Bold", "Plain", "Bold"}));
     fontManager.Write("data/fonts/Free/OFL.txt", "Do as you like.");
     world.KillAgent();  // not every system tells it of fonts in a folder of their own; the next one looks

@@ -41,38 +41,6 @@ TEST_F(DocumentRoadTest, FontsAreVisibleWhileTheDocumentIsOpen) {
     EXPECT_THAT(world.VisibleFonts(), IsEmpty());
 }
 
-// Each switch of the preferences that changes what opening a document does, seen by what programs are offered.
-TEST_F(DocumentRoadTest, EachSwitchDoesWhatItSays) {
-    const json requested = {{{"PostScriptName", "Sample-Bold"}},
-                            {{"PostScriptName", "sample-italic"}},
-                            {{"PostScriptName", "Sample-Light"}, {"SubDocumentsWithFont", {"placed.ai"}}}};
-    const std::tuple<const char*, int, std::set<std::string>> kSwitches[] = {
-        {"PickBestMatch", 1, {"Sample-Bold", "Sample-Italic", "Sample-Light"}},
-        {"PickBestMatch", 0, {"Sample-Bold", "Sample-Light"}},
-        {"SupportEmbeddedObjects", 0, {"Sample-Bold", "Sample-Italic"}},
-        {"EnablePlugin", 0, {}}};
-    for (const auto& [key, value, expected] : kSwitches) {
-        ScriptedHost host;
-        host.Start();
-        host.SetPreference("CloseFontsOnDocClose", 1);
-        host.SetPreference(key, value);
-        host.Call("HandleOpenExistingDocument", {{"path", document}, {"fontsJSON", requested.dump()}});
-        EXPECT_EQ(world.VisibleFonts(), expected) << key << value;
-        host.SetPreference(key, 1);
-        host.Call("TerminatePluginCoreInterface");
-        host.Finish();
-    }
-    ScriptedHost families;
-    families.Start();
-    families.SetPreference("ActivateEntireFamilies", 1);
-    const std::string one = world.WriteDocument("one.ai", {"Sample-Bold"});
-    EXPECT_EQ(families.Open(one), 1u);
-    EXPECT_EQ(world.VisibleFonts().size(), 3u);
-    families.SetPreference("CloseFontsOnDocClose", 1);
-    families.Close(one);
-    EXPECT_THAT(world.VisibleFonts(), IsEmpty());
-}
-
 TEST_F(DocumentRoadTest, FontsThatAHostLeavesActiveStayUntilTheyAreLetGoOrTheAgentEnds) {
     const auto leaveActive = [&] {
         ScriptedHost host;

@@ -82,7 +82,7 @@ protected:
     PanelScript() {
         for (const char* font : {"Sample-Italic", "Other-Regular"})
             world.AddFonts({font});
-        auto& fontManager = world.FontManager();
+        const auto& fontManager = world.FontManager();
         EXPECT_EQ(fontManager.Run({"add", fontManager.WriteFont("Other-Regular", "2.0")}).status, 0);
         EXPECT_EQ(fontManager.Run({"set", "create", "Poster"}).status, 0);
         EXPECT_EQ(fontManager.Run({"set", "add", "Poster", "Sample-Bold"}).status, 0);

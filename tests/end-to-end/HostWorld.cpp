@@ -1,8 +1,5 @@
 #include "HostWorld.h"
 
-#include <iterator>
-#include <sstream>
-
 #include "PanelSchemas.h"
 #include "platform/Environment.h"
 #include "platform/Utf8Path.h"
@@ -40,8 +37,7 @@ std::string HostWorld::WriteDocument(const std::string& name,
 }
 
 int HostWorld::Pellwick(const std::string& words) const {
-    std::istringstream stream(words);
-    return mWorld.Run({std::istream_iterator<std::string>(stream), {}}).status;
+    return mWorld.Run(pellwick::test::WordsOf(words)).status;
 }
 
 ProgramResult HostWorld::RunHost(std::vector<std::string> arguments) const {

@@ -18,7 +18,6 @@ class HostWorld {
 public:
     ~HostWorld();
 
-    pellwick::test::TestWorld& FontManager() { return mWorld; }
     const pellwick::test::TestWorld& FontManager() const { return mWorld; }
     /// Makes fonts and adds them to the font manager, whose agent is started for it; launch information is
     /// written.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "FaultRun.h"
 #include "TestFiles.h"
@@ -117,10 +116,9 @@ protected:
     }
 
     Outcome DoCommand(const std::string& words) {
-        std::istringstream line(words);
-        std::vector<std::string> command;
-        for (std::string word; line >> word;)
-            command.push_back(word.ends_with(".ttf") ? mWorld.Path("fonts/" + word) : word);
+        std::vector<std::string> command = WordsOf(words);
+        for (std::string& word : command)
+            word = word.ends_with(".ttf") ? mWorld.Path("fonts/" + word) : word;
         command.push_back("--no-start");
         const ProgramResult result = mWorld.Run(command);
         return {result.status == 0, result.errors};

@@ -1,7 +1,4 @@
 // Agents and hosts that die, freeze or come back, and the notifications.
-#include <iterator>
-#include <sstream>
-
 #include "TestFiles.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/ClientTest.h"
@@ -85,8 +82,7 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
     std::vector<Notes::Note> expected = {{kPluginCallback_FontActivated, kBold},
                                          {kPluginCallback_FontDeactivated, kBold}};
     for (const auto& [command, note] : steps) {
-        std::istringstream words(command);
-        mWorld.RunForJson({std::istream_iterator<std::string>(words), {}});
+        mWorld.RunForJson(WordsOf(command));
         if (note != -1)
             expected.emplace_back(note, 0);
     }

@@ -87,6 +87,20 @@ TEST_F(ClientFonts, ActivatesTheFontsOfADocumentAndLetsThemGo) {
     EXPECT_TRUE(mWorld.ActiveFiles().empty());
 }
 
+TEST_F(ClientFonts, AreMatchedAsTheRequestWishes) {
+    const std::pair<const char*, size_t> wishes[] = {
+        {nullptr, 1}, {kGS_ExactMatchKey, 0}, {kGS_EntireFamilyKey, 2}};
+    for (const auto& [wish, count] : wishes) {
+        const auto request = Record(kGS_PostScriptNameKey, "sample-bold");
+        if (wish != nullptr)
+            cf::Set(request, wish, true);
+        Opened opened;
+        ASSERT_EQ(Open(List(request), opened), 0u);
+        EXPECT_EQ(mWorld.ActiveFiles().size(), count) << wish;
+        Ask(DeactivateFonts, opened.matched, 0, nullptr);
+    }
+}
+
 TEST_F(ClientFonts, AReplacementThatWasChosenIsOfferedFirstTheNextTime) {
     CFRef<CFMutableArrayRef> unmatched;
     const auto candidateIn = [&](const char* document) {

@@ -2,7 +2,6 @@
 // trouble. Here a few rounds of each. A long run:
 // DISTURBED_ROUNDS=1000 [DISTURBANCE_SEED=N] end-to-end-tests --gtest_filter='Disturbances.*'
 
-#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <thread>
@@ -11,7 +10,6 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 // Each document shares fonts with others.
@@ -36,12 +34,12 @@ public:
         }
     }
 
-    /// Until one is not clean. The first five are not disturbed.
+    /// Until one is not clean.
     void Run() {
-        const int rounds = NumberFromEnvironment("DISTURBED_ROUNDS", 12);
+        const int rounds = NumberFromEnvironment("DISTURBED_ROUNDS", 8);
         int round = 0;
         for (; round < rounds && !testing::Test::HasFailure(); ++round)
-            RunRound(round >= 5);
+            RunRound();
         std::printf("%zu hosts: %d rounds, %d starts of the agent by hosts\n%s", mHosts.size(), round,
                     CountOf(mWorld.Trace(), "Successfully launched Pellwick"),
                     testing::Test::HasFailure() ? mWorld.Trace().c_str() : "");
@@ -92,40 +90,34 @@ private:
     }
     /// The agent dies; or its user ends it, or it dies, and the command line starts another one; or it stands
     /// still for half a second to four.
-    void Disturb(platform::ProcessId agent, unsigned kind, unsigned random) const {
-        if (kind == 0) {
-            KillProcess(agent);
-        } else if (kind == 1) {
-            if (random % 2 == 0)
-                KillProcess(agent);
-            else
-                mWorld.FontManager().Run({"stop", "--no-start"});
-            mWorld.FontManager().Run({"list"});
-        } else {
+    void Disturb(platform::ProcessId agent, unsigned random) const {
+        const unsigned kind = random % 6;
+        if (kind >= 4) {
             SuspendProcess(agent);
             std::this_thread::sleep_for(milliseconds(500 + random % 3500));
-            ResumeProcess(agent);
+            return ResumeProcess(agent);
         }
+        if (kind == 3)
+            mWorld.Pellwick("stop --no-start");
+        else
+            KillProcess(agent);
+        if (kind >= 2)
+            mWorld.Pellwick("list");
     }
-    void RunRound(bool isDisturbed) {
+    void RunRound() {
         std::vector<std::vector<size_t>> shares(mHosts.size());
         for (size_t document = 0; document < kFontsOfDocuments.size(); ++document)
             shares[mRandom() % shares.size()].push_back(document);
-        const auto moment = mUsualLength * static_cast<int>(mRandom() % 1200) / 1000;
-        const platform::ProcessId agent = mWorld.Agent();
-        const auto begin = Clock::now();
         std::vector<std::thread> workers;
-        if (isDisturbed && agent != 0)
-            workers.emplace_back([=, this, kind = mRandom() % 3, random = mRandom()] {
-                std::this_thread::sleep_for(moment);
-                Disturb(agent, static_cast<unsigned>(kind), static_cast<unsigned>(random));
+        if (const platform::ProcessId agent = mWorld.Agent())
+            workers.emplace_back([=, this, random = static_cast<unsigned>(mRandom())] {
+                std::this_thread::sleep_for(milliseconds(random % 100));
+                Disturb(agent, random / 100);
             });
         for (size_t host = 0; host < mHosts.size(); ++host)
             workers.emplace_back([&, host] { WorkWithDocuments(mHosts[host], shares[host]); });
         for (std::thread& worker : workers)
             worker.join();
-        if (!isDisturbed)
-            mUsualLength = std::max(mUsualLength, Clock::now() - begin);
         EXPECT_TRUE(Eventually([&] {  // what could not be let go at once goes when the hosts are idle
             for (Host& host : mHosts)
                 host.process.Call("IdleEvent");
@@ -136,7 +128,6 @@ private:
     HostWorld mWorld;
     std::mt19937 mRandom;
     std::vector<Host> mHosts;
-    Clock::duration mUsualLength{};  ///< of a round without disturbance
 };
 
 }  // namespace

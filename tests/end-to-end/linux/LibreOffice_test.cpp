@@ -12,11 +12,7 @@
 #include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::UnorderedElementsAre;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::Not, testing::UnorderedElementsAre;
 
 namespace {
 

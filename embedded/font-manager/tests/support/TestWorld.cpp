@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "TestFiles.h"
 #include "TestFonts.h"
@@ -114,6 +116,11 @@ std::vector<std::string> NamesOf(const Json& fonts) {
     for (const Json& font : fonts)
         names.push_back(StringMember(font, kGS_PostScriptNameKey));
     return names;
+}
+
+std::vector<std::string> WordsOf(const std::string& text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
 }  // namespace pellwick::test

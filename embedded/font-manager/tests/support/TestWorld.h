@@ -65,5 +65,7 @@ private:
 
 /// The PostScript names of font records.
 std::vector<std::string> NamesOf(const Json& fonts);
+/// What blanks separate.
+std::vector<std::string> WordsOf(const std::string& text);
 
 }  // namespace pellwick::test
