@@ -183,6 +183,7 @@ TEST_F(Agent, TakesBackFontsThatNoRecordKnowsAndNothingElse) {
     EXPECT_TRUE(Eventually([&] { return !platform::IsExistingFile(damaged); }));
     EXPECT_EQ(mWorld.FilesBelow("data/Vantorix/Pellwick/vault/damaged").size(), 1u);
     EXPECT_FALSE(platform::IsExistingFile(half));
+    EXPECT_THAT(mWorld.AgentLog(), HasSubstr("vault put right: 1 removed that interrupted commands left"));
     EXPECT_THAT(mWorld.AgentLog(), HasSubstr("2 files of the vault stand in no record"));
     EXPECT_THAT(mWorld.AgentLog(), HasSubstr("damaged, and was put into"));
 
