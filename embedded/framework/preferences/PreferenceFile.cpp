@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "GLogger.h"
+#include "platform/Files.h"
 #include "platform/Utf8Path.h"
 
 namespace {
