@@ -2,7 +2,7 @@
 
 #include "HostWorld.h"
 
-using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
+using testing::ElementsAre, testing::IsEmpty;
 
 namespace {
 
@@ -54,19 +54,4 @@ TEST_F(AgentLoss, AnAgentThatItsUserRestartedIsNotMissed) {
             each->Close(first);
     }
     EXPECT_EQ(CountOf(world.Trace(), "Attempting to launch"), 0);
-}
-
-TEST_F(HostWorldTest, WithoutAnAgentTheCoreStartsOneOrTheHostSaysWhatToDo) {
-    const std::string document = world.WriteDocument("document.ai", {"Sample-Bold"});
-    ASSERT_EQ(world.Pellwick("stop"), 0);
-    auto result = world.RunHost({"--json", "open", document, "--close"});
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(json::parse(result.output)["numFontsActivated"], 1);
-    ASSERT_EQ(world.Pellwick("stop"), 0);
-    world.RemoveLaunchInformation();
-    result = world.RunHost({"open", document, "--close"});
-    EXPECT_EQ(result.status, 5);
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(CountOf(result.errors, "\n"), 1) << result.errors;
-    EXPECT_THAT(result.errors, HasSubstr("Pellwick"));
 }

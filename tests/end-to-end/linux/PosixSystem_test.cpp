@@ -1,4 +1,4 @@
-// What only a POSIX system has: signals, rights of files, named pipes.
+// What only a POSIX system has: signals, and programs that take the place of others.
 
 #include <signal.h>
 #include <sys/stat.h>
@@ -57,21 +57,4 @@ read line
     EXPECT_THAT(result.errors, HasSubstr("a b.pdf is opened without Gone"));
     EXPECT_THAT(result.output, Not(HasSubstr("socket"))) << "of the agent";
     EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); })) << "it is over with the program";
-}
-
-TEST_F(PosixSystem, WhatMayNotBeReadOrNeverEndsIsReportedNotOpened) {
-    const std::string document = world.WriteDocument("secret.pdf", {"Sample-Bold"});
-    chmod(document.c_str(), 0);
-    const std::string pipe = world.Path("pipe.ai");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const auto result = world.RunHost({"fonts", "--json", pipe, document});
-    EXPECT_EQ(result.status, 1);
-    std::istringstream lines(result.output);
-    std::string line;
-    std::getline(lines, line);
-    EXPECT_EQ(json::parse(line)["error"], "GFileSystem::kInvalidPath");
-    std::getline(lines, line);
-    if (getuid() != 0) {  // who may read everything
-        EXPECT_EQ(json::parse(line)["error"], "GFile::kOpenFailed");
-    }
 }
