@@ -3,6 +3,7 @@
 #include "common/FontManagerLimits.h"
 #include "common/LogFile.h"
 #include "platform/Files.h"
+#include "platform/System.h"
 #include "tests/support/ClientTest.h"
 
 namespace pellwick::test {
@@ -198,14 +199,12 @@ TEST_F(ClientFonts, AFreshMachineHasThreeWorkgroupsAndAUserWhoMayActivate) {
 
 TEST_F(ClientFonts, AreExportedUnderTheirNamesWithoutOverwritingOthers) {
     const std::string folder = "Gesammelte \u5b57\u4f53/";
-    std::string otherContent = MakeTestFont({"Sample-Bold", "Sample", "Bold", "1.0"});
-    otherContent.back() ^= 1;  // another file of the same size
-    const std::string other = mWorld.Write(folder + "Sample-Bold-1.0.ttf", otherContent);
+    const std::string other = mWorld.Write(folder + "Sample-Bold-1.0.ttf", "another");
     const Exported expected{
         0, {mWorld.Path(folder + "Sample-Bold-1.0 2.ttf"), mWorld.Path(folder + "Sample-Italic-1.0.ttf")}};
     for (int time = 0; time < 2; ++time)  // the second time finds its own files
         EXPECT_EQ(Export({kBold, kItalic}, mWorld.Path(folder)), expected);
-    EXPECT_TRUE(ContentOf(other) == otherContent);
+    EXPECT_EQ(ContentOf(other), "another");
     EXPECT_TRUE(Told<bool>(CanExportFonts, IDs{kBold, kItalic}));
     EXPECT_FALSE(Told<bool>(CanExportFonts, IDs{kBold, 999}));
 
@@ -291,6 +290,11 @@ TEST(ClientLog, WritesIntoTheFolderForLogsAndStaysBounded) {
     }
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")).size(), 3u << 20);
     EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log.1")).size(), 5u << 20);
+    if (platform::kIsLinux) {  // where somebody may clear away what is in use
+        std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));
+        EXPECT_EQ(library.Log(thread, "anew"), 0u);
+        EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")), "anew");
+    }
     EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
 }
 

@@ -13,19 +13,6 @@ namespace {
 
 using PosixClient = ClientTest;
 
-TEST(ClientLog, GoesOnWhenSomebodyHasClearedItAway) {
-    const TestWorld world;
-    const TestLibrary library;
-    PluginThreadInstanceRef thread = nullptr;
-    ASSERT_EQ(library.InitThreadInstance(&thread), 0u);
-    ASSERT_EQ(library.BeginLogging(thread, "Plugin.log"), 0u);
-    EXPECT_EQ(library.Log(thread, "before"), 0u);
-    std::filesystem::remove_all(world.Path("data/Vantorix/Logs"));
-    EXPECT_EQ(library.Log(thread, "anew"), 0u);
-    EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")), "anew");
-    EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
-}
-
 TEST_F(PosixClient, AForkedProcessHasAConnectionOfItsOwn) {
     ASSERT_EQ(AskWhetherLoggedIn(), 0u);
     const PluginFacadeRef parents = Facade();
