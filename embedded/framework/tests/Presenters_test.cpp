@@ -28,14 +28,18 @@ bool Confirms(Presenter& presenter, Dialog dialog) {
 }
 
 TEST(ScriptedPresenter, TakesTheFirstEntryThatFitsAndUsesItUpUnlessItRepeats) {
+    CapturedTrace log;
     ScriptedPresenter presenter(json::parse(R"([
-        {"answer": 1},
+        {"answer": 1}, {"titleID": 5, "answer": 7},
         {"titleID": 604, "textID": 606, "answer": 1},
         {"titleID": 604, "textID": 605, "answer": 1},
         {"titleID": 604, "textID": 605, "answer": 2},
         {"titleID": 609, "answer": 1, "repeat": true},
         {"dialog": "SelectWorkgroup", "answer": {"workgroupID": 3}}])"));
     EXPECT_EQ(presenter.AskMessageBox(Question(1, 2)), 2) << "an entry without identifiers fits nothing";
+    EXPECT_THAT(log.Text(), testing::Not(HasSubstr("number of a button")));
+    EXPECT_EQ(presenter.AskMessageBox(Question(5, 6)), 2);
+    EXPECT_THAT(log.Text(), HasSubstr("answer to message 5/6 is not the number of a button"));
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 605)), 1);
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 605)), 2);
     EXPECT_EQ(presenter.AskMessageBox(Question(604, 606)), 1) << "not used up by the questions before";
