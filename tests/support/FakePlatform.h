@@ -138,9 +138,10 @@ private:
 class FakeClock : public platform::Clock {
 public:
     uint32_t ticks = 1000;
+    uint32_t ticksPerLook = 0;  ///< goes on by so much whenever it is looked at
     int64_t seconds = 1700000000;
 
-    uint32_t TickCount() override { return ticks; }
+    uint32_t TickCount() override { return ticks += ticksPerLook; }
     int64_t Now() override { return seconds; }
 
 private:

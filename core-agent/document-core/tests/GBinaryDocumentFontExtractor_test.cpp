@@ -31,12 +31,6 @@ protected:
     TemporaryFolder folder;
 };
 
-/// Time goes by with each look at the clock.
-class BusyClock : public FakeClock {
-public:
-    uint32_t TickCount() override { return ++ticks; }
-};
-
 std::string Descriptor(const std::string& name, const std::string& separator = " /") {
     return "<< /Type /FontDescriptor /FontName" + separator + name + " /Flags 4 >>\n";
 }
@@ -112,7 +106,8 @@ TEST_F(ExtractorTest, TheExtensionPicksTheKindExactly) {
     EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kSuccess);
     EXPECT_THAT(names, IsEmpty());
     std::filesystem::resize_file(platform::Utf8Path(large), 0x3FFFFFFF);
-    BusyClock clock;
+    FakeClock clock;
+    clock.ticksPerLook = 1;
     extractor.SetTimeLimit(std::chrono::milliseconds(40));
     EXPECT_EQ(extractor.ExtractFontNames(names), CoreErrorCodes::kSuccess);
     EXPECT_THAT(names, ElementsAre("Illustrator"));
@@ -179,7 +174,8 @@ TEST_F(ExtractorTest, GivesWayToTheHostAndKeepsWhatItHasFound) {
         photoshop += FontSet({"Font-" + std::to_string(index)}) + std::string(300, 'x');
     }
     for (const auto& [name, content] : {std::pair("a.ai", pdf), {"a.psd", photoshop}, {"a.unknown", pdf}}) {
-        BusyClock clock;
+        FakeClock clock;
+        clock.ticksPerLook = 1;
         SmallChunkExtractor extractor(folder.Write(name, content), 4096, 256);
         extractor.SetTimeLimit(std::chrono::milliseconds(40));
         Names names;

@@ -80,8 +80,6 @@ TEST_F(ClientLists, ASmartListIsMadeChangedAndDeleted) {
                  {Ask(GetSmartListFonts, all, fonts), kGone},
                  {Ask(SetSmartListQuery, all, nullptr, nullptr, nullptr), kGone}});
     EXPECT_EQ(untouched, -5);
-    mWorld.RunForJson({"logout"});
-    EXPECT_EQ(Ask(DeleteSmartList, posters), GZephyrinServerFacade::kNotLoggedIn);
 }
 
 TEST_F(ClientLists, AQueryIsTriedForTheOneWhoTriesItAndNotSaved) {

@@ -192,8 +192,6 @@ TEST_F(ClientFonts, AFreshMachineHasThreeWorkgroupsAndAUserWhoMayActivate) {
     EXPECT_TRUE(Told<bool>(MotherMayI, kPermission_ActivateFonts));
 
     mWorld.RunForJson({"logout"});
-    CFRef<CFMutableArrayRef> matched;
-    EXPECT_EQ(Activate("/document", {"Sample-Bold"}, matched), GZephyrinServerFacade::kNotLoggedIn);
     EXPECT_FALSE(Told<bool>(MotherMayI, kPermission_ActivateFonts));
 }
 
@@ -269,9 +267,6 @@ TEST_F(ClientFonts, AreHeldForDesignAndPreviewWhateverBecomesOfDocuments) {
     EXPECT_EQ(Ask(PreviewActivateFonts, IDs{kOther}, true), CoreErrorCodes::kNotFound);
     for (const int64_t font : {kBold, kOther})
         EXPECT_EQ(StateOf(font), kFontActivationState_Missing);
-    mWorld.RunForJson({"logout"});
-    EXPECT_EQ(Enable(kBold, false, true), GZephyrinServerFacade::kNotLoggedIn);
-    EXPECT_EQ(Enable(kBold, false, false), 0u);
 }
 
 TEST(ClientLog, WritesIntoTheFolderForLogsAndStaysBounded) {

@@ -134,6 +134,8 @@ TEST_F(CommandsTest, WhoIsLoggedOutChangesNoFontsSetsOrLists) {
         EXPECT_EQ(CodeOf(method, arguments), GZephyrinServerFacade::kNotLoggedIn) << method;
         EXPECT_EQ(mEars.told, Told()) << method;
     }
+    EXPECT_EQ(CodeOf("EnableDesignActivation", R"({"font":1,"enable":false})"), 0u)
+        << "may end what it began";
 }
 
 TEST_F(CommandsTest, WhatAHostDidNotTakeIsUndoneByWhatItAsksForNext) {

@@ -3,9 +3,9 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "TestFiles.h"
 #include "platform/Folders.h"
@@ -65,7 +65,7 @@ inline void ShowProgress(Framework& framework) {
 }
 
 /// Everything that the library can show, by its name as part of a file's name, each with something in it.
-inline const std::pair<const char*, std::function<void(Framework&)>> kAll[] = {
+inline const std::map<std::string, std::function<void(Framework&)>> kAll = {
     {"message", [](Framework& it) { it.ShowMessageBox(600, 601, MessageBoxButtons::kOk); }},
     {"question", [](Framework& it) { it.ShowMessageBox(604, 605, MessageBoxButtons::kYesNo); }},
     {"about", [](Framework& it) { it.ShowAbout(); }},

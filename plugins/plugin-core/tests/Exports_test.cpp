@@ -170,12 +170,8 @@ TEST_F(ExportsTest, TheVersionIsAgreedOnAtAnyTime) {
     EXPECT_TRUE(MarquellGlobals::IsLoggedIn());
     EXPECT_EQ(IdleEvent(), 0u);
     EXPECT_FALSE(MarquellGlobals::IsLoggedIn());
-}
-
-TEST_F(ExportsTest, AtTheEndTheFontManagerIsLetGo) {
-    MakeFunctional();
     EXPECT_EQ(TerminatePluginCoreInterface(), PLUGINCORE_SUCCESS);
-    EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled());
+    EXPECT_FALSE(MarquellGlobals::IsConnectedToCore());
 }
 
 TEST_F(ExportsTest, FailuresOfPanelsAreReportedUnderTheInterfacesName) {

@@ -48,13 +48,6 @@ protected:
     const platform::ScopedOverride<platform::NativeDialogs> mOverride{mDialogs};
 };
 
-void Show(const std::string& name, VantorixPluginFramework& framework) {
-    for (const auto& [each, open] : shown_dialogs::kAll) {
-        if (each == name)
-            open(framework);
-    }
-}
-
 TEST_F(FrameworkWindows, AreUsedWithTheKeyboard) {
     // The dialog, the keys, and how the recorded answers end.
     const std::tuple<const char*, const char*, const char*> cases[] = {
@@ -89,7 +82,7 @@ TEST_F(FrameworkWindows, AreUsedWithTheKeyboard) {
                 title = dialog.Title();
                 dialog.Press(keys);
             });
-            Show(name, *framework);
+            shown_dialogs::kAll.at(name)(*framework);
         }
         EXPECT_THAT(TakeAnswers(), testing::EndsWith(answer)) << name << ": " << keys;
         EXPECT_THAT(title, testing::EndsWith(platform::Current<platform::Processes>().CurrentName())) << name;
@@ -128,7 +121,7 @@ TEST_F(FrameworkWindows, PicturesAreTaken) {
     for (const char* preference : {"EnablePlugin", "PickBestMatch", "CloseFontsOnDocClose"})
         framework->SetBoolPreference(preference, true);
     for (const auto& [name, open] : shown_dialogs::kAll) {
-        const DialogUser user([&, name = std::string(name)](const DialogOnScreen& dialog) {
+        const DialogUser user([&, name = name](const DialogOnScreen& dialog) {
             dialog.SavePicture(folder + "/" + name + ".png");
             dialog.Press("Escape");
         });

@@ -71,7 +71,7 @@ TEST_P(FrameworkWindows, NoDialogCutsItsTextsOff) {
     for (const auto& [name, open] : shown_dialogs::kAll) {
         bool wasShown = false;
         {
-            const DialogDriver user([&, name = std::string(name)](HWND window) {
+            const DialogDriver user([&, name = name](HWND window) {
                 wasShown = true;
                 EXPECT_NE(TextOf(window), "") << name;
                 const auto cutOff = TextsCutOff(window);

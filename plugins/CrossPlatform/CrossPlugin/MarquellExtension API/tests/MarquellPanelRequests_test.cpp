@@ -71,14 +71,9 @@ protected:
 
 }  // namespace
 
-/// Goes on by 20 ms whenever it is looked at.
-class HurriedClock : public FakeClock {
-public:
-    uint32_t TickCount() override { return ticks += 20; }
-};
-
 TEST_F(PanelRequestsTest, ImagesOfManyFontsAreMadeUntilTheHostIsDueAgain) {
-    HurriedClock clock;
+    FakeClock clock;
+    clock.ticksPerLook = 20;
     std::string many = "1";
     for (int fontID = 2; fontID <= 20; ++fontID)
         many += "," + std::to_string(fontID);
