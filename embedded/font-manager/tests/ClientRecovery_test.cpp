@@ -63,8 +63,8 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
     Listen();
     Listen();
     Deactivate(Activate("/document", {"Sample-Bold"}));
-    for (const char* command : {"logout", "login somebody"})
-        mWorld.RunForJson(WordsOf(command));
+    mWorld.RunForJson({"logout"});
+    mWorld.RunForJson({"login", "somebody"});
     std::vector<Notes::Note> expected = {{kPluginCallback_FontActivated, kBold},
                                          {kPluginCallback_FontDeactivated, kBold},
                                          {kPluginCallback_LoggedOut, 0},
