@@ -2,12 +2,14 @@
 #pragma once
 
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
 #include <thread>
 
 #include "TestFiles.h"
+#include "platform/Environment.h"
 #include "platform/Folders.h"
 #include "platform/Windowing.h"
 #include "tests/DialogTestSupport.h"
@@ -79,5 +81,16 @@ inline const std::map<std::string, std::function<void(Framework&)>> kAll = {
     {"notice", [](Framework&) {
          platform::SystemDefault<platform::Windowing>().ShowStringResourceNotice(kLibrary, 105, "");
      }}};
+
+/// The command that takes a picture of what is on the screen and gets the dialog's name; empty where nobody wants one.
+inline const std::string kPictureCommand = platform::EnvironmentVariable("DIALOG_PICTURE");
+
+inline bool AreToBePictured() {
+    return !kPictureCommand.empty();
+}
+
+inline void TakePicture(const std::string& name) {
+    EXPECT_EQ(std::system((kPictureCommand + " " + name).c_str()), 0) << kPictureCommand;
+}
 
 }  // namespace shown_dialogs

@@ -1,5 +1,5 @@
-// The library's dialogs as the core gets them, used with the keyboard on a screen that nobody sees. DIALOG_PICTURES=FOLDER
-// [DIALOG_LANGUAGE=en] has a picture of each taken as well, as PNG files.
+// The library's dialogs as the core gets them, used with the keyboard on a screen that nobody sees. DIALOG_PICTURE=COMMAND
+// [DIALOG_LANGUAGE=en] has a picture of each taken as well.
 #include <gmock/gmock.h>
 
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include "ScopedVariable.h"
 #include "TemporaryFolder.h"
 #include "linux/DialogUser.h"
+#include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/Utf8Path.h"
 #include "tests/ShownDialogs.h"
@@ -78,14 +79,15 @@ TEST_F(FrameworkWindows, AreUsedWithTheKeyboard) {
     for (const auto& [name, keys, answer] : cases) {
         std::string title;
         {
-            const DialogUser user([&, keys = keys](const DialogOnScreen& dialog) {
-                title = dialog.Title();
-                dialog.Press(keys);
+            const DialogUser user([&, keys = keys](const std::string& window) {
+                title = XDoTool("getwindowname " + window);
+                XDoTool(std::string("key ") + keys);
             });
             shown_dialogs::kAll.at(name)(*framework);
         }
         EXPECT_THAT(TakeAnswers(), testing::EndsWith(answer)) << name << ": " << keys;
-        EXPECT_THAT(title, testing::EndsWith(platform::Current<platform::Processes>().CurrentName())) << name;
+        EXPECT_THAT(title, testing::EndsWith(platform::Current<platform::Processes>().CurrentName() + "\n"))
+            << name;
     }
 }
 
@@ -101,10 +103,11 @@ TEST_F(FrameworkWindows, WhateverNamesHoldTheWindowFitsTheScreenAndAnswers) {
         choices.rows.push_back({name, names, 5});
     }
     form.controls.emplace_back(std::move(choices));
-    const DialogUser user([](const DialogOnScreen& dialog) {
-        EXPECT_LT(dialog.Width(), 900);
-        EXPECT_LT(dialog.Height(), 900);
-        dialog.Press("Down Return");
+    const DialogUser user([](const std::string& window) {
+        // WIDTH=PIXELS and HEIGHT=PIXELS, a line each
+        EXPECT_THAT(XDoTool("getwindowgeometry --shell " + window),
+                    testing::ContainsRegex("WIDTH=[1-8]?[0-9]?[0-9]\nHEIGHT=[1-8]?[0-9]?[0-9]\n"));
+        XDoTool("key Down Return");
     });
     EXPECT_EQ(mDialogs.ShowForm(nullptr, form), 1);
     EXPECT_EQ(mDialogs.TakeFailure(), "");
@@ -113,17 +116,16 @@ TEST_F(FrameworkWindows, WhateverNamesHoldTheWindowFitsTheScreenAndAnswers) {
 }
 
 TEST_F(FrameworkWindows, PicturesAreTaken) {
-    const std::string folder = platform::EnvironmentVariable("DIALOG_PICTURES");
-    if (folder.empty())
+    if (!shown_dialogs::AreToBePictured())
         GTEST_SKIP() << "nobody wants pictures";
     const OwnedFramework framework = LoadFramework(shown_dialogs::kLibrary);
     ASSERT_TRUE(framework);
     for (const char* preference : {"EnablePlugin", "PickBestMatch", "CloseFontsOnDocClose"})
         framework->SetBoolPreference(preference, true);
     for (const auto& [name, open] : shown_dialogs::kAll) {
-        const DialogUser user([&, name = name](const DialogOnScreen& dialog) {
-            dialog.SavePicture(folder + "/" + name + ".png");
-            dialog.Press("Escape");
+        const DialogUser user([&name = name](const std::string&) {
+            shown_dialogs::TakePicture(name);
+            XDoTool("key Escape");
         });
         open(*framework);
     }
@@ -134,8 +136,9 @@ TEST_F(FrameworkWindows, PicturesAreTaken) {
 int main(int argc, char** argv) {
     platform::SetEnvironment("PLUGINCORE_DIALOG_TIMEOUT", "10");
     testing::InitGoogleTest(&argc, argv);
-    if (!platform::HelperDialogs(kProgram, {}).IsAvailable()) {
-        std::puts("SKIPPED: there is no screen for windows; Xvfb provides one");
+    if (!platform::HelperDialogs(kProgram, {}).IsAvailable() ||
+        !platform::IsExistingFile("/usr/bin/xdotool")) {
+        std::puts("SKIPPED: there is no screen for windows, which Xvfb provides, or no xdotool");
         return kSkipped;
     }
     return RUN_ALL_TESTS();

@@ -1,9 +1,7 @@
-// The library's dialogs as the core gets them, on a screen. DIALOG_PICTURES=FOLDER [DIALOG_LANGUAGE=en] has a picture of
-// each taken as well, as BMP files.
+// The library's dialogs as the core gets them, on a screen. DIALOG_PICTURE=COMMAND [DIALOG_LANGUAGE=en] has a picture of
+// each taken as well.
 #include <gtest/gtest.h>
 #include <windows.h>
-
-#include <thread>
 
 #include "ScopedVariable.h"
 #include "TemporaryFolder.h"
@@ -14,44 +12,6 @@
 namespace {
 
 using shown_dialogs::kLibrary;
-
-/// The part of the screen, as a BMP file.
-std::string PictureOf(const RECT& part) {
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = part.right - part.left;
-    header.biHeight = part.bottom - part.top;
-    header.biPlanes = 1;
-    header.biBitCount = 32;
-    std::string pixels(static_cast<size_t>(header.biWidth * header.biHeight) * 4, '\0');
-    const HDC screen = GetDC(nullptr);
-    const HDC copy = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, header.biWidth, header.biHeight);
-    const HGDIOBJ previous = SelectObject(copy, bitmap);
-    BitBlt(copy, 0, 0, header.biWidth, header.biHeight, screen, part.left, part.top, SRCCOPY);
-    SelectObject(copy, previous);
-    BITMAPINFO format{header, {}};
-    GetDIBits(copy, bitmap, 0, static_cast<UINT>(header.biHeight), pixels.data(), &format, DIB_RGB_COLORS);
-    DeleteObject(bitmap);
-    DeleteDC(copy);
-    ReleaseDC(nullptr, screen);
-    BITMAPFILEHEADER start{};
-    start.bfType = 0x4D42;  // "BM"
-    start.bfOffBits = sizeof start + sizeof header;
-    start.bfSize = start.bfOffBits + static_cast<DWORD>(pixels.size());
-    return std::string(reinterpret_cast<char*>(&start), sizeof start) +
-           std::string(reinterpret_cast<char*>(&header), sizeof header) + pixels;
-}
-
-void TakePicture(HWND window, const std::string& name) {
-    const std::string folder = platform::EnvironmentVariable("DIALOG_PICTURES");
-    if (folder.empty())
-        return;
-    std::this_thread::sleep_for(std::chrono::milliseconds(600));  // until it is painted
-    RECT part{};
-    GetWindowRect(window, &part);
-    WriteText(folder + "/" + name + ".bmp", PictureOf(part));
-}
 
 class FrameworkWindows : public testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Languages, FrameworkWindows, testing::Values("en", "de"));
@@ -77,8 +37,8 @@ TEST_P(FrameworkWindows, NoDialogCutsItsTextsOff) {
                 const auto cutOff = TextsCutOff(window);
                 EXPECT_TRUE(name == "choose-folder" || cutOff.empty())
                     << name << testing::PrintToString(cutOff);
-                if (language == (pictured.empty() ? "en" : pictured))
-                    TakePicture(window, name);
+                if (shown_dialogs::AreToBePictured() && language == (pictured.empty() ? "en" : pictured))
+                    shown_dialogs::TakePicture(name);
                 Dismiss(window);
             });
             open(*framework);
