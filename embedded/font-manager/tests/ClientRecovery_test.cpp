@@ -1,4 +1,7 @@
 // Agents and hosts that die, freeze or come back, and the notifications.
+#include <atomic>
+#include <thread>
+
 #include "TestFiles.h"
 #include "ipc/AgentConnection.h"
 #include "tests/support/ClientTest.h"
@@ -84,6 +87,54 @@ TEST_F(ClientRecovery, NotificationsArriveOnceAndUntilTheyAreUnsubscribed) {
     EXPECT_EQ(Ask(UnregisterForNotifications, Note), 0u);
     mWorld.RunForJson({"logout"});
     EXPECT_EQ(notes.received, expected);
+}
+
+// What becomes of calls of a callback: how many there were, and whether one goes on for a while.
+std::atomic<int> calls{0};
+std::atomic<bool> isInCallback{false};
+
+void TakeTime(int32_t, const void*) {
+    isInCallback = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    isInCallback = false;
+    ++calls;
+}
+
+void LeaveAtOnce(int32_t, const void*) {
+    static const TestLibrary library;
+    const PluginFacadeRef facade = library.Facade();
+    EXPECT_EQ(library.RegisterForNotifications(facade, TakeTime), CoreErrorCodes::kNotSupported);
+    EXPECT_EQ(library.UnregisterForNotifications(facade, LeaveAtOnce), 0u);
+    ++calls;
+}
+
+TEST_F(ClientRecovery, ACallbackMayLeaveWithinItsCallAndWhoTakesOneAwayWaitsForItsEnd) {
+    calls = 0;
+    ASSERT_EQ(Ask(RegisterForNotifications, LeaveAtOnce), 0u);
+    Listen();
+    mWorld.RunForJson({"logout"});
+    ASSERT_TRUE(IsNoted(kPluginCallback_LoggedOut));
+    ASSERT_EQ(Ask(RegisterForNotifications, TakeTime), 0u);
+    mWorld.RunForJson({"login", "somebody"});
+    ASSERT_TRUE(Eventually([] { return isInCallback.load(); }));
+    EXPECT_EQ(Ask(UnregisterForNotifications, TakeTime), 0u);
+    EXPECT_FALSE(isInCallback);
+    EXPECT_EQ(calls, 2) << "one of each";
+}
+
+TEST_F(ClientRecovery, NobodyIsToldWhoseSubscriptionFailedOrIsOver) {
+    mWorld.StopAgent();
+    EXPECT_EQ(Ask(RegisterForNotifications, Note), GIPCClient::kServiceUnavailable);
+    mWorld.StartAgent();
+    for (const char* name : {"me", "you"}) {
+        calls = 0;
+        ASSERT_EQ(Ask(RegisterForNotifications, TakeTime), 0u);
+        mWorld.RunForJson({"login", name});
+        EXPECT_TRUE(Eventually([] { return calls > 0; }));
+        EXPECT_TRUE(notes.received.empty());
+        Listen();
+        CleanUpOnShutdown();
+    }
 }
 
 TEST_F(ClientRecovery, AGoodbyeIsNotifiedAndEachNewAgentIsHeard) {

@@ -158,7 +158,6 @@ TEST_F(ClientFonts, AreFoundByNameFamilyAndFingerprint) {
     const Json info = Given<CFDictionaryRef>(GetFontInfoByID, kBold);
     EXPECT_EQ(info[kGS_FamilyKey], "Sample");
     EXPECT_EQ(info[kGS_FoundryKey], "TEST");
-    EXPECT_EQ(Told<int32_t>(GetFoundryNameColumnID), 6);
     CFDictionaryRef font = nullptr;
     EXPECT_EQ(Ask(GetFontInfoByID, 999, &font), CoreErrorCodes::kNotFound);
 
@@ -171,6 +170,21 @@ TEST_F(ClientFonts, AreFoundByNameFamilyAndFingerprint) {
     EXPECT_FALSE(fingerprint.contains(kGS_PathKey)) << "where it stands does not tell it apart";
     CFStringRef text = nullptr;
     EXPECT_EQ(Ask(GetGlyphscanXMPData, 4711, &text), CoreErrorCodes::kNotFound);
+}
+
+TEST_F(ClientFonts, EachOfTheirColumnsHasItsNumber) {
+    std::set<int32_t> numbers;
+    const auto note = [&](std::string_view name, auto function) {
+        if constexpr (requires(int32_t number) { function(Facade(), &number); }) {
+            const bool isColumn = name.ends_with("ColumnID");
+            EXPECT_TRUE(!isColumn || numbers.insert(Told<int32_t>(function)).second) << name;
+        }
+    };
+#define NOTE_NUMBER(symbol, parameters) note(#symbol, symbol);
+    TARNWICK_PLUGIN_FUNCTIONS(NOTE_NUMBER)
+#undef NOTE_NUMBER
+    EXPECT_EQ(Told<int32_t>(GetFoundryNameColumnID), 6);
+    EXPECT_EQ(std::pair(*numbers.begin(), *numbers.rbegin()), std::pair(1, 23));
 }
 
 TEST_F(ClientFonts, AFreshMachineHasThreeWorkgroupsAndAUserWhoMayActivate) {
@@ -219,7 +233,8 @@ TEST_F(ClientFonts, AreExportedUnderTheirNamesWithoutOverwritingOthers) {
         {{999, kBold, kOne, kTwo, kItalic},
          free,
          {kUnavailable, {free + "Pair.ttc", free + "Sample-Italic-1.0.ttf"}}},
-        {{999}, free, {kUnavailable, {}}}};
+        {{999}, free, {kUnavailable, {}}},
+        {{kBold}, free, {kUnavailable, {}}}};
     for (const auto& [fonts, target, exported] : cases)
         EXPECT_EQ(Export(fonts, target), exported);
     EXPECT_EQ(mWorld.FilesBelow("free").size(), 4u) << "two fonts, and two lists of them";
@@ -290,6 +305,11 @@ TEST(ClientLog, WritesIntoTheFolderForLogsAndStaysBounded) {
         EXPECT_EQ(library.Log(thread, "anew"), 0u);
         EXPECT_EQ(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")), "anew");
     }
+    PluginThreadInstanceRef second = nullptr;  // of a thread that opened none: the log of the process
+    ASSERT_EQ(library.InitThreadInstance(&second), 0u);
+    EXPECT_EQ(library.Log(second, "end"), 0u);
+    EXPECT_TRUE(ContentOf(world.Path("data/Vantorix/Logs/Plugin.log")).ends_with("end"));
+    EXPECT_EQ(library.DestroyThreadInstance(second), 0u);
     EXPECT_EQ(library.DestroyThreadInstance(thread), 0u);
 }
 
@@ -308,6 +328,9 @@ TEST(ClientLibrary, AnswersNullAndStaleArgumentsWithCodes) {
                  {library.GetIsLoggedIn(facade, nullptr), kNull},
                  {library.ActivateFonts(facade, nullptr, nullptr, nullptr, nullptr), kNull},
                  {library.GetPluginFacadeInstance(nullptr), kNull},
+                 {library.InitAppInstance(facade, nullptr, "1"), kNull},
+                 {library.InitAppInstance(facade, "Host", "1"), GIPCClient::kServiceUnavailable},
+                 {library.GetFontsByFamilyName(facade, nullptr, 1, cf::MutableArray().get()), kNull},
                  {library.RegisterForNotifications(facade, nullptr), kNull},
                  {library.RenderFontNamePreviewPNGs(facade, nullptr, nullptr, nullptr), kNull},
                  {library.TrackFontPanelClick(facade, 1), CoreErrorCodes::kNotImplemented}});
