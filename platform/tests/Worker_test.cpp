@@ -51,6 +51,13 @@ TEST_F(WorkerTest, HasLetGoOfTheFileWhenItAnswers) {
         ASSERT_EQ(mWorker->Exchange("", file, mAnswer, mProblem), Outcome::kAnswered) << mProblem;
         ASSERT_EQ(mAnswer, content) << "Windows does not let a file be cut off that somebody has mapped";
     }
+    const std::string large = mFolder.Write("large", "");
+    std::filesystem::resize_file(Utf8Path(large), 64 << 20);
+    ASSERT_FALSE(mFile.Open(large));
+    for (int time = 0; time < 20; ++time) {  // more than the memory that it may have
+        ASSERT_EQ(Ask("size"), Outcome::kAnswered) << mProblem;
+        ASSERT_EQ(mAnswer, std::to_string(64 << 20));
+    }
 }
 
 TEST_F(WorkerTest, IsEndedWhenItDoesWhatItMustNotAndNotStartedAgain) {

@@ -56,6 +56,8 @@ TEST_F(LocalSocketTest, TakesThePlaceOfADeadProcesssSocketAndOfNothingElse) {
     EXPECT_TRUE(IsReached());
     EXPECT_EQ(fs::status(mAddress).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(fs::status(mSockets).permissions(), fs::perms::owner_all);
+    mAcceptor.Close();
+    EXPECT_FALSE(fs::exists(mSockets)) << "nothing else is in it";
 }
 
 TEST_F(LocalSocketTest, ListensOnlyWhereNobodyElseCanPutAnythingInItsPlace) {

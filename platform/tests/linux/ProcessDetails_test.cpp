@@ -23,8 +23,9 @@ std::unique_ptr<platform::ChildProcess> LaunchScript(const std::string& script) 
 
 TEST(ProcessDetails, AChildThatEndsIsCollectedWithItsStatus) {
     const ScopedVariable ready("PLUGINCORE_READY_DESCRIPTOR", "99");  // as where the host was launched itself
-    const auto child = LaunchScript("exit $PLUGINCORE_READY_DESCRIPTOR");
-    EXPECT_EQ(WaitForExit(*child), 3);
+    const ScopedVariable other("PLUGINCORE_TEST_STATUS", "4");
+    const auto child = LaunchScript("exit $((PLUGINCORE_READY_DESCRIPTOR + PLUGINCORE_TEST_STATUS))");
+    EXPECT_EQ(WaitForExit(*child), 7);
     EXPECT_EQ(waitpid(static_cast<pid_t>(child->Id()), nullptr, WNOHANG), -1) << "a zombie was left";
 }
 

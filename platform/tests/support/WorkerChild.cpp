@@ -41,6 +41,8 @@ std::string AnswerTo(const std::string& request, std::string_view file) {
             return "no memory";
         }
     }
+    if (request == "size")
+        return std::to_string(file.size());
     if (request == "answer with much")
         return std::string(kTestWorkerLimits.answerSize + 1, 'x');
     return request + std::string(file);
