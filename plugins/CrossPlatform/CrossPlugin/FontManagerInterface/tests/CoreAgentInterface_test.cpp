@@ -148,6 +148,7 @@ TEST_F(CoreAgentInterfaceTest, FontsAreCollectedInAtMostTwentyParts) {
     EXPECT_EQ(collect(), GZephyrinExportFonts::kFontUnavailableToExport);
     EXPECT_EQ(library.CallsOf("ExportFonts"), 15);
     EXPECT_EQ(std::pair(steps, last), std::pair(16, 45));
+    EXPECT_FALSE(agent.CanExportFromWorkgroup(fonts.get())) << "the agent says nothing of it";
     CFArrayRemoveAllValues(fonts.get());
     VPILoader::GetSharedInstance()->pfOSCreateDirectory = nullptr;
     EXPECT_EQ(collect(), CoreErrorCodes::kNotImplemented);

@@ -52,6 +52,9 @@ TEST_F(FacadeTest, FontsGetTheNamesOfTheirWorkgroupsOfWhichOneIsToBeThere) {
     EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(7));
     EXPECT_FALSE(fontManager.IsValidWorkgroupForUser(8));
     EXPECT_EQ(fontManager.GetWorkgroupNameFromID(8), "");
+    EXPECT_EQ(fontManager.SetCurrentWorkgroup(CFSTR("Lib")), CoreErrorCodes::kNotFound);
+    EXPECT_EQ(fontManager.SetCurrentWorkgroup(CFSTR("Library")), 0u);
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupID(), 7);
     EXPECT_TRUE(fontManager.IsWorkgroupAvailable());
     MarquellGlobals::SetPluginFunctionalityEnabled(false);
     fontManager.InitializeDefaultWorkgroup();
@@ -120,7 +123,7 @@ TEST_F(FacadeTest, FontsThatTheAgentWasNotToldOfAreLetGoLater) {
     const auto font = Record();
     EXPECT_EQ(fontManager.XTDeactivateFont(font.get(), 0), -1);
     EXPECT_EQ(fontManager.XTDeactivateFont(font.get(), 0), -1) << "and put off";
-    clock.ticks += 64000;
+    clock.ticks += 500;  // the agent could be reached
     fontManager.OnIdle();
     EXPECT_EQ(library.CallsOf("DeactivateFonts"), 6);
     EXPECT_EQ(fontManager.XTDeactivateFont(font.get(), 0), 0);
@@ -136,6 +139,7 @@ TEST_F(FacadeTest, ThereIsOneFontManagerAndWhatWasPutOffGoesWithIt) {
     fontManager.OnHostAppShuttingDown();
     EXPECT_FALSE(MarquellGlobals::ArePluginServicesEnabled() || MarquellGlobals::IsConnectedToCore());
     EXPECT_EQ(library.CallsOf("CleanUpOnShutdown"), 1);
+    EXPECT_EQ(library.CallsOf("ActivateFonts"), 1) << "the fonts are kept";
     EXPECT_EQ(fontManager.XTDeactivateFont(Record().get(), 0),
               static_cast<int16_t>(kErrorMarquellNotRunning));
     MarquellGlobals::SetPluginServicesEnabled(true);

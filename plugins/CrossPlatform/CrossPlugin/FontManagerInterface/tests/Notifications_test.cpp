@@ -204,6 +204,8 @@ TEST_F(NotificationsTest, ImagesOfFontsAreJoinedUpToALimit) {
     Report(kPluginCallback_SmartListsChanged);
     ReportImages({"2", "3"}, " new");
     Process();
+    ReportImages({"2"}, " next");
+    Process();
     std::vector<std::string> fontIDs;
     while (fontIDs.size() < NotificationQueue::kMostImages - 1)
         fontIDs.push_back(std::to_string(fontIDs.size() + 1));
@@ -211,8 +213,9 @@ TEST_F(NotificationsTest, ImagesOfFontsAreJoinedUpToALimit) {
     ReportImages({"last"}, " y");
     ReportImages({"one more"}, " z");
     Process();
-    EXPECT_THAT(Told(), ElementsAre("SmartListsChanged", "PreviewPNGsRendered old new new",
-                                    "PreviewPNGsRendered x x x y", "PanelDataChanged"));
+    EXPECT_THAT(Told(),
+                ElementsAre("SmartListsChanged", "PreviewPNGsRendered old new new",
+                            "PreviewPNGsRendered next", "PreviewPNGsRendered x x x y", "PanelDataChanged"));
 }
 
 TEST_F(NotificationsTest, OfMoreFontsThanWaitPanelsReadTheirDataAnew) {
