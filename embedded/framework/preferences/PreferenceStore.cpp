@@ -31,7 +31,7 @@ nlohmann::json& ObjectMember(nlohmann::json& object, const std::string& name) {
 
 int64_t WholeNumber(double value) {
     constexpr double kLimit = 9223372036854775808.0;  // 2^63
-    return value > -kLimit && value < kLimit ? static_cast<int64_t>(value) : 0;
+    return value >= -kLimit && value < kLimit ? static_cast<int64_t>(value) : 0;
 }
 
 int64_t AsInteger(const nlohmann::json& value) {

@@ -256,7 +256,8 @@ TEST_F(DialogsTest, WhatIsShownSaysWhatIsChosenAndWhatStandsNow) {
     const struct {
         const char *dialog, *typed, *onTerminal, *inWindow;
     } cases[] = {
-        {"Question", "huh\n", "1: Yes  2: No  [2] That is not one of the choices.\n", "<Yes> <No>"},
+        {"Question", "huh\n", "1: Yes  2: No  [2] That is not one of the choices.\n",
+         "Log in now?\n<Yes> <No>"},
         {"About", "", "Quillon Type Client\nPlug-in version 8.0.1\nActivates", "<OK> by default"},
         {"Preferences", "1\n", "   1  Activate fonts automatically  [off]\n", "[x] Activate fonts"},
         {"SelectWorkgroup 7", "x\n", "\n   2  Print\n*  3  Print 2024[2J\n   4  2\n",

@@ -46,7 +46,7 @@ TEST_F(PreferenceStoreTest, ReadersAreTolerantOfOtherTypes) {
         {false, false, 0, ""},      {-3, true, -3, ""},      {least, true, least, ""},
         {0.5, true, 0, ""},         {-2.9, true, -2, ""},    {0x1p63, true, 0, ""},
         {"12", false, 0, "12"},     {nullptr, false, 0, ""}, {json::object(), false, 0, ""},
-        {UINT64_MAX, false, 0, ""}, {true, true, 1, ""}};
+        {UINT64_MAX, false, 0, ""}, {true, true, 1, ""},     {-0x1p63, true, least, ""}};
     for (const auto& [value, asBool, asInt, asString] : cases) {
         ASSERT_TRUE(mStore.Set("Key", value));
         EXPECT_EQ(mStore.GetBool("Key"), asBool) << value;
