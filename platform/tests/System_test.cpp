@@ -31,8 +31,8 @@ TEST(DynamicLibraries, AreFoundByAnAddressAndSayWhyOneCannotBeLoaded) {
     static const char here = 0;
     auto& libraries = platform::Current<platform::DynamicLibraries>();
     EXPECT_NE(libraries.ModuleAt(&here), nullptr);
-    EXPECT_EQ(libraries.ModuleAt(nullptr), nullptr);
     platform::SystemError error;
+    EXPECT_EQ(libraries.ModuleAt(&error), nullptr) << "the stack is of no module";
     EXPECT_EQ(libraries.LoadFromPath(platform::FullPath("/no/such.library"), error), nullptr);
     EXPECT_THAT(libraries.LastLoadFailure(), testing::HasSubstr("such.library"));
 }
