@@ -69,6 +69,7 @@ TEST_F(Collect, LeavesOutWhatMayNotBeEmbeddedWhereThatIsWanted) {
         EXPECT_EQ(Run({whole, "--to", world.Path("to"), "--restricted", word}).status, 0);
     EXPECT_EQ(Manifest("to")["fonts"][0]["file"], "Locked.ttf");
     EXPECT_EQ(Run({whole, "--to", world.Path("to"), "--restricted", "perhaps"}).status, 2);
+    EXPECT_EQ(Run({poster, whole, "--document-fonts"}).status, 3) << "the first lacks a font";
     EXPECT_EQ(Run({whole}).status, 2) << "nowhere to collect";
     EXPECT_EQ(Run({whole, "--to", whole}).status, 1) << "no folder";
 }

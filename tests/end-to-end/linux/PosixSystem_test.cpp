@@ -56,5 +56,6 @@ read line
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.errors, HasSubstr("a b.pdf is opened without Gone"));
     EXPECT_THAT(result.output, Not(HasSubstr("socket"))) << "of the agent";
+    EXPECT_THAT(world.Trace(), HasSubstr("hostApp='Inkscape'")) << "by the program's name";
     EXPECT_TRUE(Eventually([&] { return world.VisibleFonts().empty(); })) << "it is over with the program";
 }

@@ -106,6 +106,7 @@ TEST_F(SystemFonts, GiveWayToANewerVersionAlone) {
     // Until the user prefers another one of the name.
     const Json rivals = mWorld.RunForJson({"conflicts"})["fonts"];
     ASSERT_EQ(rivals.size(), 4u);
+    EXPECT_THAT(mWorld.Run({"conflicts"}).output, HasSubstr(", same outlines and widths"));
     EXPECT_EQ(rivals[3][member::kIsChosen], true);
     const std::string systems = std::to_string(IntegerMember(rivals[0], kGS_DatabaseIDKey));
     EXPECT_EQ(Run({"prefer", "Plain-Regular"}), 1) << "four are called so";
