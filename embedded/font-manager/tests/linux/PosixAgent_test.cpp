@@ -90,6 +90,19 @@ TEST_F(PosixAgent, WithoutFreeDescriptorsNoHostLosesItsFonts) {
     library.CleanUpOnShutdown();
 }
 
+TEST_F(PosixAgent, AdmitsALittleLaterWhomItCannotLookAtJustNow) {
+    SKIP_WITH_SANITIZERS();
+    rlim_t number = 0;  // the first that is free: enough to accept, not to look who that is
+    while (fs::is_symlink("/proc/" + std::to_string(Process()) + "/fd/" + std::to_string(number)))
+        ++number;
+    std::jthread newcomer;
+    {
+        const auto limit = LimitDescriptors(number + 1);
+        newcomer = std::jthread([] { GoodClient().ExpectToBeServed(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    }
+}
+
 TEST_F(PosixAgent, WithoutMemoryLetsGoOfOneClientAndServesTheOthers) {
     SKIP_WITH_SANITIZERS();
     GoodClient other;
