@@ -98,6 +98,9 @@ constexpr Step kSteps[] = {
     {"status", 0, "user        somebody\n"},
     {"status", 0, ", with a server\n"},
     {"doctor", 0, "ok      files: 2 fonts in 2 files were compared"},
+    {"doctor", 0, "plug-ins cannot start the agent by themselves"},
+    {"launch-info", 0, ""},
+    {"doctor", 0, "ok      launch-info: "},
 };
 
 TEST(CommandLine, DoesWhatItIsToldAndSaysInALineWhatItCannot) {
