@@ -93,6 +93,10 @@ TEST_F(CommandLine, AScriptCanCallEveryExportWithNothing) {
     EXPECT_EQ(host.Call("GetAPIVersion", {{"requestedVersion", 7}})["codeName"],
               "CoreErrorCodes::kNotImplemented");
     EXPECT_EQ(host.Finish().status, 0);
+    ScriptedHost ofAnotherVersion;
+    EXPECT_NE(
+        ofAnotherVersion.Call("InitializePluginCoreInterface", {{"versionPrefixRequired", "99."}})["code"],
+        0);
 }
 
 TEST_F(CommandLine, EventsPrintsWhatGoesToThePanelUntilEnterOrItsTimeIsOver) {

@@ -56,6 +56,9 @@ struct Step {
 
 constexpr Step kSteps[] = {
     {"status", 5, "no agent is running; start it with"},
+    {"set|create|First", 0, ""},  // starts one
+    {"set|delete|First", 0, ""},
+    {"stop", 0, ""},
     {"workgroup|create|Project", 0, ""},
     {"workgroup|create|Project", 1, "already; choose another name"},
     {"smartlist|create| \xC2\xA0", 1, "give the"},
