@@ -8,6 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Environment.h"
+#include "platform/Folders.h"
 #include "platform/System.h"
 
 TEST(Clock, GoesOn) {

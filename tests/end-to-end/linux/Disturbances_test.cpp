@@ -1,6 +1,7 @@
 // Life with an agent that is killed, restarted and stalled at random, and the end of hosts with an agent in
 // trouble. Here a few rounds of each. A long run:
-// DISTURBED_ROUNDS=1000 [DISTURBANCE_SEED=N] scripts/isolated build/dev/tests/end-to-end-tests --gtest_filter='Disturbances.*'
+// DISTURBED_ROUNDS=1000 [DISTURBANCE_SEED=N]
+//   scripts/isolated build/dev/tests/end-to-end-tests --gtest_filter='Disturbances.*'
 
 #include <cstdio>
 #include <random>

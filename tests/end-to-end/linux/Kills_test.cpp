@@ -1,5 +1,6 @@
 // An agent that is killed while clients add, remove and activate fonts. Here some rounds; a long run:
-// KILLED_ROUNDS=1000 [KILL_SEED=N] scripts/isolated build/dev/tests/end-to-end-tests --gtest_filter='Kills.*'
+// KILLED_ROUNDS=1000 [KILL_SEED=N]
+//   scripts/isolated build/dev/tests/end-to-end-tests --gtest_filter='Kills.*'
 
 #include <cstdio>
 #include <random>
