@@ -4,6 +4,7 @@
 #   scripts/windows-screenshots.sh FOLDER LANGUAGE   # to another place, in another language than English
 set -euo pipefail
 scripts=$(dirname -- "$(readlink -f -- "$0")")
+command -v import >/dev/null || { echo "there is no ImageMagick; install the package imagemagick" >&2; exit 1; }
 target=${1:-$scripts/../docs/images/windows}
 mkdir -p "$target"
 work=$(mktemp -d)  # a path without blanks, which Wine's "start" does not take

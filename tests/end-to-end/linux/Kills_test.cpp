@@ -2,12 +2,14 @@
 // KILLED_ROUNDS=1000 [KILL_SEED=N]
 //   scripts/isolated build/dev/tests/end-to-end-tests --gtest_filter='Kills.*'
 
+#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <thread>
 
 #include "HostWorld.h"
 #include "ipc/AgentConnection.h"
+#include "platform/Files.h"
 
 using pellwick::AgentConnection;
 using pellwick::Json;
@@ -30,7 +32,8 @@ struct RandomClient {
     void Work() {
         AgentConnection connection(std::chrono::seconds(30));
         for (;; ++done) {
-            const std::string font = std::next(files.begin(), random() % files.size())->first;
+            const std::string font =
+                std::next(files.begin(), static_cast<long>(random() % files.size()))->first;
             const char* const kinds[] = {method::kAddFile, method::kRemoveFonts, method::kActivateForUser,
                                          method::kActivateForUser, method::kDeactivateForUser};
             const char* const kind = kinds[known.contains(font) ? random() % std::size(kinds) : 0];
@@ -40,10 +43,15 @@ struct RandomClient {
                 after.try_emplace(font);
                 arguments = {{"path", files[font]}};
             } else {
-                arguments = {{"fonts", {ids.at(font)}}};
-                after[font] = kind == method::kActivateForUser;
-                if (kind == method::kRemoveFonts)
-                    after.erase(font);
+                std::set<std::string> fonts{font};  // all of them or none
+                for (size_t more = random() % 3; more > 0; --more)
+                    fonts.insert(std::next(known.begin(), static_cast<long>(random() % known.size()))->first);
+                for (const std::string& each : fonts) {
+                    arguments["fonts"].push_back(ids.at(each));
+                    after[each] = kind == method::kActivateForUser;
+                    if (kind == method::kRemoveFonts)
+                        after.erase(each);
+                }
             }
             Json result;
             const ErrorCode code = connection.Call(kind, arguments, result);
@@ -87,15 +95,24 @@ void StartAgent(TestWorld& world, std::mt19937& random) {
     world.StartAgent();
 }
 
+std::set<std::string> FileNamesOf(const std::vector<std::string>& paths) {
+    std::set<std::string> names;
+    std::transform(paths.begin(), paths.end(), std::inserter(names, names.end()), platform::NamePart);
+    return names;
+}
+
 /// That all is as it was answered to be, and records, vault and active files agree, whose contents doctor compares;
 /// the clients go on from it.
 void Check(const TestWorld& world, std::vector<RandomClient>& clients) {
     Json fonts;
     EXPECT_TRUE(Eventually([&] {  // what the vault held when the agent died is taken back
         fonts = world.RunForJson({"list", "--no-start"})["fonts"];
-        return fonts.size() == world.VaultFiles().size();
+        std::vector<std::string> recorded;
+        for (const Json& font : fonts)
+            recorded.push_back(font[kGS_PathKey]);
+        return FileNamesOf(recorded) == FileNamesOf(world.VaultFiles());
     }));
-    size_t active = 0;
+    std::vector<std::string> active;
     for (RandomClient& client : clients) {
         Library library;
         for (const Json& font : fonts) {
@@ -104,13 +121,14 @@ void Check(const TestWorld& world, std::vector<RandomClient>& clients) {
                 continue;
             client.ids[name] = font[kGS_DatabaseIDKey];
             library[name] = font[kGS_ActivationStateKey] == int{kFontActivationState_ActivatedByUser};
-            active += library[name] ? 1 : 0;
+            if (library[name])
+                active.push_back(font[kGS_PathKey]);
         }
         EXPECT_TRUE(library == client.known || library == client.perhaps)
             << testing::PrintToString(library) << "; was " << testing::PrintToString(client.known);
         client.known = std::move(library);
     }
-    EXPECT_EQ(world.ActiveFiles().size(), active);
+    EXPECT_EQ(FileNamesOf(world.ActiveFiles()), FileNamesOf(active));
     const ProgramResult doctor = world.Run({"doctor", "--no-start"});
     EXPECT_EQ(doctor.status, 0) << doctor.errors;
 }

@@ -43,7 +43,10 @@ def write_document(name, *paragraphs):
 
 
 def run(*command, **options):
-    return subprocess.run(command, text=True, capture_output=True, check=True, **options)
+    result = subprocess.run(command, text=True, capture_output=True, **options)
+    if result.returncode != 0:
+        raise RuntimeError(f"{command[0]} ended with {result.returncode}: {result.stderr}")
+    return result
 
 
 def converted_fonts(document, **environment):
@@ -61,22 +64,25 @@ def visible_fonts():
 
 
 class DrivenLibreOffice:
-    """One that does as it is told. Documents are numbered as they come."""
+    """One that does as it is told, until the test is over. Documents are numbered as they come."""
 
-    def __init__(self):
+    def __init__(self, test):
         pipe = f"plugincore-test-{os.getpid()}"
         # "soffice" is a script that waits for it, and starts it again with a new profile.
         program = pathlib.Path(shutil.which("soffice")).resolve().parent / "soffice.bin"
         self.process = subprocess.Popen([program, PROFILE, "--headless", f"--accept=pipe,name={pipe};urp;"],
                                         text=True, stderr=subprocess.PIPE)
+        test.addCleanup(self.process.kill)
         context = uno.getComponentContext()
         self.factory = context.ServiceManager
         resolver = self.factory.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", context)
-        for attempt in range(300):
+        deadline = time.monotonic() + 60
+        remote = None
+        while remote is None:
             try:
                 remote = resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
-                break
             except NoConnectException:
+                test.assertLess(time.monotonic(), deadline, "LibreOffice does not listen")
                 time.sleep(0.1)
         self.desktop = remote.getValueByName("/singletons/com.sun.star.frame.theDesktop")
         self.documents = []
@@ -104,8 +110,9 @@ class DrivenLibreOffice:
         self.documents[number].close(True)
 
     def kill(self):
+        """What it said."""
         self.process.kill()
-        return self.process.communicate()[1] if not self.process.stderr.closed else ""
+        return self.process.communicate()[1]
 
 
 class LibreOffice(unittest.TestCase):
@@ -124,8 +131,7 @@ class LibreOffice(unittest.TestCase):
         almond = write_document("almond.fodt", 'fo:font-family="Almond"')
         both = write_document("both.fodt", 'fo:font-family="Almond"', 'fo:font-family="Pecan"')
         self.assertEqual(converted_fonts(almond)[0], {"Almond-Regular"})  # and the profile is made
-        office = DrivenLibreOffice()
-        self.addCleanup(office.kill)
+        office = DrivenLibreOffice(self)
         of_both = {"Almond-Regular", "Pecan-Regular"}
 
         def expect(fonts, *steps):
