@@ -1,0 +1,26 @@
+// How a system starts a program for a test.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Processes.h"
+
+struct StreamCloser {
+    void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using Stream = std::unique_ptr<std::FILE, StreamCloser>;
+
+/// A program, and our ends of the pipes to its standard streams. It inherits nothing else.
+struct StartedProgram {
+    /// Starts the program at the full path `command[0]`. Throws when that fails.
+    explicit StartedProgram(const std::vector<std::string>& command);
+    /// Waits for its end, once; its exit status.
+    int Collect() const;
+
+    Stream input, output, errors;
+    platform::ProcessId id = 0;
+    std::shared_ptr<void> handle;  ///< on Windows; while it is open, no other process gets the identifier
+};
