@@ -13,16 +13,22 @@ using namespace pellwick;
 
 namespace {
 
-/// From JSON to CoreFoundation and back; what comes back makes the trip unchanged.
+/// From JSON to CoreFoundation and back.
+Json ThroughCF(const Json& value) {
+    return JsonFromCF(CFFromJson(value).get());
+}
+
+/// What is nested too deep becomes null on the way back, and nulls are lost on the way there; the rest makes the trip
+/// unchanged.
 void CheckMessage(std::string_view payload) {
     const auto message = DecodeMessage(payload);
     if (!message)
         return;
     const Json& result = message->contains("result") ? message->at("result") : *message;
-    const Json once = JsonFromCF(CFFromJson(result).get());
-    const Json twice = JsonFromCF(CFFromJson(once).get());
+    const Json whole = ThroughCF(ThroughCF(result));
     // As messages: not-a-number equals nothing.
-    Require(EncodeMessage(twice) == EncodeMessage(once), "objects and values stand for one another");
+    Require(EncodeMessage(ThroughCF(whole)) == EncodeMessage(whole),
+            "objects and values stand for one another");
     AddPreviews(cf::MutableDictionary().get(), ArrayMember(result, "previews"));
     Require(!FailureText(static_cast<ErrorCode>(IntegerMember(result, "code")), result).empty(),
             "failures have a text");
