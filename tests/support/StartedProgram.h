@@ -1,4 +1,4 @@
-// How a system starts a program for a test.
+// How a system starts a program for a test, ends it and has it stand still.
 #pragma once
 
 #include <cstdio>
@@ -24,3 +24,8 @@ struct StartedProgram {
     platform::ProcessId id = 0;
     std::shared_ptr<void> handle;  ///< on Windows; while it is open, no other process gets the identifier
 };
+
+// By force, without waiting until it is gone. A process that has ended is left alone.
+void KillProcess(platform::ProcessId id);
+void SuspendProcess(platform::ProcessId id);
+void ResumeProcess(platform::ProcessId id);

@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
+#include <mutex>
 #include <thread>
-
-#include "StartedProgram.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/Processes.h"
+#include "StartedProgram.h"
 
 /// What a program that was run to its end left behind.
 struct ProgramResult {
@@ -11,11 +11,6 @@ struct ProgramResult {
     std::string output;
     std::string errors;
 };
-
-// By force, without waiting until it is gone. A process that has ended is left alone.
-void KillProcess(platform::ProcessId id);
-void SuspendProcess(platform::ProcessId id);
-void ResumeProcess(platform::ProcessId id);
 
 /// A child process with pipes to its standard streams; it is killed and collected when the object dies. It
 /// inherits nothing else. Texts are UTF-8. One thread.

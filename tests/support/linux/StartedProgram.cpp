@@ -1,4 +1,4 @@
-#include "TestProcess.h"
+#include "StartedProgram.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "Descriptor.h"
-#include "StartedProgram.h"
 
 namespace {
 

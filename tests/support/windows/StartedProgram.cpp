@@ -1,4 +1,4 @@
-#include "TestProcess.h"
+#include "StartedProgram.h"
 
 #include <io.h>
 #include <windows.h>
@@ -8,7 +8,6 @@
 
 #include "CommandLineText.h"
 #include "OwnedHandle.h"
-#include "StartedProgram.h"
 #include "platform/Utf8Path.h"
 
 namespace {

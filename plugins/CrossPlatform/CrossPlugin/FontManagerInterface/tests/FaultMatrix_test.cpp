@@ -1,4 +1,4 @@
-// A call of the interface library, which stands for all, against every way to lose the agent.
+// A call of the interface library, which stands for all, against the ways to lose the agent.
 
 #include "FacadeTest.h"
 #include "HostPatience.h"
@@ -17,7 +17,7 @@ struct Case {
     size_t losses;           ///< one after the other, within one call
     size_t failingLaunches;  ///< of the first start
     int32_t answer;          ///< to the question whether to try again
-
+    // What comes of it.
     bool succeeds;
     size_t launches;
     std::string_view boxes;  ///< "N": the notice that the agent is lost, "Q": the question
@@ -117,7 +117,7 @@ private:
 
 TEST_F(FaultMatrix, EveryCallHealsOrGivesUpAsDocumented) {
     for (const Case& each : kCases) {
-        SCOPED_TRACE(&each - kCases);
+        SCOPED_TRACE(testing::Message() << "case " << &each - kCases << ": " << each.loss);
         Run(each);
         if (HasFailure())
             return;
